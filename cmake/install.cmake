@@ -1,0 +1,14 @@
+# find_package(Tarvex) for another CMake program: Tarvex::core, Tarvex::coordsys and so on.
+include(CMakePackageConfigHelpers)
+
+get_property(libraries GLOBAL PROPERTY TARVEX_LIBRARIES)
+install(TARGETS ${libraries} EXPORT TarvexTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvex)
+install(EXPORT TarvexTargets NAMESPACE Tarvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
+configure_package_config_file(cmake/TarvexConfig.cmake.in TarvexConfig.cmake
+                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
+write_basic_package_version_file(TarvexConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)

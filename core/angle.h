@@ -1,0 +1,37 @@
+// Packed sexagesimal angles: one double of the form DDD.MMSSsss (12°34'56.7" is 12.34567), as files
+// and entry fields hold them. Inside the system angles are radians or decimal degrees.
+//
+// An angle is rounded in seconds before it is packed, so that no field ever reads 60 minutes or 60
+// seconds. Positive angles of a full circle or more come out below 360; a negative angle keeps its
+// sign, a negative zero does not.
+#pragma once
+
+#include <string>
+
+namespace tarvex {
+
+/// Decimal degrees of a packed angle, taken apart through decimal text so that binary fractions do
+/// not leak into the minutes. 0 for no value (core/no_value.h).
+double PackedToDegrees(double packed);
+
+/// The packed angle as text with 12 decimals of the seconds; empty for no value.
+std::string DegreesToPackedText(double degrees);
+
+/// The packed angle as a record field with `decimals` (3 to 12) decimals: 4 are whole seconds, 3
+/// are tens of seconds. Empty for no value.
+std::string PackedField(double degrees, int decimals);
+
+/// The packed angle as a double: DegreesToDmsText read back.
+double DegreesToPacked(double degrees);
+
+/// Display text 12°34'56.7" (UTF-8); at most 9 decimals of the seconds, trailing zeros dropped.
+/// Empty for no value.
+std::string DegreesToDmsText(double degrees);
+
+/// 360 subtracted once from a value of 360 or more, added once to a negative value.
+constexpr double NormaliseAzimuth(double degrees) {
+  if (degrees >= 360.0) return degrees - 360.0;
+  return degrees < 0.0 ? degrees + 360.0 : degrees;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,35 @@
+// The point that every job is made of.
+#pragma once
+
+#include "core/fixed_text.h"
+
+namespace tarvex {
+
+inline constexpr std::size_t kPointIdLength = 9;
+inline constexpr std::size_t kDescriptionLength = 31;
+
+using PointId = FixedText<kPointIdLength>;
+using Description = FixedText<kDescriptionLength>;
+
+/// Grid coordinates in the job's distance unit.
+struct GridPoint {
+  double northing = 0.0;
+  double easting = 0.0;
+  double elevation = 0.0;
+
+  bool operator==(const GridPoint&) const = default;
+};
+
+struct Point {
+  GridPoint at;
+  Description description;
+  PointId id;  ///< in a numeric file the record number in decimal
+
+  bool operator==(const Point&) const = default;
+};
+
+/// True when the record stands for no point: a blank description and all three coordinates within
+/// 1e-6 of zero.
+bool IsEmptySlot(const GridPoint& at, std::string_view description);
+
+}  // namespace tarvex

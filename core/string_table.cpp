@@ -1,0 +1,73 @@
+#include "core/string_table.h"
+
+#include <algorithm>
+#include <array>
+
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::string_view kKeyPrefix = "IDS_STRING";
+
+struct Entry {
+  int number;
+  std::string_view text;
+};
+
+// In ascending order of number.
+constexpr std::array kEntries = {
+    // Coordinate systems
+    Entry{141, "Coordinate system"},
+    Entry{2205, "The projection \""},
+    Entry{2206, "\" is not known; the projection of the system was left as it was."},
+};
+
+static_assert(std::is_sorted(kEntries.begin(), kEntries.end(),
+                             [](const Entry& a, const Entry& b) { return a.number < b.number; }));
+
+std::string_view BuiltInText(int number) {
+  const auto at = std::lower_bound(kEntries.begin(), kEntries.end(), number,
+                                   [](const Entry& entry, int key) { return entry.number < key; });
+  return at != kEntries.end() && at->number == number ? at->text : std::string_view();
+}
+
+}  // namespace
+
+std::string StringTable::Text(int number) const {
+  if (const auto own = overridden_.find(number); own != overridden_.end()) return own->second;
+  const std::string_view text = BuiltInText(number);
+  return text.empty() ? std::string(kKeyPrefix) + std::to_string(number) : std::string(text);
+}
+
+std::string StringTable::Text(int number, std::initializer_list<std::string_view> arguments) const {
+  const std::string form = Text(number);
+  std::string text;
+  auto next = arguments.begin();
+  for (std::size_t i = 0; i < form.size(); ++i) {
+    if (next != arguments.end() && form.compare(i, 2, "%s") == 0) {
+      text += *next++;
+      ++i;
+    } else {
+      text += form[i];
+    }
+  }
+  return text;
+}
+
+void StringTable::Override(std::string_view language_file) {
+  while (const auto line = TakeLine(language_file)) {
+    const std::size_t equals = line->find('=');
+    if (!line->starts_with(kKeyPrefix) || equals == std::string_view::npos) continue;
+    const auto number = ParseInteger(line->substr(kKeyPrefix.size(), equals - kKeyPrefix.size()));
+    if (number) overridden_[static_cast<int>(*number)] = line->substr(equals + 1);
+  }
+}
+
+StringTable& Strings() {
+  static StringTable table;
+  return table;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,56 @@
+#include "platform/file.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace tarvex {
+
+bool FileStatus::not_found() const {
+  return code == ENOENT;
+}
+
+std::string FileStatus::Text() const {
+  return std::generic_category().message(code);
+}
+
+FileStatus ReadWholeFile(FileSystem& files, const std::string& path, std::uint64_t limit,
+                         std::string& bytes) {
+  std::unique_ptr<File> file;
+  if (FileStatus status = files.Open(path, FileAccess::Read, file); !status.ok()) return status;
+  std::uint64_t size = 0;
+  if (FileStatus status = file->Size(size); !status.ok()) return status;
+  if (size > limit) return {EFBIG};
+  std::string read(static_cast<std::size_t>(size), '\0');
+  std::size_t got = 0;
+  if (FileStatus status = file->ReadAt(0, read, got); !status.ok()) return status;
+  read.resize(got);
+  bytes = std::move(read);
+  return {};
+}
+
+namespace {
+
+FileStatus WriteNewFile(FileSystem& files, const std::string& path, std::string_view bytes) {
+  std::unique_ptr<File> file;
+  if (FileStatus status = files.Open(path, FileAccess::CreateOrTruncate, file); !status.ok()) {
+    return status;
+  }
+  if (FileStatus status = file->WriteAt(0, bytes); !status.ok()) return status;
+  return file->Sync();
+}
+
+}  // namespace
+
+FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes) {
+  const std::string temporary = path + ".tmp";
+  FileStatus status = WriteNewFile(files, temporary, bytes);
+  if (status.ok() && files.Exists(path)) status = files.CopyRights(path, temporary);
+  if (status.ok()) status = files.Rename(temporary, path);
+  if (!status.ok()) {
+    (void)files.Remove(temporary);
+    return status;
+  }
+  return files.SyncFolderOf(path);
+}
+
+}  // namespace tarvex

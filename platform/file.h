@@ -1,0 +1,78 @@
+// Files behind a small interface, so that everything that stores data can be tested with a disk
+// that fills, a process that dies at any write, and no disk at all.
+//
+// Positions are absolute byte offsets. Nothing here buffers: a write that returned has reached the
+// system, and after Sync() it has reached the disk.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace tarvex {
+
+/// What a file operation came to: 0, or the system's error number.
+struct [[nodiscard]] FileStatus {
+  int code = 0;
+
+  bool ok() const { return code == 0; }
+  bool not_found() const;
+  /// The system's own text for the error ("No space left on device").
+  std::string Text() const;
+
+  bool operator==(const FileStatus&) const = default;
+};
+
+/// An open file; closed when destroyed.
+class File {
+ public:
+  virtual ~File() = default;
+
+  /// Reads up to `out.size()` bytes at `offset`; `got` is less only at the end of the file.
+  virtual FileStatus ReadAt(std::uint64_t offset, std::span<char> out, std::size_t& got) = 0;
+  /// Writes all bytes at `offset`, or fails.
+  virtual FileStatus WriteAt(std::uint64_t offset, std::string_view bytes) = 0;
+  virtual FileStatus Resize(std::uint64_t size) = 0;
+  /// Returns when what was written is on the disk.
+  virtual FileStatus Sync() = 0;
+  virtual FileStatus Size(std::uint64_t& size) = 0;
+};
+
+enum class FileAccess {
+  Read,              ///< must exist
+  ReadWrite,         ///< must exist
+  CreateNew,         ///< must not exist
+  CreateOrTruncate,  ///< empty afterwards
+  CreateOrKeep,      ///< created when missing, else as it stands
+};
+
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  virtual FileStatus Open(const std::string& path, FileAccess access,
+                          std::unique_ptr<File>& file) = 0;
+  virtual bool Exists(const std::string& path) = 0;
+  virtual FileStatus Remove(const std::string& path) = 0;
+  /// Replaces `to` in one step: afterwards `to` is the old file or the new one, never a mixture.
+  virtual FileStatus Rename(const std::string& from, const std::string& to) = 0;
+  /// Makes the names in the folder of `path` durable (a file created, renamed or removed there).
+  virtual FileStatus SyncFolderOf(const std::string& path) = 0;
+  /// Gives `path` the access rights of `model`.
+  virtual FileStatus CopyRights(const std::string& model, const std::string& path) = 0;
+};
+
+/// The files of this machine.
+FileSystem& SystemFiles();
+
+/// The whole file as bytes, at most `limit` of them (a larger file is an error, EFBIG).
+FileStatus ReadWholeFile(FileSystem& files, const std::string& path, std::uint64_t limit,
+                         std::string& bytes);
+
+/// Replaces the whole file durably: the new bytes go to PATH.tmp, which is synced and renamed over
+/// it. After a failure or a crash at any point `path` holds the old bytes or the new ones.
+FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes);
+
+}  // namespace tarvex

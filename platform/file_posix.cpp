@@ -1,0 +1,135 @@
+// The files of a POSIX system.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+
+#include "platform/file.h"
+
+namespace tarvex {
+namespace {
+
+FileStatus LastStatus() {
+  return {errno};
+}
+
+class PosixFile final : public File {
+ public:
+  explicit PosixFile(int descriptor) : descriptor_(descriptor) {}
+  PosixFile(const PosixFile&) = delete;
+  PosixFile& operator=(const PosixFile&) = delete;
+  ~PosixFile() override { ::close(descriptor_); }
+
+  FileStatus ReadAt(std::uint64_t offset, std::span<char> out, std::size_t& got) override {
+    std::size_t done = 0;
+    while (done < out.size()) {
+      const ssize_t n = ::pread(descriptor_, out.data() + done, out.size() - done,
+                                static_cast<off_t>(offset + done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return LastStatus();
+      if (n == 0) break;
+      done += static_cast<std::size_t>(n);
+    }
+    got = done;
+    return {};
+  }
+
+  FileStatus WriteAt(std::uint64_t offset, std::string_view bytes) override {
+    while (!bytes.empty()) {
+      const ssize_t n =
+          ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return LastStatus();
+      if (n == 0) return {ENOSPC};
+      bytes.remove_prefix(static_cast<std::size_t>(n));
+      offset += static_cast<std::uint64_t>(n);
+    }
+    return {};
+  }
+
+  FileStatus Resize(std::uint64_t size) override {
+    return ::ftruncate(descriptor_, static_cast<off_t>(size)) == 0 ? FileStatus{} : LastStatus();
+  }
+
+  FileStatus Sync() override { return ::fdatasync(descriptor_) == 0 ? FileStatus{} : LastStatus(); }
+
+  FileStatus Size(std::uint64_t& size) override {
+    struct stat info {};
+    if (::fstat(descriptor_, &info) != 0) return LastStatus();
+    size = static_cast<std::uint64_t>(info.st_size);
+    return {};
+  }
+
+ private:
+  int descriptor_;
+};
+
+int OpenFlags(FileAccess access) {
+  switch (access) {
+    case FileAccess::Read:
+      return O_RDONLY;
+    case FileAccess::ReadWrite:
+      return O_RDWR;
+    case FileAccess::CreateNew:
+      return O_RDWR | O_CREAT | O_EXCL;
+    case FileAccess::CreateOrTruncate:
+      return O_RDWR | O_CREAT | O_TRUNC;
+    case FileAccess::CreateOrKeep:
+      return O_RDWR | O_CREAT;
+  }
+  return O_RDONLY;
+}
+
+class PosixFileSystem final : public FileSystem {
+ public:
+  FileStatus Open(const std::string& path, FileAccess access,
+                  std::unique_ptr<File>& file) override {
+    const int descriptor = ::open(path.c_str(), OpenFlags(access) | O_CLOEXEC, 0666);
+    if (descriptor < 0) return LastStatus();
+    struct stat info {};
+    if (::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode)) {
+      ::close(descriptor);
+      return {EISDIR};
+    }
+    file = std::make_unique<PosixFile>(descriptor);
+    return {};
+  }
+
+  bool Exists(const std::string& path) override { return ::access(path.c_str(), F_OK) == 0; }
+
+  FileStatus Remove(const std::string& path) override {
+    return ::unlink(path.c_str()) == 0 ? FileStatus{} : LastStatus();
+  }
+
+  FileStatus Rename(const std::string& from, const std::string& to) override {
+    return std::rename(from.c_str(), to.c_str()) == 0 ? FileStatus{} : LastStatus();
+  }
+
+  FileStatus SyncFolderOf(const std::string& path) override {
+    std::string folder = std::filesystem::path(path).parent_path().string();
+    if (folder.empty()) folder = ".";
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return LastStatus();
+    const FileStatus status = ::fsync(descriptor) == 0 ? FileStatus{} : LastStatus();
+    ::close(descriptor);
+    return status;
+  }
+
+  FileStatus CopyRights(const std::string& model, const std::string& path) override {
+    struct stat info {};
+    if (::stat(model.c_str(), &info) != 0) return LastStatus();
+    return ::chmod(path.c_str(), info.st_mode & 07777) == 0 ? FileStatus{} : LastStatus();
+  }
+};
+
+}  // namespace
+
+FileSystem& SystemFiles() {
+  static PosixFileSystem files;
+  return files;
+}
+
+}  // namespace tarvex

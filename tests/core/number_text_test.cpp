@@ -1,0 +1,62 @@
+#include "core/number_text.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <random>
+
+namespace tarvex {
+namespace {
+
+TEST(LeadingNumber, TakesWhatStartsTheText) {
+  EXPECT_EQ(LeadingDouble("12.5abc"), 12.5);
+  EXPECT_EQ(LeadingDouble("  +7"), 7.0);
+  EXPECT_EQ(LeadingDouble("-.5*47"), -0.5);
+  EXPECT_EQ(LeadingDouble("1e3,"), 1000.0);
+  EXPECT_EQ(LeadingDouble("4."), 4.0);
+  for (const char* none : {"", "abc", "-", "+-3", "inf", "nan", ".", "-e5"}) {
+    EXPECT_EQ(LeadingDouble(none), 0.0) << none;
+  }
+  EXPECT_EQ(LeadingDouble("1e999"), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(LeadingDouble("1e-999"), 0.0);
+  EXPECT_EQ(LeadingInteger(" -12abc"), -12);
+  EXPECT_EQ(LeadingInteger("A10"), 0);
+  EXPECT_EQ(LeadingInteger("99999999999999999999"), std::numeric_limits<long long>::max());
+}
+
+TEST(StrictNumber, RefusesWhatIsNotANumber) {
+  EXPECT_EQ(ParseNumber(" 5000.25 "), 5000.25);
+  EXPECT_EQ(ParseInteger("+12"), 12);
+  for (const char* bad : {"", "12x", "1,5", "--1", "nan", "1e999", "1 2"}) {
+    EXPECT_EQ(ParseNumber(bad), std::nullopt) << bad;
+  }
+  EXPECT_EQ(ParseInteger("1.5"), std::nullopt);
+}
+
+TEST(FixedNumber, MatchesThePrintedForm) {
+  std::mt19937_64 random(7);
+  std::uniform_real_distribution<double> value(-1e7, 1e7);
+  for (int i = 0; i < 5000; ++i) {
+    const double v = i % 2 == 0 ? value(random) : value(random) * 1e-9;
+    for (const int decimals : {0, 1, 4, 12}) {
+      char printed[400];
+      std::snprintf(printed, sizeof printed, "%.*f", decimals, v);
+      ASSERT_EQ(FixedNumber(v, decimals), printed);
+    }
+  }
+  EXPECT_EQ(FixedNumber(1e300, 2).size(), 304U);
+}
+
+TEST(Integers, ArePaddedBehindTheSign) {
+  std::string text;
+  AppendInteger(text, 7, 2);
+  AppendInteger(text, -7, 3);
+  AppendInteger(text, 1234, 2);
+  EXPECT_EQ(text, "07-0071234");
+}
+
+}  // namespace
+}  // namespace tarvex
