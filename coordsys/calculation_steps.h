@@ -1,0 +1,87 @@
+// The seams of the calculator's chain. CTrgCalculator itself owns the projection and the job's
+// unit; each of the other steps is an object handed in, and a step that is not there is not made:
+//
+//   WGS84 -> DatumShift -> projection -> GridCorrection -> SiteLocalization -> job unit
+//                                 elevation = WGS84 height minus GeoidModel
+//
+// Both directions of a step close on each other to better than 1e-5 m. Objects are const after
+// construction, so that one calculator can be used from any thread.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "coordsys/coordinates.h"
+
+namespace tarvex {
+
+/// A point on the plane of projection, metres.
+struct PlanePoint {
+  double northing_m = 0.0;
+  double easting_m = 0.0;
+
+  bool operator==(const PlanePoint&) const = default;
+};
+
+/// A plane point with its elevation, metres.
+struct GridMetres {
+  double northing_m = 0.0;
+  double easting_m = 0.0;
+  double elevation_m = 0.0;
+
+  bool operator==(const GridMetres&) const = default;
+};
+
+enum class [[nodiscard]] StepStatus : int{
+    Done,
+    LeftUndone,  ///< the value went through unchanged; the conversion goes on and says so
+    Refused,     ///< no value; the conversion ends here
+};
+
+/// What one step came to; `reason` is the number of its text in the string table, 0 when done.
+struct [[nodiscard]] StepOutcome {
+  StepStatus status = StepStatus::Done;
+  int reason = 0;
+
+  bool operator==(const StepOutcome&) const = default;
+};
+
+/// Between WGS84 and the system's datum. Positions are changed in place, and only when Done.
+class DatumShift {
+ public:
+  virtual ~DatumShift() = default;
+  virtual StepOutcome ToSystem(Geodetic& position) const = 0;
+  virtual StepOutcome ToWgs84(Geodetic& position) const = 0;
+  /// One line for people: method and parameters or file.
+  virtual std::string Describe() const = 0;
+};
+
+/// Between the projected plane and the system's official grid (a national shift grid).
+class GridCorrection {
+ public:
+  virtual ~GridCorrection() = default;
+  virtual StepOutcome ToGrid(GridMetres& point) const = 0;
+  virtual StepOutcome ToPlane(GridMetres& point) const = 0;
+  virtual std::string Describe() const = 0;
+};
+
+/// Heights of the geoid above the ellipsoid.
+class GeoidModel {
+ public:
+  virtual ~GeoidModel() = default;
+  /// The undulation in metres at a WGS84 position.
+  virtual StepOutcome Undulation(double latitude_rad, double longitude_rad,
+                                 double& undulation_m) const = 0;
+  virtual std::string Describe() const = 0;
+};
+
+/// Between the system's grid and the site's local coordinates, metres on both sides.
+class SiteLocalization {
+ public:
+  virtual ~SiteLocalization() = default;
+  virtual StepOutcome ToLocal(GridMetres& point) const = 0;
+  virtual StepOutcome ToGrid(GridMetres& point) const = 0;
+  virtual std::string Describe() const = 0;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,67 @@
+#include "coordsys/ellipsoids.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "coordsys/projection_types.h"
+
+namespace tarvex {
+namespace {
+
+Ellipsoid LookUp(int code) {
+  Ellipsoid found{1.0, 2.0};
+  LookUpEllipsoid(code, found.semi_major_m, found.flattening);
+  return found;
+}
+
+TEST(Ellipsoids, CodesOutsideTheTableAreWgs84AndTheUsersOwnIsLeftAlone) {
+  EXPECT_EQ(LookUp(13), LookUp(2));
+  for (const int code : {15, 16, -1, 998, 1000}) EXPECT_EQ(LookUp(code), kWgs84) << code;
+  EXPECT_EQ(LookUp(kUserEllipsoid), (Ellipsoid{1.0, 2.0}));
+}
+
+// The published defining ratios of ellipsoids whose inverse flattening or axes are exact.
+TEST(Ellipsoids, TableAgreesWithPublishedDefinitions) {
+  struct Case {
+    int code;
+    double semi_major_m;
+    double inverse_flattening;
+  };
+  const Case cases[] = {
+      {0, 6377563.396, 299.3249646},  {1, 6377340.189, 299.3249646},
+      {3, 6377397.155, 299.1528128},  {4, 6378206.4, 294.978698213898},
+      {5, 6378249.145, 293.465},      {6, 6377276.345, 300.8017},
+      {8, 6377304.063, 300.8017},     {9, 6378137.0, 298.257222101},
+      {10, 6378200.0, 298.3},         {11, 6378270.0, 297.0},
+      {12, 6378388.0, 297.0},         {14, 6378135.0, 298.26},
+      {20, 6378137.0, 298.257223563},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(LookUp(c.code).semi_major_m, c.semi_major_m) << c.code;
+    EXPECT_NEAR(LookUp(c.code).flattening, 1.0 / c.inverse_flattening, 1.5e-12) << c.code;
+  }
+}
+
+TEST(ProjectionTypes, NamesAndCodesAreEachOthersInverse) {
+  for (int code = 0; code < kProjectionTypes; ++code) {
+    const auto name = ProjectionName(code);
+    ASSERT_TRUE(name);
+    EXPECT_EQ(static_cast<int>(ProjectionCode(*name).value()), code);
+  }
+  EXPECT_FALSE(ProjectionName(-1));
+  EXPECT_FALSE(ProjectionName(17));
+}
+
+TEST(ProjectionTypes, AliasesAreReadAndLetterCaseCounts) {
+  EXPECT_EQ(ProjectionCode("Oblique_Stereographic (Double)"), ProjectionType::ObliqueStereographic);
+  EXPECT_EQ(ProjectionCode("Double_Stereographic"), ProjectionType::ObliqueStereographic);
+  EXPECT_EQ(ProjectionName(2), "Oblique_Stereographic");
+  EXPECT_EQ(static_cast<int>(ProjectionCode("Oblique_Stereographic_RD2004").value()), 16);
+  EXPECT_FALSE(ProjectionCode("transverse_mercator"));
+  EXPECT_FALSE(ProjectionCode("Transverse_Mercator "));
+  EXPECT_FALSE(ProjectionCode(""));
+}
+
+}  // namespace
+}  // namespace tarvex
