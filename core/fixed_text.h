@@ -28,6 +28,12 @@ class FixedText {
     std::memcpy(bytes_, text.data(), text.size());
   }
 
+  /// Takes a file's field of N + 1 bytes as it stands; its last byte counts as NUL.
+  void TakeField(const char* field) {
+    std::memcpy(bytes_, field, N);
+    bytes_[N] = '\0';
+  }
+
   std::string_view view() const { return {bytes_, std::strlen(bytes_)}; }
   std::string str() const { return std::string(view()); }
   bool empty() const { return bytes_[0] == '\0'; }

@@ -8,6 +8,9 @@ namespace tarvex {
 inline constexpr std::size_t kPointIdLength = 9;
 inline constexpr std::size_t kDescriptionLength = 31;
 
+/// The highest number that a numeric file takes: what 9 characters can name.
+inline constexpr long long kHighestPointNumber = 999999999;
+
 using PointId = FixedText<kPointIdLength>;
 using Description = FixedText<kDescriptionLength>;
 

@@ -18,8 +18,20 @@ struct Entry {
 
 // In ascending order of number.
 constexpr std::array kEntries = {
-    // Coordinate systems
     Entry{141, "Coordinate system"},
+    // Job files
+    Entry{1001, "The coordinate file %s cannot be opened for writing: %s."},
+    Entry{1002, "The coordinate file %s cannot be created: %s."},
+    Entry{1003, "%s is not a coordinate file, or its header is damaged; nothing was changed."},
+    Entry{1004, "The older coordinate file %s cannot be converted: %s. It is as before."},
+    Entry{1005,
+          "An interrupted change of %s cannot be completed: %s. Nothing is lost; mend this and "
+          "open the job again."},
+    Entry{1006, "The coordinate file %s cannot be read: %s."},
+    Entry{1011, "Point %s could not be stored in %s: %s."},
+    Entry{1012, "Point %s could not be deleted from %s: %s."},
+    Entry{1014, "The points could not be stored in %s: %s. The file is as before."},
+    // Coordinate systems
     Entry{2205, "The projection \""},
     Entry{2206, "\" is not known; the projection of the system was left as it was."},
 };

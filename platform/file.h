@@ -38,6 +38,10 @@ class File {
   /// Returns when what was written is on the disk.
   virtual FileStatus Sync() = 0;
   virtual FileStatus Size(std::uint64_t& size) = 0;
+  /// Waits until no other program holds the lock of this file; given up when the file is closed.
+  virtual FileStatus Lock() = 0;
+  /// True when `path` still names this file (and not one that replaced it meanwhile).
+  virtual bool IsNamed(const std::string& path) = 0;
 };
 
 enum class FileAccess {

@@ -1,5 +1,6 @@
 // The files of a POSIX system.
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -61,6 +62,20 @@ class PosixFile final : public File {
     if (::fstat(descriptor_, &info) != 0) return LastStatus();
     size = static_cast<std::uint64_t>(info.st_size);
     return {};
+  }
+
+  FileStatus Lock() override {
+    while (::flock(descriptor_, LOCK_EX) != 0) {
+      if (errno != EINTR) return LastStatus();
+    }
+    return {};
+  }
+
+  bool IsNamed(const std::string& path) override {
+    struct stat mine {};
+    struct stat named {};
+    return ::fstat(descriptor_, &mine) == 0 && ::stat(path.c_str(), &named) == 0 &&
+           mine.st_dev == named.st_dev && mine.st_ino == named.st_ino;
   }
 
  private:

@@ -1,0 +1,175 @@
+// Reading, searching and changing an open coordinate file.
+#include <cerrno>
+
+#include "core/coordinate_file.h"
+#include "core/coordinate_layout.h"
+#include "core/point_id.h"
+
+namespace tarvex {
+namespace {
+
+// The binary search remembers this many of its upper nodes, and reads the last records in one
+// piece.
+constexpr std::size_t kRememberedNodes = 4096;
+constexpr std::uint64_t kBlockRecords = 256;
+
+}  // namespace
+
+CoordinateStream::CoordinateStream(FileSystem& files, std::string path, std::unique_ptr<File> file,
+                                   bool alphanumeric, std::uint64_t size)
+    : files_(files),
+      path_(std::move(path)),
+      file_(std::move(file)),
+      alphanumeric_(alphanumeric),
+      size_(size) {}
+
+std::uint64_t CoordinateStream::record_size() const {
+  return alphanumeric_ ? alphanumeric_layout::kRecordSize : numeric_layout::kRecordSize;
+}
+
+std::uint64_t CoordinateStream::RecordOffset(std::uint64_t index) const {
+  const std::uint64_t header =
+      alphanumeric_ ? alphanumeric_layout::kHeaderSize : numeric_layout::kRecordSize;
+  return header + record_size() * index;
+}
+
+std::uint64_t CoordinateStream::record_count() const {
+  const std::uint64_t header = RecordOffset(0);
+  return size_ <= header ? 0 : (size_ - header) / record_size();
+}
+
+FileStatus CoordinateStream::ReadRecords(std::uint64_t first, std::uint64_t count,
+                                         std::string& bytes) {
+  bytes.resize(static_cast<std::size_t>(count * record_size()));
+  std::size_t got = 0;
+  if (FileStatus status = file_->ReadAt(RecordOffset(first), bytes, got); !status.ok()) {
+    return status;
+  }
+  return got == bytes.size() ? FileStatus{} : FileStatus{EIO};
+}
+
+FileStatus CoordinateStream::ReadRecord(std::uint64_t index, Point& point) {
+  std::string bytes;
+  if (FileStatus status = ReadRecords(index, 1, bytes); !status.ok()) return status;
+  if (alphanumeric_) {
+    alphanumeric_layout::DecodeRecord(bytes.data(), point);
+  } else {
+    numeric_layout::DecodeRecord(bytes.data(), point);
+    point.id.Assign(std::to_string(index + 1));
+  }
+  return {};
+}
+
+FileStatus CoordinateStream::IdAt(std::uint64_t index, PointId& id) {
+  char field[alphanumeric_layout::kIdSize] = {};
+  std::size_t got = 0;
+  const std::uint64_t offset = RecordOffset(index) + alphanumeric_layout::kIdOffset;
+  if (FileStatus status = file_->ReadAt(offset, field, got); !status.ok()) return status;
+  if (got != sizeof field) return {EIO};
+  id.TakeField(field);
+  return {};
+}
+
+FileStatus CoordinateStream::ProbeAt(std::size_t node, std::uint64_t index, PointId& id) {
+  if (node >= kRememberedNodes) return IdAt(index, id);
+  if (probes_.empty()) probes_.resize(kRememberedNodes);
+  Probe& probe = probes_[node];
+  if (!probe.known) {
+    if (FileStatus status = IdAt(index, probe.id); !status.ok()) return status;
+    probe.known = true;
+  }
+  id = probe.id;
+  return {};
+}
+
+// The search goes on in memory once the records between `low` and `high` fit into one read.
+FileStatus CoordinateStream::FindInBlock(std::string_view id, std::uint64_t low, std::uint64_t high,
+                                         RecordPosition& position) {
+  const std::uint64_t first = low + 1;
+  std::string block;
+  if (FileStatus status = ReadRecords(first, high - first, block); !status.ok()) return status;
+  while (high - low > 1) {
+    const std::uint64_t middle = (low + high) / 2;
+    const char* record = block.data() + (middle - first) * record_size();
+    const int order = ComparePointIds(alphanumeric_layout::DecodeId(record).view(), id);
+    if (order == 0) {
+      position = {.index = middle, .found = true};
+      return {};
+    }
+    (order < 0 ? low : high) = middle;
+  }
+  position = {.index = high, .found = false};
+  return {};
+}
+
+FileStatus CoordinateStream::Find(std::string_view id, RecordPosition& position) {
+  const std::uint64_t count = record_count();
+  if (count == 0) {
+    position = {};
+    return {};
+  }
+  PointId probe;
+  if (FileStatus status = ProbeAt(0, count - 1, probe); !status.ok()) return status;
+  int order = ComparePointIds(probe.view(), id);
+  if (order <= 0) {
+    position = {.index = order == 0 ? count - 1 : count, .found = order == 0};
+    return {};
+  }
+  if (FileStatus status = ProbeAt(1, 0, probe); !status.ok()) return status;
+  order = ComparePointIds(probe.view(), id);
+  if (order >= 0) {
+    position = {.index = 0, .found = order == 0};
+    return {};
+  }
+  std::uint64_t low = 0;
+  std::uint64_t high = count - 1;
+  // Nodes 0 and 1 are the last and the first record; the tree of the search starts at node 2.
+  for (std::size_t node = 2; high - low > kBlockRecords;) {
+    const std::uint64_t middle = (low + high) / 2;
+    if (FileStatus status = ProbeAt(node, middle, probe); !status.ok()) return status;
+    order = ComparePointIds(probe.view(), id);
+    if (order == 0) {
+      position = {.index = middle, .found = true};
+      return {};
+    }
+    (order < 0 ? low : high) = middle;
+    node = node * 2 + (order < 0 ? 1 : 0);
+  }
+  return FindInBlock(id, low, high, position);
+}
+
+FileStatus CoordinateStream::Append(std::string_view bytes) {
+  Forget();
+  const std::uint64_t end = RecordOffset(record_count());
+  FileStatus status = file_->WriteAt(end, bytes);
+  if (status.ok()) status = file_->Sync();
+  if (!status.ok()) {
+    (void)file_->Resize(end);
+    return status;
+  }
+  size_ = std::max(size_, end + bytes.size());
+  return {};
+}
+
+FileStatus CoordinateStream::Overwrite(std::uint64_t offset, std::string_view bytes) {
+  Forget();
+  return file_->WriteAt(offset, bytes);
+}
+
+FileStatus CoordinateStream::Shorten(std::uint64_t size) {
+  Forget();
+  if (FileStatus status = file_->Resize(size); !status.ok()) return status;
+  size_ = size;
+  return file_->Sync();
+}
+
+FileStatus CoordinateStream::Change(std::vector<FileWrite> writes, std::uint64_t new_size) {
+  Forget();
+  const FileChange change{.old_size = size_, .new_size = new_size, .writes = std::move(writes)};
+  const FileStatus status = ChangeFile(files_, path_, *file_, change);
+  std::uint64_t size = size_;
+  if (file_->Size(size).ok()) size_ = size;
+  return status;
+}
+
+}  // namespace tarvex

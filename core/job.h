@@ -1,0 +1,80 @@
+// The open job: where its coordinate file is, what is known of it, and which point id comes next.
+// Files are opened for each operation and closed again; the job never holds one open.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/point.h"
+#include "core/units.h"
+#include "platform/clock.h"
+#include "platform/file.h"
+
+namespace tarvex {
+
+/// What the person in front of the program decides when the point to store may exist already.
+struct ExistingPointAnswer {
+  enum class Choice { Overwrite, UseOtherId, Cancel, Failed };
+  Choice choice = Choice::Overwrite;
+  std::string other_id;  ///< with UseOtherId
+};
+
+/// What a job needs from the program around it.
+class JobHost {
+ public:
+  virtual ~JobHost() = default;
+
+  virtual FileSystem& files() = 0;
+  virtual Clock& clock() = 0;
+  /// Called before a store that was asked to check, when the id is not beyond the last one.
+  /// `exists` says whether a point with this id is really there.
+  virtual ExistingPointAnswer AskExistingPoint(const std::string& id, bool exists) = 0;
+  virtual void ShowMessage(const std::string& text) = 0;
+  virtual void ShowWaitCursor(bool shown) = 0;
+};
+
+/// Texts that a job carries about itself.
+struct JobInformation {
+  std::string start_date;
+  std::string start_time;
+  std::string last_modified_date;
+  std::string last_modified_time;
+};
+
+struct Job {
+  explicit Job(JobHost& job_host) : host(job_host) {}
+
+  JobHost& host;
+  std::string path;  ///< of the coordinate file
+  std::string name;  ///< written into the raw file; empty for a job without a name
+  bool alphanumeric_new_files = true;
+
+  // As the file was when it was last opened or stored into.
+  bool alphanumeric = true;
+  std::string last_point_id = "0";
+  long long last_point_number = 0;
+
+  std::string current_point_id;  ///< the next store uses it: a number in a numeric file
+  long long point_increment = 1;
+  std::uint64_t found_record_position = 0;  ///< of the last lookup in an alphanumeric file
+  Point last_stored_point;
+  JobInformation information;
+
+  DistanceUnit unit = DistanceUnit::Metres;
+  bool azimuths_from_south = false;
+  double scale_factor = 1.0;
+  bool curvature_correction = false;
+  std::string collector = "Tarvex";  ///< identification line of the raw file
+};
+
+/// The path with its extension replaced ("site.crd" and "rw5" give "site.rw5").
+std::string PathWithExtension(const std::string& path, std::string_view extension);
+
+/// Moves the job's current point id on by its increment, after a store.
+void AdvanceCurrentPoint(Job& job);
+
+/// "12-05-2008" and "14:03:59", as files carry date and time.
+std::string DateText(const LocalTime& time);
+std::string TimeText(const LocalTime& time);
+
+}  // namespace tarvex

@@ -1,0 +1,25 @@
+// Storing many points in one go: the file is merged and replaced as a whole, at a cost that grows
+// with n log n, and comes out byte for byte as if the points had been stored one at a time.
+#pragma once
+
+#include <span>
+
+#include "core/job.h"
+#include "core/point.h"
+
+namespace tarvex {
+
+enum class [[nodiscard]] StorePointsResult : int{
+    Stored = 1,
+    Nothing = 0,    ///< the file could not be written (the person was told); it is as before
+    NoStream = -1,  ///< the file could not be opened (the person was told)
+    BadPoint =
+        -3  ///< a point without an id or with coordinates that are not numbers; nothing is stored
+};
+
+/// Stores all points, each under its own id, over those that exist; of equal ids the last one wins.
+/// `bad_point`, when given, receives the index of the point that was refused.
+StorePointsResult StorePoints(Job& job, std::span<const Point> points,
+                              std::size_t* bad_point = nullptr);
+
+}  // namespace tarvex

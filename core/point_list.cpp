@@ -1,0 +1,114 @@
+#include "core/point_list.h"
+
+#include <algorithm>
+#include <new>
+
+#include "core/change_journal.h"
+#include "core/coordinate_file.h"
+#include "core/coordinate_layout.h"
+#include "core/number_text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::uint64_t kBlockRecords = 8192;
+constexpr int kProgressParts = 100;
+
+// Tells the progress window each time the next hundredth of the file is passed.
+class ProgressTeller {
+ public:
+  ProgressTeller(const ProgressWindow& window, std::uint64_t total)
+      : window_(window), total_(total) {}
+
+  void Passed(std::uint64_t done) {
+    if (!window_ || total_ == 0) return;
+    const int part = static_cast<int>(done * kProgressParts / total_);
+    if (part <= told_) return;
+    told_ = part;
+    window_("\n" + std::to_string(part) + "%");
+  }
+
+ private:
+  const ProgressWindow& window_;
+  std::uint64_t total_;
+  int told_ = 0;
+};
+
+// Appends the points of a block of records; false when one is not where the other list has it.
+class BlockDecoder {
+ public:
+  BlockDecoder(bool alphanumeric, PointList& points, const PointList* verify_against)
+      : alphanumeric_(alphanumeric), points_(points), verify_against_(verify_against) {}
+
+  bool Take(const std::string& block, std::uint64_t first, std::size_t record_size) {
+    for (std::size_t at = 0; at + record_size <= block.size(); at += record_size, ++first) {
+      Point& point = points_.emplace_back();
+      Decode(block.data() + at, first, point);
+      if (IsEmptySlot(point.at, point.description.view())) {
+        points_.pop_back();
+      } else if (!Verifies(point)) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  void Decode(const char* record, std::uint64_t index, Point& point) const {
+    if (alphanumeric_) {
+      alphanumeric_layout::DecodeRecord(record, point);
+      return;
+    }
+    numeric_layout::DecodeRecord(record, point);
+    id_text_.clear();
+    AppendInteger(id_text_, static_cast<long long>(index + 1));
+    point.id.Assign(id_text_);
+  }
+
+  bool Verifies(const Point& point) const {
+    if (verify_against_ == nullptr) return true;
+    const std::size_t place = points_.size() - 1;
+    return place < verify_against_->size() && (*verify_against_)[place].id == point.id;
+  }
+
+  bool alphanumeric_;
+  PointList& points_;
+  const PointList* verify_against_;
+  mutable std::string id_text_;
+};
+
+LoadPointsResult LoadFrom(CoordinateStream& stream, PointList& points,
+                          const PointList* verify_against, const ProgressWindow& progress) {
+  const std::uint64_t count = stream.record_count();
+  points.reserve(static_cast<std::size_t>(count));
+  BlockDecoder decoder(stream.alphanumeric(), points, verify_against);
+  ProgressTeller teller(progress, count);
+  std::string block;
+  for (std::uint64_t first = 0; first < count; first += kBlockRecords) {
+    const std::uint64_t some = std::min(kBlockRecords, count - first);
+    if (!stream.ReadRecords(first, some, block).ok()) return LoadPointsResult::CannotOpen;
+    if (!decoder.Take(block, first, static_cast<std::size_t>(stream.record_size()))) {
+      return LoadPointsResult::Mismatch;
+    }
+    teller.Passed(first + some);
+  }
+  return LoadPointsResult::Loaded;
+}
+
+}  // namespace
+
+LoadPointsResult LoadAllPoints(Job& job, PointList& points, const PointList* verify_against,
+                               const ProgressWindow& progress) {
+  const auto stream = OpenForReading(job);
+  if (!stream) return LoadPointsResult::CannotOpen;
+  try {
+    PointList loaded;
+    const LoadPointsResult result = LoadFrom(*stream, loaded, verify_against, progress);
+    if (result == LoadPointsResult::Loaded) points.swap(loaded);
+    return result;
+  } catch (const std::bad_alloc&) {
+    return LoadPointsResult::OutOfMemory;
+  }
+}
+
+}  // namespace tarvex

@@ -1,0 +1,32 @@
+// All points of a coordinate file in memory, in file order.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/job.h"
+#include "core/point.h"
+
+namespace tarvex {
+
+using PointList = std::vector<Point>;
+
+enum class [[nodiscard]] LoadPointsResult : int{
+    Loaded = 0, OutOfMemory = 1,
+    CannotOpen = 2,  ///< cannot be opened or read, or is no coordinate file
+    Mismatch = 3     ///< the records are not those of the list to verify against
+};
+
+/// Called with texts like "\n42%", at most 100 times a load.
+using ProgressWindow = std::function<void(std::string_view)>;
+
+/// Reads every record that is not an empty slot. With `verify_against`, each record's id must be
+/// that of the list's point at the same place. `points` is written only on success. The file is
+/// read as it stands and never changed, except that an interrupted change is finished first.
+LoadPointsResult LoadAllPoints(Job& job, PointList& points,
+                               const PointList* verify_against = nullptr,
+                               const ProgressWindow& progress = {});
+
+}  // namespace tarvex

@@ -1,0 +1,289 @@
+#include "core/point_store.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/coordinate_layout.h"
+#include "core/number_text.h"
+#include "core/point_id.h"
+#include "core/string_table.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kStoreFailedMessage = 1011;
+constexpr int kDeleteFailedMessage = 1012;
+constexpr std::uint64_t kNoticeableGapBytes = 560;
+
+// Shown while a gap is filled that takes noticeable time.
+class WaitCursor {
+ public:
+  WaitCursor(JobHost& host, bool shown) : host_(host), shown_(shown) {
+    if (shown_) host_.ShowWaitCursor(true);
+  }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+  ~WaitCursor() {
+    if (shown_) host_.ShowWaitCursor(false);
+  }
+
+ private:
+  JobHost& host_;
+  bool shown_;
+};
+
+ReadPointResult ReadNumbered(Job& job, long long number, CoordinateStream& stream, Point& point) {
+  if (number > job.last_point_number) return ReadPointResult::AboveLast;
+  if (number < 1) return ReadPointResult::BelowFirst;
+  Point read;
+  if (!stream.ReadRecord(static_cast<std::uint64_t>(number - 1), read).ok()) {
+    return ReadPointResult::NotFound;
+  }
+  if (IsEmptySlot(read.at, read.description.view())) return ReadPointResult::EmptySlot;
+  point = read;
+  return ReadPointResult::Found;
+}
+
+// Finds an id as a store normalises it, else as an older program may have left it, with its "-" and
+// ",".
+FileStatus FindNamed(std::string_view id, CoordinateStream& stream, RecordPosition& position) {
+  position = {};
+  const PointId key = NormalisePointId(id);
+  if (key.empty()) return {};
+  if (FileStatus status = stream.Find(key.view(), position); !status.ok()) return status;
+  const PointId as_typed(WithoutLeadingBlanks(id));
+  if (position.found || ComparePointIds(as_typed.view(), key.view()) == 0) return {};
+  return stream.Find(as_typed.view(), position);
+}
+
+ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateStream& stream, Point& point) {
+  RecordPosition position;
+  Point read;
+  if (!FindNamed(id, stream, position).ok() || !position.found) return ReadPointResult::NotFound;
+  if (!stream.ReadRecord(position.index, read).ok()) return ReadPointResult::NotFound;
+  job.found_record_position = stream.RecordOffset(position.index);
+  if (IsEmptySlot(read.at, read.description.view())) return ReadPointResult::EmptySlot;
+  point = read;
+  return ReadPointResult::Found;
+}
+
+FileStatus StoreInSlot(Job& job, const Point& point, long long number, CoordinateStream& stream) {
+  std::string record;
+  numeric_layout::AppendRecord(record, point.at, point.description);
+  const auto slot = static_cast<std::uint64_t>(number - 1);
+  if (number <= job.last_point_number) {
+    return stream.Change({{.offset = stream.RecordOffset(slot), .bytes = record}}, stream.size());
+  }
+  const auto last = static_cast<std::uint64_t>(job.last_point_number);
+  const std::uint64_t gap = slot - last;
+  const WaitCursor wait(job.host, gap * numeric_layout::kRecordSize >= kNoticeableGapBytes);
+  const std::uint64_t new_size = std::max(stream.size(), stream.RecordOffset(slot + 1));
+  std::vector<FileWrite> writes;
+  writes.push_back({.offset = 0, .bytes = numeric_layout::EncodeHighestNumber(number)});
+  if (gap > 0) {
+    writes.push_back({.offset = stream.RecordOffset(last),
+                      .bytes = numeric_layout::FillerRecord(),
+                      .repeat = gap});
+  }
+  writes.push_back({.offset = stream.RecordOffset(slot), .bytes = record});
+  return stream.Change(std::move(writes), new_size);
+}
+
+// The usual store, one number beyond the last, needs no journal: until the record is there the
+// opening of the file lowers the count of the header to the records that exist.
+FileStatus StoreNextNumber(const Point& point, long long number, CoordinateStream& stream) {
+  std::string record;
+  numeric_layout::AppendRecord(record, point.at, point.description);
+  FileStatus status = stream.Overwrite(0, numeric_layout::EncodeHighestNumber(number));
+  if (status.ok()) status = stream.Append(record);
+  if (!status.ok()) {
+    (void)stream.Overwrite(0, numeric_layout::EncodeHighestNumber(number - 1));
+  }
+  return status;
+}
+
+FileStatus StoreNumbered(Job& job, const Point& point, long long number, CoordinateStream& stream) {
+  const bool next = number == job.last_point_number + 1 &&
+                    stream.record_count() == static_cast<std::uint64_t>(job.last_point_number);
+  const FileStatus status = next && stream.size() > 0 ? StoreNextNumber(point, number, stream)
+                                                      : StoreInSlot(job, point, number, stream);
+  if (status.ok() && number > job.last_point_number) {
+    job.last_point_number = number;
+    job.last_point_id = std::to_string(number);
+  }
+  return status;
+}
+
+// Inserting shifts every record from the place of insertion one record towards the end.
+FileStatus InsertRecord(const std::string& record, std::uint64_t index, CoordinateStream& stream) {
+  const std::uint64_t count = stream.record_count();
+  if (index == count) return stream.Append(record);
+  std::string tail;
+  if (FileStatus status = stream.ReadRecords(index, count - index, tail); !status.ok()) {
+    return status;
+  }
+  tail.insert(0, record);
+  return stream.Change({{.offset = stream.RecordOffset(index), .bytes = std::move(tail)}},
+                       stream.RecordOffset(count + 1));
+}
+
+FileStatus StoreNamed(Job& job, const Point& point, CoordinateStream& stream) {
+  RecordPosition position;
+  if (FileStatus status = stream.Find(point.id.view(), position); !status.ok()) return status;
+  std::string record;
+  alphanumeric_layout::AppendRecord(record, point);
+  const FileStatus status =
+      position.found
+          ? stream.Change({{.offset = stream.RecordOffset(position.index), .bytes = record}},
+                          stream.size())
+          : InsertRecord(record, position.index, stream);
+  if (status.ok() && !position.found && position.index + 1 == stream.record_count()) {
+    job.last_point_id = point.id.str();
+    job.last_point_number = PointIdNumber(job.last_point_id);
+  }
+  return status;
+}
+
+bool IsFinite(const GridPoint& at) {
+  return std::isfinite(at.northing) && std::isfinite(at.easting) && std::isfinite(at.elevation);
+}
+
+bool MayExist(const Job& job, std::string_view id) {
+  if (!job.alphanumeric) return LeadingInteger(id) <= job.last_point_number;
+  return ComparePointIds(NormalisePointId(id).view(), job.last_point_id) <= 0;
+}
+
+bool IsStorable(const Job& job, std::string_view id) {
+  if (!job.alphanumeric) {
+    const long long number = LeadingInteger(id);
+    return number >= 1 && number <= kHighestPointNumber;
+  }
+  return !NormalisePointId(id).empty();
+}
+
+// The id to store under after the person was asked.
+StorePointResult SettleId(Job& job, CoordinateStream& stream, std::string& id) {
+  if (!MayExist(job, id)) return StorePointResult::Stored;
+  Point existing;
+  const bool exists = ReadPoint(job, id, &stream, existing) == ReadPointResult::Found;
+  const ExistingPointAnswer answer = job.host.AskExistingPoint(id, exists);
+  switch (answer.choice) {
+    case ExistingPointAnswer::Choice::Cancel:
+      return StorePointResult::Cancelled;
+    case ExistingPointAnswer::Choice::Failed:
+      return StorePointResult::DialogFailed;
+    case ExistingPointAnswer::Choice::UseOtherId:
+      id = answer.other_id;
+      return IsStorable(job, id) ? StorePointResult::Stored : StorePointResult::Nothing;
+    case ExistingPointAnswer::Choice::Overwrite:
+      break;
+  }
+  return StorePointResult::Stored;
+}
+
+FileStatus RemoveRecord(std::uint64_t index, CoordinateStream& stream) {
+  const std::uint64_t count = stream.record_count();
+  const std::uint64_t new_size = stream.RecordOffset(count - 1);
+  if (index + 1 == count) return stream.Shorten(new_size);
+  std::string tail;
+  if (FileStatus status = stream.ReadRecords(index + 1, count - index - 1, tail); !status.ok()) {
+    return status;
+  }
+  return stream.Change({{.offset = stream.RecordOffset(index), .bytes = std::move(tail)}},
+                       new_size);
+}
+
+void RefreshLastPoint(Job& job, CoordinateStream& stream) {
+  job.last_point_id = "0";
+  job.last_point_number = 0;
+  Point last;
+  if (stream.record_count() == 0 || !stream.ReadRecord(stream.record_count() - 1, last).ok())
+    return;
+  job.last_point_id = last.id.str();
+  job.last_point_number = PointIdNumber(job.last_point_id);
+}
+
+FileStatus DeleteStored(Job& job, std::string_view id, CoordinateStream& stream) {
+  if (!job.alphanumeric) {
+    const auto slot = static_cast<std::uint64_t>(LeadingInteger(id) - 1);
+    return stream.Change(
+        {{.offset = stream.RecordOffset(slot), .bytes = numeric_layout::FillerRecord()}},
+        stream.size());
+  }
+  RecordPosition position;
+  if (FileStatus status = FindNamed(id, stream, position); !status.ok()) return status;
+  const FileStatus status = RemoveRecord(position.index, stream);
+  RefreshLastPoint(job, stream);
+  return status;
+}
+
+void TellFailure(Job& job, int message, std::string_view id, const FileStatus& status) {
+  job.host.ShowMessage(Strings().Text(message, {id, job.path, status.Text()}));
+}
+
+}  // namespace
+
+ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateStream* stream, Point& point) {
+  if (stream == nullptr) return ReadPointResult::NoStream;
+  if (job.alphanumeric) return ReadNamed(job, id, *stream, point);
+  const auto number = ParseInteger(id);
+  return number ? ReadNumbered(job, *number, *stream, point) : ReadPointResult::NotFound;
+}
+
+StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view description,
+                            bool check_existing, CoordinateStream* stream) {
+  if (stream == nullptr) return StorePointResult::NoStream;
+  std::string id = job.current_point_id;
+  if (!IsStorable(job, id) || !IsFinite(at)) return StorePointResult::Nothing;
+  if (check_existing) {
+    const StorePointResult settled = SettleId(job, *stream, id);
+    if (settled != StorePointResult::Stored) return settled;
+  }
+  Point point{.at = at, .description = Description(OneLine(description)), .id = {}};
+  FileStatus status;
+  if (job.alphanumeric) {
+    point.id = NormalisePointId(id);
+    status = StoreNamed(job, point, *stream);
+  } else {
+    const long long number = LeadingInteger(id);
+    point.id.Assign(std::to_string(number));
+    status = StoreNumbered(job, point, number, *stream);
+  }
+  if (!status.ok()) {
+    TellFailure(job, kStoreFailedMessage, id, status);
+    return StorePointResult::Nothing;
+  }
+  job.current_point_id = id;
+  job.last_stored_point = point;
+  return StorePointResult::Stored;
+}
+
+DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateStream* stream) {
+  if (stream == nullptr) return DeletePointResult::NoStream;
+  Point existing;
+  if (ReadPoint(job, id, stream, existing) != ReadPointResult::Found) {
+    return DeletePointResult::NotFound;
+  }
+  if (const FileStatus status = DeleteStored(job, id, *stream); !status.ok()) {
+    TellFailure(job, kDeleteFailedMessage, id, status);
+    return DeletePointResult::Failed;
+  }
+  return DeletePointResult::Deleted;
+}
+
+std::optional<std::string> NextFreePointId(Job& job, CoordinateStream& stream) {
+  if (!job.alphanumeric) return std::to_string(job.last_point_number + 1);
+  PointId id = NormalisePointId(job.current_point_id);
+  for (std::uint64_t tried = 0; tried <= stream.record_count(); ++tried) {
+    const PointId next = NormalisePointId(NextPointId(id, job.point_increment).view());
+    if (ComparePointIds(next.view(), id.view()) <= 0) return std::nullopt;
+    RecordPosition position;
+    if (!stream.Find(next.view(), position).ok()) return std::nullopt;
+    if (!position.found) return next.str();
+    id = next;
+  }
+  return std::nullopt;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,48 @@
+// Reading, storing and deleting single points of the job's coordinate file. Every change is on disk
+// when the operation returns, and survives an interruption at any moment as the old state or the
+// new.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "core/coordinate_file.h"
+#include "core/job.h"
+
+namespace tarvex {
+
+enum class [[nodiscard]] ReadPointResult : int{
+    Found = 1,
+    NotFound = 0,  ///< also an empty id, and a file that cannot be read
+    NoStream = -1,
+    AboveLast = -2,   ///< a number above the highest point number
+    BelowFirst = -3,  ///< a number below 1
+    EmptySlot = -4};
+
+enum class [[nodiscard]] StorePointResult : int{
+    Stored = 1,
+    Nothing = 0,  ///< no id to store under, coordinates that are not numbers, or the file could not
+                  ///< be written (the person was told)
+    NoStream = -1, DialogFailed = -2, Cancelled = -55};
+
+enum class [[nodiscard]] DeletePointResult : int{Deleted = 1, NotFound = 0, NoStream = -1,
+                                                 Failed = -2};
+
+/// Reads the point with this id (in a numeric file: this number). `point` is written only when
+/// found.
+ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateStream* stream, Point& point);
+
+/// Stores under the job's current point id and remembers it as the last stored point. Coordinates
+/// are in the job's distance unit. With `check_existing` the person is asked when the id is not
+/// beyond the last one.
+StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view description,
+                            bool check_existing, CoordinateStream* stream);
+
+/// Numeric file: leaves an empty slot. Alphanumeric file: removes the record and closes the gap.
+DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateStream* stream);
+
+/// The next id, after the current one in steps of the job's increment, under which no point stands.
+/// Nothing when the ids are exhausted.
+std::optional<std::string> NextFreePointId(Job& job, CoordinateStream& stream);
+
+}  // namespace tarvex

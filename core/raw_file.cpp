@@ -1,0 +1,78 @@
+#include "core/raw_file.h"
+
+#include "core/raw_records.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::uint64_t kLargestScan = std::uint64_t{1} << 32U;
+
+// The open raw file, its end known; locked, so that two programs never write into one another.
+struct RawEnd {
+  std::unique_ptr<File> file;
+  std::uint64_t size = 0;
+};
+
+FileStatus OpenAtEnd(Job& job, RawEnd& end) {
+  FileStatus status = job.host.files().Open(RawFilePath(job), FileAccess::CreateOrKeep, end.file);
+  if (status.ok()) status = end.file->Lock();
+  if (status.ok()) status = end.file->Size(end.size);
+  return status;
+}
+
+FileStatus WriteRecords(RawEnd& end, std::span<const std::string> records) {
+  std::uint64_t at = end.size;
+  for (const std::string& record : records) {
+    if (FileStatus status = end.file->WriteAt(at, record); !status.ok()) return status;
+    at += record.size();
+  }
+  return end.file->Sync();
+}
+
+bool HasLineBeginning(Job& job, std::string_view beginning) {
+  std::string bytes;
+  if (!ReadWholeFile(job.host.files(), RawFilePath(job), kLargestScan, bytes).ok()) return false;
+  std::string_view rest = bytes;
+  while (const auto line = TakeLine(rest)) {
+    if (line->starts_with(beginning)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string RawFilePath(const Job& job) {
+  return PathWithExtension(job.path, "rw5");
+}
+
+RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records) {
+  RawEnd end;
+  if (!OpenAtEnd(job, end).ok()) return RawFileResult::Dropped;
+  const bool created = end.size == 0;
+  FileStatus status;
+  if (created) {
+    const std::string header = RawHeader(job, job.host.clock().Now());
+    status = end.file->WriteAt(0, header);
+    if (status.ok()) end.size = header.size();
+  }
+  if (status.ok()) status = WriteRecords(end, records);
+  if (status.ok() && created) status = job.host.files().SyncFolderOf(RawFilePath(job));
+  if (status.ok()) return RawFileResult::Written;
+  (void)end.file->Resize(end.size);
+  return RawFileResult::Dropped;
+}
+
+RawFileResult AppendRawRecord(Job& job, std::string_view record) {
+  const std::string text(record);
+  return AppendRawRecords(job, {&text, 1});
+}
+
+RawFileResult ResumeRawFile(Job& job) {
+  std::string stamp = TimeStampRecord(job.host.clock().Now());
+  if (!job.host.files().Exists(RawFilePath(job))) return AppendRawRecords(job, {});
+  if (!HasLineBeginning(job, "--" + job.collector)) stamp.insert(0, CommentRecord(job.collector));
+  return AppendRawRecord(job, stamp);
+}
+
+}  // namespace tarvex

@@ -1,0 +1,31 @@
+// The raw data file beside the coordinate file (extension "rw5"): a journal that is appended to and
+// never rewritten.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "core/job.h"
+
+namespace tarvex {
+
+enum class [[nodiscard]] RawFileResult : int{
+    Written = 1,
+    Dropped = 0  ///< the file cannot be opened or written; the coordinate file keeps the point
+};
+
+/// Appends the record as it stands (it starts with "\n") and makes it durable; a missing file is
+/// created with its header first. A record that cannot be written whole leaves the file as it was.
+RawFileResult AppendRawRecord(Job& job, std::string_view record);
+
+/// Appends the records in order, each by one write, durable together.
+RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records);
+
+/// Opens the raw file for further work: the collector's identification line is added when no line
+/// begins with it, then the date and time are stamped. A missing file is created with its header.
+RawFileResult ResumeRawFile(Job& job);
+
+/// Path of the job's raw file.
+std::string RawFilePath(const Job& job);
+
+}  // namespace tarvex

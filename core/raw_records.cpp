@@ -1,0 +1,146 @@
+#include "core/raw_records.h"
+
+#include "core/record_text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kPackedDecimals = 4;
+constexpr int kPositionDecimals = 12;
+
+double FromSouth(const Job& job, double azimuth_degrees) {
+  return job.azimuths_from_south ? NormaliseAzimuth(azimuth_degrees - 180.0) : azimuth_degrees;
+}
+
+RecordText& Coordinates(RecordText& record, const GridPoint& at, int decimals,
+                        int elevation_decimals) {
+  return record.Number("N ", at.northing, decimals)
+      .Number("E ", at.easting, decimals)
+      .Number("EL", at.elevation, elevation_decimals);
+}
+
+}  // namespace
+
+std::string RawHeader(const Job& job, const LocalTime& now) {
+  const std::string_view name = job.name.empty() ? std::string_view("$noname$") : job.name;
+  std::string text = RecordText("JB")
+                         .Text("NM", name)
+                         .Text("DT", DateText(now))
+                         .Text("TM", TimeText(now))
+                         .str()
+                         .substr(1);
+  text += RecordText("MO")
+              .Number("AD", job.azimuths_from_south ? 1 : 0, 0)
+              .Number("UN", 2 - static_cast<int>(job.unit), 0)
+              .Number("SF", job.scale_factor, 8)
+              .Number("EC", job.curvature_correction ? 1 : 0, 0)
+              .Text("EO", "0.0")
+              .Text("AU", "0")
+              .str();
+  text += CommentRecord(job.collector);
+  return text + CommentRecord(job.alphanumeric ? "CRD: Alphanumeric" : "CRD: Numeric");
+}
+
+std::string CommentRecord(std::string_view text) {
+  std::string record;
+  do {
+    const auto line = TakeLine(text);
+    record += "\n--";
+    record += OneLine(line.value_or(""));
+  } while (!text.empty());
+  return record;
+}
+
+std::string TimeStampRecord(const LocalTime& now) {
+  return "\n--DT" + DateText(now) + "\n--TM" + TimeText(now);
+}
+
+std::string OccupyRecord(const Point& occupied) {
+  RecordText record("OC");
+  record.Text("OP", occupied.id.view());
+  return Coordinates(record, occupied.at, 5, 3).Description(occupied.description.view()).str();
+}
+
+std::string HeightsRecord(double instrument_height, double rod_height) {
+  return RecordText("LS").Number("HI", instrument_height, 4).Number("HR", rod_height, 4).str();
+}
+
+std::string RodHeightRecord(double rod_height) {
+  return RecordText("LS").Number("HR", rod_height, 4).str();
+}
+
+std::string BacksightRecord(const Job& job, const Backsight& backsight) {
+  return RecordText("BK")
+      .Text("OP", backsight.occupied_id)
+      .Text("BP", backsight.backsight_id)
+      .Angle("BS", FromSouth(job, backsight.azimuth_degrees), kPackedDecimals)
+      .Angle("BC", backsight.circle_degrees, kPackedDecimals)
+      .str();
+}
+
+std::string StoredPointRecord(const Point& point) {
+  RecordText record("SP");
+  record.Text("PN", point.id.view());
+  return Coordinates(record, point.at, 4, 4).Description(point.description.view()).str();
+}
+
+std::string GnssRecord(const GnssRecordFields& fields) {
+  return RecordText("GPS")
+      .Text("PN", fields.point_id)
+      .Angle("LA", fields.latitude_degrees, kPositionDecimals)
+      .Angle("LN", fields.longitude_degrees, kPositionDecimals)
+      .Number("EL", fields.height, 6)
+      .Description(fields.description)
+      .str();
+}
+
+std::string GnssGridRecord(const Point& point) {
+  RecordText record("--GS");
+  record.Text("PN", point.id.view());
+  return Coordinates(record, point.at, 4, 4).Description(point.description.view()).str();
+}
+
+std::string GnssBaseRecord(double latitude_degrees, double longitude_degrees, double height) {
+  return RecordText("BP")
+      .Text("PN", "")
+      .Angle("LA", latitude_degrees, kPositionDecimals)
+      .Angle("LN", longitude_degrees, kPositionDecimals)
+      .Number("EL", height, 4)
+      .str();
+}
+
+std::string AntennaRecord(std::string_view antenna_type, HeightKind kind) {
+  return CommentRecord("Antenna Type: " + OneLine(antenna_type) + ", " +
+                       (kind == HeightKind::Slant ? "Slant" : "Vertical"));
+}
+
+std::string EdmModeRecord(std::string_view mode) {
+  return CommentRecord("EDM Mode: " + OneLine(mode));
+}
+
+std::string ElevationModeRecord(bool three_dimensional) {
+  return CommentRecord(three_dimensional ? "Elevation: 3D" : "Elevation: 2D");
+}
+
+std::string Wgs84ShiftRecord(bool shifted) {
+  return CommentRecord(shifted ? "WGS84 raw positions shifted to NAD83"
+                               : "WGS84 raw positions no longer shifted to NAD83");
+}
+
+std::string ShiftParametersRecord(const ShiftParameters& shift) {
+  std::string text = "\n--";
+  const auto add = [&text](std::string_view name, double value, int decimals) {
+    text += name;
+    AppendFixed(text, value, decimals);
+  };
+  add("dX: ", shift.dx, 8);
+  add(", dY: ", shift.dy, 8);
+  add(", dZ: ", shift.dz, 8);
+  add(", rotX: ", shift.rotation_x, 10);
+  add(", rotY: ", shift.rotation_y, 10);
+  add(", rotZ: ", shift.rotation_z, 10);
+  add(", scale: ", shift.scale, 10);
+  return text;
+}
+
+}  // namespace tarvex
