@@ -34,6 +34,17 @@ constexpr std::array kEntries = {
     // Coordinate systems
     Entry{2205, "The projection \""},
     Entry{2206, "\" is not known; the projection of the system was left as it was."},
+    // Roads
+    Entry{5000, "the line is too short to be a record: %s"},
+    Entry{5001, "the point id is negative: %s"},
+    Entry{5002, "fields are missing: %s"},
+    Entry{5003, "the record kind \"%s\" is not known; taken as a plain vertex"},
+    Entry{5004, "a number is out of range: %s"},
+    Entry{5005, "the file ends where the radius line should follow"},
+    Entry{5006, "taken as a radius line, though it does not say so: %s"},
+    Entry{5007, "Line %s: the file holds more key points than a centerline may have."},
+    Entry{5008, "%s is too large to be a road file."},
+    Entry{5223, "The centerline file %s could not be opened."},
 };
 
 static_assert(std::is_sorted(kEntries.begin(), kEntries.end(),

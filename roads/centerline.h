@@ -1,0 +1,131 @@
+// The horizontal alignment of a road as its centerline file gives it: a chain of key points in file
+// order, each with its station, and what goes with the chain (start point, station limits).
+//
+// Northings, eastings, stations and radii are in the job's distance unit, angles in radians,
+// azimuths from north clockwise. The geometry between the key points is roads/alignment.h.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/fixed_text.h"
+
+namespace tarvex {
+
+inline constexpr std::size_t kCenterlineIdLength = 10;
+using CenterlineId = FixedText<kCenterlineIdLength>;
+
+/// The record that a key point came from.
+enum class KeyPointKind : int {
+  Line,           ///< "L", and any kind that is not known
+  CurveStart,     ///< "PC"
+  CurveEnd,       ///< "PT"
+  TangentSpiral,  ///< "TS"
+  SpiralCurve,    ///< "SC"
+  CurveSpiral,    ///< "CS"
+  SpiralTangent,  ///< "ST"
+  Spiral,         ///< "SP"
+  LeadIn          ///< no record: made by the reader before a "TS" with an azimuth of its own
+};
+
+enum class ElementKind : int {
+  Vertex = 0,       ///< "L", "PC", "PT", "CS", "ST"
+  SpiralGroup = 1,  ///< "TS", "SC"
+  LeadIn = 2,       ///< only while the chain is built; handed out as Vertex
+  Spiral = 3        ///< "SP"
+};
+
+/// One node of the chain: one key point.
+struct CenterlineElement {
+  double northing = 0.0;
+  double easting = 0.0;
+  double station = 0.0;
+  /// Curves: the signed central angle; "ST": the azimuth of the outgoing tangent; "SP": field 8.
+  double angle = 0.0;
+  /// Curves: distance from the key point to the centre; "SP": field 6.
+  double radius = 0.0;
+  double center_northing = 0.0;
+  double center_easting = 0.0;
+  double spiral_parameter = 0.0;  ///< "SP": field 7
+  CenterlineId id;
+  CenterlineId center_id;
+  ElementKind kind = ElementKind::Vertex;
+
+  KeyPointKind record = KeyPointKind::Line;
+  std::optional<double> tangent_azimuth;  ///< "TS": field 6, as given
+  int line = 0;                           ///< line of the file, from 1; 0 for a lead-in
+
+  bool operator==(const CenterlineElement&) const = default;
+};
+
+/// "0" and an empty text both stand for no point id.
+bool HasId(const CenterlineId& id);
+
+/// Azimuth from one point to another by its cosine, 0 to 2 pi; 0 for coincident points. Rounding
+/// costs up to 1.2e-8 radians near north and south: the geometry uses the arctangent instead.
+double GridAzimuth(double delta_northing, double delta_easting);
+
+struct CenterlineStartPoint {
+  CenterlineId id;
+  double station = 0.0;
+  double northing = 0.0;
+  double easting = 0.0;
+
+  bool operator==(const CenterlineStartPoint&) const = default;
+};
+
+/// The part of the alignment that may be used, as the side file gives it.
+struct StationLimits {
+  std::optional<double> start;
+  std::optional<double> end;
+
+  bool operator==(const StationLimits&) const = default;
+};
+
+/// A line of a file that was not taken as it stands: `text` is a number of the string table, with
+/// `argument` for its %s.
+struct LineNote {
+  int line = 0;
+  int text = 0;
+  std::string argument;
+
+  bool operator==(const LineNote&) const = default;
+};
+
+struct Centerline {
+  std::vector<CenterlineElement> elements;
+  std::optional<CenterlineStartPoint> start_point;
+  double start_station = 0.0;
+  StationLimits limits;
+  std::vector<LineNote> notes;  ///< at most kMostLineNotes, the first ones
+};
+
+inline constexpr std::size_t kMostLineNotes = 100;
+
+/// The road that is open.
+struct Road {
+  bool use_station_limits = false;
+  std::optional<Centerline> centerline;
+};
+
+/// Station of the first element plus `offset`; exactly 0 when its magnitude is below 0.0001, and
+/// without a centerline.
+double StartStation(const Road& road, double offset = 0.0);
+
+struct StationSpan {
+  double start = 0.0;
+  double end = 0.0;
+  bool start_limited = false;
+  bool end_limited = false;
+
+  bool operator==(const StationSpan&) const = default;
+};
+
+/// The usable stations: from the start station to the last element's station less `end_offset`,
+/// narrowed (never widened) by the station limits when the road uses them. Nothing without a
+/// centerline.
+std::optional<StationSpan> StationRange(const Road& road, double end_offset = 0.0);
+
+}  // namespace tarvex

@@ -1,0 +1,103 @@
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#include "roads/centerline_reader.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kSamePlace = 0.0005;
+
+// The walk marks what goes; the chain is closed up once at the end.
+class CleanUpWalk {
+ public:
+  CleanUpWalk(std::vector<CenterlineElement>& chain, bool keep_tangent_points)
+      : chain_(chain), removed_(chain.size()), keep_tangent_points_(keep_tangent_points) {}
+
+  void Run() {
+    std::size_t at = 0;
+    for (std::size_t next = Next(at); next < chain_.size(); next = Next(at)) {
+      if (Examined(at, next)) Compare(at, next);
+      at = removed_[at] ? Behind(at, next) : MoveOn(at);
+    }
+    CloseUp();
+  }
+
+ private:
+  enum class Duplicate { None, First, Second };
+
+  std::size_t Next(std::size_t at) const {
+    if (at >= chain_.size()) return chain_.size();
+    do ++at;
+    while (at < chain_.size() && removed_[at]);
+    return at;
+  }
+
+  std::size_t Behind(std::size_t at, std::size_t next) {
+    if (at == head_) head_ = next;
+    return next;
+  }
+
+  bool Examined(std::size_t at, std::size_t next) const {
+    if (at == head_ && chain_[next].kind != ElementKind::Vertex) return false;
+    return std::hypot(chain_[at].northing - chain_[next].northing,
+                      chain_[at].easting - chain_[next].easting) < kSamePlace;
+  }
+
+  void Compare(std::size_t at, std::size_t next) {
+    const CenterlineElement& first = chain_[at];
+    CenterlineElement& second = chain_[next];
+    if (HasId(first.id) && !HasId(second.id)) second.id = first.id;
+    switch (Which(first, second)) {
+      case Duplicate::First:
+        removed_[at] = true;
+        break;
+      case Duplicate::Second:
+        removed_[next] = true;
+        break;
+      case Duplicate::None:
+        break;
+    }
+  }
+
+  Duplicate Which(const CenterlineElement& first, const CenterlineElement& second) const {
+    if (first.kind != ElementKind::Vertex || first.radius != 0.0) return Duplicate::None;
+    if (second.kind == ElementKind::Vertex) {
+      return first.angle == 0.0 ? Duplicate::First : Duplicate::Second;
+    }
+    const bool on_spiral = second.kind == ElementKind::SpiralGroup && first.angle == 0.0;
+    return on_spiral && !keep_tangent_points_ ? Duplicate::First : Duplicate::None;
+  }
+
+  // Past the rest of a spiral group, or past the end of a curve.
+  std::size_t MoveOn(std::size_t at) const {
+    const CenterlineElement& element = chain_[at];
+    int steps = 1;
+    if (element.kind == ElementKind::SpiralGroup) steps = 4;
+    if (element.kind == ElementKind::Vertex && element.radius != 0.0) steps = 2;
+    for (; steps > 0; --steps) at = Next(at);
+    return at;
+  }
+
+  void CloseUp() {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < chain_.size(); ++i) {
+      if (!removed_[i]) chain_[kept++] = chain_[i];
+    }
+    chain_.resize(kept);
+  }
+
+  std::vector<CenterlineElement>& chain_;
+  std::vector<bool> removed_;
+  std::size_t head_ = 0;
+  bool keep_tangent_points_;
+};
+
+}  // namespace
+
+void CleanUpChain(std::vector<CenterlineElement>& chain, bool keep_tangent_points) {
+  CleanUpWalk(chain, keep_tangent_points).Run();
+}
+
+}  // namespace tarvex

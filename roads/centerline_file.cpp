@@ -1,0 +1,62 @@
+#include "roads/centerline_file.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "core/string_table.h"
+#include "roads/centerline_reader.h"
+#include "roads/road_texts.h"
+
+namespace tarvex {
+namespace {
+
+StationLimits LoadStationLimits(FileSystem& files, const std::string& path) {
+  std::string text;
+  const FileStatus status = ReadWholeFile(files, StationLimitsPath(path), kLargestRoadFile, text);
+  return status.ok() ? ReadStationLimits(text) : StationLimits{};
+}
+
+LoadCenterlineResult ResultOf(ReadChainResult result) {
+  switch (result) {
+    case ReadChainResult::Read:
+      return LoadCenterlineResult::Loaded;
+    case ReadChainResult::TooLong:
+      return LoadCenterlineResult::TooLong;
+    case ReadChainResult::Nothing:
+      break;
+  }
+  return LoadCenterlineResult::Nothing;
+}
+
+}  // namespace
+
+std::string StationLimitsPath(const std::string& path) {
+  const std::size_t name = path.find_last_of("/\\") + 1;  // npos + 1 is 0
+  const std::size_t dot = path.rfind('.');
+  const bool extended = dot != std::string::npos && dot >= name;
+  return (extended ? path.substr(0, dot) : path) + ".cle";
+}
+
+CenterlineLoad LoadCenterline(FileSystem& files, Road& road, const std::string& path,
+                              LoadCenterlineOptions options, const ShowMessage& show) {
+  if (path.empty()) return {};
+  Centerline loaded;
+  if (road.use_station_limits) loaded.limits = LoadStationLimits(files, path);
+  std::string text;
+  if (const FileStatus status = ReadWholeFile(files, path, kLargestRoadFile, text); !status.ok()) {
+    if (status.code == EFBIG) return {LoadCenterlineResult::TooLarge};
+    if (options.report_errors && show) show(Strings().Text(kTextCenterlineNotOpened, {path}));
+    return {LoadCenterlineResult::NotOpened};
+  }
+  ChainReading reading = ReadChain(text, options.keep_tangent_points);
+  const LoadCenterlineResult result = ResultOf(reading.result);
+  if (result != LoadCenterlineResult::Loaded) return {result, reading.refused_line};
+  loaded.elements = std::move(reading.elements);
+  loaded.start_point = reading.start_point;
+  loaded.notes = std::move(reading.notes);
+  road.centerline = std::move(loaded);
+  road.centerline->start_station = StartStation(road);
+  return {result};
+}
+
+}  // namespace tarvex

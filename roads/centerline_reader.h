@@ -1,0 +1,41 @@
+// From the text of a centerline file (docs/formats/cl.md) to the chain of its key points: records
+// in file order, merges while reading, lead-in vertices, the terminator, the clean-up walk.
+//
+// Lines that cannot be read are skipped, as the format asks; each leaves a note with its line
+// number so that a check can show what was passed over.
+#pragma once
+
+#include <string_view>
+
+#include "roads/centerline.h"
+
+namespace tarvex {
+
+/// More key points than any road has; a longer file is refused, so that memory stays bounded.
+inline constexpr std::size_t kMostCenterlineElements = 100000;
+
+enum class [[nodiscard]] ReadChainResult : int{
+    Read = 1,     ///< the chain has at least one element
+    Nothing = 0,  ///< the text holds no key point
+    TooLong = -1  ///< more than kMostCenterlineElements; `refused_line` tells where
+};
+
+struct ChainReading {
+  ReadChainResult result = ReadChainResult::Nothing;
+  std::vector<CenterlineElement> elements;
+  std::optional<CenterlineStartPoint> start_point;
+  std::vector<LineNote> notes;
+  int refused_line = 0;
+};
+
+/// `keep_tangent_points` keeps a tangent vertex that lies on a "TS" or "SC".
+ChainReading ReadChain(std::string_view text, bool keep_tangent_points);
+
+/// The clean-up walk over a finished chain: duplicate vertices closer than 0.0005 go, ids are
+/// handed on. `ReadChain` ends with it.
+void CleanUpChain(std::vector<CenterlineElement>& chain, bool keep_tangent_points);
+
+/// The limits of a ".cle" text: lines START_STA=station and END_STA=station.
+StationLimits ReadStationLimits(std::string_view text);
+
+}  // namespace tarvex

@@ -1,0 +1,187 @@
+#include "roads/centerline_writer.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/angle.h"
+#include "core/number_text.h"
+#include "core/text.h"
+#include "core/units.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kEquationDecimals = 5;
+constexpr int kStartPointDecimals = 8;
+constexpr int kTangentAzimuthDecimals = 8;
+constexpr int kSpiralParameterDecimals = 9;
+constexpr int kSpiralDirectionDecimals = 1;
+constexpr int kSpiralRadiusDecimals = 6;
+constexpr int kAngleDecimals = 12;
+constexpr std::string_view kTerminator = "0,0,L,0,0\n";
+
+// An id as a field: "0" for none, and never a comma or a line end inside.
+std::string IdField(const CenterlineId& id, bool written) {
+  if (!written || !HasId(id)) return "0";
+  std::string field = OneLine(id.view());
+  std::replace(field.begin(), field.end(), ',', '_');
+  return field;
+}
+
+class RecordWriter {
+ public:
+  explicit RecordWriter(const CenterlineFormat& format) : format_(format) {}
+
+  void KeyPoint(const CenterlineElement& element, std::string_view kind) {
+    text_ += IdField(element.id, format_.point_ids);
+    Number(element.station, format_.station_decimals);
+    text_ += ',';
+    text_ += kind;
+    Number(element.easting, format_.coordinate_decimals);
+    Number(element.northing, format_.coordinate_decimals);
+  }
+  void Number(double value, int decimals) {
+    text_ += ',';
+    AppendFixed(text_, value, decimals);
+  }
+  void PackedAngle(double radians) {
+    text_ += ',';
+    text_ += PackedField(radians * kDegreesPerRadian, kAngleDecimals);
+  }
+  void EndRecord() { text_ += '\n'; }
+
+  void RadiusLine(const CenterlineElement& curve) {
+    text_ += IdField(curve.center_id, format_.point_ids);
+    PackedAngle(curve.angle);
+    text_ += ",R";
+    Number(curve.center_easting, format_.coordinate_decimals);
+    Number(curve.center_northing, format_.coordinate_decimals);
+    EndRecord();
+  }
+
+  std::string Take() { return std::move(text_); }
+
+ private:
+  CenterlineFormat format_;
+  std::string text_;
+};
+
+std::string_view KindName(const CenterlineElement& element) {
+  switch (element.record) {
+    case KeyPointKind::CurveStart:
+      return "PC";
+    case KeyPointKind::TangentSpiral:
+      return "TS";
+    case KeyPointKind::SpiralCurve:
+      return "SC";
+    case KeyPointKind::SpiralTangent:
+      return "ST";
+    case KeyPointKind::Spiral:
+      return "SP";
+    case KeyPointKind::CurveEnd:
+      return element.angle != 0.0 ? "ST" : "PT";
+    case KeyPointKind::CurveSpiral:
+      return element.angle != 0.0 ? "ST" : "CS";
+    default:
+      return element.angle != 0.0 ? "ST" : "L";
+  }
+}
+
+void WriteElement(RecordWriter& writer, const CenterlineElement& element) {
+  if (element.record == KeyPointKind::LeadIn) return;
+  const std::string_view kind = KindName(element);
+  writer.KeyPoint(element, kind);
+  if (kind == "ST" && element.angle != 0.0) writer.PackedAngle(element.angle);
+  if (element.record == KeyPointKind::TangentSpiral && element.tangent_azimuth) {
+    writer.Number(*element.tangent_azimuth, kTangentAzimuthDecimals);
+  }
+  if (element.record == KeyPointKind::Spiral) {
+    writer.Number(element.radius, kSpiralRadiusDecimals);
+    writer.Number(element.spiral_parameter, kSpiralParameterDecimals);
+    writer.Number(element.angle, kSpiralDirectionDecimals);
+  }
+  writer.EndRecord();
+  if (kind == "PC" || kind == "TS" || kind == "SC") writer.RadiusLine(element);
+}
+
+std::string StartPointRecord(const CenterlineStartPoint& start, bool point_ids) {
+  CenterlineElement element;
+  element.id = start.id;
+  element.station = start.station;
+  element.easting = start.easting;
+  element.northing = start.northing;
+  RecordWriter writer({kEquationDecimals, kStartPointDecimals, point_ids});
+  writer.KeyPoint(element, "STARTPT");
+  writer.EndRecord();
+  return writer.Take();
+}
+
+}  // namespace
+
+std::string CenterlineRecords(std::span<const CenterlineElement> chain,
+                              const CenterlineFormat& format) {
+  RecordWriter writer(format);
+  for (const CenterlineElement& element : chain) WriteElement(writer, element);
+  return writer.Take();
+}
+
+std::string CenterlineText(const Centerline& centerline, std::span<const StationEquation> equations,
+                           const CenterlineFormat& format) {
+  std::string text = CenterlineRecords(centerline.elements, format);
+  text += kTerminator;
+  if (centerline.start_point) {
+    text += StartPointRecord(*centerline.start_point, format.point_ids);
+    text += kTerminator;
+  }
+  for (const StationEquation& equation : equations) {
+    text += "EQ,";
+    AppendFixed(text, equation.back, kEquationDecimals);
+    text += ',';
+    AppendFixed(text, equation.ahead, kEquationDecimals);
+    text += '\n';
+  }
+  return text;
+}
+
+std::string WithStations(std::string_view text, std::span<const LineStation> stations,
+                         int decimals) {
+  std::string changed;
+  auto next = stations.begin();
+  for (int number = 1; !text.empty(); ++number) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end);
+    const std::size_t first = line.find(',');
+    const std::size_t second = first == std::string_view::npos ? first : line.find(',', first + 1);
+    const bool named = next != stations.end() && next->line == number;
+    if (!named || second == std::string_view::npos) {
+      changed += line;
+    } else {
+      changed += line.substr(0, first + 1);
+      AppendFixed(changed, next->station, decimals);
+      changed += line.substr(second);
+    }
+    if (named) ++next;
+  }
+  return changed;
+}
+
+bool IsWritable(const Centerline& centerline, std::span<const StationEquation> equations) {
+  const auto finite = [](const CenterlineElement& e) {
+    return std::isfinite(e.northing) && std::isfinite(e.easting) && std::isfinite(e.station) &&
+           std::isfinite(e.angle) && std::isfinite(e.radius) && std::isfinite(e.center_northing) &&
+           std::isfinite(e.center_easting) && std::isfinite(e.spiral_parameter) &&
+           std::isfinite(e.tangent_azimuth.value_or(0.0));
+  };
+  const auto& start = centerline.start_point;
+  if (start && !(std::isfinite(start->station) && std::isfinite(start->northing) &&
+                 std::isfinite(start->easting))) {
+    return false;
+  }
+  return std::all_of(centerline.elements.begin(), centerline.elements.end(), finite) &&
+         std::all_of(equations.begin(), equations.end(), [](const StationEquation& e) {
+           return std::isfinite(e.back) && std::isfinite(e.ahead);
+         });
+}
+
+}  // namespace tarvex

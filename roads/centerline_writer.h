@@ -1,0 +1,54 @@
+// Writes centerline files: records in every form that docs/formats/cl.md lists, the terminator, the
+// station equations after it.
+//
+// What is written loads to the same chain, within the decimals of the format. An alignment with a
+// start point gets a closing record before "STARTPT", where reading stops.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/file.h"
+#include "roads/centerline.h"
+#include "roads/station_equations.h"
+
+namespace tarvex {
+
+/// Decimals of stations (3 to 6) and coordinates (5 to 12), and whether point ids are written; "0"
+/// stands in for them.
+struct CenterlineFormat {
+  int station_decimals = 5;
+  int coordinate_decimals = 6;
+  bool point_ids = false;
+};
+
+/// The forms that the format's own writers use.
+inline constexpr CenterlineFormat kPlainCenterline{};
+inline constexpr CenterlineFormat kCenterlineWithIds{5, 5, true};
+inline constexpr CenterlineFormat kExactCenterline{6, 10, true};
+
+/// The records of a loaded chain, a line or two each: what the reader made (lead-in vertices) is
+/// left out, and a vertex that kept a curve's angle becomes an "ST" with that angle.
+std::string CenterlineRecords(std::span<const CenterlineElement> chain,
+                              const CenterlineFormat& format);
+
+/// The whole file: records, terminator (with a start point: closing record, "STARTPT", terminator),
+/// one "EQ" record per station equation.
+std::string CenterlineText(const Centerline& centerline, std::span<const StationEquation> equations,
+                           const CenterlineFormat& format = kExactCenterline);
+
+/// `text` with the station field of each named line replaced; every other byte stays. `stations`
+/// holds line numbers (from 1) in rising order.
+struct LineStation {
+  int line = 0;
+  double station = 0.0;
+};
+std::string WithStations(std::string_view text, std::span<const LineStation> stations,
+                         int decimals);
+
+/// True when every number of the chain can be written: none is infinite.
+bool IsWritable(const Centerline& centerline, std::span<const StationEquation> equations);
+
+}  // namespace tarvex

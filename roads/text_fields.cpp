@@ -1,0 +1,48 @@
+#include "roads/text_fields.h"
+
+#include <algorithm>
+
+#include "core/angle.h"
+#include "core/number_text.h"
+#include "core/text.h"
+#include "core/units.h"
+
+namespace tarvex {
+
+CommaFields::CommaFields(std::string_view line) {
+  while (count_ < kMost) {
+    const std::size_t comma = line.find(',');
+    fields_[count_++] = line.substr(0, comma);
+    if (comma == std::string_view::npos) return;
+    line.remove_prefix(comma + 1);
+  }
+}
+
+std::string_view CommaFields::operator[](std::size_t number) const {
+  return Has(number) ? fields_[number - 1] : std::string_view();
+}
+
+bool CommaFields::Given(std::size_t number) const {
+  return !WithoutOuterBlanks((*this)[number]).empty();
+}
+
+double CommaFields::Number(std::size_t number) const {
+  return LeadingDouble((*this)[number]);
+}
+
+double CommaFields::PackedRadians(std::size_t number) const {
+  return PackedToDegrees(Number(number)) * kRadiansPerDegree;
+}
+
+NumberedLines::NumberedLines(std::string_view text, std::size_t significant)
+    : rest_(text), significant_(significant) {}
+
+bool NumberedLines::Next(std::string_view& line) {
+  const auto taken = TakeLine(rest_);
+  if (!taken) return false;
+  ++number_;
+  line = taken->substr(0, std::min(taken->size(), significant_));
+  return true;
+}
+
+}  // namespace tarvex
