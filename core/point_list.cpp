@@ -77,9 +77,8 @@ class BlockDecoder {
   mutable std::string id_text_;
 };
 
-LoadPointsResult LoadFrom(CoordinateStream& stream, PointList& points,
+LoadPointsResult LoadFrom(CoordinateStream& stream, std::uint64_t count, PointList& points,
                           const PointList* verify_against, const ProgressWindow& progress) {
-  const std::uint64_t count = stream.record_count();
   points.reserve(static_cast<std::size_t>(count));
   BlockDecoder decoder(stream.alphanumeric(), points, verify_against);
   ProgressTeller teller(progress, count);
@@ -101,9 +100,12 @@ LoadPointsResult LoadAllPoints(Job& job, PointList& points, const PointList* ver
                                const ProgressWindow& progress) {
   const auto stream = OpenForReading(job);
   if (!stream) return LoadPointsResult::CannotOpen;
+  // A record above the highest number is what an interrupted store left; it was never reported.
+  const std::uint64_t count =
+      job.alphanumeric ? stream->record_count() : static_cast<std::uint64_t>(job.last_point_number);
   try {
     PointList loaded;
-    const LoadPointsResult result = LoadFrom(*stream, loaded, verify_against, progress);
+    const LoadPointsResult result = LoadFrom(*stream, count, loaded, verify_against, progress);
     if (result == LoadPointsResult::Loaded) points.swap(loaded);
     return result;
   } catch (const std::bad_alloc&) {

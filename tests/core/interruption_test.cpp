@@ -1,0 +1,175 @@
+// Every operation that changes a job's files, interrupted at every step in every way: afterwards
+// the job opens and holds the old state or the new one, and what was reported as stored is there.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "core/coordinate_layout.h"
+#include "core/point_bulk.h"
+#include "core/point_list.h"
+#include "core/point_notes.h"
+#include "core/point_store.h"
+#include "core/raw_file.h"
+#include "tests/support/test_host.h"
+
+namespace tarvex {
+namespace {
+
+struct Operation {
+  const char* name;
+  bool alphanumeric;
+  std::function<bool(Job&)> run;  // true when it reported success
+};
+
+bool Store(Job& job, const std::string& id, double northing) {
+  const auto stream = OpenCoordinateFile(job);
+  job.current_point_id = id;
+  return StorePoint(job, {.northing = northing}, "d", false, stream.get()) ==
+         StorePointResult::Stored;
+}
+
+bool Delete(Job& job, const std::string& id) {
+  const auto stream = OpenCoordinateFile(job);
+  return DeletePoint(job, id, stream.get()) == DeletePointResult::Deleted;
+}
+
+bool StoreBatch(Job& job) {
+  std::vector<Point> batch(3);
+  for (std::size_t i = 0; i < batch.size(); ++i) {
+    batch[i] = {
+        .at = {.northing = 100.0}, .description = {}, .id = PointId(std::to_string(3 + 4 * i))};
+  }
+  return StorePoints(job, batch) == StorePointsResult::Stored;
+}
+
+const Operation kOperations[] = {
+    {"append", true, [](Job& job) { return Store(job, "50", 5.0); }},
+    {"insert in front", true, [](Job& job) { return Store(job, "1", 5.0); }},
+    {"insert", true, [](Job& job) { return Store(job, "25", 5.0); }},
+    {"overwrite", true, [](Job& job) { return Store(job, "20", 5.0); }},
+    {"delete", true, [](Job& job) { return Delete(job, "20"); }},
+    {"delete the last", true, [](Job& job) { return Delete(job, "40"); }},
+    {"bulk", true, StoreBatch},
+    {"append", false, [](Job& job) { return Store(job, "41", 5.0); }},
+    {"append behind a gap", false, [](Job& job) { return Store(job, "60", 5.0); }},
+    {"overwrite", false, [](Job& job) { return Store(job, "20", 5.0); }},
+    {"delete", false, [](Job& job) { return Delete(job, "20"); }},
+    {"bulk", false, StoreBatch},
+};
+
+std::string State(Job& job) {
+  PointList points;
+  if (LoadAllPoints(job, points) != LoadPointsResult::Loaded) return "cannot be loaded";
+  std::string text;
+  for (const Point& point : points)
+    text += point.id.str() + "=" + std::to_string(point.at.northing) + " ";
+  return text;
+}
+
+void Prepare(TestHost& host, bool alphanumeric) {
+  Job job = MakeJob(host, alphanumeric);
+  for (const char* id : {"10", "20", "30", "40"}) ASSERT_TRUE(Store(job, id, 1.0));
+}
+
+std::string StateAfter(const Operation& operation, bool run) {
+  TestHost host;
+  Prepare(host, operation.alphanumeric);
+  Job job = MakeJob(host, operation.alphanumeric);
+  if (run) {
+    EXPECT_TRUE(operation.run(job));
+  }
+  return State(job);
+}
+
+// Runs the operation with the mishap at `step`; false when it was over before that step.
+bool Interrupt(const Operation& operation, Mishap mishap, int step, unsigned seed,
+               const std::string& before, const std::string& after) {
+  TestHost host;
+  Prepare(host, operation.alphanumeric);
+  Job job = MakeJob(host, operation.alphanumeric);
+  host.memory.Restart(0);
+  host.memory.Expect(mishap, step);
+  const bool reported = operation.run(job);
+  const bool happened = host.memory.happened();
+  host.memory.Restart(seed);
+  Job again = MakeJob(host, operation.alphanumeric);
+  EXPECT_NE(OpenCoordinateFile(again), nullptr);
+  const std::string state = State(again);
+  const bool as_reported = reported ? state == after : state == before || state == after;
+  EXPECT_TRUE(as_reported) << operation.name << (operation.alphanumeric ? " by name" : " by number")
+                           << ", mishap " << int(mishap) << " at step " << step << " seed " << seed
+                           << (reported ? ", reported as done" : "") << "\nholds " << state;
+  EXPECT_TRUE(Store(again, "99", 9.0));  // and work goes on
+  EXPECT_EQ(State(again), state + "99=9.000000 ");
+  return happened;
+}
+
+TEST(Interruption, LeavesTheOldStateOrTheNewOne) {
+  for (const Operation& operation : kOperations) {
+    const std::string before = StateAfter(operation, false);
+    const std::string after = StateAfter(operation, true);
+    ASSERT_NE(before, after);
+    for (const Mishap mishap :
+         {Mishap::Fails, Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
+      const unsigned seeds = mishap == Mishap::PowerLoss ? 40 : 1;
+      int steps = 0;
+      for (unsigned seed = 0; seed < seeds; ++seed) {
+        for (int step = 1; Interrupt(operation, mishap, step, seed, before, after); ++step)
+          steps = step;
+      }
+      EXPECT_GE(steps, 2) << operation.name;
+    }
+  }
+}
+
+TEST(Interruption, OfCreationAndConversionLosesNothing) {
+  TestHost model;
+  Prepare(model, true);
+  std::string older = model.memory.Bytes(kJobPath);
+  older[86] = '\0';
+  for (const bool convert : {false, true}) {
+    for (const Mishap mishap : {Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
+      bool happened = true;
+      for (int step = 1; happened; ++step) {
+        TestHost host;
+        if (convert) host.memory.Put(kJobPath, older);
+        host.memory.Expect(mishap, step);
+        Job job = MakeJob(host, true);
+        (void)OpenCoordinateFile(job);
+        happened = host.memory.happened();
+        host.memory.Restart(static_cast<unsigned>(step));
+        Job again = MakeJob(host, true);
+        ASSERT_NE(OpenCoordinateFile(again), nullptr) << step;
+        EXPECT_TRUE(again.alphanumeric);
+        EXPECT_EQ(State(again).empty(), !convert);
+      }
+    }
+  }
+}
+
+TEST(Interruption, NeverTearsTheRawFileOrTheNotes) {
+  for (const Mishap mishap : {Mishap::Fails, Mishap::DiskFull}) {
+    for (int step = 1; step < 12; ++step) {
+      TestHost host;
+      Job job = MakeJob(host, true);
+      ASSERT_EQ(AppendRawRecord(job, "\n--first"), RawFileResult::Written);
+      ASSERT_TRUE(
+          WritePointNote(job, {.point_id = "1", .lines = {"first"}, .quality_lines = ""}).ok());
+      const std::string raw = host.memory.Bytes("/jobs/site.rw5");
+      const std::string notes = host.memory.Bytes("/jobs/site.not");
+      host.memory.Expect(mishap, step);
+      const bool raw_written = AppendRawRecord(job, "\n--second") == RawFileResult::Written;
+      const bool note_written =
+          WritePointNote(job, {.point_id = "2", .lines = {"second"}, .quality_lines = ""}).ok();
+      host.memory.Restart(0);
+      EXPECT_EQ(host.memory.Bytes("/jobs/site.rw5"), raw_written ? raw + "\n--second" : raw)
+          << step;
+      const std::string now = host.memory.Bytes("/jobs/site.not");
+      EXPECT_TRUE(now == notes + "PT_ID:2\nNOTE1,second\n" || (!note_written && now == notes))
+          << step;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tarvex

@@ -1,0 +1,167 @@
+#include "core/raw_file.h"
+
+#include <gtest/gtest.h>
+
+#include "core/coordinate_file.h"
+#include "core/point_notes.h"
+#include "core/raw_records.h"
+#include "core/raw_shot.h"
+#include "core/settings.h"
+#include "tests/support/test_host.h"
+
+namespace tarvex {
+namespace {
+
+constexpr const char* kRawPath = "/jobs/site.rw5";
+constexpr double kSecond = 1.0 / 3600;
+
+const Point kPoint{.at = {.northing = 5000.123456, .easting = -0.00004, .elevation = 99.99996},
+                   .description = Description("IP, 1/2\" rebar"),
+                   .id = PointId("A1")};
+
+TEST(RawFile, StartsWithItsHeader) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  job.scale_factor = 0.9996;
+  job.unit = DistanceUnit::UsSurveyFeet;
+  job.azimuths_from_south = true;
+  EXPECT_EQ(AppendRawRecord(job, StoredPointRecord(kPoint)), RawFileResult::Written);
+  EXPECT_EQ(host.memory.Bytes(kRawPath),
+            "JB,NM$noname$,DT12-05-2008,TM14:03:09\n"
+            "MO,AD1,UN2,SF0.99960000,EC0,EO0.0,AU0\n"
+            "--Tarvex\n"
+            "--CRD: Alphanumeric\n"
+            "SP,PNA1,N 5000.1235,E -0.0000,EL100.0000,--IP, 1/2\" rebar");
+}
+
+TEST(RawFile, IsResumedWithAStamp) {
+  TestHost host;
+  Job job = MakeJob(host, false);
+  job.name = "site, north";
+  job.unit = DistanceUnit::InternationalFeet;
+  ASSERT_NE(OpenCoordinateFile(job), nullptr);
+  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  const std::string header = host.memory.Bytes(kRawPath);
+  EXPECT_EQ(header,
+            "JB,NMsite_ north,DT12-05-2008,TM14:03:09\nMO,AD0,UN0,SF1.00000000,EC0,EO0.0,AU0\n"
+            "--Tarvex\n--CRD: Numeric");
+  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  const std::string resumed = header + "\n--DT12-05-2008\n--TM14:03:09";
+  EXPECT_EQ(host.memory.Bytes(kRawPath), resumed);
+  job.collector = "Tarvex 9";
+  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  EXPECT_EQ(host.memory.Bytes(kRawPath), resumed + "\n--Tarvex 9\n--DT12-05-2008\n--TM14:03:09");
+  host.memory.MakeReadOnly(kRawPath);
+  EXPECT_EQ(AppendRawRecord(job, "\n--lost"), RawFileResult::Dropped);
+}
+
+TEST(RawRecords, AreWrittenToTheByte) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  EXPECT_EQ(OccupyRecord(kPoint), "\nOC,OPA1,N 5000.12346,E -0.00004,EL100.000,--IP, 1/2\" rebar");
+  EXPECT_EQ(HeightsRecord(1.5, 2), "\nLS,HI1.5000,HR2.0000");
+  EXPECT_EQ(RodHeightRecord(0), "\nLS,HR0.0000");
+  EXPECT_EQ(GnssRecord({.point_id = "7",
+                        .latitude_degrees = 12.0 + 29.0 / 60 + 59.99999999999 / 3600,
+                        .longitude_degrees = -97.5,
+                        .height = 545.4,
+                        .description = "two\nlines"}),
+            "\nGPS,PN7,LA12.300000000000,LN-97.300000000000,EL545.400000,--two lines");
+  EXPECT_EQ(GnssGridRecord(kPoint),
+            "\n--GS,PNA1,N 5000.1235,E -0.0000,EL100.0000,--IP, 1/2\" rebar");
+  EXPECT_EQ(GnssBaseRecord(1.5, 2.25, 3), "\nBP,PN,LA1.300000000000,LN2.150000000000,EL3.0000");
+  EXPECT_EQ(CommentRecord("a\r\nb\n"), "\n--a\n--b");
+  EXPECT_EQ(CommentRecord(""), "\n--");
+  EXPECT_EQ(AntennaRecord("X1", HeightKind::Slant), "\n--Antenna Type: X1, Slant");
+  EXPECT_EQ(ElevationModeRecord(true) + EdmModeRecord("Fine"),
+            "\n--Elevation: 3D\n--EDM Mode: Fine");
+  EXPECT_EQ(ShiftParametersRecord({.dx = 1,
+                                   .dy = -2,
+                                   .dz = 3.5,
+                                   .rotation_x = 0.1,
+                                   .rotation_y = 0,
+                                   .rotation_z = 0,
+                                   .scale = 1}),
+            "\n--dX: 1.00000000, dY: -2.00000000, dZ: 3.50000000, rotX: 0.1000000000, rotY: "
+            "0.0000000000, "
+            "rotZ: 0.0000000000, scale: 1.0000000000");
+  Backsight backsight{.occupied_id = "1",
+                      .backsight_id = "2",
+                      .azimuth_degrees = 200,
+                      .circle_degrees = 359 + 59.0 / 60 + 59.9996 * kSecond};
+  EXPECT_EQ(BacksightRecord(job, backsight), "\nBK,OP1,BP2,BS200.0000,BC0.0000");
+  job.azimuths_from_south = true;
+  backsight.backsight_id.clear();
+  EXPECT_EQ(BacksightRecord(job, backsight), "\nBK,OP1,BP,BS20.0000,BC0.0000");
+}
+
+TEST(RawShots, ChooseTheirFieldsByMode) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  Shot shot{.occupied_id = "1",
+            .foresight_id = "2",
+            .horizontal = 10.5,
+            .vertical = 89.75,
+            .distance = 100.25,
+            .description = "TREE"};
+  EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,AR10.3000,ZE89.4500,SD100.250000,--TREE");
+  shot.horizontal_mode = HorizontalMode::AngleLeft;
+  shot.vertical_mode = VerticalMode::None;
+  EXPECT_EQ(TraverseRecord(job, shot), "\nTR,OP1,FP2,AL10.3000,ZE90.0000,SD100.250000,--TREE");
+  shot.vertical_mode = VerticalMode::VerticalAngle;
+  shot.vertical = -0.25;
+  shot.horizontal_mode = HorizontalMode::BearingSW;
+  EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,BRS10.500000W,VA-0.1500,SD100.250000,--TREE");
+  shot.vertical_mode = VerticalMode::ChangeInElevation;
+  shot.horizontal_mode = HorizontalMode::Azimuth;
+  job.azimuths_from_south = true;
+  shot.horizontal = 10.0;
+  EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,AZ190.0000,CE-0.250000,HD100.250000,--TREE");
+  const Reading reading{.angle_right_degrees = 180.5, .zenith_degrees = 90, .slope_distance = 12};
+  EXPECT_EQ(SetReadingRecord(SetReading::ForesightReverse, "1", "2", reading, "x"),
+            "\nFR,OP1,FP2,AR180.3000,ZE90.0000,SD12.000000,--x");
+  EXPECT_EQ(SetReadingComment(3, false, "2", reading, "x", 1.5),
+            "\n--Reading 3(R):FP2,AR180.3000,ZE90.0000,SD12.0000--x,HR1.500");
+  EXPECT_EQ(OffsetRecord(reading), "\nOF,AR180.3000,ZE90.0000,SD12.000000");
+  EXPECT_EQ(LaserOffsetRecord(10 + 12.0 / 60 + 34 * kSecond, -1, 5),
+            "\nOF,AZ10.123,CE-1.0000,HD5.0000");
+}
+
+TEST(PointNotes, ReplaceTheBlockOfThePoint) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  EXPECT_TRUE(WritePointNote(job, {.point_id = "A1",
+                                   .lines = {"one\ntwo", "PT_ID:9"},
+                                   .quality_lines = "HRMS,0.010\n"})
+                  .ok());
+  EXPECT_TRUE(
+      WritePointNote(job, {.point_id = "B", .lines = {}, .quality_lines = "HRMS,0.020\n"}).ok());
+  EXPECT_EQ(host.memory.Bytes("/jobs/site.not"),
+            "PT_ID:A1\nNOTE1,one\nNOTE2,two\nNOTE3,PT_ID:9\nHRMS,0.010\nPT_ID:B\nHRMS,0.020\n");
+  FileStatus status;
+  const auto note = ReadPointNote(job, "a1", status);
+  ASSERT_TRUE(note && status.ok());
+  EXPECT_EQ(note->lines, (std::vector<std::string>{"one", "two", "PT_ID:9"}));
+  EXPECT_EQ(note->quality_lines, "HRMS,0.010\n");
+  EXPECT_TRUE(
+      WritePointNote(job, {.point_id = "A1", .lines = {}, .quality_lines = "SATS,9\n"}).ok());
+  EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "PT_ID:B\nHRMS,0.020\nPT_ID:A1\nSATS,9\n");
+  EXPECT_FALSE(ReadPointNote(job, "C", status));
+  host.memory.Put("/jobs/site.not", "stray\nPT_ID:B\nHRMS,1");  // hand-edited, its end missing
+  EXPECT_TRUE(WritePointNote(job, {.point_id = "C", .lines = {}, .quality_lines = ""}).ok());
+  EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "stray\nPT_ID:B\nHRMS,1\nPT_ID:C\n");
+}
+
+TEST(Settings, KeepWhatTheyDoNotKnow) {
+  Settings settings("# a comment\nunits=metres\n\nodd line\nunits = us-feet \r\nname=a=b\n");
+  EXPECT_EQ(settings.Get("units"), "us-feet");
+  EXPECT_EQ(settings.Get("name"), "a=b");
+  EXPECT_EQ(settings.Get("UNITS"), std::nullopt);
+  settings.Set("units", "intl\nfeet");
+  settings.Set("new", "1");
+  settings.Remove("name");
+  EXPECT_EQ(settings.Text(), "# a comment\nunits=metres\n\nodd line\nunits=intl feet\nnew=1\n");
+}
+
+}  // namespace
+}  // namespace tarvex

@@ -1,0 +1,72 @@
+// A file system in memory that can fail, die or lose its power at any step.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/file.h"
+
+namespace tarvex {
+
+/// What happens at the step that is to go wrong.
+enum class Mishap {
+  None,
+  Fails,     ///< the step reports an error, half of a write done; later steps work again
+  DiskFull,  ///< from this step on nothing that needs room works, half of the first write done
+  Killed,    ///< half of a write is done and nothing happens any more
+  PowerLoss  ///< as Killed; of what was not synced an arbitrary part is gone
+};
+
+class MemoryFiles final : public FileSystem {
+ public:
+  struct Node {
+    std::string data;
+    std::string durable;
+    std::vector<std::pair<std::uint64_t, std::string>> unsynced;  // writes; a resize has no bytes
+  };
+  using Names = std::map<std::string, std::shared_ptr<Node>>;
+
+  /// The mishap happens at this step, counted from 1 over all that changes something.
+  void Expect(Mishap mishap, int step);
+  bool happened() const { return mishap_ != Mishap::None && steps_ >= mishap_step_; }
+  /// The machine starts again after the mishap; `seed` decides what a loss of power left.
+  void Restart(unsigned seed);
+
+  void Put(const std::string& path, const std::string& bytes);
+  std::string Bytes(const std::string& path) const;
+  std::vector<std::string> Paths() const;
+  void MakeReadOnly(const std::string& path) { read_only_ = path; }
+
+  FileStatus Open(const std::string& path, FileAccess access, std::unique_ptr<File>& file) override;
+  bool Exists(const std::string& path) override { return names_.contains(path); }
+  FileStatus Remove(const std::string& path) override;
+  FileStatus Rename(const std::string& from, const std::string& to) override;
+  FileStatus SyncFolderOf(const std::string& path) override;
+  FileStatus CopyRights(const std::string&, const std::string&) override { return {}; }
+
+  // For the open files.
+  FileStatus Write(Node& node, std::uint64_t offset, std::string_view bytes);
+  FileStatus Resize(Node& node, std::uint64_t size);
+  FileStatus Sync(Node& node);
+  bool IsNamed(const Node& node, const std::string& path) const;
+
+ private:
+  /// Counts a step; what it comes to when it goes wrong.
+  FileStatus Step(bool needs_room);
+  bool dead() const;
+  std::string SurvivingData(const Node& node, unsigned seed) const;
+
+  Names names_;
+  Names durable_names_;
+  std::vector<Names> unsynced_names_;  // after each change of a name since the folder was synced
+  std::string read_only_;
+  Mishap mishap_ = Mishap::None;
+  int mishap_step_ = 0;
+  int steps_ = 0;
+};
+
+}  // namespace tarvex

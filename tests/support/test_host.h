@@ -1,0 +1,51 @@
+// A job's surroundings for tests: files in memory, a clock that stands still, answers given in
+// advance.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/job.h"
+#include "tests/support/memory_files.h"
+
+namespace tarvex {
+
+class StandingClock final : public Clock {
+ public:
+  LocalTime Now() override { return now; }
+  std::int64_t SteadyMilliseconds() override { return steady_ms; }
+  void SleepMilliseconds(std::int64_t duration_ms) override { steady_ms += duration_ms; }
+
+  LocalTime now{.year = 2008, .month = 12, .day = 5, .hour = 14, .minute = 3, .second = 9};
+  std::int64_t steady_ms = 0;
+};
+
+class TestHost final : public JobHost {
+ public:
+  FileSystem& files() override { return memory; }
+  Clock& clock() override { return standing_clock; }
+  ExistingPointAnswer AskExistingPoint(const std::string& id, bool exists) override {
+    asked.push_back(id + (exists ? " exists" : " is free"));
+    return answer;
+  }
+  void ShowMessage(const std::string& text) override { messages.push_back(text); }
+  void ShowWaitCursor(bool shown) override { wait_cursor += shown ? "on " : "off "; }
+
+  MemoryFiles memory;
+  StandingClock standing_clock;
+  ExistingPointAnswer answer;
+  std::vector<std::string> asked;
+  std::vector<std::string> messages;
+  std::string wait_cursor;
+};
+
+inline constexpr const char* kJobPath = "/jobs/site.crd";
+
+inline Job MakeJob(TestHost& host, bool alphanumeric) {
+  Job job(host);
+  job.path = kJobPath;
+  job.alphanumeric_new_files = alphanumeric;
+  return job;
+}
+
+}  // namespace tarvex
