@@ -34,8 +34,9 @@ struct GridMetres {
 
 enum class [[nodiscard]] StepStatus : int{
     Done,
-    LeftUndone,  ///< the value went through unchanged; the conversion goes on and says so
-    Refused,     ///< no value; the conversion ends here
+    LeftUndone,      ///< the value went through unchanged; the conversion goes on and says so
+    Refused,         ///< no value; the conversion ends here
+    LibraryMissing,  ///< no value, because a closed library cannot be loaded
 };
 
 /// What one step came to; `reason` is the number of its text in the string table, 0 when done.

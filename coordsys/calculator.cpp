@@ -1,0 +1,298 @@
+#include "coordsys/calculator.h"
+
+#include <cmath>
+#include <utility>
+
+#include "core/string_table.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kHeightPasses = 10;
+constexpr double kHeightSettled_m = 1e-7;
+
+bool IsNumber(double a, double b, double c) {
+  return std::isfinite(a) && std::isfinite(b) && std::isfinite(c);
+}
+
+// True for the ellipsoids on which a WGS84 latitude stands unchanged (GRS 1980: 0.1 mm).
+bool IsWgs84Like(const Ellipsoid& ellipsoid) {
+  return std::fabs(ellipsoid.semi_major_m - kWgs84.semi_major_m) < 0.001 &&
+         std::fabs(ellipsoid.flattening - kWgs84.flattening) < 1e-10;
+}
+
+CalculationResult ResultOf(ProjectionResult result) {
+  switch (result) {
+    case ProjectionResult::Done:
+      return CalculationResult::Done;
+    case ProjectionResult::NotANumber:
+      return CalculationResult::NotANumber;
+    case ProjectionResult::LibraryMissing:
+      return CalculationResult::LibraryMissing;
+    case ProjectionResult::OutsideDomain:
+      break;
+  }
+  return CalculationResult::OutsideDomain;
+}
+
+int FaultText(ProjectionFault fault) {
+  constexpr int kFirst = 2210;  // the texts stand in the order of the faults
+  return kFirst + static_cast<int>(fault) - static_cast<int>(ProjectionFault::Ellipsoid);
+}
+
+}  // namespace
+
+std::string CalculationText(CalculationResult result) {
+  switch (result) {
+    case CalculationResult::Done:
+      return Strings().Text(2230);
+    case CalculationResult::DoneInPart:
+      return Strings().Text(2231);
+    case CalculationResult::LibraryMissing:
+      return Strings().Text(2232);
+    case CalculationResult::NotANumber:
+      return Strings().Text(2233);
+    case CalculationResult::NoSystem:
+      return Strings().Text(2234);
+    case CalculationResult::NotAvailable:
+      return Strings().Text(2235);
+    case CalculationResult::OutsideDomain:
+      return Strings().Text(2236);
+    case CalculationResult::NoDatumShift:
+      return Strings().Text(2237);
+    case CalculationResult::StepRefused:
+      return Strings().Text(2238);
+    case CalculationResult::NotConverging:
+      break;
+  }
+  return Strings().Text(2239);
+}
+
+// What happens while one point goes through the chain.
+struct CTrgCalculator::Run {
+  CalculationReport* report = nullptr;
+  bool in_part = false;
+
+  void Note(CalculationStep step, double a, double b, double c) {
+    if (report) report->steps.push_back({step, {a, b, c}, "", {}});
+  }
+  void Note(CalculationStep step, const Geodetic& at) {
+    Note(step, at.latitude_rad, at.longitude_rad, at.height_m);
+  }
+  void Note(CalculationStep step, const GridMetres& at) {
+    Note(step, at.northing_m, at.easting_m, at.elevation_m);
+  }
+
+  // Takes in what a step that was handed in came to, and describes it.
+  template <typename Step>
+  CalculationResult Take(const Step& step, StepOutcome outcome) {
+    if (report) {
+      report->steps.back().description = step.Describe();
+      report->steps.back().outcome = outcome;
+    }
+    if (outcome.status == StepStatus::LibraryMissing) return CalculationResult::LibraryMissing;
+    if (outcome.status == StepStatus::Refused) return CalculationResult::StepRefused;
+    if (outcome.status == StepStatus::LeftUndone) in_part = true;
+    return CalculationResult::Done;
+  }
+
+  CalculationResult End() const {
+    return in_part ? CalculationResult::DoneInPart : CalculationResult::Done;
+  }
+};
+
+void CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
+  ReadDefinition(text, record_, compound_name_, messages);
+  SetRecord(record_);
+}
+
+void CTrgCalculator::SetRecord(const ProjectionRecord& record) {
+  record_ = record;
+  has_system_ = true;
+  MadeProjection made = MakeProjection(record_);
+  projection_ = std::move(made.projection);
+  fault_ = made.fault;
+}
+
+bool CTrgCalculator::NeedsDatumShift() const {
+  if (projection_->TakesWgs84()) return false;
+  return HasDatumShift(record_) || !IsWgs84Like(EllipsoidOf(record_));
+}
+
+CalculationResult CTrgCalculator::State() const {
+  if (!has_system_) return CalculationResult::NoSystem;
+  if (!projection_) return CalculationResult::NotAvailable;
+  if (NeedsDatumShift() && !steps_.datum_shift) return CalculationResult::NoDatumShift;
+  return CalculationResult::Done;
+}
+
+std::string CTrgCalculator::StateText() const {
+  switch (State()) {
+    case CalculationResult::Done:
+      return "";
+    case CalculationResult::NotAvailable:
+      return Strings().Text(FaultText(fault_));
+    case CalculationResult::NoDatumShift:
+      return Strings().Text(2221);
+    default:
+      return CalculationText(State());
+  }
+}
+
+CalculationResult CTrgCalculator::ToSystemDatum(Geodetic& position, Run& run) const {
+  if (!steps_.datum_shift || projection_->TakesWgs84()) return CalculationResult::Done;
+  const StepOutcome outcome = steps_.datum_shift->ToSystem(position);
+  run.Note(CalculationStep::DatumShift, position);
+  return run.Take(*steps_.datum_shift, outcome);
+}
+
+CalculationResult CTrgCalculator::FromSystemDatum(Geodetic& position, Run& run) const {
+  if (!steps_.datum_shift || projection_->TakesWgs84()) return CalculationResult::Done;
+  const StepOutcome outcome = steps_.datum_shift->ToWgs84(position);
+  run.Note(CalculationStep::DatumShift, position);
+  return run.Take(*steps_.datum_shift, outcome);
+}
+
+// Projection, grid correction and localization of a position on the system's datum; the elevation
+// goes in with `metres`.
+CalculationResult CTrgCalculator::Project(const Geodetic& position, GridMetres& metres,
+                                          Run& run) const {
+  PlanePoint plane;
+  const auto projected =
+      ResultOf(projection_->Forward({position.latitude_rad, position.longitude_rad}, plane));
+  if (projected != CalculationResult::Done) return projected;
+  metres.northing_m = plane.northing_m;
+  metres.easting_m = plane.easting_m;
+  run.Note(CalculationStep::Projection, metres);
+  if (steps_.grid_correction) {
+    const StepOutcome outcome = steps_.grid_correction->ToGrid(metres);
+    run.Note(CalculationStep::GridCorrection, metres);
+    const CalculationResult result = run.Take(*steps_.grid_correction, outcome);
+    if (result != CalculationResult::Done) return result;
+  }
+  if (steps_.localization) {
+    const StepOutcome outcome = steps_.localization->ToLocal(metres);
+    run.Note(CalculationStep::Localization, metres);
+    return run.Take(*steps_.localization, outcome);
+  }
+  return CalculationResult::Done;
+}
+
+// The same steps backwards: a position on the system's datum whose height is still the elevation.
+CalculationResult CTrgCalculator::Unproject(const GridMetres& metres, Geodetic& position,
+                                            Run& run) const {
+  GridMetres at = metres;
+  if (steps_.localization) {
+    const StepOutcome outcome = steps_.localization->ToGrid(at);
+    run.Note(CalculationStep::Localization, at);
+    const CalculationResult result = run.Take(*steps_.localization, outcome);
+    if (result != CalculationResult::Done) return result;
+  }
+  if (steps_.grid_correction) {
+    const StepOutcome outcome = steps_.grid_correction->ToPlane(at);
+    run.Note(CalculationStep::GridCorrection, at);
+    const CalculationResult result = run.Take(*steps_.grid_correction, outcome);
+    if (result != CalculationResult::Done) return result;
+  }
+  LatLon unprojected;
+  const auto result = ResultOf(projection_->Inverse({at.northing_m, at.easting_m}, unprojected));
+  if (result != CalculationResult::Done) return result;
+  position = {unprojected.latitude_rad, unprojected.longitude_rad, at.elevation_m};
+  run.Note(CalculationStep::Projection, position);
+  return CalculationResult::Done;
+}
+
+// The WGS84 position whose height above the geoid is `elevation_m`: the height on the system's
+// datum is not known beforehand, and moves until the two agree.
+CalculationResult CTrgCalculator::SettleHeight(Geodetic on_datum, double elevation_m,
+                                               Geodetic& wgs84, Run& run) const {
+  on_datum.height_m = elevation_m;
+  for (int pass = 0; pass < kHeightPasses; ++pass) {
+    Run silent;
+    wgs84 = on_datum;
+    CalculationResult result = FromSystemDatum(wgs84, silent);
+    if (result != CalculationResult::Done) return result;
+    double undulation_m = 0.0;
+    const StepOutcome outcome =
+        steps_.geoid->Undulation(wgs84.latitude_rad, wgs84.longitude_rad, undulation_m);
+    const double change_m = elevation_m + undulation_m - wgs84.height_m;
+    const bool settled = std::fabs(change_m) < kHeightSettled_m;
+    if (settled || outcome.status != StepStatus::Done) {
+      Geodetic shown = on_datum;
+      result = FromSystemDatum(shown, run);
+      if (result != CalculationResult::Done) return result;
+      run.Note(CalculationStep::Geoid, undulation_m, 0.0, 0.0);
+      return run.Take(*steps_.geoid, outcome);
+    }
+    on_datum.height_m += change_m;
+  }
+  return CalculationResult::NotConverging;
+}
+
+GridMetres CTrgCalculator::InMetres(const GridPoint& point) const {
+  return {ToMetres(point.northing, unit_), ToMetres(point.easting, unit_),
+          ToMetres(point.elevation, unit_)};
+}
+
+GridPoint CTrgCalculator::InJobUnit(const GridMetres& metres) const {
+  return {FromMetres(metres.northing_m, unit_), FromMetres(metres.easting_m, unit_),
+          FromMetres(metres.elevation_m, unit_)};
+}
+
+CalculationResult CTrgCalculator::ToGrid(const Geodetic& wgs84, GridPoint& point,
+                                         CalculationReport* report) const {
+  const CalculationResult state = State();
+  if (state != CalculationResult::Done) return state;
+  if (!IsNumber(wgs84.latitude_rad, wgs84.longitude_rad, wgs84.height_m)) {
+    return CalculationResult::NotANumber;
+  }
+  Run run{report};
+  run.Note(CalculationStep::Wgs84, wgs84);
+  Geodetic position = wgs84;
+  CalculationResult result = ToSystemDatum(position, run);
+  if (result != CalculationResult::Done) return result;
+
+  GridMetres metres;
+  metres.elevation_m = position.height_m;
+  if (steps_.geoid) {
+    double undulation_m = 0.0;
+    const StepOutcome outcome =
+        steps_.geoid->Undulation(wgs84.latitude_rad, wgs84.longitude_rad, undulation_m);
+    run.Note(CalculationStep::Geoid, undulation_m, 0.0, 0.0);
+    result = run.Take(*steps_.geoid, outcome);
+    if (result != CalculationResult::Done) return result;
+    if (outcome.status == StepStatus::Done) metres.elevation_m = wgs84.height_m - undulation_m;
+  }
+  result = Project(position, metres, run);
+  if (result != CalculationResult::Done) return result;
+  point = InJobUnit(metres);
+  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
+  return run.End();
+}
+
+CalculationResult CTrgCalculator::ToWgs84(const GridPoint& point, Geodetic& wgs84,
+                                          CalculationReport* report) const {
+  const CalculationResult state = State();
+  if (state != CalculationResult::Done) return state;
+  if (!IsNumber(point.northing, point.easting, point.elevation)) {
+    return CalculationResult::NotANumber;
+  }
+  Run run{report};
+  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
+  Geodetic position;
+  CalculationResult result = Unproject(InMetres(point), position, run);
+  if (result != CalculationResult::Done) return result;
+  if (steps_.geoid) {
+    Geodetic settled;
+    result = SettleHeight(position, position.height_m, settled, run);
+    position = settled;
+  } else {
+    result = FromSystemDatum(position, run);
+  }
+  if (result != CalculationResult::Done) return result;
+  wgs84 = position;
+  run.Note(CalculationStep::Wgs84, wgs84);
+  return run.End();
+}
+
+}  // namespace tarvex

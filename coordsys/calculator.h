@@ -1,0 +1,134 @@
+// The job's coordinate-system calculator. WGS84 latitude, longitude and ellipsoid height enter it;
+// northing, easting and elevation of the job, in the job's distance unit, leave it, and back:
+//
+//   WGS84 -> datum shift -> projection -> grid correction -> localization -> job unit
+//
+// The elevation is the WGS84 height minus the geoid's undulation, or, without a geoid model, the
+// ellipsoid height on the system's datum. A job's grid scale factor is not applied here.
+//
+// Nothing falls back silently: a datum shift that the definition asks for and nobody has handed in
+// is a refusal, a step that had to be left undone is part of the result.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "coordsys/calculation_steps.h"
+#include "coordsys/coordinates.h"
+#include "coordsys/definition_reader.h"
+#include "coordsys/message_box.h"
+#include "coordsys/projection.h"
+#include "core/units.h"
+
+namespace tarvex {
+
+/// A point of the job, in the job's distance unit.
+struct GridPoint {
+  double northing = 0.0;
+  double easting = 0.0;
+  double elevation = 0.0;
+
+  bool operator==(const GridPoint&) const = default;
+};
+
+enum class [[nodiscard]] CalculationResult : int{
+    Done = 1,
+    DoneInPart = 2,      ///< a point came out, but a step was left undone: see the report
+    LibraryMissing = 0,  ///< the closed library that computes the projection cannot be loaded
+    NotANumber = -1,
+    NoSystem = -2,       ///< the calculator has no coordinate system
+    NotAvailable = -3,   ///< the system cannot be made: see SystemText
+    OutsideDomain = -4,  ///< the point lies where the projection does not hold
+    NoDatumShift = -5,   ///< the definition shifts its datum, and no step does it
+    StepRefused = -6,    ///< a step could not be made: see the report
+    NotConverging = -7,  ///< the height and the geoid did not settle
+};
+
+/// A result in a sentence.
+std::string CalculationText(CalculationResult result);
+
+enum class CalculationStep {
+  Wgs84,
+  DatumShift,
+  Projection,
+  GridCorrection,
+  Localization,
+  JobUnit,
+  Geoid
+};
+
+/// The value after one step: latitude and longitude in radians and height, or northing, easting
+/// and elevation; the geoid's is its undulation alone.
+struct ExplainedStep {
+  CalculationStep step = CalculationStep::Wgs84;
+  double values[3] = {0.0, 0.0, 0.0};
+  std::string description;  ///< parameters, grid or geoid in words
+  StepOutcome outcome;
+};
+
+/// What a caller can have beside the result.
+struct CalculationReport {
+  std::vector<ExplainedStep> steps;
+};
+
+/// The steps handed in; one that is not there is not made.
+struct CalculationSteps {
+  std::shared_ptr<const DatumShift> datum_shift = nullptr;
+  std::shared_ptr<const GridCorrection> grid_correction = nullptr;
+  std::shared_ptr<const GeoidModel> geoid = nullptr;
+  std::shared_ptr<const SiteLocalization> localization = nullptr;
+};
+
+class CTrgCalculator {
+ public:
+  /// Reads a definition text into the record, which keeps what the text does not give, and makes
+  /// the projection. Steps handed in before stay; `messages` may be null.
+  void ParseDefinition(std::string_view text, MessageBox* messages);
+
+  /// Takes a record as it is.
+  void SetRecord(const ProjectionRecord& record);
+  const ProjectionRecord& record() const { return record_; }
+  const std::string& compound_name() const { return compound_name_; }
+
+  void SetSteps(CalculationSteps steps) { steps_ = std::move(steps); }
+  const CalculationSteps& steps() const { return steps_; }
+
+  void SetDistanceUnit(DistanceUnit unit) { unit_ = unit; }
+  DistanceUnit distance_unit() const { return unit_; }
+
+  /// Whether points can be converted: Done, NoSystem, NotAvailable or NoDatumShift.
+  CalculationResult State() const;
+  /// What keeps the system from being used, in a sentence; empty when nothing does.
+  std::string StateText() const;
+
+  /// `point` and `wgs84` are written only for Done and DoneInPart.
+  CalculationResult ToGrid(const Geodetic& wgs84, GridPoint& point,
+                           CalculationReport* report = nullptr) const;
+  CalculationResult ToWgs84(const GridPoint& point, Geodetic& wgs84,
+                            CalculationReport* report = nullptr) const;
+
+ private:
+  struct Run;
+
+  bool NeedsDatumShift() const;
+  CalculationResult ToSystemDatum(Geodetic& position, Run& run) const;
+  CalculationResult FromSystemDatum(Geodetic& position, Run& run) const;
+  CalculationResult Project(const Geodetic& position, GridMetres& metres, Run& run) const;
+  CalculationResult Unproject(const GridMetres& metres, Geodetic& position, Run& run) const;
+  CalculationResult SettleHeight(Geodetic on_datum, double elevation_m, Geodetic& wgs84,
+                                 Run& run) const;
+  GridMetres InMetres(const GridPoint& point) const;
+  GridPoint InJobUnit(const GridMetres& metres) const;
+
+  bool has_system_ = false;
+  ProjectionRecord record_;
+  std::string compound_name_;
+  std::shared_ptr<const Projection> projection_;
+  ProjectionFault fault_ = ProjectionFault::None;
+  CalculationSteps steps_;
+  DistanceUnit unit_ = DistanceUnit::Metres;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,95 @@
+// The interface of every projection family: a plane of projection in metres over positions on the
+// system's ellipsoid in radians, north and east positive.
+//
+// A projection is made once from a record's parameters and is const afterwards; conversions neither
+// allocate nor throw. A point where the family's formulas do not hold is refused, never given a
+// number; each family's header says where that is and how exact it is inside.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "coordsys/calculation_steps.h"
+#include "coordsys/ellipsoids.h"
+#include "coordsys/projection_record.h"
+
+namespace tarvex {
+
+/// A position on the system's ellipsoid, radians.
+struct LatLon {
+  double latitude_rad = 0.0;
+  double longitude_rad = 0.0;
+
+  bool operator==(const LatLon&) const = default;
+};
+
+enum class [[nodiscard]] ProjectionResult : int{
+    Done, NotANumber, OutsideDomain,
+    LibraryMissing,  ///< the closed library that computes this family cannot be loaded
+};
+
+/// What a conversion starts from: the record's parameters with angles in radians.
+struct ProjectionParameters {
+  Ellipsoid ellipsoid;
+  double false_easting_m = 0.0;
+  double false_northing_m = 0.0;
+  double central_meridian_rad = 0.0;
+  double latitude_of_origin_rad = 0.0;
+  double scale_factor = 0.0;
+  double parallel_1_rad = 0.0;
+  double parallel_2_or_azimuth_rad = 0.0;
+  double rectified_angle_rad = 0.0;
+  std::array<double, 11> coefficients = {};
+  int denmark_area = 0;
+};
+
+ProjectionParameters ParametersOf(const ProjectionRecord& record);
+
+/// Which parameter keeps a projection from being made.
+enum class ProjectionFault : int {
+  None,
+  Ellipsoid,
+  ScaleFactor,
+  CentralMeridian,
+  LatitudeOfOrigin,
+  StandardParallels,
+  Azimuth,
+  FalseOrigin,
+  Coefficients,
+  Area,
+  UnknownType,
+  NotAvailable,
+};
+
+class Projection {
+ public:
+  virtual ~Projection() = default;
+
+  virtual ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept = 0;
+  virtual ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept = 0;
+
+  /// Whole arrays, all of one length; in and out may be the same arrays. A point that is refused
+  /// comes out as not-a-number in both; returns how many were.
+  virtual std::size_t Forward(std::span<const double> latitude_rad,
+                              std::span<const double> longitude_rad, std::span<double> northing_m,
+                              std::span<double> easting_m) const noexcept = 0;
+  virtual std::size_t Inverse(std::span<const double> northing_m, std::span<const double> easting_m,
+                              std::span<double> latitude_rad,
+                              std::span<double> longitude_rad) const noexcept = 0;
+
+  /// True when positions are WGS84 and the datum shift lies inside the family's own computation.
+  virtual bool TakesWgs84() const noexcept { return false; }
+};
+
+/// A projection, or the fault that there is none.
+struct [[nodiscard]] MadeProjection {
+  std::unique_ptr<const Projection> projection;
+  ProjectionFault fault = ProjectionFault::None;
+};
+
+/// The projection of a record: the dispatch on its type.
+MadeProjection MakeProjection(const ProjectionRecord& record);
+
+}  // namespace tarvex
