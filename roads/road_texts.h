@@ -16,4 +16,22 @@ inline constexpr int kTextNotARadiusLine = 5006;
 inline constexpr int kTextCenterlineTooLong = 5007;
 inline constexpr int kTextFileTooLarge = 5008;
 
+// Findings of a check
+inline constexpr int kTextStationsConverted = 5010;
+inline constexpr int kTextEquationRefused = 5011;
+inline constexpr int kTextStationsAllSame = 5012;
+inline constexpr int kTextStationSuspect = 5013;
+inline constexpr int kTextPointSuspect = 5014;
+inline constexpr int kTextCentreSuspect = 5015;
+inline constexpr int kTextLengthMismatch = 5016;
+inline constexpr int kTextStationFalls = 5017;
+inline constexpr int kTextAngleMismatch = 5018;
+inline constexpr int kTextTurnAgainstSign = 5019;
+inline constexpr int kTextAzimuthFieldSuspect = 5020;
+inline constexpr int kTextJoinBroken = 5021;
+inline constexpr int kTextNoCentre = 5022;
+inline constexpr int kTextBrokenGroup = 5023;
+inline constexpr int kTextSpiralUnknown = 5024;
+inline constexpr int kTextSpiralTooTight = 5025;
+
 }  // namespace tarvex

@@ -1,0 +1,178 @@
+// The horizontal geometry of a road: elements derived from the chain of key points, points at
+// stations and offsets, stations and offsets of points.
+//
+// Units: the job's distance unit; angles in radians, azimuths from north clockwise; offsets and
+// curvature are positive to the right of rising stations. Stations are internal ones (no equations,
+// roads/station_equations.h).
+//
+// Where coordinates and stations of the file disagree, the coordinates win: elements run from key
+// point to key point, and stations are spread evenly over each. What disagrees, and by how much,
+// stands in the residuals of each element (roads/alignment_check.h tells it in words); an element
+// that is not `sound` should not be staked.
+//
+// Accuracy: 1e-8 of the unit for points and stations at coordinates up to 1e7, short of the centre
+// of a curve, where stations are soft. Reference: clothoid by Taylor series, roads/curve_piece.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "core/units.h"
+#include "roads/alignment_index.h"
+#include "roads/centerline.h"
+#include "roads/curve_piece.h"
+
+namespace tarvex {
+
+/// From when on a residual is shown, and when the element should not be staked; in the job's unit.
+struct CheckLimits {
+  double note = 0.001;
+  double refuse = 0.02;
+  double spiral_record = 0.01;  ///< an "SP" whose chord misses by more is drawn as a chord
+
+  static CheckLimits For(DistanceUnit unit);
+};
+
+enum class ElementShape : int { Tangent, Arc, Spiral };
+
+/// What is wrong with an element beyond a number that is a little off.
+enum class ElementFault : int {
+  None,
+  NoCentre,        ///< a curve without a usable centre: drawn as its chord
+  BrokenGroup,     ///< a "TS" without its "SC" and "CS": drawn as a chord
+  SpiralUnknown,   ///< an "SP" that does not fit its own chord: drawn as a chord
+  SpiralTooTight,  ///< a spiral that turns more than a full circle: drawn as a chord
+};
+
+/// How far the numbers of the file miss each other; a residual that does not apply is missing.
+struct ElementResiduals {
+  std::optional<double> length;         ///< tangent, arc: by coordinates minus by stations
+  std::optional<double> end_radius;     ///< arc: distance end - centre minus radius
+  std::optional<double> angle;          ///< arc: sweep minus the angle of the R line
+  bool turn_against_sign = false;       ///< arc: the centre and the angle's sign disagree
+  std::optional<double> chord;          ///< spiral: by coordinates minus by radius and stations
+  std::optional<double> azimuth_field;  ///< the azimuth of "TS"/"ST" minus the spiral's own
+  std::optional<double> join;           ///< azimuth minus the end azimuth of the element before
+
+  bool operator==(const ElementResiduals&) const = default;
+};
+
+struct AlignmentElement {
+  ElementShape shape = ElementShape::Tangent;
+  ElementFault fault = ElementFault::None;
+  std::size_t from_node = 0;  ///< index in the chain of the key point that starts it
+  std::size_t to_node = 0;
+  double station_start = 0.0;
+  double station_end = 0.0;
+  double length = 0.0;  ///< by coordinates
+  double azimuth_start = 0.0;
+  double azimuth_end = 0.0;
+  double curvature_start = 0.0;
+  double curvature_end = 0.0;
+  PlanPoint center;  ///< arcs
+  ElementResiduals residuals;
+  bool sound = true;  ///< no fault, and no residual beyond the refuse limit
+
+  double StationLength() const { return station_end - station_start; }
+  /// Parameter A of a spiral: A^2 = length / change of curvature. 0 for other shapes.
+  double SpiralParameter() const;
+};
+
+/// Where a point lies against the alignment.
+enum class Place : int {
+  On,
+  AtVertex,     ///< at an angle point, where no perpendicular exists
+  BeforeStart,  ///< beside the first tangent, extended backward
+  AfterEnd      ///< beside the last tangent, extended forward
+};
+
+struct AlignmentPoint {
+  PlanPoint at;
+  double azimuth = 0.0;  ///< of the alignment there; at an angle point the one ahead
+  double curvature = 0.0;
+  Place place = Place::On;
+  std::size_t element = 0;
+  bool sound = true;
+};
+
+struct StationOffset {
+  double station = 0.0;
+  double offset = 0.0;
+  double distance = 0.0;  ///< to the nearest point of the alignment itself
+  Place place = Place::On;
+  std::size_t element = 0;
+  bool sound = true;
+};
+
+enum class [[nodiscard]] AlignmentResult : int{
+    Made = 1,
+    Nothing = 0,     ///< no two key points apart
+    OutOfRange = -1  ///< a number of a key point is infinite; `line` tells which
+};
+
+struct AlignmentMaking;
+
+class Alignment {
+ public:
+  static AlignmentMaking FromChain(std::span<const CenterlineElement> chain,
+                                   const CheckLimits& limits = {});
+
+  const std::vector<AlignmentElement>& elements() const { return elements_; }
+  double start_station() const { return elements_.front().station_start; }
+  double end_station() const { return elements_.back().station_end; }
+  /// Length by coordinates of the whole alignment.
+  double length() const;
+
+  /// The point `offset` right of the alignment at a station; before the start and after the end on
+  /// the extended tangents. Nothing for numbers that are not finite.
+  std::optional<AlignmentPoint> PointAt(double station, double offset = 0.0) const;
+
+  /// Station and offset of the nearest place of the alignment; at equal distances (1e-9) the lower
+  /// station. Nothing for a point that is not finite.
+  std::optional<StationOffset> Closest(const PlanPoint& point) const;
+
+  /// Every place whose distance is a local minimum, the nearest first.
+  std::vector<StationOffset> Candidates(const PlanPoint& point) const;
+
+  /// The candidate to follow from one position to the next: the one nearest to the station before,
+  /// unless another is more than 10 % closer to the alignment.
+  std::optional<StationOffset> Follow(const PlanPoint& point, double station_before) const;
+
+  /// Of Candidates: those within twice the best distance or 30 units, the best one included.
+  static std::vector<StationOffset> WorthOffering(std::vector<StationOffset> candidates);
+
+  /// Station of each node of the chain by the geometry alone, from the start station on.
+  std::vector<double> GeometricStations(std::span<const CenterlineElement> chain) const;
+
+ private:
+  friend class AlignmentBuilder;
+
+  struct ElementFoot {
+    std::size_t element = 0;
+    NearestOnPiece nearest;
+  };
+
+  std::optional<std::size_t> ElementAt(double station) const;
+  double StationOn(std::size_t element, double along) const;
+  StationOffset FromFoot(const PlanPoint& point, const ElementFoot& foot) const;
+  StationOffset AtNode(const PlanPoint& point, std::size_t behind) const;
+  std::optional<StationOffset> BeyondStart(const PlanPoint& point) const;
+  std::optional<StationOffset> BeyondEnd(const PlanPoint& point) const;
+
+  std::vector<AlignmentElement> elements_;
+  std::vector<CurvePiece> pieces_;  // one an element
+  std::vector<SpiralPanel> panels_;
+  AlignmentIndex index_;
+  bool stations_rise_ = true;
+};
+
+struct AlignmentMaking {
+  AlignmentResult result = AlignmentResult::Nothing;
+  std::optional<Alignment> alignment;
+  int line = 0;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,346 @@
+#include "roads/alignment_builder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+#include "core/no_value.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+constexpr double kZeroLength = 0.0005;  // a shorter run has no direction
+constexpr double kSmallestRadius = 1e-3;
+constexpr double kLargestRadius = 1e9;
+constexpr double kHalfCircle = 1e-6;  // radians about a half circle where the centre has no side
+constexpr std::size_t kMostPanels = 200000;
+
+double WrapAngle(double angle) {
+  return std::remainder(angle, 2.0 * kPi);
+}
+
+double FullAngle(double angle) {
+  const double wrapped = std::fmod(angle, 2.0 * kPi);
+  return wrapped < 0.0 ? wrapped + 2.0 * kPi : wrapped;
+}
+
+PlanPoint At(const CenterlineElement& node) {
+  return {node.northing, node.easting};
+}
+
+PlanPoint CenterOf(const CenterlineElement& node) {
+  return {node.center_northing, node.center_easting};
+}
+
+double Azimuth(const PlanPoint& from, const PlanPoint& to) {
+  return std::atan2(to.easting - from.easting, to.northing - from.northing);
+}
+
+double Distance(const PlanPoint& a, const PlanPoint& b) {
+  return std::hypot(a.northing - b.northing, a.easting - b.easting);
+}
+
+// > 0 when `point` lies right of the line from `from` to `to`.
+double Side(const PlanPoint& from, const PlanPoint& to, const PlanPoint& point) {
+  return (to.northing - from.northing) * (point.easting - from.easting) -
+         (to.easting - from.easting) * (point.northing - from.northing);
+}
+
+double ChordOf(double k0, double k1, double length) {
+  const LocalFrame end = SpiralEnd(k0, k1, length);
+  return std::hypot(end.x, end.y);
+}
+
+bool Buildable(double k0, double k1, double length) {
+  return length > 0.0 && std::isfinite(length) &&
+         AbsoluteSweep(k0, k1, length) <= kLargestSpiralSweep;
+}
+
+// The length of a transition between curvatures whose chord is given; the chord grows with the
+// length until the spiral winds up, so the secant method starts at the chord itself.
+std::optional<double> LengthOfChord(double k0, double k1, double chord) {
+  double before = chord;
+  double length = chord * 1.001;
+  if (!Buildable(k0, k1, length)) return std::nullopt;
+  double missed_before = ChordOf(k0, k1, before) - chord;
+  for (int step = 0; step < 50; ++step) {
+    const double missed = ChordOf(k0, k1, length) - chord;
+    if (std::fabs(missed) < 1e-12 * chord || missed == missed_before) return length;
+    const double next = length - missed * (length - before) / (missed - missed_before);
+    if (!Buildable(k0, k1, next) || next > 10.0 * chord) return std::nullopt;
+    before = std::exchange(length, next);
+    missed_before = missed;
+  }
+  return std::nullopt;
+}
+
+bool IsFinite(const CenterlineElement& node) {
+  // Beyond 1e12 the spacing of doubles is wider than what is staked.
+  const auto usable = [](double value) { return std::fabs(value) < 1e12; };
+  return usable(node.northing) && usable(node.easting) && usable(node.station) &&
+         usable(node.center_northing) && usable(node.center_easting) &&
+         std::isfinite(node.radius) && std::isfinite(node.spiral_parameter) &&
+         std::isfinite(node.angle);
+}
+
+}  // namespace
+
+AlignmentBuilder::Run AlignmentBuilder::RunBetween(std::size_t from, std::size_t to) const {
+  const PlanPoint a = At(chain_[from]);
+  const PlanPoint b = At(chain_[to]);
+  return {from, to, Distance(a, b), Azimuth(a, b), chain_[to].station - chain_[from].station};
+}
+
+AlignmentMaking AlignmentBuilder::Build() {
+  for (const CenterlineElement& node : chain_) {
+    if (!IsFinite(node)) return {AlignmentResult::OutOfRange, std::nullopt, node.line};
+  }
+  for (std::size_t node = 0; node + 1 < chain_.size();) node = TakeFrom(node);
+  if (alignment_.elements_.empty()) return {};
+  AddJoins();
+  JudgeSoundness();
+  alignment_.index_ = AlignmentIndex(alignment_.pieces_);
+  return {AlignmentResult::Made, std::move(alignment_), 0};
+}
+
+// Takes the element that starts at `node`; returns the node that it ends at.
+std::size_t AlignmentBuilder::TakeFrom(std::size_t node) {
+  const CenterlineElement& start = chain_[node];
+  if (start.record == KeyPointKind::TangentSpiral) return TakeGroup(node);
+  if (start.record == KeyPointKind::SpiralCurve) return TakeLoneCurve(node);
+  const Run run = RunBetween(node, node + 1);
+  if (start.record == KeyPointKind::Spiral) {
+    AddSpiralRecord(run);
+  } else if (start.radius > 0.0) {
+    AddArc(run, start);
+  } else {
+    AddTangent(run, ElementFault::None);
+  }
+  return node + 1;
+}
+
+// "TS", "SC", "CS" and the end of the group, whatever it is (an "ST" on the next "TS" has become
+// that "TS"); or "TS", "CS" and the end, when the "SC" coincided with the "CS".
+std::size_t AlignmentBuilder::TakeGroup(std::size_t node) {
+  const std::size_t left = chain_.size() - node;
+  const bool whole = left > 3 && chain_[node + 1].record == KeyPointKind::SpiralCurve &&
+                     chain_[node + 2].kind == ElementKind::Vertex;
+  const bool collapsed = !whole && left > 2 && chain_[node + 1].kind == ElementKind::Vertex &&
+                         chain_[node + 1].angle != 0.0;
+  if (!whole && !collapsed) {
+    AddTangent(RunBetween(node, node + 1), ElementFault::BrokenGroup);
+    return node + 1;
+  }
+  const std::size_t exit = whole ? node + 2 : node + 1;
+  const Run entry_run = RunBetween(node, node + 1);
+  const Run exit_run = RunBetween(exit, exit + 1);
+  auto circle =
+      CircleAt(node + 1, entry_run.chord >= kZeroLength ? entry_run : RunBetween(node + 1, exit));
+  if (collapsed) {
+    circle = CircleAt(node, RunBetween(node, exit + 1));
+    if (circle) circle->radius = Distance(At(chain_[exit]), circle->center);
+  }
+  if (!circle || circle->radius < kSmallestRadius) {
+    for (std::size_t i = node; i <= exit; ++i) {
+      AddTangent(RunBetween(i, i + 1), ElementFault::NoCentre);
+    }
+    return exit + 1;
+  }
+  AddTransition(entry_run, *circle, true, chain_[node].tangent_azimuth.value_or(kNoValue));
+  if (whole) AddArc(RunBetween(node + 1, exit), chain_[node + 1]);
+  const bool azimuth_given = chain_[exit + 1].record == KeyPointKind::SpiralTangent;
+  const double field = azimuth_given ? chain_[exit + 1].angle : 0.0;
+  AddTransition(exit_run, *circle, false, field != 0.0 ? field : kNoValue);
+  return exit + 1;
+}
+
+// An "SC" without its "TS": an arc, and the exit spiral when a "CS" follows.
+std::size_t AlignmentBuilder::TakeLoneCurve(std::size_t node) {
+  const Run run = RunBetween(node, node + 1);
+  const auto circle = CircleAt(node, run);
+  if (!circle) {
+    AddTangent(run, ElementFault::NoCentre);
+    return node + 1;
+  }
+  AddArc(run, chain_[node]);
+  const bool exit = chain_[node + 1].record == KeyPointKind::CurveSpiral;
+  if (!exit || node + 2 >= chain_.size()) return node + 1;
+  AddTransition(RunBetween(node + 1, node + 2), *circle, false, kNoValue);
+  return node + 2;
+}
+
+std::optional<AlignmentBuilder::Circle> AlignmentBuilder::CircleAt(std::size_t node,
+                                                                   const Run& run) const {
+  const CenterlineElement& curve = chain_[node];
+  const PlanPoint center = CenterOf(curve);
+  const double radius = Distance(At(curve), center);
+  if (!(radius >= kSmallestRadius && radius <= kLargestRadius)) return std::nullopt;
+  const double side = Side(At(chain_[run.from]), At(chain_[run.to]), center);
+  return Circle{center, radius, side < 0.0 ? -1.0 : 1.0};
+}
+
+AlignmentElement AlignmentBuilder::Begin(const Run& run, ElementShape shape,
+                                         ElementFault fault) const {
+  AlignmentElement element;
+  element.shape = shape;
+  element.fault = fault;
+  element.from_node = run.from;
+  element.to_node = run.to;
+  element.station_start = chain_[run.from].station;
+  element.station_end = chain_[run.to].station;
+  return element;
+}
+
+void AlignmentBuilder::Finish(AlignmentElement element, const CurvePiece& piece) {
+  element.length = piece.length;
+  element.curvature_start = piece.curvature;
+  element.curvature_end = piece.CurvatureAt(piece.length);
+  element.azimuth_start = FullAngle(std::atan2(piece.sin_azimuth, piece.cos_azimuth));
+  const double sweep = 0.5 * (element.curvature_start + element.curvature_end) * piece.length;
+  element.azimuth_end = FullAngle(element.azimuth_start + sweep);
+  alignment_.elements_.push_back(element);
+  alignment_.pieces_.push_back(piece);
+}
+
+void AlignmentBuilder::AddTangent(const Run& run, ElementFault fault) {
+  if (run.chord < kZeroLength) return;
+  AlignmentElement element = Begin(run, ElementShape::Tangent, fault);
+  element.residuals.length = run.chord - run.stations;
+  Finish(element, MakeArcPiece(At(chain_[run.from]), run.azimuth, 0.0, run.chord));
+}
+
+// The centre decides the turn; the sign of the angle only where the centre lies on the chord.
+double AlignmentBuilder::TurnOf(const Run& run, const CenterlineElement& curve, double side) const {
+  const double angle = std::fabs(curve.angle);
+  const bool on_chord = std::fabs(side) <= 1e-6 * run.chord * curve.radius;
+  if (on_chord && std::fabs(angle - kPi) < kHalfCircle) return curve.angle < 0.0 ? -1.0 : 1.0;
+  const double turn = side < 0.0 ? -1.0 : 1.0;
+  return angle <= kPi ? turn : -turn;
+}
+
+void AlignmentBuilder::AddArc(const Run& run, const CenterlineElement& curve) {
+  if (run.chord < kZeroLength) return;
+  const PlanPoint from = At(chain_[run.from]);
+  const PlanPoint to = At(chain_[run.to]);
+  const PlanPoint center = CenterOf(curve);
+  if (!(curve.radius >= kSmallestRadius && curve.radius <= kLargestRadius)) {
+    return AddTangent(run, ElementFault::NoCentre);
+  }
+  const double turn = TurnOf(run, curve, Side(from, to, center));
+  const double sweep = FullAngle(turn * (Azimuth(center, to) - Azimuth(center, from)));
+  const double half_sine = std::sin(0.5 * sweep);
+  if (!(half_sine > 1e-9)) return AddTangent(run, ElementFault::NoCentre);
+  AlignmentElement element = Begin(run, ElementShape::Arc, ElementFault::None);
+  element.center = center;
+  element.residuals.length = curve.radius * sweep - run.stations;
+  element.residuals.end_radius = Distance(to, center) - curve.radius;
+  if (curve.angle != 0.0) element.residuals.angle = sweep - std::fabs(curve.angle);
+  element.residuals.turn_against_sign = curve.angle * turn < 0.0;
+  // The key points are held: the radius that fits them differs from the centre's by rounding.
+  const double radius = 0.5 * run.chord / half_sine;
+  Finish(element,
+         MakeArcPiece(from, run.azimuth - turn * 0.5 * sweep, turn / radius, radius * sweep));
+}
+
+void AlignmentBuilder::AddTransition(const Run& run, const Circle& circle, bool entry,
+                                     double field) {
+  if (run.chord < kZeroLength) return;
+  const double curve = circle.turn / circle.radius;
+  const double k0 = entry ? 0.0 : curve;
+  const double k1 = entry ? curve : 0.0;
+  AlignmentElement element = Begin(run, ElementShape::Spiral, ElementFault::None);
+  double length = run.stations;
+  if (Buildable(k0, k1, length)) {
+    element.residuals.chord = run.chord - ChordOf(k0, k1, length);
+  } else {
+    element.residuals.chord = run.chord;
+  }
+  if (std::fabs(*element.residuals.chord) > limits_.refuse) {
+    const auto fitted = LengthOfChord(k0, k1, run.chord);
+    if (!fitted) return AddTangent(run, ElementFault::SpiralTooTight);
+    length = *fitted;
+  }
+  const double radial = Azimuth(circle.center, At(chain_[entry ? run.to : run.from]));
+  const double at_curve = radial + circle.turn * 0.5 * kPi;
+  const double sweep = circle.turn * 0.5 * length / circle.radius;
+  const double at_tangent = entry ? at_curve - sweep : at_curve + sweep;
+  if (!IsNoValue(field)) element.residuals.azimuth_field = WrapAngle(field - at_tangent);
+  AddSpiral(run, element, k0, k1, length);
+}
+
+// Rotated and scaled so that its ends fall on the key points.
+void AlignmentBuilder::AddSpiral(const Run& run, AlignmentElement element, double k0, double k1,
+                                 double length) {
+  const LocalFrame end = SpiralEnd(k0, k1, length);
+  const double chord = std::hypot(end.x, end.y);
+  if (chord < 0.01 * length || alignment_.panels_.size() > kMostPanels) {
+    return AddTangent(run, ElementFault::SpiralTooTight);
+  }
+  const double scale = run.chord / chord;
+  const double azimuth = run.azimuth - std::atan2(end.y, end.x);
+  Finish(element, MakeSpiralPiece(At(chain_[run.from]), azimuth, k0 / scale, k1 / scale,
+                                  length * scale, alignment_.panels_));
+}
+
+// Radius at the record, parameter A, and 1 or 2 with the sign of the turn: tightening, relaxing.
+void AlignmentBuilder::AddSpiralRecord(const Run& run) {
+  if (run.chord < kZeroLength) return;
+  const CenterlineElement& record = chain_[run.from];
+  const bool straight = record.radius == 0.0 || IsNoValue(record.radius);
+  const double turn = record.angle < 0.0 ? -1.0 : 1.0;
+  const double kind = std::fabs(record.angle);
+  const double k0 = straight ? 0.0 : 1.0 / std::fabs(record.radius);
+  const double a2 = record.spiral_parameter * record.spiral_parameter;
+  const bool readable = (kind == 1.0 || kind == 2.0) && a2 > 0.0 && std::isfinite(a2) &&
+                        (straight || std::fabs(record.radius) >= kSmallestRadius);
+  const double change = (kind == 1.0 ? 1.0 : -1.0) * run.stations / (readable ? a2 : 1.0);
+  const double k1 = k0 + change;
+  if (!readable || !Buildable(k0, k1, run.stations)) {
+    return AddTangent(run, ElementFault::SpiralUnknown);
+  }
+  AlignmentElement element = Begin(run, ElementShape::Spiral, ElementFault::None);
+  element.residuals.chord = run.chord - ChordOf(k0, k1, run.stations);
+  if (std::fabs(*element.residuals.chord) > limits_.spiral_record) {
+    AddTangent(run, ElementFault::SpiralUnknown);
+    if (!alignment_.elements_.empty()) {
+      alignment_.elements_.back().residuals.chord = element.residuals.chord;
+    }
+    return;
+  }
+  AddSpiral(run, element, turn * k0, turn * k1, run.stations);
+}
+
+void AlignmentBuilder::AddJoins() {
+  auto& elements = alignment_.elements_;
+  for (std::size_t i = 1; i < elements.size(); ++i) {
+    const bool angle_point = elements[i - 1].shape == ElementShape::Tangent &&
+                             elements[i].shape == ElementShape::Tangent;
+    if (angle_point) continue;
+    elements[i].residuals.join = WrapAngle(elements[i].azimuth_start - elements[i - 1].azimuth_end);
+  }
+}
+
+void AlignmentBuilder::JudgeSoundness() {
+  const auto beyond = [this](const std::optional<double>& residual) {
+    return residual && !(std::fabs(*residual) <= limits_.refuse);
+  };
+  double before = -std::numeric_limits<double>::infinity();
+  for (AlignmentElement& element : alignment_.elements_) {
+    const ElementResiduals& r = element.residuals;
+    element.sound = element.fault == ElementFault::None && !beyond(r.length) &&
+                    !beyond(r.end_radius) && !beyond(r.chord);
+    if (element.station_start < before || element.station_end < element.station_start) {
+      alignment_.stations_rise_ = false;
+    }
+    before = element.station_start;
+  }
+}
+
+AlignmentMaking Alignment::FromChain(std::span<const CenterlineElement> chain,
+                                     const CheckLimits& limits) {
+  return AlignmentBuilder(chain, limits).Build();
+}
+
+}  // namespace tarvex

@@ -1,0 +1,216 @@
+#include "roads/alignment_check.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/number_text.h"
+#include "core/string_table.h"
+#include "roads/road_texts.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kJoinLimit = 1e-5;
+constexpr double kFallingStation = 1e-6;
+constexpr double kArcSecondsPerRadian = 206264.80624709636;
+constexpr int kAmountDecimals = 4;
+
+// By coordinates minus by stations; for a spiral its chord tells.
+double Mismatch(const AlignmentElement& element) {
+  const ElementResiduals& r = element.residuals;
+  return element.shape == ElementShape::Spiral ? r.chord.value_or(0.0) : r.length.value_or(0.0);
+}
+
+std::string Amount(double value) {
+  return FixedNumber(value, kAmountDecimals);
+}
+
+class Checker {
+ public:
+  Checker(const RoadGeometry& road, const CheckLimits& limits, const StationStyle& style)
+      : road_(road),
+        elements_(road.alignment.elements()),
+        limits_(limits),
+        style_(style),
+        explained_(elements_.size()) {}
+
+  std::vector<CheckFinding> Run() {
+    WholeFile();
+    for (std::size_t i = 0; i < elements_.size(); ++i) {
+      if (!stations_useless_ && i > 0) StationBetween(i - 1, i);
+      if (elements_[i].shape == ElementShape::Arc) MovedPointOrCentre(i);
+    }
+    for (std::size_t i = 0; i < elements_.size(); ++i) Element(i);
+    std::stable_sort(findings_.begin(), findings_.end(), [](const auto& a, const auto& b) {
+      return a.element.value_or(0) + (a.element ? 1 : 0) <
+             b.element.value_or(0) + (b.element ? 1 : 0);
+    });
+    return std::move(findings_);
+  }
+
+ private:
+  std::string Station(std::size_t node) const {
+    return FormatStation(road_.chain[node].station, style_.mode, style_.decimals);
+  }
+
+  // "SC at 22+30.05"
+  std::string NodeName(std::size_t node) const {
+    return std::string(RecordName(road_.chain[node])) + " " + Station(node);
+  }
+
+  void Add(FindingKind kind, std::optional<std::size_t> element, std::size_t node, int text,
+           std::initializer_list<std::string_view> arguments) {
+    const int line = element ? road_.chain[node].line : 0;
+    findings_.push_back({kind, element, line, Strings().Text(text, arguments)});
+  }
+
+  FindingKind Weight(std::size_t element) const {
+    return elements_[element].sound ? FindingKind::Note : FindingKind::Refused;
+  }
+
+  bool Noted(double residual) const { return std::fabs(residual) > limits_.note; }
+
+  void WholeFile() {
+    if (road_.converted) Add(FindingKind::Note, {}, 0, kTextStationsConverted, {});
+    if (road_.refused_equation) {
+      Add(FindingKind::Refused, {}, 0, kTextEquationRefused,
+          {std::to_string(*road_.refused_equation + 1)});
+    }
+    stations_useless_ = std::all_of(elements_.begin(), elements_.end(),
+                                    [](const auto& e) { return e.StationLength() == 0.0; });
+    if (stations_useless_) Add(FindingKind::Refused, {}, 0, kTextStationsAllSame, {});
+  }
+
+  // Two neighbours that miss by the same amount in opposite directions: the station between them.
+  void StationBetween(std::size_t behind, std::size_t ahead) {
+    const double a = Mismatch(elements_[behind]);
+    const double b = Mismatch(elements_[ahead]);
+    if (!Noted(a) || !Noted(b) || a * b > 0.0) return;
+    if (std::fabs(a + b) > 0.05 * std::max(std::fabs(a), std::fabs(b))) return;
+    if (Noted(elements_[ahead].residuals.end_radius.value_or(0.0)) ||
+        Noted(elements_[behind].residuals.end_radius.value_or(0.0))) {
+      return;
+    }
+    const std::size_t node = elements_[ahead].from_node;
+    explained_[behind] = explained_[ahead] = true;
+    Add(Weight(ahead), ahead, node, kTextStationSuspect,
+        {NodeName(node), Amount(std::fabs(b)), b > 0.0 ? "large" : "small"});
+  }
+
+  void MovedPointOrCentre(std::size_t i) {
+    const double radius = elements_[i].residuals.end_radius.value_or(0.0);
+    if (!Noted(radius)) return;
+    const bool next_misses = i + 1 < elements_.size() && Noted(Mismatch(elements_[i + 1]));
+    explained_[i] = true;
+    if (next_misses) {
+      explained_[i + 1] = true;
+      Add(Weight(i), i, elements_[i].to_node, kTextPointSuspect,
+          {NodeName(elements_[i].to_node), Amount(radius)});
+    } else {
+      Add(Weight(i), i, elements_[i].from_node, kTextCentreSuspect,
+          {NodeName(elements_[i].from_node), Amount(radius)});
+    }
+  }
+
+  void Element(std::size_t i) {
+    const AlignmentElement& e = elements_[i];
+    if (e.fault != ElementFault::None) {
+      Add(FindingKind::Refused, i, e.from_node, FaultText(e.fault), {NodeName(e.from_node)});
+      return;
+    }
+    if (!stations_useless_ && !explained_[i] && Noted(Mismatch(e))) {
+      Add(Weight(i), i, e.from_node, kTextLengthMismatch,
+          {NodeName(e.from_node), NodeName(e.to_node), Amount(std::fabs(Mismatch(e))),
+           Mismatch(e) > 0.0 ? "longer" : "shorter"});
+    }
+    Angles(i);
+    if (!stations_useless_ && e.station_end < e.station_start - kFallingStation) {
+      Add(FindingKind::Note, i, e.to_node, kTextStationFalls, {NodeName(e.to_node)});
+    }
+  }
+
+  void Angles(std::size_t i) {
+    const AlignmentElement& e = elements_[i];
+    const ElementResiduals& r = e.residuals;
+    const double angle_limit = std::max(limits_.note * std::fabs(e.curvature_start), 1e-8);
+    if (r.angle && std::fabs(*r.angle) > angle_limit) {
+      Add(FindingKind::Note, i, e.from_node, kTextAngleMismatch,
+          {NodeName(e.from_node), FixedNumber(*r.angle * kArcSecondsPerRadian, 1)});
+    }
+    if (r.turn_against_sign) {
+      Add(FindingKind::Note, i, e.from_node, kTextTurnAgainstSign,
+          {NodeName(e.from_node), e.curvature_start > 0.0 ? "right" : "left"});
+    }
+    if (r.azimuth_field && std::fabs(*r.azimuth_field) > limits_.note / e.length) {
+      const std::size_t node = e.curvature_start == 0.0 ? e.from_node : e.to_node;
+      Add(FindingKind::Note, i, node, kTextAzimuthFieldSuspect,
+          {NodeName(node), FixedNumber(*r.azimuth_field * kArcSecondsPerRadian, 1)});
+    }
+    if (r.join && std::fabs(*r.join) > kJoinLimit) {
+      Add(FindingKind::Note, i, e.from_node, kTextJoinBroken,
+          {NodeName(e.from_node), FixedNumber(*r.join * kArcSecondsPerRadian, 1)});
+    }
+  }
+
+  static int FaultText(ElementFault fault) {
+    switch (fault) {
+      case ElementFault::NoCentre:
+        return kTextNoCentre;
+      case ElementFault::BrokenGroup:
+        return kTextBrokenGroup;
+      case ElementFault::SpiralTooTight:
+        return kTextSpiralTooTight;
+      default:
+        return kTextSpiralUnknown;
+    }
+  }
+
+  const RoadGeometry& road_;
+  const std::vector<AlignmentElement>& elements_;
+  CheckLimits limits_;
+  StationStyle style_;
+  std::vector<bool> explained_;
+  bool stations_useless_ = false;
+  std::vector<CheckFinding> findings_;
+};
+
+}  // namespace
+
+std::vector<CheckFinding> CheckAlignment(const RoadGeometry& road, const CheckLimits& limits,
+                                         const StationStyle& style) {
+  return Checker(road, limits, style).Run();
+}
+
+LargestMismatch FindLargestMismatch(const Alignment& alignment) {
+  LargestMismatch largest;
+  for (std::size_t i = 0; i < alignment.elements().size(); ++i) {
+    const AlignmentElement& e = alignment.elements()[i];
+    const double amount =
+        std::max(std::fabs(Mismatch(e)), std::fabs(e.residuals.end_radius.value_or(0.0)));
+    if (amount > largest.amount) largest = {amount, i};
+  }
+  return largest;
+}
+
+std::string_view RecordName(const CenterlineElement& node) {
+  switch (node.record) {
+    case KeyPointKind::CurveStart:
+      return "PC";
+    case KeyPointKind::CurveEnd:
+      return "PT";
+    case KeyPointKind::TangentSpiral:
+      return "TS";
+    case KeyPointKind::SpiralCurve:
+      return "SC";
+    case KeyPointKind::CurveSpiral:
+      return "CS";
+    case KeyPointKind::SpiralTangent:
+      return "ST";
+    case KeyPointKind::Spiral:
+      return "SP";
+    default:
+      return "L";
+  }
+}
+
+}  // namespace tarvex

@@ -1,0 +1,72 @@
+#include "roads/road_geometry.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace tarvex {
+namespace {
+
+// The first element from `from` on whose stations jump by the equation instead of counting through.
+std::optional<std::size_t> JumpingElement(const Alignment& alignment,
+                                          const StationEquation& equation, std::size_t from,
+                                          double tolerance) {
+  const auto& elements = alignment.elements();
+  const double jump = equation.ahead - equation.back;
+  if (std::fabs(jump) <= tolerance) return std::nullopt;
+  for (std::size_t i = from; i < elements.size(); ++i) {
+    const AlignmentElement& e = elements[i];
+    const bool spans =
+        equation.back >= e.station_start - tolerance && equation.ahead <= e.station_end + tolerance;
+    if (spans && std::fabs(e.StationLength() - e.length - jump) <= tolerance) return i;
+  }
+  return std::nullopt;
+}
+
+// The chain with displayed stations turned into internal ones; nothing when they are internal.
+std::optional<std::vector<CenterlineElement>> WithInternalStations(
+    const Alignment& alignment, std::vector<CenterlineElement> chain,
+    const std::vector<StationEquation>& equations, double tolerance) {
+  std::size_t element = 0;
+  for (const StationEquation& equation : equations) {
+    const auto found = JumpingElement(alignment, equation, element, tolerance);
+    if (!found) return std::nullopt;
+    const double jump = equation.ahead - equation.back;
+    for (std::size_t node = alignment.elements()[*found].to_node; node < chain.size(); ++node) {
+      chain[node].station -= jump;
+    }
+    element = *found + 1;
+  }
+  if (equations.empty()) return std::nullopt;
+  return chain;
+}
+
+}  // namespace
+
+RoadGeometryMaking MakeRoadGeometry(const Centerline& centerline,
+                                    const std::vector<StationEquation>& equations,
+                                    const CheckLimits& limits) {
+  AlignmentMaking making = Alignment::FromChain(centerline.elements, limits);
+  if (!making.alignment) return {making.result, std::nullopt, making.line};
+  RoadGeometry geometry{*std::move(making.alignment), {}, centerline.elements, false, {}};
+  auto internal =
+      WithInternalStations(geometry.alignment, geometry.chain, equations, limits.refuse);
+  if (internal) {
+    making = Alignment::FromChain(*internal, limits);
+    if (!making.alignment) return {making.result, std::nullopt, making.line};
+    geometry.alignment = *std::move(making.alignment);
+    geometry.chain = *std::move(internal);
+    geometry.converted = true;
+  }
+  std::size_t refused = 0;
+  auto made = StationEquations::Make(equations, geometry.alignment.start_station(),
+                                     geometry.alignment.end_station(), &refused);
+  if (made) {
+    geometry.equations = *std::move(made);
+  } else {
+    geometry.refused_equation = refused;
+  }
+  return {AlignmentResult::Made, std::move(geometry), 0};
+}
+
+}  // namespace tarvex

@@ -1,0 +1,274 @@
+#include "roads/alignment.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <numbers>
+#include <random>
+
+#include "core/number_text.h"
+#include "roads/centerline_reader.h"
+#include "tests/roads/road_data.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+constexpr double kTolerance = 2e-8;
+
+Alignment MakeAlignment(const std::string& file) {
+  const Road road = LoadRoad(file);
+  AlignmentMaking making = Alignment::FromChain(road.centerline->elements);
+  EXPECT_EQ(making.result, AlignmentResult::Made) << file;
+  return *std::move(making.alignment);
+}
+
+const Alignment& Example(const std::string& name) {
+  static std::map<std::string, Alignment> made;
+  const auto found = made.find(name);
+  if (found != made.end()) return found->second;
+  return made.emplace(name, MakeAlignment("cl/" + name + ".cl")).first->second;
+}
+
+Alignment FromText(const std::string& text) {
+  const ChainReading reading = ReadChain(text, false);
+  return Alignment::FromChain(reading.elements).alignment.value();
+}
+
+TEST(Alignment, MeetsThePointsOfTheVectors) {
+  for (const auto& row : TableRows("points.tsv")) {
+    const auto point = Example(row[0]).PointAt(LeadingDouble(row[1]), LeadingDouble(row[2]));
+    ASSERT_TRUE(point);
+    EXPECT_NEAR(point->at.northing, LeadingDouble(row[3]), kTolerance) << row[0] << " " << row[1];
+    EXPECT_NEAR(point->at.easting, LeadingDouble(row[4]), kTolerance) << row[0] << " " << row[1];
+    const double azimuth = point->azimuth * 180 / kPi - LeadingDouble(row[5]);
+    EXPECT_NEAR(std::remainder(azimuth, 360.0), 0.0, 1e-8) << row[0] << " " << row[1];
+    // At a key point the table gives the curvature behind, the alignment the one ahead.
+    const double ahead = std::fabs(point->curvature - LeadingDouble(row[6]));
+    const auto behind = Example(row[0]).PointAt(LeadingDouble(row[1]) - 1e-6);
+    EXPECT_LT(std::min(ahead, std::fabs(behind->curvature - LeadingDouble(row[6]))), 1e-9)
+        << row[0] << " " << row[1];
+  }
+}
+
+TEST(Alignment, MeetsTheStationsOfTheVectors) {
+  for (const auto& row : TableRows("station_offset.tsv")) {
+    const PlanPoint point{LeadingDouble(row[1]), LeadingDouble(row[2])};
+    const auto found = Example(row[0]).Closest(point);
+    ASSERT_TRUE(found);
+    const std::string at = row[0] + " " + row[3] + " " + row[4];
+    EXPECT_NEAR(found->station, LeadingDouble(row[3]), kTolerance) << at;
+    EXPECT_NEAR(found->offset, LeadingDouble(row[4]), kTolerance) << at;
+    const std::string place = found->place == Place::BeforeStart ? "before"
+                              : found->place == Place::AfterEnd  ? "after"
+                                                                 : "on";
+    EXPECT_EQ(place, row[5]) << at;
+    const auto candidates = Example(row[0]).Candidates(point);
+    ASSERT_FALSE(candidates.empty());
+    EXPECT_NEAR(candidates.front().station, found->station, 1e-7) << at;
+  }
+}
+
+std::string CandidateText(const StationOffset& found) {
+  const char* kinds[] = {"foot", "vertex", "before", "after"};
+  return "(" + FixedNumber(found.station, 6) + "," + FixedNumber(found.offset, 6) + "," +
+         kinds[static_cast<int>(found.place)] + ")";
+}
+
+TEST(Alignment, ListsEveryCandidate) {
+  for (const auto& row : TableRows("station_offset_candidates.tsv")) {
+    const PlanPoint point{LeadingDouble(row[1]), LeadingDouble(row[2])};
+    const auto found = Example(row[0]).Candidates(point);
+    std::string text;
+    for (const StationOffset& candidate : found) {
+      text += (text.empty() ? "" : " ") + CandidateText(candidate);
+    }
+    // Near the centre of a curve the sixth decimal of a station is soft.
+    std::string_view expected = row[3];
+    for (const StationOffset& candidate : found) {
+      ASSERT_TRUE(expected.starts_with("(")) << text;
+      EXPECT_NEAR(candidate.station, LeadingDouble(expected.substr(1)), 2e-5) << row[3] << text;
+      expected.remove_prefix(expected.find(',') + 1);
+      EXPECT_NEAR(candidate.offset, LeadingDouble(expected), 2e-6) << row[3] << text;
+      expected.remove_prefix(std::min(expected.find(')') + 2, expected.size()));
+    }
+    EXPECT_EQ(expected, "") << text;
+    const auto closest = Example(row[0]).Closest(point);
+    EXPECT_EQ(CandidateText(*closest), CandidateText(found.front()));
+  }
+}
+
+TEST(Alignment, HoldsAtCoordinatesOfTenMillion) {
+  // Every road moved to 1e7 and turned: station and offset come back to 1e-8.
+  std::mt19937_64 random(1);
+  std::uniform_real_distribution<double> part(0.0, 1.0);
+  for (const char* name :
+       {"simple_right", "simple_left", "compound_right", "egg_sp", "scs_right"}) {
+    const Road road = LoadRoad(std::string("cl/") + name + ".cl");
+    auto chain = road.centerline->elements;
+    const double shift_n = 1e7 - chain[0].northing;
+    const double shift_e = 1e7 - chain[0].easting;
+    for (auto& e : chain) {
+      e.northing += shift_n;
+      e.easting += shift_e;
+      e.center_northing += shift_n;
+      e.center_easting += shift_e;
+    }
+    const Alignment moved = Alignment::FromChain(chain).alignment.value();
+    for (int i = 0; i < 500; ++i) {
+      const double station =
+          moved.start_station() + part(random) * (moved.end_station() - moved.start_station());
+      const double offset = 40.0 * (part(random) - 0.5);
+      const auto found = moved.Closest(moved.PointAt(station, offset)->at);
+      EXPECT_NEAR(found->station, station, kTolerance) << name;
+      EXPECT_NEAR(found->offset, offset, kTolerance) << name;
+    }
+  }
+}
+
+TEST(Alignment, KeepsKeyPointsWhereTheFileHasThem) {
+  for (const char* name : {"cl/scs_right.cl", "bad/sc_station_plus_0.05.cl",
+                           "bad/angle_sign_flipped.cl", "bad/ts_azimuth_plus_0.001.cl"}) {
+    const Road road = LoadRoad(name);
+    const Alignment alignment = MakeAlignment(name);
+    for (const CenterlineElement& node : road.centerline->elements) {
+      const auto point = alignment.PointAt(node.station);
+      EXPECT_NEAR(point->at.northing, node.northing, 1e-5) << name << node.station;
+      EXPECT_NEAR(point->at.easting, node.easting, 1e-5) << name << node.station;
+    }
+  }
+}
+
+TEST(Alignment, FindsTheFaultsOfTheVectors) {
+  const auto residuals = [](const char* name, std::size_t element) {
+    return MakeAlignment(std::string("bad/") + name).elements()[element].residuals;
+  };
+  for (const auto& row : TableRows("bad_residuals.tsv")) {
+    const bool group = row[0] != "angle_sign_flipped.cl";
+    // A lead-in vertex is no element, so the spiral is always the second one.
+    const ElementResiduals arc = residuals(row[0].c_str(), group ? 2 : 1);
+    const ElementResiduals entry = residuals(row[0].c_str(), 1);
+    double found = 0.0;
+    if (row[2].starts_with("entry spiral")) found = *entry.chord;
+    if (row[2].starts_with("arc: end")) found = *arc.end_radius;
+    if (row[2].starts_with("arc: sweep*R")) found = *arc.length;
+    if (row[2].starts_with("arc: sweep -")) found = *arc.angle;
+    if (row[2].starts_with("arc: turn")) found = arc.turn_against_sign ? -1.0 : 1.0;
+    if (row[2].starts_with("TS azimuth")) found = *entry.azimuth_field;
+    if (row[2].starts_with("azimuth of the tangent")) found = -*entry.join;
+    const double expected = LeadingDouble(row[3]);
+    EXPECT_NEAR(found, expected, std::max(0.01 * std::fabs(expected), 1e-8)) << row[0] << row[2];
+  }
+  EXPECT_FALSE(MakeAlignment("bad/sc_station_plus_0.05.cl").elements()[1].sound);
+  EXPECT_TRUE(MakeAlignment("bad/ts_azimuth_plus_0.001.cl").elements()[1].sound);
+}
+
+TEST(Alignment, RebuildsStationsFromCoordinates) {
+  const Road road = LoadRoad("bad/all_stations_zero.cl");
+  const Alignment alignment = MakeAlignment("bad/all_stations_zero.cl");
+  const auto stations = alignment.GeometricStations(road.centerline->elements);
+  const auto rows = TableRows("restation.tsv");
+  ASSERT_EQ(stations.size(), rows.size());
+  for (const auto& row : rows) {
+    EXPECT_NEAR(stations[static_cast<std::size_t>(LeadingInteger(row[0]))], LeadingDouble(row[2]),
+                2e-9);
+  }
+}
+
+TEST(Alignment, TakesTheTurnFromTheCentre) {
+  // Half circles, where only the sign of the angle tells; and the long way round.
+  const auto half = [](const char* angle) {
+    return FromText(std::string("0,0,L,0,-50\n0,50,PC,0,0\n0,") + angle +
+                    ",R,100,0\n0,364.159265,PT,200,0\n0,400,L,200,-35.84\n0,0,L,0,0\n");
+  };
+  EXPECT_NEAR(half("180.0").PointAt(50 + 50 * kPi)->at.northing, 100.0, 1e-5);
+  EXPECT_NEAR(half("-180.0").PointAt(50 + 50 * kPi)->at.northing, -100.0, 1e-5);
+  const Alignment loop = FromText(
+      "0,0,L,-100,0\n0,100,PC,0,0\n0,270.0,R,0,-100\n0,571.238898,PT,-100,-100\n"
+      "0,600,L,-100,-71.238898\n0,0,L,0,0\n");
+  EXPECT_NEAR(loop.elements()[1].length, 150 * kPi, 1e-6);
+  EXPECT_NEAR(loop.PointAt(100 + 100 * kPi)->at.northing, -200.0, 1e-5);
+  const auto inside = loop.Closest({-200.0, -10.0});
+  EXPECT_NEAR(inside->station, 100 + 100 * (kPi + std::atan(0.1)), 1e-5);
+}
+
+TEST(Alignment, TakesEveryFormOfSpiralGroup) {
+  // Asymmetric: 60 in, 100 out, left; from the elements of a spiral table (R 180).
+  const Alignment group = Example("scs_right");
+  EXPECT_NEAR(group.elements()[1].SpiralParameter(), 141.421356237, 1e-8);
+  // A relaxing SP from R 120 back to R 300 is the tightening one walked backward.
+  const Road road = LoadRoad("cl/egg_sp.cl");
+  const auto& chain = road.centerline->elements;
+  const Alignment forward = Example("egg_sp");
+  std::vector<CenterlineElement> back{chain[3], chain[2]};
+  back[0].record = KeyPointKind::Spiral;
+  back[0].kind = ElementKind::Spiral;
+  back[0].station = 0.0;
+  back[1].station = 60.0;
+  back[0].radius = 120.0;
+  back[0].spiral_parameter = 109.544511501;
+  back[0].angle = -2.0;
+  back[1].record = KeyPointKind::Line;
+  const Alignment reversed = Alignment::FromChain(back).alignment.value();
+  ASSERT_TRUE(reversed.elements()[0].sound);
+  for (const double s : {10.0, 30.0, 59.0}) {
+    const auto there = forward.PointAt(chain[2].station + 60.0 - s);
+    const auto here = reversed.PointAt(s);
+    EXPECT_NEAR(here->at.northing, there->at.northing, 1e-7);
+    EXPECT_NEAR(here->at.easting, there->at.easting, 1e-7);
+  }
+  back[0].angle = 2.0;
+  back[0].spiral_parameter = 50.0;
+  const Alignment refused = Alignment::FromChain(back).alignment.value();
+  EXPECT_EQ(refused.elements()[0].fault, ElementFault::SpiralUnknown);
+  EXPECT_FALSE(refused.PointAt(30.0)->sound);
+}
+
+TEST(Alignment, StaysCalmOnAnyChain) {
+  EXPECT_EQ(Alignment::FromChain({}).result, AlignmentResult::Nothing);
+  const auto making = Alignment::FromChain(
+      ReadChain("0,0,L,0,0\n0,1,L,1e999,0\n0,2,L,5,5\n0,0,L,0,0\n", false).elements);
+  EXPECT_EQ(making.result, AlignmentResult::OutOfRange);
+  EXPECT_EQ(making.line, 2);
+  std::mt19937_64 random(7);
+  const char* kinds[] = {"L", "PC", "PT", "TS", "SC", "CS", "ST", "SP"};
+  const char* numbers[] = {"0", "1e-9", "100", "-250.5", "1e11", "99.9999", "765432.1", "3"};
+  for (int round = 0; round < 2000; ++round) {
+    std::string text;
+    const auto pick = [&](const auto& list) { return std::string(list[random() % 8]); };
+    for (int i = 0; i < 8; ++i) {
+      text += "0," + pick(numbers) + "," + pick(kinds);
+      for (int field = 0; field < 5; ++field) text += "," + pick(numbers);
+      text += "\n";
+    }
+    const auto made = Alignment::FromChain(ReadChain(text, false).elements);
+    if (!made.alignment) continue;
+    for (const double station : {-1.0, 0.0, 50.0, 100.0, 1e6}) {
+      const auto point = made.alignment->PointAt(station, 5.0);
+      ASSERT_TRUE(std::isfinite(point->at.northing) && std::isfinite(point->at.easting)) << text;
+      const auto closest = made.alignment->Closest(point->at);
+      ASSERT_TRUE(std::isfinite(closest->station) && std::isfinite(closest->offset)) << text;
+      const auto all = made.alignment->Candidates(point->at);
+      if (!all.empty()) {
+        EXPECT_NEAR(
+            all.front().distance, closest->distance,
+            1e-4 + 1e-9 * std::fabs(closest->distance))  // doubles near 1e11 are 1.5e-5 apart
+            << text;
+      }
+    }
+  }
+}
+
+TEST(Alignment, FollowsTheRoverThroughInsideCorners) {
+  const Alignment& corner = Example("angle_points");
+  const auto before = corner.Follow({81.0, 20.0}, 75.0);
+  const auto after = corner.Follow({81.0, 20.0}, 125.0);
+  EXPECT_LT(before->station, 100.0);
+  EXPECT_GT(after->station, 100.0);
+  EXPECT_EQ(Alignment::WorthOffering(corner.Candidates({-5.0, 3.0})).size(), 1U);
+}
+
+}  // namespace
+}  // namespace tarvex
