@@ -1,0 +1,99 @@
+// Where the nodes of a regular grid lie, and how values between nodes are interpolated. How the
+// nodes are stored is the business of each format.
+//
+// The first coordinate grows with the column, the second with the row; both may be in any unit.
+#pragma once
+
+#include <cmath>
+#include <optional>
+
+namespace tarvex {
+
+/// A cell by its lowest column and row, and the place in it: 0 to 1 along each coordinate.
+struct GridCell {
+  int column = 0;
+  int row = 0;
+  double across = 0.0;
+  double up = 0.0;
+};
+
+class GridGeometry {
+ public:
+  GridGeometry() = default;
+  /// Steps and counts as MakeGridGeometry accepts them.
+  GridGeometry(double first_x, double first_y, double step_x, double step_y, int columns, int rows)
+      : first_x_(first_x),
+        first_y_(first_y),
+        step_x_(step_x),
+        step_y_(step_y),
+        per_x_(1.0 / step_x),
+        per_y_(1.0 / step_y),
+        columns_(columns),
+        rows_(rows) {}
+
+  double first_x() const { return first_x_; }
+  double first_y() const { return first_y_; }
+  double last_x() const { return first_x_ + step_x_ * (columns_ - 1); }
+  double last_y() const { return first_y_ + step_y_ * (rows_ - 1); }
+  double step_x() const { return step_x_; }
+  double step_y() const { return step_y_; }
+  int columns() const { return columns_; }
+  int rows() const { return rows_; }
+
+  /// The cell that holds the point; the outer edges belong to the grid, and so does a point within
+  /// a millionth of a cell of them. Nothing outside and for a NaN.
+  std::optional<GridCell> CellAt(double x, double y) const noexcept {
+    const double u = (x - first_x_) * per_x_;
+    const double v = (y - first_y_) * per_y_;
+    if (!(u >= -kEdge && v >= -kEdge && u <= columns_ - 1 + kEdge && v <= rows_ - 1 + kEdge)) {
+      return std::nullopt;
+    }
+    const int column = CellIndex(u, columns_);
+    const int row = CellIndex(v, rows_);
+    return GridCell{column, row, u - column, v - row};
+  }
+
+  bool operator==(const GridGeometry&) const = default;
+
+ private:
+  static constexpr double kEdge = 1e-6;
+
+  static int CellIndex(double along, int nodes) noexcept {
+    const int cell = static_cast<int>(along);
+    if (cell > nodes - 2) return nodes - 2;
+    return cell < 0 ? 0 : cell;
+  }
+
+  double first_x_ = 0.0;
+  double first_y_ = 0.0;
+  double step_x_ = 1.0;
+  double step_y_ = 1.0;
+  double per_x_ = 1.0;
+  double per_y_ = 1.0;
+  int columns_ = 2;
+  int rows_ = 2;
+};
+
+/// The geometry when it is one that a grid can have: finite bounds, steps above zero, at least two
+/// nodes along each coordinate, and at most `most_nodes` of them altogether.
+std::optional<GridGeometry> MakeGridGeometry(double first_x, double first_y, double step_x,
+                                             double step_y, double columns, double rows,
+                                             double most_nodes);
+
+/// The bilinear value at a place in a cell whose corners are given south-west, south-east,
+/// north-west, north-east.
+constexpr double Bilinear(const GridCell& at, double sw, double se, double nw, double ne) {
+  const double south = sw + at.across * (se - sw);
+  const double north = nw + at.across * (ne - nw);
+  return south + at.up * (north - south);
+}
+
+/// The four weights of the cubic convolution (Catmull-Rom) through nodes -1, 0, 1 and 2 at `t`.
+struct CubicWeights {
+  explicit constexpr CubicWeights(double t)
+      : w{t * (-0.5 + t * (1.0 - 0.5 * t)), 1.0 + t * t * (1.5 * t - 2.5),
+          t * (0.5 + t * (2.0 - 1.5 * t)), t * t * (0.5 * t - 0.5)} {}
+  double w[4];
+};
+
+}  // namespace tarvex

@@ -1,0 +1,267 @@
+#include "coordsys/grids/ntv2_grid.h"
+
+#include <cmath>
+
+#include "core/text.h"
+#include "core/units.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::size_t kRecord = 16;  // an 8-byte keyword and an 8-byte value, and also a node
+constexpr std::size_t kHeaderRecords = 11;
+constexpr std::size_t kHeader = kRecord * kHeaderRecords;
+constexpr double kSecondRad = kRadiansPerDegree / 3600.0;
+constexpr int kMostPasses = 60;
+constexpr double kClosedRad = 1e-13;
+constexpr int kMostGrids = 10'000;
+
+std::string_view Field(const char* record) {
+  return WithoutOuterBlanks(
+      std::string_view(record + 8, 8).substr(0, std::string_view(record + 8, 8).find('\0')));
+}
+
+}  // namespace
+
+// Walks the headers of a file.
+class Ntv2Parser {
+ public:
+  Ntv2Parser(FileBytes bytes, const std::string& path)
+      : held_(std::move(bytes)), bytes_(held_.view()), path_(path) {}
+
+  GridStatus Parse(Ntv2Grid& grid) {
+    Ntv2Grid made;
+    int grids = 0;
+    if (GridStatus status = Overview(made, grids); !status.ok()) return status;
+    for (int i = 0; i < grids; ++i) {
+      if (GridStatus status = SubGrid(made); !status.ok()) return status;
+    }
+    if (GridStatus status = End(); !status.ok()) return status;
+    if (!Nest(made)) return Wrong(GridProblem::BadValue, "PARENT");
+    made.bytes_ = held_;
+    grid = std::move(made);
+    return {};
+  }
+
+ private:
+  GridStatus Wrong(GridProblem problem, std::string detail) const {
+    return {problem, path_, std::move(detail)};
+  }
+  GridStatus CutShort(std::size_t needed) const {
+    return Wrong(GridProblem::CutShort, std::to_string(bytes_.size()) + " of at least " +
+                                            std::to_string(needed) + " bytes");
+  }
+
+  const char* Record(int index) const { return bytes_.data() + at_ + kRecord * static_cast<std::size_t>(index); }
+  std::int32_t Integer(int index) const { return NumberAt<std::int32_t>(Record(index) + 8, order_); }
+  double Real(int index) const { return NumberAt<double>(Record(index) + 8, order_); }
+  bool Has(int index, std::string_view keyword) const {
+    return WithoutOuterBlanks(std::string_view(Record(index), 8)) == keyword;
+  }
+
+  GridStatus Overview(Ntv2Grid& grid, int& grids) {
+    if (bytes_.size() < kRecord) return CutShort(kHeader);
+    if (!Has(0, "NUM_OREC") || !FindByteOrder()) return Wrong(GridProblem::NotThisFormat, "NUM_OREC");
+    if (bytes_.size() < kHeader) return CutShort(kHeader);
+    if (!Has(1, "NUM_SREC") || !Has(2, "NUM_FILE") || !Has(3, "GS_TYPE") ||
+        Integer(1) != static_cast<int>(kHeaderRecords)) {
+      return Wrong(GridProblem::NotThisFormat, "NUM_SREC");
+    }
+    grids = Integer(2);
+    if (grids < 1 || grids > kMostGrids) return Wrong(GridProblem::ImpossibleSize, "NUM_FILE");
+    grid.unit_rad_ = Unit(Field(Record(3)));
+    if (grid.unit_rad_ == 0.0) return Wrong(GridProblem::BadValue, "GS_TYPE");
+    unit_rad_ = grid.unit_rad_;
+    grid.order_ = order_;
+    grid.from_system_ = Field(Record(5));
+    grid.to_system_ = Field(Record(6));
+    at_ = kHeader;
+    return {};
+  }
+
+  bool FindByteOrder() {
+    for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
+      order_ = order;
+      if (Integer(0) == static_cast<int>(kHeaderRecords)) return true;
+    }
+    return false;
+  }
+
+  static double Unit(std::string_view name) {
+    if (name == "SECONDS") return kSecondRad;
+    if (name == "MINUTES") return 60.0 * kSecondRad;
+    return name == "DEGREES" ? kRadiansPerDegree : 0.0;
+  }
+
+  GridStatus SubGrid(Ntv2Grid& grid) {
+    if (bytes_.size() < at_ + kHeader) return CutShort(at_ + kHeader);
+    if (!Has(0, "SUB_NAME") || !Has(10, "GS_COUNT")) return Wrong(GridProblem::NotThisFormat, "SUB_NAME");
+    Ntv2Grid::SubGrid sub;
+    sub.name = Field(Record(0));
+    sub.parent = Field(Record(1));
+    const auto geometry = Geometry();
+    if (!geometry) return Wrong(GridProblem::ImpossibleSize, "grid " + sub.name);
+    sub.geometry = *geometry;
+    sub.nodes_at = at_ + kHeader;
+    at_ = sub.nodes_at + kRecord * static_cast<std::size_t>(geometry->columns()) *
+                             static_cast<std::size_t>(geometry->rows());
+    if (bytes_.size() < at_) return CutShort(at_);
+    grid.grids_.push_back(std::move(sub));
+    return {};
+  }
+
+  // The bounds of the sub-grid header at `at_`, when they, the steps and the count agree.
+  std::optional<GridGeometry> Geometry() const {
+    const double south = Real(4);
+    const double east = Real(6);
+    const double step_lat = Real(8);
+    const double step_lon = Real(9);
+    const double rows = (Real(5) - south) / step_lat + 1.0;
+    const double columns = (Real(7) - east) / step_lon + 1.0;
+    const double whole_rows = std::round(rows);
+    const double whole_columns = std::round(columns);
+    if (!(std::abs(rows - whole_rows) < 0.01 && std::abs(columns - whole_columns) < 0.01) ||
+        whole_rows * whole_columns != static_cast<double>(Integer(10))) {
+      return std::nullopt;
+    }
+    return MakeGridGeometry(east * unit_rad_, south * unit_rad_, step_lon * unit_rad_,
+                            step_lat * unit_rad_, whole_columns, whole_rows, 2147483647.0);
+  }
+
+  // After the last node stands nothing, or a record that begins with "END".
+  GridStatus End() const {
+    const std::string_view rest = bytes_.substr(at_);
+    if (rest.empty()) return {};
+    if (rest.size() < kRecord && std::string_view("END ").starts_with(rest.substr(0, 4))) {
+      return CutShort(at_ + kRecord);
+    }
+    if (rest.starts_with("END")) return {};
+    return Wrong(GridProblem::TooLong, "after the last grid");
+  }
+
+  // Hangs every grid into its parent; false when a parent is not there or stands in itself.
+  static bool Nest(Ntv2Grid& grid) {
+    for (int i = 0; i < static_cast<int>(grid.grids_.size()); ++i) {
+      const std::string& parent = grid.grids_[static_cast<std::size_t>(i)].parent;
+      if (parent == "NONE" || parent.empty()) {
+        grid.roots_.push_back(i);
+        continue;
+      }
+      const int holder = Find(grid, parent);
+      // A parent stands before its children, so that no ring of grids can be made.
+      if (holder < 0 || holder >= i) return false;
+      grid.grids_[static_cast<std::size_t>(holder)].children.push_back(i);
+    }
+    return true;
+  }
+
+  static int Find(const Ntv2Grid& grid, const std::string& name) {
+    for (std::size_t i = 0; i < grid.grids_.size(); ++i) {
+      if (grid.grids_[i].name == name) return static_cast<int>(i);
+    }
+    return -1;
+  }
+
+  FileBytes held_;
+  std::string_view bytes_;
+  const std::string& path_;
+  ByteOrder order_ = ByteOrder::Little;
+  double unit_rad_ = 0.0;
+  std::size_t at_ = 0;
+};
+
+GridStatus Ntv2Grid::Load(FileSystem& files, const std::string& path, Ntv2Grid& grid) {
+  FileBytes bytes;
+  if (FileStatus status = LoadFileBytes(files, path, bytes); !status.ok()) {
+    return FromFileStatus(status, path);
+  }
+  return Parse(std::move(bytes), path, grid);
+}
+
+GridStatus Ntv2Grid::Parse(FileBytes bytes, const std::string& path, Ntv2Grid& grid) {
+  return Ntv2Parser(std::move(bytes), path).Parse(grid);
+}
+
+const Ntv2Grid::SubGrid* Ntv2Grid::Densest(double latitude, double west,
+                                           GridCell& cell) const noexcept {
+  const SubGrid* found = nullptr;
+  const std::vector<int>* candidates = &roots_;
+  while (candidates != nullptr) {
+    const std::vector<int>* inside = nullptr;
+    for (const int index : *candidates) {
+      const SubGrid& grid = grids_[static_cast<std::size_t>(index)];
+      const auto at = grid.geometry.CellAt(west, latitude);
+      if (!at) continue;
+      found = &grid;
+      cell = *at;
+      inside = &grid.children;
+      break;
+    }
+    candidates = inside;
+  }
+  return found;
+}
+
+GridShiftResult Ntv2Grid::ShiftIn(const SubGrid& grid, const GridCell& cell,
+                                  Shift& shift) const noexcept {
+  const std::size_t columns = static_cast<std::size_t>(grid.geometry.columns());
+  const char* const low = bytes_.view().data() + grid.nodes_at +
+                          kRecord * (static_cast<std::size_t>(cell.row) * columns +
+                                     static_cast<std::size_t>(cell.column));
+  const char* const nodes[4] = {low, low + kRecord, low + kRecord * columns,
+                                low + kRecord * (columns + 1)};
+  double north[4];
+  double west[4];
+  for (int i = 0; i < 4; ++i) {
+    north[i] = NumberAt<float>(nodes[i], order_);
+    west[i] = NumberAt<float>(nodes[i] + 4, order_);
+    if (north[i] == 0.0 && west[i] == 0.0 && NumberAt<float>(nodes[i] + 8, order_) < 0.0F) {
+      return GridShiftResult::NoCorrection;
+    }
+  }
+  shift.north_rad = unit_rad_ * Bilinear(cell, north[0], north[1], north[2], north[3]);
+  shift.west_rad = unit_rad_ * Bilinear(cell, west[0], west[1], west[2], west[3]);
+  if (!std::isfinite(shift.north_rad) || !std::isfinite(shift.west_rad)) {
+    return GridShiftResult::NoCorrection;
+  }
+  return GridShiftResult::Done;
+}
+
+GridShiftResult Ntv2Grid::ShiftAt(double latitude, double west, Shift& shift) const noexcept {
+  GridCell cell;
+  const SubGrid* const grid = Densest(latitude, west, cell);
+  return grid == nullptr ? GridShiftResult::Outside : ShiftIn(*grid, cell, shift);
+}
+
+GridShiftResult Ntv2Grid::Forward(Geodetic& position) const noexcept {
+  Shift shift;
+  const GridShiftResult result = ShiftAt(position.latitude_rad, -position.longitude_rad, shift);
+  if (result != GridShiftResult::Done) return result;
+  position.latitude_rad += shift.north_rad;
+  position.longitude_rad -= shift.west_rad;
+  return result;
+}
+
+GridShiftResult Ntv2Grid::Inverse(Geodetic& position) const noexcept {
+  const double latitude = position.latitude_rad;
+  const double west = -position.longitude_rad;
+  double from_latitude = latitude;
+  double from_west = west;
+  for (int pass = 0; pass < kMostPasses; ++pass) {
+    Shift shift;
+    const GridShiftResult result = ShiftAt(from_latitude, from_west, shift);
+    if (result != GridShiftResult::Done) return result;
+    const double off_latitude = latitude - shift.north_rad - from_latitude;
+    const double off_west = west - shift.west_rad - from_west;
+    from_latitude += off_latitude;
+    from_west += off_west;
+    if (std::abs(off_latitude) + std::abs(off_west) < kClosedRad) {
+      position.latitude_rad = from_latitude;
+      position.longitude_rad = -from_west;
+      return GridShiftResult::Done;
+    }
+  }
+  return GridShiftResult::Outside;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,73 @@
+// NTv2 grid-shift files (".gsb"): shifts of latitude and longitude from a local datum, with denser
+// grids inside wider ones.
+//
+// Positions are radians, north and east positive. Forward is the file's own direction, from its
+// SYSTEM_F to its SYSTEM_T (usually the local datum to WGS84), bilinear in the densest grid that
+// holds the point; the inverse finds the position whose forward shift leads back, to 1e-13 rad
+// (6e-7 m). Either byte order is read; the nodes stay in the file's own bytes (byte order and all),
+// so that a grid costs the memory of its file. A cell with a node that the file marks as without a
+// shift (both shifts 0 with an accuracy below 0) has none.
+// Source: Geodetic Survey of Canada, NTv2 developer's guide (1995).
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "coordsys/coordinates.h"
+#include "coordsys/grids/byte_order.h"
+#include "coordsys/grids/grid_geometry.h"
+#include "coordsys/grids/grid_status.h"
+#include "platform/file_bytes.h"
+
+namespace tarvex {
+
+enum class [[nodiscard]] GridShiftResult {
+  Done,
+  Outside,       ///< no grid holds the point
+  NoCorrection,  ///< the nodes around the point carry no shift
+};
+
+class Ntv2Grid {
+ public:
+  static GridStatus Load(FileSystem& files, const std::string& path, Ntv2Grid& grid);
+  /// `path` is only for the error's text.
+  static GridStatus Parse(FileBytes bytes, const std::string& path, Ntv2Grid& grid);
+
+  /// The position is changed only when Done; the height stays.
+  GridShiftResult Forward(Geodetic& position) const noexcept;
+  GridShiftResult Inverse(Geodetic& position) const noexcept;
+
+  /// The names of the two systems, as the file gives them.
+  const std::string& from_system() const { return from_system_; }
+  const std::string& to_system() const { return to_system_; }
+  std::size_t grid_count() const { return grids_.size(); }
+
+ private:
+  friend class Ntv2Parser;
+
+  struct SubGrid {
+    std::string name;
+    std::string parent;
+    GridGeometry geometry;  // radians; the first coordinate is the longitude, west positive
+    std::size_t nodes_at = 0;
+    std::vector<int> children;
+  };
+  struct Shift {
+    double north_rad;
+    double west_rad;
+  };
+
+  GridShiftResult ShiftAt(double latitude, double west, Shift& shift) const noexcept;
+  GridShiftResult ShiftIn(const SubGrid& grid, const GridCell& cell, Shift& shift) const noexcept;
+  const SubGrid* Densest(double latitude, double west, GridCell& cell) const noexcept;
+
+  FileBytes bytes_;
+  ByteOrder order_ = ByteOrder::Little;
+  double unit_rad_ = 0.0;  // of a node's shift
+  std::string from_system_;
+  std::string to_system_;
+  std::vector<SubGrid> grids_;
+  std::vector<int> roots_;
+};
+
+}  // namespace tarvex
