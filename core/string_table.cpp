@@ -31,6 +31,9 @@ constexpr std::array kEntries = {
     Entry{1011, "Point %s could not be stored in %s: %s."},
     Entry{1012, "Point %s could not be deleted from %s: %s."},
     Entry{1014, "The points could not be stored in %s: %s. The file is as before."},
+    // Shift grids
+    Entry{1193, "Loading the shift grid..."},
+    Entry{1703, "The grids of the Hungarian system cannot be loaded; no grid correction is made."},
     // Coordinate systems
     Entry{2205, "The projection \""},
     Entry{2206, "\" is not known; the projection of the system was left as it was."},
@@ -59,6 +62,16 @@ constexpr std::array kEntries = {
     Entry{2237, "The datum shift of the coordinate system is not available."},
     Entry{2238, "A step of the conversion could not be made."},
     Entry{2239, "The height of the point and the geoid did not settle."},
+    Entry{2248, "The position cannot be converted between NAD27 and NAD83; it is left as it was."},
+    // Datum shifts, grids and localization
+    Entry{4100, "The grid file %s does not exist."},
+    Entry{4101, "The grid file %s cannot be read: %s."},
+    Entry{4102, "%s is not a grid file of this kind: %s."},
+    Entry{4103, "The grid file %s is cut short: %s."},
+    Entry{4104, "The grid file %s goes on after its last node: %s."},
+    Entry{4105, "The grid file %s gives a size that no grid has: %s."},
+    Entry{4106, "The grid file %s holds a bad value: %s."},
+    Entry{4107, "The grid files %s and %s do not cover the same nodes."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},
     Entry{5001, "the point id is negative: %s"},

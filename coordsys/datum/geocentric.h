@@ -2,8 +2,8 @@
 //
 // Radians (north and east positive) and metres; longitude comes back in -pi..pi. The way back is
 // one step of Bowring's formula from a start that uses the geocentric radius at the point's own
-// latitude: no iteration, and nothing special at the poles. Against 80-bit iteration its position is
-// within 4e-9 m for heights of -11 to +100 km and 1e-7 m up to 20,000 km; within 50 km of the
+// latitude: no iteration, and nothing special at the poles. Against 80-bit iteration its position
+// is within 6e-9 m for heights of -11 to +100 km and 3e-7 m up to 20,000 km; within 50 km of the
 // earth's centre it has no meaning.
 // Source: B. R. Bowring, Survey Review 23 (1976), with the start of Survey Review 28 (1985).
 #pragma once

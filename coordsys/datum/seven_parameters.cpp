@@ -9,8 +9,7 @@ double ArcsecondsToRadians(double seconds) {
 
 // X - r x X
 Geocentric MinusCross(const SevenParameterArguments& r, const Geocentric& p) {
-  return {p.x_m + r.rz_rad * p.y_m - r.ry_rad * p.z_m,
-          p.y_m + r.rx_rad * p.z_m - r.rz_rad * p.x_m,
+  return {p.x_m + r.rz_rad * p.y_m - r.ry_rad * p.z_m, p.y_m + r.rx_rad * p.z_m - r.rz_rad * p.x_m,
           p.z_m + r.ry_rad * p.x_m - r.rx_rad * p.y_m};
 }
 
@@ -47,8 +46,7 @@ SevenParameterArguments InverseArguments(const SevenParameters& parameters) {
           .scale = 1.0 / forward.scale};
 }
 
-Geocentric RotateScaleTranslate(const SevenParameterArguments& arguments,
-                                const Geocentric& point) {
+Geocentric RotateScaleTranslate(const SevenParameterArguments& arguments, const Geocentric& point) {
   const Geocentric rotated = MinusCross(arguments, point);
   return {arguments.dx_m + arguments.scale * rotated.x_m,
           arguments.dy_m + arguments.scale * rotated.y_m,

@@ -120,8 +120,8 @@ class Gr3df97aText {
     Append(packed, kVersion);
     Append(packed, static_cast<std::uint16_t>(geometry_.columns()));
     Append(packed, static_cast<std::uint16_t>(geometry_.rows()));
-    for (const double value : {geometry_.first_x(), geometry_.first_y(), geometry_.step_x(),
-                               geometry_.step_y()}) {
+    for (const double value :
+         {geometry_.first_x(), geometry_.first_y(), geometry_.step_x(), geometry_.step_y()}) {
       Append(packed, value);
     }
     for (const NodeValues& node : nodes_) {
@@ -180,8 +180,9 @@ GridStatus Gr3df97aGrid::Parse(FileBytes bytes, const std::string& path, Gr3df97
 }
 
 double Gr3df97aGrid::Micrometres(int column, int row, int axis) const noexcept {
-  const std::size_t node = static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.columns()) +
-                           static_cast<std::size_t>(column);
+  const std::size_t node =
+      static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.columns()) +
+      static_cast<std::size_t>(column);
   return NumberAt<std::int32_t>(bytes_.view().data() + kHeader + kNode * node + 4 * axis,
                                 ByteOrder::Little);
 }
@@ -189,16 +190,15 @@ double Gr3df97aGrid::Micrometres(int column, int row, int axis) const noexcept {
 std::optional<Geocentric> Gr3df97aGrid::Translation(double latitude_rad,
                                                     double longitude_rad) const noexcept {
   if (bytes_.view().empty()) return std::nullopt;
-  const auto cell = geometry_.CellAt(longitude_rad * kDegreesPerRadian,
-                                     latitude_rad * kDegreesPerRadian);
+  const auto cell =
+      geometry_.CellAt(longitude_rad * kDegreesPerRadian, latitude_rad * kDegreesPerRadian);
   if (!cell) return std::nullopt;
   double t[3];
   for (int axis = 0; axis < 3; ++axis) {
-    t[axis] = kMetresPerMicrometre *
-              Bilinear(*cell, Micrometres(cell->column, cell->row, axis),
-                       Micrometres(cell->column + 1, cell->row, axis),
-                       Micrometres(cell->column, cell->row + 1, axis),
-                       Micrometres(cell->column + 1, cell->row + 1, axis));
+    t[axis] = kMetresPerMicrometre * Bilinear(*cell, Micrometres(cell->column, cell->row, axis),
+                                              Micrometres(cell->column + 1, cell->row, axis),
+                                              Micrometres(cell->column, cell->row + 1, axis),
+                                              Micrometres(cell->column + 1, cell->row + 1, axis));
   }
   return Geocentric{t[0], t[1], t[2]};
 }

@@ -1,9 +1,9 @@
 // The French grid GR3DF97A ("gr3df97a.bin"): geocentric translations from NTF to RGF93.
 //
 // The nodes are RGF93 positions (radians here, north and east positive) and hold three translations
-// in metres, X(RGF93) = X(NTF) + T; between nodes T is bilinear. The file is our own compact form of
-// the agency's text "gr3df97a.txt", which PackGr3df97a makes; docs/formats/grids.md has its layout.
-// Source: IGN, NTG 88, "Grille de parametres de transformation de coordonnees GR3DF97A".
+// in metres, X(RGF93) = X(NTF) + T; between nodes T is bilinear. The file is our own compact form
+// of the agency's text "gr3df97a.txt", which PackGr3df97a makes; docs/formats/grids.md has its
+// layout. Source: IGN, NTG 88, "Grille de parametres de transformation de coordonnees GR3DF97A".
 #pragma once
 
 #include <optional>

@@ -8,8 +8,8 @@ std::optional<GridGeometry> MakeGridGeometry(double first_x, double first_y, dou
   const bool counts_fit = columns >= 2.0 && rows >= 2.0 && columns == std::floor(columns) &&
                           rows == std::floor(rows) && columns <= 1e6 && rows <= 1e6 &&
                           columns * rows <= most_nodes;
-  const bool steps_fit = step_x > 0.0 && step_y > 0.0 && std::isfinite(1.0 / step_x) &&
-                         std::isfinite(1.0 / step_y);
+  const bool steps_fit =
+      step_x > 0.0 && step_y > 0.0 && std::isfinite(1.0 / step_x) && std::isfinite(1.0 / step_y);
   if (!counts_fit || !steps_fit) return std::nullopt;
   const GridGeometry geometry(first_x, first_y, step_x, step_y, static_cast<int>(columns),
                               static_cast<int>(rows));

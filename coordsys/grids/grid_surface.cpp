@@ -59,8 +59,7 @@ class GridSurfaceParser {
 
   GridStatus Parse(GridSurface& surface) {
     GridSurface made;
-    const GridStatus status =
-        rest_.starts_with(kBinaryMark) ? ParseBinary(made) : ParseText(made);
+    const GridStatus status = rest_.starts_with(kBinaryMark) ? ParseBinary(made) : ParseText(made);
     if (status.ok()) surface = std::move(made);
     return status;
   }
@@ -86,8 +85,8 @@ class GridSurfaceParser {
                          intervals_second + 1.0, 1e9);
     if (!geometry) return Wrong(GridProblem::ImpossibleSize, "lines 1 to 6");
     surface.geometry_ = *geometry;
-    const std::size_t nodes = static_cast<std::size_t>(geometry->columns()) *
-                              static_cast<std::size_t>(geometry->rows());
+    const std::size_t nodes =
+        static_cast<std::size_t>(geometry->columns()) * static_cast<std::size_t>(geometry->rows());
     if (static_cast<double>(nodes) > most) return CutShort(0, nodes);
     return Values(surface.nodes_, nodes);
   }
@@ -128,8 +127,7 @@ class GridSurfaceParser {
 
   bool TakeNumber(double& value) {
     if (rest_.starts_with('+')) rest_.remove_prefix(1);
-    const auto [end, error] =
-        std::from_chars(rest_.data(), rest_.data() + rest_.size(), value);
+    const auto [end, error] = std::from_chars(rest_.data(), rest_.data() + rest_.size(), value);
     if (error != std::errc() || !std::isfinite(value)) return false;
     rest_.remove_prefix(static_cast<std::size_t>(end - rest_.data()));
     return rest_.empty() || IsSpace(rest_[0]);
@@ -154,8 +152,9 @@ class GridSurfaceParser {
     const int rows = NumberAt<std::int16_t>(at + 6, ByteOrder::Little);
     double bounds[4];  // xmin, xmax, ymin, ymax
     for (int i = 0; i < 4; ++i) bounds[i] = NumberAt<double>(at + 8 + 8 * i, ByteOrder::Little);
-    const auto geometry = MakeGridGeometry(bounds[0], bounds[2], (bounds[1] - bounds[0]) / (columns - 1),
-                                           (bounds[3] - bounds[2]) / (rows - 1), columns, rows, 1e9);
+    const auto geometry =
+        MakeGridGeometry(bounds[0], bounds[2], (bounds[1] - bounds[0]) / (columns - 1),
+                         (bounds[3] - bounds[2]) / (rows - 1), columns, rows, 1e9);
     if (!geometry) return Wrong(GridProblem::ImpossibleSize, "the header");
     surface.geometry_ = *geometry;
     const std::size_t nodes = static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows);

@@ -25,12 +25,17 @@ GridStatus ParseOne(std::string_view bytes, const std::string& path, GridGeometr
     return {GridProblem::NotThisFormat, path, "no \"NADGRD\" at byte 56"};
   }
   const char* at = bytes.data() + kMarkAt + 8;
-  const auto integer = [at](int i) { return NumberAt<std::int32_t>(at + 4 * i, ByteOrder::Little); };
+  const auto integer = [at](int i) {
+    return NumberAt<std::int32_t>(at + 4 * i, ByteOrder::Little);
+  };
   const auto real = [at](int i) {
     return static_cast<double>(NumberAt<float>(at + 4 * i, ByteOrder::Little));
   };
-  const auto made = MakeGridGeometry(real(3), real(5), real(4), real(6), integer(0), integer(1), 1e9);
-  if (!made) return {GridProblem::ImpossibleSize, path, "the header"};
+  const auto made =
+      MakeGridGeometry(real(3), real(5), real(4), real(6), integer(0), integer(1), 1e9);
+  // The header is the first record, so that a record is at least as long.
+  if (!made || RecordLength(*made) < kHeader)
+    return {GridProblem::ImpossibleSize, path, "the header"};
   const std::size_t needed = RecordLength(*made) * (static_cast<std::size_t>(made->rows()) + 1);
   if (bytes.size() < needed) {
     return {GridProblem::CutShort, path,

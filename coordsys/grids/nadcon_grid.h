@@ -3,7 +3,8 @@
 // Decimal degrees, north and east positive. The nodes are seconds of arc; those of the ".los" file
 // are positive to the west. Bilinear between the four nodes; the way back finds the NAD27 position
 // whose shift leads to the given one, to 1e-12 degree (1e-7 m).
-// Source: W. Dewhurst, NOAA Technical Memorandum NOS NGS-50 (1990); layout in docs/formats/grids.md.
+// Source: W. Dewhurst, NOAA Technical Memorandum NOS NGS-50 (1990); layout in
+// docs/formats/grids.md.
 #pragma once
 
 #include <string>

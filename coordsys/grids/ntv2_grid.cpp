@@ -52,8 +52,12 @@ class Ntv2Parser {
                                             std::to_string(needed) + " bytes");
   }
 
-  const char* Record(int index) const { return bytes_.data() + at_ + kRecord * static_cast<std::size_t>(index); }
-  std::int32_t Integer(int index) const { return NumberAt<std::int32_t>(Record(index) + 8, order_); }
+  const char* Record(int index) const {
+    return bytes_.data() + at_ + kRecord * static_cast<std::size_t>(index);
+  }
+  std::int32_t Integer(int index) const {
+    return NumberAt<std::int32_t>(Record(index) + 8, order_);
+  }
   double Real(int index) const { return NumberAt<double>(Record(index) + 8, order_); }
   bool Has(int index, std::string_view keyword) const {
     return WithoutOuterBlanks(std::string_view(Record(index), 8)) == keyword;
@@ -61,7 +65,8 @@ class Ntv2Parser {
 
   GridStatus Overview(Ntv2Grid& grid, int& grids) {
     if (bytes_.size() < kRecord) return CutShort(kHeader);
-    if (!Has(0, "NUM_OREC") || !FindByteOrder()) return Wrong(GridProblem::NotThisFormat, "NUM_OREC");
+    if (!Has(0, "NUM_OREC") || !FindByteOrder())
+      return Wrong(GridProblem::NotThisFormat, "NUM_OREC");
     if (bytes_.size() < kHeader) return CutShort(kHeader);
     if (!Has(1, "NUM_SREC") || !Has(2, "NUM_FILE") || !Has(3, "GS_TYPE") ||
         Integer(1) != static_cast<int>(kHeaderRecords)) {
@@ -95,7 +100,8 @@ class Ntv2Parser {
 
   GridStatus SubGrid(Ntv2Grid& grid) {
     if (bytes_.size() < at_ + kHeader) return CutShort(at_ + kHeader);
-    if (!Has(0, "SUB_NAME") || !Has(10, "GS_COUNT")) return Wrong(GridProblem::NotThisFormat, "SUB_NAME");
+    if (!Has(0, "SUB_NAME") || !Has(10, "GS_COUNT"))
+      return Wrong(GridProblem::NotThisFormat, "SUB_NAME");
     Ntv2Grid::SubGrid sub;
     sub.name = Field(Record(0));
     sub.parent = Field(Record(1));
@@ -213,14 +219,14 @@ GridShiftResult Ntv2Grid::ShiftIn(const SubGrid& grid, const GridCell& cell,
   double north[4];
   double west[4];
   for (int i = 0; i < 4; ++i) {
-    north[i] = NumberAt<float>(nodes[i], order_);
-    west[i] = NumberAt<float>(nodes[i] + 4, order_);
+    north[i] = static_cast<float>(NumberAt<float>(nodes[i], order_) * unit_rad_);
+    west[i] = static_cast<float>(NumberAt<float>(nodes[i] + 4, order_) * unit_rad_);
     if (north[i] == 0.0 && west[i] == 0.0 && NumberAt<float>(nodes[i] + 8, order_) < 0.0F) {
       return GridShiftResult::NoCorrection;
     }
   }
-  shift.north_rad = unit_rad_ * Bilinear(cell, north[0], north[1], north[2], north[3]);
-  shift.west_rad = unit_rad_ * Bilinear(cell, west[0], west[1], west[2], west[3]);
+  shift.north_rad = Bilinear(cell, north[0], north[1], north[2], north[3]);
+  shift.west_rad = Bilinear(cell, west[0], west[1], west[2], west[3]);
   if (!std::isfinite(shift.north_rad) || !std::isfinite(shift.west_rad)) {
     return GridShiftResult::NoCorrection;
   }

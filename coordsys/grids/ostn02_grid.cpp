@@ -88,8 +88,8 @@ GridStatus PackOstn02(std::string_view text, const std::string& path, std::strin
     if (!IsNode(c[1], kColumns) || !IsNode(c[2], kRows)) return wrong(GridProblem::BadValue);
     ++seen;
     if (c[6] == 0.0) continue;
-    const auto at = static_cast<std::size_t>(c[2] / kCell) * kColumns +
-                    static_cast<std::size_t>(c[1] / kCell);
+    const auto at =
+        static_cast<std::size_t>(c[2] / kCell) * kColumns + static_cast<std::size_t>(c[1] / kCell);
     if (!Encode(c[3], kBaseEast, east[at]) || !Encode(c[4], kBaseNorth, north[at])) {
       return wrong(GridProblem::BadValue);
     }
@@ -138,8 +138,9 @@ GridStatus Ostn02Part::Parse(FileBytes bytes, const std::string& path, Ostn02Par
 }
 
 std::uint16_t Ostn02Part::Node(int column, int row) const noexcept {
-  const std::size_t node = static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.columns()) +
-                           static_cast<std::size_t>(column);
+  const std::size_t node =
+      static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.columns()) +
+      static_cast<std::size_t>(column);
   return NumberAt<std::uint16_t>(bytes_.view().data() + kHeader + 2 * node, ByteOrder::Little);
 }
 
@@ -147,9 +148,9 @@ SurfaceValue Ostn02Part::At(double easting_m, double northing_m) const noexcept 
   if (bytes_.view().empty()) return {};
   const auto cell = geometry_.CellAt(easting_m, northing_m);
   if (!cell) return {};
-  const std::uint16_t nodes[4] = {
-      Node(cell->column, cell->row), Node(cell->column + 1, cell->row),
-      Node(cell->column, cell->row + 1), Node(cell->column + 1, cell->row + 1)};
+  const std::uint16_t nodes[4] = {Node(cell->column, cell->row), Node(cell->column + 1, cell->row),
+                                  Node(cell->column, cell->row + 1),
+                                  Node(cell->column + 1, cell->row + 1)};
   if (std::find(std::begin(nodes), std::end(nodes), kNoData) != std::end(nodes)) {
     return {SurfaceAnswer::NoCorrection, 0.0};
   }

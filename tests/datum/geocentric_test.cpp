@@ -1,0 +1,72 @@
+#include "coordsys/datum/geocentric.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "case_table.h"
+
+namespace tarvex {
+namespace {
+
+// Metres on the ground for a difference of latitude and longitude.
+double Apart(const Geodetic& a, const Geodetic& b) {
+  const double north = (a.latitude_rad - b.latitude_rad) * 6.4e6;
+  const double east = std::remainder(a.longitude_rad - b.longitude_rad, 2 * M_PI) * 6.4e6 *
+                      std::cos(a.latitude_rad);
+  return std::hypot(north, east, a.height_m - b.height_m);
+}
+
+TEST(Geocentric, AgreesWithThePublishedGigsPoints) {
+  const GeocentricFrame frame(kWgs84);
+  for (const CaseRow& row : ReadCases("datum/gigs_5201_geocentric.tsv")) {
+    const Geocentric xyz = {row.Number("X"), row.Number("Y"), row.Number("Z")};
+    const Geodetic position = {row.Radians("lat"), row.Radians("lon"), row.Number("h")};
+    const double tolerance = row.Number("tol_m");
+    if (row.Text("direction") == "FORWARD") {
+      EXPECT_LT(Apart(frame.ToGeodetic(xyz), position), tolerance) << row.Text("id");
+    } else {
+      const Geocentric made = frame.ToGeocentric(position);
+      EXPECT_NEAR(made.x_m, xyz.x_m, tolerance) << row.Text("id");
+      EXPECT_NEAR(made.y_m, xyz.y_m, tolerance) << row.Text("id");
+      EXPECT_NEAR(made.z_m, xyz.z_m, tolerance) << row.Text("id");
+    }
+  }
+}
+
+// The stated accuracy, over latitudes and heights; the forward way, whose formula is exact, is the
+// judge.
+TEST(Geocentric, ComesBackToTheStatedAccuracy) {
+  struct Band {
+    double low_m;
+    double high_m;
+    double tolerance_m;
+  };
+  const Band bands[] = {{-11e3, 100e3, 6e-9}, {100e3, 20'000e3, 3e-7}};
+  std::mt19937_64 random(20261121);
+  for (const Ellipsoid& ellipsoid : {kWgs84, kClarke1866, Ellipsoid{6378137.0, 0.0034}}) {
+    const GeocentricFrame frame(ellipsoid);
+    for (const Band& band : bands) {
+      for (int i = 0; i < 20'000; ++i) {
+        std::uniform_real_distribution<double> unit(-1.0, 1.0);
+        const Geodetic at = {unit(random) * M_PI / 2, unit(random) * M_PI,
+                             band.low_m + (band.high_m - band.low_m) * 0.5 * (unit(random) + 1)};
+        ASSERT_LT(Apart(frame.ToGeodetic(frame.ToGeocentric(at)), at), band.tolerance_m)
+            << at.latitude_rad << ' ' << at.height_m;
+      }
+    }
+  }
+}
+
+TEST(Geocentric, PolesAndEquatorAreOrdinaryPlaces) {
+  const GeocentricFrame frame(kWgs84);
+  const double b = 6378137.0 * (1.0 - kWgs84.flattening);
+  EXPECT_EQ(frame.ToGeodetic({0, 0, b}).latitude_rad, M_PI / 2);
+  EXPECT_NEAR(frame.ToGeodetic({0, 0, -b - 7}).height_m, 7.0, 1e-8);
+  EXPECT_EQ(frame.ToGeodetic({-6378137.0, 0, 0}).latitude_rad, 0.0);
+  EXPECT_NEAR(frame.ToGeodetic({0, 6378137.0, 0}).height_m, 0.0, 1e-8);
+}
+
+}  // namespace
+}  // namespace tarvex

@@ -1,0 +1,168 @@
+// NADCON, GR3DF97A and OSTN02.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "case_table.h"
+#include "coordsys/datum/geocentric.h"
+#include "coordsys/grids/gr3df97a_grid.h"
+#include "coordsys/grids/nadcon_grid.h"
+#include "coordsys/grids/ntv2_grid.h"
+#include "coordsys/grids/ostn02_grid.h"
+
+namespace tarvex {
+namespace {
+
+NadconGrid Texas() {
+  NadconGrid grid;
+  EXPECT_EQ(
+      NadconGrid::Load(SystemFiles(), std::string(TARVEX_TEST_DATA) + "/datum/texas", grid).Text(),
+      "");
+  return grid;
+}
+
+TEST(Nadcon, AgreesWithProj) {
+  const NadconGrid grid = Texas();
+  for (const CaseRow& row : ReadCases("datum/nadcon_points.tsv")) {
+    const auto nad83 = grid.ToNad83({row.Number("lat_nad27"), row.Number("lon_nad27")});
+    ASSERT_TRUE(nad83.has_value());
+    EXPECT_NEAR(nad83->latitude, row.Number("lat_nad83"), 1e-9);
+    EXPECT_NEAR(nad83->longitude, row.Number("lon_nad83"), 1e-9);
+  }
+}
+
+TEST(Nadcon, ComesBackAndKnowsItsBounds) {
+  const NadconGrid grid = Texas();
+  for (double lat = 29.05; lat < 30.45; lat += 0.093) {
+    const auto there = grid.ToNad83({lat, -97.123});
+    ASSERT_TRUE(there.has_value());
+    const auto back = grid.ToNad27(*there);
+    ASSERT_TRUE(back.has_value());
+    EXPECT_NEAR(back->latitude, lat, 1e-11);
+    EXPECT_NEAR(back->longitude, -97.123, 1e-11);
+  }
+  EXPECT_FALSE(grid.ToNad83({31.0, -97.0}).has_value());
+  EXPECT_FALSE(grid.ToNad27({29.5, -90.0}).has_value());
+}
+
+TEST(Nadcon, DamagedFilesAreNamed) {
+  const std::string las = TestBytes("datum/texas.las");
+  const std::string los = TestBytes("datum/texas.los");
+  NadconGrid grid;
+  for (std::size_t length = 0; length < las.size(); ++length) {
+    ASSERT_EQ(
+        NadconGrid::Parse(FileBytes(las.substr(0, length)), FileBytes(los), "t", grid).problem,
+        GridProblem::CutShort);
+  }
+  EXPECT_EQ(NadconGrid::Parse(FileBytes(std::string(900, 'x')), FileBytes(los), "t", grid).problem,
+            GridProblem::NotThisFormat);
+  std::string moved = los;
+  moved[76] = 1;  // the first longitude of the .los file
+  EXPECT_EQ(NadconGrid::Parse(FileBytes(las), FileBytes(moved), "t", grid).problem,
+            GridProblem::PartsDiffer);
+  std::string huge = las;
+  huge[67] = 0x40;  // a thousand million columns
+  EXPECT_EQ(NadconGrid::Parse(FileBytes(huge), FileBytes(los), "t", grid).problem,
+            GridProblem::ImpossibleSize);
+}
+
+Gr3df97aGrid Paris() {
+  std::string packed;
+  EXPECT_EQ(PackGr3df97a(TestBytes("datum/gr3df97a_paris.txt"), "t", packed).Text(), "");
+  Gr3df97aGrid grid;
+  EXPECT_EQ(Gr3df97aGrid::Parse(FileBytes(packed), "t", grid).Text(), "");
+  return grid;
+}
+
+// IGN publishes the same grid twice: as translations and, for other programs, as NTv2.
+TEST(Gr3df97a, MeetsTheNtv2FormOfTheSameGrid) {
+  const Gr3df97aGrid grid = Paris();
+  Ntv2Grid ntv2;
+  ASSERT_TRUE(Ntv2Grid::Parse(FileBytes(TestBytes("datum/paris.gsb")), "p", ntv2).ok());
+  const GeocentricFrame rgf93(kGrs80);
+  const GeocentricFrame ntf({6378249.2, 1.0 - 6356515.0 / 6378249.2});
+  // At the nodes the two must agree; between them they interpolate different things, and at the
+  // published check point 48 50 40.0050 N 2 25 29.8960 E as well.
+  for (const auto& [lat, lon] :
+       {std::pair{48.5, 2.5},
+        {48.9, 2.3},
+        {49.0, 2.8},
+        {48.0 + 50 / 60.0 + 40.0050 / 3600, 2 + 25 / 60.0 + 29.8960 / 3600}}) {
+    Geodetic at = {lat * kRadiansPerDegree, lon * kRadiansPerDegree, 0.0};
+    Geodetic by_ntv2 = at;
+    ASSERT_EQ(ntv2.Inverse(by_ntv2), GridShiftResult::Done);
+    Geocentric xyz = rgf93.ToGeocentric(at);
+    const auto t = grid.Translation(at.latitude_rad, at.longitude_rad);
+    ASSERT_TRUE(t.has_value());
+    const Geodetic by_translation =
+        ntf.ToGeodetic({xyz.x_m - t->x_m, xyz.y_m - t->y_m, xyz.z_m - t->z_m});
+    EXPECT_NEAR(by_translation.latitude_rad * 6.4e6, by_ntv2.latitude_rad * 6.4e6, 0.005);
+    EXPECT_NEAR(by_translation.longitude_rad * 6.4e6, by_ntv2.longitude_rad * 6.4e6, 0.005);
+  }
+  EXPECT_FALSE(grid.Translation(0.9, 0.5).has_value());
+}
+
+TEST(Gr3df97a, DamagedFilesAreNamed) {
+  const std::string text = TestBytes("datum/gr3df97a_paris.txt");
+  std::string packed;
+  ASSERT_TRUE(PackGr3df97a(text, "t", packed).ok());
+  Gr3df97aGrid grid;
+  for (std::size_t length = 0; length < packed.size(); ++length) {
+    ASSERT_EQ(Gr3df97aGrid::Parse(FileBytes(packed.substr(0, length)), "t", grid).problem,
+              GridProblem::CutShort);
+  }
+  EXPECT_EQ(Gr3df97aGrid::Parse(FileBytes(packed + "x"), "t", grid).problem, GridProblem::TooLong);
+  EXPECT_EQ(Gr3df97aGrid::Parse(FileBytes(text), "t", grid).problem, GridProblem::NotThisFormat);
+
+  const std::size_t last_line = text.rfind('\n', text.size() - 2) + 1;
+  EXPECT_EQ(PackGr3df97a(text.substr(0, last_line), "t", packed).problem, GridProblem::CutShort);
+  EXPECT_EQ(PackGr3df97a(text + text.substr(last_line), "t", packed).problem,
+            GridProblem::BadValue);
+  EXPECT_EQ(PackGr3df97a("anything\n", "t", packed).problem, GridProblem::NotThisFormat);
+}
+
+// A whole text of the agency's form, with the published nodes of the 2015 edition around the tower
+// at 651 km east, 313 km north, and no shift anywhere else.
+std::string BritishText() {
+  std::string text = "Point_ID,Easting,Northing,EShift,NShift,HShift,Datum\n";
+  for (int row = 0; row <= 1250; ++row) {
+    for (int column = 0; column <= 700; ++column) {
+      const char* shifts = ",0.000,0.000,0.000,0\n";
+      if (column == 651 && row == 313) shifts = ",102.791,-78.231,44.0,1\n";
+      if (column == 652 && row == 313) shifts = ",102.827,-78.238,44.0,1\n";
+      if (column == 651 && row == 314) shifts = ",102.798,-78.210,44.0,1\n";
+      if (column == 652 && row == 314) shifts = ",102.836,-78.220,44.0,1\n";
+      text += std::to_string(row * 701 + column + 1) + ',' + std::to_string(column * 1000) + ',' +
+              std::to_string(row * 1000) + shifts;
+    }
+  }
+  return text;
+}
+
+TEST(Ostn02, PackedGridGivesThePublishedShifts) {
+  const std::string text = BritishText();
+  std::string x;
+  std::string y;
+  ASSERT_EQ(PackOstn02(text, "t", x, y).Text(), "");
+  EXPECT_EQ(x.size(), 1'753'934U);
+  Ostn02Part east;
+  Ostn02Part north;
+  ASSERT_TRUE(Ostn02Part::Parse(FileBytes(x), "x", east).ok());
+  ASSERT_TRUE(Ostn02Part::Parse(FileBytes(y), "y", north).ok());
+  EXPECT_NEAR(east.At(651'000, 313'000).value, 102.791, 1e-9);
+  EXPECT_NEAR(north.At(651'999.999, 313'999.999).value, -78.220, 1e-6);
+  EXPECT_NEAR(east.At(651'307.003, 313'255.686).value, 102.804, 5e-4);
+  EXPECT_EQ(east.At(650'500, 313'500).answer, SurfaceAnswer::NoCorrection);
+  EXPECT_EQ(east.At(700'001, 313'500).answer, SurfaceAnswer::Outside);
+  for (const std::size_t length : {0U, 3U, 31U, 32U, 1000U, 1'753'933U}) {
+    EXPECT_EQ(Ostn02Part::Parse(FileBytes(x.substr(0, length)), "x", east).problem,
+              GridProblem::CutShort);
+  }
+  EXPECT_EQ(PackOstn02(std::string_view(text).substr(0, 5000), "t", x, y).problem,
+            GridProblem::BadValue);
+  EXPECT_EQ(PackOstn02("1,0,0,1,1,1,0\n", "t", x, y).problem, GridProblem::CutShort);
+  EXPECT_EQ(PackOstn02("1,0,0,1,1,1,1\n", "t", x, y).problem, GridProblem::BadValue);
+}
+
+}  // namespace
+}  // namespace tarvex

@@ -1,0 +1,210 @@
+#include "coordsys/grids/ntv2_grid.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "case_table.h"
+
+namespace tarvex {
+namespace {
+
+Ntv2Grid LoadCut(const std::string& name) {
+  Ntv2Grid grid;
+  EXPECT_EQ(Ntv2Grid::Parse(FileBytes(TestBytes("datum/" + name)), name, grid).Text(), "");
+  return grid;
+}
+
+Geodetic At(double latitude_deg, double longitude_deg) {
+  return {latitude_deg * kRadiansPerDegree, longitude_deg * kRadiansPerDegree, 12.0};
+}
+
+// Writes NTv2 files for the cases that no public file shows.
+class Ntv2Writer {
+ public:
+  explicit Ntv2Writer(int grids) {
+    Integer("NUM_OREC", 11);
+    Integer("NUM_SREC", 11);
+    Integer("NUM_FILE", grids);
+    for (const char* text :
+         {"GS_TYPE SECONDS ", "VERSION TEST    ", "SYSTEM_FOLD     ", "SYSTEM_TNEW     "}) {
+      bytes += text;
+    }
+    for (const char* key : {"MAJOR_F ", "MINOR_F ", "MAJOR_T ", "MINOR_T "}) Real(key, 6378137.0);
+  }
+
+  // Degrees, east positive; the same shift in seconds at every node.
+  void Grid(const std::string& name, const std::string& parent, double south, double north,
+            double west, double east, double step, float shift_north, float shift_west,
+            float accuracy = 0.1F) {
+    bytes += "SUB_NAME" + Padded(name) + "PARENT  " + Padded(parent) +
+             "CREATED         UPDATED         ";
+    Real("S_LAT   ", south * 3600);
+    Real("N_LAT   ", north * 3600);
+    Real("E_LONG  ", -east * 3600);
+    Real("W_LONG  ", -west * 3600);
+    Real("LAT_INC ", step * 3600);
+    Real("LONG_INC", step * 3600);
+    const int nodes = static_cast<int>(std::lround((north - south) / step) + 1) *
+                      static_cast<int>(std::lround((east - west) / step) + 1);
+    Integer("GS_COUNT", nodes);
+    for (int i = 0; i < nodes; ++i) {
+      for (const float value : {shift_north, shift_west, accuracy, accuracy}) Raw(value);
+    }
+  }
+
+  std::string bytes;
+
+ private:
+  static std::string Padded(std::string text) {
+    text.resize(8, ' ');
+    return text;
+  }
+  template <typename Number>
+  void Raw(Number value) {
+    char raw[sizeof value];
+    std::memcpy(raw, &value, sizeof value);
+    bytes.append(raw, sizeof value);
+  }
+  void Integer(const char* key, std::int32_t value) {
+    bytes += key;
+    Raw(value);
+    Raw(std::int32_t{0});
+  }
+  void Real(const char* key, double value) {
+    bytes += key;
+    Raw(value);
+  }
+};
+
+TEST(Ntv2, BothByteOrdersAgreeWithProj) {
+  for (const char* name : {"test_hgrid_little_endian.gsb", "test_hgrid_big_endian.gsb"}) {
+    const Ntv2Grid grid = LoadCut(name);
+    for (const CaseRow& row : ReadCases("datum/test_hgrid_points.tsv")) {
+      Geodetic at = At(row.Number("lat_in"), row.Number("lon_in"));
+      ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
+      EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, row.Number("lat_out"), 1e-9);
+      EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, row.Number("lon_out"), 1e-9);
+      EXPECT_EQ(at.height_m, 12.0);
+    }
+  }
+}
+
+TEST(Ntv2, RealGridAgreesWithProjBothWays) {
+  const Ntv2Grid grid = LoadCut("paris.gsb");
+  EXPECT_EQ(grid.from_system(), "NTF");
+  EXPECT_EQ(grid.to_system(), "RGF93");
+  int rows = 0;
+  for (const CaseRow& row : ReadCases("datum/proj_grid_cases.tsv")) {
+    if (row.Text("grid") != "paris.gsb") continue;
+    ++rows;
+    Geodetic at = At(row.Number("lat"), row.Number("lon"));
+    const bool forward = row.Text("direction") == "forward";
+    ASSERT_EQ(forward ? grid.Forward(at) : grid.Inverse(at), GridShiftResult::Done);
+    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, row.Number("lat_out"), 2e-11);
+    EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, row.Number("lon_out"), 2e-11);
+  }
+  EXPECT_EQ(rows, 12);
+}
+
+TEST(Ntv2, InverseClosesEvenWhereShiftsAreDegreesLarge) {
+  const Ntv2Grid grid = LoadCut("test_hgrid_little_endian.gsb");
+  for (double lat = 52.05; lat < 55.0; lat += 0.17) {
+    for (double lon = 4.05; lon < 7.0; lon += 0.19) {
+      const Geodetic start = At(lat, lon);
+      Geodetic at = start;
+      ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
+      // Where the shifted point has left the grid there may be no way back; otherwise it closes.
+      if (grid.Inverse(at) != GridShiftResult::Done) continue;
+      Geodetic again = at;
+      ASSERT_EQ(grid.Forward(again), GridShiftResult::Done);
+    }
+  }
+}
+
+TEST(Ntv2, TheDensestGridThatHoldsThePointIsUsed) {
+  Ntv2Writer file(4);
+  file.Grid("WIDE", "NONE", 40, 50, -10, 0, 1, 1, 10);
+  file.Grid("DENSE", "WIDE", 44, 46, -6, -4, 0.5, 2, 20);
+  file.Grid("DENSEST", "DENSE", 44.5, 45, -5.5, -5, 0.25, 3, 30);
+  file.Grid("OTHER", "NONE", 40, 50, 10, 20, 1, 4, 40);
+  Ntv2Grid grid;
+  ASSERT_TRUE(Ntv2Grid::Parse(FileBytes(file.bytes), "x.gsb", grid).ok());
+  EXPECT_EQ(grid.grid_count(), 4U);
+  struct Case {
+    double latitude;
+    double longitude;
+    double seconds_north;
+  };
+  for (const Case& c :
+       {Case{41, -9, 1}, Case{44.2, -4.5, 2}, Case{44.7, -5.2, 3}, Case{45, 15, 4}}) {
+    Geodetic at = At(c.latitude, c.longitude);
+    ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
+    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, c.latitude + c.seconds_north / 3600, 1e-9);
+    EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, c.longitude - c.seconds_north / 360, 1e-9);
+    ASSERT_EQ(grid.Inverse(at), GridShiftResult::Done);
+    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, c.latitude, 1e-12);
+  }
+  Geodetic outside = At(45, 5);
+  EXPECT_EQ(grid.Forward(outside), GridShiftResult::Outside);
+  EXPECT_EQ(outside, At(45, 5));
+}
+
+TEST(Ntv2, NodesMarkedAsEmptyGiveNoCorrection) {
+  Ntv2Writer file(1);
+  file.Grid("EMPTY", "NONE", 40, 41, 0, 1, 1, 0, 0, -1);
+  Ntv2Grid grid;
+  ASSERT_TRUE(Ntv2Grid::Parse(FileBytes(file.bytes), "x.gsb", grid).ok());
+  Geodetic at = At(40.5, 0.5);
+  EXPECT_EQ(grid.Forward(at), GridShiftResult::NoCorrection);
+  EXPECT_EQ(grid.Inverse(at), GridShiftResult::NoCorrection);
+}
+
+TEST(Ntv2, EveryCutOfAFileIsNamed) {
+  const std::string bytes = TestBytes("datum/paris.gsb");
+  for (std::size_t length = 0; length < bytes.size() - 16; ++length) {
+    Ntv2Grid grid;
+    const GridStatus status = Ntv2Grid::Parse(FileBytes(bytes.substr(0, length)), "p.gsb", grid);
+    ASSERT_EQ(status.problem, GridProblem::CutShort) << length;
+  }
+  Ntv2Grid without_end;
+  EXPECT_TRUE(
+      Ntv2Grid::Parse(FileBytes(bytes.substr(0, bytes.size() - 16)), "p", without_end).ok());
+}
+
+// Every header value set to a few hostile ones: an error or a grid, never a crash.
+TEST(Ntv2, HostileHeadersAreNamed) {
+  const std::string bytes = TestBytes("datum/paris.gsb");
+  for (std::size_t record = 0; record < 22; ++record) {
+    for (const double value : {0.0, -1.0, 1e300, std::nan(""), 4e-320}) {
+      std::string damaged = bytes;
+      std::memcpy(damaged.data() + 16 * record + 8, &value, 8);
+      Ntv2Grid grid;
+      const bool opened = Ntv2Grid::Parse(FileBytes(damaged), "p.gsb", grid).ok();
+      Geodetic at = At(48.8, 2.4);
+      if (opened) (void)grid.Inverse(at);
+      const bool is_size = record >= 15 || record == 2;
+      EXPECT_FALSE(opened && is_size) << record << ' ' << value;
+    }
+  }
+  Ntv2Grid grid;
+  EXPECT_EQ(Ntv2Grid::Parse(FileBytes(std::string(5000, 'x')), "x", grid).problem,
+            GridProblem::NotThisFormat);
+  EXPECT_EQ(Ntv2Grid::Parse(FileBytes(bytes + "more"), "x", grid).problem, GridProblem::None);
+  EXPECT_EQ(Ntv2Grid::Parse(FileBytes(bytes.substr(0, bytes.size() - 16) + "more and more bytes"),
+                            "x", grid)
+                .problem,
+            GridProblem::TooLong);
+}
+
+TEST(Ntv2, AGridInsideAnUnknownOneIsRefused) {
+  Ntv2Writer file(2);
+  file.Grid("A", "B", 40, 41, 0, 1, 1, 0, 0);
+  file.Grid("B", "A", 40, 41, 0, 1, 1, 0, 0);
+  Ntv2Grid grid;
+  EXPECT_EQ(Ntv2Grid::Parse(FileBytes(file.bytes), "x.gsb", grid).problem, GridProblem::BadValue);
+}
+
+}  // namespace
+}  // namespace tarvex
