@@ -30,6 +30,7 @@ EllipsoidConstants ConstantsOf(const Ellipsoid& ellipsoid) {
   const double n2 = c.n * c.n;
   c.rectifying_radius =
       c.a / (1.0 + c.n) * (1.0 + n2 * (1.0 / 4.0 + n2 * (1.0 / 64.0 + n2 / 256.0)));
+  c.delta = ConformalToGeodetic(c.n);
   return c;
 }
 

@@ -7,6 +7,8 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <numbers>
 
 #include "coordsys/ellipsoids.h"
 
@@ -15,20 +17,59 @@ namespace tarvex {
 /// Coefficients c1 to c6 of sum c_j sin(2 j x).
 using SineSeries = std::array<double, 6>;
 
-/// The sum of the series, from the sine and cosine of x (Clenshaw).
-inline double SumOf(const SineSeries& series, double sin_x, double cos_x) {
-  const double k = 2.0 * (cos_x - sin_x) * (cos_x + sin_x);  // 2 cos 2x
+/// The sum of the series, from the sine and cosine of 2x (Clenshaw).
+inline double SumOf(const SineSeries& series, double sin_2x, double cos_2x) {
+  const double k = 2.0 * cos_2x;
   double u0 = 0.0;
   double u1 = 0.0;
+#pragma GCC unroll 6
   for (int j = 5; j >= 0; --j) {
     const double u = k * u0 - u1 + series[static_cast<std::size_t>(j)];
     u1 = u0;
     u0 = u;
   }
-  return u0 * 2.0 * sin_x * cos_x;
+  return u0 * sin_2x;
 }
 
-/// Constants of an ellipsoid, named as in the sources.
+/// exp(w) - 1 for |w| below 0.01 to the last bit of exp(w).
+inline double SmallExpm1(double w) {
+  return w *
+         (1.0 + w / 2.0 * (1.0 + w / 3.0 * (1.0 + w / 4.0 * (1.0 + w / 5.0 * (1.0 + w / 6.0)))));
+}
+
+/// Sine and cosine of an angle, as a value of their own.
+struct Direction {
+  double sin = 0.0;
+  double cos = 1.0;
+
+  static Direction Of(double angle_rad) { return {std::sin(angle_rad), std::cos(angle_rad)}; }
+  double Sin2() const { return 2.0 * sin * cos; }
+  double Cos2() const { return (cos - sin) * (cos + sin); }
+
+  /// Turned by a small angle, below 0.01 rad, to the last bit.
+  Direction Turned(double small_rad) const {
+    const double d2 = small_rad * small_rad;
+    const double sin_d = small_rad * (1.0 - d2 / 6.0 * (1.0 - d2 / 20.0 * (1.0 - d2 / 42.0)));
+    const double cos_d_less_1 = -d2 / 2.0 * (1.0 - d2 / 12.0 * (1.0 - d2 / 30.0));
+    return {sin + (cos * sin_d + sin * cos_d_less_1), cos + (cos * cos_d_less_1 - sin * sin_d)};
+  }
+};
+
+/// An angle brought between -180 and +180 degrees from at most two turns away.
+inline double WrappedLongitude(double longitude_rad) {
+  constexpr double kTurn = 2.0 * std::numbers::pi;
+  while (longitude_rad > std::numbers::pi) longitude_rad -= kTurn;
+  while (longitude_rad < -std::numbers::pi) longitude_rad += kTurn;
+  return longitude_rad;
+}
+
+SineSeries ConformalToRectifying(double n);
+SineSeries RectifyingToConformal(double n);  ///< subtracted from the rectifying latitude
+SineSeries ConformalToGeodetic(double n);
+SineSeries GeodeticToRectifying(double n);
+SineSeries RectifyingToGeodetic(double n);
+
+/// Constants of an ellipsoid, named as in the sources, and the latitudes on it.
 struct EllipsoidConstants {
   double a = 0.0;    ///< semi-major axis, metres
   double f = 0.0;    ///< flattening
@@ -37,6 +78,7 @@ struct EllipsoidConstants {
   double ep2 = 0.0;  ///< second eccentricity squared
   double n = 0.0;    ///< third flattening
   double rectifying_radius = 0.0;
+  SineSeries delta = {};  ///< conformal to geodetic
 
   double RadiusOfPrimeVertical(double sin_phi) const {
     return a / std::sqrt(1.0 - e2 * sin_phi * sin_phi);
@@ -45,9 +87,46 @@ struct EllipsoidConstants {
     const double w2 = 1.0 - e2 * sin_phi * sin_phi;
     return a * (1.0 - e2) / (w2 * std::sqrt(w2));
   }
-  /// Isometric latitude; sinh of it is the tangent of the conformal latitude.
-  double Isometric(double phi) const {
-    return std::asinh(std::tan(phi)) - e * std::atanh(e * std::sin(phi));
+
+  /// e atanh(e sin phi): what the ellipsoid takes off the isometric latitude of the sphere.
+  double EccentricPart(double sin_phi) const {
+    const double z = e2 * sin_phi * sin_phi;
+    return e2 * sin_phi *
+           (1.0 +
+            z * (1.0 / 3.0 +
+                 z * (1.0 / 5.0 +
+                      z * (1.0 / 7.0 + z * (1.0 / 9.0 + z * (1.0 / 11.0 + z * (1.0 / 13.0)))))));
+  }
+
+  /// Isometric latitude; its hyperbolic sine is the tangent of the conformal latitude.
+  double Isometric(Direction phi) const {
+    const double sphere = std::log((1.0 + std::fabs(phi.sin)) / phi.cos);
+    return std::copysign(sphere, phi.sin) - EccentricPart(phi.sin);
+  }
+  double Isometric(double phi_rad) const { return Isometric(Direction::Of(phi_rad)); }
+
+  /// The conformal latitude of a geodetic one.
+  Direction Conformal(Direction phi) const {
+    const double w = EccentricPart(phi.sin);
+    const double up = SmallExpm1(w);
+    const double down = SmallExpm1(-w);
+    const double cosh_less_1 = 0.5 * (up + down);
+    const double s = phi.sin + (phi.sin * cosh_less_1 - 0.5 * (up - down));
+    const double norm = 1.0 / std::sqrt(s * s + phi.cos * phi.cos);
+    return {s * norm, phi.cos * norm};
+  }
+
+  /// The geodetic latitude whose isometric latitude is the logarithm of `exp_psi`.
+  double FromExpIsometric(double exp_psi) const {
+    const double square = exp_psi * exp_psi;
+    const double norm = 1.0 / (square + 1.0);
+    const Direction chi{(square - 1.0) * norm, 2.0 * exp_psi * norm};
+    return 2.0 * std::atan(exp_psi) - std::numbers::pi / 2.0 + SumOf(delta, chi.Sin2(), chi.Cos2());
+  }
+
+  /// The geodetic latitude of a conformal one.
+  double FromConformal(Direction chi) const {
+    return std::atan2(chi.sin, chi.cos) + SumOf(delta, chi.Sin2(), chi.Cos2());
   }
 };
 
@@ -56,11 +135,5 @@ struct EllipsoidConstants {
 bool IsEarthEllipsoid(const Ellipsoid& ellipsoid);
 
 EllipsoidConstants ConstantsOf(const Ellipsoid& ellipsoid);
-
-SineSeries ConformalToRectifying(double n);
-SineSeries RectifyingToConformal(double n);  ///< subtracted from the rectifying latitude
-SineSeries ConformalToGeodetic(double n);
-SineSeries GeodeticToRectifying(double n);
-SineSeries RectifyingToGeodetic(double n);
 
 }  // namespace tarvex

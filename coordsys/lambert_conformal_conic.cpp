@@ -10,64 +10,52 @@ constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
 constexpr double kSameParallel = 1e-10;
 constexpr double kFlattestCone = 1e-6;
+constexpr double kLargestExpPsi = 1e16;  // beyond it a latitude is the pole
 
 double LengthOfParallel(const EllipsoidConstants& c, double phi) {
   const double sin_phi = std::sin(phi);
   return std::cos(phi) / std::sqrt(1.0 - c.e2 * sin_phi * sin_phi);
 }
 
-// Radii are measured from the apex: r = r0 (1 + q), q = expm1(-n (psi - psi0)). The origin of psi0
-// is the latitude of origin, or the first parallel when that is a pole (then `apex` is the origin
-// of northings).
 struct Kernel {
   EllipsoidConstants ellipsoid;
   double n = 0.0;
-  double psi0 = 0.0;
-  double r0_m = 0.0;
+  double over_n = 0.0;
+  double apex_radius_m = 0.0;  ///< radius where psi is 0; negative with n
   double central_meridian_rad = 0.0;
   double false_easting_m = 0.0;
-  double origin_northing_m = 0.0;  ///< northing where psi is psi0 on the central meridian
-  SineSeries delta = {};
+  double apex_northing_m = 0.0;
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
     const double phi = position.latitude_rad;
     if (n * phi < 0.0 && std::fabs(phi) > kFarthestLatitude) return ProjectionResult::OutsideDomain;
-    const double lambda =
-        std::remainder(position.longitude_rad - central_meridian_rad, 2.0 * std::numbers::pi);
-    const double q =
-        std::fabs(phi) >= kQuarter ? -1.0 : std::expm1(-n * (ellipsoid.Isometric(phi) - psi0));
-    const double r = r0_m * (1.0 + q);
-    const double theta = n * lambda;
-    const double half = std::sin(theta / 2.0);
-    point.easting_m = false_easting_m + r * std::sin(theta);
-    point.northing_m = origin_northing_m - r0_m * q + 2.0 * r * half * half;
+    const double lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    const double r =
+        apex_radius_m * std::exp(-n * ellipsoid.Isometric(Direction::Of(position.latitude_rad)));
+    const Direction theta = Direction::Of(n * lambda);
+    point.easting_m = false_easting_m + r * theta.sin;
+    point.northing_m = apex_northing_m - r * theta.cos;
     return ProjectionResult::Done;
   }
 
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const double x = point.easting_m - false_easting_m;
-    const double y = point.northing_m - origin_northing_m;
     const double sign = n < 0.0 ? -1.0 : 1.0;
-    const double theta = std::atan2(sign * x, sign * (r0_m - y));
+    const double x = sign * (point.easting_m - false_easting_m);
+    const double y = sign * (apex_northing_m - point.northing_m);
+    const double theta = std::atan2(x, y);
     if (std::fabs(theta) > std::fabs(n) * std::numbers::pi * (1.0 + 1e-12)) {
       return ProjectionResult::OutsideDomain;  // the gap of the fan
     }
-    const double w = (x * x + y * y - 2.0 * y * r0_m) / (r0_m * r0_m);
-    if (w <= -1.0) {
-      position = {sign * kQuarter, central_meridian_rad};
-      return ProjectionResult::Done;
-    }
-    const double psi = psi0 - std::log1p(w) / (2.0 * n);
-    const double sinh_psi = std::sinh(psi);
-    const double cosh_psi = std::cosh(psi);
-    const double chi = std::atan(sinh_psi);
-    const double phi = chi + SumOf(delta, sinh_psi / cosh_psi, 1.0 / cosh_psi);
+    const double square = (x * x + y * y) / (apex_radius_m * apex_radius_m);
+    const double exp_psi = std::exp(-0.5 * over_n * std::log(square));
+    const double phi = square > 0.0 && exp_psi < kLargestExpPsi && exp_psi > 1.0 / kLargestExpPsi
+                           ? ellipsoid.FromExpIsometric(exp_psi)
+                           : sign * kQuarter;
     if (n * phi < 0.0 && std::fabs(phi) > kFarthestLatitude + 1e-9) {
       return ProjectionResult::OutsideDomain;
     }
     position.latitude_rad = phi;
-    position.longitude_rad =
-        std::remainder(central_meridian_rad + theta / n, 2.0 * std::numbers::pi);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + theta * over_n);
     return ProjectionResult::Done;
   }
 };
@@ -82,12 +70,13 @@ Kernel ConeOf(const ProjectionParameters& parameters, const EllipsoidConstants& 
   Kernel kernel;
   kernel.ellipsoid = c;
   kernel.n = n;
-  kernel.psi0 = polar ? psi1 : c.Isometric(phi0);
-  kernel.r0_m = radius1 * std::exp(n * (psi1 - kernel.psi0));
+  kernel.over_n = 1.0 / n;
+  kernel.apex_radius_m = radius1 * std::exp(n * psi1);
+  const double origin_radius =
+      polar ? 0.0 : kernel.apex_radius_m * std::exp(-n * c.Isometric(phi0));
   kernel.central_meridian_rad = parameters.central_meridian_rad;
   kernel.false_easting_m = parameters.false_easting_m;
-  kernel.origin_northing_m = parameters.false_northing_m - (polar ? kernel.r0_m : 0.0);
-  kernel.delta = ConformalToGeodetic(c.n);
+  kernel.apex_northing_m = parameters.false_northing_m + origin_radius;
   return kernel;
 }
 

@@ -15,12 +15,14 @@ struct Complex {
   double im = 0.0;
 };
 
-// sum c_j sin(2 j (xi + i eta)), from the sine and cosine of 2 xi and the same of 2 i eta.
-Complex SumOf(const SineSeries& series, double sin2, double cos2, double sinh2, double cosh2) {
+// sum c_j sin(2 j (xi + i eta)), from the (hyperbolic) sine and cosine of 2 xi and 2 eta.
+inline Complex SumOf(const SineSeries& series, double sin2, double cos2, double sinh2,
+                     double cosh2) {
   const double k_re = 2.0 * cos2 * cosh2;
   const double k_im = -2.0 * sin2 * sinh2;
   Complex u0;
   Complex u1;
+#pragma GCC unroll 6
   for (int j = 5; j >= 0; --j) {
     const Complex u{k_re * u0.re - k_im * u0.im - u1.re + series[static_cast<std::size_t>(j)],
                     k_im * u0.re + k_re * u0.im - u1.im};
@@ -33,7 +35,7 @@ Complex SumOf(const SineSeries& series, double sin2, double cos2, double sinh2, 
 }
 
 struct Kernel {
-  double e = 0.0;
+  EllipsoidConstants ellipsoid;
   double central_meridian_rad = 0.0;
   double radius_m = 0.0;  ///< k0 times the rectifying radius
   double origin_xi = 0.0;
@@ -41,27 +43,25 @@ struct Kernel {
   double false_northing_m = 0.0;
   SineSeries alpha = {};
   SineSeries beta = {};
-  SineSeries delta = {};
 
+  // Everything comes from the conformal latitude chi and lambda by algebra: tanh eta' is
+  // v = cos chi sin lambda, and q2 = 1 - v^2 the square of cos chi cos lambda and sin chi.
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    const double lambda =
-        std::remainder(position.longitude_rad - central_meridian_rad, 2.0 * std::numbers::pi);
-    const double tau = std::tan(position.latitude_rad);
-    const double sigma = std::sinh(e * std::atanh(e * std::sin(position.latitude_rad)));
-    const double tan_chi =
-        tau * std::sqrt(1.0 + sigma * sigma) - sigma * std::sqrt(1.0 + tau * tau);
-    const double cos_lambda = std::cos(lambda);
-    const double q = std::hypot(tan_chi, cos_lambda);
-    const double u = std::sin(lambda) / q;  // sinh eta'
-    const double xi = std::atan2(tan_chi, cos_lambda);
-    const double eta = std::asinh(u);
+    const Direction lambda =
+        Direction::Of(WrappedLongitude(position.longitude_rad - central_meridian_rad));
+    const Direction chi = ellipsoid.Conformal(Direction::Of(position.latitude_rad));
+    const double v = chi.cos * lambda.sin;
+    const double forth = chi.cos * lambda.cos;
+    const double q2 = chi.sin * chi.sin + forth * forth;
+    const double over_q2 = 1.0 / q2;
+    const double xi = std::atan2(chi.sin, forth);
+    const double eta = 0.5 * std::log((1.0 + v) * (1.0 + v) * over_q2);
     if (!(std::fabs(eta) <= kWidestEta && std::fabs(xi) <= kFarthestXi)) {
       return ProjectionResult::OutsideDomain;
     }
-    const double sin_xi = tan_chi / q;
-    const double cos_xi = cos_lambda / q;
-    const Complex sum = SumOf(alpha, 2.0 * sin_xi * cos_xi, (cos_xi - sin_xi) * (cos_xi + sin_xi),
-                              2.0 * u * std::sqrt(1.0 + u * u), 1.0 + 2.0 * u * u);
+    const Complex sum = SumOf(alpha, 2.0 * chi.sin * forth * over_q2,
+                              (forth - chi.sin) * (forth + chi.sin) * over_q2, 2.0 * v * over_q2,
+                              (1.0 + v * v) * over_q2);
     point.northing_m = false_northing_m + radius_m * (xi - origin_xi + sum.re);
     point.easting_m = false_easting_m + radius_m * (eta + sum.im);
     return ProjectionResult::Done;
@@ -70,25 +70,32 @@ struct Kernel {
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
     const double xi = (point.northing_m - false_northing_m) / radius_m + origin_xi;
     const double eta = (point.easting_m - false_easting_m) / radius_m;
-    if (!(std::fabs(eta) <= kWidestEta + 0.1 && std::fabs(xi) <= kFarthestXi + 0.1)) {
+    if (!(std::fabs(eta) <= kWidestEta + 0.01 && std::fabs(xi) <= kFarthestXi + 0.01)) {
       return ProjectionResult::OutsideDomain;
     }
-    const Complex sum = SumOf(beta, std::sin(2.0 * xi), std::cos(2.0 * xi), std::sinh(2.0 * eta),
-                              std::cosh(2.0 * eta));
-    const double xi_c = xi - sum.re;
+    const Direction at = Direction::Of(xi);
+    const double exp_eta = std::exp(eta);
+    const double exp_2eta = exp_eta * exp_eta;
+    const double over_exp_2eta = 1.0 / exp_2eta;
+    const Complex sum = SumOf(beta, at.Sin2(), at.Cos2(), 0.5 * (exp_2eta - over_exp_2eta),
+                              0.5 * (exp_2eta + over_exp_2eta));
     const double eta_c = eta - sum.im;
-    if (!(std::fabs(eta_c) <= kWidestEta + kClosing && std::fabs(xi_c) <= kFarthestXi + kClosing)) {
+    if (!(std::fabs(eta_c) <= kWidestEta + kClosing &&
+          std::fabs(xi - sum.re) <= kFarthestXi + kClosing)) {
       return ProjectionResult::OutsideDomain;
     }
-    const double sinh_eta = std::sinh(eta_c);
-    const double cos_xi = std::cos(xi_c);
-    const double sin_xi = std::sin(xi_c);
-    const double cos_chi_cosh = std::hypot(sinh_eta, cos_xi);
-    const double cosh_eta = std::sqrt(1.0 + sinh_eta * sinh_eta);
-    const double chi = std::atan2(sin_xi, cos_chi_cosh);
-    position.latitude_rad = chi + tarvex::SumOf(delta, sin_xi / cosh_eta, cos_chi_cosh / cosh_eta);
+    const Direction xi_c = at.Turned(-sum.re);
+    const double exp_eta_c = exp_eta + exp_eta * SmallExpm1(-sum.im);
+    const double sinh_eta = 0.5 * (exp_eta_c - 1.0 / exp_eta_c);
+    const double forth2 = sinh_eta * sinh_eta + xi_c.cos * xi_c.cos;
+    const double forth = std::sqrt(forth2);
+    const double norm2 = 1.0 / (1.0 + sinh_eta * sinh_eta);
+    const double sin_2chi = 2.0 * xi_c.sin * forth * norm2;
+    const double cos_2chi = (forth2 - xi_c.sin * xi_c.sin) * norm2;
+    position.latitude_rad =
+        std::atan2(xi_c.sin, forth) + tarvex::SumOf(ellipsoid.delta, sin_2chi, cos_2chi);
     position.longitude_rad =
-        std::remainder(central_meridian_rad + std::atan2(sinh_eta, cos_xi), 2.0 * std::numbers::pi);
+        WrappedLongitude(central_meridian_rad + std::atan2(sinh_eta, xi_c.cos));
     return ProjectionResult::Done;
   }
 };
@@ -101,16 +108,16 @@ MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters) {
   }
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   Kernel kernel;
-  kernel.e = c.e;
+  kernel.ellipsoid = c;
   kernel.central_meridian_rad = parameters.central_meridian_rad;
   kernel.radius_m = parameters.scale_factor * c.rectifying_radius;
   const double phi0 = parameters.latitude_of_origin_rad;
-  kernel.origin_xi = phi0 + SumOf(GeodeticToRectifying(c.n), std::sin(phi0), std::cos(phi0));
+  kernel.origin_xi =
+      phi0 + SumOf(GeodeticToRectifying(c.n), std::sin(2.0 * phi0), std::cos(2.0 * phi0));
   kernel.false_easting_m = parameters.false_easting_m;
   kernel.false_northing_m = parameters.false_northing_m;
   kernel.alpha = ConformalToRectifying(c.n);
   kernel.beta = RectifyingToConformal(c.n);
-  kernel.delta = ConformalToGeodetic(c.n);
   return MakeOf(kernel);
 }
 
