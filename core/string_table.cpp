@@ -37,6 +37,7 @@ constexpr std::array kEntries = {
     // Coordinate systems
     Entry{2205, "The projection \""},
     Entry{2206, "\" is not known; the projection of the system was left as it was."},
+    Entry{2207, "The library %s cannot be loaded: %s"},
     Entry{2210, "This system cannot be used: its ellipsoid is missing or is none of the earth."},
     Entry{2211, "This system cannot be used: its scale factor is missing or far from 1."},
     Entry{2212, "This system cannot be used: its central meridian is no longitude."},

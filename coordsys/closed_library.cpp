@@ -1,0 +1,46 @@
+#include "coordsys/closed_library.h"
+
+#include <utility>
+
+#include "core/string_table.h"
+
+namespace tarvex {
+
+ClosedLibrary::ClosedLibrary(std::string name, RunTimeLibraries& libraries, MessageBox* messages)
+    : name_(std::move(name)), libraries_(libraries), messages_(messages) {}
+
+bool ClosedLibrary::Loaded() {
+  if (library_ || failed_) return library_ != nullptr;
+  std::string why;
+  library_ = libraries_.Load(name_, why);
+  if (library_) return true;
+  failed_ = true;
+  if (messages_) messages_->Show(Strings().Text(141), Strings().Text(2207, {name_, why}));
+  return false;
+}
+
+void* ClosedLibrary::Address(const char* entry_name) {
+  const std::lock_guard lock(mutex_);
+  if (const auto known = entries_.find(entry_name); known != entries_.end()) return known->second;
+  if (!Loaded()) return nullptr;
+  return entries_[entry_name] = library_->Find(entry_name);
+}
+
+void ClosedLibrary::Close() {
+  const std::lock_guard lock(mutex_);
+  entries_.clear();
+  library_.reset();
+}
+
+void ClosedLibrary::SetMessages(MessageBox* messages) {
+  const std::lock_guard lock(mutex_);
+  messages_ = messages;
+}
+
+std::shared_ptr<ClosedLibrary> SystemCoordSysLibrary() {
+  static const auto library =
+      std::make_shared<ClosedLibrary>("CoordSys.dll", SystemRunTimeLibraries());
+  return library;
+}
+
+}  // namespace tarvex
