@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "coordsys/auxiliary_latitude.h"
-#include "coordsys/lambert_conformal_conic.h"
-#include "coordsys/transverse_mercator.h"
+#include "coordsys/projections/auxiliary_latitude.h"
+#include "coordsys/projections/lambert_conformal_conic.h"
+#include "coordsys/projections/transverse_mercator.h"
 #include "core/units.h"
 
 namespace tarvex {

@@ -1,5 +1,6 @@
 // Closed libraries that are loaded at run time and bound by name. Code names a library as it is
-// known everywhere ("CoordSys.dll"); here that name becomes this platform's file beside the program.
+// known everywhere ("CoordSys.dll"); here that name becomes this platform's file beside the
+// program.
 #pragma once
 
 #include <memory>

@@ -1,7 +1,7 @@
-#include "coordsys/transverse_mercator.h"
+#include "coordsys/projections/transverse_mercator.h"
 
-#include "coordsys/auxiliary_latitude.h"
-#include "coordsys/projection_kernel.h"
+#include "coordsys/projections/auxiliary_latitude.h"
+#include "coordsys/projections/projection_kernel.h"
 
 namespace tarvex {
 namespace {

@@ -1,7 +1,7 @@
-#include "coordsys/lambert_conformal_conic.h"
+#include "coordsys/projections/lambert_conformal_conic.h"
 
-#include "coordsys/auxiliary_latitude.h"
-#include "coordsys/projection_kernel.h"
+#include "coordsys/projections/auxiliary_latitude.h"
+#include "coordsys/projections/projection_kernel.h"
 
 namespace tarvex {
 namespace {

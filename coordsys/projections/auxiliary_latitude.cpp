@@ -1,4 +1,4 @@
-#include "coordsys/auxiliary_latitude.h"
+#include "coordsys/projections/auxiliary_latitude.h"
 
 namespace tarvex {
 namespace {
