@@ -1,0 +1,12 @@
+#include "platform/byte_device.h"
+
+#include <system_error>
+
+namespace tarvex {
+
+std::string DeviceStatus::Text() const {
+  if (ended()) return "end of data";
+  return std::system_category().message(code);
+}
+
+}  // namespace tarvex

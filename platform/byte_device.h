@@ -1,0 +1,83 @@
+// A device that bytes come from and go to: a serial line, a TCP socket, a recorded log. Reading and
+// writing wait no longer than the time-outs that are set on the device.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace tarvex {
+
+/// What a device operation came to: 0, the end of the data, or the system's error number.
+struct [[nodiscard]] DeviceStatus {
+  static constexpr int kEndOfData = -1;
+
+  int code = 0;
+
+  bool ok() const { return code == 0; }
+  /// A recording is at its end, or the far end closed the connection.
+  bool ended() const { return code == kEndOfData; }
+  /// The system's own text for the error ("Permission denied").
+  std::string Text() const;
+
+  bool operator==(const DeviceStatus&) const = default;
+};
+
+/// How long a read waits, in milliseconds. The total counts from the call: multiplier for each byte
+/// asked for, plus constant; both 0 is no total. The interval counts from the first byte of this
+/// read and starts anew with each byte; 0 is no interval. An interval of kAtOnce with a total of 0
+/// returns at once with what is there. Running out of time is success with fewer bytes.
+struct ReadTimeouts {
+  static constexpr std::uint32_t kAtOnce = std::numeric_limits<std::uint32_t>::max();
+
+  std::uint32_t interval_ms = 0;
+  std::uint32_t multiplier_ms = 0;
+  std::uint32_t constant_ms = 0;
+
+  bool at_once() const { return interval_ms == kAtOnce && multiplier_ms == 0 && constant_ms == 0; }
+  bool operator==(const ReadTimeouts&) const = default;
+};
+
+/// How long a write waits: multiplier for each byte plus constant; both 0 is no limit.
+struct WriteTimeouts {
+  std::uint32_t multiplier_ms = 0;
+  std::uint32_t constant_ms = 0;
+
+  bool operator==(const WriteTimeouts&) const = default;
+};
+
+struct DeviceTimeouts {
+  ReadTimeouts read;
+  WriteTimeouts write;
+
+  bool operator==(const DeviceTimeouts&) const = default;
+};
+
+class ByteDevice {
+ public:
+  virtual ~ByteDevice() = default;
+
+  virtual DeviceStatus Open(const std::string& name) = 0;
+  virtual DeviceStatus Close() = 0;
+  virtual bool is_open() const = 0;
+
+  virtual DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) = 0;
+  virtual DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) = 0;
+
+  virtual DeviceStatus Read(std::span<char> out, std::size_t& got) = 0;
+  virtual DeviceStatus Write(std::string_view bytes, std::size_t& written) = 0;
+
+  virtual DeviceStatus BytesWaiting(std::size_t& count) = 0;
+  /// Drops what has come in and was not read yet.
+  virtual DeviceStatus PurgeInput() = 0;
+
+  /// Bytes that the device already holds in memory, without waiting or asking the system; a reader
+  /// that scans for a line end looks here first. Skip() takes them.
+  virtual std::string_view Held() const { return {}; }
+  virtual void Skip(std::size_t /*count*/) {}
+};
+
+}  // namespace tarvex

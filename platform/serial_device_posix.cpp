@@ -1,0 +1,237 @@
+// Serial lines of a Linux system, through termios2 so that any baud rate can be set.
+#include <asm/termbits.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/descriptor_io_posix.h"
+#include "platform/serial_device.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::int64_t kFlushLimitUs = 10'000'000;
+constexpr std::int64_t kFlushStepUs = 5'000;
+
+constexpr tcflag_t kInputBaudShift = 16;  // IBSHIFT
+
+DeviceStatus Failed() {
+  return {errno};
+}
+
+tcflag_t CharacterSize(std::uint32_t data_bits) {
+  switch (data_bits) {
+    case 5:
+      return CS5;
+    case 6:
+      return CS6;
+    case 7:
+      return CS7;
+    default:
+      return CS8;
+  }
+}
+
+tcflag_t ParityFlags(SerialParity parity) {
+  switch (parity) {
+    case SerialParity::Even:
+      return PARENB;
+    case SerialParity::Odd:
+      return PARENB | PARODD;
+    case SerialParity::Mark:
+      return PARENB | PARODD | CMSPAR;
+    case SerialParity::Space:
+      return PARENB | CMSPAR;
+    case SerialParity::None:
+      break;
+  }
+  return 0;
+}
+
+// One and a half stop bits exist with five data bits only, where CSTOPB means them.
+bool Possible(const SerialLine& line) {
+  if (line.data_bits < 5 || line.data_bits > 8) return false;
+  return line.stop_bits != SerialStopBits::OneAndHalf || line.data_bits == 5;
+}
+
+void Apply(const SerialLine& line, termios2& settings) {
+  settings.c_iflag = line.parity == SerialParity::None ? 0 : INPCK;
+  settings.c_oflag = 0;
+  settings.c_lflag = 0;
+  settings.c_cflag &= ~static_cast<tcflag_t>(CBAUD | (CBAUD << kInputBaudShift) | CSIZE | PARENB |
+                                             PARODD | CMSPAR | CSTOPB | CRTSCTS);
+  settings.c_cflag |= BOTHER | (BOTHER << kInputBaudShift) | CREAD | CLOCAL |
+                      CharacterSize(line.data_bits) | ParityFlags(line.parity);
+  if (line.stop_bits != SerialStopBits::One) settings.c_cflag |= CSTOPB;
+  settings.c_ispeed = settings.c_ospeed = line.baud_rate;
+  settings.c_cc[VMIN] = 1;  // so that an idle line is told apart from one that hung up
+  settings.c_cc[VTIME] = 0;
+}
+
+SerialParity ParityOf(tcflag_t flags) {
+  if ((flags & PARENB) == 0) return SerialParity::None;
+  const bool odd = (flags & PARODD) != 0;
+  if ((flags & CMSPAR) != 0) return odd ? SerialParity::Mark : SerialParity::Space;
+  return odd ? SerialParity::Odd : SerialParity::Even;
+}
+
+SerialLine LineOf(const termios2& settings) {
+  SerialLine line;
+  line.baud_rate = settings.c_ospeed;
+  line.data_bits = 5 + ((settings.c_cflag & CSIZE) >> 4);
+  line.parity = ParityOf(settings.c_cflag);
+  if ((settings.c_cflag & CSTOPB) != 0) {
+    line.stop_bits = line.data_bits == 5 ? SerialStopBits::OneAndHalf : SerialStopBits::Two;
+  }
+  return line;
+}
+
+class LinuxSerialDevice final : public SerialDevice {
+ public:
+  LinuxSerialDevice() = default;
+  LinuxSerialDevice(const LinuxSerialDevice&) = delete;
+  LinuxSerialDevice& operator=(const LinuxSerialDevice&) = delete;
+  ~LinuxSerialDevice() override { (void)CloseDescriptor(); }
+
+  DeviceStatus Open(const std::string& name) override {
+    (void)CloseDescriptor();
+    descriptor_ = ::open(name.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor_ < 0) return Failed();
+    if (const DeviceStatus status = TakeAlone(); !status.ok()) {
+      ::close(descriptor_);
+      descriptor_ = -1;
+      return status;
+    }
+    return {};
+  }
+
+  DeviceStatus Close() override { return CloseDescriptor(); }
+  bool is_open() const override { return descriptor_ >= 0; }
+
+  DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
+    timeouts = timeouts_;
+    return {};
+  }
+  DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) override {
+    timeouts_ = timeouts;
+    return {};
+  }
+
+  DeviceStatus Read(std::span<char> out, std::size_t& got) override {
+    return reader_.Read(descriptor_, timeouts_.read, out, got);
+  }
+  DeviceStatus Write(std::string_view bytes, std::size_t& written) override {
+    return WriteWithin(descriptor_, DescriptorKind::Device, timeouts_.write, bytes, written);
+  }
+
+  DeviceStatus BytesWaiting(std::size_t& count) override {
+    int queued = 0;
+    if (::ioctl(descriptor_, FIONREAD, &queued) != 0) return Failed();
+    count = reader_.held().size() + static_cast<std::size_t>(queued);
+    return {};
+  }
+  DeviceStatus PurgeInput() override {
+    reader_.Clear();
+    return Control(TCFLSH, TCIFLUSH);
+  }
+  DeviceStatus PurgeOutput() override { return Control(TCFLSH, TCOFLUSH); }
+
+  std::string_view Held() const override { return reader_.held(); }
+  void Skip(std::size_t count) override { reader_.Skip(count); }
+
+  DeviceStatus GetLine(SerialLine& line) override {
+    termios2 settings{};
+    if (::ioctl(descriptor_, TCGETS2, &settings) != 0) return Failed();
+    line = LineOf(settings);
+    return {};
+  }
+
+  DeviceStatus SetLine(const SerialLine& line) override {
+    if (!Possible(line)) return {EINVAL};
+    termios2 settings{};
+    if (::ioctl(descriptor_, TCGETS2, &settings) != 0) return Failed();
+    Apply(line, settings);
+    if (::ioctl(descriptor_, TCSETS2, &settings) != 0) return Failed();
+    int lines_on = TIOCM_DTR | TIOCM_RTS;
+    (void)::ioctl(descriptor_, TIOCMBIS, &lines_on);  // a pseudo-terminal has no such lines
+    return {};
+  }
+
+  DeviceStatus SetBreak() override { return Control(TIOCSBRK, 0); }
+  DeviceStatus ClearBreak() override { return Control(TIOCCBRK, 0); }
+
+  // The driver counts line errors and goes on by itself: there is no state to clear.
+  DeviceStatus ClearErrors() override {
+    int queued = 0;
+    return ::ioctl(descriptor_, FIONREAD, &queued) == 0 ? DeviceStatus{} : Failed();
+  }
+
+  // Polled instead of tcdrain, which waits for ever on a line whose far end holds it up.
+  DeviceStatus Flush() override {
+    const std::int64_t limit_us = SteadyMicroseconds() + kFlushLimitUs;
+    for (;;) {
+      int queued = 0;
+      if (::ioctl(descriptor_, TIOCOUTQ, &queued) != 0) return Failed();
+      if (queued == 0) return {};
+      if (SteadyMicroseconds() > limit_us) return {ETIMEDOUT};
+      bool ready = false;  // no event is asked for: this is a pause that ends on a hang-up
+      const DeviceStatus status =
+          WaitFor(descriptor_, 0, SteadyMicroseconds() + kFlushStepUs, ready);
+      if (!status.ok()) return status;
+      if (ready) return {EIO};
+    }
+  }
+
+  // The kernel sizes its own queues.
+  DeviceStatus SetQueueSizes(std::uint32_t /*in*/, std::uint32_t /*out*/) override {
+    return is_open() ? DeviceStatus{} : DeviceStatus{EBADF};
+  }
+
+  DeviceStatus GetDsr(bool& on) override {
+    int lines = 0;
+    if (::ioctl(descriptor_, TIOCMGET, &lines) != 0) return Failed();
+    on = (lines & TIOCM_DSR) != 0;
+    return {};
+  }
+
+ private:
+  // TIOCEXCL keeps other users off, the lock keeps off a second one of a privileged user.
+  DeviceStatus TakeAlone() {
+    termios2 settings{};
+    if (::ioctl(descriptor_, TCGETS2, &settings) != 0) return Failed();
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
+      return {errno == EWOULDBLOCK ? EBUSY : errno};
+    }
+    return Control(TIOCEXCL, 0);
+  }
+
+  // The exclusive mark would outlive the descriptor while anybody else holds the device open.
+  DeviceStatus CloseDescriptor() {
+    reader_.Clear();
+    if (descriptor_ < 0) return {};
+    (void)::ioctl(descriptor_, TIOCNXCL);
+    const int closed = ::close(descriptor_);
+    descriptor_ = -1;
+    return closed == 0 ? DeviceStatus{} : Failed();
+  }
+
+  DeviceStatus Control(unsigned long request, int argument) {
+    return ::ioctl(descriptor_, request, argument) == 0 ? DeviceStatus{} : Failed();
+  }
+
+  int descriptor_ = -1;
+  DeviceTimeouts timeouts_;
+  DescriptorReader reader_;
+};
+
+}  // namespace
+
+std::unique_ptr<SerialDevice> MakeSerialDevice() {
+  return std::make_unique<LinuxSerialDevice>();
+}
+
+}  // namespace tarvex

@@ -1,0 +1,175 @@
+// TCP connections of a POSIX system.
+#include <fcntl.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/descriptor_io_posix.h"
+#include "platform/tcp_socket.h"
+
+namespace tarvex {
+namespace {
+
+struct HostPort {
+  std::string host;
+  std::string port;
+};
+
+HostPort SplitHostPort(std::string_view name) {
+  const std::size_t colon = name.rfind(':');
+  if (colon == std::string_view::npos) return {std::string(name), {}};
+  std::string_view host = name.substr(0, colon);
+  if (host.size() >= 2 && host.front() == '[' && host.back() == ']') {
+    host = host.substr(1, host.size() - 2);
+  }
+  return {std::string(host), std::string(name.substr(colon + 1))};
+}
+
+class AddressList {
+ public:
+  explicit AddressList(const HostPort& target) {
+    addrinfo hints{};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    result_ = ::getaddrinfo(target.host.c_str(), target.port.c_str(), &hints, &first_);
+    if (result_ == EAI_SYSTEM) system_error_ = errno;
+  }
+  AddressList(const AddressList&) = delete;
+  AddressList& operator=(const AddressList&) = delete;
+  ~AddressList() {
+    if (first_ != nullptr) ::freeaddrinfo(first_);
+  }
+
+  // A name that cannot be resolved has no errno of its own.
+  DeviceStatus status() const {
+    if (result_ == 0) return {};
+    return {system_error_ != 0 ? system_error_ : EHOSTUNREACH};
+  }
+  const addrinfo* first() const { return first_; }
+
+ private:
+  int result_ = 0;
+  int system_error_ = 0;
+  addrinfo* first_ = nullptr;
+};
+
+DeviceStatus Connect(const addrinfo& address, std::uint32_t timeout_ms, int& descriptor) {
+  descriptor =
+      ::socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, address.ai_protocol);
+  if (descriptor < 0) return {errno};
+  DeviceStatus status;
+  if (::connect(descriptor, address.ai_addr, address.ai_addrlen) != 0) {
+    if (errno != EINPROGRESS) {
+      status = {errno};
+    } else {
+      bool ready = false;
+      status = WaitFor(descriptor, POLLOUT,
+                       SteadyMicroseconds() + static_cast<std::int64_t>(timeout_ms) * 1000, ready);
+      int error = 0;
+      socklen_t size = sizeof error;
+      if (status.ok() && !ready) status = {ETIMEDOUT};
+      if (status.ok() && ::getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &size) == 0) {
+        status = {error};
+      }
+    }
+  }
+  if (!status.ok()) {
+    ::close(descriptor);
+    descriptor = -1;
+  }
+  return status;
+}
+
+class TcpDevice final : public ByteDevice {
+ public:
+  explicit TcpDevice(std::uint32_t connect_timeout_ms) : connect_timeout_ms_(connect_timeout_ms) {}
+  TcpDevice(const TcpDevice&) = delete;
+  TcpDevice& operator=(const TcpDevice&) = delete;
+  ~TcpDevice() override { (void)CloseSocket(); }
+
+  DeviceStatus Open(const std::string& name) override {
+    (void)CloseSocket();
+    const AddressList addresses(SplitHostPort(name));
+    DeviceStatus status = addresses.status();
+    for (const addrinfo* at = addresses.first(); at != nullptr; at = at->ai_next) {
+      status = Connect(*at, connect_timeout_ms_, descriptor_);
+      if (!status.ok()) continue;
+      const int on = 1;
+      (void)::setsockopt(descriptor_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+      return {};
+    }
+    return status;
+  }
+
+  DeviceStatus Close() override { return CloseSocket(); }
+  bool is_open() const override { return descriptor_ >= 0; }
+
+  DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
+    timeouts = timeouts_;
+    return {};
+  }
+  DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) override {
+    timeouts_ = timeouts;
+    return {};
+  }
+
+  DeviceStatus Read(std::span<char> out, std::size_t& got) override {
+    return reader_.Read(descriptor_, timeouts_.read, out, got);
+  }
+  DeviceStatus Write(std::string_view bytes, std::size_t& written) override {
+    return WriteWithin(descriptor_, DescriptorKind::Socket, timeouts_.write, bytes, written);
+  }
+
+  DeviceStatus BytesWaiting(std::size_t& count) override {
+    int queued = 0;
+    if (::ioctl(descriptor_, FIONREAD, &queued) != 0) return {errno};
+    count = reader_.held().size() + static_cast<std::size_t>(queued);
+    return {};
+  }
+
+  // Drops what had come in when it was called; a sender that floods is not followed for ever.
+  DeviceStatus PurgeInput() override {
+    std::size_t left = 0;
+    if (const DeviceStatus status = BytesWaiting(left); !status.ok()) return status;
+    reader_.Clear();
+    char dropped[4096];
+    while (left > 0) {
+      const ssize_t n = ::read(descriptor_, dropped, std::min(left, sizeof dropped));
+      if (n <= 0) break;
+      left -= static_cast<std::size_t>(n);
+    }
+    return {};
+  }
+
+  std::string_view Held() const override { return reader_.held(); }
+  void Skip(std::size_t count) override { reader_.Skip(count); }
+
+ private:
+  DeviceStatus CloseSocket() {
+    reader_.Clear();
+    if (descriptor_ < 0) return {};
+    ::close(descriptor_);
+    descriptor_ = -1;
+    return {};
+  }
+
+  std::uint32_t connect_timeout_ms_;
+  int descriptor_ = -1;
+  DeviceTimeouts timeouts_;
+  DescriptorReader reader_;
+};
+
+}  // namespace
+
+std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms) {
+  return std::make_unique<TcpDevice>(connect_timeout_ms);
+}
+
+}  // namespace tarvex
