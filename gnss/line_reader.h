@@ -1,0 +1,45 @@
+// Lines and frames from a port, read within a time-out into a buffer of the caller: the first layer
+// over the bytes. A text line ends at LF; a CR before it is dropped, and so is the LF.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "gnss/port.h"
+
+namespace tarvex {
+
+/// How a receiver make frames its data.
+enum class Framing {
+  TextLines,
+  EtxFrames,      ///< a frame ends at an ETX (byte 3) that follows at least two bytes
+  BinaryPackets,  ///< byte 2 begins a packet of 4 header bytes and (fourth byte + 3) more; else
+                  ///< text
+};
+
+enum class [[nodiscard]] ReadLineStatus : int{
+    Line = 1,
+    PortFailed = -1,  ///< also when another reader has the port
+    TimedOut = -2,    ///< no byte within the time-out
+    NoCapacity = -3,  ///< the buffer holds fewer than 2 characters
+};
+
+struct [[nodiscard]] ReadLineResult {
+  ReadLineStatus status = ReadLineStatus::PortFailed;
+  /// What was read, without line end; also the start of a line that did not come whole.
+  std::string_view text;
+
+  bool ok() const { return status == ReadLineStatus::Line; }
+};
+
+/// Reads one line or frame of at most buffer.size() - 1 characters; a longer one is handed out in
+/// pieces of that size. The buffer always ends with a NUL. The time-out starts anew with each byte.
+/// The last line of a recording may lack its line end.
+ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeout_ms,
+                        Framing framing = Framing::TextLines);
+
+/// The same for a caller that already holds the port's busy flag.
+ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeout_ms,
+                               Framing framing = Framing::TextLines);
+
+}  // namespace tarvex

@@ -1,0 +1,136 @@
+#include "gnss/port.h"
+
+#include <utility>
+
+namespace tarvex {
+namespace {
+
+constexpr int kDefaultReadTotal = 1000;
+constexpr int kDefaultWriteTotal = 200;
+constexpr int kDefaultMultiplier = 2;
+constexpr std::uint32_t kLongReadConstant = 30000;
+
+std::uint32_t Milliseconds(int value) {
+  return value > 0 ? static_cast<std::uint32_t>(value) : 0;
+}
+
+ReadTimeouts ReadTimeoutsOf(int total, int interval, int multiplier) {
+  if (total == kReturnAtOnce) return {.interval_ms = ReadTimeouts::kAtOnce};
+  if (total == kLongTimeout) {
+    return {.multiplier_ms = Milliseconds(multiplier), .constant_ms = kLongReadConstant};
+  }
+  return {.interval_ms = Milliseconds(interval),
+          .multiplier_ms = Milliseconds(multiplier),
+          .constant_ms = Milliseconds(total)};
+}
+
+}  // namespace
+
+Port::Port(std::string name, std::unique_ptr<ByteDevice> device, LastErrorRecord& errors)
+    : name_(std::move(name)), device_(std::move(device)), errors_(errors) {}
+
+PortError Port::Open() {
+  last_count_ = 0;
+  read_total_timeout_ = kKeepTimeouts;
+  ended_ = false;
+  if (const DeviceStatus status = device_->Open(name_); !status.ok()) {
+    (void)Report(errors_, PortError::System, {status.Text()});
+    return Report(errors_, PortError::OpenFailed, {name_});
+  }
+  PortError error = ConfigureOpened();
+  if (error == PortError::None) error = SetDefaultTimeouts();
+  if (error != PortError::None) (void)Close();
+  return error;
+}
+
+PortError Port::SetDefaultTimeouts() {
+  if (const auto error = SetWriteTimeouts(kDefaultWriteTotal, kDefaultMultiplier);
+      error != PortError::None) {
+    return error;
+  }
+  return SetReadTimeouts(kDefaultReadTotal, 0, kDefaultMultiplier);
+}
+
+PortError Port::Close() {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  (void)device_->Close();
+  last_count_ = 0;
+  read_total_timeout_ = kKeepTimeouts;
+  return PortError::None;
+}
+
+PortError Port::ChangeTimeouts(const ReadTimeouts* read, const WriteTimeouts* write) {
+  DeviceTimeouts timeouts;
+  if (!device_->GetTimeouts(timeouts).ok()) return Fail(PortError::GetTimeoutsFailed);
+  if (read != nullptr) timeouts.read = *read;
+  if (write != nullptr) timeouts.write = *write;
+  if (!device_->SetTimeouts(timeouts).ok()) return Fail(PortError::SetTimeoutsFailed);
+  return PortError::None;
+}
+
+PortError Port::SetReadTimeouts(int total, int interval, int multiplier) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  if (total == kKeepTimeouts) return PortError::None;
+  const ReadTimeouts timeouts = ReadTimeoutsOf(total, interval, multiplier);
+  const PortError error = ChangeTimeouts(&timeouts, nullptr);
+  if (error == PortError::None) read_total_timeout_ = total;
+  return error;
+}
+
+PortError Port::SetWriteTimeouts(int total, int multiplier) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  if (total == kKeepTimeouts) return PortError::None;
+  WriteTimeouts timeouts;
+  if (total != kNoWriteTimeout) {
+    timeouts = {.multiplier_ms = Milliseconds(multiplier), .constant_ms = Milliseconds(total)};
+  }
+  return ChangeTimeouts(nullptr, &timeouts);
+}
+
+PortError Port::Read(std::span<char> out, int total, StopRequest* stop) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  last_count_ = 0;
+  if (total != kKeepTimeouts && total != read_total_timeout_) {
+    if (const auto error = SetReadTimeouts(total, 0, kDefaultMultiplier);
+        error != PortError::None) {
+      return error;
+    }
+  }
+  if (stop != nullptr && stop->StopRequested()) return Fail(PortError::Cancelled);
+  std::size_t got = 0;
+  const DeviceStatus status = device_->Read(out, got);
+  last_count_ = static_cast<std::uint32_t>(got);
+  ended_ = status.ended();
+  if (!status.ok()) return Fail(PortError::ReadFailed);
+  const bool total_set =
+      read_total_timeout_ != kReturnAtOnce && read_total_timeout_ != kKeepTimeouts;
+  if (!total_set || got == out.size()) return PortError::None;
+  return Report(
+      errors_, PortError::FewerBytesRead,
+      {std::to_string(got), std::to_string(out.size()), std::to_string(read_total_timeout_)});
+}
+
+PortError Port::Write(std::string_view bytes, int timeout) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  last_count_ = 0;
+  if (const auto error = SetWriteTimeouts(timeout, kDefaultMultiplier); error != PortError::None) {
+    return error;
+  }
+  std::size_t written = 0;
+  const DeviceStatus status = device_->Write(bytes, written);
+  last_count_ = static_cast<std::uint32_t>(written);
+  if (!status.ok() || written < bytes.size()) return Fail(PortError::WriteFailed);
+  return PortError::None;
+}
+
+PortError Port::BytesWaiting(std::size_t& count) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  return device_->BytesWaiting(count).ok() ? PortError::None : Fail(PortError::BytesWaitingFailed);
+}
+
+PortError Port::PurgeInput() {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  return device_->PurgeInput().ok() ? PortError::None : Fail(PortError::PurgeInputFailed);
+}
+
+}  // namespace tarvex

@@ -1,0 +1,57 @@
+// The current position of one receiver and its quality. It lives as long as the connection; each
+// reading overwrites only what its sentences carry, so precision and satellite values of earlier
+// sentences stay until new ones come. What stayed is marked as carried over.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "gnss/solution_type.h"
+
+namespace tarvex {
+
+struct UsedSatellite {
+  std::int32_t prn = 0;
+  std::int32_t in_use = 0;
+
+  bool operator==(const UsedSatellite&) const = default;
+};
+
+inline constexpr std::size_t kSatelliteSlots = 12;
+inline constexpr std::int32_t kNoEpoch = -1;
+
+struct GnssPositionState {
+  std::int32_t last_result = 0;  ///< GnssReadResult of the last reading
+  std::int32_t reading = 0;      ///< 1 while a reading is in progress
+  std::int32_t satellites = 0;
+  SolutionType solution_type = SolutionType::Autonomous;
+  double hrms = 0.0;  ///< horizontal precision, job's distance unit
+  double vrms = 0.0;  ///< vertical precision, job's distance unit
+  double pdop = 0.0;
+  double vdop = 0.0;
+  double hdop = 0.0;
+  double tdop = 0.0;
+  double latitude = 0.0;          ///< decimal degrees, north positive
+  double longitude = 0.0;         ///< decimal degrees, east positive
+  double height = 0.0;            ///< above the ellipsoid, metres
+  double geoid_separation = 0.0;  ///< as the receiver gave it with the position, metres
+  double correction_age = 0.0;    ///< seconds
+  std::int32_t differential_status = 0;
+  std::int32_t differential_source = 0;
+  std::array<UsedSatellite, kSatelliteSlots> used_satellites{};
+
+  // How fresh all this is. An epoch is the UTC time of day in milliseconds; kNoEpoch when the
+  // sentence carried none.
+  std::int32_t epoch_ms = kNoEpoch;            ///< of the position
+  std::int32_t precision_epoch_ms = kNoEpoch;  ///< of hrms and vrms
+  bool repeated_epoch = false;           ///< this reading has the epoch of the one accepted before
+  bool precision_known = false;          ///< the last precision sentence carried numbers
+  bool precision_carried_over = false;   ///< hrms and vrms are of another epoch than the position
+  bool dop_carried_over = false;         ///< no satellite sentence since the position before
+  std::int64_t position_read_at_ms = 0;  ///< steady clock; 0 before the first position
+  std::int64_t sentence_read_at_ms = 0;  ///< steady clock, any line at all; 0 before the first
+  std::uint64_t positions = 0;           ///< accepted so far
+  std::uint64_t bad_checksums = 0;       ///< sentences left out because of their checksum
+};
+
+}  // namespace tarvex

@@ -1,0 +1,91 @@
+#include "gnss/receiver_settings.h"
+
+#include <array>
+
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr long long kLongestBudget = 1000;
+
+struct Setting {
+  std::string_view key;
+  bool (*set)(long long value, ReceiverSettings& settings);
+};
+
+bool SetPosition(long long value, ReceiverSettings& settings) {
+  switch (value) {
+    case 1:
+    case 2:
+    case 4:
+    case 8:
+    case 16:
+    case 32:
+      settings.position = static_cast<PositionSentence>(value);
+      return true;
+    default:
+      return false;
+  }
+}
+
+template <int ReceiverSettings::*kField>
+bool SetNumber(long long value, ReceiverSettings& settings) {
+  if (value < -100000 || value > 100000) return false;
+  settings.*kField = static_cast<int>(value);
+  return true;
+}
+
+template <bool ReceiverSettings::*kField>
+bool SetSwitch(long long value, ReceiverSettings& settings) {
+  settings.*kField = value == 1;
+  return value == 0 || value == 1;
+}
+
+bool SetBudget(long long value, ReceiverSettings& settings) {
+  if (value < 1 || value > kLongestBudget) return false;
+  settings.line_budget = static_cast<int>(value);
+  return true;
+}
+
+constexpr std::array kSettings = {
+    Setting{"nmea_pos", SetPosition},
+    Setting{"nmea_sat", SetNumber<&ReceiverSettings::satellite_family>},
+    Setting{"bNMEA_noRMS", SetSwitch<&ReceiverSettings::no_rms>},
+    Setting{"sokAx3DiffChoice", SetNumber<&ReceiverSettings::differential_choice>},
+    Setting{"nmea_any_talker", SetSwitch<&ReceiverSettings::any_talker>},
+    Setting{"nmea_skip_empty", SetSwitch<&ReceiverSettings::skip_empty>},
+    Setting{"gll_status", SetSwitch<&ReceiverSettings::gll_status>},
+    Setting{"ggk_published_layout", SetSwitch<&ReceiverSettings::ggk_published_layout>},
+    Setting{"ggk_published_quality", SetSwitch<&ReceiverSettings::ggk_published_quality>},
+    Setting{"gns_best_mode", SetSwitch<&ReceiverSettings::gns_best_mode>},
+    Setting{"nmea_checksum", SetSwitch<&ReceiverSettings::checksum>},
+    Setting{"nmea_line_budget", SetBudget},
+};
+
+}  // namespace
+
+bool SetReceiverSetting(std::string_view key, std::string_view value, ReceiverSettings& settings) {
+  const auto number = ParseInteger(value);
+  if (!number) return false;
+  for (const Setting& setting : kSettings) {
+    if (setting.key != key) continue;
+    ReceiverSettings changed = settings;
+    if (!setting.set(*number, changed)) return false;
+    settings = changed;
+    return true;
+  }
+  return false;
+}
+
+void ReadReceiverSettings(std::string_view text, ReceiverSettings& settings) {
+  while (const auto line = TakeLine(text)) {
+    const std::size_t equals = line->find('=');
+    if (equals == std::string_view::npos) continue;
+    (void)SetReceiverSetting(WithoutOuterBlanks(line->substr(0, equals)), line->substr(equals + 1),
+                             settings);
+  }
+}
+
+}  // namespace tarvex

@@ -1,0 +1,51 @@
+#include "gnss/nmea_number.h"
+#include "gnss/sentences/position_fields.h"
+#include "gnss/sentences/sentences.h"
+
+namespace tarvex {
+namespace {
+
+SolutionType GgaSolution(int quality, const ReceiverMake& make) {
+  switch (quality) {
+    case 2:
+      return make.reader == ReaderKind::StreamBuffered ? SolutionType::Float : SolutionType::Dgps;
+    case 3:
+    case 4:
+      return SolutionType::Fixed;
+    case 5:
+      return SolutionType::Float;
+    default:
+      return SolutionType::Autonomous;
+  }
+}
+
+}  // namespace
+
+SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  FieldCursor fields(line);
+  std::string_view field;
+  if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
+  if (context.settings.skip_empty && PositionAndQualityEmpty(fields)) return SentenceResult::Read;
+  state.epoch_ms = MillisecondsOfDay(field);
+  if (!TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  const int quality = NmeaInteger(field);
+  if (quality == 0) return SentenceResult::NoFix;
+  state.solution_type = GgaSolution(quality, context.make);
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.satellites = NmeaInteger(field);
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.hdop = NmeaNumber(field);
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.height = NmeaNumber(field);
+  if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
+  state.geoid_separation = NmeaNumber(field);
+  if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
+  if (!context.make.hemisphere_family) return SentenceResult::Position;
+  if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
+  state.correction_age = NmeaNumber(field);
+  return SentenceResult::Position;
+}
+
+}  // namespace tarvex

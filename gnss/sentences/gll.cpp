@@ -1,0 +1,21 @@
+#include "gnss/nmea_number.h"
+#include "gnss/sentences/position_fields.h"
+#include "gnss/sentences/sentences.h"
+
+namespace tarvex {
+
+SentenceResult ReadGll(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  FieldCursor fields(line);
+  if (!fields.Skip(1) || !TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
+  std::string_view time;
+  std::string_view status;
+  state.epoch_ms = fields.Take(time) ? MillisecondsOfDay(time) : kNoEpoch;
+  const bool told = fields.Take(status);
+  if (context.settings.gll_status && told && status.starts_with('V')) return SentenceResult::NoFix;
+  state.height = 0.0;
+  state.geoid_separation = 0.0;
+  return SentenceResult::Position;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,55 @@
+#include "gnss/nmea_number.h"
+#include "gnss/sentences/position_fields.h"
+#include "gnss/sentences/sentences.h"
+
+namespace tarvex {
+namespace {
+
+SolutionType GnsSolution(char mode) {
+  switch (mode) {
+    case 'D':
+    case 'F':
+      return SolutionType::Dgps;
+    case 'P':
+    case 'R':
+      return SolutionType::Fixed;
+    default:
+      return SolutionType::Autonomous;
+  }
+}
+
+// One letter a satellite system. The best one tells more: "NRRR" is a fixed solution without GPS,
+// and 'F' among the letters is RTK float.
+SolutionType BestGnsSolution(std::string_view modes) {
+  if (modes.find_first_of("RP") != std::string_view::npos) return SolutionType::Fixed;
+  if (modes.find('F') != std::string_view::npos) return SolutionType::Float;
+  return modes.find('D') != std::string_view::npos ? SolutionType::Dgps : SolutionType::Autonomous;
+}
+
+}  // namespace
+
+SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  FieldCursor fields(line);
+  std::string_view field;
+  if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
+  if (context.settings.skip_empty && PositionAndQualityEmpty(fields)) return SentenceResult::Read;
+  state.epoch_ms = MillisecondsOfDay(field);
+  if (!TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.solution_type = context.settings.gns_best_mode
+                            ? BestGnsSolution(field)
+                            : GnsSolution(field.empty() ? 'N' : field.front());
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.satellites = NmeaInteger(field);
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.hdop = NmeaNumber(field);
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.height = NmeaNumber(field);
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.geoid_separation = NmeaNumber(field);
+  if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
+  return SentenceResult::Position;
+}
+
+}  // namespace tarvex

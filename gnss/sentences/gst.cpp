@@ -1,0 +1,32 @@
+#include <cmath>
+
+#include "gnss/nmea_number.h"
+#include "gnss/sentences/sentences.h"
+#include "gnss/text_fields.h"
+
+namespace tarvex {
+
+SentenceResult ReadGst(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  FieldCursor fields(line);
+  std::string_view time;
+  std::string_view latitude;
+  std::string_view longitude;
+  std::string_view height;
+  if (!fields.Skip(1) || !fields.Take(time) || !fields.Skip(4) || !fields.Take(latitude) ||
+      !fields.Take(longitude)) {
+    return SentenceResult::RanOut;
+  }
+  const double sigma_latitude = NmeaNumber(latitude);
+  const double sigma_longitude = NmeaNumber(longitude);
+  state.hrms =
+      ToJobDistance(std::sqrt(sigma_latitude * sigma_latitude + sigma_longitude * sigma_longitude),
+                    context.settings.unit);
+  if (!fields.Take(height)) return SentenceResult::RanOut;
+  state.vrms = ToJobDistance(NmeaNumber(FirstField(height, '*')), context.settings.unit);
+  state.precision_epoch_ms = MillisecondsOfDay(time);
+  state.precision_known = !latitude.empty() && !longitude.empty();
+  return SentenceResult::Read;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,137 @@
+#include "gnss/serial_port.h"
+
+#include <algorithm>
+
+namespace tarvex {
+namespace {
+
+constexpr std::uint32_t kLowestBaud = 110;
+constexpr std::uint32_t kAboveHighestBaud = 256001;
+constexpr int kShortestBreakMs = 10;
+
+SerialParity ParityOf(std::uint32_t flag) {
+  switch (flag) {
+    case kParityEven:
+      return SerialParity::Even;
+    case kParityOdd:
+      return SerialParity::Odd;
+    case kParityMark:
+      return SerialParity::Mark;
+    case kParitySpace:
+      return SerialParity::Space;
+    default:
+      return SerialParity::None;
+  }
+}
+
+SerialStopBits StopBitsOf(std::uint32_t flag) {
+  switch (flag) {
+    case kStopBitsTwo:
+      return SerialStopBits::Two;
+    case kStopBitsOneAndHalf:
+      return SerialStopBits::OneAndHalf;
+    default:
+      return SerialStopBits::One;
+  }
+}
+
+}  // namespace
+
+SerialPort::SerialPort(LastErrorRecord& errors, Clock& clock)
+    : SerialPort(MakeSerialDevice(), errors, clock) {}
+
+SerialPort::SerialPort(std::unique_ptr<SerialDevice> device, LastErrorRecord& errors, Clock& clock)
+    : SerialPort(device.release(), errors, clock) {}
+
+SerialPort::SerialPort(SerialDevice* device, LastErrorRecord& errors, Clock& clock)
+    : Port({}, std::unique_ptr<ByteDevice>(device), errors), device_(device), clock_(clock) {}
+
+PortError SerialPort::SetLine(int port_number, std::uint32_t baud_rate, std::uint32_t data_bits,
+                              std::uint32_t parity, std::uint32_t stop_bits) {
+  return SetLine("COM" + std::to_string(port_number) + ":", baud_rate, data_bits, parity,
+                 stop_bits);
+}
+
+PortError SerialPort::SetLine(std::string_view device_name, std::uint32_t baud_rate,
+                              std::uint32_t data_bits, std::uint32_t parity,
+                              std::uint32_t stop_bits) {
+  set_name(std::string(device_name));
+  baud_rate_ = baud_rate;
+  data_bits_ = data_bits;
+  parity_ = parity;
+  stop_bits_ = stop_bits;
+  return is_open() ? Configure() : PortError::None;
+}
+
+SerialLine SerialPort::StoredLine() const {
+  return {.baud_rate = baud_rate_,
+          .data_bits = data_bits_,
+          .parity = ParityOf(parity_),
+          .stop_bits = StopBitsOf(stop_bits_)};
+}
+
+PortError SerialPort::Configure() {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  SerialLine line;
+  if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
+  if (!device_->SetLine(StoredLine()).ok()) {
+    (void)Report(errors(), PortError::System, {"SetCommState failed"});
+    return Fail(PortError::ConfigureFailed);
+  }
+  return PortError::None;
+}
+
+PortError SerialPort::SetBaudRate(std::uint32_t baud) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  if (baud < kLowestBaud || baud >= kAboveHighestBaud) return Fail(PortError::ConfigureFailed);
+  SerialLine line;
+  if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
+  line.baud_rate = baud;
+  if (!device_->SetLine(line).ok()) return Fail(PortError::ConfigureFailed);
+  baud_rate_ = baud;
+  return PortError::None;
+}
+
+PortError SerialPort::GetBaudRate(std::uint32_t& baud) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  SerialLine line;
+  if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
+  baud = line.baud_rate;
+  return PortError::None;
+}
+
+PortError SerialPort::SendBreak(int duration_ms) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!device_->SetBreak().ok()) return Fail(PortError::BreakFailed);
+  clock_.SleepMilliseconds(std::max(duration_ms, kShortestBreakMs));
+  return device_->ClearBreak().ok() ? PortError::None : Fail(PortError::BreakFailed);
+}
+
+PortError SerialPort::Checked(DeviceStatus (SerialDevice::*operation)(), PortError failure) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  return (device_->*operation)().ok() ? PortError::None : Fail(failure);
+}
+
+PortError SerialPort::ClearErrors() {
+  return Checked(&SerialDevice::ClearErrors, PortError::ClearErrorsFailed);
+}
+
+PortError SerialPort::PurgeOutput() {
+  return Checked(&SerialDevice::PurgeOutput, PortError::PurgeOutputFailed);
+}
+
+PortError SerialPort::Flush() {
+  return Checked(&SerialDevice::Flush, PortError::FlushFailed);
+}
+
+PortError SerialPort::SetQueueSizes(std::uint32_t in, std::uint32_t out) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  return device_->SetQueueSizes(in, out).ok() ? PortError::None : Fail(PortError::QueueSizesFailed);
+}
+
+bool SerialPort::DsrOn() {
+  bool on = false;
+  return is_open() && device_->GetDsr(on).ok() && on;
+}
+
+}  // namespace tarvex

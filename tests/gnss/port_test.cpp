@@ -1,0 +1,336 @@
+// Ports: time-outs and error numbers on a script, then a pseudo-terminal and a loopback socket.
+#include "gnss/port.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "gnss/line_reader.h"
+#include "gnss/port_address.h"
+#include "gnss/serial_port.h"
+#include "platform/tcp_socket.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/scripted_device.h"
+
+namespace tarvex {
+namespace {
+
+class ScriptedPort : public testing::Test {
+ protected:
+  ScriptedPort() {
+    auto owned = std::make_unique<ScriptedDevice>();
+    device = owned.get();
+    port = std::make_unique<Port>("script", std::move(owned), errors);
+  }
+
+  LastErrorRecord errors;
+  ScriptedDevice* device = nullptr;
+  std::unique_ptr<Port> port;
+};
+
+TEST_F(ScriptedPort, FailsWhenClosed) {
+  char byte = 0;
+  std::size_t waiting = 0;
+  EXPECT_EQ(port->Read({&byte, 1}, 0), PortError::NotOpen);
+  EXPECT_EQ(port->Write("x", 0), PortError::NotOpen);
+  EXPECT_EQ(port->SetReadTimeouts(-2, 0, 0), PortError::NotOpen);
+  EXPECT_EQ(port->SetWriteTimeouts(0, 0), PortError::NotOpen);
+  EXPECT_EQ(port->BytesWaiting(waiting), PortError::NotOpen);
+  EXPECT_EQ(port->PurgeInput(), PortError::NotOpen);
+  EXPECT_EQ(port->Close(), PortError::NotOpen);
+  EXPECT_EQ(errors.Get().code, 5);
+}
+
+TEST_F(ScriptedPort, OpeningReportsTheSystemsMessageFirst) {
+  device->open_status = {ENOENT};
+  EXPECT_EQ(port->Open(), PortError::OpenFailed);
+  ASSERT_EQ(errors.History().size(), 2U);
+  EXPECT_EQ(errors.History()[0].code, 29);
+  EXPECT_EQ(ErrorSentences(errors),
+            "The system says: No such file or directory. The port script could not be opened.");
+}
+
+TEST_F(ScriptedPort, SetsTimeoutsByTheMeaningOfTheTotal) {
+  ASSERT_EQ(port->Open(), PortError::None);
+  EXPECT_EQ(device->timeouts.read, (ReadTimeouts{.multiplier_ms = 2, .constant_ms = 1000}));
+  EXPECT_EQ(device->timeouts.write, (WriteTimeouts{.multiplier_ms = 2, .constant_ms = 200}));
+  (void)port->SetReadTimeouts(0, 7, 7);
+  EXPECT_TRUE(device->timeouts.read.at_once());
+  (void)port->SetReadTimeouts(-1, 7, 3);
+  EXPECT_EQ(device->timeouts.read, (ReadTimeouts{.multiplier_ms = 3, .constant_ms = 30000}));
+  (void)port->SetReadTimeouts(500, 50, 1);
+  EXPECT_EQ(device->timeouts.read,
+            (ReadTimeouts{.interval_ms = 50, .multiplier_ms = 1, .constant_ms = 500}));
+  (void)port->SetReadTimeouts(-2, 9, 9);
+  EXPECT_EQ(port->read_total_timeout(), 500);
+  (void)port->SetWriteTimeouts(-1, 5);
+  EXPECT_EQ(device->timeouts.write, WriteTimeouts{});
+  device->get_timeouts_status = {EIO};
+  EXPECT_EQ(port->SetReadTimeouts(1, 0, 0), PortError::GetTimeoutsFailed);
+  device->get_timeouts_status = {};
+  device->set_timeouts_status = {EIO};
+  EXPECT_EQ(port->SetReadTimeouts(1, 0, 0), PortError::SetTimeoutsFailed);
+}
+
+struct Stop final : StopRequest {
+  bool StopRequested() override { return true; }
+};
+
+TEST_F(ScriptedPort, ReadTellsWhatCameAndWhatWasMissing) {
+  ASSERT_EQ(port->Open(), PortError::None);
+  char bytes[10];
+  device->input = "sixbyt";
+  EXPECT_EQ(port->Read(bytes, 1000), PortError::FewerBytesRead);
+  EXPECT_EQ(port->last_count(), 6U);
+  EXPECT_EQ(errors.Get(), (LastError{25, {"6", "10", "1000"}}));
+  EXPECT_EQ(port->Read(bytes, 0), PortError::None) << "no total is set";
+  EXPECT_EQ(port->last_count(), 0U);
+  Stop stop;
+  device->input = "kept";
+  EXPECT_EQ(port->Read(bytes, 0, &stop), PortError::Cancelled);
+  EXPECT_EQ(device->input, "kept");
+  device->input.clear();
+  device->when_empty = {EIO};
+  EXPECT_EQ(port->Read(bytes, 0), PortError::ReadFailed);
+  device->write_limit = 3;
+  EXPECT_EQ(port->Write("four", 100), PortError::WriteFailed);
+  EXPECT_EQ(port->last_count(), 3U);
+}
+
+TEST_F(ScriptedPort, LinesEndAtLineFeed) {
+  ASSERT_EQ(port->Open(), PortError::None);
+  device->input = std::string("one\r\ntwo\n\r\nin\rside\nlast", 25);
+  char buffer[8];
+  const auto next = [&] { return std::string(ReadLine(*port, buffer, 100).text); };
+  EXPECT_EQ(next(), "one");
+  EXPECT_EQ(next(), "two");
+  EXPECT_EQ(next(), "");
+  EXPECT_EQ(next(), "in\rside") << "as much as the buffer holds";
+  EXPECT_EQ(next(), "");
+  EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::TimedOut);
+  EXPECT_STREQ(buffer, "last");
+  device->input = "end";
+  device->when_empty = {DeviceStatus::kEndOfData};
+  EXPECT_EQ(next(), "end") << "the end of a recording ends its last line";
+  EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::PortFailed);
+  EXPECT_EQ(ReadLine(*port, std::span(buffer).first(1), 100).status, ReadLineStatus::NoCapacity);
+  const PortUse elsewhere(*port);
+  EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::PortFailed);
+}
+
+TEST_F(ScriptedPort, FramesEndAsTheMakeSays) {
+  ASSERT_EQ(port->Open(), PortError::None);
+  char buffer[64];
+  device->input =
+      "\x03\x03"
+      "ab\n\x03"
+      "rest\x03";
+  EXPECT_EQ(ReadLine(*port, buffer, 100, Framing::EtxFrames).text,
+            "\x03\x03"
+            "ab\n\x03");
+  device->input = std::string(
+      "\x02\n\x40\x02"
+      "abcde"
+      "$GP\r\n\x01\x01",
+      16);
+  EXPECT_EQ(ReadLine(*port, buffer, 100, Framing::BinaryPackets).text,
+            std::string_view("\x02\n\x40\x02"
+                             "abcde"));
+  EXPECT_EQ(ReadLine(*port, buffer, 100, Framing::BinaryPackets).text, "$GP");
+}
+
+TEST(PortAddress, IsReadFromOneText) {
+  PortAddress address;
+  std::string problem;
+  ASSERT_TRUE(ParsePortAddress("serial:/dev/ttyUSB0@115200", address, problem));
+  EXPECT_EQ(address, (PortAddress{PortKind::Serial, "/dev/ttyUSB0", 115200}));
+  ASSERT_TRUE(ParsePortAddress("serial:/dev/ttyS1", address, problem));
+  EXPECT_EQ(address.baud_rate, 9600U);
+  ASSERT_TRUE(ParsePortAddress("tcp:[::1]:9001", address, problem));
+  EXPECT_EQ(address.target, "[::1]:9001");
+  ASSERT_TRUE(ParsePortAddress("file:/a:b.log", address, problem));
+  EXPECT_EQ(address.target, "/a:b.log");
+  ASSERT_TRUE(ParsePortAddress("simulated", address, problem));
+  for (const std::string_view bad :
+       {"", "usb:1", "serial:", "serial:@9600", "serial:x@109", "serial:x@256001", "tcp:host",
+        "tcp::1", "tcp:host:0", "tcp:host:65536", "tcp:host:x", "file:", "simulated:x"}) {
+    problem.clear();
+    EXPECT_FALSE(ParsePortAddress(bad, address, problem)) << bad;
+    EXPECT_FALSE(problem.empty()) << bad;
+  }
+}
+
+// A pseudo-terminal: the test holds the master, the port opens the slave.
+class PseudoTerminal : public testing::Test {
+ protected:
+  void SetUp() override {
+    master = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(master, 0);
+    ASSERT_EQ(::grantpt(master), 0);
+    ASSERT_EQ(::unlockpt(master), 0);
+    name = ::ptsname(master);
+    (void)port.SetLine(name, 115200, 8, 0, 0);
+  }
+  void TearDown() override {
+    if (master >= 0) ::close(master);
+  }
+
+  void Send(std::string_view bytes) const {
+    ASSERT_EQ(::write(master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  }
+
+  int master = -1;
+  std::string name;
+  LastErrorRecord errors;
+  ManualClock clock;
+  SerialPort port{errors, clock};
+};
+
+TEST_F(PseudoTerminal, CarriesRawBytesBothWays) {
+  ASSERT_EQ(port.Open(), PortError::None) << ErrorSentences(errors);
+  std::string every_byte;
+  for (int i = 0; i < 256; ++i) every_byte += static_cast<char>(i);
+  Send(every_byte);
+  std::string got(256, '\0');
+  ASSERT_EQ(port.Read(got, 1000), PortError::None);
+  EXPECT_EQ(got, every_byte);
+  ASSERT_EQ(port.Write(every_byte, 200), PortError::None);
+  std::string back(256, '\0');
+  ASSERT_EQ(::read(master, back.data(), back.size()), 256);
+  EXPECT_EQ(back, every_byte);
+}
+
+TEST_F(PseudoTerminal, KeepsItsTimeouts) {
+  ASSERT_EQ(port.Open(), PortError::None);
+  char bytes[10];
+  Send("sixbyt");
+  EXPECT_EQ(port.Read(bytes, 30), PortError::FewerBytesRead);
+  EXPECT_EQ(port.last_count(), 6U);
+  EXPECT_EQ(port.Read(bytes, 0), PortError::None);
+  EXPECT_EQ(port.last_count(), 0U);
+  const std::string flood(100'000, 'x');
+  ASSERT_EQ(port.SetWriteTimeouts(20, 0), PortError::None);
+  EXPECT_EQ(port.Write(flood, kKeepTimeouts), PortError::WriteFailed) << "nobody reads the far end";
+  EXPECT_GT(port.last_count(), 0U);
+}
+
+TEST_F(PseudoTerminal, IsOpenedForOneProgramAlone) {
+  ASSERT_EQ(port.Open(), PortError::None);
+  SerialPort second(errors, clock);
+  (void)second.SetLine(name, 9600, 8, 0, 0);
+  EXPECT_EQ(second.Open(), PortError::OpenFailed);
+  ASSERT_EQ(port.Close(), PortError::None);
+  EXPECT_EQ(second.Open(), PortError::None) << "closing gives it back";
+}
+
+TEST_F(PseudoTerminal, TakesAnyBaudRateInRange) {
+  ASSERT_EQ(port.Open(), PortError::None);
+  std::uint32_t baud = 0;
+  EXPECT_EQ(port.SetBaudRate(256001), PortError::ConfigureFailed);
+  EXPECT_EQ(port.SetBaudRate(109), PortError::ConfigureFailed);
+  ASSERT_EQ(port.GetBaudRate(baud), PortError::None);
+  EXPECT_EQ(baud, 115200U);
+  for (const std::uint32_t rate : {110U, 57601U, 256000U}) {
+    ASSERT_EQ(port.SetBaudRate(rate), PortError::None);
+    ASSERT_EQ(port.GetBaudRate(baud), PortError::None);
+    EXPECT_EQ(baud, rate);
+  }
+}
+
+TEST_F(PseudoTerminal, CountsAndPurgesWhatWaits) {
+  ASSERT_EQ(port.Open(), PortError::None);
+  Send("line\nrest");
+  char buffer[32];
+  ASSERT_EQ(ReadLine(port, buffer, 1000).text, "line");
+  std::size_t waiting = 0;
+  ASSERT_EQ(port.BytesWaiting(waiting), PortError::None);
+  EXPECT_EQ(waiting, 4U) << "what was read ahead counts";
+  ASSERT_EQ(port.PurgeInput(), PortError::None);
+  ASSERT_EQ(port.BytesWaiting(waiting), PortError::None);
+  EXPECT_EQ(waiting, 0U);
+}
+
+TEST_F(PseudoTerminal, HoldsABreakForTenMilliseconds) {
+  EXPECT_EQ(port.SendBreak(3), PortError::NotOpen);
+  ASSERT_EQ(port.Open(), PortError::None);
+  EXPECT_EQ(port.SendBreak(3), PortError::None);
+  EXPECT_EQ(clock.slept_ms, 10);
+  EXPECT_FALSE(port.DsrOn()) << "a pseudo-terminal has no such line";
+}
+
+TEST_F(PseudoTerminal, TellsAHangUp) {
+  ASSERT_EQ(port.Open(), PortError::None);
+  ::close(master);
+  master = -1;
+  char byte = 0;
+  EXPECT_EQ(port.Read({&byte, 1}, 1000), PortError::ReadFailed);
+}
+
+// A listening socket on loopback.
+class Loopback : public testing::Test {
+ protected:
+  void SetUp() override {
+    listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(listener, 1), 0);
+    socklen_t size = sizeof address;
+    ASSERT_EQ(::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    target = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+  }
+  void TearDown() override {
+    if (peer >= 0) ::close(peer);
+    if (listener >= 0) ::close(listener);
+  }
+
+  int listener = -1;
+  int peer = -1;
+  std::string target;
+  LastErrorRecord errors;
+  ManualClock clock;
+};
+
+TEST_F(Loopback, ReadsLinesThatDribbleIn) {
+  const auto port =
+      MakePort({.kind = PortKind::Tcp, .target = target}, SystemFiles(), clock, errors);
+  ASSERT_EQ(port->Open(), PortError::None) << ErrorSentences(errors);
+  peer = ::accept(listener, nullptr, nullptr);
+  std::thread sender([this] {
+    for (const char c : std::string_view("$GPGGA,1\r\nsecond\n")) {
+      ASSERT_EQ(::send(peer, &c, 1, 0), 1);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
+  char buffer[64];
+  EXPECT_EQ(ReadLine(*port, buffer, 1000).text, "$GPGGA,1");
+  EXPECT_EQ(ReadLine(*port, buffer, 1000).text, "second");
+  sender.join();
+  EXPECT_EQ(ReadLine(*port, buffer, 10).status, ReadLineStatus::TimedOut);
+  ::close(peer);
+  peer = -1;
+  EXPECT_EQ(ReadLine(*port, buffer, 1000).status, ReadLineStatus::PortFailed);
+  EXPECT_TRUE(port->ended());
+  EXPECT_EQ(port->Write(std::string(1 << 16, 'x'), 100) == PortError::None &&
+                port->Write(std::string(1 << 16, 'x'), 100) == PortError::None,
+            false)
+      << "a reset fails the call and ends nothing";
+}
+
+TEST_F(Loopback, NamesARefusedConnection) {
+  ::close(listener);
+  listener = -1;
+  const auto port =
+      MakePort({.kind = PortKind::Tcp, .target = target}, SystemFiles(), clock, errors);
+  EXPECT_EQ(port->Open(), PortError::OpenFailed);
+  EXPECT_NE(ErrorSentences(errors).find("Connection refused"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace tarvex

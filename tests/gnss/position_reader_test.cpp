@@ -1,0 +1,189 @@
+// Reading a position: every result code, the order of prefixes, budgets, and how fresh it all is.
+#include "gnss/position_reader.h"
+
+#include <gtest/gtest.h>
+
+#include "gnss/point_quality.h"
+#include "gnss/receiver_make.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/scripted_device.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::string_view kGga =
+    "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
+constexpr std::string_view kNextGga =
+    "$GPGGA,123520,4807.038,N,01131.000,E,4,09,0.9,545.4,M,46.9,M,,*47\r\n";
+
+class PositionReader : public testing::Test {
+ protected:
+  PositionReader() {
+    auto owned = std::make_unique<ScriptedDevice>();
+    device = owned.get();
+    port = std::make_unique<Port>("script", std::move(owned), errors);
+    EXPECT_EQ(port->Open(), PortError::None);
+    connection.port = port.get();
+  }
+
+  GnssReadResult Read(std::string_view input, int receiver_type = kMakeNmea) {
+    device->input += input;
+    return ReadGnssPosition(state, connection, receiver_type);
+  }
+
+  LastErrorRecord errors;
+  ManualClock clock;
+  ScriptedDevice* device = nullptr;
+  std::unique_ptr<Port> port;
+  GnssConnection connection{.clock = clock};
+  GnssPositionState state;
+};
+
+TEST_F(PositionReader, AcceptsTheFirstPositionAndLeavesTheRest) {
+  EXPECT_EQ(Read(std::string("noise\r\n$GPGSA,A,3,1,2,,,,,,,,,,,2.5,1.3,2.1*39\r\n") +
+                 std::string(kGga) + std::string(kNextGga)),
+            GnssReadResult::Accepted);
+  EXPECT_EQ(state.last_result, 1);
+  EXPECT_EQ(state.reading, 0);
+  EXPECT_EQ(state.satellites, 8);
+  EXPECT_DOUBLE_EQ(state.pdop, 2.5);
+  EXPECT_DOUBLE_EQ(state.hdop, 0.9) << "of the GGA that came later";
+  EXPECT_EQ(device->input, kNextGga);
+}
+
+TEST_F(PositionReader, NamesEveryFailure) {
+  connection.port = nullptr;
+  EXPECT_EQ(Read(""), GnssReadResult::NoFix);
+  connection.port = port.get();
+  {
+    const PortUse elsewhere(*port);
+    EXPECT_EQ(Read(""), GnssReadResult::NotPrepared);
+  }
+  EXPECT_EQ(Read("$GPGST,1"), GnssReadResult::PortReadFailed) << "the line never ends";
+  device->when_empty = {5};
+  EXPECT_EQ(Read(""), GnssReadResult::PortReadFailed);
+  std::string lines;
+  for (int i = 0; i < 15; ++i) lines += "$GPGSV,1,1,00*79\r\n";
+  EXPECT_EQ(Read(lines + std::string(kGga)), GnssReadResult::NoPositionSentence);
+  EXPECT_EQ(Read(""), GnssReadResult::Accepted) << "the position was the sixteenth line";
+  EXPECT_EQ(Read("$GPGGA,1,4807.038,N,01131.000,E,0,08,0.9,5.4,M,46.9,M,,*47\r\n"),
+            GnssReadResult::NoFix);
+  EXPECT_EQ(Read("$GPGGA,1,0000.000,N,00000.000,E,1,08,0.9,5.4,M,46.9,M,,*47\r\n"),
+            GnssReadResult::NoFix);
+  EXPECT_EQ(Read("$GPGGA,1,9100.000,N,01131.000,E,1,08,0.9,5.4,M,46.9,M,,*47\r\n"),
+            GnssReadResult::InvalidData);
+  EXPECT_EQ(Read("$GPGGA,1,4807.000,N,18001.000,W,1,08,0.9,5.4,M,46.9,M,,*47\r\n"),
+            GnssReadResult::InvalidData);
+  EXPECT_EQ(Read("$GPGGA,1,4807.000,N,01131.000,E,1,08,0.9,1e9,M,46.9,M,,*47\r\n"),
+            GnssReadResult::Declined);
+  EXPECT_EQ(state.last_result, 0);
+}
+
+TEST_F(PositionReader, EveryResultHasASentence) {
+  for (const int code : {1, 0, -1, -5, -6, -7, -8, -9}) {
+    const std::string text = ResultSentence(static_cast<GnssReadResult>(code));
+    EXPECT_TRUE(text.ends_with('.') && !text.starts_with("IDS_STRING")) << code;
+  }
+}
+
+TEST_F(PositionReader, SelectsTheSentenceOfTheSetting) {
+  connection.settings.position = PositionSentence::Gll;
+  EXPECT_EQ(Read(std::string(kGga) + "$GPGLL,4916.45,N,12311.12,W,225444,A\r\n"),
+            GnssReadResult::Accepted);
+  EXPECT_NEAR(state.latitude, 49.2741666667, 1e-9);
+  EXPECT_EQ(state.height, 0.0);
+}
+
+TEST_F(PositionReader, DropsASentenceThatIsCutShort) {
+  EXPECT_EQ(Read(std::string("$GPGGA,123519,4807.038,N\r\n") + std::string(kGga)),
+            GnssReadResult::Accepted);
+  EXPECT_EQ(state.satellites, 8);
+}
+
+TEST_F(PositionReader, TellsARepeatedEpoch) {
+  ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
+  EXPECT_FALSE(state.repeated_epoch);
+  ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
+  EXPECT_TRUE(state.repeated_epoch);
+  ASSERT_EQ(Read(kNextGga), GnssReadResult::Accepted);
+  EXPECT_FALSE(state.repeated_epoch);
+}
+
+TEST_F(PositionReader, MarksPrecisionOfAnotherEpoch) {
+  ASSERT_EQ(Read(std::string("$GPGST,123519,1,1,1,0,0.03,0.04,0.1*00\r\n") + std::string(kGga)),
+            GnssReadResult::Accepted);
+  EXPECT_FALSE(state.precision_carried_over);
+  ASSERT_EQ(Read(kNextGga), GnssReadResult::Accepted);
+  EXPECT_TRUE(state.precision_carried_over);
+  EXPECT_DOUBLE_EQ(state.hrms, 0.05);
+  EXPECT_TRUE(state.dop_carried_over);
+}
+
+TEST_F(PositionReader, DropsWhatPiledUpWhileNobodyRead) {
+  device->purge_drops = true;
+  ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
+  clock.milliseconds += 1500;
+  ASSERT_EQ(Read(kGga), GnssReadResult::Accepted) << "read in time";
+  clock.milliseconds += 60'000;
+  EXPECT_EQ(Read(kGga), GnssReadResult::PortReadFailed) << "a position of a minute ago";
+  EXPECT_GE(SilentForMs(state, clock), 60'000);
+}
+
+TEST_F(PositionReader, ReadsAStreamBufferWithItsPrecisionAhead) {
+  connection.settings = FindMake(kMakeStreamBuffered).settings;
+  connection.settings.position = PositionSentence::Gll;
+  ASSERT_EQ(Read("$GPGGA,123519,4807.038,N,01131.000,E,2,08,0.9,545.4,M,46.9,M,,*47\r\n\r\n"
+                 "$GPGSV,x\r\n$GPGST,123519,1,1,1,0,0.03,0.04,0.1*00\r\n",
+                 kMakeStreamBuffered),
+            GnssReadResult::Accepted);
+  EXPECT_EQ(state.solution_type, SolutionType::Float);
+  EXPECT_DOUBLE_EQ(state.hrms, 0.05);
+  EXPECT_EQ(clock.slept_ms, 100);
+}
+
+TEST_F(PositionReader, GivesUpOnASilentStreamBuffer) {
+  connection.settings = FindMake(kMakeStreamBuffered).settings;
+  EXPECT_EQ(Read("", kMakeStreamBuffered), GnssReadResult::NoPositionSentence);
+  EXPECT_EQ(clock.slept_ms, 30 * 100);
+}
+
+TEST_F(PositionReader, SimulatesTheSameWalkAtTheSameTime) {
+  GnssConnection other{.clock = clock};
+  GnssPositionState other_state;
+  connection.port = nullptr;
+  for (int epoch = 0; epoch < 50; ++epoch) {
+    ASSERT_EQ(ReadGnssPosition(state, connection, kMakeSimulated), GnssReadResult::Accepted);
+    ASSERT_EQ(ReadGnssPosition(other_state, other, kMakeSimulated), GnssReadResult::Accepted);
+    ASSERT_FALSE(state.repeated_epoch);
+    ASSERT_EQ(state.latitude, other_state.latitude);
+    ASSERT_GT(state.hrms, 0.0);
+    ASSERT_LT(state.hrms, 0.021);
+  }
+  EXPECT_EQ(state.epoch_ms, ((9 * 60 + 30) * 60 + 15 + 49) * 1000);
+  clock.now.second += 1;
+  GnssConnection later{.clock = clock};
+  GnssPositionState later_state;
+  (void)ReadGnssPosition(later_state, later, kMakeSimulated);
+  EXPECT_NE(later_state.latitude, state.latitude);
+}
+
+TEST(PointQuality, WritesNotesAndBlocks) {
+  GnssPositionState state{.satellites = 12,
+                          .solution_type = SolutionType::Fixed,
+                          .hrms = 0.0125,
+                          .vrms = 0.02,
+                          .pdop = 1.44};
+  EXPECT_EQ(QualityComment(state, false),
+            "\n--HRMS:0.013, VRMS:0.020, STATUS:FIXED, SATS:12, PDOP:1.4");
+  EXPECT_EQ(QualityBlockLines(state, true, QualityStamp{"06-01-2026", "09:30:15"}),
+            "HQ,0.013\nVQ,0.020\nSTATUS,FIXED\nSATS,12\nPDOP,1.4\nDATE,06-01-2026\n"
+            "TIME,09:30:15\n");
+  state.satellites = 0;
+  state.pdop = 0.0;
+  state.solution_type = static_cast<SolutionType>(9);
+  EXPECT_EQ(QualityComment(state, true, QualityStamp{"06-01-2026", "09:30:15"}),
+            "\n--HQ:0.013, VQ:0.020, STATUS:AUTONOMOUS\n--DT06-01-2026\n--TM09:30:15");
+}
+
+}  // namespace
+}  // namespace tarvex
