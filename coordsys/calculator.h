@@ -20,18 +20,10 @@
 #include "coordsys/definition_reader.h"
 #include "coordsys/message_box.h"
 #include "coordsys/projection.h"
+#include "core/point.h"
 #include "core/units.h"
 
 namespace tarvex {
-
-/// A point of the job, in the job's distance unit.
-struct GridPoint {
-  double northing = 0.0;
-  double easting = 0.0;
-  double elevation = 0.0;
-
-  bool operator==(const GridPoint&) const = default;
-};
 
 enum class [[nodiscard]] CalculationResult : int{
     Done = 1,
