@@ -14,9 +14,9 @@ namespace tarvex {
 
 /// What the person in front of the program decides when the point to store may exist already.
 struct ExistingPointAnswer {
-  enum class Choice { Overwrite, UseOtherId, Cancel, Failed };
+  enum class Choice { Overwrite, UseOtherId, UseNextFreeId, Cancel, Failed };
   Choice choice = Choice::Overwrite;
-  std::string other_id;  ///< with UseOtherId
+  std::string other_id = {};  ///< with UseOtherId
 };
 
 /// What a job needs from the program around it.

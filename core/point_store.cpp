@@ -173,6 +173,12 @@ StorePointResult SettleId(Job& job, CoordinateStream& stream, std::string& id) {
       return StorePointResult::Cancelled;
     case ExistingPointAnswer::Choice::Failed:
       return StorePointResult::DialogFailed;
+    case ExistingPointAnswer::Choice::UseNextFreeId: {
+      const auto free = NextFreePointId(job, stream);
+      if (!free) return StorePointResult::DialogFailed;
+      id = *free;
+      return StorePointResult::Stored;
+    }
     case ExistingPointAnswer::Choice::UseOtherId:
       id = answer.other_id;
       return IsStorable(job, id) ? StorePointResult::Stored : StorePointResult::Nothing;

@@ -92,7 +92,7 @@ TEST(PointStore, AsksBeforeAnExistingPoint) {
   Job job = MakeJob(host, true);
   EXPECT_EQ(Store(job, "5", kAt, "first", true), StorePointResult::Stored);
   EXPECT_TRUE(host.asked.empty());  // beyond the last id nothing can exist
-  host.answer = {.choice = ExistingPointAnswer::Choice::Cancel, .other_id = ""};
+  host.answer = {.choice = ExistingPointAnswer::Choice::Cancel};
   EXPECT_EQ(Store(job, "5", kAt, "second", true), StorePointResult::Cancelled);
   host.answer.choice = ExistingPointAnswer::Choice::Failed;
   EXPECT_EQ(Store(job, "4", kAt, "second", true), StorePointResult::DialogFailed);
@@ -101,8 +101,11 @@ TEST(PointStore, AsksBeforeAnExistingPoint) {
   EXPECT_EQ(Store(job, "5", kAt, "second", true), StorePointResult::Stored);
   EXPECT_EQ(Ids(job), (std::vector<std::string>{"5", "6"}));
   EXPECT_EQ(job.current_point_id, "6");
-  job.current_point_id = "4";
-  EXPECT_EQ(NextFreePointId(job, *OpenCoordinateFile(job)), "7");
+  host.answer = {.choice = ExistingPointAnswer::Choice::UseNextFreeId};
+  EXPECT_EQ(Store(job, "5", kAt, "third", true), StorePointResult::Stored);
+  EXPECT_EQ(job.current_point_id, "7");
+  job.current_point_id = "6";
+  EXPECT_EQ(NextFreePointId(job, *OpenCoordinateFile(job)), "8");
   EXPECT_EQ(StorePoint(job, kAt, "", true, nullptr), StorePointResult::NoStream);
 }
 

@@ -1,0 +1,216 @@
+#include "app/collect_session.h"
+
+#include "core/angle.h"
+#include "core/number_text.h"
+#include "core/point_notes.h"
+#include "core/point_store.h"
+#include "core/raw_file.h"
+#include "core/raw_records.h"
+#include "gnss/point_quality.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kPrecisionDecimals = 3;
+constexpr int kGridDecimals = 4;
+
+std::string PrecisionText(const GnssPositionState& state) {
+  if (!state.precision_known) return "HRMS and VRMS unknown";
+  return "HRMS " + FixedNumber(state.hrms, kPrecisionDecimals) + ", VRMS " +
+         FixedNumber(state.vrms, kPrecisionDecimals) +
+         (state.precision_carried_over ? " (of an earlier epoch)" : "");
+}
+
+std::string StateText(const GnssPositionState& state) {
+  return std::string(SolutionText(state.solution_type)) + ", " + std::to_string(state.satellites) +
+         " satellites, " + PrecisionText(state);
+}
+
+}  // namespace
+
+CollectSession::CollectSession(Program& program, JobSession& session,
+                               const CTrgCalculator& calculator, const CollectPlan& plan)
+    : program_(program),
+      session_(session),
+      job_(session.job()),
+      calculator_(calculator),
+      plan_(plan),
+      connection_{.clock = program.clock, .settings = plan.receiver_settings} {
+  connection_.settings.unit = job_.unit;
+  connection_.stop = this;
+}
+
+ExitCode CollectSession::Run() {
+  if (!OpenReceiver()) return ExitCode::Failed;
+  if (ResumeRawFile(job_) != RawFileResult::Written) {
+    return program_.Fail("The raw file " + RawFilePath(job_) +
+                         " cannot be written; nothing was stored.");
+  }
+  const ExitCode code = ReadUntilDone();
+  program_.console.EndProgress();
+  program_.console.Print("Stored " + std::to_string(stored_) +
+                         (stored_ == 1 ? " point" : " points") + " in " + job_.path + ".\n");
+  return code;
+}
+
+bool CollectSession::OpenReceiver() {
+  LastErrorRecord& errors = SystemLastError();
+  errors.Clear();
+  port_ = MakePort(plan_.receiver, program_.files, program_.clock, errors);
+  connection_.port = port_.get();
+  if (!port_ || port_->Open() == PortError::None) return true;
+  std::string sentence;
+  for (const LastError& error : errors.History()) sentence += PortErrorText(error) + " ";
+  (void)program_.Fail(WithoutOuterBlanks(sentence));
+  return false;
+}
+
+ExitCode CollectSession::ReadUntilDone() {
+  last_new_position_ms_ = program_.clock.SteadyMilliseconds();
+  while (!InterruptRequested() && (plan_.count == 0 || stored_ < plan_.count)) {
+    const GnssReadResult result = ReadGnssPosition(state_, connection_, plan_.receiver_type);
+    if (InterruptRequested()) break;
+    if (!TakeReading(result)) return ExitCode::Failed;
+    if (result != GnssReadResult::Accepted && connection_.ended()) break;
+    if (OutOfPatience()) {
+      return program_.Fail("No new position came within " +
+                           std::to_string(plan_.patience_ms / 1000) + " s. " +
+                           ResultSentence(result));
+    }
+  }
+  return Ending();
+}
+
+ExitCode CollectSession::Ending() const {
+  const bool complete = plan_.count == 0 ? stored_ > 0 : stored_ >= plan_.count;
+  if (complete && !failed_) return ExitCode::Done;
+  if (InterruptRequested()) {
+    program_.console.PrintError("Stopped; the job is whole.\n");
+    return plan_.count == 0 && !failed_ ? ExitCode::Done : ExitCode::Failed;
+  }
+  if (!complete && connection_.ended()) {
+    return program_.Fail(
+        plan_.receiver.kind == PortKind::File
+            ? "The log ended before the points asked for were stored."
+            : "The receiver closed the connection before the points asked for were stored.");
+  }
+  return ExitCode::Failed;
+}
+
+bool CollectSession::TakeReading(GnssReadResult result) {
+  if (result != GnssReadResult::Accepted) {
+    if (!connection_.ended()) TellOnce(ResultSentence(result));
+    return true;
+  }
+  if (state_.repeated_epoch) {
+    TellOnce("The receiver repeats its last position; it is not stored again.");
+    return true;
+  }
+  last_new_position_ms_ = program_.clock.SteadyMilliseconds();
+  told_.clear();
+  ShowState();
+  return StorePosition();
+}
+
+bool CollectSession::OutOfPatience() const {
+  return program_.clock.SteadyMilliseconds() - last_new_position_ms_ > plan_.patience_ms;
+}
+
+bool CollectSession::StorePosition() {
+  const double antenna_m = ToMetres(plan_.antenna_height, job_.unit);
+  GridPoint at;
+  const CalculationResult converted =
+      calculator_.ToGrid({.latitude_rad = state_.latitude * kRadiansPerDegree,
+                          .longitude_rad = state_.longitude * kRadiansPerDegree,
+                          .height_m = state_.height - antenna_m},
+                         at);
+  if (converted != CalculationResult::Done && converted != CalculationResult::DoneInPart) {
+    TellOnce("The position has no grid coordinates: " + CalculationText(converted));
+    failed_ = true;
+    return plan_.receiver.kind == PortKind::File;
+  }
+  if (converted == CalculationResult::DoneInPart) TellOnce(CalculationText(converted));
+  const std::string wanted = job_.current_point_id;
+  switch (StoreInFile(at)) {
+    case StorePointResult::Stored:
+      break;
+    case StorePointResult::Cancelled:
+      (void)program_.Fail("Point " + wanted +
+                          " exists; collecting ends. (--existing overwrite or next decides.)");
+      return false;
+    case StorePointResult::DialogFailed:
+      (void)program_.Fail("No free point id was found behind " + wanted + ".");
+      return false;
+    case StorePointResult::Nothing:
+    case StorePointResult::NoStream:
+      return false;
+  }
+  ++stored_;
+  TellStored();
+  const bool recorded = Journal() && WriteQualityNote();
+  AdvanceCurrentPoint(job_);
+  return recorded;
+}
+
+StorePointResult CollectSession::StoreInFile(const GridPoint& at) {
+  const auto stream = OpenCoordinateFile(job_);
+  return StorePoint(job_, at, plan_.description, true, stream.get());
+}
+
+std::vector<std::string> CollectSession::Records() const {
+  const Point& point = job_.last_stored_point;
+  const bool quality = FindMake(plan_.receiver_type).quality_instead_of_rms;
+  return {TimeStampRecord(program_.clock.Now()), RodHeightRecord(plan_.antenna_height),
+          GnssRecord({.point_id = point.id.str(),
+                      .latitude_degrees = state_.latitude,
+                      .longitude_degrees = state_.longitude,
+                      .height = state_.height,
+                      .description = plan_.description}),
+          GnssGridRecord(point), QualityComment(state_, quality)};
+}
+
+bool CollectSession::Journal() {
+  if (AppendRawRecords(job_, Records()) == RawFileResult::Written) return true;
+  (void)program_.Fail("Point " + job_.last_stored_point.id.str() + " is stored, but the raw file " +
+                      RawFilePath(job_) + " could not be written; collecting ends.");
+  return false;
+}
+
+bool CollectSession::WriteQualityNote() {
+  const LocalTime now = program_.clock.Now();
+  const std::string date = DateText(now);
+  const std::string time = TimeText(now);
+  const std::string id = job_.last_stored_point.id.str();
+  FileStatus status;
+  PointNote note = ReadPointNote(job_, id, status)
+                       .value_or(PointNote{.point_id = id, .lines = {}, .quality_lines = ""});
+  note.quality_lines =
+      QualityBlockLines(state_, FindMake(plan_.receiver_type).quality_instead_of_rms,
+                        QualityStamp{.date = date, .time = time});
+  if (status.ok()) status = WritePointNote(job_, note);
+  if (status.ok()) return true;
+  (void)program_.Fail("Point " + id + " is stored, but its quality could not be written to " +
+                      PointNotesPath(job_) + ": " + status.Text() + "; collecting ends.");
+  return false;
+}
+
+void CollectSession::TellStored() {
+  const Point& point = job_.last_stored_point;
+  program_.console.Print(
+      "Point " + point.id.str() + ": N " + FixedNumber(point.at.northing, kGridDecimals) + "  E " +
+      FixedNumber(point.at.easting, kGridDecimals) + "  EL " +
+      FixedNumber(point.at.elevation, kGridDecimals) + "  (" + StateText(state_) + ")\n");
+}
+
+void CollectSession::TellOnce(const std::string& sentence) {
+  program_.console.ShowProgress(sentence);
+  if (sentence == told_) return;
+  told_ = sentence;
+  program_.console.PrintError(sentence + "\n");
+}
+
+void CollectSession::ShowState() {
+  program_.console.ShowProgress(std::to_string(stored_) + " stored, " + StateText(state_));
+}
+
+}  // namespace tarvex

@@ -1,0 +1,70 @@
+// Collecting points from a receiver: read a position, bring it into the job's grid, store the
+// point, journal the observation, note its quality.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/job_session.h"
+#include "coordsys/calculator.h"
+#include "gnss/gnss_connection.h"
+#include "gnss/port_address.h"
+#include "gnss/position_reader.h"
+#include "gnss/receiver_make.h"
+
+namespace tarvex {
+
+struct CollectPlan {
+  PortAddress receiver;
+  int receiver_type = kMakeAnyNmea;
+  ReceiverSettings receiver_settings;
+  long long count = 1;  ///< points to store; 0: until the receiver ends or the person stops
+  std::string description;
+  double antenna_height = 0.0;  ///< above the point, job's unit
+  std::int64_t patience_ms =
+      60000;  ///< without a new position the session ends; recordings never wait
+};
+
+class CollectSession final : private StopRequest {
+ public:
+  CollectSession(Program& program, JobSession& session, const CTrgCalculator& calculator,
+                 const CollectPlan& plan);
+
+  /// Opens the receiver, stores the points and tells what happens. The job's current point id is
+  /// the first one used.
+  ExitCode Run();
+
+ private:
+  bool StopRequested() override { return InterruptRequested(); }
+
+  bool OpenReceiver();
+  ExitCode ReadUntilDone();
+  ExitCode Ending() const;
+  /// False when the session has to end.
+  bool TakeReading(GnssReadResult result);
+  bool StorePosition();
+  StorePointResult StoreInFile(const GridPoint& at);
+  std::vector<std::string> Records() const;
+  bool Journal();
+  bool WriteQualityNote();
+  void TellStored();
+  void TellOnce(const std::string& sentence);
+  void ShowState();
+  bool OutOfPatience() const;
+
+  Program& program_;
+  JobSession& session_;
+  Job& job_;
+  const CTrgCalculator& calculator_;
+  CollectPlan plan_;
+  std::unique_ptr<Port> port_;
+  GnssConnection connection_;
+  GnssPositionState state_;
+  long long stored_ = 0;
+  std::int64_t last_new_position_ms_ = 0;
+  std::string told_;
+  bool failed_ = false;
+};
+
+}  // namespace tarvex

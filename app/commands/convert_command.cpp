@@ -1,0 +1,172 @@
+// tarvex convert: positions to grid coordinates and back, line by line.
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "app/commands/command.h"
+#include "app/commands/commands.h"
+#include "app/job_session.h"
+#include "app/job_system.h"
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kGridDecimals = 4;
+constexpr int kDegreeDecimals = 10;
+constexpr int kMostDecimals = 15;
+
+struct ConvertOptions {
+  std::string system;
+  std::string definition;
+  std::string units = "metres";
+  bool inverse = false;
+  int decimals = -1;
+};
+
+// The two or three numbers of a line; `problem` says what is wrong with it otherwise.
+struct LineNumbers {
+  double values[3] = {0.0, 0.0, 0.0};
+  int count = 0;
+};
+
+std::optional<LineNumbers> ReadNumbers(std::string_view line, std::string& problem) {
+  LineNumbers numbers;
+  std::string_view rest = WithoutOuterBlanks(line);
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find_first_of(" \t,;"), rest.size());
+    const std::string_view word = rest.substr(0, end);
+    const auto value = ParseNumber(word);
+    if (!value) {
+      problem = "\"" + std::string(word) + "\" is not a number";
+      return std::nullopt;
+    }
+    if (numbers.count == 3) {
+      problem = "more than three numbers";
+      return std::nullopt;
+    }
+    numbers.values[numbers.count++] = *value;
+    rest.remove_prefix(end);
+    while (!rest.empty() && std::string_view(" \t,;").find(rest[0]) != std::string_view::npos) {
+      rest.remove_prefix(1);
+    }
+  }
+  if (numbers.count >= 2) return numbers;
+  problem = "two or three numbers are needed";
+  return std::nullopt;
+}
+
+std::string WriteNumbers(const LineNumbers& numbers, int decimals, int height_decimals) {
+  std::string text;
+  AppendFixed(text, numbers.values[0], decimals);
+  text += ' ';
+  AppendFixed(text, numbers.values[1], decimals);
+  if (numbers.count == 3) {
+    text += ' ';
+    AppendFixed(text, numbers.values[2], height_decimals);
+  }
+  return text;
+}
+
+CalculationResult Forward(const CTrgCalculator& calculator, LineNumbers& numbers) {
+  const Geodetic wgs84{.latitude_rad = numbers.values[0] * kRadiansPerDegree,
+                       .longitude_rad = numbers.values[1] * kRadiansPerDegree,
+                       .height_m = numbers.values[2]};
+  GridPoint point;
+  const CalculationResult result = calculator.ToGrid(wgs84, point);
+  numbers.values[0] = point.northing;
+  numbers.values[1] = point.easting;
+  numbers.values[2] = point.elevation;
+  return result;
+}
+
+CalculationResult Inverse(const CTrgCalculator& calculator, LineNumbers& numbers) {
+  Geodetic wgs84;
+  const CalculationResult result = calculator.ToWgs84(
+      {.northing = numbers.values[0], .easting = numbers.values[1], .elevation = numbers.values[2]},
+      wgs84);
+  numbers.values[0] = wgs84.latitude_rad * kDegreesPerRadian;
+  numbers.values[1] = wgs84.longitude_rad * kDegreesPerRadian;
+  numbers.values[2] = wgs84.height_m;
+  return result;
+}
+
+bool OnEarth(const LineNumbers& numbers, std::string& problem) {
+  const bool latitude = std::fabs(numbers.values[0]) <= 90.0;
+  if (latitude && std::fabs(numbers.values[1]) <= 360.0) return true;
+  problem = latitude ? "the longitude is beyond 360 degrees" : "the latitude is beyond 90 degrees";
+  return false;
+}
+
+// One line out for one line in; `problem` is set when it cannot be converted.
+std::string ConvertLine(const ConvertOptions& options, const CTrgCalculator& calculator,
+                        std::string_view line, std::string& problem) {
+  auto numbers = ReadNumbers(line, problem);
+  if (!numbers || (!options.inverse && !OnEarth(*numbers, problem))) return {};
+  const CalculationResult result =
+      options.inverse ? Inverse(calculator, *numbers) : Forward(calculator, *numbers);
+  if (result != CalculationResult::Done && result != CalculationResult::DoneInPart) {
+    problem = CalculationText(result);
+    return {};
+  }
+  const int fallback = options.inverse ? kDegreeDecimals : kGridDecimals;
+  const int decimals = options.decimals < 0 ? fallback : options.decimals;
+  return WriteNumbers(*numbers, decimals, options.inverse ? kGridDecimals : decimals);
+}
+
+ExitCode RunConvert(const ConvertOptions& options, Program& program) {
+  SystemSource source;
+  std::string problem;
+  if (options.system.empty() == options.definition.empty()) {
+    return program.Misuse("Give the coordinate system with --system NAME or --definition FILE.");
+  }
+  CTrgCalculator calculator;
+  if (!ReadSystemOptions(program, options.system, options.definition, source, problem) ||
+      !MakeCalculator(source, *ParseUnit(options.units), calculator, problem)) {
+    return program.Fail(problem);
+  }
+  ExitCode exit_code = ExitCode::Done;
+  std::string line;
+  for (std::size_t number = 1; !InterruptRequested() && program.console.ReadLine(line); ++number) {
+    problem.clear();
+    if (WithoutOuterBlanks(line).empty()) {
+      program.console.Print("\n");
+      continue;
+    }
+    const std::string converted = ConvertLine(options, calculator, line, problem);
+    if (problem.empty()) {
+      program.console.Print(converted + "\n");
+    } else {
+      program.console.Print("ERROR: line " + std::to_string(number) + ": " + problem + "\n");
+      exit_code = ExitCode::Failed;
+    }
+  }
+  return exit_code;
+}
+
+}  // namespace
+
+void AddConvertCommand(CLI::App& app, Program& program) {
+  Command<ConvertOptions> command(
+      app, program, "convert",
+      "Convert lines \"latitude longitude [height]\" to \"northing easting [elevation]\", or back",
+      RunConvert);
+  ConvertOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  sub.footer(
+      "Reads the standard input: WGS84 in decimal degrees, height above the ellipsoid in metres,\n"
+      "numbers separated by blanks or commas. A line that cannot be converted becomes a line\n"
+      "\"ERROR: ...\", the rest goes on, and the exit code is 1.\n"
+      "Example: echo 46.8 9.3 1100 | tarvex convert --system \"UTM/UTM WGS84 Zone 32\"");
+  sub.add_option("--system", options.system, "Coordinate system by its name (see: tarvex systems)");
+  sub.add_option("--definition", options.definition, "File with the definition text of the system");
+  sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")
+      ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
+  sub.add_flag("--inverse", options.inverse, "From grid coordinates to latitude and longitude");
+  sub.add_option("--decimals", options.decimals,
+                 "Decimals written (default: 4 of grid coordinates, 10 of degrees)")
+      ->check(CLI::Range(0, kMostDecimals));
+}
+
+}  // namespace tarvex

@@ -1,0 +1,114 @@
+// tarvex new: creates a job.
+#include "app/commands/command.h"
+#include "app/commands/commands.h"
+#include "app/job_session.h"
+#include "app/job_system.h"
+#include "core/coordinate_file.h"
+#include "core/number_text.h"
+#include "core/raw_file.h"
+#include "core/raw_records.h"
+
+namespace tarvex {
+namespace {
+
+struct NewOptions {
+  std::string job;
+  bool numeric = false;
+  std::string units = "metres";
+  std::string system;
+  std::string definition;
+  bool south_azimuths = false;
+  bool curvature_correction = false;
+  std::string scale_factor = "1";
+  std::string name;
+};
+
+void FillSettings(const NewOptions& options, const SystemSource& source, Settings& settings) {
+  settings.Set("ids", options.numeric ? "numeric" : "alphanumeric");
+  settings.Set("units", options.units);
+  settings.Set("azimuths", options.south_azimuths ? "south" : "north");
+  settings.Set("scale_factor", options.scale_factor);
+  settings.Set("curvature_correction", options.curvature_correction ? "1" : "0");
+  if (!options.name.empty()) settings.Set("name", options.name);
+  PutSystemIntoSettings(source, settings);
+}
+
+ExitCode CreateFiles(Program& program, JobSession& session, const std::string& system_title) {
+  Job& job = session.job();
+  if (!session.Save()) return ExitCode::Failed;
+  if (!OpenCoordinateFile(job, true)) return ExitCode::Failed;
+  const std::string title = system_title.empty() ? "none" : system_title;
+  if (AppendRawRecord(job, CommentRecord("Coordinate System: " + title)) !=
+      RawFileResult::Written) {
+    return program.Fail("The job was created, but its raw file " + RawFilePath(job) +
+                        " could not be written.");
+  }
+  program.console.Print("Created the job " + job.path + " (" +
+                        (job.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
+                        std::string(UnitName(job.unit)) + ", coordinate system: " + title + ").\n");
+  return ExitCode::Done;
+}
+
+ExitCode RunNew(const NewOptions& options, Program& program) {
+  if (!options.job.ends_with(".crd")) {
+    return program.Misuse("A job's coordinate file ends in .crd: " + options.job + ".crd?");
+  }
+  const auto scale = ParseNumber(options.scale_factor);
+  if (!scale || *scale <= 0.0) {
+    return program.Misuse("The scale factor \"" + options.scale_factor +
+                          "\" is not a number above 0.");
+  }
+  JobSession session(program, options.job);
+  for (const std::string& path :
+       {options.job, RawFilePath(session.job()), session.settings_path()}) {
+    if (program.files.Exists(path))
+      return program.Fail(path + " exists; a new job overwrites nothing.");
+  }
+  SystemSource source;
+  std::string problem;
+  if (!ReadSystemOptions(program, options.system, options.definition, source, problem)) {
+    return program.Fail(problem);
+  }
+  CTrgCalculator calculator;
+  if (!source.empty() && !MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
+    return program.Fail(problem);
+  }
+  if (!session.Load()) return ExitCode::Failed;
+  FillSettings(options, source, session.settings());
+  Job& job = session.job();
+  job.unit = *ParseUnit(options.units);
+  job.alphanumeric_new_files = !options.numeric;
+  job.azimuths_from_south = options.south_azimuths;
+  job.scale_factor = *scale;
+  job.curvature_correction = options.curvature_correction;
+  if (!options.name.empty()) job.name = options.name;
+  return CreateFiles(program, session, source.empty() ? "" : SystemTitle(source, calculator));
+}
+
+}  // namespace
+
+void AddNewCommand(CLI::App& app, Program& program) {
+  Command<NewOptions> command(app, program, "new",
+                              "Create a job: its coordinate file, settings and raw file", RunNew);
+  NewOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  sub.add_option("JOB.crd", options.job, "The coordinate file to create")->required();
+  sub.add_flag("--numeric", options.numeric,
+               "Number the points 1, 2, 3 ... instead of naming them");
+  sub.add_option("--units", options.units, "The job's distance unit (default: metres)")
+      ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
+  auto* system = sub.add_option("--system", options.system,
+                                "Coordinate system by its name (see: tarvex systems)");
+  sub.add_option("--definition", options.definition,
+                 "File with the definition text of the coordinate system")
+      ->excludes(system);
+  sub.add_flag("--south-azimuths", options.south_azimuths, "Azimuths are measured from south");
+  sub.add_flag("--curvature-correction", options.curvature_correction,
+               "Earth curvature and refraction are corrected");
+  sub.add_option("--scale-factor", options.scale_factor,
+                 "Grid scale factor of the raw file (default: 1)");
+  sub.add_option("--name", options.name,
+                 "Name written into the raw file (default: the file's name)");
+}
+
+}  // namespace tarvex

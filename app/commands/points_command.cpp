@@ -1,0 +1,91 @@
+// tarvex points: the points of a job.
+#include <algorithm>
+
+#include "app/commands/command.h"
+#include "app/commands/commands.h"
+#include "app/job_session.h"
+#include "app/json_text.h"
+#include "core/number_text.h"
+#include "core/point_list.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kDecimals = 4;
+constexpr std::size_t kNumberWidth = 16;
+constexpr std::size_t kIdWidth = 10;
+
+struct PointsOptions {
+  std::string job;
+  bool json = false;
+};
+
+std::string Right(const std::string& text, std::size_t width) {
+  return std::string(width - std::min(width, text.size()), ' ') + text;
+}
+
+std::string Left(const std::string& text, std::size_t width) {
+  return text + std::string(width - std::min(width, text.size()), ' ');
+}
+
+std::string Row(const Point& point) {
+  std::string row = Left(point.id.str(), kIdWidth);
+  for (const double value : {point.at.northing, point.at.easting, point.at.elevation}) {
+    row += Right(FixedNumber(value, kDecimals), kNumberWidth);
+  }
+  if (!point.description.empty()) row += "  " + OneLine(point.description.view());
+  return row + "\n";
+}
+
+void PrintTable(const Job& job, const PointList& points, Program& program) {
+  if (points.empty()) {
+    program.console.Print("The job holds no points.\n");
+    return;
+  }
+  program.console.Print(Left("Point", kIdWidth) + Right("Northing", kNumberWidth) +
+                        Right("Easting", kNumberWidth) + Right("Elevation", kNumberWidth) +
+                        "  Description\n");
+  for (const Point& point : points) program.console.Print(Row(point));
+  program.console.Print(std::to_string(points.size()) +
+                        (points.size() == 1 ? " point, " : " points, ") +
+                        std::string(UnitName(job.unit)) + "\n");
+}
+
+void PrintJson(const Job& job, const PointList& points, Program& program) {
+  Json list = Json::array();
+  for (const Point& point : points) list.push_back(PointJson(point));
+  program.console.Print(JsonText({{"job", job.path},
+                                  {"alphanumeric", job.alphanumeric},
+                                  {"unit", UnitKey(job.unit)},
+                                  {"points", std::move(list)}}));
+}
+
+ExitCode RunPoints(const PointsOptions& options, Program& program) {
+  JobSession session(program, options.job);
+  if (!session.LoadExisting()) return ExitCode::Failed;
+  PointList points;
+  const auto progress = [&](std::string_view text) {
+    program.console.ShowProgress("Loading" + std::string(" ") + std::string(text.substr(1)));
+  };
+  const LoadPointsResult result = LoadAllPoints(session.job(), points, nullptr, progress);
+  program.console.EndProgress();
+  if (result == LoadPointsResult::OutOfMemory)
+    return program.Fail("There is not enough memory for the points of " + options.job + ".");
+  if (result != LoadPointsResult::Loaded) return ExitCode::Failed;
+  if (options.json) {
+    PrintJson(session.job(), points, program);
+  } else {
+    PrintTable(session.job(), points, program);
+  }
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+void AddPointsCommand(CLI::App& app, Program& program) {
+  Command<PointsOptions> command(app, program, "points", "List the points of a job", RunPoints);
+  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
+  command.sub.add_flag("--json", command.options->json, "Print JSON");
+}
+
+}  // namespace tarvex

@@ -1,0 +1,55 @@
+// tarvex: field data collection for land surveyors.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "app/commands/commands.h"
+#include "app/program.h"
+
+namespace tarvex {
+namespace {
+
+void AddCommands(CLI::App& app, Program& program) {
+  AddNewCommand(app, program);
+  AddCollectCommand(app, program);
+  AddStoreCommand(app, program);
+  AddImportCommand(app, program);
+  AddPointsCommand(app, program);
+  AddDeleteCommand(app, program);
+  AddRawCommand(app, program);
+  AddNoteCommand(app, program);
+  AddConvertCommand(app, program);
+  AddSystemsCommand(app, program);
+  AddDemoCommand(app, program);
+}
+
+int Run(int argc, char** argv) {
+  Program program{.files = SystemFiles(), .clock = SystemClock(), .console = StandardConsole()};
+  CLI::App app(
+      "Field data collection for land surveyors: jobs, receivers, grid coordinates.\n"
+      "Start with: tarvex new site.crd, then tarvex collect site.crd --receiver simulated",
+      "tarvex");
+  app.set_version_flag("--version", ProgramIdentification());
+  app.set_help_all_flag("--help-all", "Help of all commands");
+  app.failure_message(CLI::FailureMessage::help);
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return "ERROR: " + std::string(error.what()) + "\nRun with --help for more information.\n";
+  });
+  app.require_subcommand(1);
+  AddCommands(app, program);
+  WatchForInterrupt();
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::WrongUse);
+  }
+  if (std::fflush(stdout) != 0)
+    program.exit_code = program.Fail("The output could not be written.");
+  return static_cast<int>(program.exit_code);
+}
+
+}  // namespace
+}  // namespace tarvex
+
+int main(int argc, char** argv) {
+  return tarvex::Run(argc, argv);
+}

@@ -1,0 +1,54 @@
+// What every command works with: the files, the clock, the terminal and the exit code to come.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/clock.h"
+#include "platform/file.h"
+
+namespace tarvex {
+
+/// Exit codes of the program; bad input is never 0.
+enum class ExitCode : int { Done = 0, Failed = 1, WrongUse = 2 };
+
+/// Text to the person: results to the standard output, everything else to the standard error.
+class Console {
+ public:
+  virtual ~Console() = default;
+
+  virtual void Print(std::string_view text) = 0;
+  virtual void PrintError(std::string_view text) = 0;
+  /// Replaces the line at the bottom of the terminal; nothing when no person looks on.
+  virtual void ShowProgress(std::string_view line) = 0;
+  virtual void EndProgress() = 0;
+  /// One line typed by the person; false when nobody is there to ask.
+  virtual bool Ask(std::string_view question, std::string& answer) = 0;
+  /// The next line of the standard input, without its line end; false at its end.
+  virtual bool ReadLine(std::string& line) = 0;
+};
+
+struct Program {
+  FileSystem& files;
+  Clock& clock;
+  Console& console;
+  ExitCode exit_code = ExitCode::Done;
+
+  /// Prints "ERROR: ..." and remembers that something failed.
+  ExitCode Fail(std::string_view sentence);
+  /// The same for an argument that makes no sense.
+  ExitCode Misuse(std::string_view sentence);
+};
+
+/// The console on this process's standard streams.
+Console& StandardConsole();
+
+/// True once the person pressed Ctrl-C (or the system asked the program to end).
+bool InterruptRequested();
+void WatchForInterrupt();
+
+/// "Tarvex " and the version.
+std::string ProgramIdentification();
+
+}  // namespace tarvex
