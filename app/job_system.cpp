@@ -81,7 +81,7 @@ bool MakeCalculator(const SystemSource& source, DistanceUnit unit, CTrgCalculato
 std::string SystemTitle(const SystemSource& source, const CTrgCalculator& calculator) {
   if (!source.name.empty()) return source.name;
   const std::string& name = calculator.compound_name();
-  return name.empty() ? calculator.record().projection_name : name;
+  return name.empty() ? calculator.record().projection_name.str() : name;
 }
 
 }  // namespace tarvex
