@@ -44,7 +44,7 @@ std::optional<Sexagesimal> Split(double degrees, int decimals) {
   const double scaled = std::fabs(circle) * 3600.0 * static_cast<double>(per_second);
   if (scaled >= 9e18) return Split(std::fmod(degrees, 360.0), decimals);
   std::int64_t units = std::llround(scaled / static_cast<double>(step)) * step;
-  const std::int64_t full_circle = 360 * 3600 * per_second;
+  const std::int64_t full_circle = std::int64_t{360} * 3600 * per_second;
   if (circle >= 0.0 && units >= full_circle) units -= full_circle;
   const std::int64_t whole_seconds = units / per_second;
   return Sexagesimal{.negative = circle < 0.0 && units > 0,

@@ -33,7 +33,10 @@ struct PointIdKey {
   std::uint64_t high = 0;
   std::uint64_t low = 0;
 
-  auto operator<=>(const PointIdKey&) const = default;
+  bool operator==(const PointIdKey&) const = default;
+  friend bool operator<(const PointIdKey& a, const PointIdKey& b) {
+    return a.high != b.high ? a.high < b.high : a.low < b.low;
+  }
 };
 std::optional<PointIdKey> MakePointIdKey(std::string_view id);
 

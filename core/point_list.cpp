@@ -61,7 +61,7 @@ class BlockDecoder {
     }
     numeric_layout::DecodeRecord(record, point);
     id_text_.clear();
-    AppendInteger(id_text_, static_cast<long long>(index + 1));
+    AppendInteger(id_text_, static_cast<long long>(index) + 1);
     point.id.Assign(id_text_);
   }
 

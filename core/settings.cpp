@@ -1,6 +1,6 @@
 #include "core/settings.h"
 
-#include <algorithm>
+#include <ranges>
 
 #include "core/text.h"
 
@@ -22,8 +22,8 @@ Settings::Settings(std::string_view text) {
 }
 
 std::optional<std::string> Settings::Get(std::string_view key) const {
-  for (auto line = lines_.rbegin(); line != lines_.rend(); ++line) {
-    if (const auto value = ValueOf(*line, key)) return std::string(*value);
+  for (const std::string& line : lines_ | std::views::reverse) {
+    if (const auto value = ValueOf(line, key)) return std::string(*value);
   }
   return std::nullopt;
 }
@@ -34,9 +34,9 @@ std::string Settings::GetOr(std::string_view key, std::string_view fallback) con
 
 void Settings::Set(std::string_view key, std::string_view value) {
   const std::string line = std::string(key) + "=" + OneLine(value);
-  for (auto old = lines_.rbegin(); old != lines_.rend(); ++old) {
-    if (!ValueOf(*old, key)) continue;
-    *old = line;
+  for (std::string& old : lines_ | std::views::reverse) {
+    if (!ValueOf(old, key)) continue;
+    old = line;
     return;
   }
   lines_.push_back(line);

@@ -48,7 +48,7 @@ TEST(PointIdOrder, IsTransitiveAndAgreesWithItsKeys) {
     const auto b = MakePointIdKey(ids[2]);
     if (!a || !b) continue;
     ++keyed;
-    ASSERT_EQ(Sign(ComparePointIds(ids[0], ids[2])), (*a > *b) - (*a < *b))
+    ASSERT_EQ(Sign(ComparePointIds(ids[0], ids[2])), (*b < *a) - (*a < *b))
         << ids[0] << " " << ids[2];
   }
   EXPECT_GT(keyed, 10000);
