@@ -1,6 +1,6 @@
 #include "core/settings.h"
 
-#include <ranges>
+#include <algorithm>
 
 #include "core/text.h"
 
@@ -15,6 +15,10 @@ std::optional<std::string_view> ValueOf(std::string_view line, std::string_view 
   return WithoutOuterBlanks(line.substr(equals + 1));
 }
 
+auto IsSettingOf(std::string_view key) {
+  return [key](const std::string& line) { return ValueOf(line, key).has_value(); };
+}
+
 }  // namespace
 
 Settings::Settings(std::string_view text) {
@@ -22,10 +26,9 @@ Settings::Settings(std::string_view text) {
 }
 
 std::optional<std::string> Settings::Get(std::string_view key) const {
-  for (const std::string& line : lines_ | std::views::reverse) {
-    if (const auto value = ValueOf(line, key)) return std::string(*value);
-  }
-  return std::nullopt;
+  const auto last = std::find_if(lines_.rbegin(), lines_.rend(), IsSettingOf(key));
+  if (last == lines_.rend()) return std::nullopt;
+  return std::string(*ValueOf(*last, key));
 }
 
 std::string Settings::GetOr(std::string_view key, std::string_view fallback) const {
@@ -34,16 +37,16 @@ std::string Settings::GetOr(std::string_view key, std::string_view fallback) con
 
 void Settings::Set(std::string_view key, std::string_view value) {
   const std::string line = std::string(key) + "=" + OneLine(value);
-  for (std::string& old : lines_ | std::views::reverse) {
-    if (!ValueOf(old, key)) continue;
-    old = line;
-    return;
+  const auto last = std::find_if(lines_.rbegin(), lines_.rend(), IsSettingOf(key));
+  if (last == lines_.rend()) {
+    lines_.push_back(line);
+  } else {
+    *last = line;
   }
-  lines_.push_back(line);
 }
 
 void Settings::Remove(std::string_view key) {
-  std::erase_if(lines_, [&](const std::string& line) { return ValueOf(line, key).has_value(); });
+  std::erase_if(lines_, IsSettingOf(key));
 }
 
 std::string Settings::Text() const {
