@@ -3,7 +3,6 @@
 #include "core/angle.h"
 #include "core/number_text.h"
 #include "core/point_notes.h"
-#include "core/point_store.h"
 #include "core/raw_file.h"
 #include "core/raw_records.h"
 #include "gnss/point_quality.h"
@@ -59,9 +58,7 @@ bool CollectSession::OpenReceiver() {
   port_ = MakePort(plan_.receiver, program_.files, program_.clock, errors);
   connection_.port = port_.get();
   if (!port_ || port_->Open() == PortError::None) return true;
-  std::string sentence;
-  for (const LastError& error : errors.History()) sentence += PortErrorText(error) + " ";
-  (void)program_.Fail(WithoutOuterBlanks(sentence));
+  (void)program_.Fail(ErrorSentences(errors));
   return false;
 }
 

@@ -8,6 +8,7 @@
 
 #include "app/job_session.h"
 #include "coordsys/calculator.h"
+#include "core/point_store.h"
 #include "gnss/gnss_connection.h"
 #include "gnss/port_address.h"
 #include "gnss/position_reader.h"
