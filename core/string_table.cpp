@@ -150,6 +150,8 @@ constexpr std::array kEntries = {
     Entry{5023, "The TS at %s lacks its SC and CS; it is drawn as a chord."},
     Entry{5024, "The spiral record %s does not fit its own chord; it is drawn as a chord."},
     Entry{5025, "The spiral at %s does not fit between its key points; it is drawn as a chord."},
+    Entry{5030, "the section is not known; its lines are kept but not used: %s"},
+    Entry{5031, "the key is not known here; the line is kept but not used: %s"},
     Entry{5223, "The centerline file %s could not be opened."},
 };
 

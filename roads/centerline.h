@@ -104,28 +104,4 @@ struct Centerline {
 
 inline constexpr std::size_t kMostLineNotes = 100;
 
-/// The road that is open.
-struct Road {
-  bool use_station_limits = false;
-  std::optional<Centerline> centerline;
-};
-
-/// Station of the first element plus `offset`; exactly 0 when its magnitude is below 0.0001, and
-/// without a centerline.
-double StartStation(const Road& road, double offset = 0.0);
-
-struct StationSpan {
-  double start = 0.0;
-  double end = 0.0;
-  bool start_limited = false;
-  bool end_limited = false;
-
-  bool operator==(const StationSpan&) const = default;
-};
-
-/// The usable stations: from the start station to the last element's station less `end_offset`,
-/// narrowed (never widened) by the station limits when the road uses them. Nothing without a
-/// centerline.
-std::optional<StationSpan> StationRange(const Road& road, double end_offset = 0.0);
-
 }  // namespace tarvex

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "platform/file.h"
-#include "roads/centerline.h"
+#include "roads/road.h"
 
 namespace tarvex {
 

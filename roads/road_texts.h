@@ -16,6 +16,10 @@ inline constexpr int kTextNotARadiusLine = 5006;
 inline constexpr int kTextCenterlineTooLong = 5007;
 inline constexpr int kTextFileTooLarge = 5008;
 
+// Notes on lines of a template
+inline constexpr int kTextUnknownSection = 5030;
+inline constexpr int kTextUnknownKey = 5031;
+
 // Findings of a check
 inline constexpr int kTextStationsConverted = 5010;
 inline constexpr int kTextEquationRefused = 5011;

@@ -1,0 +1,193 @@
+// A road's typical cross-section as its template file (".tpl", docs/formats/tpl.md) gives it: the
+// finished surface on each side, the slopes that run out to the ground, superelevation, right of
+// way.
+//
+// Widths, heights and elevation changes are in the job's distance unit, measured outward from the
+// centerline; positive slopes rise outward. The template keeps the text that it was read from, so
+// that writing it back loses nothing, not even keys that nobody here knows.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "roads/centerline.h"
+
+namespace tarvex {
+
+enum class Side : int { Left, Right };
+
+enum class SlopeKind : int {
+  Grade = 0,           ///< percent
+  Ratio = 1,           ///< n of n:1, horizontal to vertical
+  ElevationChange = 2  ///< over the whole segment
+};
+
+struct SurfaceSegment {
+  double width = 0.0;
+  SlopeKind kind = SlopeKind::Grade;
+  double value = 0.0;
+  std::string description;
+
+  /// Change of elevation over the segment, outward.
+  double Rise() const;
+
+  bool operator==(const SurfaceSegment&) const = default;
+};
+
+/// A curb or median named where the surface has it.
+struct SurfaceInsert {
+  enum class Kind : int { Curb, Median };
+  Kind kind = Kind::Curb;
+  std::string name;
+  std::size_t before_segment = 0;  ///< it stands before this segment of its side
+
+  bool operator==(const SurfaceInsert&) const = default;
+};
+
+struct Surface {
+  double offset = 0.0;     ///< of the first point from the centerline, outward
+  double elevation = 0.0;  ///< of the first point above the centerline
+  std::vector<SurfaceSegment> segments;
+  std::vector<SurfaceInsert> inserts;
+};
+
+/// A slope for heights up to a limit: n of n:1.
+struct SlopeRow {
+  double height = 0.0;
+  double ratio = 0.0;
+
+  bool operator==(const SlopeRow&) const = default;
+};
+
+/// At most this many rows; a further row replaces the last one.
+inline constexpr std::size_t kMostSlopeRows = 5;
+
+struct FillSide {
+  std::vector<SlopeRow> slopes;
+  double ditch = 0.0;
+  int ditch_kind = 0;
+  double guard_vertical = 0.0;
+  double guard_horizontal = 0.0;
+};
+
+struct CutSide {
+  std::vector<SlopeRow> slopes;
+  double rock_slope = 1.0;
+  int rock_order = 0;
+};
+
+/// What fill and cut both have, once for both sides.
+struct SlopeSettings {
+  int ratio = 1;
+  int smooth = 1;
+  int series = 0;  ///< 0: one slope over the whole height; 1: a slope for each height band
+  int pivot = 0;
+  int tie_existing = 0;
+  std::string existing_description;
+  int repeat = 0;
+};
+
+struct CutSettings : SlopeSettings {
+  int depth = 1;
+  int bench1 = 0;
+  double bench2 = 10.0;
+  double bench3 = 1.0;
+};
+
+struct SubgradeSegment {
+  SurfaceSegment segment;
+  bool up = false;
+  bool wrap = false;
+};
+
+struct Subgrade {
+  std::string material;
+  std::string high_pivot;
+  int high_type = 0;
+  std::array<double, 3> high_slopes{};
+  std::array<double, 3> low_slopes{};
+  std::string low_pivot;
+  int low_type = 0;
+  int direction = 0;
+  double wrap_height = 0.0;
+  double offset = 0.0;
+  double elevation = 0.0;
+  std::vector<SubgradeSegment> segments;
+};
+
+struct Curb {
+  std::string name;
+  enum class Slope : int { Number, Flat, Match };
+  double top = 0.0;
+  double base = 0.0;
+  Slope slope_kind = Slope::Number;
+  double slope = 0.0;
+  double taper = 0.0;
+  double height1 = 0.0;
+  double height2 = 0.0;
+  double drop = 0.0;
+  double width = 0.0;
+  int unit = 0;
+  int type = 0;
+  std::string material;
+  std::string integral;
+  std::string round;
+};
+
+struct MedianGrade {
+  double first = 0.0;
+  double second = 0.0;
+  int third = 0;
+  int fourth = 0;
+};
+
+struct Median {
+  std::string name;
+  std::vector<MedianGrade> grades;
+};
+
+struct SuperelevationSettings {
+  int low_adjust = 0;
+  double largest_difference = 7.0;  ///< roll-over limit between lane and shoulder, percent
+  std::string low_point;
+  std::string high_point;
+  std::string low_point2;
+  std::string high_point2;
+};
+
+struct RightOfWay {
+  int retain_left = 0;
+  int retain_right = 0;
+  double left = 0.0;
+  double right = 0.0;
+};
+
+struct RoadTemplate {
+  std::array<Surface, 2> surface;
+  std::array<std::vector<Subgrade>, 2> subgrade;
+  std::array<FillSide, 2> fill;
+  std::array<CutSide, 2> cut;
+  SlopeSettings fill_settings;
+  CutSettings cut_settings;
+  std::vector<SurfaceSegment> ditch;
+  std::vector<SurfaceSegment> berm;
+  double berm_depth = 0.0;
+  std::vector<Curb> curbs;
+  std::vector<Median> medians;
+  SuperelevationSettings super;
+  RightOfWay right_of_way;
+
+  std::string text;             ///< the file, byte for byte
+  std::vector<LineNote> notes;  ///< lines that were passed over
+
+  const Surface& SurfaceOf(Side side) const { return surface[static_cast<std::size_t>(side)]; }
+  const FillSide& FillOf(Side side) const { return fill[static_cast<std::size_t>(side)]; }
+  const CutSide& CutOf(Side side) const { return cut[static_cast<std::size_t>(side)]; }
+  const Curb* FindCurb(std::string_view name) const;
+  const Median* FindMedian(std::string_view name) const;
+};
+
+}  // namespace tarvex
