@@ -73,7 +73,7 @@ ProfileElevation Profile::OnParabola(std::size_t point, double station) const {
 ProfileElevation Profile::OnCircle(std::size_t point, double station) const {
   const VerticalPoint& p = points_[point];
   const double in = std::atan(GradeAfter(point - 1));
-  const double bend = std::tan(GradeAfter(point)) >= std::tan(std::tan(in)) ? 1.0 : -1.0;
+  const double bend = GradeAfter(point) >= GradeAfter(point - 1) ? 1.0 : -1.0;
   const double from = SpanOf(point).from;
   const double begin = p.elevation + std::tan(in) * (from - p.station);
   // Sine of the slope angle grows evenly along the station.
@@ -86,9 +86,9 @@ ProfileElevation Profile::OnCircle(std::size_t point, double station) const {
 
 std::optional<ProfileElevation> Profile::At(double station) const {
   if (!(station >= start_station() && station <= end_station())) return std::nullopt;
-  const auto above = std::upper_bound(
-      points_.begin(), points_.end(), station,
-      [](double value, const VerticalPoint& p) { return value < p.station; });
+  const auto above =
+      std::upper_bound(points_.begin(), points_.end(), station,
+                       [](double value, const VerticalPoint& p) { return value < p.station; });
   const auto last = static_cast<std::size_t>(above - points_.begin()) - 1;
   for (const std::size_t i : {last, last + 1}) {
     if (i >= points_.size() || points_[i].curve == VerticalCurveKind::None) continue;

@@ -1,5 +1,5 @@
-// The vertical alignment of a road: points of vertical intersection joined by grades, with parabolic
-// or circular curves at them.
+// The vertical alignment of a road: points of vertical intersection joined by grades, with
+// parabolic or circular curves at them.
 //
 // Stations are internal ones and elevations in the job's distance unit; grades are ratios, positive
 // rising. A parabola of lengths L1, L2 before and after its PVI at grades g1, g2 meets the grades
@@ -33,12 +33,12 @@ struct ProfileElevation {
   bool on_curve = false;
 };
 
-enum class [[nodiscard]] ProfileResult : int {
-  Made = 1,
-  TooFew = 0,           ///< fewer than two points
-  StationsFall = -1,    ///< `at` is the point whose station does not rise
-  CurvesOverlap = -2,   ///< the curves at `at` - 1 and `at` overlap
-  BadCurve = -3,        ///< a curve at an end, or a length or radius that is no number
+enum class [[nodiscard]] ProfileResult : int{
+    Made = 1,
+    TooFew = 0,          ///< fewer than two points
+    StationsFall = -1,   ///< `at` is the point whose station does not rise
+    CurvesOverlap = -2,  ///< the curves at `at` - 1 and `at` overlap
+    BadCurve = -3,       ///< a curve at an end, or a length or radius that is no number
 };
 
 struct ProfileMaking;

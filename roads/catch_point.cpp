@@ -1,0 +1,215 @@
+// Where the cut or fill slope of a section meets the existing ground.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "roads/section.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kOnGrade = 0.001;
+constexpr double kUnlimited = std::numeric_limits<double>::infinity();
+
+}  // namespace
+
+GroundLine GroundLine::Plane(double elevation_at_centerline, double slope) {
+  GroundLine ground;
+  ground.elevation_ = elevation_at_centerline;
+  ground.slope_ = slope;
+  return ground;
+}
+
+std::optional<GroundLine> GroundLine::Polyline(std::vector<Vertex> vertices) {
+  if (vertices.size() < 2) return std::nullopt;
+  for (std::size_t i = 1; i < vertices.size(); ++i) {
+    if (!(vertices[i].offset >= vertices[i - 1].offset)) return std::nullopt;
+  }
+  GroundLine ground;
+  ground.plane_ = false;
+  ground.vertices_ = std::move(vertices);
+  return ground;
+}
+
+std::optional<double> GroundLine::Reach() const {
+  if (plane_) return std::nullopt;
+  return vertices_.back().offset;
+}
+
+std::optional<double> GroundLine::At(double offset) const {
+  if (plane_) return elevation_ + slope_ * offset;
+  for (std::size_t i = 1; i < vertices_.size(); ++i) {
+    const Vertex& a = vertices_[i - 1];
+    const Vertex& b = vertices_[i];
+    if (offset < a.offset || offset > b.offset) continue;
+    if (a.offset == b.offset) return a.elevation;
+    return a.elevation + (b.elevation - a.elevation) * (offset - a.offset) / (b.offset - a.offset);
+  }
+  return std::nullopt;
+}
+
+namespace {
+
+// Where a line meets one straight leg of the ground; both are known at `from`.
+std::optional<double> MeetingOnLeg(double gap, double slope_difference, double from, double to) {
+  if (gap == 0.0) return from;
+  if (slope_difference == 0.0) return std::nullopt;
+  const double at = from + gap / slope_difference;
+  return at >= from && at <= to ? std::optional(at) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<GroundLine::Vertex> GroundLine::FirstMeeting(double from, double z, double slope,
+                                                           double to) const {
+  const auto meeting = [&](double leg_from, double ground, double ground_slope, double leg_to) {
+    const double line = z + slope * (leg_from - from);
+    return MeetingOnLeg(ground - line, slope - ground_slope, leg_from, leg_to);
+  };
+  if (plane_) {
+    const auto at = meeting(from, elevation_ + slope_ * from, slope_, to);
+    if (!at) return std::nullopt;
+    return Vertex{*at, z + slope * (*at - from)};
+  }
+  for (std::size_t i = 1; i < vertices_.size(); ++i) {
+    const Vertex& a = vertices_[i - 1];
+    const Vertex& b = vertices_[i];
+    if (b.offset < from || a.offset > to || a.offset == b.offset) continue;
+    const double ground_slope = (b.elevation - a.elevation) / (b.offset - a.offset);
+    const double leg_from = std::max(a.offset, from);
+    const double ground = a.elevation + ground_slope * (leg_from - a.offset);
+    const auto at = meeting(leg_from, ground, ground_slope, std::min(b.offset, to));
+    if (at) return Vertex{*at, z + slope * (*at - from)};
+  }
+  return std::nullopt;
+}
+
+namespace {
+
+class CatchFinder {
+ public:
+  CatchFinder(const RoadTemplate& section, Side side, const GroundLine& ground)
+      : section_(section), side_(side), ground_(ground) {}
+
+  CatchPoint Find(const SectionPoint& hinge) {
+    caught_.hinge_offset = hinge.offset;
+    caught_.hinge_elevation = hinge.elevation;
+    const auto ground = ground_.At(hinge.offset);
+    if (!ground) return End(CatchResult::NoGround);
+    if (std::fabs(*ground - hinge.elevation) <= kOnGrade) {
+      caught_.offset = hinge.offset;
+      caught_.elevation = hinge.elevation;
+      return End(CatchResult::OnGrade);
+    }
+    caught_.kind = *ground > hinge.elevation ? EarthworkKind::Cut : EarthworkKind::Fill;
+    StartSlope();
+    if (caught_.kind == EarthworkKind::Cut && Daylights()) {
+      caught_.kind = EarthworkKind::Fill;
+      caught_.ditch_daylights = true;
+      StartSlope();
+    }
+    return End(RunSlope());
+  }
+
+ private:
+  CatchPoint End(CatchResult result) {
+    caught_.result = result;
+    const RightOfWay& limit = section_.right_of_way;
+    const double width = side_ == Side::Left ? limit.left : limit.right;
+    caught_.beyond_right_of_way =
+        result == CatchResult::Caught && width > 0.0 && caught_.offset > width;
+    return caught_;
+  }
+
+  // The slope starts behind the ditch in cut, behind the berm in fill.
+  void StartSlope() {
+    caught_.between.clear();
+    SectionPoint at{caught_.hinge_offset, caught_.hinge_elevation, {}};
+    const bool cut = caught_.kind == EarthworkKind::Cut;
+    for (const SurfaceSegment& segment : cut ? section_.ditch : section_.berm) {
+      at.offset += segment.width;
+      at.elevation += segment.Rise();
+      at.description = segment.description;
+      caught_.between.push_back(at);
+    }
+    caught_.slope_offset = at.offset;
+    caught_.slope_elevation = at.elevation;
+  }
+
+  bool Daylights() const {
+    const auto ground = ground_.At(caught_.slope_offset);
+    return ground && *ground < caught_.slope_elevation;
+  }
+
+  CatchResult RunSlope() {
+    const bool cut = caught_.kind == EarthworkKind::Cut;
+    std::vector<SlopeRow> rows = cut ? section_.CutOf(side_).slopes : section_.FillOf(side_).slopes;
+    std::erase_if(rows, [](const SlopeRow& row) { return !(row.ratio > 0.0); });
+    if (rows.empty()) return CatchResult::NoSlopes;
+    const int series = cut ? section_.cut_settings.series : section_.fill_settings.series;
+    const bool caught = series == 1 ? RunSteps(rows, cut) : RunOneSlope(rows, cut);
+    if (caught) return CatchResult::Caught;
+    return ground_.Reach() ? CatchResult::GroundEnds : CatchResult::NoCatch;
+  }
+
+  void Take(const SlopeRow& row, int number, const GroundLine::Vertex& at) {
+    caught_.ratio = row.ratio;
+    caught_.row = number;
+    caught_.offset = at.offset;
+    caught_.elevation = at.elevation;
+    caught_.height = std::fabs(at.elevation - caught_.slope_elevation);
+  }
+
+  // One slope over the whole height: the first row that meets the ground within its limit.
+  bool RunOneSlope(const std::vector<SlopeRow>& rows, bool cut) {
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const double slope = (cut ? 1.0 : -1.0) / rows[i].ratio;
+      const auto at =
+          ground_.FirstMeeting(caught_.slope_offset, caught_.slope_elevation, slope, kUnlimited);
+      if (!at) continue;
+      const double height = std::fabs(at->elevation - caught_.slope_elevation);
+      if (height > rows[i].height && i + 1 < rows.size()) continue;
+      Take(rows[i], static_cast<int>(i) + 1, *at);
+      return true;
+    }
+    return false;
+  }
+
+  // Each row's slope through its own band of heights; the last one goes on.
+  bool RunSteps(const std::vector<SlopeRow>& rows, bool cut) {
+    const double sign = cut ? 1.0 : -1.0;
+    double offset = caught_.slope_offset;
+    double elevation = caught_.slope_elevation;
+    double height = 0.0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const bool last = i + 1 == rows.size();
+      const double rise = last ? kUnlimited : std::max(0.0, rows[i].height - height);
+      const double end = last ? kUnlimited : offset + rise * rows[i].ratio;
+      const auto at = ground_.FirstMeeting(offset, elevation, sign / rows[i].ratio, end);
+      if (at) {
+        Take(rows[i], static_cast<int>(i) + 1, *at);
+        return true;
+      }
+      if (last) break;
+      offset = end;
+      elevation += sign * rise;
+      height += rise;
+      caught_.breaks.push_back({offset, elevation, {}});
+    }
+    return false;
+  }
+
+  const RoadTemplate& section_;
+  Side side_;
+  const GroundLine& ground_;
+  CatchPoint caught_;
+};
+
+}  // namespace
+
+CatchPoint FindCatchPoint(const RoadTemplate& section, const DesignSection& design, Side side,
+                          const GroundLine& ground) {
+  return CatchFinder(section, side, ground).Find(design.Outward(side).back());
+}
+
+}  // namespace tarvex

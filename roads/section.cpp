@@ -1,0 +1,91 @@
+#include "roads/section.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvex {
+namespace {
+
+constexpr double kSameGrade = 1e-9;
+
+// How many leading segments are lanes.
+std::size_t LaneCount(const std::vector<SurfaceSegment>& segments, const std::string& edge) {
+  if (!edge.empty()) {
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+      if (segments[i].description == edge) return i + 1;
+    }
+  }
+  std::size_t count = 0;
+  while (count < segments.size() && segments[count].kind == SlopeKind::Grade &&
+         std::fabs(segments[count].value - segments[0].value) < kSameGrade) {
+    ++count;
+  }
+  return count;
+}
+
+// The segments of one side with lanes at `lane` percent.
+std::vector<SurfaceSegment> Superelevated(const RoadTemplate& section, Side side, double lane,
+                                          bool high) {
+  std::vector<SurfaceSegment> segments = section.SurfaceOf(side).segments;
+  const SuperelevationSettings& super = section.super;
+  const std::size_t lanes = LaneCount(segments, high ? super.high_point : super.low_point);
+  for (std::size_t i = 0; i < lanes; ++i) {
+    if (segments[i].kind == SlopeKind::Grade) segments[i].value = lane;
+  }
+  for (std::size_t i = lanes; i < segments.size() && segments[i].kind == SlopeKind::Grade; ++i) {
+    double& shoulder = segments[i].value;
+    shoulder =
+        high ? std::max(shoulder, lane - super.largest_difference) : std::min(shoulder, lane);
+  }
+  return segments;
+}
+
+std::vector<SectionPoint> SidePoints(const Surface& surface,
+                                     const std::vector<SurfaceSegment>& segments,
+                                     double elevation) {
+  std::vector<SectionPoint> points;
+  SectionPoint at{surface.offset, elevation + surface.elevation, {}};
+  if (surface.offset != 0.0 || surface.elevation != 0.0) points.push_back(at);
+  for (const SurfaceSegment& segment : segments) {
+    at.offset += segment.width;
+    at.elevation += segment.Rise();
+    at.description = segment.description;
+    points.push_back(at);
+  }
+  return points;
+}
+
+}  // namespace
+
+DesignSection BuildSection(const RoadTemplate& section, double elevation,
+                           const std::optional<Superelevation>& superelevation) {
+  const auto side_points = [&](Side side) {
+    const Surface& surface = section.SurfaceOf(side);
+    if (!superelevation) return SidePoints(surface, surface.segments, elevation);
+    const double own =
+        side == Side::Left ? superelevation->left_percent : superelevation->right_percent;
+    const double other =
+        side == Side::Left ? superelevation->right_percent : superelevation->left_percent;
+    return SidePoints(surface, Superelevated(section, side, own, own > other), elevation);
+  };
+  DesignSection design;
+  design.points = side_points(Side::Left);
+  std::reverse(design.points.begin(), design.points.end());
+  for (SectionPoint& point : design.points) point.offset = -point.offset;
+  design.centerline = design.points.size();
+  design.points.push_back({0.0, elevation, "CL"});
+  const auto right = side_points(Side::Right);
+  design.points.insert(design.points.end(), right.begin(), right.end());
+  return design;
+}
+
+std::vector<SectionPoint> DesignSection::Outward(Side side) const {
+  const auto center = points.begin() + static_cast<std::ptrdiff_t>(centerline);
+  if (side == Side::Right) return {center, points.end()};
+  std::vector<SectionPoint> outward(points.begin(), center + 1);
+  std::reverse(outward.begin(), outward.end());
+  for (SectionPoint& point : outward) point.offset = -point.offset;
+  return outward;
+}
+
+}  // namespace tarvex

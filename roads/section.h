@@ -1,0 +1,112 @@
+// The design section of a road at one station: the surface that a template gives at a
+// finished-grade elevation, turned by superelevation, and the slopes from its edge out to the
+// ground.
+//
+// Offsets are outward distances from the centerline on one side (>= 0), except in SectionPoint,
+// where left is negative. Elevations are absolute, in the job's distance unit. Grades are outward
+// percentages.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "roads/road_template.h"
+
+namespace tarvex {
+
+/// Grades of the lanes, outward, that replace the template's own at this station.
+struct Superelevation {
+  double left_percent = 0.0;
+  double right_percent = 0.0;
+};
+
+struct SectionPoint {
+  double offset = 0.0;
+  double elevation = 0.0;
+  std::string description;
+
+  bool operator==(const SectionPoint&) const = default;
+};
+
+/// Points from the leftmost to the rightmost, the centerline ("CL") among them, in the order in
+/// which the template has them: a vertical step is two points at one offset.
+struct DesignSection {
+  std::vector<SectionPoint> points;
+  std::size_t centerline = 0;  ///< index of "CL"
+
+  /// The points of one side outward from the centerline, with outward offsets.
+  std::vector<SectionPoint> Outward(Side side) const;
+};
+
+/// `elevation` is the finished grade on the centerline. The lanes are the segments up to the point
+/// that LOWPT or HIGHPT names (low or high side); without a name the leading segments of one grade.
+/// The shoulder behind them, up to the first step or ratio, keeps its grade except that on the low
+/// side it is at least as steep as the lane and on the high side the break is at most MAXDIF.
+DesignSection BuildSection(const RoadTemplate& section, double elevation,
+                           const std::optional<Superelevation>& superelevation = {});
+
+/// The existing ground across one side of the road, outward: either a plane z = elevation + slope*u
+/// or a polyline of rising offsets.
+class GroundLine {
+ public:
+  struct Vertex {
+    double offset = 0.0;
+    double elevation = 0.0;
+  };
+
+  static GroundLine Plane(double elevation_at_centerline, double slope);
+  /// Nothing when offsets fall or there are fewer than two vertices.
+  static std::optional<GroundLine> Polyline(std::vector<Vertex> vertices);
+
+  /// Nothing outside a polyline.
+  std::optional<double> At(double offset) const;
+
+  /// The first place from `from` to `to` (outward) where the line through (from, z) with `slope`
+  /// meets the ground; at `from` itself only when it starts there.
+  std::optional<Vertex> FirstMeeting(double from, double z, double slope, double to) const;
+  /// Where the ground is known to; nothing when it goes on without end.
+  std::optional<double> Reach() const;
+
+ private:
+  bool plane_ = true;
+  double elevation_ = 0.0;
+  double slope_ = 0.0;
+  std::vector<Vertex> vertices_;
+};
+
+enum class EarthworkKind : int { None, Cut, Fill };
+
+enum class [[nodiscard]] CatchResult : int{
+    Caught = 1,
+    OnGrade = 0,      ///< the edge lies on the ground, within 1 mm
+    NoCatch = -1,     ///< the slope never meets the ground
+    NoGround = -2,    ///< the ground is not known at the edge of the surface
+    GroundEnds = -3,  ///< no meeting within the ground that is known
+    NoSlopes = -4     ///< the template has no slope for this kind on this side
+};
+
+/// The slope from the edge to the ground.
+struct CatchPoint {
+  CatchResult result = CatchResult::NoCatch;
+  EarthworkKind kind = EarthworkKind::None;
+  double hinge_offset = 0.0;  ///< last surface point
+  double hinge_elevation = 0.0;
+  double slope_offset = 0.0;  ///< where the slope starts: behind the ditch or berm
+  double slope_elevation = 0.0;
+  std::vector<SectionPoint> between;  ///< ditch or berm points, outward offsets
+  std::vector<SectionPoint> breaks;   ///< of a stepped slope, between its bands
+  double ratio = 0.0;                 ///< n of n:1 of the (last) slope
+  int row = 0;                        ///< row of the table, from 1
+  double offset = 0.0;                ///< the catch point
+  double elevation = 0.0;
+  double height = 0.0;           ///< between the start of the slope and the catch point
+  bool ditch_daylights = false;  ///< the ditch came out above ground: taken as fill
+  bool beyond_right_of_way = false;
+};
+
+CatchPoint FindCatchPoint(const RoadTemplate& section, const DesignSection& design, Side side,
+                          const GroundLine& ground);
+
+}  // namespace tarvex

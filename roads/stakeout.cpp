@@ -1,0 +1,183 @@
+#include "roads/stakeout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "core/number_text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kHysteresis = 1.5;
+constexpr double kSameStation = 1e-4;
+constexpr double kLongestStep = 5.0;  // widths of the section
+
+}  // namespace
+
+StakeDeltas DeltasTo(const GridPoint& current, const GridPoint& target, double reference_azimuth) {
+  StakeDeltas deltas;
+  deltas.go_north = target.northing - current.northing;
+  deltas.go_east = target.easting - current.easting;
+  const double cosine = std::cos(reference_azimuth);
+  const double sine = std::sin(reference_azimuth);
+  deltas.forward = deltas.go_north * cosine + deltas.go_east * sine;
+  deltas.right = deltas.go_east * cosine - deltas.go_north * sine;
+  deltas.distance = std::hypot(deltas.go_north, deltas.go_east);
+  deltas.azimuth = std::atan2(deltas.go_east, deltas.go_north);
+  if (deltas.azimuth < 0.0) deltas.azimuth += 2.0 * std::numbers::pi;
+  deltas.cut = current.elevation - target.elevation;
+  return deltas;
+}
+
+namespace {
+
+bool ShowsZero(const std::string& digits) {
+  return digits.find_first_not_of("0.") == std::string::npos;
+}
+
+}  // namespace
+
+std::string CutFillText(double cut, int decimals) {
+  const std::string digits = FixedNumber(std::fabs(cut), decimals);
+  return ShowsZero(digits) ? digits : (cut > 0.0 ? "C " : "F ") + digits;
+}
+
+std::string OffsetText(double offset, int decimals) {
+  const std::string digits = FixedNumber(std::fabs(offset), decimals);
+  return ShowsZero(digits) ? digits : digits + (offset > 0.0 ? " R" : " L");
+}
+
+bool ToleranceGate::Update(double distance, std::optional<double> vertical, bool good_position) {
+  const double factor = inside_ ? kHysteresis : 1.0;
+  inside_ = good_position && distance <= tolerance_.horizontal * factor &&
+            std::fabs(vertical.value_or(0.0)) <= tolerance_.vertical * factor;
+  return inside_;
+}
+
+std::optional<RoadStake> StakeRoadPoint(const Alignment& alignment, const RoadTarget& target,
+                                        const GridPoint& current,
+                                        std::optional<double> station_before) {
+  const auto design = alignment.PointAt(target.station, target.offset);
+  const PlanPoint here{current.northing, current.easting};
+  const auto found =
+      station_before ? alignment.Follow(here, *station_before) : alignment.Closest(here);
+  if (!design || !found) return std::nullopt;
+  RoadStake stake;
+  stake.target = {design->at.northing, design->at.easting,
+                  target.elevation.value_or(current.elevation)};
+  stake.deltas = DeltasTo(current, stake.target, design->azimuth);
+  stake.current = *found;
+  stake.station_to_go = target.station - found->station;
+  stake.offset_to_go = target.offset - found->offset;
+  if (target.elevation) stake.cut = stake.deltas.cut;
+  stake.sound = design->sound;
+  return stake;
+}
+
+namespace {
+
+// Whole multiples of the interval among the displayed stations of one region.
+void AppendRoundStations(const StationEquations& equations, double interval, double from, double to,
+                         std::vector<double>& stations) {
+  double low = from;
+  const std::size_t regions = equations.equations().size() + 1;
+  for (std::size_t region = 0; region < regions && low <= to; ++region) {
+    const double high = region + 1 < regions ? std::min(to, equations.At(region)) : to;
+    const double shift = equations.Displayed(low).station - low;
+    const double first = std::ceil((low + shift) / interval - kSameStation);
+    const double last = std::floor((high + shift) / interval + kSameStation);
+    for (double n = first; n <= last; n += 1.0) stations.push_back(n * interval - shift);
+    low = std::max(low, high);
+  }
+}
+
+}  // namespace
+
+std::vector<double> StakeStations(const RoadGeometry& road, const Profile* profile, double interval,
+                                  double from, double to) {
+  std::vector<double> stations;
+  const double most = static_cast<double>(kMostStakeStations);
+  if (!(interval > 0.0) || !(from <= to) || (to - from) / interval > most) return stations;
+  const auto add = [&](double station) {
+    if (station >= from - kSameStation && station <= to + kSameStation) stations.push_back(station);
+  };
+  add(from);
+  add(to);
+  AppendRoundStations(road.equations, interval, from, to, stations);
+  for (const AlignmentElement& element : road.alignment.elements()) {
+    add(element.station_start);
+    add(element.station_end);
+  }
+  for (std::size_t i = 0; i < road.equations.equations().size(); ++i) add(road.equations.At(i));
+  if (profile != nullptr) {
+    for (std::size_t i = 0; i < profile->points().size(); ++i) {
+      const Profile::CurveSpan span = profile->SpanOf(i);
+      for (const double station : {span.from, profile->points()[i].station, span.to}) add(station);
+    }
+  }
+  std::sort(stations.begin(), stations.end());
+  const auto same = [](double a, double b) { return std::fabs(a - b) < kSameStation; };
+  stations.erase(std::unique(stations.begin(), stations.end(), same), stations.end());
+  return stations;
+}
+
+namespace {
+
+struct SlopeStart {
+  double offset = 0.0;
+  double elevation = 0.0;
+};
+
+SlopeStart Behind(const SectionPoint& hinge, const std::vector<SurfaceSegment>& segments) {
+  SlopeStart start{hinge.offset, hinge.elevation};
+  for (const SurfaceSegment& segment : segments) {
+    start.offset += segment.width;
+    start.elevation += segment.Rise();
+  }
+  return start;
+}
+
+// The row for the height of the ground above or below the start of the slope.
+int RowFor(const std::vector<SlopeRow>& rows, double height) {
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].ratio > 0.0 && height <= rows[i].height) return static_cast<int>(i);
+  }
+  for (std::size_t i = rows.size(); i-- > 0;) {
+    if (rows[i].ratio > 0.0) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+}  // namespace
+
+std::optional<SlopeStep> NextSlopeStep(const RoadTemplate& section, const DesignSection& design,
+                                       Side side, const SlopeShot& shot,
+                                       const std::optional<SlopeShot>& before, double tolerance) {
+  const SectionPoint hinge = design.Outward(side).back();
+  const bool cut = shot.ground > hinge.elevation;
+  const SlopeStart start = Behind(hinge, cut ? section.ditch : section.berm);
+  const auto& rows = cut ? section.CutOf(side).slopes : section.FillOf(side).slopes;
+  const int row = RowFor(rows, std::fabs(shot.ground - start.elevation));
+  if (row < 0) return std::nullopt;
+  SlopeStep step;
+  step.kind = cut ? EarthworkKind::Cut : EarthworkKind::Fill;
+  step.row = row + 1;
+  step.ratio = rows[static_cast<std::size_t>(row)].ratio;
+  const double slope = (cut ? 1.0 : -1.0) / step.ratio;
+  step.design = start.elevation + slope * (shot.offset - start.offset);
+  step.difference = shot.ground - step.design;
+  step.caught = std::fabs(step.difference) <= tolerance;
+  double ground_slope = 0.0;
+  if (before && before->offset != shot.offset) {
+    ground_slope = (shot.ground - before->ground) / (shot.offset - before->offset);
+  }
+  // Ground as steep as the slope, or steeper, tells nothing about where they meet.
+  const bool meets = cut ? ground_slope < slope : ground_slope > slope;
+  const double longest = kLongestStep * std::max(hinge.offset, 1.0);
+  step.go_out =
+      std::clamp(step.difference / (meets ? slope - ground_slope : slope), -longest, longest);
+  return step;
+}
+
+}  // namespace tarvex
