@@ -86,6 +86,7 @@ ExitCode CollectSession::Ending() const {
     return plan_.count == 0 && !failed_ ? ExitCode::Done : ExitCode::Failed;
   }
   if (!complete && connection_.ended()) {
+    TellBadChecksums();
     return program_.Fail(
         plan_.receiver.kind == PortKind::File
             ? "The log ended before the points asked for were stored."
@@ -104,7 +105,6 @@ bool CollectSession::TakeReading(GnssReadResult result) {
     return true;
   }
   last_new_position_ms_ = program_.clock.SteadyMilliseconds();
-  told_.clear();
   ShowState();
   return StorePosition();
 }
@@ -191,7 +191,14 @@ bool CollectSession::WriteQualityNote() {
   return false;
 }
 
+void CollectSession::TellBadChecksums() const {
+  if (state_.bad_checksums == 0) return;
+  program_.console.PrintError(std::to_string(state_.bad_checksums) +
+                              " sentences with a wrong checksum were left out.\n");
+}
+
 void CollectSession::TellStored() {
+  told_.clear();
   const Point& point = job_.last_stored_point;
   program_.console.Print(
       "Point " + point.id.str() + ": N " + FixedNumber(point.at.northing, kGridDecimals) + "  E " +

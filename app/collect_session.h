@@ -49,6 +49,7 @@ class CollectSession final : private StopRequest {
   std::vector<std::string> Records() const;
   bool Journal();
   bool WriteQualityNote();
+  void TellBadChecksums() const;
   void TellStored();
   void TellOnce(const std::string& sentence);
   void ShowState();
