@@ -12,6 +12,8 @@ namespace {
 
 constexpr int kPrecisionDecimals = 3;
 constexpr int kGridDecimals = 4;
+constexpr const char* kNoHeight =
+    "The receiver sends no height with its position; the elevation is that of height 0.";
 
 std::string PrecisionText(const GnssPositionState& state) {
   if (!state.precision_known) return "HRMS and VRMS unknown";
@@ -126,7 +128,8 @@ bool CollectSession::StorePosition() {
     failed_ = true;
     return plan_.receiver.kind == PortKind::File;
   }
-  if (converted == CalculationResult::DoneInPart) TellOnce(CalculationText(converted));
+  if (converted == CalculationResult::DoneInPart) Warn(CalculationText(converted));
+  if (!state_.height_known) Warn(kNoHeight);
   const std::string wanted = job_.current_point_id;
   switch (StoreInFile(at)) {
     case StorePointResult::Stored:
@@ -157,13 +160,16 @@ StorePointResult CollectSession::StoreInFile(const GridPoint& at) {
 std::vector<std::string> CollectSession::Records() const {
   const Point& point = job_.last_stored_point;
   const bool quality = FindMake(plan_.receiver_type).quality_instead_of_rms;
-  return {TimeStampRecord(program_.clock.Now()), RodHeightRecord(plan_.antenna_height),
-          GnssRecord({.point_id = point.id.str(),
-                      .latitude_degrees = state_.latitude,
-                      .longitude_degrees = state_.longitude,
-                      .height = state_.height,
-                      .description = plan_.description}),
-          GnssGridRecord(point), QualityComment(state_, quality)};
+  std::vector<std::string> records{TimeStampRecord(program_.clock.Now()),
+                                   RodHeightRecord(plan_.antenna_height),
+                                   GnssRecord({.point_id = point.id.str(),
+                                               .latitude_degrees = state_.latitude,
+                                               .longitude_degrees = state_.longitude,
+                                               .height = state_.height,
+                                               .description = plan_.description}),
+                                   GnssGridRecord(point), QualityComment(state_, quality)};
+  if (!state_.height_known) records.push_back(CommentRecord("Warning: " + std::string(kNoHeight)));
+  return records;
 }
 
 bool CollectSession::Journal() {
@@ -211,6 +217,10 @@ void CollectSession::TellOnce(const std::string& sentence) {
   if (sentence == told_) return;
   told_ = sentence;
   program_.console.PrintError(sentence + "\n");
+}
+
+void CollectSession::Warn(const std::string& sentence) {
+  if (warned_.insert(sentence).second) program_.console.PrintError("WARNING: " + sentence + "\n");
 }
 
 void CollectSession::ShowState() {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "app/job_session.h"
@@ -51,7 +52,10 @@ class CollectSession final : private StopRequest {
   bool WriteQualityNote();
   void TellBadChecksums() const;
   void TellStored();
+  /// Says a sentence unless it was the last one said.
   void TellOnce(const std::string& sentence);
+  /// Says a sentence once a session.
+  void Warn(const std::string& sentence);
   void ShowState();
   bool OutOfPatience() const;
 
@@ -66,6 +70,7 @@ class CollectSession final : private StopRequest {
   long long stored_ = 0;
   std::int64_t last_new_position_ms_ = 0;
   std::string told_;
+  std::set<std::string> warned_;
   bool failed_ = false;
 };
 

@@ -34,6 +34,7 @@ struct GnssPositionState {
   double latitude = 0.0;          ///< decimal degrees, north positive
   double longitude = 0.0;         ///< decimal degrees, east positive
   double height = 0.0;            ///< above the ellipsoid, metres
+  bool height_known = false;      ///< the position came with a height; without one it reads as 0
   double geoid_separation = 0.0;  ///< as the receiver gave it with the position, metres
   double correction_age = 0.0;    ///< seconds
   std::int32_t differential_status = 0;

@@ -35,6 +35,7 @@ void SimulatedReceiver::Begin(const LocalTime& now, GnssPositionState& state) {
   state.latitude = start_latitude;
   state.longitude = start_longitude;
   state.height = start_height;
+  state.height_known = true;
 }
 
 void SimulatedReceiver::Step(Clock& clock, DistanceUnit unit, GnssPositionState& state) {

@@ -67,6 +67,7 @@ SentenceResult ReadGgk(std::string_view line, SentenceKind kind, const SentenceC
   }
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.height = NmeaNumber(ptnl || published ? WithoutHeightPrefix(field) : field);
+  state.height_known = !field.empty();
   state.geoid_separation = 0.0;
   return SentenceResult::Position;
 }

@@ -14,6 +14,7 @@ SentenceResult ReadGll(std::string_view line, const SentenceContext& context,
   const bool told = fields.Take(status);
   if (context.settings.gll_status && told && status.starts_with('V')) return SentenceResult::NoFix;
   state.height = 0.0;
+  state.height_known = false;
   state.geoid_separation = 0.0;
   return SentenceResult::Position;
 }

@@ -46,6 +46,7 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   state.hdop = NmeaNumber(field);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.height = NmeaNumber(field);
+  state.height_known = !field.empty();
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.geoid_separation = NmeaNumber(field);
   if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
