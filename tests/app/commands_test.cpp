@@ -1,0 +1,151 @@
+// The commands on job files, as a person types them.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/app/program_run.h"
+
+namespace tarvex {
+namespace {
+
+TEST(Commands, KeepAJobFromTheFirstPointToTheLast) {
+  ProgramFolder folder;
+  EXPECT_EQ(
+      folder.Run("new site.crd --units us-feet --scale-factor 0.9996 --south-azimuths").exit_code,
+      0);
+  EXPECT_EQ(folder.Run("store site.crd a-1 5000.25 -100.5 99.125 \"corner, \u00E9\"").output,
+            "Stored point A_1.\n");
+  EXPECT_EQ(folder.Run("store site.crd 2 1 2 3").exit_code, 0);
+  const ProgramResult again = folder.Run("store site.crd 2 9 9 9 --existing cancel");
+  EXPECT_EQ(again.exit_code, 1);
+  EXPECT_EQ(again.errors,
+            "ERROR: Point 2 exists; nothing was stored. (--existing overwrite or next decides.)\n");
+  EXPECT_EQ(folder.Run("store site.crd 2 9 9 9 --existing next").output, "Stored point 3.\n");
+  EXPECT_EQ(folder.Run("store site.crd 2 7 8 9 --existing overwrite").exit_code, 0);
+  EXPECT_EQ(folder.Run("delete site.crd 3").output, "Deleted point 3.\n");
+  EXPECT_EQ(folder.Run("delete site.crd 3").exit_code, 1);
+
+  const auto listed = nlohmann::json::parse(folder.Run("points site.crd --json").output);
+  EXPECT_EQ(listed["unit"], "us-feet");
+  ASSERT_EQ(listed["points"].size(), 2U);
+  EXPECT_EQ(listed["points"][1], nlohmann::json({{"id", "A_1"},
+                                                 {"northing", 5000.25},
+                                                 {"easting", -100.5},
+                                                 {"elevation", 99.125},
+                                                 {"description", "corner, \u00E9"}}));
+  const std::string table = folder.Run("points site.crd").output;
+  EXPECT_NE(table.find("A_1              5000.2500       -100.5000         99.1250  corner, "
+                       "\u00E9\n2 points, Feet\n"),
+            std::string::npos)
+      << table;
+
+  const std::string raw = folder.Run("raw site.crd").output;
+  EXPECT_NE(raw.find("\nMO,AD1,UN2,SF0.99960000,EC0,EO0.0,AU0\n"), std::string::npos);
+  EXPECT_NE(raw.find("\nSP,PNA_1,N 5000.2500,E -100.5000,EL99.1250,--corner, \u00E9\n"),
+            std::string::npos);
+  EXPECT_NE(raw.find("\n--Deleted point:SP,PN3,"), std::string::npos);
+  EXPECT_EQ(nlohmann::json::parse(folder.Run("raw site.crd --json").output)["records"][0]["record"],
+            "JB");
+
+  EXPECT_EQ(folder.Run("note site.crd A-1 --add \"seen from north\"").output,
+            "PT_ID:A_1\nNOTE1,seen from north\n");
+  EXPECT_EQ(nlohmann::json::parse(folder.Run("note site.crd a_1 --json").output)["notes"][0],
+            "seen from north");
+}
+
+TEST(Commands, NameWhatIsWrong) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("new numbers.crd --numeric").exit_code, 0);
+  struct Case {
+    const char* line;
+    int exit_code;
+    const char* errors;  // a part of what is said
+  };
+  const Case cases[] = {
+      {"", 2, "A subcommand is required"},
+      {"frobnicate", 2, "ERROR: "},
+      {"new site", 2, "ends in .crd: site.crd?"},
+      {"new numbers.crd", 1, "numbers.crd exists; a new job overwrites nothing"},
+      {"new x.crd --scale-factor zero", 2, "\"zero\" is not a number above 0"},
+      {"new x.crd --system nowhere", 1, "There is no coordinate system \"nowhere\""},
+      {"new x.crd --definition none.txt", 1, "none.txt cannot be read: No such file"},
+      {"new x.crd --units furlongs", 2, "furlongs"},
+      {"points none.crd", 1, "There is no job none.crd"},
+      {"store numbers.crd A1 1 2 3", 2, "\"A1\" is no point number"},
+      {"store numbers.crd 1 1 2,5 3", 2, "The easting \"2,5\" is not a number"},
+      {"store numbers.crd 1 nan 2 3", 2, "The northing \"nan\" is not a number"},
+      {"note numbers.crd 9", 1, "There is no point 9"},
+      {"collect numbers.crd --receiver usb", 2, "usb"},
+      {"collect numbers.crd --receiver simulated", 1, "no coordinate system"},
+      {"convert", 2, "--system NAME or --definition FILE"},
+      {"systems xyzzy", 1, "\"xyzzy\""},
+  };
+  for (const Case& c : cases) {
+    const ProgramResult result = folder.Run(c.line);
+    EXPECT_EQ(result.exit_code, c.exit_code) << c.line;
+    EXPECT_NE(result.errors.find(c.errors), std::string::npos) << c.line << "\n" << result.errors;
+    EXPECT_EQ(result.output, "") << c.line;
+  }
+  folder.Write("numbers.job", "units=metres\nscale_factor=-1\n");
+  EXPECT_NE(folder.Run("points numbers.crd").errors.find("scale_factor=-1 makes no sense"),
+            std::string::npos);
+  folder.Write("photo.crd", std::string(300, 'J'));
+  EXPECT_NE(folder.Run("points photo.crd").errors.find("photo.crd is not a coordinate file"),
+            std::string::npos);
+}
+
+TEST(Commands, TeachTheirUse) {
+  ProgramFolder folder;
+  for (const char* command : {"new", "collect", "store", "import", "points", "delete", "raw",
+                              "note", "convert", "systems", "demo"}) {
+    const ProgramResult help = folder.Run(std::string(command) + " --help");
+    EXPECT_EQ(help.exit_code, 0) << command;
+    EXPECT_NE(help.output.find("Usage: tarvex " + std::string(command)), std::string::npos)
+        << help.output;
+  }
+  EXPECT_EQ(folder.Run("--version").output.substr(0, 7), "Tarvex ");
+}
+
+TEST(Commands, ImportNamesTheBadLines) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
+  folder.Write("points.csv", "# exported\r\n10, 1.5 ,2,3,oak\r\nB2,1,2\nA2,1,x,3\n\n2,4,5,6\n");
+  const ProgramResult refused = folder.Run("import site.crd points.csv");
+  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_EQ(refused.errors,
+            "ERROR: points.csv line 3: fewer than four fields.\n"
+            "ERROR: points.csv line 4: the easting \"x\" is not a number.\n"
+            "ERROR: Nothing was stored. (--skip-bad-lines stores the other lines.)\n");
+  EXPECT_EQ(folder.Run("points site.crd").output, "The job holds no points.\n");
+  const ProgramResult stored = folder.Run("import site.crd points.csv --skip-bad-lines");
+  EXPECT_EQ(stored.exit_code, 1);
+  EXPECT_EQ(stored.output, "Stored 2 points from points.csv.\n");
+  const auto points = nlohmann::json::parse(folder.Run("points site.crd --json").output)["points"];
+  EXPECT_EQ(points[0]["id"], "2");
+  EXPECT_EQ(points[1]["description"], "oak");
+}
+
+TEST(Commands, ConvertGoesOnAfterABadLine) {
+  ProgramFolder folder;
+  const std::string system = "--system \"UTM/UTM WGS84 Zone 32\"";
+  // 46.815172 N 9.267419 E: PROJ 9.1.1, EPSG:32632.
+  const ProgramResult result = folder.Run(
+      "convert " + system, "46.815172 9.267419 1101.4\nhere\n\n91 9\n46.815172,9.267419\n");
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.output,
+            "5184659.8918 520400.6825 1101.4000\n"
+            "ERROR: line 2: \"here\" is not a number\n"
+            "\n"
+            "ERROR: line 4: the latitude is beyond 90 degrees\n"
+            "5184659.8918 520400.6825\n");
+  const ProgramResult inverse =
+      folder.Run("convert --inverse --decimals 6 " + system, "5184659.8918 520400.6825 1101.4\n");
+  EXPECT_EQ(inverse.exit_code, 0);
+  EXPECT_EQ(inverse.output, "46.815172 9.267419 1101.4000\n");
+  const ProgramResult feet =
+      folder.Run("convert --units us-feet --decimals 2 " + system, "46.815172 9.267419 0\n");
+  EXPECT_EQ(feet.output, "17010004.99 1707347.91 0.00\n");
+}
+
+}  // namespace
+}  // namespace tarvex

@@ -1,0 +1,39 @@
+// Runs the built program as a person would, in a folder of its own.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace tarvex {
+
+struct ProgramResult {
+  int exit_code = -1;  ///< 128 + the signal when one ended it
+  std::string output;
+  std::string errors;
+};
+
+class ProgramFolder {
+ public:
+  ProgramFolder();
+  ~ProgramFolder();
+  ProgramFolder(const ProgramFolder&) = delete;
+  ProgramFolder& operator=(const ProgramFolder&) = delete;
+
+  /// Runs `tarvex` with the words of `line` (blanks separate, double quotes hold together) to its
+  /// end.
+  ProgramResult Run(const std::string& line, const std::string& input = "");
+  /// Starts it and goes on; its output goes to the files OUT and ERR of the folder.
+  pid_t Start(const std::string& line, const std::string& input = "");
+  ProgramResult Finish(pid_t process);
+
+  std::string Path(const std::string& name) const { return path_ + "/" + name; }
+  std::string Read(const std::string& name) const;
+  void Write(const std::string& name, const std::string& bytes) const;
+
+ private:
+  std::string path_;
+};
+
+}  // namespace tarvex
