@@ -12,6 +12,7 @@
 #include <span>
 
 #include "coordsys/calculation_steps.h"
+#include "coordsys/closed_library.h"
 #include "coordsys/ellipsoids.h"
 #include "coordsys/projection_record.h"
 
@@ -43,6 +44,7 @@ struct ProjectionParameters {
   double rectified_angle_rad = 0.0;
   std::array<double, 11> coefficients = {};
   int denmark_area = 0;
+  std::array<double, 7> shift = {};  ///< dX, dY, dZ, rX, rY, rZ, scale as the record holds them
 };
 
 ProjectionParameters ParametersOf(const ProjectionRecord& record);
@@ -79,6 +81,9 @@ class Projection {
                               std::span<double> latitude_rad,
                               std::span<double> longitude_rad) const noexcept = 0;
 
+  /// The point scale factor, of the families that give one: the NAD27 transverse Mercator.
+  virtual std::optional<double> PointScale(LatLon) const noexcept { return std::nullopt; }
+
   /// True when positions are WGS84 and the datum shift lies inside the family's own computation.
   virtual bool TakesWgs84() const noexcept { return false; }
 };
@@ -89,7 +94,11 @@ struct [[nodiscard]] MadeProjection {
   ProjectionFault fault = ProjectionFault::None;
 };
 
-/// The projection of a record: the dispatch on its type.
+/// The projection of a record: the dispatch on its type. Types 12 to 15 are computed by
+/// `coord_sys`, which is loaded when the first point is converted.
+MadeProjection MakeProjection(const ProjectionRecord& record,
+                              const std::shared_ptr<ClosedLibrary>& coord_sys);
+/// The same with the system's own "CoordSys.dll".
 MadeProjection MakeProjection(const ProjectionRecord& record);
 
 }  // namespace tarvex

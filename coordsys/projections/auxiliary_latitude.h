@@ -116,8 +116,10 @@ struct EllipsoidConstants {
     return {s * norm, phi.cos * norm};
   }
 
-  /// The geodetic latitude whose isometric latitude is the logarithm of `exp_psi`.
+  /// The geodetic latitude whose isometric latitude is the logarithm of `exp_psi`; beyond 1e16 and
+  /// below 1e-16 it is a pole.
   double FromExpIsometric(double exp_psi) const {
+    exp_psi = std::fmin(std::fmax(exp_psi, 1e-16), 1e16);
     const double square = exp_psi * exp_psi;
     const double norm = 1.0 / (square + 1.0);
     const Direction chi{(square - 1.0) * norm, 2.0 * exp_psi * norm};

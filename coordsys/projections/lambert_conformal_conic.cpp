@@ -10,7 +10,6 @@ constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
 constexpr double kSameParallel = 1e-10;
 constexpr double kFlattestCone = 1e-6;
-constexpr double kLargestExpPsi = 1e16;  // beyond it a latitude is the pole
 
 double LengthOfParallel(const EllipsoidConstants& c, double phi) {
   const double sin_phi = std::sin(phi);
@@ -48,9 +47,7 @@ struct Kernel {
     }
     const double square = (x * x + y * y) / (apex_radius_m * apex_radius_m);
     const double exp_psi = std::exp(-0.5 * over_n * std::log(square));
-    const double phi = square > 0.0 && exp_psi < kLargestExpPsi && exp_psi > 1.0 / kLargestExpPsi
-                           ? ellipsoid.FromExpIsometric(exp_psi)
-                           : sign * kQuarter;
+    const double phi = ellipsoid.FromExpIsometric(exp_psi);
     if (n * phi < 0.0 && std::fabs(phi) > kFarthestLatitude + 1e-9) {
       return ProjectionResult::OutsideDomain;
     }

@@ -3,7 +3,8 @@
 //   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept;
 //   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept;
 //
-// that are asked about finite positions within +-90 degrees of latitude and +-2 pi of longitude,
+// and, where the family has one, std::optional<double> PointScale(LatLon position) const noexcept.
+// They are asked about finite positions within +-90 degrees of latitude and +-2 pi of longitude,
 // and about finite plane points. Both are inlined into the loops over arrays.
 #pragma once
 
@@ -19,7 +20,8 @@ namespace tarvex {
 template <typename Kernel>
 class KernelProjection final : public Projection {
  public:
-  explicit KernelProjection(const Kernel& kernel) : kernel_(kernel) {}
+  KernelProjection(const Kernel& kernel, bool takes_wgs84)
+      : kernel_(kernel), takes_wgs84_(takes_wgs84) {}
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
     return ForwardOne(position, point);
@@ -54,6 +56,16 @@ class KernelProjection final : public Projection {
     return refused;
   }
 
+  bool TakesWgs84() const noexcept override { return takes_wgs84_; }
+
+  std::optional<double> PointScale(LatLon position) const noexcept override {
+    if constexpr (requires { kernel_.PointScale(position); }) {
+      PlanePoint point;
+      if (ForwardOne(position, point) == ProjectionResult::Done) return kernel_.PointScale(position);
+    }
+    return std::nullopt;
+  }
+
  private:
   static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -75,11 +87,12 @@ class KernelProjection final : public Projection {
   }
 
   Kernel kernel_;
+  bool takes_wgs84_;
 };
 
 template <typename Kernel>
-MadeProjection MakeOf(const Kernel& kernel) {
-  return {std::make_unique<KernelProjection<Kernel>>(kernel), ProjectionFault::None};
+MadeProjection MakeOf(const Kernel& kernel, bool takes_wgs84 = false) {
+  return {std::make_unique<KernelProjection<Kernel>>(kernel, takes_wgs84), ProjectionFault::None};
 }
 
 }  // namespace tarvex

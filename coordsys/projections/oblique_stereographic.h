@@ -1,0 +1,14 @@
+// Double (oblique) stereographic (type 2 and, with their national grids behind them, 7 and 16): the
+// ellipsoid onto a conformal sphere, the sphere onto the plane.
+//
+// Source: EPSG guidance note 7-2, method 9809. Accuracy: 1e-8 m. Domain: up to 165 degrees of arc
+// from the origin; the origin itself at most at 89 degrees of latitude.
+#pragma once
+
+#include "coordsys/projection.h"
+
+namespace tarvex {
+
+MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters);
+
+}  // namespace tarvex

@@ -1,0 +1,118 @@
+#include "coordsys/projections/stereographic.h"
+
+#include "coordsys/projections/auxiliary_latitude.h"
+#include "coordsys/projections/projection_kernel.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kQuarter = std::numbers::pi / 2.0;
+constexpr double kAtPole = kQuarter * (1.0 - 1e-12);
+constexpr double kFarthestDenominator = 0.034;  // 1 + cos of 165 degrees
+constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degrees and a little
+
+struct ObliqueKernel {
+  EllipsoidConstants ellipsoid;
+  Direction chi0;
+  double diameter_m = 0.0;  ///< 2 a k0 m(phi0) / cos chi0
+  double central_meridian_rad = 0.0;
+  double false_easting_m = 0.0;
+  double false_northing_m = 0.0;
+
+  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
+    const Direction chi = ellipsoid.Conformal(Direction::Of(position.latitude_rad));
+    const Direction l =
+        Direction::Of(WrappedLongitude(position.longitude_rad - central_meridian_rad));
+    const double b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
+    if (!(b >= kFarthestDenominator)) return ProjectionResult::OutsideDomain;
+    const double scale = diameter_m / b;
+    point.easting_m = false_easting_m + scale * chi.cos * l.sin;
+    point.northing_m =
+        false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
+    return ProjectionResult::Done;
+  }
+
+  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
+    const double x = (point.easting_m - false_easting_m) / diameter_m;
+    const double y = (point.northing_m - false_northing_m) / diameter_m;
+    const double square = x * x + y * y;
+    if (!(square <= kFarthestRadius * kFarthestRadius)) return ProjectionResult::OutsideDomain;
+    const double g = 2.0 / (1.0 + square);
+    const double cos_d = 1.0 - square * g;
+    const double p = chi0.cos * cos_d - y * g * chi0.sin;
+    const double v = x * g;
+    const Direction chi{cos_d * chi0.sin + y * g * chi0.cos, std::sqrt(p * p + v * v)};
+    position.latitude_rad = ellipsoid.FromConformal(chi);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + std::atan2(v, p));
+    return ProjectionResult::Done;
+  }
+};
+
+// Radii from the pole are C exp(-psi), psi growing towards the pole of the zone.
+struct PolarKernel {
+  EllipsoidConstants ellipsoid;
+  double pole = 1.0;  ///< 1 north, -1 south
+  double c_m = 0.0;
+  double central_meridian_rad = 0.0;
+  double false_easting_m = 0.0;
+  double false_northing_m = 0.0;
+
+  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
+    Direction phi = Direction::Of(position.latitude_rad);
+    phi.sin *= pole;
+    if (!(phi.sin > -0.966)) return ProjectionResult::OutsideDomain;  // sine of 75 degrees
+    const double stretch = SmallExpm1(ellipsoid.EccentricPart(phi.sin));
+    const double r = c_m * phi.cos / (1.0 + phi.sin) * (1.0 + stretch);
+    const Direction lambda = Direction::Of(position.longitude_rad - central_meridian_rad);
+    point.easting_m = false_easting_m + r * lambda.sin;
+    point.northing_m = false_northing_m - pole * r * lambda.cos;
+    return ProjectionResult::Done;
+  }
+
+  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
+    const double x = point.easting_m - false_easting_m;
+    const double y = pole * (false_northing_m - point.northing_m);
+    const double t = std::sqrt(x * x + y * y) / c_m;
+    if (!(t <= kFarthestRadius)) return ProjectionResult::OutsideDomain;
+    const double norm = 1.0 / (1.0 + t * t);
+    const Direction chi{(1.0 - t * t) * norm, 2.0 * t * norm};
+    const double phi =
+        kQuarter - 2.0 * std::atan(t) + SumOf(ellipsoid.delta, chi.Sin2(), chi.Cos2());
+    position.latitude_rad = pole * phi;
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + std::atan2(x, y));
+    return ProjectionResult::Done;
+  }
+};
+
+MadeProjection MakePolar(const ProjectionParameters& parameters, const EllipsoidConstants& c) {
+  PolarKernel kernel;
+  kernel.ellipsoid = c;
+  kernel.pole = parameters.latitude_of_origin_rad < 0.0 ? -1.0 : 1.0;
+  kernel.c_m = 2.0 * c.a * parameters.scale_factor /
+               std::sqrt(std::pow(1.0 + c.e, 1.0 + c.e) * std::pow(1.0 - c.e, 1.0 - c.e));
+  kernel.central_meridian_rad = parameters.central_meridian_rad;
+  kernel.false_easting_m = parameters.false_easting_m;
+  kernel.false_northing_m = parameters.false_northing_m;
+  return MakeOf(kernel);
+}
+
+}  // namespace
+
+MadeProjection MakeStereographic(const ProjectionParameters& parameters) {
+  const double phi0 = parameters.latitude_of_origin_rad;
+  if (!(std::fabs(phi0) <= kQuarter)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
+  const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
+  if (std::fabs(phi0) >= kAtPole) return MakePolar(parameters, c);
+  const Direction origin = Direction::Of(phi0);
+  ObliqueKernel kernel;
+  kernel.ellipsoid = c;
+  kernel.chi0 = c.Conformal(origin);
+  kernel.diameter_m = 2.0 * parameters.scale_factor * c.RadiusOfPrimeVertical(origin.sin) *
+                      origin.cos / kernel.chi0.cos;
+  kernel.central_meridian_rad = parameters.central_meridian_rad;
+  kernel.false_easting_m = parameters.false_easting_m;
+  kernel.false_northing_m = parameters.false_northing_m;
+  return MakeOf(kernel);
+}
+
+}  // namespace tarvex
