@@ -1,7 +1,7 @@
 /* The C interface of the closed library "CoordSys.dll" as far as it projects.
  *
- * Every conversion has the same form: two coordinates in, two out, and the parameters of the system.
- * Geodetic coordinates are latitude and longitude in radians, north and east positive; grid
+ * Every conversion has the same form: two coordinates in, two out, and the parameters of the
+ * system. Geodetic coordinates are latitude and longitude in radians, north and east positive; grid
  * coordinates are northing and easting in metres. A conversion returns 1 when it was made; for any
  * other result the outputs are untouched (the point lies outside, or the parameters do not suit).
  * A conversion may be called from any thread.

@@ -1,9 +1,17 @@
 #include "coordsys/projection.h"
 
 #include <cmath>
+#include <cstddef>
+#include <iterator>
 
+#include "coordsys/projections/alaska27.h"
 #include "coordsys/projections/auxiliary_latitude.h"
+#include "coordsys/projections/closed_projection.h"
 #include "coordsys/projections/lambert_conformal_conic.h"
+#include "coordsys/projections/nad27.h"
+#include "coordsys/projections/oblique_mercator.h"
+#include "coordsys/projections/oblique_stereographic.h"
+#include "coordsys/projections/stereographic.h"
 #include "coordsys/projections/transverse_mercator.h"
 #include "core/units.h"
 
@@ -12,18 +20,56 @@ namespace {
 
 enum class Scale { Needed, NotUsed };
 
-// One row a family.
+using Library = std::shared_ptr<ClosedLibrary>;
+using Make = MadeProjection(const ProjectionParameters&);
+using MakeClosed = MadeProjection(const ProjectionParameters&, const Library&);
+
+// Type 6 is computed on GRS 1980, where positions of WGS84 stand as they are; its national grid
+// carries the plane to the record's datum.
+MadeProjection MakeTransverseMercatorOstn02(const ProjectionParameters& parameters) {
+  ProjectionParameters on_grs80 = parameters;
+  on_grs80.ellipsoid = kGrs80;
+  return MakeTransverseMercatorOfWgs84(on_grs80);
+}
+
+// One row a family; the families of the closed library stand in the second column.
 struct Family {
   ProjectionType type;
   Scale scale;
-  MadeProjection (*make)(const ProjectionParameters&);
+  Make* make;
+  MakeClosed* make_closed = nullptr;
 };
 
+using enum ProjectionType;
+
 constexpr Family kFamilies[] = {
-    {ProjectionType::LambertConformalConic2SP, Scale::NotUsed, MakeLambertConformalConic2SP},
-    {ProjectionType::TransverseMercator, Scale::Needed, MakeTransverseMercator},
-    {ProjectionType::LambertConformalConic1SP, Scale::Needed, MakeLambertConformalConic1SP},
+    {LambertConformalConic2SP, Scale::NotUsed, MakeLambertConformalConic2SP},
+    {TransverseMercator, Scale::Needed, MakeTransverseMercator},
+    {ObliqueStereographic, Scale::Needed, MakeObliqueStereographic},
+    {LambertConformalConic1SP, Scale::Needed, MakeLambertConformalConic1SP},
+    {ObliqueMercator83, Scale::Needed, MakeObliqueMercatorA},
+    {Stereographic, Scale::Needed, MakeStereographic},
+    {TransverseMercatorOstn02, Scale::Needed, MakeTransverseMercatorOstn02},
+    {ObliqueStereographicRd2000, Scale::Needed, MakeObliqueStereographic},
+    {ObliqueMercator27, Scale::Needed, MakeObliqueMercator27},
+    {TransverseMercator27, Scale::Needed, MakeTransverseMercator27},
+    {LambertConformalConic27, Scale::NotUsed, MakeLambertConformalConic27},
+    {TransverseMercatorAlaska27, Scale::NotUsed, MakeTransverseMercatorAlaska27},
+    {TransverseMercator34, Scale::NotUsed, nullptr, MakeTransverseMercator34},
+    {CassiniSoldner, Scale::NotUsed, nullptr, MakeClosedCassiniSoldner},
+    {ObliqueMercator, Scale::Needed, nullptr, MakeClosedObliqueMercator},
+    {ObliqueMercatorEov, Scale::NotUsed, nullptr, MakeObliqueMercatorEov},
+    {ObliqueStereographicRd2004, Scale::Needed, MakeObliqueStereographic},
 };
+static_assert(std::size(kFamilies) == kProjectionTypes);
+static_assert(
+    [] {
+      for (std::size_t i = 0; i < std::size(kFamilies); ++i) {
+        if (static_cast<std::size_t>(kFamilies[i].type) != i) return false;
+      }
+      return true;
+    }(),
+    "a family stands in the row of its type");
 
 constexpr double kSmallestScale = 0.5;
 constexpr double kLargestScale = 2.0;
@@ -61,19 +107,22 @@ ProjectionParameters ParametersOf(const ProjectionRecord& record) {
   parameters.rectified_angle_rad = record.rectified_grid_angle * kRadiansPerDegree;
   parameters.coefficients = record.coefficients;
   parameters.denmark_area = record.denmark_area;
+  parameters.shift = {record.shift_dx, record.shift_dy, record.shift_dz,   record.shift_rx,
+                      record.shift_ry, record.shift_rz, record.shift_scale};
   return parameters;
 }
 
-MadeProjection MakeProjection(const ProjectionRecord& record) {
+MadeProjection MakeProjection(const ProjectionRecord& record, const Library& coord_sys) {
   if (!ProjectionName(record.projection_type)) return {nullptr, ProjectionFault::UnknownType};
+  const Family& family = kFamilies[static_cast<std::size_t>(record.projection_type)];
   const ProjectionParameters parameters = ParametersOf(record);
-  for (const Family& family : kFamilies) {
-    if (static_cast<int>(family.type) != record.projection_type) continue;
-    const ProjectionFault fault = CommonFault(parameters, family.scale);
-    if (fault != ProjectionFault::None) return {nullptr, fault};
-    return family.make(parameters);
-  }
-  return {nullptr, ProjectionFault::NotAvailable};
+  const ProjectionFault fault = CommonFault(parameters, family.scale);
+  if (fault != ProjectionFault::None) return {nullptr, fault};
+  return family.make ? family.make(parameters) : family.make_closed(parameters, coord_sys);
+}
+
+MadeProjection MakeProjection(const ProjectionRecord& record) {
+  return MakeProjection(record, SystemCoordSysLibrary());
 }
 
 }  // namespace tarvex

@@ -44,16 +44,13 @@ struct Kernel {
     const double r = std::sqrt(w);
 
     const double a = 1.0 - (1.0 - 2.0 * c2 - 0.00681478 * c4) * l2 * 0.000391740509;
-    const double b =
-        (1.0 - 20.0 * c2 + (0.4907 * c2 + 23.6047) * c4) * (l2 * l2) * 4.60382e-8;
+    const double b = (1.0 - 20.0 * c2 + (0.4907 * c2 + 23.6047) * c4) * (l2 * l2) * 4.60382e-8;
     const double easting = ((a + b) / r) * l * c * 1017862.15 + false_easting_ft;
 
     const double p = (1.0 - 60.0 * c2 + (4.089 * c2 + 117.75) * c4) * l2 * 1.5346e-8;
     const double q = (0.00018577 * c2 + 0.06133306) * c4 + 6.0 * c2 - 1.0;
-    const double d =
-        ((p + q * 0.0001958703) * l2 + 1.0) / r * t * l2 * c * 24673.6748;
-    const double arc =
-        (s - 193900.05442) - (1052.893943 - 4.483386 * c2 + 0.023559 * c4) * t * c;
+    const double d = ((p + q * 0.0001958703) * l2 + 1.0) / r * t * l2 * c * 24673.6748;
+    const double arc = (s - 193900.05442) - (1052.893943 - 4.483386 * c2 + 0.023559 * c4) * t * c;
     return {d + arc * 101.269278503, easting};
   }
 
@@ -75,22 +72,20 @@ struct Kernel {
     const double omega = (193900.05442 + 0.00987466302498 * at.northing) / kSecondsPerRadian;
     const Direction o = Direction::Of(omega);
     const double o2 = o.cos * o.cos;
-    const double foot =
-        omega + (1047.546691 + 6.193011 * o2 + 0.050699 * o2 * o2) * o.sin * o.cos /
-                    kSecondsPerRadian;
+    const double foot = omega + (1047.546691 + 6.193011 * o2 + 0.050699 * o2 * o2) * o.sin * o.cos /
+                                    kSecondsPerRadian;
     const double c = std::cos(foot);
     const double c2 = c * c;
     const double c4 = c2 * c2;
     const double x = (at.easting - false_easting_ft) * 1e-6;
     const double x2 = x * x;
     const double w = 1.0 + 0.0068147849 * c2;
-    latitude_rad = foot - 233.973645 * x2 * w * w * std::sqrt(1.0 / c2 - 1.0) *
-                              (1.0 -
-                               1.8905604e-4 * x2 *
-                                   (1.9591113 + 3.0 / c2 + 0.081359 * c2 + 2.79e-4 * c4) +
-                               1.42969e-8 * x2 * x2 * w *
-                                   (15.5 + 45.0 / c4 - 0.307 / c2 + 1.53 * c2)) /
-                              kSecondsPerRadian;
+    latitude_rad =
+        foot -
+        233.973645 * x2 * w * w * std::sqrt(1.0 / c2 - 1.0) *
+            (1.0 - 1.8905604e-4 * x2 * (1.9591113 + 3.0 / c2 + 0.081359 * c2 + 2.79e-4 * c4) +
+             1.42969e-8 * x2 * x2 * w * (15.5 + 45.0 / c4 - 0.307 / c2 + 1.53 * c2)) /
+            kSecondsPerRadian;
     west_s = central_meridian_s -
              9824.513072 * std::sqrt(w) * x / c *
                  (1.0 - 3.7811208e-4 * w * x2 * (w - 2.0 + 2.0 / c2) +

@@ -2,8 +2,8 @@
 // 62-4 in seconds of arc and US survey feet, with the constants of Clarke 1866, the latitude of
 // origin 54 north and the scale factor 0.9999 built into it.
 //
-// The zone's false easting E0 (feet) is coefficient 1 and its central meridian (seconds of arc, west
-// positive) coefficient 2; a record without them gives its false easting (metres) and central
+// The zone's false easting E0 (feet) is coefficient 1 and its central meridian (seconds of arc,
+// west positive) coefficient 2; a record without them gives its false easting (metres) and central
 // meridian (degrees, east positive). Against the exact projection the series is 0.00015 ft over a
 // zone. The inverse is the publication's, improved until it closes on the forward series: 1e-8 m.
 // Domain: 48 to 75 degrees north, 6 degrees to either side of the central meridian.

@@ -32,8 +32,7 @@ struct Kernel {
     const double a2 = a1 * a1;
     const double nu = ellipsoid.RadiusOfPrimeVertical(phi.sin);
     const double mu = phi_rad + SumOf(zeta, phi.Sin2(), phi.Cos2());
-    const double east =
-        nu * a1 * (1.0 - t * a2 * (1.0 / 6.0 + (8.0 - t + 8.0 * c) * a2 / 120.0));
+    const double east = nu * a1 * (1.0 - t * a2 * (1.0 / 6.0 + (8.0 - t + 8.0 * c) * a2 / 120.0));
     const double north = ellipsoid.rectifying_radius * mu +
                          nu * tangent * a2 * (0.5 + (5.0 - t + 6.0 * c) * a2 / 24.0);
     return {north, east};
@@ -56,7 +55,8 @@ struct Kernel {
     const double north = point.northing_m - false_northing_m + origin_arc_m;
     const double east = point.easting_m - false_easting_m;
     const double mu = north / ellipsoid.rectifying_radius;
-    if (!(std::fabs(mu) < kFarthestLatitude + 0.1 && std::fabs(east) < 1.1 * kWidest * ellipsoid.a)) {
+    if (!(std::fabs(mu) < kFarthestLatitude + 0.1 &&
+          std::fabs(east) < 1.1 * kWidest * ellipsoid.a)) {
       return ProjectionResult::OutsideDomain;
     }
     const Direction at = Direction::Of(mu);
@@ -66,11 +66,10 @@ struct Kernel {
     const double d = east / ellipsoid.RadiusOfPrimeVertical(foot.sin);
     const double d2 = d * d;
     const double w2 = 1.0 - ellipsoid.e2 * foot.sin * foot.sin;
-    const double drop = foot.sin / foot.cos * w2 / (1.0 - ellipsoid.e2) * d2 *
-                        (0.5 - (1.0 + 3.0 * t) * d2 / 24.0);
+    const double drop =
+        foot.sin / foot.cos * w2 / (1.0 - ellipsoid.e2) * d2 * (0.5 - (1.0 + 3.0 * t) * d2 / 24.0);
     double phi = mu + correction - drop;
-    double lambda =
-        d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 / 15.0)) / foot.cos;
+    double lambda = d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 / 15.0)) / foot.cos;
     if (!Improve(north, east, phi, lambda)) return ProjectionResult::OutsideDomain;
     position.latitude_rad = phi;
     position.longitude_rad = WrappedLongitude(central_meridian_rad + lambda);
@@ -81,7 +80,9 @@ struct Kernel {
   bool Improve(double north, double east, double& phi, double& lambda) const noexcept {
     Direction at = Direction::Of(phi);
     for (int pass = 0; pass < kMostPasses; ++pass) {
-      if (!(std::fabs(lambda * at.cos) <= kWidest * (1.0 + 1e-9) && std::fabs(lambda) <= kWidestLongitude * (1.0 + 1e-9) && std::fabs(phi) <= kFarthestLatitude + 1e-9)) {
+      if (!(std::fabs(lambda * at.cos) <= kWidest * (1.0 + 1e-9) &&
+            std::fabs(lambda) <= kWidestLongitude * (1.0 + 1e-9) &&
+            std::fabs(phi) <= kFarthestLatitude + 1e-9)) {
         return false;
       }
       const PlanePoint reached = Series(phi, at, lambda);

@@ -105,7 +105,8 @@ class ClosedProjection final : public Projection {
     std::size_t refused = 0;
     for (std::size_t i = 0; i < latitude_rad.size(); ++i) {
       PlanePoint point{kNaN, kNaN};
-      refused += Forward(LatLon{latitude_rad[i], longitude_rad[i]}, point) != ProjectionResult::Done;
+      refused +=
+          Forward(LatLon{latitude_rad[i], longitude_rad[i]}, point) != ProjectionResult::Done;
       northing_m[i] = point.northing_m;
       easting_m[i] = point.easting_m;
     }
@@ -118,7 +119,8 @@ class ClosedProjection final : public Projection {
     std::size_t refused = 0;
     for (std::size_t i = 0; i < northing_m.size(); ++i) {
       LatLon position{kNaN, kNaN};
-      refused += Inverse(PlanePoint{northing_m[i], easting_m[i]}, position) != ProjectionResult::Done;
+      refused +=
+          Inverse(PlanePoint{northing_m[i], easting_m[i]}, position) != ProjectionResult::Done;
       latitude_rad[i] = position.latitude_rad;
       longitude_rad[i] = position.longitude_rad;
     }

@@ -62,8 +62,8 @@ struct Kernel {
     const double over_exp_v = 1.0 / exp_v;
     const double sinh_v = 0.5 * (exp_v - over_exp_v);
     const Direction z = Direction::Of(u);
-    const double sine = std::clamp(
-        2.0 * (z.sin * g0.cos + sinh_v * g0.sin) / (exp_v + over_exp_v), -1.0, 1.0);
+    const double sine =
+        std::clamp(2.0 * (z.sin * g0.cos + sinh_v * g0.sin) / (exp_v + over_exp_v), -1.0, 1.0);
     const double psi = (0.5 * std::log((1.0 + sine) / (1.0 - sine)) - ln_h) * over_b;
     position.latitude_rad = ellipsoid.FromExpIsometric(std::exp(psi));
     position.longitude_rad = WrappedLongitude(

@@ -12,10 +12,10 @@ constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degre
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
-  double c = 1.0;        ///< exponent of the sphere
+  double c = 1.0;  ///< exponent of the sphere
   double over_c = 1.0;
-  double k = 0.0;        ///< constant of the isometric latitude on the sphere
-  Direction chi0;        ///< latitude of the origin on the sphere
+  double k = 0.0;           ///< constant of the isometric latitude on the sphere
+  Direction chi0;           ///< latitude of the origin on the sphere
   double diameter_m = 0.0;  ///< 2 R k0
   double central_meridian_rad = 0.0;
   double false_easting_m = 0.0;
@@ -33,8 +33,7 @@ struct Kernel {
     if (!(b >= kFarthestDenominator)) return ProjectionResult::OutsideDomain;
     const double scale = diameter_m / b;
     point.easting_m = false_easting_m + scale * chi.cos * l.sin;
-    point.northing_m =
-        false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
+    point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
     return ProjectionResult::Done;
   }
 

@@ -61,7 +61,8 @@ class KernelProjection final : public Projection {
   std::optional<double> PointScale(LatLon position) const noexcept override {
     if constexpr (requires { kernel_.PointScale(position); }) {
       PlanePoint point;
-      if (ForwardOne(position, point) == ProjectionResult::Done) return kernel_.PointScale(position);
+      if (ForwardOne(position, point) == ProjectionResult::Done)
+        return kernel_.PointScale(position);
     }
     return std::nullopt;
   }

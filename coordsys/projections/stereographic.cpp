@@ -27,8 +27,7 @@ struct ObliqueKernel {
     if (!(b >= kFarthestDenominator)) return ProjectionResult::OutsideDomain;
     const double scale = diameter_m / b;
     point.easting_m = false_easting_m + scale * chi.cos * l.sin;
-    point.northing_m =
-        false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
+    point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
     return ProjectionResult::Done;
   }
 

@@ -100,9 +100,7 @@ struct Kernel {
   }
 };
 
-}  // namespace
-
-MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters) {
+MadeProjection Make(const ProjectionParameters& parameters, bool takes_wgs84) {
   if (!(std::fabs(parameters.latitude_of_origin_rad) <= std::numbers::pi / 2.0)) {
     return {nullptr, ProjectionFault::LatitudeOfOrigin};
   }
@@ -113,12 +111,22 @@ MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters) {
   kernel.radius_m = parameters.scale_factor * c.rectifying_radius;
   const double phi0 = parameters.latitude_of_origin_rad;
   kernel.origin_xi =
-      phi0 + SumOf(GeodeticToRectifying(c.n), std::sin(2.0 * phi0), std::cos(2.0 * phi0));
+      phi0 + tarvex::SumOf(GeodeticToRectifying(c.n), std::sin(2.0 * phi0), std::cos(2.0 * phi0));
   kernel.false_easting_m = parameters.false_easting_m;
   kernel.false_northing_m = parameters.false_northing_m;
   kernel.alpha = ConformalToRectifying(c.n);
   kernel.beta = RectifyingToConformal(c.n);
-  return MakeOf(kernel);
+  return MakeOf(kernel, takes_wgs84);
+}
+
+}  // namespace
+
+MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters) {
+  return Make(parameters, false);
+}
+
+MadeProjection MakeTransverseMercatorOfWgs84(const ProjectionParameters& parameters) {
+  return Make(parameters, true);
 }
 
 }  // namespace tarvex

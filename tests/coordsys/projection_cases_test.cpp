@@ -8,6 +8,7 @@
 #include "coordsys/projection.h"
 #include "core/units.h"
 #include "tests/coordsys/case_file.h"
+#include "tests/coordsys/modules.h"
 
 namespace tarvex {
 namespace {
@@ -48,6 +49,7 @@ void Check(const GeodesyCase& c) {
 class ProjectionCases : public testing::TestWithParam<const char*> {};
 
 TEST_P(ProjectionCases, AreMet) {
+  RequireModules();
   for (const GeodesyCase& c : ReadCases(GetParam())) Check(c);
 }
 

@@ -1,0 +1,180 @@
+// The entry points of "CoordSys.dll" that project (coordsys/coord_sys_interface.h describes them).
+#include <cmath>
+#include <cstring>
+#include <optional>
+
+#include "coordsys/coord_sys_interface.h"
+#include "coordsys/projections/cassini_soldner.h"
+#include "coordsys/projections/oblique_mercator.h"
+#include "modules/CoordSys/eov.h"
+#include "modules/CoordSys/system34.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kDone = 1;
+constexpr int kNotDone = 0;
+
+int Give(const std::optional<PlanePoint>& point, double* northing, double* easting) {
+  if (!point) return kNotDone;
+  *northing = point->northing_m;
+  *easting = point->easting_m;
+  return kDone;
+}
+
+int Give(const std::optional<LatLon>& position, double* latitude, double* longitude) {
+  if (!position) return kNotDone;
+  *latitude = position->latitude_rad;
+  *longitude = position->longitude_rad;
+  return kDone;
+}
+
+ProjectionParameters Parameters(const CoordSysParameters& given) {
+  ProjectionParameters parameters;
+  parameters.ellipsoid = {given.semi_major, given.flattening};
+  parameters.latitude_of_origin_rad = given.latitude_of_origin;
+  parameters.central_meridian_rad = given.central_meridian;
+  parameters.parallel_2_or_azimuth_rad = given.azimuth;
+  parameters.rectified_angle_rad = given.rectified_angle;
+  parameters.scale_factor = given.scale_factor;
+  parameters.false_easting_m = given.false_easting;
+  parameters.false_northing_m = given.false_northing;
+  return parameters;
+}
+
+// The constants of the parameters that were used last: they are derived once, not once a point.
+template <MadeProjection (*make)(const ProjectionParameters&)>
+const Projection* ProjectionOf(const CoordSysParameters* given) {
+  struct Last {
+    CoordSysParameters parameters;
+    MadeProjection made;
+  };
+  thread_local std::optional<Last> last;
+  if (!given) return nullptr;
+  if (!last || std::memcmp(&last->parameters, given, sizeof *given) != 0) {
+    last = Last{*given, make(Parameters(*given))};
+  }
+  return last->made.projection.get();
+}
+
+const Eov* EovOf(const CoordSysParameters* given) {
+  struct Last {
+    CoordSysParameters parameters;
+    Eov eov;
+  };
+  thread_local std::optional<Last> last;
+  if (!given) return nullptr;
+  if (!last || std::memcmp(&last->parameters, given, sizeof *given) != 0) {
+    last.emplace(Last{*given, Eov(*given)});
+  }
+  return &last->eov;
+}
+
+template <MadeProjection (*make)(const ProjectionParameters&)>
+int ToGrid(double latitude, double longitude, double* northing, double* easting,
+           const CoordSysParameters* given) {
+  const Projection* projection = ProjectionOf<make>(given);
+  PlanePoint point;
+  if (!projection || projection->Forward({latitude, longitude}, point) != ProjectionResult::Done) {
+    return kNotDone;
+  }
+  *northing = point.northing_m;
+  *easting = point.easting_m;
+  return kDone;
+}
+
+template <MadeProjection (*make)(const ProjectionParameters&)>
+int ToGeodetic(double northing, double easting, double* latitude, double* longitude,
+               const CoordSysParameters* given) {
+  const Projection* projection = ProjectionOf<make>(given);
+  LatLon position;
+  if (!projection || projection->Inverse({northing, easting}, position) != ProjectionResult::Done) {
+    return kNotDone;
+  }
+  *latitude = position.latitude_rad;
+  *longitude = position.longitude_rad;
+  return kDone;
+}
+
+}  // namespace
+}  // namespace tarvex
+
+using namespace tarvex;
+
+extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys34Jylland(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Jutland, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int XYSys34Jylland2latlongWGS84(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Jutland, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys34Sjlland(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Zealand, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int XYSys34Sjlland2latlongWGS84(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Zealand, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys45Bornholm(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Bornholm, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int XYSys34Bornholm2latlongWGS84(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Bornholm, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys34UTM32ED50(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Utm32, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int XYSys34UTM32ED502latlongWGS84(
+    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Utm32, {first, second}), first_out, second_out);
+}
+
+extern "C" [[gnu::visibility("default")]] int latLong2XY_CassiniSoldner(
+    double first, double second, double* first_out, double* second_out,
+    const CoordSysParameters* parameters) {
+  return ToGrid<MakeCassiniSoldner>(first, second, first_out, second_out, parameters);
+}
+
+extern "C" [[gnu::visibility("default")]] int XY2latLong2_CassiniSoldner(
+    double first, double second, double* first_out, double* second_out,
+    const CoordSysParameters* parameters) {
+  return ToGeodetic<MakeCassiniSoldner>(first, second, first_out, second_out, parameters);
+}
+
+extern "C" [[gnu::visibility("default")]] int latLong2XY_ObliqueMercator(
+    double first, double second, double* first_out, double* second_out,
+    const CoordSysParameters* parameters) {
+  return ToGrid<MakeObliqueMercatorB>(first, second, first_out, second_out, parameters);
+}
+
+extern "C" [[gnu::visibility("default")]] int XY2latLong_ObliqueMercator(
+    double first, double second, double* first_out, double* second_out,
+    const CoordSysParameters* parameters) {
+  return ToGeodetic<MakeObliqueMercatorB>(first, second, first_out, second_out, parameters);
+}
+
+extern "C" [[gnu::visibility("default")]] int latLongWGS84ToXY_EOV(
+    double first, double second, double* first_out, double* second_out,
+    const CoordSysParameters* parameters) {
+  const Eov* eov = EovOf(parameters);
+  return eov ? Give(eov->FromWgs84({first, second}), first_out, second_out) : kNotDone;
+}
+
+extern "C" [[gnu::visibility("default")]] int EOV_XYToLatLongWGS84(
+    double first, double second, double* first_out, double* second_out,
+    const CoordSysParameters* parameters) {
+  const Eov* eov = EovOf(parameters);
+  return eov ? Give(eov->ToWgs84({first, second}), first_out, second_out) : kNotDone;
+}

@@ -1,0 +1,77 @@
+#include "modules/CoordSys/eov.h"
+
+#include <algorithm>
+
+#include "coordsys/datum/geocentric.h"
+#include "coordsys/datum/seven_parameters.h"
+#include "coordsys/projections/auxiliary_latitude.h"
+#include "coordsys/projections/double_cylindrical.h"
+#include "core/units.h"
+
+namespace tarvex {
+namespace {
+
+constexpr Ellipsoid kGrs67 = {6378160.0, 1.0 / 298.247167427};
+constexpr double kHd72[7] = {52.684, -71.194, -13.975, 0.312, 0.1063, 0.3729, 1.0191};
+
+double Or(double given, double official) {
+  return given == 0.0 ? official : given;
+}
+
+SevenParameters Shift(const CoordSysParameters& parameters) {
+  const double(&s)[7] = parameters.shift;
+  return {s[0], s[1], s[2], s[3], s[4], s[5], s[6]};
+}
+
+}  // namespace
+
+Eov::Eov(const CoordSysParameters& parameters)
+    : ellipsoid_{parameters.semi_major, parameters.flattening}, parameters_(parameters) {
+  if (!IsEarthEllipsoid(ellipsoid_)) ellipsoid_ = kGrs67;
+  const bool unshifted = std::all_of(std::begin(parameters.shift), std::end(parameters.shift),
+                                     [](double value) { return value == 0.0; });
+  if (unshifted) std::copy(std::begin(kHd72), std::end(kHd72), std::begin(parameters_.shift));
+  ProjectionParameters official;
+  official.ellipsoid = ellipsoid_;
+  official.latitude_of_origin_rad =
+      Or(parameters.latitude_of_origin, (47.0 + 8.0 / 60.0 + 39.8174 / 3600.0) * kRadiansPerDegree);
+  official.central_meridian_rad =
+      Or(parameters.central_meridian, (19.0 + 2.0 / 60.0 + 54.8584 / 3600.0) * kRadiansPerDegree);
+  official.scale_factor = Or(parameters.scale_factor, 0.99993);
+  official.false_easting_m = Or(parameters.false_easting, 650000.0);
+  official.false_northing_m = Or(parameters.false_northing, 200000.0);
+  projection_ = MakeDoubleCylindrical(official);
+}
+
+std::optional<PlanePoint> Eov::FromWgs84(LatLon wgs84) const {
+  static const GeocentricFrame earth(kWgs84);
+  const GeocentricFrame hungary(ellipsoid_);
+  const Geocentric at = earth.ToGeocentric({wgs84.latitude_rad, wgs84.longitude_rad, 0.0});
+  const Geodetic hd72 =
+      hungary.ToGeodetic(TranslateUnrotateScale(InverseArguments(Shift(parameters_)), at));
+  PlanePoint point;
+  if (!projection_.projection) return std::nullopt;
+  const ProjectionResult result =
+      projection_.projection->Forward({hd72.latitude_rad, hd72.longitude_rad}, point);
+  return result == ProjectionResult::Done ? std::optional(point) : std::nullopt;
+}
+
+std::optional<LatLon> Eov::ToWgs84(PlanePoint point) const {
+  static const GeocentricFrame earth(kWgs84);
+  const GeocentricFrame hungary(ellipsoid_);
+  LatLon hd72;
+  if (!projection_.projection ||
+      projection_.projection->Inverse(point, hd72) != ProjectionResult::Done) {
+    return std::nullopt;
+  }
+  Geodetic on_hd72{hd72.latitude_rad, hd72.longitude_rad, 0.0};
+  Geodetic wgs84;
+  for (int pass = 0; pass < 3; ++pass) {  // until the WGS84 height is 0
+    wgs84 = earth.ToGeodetic(
+        RotateScaleTranslate(ForwardArguments(Shift(parameters_)), hungary.ToGeocentric(on_hd72)));
+    on_hd72.height_m -= wgs84.height_m;
+  }
+  return LatLon{wgs84.latitude_rad, wgs84.longitude_rad};
+}
+
+}  // namespace tarvex
