@@ -16,7 +16,7 @@
 
 namespace tarvex {
 
-/// Decimals of stations (3 to 6) and coordinates (5 to 12), and whether point ids are written; "0"
+/// Decimals of stations and coordinates, and whether point ids are written; "0"
 /// stands in for them.
 struct CenterlineFormat {
   int station_decimals = 5;
@@ -27,7 +27,7 @@ struct CenterlineFormat {
 /// The forms that the format's own writers use.
 inline constexpr CenterlineFormat kPlainCenterline{};
 inline constexpr CenterlineFormat kCenterlineWithIds{5, 5, true};
-inline constexpr CenterlineFormat kExactCenterline{6, 10, true};
+inline constexpr CenterlineFormat kExactCenterline{8, 10, true};
 
 /// The records of a loaded chain, a line or two each: what the reader made (lead-in vertices) is
 /// left out, and a vertex that kept a curve's angle becomes an "ST" with that angle.

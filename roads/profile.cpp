@@ -8,6 +8,7 @@ namespace tarvex {
 namespace {
 
 constexpr double kOverlap = 1e-6;
+constexpr double kEndTolerance = 1e-6;  // stations of a file that was written with fewer decimals
 
 bool IsUsable(const VerticalPoint& point) {
   return std::isfinite(point.station) && std::isfinite(point.elevation) &&
@@ -85,7 +86,10 @@ ProfileElevation Profile::OnCircle(std::size_t point, double station) const {
 }
 
 std::optional<ProfileElevation> Profile::At(double station) const {
-  if (!(station >= start_station() && station <= end_station())) return std::nullopt;
+  if (!(station >= start_station() - kEndTolerance && station <= end_station() + kEndTolerance)) {
+    return std::nullopt;
+  }
+  station = std::clamp(station, start_station(), end_station());
   const auto above =
       std::upper_bound(points_.begin(), points_.end(), station,
                        [](double value, const VerticalPoint& p) { return value < p.station; });

@@ -1,0 +1,220 @@
+#include "exchange/landxml.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "core/number_text.h"
+#include "core/text.h"
+#include "platform/file.h"
+
+namespace tarvex {
+namespace {
+
+using testing::HasSubstr;
+
+std::string ReadData(const std::string& name) {
+  std::string text;
+  EXPECT_TRUE(ReadWholeFile(SystemFiles(), std::string(TARVEX_TEST_DATA) + "/landxml/" + name,
+                            1 << 20, text)
+                  .ok());
+  return text;
+}
+
+LandXmlAlignment Import(const std::string& text) {
+  LandXmlReading reading = ReadLandXml(text);
+  EXPECT_EQ(reading.result, LandXmlResult::Read) << reading.problem;
+  EXPECT_EQ(reading.alignments.size(), 1U);
+  return std::move(reading.alignments.at(0));
+}
+
+RoadGeometry Geometry(const LandXmlAlignment& alignment) {
+  return MakeRoadGeometry(alignment.centerline, alignment.equations).geometry.value();
+}
+
+// Columns: element station [display] offset northing easting azimuth curvature [elevation grade].
+void ExpectStations(const std::string& xml, const std::string& table, bool display_column) {
+  const LandXmlAlignment alignment = Import(ReadData(xml));
+  const RoadGeometry road = Geometry(alignment);
+  for (const AlignmentElement& element : road.alignment.elements()) EXPECT_TRUE(element.sound);
+  const std::string text = ReadData(table);
+  std::string_view rest = text;
+  int rows = 0;
+  while (const auto line = TakeLine(rest)) {
+    if (line->starts_with('#') || line->starts_with("element")) continue;
+    std::vector<std::string> fields(1);
+    for (const char c : *line) c == '\t' ? fields.emplace_back() : fields.back().append(1, c);
+    const double station = LeadingDouble(fields[1]);
+    if (display_column) {
+      // At the equation itself the table gives the back name, the road the ahead one.
+      const double shown = road.equations.Displayed(station).station;
+      EXPECT_NEAR(shown, station == 1400.0 ? 2000.0 : LeadingDouble(fields[2]), 1e-6);
+      fields.erase(fields.begin() + 2);
+    }
+    const auto point = road.alignment.PointAt(station, LeadingDouble(fields[2]));
+    ASSERT_TRUE(point);
+    EXPECT_NEAR(point->at.northing, LeadingDouble(fields[3]), 6e-5) << *line;
+    EXPECT_NEAR(point->at.easting, LeadingDouble(fields[4]), 6e-5) << *line;
+    const double azimuth = point->azimuth * 180 / std::numbers::pi - LeadingDouble(fields[5]);
+    EXPECT_NEAR(std::remainder(azimuth, 360.0), 0.0, 2e-6) << *line;
+    if (fields.size() > 8 && !fields[7].empty()) {
+      const auto at = alignment.profile->At(station);
+      ASSERT_TRUE(at) << *line;
+      EXPECT_NEAR(at->elevation, LeadingDouble(fields[7]), 6e-5) << *line;
+      EXPECT_NEAR(at->grade, LeadingDouble(fields[8]), 1e-5) << *line;
+    }
+    ++rows;
+  }
+  EXPECT_GT(rows, 50);
+}
+
+TEST(LandXmlReader, MeetsIndependentPointsOfRealFiles) {
+  ExpectStations("indot_ftus_arc_paracurves.xml", "indot_stations.tsv", false);
+  ExpectStations("toivola_arcs_circcurves.xml", "toivola_stations.tsv", false);
+  ExpectStations("scs_station_equation.xml", "scs_station_equation_stations.tsv", true);
+}
+
+TEST(LandXmlReader, EndsWhereTheFilesEnd) {
+  struct Case {
+    const char* file;
+    DistanceUnit unit;
+    PlanPoint end;
+    double station;
+  };
+  const Case cases[] = {
+      {"indot_ftus_arc_paracurves.xml",
+       DistanceUnit::UsSurveyFeet,
+       {630447.49265700008, 1321688.7797160002},
+       2103.7205600000002 + 2796.6790253265699},
+      {"toivola_arcs_circcurves.xml", DistanceUnit::Metres, {6876723.854, 24525794.78}, 616.442493},
+      {"scs_station_equation.xml",
+       DistanceUnit::UsSurveyFeet,
+       {675353.553391, 905853.553391},
+       1984.820206}};
+  for (const Case& c : cases) {
+    EXPECT_EQ(ReadLandXml(ReadData(c.file)).unit, c.unit) << c.file;
+    const RoadGeometry road = Geometry(Import(ReadData(c.file)));
+    EXPECT_NEAR(road.alignment.end_station(), c.station, 2e-6) << c.file;
+    const auto end = road.alignment.PointAt(road.alignment.end_station());
+    EXPECT_NEAR(end->at.northing, c.end.northing, 1e-9) << c.file;
+    EXPECT_NEAR(end->at.easting, c.end.easting, 1e-9) << c.file;
+  }
+  EXPECT_TRUE(Import(ReadData("toivola_y3.xml")).profile);
+}
+
+TEST(LandXmlWriter, RoundTripsToTheSameRoad) {
+  for (const char* file : {"indot_ftus_arc_paracurves.xml", "toivola_arcs_circcurves.xml",
+                           "toivola_y3.xml", "scs_station_equation.xml"}) {
+    const LandXmlAlignment first = Import(ReadData(file));
+    const RoadGeometry road = Geometry(first);
+    const auto text = WriteLandXml({.name = "A & B",
+                                    .unit = DistanceUnit::UsSurveyFeet,
+                                    .road = &road,
+                                    .profile = first.profile ? &*first.profile : nullptr,
+                                    .program = "Tarvex",
+                                    .date = "2026-01-31"});
+    ASSERT_TRUE(text) << file;
+    const LandXmlReading again = ReadLandXml(*text);
+    ASSERT_EQ(again.result, LandXmlResult::Read) << again.problem << *text;
+    EXPECT_TRUE(again.warnings.empty()) << again.warnings.front();
+    EXPECT_EQ(again.unit, DistanceUnit::UsSurveyFeet);
+    const LandXmlAlignment& second = again.alignments.at(0);
+    EXPECT_EQ(second.name, "A & B");
+    ASSERT_EQ(first.centerline.elements.size(), second.centerline.elements.size()) << file;
+    for (std::size_t i = 0; i < first.centerline.elements.size(); ++i) {
+      const CenterlineElement& a = first.centerline.elements[i];
+      const CenterlineElement& b = second.centerline.elements[i];
+      EXPECT_EQ(a.record, b.record) << file << i;
+      EXPECT_NEAR(a.northing, b.northing, 1e-8) << file << i;
+      EXPECT_NEAR(a.easting, b.easting, 1e-8) << file << i;
+      EXPECT_NEAR(a.station, b.station, 2e-3) << file << i;  // the files' own lengths are rounded
+      EXPECT_NEAR(a.radius, b.radius, 2e-3) << file << i;
+    }
+    ASSERT_EQ(first.equations.size(), second.equations.size());
+    for (std::size_t i = 0; i < first.equations.size(); ++i) {
+      EXPECT_NEAR(first.equations[i].back, second.equations[i].back, 1e-8);
+      EXPECT_NEAR(first.equations[i].ahead, second.equations[i].ahead, 1e-8);
+    }
+    ASSERT_EQ(first.profile.has_value(), second.profile.has_value());
+    if (!first.profile) continue;
+    for (double s = first.profile->start_station(); s < first.profile->end_station(); s += 7.3) {
+      EXPECT_NEAR(first.profile->At(s)->elevation, second.profile->At(s)->elevation, 1e-7);
+    }
+  }
+}
+
+std::string Changed(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  return text.replace(at, from.size(), to);
+}
+
+TEST(LandXmlReader, RefusesByNameAndLine) {
+  const std::string scs = ReadData("scs_station_equation.xml");
+  struct Case {
+    const char* from;
+    const char* to;
+    LandXmlResult result;
+    const char* words;
+  };
+  const Case cases[] = {
+      {"spiType=\"clothoid\"", "spiType=\"bloss\"", LandXmlResult::CannotHold,
+       "Line 9: a centerline holds no transition curve of the type \"bloss\""},
+      {"<Line length", "<IrregularLine length", LandXmlResult::NotXml, "Line 8"},
+      {"USSurveyFoot", "mile", LandXmlResult::CannotHold, "the unit \"mile\""},
+      {"staAhead=\"2000", "staIncrement=\"decreasing\" staAhead=\"2000", LandXmlResult::CannotHold,
+       "Line 14: a centerline cannot hold stations that decrease"},
+      {"<End>675000.000000 905299.600378</End>", "<End>675000.0 905299.7</End>",
+       LandXmlResult::CannotHold, "Line 9: the element starts 0.100 away"},
+      {"<Center>675303.118034 905374.444399", "<Center>x", LandXmlResult::BadNumber,
+       "Line 10: Curve has no usable Center point"},
+      {"rot=\"ccw\" crvType", "crvType", LandXmlResult::BadNumber, "Curve lacks rot"},
+      {"length=\"150.000000\"", "length=\"long\"", LandXmlResult::BadNumber,
+       "Spiral has no usable \"length\""},
+      {"<LandXML", "<KML", LandXmlResult::NotXml, ""},
+  };
+  for (const Case& c : cases) {
+    const LandXmlReading reading = ReadLandXml(Changed(scs, c.from, c.to));
+    EXPECT_EQ(reading.result, c.result) << c.to << ": " << reading.problem;
+    EXPECT_THAT(reading.problem, HasSubstr(c.words));
+  }
+  EXPECT_EQ(ReadLandXml("<a/>").result, LandXmlResult::NotLandXml);
+  EXPECT_EQ(ReadLandXml("").result, LandXmlResult::NotXml);
+  const LandXmlReading none = ReadLandXml(scs, "Other");
+  EXPECT_EQ(none.result, LandXmlResult::NoAlignment);
+  EXPECT_THAT(none.problem, HasSubstr("no alignment is called \"Other\""));
+  EXPECT_EQ(ReadLandXml(scs, "SCS-EQ").result, LandXmlResult::Read);
+}
+
+TEST(LandXmlReader, TakesPointsByReferenceAndArcsCalledSpirals) {
+  const LandXmlReading reading = ReadLandXml(
+      "<x:LandXML xmlns:x='http://www.landxml.org/schema/LandXML-1.2'>"
+      "<x:Units><x:Metric linearUnit='meter'/></x:Units>"
+      "<x:CgPoints><x:CgPoint name='P1'>100 200 5</x:CgPoint></x:CgPoints><x:Alignments>"
+      "<x:Alignment name='a' staStart='50'><x:CoordGeom>"
+      "<x:Line><x:Start pntRef='P1'/><x:End>200 200</x:End></x:Line>"
+      "<x:Spiral length='157.0796326795' radiusStart='100' radiusEnd='100' rot='cw' "
+      "spiType='clothoid' constant='0'><x:Start>200 200</x:Start><x:PI>300 200</x:PI>"
+      "<x:End>300 300</x:End></x:Spiral></x:CoordGeom></x:Alignment></x:Alignments></x:LandXML>");
+  ASSERT_EQ(reading.result, LandXmlResult::Read) << reading.problem;
+  const RoadGeometry road = Geometry(reading.alignments[0]);
+  ASSERT_EQ(road.alignment.elements().size(), 2U);
+  EXPECT_EQ(road.alignment.elements()[1].shape, ElementShape::Arc);
+  EXPECT_NEAR(road.alignment.elements()[1].length, 50 * std::numbers::pi, 1e-9);
+  EXPECT_TRUE(road.alignment.elements()[1].sound);
+}
+
+TEST(LandXmlReader, StandsFilesCutAnywhere) {
+  for (const char* file : {"scs_station_equation.xml", "toivola_y3.xml"}) {
+    const std::string text = ReadData(file);
+    for (std::size_t length = 0; length < text.size(); ++length) {
+      const LandXmlReading reading = ReadLandXml(std::string_view(text).substr(0, length));
+      EXPECT_EQ(reading.result == LandXmlResult::Read, reading.problem.empty()) << length;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tarvex
