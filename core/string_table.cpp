@@ -122,6 +122,38 @@ constexpr std::array kEntries = {
     Entry{4105, "The grid file %s gives a size that no grid has: %s."},
     Entry{4106, "The grid file %s holds a bad value: %s."},
     Entry{4107, "The grid files %s and %s do not cover the same nodes."},
+    Entry{4110, "this is no localization file: %s"},
+    Entry{4111, "the point has no value \"%s\""},
+    Entry{4112, "the value of \"%s\" cannot be read: \"%s\""},
+    Entry{4113, "the value of \"%s\" is out of range: %s"},
+    Entry{4114, "this is no localization: the record \"%s\" with the units \"%s\" is missing"},
+    Entry{4115, "the file cannot be read: %s"},
+    Entry{4120, "%s points horizontally, scale %s ppm from 1, turned %s\" clockwise"},
+    Entry{4121, "%s points vertically, shift %s m, tilt %s ppm to the north, %s ppm to the east"},
+    Entry{4130,
+          "With %s point(s) the horizontal fit has no check: a blunder in a point cannot be seen."},
+    Entry{4131,
+          "The control points stand almost on a line: away from it the fit is only as good as the "
+          "scale."},
+    Entry{4132,
+          "The control points lie within %s m of each other: errors grow with the distance from "
+          "them."},
+    Entry{4133,
+          "The scale is %s ppm from 1: check the units, the projection and the points, or fix the "
+          "scale."},
+    Entry{4134,
+          "Point %s misses the place that the others give it by %s m: check it, or leave it out."},
+    Entry{4135,
+          "%s of %s points of the job lie outside of the control points, the farthest by %s m."},
+    Entry{4136, "With %s point(s) the vertical fit has no check."},
+    Entry{4137, "An inclined plane takes three points: a plain shift was fitted instead."},
+    Entry{4138,
+          "The points stand on a line, so that the tilt across it is not known: a plain shift was "
+          "fitted instead of a plane."},
+    Entry{4139,
+          "The plane would be steeper than 100 ppm: a plain shift was fitted instead. Check the "
+          "elevations and whether a geoid model is missing."},
+    Entry{4140, "Point %s has large residuals: %s m horizontally, %s m vertically."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},
     Entry{5001, "the point id is negative: %s"},

@@ -1,0 +1,171 @@
+#include "coordsys/geoid/geoid_grid.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "core/units.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kTerms = 10;  // of a cubic in two variables
+constexpr int kNodes = 12;  // of the four-by-four block without its corners
+
+constexpr std::array<std::array<int, 2>, kNodes> kBlock = {{{0, -1},
+                                                            {1, -1},
+                                                            {-1, 0},
+                                                            {0, 0},
+                                                            {1, 0},
+                                                            {2, 0},
+                                                            {-1, 1},
+                                                            {0, 1},
+                                                            {1, 1},
+                                                            {2, 1},
+                                                            {0, 2},
+                                                            {1, 2}}};
+
+using TermRow = std::array<double, kTerms>;
+using CubicMatrix = std::array<std::array<double, kNodes>, kTerms>;
+
+TermRow Terms(double x, double y) {
+  return {1, x, y, x * x, x * y, y * y, x * x * x, x * x * y, x * y * y, y * y * y};
+}
+
+// The weighted least-squares fit of a cubic to the twelve nodes, as the matrix that makes its terms
+// from the nodes: the normal equations solved once for every node by elimination.
+CubicMatrix FitCubic() {
+  double normal[kTerms][kTerms + kNodes] = {};
+  for (int k = 0; k < kNodes; ++k) {
+    const auto [i, j] = kBlock[static_cast<std::size_t>(k)];
+    const bool inner = (i == 0 || i == 1) && (j == 0 || j == 1);
+    const double weight = inner ? 2.0 : 1.0;
+    const TermRow row = Terms(i, j);
+    for (std::size_t r = 0; r < kTerms; ++r) {
+      for (std::size_t c = 0; c < kTerms; ++c) normal[r][c] += weight * row[r] * row[c];
+      normal[r][kTerms + k] = weight * row[r];
+    }
+  }
+  for (int pivot = 0; pivot < kTerms; ++pivot) {
+    int best = pivot;
+    for (int r = pivot; r < kTerms; ++r) {
+      if (std::abs(normal[r][pivot]) > std::abs(normal[best][pivot])) best = r;
+    }
+    std::swap_ranges(std::begin(normal[pivot]), std::end(normal[pivot]), std::begin(normal[best]));
+    const double scale = 1.0 / normal[pivot][pivot];
+    for (double& value : normal[pivot]) value *= scale;
+    for (int r = 0; r < kTerms; ++r) {
+      if (r == pivot) continue;
+      const double factor = normal[r][pivot];
+      for (int c = 0; c < kTerms + kNodes; ++c) normal[r][c] -= factor * normal[pivot][c];
+    }
+  }
+  CubicMatrix matrix;
+  for (std::size_t r = 0; r < kTerms; ++r) {
+    for (std::size_t k = 0; k < kNodes; ++k) matrix[r][k] = normal[r][kTerms + k];
+  }
+  return matrix;
+}
+
+const CubicMatrix& CubicFit() {
+  static const CubicMatrix matrix = FitCubic();
+  return matrix;
+}
+
+// The three weights of the parabola through nodes -1, 0 and 1 at `t`.
+std::array<double, 3> ParabolaWeights(double t) {
+  return {0.5 * t * (t - 1.0), 1.0 - t * t, 0.5 * t * (t + 1.0)};
+}
+
+}  // namespace
+
+double GeoidGrid::Node(int column, int row) const noexcept {
+  if (around_earth_) {
+    // Beyond a pole the row is the same one on the other side of the earth.
+    if (row < 0 || row >= geometry_.rows()) {
+      row = row < 0 ? -row : 2 * (geometry_.rows() - 1) - row;
+      column += stored_columns_ / 2;
+    }
+    column = (column % stored_columns_ + stored_columns_) % stored_columns_;
+  }
+  const std::size_t size = layout_.kind == NodeKind::Float64   ? 8
+                           : layout_.kind == NodeKind::Float32 ? 4
+                                                               : 2;
+  const char* const at = bytes_.view().data() + layout_.first + layout_.row_stride * row +
+                         static_cast<std::ptrdiff_t>(size) * column;
+  double value = 0.0;
+  switch (layout_.kind) {
+    case NodeKind::Float32:
+      value = static_cast<double>(NumberAt<float>(at, layout_.order));
+      break;
+    case NodeKind::Float64:
+      value = NumberAt<double>(at, layout_.order);
+      break;
+    case NodeKind::Pixel16:
+      return layout_.offset_m + layout_.scale_m * NumberAt<std::uint16_t>(at, layout_.order);
+  }
+  // No geoid is further from its ellipsoid than 200 m; a NaN is none either.
+  const bool has_value = std::abs(value) < 200.0 && std::abs(value - layout_.no_data) > 1e-3;
+  return has_value ? value : std::numeric_limits<double>::quiet_NaN();
+}
+
+double GeoidGrid::BilinearAt(const GridCell& cell) const noexcept {
+  return Bilinear(cell, Node(cell.column, cell.row), Node(cell.column + 1, cell.row),
+                  Node(cell.column, cell.row + 1), Node(cell.column + 1, cell.row + 1));
+}
+
+double GeoidGrid::BiquadraticAt(double column, double row) const noexcept {
+  const int middle_column =
+      std::clamp(static_cast<int>(std::lround(column)), 1, geometry_.columns() - 2);
+  const int middle_row = std::clamp(static_cast<int>(std::lround(row)), 1, geometry_.rows() - 2);
+  const auto across = ParabolaWeights(column - middle_column);
+  const auto up = ParabolaWeights(row - middle_row);
+  double value = 0.0;
+  for (int j = 0; j < 3; ++j) {
+    for (int i = 0; i < 3; ++i) {
+      value += up[static_cast<std::size_t>(j)] * across[static_cast<std::size_t>(i)] *
+               Node(middle_column - 1 + i, middle_row - 1 + j);
+    }
+  }
+  return value;
+}
+
+double GeoidGrid::CubicAt(const GridCell& cell) const noexcept {
+  const TermRow terms = Terms(cell.across, cell.up);
+  const CubicMatrix& fit = CubicFit();
+  double value = 0.0;
+  for (std::size_t k = 0; k < kNodes; ++k) {
+    double weight = 0.0;
+    for (std::size_t r = 0; r < kTerms; ++r) weight += terms[r] * fit[r][k];
+    value += weight * Node(cell.column + kBlock[k][0], cell.row + kBlock[k][1]);
+  }
+  return value;
+}
+
+std::optional<double> GeoidGrid::Undulation(double latitude_rad,
+                                            double longitude_rad) const noexcept {
+  if (bytes_.view().empty() || !std::isfinite(longitude_rad)) return std::nullopt;
+  const double latitude = latitude_rad * kDegreesPerRadian;
+  // Whole turns are added until the longitude stands right of the first column.
+  double longitude = longitude_rad * kDegreesPerRadian - geometry_.first_x();
+  longitude -= 360.0 * std::floor((longitude + 1e-9) / 360.0);
+  longitude += geometry_.first_x();
+  const auto cell = geometry_.CellAt(longitude, latitude);
+  if (!cell) return std::nullopt;
+  double undulation = 0.0;
+  switch (layout_.between) {
+    case Between::Bilinear:
+      undulation = BilinearAt(*cell);
+      break;
+    case Between::Biquadratic:
+      undulation = BiquadraticAt(cell->column + cell->across, cell->row + cell->up);
+      break;
+    case Between::Cubic12:
+      undulation = CubicAt(*cell);
+      break;
+  }
+  if (!std::isfinite(undulation)) return std::nullopt;
+  return undulation;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,67 @@
+// Geoid model files: heights of the geoid above the ellipsoid at the nodes of a regular grid of
+// latitude and longitude.
+//
+// The form is told by the file's ending (docs/formats/grids.md has the layouts):
+//   .gtx  big-endian floats, south to north; bilinear between nodes, as its peers interpolate
+//   .bin  the American agency's form in either byte order; biquadratic over the nine nodes around
+//         the nearest one, as the agency's own tool does
+//   .pgm  16-bit pixels of the whole earth, north to south; the twelve-node cubic of C. Karney
+//   .isg  text of the International Service for the Geoid, versions 1 and 2; bilinear
+// Positions are radians, north and east positive, on WGS84 or the model's own datum (a metre or two
+// between them do not matter); undulations are metres. A grid around the whole earth closes on
+// itself. Nodes stay in the file's own bytes, so that a model costs the memory of its file.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "coordsys/grids/byte_order.h"
+#include "coordsys/grids/grid_geometry.h"
+#include "coordsys/grids/grid_status.h"
+#include "platform/file_bytes.h"
+
+namespace tarvex {
+
+class GeoidGrid {
+ public:
+  static GridStatus Load(FileSystem& files, const std::string& path, GeoidGrid& grid);
+  /// The ending of `path` tells the form.
+  static GridStatus Parse(FileBytes bytes, const std::string& path, GeoidGrid& grid);
+
+  /// Nothing outside of the grid and where a node around the point has no value.
+  std::optional<double> Undulation(double latitude_rad, double longitude_rad) const noexcept;
+
+  const GridGeometry& geometry() const { return geometry_; }
+
+ private:
+  friend class GeoidParser;
+
+  enum class NodeKind { Float32, Float64, Pixel16 };
+  enum class Between { Bilinear, Biquadratic, Cubic12 };
+
+  // Where a node stands in the bytes and what its number means.
+  struct Layout {
+    std::size_t first = 0;          // byte of the south-west node
+    std::ptrdiff_t row_stride = 0;  // bytes from a row to the next one north
+    NodeKind kind = NodeKind::Float32;
+    ByteOrder order = ByteOrder::Little;
+    double offset_m = 0.0;  // of a pixel
+    double scale_m = 1.0;
+    double no_data = -88.8888;
+    Between between = Between::Bilinear;
+  };
+
+  double Node(int column, int row) const noexcept;
+  double BilinearAt(const GridCell& cell) const noexcept;
+  double BiquadraticAt(double column, double row) const noexcept;
+  double CubicAt(const GridCell& cell) const noexcept;
+
+  FileBytes bytes_;
+  Layout layout_;
+  GridGeometry geometry_;  // degrees; a grid around the earth has its first column twice
+  int stored_columns_ = 0;
+  bool around_earth_ = false;
+};
+
+}  // namespace tarvex

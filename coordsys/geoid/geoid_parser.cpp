@@ -1,0 +1,292 @@
+// Reading the headers of the geoid forms.
+#include <cmath>
+#include <map>
+
+#include "coordsys/geoid/geoid_grid.h"
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::size_t kGtxHeader = 40;
+constexpr std::size_t kBinHeader = 44;
+constexpr double kMostNodes = 4e9;
+
+std::string Ending(const std::string& path) {
+  const std::size_t dot = path.rfind('.');
+  return dot == std::string::npos ? std::string() : LowerCase(path.substr(dot));
+}
+
+// "26.5", or degrees, minutes and seconds with their signs ("26°30'00"").
+std::optional<double> Angle(std::string_view text) {
+  if (const auto plain = ParseNumber(text)) return plain;
+  const bool negative = text.starts_with('-');
+  double degrees = 0.0;
+  double unit = 1.0;
+  int parts = 0;
+  for (std::size_t i = 0; i < text.size() && parts < 3;) {
+    if (!IsDigit(text[i])) {
+      ++i;
+      continue;
+    }
+    const std::string_view rest = text.substr(i);
+    degrees += unit * LeadingDouble(rest);
+    const std::size_t end = rest.find_first_not_of("0123456789.");
+    i += end == std::string_view::npos ? rest.size() : end;
+    unit /= 60.0;
+    ++parts;
+  }
+  if (parts < 2) return std::nullopt;
+  return negative ? -degrees : degrees;
+}
+
+}  // namespace
+
+class GeoidParser {
+ public:
+  GeoidParser(FileBytes bytes, const std::string& path)
+      : held_(std::move(bytes)), bytes_(held_.view()), path_(path) {}
+
+  GridStatus Parse(GeoidGrid& grid) {
+    GeoidGrid made;
+    const std::string ending = Ending(path_);
+    GridStatus status = Wrong(GridProblem::NotThisFormat, "a geoid is .gtx, .bin, .pgm or .isg");
+    if (ending == ".gtx") status = Gtx(made);
+    if (ending == ".bin") status = Bin(made);
+    if (ending == ".pgm") status = Pgm(made);
+    if (ending == ".isg") status = Isg(made);
+    if (!status.ok()) return status;
+    made.bytes_ = held_;
+    grid = std::move(made);
+    return {};
+  }
+
+ private:
+  GridStatus Wrong(GridProblem problem, std::string detail) const {
+    return {problem, path_, std::move(detail)};
+  }
+  GridStatus CheckSize(std::size_t needed) const {
+    if (bytes_.size() == needed) return {};
+    return Wrong(bytes_.size() < needed ? GridProblem::CutShort : GridProblem::TooLong,
+                 std::to_string(bytes_.size()) + " of " + std::to_string(needed) + " bytes");
+  }
+  double Real(std::size_t at, ByteOrder order) const {
+    return NumberAt<double>(bytes_.data() + at, order);
+  }
+  int Integer(std::size_t at, ByteOrder order) const {
+    return NumberAt<std::int32_t>(bytes_.data() + at, order);
+  }
+
+  // Takes the bounds; a grid around the earth gets its first column once more at its end.
+  static bool SetGeometry(GeoidGrid& grid, double west, double south, double step_lon,
+                          double step_lat, double columns, double rows) {
+    const bool around = std::abs(columns * step_lon - 360.0) < 1e-6;
+    const auto geometry = MakeGridGeometry(west, south, step_lon, step_lat,
+                                           columns + (around ? 1.0 : 0.0), rows, kMostNodes);
+    if (!geometry || south < -90.001 || geometry->last_y() > 90.001 || std::abs(west) > 720.0 ||
+        geometry->last_x() - west > 360.001) {
+      return false;
+    }
+    grid.geometry_ = *geometry;
+    grid.around_earth_ = around;
+    grid.stored_columns_ = static_cast<int>(columns);
+    return true;
+  }
+
+  static std::size_t Nodes(const GeoidGrid& grid) {
+    return static_cast<std::size_t>(grid.stored_columns_) *
+           static_cast<std::size_t>(grid.geometry_.rows());
+  }
+
+  // Latitude and longitude of the south-west node, steps, rows, columns.
+  GridStatus Gtx(GeoidGrid& grid) const {
+    if (bytes_.size() < kGtxHeader) return Wrong(GridProblem::CutShort, "the header");
+    constexpr ByteOrder order = ByteOrder::Big;
+    if (!SetGeometry(grid, Real(8, order), Real(0, order), Real(24, order), Real(16, order),
+                     Integer(36, order), Integer(32, order))) {
+      return Wrong(GridProblem::ImpossibleSize, "the header");
+    }
+    // Old files hold 8-byte values.
+    const bool wide = bytes_.size() == kGtxHeader + 8 * Nodes(grid);
+    const std::size_t size = wide ? 8 : 4;
+    grid.layout_.first = kGtxHeader;
+    grid.layout_.row_stride = static_cast<std::ptrdiff_t>(size) * grid.stored_columns_;
+    grid.layout_.kind = wide ? GeoidGrid::NodeKind::Float64 : GeoidGrid::NodeKind::Float32;
+    grid.layout_.order = order;
+    return CheckSize(kGtxHeader + size * Nodes(grid));
+  }
+
+  // The same with the number 1 for "32-bit floats" behind, which also tells the byte order.
+  GridStatus Bin(GeoidGrid& grid) const {
+    if (bytes_.size() < kBinHeader) return Wrong(GridProblem::CutShort, "the header");
+    ByteOrder order = ByteOrder::Little;
+    if (Integer(40, order) != 1) order = ByteOrder::Big;
+    if (Integer(40, order) != 1)
+      return Wrong(GridProblem::NotThisFormat, "the number at byte 40 is not 1");
+    if (!SetGeometry(grid, Real(8, order), Real(0, order), Real(24, order), Real(16, order),
+                     Integer(36, order), Integer(32, order))) {
+      return Wrong(GridProblem::ImpossibleSize, "the header");
+    }
+    grid.layout_.first = kBinHeader;
+    grid.layout_.row_stride = std::ptrdiff_t{4} * grid.stored_columns_;
+    grid.layout_.order = order;
+    const bool has_nine = grid.geometry_.columns() >= 3 && grid.geometry_.rows() >= 3;
+    grid.layout_.between =
+        has_nine ? GeoidGrid::Between::Biquadratic : GeoidGrid::Between::Bilinear;
+    return CheckSize(kBinHeader + 4 * Nodes(grid));
+  }
+
+  // "P5", remarks with "# Offset M" and "# Scale M", width and height, 65535, pixels.
+  GridStatus Pgm(GeoidGrid& grid) const {
+    std::string_view rest = bytes_;
+    int line_number = 0;
+    double size[2] = {};
+    bool has_scale = false;
+    bool has_offset = false;
+    const auto wrong = [&](GridProblem problem) {
+      return Wrong(problem, "line " + std::to_string(line_number));
+    };
+    std::string_view words;
+    for (int values = 0; values < 3;) {
+      const auto line = TakeLine(rest);
+      ++line_number;
+      if (!line) return wrong(GridProblem::CutShort);
+      if (line_number == 1 && *line != "P5") return wrong(GridProblem::NotThisFormat);
+      if (line_number == 1) continue;
+      if (line->starts_with('#')) {
+        words = WithoutLeadingBlanks(line->substr(1));
+        if (words.starts_with("Offset ")) {
+          grid.layout_.offset_m = LeadingDouble(words.substr(7));
+          has_offset = true;
+        }
+        if (words.starts_with("Scale ")) {
+          grid.layout_.scale_m = LeadingDouble(words.substr(6));
+          has_scale = true;
+        }
+        continue;
+      }
+      if (values == 0) {
+        size[0] = LeadingDouble(*line);
+        const std::size_t blank = WithoutLeadingBlanks(*line).find(' ');
+        if (blank == std::string_view::npos) return wrong(GridProblem::BadValue);
+        size[1] = LeadingDouble(WithoutLeadingBlanks(*line).substr(blank));
+        values = 2;
+      } else {
+        if (LeadingDouble(*line) != 65535.0) return wrong(GridProblem::BadValue);
+        values = 3;
+      }
+    }
+    if (!has_scale || !has_offset) return Wrong(GridProblem::NotThisFormat, "no Offset or Scale");
+    if (!(size[0] >= 4 && size[1] >= 3 && std::fmod(size[0], 2) == 0.0) ||
+        !SetGeometry(grid, 0.0, -90.0, 360.0 / size[0], 180.0 / (size[1] - 1), size[0], size[1])) {
+      return Wrong(GridProblem::ImpossibleSize, "the header");
+    }
+    const std::size_t pixels = bytes_.size() - rest.size();
+    const std::size_t row = 2 * static_cast<std::size_t>(grid.stored_columns_);
+    grid.layout_.first = pixels + row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
+    grid.layout_.row_stride = -static_cast<std::ptrdiff_t>(row);
+    grid.layout_.kind = GeoidGrid::NodeKind::Pixel16;
+    grid.layout_.order = ByteOrder::Big;
+    grid.layout_.between = GeoidGrid::Between::Cubic12;
+    return CheckSize(pixels + 2 * Nodes(grid));
+  }
+
+  // Lines "key : value" or "key = value" up to "end_of_head", then rows from the north.
+  GridStatus Isg(GeoidGrid& grid) {
+    std::string_view rest = bytes_;
+    std::map<std::string, std::string> head;
+    int line_number = 0;
+    for (bool in_head = false;;) {
+      const auto line = TakeLine(rest);
+      ++line_number;
+      if (!line) {
+        return Wrong(head.empty() && !in_head ? GridProblem::NotThisFormat : GridProblem::CutShort,
+                     "no end_of_head");
+      }
+      if (line->starts_with("end_of_head")) break;
+      in_head = in_head || line->starts_with("begin_of_head");
+      const std::size_t mark = line->find_first_of(":=");
+      if (!in_head || mark == std::string_view::npos) continue;
+      head[LowerCase(WithoutOuterBlanks(line->substr(0, mark)))] =
+          WithoutOuterBlanks(line->substr(mark + 1));
+    }
+    const auto angle = [&head](const char* key) { return Angle(head[key]); };
+    const auto lat_min = angle("lat min");
+    const auto lat_max = angle("lat max");
+    const auto lon_min = angle("lon min");
+    const auto lon_max = angle("lon max");
+    const auto step_lat = angle("delta lat");
+    const auto step_lon = angle("delta lon");
+    const auto rows = ParseNumber(head["nrows"]);
+    const auto columns = ParseNumber(head["ncols"]);
+    if (!lat_min || !lat_max || !lon_min || !lon_max || !step_lat || !step_lon || !rows ||
+        !columns) {
+      return Wrong(GridProblem::BadValue, "the header");
+    }
+    // The bounds are those of the nodes or of the cells around them.
+    const double south = FirstNode(*lat_min, *lat_max, *step_lat, *rows);
+    const double west = FirstNode(*lon_min, *lon_max, *step_lon, *columns);
+    if (!SetGeometry(grid, west, south, *step_lon, *step_lat, *columns, *rows)) {
+      return Wrong(GridProblem::ImpossibleSize, "the header");
+    }
+    // Every value takes two bytes at least, but for the last one.
+    if (2 * Nodes(grid) > rest.size() + 1) return Wrong(GridProblem::CutShort, "the nodes");
+    grid.layout_.no_data = head.contains("nodata") ? LeadingDouble(head["nodata"]) : -9999.0;
+    return IsgNodes(grid, rest, line_number);
+  }
+
+  static double FirstNode(double low, double high, double step, double nodes) {
+    const bool cells = std::abs((high - low) / step - nodes) < 0.25;
+    return cells ? low + 0.5 * step : low;
+  }
+
+  // The text's numbers become little-endian floats, which are held in place of the text.
+  GridStatus IsgNodes(GeoidGrid& grid, std::string_view rest, int line_number) {
+    const std::size_t nodes = Nodes(grid);
+    std::string packed;
+    packed.reserve(4 * nodes);
+    std::size_t seen = 0;
+    while (const auto line = TakeLine(rest)) {
+      ++line_number;
+      for (std::string_view words = WithoutOuterBlanks(*line); !words.empty();
+           words = WithoutLeadingBlanks(words)) {
+        const std::size_t end = std::min(words.find_first_of(" \t"), words.size());
+        const auto value = ParseNumber(words.substr(0, end));
+        if (!value) return Wrong(GridProblem::BadValue, "line " + std::to_string(line_number));
+        if (++seen > nodes)
+          return Wrong(GridProblem::TooLong, "line " + std::to_string(line_number));
+        const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(*value));
+        for (int i = 0; i < 4; ++i) packed += static_cast<char>(bits >> (8 * i) & 0xff);
+        words.remove_prefix(end);
+      }
+    }
+    if (seen < nodes) {
+      return Wrong(GridProblem::CutShort,
+                   std::to_string(seen) + " of " + std::to_string(nodes) + " nodes");
+    }
+    const std::size_t row = 4 * static_cast<std::size_t>(grid.stored_columns_);
+    grid.layout_.first = row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
+    grid.layout_.row_stride = -static_cast<std::ptrdiff_t>(row);
+    held_ = FileBytes(std::move(packed));
+    return {};
+  }
+
+  FileBytes held_;
+  std::string_view bytes_;
+  const std::string& path_;
+};
+
+GridStatus GeoidGrid::Load(FileSystem& files, const std::string& path, GeoidGrid& grid) {
+  FileBytes bytes;
+  if (FileStatus status = LoadFileBytes(files, path, bytes); !status.ok()) {
+    return FromFileStatus(status, path);
+  }
+  return Parse(std::move(bytes), path, grid);
+}
+
+GridStatus GeoidGrid::Parse(FileBytes bytes, const std::string& path, GeoidGrid& grid) {
+  return GeoidParser(std::move(bytes), path).Parse(grid);
+}
+
+}  // namespace tarvex

@@ -1,0 +1,79 @@
+#include "coordsys/localization/control_hull.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace tarvex {
+namespace {
+
+// Twice the area of a, b, c: above 0 for a turn to the left.
+double Turn(const PlanePoint& a, const PlanePoint& b, const PlanePoint& c) {
+  return (b.easting_m - a.easting_m) * (c.northing_m - a.northing_m) -
+         (b.northing_m - a.northing_m) * (c.easting_m - a.easting_m);
+}
+
+double Distance(const PlanePoint& a, const PlanePoint& b) {
+  return std::hypot(a.easting_m - b.easting_m, a.northing_m - b.northing_m);
+}
+
+double DistanceToSegment(const PlanePoint& p, const PlanePoint& a, const PlanePoint& b) {
+  const double de = b.easting_m - a.easting_m;
+  const double dn = b.northing_m - a.northing_m;
+  const double square = de * de + dn * dn;
+  if (square == 0.0) return Distance(p, a);
+  const double along = (p.easting_m - a.easting_m) * de + (p.northing_m - a.northing_m) * dn;
+  const double t = std::clamp(along / square, 0.0, 1.0);
+  return Distance(p, {a.northing_m + t * dn, a.easting_m + t * de});
+}
+
+// One side of the hull over points in order of easting.
+template <typename Iterator>
+void AppendSide(Iterator first, Iterator last, std::vector<PlanePoint>& hull) {
+  const std::size_t start = hull.size();
+  for (; first != last; ++first) {
+    while (hull.size() >= start + 2 && Turn(hull[hull.size() - 2], hull.back(), *first) <= 0.0) {
+      hull.pop_back();
+    }
+    hull.push_back(*first);
+  }
+  hull.pop_back();  // it begins the other side
+}
+
+}  // namespace
+
+ControlHull::ControlHull(std::vector<PlanePoint> points) {
+  std::sort(points.begin(), points.end(), [](const PlanePoint& a, const PlanePoint& b) {
+    return a.easting_m != b.easting_m ? a.easting_m < b.easting_m : a.northing_m < b.northing_m;
+  });
+  points.erase(std::unique(points.begin(), points.end()), points.end());
+  if (points.size() < 3) {
+    corners_ = std::move(points);
+    return;
+  }
+  AppendSide(points.begin(), points.end(), corners_);
+  AppendSide(points.rbegin(), points.rend(), corners_);
+}
+
+double ControlHull::MetresOutside(const PlanePoint& point) const {
+  if (corners_.empty()) return 0.0;
+  bool inside = corners_.size() > 2;
+  double nearest = std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < corners_.size(); ++i) {
+    const PlanePoint& a = corners_[i];
+    const PlanePoint& b = corners_[(i + 1) % corners_.size()];
+    inside = inside && Turn(a, b, point) >= 0.0;
+    nearest = std::min(nearest, DistanceToSegment(point, a, b));
+  }
+  return inside ? 0.0 : nearest;
+}
+
+double ControlHull::Extent_m() const {
+  double extent = 0.0;
+  for (const PlanePoint& a : corners_) {
+    for (const PlanePoint& b : corners_) extent = std::max(extent, Distance(a, b));
+  }
+  return extent;
+}
+
+}  // namespace tarvex
