@@ -11,7 +11,8 @@ namespace {
 
 constexpr double kSmallExtent_m = 20.0;
 constexpr double kFarScale_ppm = 200.0;
-constexpr double kBlunder = 3.0;  // standard deviations
+constexpr double kBlunderChance = 0.01;
+constexpr double kFinest_m = 0.001;  // no control is better than a millimetre
 constexpr double kBlunderAtLeast_m = 0.005;
 constexpr double kLargeHorizontal_m = 0.05;
 constexpr double kLargeVertical_m = 0.10;
@@ -176,24 +177,28 @@ class WarningWriter {
         worst_miss = miss;
       }
     }
-    if (worst == nullptr || !SigmaWithout(*worst)) return;
-    if (worst_miss > kBlunder * std::max(*SigmaWithout(*worst), 0.002)) {
+    if (worst == nullptr) return;
+    const double chance = Chance(*worst);
+    if (chance * report_.fit.horizontal.points < kBlunderChance) {
       Add(LocalizationWarning::LikelyBlunder, 4134, {worst->name, FixedNumber(worst_miss, 3)});
     }
   }
 
-  // The standard deviation that the fit has without a point; empty without redundancy left.
-  std::optional<double> SigmaWithout(const PointResidual& row) const {
-    const HorizontalFit& h = report_.fit.horizontal;
-    const int redundancy = h.redundancy() - 2;
-    if (redundancy <= 0) return std::nullopt;
-    // Leaving a point out takes the product of its residual and its miss off the sum of squares.
+  // How likely a good point misses the others by this much: the tail of the F distribution of its
+  // share of the squares, two degrees of freedom, against those of the fit without it. 1 when the
+  // others have no redundancy of their own.
+  double Chance(const PointResidual& row) const {
+    const int redundancy = report_.fit.horizontal.redundancy() - 2;
+    if (redundancy <= 0) return 1.0;
     double squares = 0.0;
     for (const PointResidual& other : report_.points) {
       if (other.in_horizontal) squares += other.horizontal_m() * other.horizontal_m();
     }
-    squares -= row.east_m * row.left_out->miss_east_m + row.north_m * row.left_out->miss_north_m;
-    return std::sqrt(std::max(squares, 0.0) / redundancy);
+    // Leaving a point out takes the product of its residual and its miss off the squares.
+    const double share =
+        row.east_m * row.left_out->miss_east_m + row.north_m * row.left_out->miss_north_m;
+    const double left = std::max(squares - share, redundancy * kFinest_m * kFinest_m);
+    return std::pow(1.0 + share / left, -0.5 * redundancy);
   }
 
   void Outside(const ControlHull& hull, const std::vector<PlanePoint>& job_points) {
