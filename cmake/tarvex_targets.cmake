@@ -11,6 +11,9 @@ if(TARVEX_SANITIZERS)
                          -fno-sanitize-recover=all)
   target_link_options(tarvex_build INTERFACE -fsanitize=${TARVEX_SANITIZERS})
 endif()
+if(TARVEX_BUILD_FUZZ)
+  target_compile_options(tarvex_build INTERFACE -fsanitize=fuzzer-no-link)  # coverage for libFuzzer
+endif()
 
 # tarvex_library(ROOM HEADERS ... SOURCES ... USES ...): the static library tarvex_ROOM, alias Tarvex::ROOM.
 function(tarvex_library room)
