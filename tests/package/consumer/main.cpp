@@ -1,0 +1,10 @@
+#include "core/angle.h"
+#include "coordsys/calculator.h"
+#include "gnss/position_reader.h"
+
+int main() {
+  const tarvex::CTrgCalculator calculator;
+  const bool no_system = calculator.State() == tarvex::CalculationResult::NoSystem;
+  const bool has_text = !tarvex::ResultSentence(tarvex::GnssReadResult::NoFix).empty();
+  return no_system && has_text && tarvex::PackedField(12.5, 4) == "12.3000" ? 0 : 1;
+}
