@@ -154,6 +154,22 @@ constexpr std::array kEntries = {
           "The plane would be steeper than 100 ppm: a plain shift was fitted instead. Check the "
           "elevations and whether a geoid model is missing."},
     Entry{4140, "Point %s has large residuals: %s m horizontally, %s m vertically."},
+    Entry{4150, "The library that shifts the datum cannot be loaded."},
+    Entry{4151, "The point lies outside of the grid."},
+    Entry{4152, "The grid has no value at this point."},
+    Entry{4153, "The grid of the datum shift is missing or damaged."},
+    Entry{4154,
+          "No shift from WGS84 to this datum is known: latitude and longitude are taken as they "
+          "are."},
+    Entry{4155,
+          "seven parameters: %s, %s, %s m; %s, %s, %s\" (coordinate frame); %s ppm (CoordSys)"},
+    Entry{4156, "NAD27 by the grids in %s (nadconv)"},
+    Entry{4157, "NTv2 grid %s, %s to %s"},
+    Entry{4158, "geocentric translations of the grid %s"},
+    Entry{4160, "The point lies outside of the geoid model."},
+    Entry{4161, "The geoid model is missing or damaged."},
+    Entry{4162, "The shift grid is missing or damaged; no grid correction is made."},
+    Entry{4163, "There is no datum shift \"%s\"."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},
     Entry{5001, "the point id is negative: %s"},

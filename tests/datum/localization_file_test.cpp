@@ -7,6 +7,7 @@
 
 #include "case_table.h"
 #include "coordsys/localization/xml_record.h"
+#include "tests/support/memory_files.h"
 
 namespace tarvex {
 namespace {
@@ -188,6 +189,34 @@ TEST(LocalizationFile, IsSavedWholeOrNotAtAll) {
       LoadLocalization(SystemFiles(), path + "x", DistanceUnit::Metres, fault).has_value());
   EXPECT_EQ(fault.line, 0);
   (void)SystemFiles().Remove(path);
+}
+
+// Whatever goes wrong at whichever step of saving, the old file or the new one is there.
+TEST(LocalizationFile, ACrashWhileSavingLeavesTheOldFileOrTheNew) {
+  const std::string path = "/job/site.loc";
+  const LocalizationList before = {SamplePoint()};
+  LocalizationList after = before;
+  after[0]->description = "MOVED";
+  const std::string old_text = LocalizationText(before, DistanceUnit::Metres);
+  const std::string new_text = LocalizationText(after, DistanceUnit::Metres);
+  for (const Mishap mishap : {Mishap::Fails, Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
+    for (int step = 1;; ++step) {
+      MemoryFiles files;
+      ASSERT_EQ(SaveLocalization(files, path, &before, DistanceUnit::Metres),
+                SaveLocalizationResult::Saved);
+      files.Restart(0);
+      files.Expect(mishap, step);
+      const auto result = SaveLocalization(files, path, &after, DistanceUnit::Metres);
+      if (!files.happened()) break;
+      files.Restart(static_cast<unsigned>(step));
+      const std::string left = files.Bytes(path);
+      EXPECT_TRUE(left == old_text || left == new_text) << step;
+      if (result == SaveLocalizationResult::Saved) {
+        EXPECT_EQ(left, new_text);
+      }
+      ASSERT_LT(step, 50);
+    }
+  }
 }
 
 }  // namespace

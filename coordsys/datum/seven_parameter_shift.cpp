@@ -1,0 +1,75 @@
+#include "coordsys/datum/seven_parameter_shift.h"
+
+#include "coordsys/datum/seven_parameter_interface.h"
+#include "core/number_text.h"
+#include "core/string_table.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kLibraryMissing = 4150;
+
+// The map of one entry point with its arguments; nothing when it is missing or not linear.
+std::optional<GeocentricMap> TakeEntry(ClosedLibrary& library, const char* name,
+                                       const SevenParameterArguments& a) {
+  SevenParameterEntry* const entry = library.Entry<SevenParameterEntry>(name);
+  if (entry == nullptr) return std::nullopt;
+  return TakeGeocentricMap([entry, &a](Geocentric& p) {
+    return entry(a.dx_m, a.dy_m, a.dz_m, a.rx_rad, a.ry_rad, a.rz_rad, a.scale, &p.x_m, &p.y_m,
+                 &p.z_m) == 1;
+  });
+}
+
+}  // namespace
+
+SevenParameterShift::SevenParameterShift(const SevenParameters& parameters,
+                                         const Ellipsoid& ellipsoid,
+                                         std::shared_ptr<ClosedLibrary> coord_sys)
+    : parameters_(parameters), ellipsoid_(ellipsoid), coord_sys_(std::move(coord_sys)) {}
+
+void SevenParameterShift::Prepare() const {
+  const auto forward = TakeEntry(*coord_sys_, "xform_3D_7Param", ForwardArguments(parameters_));
+  const auto inverse = TakeEntry(*coord_sys_, "xform3D_Pt", InverseArguments(parameters_));
+  if (!forward || !inverse) return;
+  maps_.emplace(Maps{.to_system = GeodeticMap(kWgs84, ellipsoid_, *inverse),
+                     .to_wgs84 = GeodeticMap(ellipsoid_, kWgs84, *forward)});
+}
+
+const SevenParameterShift::Maps* SevenParameterShift::Prepared() const {
+  std::call_once(once_, [this] { Prepare(); });
+  return maps_ ? &*maps_ : nullptr;
+}
+
+const GeodeticMap* SevenParameterShift::MapToSystem() const {
+  const Maps* const maps = Prepared();
+  return maps == nullptr ? nullptr : &maps->to_system;
+}
+
+const GeodeticMap* SevenParameterShift::MapToWgs84() const {
+  const Maps* const maps = Prepared();
+  return maps == nullptr ? nullptr : &maps->to_wgs84;
+}
+
+StepOutcome SevenParameterShift::ToSystem(Geodetic& position) const {
+  const GeodeticMap* const map = MapToSystem();
+  if (map == nullptr) return {StepStatus::LibraryMissing, kLibraryMissing};
+  position = map->Apply(position);
+  return {};
+}
+
+StepOutcome SevenParameterShift::ToWgs84(Geodetic& position) const {
+  const GeodeticMap* const map = MapToWgs84();
+  if (map == nullptr) return {StepStatus::LibraryMissing, kLibraryMissing};
+  position = map->Apply(position);
+  return {};
+}
+
+std::string SevenParameterShift::Describe() const {
+  const SevenParameters& p = parameters_;
+  return Strings().Text(
+      4155, {ShortestNumber(p.dx_m), ShortestNumber(p.dy_m), ShortestNumber(p.dz_m),
+             ShortestNumber(p.rx_arcsec), ShortestNumber(p.ry_arcsec), ShortestNumber(p.rz_arcsec),
+             ShortestNumber(p.scale_ppm)});
+}
+
+}  // namespace tarvex

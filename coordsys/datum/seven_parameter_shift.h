@@ -1,0 +1,48 @@
+// The datum shift by the record's seven parameters, through the closed library "CoordSys.dll".
+//
+// The library is loaded when the first position comes; from then on the transformation is a matrix
+// of its own, multiplied out once from what the library's entry points do. XYZ are formed on WGS84
+// towards WGS84's side and on the system's ellipsoid towards the system's.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "coordsys/calculation_steps.h"
+#include "coordsys/closed_library.h"
+#include "coordsys/datum/geocentric_map.h"
+#include "coordsys/datum/seven_parameters.h"
+
+namespace tarvex {
+
+class SevenParameterShift final : public DatumShift {
+ public:
+  SevenParameterShift(const SevenParameters& parameters, const Ellipsoid& ellipsoid,
+                      std::shared_ptr<ClosedLibrary> coord_sys);
+
+  StepOutcome ToSystem(Geodetic& position) const override;
+  StepOutcome ToWgs84(Geodetic& position) const override;
+  std::string Describe() const override;
+
+  /// The prepared maps, for whole arrays; null when the library cannot be had.
+  const GeodeticMap* MapToSystem() const;
+  const GeodeticMap* MapToWgs84() const;
+
+ private:
+  struct Maps {
+    GeodeticMap to_system;
+    GeodeticMap to_wgs84;
+  };
+
+  const Maps* Prepared() const;
+  void Prepare() const;
+
+  SevenParameters parameters_;
+  Ellipsoid ellipsoid_;
+  std::shared_ptr<ClosedLibrary> coord_sys_;
+  mutable std::once_flag once_;
+  mutable std::optional<Maps> maps_;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,181 @@
+#include "coordsys/step_preparation.h"
+
+#include <cmath>
+
+#include "coordsys/datum/grid_shifts.h"
+#include "coordsys/datum/seven_parameter_shift.h"
+#include "coordsys/geoid/geoid_step.h"
+#include "coordsys/grids/plane_corrections.h"
+#include "core/string_table.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kCorrectionMissing = 4162;
+constexpr int kHungarianMissing = 1703;
+
+bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() &&
+         EqualsIgnoringCase(text.substr(text.size() - end.size()), end);
+}
+
+// The names under which definitions of every origin carry the North American Datum of 1927.
+bool IsNad27(const ProjectionRecord& record) {
+  std::string name;
+  for (const char c : record.datum_name.view()) {
+    if (c != '_' && c != ' ') name += UpperCase(c);
+  }
+  return name.find("NAD27") != std::string::npos || name.find("NAD1927") != std::string::npos ||
+         name.find("NORTHAMERICANDATUM1927") != std::string::npos ||
+         name.find("NORTHAMERICAN1927") != std::string::npos;
+}
+
+bool StandsOnWgs84(const Ellipsoid& ellipsoid) {
+  return std::abs(ellipsoid.semi_major_m - kWgs84.semi_major_m) < 0.001 &&
+         std::abs(ellipsoid.flattening - kWgs84.flattening) < 1e-10;
+}
+
+// What the text of a correction calls its files.
+std::string Names(const std::vector<std::string>& files) {
+  std::string text;
+  for (const std::string& file : files) text += (text.empty() ? "" : ", ") + file;
+  return text;
+}
+
+class StepPreparer {
+ public:
+  StepPreparer(const ProjectionRecord& record, const StepChoice& choice, const StepSources& sources)
+      : record_(record), choice_(choice), sources_(sources) {}
+
+  PreparedSteps Prepare() {
+    prepared_.steps.datum_shift = ChooseShift();
+    prepared_.steps.grid_correction = ChooseCorrection();
+    prepared_.steps.geoid = ChooseGeoid();
+    return std::move(prepared_);
+  }
+
+ private:
+  std::string PathOf(const std::string& file) const {
+    const bool has_path = file.find('/') != std::string::npos;
+    return has_path ? file : sources_.data_folder + file;
+  }
+
+  std::string Note(std::string problem) {
+    prepared_.problems.push_back(problem);
+    return problem;
+  }
+
+  std::shared_ptr<const DatumShift> SevenParameter() const {
+    return std::make_shared<SevenParameterShift>(SevenParametersOf(record_), EllipsoidOf(record_),
+                                                 sources_.coord_sys);
+  }
+
+  std::shared_ptr<const DatumShift> ChooseShift() {
+    const std::string& shift = choice_.shift;
+    if (shift == kFrenchGridLabel) return FrenchShift();
+    if (shift == kNadConverterLabel) return std::make_shared<NadShift>(sources_.nad_converter);
+    if (shift == kSevenParameterLabel) return SevenParameter();
+    if (EndsWithIgnoringCase(shift, ".gsb")) return Ntv2();
+    const bool is_correction =
+        shift == kDutchGridLabel || shift == kHungarianGridLabel || shift == kBelgianGridLabel;
+    if (!shift.empty() && !is_correction) {
+      return std::make_shared<MissingShift>(Note(Strings().Text(4163, {shift})));
+    }
+    if (HasDatumShift(record_)) return SevenParameter();
+    if (IsNad27(record_)) return std::make_shared<NadShift>(sources_.nad_converter);
+    if (StandsOnWgs84(EllipsoidOf(record_))) return nullptr;
+    return std::make_shared<UnknownShift>();
+  }
+
+  std::shared_ptr<const DatumShift> FrenchShift() {
+    const std::string name = "gr3df97a.bin";
+    Gr3df97aGrid grid;
+    const GridStatus status = Gr3df97aGrid::Load(sources_.files, PathOf(name), grid);
+    if (!status.ok()) return std::make_shared<MissingShift>(Note(status.Text()));
+    return std::make_shared<Gr3df97aShift>(std::move(grid), EllipsoidOf(record_), name);
+  }
+
+  std::shared_ptr<const DatumShift> Ntv2() {
+    Ntv2Grid grid;
+    const GridStatus status = Ntv2Grid::Load(sources_.files, PathOf(choice_.shift), grid);
+    if (!status.ok()) return std::make_shared<MissingShift>(Note(status.Text()));
+    return std::make_shared<Ntv2Shift>(std::move(grid), choice_.shift);
+  }
+
+  std::shared_ptr<const GridCorrection> ChooseCorrection() {
+    if (choice_.shift == kHungarianGridLabel) {
+      return Surfaces(
+          {"HungarianEOV_dEast.grd", "HungarianEOV_dNorth.grd", "HungarianEOV_dHeight.grd"},
+          SurfaceSign::Added, SurfaceCurve::Bilinear, kHungarianMissing);
+    }
+    if (choice_.shift == kBelgianGridLabel) {
+      return Surfaces({"Belgium72_dEast.grd", "Belgium72_dNorth.grd"}, SurfaceSign::Added,
+                      SurfaceCurve::Bilinear, kCorrectionMissing);
+    }
+    const auto type = static_cast<ProjectionType>(record_.projection_type);
+    if (choice_.shift == kDutchGridLabel || type == ProjectionType::ObliqueStereographicRd2000 ||
+        type == ProjectionType::ObliqueStereographicRd2004) {
+      return Surfaces({"X2c.grd", "Y2c.grd"}, SurfaceSign::TakenOff, SurfaceCurve::Cubic,
+                      kCorrectionMissing);
+    }
+    if (type == ProjectionType::TransverseMercatorOstn02) return British();
+    return nullptr;
+  }
+
+  // East, north and, when there is a third file, height.
+  std::shared_ptr<const GridCorrection> Surfaces(const std::vector<std::string>& files,
+                                                 SurfaceSign sign, SurfaceCurve curve,
+                                                 int missing_reason) {
+    GridSurface surfaces[3];
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      const GridStatus status =
+          GridSurface::Load(sources_.files, PathOf(files[i]), sources_.progress, surfaces[i]);
+      if (!status.ok()) return Missing(status, missing_reason);
+    }
+    std::optional<GridSurface> height;
+    if (files.size() == 3) height = std::move(surfaces[2]);
+    return std::make_shared<SurfaceCorrection>(std::move(surfaces[0]), std::move(surfaces[1]),
+                                               std::move(height), sign, curve, Names(files));
+  }
+
+  std::shared_ptr<const GridCorrection> British() {
+    const std::vector<std::string> files = {"ostn02_x.bin", "ostn02_y.bin"};
+    Ostn02Part parts[2];
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      const GridStatus status = Ostn02Part::Load(sources_.files, PathOf(files[i]), parts[i]);
+      if (!status.ok()) return Missing(status, kCorrectionMissing);
+    }
+    return std::make_shared<Ostn02Correction>(std::move(parts[0]), std::move(parts[1]),
+                                              Names(files));
+  }
+
+  std::shared_ptr<const GridCorrection> Missing(const GridStatus& status, int reason) {
+    if (reason == kHungarianMissing && sources_.messages != nullptr) {
+      sources_.messages->ShowOnce(kHungarianMissing);
+    }
+    return std::make_shared<MissingCorrection>(Note(status.Text()), reason);
+  }
+
+  std::shared_ptr<const GeoidModel> ChooseGeoid() {
+    if (choice_.geoid.empty()) return nullptr;
+    GeoidGrid grid;
+    const GridStatus status = GeoidGrid::Load(sources_.files, PathOf(choice_.geoid), grid);
+    if (!status.ok()) return std::make_shared<MissingGeoid>(Note(status.Text()));
+    return std::make_shared<GridGeoid>(std::move(grid), choice_.geoid);
+  }
+
+  const ProjectionRecord& record_;
+  const StepChoice& choice_;
+  const StepSources& sources_;
+  PreparedSteps prepared_;
+};
+
+}  // namespace
+
+PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,
+                           const StepSources& sources) {
+  return StepPreparer(record, choice, sources).Prepare();
+}
+
+}  // namespace tarvex

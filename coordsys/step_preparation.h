@@ -1,0 +1,68 @@
+// Which steps a system's conversions take beside its projection: the choice of the datum shift, the
+// grid correction and the geoid, with their files loaded from the data folder.
+//
+// The datum shift, in this order:
+//   a shift named by the job   "GR3DF97A", an NTv2 file (".gsb"), "NAD27", or "TOWGS84"
+//   a NAD27 datum without TOWGS84 numbers                the NAD converter
+//   TOWGS84 numbers in the record                        seven parameters
+//   an ellipsoid other than WGS84's and none of these    unknown: conversions say so
+//
+// The grid correction by projection type, or by the label that the job names:
+//   type 6                          "ostn02_x.bin", "ostn02_y.bin"
+//   types 7 and 16, "NADCON"        "X2c.grd", "Y2c.grd", cubic, taken off
+//   "VITEL"                         "HungarianEOV_dEast.grd", "..._dNorth.grd", "..._dHeight.grd"
+//   "Belge 1972 - xyGridLb72"       "Belgium72_dEast.grd", "Belgium72_dNorth.grd"
+//
+// A file that is missing or damaged is named in `problems`; the step that stands in for it refuses
+// (datum shift, geoid) or leaves the point uncorrected and says so (grid correction).
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "coordsys/calculator.h"
+#include "coordsys/closed_library.h"
+#include "coordsys/datum/nad_converter.h"
+#include "coordsys/grids/load_progress.h"
+#include "coordsys/run_messages.h"
+#include "platform/file.h"
+
+namespace tarvex {
+
+/// The labels under which national shifts are chosen.
+inline constexpr std::string_view kFrenchGridLabel = "GR3DF97A";
+inline constexpr std::string_view kDutchGridLabel = "NADCON";
+inline constexpr std::string_view kHungarianGridLabel = "VITEL";
+inline constexpr std::string_view kBelgianGridLabel = "Belge 1972 - xyGridLb72";
+inline constexpr std::string_view kNadConverterLabel = "NAD27";
+inline constexpr std::string_view kSevenParameterLabel = "TOWGS84";
+
+/// What a job chooses beside the system itself; both may be empty. A file is looked for in the data
+/// folder unless it is named with its path.
+struct StepChoice {
+  std::string shift;  ///< a label, or the name of an NTv2 file
+  std::string geoid;  ///< the name of a geoid file
+
+  bool operator==(const StepChoice&) const = default;
+};
+
+/// Where steps come from. All references outlive the steps.
+struct StepSources {
+  FileSystem& files;
+  std::string data_folder;  ///< with its trailing separator
+  std::shared_ptr<ClosedLibrary> coord_sys;
+  std::shared_ptr<const NadConverter> nad_converter;
+  RunMessages* messages = nullptr;
+  LoadProgress* progress = nullptr;
+};
+
+struct PreparedSteps {
+  CalculationSteps steps;
+  std::vector<std::string> problems;  ///< sentences; empty when everything was found
+};
+
+PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,
+                           const StepSources& sources);
+
+}  // namespace tarvex

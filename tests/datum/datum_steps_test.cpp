@@ -1,0 +1,414 @@
+// The datum, grid and geoid steps, bound to the closed libraries and prepared for a system.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+
+#include "case_table.h"
+#include "coordsys/datum/nad_converter_interface.h"
+#include "coordsys/datum/seven_parameter_interface.h"
+#include "coordsys/datum/seven_parameter_shift.h"
+#include "coordsys/grids/gr3df97a_grid.h"
+#include "coordsys/step_preparation.h"
+#include "core/string_table.h"
+#include "tests/support/memory_files.h"
+
+namespace tarvex {
+namespace {
+
+using testing::HasSubstr;
+
+// Libraries that exist only here.
+struct ScriptedLibraries : RunTimeLibraries {
+  bool loads = true;
+  int loaded = 0;
+  std::map<std::string, void*> entries;
+
+  struct Library : RunTimeLibrary {
+    ScriptedLibraries& all;
+    explicit Library(ScriptedLibraries& libraries) : all(libraries) {}
+    void* Find(const char* entry_name) override {
+      const auto at = all.entries.find(entry_name);
+      return at == all.entries.end() ? nullptr : at->second;
+    }
+  };
+
+  std::unique_ptr<RunTimeLibrary> Load(const std::string&, std::string& why) override {
+    ++loaded;
+    why = "not here";
+    return loads ? std::make_unique<Library>(*this) : nullptr;
+  }
+};
+
+struct CountedMessages : MessageBox {
+  std::vector<std::string> texts;
+  void Show(std::string_view, std::string_view text) override { texts.emplace_back(text); }
+};
+
+std::shared_ptr<ClosedLibrary> Module(const std::string& name) {
+  AddRunTimeLibraryFolder(TARVEX_MODULE_FOLDER);
+  return std::make_shared<ClosedLibrary>(name, SystemRunTimeLibraries());
+}
+
+constexpr Geodetic kBerlin = {0.9163, 0.2338, 84.0};
+constexpr SevenParameters kGerman = {598.1, 73.7, 418.2, -0.202, -0.045, 2.455, 6.7};
+constexpr Ellipsoid kBessel = {6377397.155, 0.00334277318217};
+
+TEST(SevenParameterShift, TheModuleComputesWhatItsInterfaceSays) {
+  const SevenParameterShift shift(kGerman, kBessel, Module("CoordSys.dll"));
+  Geodetic at = kBerlin;
+  ASSERT_EQ(shift.ToSystem(at).status, StepStatus::Done);
+  const Geocentric wgs84 = GeocentricFrame(kWgs84).ToGeocentric(kBerlin);
+  const Geodetic expected =
+      GeocentricFrame(kBessel).ToGeodetic(TranslateUnrotateScale(InverseArguments(kGerman), wgs84));
+  EXPECT_NEAR(at.latitude_rad, expected.latitude_rad, 1e-15);
+  EXPECT_NEAR(at.longitude_rad, expected.longitude_rad, 1e-15);
+  EXPECT_NEAR(at.height_m, expected.height_m, 5e-9);
+  ASSERT_EQ(shift.ToWgs84(at).status, StepStatus::Done);
+  EXPECT_NEAR(at.latitude_rad, kBerlin.latitude_rad, 1e-15);
+  EXPECT_NEAR(at.height_m, kBerlin.height_m, 5e-9);
+  EXPECT_THAT(shift.Describe(), HasSubstr("598.1, 73.7, 418.2 m"));
+}
+
+// What the library was handed.
+double handed[7];
+
+int RecordForward(double dx, double dy, double dz, double rx, double ry, double rz, double scale,
+                  double*, double*, double*) {
+  const double all[7] = {dx, dy, dz, rx, ry, rz, scale};
+  std::copy(std::begin(all), std::end(all), std::begin(handed));
+  return 1;
+}
+
+int Unchanged(double, double, double, double, double, double, double, double*, double*, double*) {
+  return 1;
+}
+
+TEST(SevenParameterShift, HandsTheLibraryRadiansAndAFactor) {
+  ScriptedLibraries libraries;
+  libraries.entries["xform_3D_7Param"] = reinterpret_cast<void*>(&RecordForward);
+  libraries.entries["xform3D_Pt"] = reinterpret_cast<void*>(&Unchanged);
+  const SevenParameters parameters = {1, 2, 3, 3600, 0, 0, 5};
+  const auto library = std::make_shared<ClosedLibrary>("CoordSys.dll", libraries);
+  const SevenParameterShift forward(parameters, kBessel, library);
+  Geodetic at = kBerlin;
+  EXPECT_EQ(forward.ToWgs84(at).status, StepStatus::Done);
+  EXPECT_THAT(handed, testing::ElementsAre(1, 2, 3, M_PI / 180, 0, 0, 1.000005));
+  libraries.entries["xform_3D_7Param"] = reinterpret_cast<void*>(&Unchanged);
+  libraries.entries["xform3D_Pt"] = reinterpret_cast<void*>(&RecordForward);
+  const SevenParameterShift inverse(parameters, kBessel,
+                                    std::make_shared<ClosedLibrary>("CoordSys.dll", libraries));
+  EXPECT_EQ(inverse.ToSystem(at).status, StepStatus::Done);
+  EXPECT_THAT(handed, testing::ElementsAre(-1, -2, -3, -M_PI / 180, 0, 0, 1 / 1.000005));
+}
+
+TEST(SevenParameterShift, AMissingLibraryOrEntryLeavesThePosition) {
+  ScriptedLibraries libraries;
+  for (const bool loads : {false, true}) {
+    libraries.loads = loads;
+    libraries.loaded = 0;
+    const SevenParameterShift shift(kGerman, kBessel,
+                                    std::make_shared<ClosedLibrary>("CoordSys.dll", libraries));
+    Geodetic at = kBerlin;
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(shift.ToSystem(at).status, StepStatus::LibraryMissing);
+      EXPECT_EQ(shift.ToWgs84(at).status, StepStatus::LibraryMissing);
+    }
+    EXPECT_EQ(at, kBerlin);
+    EXPECT_EQ(libraries.loaded, 1);
+  }
+}
+
+// A data folder with the Texan cut of the grids as the continental one.
+class NadFolder {
+ public:
+  NadFolder() : folder_(testing::TempDir() + "nad_folder/") {
+    std::filesystem::create_directories(folder_ + "NADConv");
+    for (const char* ending : {".las", ".los"}) {
+      std::filesystem::copy_file(std::string(TARVEX_TEST_DATA) + "/datum/texas" + ending,
+                                 folder_ + "NADConv/conus" + ending,
+                                 std::filesystem::copy_options::overwrite_existing);
+    }
+  }
+  ~NadFolder() { std::filesystem::remove_all(folder_); }
+  const std::string& path() const { return folder_; }
+
+ private:
+  std::string folder_;
+};
+
+TEST(NadConverter, ConvertsThroughTheModule) {
+  const NadFolder folder;
+  const auto converter =
+      std::make_shared<NadConverter>(Module("nadconv.dll"), folder.path(), nullptr);
+  const NadShift shift(converter);
+  for (int round = 0; round < 2; ++round) {
+    for (const CaseRow& row : ReadCases("datum/nadcon_points.tsv")) {
+      Geodetic at = {row.Radians("lat_nad27"), row.Radians("lon_nad27"), 55.0};
+      ASSERT_EQ(shift.ToWgs84(at).status, StepStatus::Done);
+      EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, row.Number("lat_nad83"), 1e-9);
+      EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, row.Number("lon_nad83"), 1e-9);
+      EXPECT_EQ(at.height_m, 55.0);
+      ASSERT_EQ(shift.ToSystem(at).status, StepStatus::Done);
+      EXPECT_NEAR(at.latitude_rad, row.Radians("lat_nad27"), 1e-14);
+    }
+    converter->Close();  // the next round loads it afresh
+  }
+}
+
+TEST(NadConverter, AFailureIsToldOnceInTheRunAndLeavesThePosition) {
+  const NadFolder folder;
+  CountedMessages box;
+  RunMessages messages(&box);
+  const NadShift here(
+      std::make_shared<NadConverter>(Module("nadconv.dll"), folder.path(), &messages));
+  const NadShift nowhere(
+      std::make_shared<NadConverter>(Module("nadconv.dll"), "/nowhere/", &messages));
+  for (int i = 0; i < 3; ++i) {
+    Geodetic at = kBerlin;
+    EXPECT_EQ(here.ToSystem(at).status, StepStatus::Refused);
+    EXPECT_EQ(nowhere.ToWgs84(at).status, StepStatus::Refused);
+    EXPECT_EQ(at, kBerlin);
+  }
+  EXPECT_THAT(box.texts, testing::ElementsAre(Strings().Text(2248)));
+}
+
+int closed = 0;
+void CountClose() {
+  ++closed;
+}
+
+TEST(NadConverter, ClosesTheLibraryAndRemembersAFailedLoad) {
+  ScriptedLibraries libraries;
+  libraries.entries["CloseNADConverter"] = reinterpret_cast<void*>(&CountClose);
+  NadConverter converter(std::make_shared<ClosedLibrary>("nadconv.dll", libraries), "/data/",
+                         nullptr);
+  Geodetic at = kBerlin;
+  EXPECT_FALSE(converter.ToNad83(at).has_value());  // no such entry
+  converter.Close();
+  EXPECT_EQ(closed, 1);
+  EXPECT_FALSE(converter.ToNad27(at).has_value());
+  EXPECT_EQ(libraries.loaded, 2);
+  libraries.loads = false;
+  NadConverter missing(std::make_shared<ClosedLibrary>("nadconv.dll", libraries), "/data/",
+                       nullptr);
+  for (int i = 0; i < 3; ++i) EXPECT_FALSE(missing.ToNad83(at).has_value());
+  EXPECT_EQ(libraries.loaded, 3);
+}
+
+// What a preparation takes its files from.
+struct Sources {
+  MemoryFiles files;
+  ScriptedLibraries libraries;
+  CountedMessages box;
+  RunMessages messages{&box};
+
+  PreparedSteps Prepare(const ProjectionRecord& record, const StepChoice& choice) {
+    const StepSources sources = {
+        .files = files,
+        .data_folder = "/data/",
+        .coord_sys = std::make_shared<ClosedLibrary>("CoordSys.dll", libraries),
+        .nad_converter = std::make_shared<NadConverter>(
+            std::make_shared<ClosedLibrary>("nadconv.dll", libraries), "/data/", &messages),
+        .messages = &messages};
+    return PrepareSteps(record, choice, sources);
+  }
+};
+
+ProjectionRecord RecordOf(ProjectionType type, const char* datum, const Ellipsoid& ellipsoid,
+                          double dx = 0.0) {
+  ProjectionRecord record;
+  record.projection_type = static_cast<int>(type);
+  record.datum_name.Assign(datum);
+  record.semi_major_m = ellipsoid.semi_major_m;
+  record.flattening = ellipsoid.flattening;
+  record.shift_dx = dx;
+  return record;
+}
+
+TEST(StepPreparation, ChoosesTheDatumShift) {
+  struct Case {
+    const char* datum;
+    Ellipsoid ellipsoid;
+    double dx;
+    const char* choice;
+    const char* says;  // empty: no step
+  };
+  const Case cases[] = {
+      {"WGS_1984", kWgs84, 0, "", ""},
+      {"North_American_Datum_1983", kGrs80, 0, "", ""},
+      {"North_American_Datum_1927", kClarke1866, 0, "", "nadconv"},
+      {"NAD27", kClarke1866, 0, "", "nadconv"},
+      {"D_North_American_1927", kClarke1866, -8, "", "seven parameters"},
+      {"D_North_American_1927", kClarke1866, -8, "NAD27", "nadconv"},
+      {"NAD27", kClarke1866, 0, "TOWGS84", "seven parameters"},
+      {"Deutsches_Hauptdreiecksnetz", kBessel, 598, "", "seven parameters"},
+      {"Some_Datum", kBessel, 0, "", "No shift from WGS84"},
+      {"NTF", kBessel, -168, "GR3DF97A", "gr3df97a.bin does not exist"},
+      {"NTF", kBessel, -168, "missing.gsb", "/data/missing.gsb does not exist"},
+      {"NTF", kBessel, -168, "/elsewhere/m.GSB", "/elsewhere/m.GSB does not exist"},
+      {"NTF", kBessel, -168, "anything", "no datum shift \"anything\""},
+      {"HD72", kBessel, 52, "VITEL", "seven parameters"},
+  };
+  for (const Case& c : cases) {
+    Sources sources;
+    const PreparedSteps made =
+        sources.Prepare(RecordOf(ProjectionType::TransverseMercator, c.datum, c.ellipsoid, c.dx),
+                        {.shift = c.choice, .geoid = ""});
+    ASSERT_EQ(made.steps.datum_shift != nullptr, *c.says != '\0') << c.datum << c.choice;
+    if (!made.steps.datum_shift) continue;
+    EXPECT_THAT(made.steps.datum_shift->Describe(), HasSubstr(c.says));
+    const bool missing = std::string_view(c.says).find("not exist") != std::string_view::npos;
+    if (!missing) continue;
+    EXPECT_EQ(made.problems.size(), 1U);
+    Geodetic at = kBerlin;
+    EXPECT_EQ(made.steps.datum_shift->ToSystem(at).status, StepStatus::Refused);
+  }
+}
+
+TEST(StepPreparation, NamedGridsAreUsed) {
+  Sources sources;
+  sources.files.Put("/data/paris.gsb", TestBytes("datum/paris.gsb"));
+  std::string packed;
+  ASSERT_TRUE(PackGr3df97a(TestBytes("datum/gr3df97a_paris.txt"), "t", packed).ok());
+  sources.files.Put("/data/gr3df97a.bin", packed);
+  sources.files.Put("/data/bavaria.gtx", TestBytes("datum/bavaria.gtx"));
+  const ProjectionRecord ntf = RecordOf(ProjectionType::LambertConformalConic1SP, "NTF",
+                                        {6378249.2, 1.0 - 6356515.0 / 6378249.2}, -168);
+  const PreparedSteps ntv2 = sources.Prepare(ntf, {.shift = "paris.gsb", .geoid = "bavaria.gtx"});
+  const PreparedSteps french = sources.Prepare(ntf, {.shift = "GR3DF97A", .geoid = ""});
+  EXPECT_TRUE(ntv2.problems.empty());
+  EXPECT_TRUE(french.problems.empty());
+  // The published check point, NTF 48 50 40.2441 N, 2 25 32.4187 E.
+  const Geodetic ntf_point = {(48 + 50 / 60.0 + 40.2441 / 3600) * kRadiansPerDegree,
+                              (2 + 25 / 60.0 + 32.4187 / 3600) * kRadiansPerDegree, 0.0};
+  for (const auto& steps : {ntv2.steps, french.steps}) {
+    Geodetic at = ntf_point;
+    ASSERT_EQ(steps.datum_shift->ToWgs84(at).status, StepStatus::Done);
+    EXPECT_NEAR(at.latitude_rad, (48 + 50 / 60.0 + 40.0050 / 3600) * kRadiansPerDegree, 3e-10);
+    EXPECT_NEAR(at.longitude_rad, (2 + 25 / 60.0 + 29.8960 / 3600) * kRadiansPerDegree, 3e-10);
+    ASSERT_EQ(steps.datum_shift->ToSystem(at).status, StepStatus::Done);
+    EXPECT_NEAR(at.latitude_rad, ntf_point.latitude_rad, 1e-13);
+    EXPECT_NEAR(at.longitude_rad, ntf_point.longitude_rad, 1e-13);
+    at = kBerlin;
+    EXPECT_EQ(steps.datum_shift->ToSystem(at), (StepOutcome{StepStatus::Refused, 4151}));
+  }
+  double undulation = 0.0;
+  EXPECT_EQ(
+      ntv2.steps.geoid->Undulation(48.1 * kRadiansPerDegree, 11.5 * kRadiansPerDegree, undulation)
+          .status,
+      StepStatus::Done);
+  EXPECT_NEAR(undulation, 46.6579, 1e-3);
+  EXPECT_EQ(ntv2.steps.geoid->Undulation(0.2, 0.2, undulation).status, StepStatus::Refused);
+  const PreparedSteps lost = sources.Prepare(ntf, {.shift = "", .geoid = "g.gtx"});
+  EXPECT_EQ(lost.steps.geoid->Undulation(0.2, 0.2, undulation),
+            (StepOutcome{StepStatus::Refused, 4161}));
+  EXPECT_THAT(lost.problems, testing::ElementsAre("The grid file /data/g.gtx does not exist."));
+}
+
+// 6 x 6 nodes of 1 km from (100, 200) km with one value.
+std::string FlatSurface(const char* value) {
+  std::string text = "100000\n200000\n105000\n205000\n5\n5\n";
+  for (int i = 0; i < 36; ++i) text += std::string(value) + '\n';
+  return text;
+}
+
+TEST(StepPreparation, CorrectsProjectedCoordinates) {
+  Sources sources;
+  sources.files.Put("/data/X2c.grd", FlatSurface("0.25"));
+  sources.files.Put("/data/Y2c.grd", FlatSurface("-0.125"));
+  sources.files.Put("/data/HungarianEOV_dEast.grd", FlatSurface("0.5"));
+  sources.files.Put("/data/HungarianEOV_dNorth.grd", FlatSurface("-1"));
+  sources.files.Put("/data/HungarianEOV_dHeight.grd", FlatSurface("2"));
+  sources.files.Put("/data/Belgium72_dEast.grd", FlatSurface("999.999"));
+  sources.files.Put("/data/Belgium72_dNorth.grd", FlatSurface("1"));
+  struct Case {
+    ProjectionType type;
+    const char* choice;
+    GridMetres made;
+    int reason;
+  };
+  using enum ProjectionType;
+  const GridMetres plane = {202500, 102500, 10};
+  const Case cases[] = {
+      {ObliqueStereographicRd2000, "", {202500.125, 102499.75, 10}, 0},
+      {ObliqueStereographicRd2004, "", {202500.125, 102499.75, 10}, 0},
+      {ObliqueStereographic, "NADCON", {202500.125, 102499.75, 10}, 0},
+      {ObliqueMercatorEov, "VITEL", {202499, 102500.5, 12}, 0},
+      {LambertConformalConic2SP, "Belge 1972 - xyGridLb72", plane, 4152},
+      {TransverseMercatorOstn02, "", plane, 4162},
+  };
+  for (const Case& c : cases) {
+    const PreparedSteps made =
+        sources.Prepare(RecordOf(c.type, "D", kBessel, 1.0), {.shift = c.choice, .geoid = ""});
+    ASSERT_NE(made.steps.grid_correction, nullptr);
+    GridMetres at = plane;
+    const StepOutcome outcome = made.steps.grid_correction->ToGrid(at);
+    EXPECT_EQ(outcome.reason, c.reason);
+    EXPECT_EQ(outcome.status, c.reason == 0 ? StepStatus::Done : StepStatus::LeftUndone);
+    EXPECT_EQ(at, c.made);
+    if (c.reason != 0) continue;
+    ASSERT_EQ(made.steps.grid_correction->ToPlane(at).status, StepStatus::Done);
+    EXPECT_NEAR(at.easting_m, plane.easting_m, 1e-7);
+    EXPECT_NEAR(at.elevation_m, plane.elevation_m, 1e-9);
+    GridMetres far = {0, 0, 0};
+    EXPECT_EQ(made.steps.grid_correction->ToGrid(far), (StepOutcome{StepStatus::LeftUndone, 4151}));
+    EXPECT_EQ(far, GridMetres{});
+  }
+  EXPECT_EQ(
+      sources.Prepare(RecordOf(TransverseMercator, "D", kBessel, 1.0), {}).steps.grid_correction,
+      nullptr);
+}
+
+TEST(StepPreparation, MissingHungarianGridsAreToldOnceInTheRun) {
+  Sources sources;
+  sources.files.Put("/data/HungarianEOV_dEast.grd", FlatSurface("0.5"));
+  for (int i = 0; i < 3; ++i) {
+    const PreparedSteps made =
+        sources.Prepare(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel),
+                        {.shift = "VITEL", .geoid = ""});
+    GridMetres at = {1, 2, 3};
+    EXPECT_EQ(made.steps.grid_correction->ToGrid(at), (StepOutcome{StepStatus::LeftUndone, 1703}));
+    EXPECT_EQ(at, (GridMetres{1, 2, 3}));
+    EXPECT_THAT(made.problems,
+                testing::ElementsAre(HasSubstr("HungarianEOV_dNorth.grd does not exist")));
+  }
+  EXPECT_THAT(sources.box.texts, testing::ElementsAre(Strings().Text(1703)));
+}
+
+TEST(StepPreparation, BritishShiftsComeFromTheTwoParts) {
+  Sources sources;
+  const auto part = [](int base_mm, int above_mm) {
+    std::string bytes = "OSG2";
+    const auto append = [&bytes](auto value) {
+      char raw[sizeof value];
+      std::memcpy(raw, &value, sizeof value);
+      bytes.append(raw, sizeof value);
+    };
+    append(std::uint32_t{1});
+    append(std::uint16_t{3});
+    append(std::uint16_t{3});
+    append(std::uint32_t{400'000});
+    append(std::int32_t{base_mm});
+    bytes.append(12, '\0');
+    for (int i = 0; i < 9; ++i) append(static_cast<std::uint16_t>(above_mm));
+    return bytes;
+  };
+  // The worked example of the transformation's guide: ETRS89 651307.003, 313255.686 to the National
+  // Grid 651409.792, 313177.448.
+  sources.files.Put("/data/ostn02_x.bin", part(86'000, 16'789));
+  sources.files.Put("/data/ostn02_y.bin", part(-82'000, 3'762));
+  const PreparedSteps made = sources.Prepare(
+      RecordOf(ProjectionType::TransverseMercatorOstn02, "OSGB_1936", kBessel, 446), {});
+  GridMetres at = {313255.686, 651307.003, 0};
+  ASSERT_EQ(made.steps.grid_correction->ToGrid(at).status, StepStatus::Done);
+  EXPECT_NEAR(at.easting_m, 651409.792, 1e-6);
+  EXPECT_NEAR(at.northing_m, 313177.448, 1e-6);
+  ASSERT_EQ(made.steps.grid_correction->ToPlane(at).status, StepStatus::Done);
+  EXPECT_NEAR(at.easting_m, 651307.003, 1e-6);
+}
+
+}  // namespace
+}  // namespace tarvex
