@@ -101,6 +101,12 @@ std::optional<AlignmentPoint> Alignment::PointAt(double station, double offset) 
   return point;
 }
 
+PlanPoint Alignment::PointOnElement(std::size_t element, double along) const {
+  const CurvePiece& piece = pieces_[element];
+  const LocalFrame at = piece.At(std::clamp(along, 0.0, piece.length), panels_);
+  return piece.ToGrid(at.x, at.y);
+}
+
 StationOffset Alignment::FromFoot(const PlanPoint& point, const ElementFoot& foot) const {
   const NearestOnPiece& nearest = foot.nearest;
   if (nearest.perpendicular) {

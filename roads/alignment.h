@@ -130,6 +130,9 @@ class Alignment {
   /// the extended tangents. Nothing for numbers that are not finite.
   std::optional<AlignmentPoint> PointAt(double station, double offset = 0.0) const;
 
+  /// The point `along` the length of an element.
+  PlanPoint PointOnElement(std::size_t element, double along) const;
+
   /// Station and offset of the nearest place of the alignment; at equal distances (1e-9) the lower
   /// station. Nothing for a point that is not finite.
   std::optional<StationOffset> Closest(const PlanPoint& point) const;

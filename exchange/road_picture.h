@@ -1,0 +1,35 @@
+// Pictures of a road: its alignment from above, its design section with the ground.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "roads/alignment_check.h"
+#include "roads/road_geometry.h"
+#include "roads/section.h"
+
+namespace tarvex {
+
+/// A point to show beside the road.
+struct PictureMark {
+  PlanPoint at;
+  std::string label;
+};
+
+/// North up, key points and round stations named, tangents dark, arcs blue, spirals green, elements
+/// that should not be staked red and dashed.
+std::string AlignmentPicture(const RoadGeometry& road, std::string_view title,
+                             const StationStyle& style, std::span<const PictureMark> marks = {});
+
+/// What the picture of a section shows besides the design.
+struct SectionSide {
+  std::optional<GroundLine> ground;
+  std::optional<CatchPoint> caught;
+};
+
+std::string SectionPicture(const DesignSection& design, const SectionSide& left,
+                           const SectionSide& right, std::string_view title);
+
+}  // namespace tarvex
