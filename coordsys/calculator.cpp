@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kHeightPasses = 10;
 constexpr double kHeightSettled_m = 1e-7;
+constexpr int kNoNationalGrid = 2240;  // text
 
 bool IsNumber(double a, double b, double c) {
   return std::isfinite(a) && std::isfinite(b) && std::isfinite(c);
@@ -63,9 +64,11 @@ std::string CalculationText(CalculationResult result) {
     case CalculationResult::StepRefused:
       return Strings().Text(2238);
     case CalculationResult::NotConverging:
+      return Strings().Text(2239);
+    case CalculationResult::NoGridCorrection:
       break;
   }
-  return Strings().Text(2239);
+  return Strings().Text(2241);
 }
 
 // What happens while one point goes through the chain.
@@ -96,22 +99,54 @@ struct CTrgCalculator::Run {
     return CalculationResult::Done;
   }
 
+  // A step that nobody has handed in and that is told as left undone.
+  void LeaveUndone(CalculationStep step, const GridMetres& at, int reason) {
+    in_part = true;
+    Note(step, at);
+    if (report) report->steps.back().outcome = {StepStatus::LeftUndone, reason};
+  }
+
   CalculationResult End() const {
     return in_part ? CalculationResult::DoneInPart : CalculationResult::Done;
   }
 };
 
 void CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
-  ReadDefinition(text, record_, compound_name_, messages);
-  SetRecord(record_);
+  ProjectionRecord record;
+  compound_name_.clear();
+  ReadDefinition(text, record, compound_name_, messages);
+  SetRecord(record);
+  gives_shift_ = text.substr(0, kDefinitionLimit).find("TOWGS84[") != std::string_view::npos;
 }
 
 void CTrgCalculator::SetRecord(const ProjectionRecord& record) {
   record_ = record;
   has_system_ = true;
+  gives_shift_ = HasDatumShift(record_);
   MadeProjection made = MakeProjection(record_);
   projection_ = std::move(made.projection);
   fault_ = made.fault;
+}
+
+ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view group,
+                                         int number) {
+  const auto zone = ZoneOfGroup(datum, group, number);
+  if (!zone) return ZoneSelection::Rejected;
+  SetRecord(zone->record);
+  compound_name_ = zone->name;
+  return ZoneSelection::Selected;
+}
+
+// True for a national projection whose grid nobody has handed in.
+bool CTrgCalculator::LacksNationalGrid() const {
+  switch (static_cast<ProjectionType>(record_.projection_type)) {
+    case ProjectionType::TransverseMercatorOstn02:
+    case ProjectionType::ObliqueStereographicRd2000:
+    case ProjectionType::ObliqueStereographicRd2004:
+      return !steps_.grid_correction;
+    default:
+      return false;
+  }
 }
 
 bool CTrgCalculator::NeedsDatumShift() const {
@@ -123,6 +158,10 @@ CalculationResult CTrgCalculator::State() const {
   if (!has_system_) return CalculationResult::NoSystem;
   if (!projection_) return CalculationResult::NotAvailable;
   if (NeedsDatumShift() && !steps_.datum_shift) return CalculationResult::NoDatumShift;
+  // The British plane is 100 m off without its grid; the Dutch is 25 cm off, and says so.
+  const bool british =
+      record_.projection_type == static_cast<int>(ProjectionType::TransverseMercatorOstn02);
+  if (british && LacksNationalGrid()) return CalculationResult::NoGridCorrection;
   return CalculationResult::Done;
 }
 
@@ -164,6 +203,8 @@ CalculationResult CTrgCalculator::Project(const Geodetic& position, GridMetres& 
   metres.northing_m = plane.northing_m;
   metres.easting_m = plane.easting_m;
   run.Note(CalculationStep::Projection, metres);
+  if (LacksNationalGrid())
+    run.LeaveUndone(CalculationStep::GridCorrection, metres, kNoNationalGrid);
   if (steps_.grid_correction) {
     const StepOutcome outcome = steps_.grid_correction->ToGrid(metres);
     run.Note(CalculationStep::GridCorrection, metres);
@@ -188,6 +229,7 @@ CalculationResult CTrgCalculator::Unproject(const GridMetres& metres, Geodetic& 
     const CalculationResult result = run.Take(*steps_.localization, outcome);
     if (result != CalculationResult::Done) return result;
   }
+  if (LacksNationalGrid()) run.LeaveUndone(CalculationStep::GridCorrection, at, kNoNationalGrid);
   if (steps_.grid_correction) {
     const StepOutcome outcome = steps_.grid_correction->ToPlane(at);
     run.Note(CalculationStep::GridCorrection, at);

@@ -20,6 +20,7 @@
 #include "coordsys/definition_reader.h"
 #include "coordsys/message_box.h"
 #include "coordsys/projection.h"
+#include "coordsys/state_plane_zones.h"
 #include "core/point.h"
 #include "core/units.h"
 
@@ -30,13 +31,16 @@ enum class [[nodiscard]] CalculationResult : int{
     DoneInPart = 2,      ///< a point came out, but a step was left undone: see the report
     LibraryMissing = 0,  ///< the closed library that computes the projection cannot be loaded
     NotANumber = -1,
-    NoSystem = -2,       ///< the calculator has no coordinate system
-    NotAvailable = -3,   ///< the system cannot be made: see SystemText
-    OutsideDomain = -4,  ///< the point lies where the projection does not hold
-    NoDatumShift = -5,   ///< the definition shifts its datum, and no step does it
-    StepRefused = -6,    ///< a step could not be made: see the report
-    NotConverging = -7,  ///< the height and the geoid did not settle
+    NoSystem = -2,          ///< the calculator has no coordinate system
+    NotAvailable = -3,      ///< the system cannot be made: see SystemText
+    OutsideDomain = -4,     ///< the point lies where the projection does not hold
+    NoDatumShift = -5,      ///< the definition shifts its datum, and no step does it
+    StepRefused = -6,       ///< a step could not be made: see the report
+    NotConverging = -7,     ///< the height and the geoid did not settle
+    NoGridCorrection = -8,  ///< the projection stands for nothing without its national grid
 };
+
+enum class [[nodiscard]] ZoneSelection : int{Selected = 1, Rejected = 0};
 
 /// A result in a sentence.
 std::string CalculationText(CalculationResult result);
@@ -75,12 +79,22 @@ struct CalculationSteps {
 
 class CTrgCalculator {
  public:
-  /// Reads a definition text into the record, which keeps what the text does not give, and makes
-  /// the projection. Steps handed in before stay; `messages` may be null.
+  /// Reads a definition text into a new record, so that nothing of an earlier system stays where
+  /// the text is silent, and makes the projection. Steps handed in before stay; `messages` may be
+  /// null.
   void ParseDefinition(std::string_view text, MessageBox* messages);
 
   /// Takes a record as it is.
   void SetRecord(const ProjectionRecord& record);
+
+  /// Takes a built-in state-plane zone by its number in a group (coordsys/state_plane_zones.h). A
+  /// number above 27, or one that the group does not have, is rejected and nothing changes.
+  ZoneSelection SelectZone(StatePlaneDatum datum, std::string_view group, int number);
+
+  /// Whether the text said how its datum lies against WGS84 (TOWGS84). Without it the record's
+  /// shift is what it was before, and a step made of those numbers would be a guess.
+  bool definition_gives_shift() const { return gives_shift_; }
+
   const ProjectionRecord& record() const { return record_; }
   const std::string& compound_name() const { return compound_name_; }
 
@@ -90,7 +104,8 @@ class CTrgCalculator {
   void SetDistanceUnit(DistanceUnit unit) { unit_ = unit; }
   DistanceUnit distance_unit() const { return unit_; }
 
-  /// Whether points can be converted: Done, NoSystem, NotAvailable or NoDatumShift.
+  /// Whether points can be converted: Done, NoSystem, NotAvailable, NoDatumShift or
+  /// NoGridCorrection.
   CalculationResult State() const;
   /// What keeps the system from being used, in a sentence; empty when nothing does.
   std::string StateText() const;
@@ -105,6 +120,7 @@ class CTrgCalculator {
   struct Run;
 
   bool NeedsDatumShift() const;
+  bool LacksNationalGrid() const;
   CalculationResult ToSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult FromSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult Project(const Geodetic& position, GridMetres& metres, Run& run) const;
@@ -115,6 +131,7 @@ class CTrgCalculator {
   GridPoint InJobUnit(const GridMetres& metres) const;
 
   bool has_system_ = false;
+  bool gives_shift_ = false;
   ProjectionRecord record_;
   std::string compound_name_;
   std::shared_ptr<const Projection> projection_;

@@ -1,8 +1,11 @@
-// The named coordinate systems a job can choose from: those built in, those of the predefined
-// catalogue and the user's own. Names are paths of parts joined by "/": country or region, datum,
-// zone.
+// The named coordinate systems a job can choose from: the user's own ("%starvex.csl"), the
+// predefined ones ("%sPredef1.csl"), both in the program's data folder, and the UTM zones that are
+// built in. Names are paths of parts joined by "/": country or region, datum, zone.
 //
 // A chosen name may carry the geoid setting ",GEOID=FILE" or ",GEOID=OFF" behind it.
+//
+// Files are read when something is first asked, not before, and searched as they lie: a few
+// milliseconds for thousands of systems.
 #pragma once
 
 #include <optional>
@@ -10,14 +13,11 @@
 #include <string_view>
 #include <vector>
 
+#include "coordsys/catalogue_file.h"
+#include "platform/file.h"
+#include "platform/file_bytes.h"
+
 namespace tarvex {
-
-struct NamedSystem {
-  std::string name;
-  std::string definition;
-
-  bool operator==(const NamedSystem&) const = default;
-};
 
 /// A name without its geoid setting, and the setting: the text after "GEOID=", empty when there is
 /// none or it is OFF.
@@ -34,11 +34,48 @@ std::string WriteSystemChoice(const SystemChoice& choice);
 
 class SystemCatalogue {
  public:
-  /// All systems whose name contains `part`, letter case ignored; all of them for an empty part.
+  /// Only the systems built in.
+  SystemCatalogue() = default;
+  /// `data_folder` ends with its separator; a file that is not there holds no systems.
+  SystemCatalogue(FileSystem& files, std::string data_folder);
+
+  /// All systems whose name contains `part`, letter case ignored; where there is none, those whose
+  /// name contains every word of it. "EPSG:32633" finds by code. All systems for an empty part. The
+  /// user's come first.
   std::vector<NamedSystem> Search(std::string_view part) const;
 
-  /// The system of a full name, letter case ignored; a geoid setting behind it is passed over.
+  /// The system of a full name, letter case ignored; a geoid setting behind it is passed over. A
+  /// user's system hides a predefined one of the same name.
   std::optional<NamedSystem> Find(std::string_view name) const;
+
+  /// The user's own systems: what the catalogue screen lists on opening.
+  std::vector<NamedSystem> UserSystems() const;
+
+  /// Edits of the user's catalogue. The file is replaced whole: after a failure or a crash at any
+  /// point it is the old one or the new one. BadDefinition leaves what a definition says unchecked.
+  CatalogueResult Add(std::string_view name, std::string_view definition);
+  CatalogueResult Rename(std::string_view name, std::string_view new_name);
+  CatalogueResult Remove(std::string_view name);
+
+  /// Why the last edit was FileFailed.
+  const FileStatus& file_status() const { return file_status_; }
+
+ private:
+  struct Loaded {
+    FileBytes user;
+    FileBytes predefined;
+  };
+
+  std::string UserPath() const { return data_folder_ + "tarvex.csl"; }
+  std::string PredefinedPath() const { return data_folder_ + "Predef1.csl"; }
+  const Loaded& Files() const;
+  template <typename Edit>
+  CatalogueResult EditUserFile(const Edit& edit);
+
+  FileSystem* files_ = nullptr;
+  std::string data_folder_;
+  mutable std::optional<Loaded> loaded_;
+  FileStatus file_status_;
 };
 
 }  // namespace tarvex

@@ -63,7 +63,17 @@ constexpr std::array kEntries = {
     Entry{2237, "The datum shift of the coordinate system is not available."},
     Entry{2238, "A step of the conversion could not be made."},
     Entry{2239, "The height of the point and the geoid did not settle."},
+    Entry{2240, "The national grid of this system is not there; its correction was left undone."},
+    Entry{2241, "This system needs its national grid, which is not there."},
     Entry{2248, "The position cannot be converted between NAD27 and NAD83; it is left as it was."},
+    Entry{2270, "The catalogue was changed."},
+    Entry{2271, "The catalogue holds no system of this name."},
+    Entry{2272, "The catalogue already holds a system of this name."},
+    Entry{2273, "This cannot be the name of a system."},
+    Entry{
+        2274,
+        "This cannot be the definition of a system: it is empty, or longer than 2,048 characters."},
+    Entry{2275, "The catalogue file cannot be read or written; it is as it was."},
     // Ports and NTRIP: 3000 + error number
     Entry{3003, "The caster gave no answer within 60 seconds."},
     Entry{3005, "The port is not open."},

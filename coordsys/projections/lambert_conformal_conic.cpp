@@ -96,7 +96,9 @@ MadeProjection MakeLambertConformalConic2SP(const ProjectionParameters& paramete
   if (!(std::fabs(phi0) <= kQuarter) || (n * phi0 < 0.0 && std::fabs(phi0) > kFarthestLatitude)) {
     return {nullptr, ProjectionFault::LatitudeOfOrigin};
   }
-  return MakeOf(ConeOf(parameters, c, n, phi1, 1.0));
+  const double scale = parameters.scale_factor == 0.0 ? 1.0 : parameters.scale_factor;
+  if (!(scale > 0.5 && scale < 2.0)) return {nullptr, ProjectionFault::ScaleFactor};
+  return MakeOf(ConeOf(parameters, c, n, phi1, scale));
 }
 
 MadeProjection MakeLambertConformalConic1SP(const ProjectionParameters& parameters) {

@@ -13,8 +13,7 @@ MadeProjection MakeObliqueMercator27(const ProjectionParameters& parameters);
 /// Type 9: transverse Mercator.
 MadeProjection MakeTransverseMercator27(const ProjectionParameters& parameters);
 
-/// Type 10: Lambert with two standard parallels (the Michigan zones stretch the ellipsoid, in the
-/// definition's semi-major axis).
+/// Type 10: Lambert with two standard parallels (the Michigan zones have a scale factor as well).
 MadeProjection MakeLambertConformalConic27(const ProjectionParameters& parameters);
 
 /// An angle as it is entered for a NAD27 zone.

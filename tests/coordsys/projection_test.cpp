@@ -117,6 +117,7 @@ TEST(Projection, PolarOriginOfALambertZone) {  // Belge 1972: values of EPSG 313
   record.central_meridian = 4.36748666666667;
   record.standard_parallel_1 = 51.1666672333333;
   record.standard_parallel_2_or_azimuth = 49.8333339;
+  record.scale_factor = 0.0;
   record.false_easting = 150000.013;
   record.false_northing = 5400088.438;
   const auto made = MakeProjection(record);

@@ -1,0 +1,133 @@
+#include "coordsys/catalogue_file.h"
+
+#include "coordsys/definition_reader.h"
+#include "core/string_table.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::size_t kNameLimit = 200;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool HasControlCharacter(std::string_view text) {
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7F) return true;
+  }
+  return false;
+}
+
+// Where the line of a name stands in the bytes, its line end included.
+struct Place {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
+std::optional<Place> PlaceOf(std::string_view bytes, std::string_view name) {
+  std::size_t begin = 0;
+  std::string_view rest = bytes;
+  while (const auto line = TakeLine(rest)) {
+    const std::size_t end = bytes.size() - rest.size();
+    const auto system = ReadCatalogueLine(*line);
+    if (system && EqualsIgnoringCase(system->name, name)) return Place{begin, end};
+    begin = end;
+  }
+  return std::nullopt;
+}
+
+std::string LineOf(std::string_view name, std::string_view definition) {
+  std::string line(name);
+  line += '\t';
+  line += definition;
+  line += '\n';
+  return line;
+}
+
+}  // namespace
+
+std::optional<CatalogueLine> ReadCatalogueLine(std::string_view line) {
+  if (line.starts_with(kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
+  const std::size_t tab = line.find('\t');
+  if (line.starts_with('#') || tab == std::string_view::npos) return std::nullopt;
+  const CatalogueLine system{WithoutOuterBlanks(line.substr(0, tab)),
+                             WithoutOuterBlanks(line.substr(tab + 1))};
+  if (system.name.empty() || system.definition.empty()) return std::nullopt;
+  return system;
+}
+
+std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skipped) {
+  if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
+  std::vector<NamedSystem> systems;
+  std::size_t others = 0;
+  while (const auto line = TakeLine(bytes)) {
+    if (const auto system = ReadCatalogueLine(*line)) {
+      systems.push_back({std::string(system->name), std::string(system->definition)});
+    } else if (!line->starts_with('#') && !WithoutOuterBlanks(*line).empty()) {
+      ++others;
+    }
+  }
+  if (skipped) *skipped = others;
+  return systems;
+}
+
+bool IsCatalogueName(std::string_view name) {
+  return !name.empty() && name.size() <= kNameLimit && !HasControlCharacter(name) &&
+         !name.starts_with('#') && WithoutOuterBlanks(name) == name &&
+         name.find(",GEOID=") == std::string_view::npos;
+}
+
+CatalogueResult AddToCatalogue(std::string& bytes, std::string_view name,
+                               std::string_view definition) {
+  if (!IsCatalogueName(name)) return CatalogueResult::BadName;
+  const std::string one_line = OneLineDefinition(definition);
+  if (one_line.empty() || one_line.size() > kDefinitionLimit || HasControlCharacter(one_line)) {
+    return CatalogueResult::BadDefinition;
+  }
+  if (PlaceOf(bytes, name)) return CatalogueResult::NameTaken;
+  if (!bytes.empty() && bytes.back() != '\n') bytes += '\n';
+  bytes += LineOf(name, one_line);
+  return CatalogueResult::Done;
+}
+
+CatalogueResult RenameInCatalogue(std::string& bytes, std::string_view name,
+                                  std::string_view new_name) {
+  if (!IsCatalogueName(new_name)) return CatalogueResult::BadName;
+  const auto place = PlaceOf(bytes, name);
+  if (!place) return CatalogueResult::NotFound;
+  const auto taken = PlaceOf(bytes, new_name);
+  if (taken && taken->begin != place->begin) return CatalogueResult::NameTaken;
+  std::string_view line = std::string_view(bytes).substr(place->begin, place->end - place->begin);
+  const std::string renamed =
+      LineOf(new_name,
+             ReadCatalogueLine(TakeLine(line).value_or("")).value_or(CatalogueLine{}).definition);
+  bytes.replace(place->begin, place->end - place->begin, renamed);
+  return CatalogueResult::Done;
+}
+
+CatalogueResult RemoveFromCatalogue(std::string& bytes, std::string_view name) {
+  const auto place = PlaceOf(bytes, name);
+  if (!place) return CatalogueResult::NotFound;
+  bytes.erase(place->begin, place->end - place->begin);
+  return CatalogueResult::Done;
+}
+
+std::string CatalogueText(CatalogueResult result) {
+  switch (result) {
+    case CatalogueResult::Done:
+      return Strings().Text(2270);
+    case CatalogueResult::NotFound:
+      return Strings().Text(2271);
+    case CatalogueResult::NameTaken:
+      return Strings().Text(2272);
+    case CatalogueResult::BadName:
+      return Strings().Text(2273);
+    case CatalogueResult::BadDefinition:
+      return Strings().Text(2274);
+    case CatalogueResult::FileFailed:
+      break;
+  }
+  return Strings().Text(2275);
+}
+
+}  // namespace tarvex
