@@ -59,7 +59,12 @@ bool CollectSession::OpenReceiver() {
   errors.Clear();
   port_ = MakePort(plan_.receiver, program_.files, program_.clock, errors);
   connection_.port = port_.get();
-  if (!port_ || port_->Open() == PortError::None) return true;
+  if (!port_) return true;
+  const PortError opened = port_->Open();
+  // What a serial line still held when it was opened is a position of the past.
+  if (opened == PortError::None && plan_.receiver.kind == PortKind::Serial)
+    (void)port_->PurgeInput();
+  if (opened == PortError::None) return true;
   (void)program_.Fail(ErrorSentences(errors));
   return false;
 }

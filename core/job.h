@@ -41,6 +41,15 @@ struct JobInformation {
   std::string last_modified_time;
 };
 
+/// Where the instrument stands and what it was sighted to.
+struct InstrumentSetup {
+  std::string occupied_id;
+  std::string backsight_id;
+  double circle_degrees = 0.0;
+
+  bool operator==(const InstrumentSetup&) const = default;
+};
+
 struct Job {
   explicit Job(JobHost& job_host) : host(job_host) {}
 
@@ -59,6 +68,7 @@ struct Job {
   std::uint64_t found_record_position = 0;  ///< of the last lookup in an alphanumeric file
   Point last_stored_point;
   JobInformation information;
+  InstrumentSetup setup;
 
   DistanceUnit unit = DistanceUnit::Metres;
   bool azimuths_from_south = false;

@@ -7,6 +7,7 @@
 #include "core/raw_records.h"
 #include "core/raw_shot.h"
 #include "core/settings.h"
+#include "core/total_station.h"
 #include "tests/support/test_host.h"
 
 namespace tarvex {
@@ -125,6 +126,40 @@ TEST(RawShots, ChooseTheirFieldsByMode) {
   EXPECT_EQ(OffsetRecord(reading), "\nOF,AR180.3000,ZE90.0000,SD12.000000");
   EXPECT_EQ(LaserOffsetRecord(10 + 12.0 / 60 + 34 * kSecond, -1, 5),
             "\nOF,AZ10.123,CE-1.0000,HD5.0000");
+}
+
+TEST(TotalStation, JournalsASetupAndTheShotsThatWereStored) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  job.current_point_id = "1";
+  ASSERT_EQ(StorePoint(job, kPoint.at, "BM", false, OpenCoordinateFile(job).get()),
+            StorePointResult::Stored);
+  const std::size_t before = RawHeader(job, host.standing_clock.now).size();
+  EXPECT_EQ(
+      OccupyAndBacksight(
+          job,
+          {.occupied_id = "1", .azimuth_degrees = 45.5, .instrument_height = 1.5, .rod_height = 2}),
+      RawFileResult::Written);
+  EXPECT_EQ(host.memory.Bytes(kRawPath).substr(before),
+            "\nOC,OP1,N 5000.12346,E "
+            "-0.00004,EL100.000,--BM\nLS,HI1.5000,HR2.0000\nBK,OP1,BP,BS45.3000,BC0.0000");
+  EXPECT_EQ(job.setup.occupied_id, "1");
+  const Shot shot{.occupied_id = "1",
+                  .foresight_id = "1",
+                  .horizontal = 10,
+                  .vertical = 90,
+                  .distance = 5,
+                  .description = ""};
+  const std::string journal = host.memory.Bytes(kRawPath);
+  host.answer = {.choice = ExistingPointAnswer::Choice::Cancel};
+  EXPECT_EQ(StoreShot(job, ShotKind::Sideshot, shot, kPoint.at, true).stored,
+            StorePointResult::Cancelled);
+  EXPECT_EQ(host.memory.Bytes(kRawPath), journal);  // a failed store writes nothing
+  host.answer = {.choice = ExistingPointAnswer::Choice::UseOtherId, .other_id = "2"};
+  EXPECT_EQ(StoreShot(job, ShotKind::Traverse, shot, kPoint.at, true).record,
+            RawFileResult::Written);
+  EXPECT_EQ(host.memory.Bytes(kRawPath),
+            journal + "\nTR,OP1,FP2,AR10.0000,ZE90.0000,SD5.000000,--");
 }
 
 TEST(PointNotes, ReplaceTheBlockOfThePoint) {

@@ -1,0 +1,43 @@
+// A total station's work on the job's files: setting up over a point, and storing shots. The shots'
+// coordinates are computed above; here they are stored and journaled, in this order and only so far
+// as each step succeeds.
+#pragma once
+
+#include <string>
+
+#include "core/coordinate_file.h"
+#include "core/job.h"
+#include "core/point_store.h"
+#include "core/raw_file.h"
+#include "core/raw_shot.h"
+
+namespace tarvex {
+
+/// The instrument over a point, sighted to its backsight.
+struct SetupEntry {
+  std::string occupied_id;
+  std::string backsight_id = {};  ///< empty for an entered azimuth
+  double azimuth_degrees = 0.0;   ///< to the backsight, from north
+  double circle_degrees = 0.0;    ///< circle reading on the backsight
+  double instrument_height = 0.0;
+  double rod_height = 0.0;
+};
+
+/// Journals the setup (OC with the coordinates of the occupied point when the file holds it, LS,
+/// BK) and remembers it as the job's current setup.
+RawFileResult OccupyAndBacksight(Job& job, const SetupEntry& entry);
+
+enum class ShotKind { Sideshot, Traverse };
+
+/// What storing a shot came to: the store's result, and whether the record was written. Nothing is
+/// written when the point was not stored.
+struct ShotResult {
+  StorePointResult stored = StorePointResult::Nothing;
+  RawFileResult record = RawFileResult::Dropped;
+};
+
+/// Stores the foresight point under the shot's id, then writes its SS or TR record.
+ShotResult StoreShot(Job& job, ShotKind kind, const Shot& shot, const GridPoint& at,
+                     bool check_existing);
+
+}  // namespace tarvex
