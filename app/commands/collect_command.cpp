@@ -2,7 +2,7 @@
 #include "app/collect_session.h"
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
-#include "app/job_system.h"
+#include "app/coordinate_systems.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
 #include "core/point_id.h"
@@ -103,8 +103,9 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   plan.patience_ms = options.patience_s * 1000;
   CTrgCalculator calculator;
   std::string problem;
-  if (!MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
-                      problem)) {
+  CoordinateSystems systems(program);
+  if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
+                              problem)) {
     return program.Fail(problem);
   }
   if (const ExitCode code = SettleFirstId(options, session.job(), program); code != ExitCode::Done)

@@ -5,8 +5,8 @@
 
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/coordinate_systems.h"
 #include "app/job_session.h"
-#include "app/job_system.h"
 #include "core/number_text.h"
 #include "core/text.h"
 
@@ -20,6 +20,7 @@ constexpr int kMostDecimals = 15;
 struct ConvertOptions {
   std::string system;
   std::string definition;
+  std::string datum_shift;
   std::string units = "metres";
   bool inverse = false;
   int decimals = -1;
@@ -116,14 +117,15 @@ std::string ConvertLine(const ConvertOptions& options, const CTrgCalculator& cal
 }
 
 ExitCode RunConvert(const ConvertOptions& options, Program& program) {
-  SystemSource source;
+  SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
   std::string problem;
   if (options.system.empty() == options.definition.empty()) {
     return program.Misuse("Give the coordinate system with --system NAME or --definition FILE.");
   }
   CTrgCalculator calculator;
-  if (!ReadSystemOptions(program, options.system, options.definition, source, problem) ||
-      !MakeCalculator(source, *ParseUnit(options.units), calculator, problem)) {
+  CoordinateSystems systems(program);
+  if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
+      !systems.MakeCalculator(source, *ParseUnit(options.units), calculator, problem)) {
     return program.Fail(problem);
   }
   ExitCode exit_code = ExitCode::Done;
@@ -161,6 +163,9 @@ void AddConvertCommand(CLI::App& app, Program& program) {
       "Example: echo 46.8 9.3 1100 | tarvex convert --system \"UTM/UTM WGS84 Zone 32\"");
   sub.add_option("--system", options.system, "Coordinate system by its name (see: tarvex systems)");
   sub.add_option("--definition", options.definition, "File with the definition text of the system");
+  sub.add_option("--datum-shift", options.datum_shift,
+                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A or an NTv2 file (default: by "
+                 "the system)");
   sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")
       ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
   sub.add_flag("--inverse", options.inverse, "From grid coordinates to latitude and longitude");

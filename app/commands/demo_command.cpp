@@ -4,7 +4,6 @@
 #include "app/collect_session.h"
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
-#include "app/job_system.h"
 #include "core/point_notes.h"
 #include "core/raw_file.h"
 

@@ -1,8 +1,8 @@
 // tarvex new: creates a job.
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/coordinate_systems.h"
 #include "app/job_session.h"
-#include "app/job_system.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
 #include "core/raw_file.h"
@@ -17,6 +17,7 @@ struct NewOptions {
   std::string units = "metres";
   std::string system;
   std::string definition;
+  std::string datum_shift;
   bool south_azimuths = false;
   bool curvature_correction = false;
   std::string scale_factor = "1";
@@ -64,14 +65,15 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
     if (program.files.Exists(path))
       return program.Fail(path + " exists; a new job overwrites nothing.");
   }
-  SystemSource source;
+  SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
   std::string problem;
-  if (!ReadSystemOptions(program, options.system, options.definition, source, problem)) {
-    return program.Fail(problem);
-  }
   CTrgCalculator calculator;
-  if (!source.empty() && !MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
-    return program.Fail(problem);
+  if (!options.system.empty() || !options.definition.empty()) {
+    CoordinateSystems systems(program);
+    if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
+        !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
+      return program.Fail(problem);
+    }
   }
   if (!session.Load()) return ExitCode::Failed;
   FillSettings(options, source, session.settings());
@@ -82,7 +84,8 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
   job.scale_factor = *scale;
   job.curvature_correction = options.curvature_correction;
   if (!options.name.empty()) job.name = options.name;
-  return CreateFiles(program, session, source.empty() ? "" : SystemTitle(source, calculator));
+  return CreateFiles(program, session,
+                     source.empty() ? "" : CoordinateSystems::Title(source, calculator));
 }
 
 }  // namespace
@@ -102,6 +105,9 @@ void AddNewCommand(CLI::App& app, Program& program) {
   sub.add_option("--definition", options.definition,
                  "File with the definition text of the coordinate system")
       ->excludes(system);
+  sub.add_option("--datum-shift", options.datum_shift,
+                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A or an NTv2 file (default: by "
+                 "the system)");
   sub.add_flag("--south-azimuths", options.south_azimuths, "Azimuths are measured from south");
   sub.add_flag("--curvature-correction", options.curvature_correction,
                "Earth curvature and refraction are corrected");

@@ -1,8 +1,8 @@
-// tarvex systems: the coordinate systems to choose from.
+// tarvex systems: the coordinate systems to choose from, and the user's own.
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/coordinate_systems.h"
 #include "app/json_text.h"
-#include "coordsys/system_catalogue.h"
 
 namespace tarvex {
 namespace {
@@ -10,10 +10,15 @@ namespace {
 struct SystemsOptions {
   std::string part;
   bool json = false;
+  std::string added;
+  std::string definition;
+  std::vector<std::string> renamed;
+  std::string removed;
 };
 
-ExitCode RunSystems(const SystemsOptions& options, Program& program) {
-  const std::vector<NamedSystem> systems = SystemCatalogue().Search(options.part);
+ExitCode PrintSystems(const SystemsOptions& options, const SystemCatalogue& catalogue,
+                      Program& program) {
+  const std::vector<NamedSystem> systems = catalogue.Search(options.part);
   if (options.json) {
     Json list = Json::array();
     for (const NamedSystem& system : systems) {
@@ -27,12 +32,62 @@ ExitCode RunSystems(const SystemsOptions& options, Program& program) {
   return program.Fail("No coordinate system has \"" + options.part + "\" in its name.");
 }
 
+ExitCode TellEdit(CatalogueResult result, const CoordinateSystems& systems,
+                  const SystemCatalogue& catalogue, Program& program) {
+  if (result == CatalogueResult::Done) {
+    program.console.Print("Your catalogue " + systems.data_folder() + "tarvex.csl was changed.\n");
+    return ExitCode::Done;
+  }
+  std::string sentence = CatalogueText(result);
+  if (result == CatalogueResult::FileFailed)
+    sentence += " (" + catalogue.file_status().Text() + ")";
+  return program.Fail(sentence);
+}
+
+// A definition is added only when it makes a system that can be used.
+ExitCode AddSystem(const SystemsOptions& options, CoordinateSystems& systems, Program& program) {
+  SystemSource source;
+  std::string problem;
+  if (options.definition.empty()) return program.Misuse("--add NAME needs --definition FILE.");
+  CTrgCalculator calculator;
+  if (!systems.ReadOptions("", options.definition, source, problem) ||
+      !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
+    return program.Fail(problem);
+  }
+  const CatalogueResult result = systems.catalogue().Add(options.added, source.definition);
+  return TellEdit(result, systems, systems.catalogue(), program);
+}
+
+ExitCode RunSystems(const SystemsOptions& options, Program& program) {
+  CoordinateSystems systems(program);
+  SystemCatalogue& catalogue = systems.catalogue();
+  if (!options.added.empty()) return AddSystem(options, systems, program);
+  if (!options.removed.empty()) {
+    return TellEdit(catalogue.Remove(options.removed), systems, catalogue, program);
+  }
+  if (options.renamed.size() == 2) {
+    return TellEdit(catalogue.Rename(options.renamed[0], options.renamed[1]), systems, catalogue,
+                    program);
+  }
+  return PrintSystems(options, catalogue, program);
+}
+
 }  // namespace
 
 void AddSystemsCommand(CLI::App& app, Program& program) {
-  Command<SystemsOptions> command(app, program, "systems", "List coordinate systems", RunSystems);
-  command.sub.add_option("TEXT", command.options->part, "Only those with this text in their name");
-  command.sub.add_flag("--json", command.options->json, "Print JSON, with the definition texts");
+  Command<SystemsOptions> command(app, program, "systems", "List coordinate systems, edit your own",
+                                  RunSystems);
+  SystemsOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  sub.add_option("TEXT", options.part,
+                 "Only those with this text, or all of its words, in their name");
+  sub.add_flag("--json", options.json, "Print JSON, with the definition texts");
+  auto* add =
+      sub.add_option("--add", options.added, "Add a system under this name to your catalogue");
+  sub.add_option("--definition", options.definition, "File with its definition text")->needs(add);
+  sub.add_option("--rename", options.renamed, "Rename a system of your catalogue: OLD NEW")
+      ->expected(2);
+  sub.add_option("--remove", options.removed, "Remove a system from your catalogue");
 }
 
 }  // namespace tarvex

@@ -58,6 +58,7 @@ pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
   arguments.push_back(nullptr);
   const pid_t process = ::fork();
   if (process != 0) return process;
+  ::setenv("TARVEX_DATA", Path("data").c_str(), 1);
   if (::chdir(path_.c_str()) != 0) ::_exit(127);
   Redirect("IN", O_RDONLY, STDIN_FILENO);
   Redirect("OUT", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
