@@ -1,5 +1,6 @@
 #include "coordsys/datum/geocentric_map.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -8,13 +9,20 @@ namespace {
 
 constexpr double kProbe = 8388608.0;  // 2^23 m: a power of two beyond the earth's radius
 
-// The angle of the direction (sine, cosine) for the small turns that a datum shift makes; the
-// series leaves out 1e-19.
-double SmallAngle(double sine, double cosine) noexcept {
-  const double t = sine / cosine;
-  if (!(cosine > 0.0 && t < 0.01 && t > -0.01)) return std::atan2(sine, cosine);
+constexpr bool IsSmall(double tangent) noexcept {
+  return tangent < 0.01 && tangent > -0.01;
+}
+
+// The angle of a small tangent; the series leaves out 1e-19.
+constexpr double ArcTangentSeries(double t) noexcept {
   const double t2 = t * t;
   return t * (1.0 - t2 * (1.0 / 3.0 - t2 * (1.0 / 5.0 - t2 * (1.0 / 7.0))));
+}
+
+// The angle of the direction (sine, cosine), by the series for the small turns of a datum shift.
+double SmallAngle(double sine, double cosine) noexcept {
+  const double t = sine / cosine;
+  return cosine > 0.0 && IsSmall(t) ? ArcTangentSeries(t) : std::atan2(sine, cosine);
 }
 
 double InHalfTurns(double longitude) noexcept {
@@ -52,28 +60,102 @@ std::optional<GeocentricMap> TakeGeocentricMap(const std::function<bool(Geocentr
   return map;
 }
 
-Geodetic GeodeticMap::Apply(const Geodetic& position) const noexcept {
-  const double sin_lat = std::sin(position.latitude_rad);
-  const double cos_lat = std::cos(position.latitude_rad);
-  const double sin_lon = std::sin(position.longitude_rad);
-  const double cos_lon = std::cos(position.longitude_rad);
-  const Geocentric point =
-      map_.Apply(from_.FromDirection(sin_lat, cos_lat, sin_lon, cos_lon, position.height_m));
+// The turned directions of latitude and longitude, as sine and cosine of the small angles.
+struct GeodeticMap::Turned {
+  double lat_sine;
+  double lat_cosine;
+  double lon_sine;
+  double lon_cosine;
+  double height_m;
+};
 
-  // Turned by the old longitude and latitude, the new ones are small angles: no arc tangent needed.
+[[gnu::always_inline]] inline GeodeticMap::Turned GeodeticMap::Turn(
+    double sin_lat, double cos_lat, double sin_lon, double cos_lon,
+    double height_m) const noexcept {
+  const Geocentric point =
+      map_.Apply(from_.FromDirection(sin_lat, cos_lat, sin_lon, cos_lon, height_m));
   const double p = std::sqrt(point.x_m * point.x_m + point.y_m * point.y_m);
   const auto [north, out, height] = to_.InMeridian(p, point.z_m);
-  const double turn_lon = SmallAngle(point.y_m * cos_lon - point.x_m * sin_lon,
-                                     point.x_m * cos_lon + point.y_m * sin_lon);
-  const double turn_lat =
-      SmallAngle(north * cos_lat - out * sin_lat, out * cos_lat + north * sin_lat);
-  return {.latitude_rad = position.latitude_rad + turn_lat,
-          .longitude_rad = InHalfTurns(position.longitude_rad + turn_lon),
+  return {.lat_sine = north * cos_lat - out * sin_lat,
+          .lat_cosine = out * cos_lat + north * sin_lat,
+          .lon_sine = point.y_m * cos_lon - point.x_m * sin_lon,
+          .lon_cosine = point.x_m * cos_lon + point.y_m * sin_lon,
           .height_m = height};
 }
 
-void GeodeticMap::Apply(std::span<Geodetic> positions) const noexcept {
-  for (Geodetic& position : positions) position = Apply(position);
+Geodetic GeodeticMap::Apply(const Geodetic& position) const noexcept {
+  const Turned turned =
+      Turn(std::sin(position.latitude_rad), std::cos(position.latitude_rad),
+           std::sin(position.longitude_rad), std::cos(position.longitude_rad), position.height_m);
+  return {.latitude_rad = position.latitude_rad + SmallAngle(turned.lat_sine, turned.lat_cosine),
+          .longitude_rad =
+              InHalfTurns(position.longitude_rad + SmallAngle(turned.lon_sine, turned.lon_cosine)),
+          .height_m = turned.height_m};
+}
+
+// A block of positions on its way through the map, value by value.
+struct GeodeticMap::Block {
+  static constexpr std::size_t kSize = 64;
+
+  double sin_lat[kSize] = {};
+  double cos_lat[kSize] = {};
+  double sin_lon[kSize] = {};
+  double cos_lon[kSize] = {};
+  double height_m[kSize] = {};
+  double turn_lat[kSize];  // tangents of the small angles
+  double turn_lon[kSize];
+  double lat_cosine[kSize];
+  double lon_cosine[kSize];
+
+  bool IsSmallTurn(std::size_t i) const noexcept {
+    return lat_cosine[i] > 0.0 && lon_cosine[i] > 0.0 && IsSmall(turn_lat[i]) &&
+           IsSmall(turn_lon[i]);
+  }
+};
+
+void GeodeticMap::TurnBlock(Block& block) const noexcept {
+  const GeodeticMap map = *this;  // a copy that the block cannot alias
+  for (std::size_t i = 0; i < Block::kSize; ++i) {
+    const Turned turned = map.Turn(block.sin_lat[i], block.cos_lat[i], block.sin_lon[i],
+                                   block.cos_lon[i], block.height_m[i]);
+    block.turn_lat[i] = turned.lat_sine / turned.lat_cosine;
+    block.turn_lon[i] = turned.lon_sine / turned.lon_cosine;
+    block.lat_cosine[i] = turned.lat_cosine;
+    block.lon_cosine[i] = turned.lon_cosine;
+    block.height_m[i] = turned.height_m;
+  }
+}
+
+// In blocks, with the arithmetic in a loop without calls and branches, which the compiler makes two
+// positions at a time; to the last bit as one by one.
+void GeodeticMap::Apply(std::span<double> latitude_rad, std::span<double> longitude_rad,
+                        std::span<double> height_m) const noexcept {
+  Block block;
+  for (std::size_t done = 0; done < latitude_rad.size(); done += Block::kSize) {
+    const std::size_t count = std::min(Block::kSize, latitude_rad.size() - done);
+    for (std::size_t i = 0; i < count; ++i) {
+      block.sin_lat[i] = std::sin(latitude_rad[done + i]);
+      block.cos_lat[i] = std::cos(latitude_rad[done + i]);
+      block.sin_lon[i] = std::sin(longitude_rad[done + i]);
+      block.cos_lon[i] = std::cos(longitude_rad[done + i]);
+      block.height_m[i] = height_m[done + i];
+    }
+    TurnBlock(block);
+    for (std::size_t i = 0; i < count; ++i) {
+      double& latitude = latitude_rad[done + i];
+      double& longitude = longitude_rad[done + i];
+      if (!block.IsSmallTurn(i)) {
+        const Geodetic made = Apply({latitude, longitude, height_m[done + i]});
+        latitude = made.latitude_rad;
+        longitude = made.longitude_rad;
+        height_m[done + i] = made.height_m;
+        continue;
+      }
+      latitude += ArcTangentSeries(block.turn_lat[i]);
+      longitude = InHalfTurns(longitude + ArcTangentSeries(block.turn_lon[i]));
+      height_m[done + i] = block.height_m[i];
+    }
+  }
 }
 
 }  // namespace tarvex

@@ -39,9 +39,18 @@ class GeodeticMap {
   /// Longitudes come back in -pi..pi. Within 1e-8 m of the three steps made one by one; a NaN or an
   /// infinity comes back as a NaN.
   Geodetic Apply(const Geodetic& position) const noexcept;
-  void Apply(std::span<Geodetic> positions) const noexcept;
+  /// Whole arrays of one length, in place.
+  void Apply(std::span<double> latitude_rad, std::span<double> longitude_rad,
+             std::span<double> height_m) const noexcept;
 
  private:
+  struct Turned;
+  struct Block;
+
+  Turned Turn(double sin_lat, double cos_lat, double sin_lon, double cos_lon,
+              double height_m) const noexcept;
+  void TurnBlock(Block& block) const noexcept;
+
   GeocentricFrame from_;
   GeocentricFrame to_;
   GeocentricMap map_;

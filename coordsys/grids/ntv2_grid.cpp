@@ -1,6 +1,7 @@
 #include "coordsys/grids/ntv2_grid.h"
 
 #include <cmath>
+#include <limits>
 
 #include "core/text.h"
 #include "core/units.h"
@@ -38,7 +39,6 @@ class Ntv2Parser {
     }
     if (GridStatus status = End(); !status.ok()) return status;
     if (!Nest(made)) return Wrong(GridProblem::BadValue, "PARENT");
-    made.bytes_ = held_;
     grid = std::move(made);
     return {};
   }
@@ -74,10 +74,8 @@ class Ntv2Parser {
     }
     grids = Integer(2);
     if (grids < 1 || grids > kMostGrids) return Wrong(GridProblem::ImpossibleSize, "NUM_FILE");
-    grid.unit_rad_ = Unit(Field(Record(3)));
-    if (grid.unit_rad_ == 0.0) return Wrong(GridProblem::BadValue, "GS_TYPE");
-    unit_rad_ = grid.unit_rad_;
-    grid.order_ = order_;
+    unit_rad_ = Unit(Field(Record(3)));
+    if (unit_rad_ == 0.0) return Wrong(GridProblem::BadValue, "GS_TYPE");
     grid.from_system_ = Field(Record(5));
     grid.to_system_ = Field(Record(6));
     at_ = kHeader;
@@ -108,11 +106,32 @@ class Ntv2Parser {
     const auto geometry = Geometry();
     if (!geometry) return Wrong(GridProblem::ImpossibleSize, "grid " + sub.name);
     sub.geometry = *geometry;
-    sub.nodes_at = at_ + kHeader;
-    at_ = sub.nodes_at + kRecord * static_cast<std::size_t>(geometry->columns()) *
-                             static_cast<std::size_t>(geometry->rows());
-    if (bytes_.size() < at_) return CutShort(at_);
+    sub.first_node = grid.nodes_.size();
+    const std::size_t nodes =
+        static_cast<std::size_t>(geometry->columns()) * static_cast<std::size_t>(geometry->rows());
+    at_ += kHeader;
+    if (bytes_.size() < at_ + kRecord * nodes) return CutShort(at_ + kRecord * nodes);
     grid.grids_.push_back(std::move(sub));
+    return Nodes(nodes, grid);
+  }
+
+  // Takes the shifts of the nodes that stand at `at_`. A node is a north and a west shift with
+  // their accuracies; both shifts 0 with an accuracy below 0 stand for none.
+  GridStatus Nodes(std::size_t count, Ntv2Grid& grid) {
+    constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
+    grid.nodes_.reserve(grid.nodes_.size() + count);
+    for (std::size_t i = 0; i < count; ++i, at_ += kRecord) {
+      const char* const node = bytes_.data() + at_;
+      const float north = NumberAt<float>(node, order_);
+      const float west = NumberAt<float>(node + 4, order_);
+      if (!std::isfinite(north) || !std::isfinite(west)) {
+        return Wrong(GridProblem::BadValue, "byte " + std::to_string(at_));
+      }
+      const bool none = north == 0.0F && west == 0.0F && NumberAt<float>(node + 8, order_) < 0.0F;
+      grid.nodes_.push_back(none ? Ntv2Grid::Node{kNone, kNone}
+                                 : Ntv2Grid::Node{static_cast<float>(north * unit_rad_),
+                                                  static_cast<float>(west * unit_rad_)});
+    }
     return {};
   }
 
@@ -208,35 +227,19 @@ const Ntv2Grid::SubGrid* Ntv2Grid::Densest(double latitude, double west,
   return found;
 }
 
-GridShiftResult Ntv2Grid::ShiftIn(const SubGrid& grid, const GridCell& cell,
-                                  Shift& shift) const noexcept {
-  const std::size_t columns = static_cast<std::size_t>(grid.geometry.columns());
-  const char* const low = bytes_.view().data() + grid.nodes_at +
-                          kRecord * (static_cast<std::size_t>(cell.row) * columns +
-                                     static_cast<std::size_t>(cell.column));
-  const char* const nodes[4] = {low, low + kRecord, low + kRecord * columns,
-                                low + kRecord * (columns + 1)};
-  double north[4];
-  double west[4];
-  for (int i = 0; i < 4; ++i) {
-    north[i] = static_cast<float>(NumberAt<float>(nodes[i], order_) * unit_rad_);
-    west[i] = static_cast<float>(NumberAt<float>(nodes[i] + 4, order_) * unit_rad_);
-    if (north[i] == 0.0 && west[i] == 0.0 && NumberAt<float>(nodes[i] + 8, order_) < 0.0F) {
-      return GridShiftResult::NoCorrection;
-    }
-  }
-  shift.north_rad = Bilinear(cell, north[0], north[1], north[2], north[3]);
-  shift.west_rad = Bilinear(cell, west[0], west[1], west[2], west[3]);
-  if (!std::isfinite(shift.north_rad) || !std::isfinite(shift.west_rad)) {
-    return GridShiftResult::NoCorrection;
-  }
-  return GridShiftResult::Done;
-}
-
 GridShiftResult Ntv2Grid::ShiftAt(double latitude, double west, Shift& shift) const noexcept {
   GridCell cell;
   const SubGrid* const grid = Densest(latitude, west, cell);
-  return grid == nullptr ? GridShiftResult::Outside : ShiftIn(*grid, cell, shift);
+  if (grid == nullptr) return GridShiftResult::Outside;
+  const auto columns = static_cast<std::size_t>(grid->geometry.columns());
+  const Node* const south = nodes_.data() + grid->first_node +
+                            static_cast<std::size_t>(cell.row) * columns +
+                            static_cast<std::size_t>(cell.column);
+  const Node* const north = south + columns;
+  shift.north_rad = Bilinear(cell, south[0].north, south[1].north, north[0].north, north[1].north);
+  shift.west_rad = Bilinear(cell, south[0].west, south[1].west, north[0].west, north[1].west);
+  // A node without a shift makes the sum a NaN.
+  return std::isnan(shift.north_rad) ? GridShiftResult::NoCorrection : GridShiftResult::Done;
 }
 
 GridShiftResult Ntv2Grid::Forward(Geodetic& position) const noexcept {
@@ -248,11 +251,15 @@ GridShiftResult Ntv2Grid::Forward(Geodetic& position) const noexcept {
   return result;
 }
 
+// Each pass takes the shift at the place that the last one led to. Shifts change slowly: a change
+// of the place shrinks by the same small factor every pass, which tells when the next would be
+// nothing.
 GridShiftResult Ntv2Grid::Inverse(Geodetic& position) const noexcept {
   const double latitude = position.latitude_rad;
   const double west = -position.longitude_rad;
   double from_latitude = latitude;
   double from_west = west;
+  double last_change = 0.0;
   for (int pass = 0; pass < kMostPasses; ++pass) {
     Shift shift;
     const GridShiftResult result = ShiftAt(from_latitude, from_west, shift);
@@ -261,11 +268,13 @@ GridShiftResult Ntv2Grid::Inverse(Geodetic& position) const noexcept {
     const double off_west = west - shift.west_rad - from_west;
     from_latitude += off_latitude;
     from_west += off_west;
-    if (std::abs(off_latitude) + std::abs(off_west) < kClosedRad) {
+    const double change = std::abs(off_latitude) + std::abs(off_west);
+    if (change < kClosedRad || change * change < kClosedRad * last_change) {
       position.latitude_rad = from_latitude;
       position.longitude_rad = -from_west;
       return GridShiftResult::Done;
     }
+    last_change = change;
   }
   return GridShiftResult::Outside;
 }

@@ -4,9 +4,9 @@
 // Positions are radians, north and east positive. Forward is the file's own direction, from its
 // SYSTEM_F to its SYSTEM_T (usually the local datum to WGS84), bilinear in the densest grid that
 // holds the point; the inverse finds the position whose forward shift leads back, to 1e-13 rad
-// (6e-7 m). Either byte order is read; the nodes stay in the file's own bytes (byte order and all),
-// so that a grid costs the memory of its file. A cell with a node that the file marks as without a
-// shift (both shifts 0 with an accuracy below 0) has none. A node's shift is taken as a 32-bit
+// (6e-7 m). Either byte order is read; of the four numbers of a node the two shifts are kept, so
+// that a grid costs half the memory of its file. A cell with a node that the file marks as without
+// a shift (both shifts 0 with an accuracy below 0) has none. A node's shift is taken as a 32-bit
 // float of radians, as the widely used readers take it, so that all agree to 1e-9 degree even on
 // grids with shifts of degrees; a shift of 10" is then good to 0.02 mm.
 // Source: Geodetic Survey of Canada, NTv2 developer's guide (1995).
@@ -51,25 +51,27 @@ class Ntv2Grid {
     std::string name;
     std::string parent;
     GridGeometry geometry;  // radians; the first coordinate is the longitude, west positive
-    std::size_t nodes_at = 0;
+    std::size_t first_node = 0;
     std::vector<int> children;
   };
   struct Shift {
-    double north_rad;
-    double west_rad;
+    double north_rad = 0.0;
+    double west_rad = 0.0;
+  };
+  // In radians; a node without a shift holds NaN.
+  struct Node {
+    float north;
+    float west;
   };
 
   GridShiftResult ShiftAt(double latitude, double west, Shift& shift) const noexcept;
-  GridShiftResult ShiftIn(const SubGrid& grid, const GridCell& cell, Shift& shift) const noexcept;
   const SubGrid* Densest(double latitude, double west, GridCell& cell) const noexcept;
 
-  FileBytes bytes_;
-  ByteOrder order_ = ByteOrder::Little;
-  double unit_rad_ = 0.0;  // of a node's shift
   std::string from_system_;
   std::string to_system_;
   std::vector<SubGrid> grids_;
   std::vector<int> roots_;
+  std::vector<Node> nodes_;  // of all grids
 };
 
 }  // namespace tarvex

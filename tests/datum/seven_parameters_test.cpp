@@ -99,6 +99,35 @@ TEST(SevenParameters, InverseIsExactForLargeRotations) {
   }
 }
 
+// The arrays go through vector code: the same to the last bit, the odd ends of a block, the poles
+// and points that turn far included.
+TEST(SevenParameters, ArraysComeOutAsOneByOne) {
+  const GeodeticMap map(kWgs84, kClarke1866,
+                        InverseMap({300.0, -200.0, 900.0, 70.0, -65.0, 60.0, -25.0}));
+  std::mt19937_64 random(3);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  std::vector<double> lat = {M_PI / 2, -M_PI / 2, 1.5707, 0.0, std::nan("")};
+  std::vector<double> lon = {0.0, 1.0, 3.1, M_PI, 0.0};
+  std::vector<double> height(lat.size(), 100.0);
+  while (lat.size() < 150) {
+    lat.push_back(1.57 * unit(random));
+    lon.push_back(M_PI * unit(random));
+    height.push_back(1e4 * unit(random));
+  }
+  std::vector<double> made_lat = lat;
+  std::vector<double> made_lon = lon;
+  std::vector<double> made_height = height;
+  map.Apply(made_lat, made_lon, made_height);
+  for (std::size_t i = 0; i < lat.size(); ++i) {
+    const Geodetic one = map.Apply({lat[i], lon[i], height[i]});
+    if (std::isnan(lat[i])) {
+      EXPECT_TRUE(std::isnan(made_lat[i]));
+      continue;
+    }
+    EXPECT_EQ((Geodetic{made_lat[i], made_lon[i], made_height[i]}), one) << i;
+  }
+}
+
 TEST(SevenParameters, AMapThatIsNotLinearIsRefused) {
   const auto bent = [](Geocentric& p) {
     p.x_m += 1e-12 * p.y_m * p.z_m;

@@ -1,0 +1,214 @@
+// Datum shifts beside PROJ: WGS84 to a grid with seven parameters, and an NTv2 grid both ways, on
+// the same points in the same run; and the price of a lookup in the other grids.
+#include <benchmark/benchmark.h>
+#include <proj.h>
+
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "coordsys/datum/geocentric_map.h"
+#include "coordsys/datum/seven_parameters.h"
+#include "coordsys/geoid/geoid_grid.h"
+#include "coordsys/grids/ntv2_grid.h"
+#include "coordsys/projection.h"
+#include "core/units.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::size_t kPoints = 4096;
+constexpr Ellipsoid kBessel = {6377397.155, 0.00334277318217};
+constexpr SevenParameters kGerman = {598.1, 73.7, 418.2, -0.202, -0.045, 2.455, 6.7};
+
+struct Points {
+  std::vector<double> latitude_rad;
+  std::vector<double> longitude_rad;
+  std::vector<double> height_m;
+};
+
+Points RandomPoints(double south, double north, double west, double east) {
+  std::mt19937_64 random(17);
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  Points points;
+  for (std::size_t i = 0; i < kPoints; ++i) {
+    points.latitude_rad.push_back((south + (north - south) * unit(random)) * kRadiansPerDegree);
+    points.longitude_rad.push_back((west + (east - west) * unit(random)) * kRadiansPerDegree);
+    points.height_m.push_back(1000.0 * unit(random));
+  }
+  return points;
+}
+
+std::vector<PJ_COORD> InProj(const Points& points) {
+  std::vector<PJ_COORD> list;
+  for (std::size_t i = 0; i < kPoints; ++i) {
+    list.push_back(
+        proj_coord(points.longitude_rad[i], points.latitude_rad[i], points.height_m[i], 0.0));
+  }
+  return list;
+}
+
+using Operation = std::unique_ptr<PJ, decltype(&proj_destroy)>;
+
+Operation MakeOperation(const std::string& definition) {
+  Operation made(proj_create(PJ_DEFAULT_CTX, definition.c_str()), &proj_destroy);
+  if (!made) std::abort();
+  return made;
+}
+
+void TimeProj(benchmark::State& state, const std::string& definition, PJ_DIRECTION direction,
+              const Points& points) {
+  const Operation operation = MakeOperation(definition);
+  const std::vector<PJ_COORD> start = InProj(points);
+  std::vector<PJ_COORD> list;
+  for (auto _ : state) {
+    list = start;
+    proj_trans_array(operation.get(), direction, list.size(), list.data());
+    benchmark::DoNotOptimize(list.data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
+}
+
+const Points& GermanPoints() {
+  static const Points points = RandomPoints(47.5, 54.5, 7.0, 11.0);
+  return points;
+}
+
+const char* const kToLocal =
+    "+proj=pipeline +step +proj=cart +ellps=WGS84 +step +inv +proj=helmert +x=598.1 +y=73.7 "
+    "+z=418.2 +rx=0.202 +ry=0.045 +rz=-2.455 +s=6.7 +convention=position_vector +step +inv "
+    "+proj=cart +ellps=bessel";
+
+GeodeticMap LocalMap() {
+  const auto map = TakeGeocentricMap([](Geocentric& p) {
+    p = TranslateUnrotateScale(InverseArguments(kGerman), p);
+    return true;
+  });
+  return GeodeticMap(kWgs84, kBessel, *map);
+}
+
+std::unique_ptr<const Projection> GermanGrid() {
+  ProjectionRecord record;
+  record.projection_type = static_cast<int>(ProjectionType::TransverseMercator);
+  record.semi_major_m = kBessel.semi_major_m;
+  record.flattening = kBessel.flattening;
+  record.central_meridian = 9.0;
+  record.scale_factor = 1.0;
+  record.false_easting = 3'500'000.0;
+  return MakeProjection(record).projection;
+}
+
+void SevenParametersOurs(benchmark::State& state) {
+  const GeodeticMap map = LocalMap();
+  Points points = GermanPoints();
+  for (auto _ : state) {
+    points = GermanPoints();
+    map.Apply(points.latitude_rad, points.longitude_rad, points.height_m);
+    benchmark::DoNotOptimize(points.height_m.data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
+}
+
+void SevenParametersProj(benchmark::State& state) {
+  TimeProj(state, kToLocal, PJ_FWD, GermanPoints());
+}
+
+void ToGridOurs(benchmark::State& state) {
+  const GeodeticMap map = LocalMap();
+  const auto grid = GermanGrid();
+  Points points = GermanPoints();
+  std::vector<double> northing(kPoints);
+  std::vector<double> easting(kPoints);
+  for (auto _ : state) {
+    points = GermanPoints();
+    map.Apply(points.latitude_rad, points.longitude_rad, points.height_m);
+    benchmark::DoNotOptimize(
+        grid->Forward(points.latitude_rad, points.longitude_rad, northing, easting));
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
+}
+
+void ToGridProj(benchmark::State& state) {
+  TimeProj(state,
+           std::string(kToLocal) +
+               " +step +proj=tmerc +lat_0=0 +lon_0=9 +k=1 +x_0=3500000 +ellps=bessel",
+           PJ_FWD, GermanPoints());
+}
+
+const Points& ParisPoints() {
+  static const Points points = RandomPoints(48.05, 49.45, 2.05, 2.95);
+  return points;
+}
+
+std::string ParisPath() {
+  return std::string(TARVEX_TEST_DATA) + "/datum/paris.gsb";
+}
+
+void TimeNtv2(benchmark::State& state,
+              GridShiftResult (Ntv2Grid::*shift)(Geodetic&) const noexcept) {
+  Ntv2Grid grid;
+  if (!Ntv2Grid::Load(SystemFiles(), ParisPath(), grid).ok()) std::abort();
+  const Points& points = ParisPoints();
+  std::vector<Geodetic> start;
+  for (std::size_t i = 0; i < kPoints; ++i) {
+    start.push_back({points.latitude_rad[i], points.longitude_rad[i], points.height_m[i]});
+  }
+  std::vector<Geodetic> list;
+  for (auto _ : state) {
+    list = start;
+    for (Geodetic& position : list) benchmark::DoNotOptimize((grid.*shift)(position));
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
+}
+
+void Ntv2ForwardOurs(benchmark::State& state) {
+  TimeNtv2(state, &Ntv2Grid::Forward);
+}
+void Ntv2InverseOurs(benchmark::State& state) {
+  TimeNtv2(state, &Ntv2Grid::Inverse);
+}
+void Ntv2ForwardProj(benchmark::State& state) {
+  TimeProj(state, "+proj=hgridshift +grids=" + ParisPath(), PJ_FWD, ParisPoints());
+}
+void Ntv2InverseProj(benchmark::State& state) {
+  TimeProj(state, "+proj=hgridshift +grids=" + ParisPath(), PJ_INV, ParisPoints());
+}
+
+const Points& BavarianPoints() {
+  static const Points points = RandomPoints(46.6, 50.6, 9.6, 13.4);
+  return points;
+}
+
+std::string BavariaPath() {
+  return std::string(TARVEX_TEST_DATA) + "/datum/bavaria.gtx";
+}
+
+void GeoidOurs(benchmark::State& state) {
+  GeoidGrid grid;
+  if (!GeoidGrid::Load(SystemFiles(), BavariaPath(), grid).ok()) std::abort();
+  const Points& points = BavarianPoints();
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < kPoints; ++i) {
+      benchmark::DoNotOptimize(grid.Undulation(points.latitude_rad[i], points.longitude_rad[i]));
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
+}
+void GeoidProj(benchmark::State& state) {
+  TimeProj(state, "+proj=vgridshift +grids=" + BavariaPath(), PJ_FWD, BavarianPoints());
+}
+
+BENCHMARK(SevenParametersOurs)->Name("datum/seven_parameters/tarvex");
+BENCHMARK(SevenParametersProj)->Name("datum/seven_parameters/proj");
+BENCHMARK(ToGridOurs)->Name("datum/wgs84_to_grid/tarvex");
+BENCHMARK(ToGridProj)->Name("datum/wgs84_to_grid/proj");
+BENCHMARK(Ntv2ForwardOurs)->Name("datum/ntv2_forward/tarvex");
+BENCHMARK(Ntv2ForwardProj)->Name("datum/ntv2_forward/proj");
+BENCHMARK(Ntv2InverseOurs)->Name("datum/ntv2_inverse/tarvex");
+BENCHMARK(Ntv2InverseProj)->Name("datum/ntv2_inverse/proj");
+BENCHMARK(GeoidOurs)->Name("datum/geoid/tarvex");
+BENCHMARK(GeoidProj)->Name("datum/geoid/proj");
+
+}  // namespace
+}  // namespace tarvex
