@@ -29,11 +29,14 @@ struct GnssConnection {
   PositionFinish* finish = nullptr;  ///< not owned; AcceptUsable when there is none
   StopRequest* stop = nullptr;       ///< not owned; asks a reading to end early
   LineListener* listener = nullptr;  ///< not owned
+  /// The receiver's own name of the port that we are on, for makes that want it in commands.
+  std::string receiver_port = "THISPORT";
   SimulatedReceiver simulated{};
 
   // What a reading leaves for the next one.
   std::int32_t accepted_epoch_ms = kNoEpoch;
   std::int64_t last_read_at_ms = -1;
+  std::int64_t last_request_at_ms = -1;
   std::string stream_text =
       {};  ///< received and not yet made into lines, of a stream-buffered make
 

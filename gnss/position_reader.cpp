@@ -1,9 +1,10 @@
 #include "gnss/position_reader.h"
 
-#include <array>
 #include <cmath>
 
 #include "core/string_table.h"
+#include "gnss/makes/ashtech_reading.h"
+#include "gnss/makes/novatel_reading.h"
 #include "gnss/nmea_reading.h"
 #include "gnss/receiver_make.h"
 
@@ -47,12 +48,24 @@ GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int 
   return GnssReadResult::Accepted;
 }
 
+GnssReadResult ReadHolding(GnssPositionState& state, GnssConnection& connection,
+                           const ReceiverMake& make) {
+  switch (make.reader) {
+    case ReaderKind::NovAtel:
+      return ReadNovAtelPosition(state, connection, make);
+    case ReaderKind::Ashtech:
+      return ReadAshtechPosition(state, connection, make);
+    default:
+      return ReadNmeaPosition(state, connection, make);
+  }
+}
+
 GnssReadResult ReadFromPort(GnssPositionState& state, GnssConnection& connection,
                             const ReceiverMake& make) {
   if (!connection.ready()) return GnssReadResult::NoFix;
   const PortUse use(*connection.port);
   if (!use || DropWhatPiledUp(connection) != PortError::None) return GnssReadResult::NotPrepared;
-  const GnssReadResult result = ReadNmeaPosition(state, connection, make);
+  const GnssReadResult result = ReadHolding(state, connection, make);
   connection.last_read_at_ms = connection.clock.SteadyMilliseconds();
   return result;
 }

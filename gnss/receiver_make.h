@@ -13,11 +13,15 @@ namespace tarvex {
 /// How positions are asked from a make.
 enum class ReaderKind { Nmea, StreamBuffered, NovAtel, Ashtech, Simulated };
 
+/// How a make is asked for its DOP values; most send GSA by themselves.
+enum class DopSource { Streamed, Psrdop, Dop, GsaOnce, Pbn };
+
 struct ReceiverMake {
   int code = 0;
   std::string_view name;         ///< as a person types it
   std::string_view description;  ///< as lists show it
   ReaderKind reader = ReaderKind::Nmea;
+  DopSource dop = DopSource::Streamed;
   Framing framing = Framing::TextLines;
   bool hemisphere_family = false;       ///< correction age in GGA, $RD1, GSA field 17 up to the '*'
   bool ellipsoid_height = false;        ///< heights are ellipsoidal already: no separation is added
@@ -34,6 +38,7 @@ inline constexpr int kMakeHemisphereEtx = 31;
 inline constexpr int kMakeStreamBuffered = 40;
 inline constexpr int kMakeNovAtel = 50;
 inline constexpr int kMakeNovAtelUser = 51;
+inline constexpr int kMakeNovAtelGsa = 52;
 inline constexpr int kMakeAshtech = 60;
 inline constexpr int kMakeQuality = 70;
 inline constexpr int kMakeBinaryPackets = 71;

@@ -12,18 +12,19 @@ constexpr long long kLongestBudget = 1000;
 
 struct Setting {
   std::string_view key;
-  bool (*set)(long long value, ReceiverSettings& settings);
+  bool (*set)(std::string_view value, ReceiverSettings& settings);
 };
 
-bool SetPosition(long long value, ReceiverSettings& settings) {
-  switch (value) {
+bool SetPosition(std::string_view text, ReceiverSettings& settings) {
+  const auto value = ParseInteger(text);
+  switch (value.value_or(0)) {
     case 1:
     case 2:
     case 4:
     case 8:
     case 16:
     case 32:
-      settings.position = static_cast<PositionSentence>(value);
+      settings.position = static_cast<PositionSentence>(*value);
       return true;
     default:
       return false;
@@ -31,21 +32,32 @@ bool SetPosition(long long value, ReceiverSettings& settings) {
 }
 
 template <int ReceiverSettings::*kField>
-bool SetNumber(long long value, ReceiverSettings& settings) {
-  if (value < -100000 || value > 100000) return false;
-  settings.*kField = static_cast<int>(value);
+bool SetNumber(std::string_view text, ReceiverSettings& settings) {
+  constexpr long long kLimit = 100'000;
+  const auto value = ParseInteger(text);
+  if (!value || *value < -kLimit || *value > kLimit) return false;
+  settings.*kField = static_cast<int>(*value);
   return true;
 }
 
 template <bool ReceiverSettings::*kField>
-bool SetSwitch(long long value, ReceiverSettings& settings) {
+bool SetSwitch(std::string_view text, ReceiverSettings& settings) {
+  const auto value = ParseInteger(text);
   settings.*kField = value == 1;
   return value == 0 || value == 1;
 }
 
-bool SetBudget(long long value, ReceiverSettings& settings) {
-  if (value < 1 || value > kLongestBudget) return false;
-  settings.line_budget = static_cast<int>(value);
+bool SetBudget(std::string_view text, ReceiverSettings& settings) {
+  const auto value = ParseInteger(text);
+  if (!value || *value < 1 || *value > kLongestBudget) return false;
+  settings.line_budget = static_cast<int>(*value);
+  return true;
+}
+
+bool SetAshtechPort(std::string_view text, ReceiverSettings& settings) {
+  text = WithoutOuterBlanks(text);
+  if (text.size() != 1 || UpperCase(text[0]) < 'A' || UpperCase(text[0]) > 'Z') return false;
+  settings.ashtech_port = UpperCase(text[0]);
   return true;
 }
 
@@ -62,17 +74,21 @@ constexpr std::array kSettings = {
     Setting{"gns_best_mode", SetSwitch<&ReceiverSettings::gns_best_mode>},
     Setting{"nmea_checksum", SetSwitch<&ReceiverSettings::checksum>},
     Setting{"nmea_line_budget", SetBudget},
+    Setting{"novatel_zero_undulation", SetSwitch<&ReceiverSettings::zero_undulation>},
+    Setting{"novatel_user_datum", SetSwitch<&ReceiverSettings::omnistar_user_datum>},
+    Setting{"ashtech_model", SetNumber<&ReceiverSettings::ashtech_model>},
+    Setting{"ashtech_variant", SetNumber<&ReceiverSettings::ashtech_variant>},
+    Setting{"ashtech_port", SetAshtechPort},
+    Setting{"ashtech_skip_retry", SetSwitch<&ReceiverSettings::ashtech_skip_retry>},
 };
 
 }  // namespace
 
 bool SetReceiverSetting(std::string_view key, std::string_view value, ReceiverSettings& settings) {
-  const auto number = ParseInteger(value);
-  if (!number) return false;
   for (const Setting& setting : kSettings) {
     if (setting.key != key) continue;
     ReceiverSettings changed = settings;
-    if (!setting.set(*number, changed)) return false;
+    if (!setting.set(value, changed)) return false;
     settings = changed;
     return true;
   }

@@ -11,6 +11,12 @@
 //   gns_best_mode          1: the best letter of a GNS mode counts, not the first
 //   nmea_checksum          1: a sentence whose checksum is wrong is left out and counted
 //   nmea_line_budget       lines read for one position before giving up
+//   novatel_zero_undulation  1: the receiver must send ellipsoid heights, and is told so
+//   novatel_user_datum     1: the coordinate system needs the user datum for OMNISTAR_HP solutions
+//   ashtech_model          0 to 6; 0, 3, 4, 5 and 6 answer with $PASHR,POS, the others with GGA
+//   ashtech_variant        1: the variant of model 2 that answers with $PASHR,POS
+//   ashtech_port           letter of the receiver's port
+//   ashtech_skip_retry     1: an empty first line is not read again
 #pragma once
 
 #include <string_view>
@@ -43,6 +49,12 @@ struct ReceiverSettings {
   bool gns_best_mode = false;
   bool checksum = false;
   int line_budget = 15;
+  bool zero_undulation = true;
+  bool omnistar_user_datum = false;
+  int ashtech_model = 0;
+  int ashtech_variant = 0;
+  char ashtech_port = 'A';
+  bool ashtech_skip_retry = false;
   DistanceUnit unit = DistanceUnit::Metres;  ///< the job's; not a key of the file
 
   bool operator==(const ReceiverSettings&) const = default;

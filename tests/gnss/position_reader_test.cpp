@@ -5,8 +5,7 @@
 
 #include "gnss/point_quality.h"
 #include "gnss/receiver_make.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/scripted_device.h"
+#include "tests/gnss/scripted_receiver.h"
 
 namespace tarvex {
 namespace {
@@ -16,27 +15,11 @@ constexpr std::string_view kGga =
 constexpr std::string_view kNextGga =
     "$GPGGA,123520,4807.038,N,01131.000,E,4,09,0.9,545.4,M,46.9,M,,*47\r\n";
 
-class PositionReader : public testing::Test {
+class PositionReader : public ScriptedReceiver {
  protected:
-  PositionReader() {
-    auto owned = std::make_unique<ScriptedDevice>();
-    device = owned.get();
-    port = std::make_unique<Port>("script", std::move(owned), errors);
-    EXPECT_EQ(port->Open(), PortError::None);
-    connection.port = port.get();
-  }
-
   GnssReadResult Read(std::string_view input, int receiver_type = kMakeNmea) {
-    device->input += input;
-    return ReadGnssPosition(state, connection, receiver_type);
+    return ScriptedReceiver::Read(input, receiver_type);
   }
-
-  LastErrorRecord errors;
-  ManualClock clock;
-  ScriptedDevice* device = nullptr;
-  std::unique_ptr<Port> port;
-  GnssConnection connection{.clock = clock};
-  GnssPositionState state;
 };
 
 TEST_F(PositionReader, AcceptsTheFirstPositionAndLeavesTheRest) {
