@@ -84,7 +84,9 @@ PortError Port::SetWriteTimeouts(int total, int multiplier) {
   if (total != kNoWriteTimeout) {
     timeouts = {.multiplier_ms = Milliseconds(multiplier), .constant_ms = Milliseconds(total)};
   }
-  return ChangeTimeouts(nullptr, &timeouts);
+  const PortError error = ChangeTimeouts(nullptr, &timeouts);
+  if (error == PortError::None) write_timeouts_ = timeouts;
+  return error;
 }
 
 PortError Port::Read(std::span<char> out, int total, StopRequest* stop) {
@@ -117,10 +119,17 @@ PortError Port::Write(std::string_view bytes, int timeout) {
     return error;
   }
   std::size_t written = 0;
-  const DeviceStatus status = device_->Write(bytes, written);
+  const DeviceStatus status = device_->Write(bytes, write_timeouts_, written);
   last_count_ = static_cast<std::uint32_t>(written);
   if (!status.ok() || written < bytes.size()) return Fail(PortError::WriteFailed);
   return PortError::None;
+}
+
+PortError Port::WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts) {
+  if (!is_open()) return Fail(PortError::NotOpen);
+  std::size_t written = 0;
+  const DeviceStatus status = device_->Write(bytes, timeouts, written);
+  return status.ok() && written == bytes.size() ? PortError::None : Fail(PortError::WriteFailed);
 }
 
 PortError Port::BytesWaiting(std::size_t& count) {

@@ -55,6 +55,10 @@ class Port {
   /// WriteFailed when fewer bytes than given went out in time.
   PortError Write(std::string_view bytes, int timeout);
 
+  /// As Write, for a second thread while the first one reads: touches nothing of this object. No
+  /// two threads may write at once.
+  PortError WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts);
+
   PortError BytesWaiting(std::size_t& count);
   PortError PurgeInput();
 
@@ -87,6 +91,7 @@ class Port {
   std::unique_ptr<ByteDevice> device_;
   LastErrorRecord& errors_;
   std::uint32_t last_count_ = 0;
+  WriteTimeouts write_timeouts_;
   int read_total_timeout_ = kKeepTimeouts;
   bool ended_ = false;
   std::atomic_flag busy_;

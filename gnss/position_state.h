@@ -31,12 +31,13 @@ struct GnssPositionState {
   double vdop = 0.0;
   double hdop = 0.0;
   double tdop = 0.0;
-  double latitude = 0.0;          ///< decimal degrees, north positive
-  double longitude = 0.0;         ///< decimal degrees, east positive
-  double height = 0.0;            ///< above the ellipsoid, metres
-  bool height_known = false;      ///< the position came with a height; without one it reads as 0
-  double geoid_separation = 0.0;  ///< as the receiver gave it with the position, metres
-  double correction_age = 0.0;    ///< seconds
+  double latitude = 0.0;             ///< decimal degrees, north positive
+  double longitude = 0.0;            ///< decimal degrees, east positive
+  double height = 0.0;               ///< above the ellipsoid, metres
+  bool height_known = false;         ///< the position came with a height; without one it reads as 0
+  double geoid_separation = 0.0;     ///< as the receiver gave it with the position, metres
+  double correction_age = 0.0;       ///< seconds; of the makes that are read for it
+  double age_of_corrections = -1.0;  ///< seconds, of any make that tells it; negative: not told
   std::int32_t differential_status = 0;
   std::int32_t differential_source = 0;
   std::array<UsedSatellite, kSatelliteSlots> used_satellites{};

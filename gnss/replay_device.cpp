@@ -50,7 +50,8 @@ class ReplayDevice final : public ByteDevice {
     return {};
   }
 
-  DeviceStatus Write(std::string_view bytes, std::size_t& written) override {
+  DeviceStatus Write(std::string_view bytes, const WriteTimeouts& /*timeouts*/,
+                     std::size_t& written) override {
     written = bytes.size();
     return {};
   }

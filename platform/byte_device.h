@@ -50,8 +50,8 @@ struct WriteTimeouts {
 };
 
 struct DeviceTimeouts {
-  ReadTimeouts read;
-  WriteTimeouts write;
+  ReadTimeouts read = {};
+  WriteTimeouts write = {};
 
   bool operator==(const DeviceTimeouts&) const = default;
 };
@@ -68,7 +68,9 @@ class ByteDevice {
   virtual DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) = 0;
 
   virtual DeviceStatus Read(std::span<char> out, std::size_t& got) = 0;
-  virtual DeviceStatus Write(std::string_view bytes, std::size_t& written) = 0;
+  /// Within `timeouts`, whatever the device is set to. May be called while another thread reads.
+  virtual DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
+                             std::size_t& written) = 0;
 
   virtual DeviceStatus BytesWaiting(std::size_t& count) = 0;
   /// Drops what has come in and was not read yet.

@@ -2,7 +2,7 @@
 // TCP socket of a POSIX system.
 #pragma once
 
-#include <array>
+#include <vector>
 
 #include "platform/byte_device.h"
 
@@ -12,6 +12,8 @@ namespace tarvex {
 /// must count and purge what is held here as well.
 class DescriptorReader {
  public:
+  explicit DescriptorReader(std::size_t capacity) : buffer_(capacity) {}
+
   /// `descriptor` must be non-blocking. A hang-up with nothing read is the end of data.
   DeviceStatus Read(int descriptor, const ReadTimeouts& timeouts, std::span<char> out,
                     std::size_t& got);
@@ -23,7 +25,7 @@ class DescriptorReader {
   std::size_t TakeHeld(std::span<char> out);
   DeviceStatus Refill(int descriptor);
 
-  std::array<char, 4096> buffer_;
+  std::vector<char> buffer_;
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
 };

@@ -124,8 +124,9 @@ class LinuxSerialDevice final : public SerialDevice {
   DeviceStatus Read(std::span<char> out, std::size_t& got) override {
     return reader_.Read(descriptor_, timeouts_.read, out, got);
   }
-  DeviceStatus Write(std::string_view bytes, std::size_t& written) override {
-    return WriteWithin(descriptor_, DescriptorKind::Device, timeouts_.write, bytes, written);
+  DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
+                     std::size_t& written) override {
+    return WriteWithin(descriptor_, DescriptorKind::Device, timeouts, bytes, written);
   }
 
   DeviceStatus BytesWaiting(std::size_t& count) override {
@@ -225,7 +226,7 @@ class LinuxSerialDevice final : public SerialDevice {
 
   int descriptor_ = -1;
   DeviceTimeouts timeouts_;
-  DescriptorReader reader_;
+  DescriptorReader reader_{4096};
 };
 
 }  // namespace

@@ -11,4 +11,19 @@ namespace tarvex {
 /// most `connect_timeout_ms` for each address of the host.
 std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms);
 
+/// Waits for connections to a port of this machine.
+class TcpListener {
+ public:
+  virtual ~TcpListener() = default;
+
+  /// The port that was taken.
+  virtual int port() const = 0;
+  /// The next connection; none, with an ok status, when the time ran out.
+  virtual DeviceStatus Accept(int timeout_ms, std::unique_ptr<ByteDevice>& connection) = 0;
+};
+
+/// Listens on the loopback address alone; port 0 takes a free one. Nothing, with the reason in
+/// `status`, when the port is taken.
+std::unique_ptr<TcpListener> ListenOnLoopback(int port, DeviceStatus& status);
+
 }  // namespace tarvex

@@ -87,9 +87,15 @@ DeviceStatus Connect(const addrinfo& address, std::uint32_t timeout_ms, int& des
   return status;
 }
 
+void SendWithoutDelay(int descriptor) {
+  const int on = 1;
+  (void)::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
 class TcpDevice final : public ByteDevice {
  public:
-  explicit TcpDevice(std::uint32_t connect_timeout_ms) : connect_timeout_ms_(connect_timeout_ms) {}
+  explicit TcpDevice(std::uint32_t connect_timeout_ms, int descriptor = -1)
+      : connect_timeout_ms_(connect_timeout_ms), descriptor_(descriptor) {}
   TcpDevice(const TcpDevice&) = delete;
   TcpDevice& operator=(const TcpDevice&) = delete;
   ~TcpDevice() override { (void)CloseSocket(); }
@@ -101,8 +107,7 @@ class TcpDevice final : public ByteDevice {
     for (const addrinfo* at = addresses.first(); at != nullptr; at = at->ai_next) {
       status = Connect(*at, connect_timeout_ms_, descriptor_);
       if (!status.ok()) continue;
-      const int on = 1;
-      (void)::setsockopt(descriptor_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+      SendWithoutDelay(descriptor_);
       return {};
     }
     return status;
@@ -123,8 +128,9 @@ class TcpDevice final : public ByteDevice {
   DeviceStatus Read(std::span<char> out, std::size_t& got) override {
     return reader_.Read(descriptor_, timeouts_.read, out, got);
   }
-  DeviceStatus Write(std::string_view bytes, std::size_t& written) override {
-    return WriteWithin(descriptor_, DescriptorKind::Socket, timeouts_.write, bytes, written);
+  DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
+                     std::size_t& written) override {
+    return WriteWithin(descriptor_, DescriptorKind::Socket, timeouts, bytes, written);
   }
 
   DeviceStatus BytesWaiting(std::size_t& count) override {
@@ -161,12 +167,62 @@ class TcpDevice final : public ByteDevice {
   }
 
   std::uint32_t connect_timeout_ms_;
-  int descriptor_ = -1;
+  int descriptor_;
   DeviceTimeouts timeouts_;
-  DescriptorReader reader_;
+  DescriptorReader reader_{65536};
+};
+
+class LoopbackListener final : public TcpListener {
+ public:
+  LoopbackListener(int descriptor, int port) : descriptor_(descriptor), port_(port) {}
+  LoopbackListener(const LoopbackListener&) = delete;
+  LoopbackListener& operator=(const LoopbackListener&) = delete;
+  ~LoopbackListener() override { ::close(descriptor_); }
+
+  int port() const override { return port_; }
+
+  DeviceStatus Accept(int timeout_ms, std::unique_ptr<ByteDevice>& connection) override {
+    bool ready = false;
+    const std::int64_t until_us = SteadyMicroseconds() + std::int64_t{timeout_ms} * 1000;
+    const DeviceStatus status = WaitFor(descriptor_, POLLIN, until_us, ready);
+    if (!status.ok() || !ready) return status;
+    const int accepted = ::accept4(descriptor_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (accepted < 0) return {errno == EAGAIN ? 0 : errno};
+    SendWithoutDelay(accepted);
+    connection = std::make_unique<TcpDevice>(0, accepted);
+    return {};
+  }
+
+ private:
+  int descriptor_;
+  int port_;
 };
 
 }  // namespace
+
+std::unique_ptr<TcpListener> ListenOnLoopback(int port, DeviceStatus& status) {
+  const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+  if (descriptor < 0) {
+    status = {errno};
+    return nullptr;
+  }
+  const int on = 1;
+  (void)::setsockopt(descriptor, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* const generic = reinterpret_cast<sockaddr*>(&address);
+  if (::bind(descriptor, generic, size) != 0 || ::listen(descriptor, SOMAXCONN) != 0 ||
+      ::getsockname(descriptor, generic, &size) != 0) {
+    status = {errno};
+    ::close(descriptor);
+    return nullptr;
+  }
+  status = {};
+  return std::make_unique<LoopbackListener>(descriptor, ntohs(address.sin_port));
+}
 
 std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms) {
   return std::make_unique<TcpDevice>(connect_timeout_ms);

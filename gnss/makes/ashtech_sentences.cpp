@@ -78,6 +78,7 @@ GnssReadResult ReadPashrPos(std::string_view line, int model, GnssPositionState&
   state.epoch_ms = MillisecondsOfDay(tokens[5]);
   TakeAngles(tokens, 6, state);
   state.height = tokens.Number(10);
+  state.height_known = true;
   state.geoid_separation = 0.0;
   const std::size_t dop = model == kModelWithVelocity ? 15 : 14;
   if (tokens.count() >= dop + 2) {
@@ -99,6 +100,7 @@ GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ell
   state.satellites = NmeaInteger(tokens[8]);
   state.hdop = tokens.Number(9);
   state.height = HeightInMetres(tokens, 10, unit);
+  state.height_known = true;
   state.geoid_separation = HeightInMetres(tokens, 12, unit);
   if (!ellipsoid_height) state.height += state.geoid_separation;
   return GnssReadResult::Accepted;

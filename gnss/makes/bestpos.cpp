@@ -80,6 +80,8 @@ bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, 
     return false;
   }
   state.satellites = NmeaInteger(field);
+  state.age_of_corrections = state.correction_age;
+  state.height_known = true;
   return true;
 }
 

@@ -18,6 +18,7 @@ GnssReadResult TakeBinaryPosition(const Geodetic& position, GnssPositionState& s
   state.latitude = latitude;
   state.longitude = longitude;
   state.height = position.height_m;
+  state.height_known = true;
   state.geoid_separation = 0.0;
   return GnssReadResult::Accepted;
 }

@@ -43,8 +43,10 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
   state.geoid_separation = NmeaNumber(field);
   if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
+  const bool age_there = fields.Skip(1) && fields.Take(field);
+  state.age_of_corrections = age_there && !field.empty() ? NmeaNumber(field) : -1.0;
   if (!context.make.hemisphere_family) return SentenceResult::Position;
-  if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
+  if (!age_there) return SentenceResult::RanOut;
   state.correction_age = NmeaNumber(field);
   return SentenceResult::Position;
 }

@@ -50,6 +50,8 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.geoid_separation = NmeaNumber(field);
   if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
+  const bool age_there = fields.Take(field);
+  state.age_of_corrections = age_there && !field.empty() ? NmeaNumber(field) : -1.0;
   return SentenceResult::Position;
 }
 

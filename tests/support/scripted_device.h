@@ -52,7 +52,8 @@ class ScriptedDevice final : public ByteDevice {
     return got > 0 || out.empty() ? DeviceStatus{} : when_empty;
   }
 
-  DeviceStatus Write(std::string_view bytes, std::size_t& count) override {
+  DeviceStatus Write(std::string_view bytes, const WriteTimeouts& /*timeouts*/,
+                     std::size_t& count) override {
     count = std::min(bytes.size(), write_limit);
     written += bytes.substr(0, count);
     if (!replies.empty() && bytes.find(replies.front().first) != std::string_view::npos) {

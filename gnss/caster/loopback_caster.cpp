@@ -1,0 +1,164 @@
+#include "gnss/caster/loopback_caster.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "core/text.h"
+#include "gnss/ntrip/base64.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kAcceptMs = 50;
+constexpr std::size_t kMostClients = 16;
+constexpr std::size_t kLongestRequest = 4096;
+constexpr int kRequestSteps = 100;  // of the read interval below
+constexpr std::size_t kMostUploads = 10'000;
+constexpr std::size_t kLongestUpload = 512;
+constexpr std::uint32_t kTickMs = 20;
+constexpr std::size_t kBlock = 65536;
+
+constexpr DeviceTimeouts kRequestTimeouts = {.read = {.constant_ms = 50}};
+constexpr WriteTimeouts kSendTimeouts = {.constant_ms = 5000};
+
+std::string_view MountpointOf(std::string_view request) {
+  constexpr std::string_view kGet = "GET /";
+  if (!request.starts_with(kGet)) return {};
+  request.remove_prefix(kGet.size());
+  return request.substr(0, request.find_first_of(" \r\n"));
+}
+
+bool SendAll(ByteDevice& device, std::string_view bytes) {
+  std::size_t written = 0;
+  return device.Write(bytes, kSendTimeouts, written).ok() && written == bytes.size();
+}
+
+// The request up to its blank line, in however many pieces; empty when none comes.
+std::string ReadRequest(ByteDevice& device, const std::stop_token& stop) {
+  std::string request;
+  for (int step = 0; step < kRequestSteps && !stop.stop_requested(); ++step) {
+    char byte = 0;
+    std::size_t got = 0;
+    do {
+      if (!device.Read({&byte, 1}, got).ok()) return {};
+      if (got == 1) request += byte;
+      if (request.ends_with("\r\n\r\n")) return request;
+    } while (got == 1 && request.size() < kLongestRequest);
+  }
+  return {};
+}
+
+}  // namespace
+
+LoopbackCaster::LoopbackCaster(CasterContent content, Clock& clock)
+    : content_(std::move(content)), clock_(clock) {}
+
+LoopbackCaster::~LoopbackCaster() = default;
+
+DeviceStatus LoopbackCaster::Start(int port) {
+  DeviceStatus status;
+  listener_ = ListenOnLoopback(port, status);
+  if (listener_) {
+    acceptor_ = std::jthread([this](const std::stop_token& stop) { AcceptUntilStopped(stop); });
+  }
+  return status;
+}
+
+std::vector<std::string> LoopbackCaster::Uploads() const {
+  const std::lock_guard lock(mutex_);
+  return uploads_;
+}
+
+void LoopbackCaster::RemoveFinished() {
+  clients_.remove_if([](const Client& client) { return client.finished.load(); });
+}
+
+void LoopbackCaster::AcceptUntilStopped(const std::stop_token& stop) {
+  while (!stop.stop_requested()) {
+    std::unique_ptr<ByteDevice> device;
+    if (!listener_->Accept(kAcceptMs, device).ok()) break;
+    RemoveFinished();
+    if (!device || clients_.size() == kMostClients) continue;
+    Client& client = clients_.emplace_back();
+    client.thread = std::jthread(
+        [this, &client, owned = std::move(device)](const std::stop_token& client_stop) {
+          Serve(*owned, client_stop);
+          (void)owned->Close();
+          client.finished = true;
+        });
+  }
+  clients_.clear();
+}
+
+std::string LoopbackCaster::SourceTable() const {
+  std::string table = StreamRecordLine(content_.stream) + "ENDSOURCETABLE\r\n";
+  return "SOURCETABLE 200 OK\r\nServer: NTRIP Tarvex trial caster\r\nContent-Type: text/plain\r\n"
+         "Content-Length: " +
+         std::to_string(table.size()) + "\r\n\r\n" + table;
+}
+
+std::string LoopbackCaster::Answer(std::string_view request, bool& stream) const {
+  stream = false;
+  const std::string_view mountpoint = MountpointOf(request);
+  if (mountpoint != content_.stream.mountpoint.view()) return SourceTable();
+  if (!content_.user.empty()) {
+    const std::string login =
+        "Authorization: Basic " + Base64Of(content_.user + ":" + content_.password) + "\r\n";
+    if (request.find(login) == std::string_view::npos) {
+      return "HTTP/1.0 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"/" +
+             std::string(mountpoint) + "\"\r\nConnection: close\r\n\r\n";
+    }
+  }
+  stream = true;
+  return "ICY 200 OK\r\n";
+}
+
+void LoopbackCaster::Serve(ByteDevice& device, const std::stop_token& stop) {
+  if (!device.SetTimeouts(kRequestTimeouts).ok()) return;
+  const std::string request = ReadRequest(device, stop);
+  if (request.empty()) return;
+  ++requests_;
+  bool stream = false;
+  if (SendAll(device, Answer(request, stream)) && stream) Stream(device, stop);
+}
+
+void LoopbackCaster::TakeUpload(std::string_view bytes, std::string& line) {
+  for (const char c : bytes) {
+    if (c != '\n') {
+      if (line.size() < kLongestUpload) line += c;
+      continue;
+    }
+    if (line.ends_with('\r')) line.pop_back();
+    const std::lock_guard lock(mutex_);
+    if (uploads_.size() < kMostUploads) uploads_.push_back(line);
+    line.clear();
+  }
+}
+
+// Sends the data at its rate, over and over, and takes what the client sends meanwhile.
+void LoopbackCaster::Stream(ByteDevice& device, const std::stop_token& stop) {
+  ++streams_;
+  const std::uint64_t generation = generation_;
+  const DeviceTimeouts at_once = {.read = {.interval_ms = ReadTimeouts::kAtOnce}};
+  if (!device.SetTimeouts(at_once).ok() || content_.data.empty()) return;
+  const bool unlimited = content_.bytes_per_second == 0;
+  const std::size_t block =
+      unlimited ? kBlock
+                : std::max<std::size_t>(1, std::size_t{content_.bytes_per_second} * kTickMs / 1000);
+  std::size_t at = 0;
+  std::string line;
+  while (!stop.stop_requested() && generation == generation_) {
+    const std::string_view piece = std::string_view(content_.data).substr(at, block);
+    if (!SendAll(device, piece)) return;
+    bytes_sent_ += piece.size();
+    at = (at + piece.size()) % content_.data.size();
+    std::array<char, 1024> upload;
+    std::size_t got = 0;
+    if (!device.Read(upload, got).ok()) return;
+    TakeUpload({upload.data(), got}, line);
+    if (!unlimited) clock_.SleepMilliseconds(kTickMs);
+  }
+}
+
+}  // namespace tarvex

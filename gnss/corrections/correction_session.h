@@ -1,0 +1,108 @@
+// The correction session: keeps one stream of a caster open, pumps its corrections to the receiver
+// and the rover's GGA to the caster, and reconnects when the stream breaks. It runs on a thread of
+// its own beside the one that reads the receiver.
+//
+// After a lost or silent stream it waits 10 s, doubling to 300 s, and starts again at 10 s after
+// five minutes of data. A refused user and an unknown mountpoint are not tried again: asking again
+// changes nothing, and casters lock out who hammers them.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "gnss/corrections/back_off.h"
+#include "gnss/corrections/correction_status.h"
+#include "gnss/corrections/latest_gga.h"
+#include "gnss/corrections/rtcm_framer.h"
+#include "gnss/ntrip/client.h"
+#include "gnss/port.h"
+
+namespace tarvex {
+
+/// Where the corrections go.
+class CorrectionSink {
+ public:
+  virtual ~CorrectionSink() = default;
+  /// False when the receiver does not take them.
+  virtual bool Write(std::string_view bytes) = 0;
+};
+
+/// The receiver's own port, written beside the thread that reads it.
+class PortSink final : public CorrectionSink {
+ public:
+  explicit PortSink(Port& port) : port_(port) {}
+  bool Write(std::string_view bytes) override;
+
+ private:
+  Port& port_;
+};
+
+struct CorrectionPlan {
+  CasterLogin caster = {};
+  std::string mountpoint = {};
+  bool send_gga = true;       ///< what the settings bSendGGA or bGPSRover_SendGGA say
+  bool gga_talker_gp = true;  ///< rewrite the talker for casters that take GP alone
+  std::int64_t gga_interval_ms = 10'000;
+  std::int64_t silent_after_ms = 15'000;  ///< told as silence
+  std::int64_t dead_after_ms = 60'000;    ///< the stream is opened anew
+};
+
+class CorrectionSession final : private RtcmFramer::Listener {
+ public:
+  CorrectionSession(CorrectionPlan plan, NtripConnection& connection,
+                    NtripSurroundings surroundings);
+
+  /// Who receives the corrections, and whose GGA is sent; neither is owned, either may be missing.
+  void Attach(CorrectionSink* sink, const LatestGga* gga);
+
+  /// One bounded piece of work: a try to connect, one receive (`wait_ms` at most), or nothing but
+  /// the waiting for the next try. False when nothing is left to do until Retry.
+  bool Step(int wait_ms, Progress& progress);
+
+  /// Ends the stream; on the thread that calls Step.
+  void Stop();
+
+  /// Tries again at once, also after a refusal. May be called from any thread.
+  void Retry() { retry_requested_ = true; }
+  /// May be called from any thread.
+  CorrectionStatus Status() const;
+
+ private:
+  void OnMessage(std::string_view message) override;
+
+  void Open(Progress& progress);
+  void Failed(PortError cause);
+  void LookForMountpoint(Progress& progress);
+  void Pump(int wait_ms);
+  void TakeBytes(std::string_view bytes);
+  void SendGga();
+  void SetState(CorrectionState state);
+  void NoteBase(const BaseStation& station);
+  std::int64_t Now() const { return surroundings_.clock.SteadyMilliseconds(); }
+
+  const CorrectionPlan plan_;
+  NtripConnection& connection_;
+  NtripSurroundings surroundings_;
+  NtripClient client_;
+  CorrectionSink* sink_ = nullptr;
+  const LatestGga* gga_ = nullptr;
+  BackOff back_off_;
+  RtcmFramer framer_;
+  std::optional<BaseStation> first_base_;
+  std::atomic<std::int64_t> next_try_at_ms_ = 0;
+  std::int64_t opened_at_ms_ = 0;
+  std::atomic<std::int64_t> last_byte_at_ms_ = 0;
+  std::atomic<std::int64_t> last_frame_at_ms_ = -1;
+  std::int64_t next_gga_at_ms_ = 0;
+  std::atomic<bool> retry_requested_ = false;
+  std::array<char, 65536> buffer_;
+
+  mutable std::mutex mutex_;
+  CorrectionStatus status_;  // guarded by mutex_; state_ below is the session's own copy
+  CorrectionState state_ = CorrectionState::Idle;
+};
+
+}  // namespace tarvex

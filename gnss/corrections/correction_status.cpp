@@ -1,0 +1,47 @@
+#include "gnss/corrections/correction_status.h"
+
+#include "core/string_table.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kFirstText = 3320;
+
+std::string Seconds(std::int64_t milliseconds) {
+  return std::to_string((milliseconds + 999) / 1000);
+}
+
+std::string CauseSentence(PortError cause) {
+  return ErrorSentence({.code = static_cast<int>(cause), .arguments = {}});
+}
+
+std::string Names(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+}  // namespace
+
+std::string CorrectionSentence(const CorrectionStatus& status) {
+  const int text = kFirstText + static_cast<int>(status.state);
+  switch (status.state) {
+    case CorrectionState::Connecting:
+    case CorrectionState::Receiving:
+    case CorrectionState::Refused:
+      return Strings().Text(text, {status.caster, status.mountpoint});
+    case CorrectionState::Silent:
+      return Strings().Text(text, {status.caster, status.mountpoint, Seconds(status.silent_ms)});
+    case CorrectionState::Waiting:
+      return Strings().Text(text, {CauseSentence(status.cause), Seconds(status.next_try_in_ms)});
+    case CorrectionState::UnknownMountpoint: {
+      constexpr int kWithNames = 3330;
+      return Strings().Text(status.most_alike.empty() ? text : kWithNames,
+                            {status.caster, status.mountpoint, Names(status.most_alike)});
+    }
+    default:
+      return Strings().Text(text);
+  }
+}
+
+}  // namespace tarvex

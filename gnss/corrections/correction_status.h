@@ -1,0 +1,54 @@
+// What the correction session is doing, has done, and what is wrong with it: a value, taken at one
+// moment, and its telling in words.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "gnss/corrections/rtcm_messages.h"
+#include "gnss/port_error.h"
+
+namespace tarvex {
+
+enum class CorrectionState {
+  Idle,
+  Connecting,
+  Receiving,
+  Silent,             ///< connected, and no data for a while
+  Waiting,            ///< for the next try
+  Refused,            ///< user or password; not tried again by itself
+  UnknownMountpoint,  ///< not tried again by itself
+  ReceiverFailed,     ///< corrections cannot be written to the receiver
+  Stopped,
+};
+
+struct CorrectionStatus {
+  CorrectionState state = CorrectionState::Idle;
+  std::string caster;  ///< "host:port"
+  std::string mountpoint;
+  PortError cause = PortError::None;    ///< of the last failure
+  std::vector<std::string> most_alike;  ///< mountpoints that exist, when ours does not
+  std::int64_t next_try_in_ms = 0;      ///< Waiting
+  std::int64_t age_ms = -1;             ///< since the last good frame; -1 before the first
+  std::int64_t silent_ms = 0;           ///< since the last byte of this connection
+  std::uint64_t connections = 0;
+  std::uint64_t bytes = 0;  ///< from the caster
+  std::uint64_t bytes_to_receiver = 0;
+  std::uint64_t frames = 0;
+  std::uint64_t bad_crcs = 0;
+  std::uint64_t ggas_sent = 0;
+  std::map<int, std::uint64_t> messages;  ///< count of each RTCM message number
+  std::optional<BaseStation> base;
+  double base_moved_m = 0.0;  ///< from where it was first seen in this session
+};
+
+/// A base that is this far, in metres, from where it was is another base.
+inline constexpr double kBaseMovedAlarm = 0.05;
+
+/// One sentence that names the state, its cause and what to do.
+std::string CorrectionSentence(const CorrectionStatus& status);
+
+}  // namespace tarvex

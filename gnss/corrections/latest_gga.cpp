@@ -1,0 +1,38 @@
+#include "gnss/corrections/latest_gga.h"
+
+#include "gnss/nmea_number.h"
+#include "gnss/sentences/sentence.h"
+#include "gnss/text_fields.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::size_t kLongest = 120;
+constexpr int kQualityField = 6;
+
+}  // namespace
+
+void LatestGga::OnLine(std::string_view line) {
+  if (KindOf(line, true) != SentenceKind::Gga || line.size() > kLongest) return;
+  if (!ChecksumHolds(line)) return;
+  if (NmeaInteger(FirstField(SkipFields(line, ',', kQualityField), ',')) == 0) return;
+  const std::lock_guard lock(mutex_);
+  sentence_ = line;
+}
+
+std::string LatestGga::Get() const {
+  const std::lock_guard lock(mutex_);
+  return sentence_.empty() ? std::string() : sentence_ + "\r\n";
+}
+
+std::string WithGpTalker(std::string_view gga) {
+  if (gga.size() < 3) return std::string(gga);
+  const std::string_view body = FirstField(gga.substr(3), '*');
+  const std::string sentence = "GP" + std::string(body.substr(0, body.find_first_of("\r\n")));
+  unsigned sum = 0;
+  for (const char c : sentence) sum ^= static_cast<unsigned char>(c);
+  constexpr std::string_view kHex = "0123456789ABCDEF";
+  return "$" + sentence + "*" + kHex[sum >> 4 & 15U] + kHex[sum & 15U] + "\r\n";
+}
+
+}  // namespace tarvex

@@ -1,0 +1,95 @@
+#include "gnss/ntrip/caster_list.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <utility>
+
+#include "core/text.h"
+#include "core/units.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::uint64_t kLargestTable = 32U << 20;
+constexpr double kEarthRadiusKm = 6371.0;
+constexpr std::string_view kEnd = "ENDSOURCETABLE";
+
+// Edit distance without regard to letter case (Levenshtein).
+std::size_t Difference(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t change = diagonal + (UpperCase(a[i]) == UpperCase(b[j]) ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({row[j + 1] + 1, row[j] + 1, change});
+    }
+  }
+  return row[b.size()];
+}
+
+}  // namespace
+
+PortError CasterList::ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin) {
+  std::string bytes;
+  if (!ReadWholeFile(files, path, kLargestTable, bytes).ok()) return PortError::TableTooLarge;
+  std::vector<CasterRecord> read_casters;
+  std::vector<StreamRecord> read_streams;
+  std::string_view rest = bytes;
+  while (const auto line = TakeLine(rest)) {
+    if (line->starts_with(kEnd)) break;
+    StreamRecord stream;
+    CasterRecord caster;
+    if (ParseStreamRecord(*line, origin, stream) == PortError::None) {
+      if (read_streams.size() == kMostStreams) return PortError::TableTooLarge;
+      read_streams.push_back(stream);
+    } else if (ParseCasterRecord(*line, origin, caster) == PortError::None &&
+               read_casters.size() < kMostStreams) {
+      read_casters.push_back(caster);
+    }
+  }
+  casters = std::move(read_casters);
+  streams = std::move(read_streams);
+  return PortError::None;
+}
+
+std::string CasterList::Text() const {
+  std::string text;
+  for (const CasterRecord& caster : casters) text += CasterRecordLine(caster);
+  for (const StreamRecord& stream : streams) text += StreamRecordLine(stream);
+  return text;
+}
+
+const StreamRecord* CasterList::Find(std::string_view mountpoint) const {
+  for (const StreamRecord& stream : streams) {
+    if (stream.mountpoint.view() == mountpoint) return &stream;
+  }
+  return nullptr;
+}
+
+std::vector<std::string> CasterList::MostAlike(std::string_view mountpoint,
+                                               std::size_t count) const {
+  std::vector<std::pair<std::size_t, std::string>> alike;
+  for (const StreamRecord& stream : streams) {
+    alike.emplace_back(Difference(mountpoint.substr(0, 100), stream.mountpoint.view()),
+                       stream.mountpoint.str());
+  }
+  std::sort(alike.begin(), alike.end());
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < alike.size() && i < count; ++i) names.push_back(alike[i].second);
+  return names;
+}
+
+// Haversine formula.
+double DistanceKm(const StreamRecord& stream, double latitude, double longitude) {
+  const double phi_1 = stream.latitude * kRadiansPerDegree;
+  const double phi_2 = latitude * kRadiansPerDegree;
+  const double sin_phi = std::sin((phi_2 - phi_1) / 2.0);
+  const double sin_lambda = std::sin((longitude - stream.longitude) * kRadiansPerDegree / 2.0);
+  const double a = sin_phi * sin_phi + std::cos(phi_1) * std::cos(phi_2) * sin_lambda * sin_lambda;
+  return 2.0 * kEarthRadiusKm * std::asin(std::min(1.0, std::sqrt(a)));
+}
+
+}  // namespace tarvex

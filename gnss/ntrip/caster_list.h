@@ -1,0 +1,47 @@
+// The casters and streams that are known, and the caster that is in use.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/fixed_text.h"
+#include "gnss/ntrip/records.h"
+#include "platform/file.h"
+
+namespace tarvex {
+
+/// How to reach a caster. The password is never part of an error, a status or a log.
+struct CasterLogin {
+  FixedText<128> host = {};
+  std::string port = "2101";
+  std::string user = {};
+  std::string password = {};
+};
+
+class CasterList {
+ public:
+  std::optional<CasterLogin> current;
+  std::vector<CasterRecord> casters;
+  std::vector<StreamRecord> streams;
+
+  /// Replaces casters and streams by those of a table file. Lines that are no records are left out;
+  /// a table of more than kMostStreams streams is TableTooLarge.
+  PortError ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin);
+
+  /// The records as a list of our own.
+  std::string Text() const;
+
+  /// The stream of a mountpoint; null when there is none.
+  const StreamRecord* Find(std::string_view mountpoint) const;
+
+  /// Up to `count` mountpoints that are written most like `mountpoint`, the most alike first.
+  std::vector<std::string> MostAlike(std::string_view mountpoint, std::size_t count) const;
+
+  static constexpr std::size_t kMostStreams = 50'000;
+};
+
+/// Kilometres over the sphere between a stream's base and a position in degrees.
+double DistanceKm(const StreamRecord& stream, double latitude, double longitude);
+
+}  // namespace tarvex

@@ -1,0 +1,48 @@
+// What the NTRIP client talks through: a TCP connection, or a receiver that has an NTRIP client of
+// its own and does the whole operation itself.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "gnss/ntrip/progress.h"
+#include "gnss/port.h"
+
+namespace tarvex {
+
+enum class NtripOperation : int {
+  OpenTcp = 106,         ///< host, port
+  OpenMountpoint = 112,  ///< host, port, mountpoint, user, password
+  FetchTable = 113,      ///< host, port, file_name
+};
+
+struct NtripTarget {
+  std::string host;
+  std::string port;
+  std::string mountpoint = {};
+  std::string user = {};
+  std::string password = {};
+  std::string file_name = {};
+};
+
+class NtripConnection {
+ public:
+  virtual ~NtripConnection() = default;
+
+  virtual bool Supports(NtripOperation operation) = 0;
+  virtual PortError Perform(NtripOperation operation, const NtripTarget& target,
+                            Progress& progress) = 0;
+  virtual PortError Send(std::string_view bytes, int timeout_ms) = 0;
+  /// Waits for the first bytes and takes what came with them. FewerBytesRead when none came in
+  /// time, another error when the connection is gone.
+  virtual PortError Receive(std::span<char> out, std::size_t& count, int timeout_ms) = 0;
+  virtual void Close() = 0;
+};
+
+/// A TCP connection of this machine; `errors` receives every failure.
+std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors);
+
+}  // namespace tarvex

@@ -1,0 +1,23 @@
+// Whoever waits for a caster is told how far it is, and may cancel.
+#pragma once
+
+#include <string_view>
+
+namespace tarvex {
+
+class Progress {
+ public:
+  virtual ~Progress() = default;
+  /// Non-zero when the user cancels. Called once a receive.
+  virtual int Report(int value, int minimum = 0, int elapsed_s = 0) = 0;
+  virtual void Status(std::string_view text) = 0;
+};
+
+/// Shows nothing and never cancels.
+class NoProgress final : public Progress {
+ public:
+  int Report(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override { return 0; }
+  void Status(std::string_view /*text*/) override {}
+};
+
+}  // namespace tarvex

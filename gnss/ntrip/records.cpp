@@ -1,0 +1,224 @@
+#include "gnss/ntrip/records.h"
+
+#include <cmath>
+
+#include "core/number_text.h"
+#include "core/text.h"
+#include "gnss/nmea_number.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kDegreeDecimals = 2;
+constexpr int kOtherFormat = 47;
+
+// Takes fields between semicolons; behind the last one every field is empty.
+class RecordFields {
+ public:
+  explicit RecordFields(std::string_view line) : rest_(line) {}
+
+  std::string_view Next() {
+    const std::size_t end = rest_.find(';');
+    const std::string_view field = rest_.substr(0, end);
+    rest_ = end == std::string_view::npos ? std::string_view() : rest_.substr(end + 1);
+    return field;
+  }
+  template <std::size_t N>
+  void Take(FixedText<N>& text) {
+    text.Assign(Next());
+  }
+  void Take(double& value) { value = LeadingDouble(Next()); }
+  void Take(std::int32_t& value) { value = NmeaInteger(Next()); }
+  void Take(bool& value) { value = LeadingInteger(Next()) == 1; }
+
+ private:
+  std::string_view rest_;
+};
+
+// Puts fields with semicolons between them, and the line end.
+class RecordLine {
+ public:
+  explicit RecordLine(std::string_view type) : line_(type) {}
+
+  template <std::size_t N>
+  void Put(const FixedText<N>& text) {
+    Field() += OneField(text.view());
+  }
+  void Put(double value) { AppendFixed(Field(), value, kDegreeDecimals); }
+  void Put(std::int32_t value) { AppendInteger(Field(), value); }
+  void Put(bool value) { Field() += value ? '1' : '0'; }
+  void Put(char value) { Field() += value; }
+  std::string Finish() { return std::move(line_) + "\r\n"; }
+
+ private:
+  std::string& Field() { return line_ += ';'; }
+  // A text that a person gave may hold what ends a field or a line.
+  static std::string OneField(std::string_view text) {
+    std::string field = OneLine(text);
+    for (char& c : field) {
+      if (c == ';') c = ',';
+    }
+    return field;
+  }
+
+  std::string line_;
+};
+
+bool TakeType(std::string_view& line, std::string_view type) {
+  if (!line.starts_with(type) || line.size() <= type.size() || line[type.size()] != ';') {
+    return false;
+  }
+  line.remove_prefix(type.size() + 1);
+  return true;
+}
+
+std::string_view WithoutLineEnd(std::string_view line) {
+  return line.substr(0, line.find_first_of("\r\n"));
+}
+
+void AppendDegrees(std::string& text, double degrees, char positive, char negative) {
+  AppendFixed(text, std::abs(degrees), kDegreeDecimals);
+  text += degrees < 0.0 ? negative : positive;
+}
+
+}  // namespace
+
+int CasterRecord::PortNumber() const {
+  return NmeaInteger(port.view());
+}
+
+PortError ParseCasterRecord(std::string_view line, RecordOrigin origin, CasterRecord& record) {
+  line = WithoutLineEnd(line);
+  if (!TakeType(line, "CAS")) return PortError::NotARecord;
+  RecordFields fields(line);
+  CasterRecord read;
+  fields.Take(read.host);
+  fields.Take(read.port);
+  if (read.host.empty() || read.port.empty()) return PortError::NoHostOrPort;
+  fields.Take(read.identifier);
+  fields.Take(read.operator_name);
+  fields.Take(read.nmea);
+  fields.Take(read.country);
+  fields.Take(read.latitude);
+  fields.Take(read.longitude);
+  fields.Take(read.fallback_host);
+  if (origin == RecordOrigin::OwnList) {
+    fields.Take(read.fallback_port);
+    fields.Take(read.own_text_1);
+    fields.Take(read.own_text_2);
+    fields.Take(read.flag);
+  }
+  record = read;
+  return PortError::None;
+}
+
+PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRecord& record) {
+  line = WithoutLineEnd(line);
+  if (!TakeType(line, "STR")) return PortError::NotARecord;
+  RecordFields fields(line);
+  StreamRecord read;
+  fields.Take(read.mountpoint);
+  fields.Take(read.identifier);
+  const std::string_view format = fields.Next();
+  read.format.Assign(format);
+  read.format_code = CorrectionFormatCode(format);
+  fields.Take(read.format_details);
+  fields.Take(read.carrier);
+  fields.Take(read.nav_system);
+  fields.Take(read.network);
+  fields.Take(read.country);
+  fields.Take(read.latitude);
+  fields.Take(read.longitude);
+  fields.Take(read.nmea);
+  fields.Take(read.solution);
+  fields.Take(read.generator);
+  fields.Take(read.compression);
+  const std::string_view authentication = fields.Next();
+  read.authentication = authentication.empty() ? '\0' : authentication.front();
+  const std::string_view fee = fields.Next();
+  read.fee = fee.starts_with('Y') || (origin == RecordOrigin::OwnList && fee == "1");
+  fields.Take(read.bitrate);
+  fields.Take(read.misc);
+  fields.Take(read.own_text_1);
+  fields.Take(read.own_text_2);
+  fields.Take(read.own_text_3);
+  fields.Take(read.flag);
+  record = read;
+  return PortError::None;
+}
+
+std::string CasterRecordLine(const CasterRecord& record) {
+  RecordLine line("CAS");
+  line.Put(record.host);
+  line.Put(record.port);
+  line.Put(record.identifier);
+  line.Put(record.operator_name);
+  line.Put(record.nmea);
+  line.Put(record.country);
+  line.Put(record.latitude);
+  line.Put(record.longitude);
+  line.Put(record.fallback_host);
+  line.Put(record.fallback_port);
+  line.Put(record.own_text_1);
+  line.Put(record.own_text_2);
+  line.Put(record.flag);
+  return line.Finish();
+}
+
+std::string StreamRecordLine(const StreamRecord& record) {
+  RecordLine line("STR");
+  line.Put(record.mountpoint);
+  line.Put(record.identifier);
+  line.Put(record.format);
+  line.Put(record.format_details);
+  line.Put(record.carrier);
+  line.Put(record.nav_system);
+  line.Put(record.network);
+  line.Put(record.country);
+  line.Put(record.latitude);
+  line.Put(record.longitude);
+  line.Put(record.nmea);
+  line.Put(record.solution);
+  line.Put(record.generator);
+  line.Put(record.compression);
+  line.Put(record.authentication == '\0' ? 'N' : record.authentication);
+  line.Put(record.fee);
+  line.Put(record.bitrate);
+  line.Put(record.misc);
+  line.Put(record.own_text_1);
+  line.Put(record.own_text_2);
+  line.Put(record.own_text_3);
+  line.Put(record.flag);
+  return line.Finish();
+}
+
+std::string StreamPositionText(const StreamRecord& record) {
+  std::string text;
+  AppendDegrees(text, record.latitude, 'N', 'S');
+  text += ' ';
+  const double longitude = record.longitude > 180.0 ? record.longitude - 360.0 : record.longitude;
+  AppendDegrees(text, longitude, 'E', 'W');
+  text += ' ';
+  text += record.identifier.view();
+  text += ", ";
+  text += record.country.view();
+  return text;
+}
+
+int CorrectionFormatCode(std::string_view format) {
+  const auto contains = [format](std::string_view part) {
+    return format.find(part) != std::string_view::npos;
+  };
+  if (contains("RTCM")) {
+    if (contains("2.1")) return 36;
+    if (contains("2.2")) return 37;
+    if (contains("2.3")) return 38;
+    if (contains("3.0") || contains("RTCM 3")) return 39;
+    return contains("RTCM3") ? 39 : 16;
+  }
+  if (contains("CMR+")) return 15;
+  if (contains("CMR")) return 12;
+  return contains("RTCA") ? 17 : kOtherFormat;
+}
+
+}  // namespace tarvex

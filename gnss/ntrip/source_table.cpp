@@ -1,0 +1,126 @@
+// Fetching a source table into a file: the part of the client that reads until the table ends.
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "gnss/ntrip/client.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::int64_t kAnswerLimitMs = 60000;
+constexpr std::int64_t kTableLimitMs = 600000;
+constexpr std::size_t kLargestReply = 65536;  // header and first lines
+constexpr std::uint64_t kLargestTable = 32U << 20;
+constexpr int kTableProgress = 10;
+constexpr int kProgressDone = 90;
+constexpr std::string_view kEnd = "ENDSOURCETABLE";
+
+bool Holds(std::string_view text, std::string_view mark) {
+  return text.find(mark) != std::string_view::npos;
+}
+
+// Where the table begins: the first "STR", or the first "CAS" when there is none.
+std::size_t TableBegin(std::string_view text) {
+  const std::size_t stream = text.find("STR");
+  return stream != std::string_view::npos ? stream : text.find("CAS");
+}
+
+// The table on its way into its file. What comes before the table is dropped, also when it fills
+// receives of its own; the end is found also where two receives meet.
+class TableFile {
+ public:
+  explicit TableFile(std::unique_ptr<File> file) : file_(std::move(file)) {}
+
+  PortError Append(std::string_view received) {
+    if (!begun_) {
+      before_ += received;
+      const std::size_t begin = TableBegin(before_);
+      if (begin == std::string::npos) {
+        if (before_.size() > kLargestReply) return PortError::TableTooLarge;
+        return PortError::None;
+      }
+      begun_ = true;
+      const std::string first = before_.substr(begin);
+      before_.clear();
+      return Write(first);
+    }
+    return Write(received);
+  }
+
+  bool complete() const { return complete_; }
+
+ private:
+  PortError Write(std::string_view bytes) {
+    if (size_ + bytes.size() > kLargestTable) return PortError::TableTooLarge;
+    if (!file_->WriteAt(size_, bytes).ok()) return PortError::FileNotCreated;
+    size_ += bytes.size();
+    tail_ += bytes;
+    complete_ = Holds(tail_, kEnd);
+    if (tail_.size() > kEnd.size()) tail_.erase(0, tail_.size() - kEnd.size());
+    return PortError::None;
+  }
+
+  std::unique_ptr<File> file_;
+  std::uint64_t size_ = 0;
+  std::string before_;
+  std::string tail_;
+  bool begun_ = false;
+  bool complete_ = false;
+};
+
+}  // namespace
+
+PortError NtripClient::FetchSourceTable(const std::string& file_name, Progress& progress) {
+  if (const PortError error = SendRequest("", "", ""); error != PortError::None) return error;
+  const std::int64_t since_ms = surroundings_.clock.SteadyMilliseconds();
+  std::string table;
+  if (const PortError error = ReceiveText(table, static_cast<int>(2 * timeout_ms_));
+      error != PortError::None) {
+    return error;
+  }
+  if (const PortError error = AwaitTable(table, progress, since_ms); error != PortError::None) {
+    return error;
+  }
+  return StoreTable(std::move(table), file_name, progress, since_ms);
+}
+
+PortError NtripClient::AwaitTable(std::string& table, Progress& progress, std::int64_t since_ms) {
+  while (!Holds(table, "Content-Length:") && !Holds(table, "STR;")) {
+    if (surroundings_.clock.SteadyMilliseconds() - since_ms > kAnswerLimitMs) {
+      return Fail(PortError::NoAnswer);
+    }
+    if (progress.Report(ElapsedSeconds(since_ms) + kTableProgress) != 0) {
+      return Fail(PortError::Cancelled);
+    }
+    if (Holds(table, "401 Unauthorized")) return Fail(PortError::NotAuthorized);
+    if (Holds(table, "DISCONNECT")) return Fail(PortError::Disconnected);
+    if (table.size() > kLargestReply) return Fail(PortError::TableTooLarge);
+    std::string received;
+    const PortError error = ReceiveText(received, static_cast<int>(timeout_ms_));
+    if (error != PortError::None && error != PortError::FewerBytesRead) return error;
+    table += received;
+  }
+  return PortError::None;
+}
+
+PortError NtripClient::StoreTable(std::string table, const std::string& file_name,
+                                  Progress& progress, std::int64_t since_ms) {
+  std::unique_ptr<File> opened;
+  if (!surroundings_.files.Open(file_name, FileAccess::CreateOrTruncate, opened).ok()) {
+    return Fail(PortError::FileNotCreated);
+  }
+  TableFile file(std::move(opened));
+  for (int n = kTableProgress;; ++n) {
+    if (const PortError error = file.Append(table); error != PortError::None) return Fail(error);
+    if (file.complete()) break;
+    if (progress.Report(n) != 0) return Fail(PortError::Cancelled);
+    if (surroundings_.clock.SteadyMilliseconds() - since_ms > kTableLimitMs) {
+      return Fail(PortError::NoAnswer);
+    }
+    if (ReceiveText(table, static_cast<int>(timeout_ms_)) != PortError::None) break;
+  }
+  return progress.Report(kProgressDone) != 0 ? Fail(PortError::Cancelled) : PortError::None;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,61 @@
+// The mean of several epochs of one point, weighted by their precision, with the scatter about it.
+//
+// Differences are taken in metres along the meridian and the parallel of the first epoch; over the
+// few metres that epochs of one point are apart this is exact to far below a millimetre.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "core/units.h"
+#include "gnss/position_state.h"
+
+namespace tarvex {
+
+struct AveragedPosition {
+  std::size_t epochs = 0;
+  double latitude = 0.0;       ///< decimal degrees
+  double longitude = 0.0;      ///< decimal degrees
+  double height = 0.0;         ///< metres
+  double scatter_north = 0.0;  ///< standard deviation of one epoch, metres; 0 for a single one
+  double scatter_east = 0.0;
+  double scatter_up = 0.0;
+  double farthest = 0.0;  ///< greatest horizontal distance of an epoch from the mean, metres
+  bool weighted = false;  ///< every epoch told its precision
+};
+
+class PositionAverage {
+ public:
+  /// Takes an epoch; false, and nothing taken, when its epoch was taken before.
+  [[nodiscard]] bool Add(const GnssPositionState& state, DistanceUnit unit);
+
+  std::size_t epochs() const { return epochs_.size(); }
+  /// Weights 1/HRMS^2 and 1/VRMS^2 when every epoch has a precision of its own, else equal ones.
+  AveragedPosition Mean() const;
+
+  /// The state of a point that stands for all epochs: mean position, worst solution, fewest
+  /// satellites, greatest PDOP, HRMS and VRMS the quadratic mean of those of the epochs. Epochs of
+  /// one sitting err alike, so averaging is not taken to make them smaller.
+  GnssPositionState State() const;
+
+ private:
+  struct Epoch {
+    double north_m;
+    double east_m;
+    double up_m;
+    double hrms_m;
+    double vrms_m;
+    bool precise;
+  };
+
+  std::vector<Epoch> epochs_;
+  std::vector<std::int32_t> times_;
+  GnssPositionState first_;
+  GnssPositionState worst_;
+  double square_hrms_ = 0.0;
+  double square_vrms_ = 0.0;
+  double metres_per_degree_north_ = 0.0;
+  double metres_per_degree_east_ = 0.0;
+};
+
+}  // namespace tarvex

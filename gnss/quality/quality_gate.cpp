@@ -1,0 +1,135 @@
+#include "gnss/quality/quality_gate.h"
+
+#include <array>
+
+#include "core/number_text.h"
+#include "core/string_table.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kFirstText = 3440;
+constexpr int kUnknownText = 3450;
+constexpr int kPrecisionDecimals = 3;
+constexpr int kOtherDecimals = 1;
+
+// How good a solution is; the numbers of the types are not in this order.
+int Rank(SolutionType type) {
+  switch (type) {
+    case SolutionType::Fixed:
+      return 3;
+    case SolutionType::Float:
+      return 2;
+    case SolutionType::Dgps:
+      return 1;
+    case SolutionType::Autonomous:
+      break;
+  }
+  return 0;
+}
+
+std::string Unknown() {
+  return Strings().Text(kUnknownText);
+}
+
+// Written so that a value that is not a number is refused.
+std::optional<GateRefusal> Above(Limit limit, bool known, double has, std::optional<double> most,
+                                 int decimals) {
+  if (!most || (known && has <= *most)) return std::nullopt;
+  return GateRefusal{limit, known ? FixedNumber(has, decimals) : Unknown(),
+                     FixedNumber(*most, decimals)};
+}
+
+std::optional<GateRefusal> CheckSolution(const GateLimits& limits, const GnssPositionState& state) {
+  if (!limits.solution || Rank(state.solution_type) >= Rank(*limits.solution)) return std::nullopt;
+  return GateRefusal{Limit::Solution, std::string(SolutionText(state.solution_type)),
+                     std::string(SolutionText(*limits.solution))};
+}
+
+std::optional<GateRefusal> CheckSatellites(const GateLimits& limits,
+                                           const GnssPositionState& state) {
+  if (!limits.satellites || state.satellites >= *limits.satellites) return std::nullopt;
+  return GateRefusal{Limit::Satellites, std::to_string(state.satellites),
+                     std::to_string(*limits.satellites)};
+}
+
+struct NumberLimit {
+  std::string_view key;
+  std::optional<double> GateLimits::*field;
+};
+
+constexpr std::array kNumbers = {
+    NumberLimit{"gate_hrms", &GateLimits::hrms},
+    NumberLimit{"gate_vrms", &GateLimits::vrms},
+    NumberLimit{"gate_pdop", &GateLimits::pdop},
+    NumberLimit{"gate_age", &GateLimits::correction_age_s},
+    NumberLimit{"gate_stale", &GateLimits::stale_s},
+};
+
+bool SetSolution(std::string_view value, GateLimits& limits) {
+  for (const SolutionType type :
+       {SolutionType::Autonomous, SolutionType::Fixed, SolutionType::Float, SolutionType::Dgps}) {
+    if (!EqualsIgnoringCase(WithoutOuterBlanks(value), SolutionText(type))) continue;
+    limits.solution = type;
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<GateRefusal> CheckGate(const GateLimits& limits, const GnssPositionState& state,
+                                     std::int64_t now_ms) {
+  if (state.repeated_epoch) return GateRefusal{Limit::RepeatedEpoch, {}, {}};
+  const double stale_s = static_cast<double>(now_ms - state.position_read_at_ms) / 1000.0;
+  const bool precise = state.precision_known;
+  const std::optional<GateRefusal> checks[] = {
+      Above(Limit::Staleness, true, stale_s, limits.stale_s, kOtherDecimals),
+      CheckSolution(limits, state),
+      CheckSatellites(limits, state),
+      Above(Limit::Hrms, precise, state.hrms, limits.hrms, kPrecisionDecimals),
+      Above(Limit::Vrms, precise, state.vrms, limits.vrms, kPrecisionDecimals),
+      Above(Limit::Pdop, state.pdop > 0.0, state.pdop, limits.pdop, kOtherDecimals),
+      Above(Limit::CorrectionAge, state.age_of_corrections >= 0.0, state.age_of_corrections,
+            limits.correction_age_s, kOtherDecimals),
+  };
+  for (const auto& refusal : checks) {
+    if (refusal) return refusal;
+  }
+  return std::nullopt;
+}
+
+std::string RefusalSentence(const GateRefusal& refusal) {
+  return Strings().Text(kFirstText + static_cast<int>(refusal.limit),
+                        {refusal.has, refusal.wanted});
+}
+
+bool SetGateLimit(std::string_view key, std::string_view value, GateLimits& limits) {
+  if (key == "gate_solution") return SetSolution(value, limits);
+  const auto number = ParseNumber(value);
+  if (!number || *number < 0.0) return false;
+  if (key == "gate_satellites") {
+    constexpr double kMost = 1000.0;
+    if (*number > kMost) return false;
+    limits.satellites = static_cast<int>(*number);
+    return true;
+  }
+  for (const NumberLimit& limit : kNumbers) {
+    if (limit.key != key) continue;
+    limits.*limit.field = *number;
+    return true;
+  }
+  return false;
+}
+
+void ReadGateLimits(std::string_view text, GateLimits& limits) {
+  while (const auto line = TakeLine(text)) {
+    const std::size_t equals = line->find('=');
+    if (equals == std::string_view::npos) continue;
+    (void)SetGateLimit(WithoutOuterBlanks(line->substr(0, equals)), line->substr(equals + 1),
+                       limits);
+  }
+}
+
+}  // namespace tarvex

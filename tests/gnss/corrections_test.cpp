@@ -1,0 +1,334 @@
+// RTCM frames, the correction session on a script and on threads with a caster, and the caster.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "gnss/caster/loopback_caster.h"
+#include "gnss/corrections/correction_session.h"
+#include "gnss/corrections/correction_thread.h"
+#include "gnss/crc.h"
+#include "tests/gnss/scripted_caster.h"
+#include "tests/support/memory_files.h"
+#include "tests/support/scripted_device.h"
+
+namespace tarvex {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::string Capture(const std::string& name) {
+  std::string bytes;
+  EXPECT_TRUE(
+      ReadWholeFile(SystemFiles(), std::string(TARVEX_TEST_DATA) + "/ntrip/" + name, 1 << 20, bytes)
+          .ok());
+  return bytes;
+}
+
+struct Messages final : RtcmFramer::Listener {
+  void OnMessage(std::string_view message) override {
+    ++counts[RtcmMessageNumber(message)];
+    if (const auto station = ReadBaseStation(message)) base = station;
+  }
+  std::map<int, int> counts;
+  std::optional<BaseStation> base;
+};
+
+// The station message of the RTCM 3 standard's example.
+const std::string kStationFrame(
+    "\xD3\x00\x13\x3E\xD7\xD3\x02\x02\x98\x0E\xDE\xEF\x34\xB4\xBD\x62\xAC\x09\x41\x98\x6F\x33"
+    "\x36\x0B\x98",
+    25);
+
+struct FrameCase {
+  const char* file;
+  std::uint64_t frames;
+  std::uint64_t skipped;
+  std::map<int, int> counts;
+};
+
+TEST(RtcmFramer, FindsTheFramesOfCapturesInPiecesOfAnySize) {
+  const FrameCase cases[] = {
+      {"rtcm3.log", 2, 322, {{1005, 1}, {1029, 1}}},
+      {"rtcm3.bndm.log",
+       100,
+       310,
+       {{1004, 33}, {1006, 8}, {1008, 6}, {1012, 33}, {1013, 7}, {1029, 1}, {1033, 6}, {1230, 6}}},
+      {"ublox-zed-f9t-rtcm3.log",
+       182,
+       8496,
+       {{1005, 26}, {1077, 26}, {1087, 26}, {1097, 26}, {1127, 26}, {1230, 26}, {4072, 26}}}};
+  for (const FrameCase& expected : cases) {
+    const std::string bytes = Capture(expected.file);
+    for (const std::size_t piece :
+         {std::size_t{1}, std::size_t{7}, std::size_t{1000}, bytes.size()}) {
+      RtcmFramer framer;
+      Messages messages;
+      for (std::size_t at = 0; at < bytes.size(); at += piece) {
+        framer.Feed(std::string_view(bytes).substr(at, piece), messages);
+      }
+      EXPECT_EQ(framer.frames(), expected.frames) << expected.file << " by " << piece;
+      EXPECT_EQ(messages.counts, expected.counts);
+      EXPECT_EQ(framer.skipped_bytes() + framer.waiting_bytes(), expected.skipped);
+    }
+  }
+}
+
+TEST(RtcmFramer, GivesUpOneByteOfADamagedFrame) {
+  std::string damaged = kStationFrame;
+  damaged[10] = '\x00';
+  RtcmFramer framer;
+  Messages messages;
+  // The damaged frame holds what looks like the start of a long one, which fails as well.
+  const std::string behind(600, 'x');
+  framer.Feed("\xD3" + damaged + kStationFrame + behind, messages);
+  EXPECT_EQ(framer.frames(), 1U);
+  EXPECT_EQ(framer.bad_crcs(), 2U);
+  EXPECT_EQ(framer.skipped_bytes(), 1 + damaged.size() + behind.size());
+}
+
+TEST(RtcmMessages, TellTheBaseStation) {
+  RtcmFramer framer;
+  Messages messages;
+  framer.Feed(kStationFrame, messages);
+  ASSERT_TRUE(messages.base.has_value());
+  EXPECT_EQ(messages.base->id, 2003);
+  EXPECT_NEAR(messages.base->position.x_m, 1114104.5999, 1e-6);
+  EXPECT_NEAR(messages.base->position.y_m, -4850729.7108, 1e-6);
+  EXPECT_NEAR(messages.base->position.z_m, 3975521.4643, 1e-6);
+  for (std::size_t length = 0; length < 19; ++length) {
+    EXPECT_FALSE(ReadBaseStation(std::string_view(kStationFrame).substr(3, length)).has_value());
+  }
+}
+
+TEST(LatestGga, KeepsWhatHasAPosition) {
+  LatestGga latest;
+  latest.OnLine("$GPGGA,123519,4807.038,N,01131.000,E,0,08,0.9,545.4,M,46.9,M,,*46");
+  EXPECT_EQ(latest.Get(), "");
+  latest.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
+  latest.OnLine("$GNGGA,123520,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*00");
+  EXPECT_THAT(latest.Get(), HasSubstr("123519")) << "the damaged one is left out";
+  EXPECT_EQ(WithGpTalker(latest.Get()),
+            "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n");
+}
+
+struct Sink final : CorrectionSink {
+  bool Write(std::string_view bytes) override {
+    received += bytes;
+    return works;
+  }
+  std::string received;
+  bool works = true;
+};
+
+class Session : public testing::Test {
+ protected:
+  void Steps(int count) {
+    for (int i = 0; i < count; ++i) (void)session.Step(500, progress);
+  }
+
+  ManualClock clock;
+  MemoryFiles files;
+  LastErrorRecord errors;
+  NoProgress progress;
+  ScriptedCaster caster{clock};
+  Sink sink;
+  LatestGga gga;
+  CorrectionSession session{
+      {.caster = {.host = FixedText<128>("caster"), .user = "u", .password = "secret"},
+       .mountpoint = "MNT"},
+      caster,
+      {.clock = clock, .files = files, .errors = errors}};
+};
+
+TEST_F(Session, PumpsCorrectionsAndTellsWhatItHas) {
+  session.Attach(&sink, &gga);
+  gga.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
+  caster.steps = {"ICY 200 OK\r\n" + kStationFrame.substr(0, 10), kStationFrame.substr(10) + "x"};
+  Steps(3);
+  EXPECT_EQ(sink.received, kStationFrame + "x") << "every byte, also what came with the answer";
+  const CorrectionStatus status = session.Status();
+  EXPECT_EQ(status.state, CorrectionState::Receiving);
+  EXPECT_EQ(status.bytes, kStationFrame.size() + 1);
+  EXPECT_EQ(status.bytes_to_receiver, status.bytes);
+  EXPECT_THAT(status.messages, ElementsAre(std::pair(1005, 1U)));
+  EXPECT_EQ(status.base->id, 2003);
+  EXPECT_EQ(status.ggas_sent, 1U);
+  EXPECT_THAT(caster.sent, HasSubstr("\r\n\r\n$GPGGA,123519"));
+  EXPECT_EQ(CorrectionSentence(status), "Corrections flow from caster:2101, mountpoint MNT.");
+  Steps(25);
+  EXPECT_EQ(session.Status().ggas_sent, 2U) << "again after ten seconds";
+}
+
+TEST_F(Session, NoticesAMovedBase) {
+  std::string moved = kStationFrame;
+  caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
+  Steps(2);
+  EXPECT_EQ(session.Status().base_moved_m, 0.0);
+  moved[14] = static_cast<char>(moved[14] ^ 0x04);
+  const std::uint32_t crc = Crc24qOf(std::string_view(moved).substr(0, 22));
+  moved[22] = static_cast<char>(crc >> 16);
+  moved[23] = static_cast<char>(crc >> 8);
+  moved[24] = static_cast<char>(crc);
+  caster.steps = {moved};
+  Steps(1);
+  EXPECT_GT(session.Status().base_moved_m, kBaseMovedAlarm);
+}
+
+TEST_F(Session, WaitsLongerAfterEachFailure) {
+  caster.open_result = PortError::OpenFailed;
+  std::vector<std::int64_t> waits;
+  for (int i = 0; i < 8; ++i) {
+    while (session.Status().state != CorrectionState::Waiting) Steps(1);
+    waits.push_back(session.Status().next_try_in_ms);
+    clock.milliseconds += waits.back();
+    session.Step(500, progress);
+  }
+  EXPECT_GE(waits[0], 10'000);
+  EXPECT_LE(waits[0], 12'500);
+  EXPECT_GE(waits[1], 20'000);
+  EXPECT_GE(waits[7], 300'000);
+  EXPECT_LE(waits[7], 375'000);
+  EXPECT_THAT(CorrectionSentence(session.Status()),
+              HasSubstr("The connection to the caster could not be opened. The next try is in"));
+  EXPECT_EQ(caster.performed.size(), 9U);
+}
+
+TEST_F(Session, DoesNotHammerARefusal) {
+  caster.at_end = "HTTP/1.0 401 Unauthorized\r\n";
+  Steps(50);
+  EXPECT_EQ(caster.performed.size(), 1U);
+  EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("does not accept the user"));
+  caster.at_end = PortError::FewerBytesRead;
+  caster.steps = {"ICY 200 OK\r\n", kStationFrame};
+  session.Retry();
+  Steps(2);
+  EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
+}
+
+TEST_F(Session, NamesMountpointsThatExist) {
+  caster.steps = {"SOURCETABLE 200 OK\r\n",
+                  "SOURCETABLE 200 OK\r\nContent-Length: 1\r\n\r\nSTR;OTHER;\r\nSTR;MNTX;\r\n"
+                  "ENDSOURCETABLE\r\n"};
+  Steps(3);
+  EXPECT_THAT(CorrectionSentence(session.Status()),
+              HasSubstr("has no mountpoint MNT; it has MNTX, OTHER."));
+}
+
+TEST_F(Session, NoticesSilenceAndOpensAnew) {
+  session.Attach(&sink, nullptr);
+  caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
+  Steps(2);
+  EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
+  Steps(31);
+  EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("has sent nothing for 16 s"));
+  Steps(100);
+  EXPECT_EQ(session.Status().state, CorrectionState::Waiting);
+  EXPECT_TRUE(caster.closed);
+}
+
+TEST_F(Session, TellsAReceiverThatDoesNotTakeThem) {
+  session.Attach(&sink, nullptr);
+  sink.works = false;
+  caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
+  Steps(5);
+  EXPECT_EQ(session.Status().state, CorrectionState::ReceiverFailed);
+}
+
+CasterContent Content(const std::string& data, std::uint32_t rate) {
+  CasterContent content{.user = "u", .password = "secret", .data = data, .bytes_per_second = rate};
+  content.stream.mountpoint.Assign("MNT");
+  content.stream.format.Assign("RTCM 3.2");
+  return content;
+}
+
+// Session and caster as they run in the field, on threads and loopback sockets.
+class Field : public testing::Test {
+ protected:
+  template <typename Condition>
+  static bool Eventually(Condition condition) {
+    for (int i = 0; i < 500; ++i) {
+      if (condition()) return true;
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+  }
+  CorrectionPlan PlanFor(const LoopbackCaster& caster, const std::string& mountpoint) {
+    return {.caster = {.host = FixedText<128>("127.0.0.1"),
+                       .port = std::to_string(caster.port()),
+                       .user = "u",
+                       .password = "secret"},
+            .mountpoint = mountpoint,
+            .gga_interval_ms = 50};
+  }
+
+  LastErrorRecord errors;
+  MemoryFiles files;
+  NtripSurroundings surroundings{.clock = SystemClock(), .files = files, .errors = errors};
+};
+
+TEST_F(Field, CorrectionsFlowWhileTheReceiverIsRead) {
+  LoopbackCaster caster(Content(Capture("rtcm3.bndm.log"), 200'000), SystemClock());
+  ASSERT_TRUE(caster.Start(0).ok());
+  const auto connection = MakeTcpNtripConnection(errors);
+  CorrectionSession session(PlanFor(caster, "MNT"), *connection, surroundings);
+  auto owned = std::make_unique<ScriptedDevice>();
+  ScriptedDevice* const device = owned.get();
+  Port port("receiver", std::move(owned), errors);
+  ASSERT_EQ(port.Open(), PortError::None);
+  PortSink sink(port);
+  LatestGga gga;
+  session.Attach(&sink, &gga);
+  {
+    const CorrectionThread thread(session);
+    gga.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
+    EXPECT_TRUE(Eventually([&] { return session.Status().frames > 150; }));
+    EXPECT_TRUE(Eventually([&] { return caster.Uploads().size() > 2; }));
+    char bytes[16];
+    EXPECT_EQ(port.Read(bytes, 0), PortError::None);
+  }
+  const CorrectionStatus status = session.Status();
+  EXPECT_EQ(status.bad_crcs, 0U);
+  EXPECT_EQ(status.bytes_to_receiver, device->written.size());
+  EXPECT_TRUE(device->written.starts_with(Capture("rtcm3.bndm.log"))) << "no byte lost";
+  EXPECT_THAT(caster.Uploads().front(), HasSubstr("$GPGGA,123519"));
+}
+
+TEST_F(Field, AWrongMountpointIsToldWithOneThatExists) {
+  LoopbackCaster caster(Content(kStationFrame, 1000), SystemClock());
+  ASSERT_TRUE(caster.Start(0).ok());
+  const auto connection = MakeTcpNtripConnection(errors);
+  CorrectionSession session(PlanFor(caster, "MNY"), *connection, surroundings);
+  const CorrectionThread thread(session);
+  EXPECT_TRUE(Eventually([&] { return !session.Status().most_alike.empty(); }));
+  EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("it has MNT."));
+}
+
+TEST_F(Field, ACasterThatDropsIsWaitedFor) {
+  LoopbackCaster caster(Content(kStationFrame, 1000), SystemClock());
+  ASSERT_TRUE(caster.Start(0).ok());
+  const auto connection = MakeTcpNtripConnection(errors);
+  CorrectionSession session(PlanFor(caster, "MNT"), *connection, surroundings);
+  const CorrectionThread thread(session);
+  ASSERT_TRUE(Eventually([&] { return session.Status().bytes > 0; }));
+  caster.DropClients();
+  ASSERT_TRUE(Eventually([&] { return session.Status().state == CorrectionState::Waiting; }));
+  EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("disconnected"));
+  session.Retry();
+  EXPECT_TRUE(Eventually([&] { return caster.streams() == 2; }));
+}
+
+TEST_F(Field, AWrongPasswordIsTold) {
+  LoopbackCaster caster(Content(kStationFrame, 1000), SystemClock());
+  ASSERT_TRUE(caster.Start(0).ok());
+  CorrectionPlan plan = PlanFor(caster, "MNT");
+  plan.caster.password = "wrong";
+  const auto connection = MakeTcpNtripConnection(errors);
+  CorrectionSession session(plan, *connection, surroundings);
+  const CorrectionThread thread(session);
+  EXPECT_TRUE(Eventually([&] { return session.Status().state == CorrectionState::Refused; }));
+}
+
+}  // namespace
+}  // namespace tarvex

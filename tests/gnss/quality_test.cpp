@@ -1,0 +1,122 @@
+// The gate before a point is stored, and the mean of several epochs.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "gnss/quality/averaging.h"
+#include "gnss/quality/quality_gate.h"
+
+namespace tarvex {
+namespace {
+
+GnssPositionState Good() {
+  return {.satellites = 12,
+          .solution_type = SolutionType::Fixed,
+          .hrms = 0.012,
+          .vrms = 0.02,
+          .pdop = 1.4,
+          .latitude = 46.8,
+          .longitude = 9.3,
+          .height = 1100.0,
+          .age_of_corrections = 1.0,
+          .epoch_ms = 1000,
+          .precision_known = true,
+          .position_read_at_ms = 5000};
+}
+
+TEST(QualityGate, NamesTheLimitThatRefuses) {
+  GateLimits limits;
+  EXPECT_FALSE(CheckGate(limits, {}, 1'000'000).has_value()) << "no limit, no refusal";
+  ReadGateLimits(
+      "gate_solution=fixed\ngate_hrms=0.05\ngate_vrms=0.1\ngate_pdop=4\ngate_satellites=6\n"
+      "gate_age=5\ngate_stale=2\ngate_hrms=wrong\n",
+      limits);
+  EXPECT_FALSE(CheckGate(limits, Good(), 6000).has_value());
+  const std::pair<void (*)(GnssPositionState&), const char*> cases[] = {
+      {[](GnssPositionState& s) { s.repeated_epoch = true; },
+       "The receiver repeats its last position."},
+      {[](GnssPositionState& s) { s.position_read_at_ms = 2500; },
+       "The position is 3.5 s old; the limit is 2.0 s."},
+      {[](GnssPositionState& s) { s.solution_type = SolutionType::Float; },
+       "The solution is FLOAT; it must be FIXED or better."},
+      {[](GnssPositionState& s) { s.satellites = 5; },
+       "There are 5 satellites; there must be 6 or more."},
+      {[](GnssPositionState& s) { s.hrms = 0.0501; }, "HRMS is 0.050; the limit is 0.050."},
+      {[](GnssPositionState& s) { s.precision_known = false; },
+       "HRMS is unknown; the limit is 0.050."},
+      {[](GnssPositionState& s) { s.vrms = std::nan(""); }, "VRMS is nan; the limit is 0.100."},
+      {[](GnssPositionState& s) { s.pdop = 0.0; }, "PDOP is unknown; the limit is 4.0."},
+      {[](GnssPositionState& s) { s.age_of_corrections = 6.0; },
+       "The age of the corrections is 6.0 s; the limit is 5.0 s."}};
+  for (const auto& [spoil, sentence] : cases) {
+    GnssPositionState state = Good();
+    spoil(state);
+    const auto refusal = CheckGate(limits, state, 6000);
+    ASSERT_TRUE(refusal.has_value()) << sentence;
+    EXPECT_EQ(RefusalSentence(*refusal), sentence);
+  }
+}
+
+TEST(QualityGate, RefusesLimitsThatMakeNoSense) {
+  GateLimits limits;
+  EXPECT_FALSE(SetGateLimit("gate_hrms", "-1", limits));
+  EXPECT_FALSE(SetGateLimit("gate_hrms", "abc", limits));
+  EXPECT_FALSE(SetGateLimit("gate_solution", "best", limits));
+  EXPECT_FALSE(SetGateLimit("gate_other", "1", limits));
+  EXPECT_EQ(limits, GateLimits{});
+}
+
+TEST(PositionAverage, WeighsByPrecision) {
+  PositionAverage average;
+  GnssPositionState state = Good();
+  state.hrms = 0.01;
+  state.vrms = 0.01;
+  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  state.epoch_ms = 2000;
+  state.hrms = 0.02;
+  state.vrms = 0.02;
+  state.latitude += 1e-6;
+  state.height += 1.0;
+  state.solution_type = SolutionType::Float;
+  state.satellites = 9;
+  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  EXPECT_FALSE(average.Add(state, DistanceUnit::Metres)) << "an epoch counts once";
+  const AveragedPosition mean = average.Mean();
+  EXPECT_EQ(mean.epochs, 2U);
+  EXPECT_TRUE(mean.weighted);
+  EXPECT_NEAR(mean.latitude, 46.8 + 0.2e-6, 1e-12);
+  EXPECT_NEAR(mean.height, 1100.2, 1e-9);
+  EXPECT_NEAR(mean.farthest, 0.8 * 0.11117, 1e-4);
+  const GnssPositionState all = average.State();
+  EXPECT_EQ(all.solution_type, SolutionType::Float);
+  EXPECT_EQ(all.satellites, 9);
+  EXPECT_NEAR(all.hrms, std::sqrt((1e-4 + 4e-4) / 2.0), 1e-12);
+}
+
+TEST(PositionAverage, FindsTheScatterOfANoisySeriesAcrossTheDateLine) {
+  std::mt19937_64 random(11);
+  std::normal_distribution<double> noise(0.0, 1.0);
+  PositionAverage average;
+  GnssPositionState state = Good();
+  state.precision_known = false;
+  constexpr double kPerDegreeNorth = 111167.0;  // at 46.8 degrees and 1100 m
+  constexpr double kPerDegreeEast = 76361.0;
+  for (int i = 0; i < 4000; ++i) {
+    state.epoch_ms = i * 1000;
+    state.latitude = 46.8 + noise(random) * 0.010 / kPerDegreeNorth;
+    state.longitude = std::remainder(180.0 + noise(random) * 0.020 / kPerDegreeEast, 360.0);
+    state.height = 1100.0 + noise(random) * 0.030;
+    ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  }
+  const AveragedPosition mean = average.Mean();
+  EXPECT_FALSE(mean.weighted);
+  EXPECT_NEAR(mean.scatter_north, 0.010, 0.0005);
+  EXPECT_NEAR(mean.scatter_east, 0.020, 0.001);
+  EXPECT_NEAR(mean.scatter_up, 0.030, 0.0015);
+  EXPECT_NEAR(std::abs(std::remainder(mean.longitude - 180.0, 360.0)) * kPerDegreeEast, 0.0, 0.002);
+}
+
+}  // namespace
+}  // namespace tarvex
