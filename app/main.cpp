@@ -19,6 +19,7 @@ void AddCommands(CLI::App& app, Program& program) {
   AddNoteCommand(app, program);
   AddConvertCommand(app, program);
   AddSystemsCommand(app, program);
+  AddRoadCommand(app, program);
   AddDemoCommand(app, program);
 }
 

@@ -238,6 +238,7 @@ constexpr std::array kEntries = {
     Entry{5006, "taken as a radius line, though it does not say so: %s"},
     Entry{5007, "Line %s: the file holds more key points than a centerline may have."},
     Entry{5008, "%s is too large to be a road file."},
+    Entry{5009, "the last key point was dropped: the file lacks its closing record \"0,0,L,0,0\""},
     Entry{5010,
           "The key points carry displayed stations: they were counted through the equations."},
     Entry{5011,

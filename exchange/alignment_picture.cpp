@@ -11,7 +11,7 @@ namespace tarvex {
 namespace {
 
 constexpr double kPageWidth = 1000.0;
-constexpr double kMargin = 90.0;
+constexpr double kMargin = 115.0;
 constexpr double kTurnPerPoint = 0.02;
 constexpr int kMostPointsAnElement = 200;
 constexpr std::size_t kMostNamedElements = 60;

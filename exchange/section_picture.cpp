@@ -10,8 +10,8 @@ namespace tarvex {
 namespace {
 
 constexpr double kPageWidth = 1000.0;
-constexpr double kMargin = 80.0;
-constexpr double kBeyond = 3.0;        // ground shown beyond the outermost point
+constexpr double kMargin = 125.0;
+constexpr double kBeyond = 2.0;        // ground shown beyond the outermost point
 constexpr double kLeastPixels = 34.0;  // between labels of points
 constexpr std::string_view kRoadColor = "#1f5fbf";
 constexpr std::string_view kSlopeColor = "#15803d";
@@ -121,8 +121,9 @@ class SectionPainter {
       if (slopes_[side].empty()) continue;
       const CatchPoint& caught = *sides_[side]->caught;
       const DrawingPoint at = slopes_[side].back();
-      const double away = side == 0 ? 8.0 : -8.0;
-      const auto anchor = side == 0 ? TextStyle::Anchor::Start : TextStyle::Anchor::End;
+      // Away from the road, above the ground.
+      const double away = side == 0 ? -8.0 : 8.0;
+      const auto anchor = side == 0 ? TextStyle::Anchor::End : TextStyle::Anchor::Start;
       const char* kind = caught.kind == EarthworkKind::Cut ? "cut " : "fill ";
       picture.Dot(at, 4.5, kSlopeColor);
       picture.Text(at, kind + ShortestNumber(caught.ratio) + ":1",

@@ -66,7 +66,7 @@ class ChainReader {
     std::string_view line;
     while (!stopped_ && lines_.Next(line)) TakeRecord(line);
     if (reading_.result == ReadChainResult::TooLong) return std::move(reading_);
-    if (chain_.size() > 1) chain_.pop_back();  // the terminator
+    if (chain_.size() > 1) DropTerminator();
     CleanUpChain(chain_, keep_tangent_points_);
     for (CenterlineElement& element : chain_) {
       if (element.kind == ElementKind::LeadIn) element.kind = ElementKind::Vertex;
@@ -80,6 +80,15 @@ class ChainReader {
   void Note(int text, std::string_view argument = {}) {
     if (reading_.notes.size() == kMostLineNotes) return;
     reading_.notes.push_back({lines_.number(), text, OneLine(argument)});
+  }
+
+  // The last element goes whatever it is; a file without its terminator loses a key point.
+  void DropTerminator() {
+    const CenterlineElement& last = chain_.back();
+    if ((last.northing != 0.0 || last.easting != 0.0) && reading_.notes.size() < kMostLineNotes) {
+      reading_.notes.push_back({last.line, kTextTerminatorMissing, {}});
+    }
+    chain_.pop_back();
   }
 
   // False for a line that holds no key point.

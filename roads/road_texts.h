@@ -15,6 +15,7 @@ inline constexpr int kTextRadiusLineMissing = 5005;
 inline constexpr int kTextNotARadiusLine = 5006;
 inline constexpr int kTextCenterlineTooLong = 5007;
 inline constexpr int kTextFileTooLarge = 5008;
+inline constexpr int kTextTerminatorMissing = 5009;
 
 // Notes on lines of a template
 inline constexpr int kTextUnknownSection = 5030;

@@ -20,6 +20,7 @@ void AddNoteCommand(CLI::App& app, Program& program);
 void AddCollectCommand(CLI::App& app, Program& program);
 void AddConvertCommand(CLI::App& app, Program& program);
 void AddSystemsCommand(CLI::App& app, Program& program);
+void AddRoadCommand(CLI::App& app, Program& program);
 void AddDemoCommand(CLI::App& app, Program& program);
 
 }  // namespace tarvex

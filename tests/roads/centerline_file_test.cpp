@@ -10,6 +10,7 @@
 
 #include "roads/centerline_reader.h"
 #include "roads/centerline_writer.h"
+#include "roads/road_texts.h"
 #include "tests/roads/road_data.h"
 
 namespace tarvex {
@@ -50,6 +51,9 @@ TEST(CenterlineReader, DropsTheLastRecordWhateverItIs) {
   EXPECT_EQ(Outline(Chain("0,10,L,1,1\n0,20,L,2,2\n")), "0 10; ");
   EXPECT_EQ(Outline(Chain("0,10,L,1,1\n")), "0 10; ");  // a single element stays
   EXPECT_EQ(Outline(Chain(ReadRoadData("bad/no_terminator.cl"))), "0 1000; 0 1200; 0 1514; ");
+  const auto unclosed = ReadChain(ReadRoadData("bad/no_terminator.cl"), false);
+  EXPECT_THAT(unclosed.notes, testing::ElementsAre(LineNote{5, kTextTerminatorMissing, ""}));
+  EXPECT_TRUE(ReadChain(ReadRoadData("cl/egg_sp.cl"), false).notes.empty());
   EXPECT_EQ(ReadChain("", false).result, ReadChainResult::Nothing);
   EXPECT_EQ(ReadChain("7,5,STARTPT,1,2\n0,0,L,0,0\n", false).result, ReadChainResult::Nothing);
 }
