@@ -1,11 +1,15 @@
-// The main program of every benchmark: Google Benchmark's own table, and below it one line a job
-// that tells how our time stands beside the peers'.
+// The main program of every benchmark: each job of ours and its peers run interleaved, several
+// times, and one line a job tells the median of ours and how the peers stand beside it.
 //
-// Names are "job/who": the job first, then "tarvex" or the peer. Runs of the same job are compared
-// by their real time.
+// Names are "job/who": the job first, then "tarvex" or the peer. Google Benchmark's own options
+// hold, and its table of all runs comes with --benchmark_display_aggregates_only=false.
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
+#include <iostream>
 #include <map>
 #include <string>
 #include <vector>
@@ -13,91 +17,94 @@
 namespace tarvex {
 namespace {
 
-constexpr const char* kOurs = "tarvex";
+using Run = benchmark::BenchmarkReporter::Run;
 
-struct Timing {
-  std::string who;
-  double nanoseconds = 0.0;
-};
-
+// "1.23 ms", always three digits and more.
 std::string TimeText(double nanoseconds) {
-  char text[32];
-  const char* unit = "ns";
-  double shown = nanoseconds;
-  for (const char* larger : {"us", "ms", "s"}) {
-    if (shown < 1000.0) break;
-    shown /= 1000.0;
-    unit = larger;
+  constexpr std::array kUnits{"ns", "us", "ms", "s"};
+  std::size_t unit = 0;
+  while (nanoseconds >= 1000.0 && unit + 1 < kUnits.size()) {
+    nanoseconds /= 1000.0;
+    ++unit;
   }
-  std::snprintf(text, sizeof text, "%.3g %s", shown, unit);
+  char text[32];
+  const int decimals = nanoseconds < 10.0 ? 2 : nanoseconds < 100.0 ? 1 : 0;
+  std::snprintf(text, sizeof text, "%.*f %s", decimals, nanoseconds, kUnits[unit]);
   return text;
 }
 
-class ComparingReporter final : public benchmark::ConsoleReporter {
+double Nanoseconds(const Run& run) {
+  return run.GetAdjustedRealTime() * 1e9 / benchmark::GetTimeUnitMultiplier(run.time_unit);
+}
+
+// Collects the medians, in the order in which the benchmarks were registered, and prints them at
+// the end: interleaved runs finish in any order.
+class ComparingReporter final : public benchmark::BenchmarkReporter {
  public:
-  ComparingReporter() : ConsoleReporter(OO_Tabular) {}
+  bool ReportContext(const Context& context) override {
+    PrintBasicContext(&std::cerr, context);
+    return true;
+  }
 
   void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-      const bool counts = run.run_type == Run::RT_Iteration || run.aggregate_name == "median";
-      if (counts && !run.error_occurred) Remember(run);
+      if (run.error_occurred) {
+        std::fprintf(stderr, "%s: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
+      } else if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median") {
+        medians_[run.family_index] = {run.run_name.function_name, Nanoseconds(run)};
+      }
     }
+    if (::isatty(STDERR_FILENO) != 0) std::fprintf(stderr, "\r%zu measured ", medians_.size());
   }
 
   void Finalize() override {
-    std::printf("\n%-34s %12s   %s\n", "job", "ours", "peers: their time, and how many times ours");
-    for (const std::string& job : order_) {
-      const std::vector<Timing>& timings = jobs_[job];
-      if (timings.size() < 2) continue;
-      for (const Timing& ours : timings) {
-        if (ours.who == kOurs) PrintJob(job, ours, timings);
-      }
-    }
-  }
-
- private:
-  // With repetitions the median, which comes after the single runs, replaces them.
-  void Remember(const Run& run) {
-    const std::string& name = run.run_name.function_name;
-    const std::size_t slash = name.rfind('/');
-    if (slash == std::string::npos) return;
-    const std::string arguments = run.run_name.args.empty() ? "" : " " + run.run_name.args;
-    const std::string job = name.substr(0, slash) + arguments;
-    const std::string who = name.substr(slash + 1);
-    if (!jobs_.contains(job)) order_.push_back(job);
-    const double nanoseconds =
-        run.GetAdjustedRealTime() * 1e9 / benchmark::GetTimeUnitMultiplier(run.time_unit);
-    for (Timing& timing : jobs_[job]) {
-      if (timing.who == who) {
-        timing.nanoseconds = nanoseconds;
-        return;
-      }
-    }
-    jobs_[job].push_back({who, nanoseconds});
-  }
-
-  static void PrintJob(const std::string& job, const Timing& ours,
-                       const std::vector<Timing>& timings) {
-    std::printf("%-34s %12s  ", job.c_str(), TimeText(ours.nanoseconds).c_str());
-    for (const Timing& peer : timings) {
-      if (peer.who == kOurs) continue;
-      std::printf(" %s %s (%.2f)", peer.who.c_str(), TimeText(peer.nanoseconds).c_str(),
-                  peer.nanoseconds / ours.nanoseconds);
+    std::printf("\n%-34s %9s   %s\n", "", "tarvex", "peers (their time / ours)");
+    std::string line_of;
+    for (const auto& [index, median] : medians_) {
+      const std::size_t slash = std::min(median.name.rfind('/'), median.name.size());
+      const std::string job = median.name.substr(0, slash);
+      if (job != line_of)
+        StartLine(job, median.nanoseconds);
+      else
+        PrintPeer(median.name.substr(slash + 1), median.nanoseconds);
+      line_of = job;
     }
     std::printf("\n");
   }
 
-  std::vector<std::string> order_;
-  std::map<std::string, std::vector<Timing>> jobs_;
+ private:
+  struct Median {
+    std::string name;
+    double nanoseconds = 0.0;
+  };
+
+  void StartLine(const std::string& job, double nanoseconds) {
+    ours_ = nanoseconds;
+    std::printf("%s%-34s %9s  ", started_ ? "\n" : "", job.c_str(), TimeText(ours_).c_str());
+    started_ = true;
+  }
+
+  void PrintPeer(const std::string& who, double nanoseconds) const {
+    std::printf(" %s %s (%.2f) ", who.c_str(), TimeText(nanoseconds).c_str(), nanoseconds / ours_);
+  }
+
+  std::map<std::int64_t, Median> medians_;
+  double ours_ = 0.0;
+  bool started_ = false;
 };
 
 }  // namespace
 }  // namespace tarvex
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  // Ours first, so that what is given on the command line wins.
+  std::string interleaved = "--benchmark_enable_random_interleaving=true";
+  std::string repeated = "--benchmark_repetitions=5";
+  std::vector<char*> arguments{argv[0], interleaved.data(), repeated.data()};
+  arguments.insert(arguments.end(), argv + 1, argv + argc);
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
   tarvex::ComparingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   benchmark::Shutdown();

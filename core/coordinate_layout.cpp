@@ -17,8 +17,14 @@ void AppendZeros(std::string& bytes, std::size_t count) {
 }
 
 void AppendDouble(std::string& bytes, double value) {
+  char field[8];
   auto bits = std::bit_cast<std::uint64_t>(value);
-  for (int i = 0; i < 8; ++i, bits >>= 8U) bytes += static_cast<char>(bits & 0xFFU);
+  if constexpr (std::endian::native == std::endian::little) {
+    std::memcpy(field, &bits, sizeof field);
+  } else {
+    for (int i = 0; i < 8; ++i, bits >>= 8U) field[i] = static_cast<char>(bits & 0xFFU);
+  }
+  bytes.append(field, sizeof field);
 }
 
 double DecodeDouble(const char* bytes) {

@@ -33,6 +33,6 @@ struct Point {
 
 /// True when the record stands for no point: a blank description and all three coordinates within
 /// 1e-6 of zero.
-bool IsEmptySlot(const GridPoint& at, std::string_view description);
+bool IsEmptySlot(const Point& point);
 
 }  // namespace tarvex

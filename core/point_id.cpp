@@ -87,6 +87,11 @@ std::string WithoutDigitsAdvanced(std::string_view id, long long increment) {
   return next;
 }
 
+char StoredCharacter(char c) {
+  if (IsControl(c)) return ' ';
+  return c == '-' || c == ',' ? '_' : UpperCase(c);
+}
+
 }  // namespace
 
 int ComparePointIds(std::string_view a, std::string_view b) {
@@ -104,10 +109,11 @@ int ComparePointIds(std::string_view a, std::string_view b) {
 }
 
 PointId NormalisePointId(std::string_view id) {
-  const std::string line = OneLine(id);
-  std::string text(WithoutLeadingBlanks(line));
-  for (char& c : text) c = c == '-' || c == ',' ? '_' : UpperCase(c);
-  return PointId(text);
+  while (!id.empty() && (id[0] == ' ' || IsControl(id[0]))) id.remove_prefix(1);
+  char text[kPointIdLength + 1];  // one more, which tells where a character may be cut
+  const std::size_t length = std::min(id.size(), sizeof text);
+  for (std::size_t i = 0; i < length; ++i) text[i] = StoredCharacter(id[i]);
+  return PointId(std::string_view(text, length));
 }
 
 long long PointIdNumber(std::string_view id) {

@@ -7,6 +7,7 @@
 #include "core/coordinate_file.h"
 #include "core/coordinate_layout.h"
 #include "core/number_text.h"
+#include "platform/memory.h"
 
 namespace tarvex {
 namespace {
@@ -44,7 +45,7 @@ class BlockDecoder {
     for (std::size_t at = 0; at + record_size <= block.size(); at += record_size, ++first) {
       Point& point = points_.emplace_back();
       Decode(block.data() + at, first, point);
-      if (IsEmptySlot(point.at, point.description.view())) {
+      if (IsEmptySlot(point)) {
         points_.pop_back();
       } else if (!Verifies(point)) {
         return false;
@@ -80,6 +81,7 @@ class BlockDecoder {
 LoadPointsResult LoadFrom(CoordinateStream& stream, std::uint64_t count, PointList& points,
                           const PointList* verify_against, const ProgressWindow& progress) {
   points.reserve(static_cast<std::size_t>(count));
+  PreferLargePages(points.data(), points.capacity() * sizeof(Point));
   BlockDecoder decoder(stream.alphanumeric(), points, verify_against);
   ProgressTeller teller(progress, count);
   std::string block;

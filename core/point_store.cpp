@@ -40,7 +40,7 @@ ReadPointResult ReadNumbered(Job& job, long long number, CoordinateStream& strea
   if (!stream.ReadRecord(static_cast<std::uint64_t>(number - 1), read).ok()) {
     return ReadPointResult::NotFound;
   }
-  if (IsEmptySlot(read.at, read.description.view())) return ReadPointResult::EmptySlot;
+  if (IsEmptySlot(read)) return ReadPointResult::EmptySlot;
   point = read;
   return ReadPointResult::Found;
 }
@@ -63,7 +63,7 @@ ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateStream& strea
   if (!FindNamed(id, stream, position).ok() || !position.found) return ReadPointResult::NotFound;
   if (!stream.ReadRecord(position.index, read).ok()) return ReadPointResult::NotFound;
   job.found_record_position = stream.RecordOffset(position.index);
-  if (IsEmptySlot(read.at, read.description.view())) return ReadPointResult::EmptySlot;
+  if (IsEmptySlot(read)) return ReadPointResult::EmptySlot;
   point = read;
   return ReadPointResult::Found;
 }

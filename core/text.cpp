@@ -69,8 +69,7 @@ std::string_view CutAtCharacter(std::string_view text, std::size_t limit) {
 std::string OneLine(std::string_view text) {
   std::string line(text);
   for (char& c : line) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7F) c = ' ';
+    if (IsControl(c)) c = ' ';
   }
   return line;
 }

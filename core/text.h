@@ -13,6 +13,10 @@ constexpr bool IsDigit(char c) {
 constexpr bool IsBlank(char c) {
   return c == ' ' || c == '\t';
 }
+/// Line breaks and other control characters.
+constexpr bool IsControl(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
 constexpr char UpperCase(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
 }

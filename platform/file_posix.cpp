@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -40,11 +41,12 @@ class PosixFile final : public File {
 
   FileStatus WriteAt(std::uint64_t offset, std::string_view bytes) override {
     while (!bytes.empty()) {
-      const ssize_t n =
-          ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+      const std::size_t piece = std::min(bytes.size(), kLargePiece);
+      const ssize_t n = ::pwrite(descriptor_, bytes.data(), piece, static_cast<off_t>(offset));
       if (n < 0 && errno == EINTR) continue;
       if (n < 0) return LastStatus();
       if (n == 0) return {ENOSPC};
+      if (piece == kLargePiece) StartWriting(offset, n);
       bytes.remove_prefix(static_cast<std::size_t>(n));
       offset += static_cast<std::uint64_t>(n);
     }
@@ -79,6 +81,18 @@ class PosixFile final : public File {
   }
 
  private:
+  // Lets the disk begin with a large piece while the next is copied; Sync() then waits less.
+  void StartWriting(std::uint64_t offset, ssize_t size) const {
+#ifdef SYNC_FILE_RANGE_WRITE
+    (void)::sync_file_range(descriptor_, static_cast<off_t>(offset), size, SYNC_FILE_RANGE_WRITE);
+#else
+    (void)offset;
+    (void)size;
+#endif
+  }
+
+  static constexpr std::size_t kLargePiece = std::size_t{4} << 20U;
+
   int descriptor_;
 };
 
