@@ -3,7 +3,6 @@
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/coordinate_systems.h"
-#include "app/job_system.h"
 #include "app/receiver_choice.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"

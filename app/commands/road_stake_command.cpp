@@ -1,8 +1,8 @@
 // tarvex road stake: from where one stands to a station and offset of the road.
 #include "app/commands/command.h"
 #include "app/commands/road_commands.h"
+#include "app/coordinate_systems.h"
 #include "app/job_session.h"
-#include "app/job_system.h"
 #include "app/point_storing.h"
 #include "app/road_file.h"
 #include "app/stake_session.h"
@@ -90,8 +90,9 @@ ExitCode ShowReceiver(const RoadStakeOptions& options, Program& program, JobSess
   if (settled != ExitCode::Done) return settled;
   CTrgCalculator calculator;
   std::string problem;
-  if (!MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
-                      problem)) {
+  CoordinateSystems systems(program);
+  if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
+                              problem)) {
     return program.Fail(problem);
   }
   return stake.Follow(receiver, calculator, session.job().unit);
