@@ -1,7 +1,7 @@
 #include "coordsys/projections/alaska27.h"
 
 #include "coordsys/projections/auxiliary_latitude.h"
-#include "coordsys/projections/projection_kernel.h"
+#include "coordsys/projections/point_kernel.h"
 #include "core/units.h"
 
 namespace tarvex {
@@ -70,7 +70,7 @@ struct Kernel {
   // The publication's inverse series.
   void Start(Feet at, double& latitude_rad, double& west_s) const noexcept {
     const double omega = (193900.05442 + 0.00987466302498 * at.northing) / kSecondsPerRadian;
-    const Direction o = Direction::Of(omega);
+    const Direction o = Toward(omega);
     const double o2 = o.cos * o.cos;
     const double foot = omega + (1047.546691 + 6.193011 * o2 + 0.050699 * o2 * o2) * o.sin * o.cos /
                                     kSecondsPerRadian;
@@ -149,7 +149,7 @@ MadeProjection MakeTransverseMercatorAlaska27(const ProjectionParameters& parame
         std::fabs(kernel.central_meridian_s) <= kFullCircle_s)) {
     return {nullptr, ProjectionFault::Coefficients};
   }
-  return MakeOf(kernel);
+  return MakeOfPoints(kernel);
 }
 
 }  // namespace tarvex

@@ -11,6 +11,7 @@
 #include <numbers>
 
 #include "coordsys/ellipsoids.h"
+#include "coordsys/projections/lanes.h"
 
 namespace tarvex {
 
@@ -18,13 +19,14 @@ namespace tarvex {
 using SineSeries = std::array<double, 6>;
 
 /// The sum of the series, from the sine and cosine of 2x (Clenshaw).
-inline double SumOf(const SineSeries& series, double sin_2x, double cos_2x) {
-  const double k = 2.0 * cos_2x;
-  double u0 = 0.0;
-  double u1 = 0.0;
+template <typename T>
+inline T SumOf(const SineSeries& series, T sin_2x, T cos_2x) {
+  const T k = 2.0 * cos_2x;
+  T u0 = {};
+  T u1 = {};
 #pragma GCC unroll 6
   for (int j = 5; j >= 0; --j) {
-    const double u = k * u0 - u1 + series[static_cast<std::size_t>(j)];
+    const T u = k * u0 - u1 + series[static_cast<std::size_t>(j)];
     u1 = u0;
     u0 = u;
   }
@@ -32,35 +34,48 @@ inline double SumOf(const SineSeries& series, double sin_2x, double cos_2x) {
 }
 
 /// exp(w) - 1 for |w| below 0.01 to the last bit of exp(w).
-inline double SmallExpm1(double w) {
+template <typename T>
+inline T SmallExpm1(T w) {
   return w *
          (1.0 + w / 2.0 * (1.0 + w / 3.0 * (1.0 + w / 4.0 * (1.0 + w / 5.0 * (1.0 + w / 6.0)))));
 }
 
 /// Sine and cosine of an angle, as a value of their own.
-struct Direction {
-  double sin = 0.0;
-  double cos = 1.0;
+template <typename T>
+struct DirectionOf {
+  T sin = {};
+  T cos = {};
 
-  static Direction Of(double angle_rad) { return {std::sin(angle_rad), std::cos(angle_rad)}; }
-  double Sin2() const { return 2.0 * sin * cos; }
-  double Cos2() const { return (cos - sin) * (cos + sin); }
+  T Sin2() const { return 2.0 * sin * cos; }
+  T Cos2() const { return (cos - sin) * (cos + sin); }
 
   /// Turned by a small angle, below 0.01 rad, to the last bit.
-  Direction Turned(double small_rad) const {
-    const double d2 = small_rad * small_rad;
-    const double sin_d = small_rad * (1.0 - d2 / 6.0 * (1.0 - d2 / 20.0 * (1.0 - d2 / 42.0)));
-    const double cos_d_less_1 = -d2 / 2.0 * (1.0 - d2 / 12.0 * (1.0 - d2 / 30.0));
+  DirectionOf Turned(T small_rad) const {
+    const T d2 = small_rad * small_rad;
+    const T sin_d = small_rad * (1.0 - d2 / 6.0 * (1.0 - d2 / 20.0 * (1.0 - d2 / 42.0)));
+    const T cos_d_less_1 = -d2 / 2.0 * (1.0 - d2 / 12.0 * (1.0 - d2 / 30.0));
     return {sin + (cos * sin_d + sin * cos_d_less_1), cos + (cos * cos_d_less_1 - sin * sin_d)};
   }
 };
 
-/// An angle brought between -180 and +180 degrees from at most two turns away.
-inline double WrappedLongitude(double longitude_rad) {
+using Direction = DirectionOf<double>;
+using LaneDirection = DirectionOf<Lanes>;
+
+inline Direction Toward(double angle_rad) {
+  return {std::sin(angle_rad), std::cos(angle_rad)};
+}
+inline LaneDirection Toward(Lanes angle_rad) {
+  const SineCosine both = SineCosineOf(angle_rad);
+  return {both.sin, both.cos};
+}
+
+/// An angle brought between -180 and +180 degrees from a few turns away.
+inline Lanes WrappedLongitude(Lanes longitude_rad) {
   constexpr double kTurn = 2.0 * std::numbers::pi;
-  while (longitude_rad > std::numbers::pi) longitude_rad -= kTurn;
-  while (longitude_rad < -std::numbers::pi) longitude_rad += kTurn;
-  return longitude_rad;
+  return longitude_rad - ((longitude_rad * (1.0 / kTurn) + kRounder) - kRounder) * kTurn;
+}
+inline double WrappedLongitude(double longitude_rad) {
+  return WrappedLongitude(Both(longitude_rad))[0];
 }
 
 SineSeries ConformalToRectifying(double n);
@@ -89,8 +104,9 @@ struct EllipsoidConstants {
   }
 
   /// e atanh(e sin phi): what the ellipsoid takes off the isometric latitude of the sphere.
-  double EccentricPart(double sin_phi) const {
-    const double z = e2 * sin_phi * sin_phi;
+  template <typename T>
+  T EccentricPart(T sin_phi) const {
+    const T z = e2 * sin_phi * sin_phi;
     return e2 * sin_phi *
            (1.0 +
             z * (1.0 / 3.0 +
@@ -99,36 +115,39 @@ struct EllipsoidConstants {
   }
 
   /// Isometric latitude; its hyperbolic sine is the tangent of the conformal latitude.
-  double Isometric(Direction phi) const {
-    const double sphere = std::log((1.0 + std::fabs(phi.sin)) / phi.cos);
-    return std::copysign(sphere, phi.sin) - EccentricPart(phi.sin);
+  Lanes Isometric(LaneDirection phi) const {
+    const Lanes sphere = LogarithmOf((1.0 + Absolute(phi.sin)) / phi.cos);
+    return WithSignOf(sphere, phi.sin) - EccentricPart(phi.sin);
   }
-  double Isometric(double phi_rad) const { return Isometric(Direction::Of(phi_rad)); }
+  double Isometric(double phi_rad) const { return Isometric(Toward(Both(phi_rad)))[0]; }
 
   /// The conformal latitude of a geodetic one.
-  Direction Conformal(Direction phi) const {
-    const double w = EccentricPart(phi.sin);
-    const double up = SmallExpm1(w);
-    const double down = SmallExpm1(-w);
-    const double cosh_less_1 = 0.5 * (up + down);
-    const double s = phi.sin + (phi.sin * cosh_less_1 - 0.5 * (up - down));
-    const double norm = 1.0 / std::sqrt(s * s + phi.cos * phi.cos);
+  LaneDirection Conformal(LaneDirection phi) const {
+    const Lanes w = EccentricPart(phi.sin);
+    const Lanes w2 = w * w;
+    const Lanes sinh_w = w * (1.0 + w2 * (1.0 / 6.0 + w2 * (1.0 / 120.0)));
+    const Lanes cosh_less_1 = w2 * (0.5 + w2 * (1.0 / 24.0 + w2 * (1.0 / 720.0)));
+    const Lanes s = phi.sin + (phi.sin * cosh_less_1 - sinh_w);
+    const Lanes norm = 1.0 / SquareRootOf(s * s + phi.cos * phi.cos);
     return {s * norm, phi.cos * norm};
+  }
+  Direction Conformal(double phi_rad) const {
+    const LaneDirection chi = Conformal(Toward(Both(phi_rad)));
+    return {chi.sin[0], chi.cos[0]};
   }
 
   /// The geodetic latitude whose isometric latitude is the logarithm of `exp_psi`; beyond 1e16 and
   /// below 1e-16 it is a pole.
-  double FromExpIsometric(double exp_psi) const {
-    exp_psi = std::fmin(std::fmax(exp_psi, 1e-16), 1e16);
-    const double square = exp_psi * exp_psi;
-    const double norm = 1.0 / (square + 1.0);
-    const Direction chi{(square - 1.0) * norm, 2.0 * exp_psi * norm};
-    return 2.0 * std::atan(exp_psi) - std::numbers::pi / 2.0 + SumOf(delta, chi.Sin2(), chi.Cos2());
+  Lanes FromExpIsometric(Lanes exp_psi) const {
+    exp_psi = Clamped(exp_psi, 1e-16, 1e16);
+    const Lanes square = exp_psi * exp_psi;
+    const Lanes norm = 1.0 / (square + 1.0);
+    return FromConformal({(square - 1.0) * norm, 2.0 * exp_psi * norm});
   }
 
   /// The geodetic latitude of a conformal one.
-  double FromConformal(Direction chi) const {
-    return std::atan2(chi.sin, chi.cos) + SumOf(delta, chi.Sin2(), chi.Cos2());
+  Lanes FromConformal(LaneDirection chi) const {
+    return AngleOf(chi.sin, chi.cos) + SumOf(delta, chi.Sin2(), chi.Cos2());
   }
 };
 

@@ -10,8 +10,8 @@ constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kWidest = 0.1;
 constexpr double kWidestLongitude = 0.2;
 constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
-constexpr int kMostPasses = 4;
-constexpr double kClosed_m = 1e-9;
+constexpr int kPasses = 2;
+constexpr double kClosing = 1e-9;
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
@@ -23,80 +23,75 @@ struct Kernel {
   double false_northing_m = 0.0;
 
   // Easting, and northing from the equator, of a latitude given with its direction.
-  PlanePoint Series(double phi_rad, Direction phi, double lambda) const noexcept {
-    const double over_cos = 1.0 / phi.cos;
-    const double tangent = phi.sin * over_cos;
-    const double t = tangent * tangent;
-    const double c = ellipsoid.ep2 * phi.cos * phi.cos;
-    const double a1 = lambda * phi.cos;
-    const double a2 = a1 * a1;
-    const double nu = ellipsoid.RadiusOfPrimeVertical(phi.sin);
-    const double mu = phi_rad + SumOf(zeta, phi.Sin2(), phi.Cos2());
-    const double east = nu * a1 * (1.0 - t * a2 * (1.0 / 6.0 + (8.0 - t + 8.0 * c) * a2 / 120.0));
-    const double north = ellipsoid.rectifying_radius * mu +
-                         nu * tangent * a2 * (0.5 + (5.0 - t + 6.0 * c) * a2 / 24.0);
+  LanePoint Series(Lanes phi_rad, LaneDirection phi, Lanes lambda) const noexcept {
+    const Lanes tangent = phi.sin / phi.cos;
+    const Lanes t = tangent * tangent;
+    const Lanes c = ellipsoid.ep2 * phi.cos * phi.cos;
+    const Lanes a1 = lambda * phi.cos;
+    const Lanes a2 = a1 * a1;
+    const Lanes nu = ellipsoid.a / SquareRootOf(1.0 - ellipsoid.e2 * phi.sin * phi.sin);
+    const Lanes mu = phi_rad + SumOf(zeta, phi.Sin2(), phi.Cos2());
+    const Lanes east =
+        nu * a1 * (1.0 - t * a2 * (1.0 / 6.0 + (8.0 - t + 8.0 * c) * a2 * (1.0 / 120.0)));
+    const Lanes north = ellipsoid.rectifying_radius * mu +
+                        nu * tangent * a2 * (0.5 + (5.0 - t + 6.0 * c) * a2 * (1.0 / 24.0));
     return {north, east};
   }
 
-  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    const double lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
-    const Direction phi = Direction::Of(position.latitude_rad);
-    if (!(std::fabs(lambda * phi.cos) <= kWidest && std::fabs(lambda) <= kWidestLongitude &&
-          std::fabs(position.latitude_rad) <= kFarthestLatitude)) {
-      return ProjectionResult::OutsideDomain;
-    }
-    const PlanePoint at = Series(position.latitude_rad, phi, lambda);
+  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+    const Lanes lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    const LaneDirection phi = Toward(position.latitude_rad);
+    const LanePoint at = Series(position.latitude_rad, phi, lambda);
     point.easting_m = false_easting_m + at.easting_m;
     point.northing_m = false_northing_m + at.northing_m - origin_arc_m;
-    return ProjectionResult::Done;
+    return Holds(position.latitude_rad, phi, lambda, 0.0);
   }
 
-  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const double north = point.northing_m - false_northing_m + origin_arc_m;
-    const double east = point.easting_m - false_easting_m;
-    const double mu = north / ellipsoid.rectifying_radius;
-    if (!(std::fabs(mu) < kFarthestLatitude + 0.1 &&
-          std::fabs(east) < 1.1 * kWidest * ellipsoid.a)) {
-      return ProjectionResult::OutsideDomain;
-    }
-    const Direction at = Direction::Of(mu);
-    const double correction = SumOf(eta, at.Sin2(), at.Cos2());
-    const Direction foot = at.Turned(correction);
-    const double t = foot.sin * foot.sin / (foot.cos * foot.cos);
-    const double d = east / ellipsoid.RadiusOfPrimeVertical(foot.sin);
-    const double d2 = d * d;
-    const double w2 = 1.0 - ellipsoid.e2 * foot.sin * foot.sin;
-    const double drop =
-        foot.sin / foot.cos * w2 / (1.0 - ellipsoid.e2) * d2 * (0.5 - (1.0 + 3.0 * t) * d2 / 24.0);
-    double phi = mu + correction - drop;
-    double lambda = d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 / 15.0)) / foot.cos;
-    if (!Improve(north, east, phi, lambda)) return ProjectionResult::OutsideDomain;
+  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+    const Lanes north = point.northing_m - false_northing_m + origin_arc_m;
+    const Lanes east = point.easting_m - false_easting_m;
+    const Lanes mu = north / ellipsoid.rectifying_radius;
+    const LaneMask in_reach = Within(mu, kQuarter) & Within(east, 1.1 * kWidest * ellipsoid.a);
+    const LaneDirection at_mu = Toward(mu);
+    const Lanes correction = SumOf(eta, at_mu.Sin2(), at_mu.Cos2());
+    LaneDirection at = at_mu.Turned(correction);
+    const Lanes over_cos = 1.0 / at.cos;
+    const Lanes t = at.sin * at.sin * over_cos * over_cos;
+    const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
+    const Lanes d = east * SquareRootOf(w2) / ellipsoid.a;
+    const Lanes d2 = d * d;
+    const Lanes drop = at.sin * over_cos * w2 / (1.0 - ellipsoid.e2) * d2 *
+                       (0.5 - (1.0 + 3.0 * t) * d2 * (1.0 / 24.0));
+    Lanes phi = mu + correction - drop;
+    Lanes lambda =
+        d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 * (1.0 / 15.0))) * over_cos;
+    at = at.Turned(-drop);
+    for (int pass = 0; pass < kPasses; ++pass) Improve(north, east, phi, at, lambda);
     position.latitude_rad = phi;
     position.longitude_rad = WrappedLongitude(central_meridian_rad + lambda);
-    return ProjectionResult::Done;
+    return in_reach & Holds(phi, at, lambda, kClosing);
   }
 
-  // Moves the position until its series meets the point; false where it lies outside.
-  bool Improve(double north, double east, double& phi, double& lambda) const noexcept {
-    Direction at = Direction::Of(phi);
-    for (int pass = 0; pass < kMostPasses; ++pass) {
-      if (!(std::fabs(lambda * at.cos) <= kWidest * (1.0 + 1e-9) &&
-            std::fabs(lambda) <= kWidestLongitude * (1.0 + 1e-9) &&
-            std::fabs(phi) <= kFarthestLatitude + 1e-9)) {
-        return false;
-      }
-      const PlanePoint reached = Series(phi, at, lambda);
-      const double d_north = north - reached.northing_m;
-      const double d_east = east - reached.easting_m;
-      if (std::fabs(d_north) < kClosed_m && std::fabs(d_east) < kClosed_m) break;
-      const double w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
-      const double over_nu = std::sqrt(w2) / ellipsoid.a;
-      const double d_phi = d_north * over_nu * w2 / (1.0 - ellipsoid.e2);
-      phi += d_phi;
-      lambda += d_east * over_nu / at.cos;
-      at = at.Turned(d_phi);
-    }
-    return true;
+  LaneMask Holds(Lanes phi_rad, LaneDirection phi, Lanes lambda, double closing) const noexcept {
+    return Within(lambda * phi.cos, kWidest + closing) &
+           Within(lambda, kWidestLongitude + closing) &
+           Within(phi_rad, kFarthestLatitude + closing);
+  }
+
+  // One step of Newton towards the point; s is the slope between the directions of the grid and of
+  // the ellipsoid.
+  void Improve(Lanes north, Lanes east, Lanes& phi, LaneDirection& at,
+               Lanes& lambda) const noexcept {
+    const LanePoint reached = Series(phi, at, lambda);
+    const Lanes d_north = north - reached.northing_m;
+    const Lanes d_east = east - reached.easting_m;
+    const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
+    const Lanes s = at.sin * lambda;
+    const Lanes over = SquareRootOf(w2) / (ellipsoid.a * (1.0 + s * s));
+    const Lanes d_phi = (d_north - d_east * s) * over * w2 * (1.0 / (1.0 - ellipsoid.e2));
+    lambda += (d_east + d_north * s) * over / at.cos;
+    phi += d_phi;
+    at = at.Turned(d_phi);
   }
 };
 
@@ -109,7 +104,7 @@ MadeProjection MakeCassiniSoldner(const ProjectionParameters& parameters) {
   kernel.ellipsoid = ConstantsOf(parameters.ellipsoid);
   kernel.zeta = GeodeticToRectifying(kernel.ellipsoid.n);
   kernel.eta = RectifyingToGeodetic(kernel.ellipsoid.n);
-  const Direction origin = Direction::Of(phi0);
+  const Direction origin = Toward(phi0);
   kernel.origin_arc_m = kernel.ellipsoid.rectifying_radius *
                         (phi0 + SumOf(kernel.zeta, origin.Sin2(), origin.Cos2()));
   kernel.central_meridian_rad = parameters.central_meridian_rad;

@@ -20,40 +20,38 @@ struct Kernel {
   EllipsoidConstants ellipsoid;
   double n = 0.0;
   double over_n = 0.0;
+  double sign = 1.0;           ///< of n: towards the pole of the cone
+  double widest_theta = 0.0;   ///< beyond it lies the gap of the fan
   double apex_radius_m = 0.0;  ///< radius where psi is 0; negative with n
   double central_meridian_rad = 0.0;
   double false_easting_m = 0.0;
   double apex_northing_m = 0.0;
 
-  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    const double phi = position.latitude_rad;
-    if (n * phi < 0.0 && std::fabs(phi) > kFarthestLatitude) return ProjectionResult::OutsideDomain;
-    const double lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
-    const double r =
-        apex_radius_m * std::exp(-n * ellipsoid.Isometric(Direction::Of(position.latitude_rad)));
-    const Direction theta = Direction::Of(n * lambda);
+  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+    const Lanes phi = position.latitude_rad;
+
+    const Lanes lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    const Lanes r =
+        apex_radius_m * ExponentialOf(-n * ellipsoid.Isometric(Toward(position.latitude_rad)));
+    const LaneDirection theta = Toward(n * lambda);
     point.easting_m = false_easting_m + r * theta.sin;
     point.northing_m = apex_northing_m - r * theta.cos;
-    return ProjectionResult::Done;
+    return AtMost(Both(-kFarthestLatitude), sign * phi);
   }
 
-  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const double sign = n < 0.0 ? -1.0 : 1.0;
-    const double x = sign * (point.easting_m - false_easting_m);
-    const double y = sign * (apex_northing_m - point.northing_m);
-    const double theta = std::atan2(x, y);
-    if (std::fabs(theta) > std::fabs(n) * std::numbers::pi * (1.0 + 1e-12)) {
-      return ProjectionResult::OutsideDomain;  // the gap of the fan
-    }
-    const double square = (x * x + y * y) / (apex_radius_m * apex_radius_m);
-    const double exp_psi = std::exp(-0.5 * over_n * std::log(square));
-    const double phi = ellipsoid.FromExpIsometric(exp_psi);
-    if (n * phi < 0.0 && std::fabs(phi) > kFarthestLatitude + 1e-9) {
-      return ProjectionResult::OutsideDomain;
-    }
+  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+    const Lanes x = sign * (point.easting_m - false_easting_m);
+    const Lanes y = sign * (apex_northing_m - point.northing_m);
+    const Lanes theta = AngleOf(x, y);
+
+    const Lanes square = (x * x + y * y) / (apex_radius_m * apex_radius_m);
+    const Lanes exp_psi = ExponentialOf(-0.5 * over_n * LogarithmOf(square));
+    const Lanes phi = ellipsoid.FromExpIsometric(exp_psi);
+
     position.latitude_rad = phi;
     position.longitude_rad = WrappedLongitude(central_meridian_rad + theta * over_n);
-    return ProjectionResult::Done;
+    const LaneMask in_fan = Within(theta, widest_theta);
+    return in_fan & AtMost(Both(-kFarthestLatitude - 1e-9), sign * phi);
   }
 };
 
@@ -68,6 +66,8 @@ Kernel ConeOf(const ProjectionParameters& parameters, const EllipsoidConstants& 
   kernel.ellipsoid = c;
   kernel.n = n;
   kernel.over_n = 1.0 / n;
+  kernel.sign = n < 0.0 ? -1.0 : 1.0;
+  kernel.widest_theta = std::fabs(n) * std::numbers::pi * (1.0 + 1e-12);
   kernel.apex_radius_m = radius1 * std::exp(n * psi1);
   const double origin_radius =
       polar ? 0.0 : kernel.apex_radius_m * std::exp(-n * c.Isometric(phi0));

@@ -29,46 +29,42 @@ struct Kernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    const double exp_w =
-        std::exp(ln_h + b * ellipsoid.Isometric(Direction::Of(position.latitude_rad)));
-    const double over_exp_w = 1.0 / exp_w;
-    const double sinh_w = 0.5 * (exp_w - over_exp_w);
-    const double over_cosh_w = 2.0 / (exp_w + over_exp_w);
-    const Direction d = Direction::Of(b * WrappedLongitude(position.longitude_rad - lambda0_rad));
-    const double across = (sinh_w * g0.sin - d.sin * g0.cos) * over_cosh_w;
-    const double along =
-        WrappedLongitude(std::atan2(sinh_w * g0.cos + d.sin * g0.sin, d.cos) - centre_angle);
-    if (!(std::fabs(across) <= kFarthestAcross && std::fabs(along) <= kQuarter)) {
-      return ProjectionResult::OutsideDomain;
-    }
-    const double v = -0.5 * radius_m * std::log((1.0 + across) / (1.0 - across));
-    const double u = radius_m * (along + centre_angle - origin_angle);
+  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+    const Lanes exp_w =
+        ExponentialOf(ln_h + b * ellipsoid.Isometric(Toward(position.latitude_rad)));
+    const Lanes over_exp_w = 1.0 / exp_w;
+    const Lanes sinh_w = 0.5 * (exp_w - over_exp_w);
+    const Lanes over_cosh_w = 2.0 / (exp_w + over_exp_w);
+    const LaneDirection d = Toward(b * WrappedLongitude(position.longitude_rad - lambda0_rad));
+    const Lanes across = (sinh_w * g0.sin - d.sin * g0.cos) * over_cosh_w;
+    const Lanes along =
+        WrappedLongitude(AngleOf(sinh_w * g0.cos + d.sin * g0.sin, d.cos) - centre_angle);
+
+    const Lanes v = -0.5 * radius_m * LogarithmOf((1.0 + across) / (1.0 - across));
+    const Lanes u = radius_m * (along + centre_angle - origin_angle);
     point.easting_m = false_easting_m + v * gc.cos + u * gc.sin;
     point.northing_m = false_northing_m + u * gc.cos - v * gc.sin;
-    return ProjectionResult::Done;
+    return Within(across, kFarthestAcross) & Within(along, kQuarter);
   }
 
-  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const double x = (point.easting_m - false_easting_m) / radius_m;
-    const double y = (point.northing_m - false_northing_m) / radius_m;
-    const double v = x * gc.cos - y * gc.sin;
-    const double u = y * gc.cos + x * gc.sin + origin_angle;
-    if (!(std::fabs(v) <= kFarthestAcrossIsometric + kClosing &&
-          std::fabs(u - centre_angle) <= kQuarter + kClosing)) {
-      return ProjectionResult::OutsideDomain;
-    }
-    const double exp_v = std::exp(-v);
-    const double over_exp_v = 1.0 / exp_v;
-    const double sinh_v = 0.5 * (exp_v - over_exp_v);
-    const Direction z = Direction::Of(u);
-    const double sine =
-        std::clamp(2.0 * (z.sin * g0.cos + sinh_v * g0.sin) / (exp_v + over_exp_v), -1.0, 1.0);
-    const double psi = (0.5 * std::log((1.0 + sine) / (1.0 - sine)) - ln_h) * over_b;
-    position.latitude_rad = ellipsoid.FromExpIsometric(std::exp(psi));
-    position.longitude_rad = WrappedLongitude(
-        lambda0_rad - std::atan2(sinh_v * g0.cos - z.sin * g0.sin, z.cos) * over_b);
-    return ProjectionResult::Done;
+  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+    const Lanes x = (point.easting_m - false_easting_m) / radius_m;
+    const Lanes y = (point.northing_m - false_northing_m) / radius_m;
+    const Lanes v = x * gc.cos - y * gc.sin;
+    const Lanes u = y * gc.cos + x * gc.sin + origin_angle;
+
+    const Lanes exp_v = ExponentialOf(-v);
+    const Lanes over_exp_v = 1.0 / exp_v;
+    const Lanes sinh_v = 0.5 * (exp_v - over_exp_v);
+    const LaneDirection z = Toward(u);
+    const Lanes sine =
+        Clamped(2.0 * (z.sin * g0.cos + sinh_v * g0.sin) / (exp_v + over_exp_v), -1.0, 1.0);
+    const Lanes psi = (0.5 * LogarithmOf((1.0 + sine) / (1.0 - sine)) - ln_h) * over_b;
+    position.latitude_rad = ellipsoid.FromExpIsometric(ExponentialOf(psi));
+    position.longitude_rad =
+        WrappedLongitude(lambda0_rad - AngleOf(sinh_v * g0.cos - z.sin * g0.sin, z.cos) * over_b);
+    return Within(v, kFarthestAcrossIsometric + kClosing) &
+           Within(u - centre_angle, kQuarter + kClosing);
   }
 };
 
@@ -91,7 +87,7 @@ MadeProjection Make(const ProjectionParameters& parameters, bool false_origin_at
     return {nullptr, ProjectionFault::Azimuth};
   }
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
-  const Direction centre = Direction::Of(phi);
+  const Direction centre = Toward(phi);
   const double cos2 = centre.cos * centre.cos;
   const double w2 = 1.0 - c.e2 * centre.sin * centre.sin;
   Kernel kernel;
@@ -102,14 +98,14 @@ MadeProjection Make(const ProjectionParameters& parameters, bool false_origin_at
   const double d = kernel.b * std::sqrt(1.0 - c.e2) / (centre.cos * std::sqrt(w2));
   const double root = std::sqrt(std::max(d * d - 1.0, 0.0));
   const double f = d + (phi < 0.0 ? -root : root);
-  kernel.ln_h = std::log(f) - kernel.b * c.Isometric(centre);
+  kernel.ln_h = std::log(f) - kernel.b * c.Isometric(phi);
   kernel.g0.sin = std::sin(azimuth) / d;
   kernel.g0.cos = std::sqrt(1.0 - kernel.g0.sin * kernel.g0.sin);
   const double sine = 0.5 * (f - 1.0 / f) * kernel.g0.sin / kernel.g0.cos;
   const double lambda_c = parameters.central_meridian_rad;
   kernel.lambda0_rad = lambda_c - std::asin(std::clamp(sine, -1.0, 1.0)) / kernel.b;
   const bool rectified_given = parameters.rectified_angle_rad != 0.0;
-  kernel.gc = Direction::Of(rectified_given ? parameters.rectified_angle_rad : azimuth);
+  kernel.gc = Toward(rectified_given ? parameters.rectified_angle_rad : azimuth);
   kernel.centre_angle = CentreAngle(kernel, d, phi, azimuth, lambda_c);
   kernel.origin_angle = false_origin_at_centre ? kernel.centre_angle : 0.0;
   kernel.false_easting_m = parameters.false_easting_m;

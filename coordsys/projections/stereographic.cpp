@@ -9,6 +9,7 @@ namespace {
 constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kAtPole = kQuarter * (1.0 - 1e-12);
 constexpr double kFarthestDenominator = 0.034;  // 1 + cos of 165 degrees
+constexpr double kFarthestSine = -0.966;        // of 75 degrees beyond the equator
 constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degrees and a little
 
 struct ObliqueKernel {
@@ -19,31 +20,28 @@ struct ObliqueKernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    const Direction chi = ellipsoid.Conformal(Direction::Of(position.latitude_rad));
-    const Direction l =
-        Direction::Of(WrappedLongitude(position.longitude_rad - central_meridian_rad));
-    const double b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
-    if (!(b >= kFarthestDenominator)) return ProjectionResult::OutsideDomain;
-    const double scale = diameter_m / b;
+  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+    const LaneDirection chi = ellipsoid.Conformal(Toward(position.latitude_rad));
+    const LaneDirection l = Toward(WrappedLongitude(position.longitude_rad - central_meridian_rad));
+    const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
+    const Lanes scale = diameter_m / b;
     point.easting_m = false_easting_m + scale * chi.cos * l.sin;
     point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
-    return ProjectionResult::Done;
+    return AtMost(Both(kFarthestDenominator), b);
   }
 
-  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const double x = (point.easting_m - false_easting_m) / diameter_m;
-    const double y = (point.northing_m - false_northing_m) / diameter_m;
-    const double square = x * x + y * y;
-    if (!(square <= kFarthestRadius * kFarthestRadius)) return ProjectionResult::OutsideDomain;
-    const double g = 2.0 / (1.0 + square);
-    const double cos_d = 1.0 - square * g;
-    const double p = chi0.cos * cos_d - y * g * chi0.sin;
-    const double v = x * g;
-    const Direction chi{cos_d * chi0.sin + y * g * chi0.cos, std::sqrt(p * p + v * v)};
+  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+    const Lanes x = (point.easting_m - false_easting_m) / diameter_m;
+    const Lanes y = (point.northing_m - false_northing_m) / diameter_m;
+    const Lanes square = x * x + y * y;
+    const Lanes g = 2.0 / (1.0 + square);
+    const Lanes cos_d = 1.0 - square * g;
+    const Lanes p = chi0.cos * cos_d - y * g * chi0.sin;
+    const Lanes v = x * g;
+    const LaneDirection chi{cos_d * chi0.sin + y * g * chi0.cos, SquareRootOf(p * p + v * v)};
     position.latitude_rad = ellipsoid.FromConformal(chi);
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + std::atan2(v, p));
-    return ProjectionResult::Done;
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(v, p));
+    return AtMost(square, Both(kFarthestRadius * kFarthestRadius));
   }
 };
 
@@ -56,30 +54,26 @@ struct PolarKernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    Direction phi = Direction::Of(position.latitude_rad);
+  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+    LaneDirection phi = Toward(position.latitude_rad);
     phi.sin *= pole;
-    if (!(phi.sin > -0.966)) return ProjectionResult::OutsideDomain;  // sine of 75 degrees
-    const double stretch = SmallExpm1(ellipsoid.EccentricPart(phi.sin));
-    const double r = c_m * phi.cos / (1.0 + phi.sin) * (1.0 + stretch);
-    const Direction lambda = Direction::Of(position.longitude_rad - central_meridian_rad);
+    const Lanes stretch = SmallExpm1(ellipsoid.EccentricPart(phi.sin));
+    const Lanes r = c_m * phi.cos / (1.0 + phi.sin) * (1.0 + stretch);
+    const LaneDirection lambda = Toward(position.longitude_rad - central_meridian_rad);
     point.easting_m = false_easting_m + r * lambda.sin;
     point.northing_m = false_northing_m - pole * r * lambda.cos;
-    return ProjectionResult::Done;
+    return Less(Both(kFarthestSine), phi.sin);
   }
 
-  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const double x = point.easting_m - false_easting_m;
-    const double y = pole * (false_northing_m - point.northing_m);
-    const double t = std::sqrt(x * x + y * y) / c_m;
-    if (!(t <= kFarthestRadius)) return ProjectionResult::OutsideDomain;
-    const double norm = 1.0 / (1.0 + t * t);
-    const Direction chi{(1.0 - t * t) * norm, 2.0 * t * norm};
-    const double phi =
-        kQuarter - 2.0 * std::atan(t) + SumOf(ellipsoid.delta, chi.Sin2(), chi.Cos2());
-    position.latitude_rad = pole * phi;
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + std::atan2(x, y));
-    return ProjectionResult::Done;
+  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+    const Lanes x = point.easting_m - false_easting_m;
+    const Lanes y = pole * (false_northing_m - point.northing_m);
+    const Lanes t = SquareRootOf(x * x + y * y) / c_m;
+    const Lanes norm = 1.0 / (1.0 + t * t);
+    const LaneDirection chi{(1.0 - t * t) * norm, 2.0 * t * norm};
+    position.latitude_rad = pole * ellipsoid.FromConformal(chi);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(x, y));
+    return AtMost(t, Both(kFarthestRadius));
   }
 };
 
@@ -102,10 +96,10 @@ MadeProjection MakeStereographic(const ProjectionParameters& parameters) {
   if (!(std::fabs(phi0) <= kQuarter)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   if (std::fabs(phi0) >= kAtPole) return MakePolar(parameters, c);
-  const Direction origin = Direction::Of(phi0);
+  const Direction origin = Toward(phi0);
   ObliqueKernel kernel;
   kernel.ellipsoid = c;
-  kernel.chi0 = c.Conformal(origin);
+  kernel.chi0 = c.Conformal(phi0);
   kernel.diameter_m = 2.0 * parameters.scale_factor * c.RadiusOfPrimeVertical(origin.sin) *
                       origin.cos / kernel.chi0.cos;
   kernel.central_meridian_rad = parameters.central_meridian_rad;

@@ -11,15 +11,14 @@ constexpr double kFarthestXi = std::numbers::pi * 110.0 / 180.0;
 constexpr double kClosing = 1e-9;  // what an inverse may be over the edge that a forward kept
 
 struct Complex {
-  double re = 0.0;
-  double im = 0.0;
+  Lanes re = {};
+  Lanes im = {};
 };
 
 // sum c_j sin(2 j (xi + i eta)), from the (hyperbolic) sine and cosine of 2 xi and 2 eta.
-inline Complex SumOf(const SineSeries& series, double sin2, double cos2, double sinh2,
-                     double cosh2) {
-  const double k_re = 2.0 * cos2 * cosh2;
-  const double k_im = -2.0 * sin2 * sinh2;
+inline Complex SumOf(const SineSeries& series, Lanes sin2, Lanes cos2, Lanes sinh2, Lanes cosh2) {
+  const Lanes k_re = 2.0 * cos2 * cosh2;
+  const Lanes k_im = -2.0 * sin2 * sinh2;
   Complex u0;
   Complex u1;
 #pragma GCC unroll 6
@@ -29,8 +28,8 @@ inline Complex SumOf(const SineSeries& series, double sin2, double cos2, double 
     u1 = u0;
     u0 = u;
   }
-  const double s_re = sin2 * cosh2;
-  const double s_im = cos2 * sinh2;
+  const Lanes s_re = sin2 * cosh2;
+  const Lanes s_im = cos2 * sinh2;
   return {s_re * u0.re - s_im * u0.im, s_re * u0.im + s_im * u0.re};
 }
 
@@ -46,57 +45,50 @@ struct Kernel {
 
   // Everything comes from the conformal latitude chi and lambda by algebra: tanh eta' is
   // v = cos chi sin lambda, and q2 = 1 - v^2 the square of cos chi cos lambda and sin chi.
-  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    const Direction lambda =
-        Direction::Of(WrappedLongitude(position.longitude_rad - central_meridian_rad));
-    const Direction chi = ellipsoid.Conformal(Direction::Of(position.latitude_rad));
-    const double v = chi.cos * lambda.sin;
-    const double forth = chi.cos * lambda.cos;
-    const double q2 = chi.sin * chi.sin + forth * forth;
-    const double over_q2 = 1.0 / q2;
-    const double xi = std::atan2(chi.sin, forth);
-    const double eta = 0.5 * std::log((1.0 + v) * (1.0 + v) * over_q2);
-    if (!(std::fabs(eta) <= kWidestEta && std::fabs(xi) <= kFarthestXi)) {
-      return ProjectionResult::OutsideDomain;
-    }
+  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+    const LaneDirection lambda =
+        Toward(WrappedLongitude(position.longitude_rad - central_meridian_rad));
+    const LaneDirection chi = ellipsoid.Conformal(Toward(position.latitude_rad));
+    const Lanes v = chi.cos * lambda.sin;
+    const Lanes forth = chi.cos * lambda.cos;
+    const Lanes q2 = chi.sin * chi.sin + forth * forth;
+    const Lanes over_q2 = 1.0 / q2;
+    const Lanes xi = AngleOf(chi.sin, forth);
+    const Lanes eta = 0.5 * LogarithmOf((1.0 + v) * (1.0 + v) * over_q2);
+
     const Complex sum = SumOf(alpha, 2.0 * chi.sin * forth * over_q2,
                               (forth - chi.sin) * (forth + chi.sin) * over_q2, 2.0 * v * over_q2,
                               (1.0 + v * v) * over_q2);
     point.northing_m = false_northing_m + radius_m * (xi - origin_xi + sum.re);
     point.easting_m = false_easting_m + radius_m * (eta + sum.im);
-    return ProjectionResult::Done;
+    return Within(eta, kWidestEta) & Within(xi, kFarthestXi);
   }
 
-  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const double xi = (point.northing_m - false_northing_m) / radius_m + origin_xi;
-    const double eta = (point.easting_m - false_easting_m) / radius_m;
-    if (!(std::fabs(eta) <= kWidestEta + 0.01 && std::fabs(xi) <= kFarthestXi + 0.01)) {
-      return ProjectionResult::OutsideDomain;
-    }
-    const Direction at = Direction::Of(xi);
-    const double exp_eta = std::exp(eta);
-    const double exp_2eta = exp_eta * exp_eta;
-    const double over_exp_2eta = 1.0 / exp_2eta;
+  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+    const Lanes xi = (point.northing_m - false_northing_m) / radius_m + origin_xi;
+    const Lanes eta = (point.easting_m - false_easting_m) / radius_m;
+    const LaneMask in_reach = Within(eta, kWidestEta + 0.01) & Within(xi, kFarthestXi + 0.01);
+    const LaneDirection at = Toward(xi);
+    const Lanes exp_eta = ExponentialOf(eta);
+    const Lanes exp_2eta = exp_eta * exp_eta;
+    const Lanes over_exp_2eta = 1.0 / exp_2eta;
     const Complex sum = SumOf(beta, at.Sin2(), at.Cos2(), 0.5 * (exp_2eta - over_exp_2eta),
                               0.5 * (exp_2eta + over_exp_2eta));
-    const double eta_c = eta - sum.im;
-    if (!(std::fabs(eta_c) <= kWidestEta + kClosing &&
-          std::fabs(xi - sum.re) <= kFarthestXi + kClosing)) {
-      return ProjectionResult::OutsideDomain;
-    }
-    const Direction xi_c = at.Turned(-sum.re);
-    const double exp_eta_c = exp_eta + exp_eta * SmallExpm1(-sum.im);
-    const double sinh_eta = 0.5 * (exp_eta_c - 1.0 / exp_eta_c);
-    const double forth2 = sinh_eta * sinh_eta + xi_c.cos * xi_c.cos;
-    const double forth = std::sqrt(forth2);
-    const double norm2 = 1.0 / (1.0 + sinh_eta * sinh_eta);
-    const double sin_2chi = 2.0 * xi_c.sin * forth * norm2;
-    const double cos_2chi = (forth2 - xi_c.sin * xi_c.sin) * norm2;
+    const Lanes eta_c = eta - sum.im;
+
+    const LaneDirection xi_c = at.Turned(-sum.re);
+    const Lanes exp_eta_c = exp_eta + exp_eta * SmallExpm1(-sum.im);
+    const Lanes sinh_eta = 0.5 * (exp_eta_c - 1.0 / exp_eta_c);
+    const Lanes forth2 = sinh_eta * sinh_eta + xi_c.cos * xi_c.cos;
+    const Lanes forth = SquareRootOf(forth2);
+    const Lanes norm2 = 1.0 / (1.0 + sinh_eta * sinh_eta);
+    const Lanes sin_2chi = 2.0 * xi_c.sin * forth * norm2;
+    const Lanes cos_2chi = (forth2 - xi_c.sin * xi_c.sin) * norm2;
     position.latitude_rad =
-        std::atan2(xi_c.sin, forth) + tarvex::SumOf(ellipsoid.delta, sin_2chi, cos_2chi);
-    position.longitude_rad =
-        WrappedLongitude(central_meridian_rad + std::atan2(sinh_eta, xi_c.cos));
-    return ProjectionResult::Done;
+        AngleOf(xi_c.sin, forth) + tarvex::SumOf(ellipsoid.delta, sin_2chi, cos_2chi);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(sinh_eta, xi_c.cos));
+    return in_reach & Within(eta_c, kWidestEta + kClosing) &
+           Within(xi - sum.re, kFarthestXi + kClosing);
   }
 };
 

@@ -1,0 +1,198 @@
+// Elementary functions over two doubles side by side ("lanes"), without branches and without the C
+// library: a projection written over lanes converts arrays two points at a time, and a single point
+// in both lanes at once, with the same bits.
+//
+// Two lanes are what every x86-64 and ARM64 has. The functions are those of the freely
+// distributable math library of Sun Microsystems (fdlibm), good to one unit in the last place over
+// the ranges stated; outside them the result is some number, never a trap.
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace tarvex {
+
+using Lanes = double __attribute__((vector_size(16)));
+
+/// A truth value per lane, all bits or none; also the bit pattern of the doubles.
+using LaneMask = std::int64_t __attribute__((vector_size(16)));
+
+inline LaneMask BitsOf(Lanes x) {
+  return std::bit_cast<LaneMask>(x);
+}
+inline Lanes FromBits(LaneMask bits) {
+  return std::bit_cast<Lanes>(bits);
+}
+/// The same value in both lanes.
+inline Lanes Both(double x) {
+  return Lanes{x, x};
+}
+
+inline LaneMask Less(Lanes a, Lanes b) {
+  return std::bit_cast<LaneMask>(a < b);
+}
+/// False when either is not a number.
+inline LaneMask AtMost(Lanes a, Lanes b) {
+  return std::bit_cast<LaneMask>(a <= b);
+}
+inline Lanes Select(LaneMask mask, Lanes a, Lanes b) {
+  return FromBits((mask & BitsOf(a)) | (~mask & BitsOf(b)));
+}
+
+inline Lanes SquareRootOf(Lanes x) {
+#if defined(__SSE2__)
+  return std::bit_cast<Lanes>(_mm_sqrt_pd(std::bit_cast<__m128d>(x)));
+#else
+  return Lanes{__builtin_sqrt(x[0]), __builtin_sqrt(x[1])};
+#endif
+}
+
+inline constexpr std::int64_t kSignBit = INT64_MIN;
+
+inline Lanes Absolute(Lanes x) {
+  return FromBits(BitsOf(x) & ~kSignBit);
+}
+/// The magnitude of `a` with the sign of `b`.
+inline Lanes WithSignOf(Lanes a, Lanes b) {
+  return FromBits((BitsOf(a) & ~kSignBit) | (BitsOf(b) & kSignBit));
+}
+inline Lanes Clamped(Lanes x, double low, double high) {
+  x = Select(Less(x, Both(low)), Both(low), x);
+  return Select(Less(Both(high), x), Both(high), x);
+}
+inline LaneMask Within(Lanes x, double limit) {
+  return AtMost(Absolute(x), Both(limit));
+}
+
+/// Adding it rounds to an integer, whose low bits are then the low bits of the sum.
+inline constexpr double kRounder = 6755399441055744.0;  // 1.5 * 2^52
+
+struct SineCosine {
+  Lanes sin;
+  Lanes cos;
+};
+
+/// Sine and cosine of an angle up to a few turns.
+inline SineCosine SineCosineOf(Lanes x) {
+  constexpr double kTwoOverPi = 6.36619772367581382433e-01;
+  constexpr double kPart1 = 1.57079632673412561417e+00;  // 33 bits each
+  constexpr double kPart2 = 6.07710050630396597660e-11;
+  constexpr double kPart3 = 2.02226624871116645580e-21;
+  const Lanes rounded = x * kTwoOverPi + kRounder;
+  const Lanes k = rounded - kRounder;
+  const LaneMask quadrant = BitsOf(rounded);
+  const Lanes r = ((x - k * kPart1) - k * kPart2) - k * kPart3;
+  const Lanes z = r * r;
+  const Lanes sine =
+      r + r * z *
+              (-1.66666666666666324348e-01 +
+               z * (8.33333333332248946124e-03 +
+                    z * (-1.98412698298579493134e-04 +
+                         z * (2.75573137070700676789e-06 + z * (-2.50507602534068634195e-08 +
+                                                                z * 1.58969099521155010221e-10)))));
+  const Lanes tail =
+      z * z *
+      (4.16666666666666019037e-02 +
+       z * (-1.38888888888741095749e-03 +
+            z * (2.48015872894767294178e-05 +
+                 z * (-2.75573143513906633035e-07 +
+                      z * (2.08757232129817482790e-09 - z * 1.13596475577881948265e-11)))));
+  const Lanes half = 0.5 * z;
+  const Lanes w = 1.0 - half;
+  const Lanes cosine = w + (((1.0 - w) - half) + tail);
+  const LaneMask odd = -(quadrant & 1);
+  const LaneMask sine_sign = (quadrant & 2) << 62;
+  const LaneMask cosine_sign = ((quadrant + 1) & 2) << 62;
+  return {FromBits(BitsOf(Select(odd, cosine, sine)) ^ sine_sign),
+          FromBits(BitsOf(Select(odd, sine, cosine)) ^ cosine_sign)};
+}
+
+/// atan2: the angle of the direction (x, y), -pi to pi; 0 for no direction at all.
+inline Lanes AngleOf(Lanes y, Lanes x) {
+  constexpr double kTanEighth = 0.41421356237309503;
+  constexpr double kPi = 3.14159265358979311600e+00;
+  constexpr double kPiLow = 1.22464679914735317723e-16;
+  const Lanes ay = Absolute(y);
+  const Lanes ax = Absolute(x);
+  const LaneMask steep = Less(ax, ay);
+  const Lanes small = Select(steep, ax, ay);
+  const Lanes large = Select(steep, ay, ax);
+  const LaneMask upper = Less(large * kTanEighth, small);  // turned by 45 degrees
+  const Lanes numerator = Select(upper, small - large, small);
+  const Lanes denominator = Select(upper, small + large, large);
+  const Lanes r = numerator / Select(Less(Both(0.0), denominator), denominator, Both(1.0));
+  const Lanes z = r * r;
+  const Lanes w = z * z;
+  const Lanes even =
+      z * (3.33333333333329318027e-01 +
+           w * (1.42857142725034663711e-01 +
+                w * (9.09088713343650656196e-02 +
+                     w * (6.66107313738753120669e-02 +
+                          w * (4.97687799461593236017e-02 + w * 1.62858201153657823623e-02)))));
+  const Lanes odd =
+      w * (-1.99999999998764832476e-01 +
+           w * (-1.11111104054623557880e-01 +
+                w * (-7.69187620504482999495e-02 +
+                     w * (-5.83357013379057348645e-02 + w * -3.65315727442169155270e-02))));
+  // What is added to +-(the arc of r): a multiple of 45 degrees, in two parts.
+  const Lanes arc = r - r * (even + odd);
+  const Lanes eighth = Select(upper, Both(0.25), Both(0.0));
+  const LaneMask left = BitsOf(x) >> 63;
+  Lanes multiple = Select(steep, 0.5 - eighth, eighth);
+  Lanes signed_arc = Select(steep, -arc, arc);
+  multiple = Select(left, 1.0 - multiple, multiple);
+  signed_arc = Select(left, -signed_arc, signed_arc);
+  const Lanes angle = multiple * kPi + (signed_arc + multiple * kPiLow);
+  return FromBits(BitsOf(angle) ^ (BitsOf(y) & kSignBit));
+}
+
+/// Natural logarithm of a positive normal number.
+inline Lanes LogarithmOf(Lanes x) {
+  constexpr std::int64_t kRootHalf = 0x3fe6a09e00000000;
+  constexpr std::int64_t kOne = 0x3ff0000000000000;
+  constexpr std::int64_t kFraction = 0x000fffffffffffff;
+  constexpr std::int64_t kTwo52 = 0x4330000000000000;
+  constexpr double kLn2High = 6.93147180369123816490e-01;
+  constexpr double kLn2Low = 1.90821492927058770002e-10;
+  const LaneMask bits = BitsOf(x) + (kOne - kRootHalf);
+  const Lanes k = FromBits(((bits >> 52) & 0x7ff) | kTwo52) - (4503599627370496.0 + 1023.0);
+  const Lanes f = FromBits((bits & kFraction) + kRootHalf) - 1.0;
+  const Lanes s = f / (2.0 + f);
+  const Lanes z = s * s;
+  const Lanes w = z * z;
+  const Lanes t1 = w * (3.999999999940941908e-01 +
+                        w * (2.222219843214978396e-01 + w * 1.531383769920937332e-01));
+  const Lanes t2 = z * (6.666666666666735130e-01 +
+                        w * (2.857142874366239149e-01 +
+                             w * (1.818357216161805012e-01 + w * 1.479819860511658591e-01)));
+  const Lanes half_square = 0.5 * f * f;
+  return s * (half_square + (t1 + t2)) + k * kLn2Low - half_square + f + k * kLn2High;
+}
+
+/// exp(x); x is taken between -700 and 700.
+inline Lanes ExponentialOf(Lanes x) {
+  constexpr double kOverLn2 = 1.44269504088896338700e+00;
+  constexpr double kLn2High = 6.93147180369123816490e-01;
+  constexpr double kLn2Low = 1.90821492927058770002e-10;
+  x = Clamped(x, -700.0, 700.0);
+  const Lanes rounded = x * kOverLn2 + kRounder;
+  const Lanes k = rounded - kRounder;
+  const Lanes high = x - k * kLn2High;
+  const Lanes low = k * kLn2Low;
+  const Lanes r = high - low;
+  const Lanes z = r * r;
+  const Lanes c =
+      r - z * (1.66666666666666019037e-01 +
+               z * (-2.77777777770155933842e-03 +
+                    z * (6.61375632143793436117e-05 +
+                         z * (-1.65339022054652515390e-06 + z * 4.13813679705723846039e-08))));
+  const Lanes mantissa = 1.0 + (r * c / (2.0 - c) - low + high);
+  return mantissa * FromBits((BitsOf(rounded) + 1023) << 52);
+}
+
+}  // namespace tarvex
