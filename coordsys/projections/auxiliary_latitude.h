@@ -36,8 +36,9 @@ inline T SumOf(const SineSeries& series, T sin_2x, T cos_2x) {
 /// exp(w) - 1 for |w| below 0.01 to the last bit of exp(w).
 template <typename T>
 inline T SmallExpm1(T w) {
-  return w *
-         (1.0 + w / 2.0 * (1.0 + w / 3.0 * (1.0 + w / 4.0 * (1.0 + w / 5.0 * (1.0 + w / 6.0)))));
+  return w + w * w *
+                 (1.0 / 2.0 +
+                  w * (1.0 / 6.0 + w * (1.0 / 24.0 + w * (1.0 / 120.0 + w * (1.0 / 720.0)))));
 }
 
 /// Sine and cosine of an angle, as a value of their own.
@@ -52,8 +53,9 @@ struct DirectionOf {
   /// Turned by a small angle, below 0.01 rad, to the last bit.
   DirectionOf Turned(T small_rad) const {
     const T d2 = small_rad * small_rad;
-    const T sin_d = small_rad * (1.0 - d2 / 6.0 * (1.0 - d2 / 20.0 * (1.0 - d2 / 42.0)));
-    const T cos_d_less_1 = -d2 / 2.0 * (1.0 - d2 / 12.0 * (1.0 - d2 / 30.0));
+    const T sin_d =
+        small_rad - small_rad * d2 * (1.0 / 6.0 - d2 * (1.0 / 120.0 - d2 * (1.0 / 5040.0)));
+    const T cos_d_less_1 = -d2 * (1.0 / 2.0 - d2 * (1.0 / 24.0 - d2 * (1.0 / 720.0)));
     return {sin + (cos * sin_d + sin * cos_d_less_1), cos + (cos * cos_d_less_1 - sin * sin_d)};
   }
 };

@@ -10,26 +10,30 @@ constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kWidest = 0.1;
 constexpr double kWidestLongitude = 0.2;
 constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
-constexpr int kPasses = 2;
+constexpr int kMostPasses = 5;
+constexpr double kNearlyClosed_m = 1e-5;  // one more step then closes to 1e-7
 constexpr double kClosing = 1e-9;
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
   SineSeries zeta = {};  ///< geodetic to rectifying
   SineSeries eta = {};   ///< rectifying to geodetic
+  double over_a = 0.0;
+  double over_1_less_e2 = 0.0;
+  double over_rectifying_radius = 0.0;
   double origin_arc_m = 0.0;
   double central_meridian_rad = 0.0;
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
   // Easting, and northing from the equator, of a latitude given with its direction.
-  LanePoint Series(Lanes phi_rad, LaneDirection phi, Lanes lambda) const noexcept {
-    const Lanes tangent = phi.sin / phi.cos;
+  LanePoint Series(Lanes phi_rad, LaneDirection phi, Lanes lambda, Lanes over_cos,
+                   Lanes nu) const noexcept {
+    const Lanes tangent = phi.sin * over_cos;
     const Lanes t = tangent * tangent;
     const Lanes c = ellipsoid.ep2 * phi.cos * phi.cos;
     const Lanes a1 = lambda * phi.cos;
     const Lanes a2 = a1 * a1;
-    const Lanes nu = ellipsoid.a / SquareRootOf(1.0 - ellipsoid.e2 * phi.sin * phi.sin);
     const Lanes mu = phi_rad + SumOf(zeta, phi.Sin2(), phi.Cos2());
     const Lanes east =
         nu * a1 * (1.0 - t * a2 * (1.0 / 6.0 + (8.0 - t + 8.0 * c) * a2 * (1.0 / 120.0)));
@@ -41,7 +45,8 @@ struct Kernel {
   LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
     const Lanes lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
     const LaneDirection phi = Toward(position.latitude_rad);
-    const LanePoint at = Series(position.latitude_rad, phi, lambda);
+    const Lanes nu = ellipsoid.a / SquareRootOf(1.0 - ellipsoid.e2 * phi.sin * phi.sin);
+    const LanePoint at = Series(position.latitude_rad, phi, lambda, 1.0 / phi.cos, nu);
     point.easting_m = false_easting_m + at.easting_m;
     point.northing_m = false_northing_m + at.northing_m - origin_arc_m;
     return Holds(position.latitude_rad, phi, lambda, 0.0);
@@ -50,7 +55,7 @@ struct Kernel {
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
     const Lanes north = point.northing_m - false_northing_m + origin_arc_m;
     const Lanes east = point.easting_m - false_easting_m;
-    const Lanes mu = north / ellipsoid.rectifying_radius;
+    const Lanes mu = north * over_rectifying_radius;
     const LaneMask in_reach = Within(mu, kQuarter) & Within(east, 1.1 * kWidest * ellipsoid.a);
     const LaneDirection at_mu = Toward(mu);
     const Lanes correction = SumOf(eta, at_mu.Sin2(), at_mu.Cos2());
@@ -58,15 +63,17 @@ struct Kernel {
     const Lanes over_cos = 1.0 / at.cos;
     const Lanes t = at.sin * at.sin * over_cos * over_cos;
     const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
-    const Lanes d = east * SquareRootOf(w2) / ellipsoid.a;
+    const Lanes d = east * SquareRootOf(w2) * over_a;
     const Lanes d2 = d * d;
-    const Lanes drop = at.sin * over_cos * w2 / (1.0 - ellipsoid.e2) * d2 *
-                       (0.5 - (1.0 + 3.0 * t) * d2 * (1.0 / 24.0));
+    const Lanes drop =
+        at.sin * over_cos * w2 * over_1_less_e2 * d2 * (0.5 - (1.0 + 3.0 * t) * d2 * (1.0 / 24.0));
     Lanes phi = mu + correction - drop;
     Lanes lambda =
         d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 * (1.0 / 15.0))) * over_cos;
     at = at.Turned(-drop);
-    for (int pass = 0; pass < kPasses; ++pass) Improve(north, east, phi, at, lambda);
+    for (int pass = 0; pass < kMostPasses; ++pass) {
+      if (Improve(north, east, phi, at, lambda)) break;
+    }
     position.latitude_rad = phi;
     position.longitude_rad = WrappedLongitude(central_meridian_rad + lambda);
     return in_reach & Holds(phi, at, lambda, kClosing);
@@ -78,20 +85,25 @@ struct Kernel {
            Within(phi_rad, kFarthestLatitude + closing);
   }
 
-  // One step of Newton towards the point; s is the slope between the directions of the grid and of
-  // the ellipsoid.
-  void Improve(Lanes north, Lanes east, Lanes& phi, LaneDirection& at,
+  // One step of Newton towards the point, true when it was a small one; s is the slope between the
+  // directions of the grid and of the ellipsoid.
+  bool Improve(Lanes north, Lanes east, Lanes& phi, LaneDirection& at,
                Lanes& lambda) const noexcept {
-    const LanePoint reached = Series(phi, at, lambda);
+    const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
+    const Lanes over_w = 1.0 / SquareRootOf(w2);
+    const Lanes over_cos = 1.0 / at.cos;
+    const LanePoint reached = Series(phi, at, lambda, over_cos, ellipsoid.a * over_w);
     const Lanes d_north = north - reached.northing_m;
     const Lanes d_east = east - reached.easting_m;
-    const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
     const Lanes s = at.sin * lambda;
-    const Lanes over = SquareRootOf(w2) / (ellipsoid.a * (1.0 + s * s));
-    const Lanes d_phi = (d_north - d_east * s) * over * w2 * (1.0 / (1.0 - ellipsoid.e2));
-    lambda += (d_east + d_north * s) * over / at.cos;
+    const Lanes over_nu = w2 * over_w * (1.0 - s * s) * over_a;
+    const Lanes d_phi = (d_north - d_east * s) * over_nu * w2 * over_1_less_e2;
+    lambda += (d_east + d_north * s) * over_nu * over_cos;
     phi += d_phi;
+    const LaneMask closed = Within(d_north, kNearlyClosed_m) & Within(d_east, kNearlyClosed_m);
+    if (closed[0] != 0 && closed[1] != 0) return true;
     at = at.Turned(d_phi);
+    return false;
   }
 };
 
@@ -102,6 +114,9 @@ MadeProjection MakeCassiniSoldner(const ProjectionParameters& parameters) {
   if (!(std::fabs(phi0) < kFarthestLatitude)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
   Kernel kernel;
   kernel.ellipsoid = ConstantsOf(parameters.ellipsoid);
+  kernel.over_a = 1.0 / kernel.ellipsoid.a;
+  kernel.over_1_less_e2 = 1.0 / (1.0 - kernel.ellipsoid.e2);
+  kernel.over_rectifying_radius = 1.0 / kernel.ellipsoid.rectifying_radius;
   kernel.zeta = GeodeticToRectifying(kernel.ellipsoid.n);
   kernel.eta = RectifyingToGeodetic(kernel.ellipsoid.n);
   const Direction origin = Toward(phi0);

@@ -18,6 +18,7 @@ struct Kernel {
   double k = 0.0;  ///< constant of the isometric latitude on the sphere
   Direction b0;    ///< latitude of the centre on the sphere
   double radius_m = 0.0;
+  double over_radius = 0.0;
   double central_meridian_rad = 0.0;
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
@@ -39,8 +40,8 @@ struct Kernel {
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
-    const Lanes along = (point.easting_m - false_easting_m) / radius_m;
-    const Lanes across = (point.northing_m - false_northing_m) / radius_m;
+    const Lanes along = (point.easting_m - false_easting_m) * over_radius;
+    const Lanes across = (point.northing_m - false_northing_m) * over_radius;
     const Lanes exp_across = ExponentialOf(across);
     const Lanes square = exp_across * exp_across;
     const Lanes norm = 1.0 / (square + 1.0);
@@ -76,6 +77,7 @@ MadeProjection MakeDoubleCylindrical(const ProjectionParameters& parameters) {
   kernel.k = std::asinh(kernel.b0.sin / kernel.b0.cos) - kernel.c * c.Isometric(phi0);
   kernel.radius_m = parameters.scale_factor * c.a * std::sqrt(1.0 - c.e2) /
                     (1.0 - c.e2 * centre.sin * centre.sin);
+  kernel.over_radius = 1.0 / kernel.radius_m;
   kernel.central_meridian_rad = parameters.central_meridian_rad;
   kernel.false_easting_m = parameters.false_easting_m;
   kernel.false_northing_m = parameters.false_northing_m;

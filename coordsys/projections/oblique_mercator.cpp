@@ -20,6 +20,7 @@ struct Kernel {
   double b = 1.0;
   double over_b = 1.0;
   double radius_m = 0.0;
+  double over_radius = 0.0;
   double ln_h = 0.0;
   Direction g0;
   Direction gc;
@@ -48,8 +49,8 @@ struct Kernel {
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
-    const Lanes x = (point.easting_m - false_easting_m) / radius_m;
-    const Lanes y = (point.northing_m - false_northing_m) / radius_m;
+    const Lanes x = (point.easting_m - false_easting_m) * over_radius;
+    const Lanes y = (point.northing_m - false_northing_m) * over_radius;
     const Lanes v = x * gc.cos - y * gc.sin;
     const Lanes u = y * gc.cos + x * gc.sin + origin_angle;
 
@@ -95,6 +96,7 @@ MadeProjection Make(const ProjectionParameters& parameters, bool false_origin_at
   kernel.b = std::sqrt(1.0 + c.ep2 * cos2 * cos2);
   kernel.over_b = 1.0 / kernel.b;
   kernel.radius_m = c.a * parameters.scale_factor * std::sqrt(1.0 - c.e2) / w2;
+  kernel.over_radius = 1.0 / kernel.radius_m;
   const double d = kernel.b * std::sqrt(1.0 - c.e2) / (centre.cos * std::sqrt(w2));
   const double root = std::sqrt(std::max(d * d - 1.0, 0.0));
   const double f = d + (phi < 0.0 ? -root : root);

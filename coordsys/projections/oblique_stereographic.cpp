@@ -17,6 +17,7 @@ struct Kernel {
   double k = 0.0;           ///< constant of the isometric latitude on the sphere
   Direction chi0;           ///< latitude of the origin on the sphere
   double diameter_m = 0.0;  ///< 2 R k0
+  double over_diameter = 0.0;
   double central_meridian_rad = 0.0;
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
@@ -37,8 +38,8 @@ struct Kernel {
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
-    const Lanes x = (point.easting_m - false_easting_m) / diameter_m;
-    const Lanes y = (point.northing_m - false_northing_m) / diameter_m;
+    const Lanes x = (point.easting_m - false_easting_m) * over_diameter;
+    const Lanes y = (point.northing_m - false_northing_m) * over_diameter;
     const Lanes square = x * x + y * y;
     const Lanes g = 2.0 / (1.0 + square);
     const Lanes cos_d = 1.0 - square * g;
@@ -72,6 +73,7 @@ MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) 
   kernel.chi0.cos = std::sqrt(1.0 - kernel.chi0.sin * kernel.chi0.sin);
   kernel.k = std::asinh(kernel.chi0.sin / kernel.chi0.cos) - kernel.c * c.Isometric(phi0);
   kernel.diameter_m = 2.0 * radius * parameters.scale_factor;
+  kernel.over_diameter = 1.0 / kernel.diameter_m;
   kernel.central_meridian_rad = parameters.central_meridian_rad;
   kernel.false_easting_m = parameters.false_easting_m;
   kernel.false_northing_m = parameters.false_northing_m;

@@ -16,6 +16,7 @@ struct ObliqueKernel {
   EllipsoidConstants ellipsoid;
   Direction chi0;
   double diameter_m = 0.0;  ///< 2 a k0 m(phi0) / cos chi0
+  double over_diameter = 0.0;
   double central_meridian_rad = 0.0;
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
@@ -31,8 +32,8 @@ struct ObliqueKernel {
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
-    const Lanes x = (point.easting_m - false_easting_m) / diameter_m;
-    const Lanes y = (point.northing_m - false_northing_m) / diameter_m;
+    const Lanes x = (point.easting_m - false_easting_m) * over_diameter;
+    const Lanes y = (point.northing_m - false_northing_m) * over_diameter;
     const Lanes square = x * x + y * y;
     const Lanes g = 2.0 / (1.0 + square);
     const Lanes cos_d = 1.0 - square * g;
@@ -102,6 +103,7 @@ MadeProjection MakeStereographic(const ProjectionParameters& parameters) {
   kernel.chi0 = c.Conformal(phi0);
   kernel.diameter_m = 2.0 * parameters.scale_factor * c.RadiusOfPrimeVertical(origin.sin) *
                       origin.cos / kernel.chi0.cos;
+  kernel.over_diameter = 1.0 / kernel.diameter_m;
   kernel.central_meridian_rad = parameters.central_meridian_rad;
   kernel.false_easting_m = parameters.false_easting_m;
   kernel.false_northing_m = parameters.false_northing_m;

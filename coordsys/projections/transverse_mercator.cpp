@@ -37,6 +37,7 @@ struct Kernel {
   EllipsoidConstants ellipsoid;
   double central_meridian_rad = 0.0;
   double radius_m = 0.0;  ///< k0 times the rectifying radius
+  double over_radius = 0.0;
   double origin_xi = 0.0;
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
@@ -65,20 +66,22 @@ struct Kernel {
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
-    const Lanes xi = (point.northing_m - false_northing_m) / radius_m + origin_xi;
-    const Lanes eta = (point.easting_m - false_easting_m) / radius_m;
+    const Lanes xi = (point.northing_m - false_northing_m) * over_radius + origin_xi;
+    const Lanes eta = (point.easting_m - false_easting_m) * over_radius;
     const LaneMask in_reach = Within(eta, kWidestEta + 0.01) & Within(xi, kFarthestXi + 0.01);
     const LaneDirection at = Toward(xi);
     const Lanes exp_eta = ExponentialOf(eta);
     const Lanes exp_2eta = exp_eta * exp_eta;
-    const Lanes over_exp_2eta = 1.0 / exp_2eta;
+    const Lanes over_exp_eta = 1.0 / exp_eta;
+    const Lanes over_exp_2eta = over_exp_eta * over_exp_eta;
     const Complex sum = SumOf(beta, at.Sin2(), at.Cos2(), 0.5 * (exp_2eta - over_exp_2eta),
                               0.5 * (exp_2eta + over_exp_2eta));
     const Lanes eta_c = eta - sum.im;
 
     const LaneDirection xi_c = at.Turned(-sum.re);
     const Lanes exp_eta_c = exp_eta + exp_eta * SmallExpm1(-sum.im);
-    const Lanes sinh_eta = 0.5 * (exp_eta_c - 1.0 / exp_eta_c);
+    const Lanes over_exp_eta_c = over_exp_eta + over_exp_eta * SmallExpm1(sum.im);
+    const Lanes sinh_eta = 0.5 * (exp_eta_c - over_exp_eta_c);
     const Lanes forth2 = sinh_eta * sinh_eta + xi_c.cos * xi_c.cos;
     const Lanes forth = SquareRootOf(forth2);
     const Lanes norm2 = 1.0 / (1.0 + sinh_eta * sinh_eta);
@@ -101,6 +104,7 @@ MadeProjection Make(const ProjectionParameters& parameters, bool takes_wgs84) {
   kernel.ellipsoid = c;
   kernel.central_meridian_rad = parameters.central_meridian_rad;
   kernel.radius_m = parameters.scale_factor * c.rectifying_radius;
+  kernel.over_radius = 1.0 / kernel.radius_m;
   const double phi0 = parameters.latitude_of_origin_rad;
   kernel.origin_xi =
       phi0 + tarvex::SumOf(GeodeticToRectifying(c.n), std::sin(2.0 * phi0), std::cos(2.0 * phi0));
