@@ -29,11 +29,10 @@ std::string StateText(const GnssPositionState& state) {
 
 }  // namespace
 
-CollectSession::CollectSession(Program& program, JobSession& session,
-                               const CTrgCalculator& calculator, const CollectPlan& plan)
+CollectSession::CollectSession(Program& program, Job& job, const CTrgCalculator& calculator,
+                               const CollectPlan& plan)
     : program_(program),
-      session_(session),
-      job_(session.job()),
+      job_(job),
       calculator_(calculator),
       plan_(plan),
       connection_{.clock = program.clock, .settings = plan.receiver_settings} {

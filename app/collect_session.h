@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "app/job_session.h"
+#include "app/program.h"
 #include "coordsys/calculator.h"
 #include "core/point_store.h"
 #include "gnss/gnss_connection.h"
@@ -30,7 +30,7 @@ struct CollectPlan {
 
 class CollectSession final : private StopRequest {
  public:
-  CollectSession(Program& program, JobSession& session, const CTrgCalculator& calculator,
+  CollectSession(Program& program, Job& job, const CTrgCalculator& calculator,
                  const CollectPlan& plan);
 
   /// Opens the receiver, stores the points and tells what happens. The job's current point id is
@@ -60,7 +60,6 @@ class CollectSession final : private StopRequest {
   bool OutOfPatience() const;
 
   Program& program_;
-  JobSession& session_;
   Job& job_;
   const CTrgCalculator& calculator_;
   CollectPlan plan_;

@@ -3,6 +3,7 @@
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/coordinate_systems.h"
+#include "app/job_session.h"
 #include "app/receiver_choice.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
@@ -79,7 +80,7 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   }
   if (const ExitCode code = SettleFirstId(options, session.job(), program); code != ExitCode::Done)
     return code;
-  return CollectSession(program, session, calculator, plan).Run();
+  return CollectSession(program, session.job(), calculator, plan).Run();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "app/collect_session.h"
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/job_session.h"
 #include "core/point_notes.h"
 #include "core/raw_file.h"
 
