@@ -1,0 +1,194 @@
+// The families of NAD27, Great Britain and Hungary, against published values and their own rules.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "coordsys/definition_reader.h"
+#include "coordsys/projection.h"
+#include "coordsys/projections/alaska27.h"
+#include "coordsys/projections/nad27.h"
+#include "coordsys/state_plane_zones.h"
+#include "coordsys/system_catalogue.h"
+#include "core/units.h"
+#include "tests/coordsys/modules.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kFoot_m = kUsFeetToMetres;
+
+MadeProjection Catalogued(std::string_view name) {
+  const SystemCatalogue catalogue(SystemFiles(), TARVEX_DATA_FOLDER);
+  ProjectionRecord record;
+  std::string compound_name;
+  ReadDefinition(catalogue.Find(name).value_or(NamedSystem{}).definition, record, compound_name,
+                 nullptr);
+  return MakeProjection(record);
+}
+
+PlanePoint Forward(const Projection& projection, double latitude_deg, double longitude_deg) {
+  PlanePoint point;
+  EXPECT_EQ(projection.Forward(
+                {latitude_deg * kRadiansPerDegree, longitude_deg * kRadiansPerDegree}, point),
+            ProjectionResult::Done);
+  return point;
+}
+
+LatLon Inverse(const Projection& projection, PlanePoint point) {
+  LatLon position;
+  EXPECT_EQ(projection.Inverse(point, position), ProjectionResult::Done);
+  return position;
+}
+
+// Points of the zones computed with the transverse Mercator of PROJ 9.1.1 (k0 0.9999, origin 54 N,
+// Clarke 1866): the series is 0.00015 ft from it.
+TEST(Alaska27, MeetsTheExactProjectionOverItsZones) {
+  struct Case {
+    int zone_code;
+    double latitude_deg;
+    double longitude_deg;
+    double northing_ft;
+    double easting_ft;
+  };
+  const Case cases[] = {
+      {121, 56, -140.5, 733734.86933, 807017.81726},
+      {121, 64, -143.9, 3658891.73399, 195032.30017},
+      {121, 70.5, -140, 6036512.38623, 744502.52346},
+      {124, 56, -152.5, 733734.86933, 807017.81726},
+      {124, 64, -155.9, 3658891.73399, 195032.30017},
+      {124, 70.5, -152, 6036512.38623, 744502.52346},
+      {126, 56, -160.5, 733734.86933, 1007017.81726},
+      {126, 64, -163.9, 3658891.73399, 395032.30017},
+      {126, 70.5, -160, 6036512.38623, 944502.52346},
+      {128, 56, -168.5, 733734.86933, 907017.81726},
+      {128, 64, -171.9, 3658891.73399, 295032.30017},
+      {128, 70.5, -168, 6036512.38623, 844502.52346},
+  };
+  for (const Case& c : cases) {
+    const auto zone = Nad27ZoneOfCode(c.zone_code);
+    const auto made = MakeProjection(zone->record);
+    const PlanePoint point = Forward(*made.projection, c.latitude_deg, c.longitude_deg);
+    EXPECT_NEAR(point.northing_m / kFoot_m, c.northing_ft, 2e-4);
+    EXPECT_NEAR(point.easting_m / kFoot_m, c.easting_ft, 2e-4);
+    const LatLon back = Inverse(*made.projection, point);
+    EXPECT_NEAR(back.latitude_rad, c.latitude_deg * kRadiansPerDegree, 1e-14);
+    EXPECT_NEAR(back.longitude_rad, c.longitude_deg * kRadiansPerDegree, 2e-14);
+  }
+}
+
+TEST(Alaska27, FollowsItsFormula) {
+  const auto zone = Nad27ZoneOfCode(121);
+  const auto made = MakeProjection(zone->record);
+  // On the central meridian the easting is the false easting.
+  EXPECT_EQ(Forward(*made.projection, 61.5, -142.0).easting_m, 500000.0 * kFoot_m);
+  // Coefficients win over the record's metres; without them the metres serve.
+  ProjectionRecord metres = zone->record;
+  metres.coefficients.fill(0.0);
+  const PlanePoint a = Forward(*made.projection, 61.5, -140.0);
+  const PlanePoint b = Forward(*MakeProjection(metres).projection, 61.5, -140.0);
+  EXPECT_NEAR(a.easting_m, b.easting_m, 1e-6);
+  EXPECT_NEAR(a.northing_m, b.northing_m, 1e-9);
+  PlanePoint point;
+  EXPECT_EQ(made.projection->Forward({0.5, -2.5}, point), ProjectionResult::OutsideDomain);
+  EXPECT_EQ(made.projection->Forward({1.1, 2.5}, point), ProjectionResult::OutsideDomain);
+}
+
+// The scale factor takes the longitude argument where the easting would be expected: with a false
+// easting of 500,000 feet it is the same at any distance from the central meridian.
+TEST(Alaska27, PointScaleTakesTheLongitudeArgument) {
+  const auto made = MakeProjection(Nad27ZoneOfCode(121)->record);
+  for (const double longitude_deg : {-142.0, -140.0, -143.9}) {
+    const double c = std::cos(61.5 * kRadiansPerDegree);
+    const double w = 1.0 + 0.0068147849 * c * c;
+    const auto scale =
+        made.projection->PointScale({61.5 * kRadiansPerDegree, longitude_deg * kRadiansPerDegree});
+    ASSERT_TRUE(scale);
+    EXPECT_NEAR(*scale, 0.9999 * (1.0 + 0.0011343362410670325 * 0.25 * w * w), 1e-8);
+  }
+  const double exact = AlaskaPointScale(1.0, 2.5, 500000.0);
+  const double c = std::cos(1.0);
+  const double x = (2.5 - 500000.0) * 0.000001;
+  const double w = 1.0 + 0.0068147849 * c * c;
+  EXPECT_DOUBLE_EQ(exact, 0.9999 * (1.0 + 0.0011343362410670325 * x * x * w * w));
+}
+
+// C&GS Publication 62-4 and NOS NGS 5, both for 58.5 N 135 W; the first prints its constants to 9
+// digits, which leaves 4 thousandths of a foot.
+TEST(AlaskaZone1, MeetsThePublishedPoint) {
+  const PlanePoint nad27 = Forward(*Catalogued("USA/NAD27/Alaska zone 1").projection, 58.5, -135.0);
+  EXPECT_NEAR(nad27.easting_m / kFoot_m, 2430571.0149, 5e-3);
+  EXPECT_NEAR(nad27.northing_m / kFoot_m, 2437747.1212, 5e-3);
+  const PlanePoint nad83 = Forward(*Catalogued("USA/NAD83/Alaska zone 1").projection, 58.5, -135.0);
+  EXPECT_NEAR(nad83.easting_m, 740933.6477, 1e-4);
+  EXPECT_NEAR(nad83.northing_m, 742902.5217, 1e-4);
+}
+
+TEST(Nad27, WorksInUsSurveyFeet) {
+  ProjectionRecord record = Nad27ZoneOfCode(0)->record;
+  ASSERT_EQ(record.projection_type, 9);
+  record.false_easting = 0.0;
+  record.false_northing = 0.0;
+  const auto feet = MakeProjection(record);
+  // The same projection written over feet: a point of 1000 m is its point of 3280.833333333.
+  record.projection_type = 1;
+  record.semi_major_m = 6378206.4;
+  const auto metres = MakeProjection(record);
+  const LatLon from_feet = Inverse(*feet.projection, {1000.0, 1000.0});
+  const LatLon from_metres =
+      Inverse(*metres.projection, {3280.833333333 * kFoot_m, 3280.833333333 * kFoot_m});
+  EXPECT_NEAR(from_feet.latitude_rad, from_metres.latitude_rad, 1e-15);
+  EXPECT_NEAR(from_feet.longitude_rad, from_metres.longitude_rad, 1e-15);
+
+  const DegreesMinutesSeconds latitude{31, 30, 36};
+  const DegreesMinutesSeconds longitude{-85, -50, -24};
+  EXPECT_NEAR(ToRadians(latitude), 31.51 * kRadiansPerDegree, 1e-15);
+  PlanePoint entered;
+  ASSERT_EQ(ForwardFromEntry(*feet.projection, latitude, longitude, entered),
+            ProjectionResult::Done);
+  const PlanePoint typed = Forward(*feet.projection, 31.51, -85.84);
+  EXPECT_NEAR(entered.northing_m, typed.northing_m, 1e-8);
+  EXPECT_NEAR(entered.easting_m, typed.easting_m, 1e-8);
+}
+
+TEST(Ostn02, ProjectsOnGrs80) {  // the worked point of the Ordnance Survey's guide
+  const auto made = Catalogued("GREAT BRITAIN/OSGB36/National Grid OSTN02");
+  ASSERT_TRUE(made.projection->TakesWgs84());
+  const PlanePoint point = Forward(*made.projection, 52.658007833, 1.716073973);
+  EXPECT_NEAR(point.easting_m, 651307.003, 2e-3);
+  EXPECT_NEAR(point.northing_m, 313255.686, 2e-3);
+}
+
+// The closed library shifts WGS84 to HD72 itself; with a shift of a millionth of a millimetre the
+// values are those of the projection alone, published for HD72 positions.
+TEST(Eov, MeetsThePublishedPoints) {
+  RequireModules();
+  ProjectionRecord record;
+  record.semi_major_m = 6378160.0;
+  record.flattening = 1.0 / 298.247167427;
+  record.projection_type = static_cast<int>(ProjectionType::ObliqueMercatorEov);
+  record.shift_dx = 1e-9;
+  const auto made = MakeProjection(record);
+  struct Case {
+    double latitude_deg, longitude_deg, easting_m, northing_m;
+  };
+  for (const Case& c :
+       {Case{47.5, 19.04, 649354.2021, 239532.9436}, Case{46.2, 16.4, 445598.9690, 98483.0072},
+        Case{48.2, 22.5, 906511.3857, 323030.1092}}) {
+    // WGS84 and HD72 ellipsoids differ: the position that stands on the HD72 one.
+    const LatLon there = Inverse(*made.projection, {c.northing_m, c.easting_m});
+    const PlanePoint again = Forward(*made.projection, there.latitude_rad * kDegreesPerRadian,
+                                     there.longitude_rad * kDegreesPerRadian);
+    EXPECT_NEAR(again.easting_m, c.easting_m, 1e-6);
+    EXPECT_NEAR(again.northing_m, c.northing_m, 1e-6);
+    EXPECT_NEAR(there.latitude_rad, c.latitude_deg * kRadiansPerDegree, 2e-6);
+    EXPECT_NEAR(there.longitude_rad, c.longitude_deg * kRadiansPerDegree, 2e-11);
+  }
+  const auto official = Catalogued("HUNGARY/HD72/EOV");
+  const PlanePoint budapest = Forward(*official.projection, 47.5, 19.04);
+  EXPECT_NEAR(budapest.easting_m, 649439.0140, 1e-3);  // PROJ 9.1.1: EPSG 4326 to 23700 by 1448
+  EXPECT_NEAR(budapest.northing_m, 239562.8270, 1e-3);
+}
+
+}  // namespace
+}  // namespace tarvex
