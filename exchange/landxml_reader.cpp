@@ -215,7 +215,7 @@ class LandXmlReader {
     const std::string_view rotation = node.attribute("rot").value();
     if (rotation != "cw" && rotation != "ccw") {
       Refuse(LandXmlResult::BadNumber, node,
-             std::string(LocalName(node)) + " lacks rot=\"cw\" or \"ccw\"");
+             std::string(LocalName(node)) + R"( lacks rot="cw" or "ccw")");
     }
     return rotation == "ccw" ? -1.0 : 1.0;
   }

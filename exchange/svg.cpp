@@ -76,7 +76,7 @@ SvgPicture::Pixel SvgPicture::OnPage(const DrawingPoint& at) const {
 }
 
 void SvgPicture::AppendPath(std::span<const DrawingPoint> points) {
-  body_ += " points=\"";
+  body_ += R"( points=")";
   for (const DrawingPoint& point : points) {
     const Pixel at = OnPage(point);
     AppendFixed(body_, at.x, kPixelDecimals);

@@ -97,7 +97,7 @@ void AppendRoundStations(const StationEquations& equations, double interval, dou
 std::vector<double> StakeStations(const RoadGeometry& road, const Profile* profile, double interval,
                                   double from, double to) {
   std::vector<double> stations;
-  const double most = static_cast<double>(kMostStakeStations);
+  const auto most = static_cast<double>(kMostStakeStations);
   if (!(interval > 0.0) || !(from <= to) || (to - from) / interval > most) return stations;
   const auto add = [&](double station) {
     if (station >= from - kSameStation && station <= to + kSameStation) stations.push_back(station);

@@ -1,0 +1,134 @@
+// The road commands, as a person types them over the example of docs/roads.md.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/file.h"
+#include "tests/app/program_run.h"
+
+namespace tarvex {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+std::string ReadFile(const std::string& path) {
+  std::string text;
+  EXPECT_TRUE(ReadWholeFile(SystemFiles(), path, 1 << 24, text).ok()) << path;
+  return text;
+}
+
+// A folder with the files of docs/roads and a job in their coordinate system.
+class RoadCommands : public testing::Test {
+ protected:
+  RoadCommands() {
+    for (const char* name : {"site.cl", "site.tpl", "site.xml", "rover.nmea"}) {
+      folder_.Write(name, ReadFile(std::string(TARVEX_TEST_DATA) + "/../../docs/roads/" + name));
+    }
+    EXPECT_EQ(folder_.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  }
+
+  void WriteVector(const std::string& name) {
+    folder_.Write("vector.cl", ReadFile(std::string(TARVEX_TEST_DATA) + "/roads/" + name));
+  }
+
+  ProgramFolder folder_;
+};
+
+TEST_F(RoadCommands, CheckStakeAndWriteBack) {
+  const ProgramResult check = folder_.Run("road check site.cl --svg road.svg");
+  EXPECT_EQ(check.exit_code, 0);
+  EXPECT_THAT(check.output, HasSubstr("5 elements, largest mismatch 0.0000"));
+  EXPECT_THAT(check.output, HasSubstr("Equation 1+250.000 BK = 1+300.000 AH"));
+  EXPECT_EQ(folder_.Read("road.svg").substr(0, 5), "<?xml");
+
+  const ProgramResult stake = folder_.Run(
+      "road stake site.cl 1+210 -3.6 --profile site.xml --template site.tpl --job site.crd "
+      "--receiver file:rover.nmea --store 10");
+  EXPECT_EQ(stake.exit_code, 0) << stake.errors;
+  EXPECT_EQ(stake.output,
+            "FIXED: at 1+201.823 2.459 R  forward 8.039  left 6.279  N 6.200  E 8.100  C 0.650\n"
+            "FIXED: at 1+206.997 1.201 L  forward 3.026  left 2.430  N 2.400  E 3.050  C 0.610\n"
+            "FIXED: at 1+209.592 3.246 L  forward 0.417  left 0.354  N 0.350  E 0.420  C 0.420\n"
+            "FIXED: at 1+209.996 3.606 L  forward 0.004  right 0.006  S 0.006  E 0.004  C 0.005"
+            "  ON THE STAKE\nStored point 10.\n");
+
+  EXPECT_EQ(folder_.Run("road write site.cl --out same.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Read("same.cl"), folder_.Read("site.cl"));
+  EXPECT_EQ(folder_.Run("road write site.cl --out same.cl").exit_code, 1);  // it exists
+  EXPECT_EQ(folder_.Run("road section site.tpl --elevation 100 --out same.tpl").exit_code, 0);
+  EXPECT_EQ(folder_.Read("same.tpl"), folder_.Read("site.tpl"));
+}
+
+TEST_F(RoadCommands, PointsGoIntoTheJobAndComeBackAsStations) {
+  EXPECT_EQ(folder_.Run("road point site.cl 1+210 -3.6 --profile site.xml --store site.crd --id R1")
+                .exit_code,
+            0);
+  const auto found = json::parse(
+      folder_.Run("road station site.cl --job site.crd --point R1 --profile site.xml --json")
+          .output);
+  const json& answer = found["points"][0]["answers"][0];
+  EXPECT_NEAR(answer["station"].get<double>(), 1210.0, 1e-4);
+  EXPECT_NEAR(answer["offset"].get<double>(), -3.6, 1e-4);
+  EXPECT_NEAR(answer["cut"].get<double>(), 0.0, 1e-6);
+  EXPECT_EQ(found["points"][0]["description"], "1+210.000 3.6000 L");
+
+  const auto listed =
+      json::parse(folder_.Run("road list site.cl --interval 100 --profile site.xml --json").output);
+  ASSERT_GE(listed["stations"].size(), 7U);
+  EXPECT_EQ(listed["stations"][0]["elevation"], 1098.0);
+  EXPECT_EQ(folder_.Run("road point site.cl 1+210 --store site.crd --id R2").exit_code, 2);
+  EXPECT_EQ(folder_
+                .Run("road point site.cl 1+210 --unit us-feet --elevation 1 --store site.crd "
+                     "--id R2")
+                .exit_code,
+            2);
+}
+
+TEST_F(RoadCommands, AskWhichStationIsMeant) {
+  WriteVector("cl/simple_right_eq.cl");
+  EXPECT_THAT(folder_.Run("road point vector.cl 1475").errors,
+              HasSubstr("say which: \"1475 R2\" or \"1475 R3\""));
+  EXPECT_THAT(folder_.Run("road point vector.cl 12+50").errors, HasSubstr("no station 12+50"));
+  const auto point = json::parse(folder_.Run("road point vector.cl \"1475 R3\" --json").output);
+  EXPECT_EQ(point["internal_station"], 1425.0);
+}
+
+TEST_F(RoadCommands, FaultsAreNamedAndRestationed) {
+  WriteVector("bad/all_stations_zero.cl");
+  const ProgramResult check = folder_.Run("road check vector.cl");
+  EXPECT_EQ(check.exit_code, 1);
+  EXPECT_THAT(check.output, HasSubstr("FAULT  All key points carry the same station"));
+  EXPECT_EQ(folder_.Run("road write vector.cl --restation --out good.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road check good.cl").exit_code, 0);
+  WriteVector("bad/no_terminator.cl");
+  EXPECT_THAT(folder_.Run("road check vector.cl").output,
+              HasSubstr("Line 5: the last key point was dropped"));
+  EXPECT_EQ(folder_.Run("road check none.cl").exit_code, 1);
+}
+
+TEST_F(RoadCommands, LandXmlGoesOutAndComesIn) {
+  EXPECT_EQ(
+      folder_.Run("road export site.cl --profile site.xml --out out.xml --name Main").exit_code, 0);
+  const ProgramResult import = folder_.Run("road import out.xml --out in.cl --json");
+  EXPECT_EQ(import.exit_code, 0) << import.errors;
+  EXPECT_EQ(json::parse(import.output)["alignment"], "Main");
+  const auto there = json::parse(folder_.Run("road point site.cl 1+320 2 --json").output);
+  const auto back = json::parse(folder_.Run("road point in.cl 1+320 2 --json").output);
+  EXPECT_NEAR(there["northing"].get<double>(), back["northing"].get<double>(), 1e-6);
+  EXPECT_NEAR(there["easting"].get<double>(), back["easting"].get<double>(), 1e-6);
+}
+
+TEST_F(RoadCommands, SectionsShowWhereTheyCatch) {
+  const auto section = json::parse(
+      folder_.Run("road section site.tpl --elevation 100 --ground-left \"plane 97.8,-0.01\" --json")
+          .output);
+  EXPECT_EQ(section["left"]["kind"], "fill");
+  EXPECT_NEAR(section["left"]["offset"].get<double>(), 14.191667, 1e-6);
+  EXPECT_EQ(
+      folder_.Run("road section site.tpl --elevation 100 --ground-left \"5,9 3,9\"").exit_code, 2);
+}
+
+}  // namespace
+}  // namespace tarvex
