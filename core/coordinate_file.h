@@ -62,7 +62,8 @@ class CoordinateStream {
   FileStatus ProbeAt(std::size_t node, std::uint64_t index, PointId& id);
   FileStatus FindInBlock(std::string_view id, std::uint64_t low, std::uint64_t high,
                          RecordPosition& position);
-  void Forget() { probes_.clear(); }
+  FileStatus BeginChange();
+  FileStatus Replace(const FileChange& change);
 
   struct Probe {
     bool known = false;

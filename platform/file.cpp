@@ -30,27 +30,36 @@ FileStatus ReadWholeFile(FileSystem& files, const std::string& path, std::uint64
 
 namespace {
 
-FileStatus WriteNewFile(FileSystem& files, const std::string& path, std::string_view bytes) {
-  std::unique_ptr<File> file;
-  if (FileStatus status = files.Open(path, FileAccess::CreateOrTruncate, file); !status.ok()) {
-    return status;
-  }
-  if (FileStatus status = file->WriteAt(0, bytes); !status.ok()) return status;
-  return file->Sync();
+FileStatus WriteNewFile(FileSystem& files, const std::string& path, std::string_view bytes,
+                        std::unique_ptr<File>& file) {
+  FileStatus status = files.Open(path, FileAccess::CreateOrTruncate, file);
+  if (status.ok()) status = file->Lock();
+  if (status.ok()) status = file->WriteAt(0, bytes);
+  if (status.ok()) status = file->Sync();
+  return status;
 }
 
 }  // namespace
 
 FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes) {
+  std::unique_ptr<File> file;
+  return ReplaceWholeFile(files, path, bytes, file);
+}
+
+FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes,
+                            std::unique_ptr<File>& file) {
   const std::string temporary = path + ".tmp";
-  FileStatus status = WriteNewFile(files, temporary, bytes);
+  std::unique_ptr<File> replacement;
+  FileStatus status = WriteNewFile(files, temporary, bytes, replacement);
   if (status.ok() && files.Exists(path)) status = files.CopyRights(path, temporary);
   if (status.ok()) status = files.Rename(temporary, path);
   if (!status.ok()) {
     (void)files.Remove(temporary);
     return status;
   }
-  return files.SyncFolderOf(path);
+  status = files.SyncFolderOf(path);
+  file = std::move(replacement);
+  return status;
 }
 
 }  // namespace tarvex

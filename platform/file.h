@@ -79,4 +79,9 @@ FileStatus ReadWholeFile(FileSystem& files, const std::string& path, std::uint64
 /// it. After a failure or a crash at any point `path` holds the old bytes or the new ones.
 FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes);
 
+/// The same for an open file: as soon as the new one has taken the name, `file` is the new one,
+/// which was locked before.
+FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes,
+                            std::unique_ptr<File>& file);
+
 }  // namespace tarvex

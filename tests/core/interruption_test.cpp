@@ -122,6 +122,43 @@ TEST(Interruption, LeavesTheOldStateOrTheNewOne) {
   }
 }
 
+// Small files are replaced as a whole; large ones are changed through the journal.
+TEST(Interruption, OfAJournaledChangeLeavesTheOldBytesOrTheNew) {
+  const std::string old_bytes = "0123456789abcdef";
+  const FileChange changes[] = {
+      {.old_size = 16, .new_size = 16, .writes = {{.offset = 4, .bytes = "WXYZ"}}},
+      {.old_size = 16,
+       .new_size = 24,
+       .writes = {{.offset = 0, .bytes = "N"}, {.offset = 10, .bytes = "FILLED.", .repeat = 2}}},
+      {.old_size = 16, .new_size = 12, .writes = {{.offset = 6, .bytes = "abcdef"}}},
+  };
+  const std::string new_bytes[] = {"0123WXYZ89abcdef", "N123456789FILLED.FILLED.", "012345abcdef"};
+  for (std::size_t i = 0; i < std::size(changes); ++i) {
+    for (const Mishap mishap :
+         {Mishap::None, Mishap::Fails, Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
+      bool happened = true;
+      for (int step = 1; happened; ++step) {
+        for (unsigned seed = 0; seed < 40; ++seed) {
+          MemoryFiles files;
+          files.Put(kJobPath, old_bytes);
+          files.Expect(mishap, step);
+          std::unique_ptr<File> file;
+          ASSERT_TRUE(files.Open(kJobPath, FileAccess::ReadWrite, file).ok());
+          const bool done = ChangeFile(files, kJobPath, *file, changes[i]).ok();
+          happened = files.happened();
+          files.Restart(seed);
+          ASSERT_TRUE(files.Open(kJobPath, FileAccess::ReadWrite, file).ok());
+          ASSERT_TRUE(FinishInterruptedChange(files, kJobPath, *file).ok());
+          const std::string bytes = files.Bytes(kJobPath);
+          EXPECT_TRUE(bytes == new_bytes[i] || (!done && bytes == old_bytes))
+              << "change " << i << " mishap " << int(mishap) << " step " << step << ": " << bytes;
+          EXPECT_FALSE(HasInterruptedChange(files, kJobPath));
+        }
+      }
+    }
+  }
+}
+
 TEST(Interruption, OfCreationAndConversionLosesNothing) {
   TestHost model;
   Prepare(model, true);
