@@ -22,7 +22,6 @@
 namespace tarvex {
 namespace {
 
-constexpr long long kJobPoints = 100000;
 constexpr long long kMillion = 1000000;
 // Ids of 7 digits, so that the order of text, which is SQLite's, is that of the numbers.
 constexpr long long kFirstId = 2000000;
@@ -100,8 +99,8 @@ std::unique_ptr<SqlitePoints> MakeSqlite(const std::string& name, SqliteJournal 
   return peer;
 }
 
-std::span<const Point> JobPoints() {
-  return std::span(Million()).first(static_cast<std::size_t>(kJobPoints));
+std::span<const Point> JobPoints(long long count) {
+  return std::span(Million()).first(static_cast<std::size_t>(count));
 }
 
 // Where the stored points go: behind all others, in front of them, over ones that exist.
@@ -109,12 +108,13 @@ enum class Place { End, Front, Over };
 
 class NextPoint {
  public:
-  explicit NextPoint(Place place) : place_(place), point_(Million().back()) {}
+  NextPoint(Place place, long long job_points)
+      : place_(place), job_points_(job_points), point_(Million().back()) {}
 
   const Point& operator()() {
     ++count_;
-    long long id = kFirstId + (count_ * 7919) % kJobPoints;
-    if (place_ == Place::End) id = kFirstId + kJobPoints + count_;
+    long long id = kFirstId + (count_ * 7919) % job_points_;
+    if (place_ == Place::End) id = kFirstId + job_points_ + count_;
     if (place_ == Place::Front) id = kFirstId - count_;
     point_.id = NumberedId(id);
     point_.at.northing += 1.0;
@@ -123,19 +123,21 @@ class NextPoint {
 
  private:
   Place place_;
+  long long job_points_;
   Point point_;
   long long count_ = 0;
 };
 
-void Store(benchmark::State& state, Place place) {
-  BenchJob ours("store", JobPoints());
-  NextPoint next(place);
+void Store(benchmark::State& state, Place place, long long job_points) {
+  BenchJob ours("store", JobPoints(job_points));
+  NextPoint next(place, job_points);
   for (auto _ : state) ours.Store(next());
 }
 
-void SqliteStore(benchmark::State& state, Place place, SqliteJournal journal) {
-  const auto peer = MakeSqlite("store", journal, JobPoints());
-  NextPoint next(place);
+void SqliteStore(benchmark::State& state, Place place, long long job_points,
+                 SqliteJournal journal) {
+  const auto peer = MakeSqlite("store", journal, JobPoints(job_points));
+  NextPoint next(place, job_points);
   for (auto _ : state) peer->Store(next());
 }
 
@@ -221,13 +223,13 @@ void Add(const std::string& name, benchmark::TimeUnit unit,
   benchmark::RegisterBenchmark(name.c_str(), std::move(run))->Unit(unit)->UseRealTime();
 }
 
-void AddStores(const std::string& job, Place place) {
+void AddStores(const std::string& job, Place place, long long points) {
   constexpr auto kUnit = benchmark::kMicrosecond;
-  Add(job + "/tarvex", kUnit, [=](auto& state) { Store(state, place); });
+  Add(job + "/tarvex", kUnit, [=](auto& state) { Store(state, place, points); });
   Add(job + "/SQLite WAL", kUnit,
-      [=](auto& state) { SqliteStore(state, place, SqliteJournal::WriteAhead); });
+      [=](auto& state) { SqliteStore(state, place, points, SqliteJournal::WriteAhead); });
   Add(job + "/SQLite rollback", kUnit,
-      [=](auto& state) { SqliteStore(state, place, SqliteJournal::Rollback); });
+      [=](auto& state) { SqliteStore(state, place, points, SqliteJournal::Rollback); });
 }
 
 void AddBulkStores(const std::string& job, const std::vector<Point>& (*points)()) {
@@ -237,10 +239,12 @@ void AddBulkStores(const std::string& job, const std::vector<Point>& (*points)()
 }
 
 const bool kAdded = [] {
-  AddStores("store at the end of 1e5", Place::End);
+  AddStores("store at the end of 1e5", Place::End, 100000);
   Add("store at the end of 1e5/bare sync", benchmark::kMicrosecond, AppendAndSync);
-  AddStores("store in front of 1e5", Place::Front);
-  AddStores("store over one of 1e5", Place::Over);
+  AddStores("store in front of 1e4", Place::Front, 10000);
+  AddStores("store in front of 1e5", Place::Front, 100000);
+  AddStores("store over one of 1e4", Place::Over, 10000);
+  AddStores("store over one of 1e5", Place::Over, 100000);
   AddBulkStores("bulk store of 1e6, ascending", Million);
   AddBulkStores("bulk store of 1e6, scattered", ScatteredMillion);
   Add("lookup in open file of 1e6/tarvex", benchmark::kNanosecond, Lookup);

@@ -20,6 +20,7 @@ namespace {
 
 constexpr int kBulkFailedMessage = 1014;
 
+constexpr std::size_t kHeaderSize = alphanumeric_layout::kHeaderSize;
 constexpr std::size_t kRecordSize = alphanumeric_layout::kRecordSize;
 
 // A point of the batch: the key of its id, and where it stood, so that of equal ids the later wins.
@@ -35,8 +36,11 @@ bool HasFiniteCoordinates(const Point& point) {
 
 bool IsStorable(const Point& point, bool alphanumeric) {
   if (!HasFiniteCoordinates(point)) return false;
-  if (alphanumeric) return !NormalisePointId(point.id.view()).empty();
-  const auto number = ParseInteger(point.id.view());
+  const std::string_view id = point.id.view();
+  if (alphanumeric) {
+    return std::any_of(id.begin(), id.end(), [](char c) { return c != ' ' && !IsControl(c); });
+  }
+  const auto number = ParseInteger(id);
   return number && *number >= 1 && *number <= kHighestPointNumber;
 }
 
@@ -46,22 +50,31 @@ Description OnOneLine(const Description& description) {
                                                            : Description(OneLine(text));
 }
 
-// The records of the batch, in its order. They are read in any order later, which large pages
-// make faster.
-std::string EncodeRecords(std::span<const Point> points) {
-  std::string records;
-  records.reserve(points.size() * kRecordSize);
-  PreferLargePages(records.data(), records.capacity());
+// The batch as a file of its own with this header, in its own order. It is read in any order later,
+// which large pages make faster.
+std::string EncodeBatch(std::string_view header, std::span<const Point> points) {
+  std::string batch;
+  batch.reserve(header.size() + points.size() * kRecordSize);
+  PreferLargePages(batch.data(), batch.capacity());
+  batch += header;
   for (const Point& point : points) {
-    alphanumeric_layout::AppendRecord(records, {.at = point.at,
-                                                .description = OnOneLine(point.description),
-                                                .id = NormalisePointId(point.id.view())});
+    alphanumeric_layout::AppendRecord(batch, {.at = point.at,
+                                              .description = OnOneLine(point.description),
+                                              .id = NormalisePointId(point.id.view())});
   }
-  return records;
+  return batch;
 }
 
-PointId IdAt(const std::string& records, std::size_t place) {
-  return alphanumeric_layout::DecodeId(records.data() + place * kRecordSize);
+std::size_t RecordCount(const std::string& file) {
+  return (file.size() - kHeaderSize) / kRecordSize;
+}
+
+const char* RecordAt(const std::string& file, std::size_t place) {
+  return file.data() + kHeaderSize + place * kRecordSize;
+}
+
+PointId IdAt(const std::string& file, std::size_t place) {
+  return alphanumeric_layout::DecodeId(RecordAt(file, place));
 }
 
 std::size_t KeyByte(const PointIdKey& key, unsigned byte) {
@@ -86,10 +99,10 @@ void SortByKey(std::vector<Entry>& entries) {
 }
 
 // The order of the file where every id has a key; nothing when one has not.
-std::optional<std::vector<std::uint32_t>> PlacesByKey(const std::string& records) {
-  std::vector<Entry> entries(records.size() / kRecordSize);
+std::optional<std::vector<std::uint32_t>> PlacesByKey(const std::string& batch) {
+  std::vector<Entry> entries(RecordCount(batch));
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    const auto key = MakePointIdKey(IdAt(records, i).view());
+    const auto key = MakePointIdKey(IdAt(batch, i).view());
     if (!key) return std::nullopt;
     entries[i] = {*key, static_cast<std::uint32_t>(i)};
   }
@@ -104,11 +117,11 @@ std::optional<std::vector<std::uint32_t>> PlacesByKey(const std::string& records
 }
 
 // The same by comparing, for ids with leading zeros.
-std::vector<std::uint32_t> PlacesByComparison(const std::string& records) {
-  const auto compare = [&records](std::uint32_t a, std::uint32_t b) {
-    return ComparePointIds(IdAt(records, a).view(), IdAt(records, b).view());
+std::vector<std::uint32_t> PlacesByComparison(const std::string& batch) {
+  const auto compare = [&batch](std::uint32_t a, std::uint32_t b) {
+    return ComparePointIds(IdAt(batch, a).view(), IdAt(batch, b).view());
   };
-  std::vector<std::uint32_t> places(records.size() / kRecordSize);
+  std::vector<std::uint32_t> places(RecordCount(batch));
   std::iota(places.begin(), places.end(), 0U);
   std::stable_sort(places.begin(), places.end(),
                    [&](std::uint32_t a, std::uint32_t b) { return compare(a, b) < 0; });
@@ -122,9 +135,9 @@ std::vector<std::uint32_t> PlacesByComparison(const std::string& records) {
 }
 
 // The batch in the order of the file, as places in it; of equal ids the last.
-std::vector<std::uint32_t> PlacesInFileOrder(const std::string& records) {
-  auto places = PlacesByKey(records);
-  return places ? std::move(*places) : PlacesByComparison(records);
+std::vector<std::uint32_t> PlacesInFileOrder(const std::string& batch) {
+  auto places = PlacesByKey(batch);
+  return places ? std::move(*places) : PlacesByComparison(batch);
 }
 
 // Merges the records of the batch into those of the file.
@@ -140,7 +153,7 @@ class RecordMerger {
   std::string Merge(const std::vector<std::uint32_t>& places) {
     for (std::size_t i = 0; i < places.size(); ++i) {
       FetchAhead(places, i);
-      const char* record = batch_.data() + places[i] * kRecordSize;
+      const char* record = RecordAt(batch_, places[i]);
       if (at_ < end_) CopyBefore(alphanumeric_layout::DecodeId(record));
       merged_.append(record, kRecordSize);
     }
@@ -153,7 +166,7 @@ class RecordMerger {
   void FetchAhead(const std::vector<std::uint32_t>& places, std::size_t i) const {
     constexpr std::size_t kAhead = 24;
     if (i + kAhead >= places.size()) return;
-    const char* record = batch_.data() + places[i + kAhead] * kRecordSize;
+    const char* record = RecordAt(batch_, places[i + kAhead]);
     __builtin_prefetch(record);
     __builtin_prefetch(record + kRecordSize - 1);
   }
@@ -173,14 +186,18 @@ class RecordMerger {
 
   const std::string& old_;
   const std::string& batch_;
-  std::size_t at_ = alphanumeric_layout::kHeaderSize;  // in the old file: what is not yet copied
+  std::size_t at_ = kHeaderSize;  // in the old file: what is not yet copied
   std::size_t end_ = old_.size() - (old_.size() - at_) % kRecordSize;
   std::string merged_;
 };
 
 std::string MergeNamed(const std::string& old_file, std::span<const Point> points) {
-  const std::string batch = EncodeRecords(points);
-  return RecordMerger(old_file, batch).Merge(PlacesInFileOrder(batch));
+  std::string batch = EncodeBatch(std::string_view(old_file).substr(0, kHeaderSize), points);
+  const std::vector<std::uint32_t> places = PlacesInFileOrder(batch);
+  const bool in_order =
+      places.size() == points.size() && std::is_sorted(places.begin(), places.end());
+  if (in_order && RecordCount(old_file) == 0) return batch;  // an import into a new job
+  return RecordMerger(old_file, batch).Merge(places);
 }
 
 std::string MergeNumbered(std::string file, std::span<const Point> points, long long last_number,
