@@ -137,6 +137,10 @@ ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view
   return ZoneSelection::Selected;
 }
 
+bool CTrgCalculator::IsBritish() const {
+  return record_.projection_type == static_cast<int>(ProjectionType::TransverseMercatorOstn02);
+}
+
 // True for a national projection whose grid nobody has handed in.
 bool CTrgCalculator::LacksNationalGrid() const {
   switch (static_cast<ProjectionType>(record_.projection_type)) {
@@ -158,10 +162,7 @@ CalculationResult CTrgCalculator::State() const {
   if (!has_system_) return CalculationResult::NoSystem;
   if (!projection_) return CalculationResult::NotAvailable;
   if (NeedsDatumShift() && !steps_.datum_shift) return CalculationResult::NoDatumShift;
-  // The British plane is 100 m off without its grid; the Dutch is 25 cm off, and says so.
-  const bool british =
-      record_.projection_type == static_cast<int>(ProjectionType::TransverseMercatorOstn02);
-  if (british && LacksNationalGrid()) return CalculationResult::NoGridCorrection;
+  if (IsBritish() && LacksNationalGrid()) return CalculationResult::NoGridCorrection;
   return CalculationResult::Done;
 }
 
@@ -192,6 +193,23 @@ CalculationResult CTrgCalculator::FromSystemDatum(Geodetic& position, Run& run) 
   return run.Take(*steps_.datum_shift, outcome);
 }
 
+// The national grid, one way or the other. Without it the Dutch plane is 25 cm off, which is said;
+// the British plane is 100 m off and stands for nothing.
+CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
+                                              StepOutcome (GridCorrection::*way)(GridMetres&) const,
+                                              Run& run) const {
+  if (!steps_.grid_correction) {
+    if (LacksNationalGrid()) run.LeaveUndone(CalculationStep::GridCorrection, at, kNoNationalGrid);
+    return CalculationResult::Done;
+  }
+  const StepOutcome outcome = (*steps_.grid_correction.*way)(at);
+  run.Note(CalculationStep::GridCorrection, at);
+  const CalculationResult result = run.Take(*steps_.grid_correction, outcome);
+  if (result != CalculationResult::Done) return result;
+  const bool uncorrected = outcome.status == StepStatus::LeftUndone;
+  return uncorrected && IsBritish() ? CalculationResult::StepRefused : CalculationResult::Done;
+}
+
 // Projection, grid correction and localization of a position on the system's datum; the elevation
 // goes in with `metres`.
 CalculationResult CTrgCalculator::Project(const Geodetic& position, GridMetres& metres,
@@ -203,14 +221,8 @@ CalculationResult CTrgCalculator::Project(const Geodetic& position, GridMetres& 
   metres.northing_m = plane.northing_m;
   metres.easting_m = plane.easting_m;
   run.Note(CalculationStep::Projection, metres);
-  if (LacksNationalGrid())
-    run.LeaveUndone(CalculationStep::GridCorrection, metres, kNoNationalGrid);
-  if (steps_.grid_correction) {
-    const StepOutcome outcome = steps_.grid_correction->ToGrid(metres);
-    run.Note(CalculationStep::GridCorrection, metres);
-    const CalculationResult result = run.Take(*steps_.grid_correction, outcome);
-    if (result != CalculationResult::Done) return result;
-  }
+  const CalculationResult corrected = CorrectGrid(metres, &GridCorrection::ToGrid, run);
+  if (corrected != CalculationResult::Done) return corrected;
   if (steps_.localization) {
     const StepOutcome outcome = steps_.localization->ToLocal(metres);
     run.Note(CalculationStep::Localization, metres);
@@ -229,13 +241,8 @@ CalculationResult CTrgCalculator::Unproject(const GridMetres& metres, Geodetic& 
     const CalculationResult result = run.Take(*steps_.localization, outcome);
     if (result != CalculationResult::Done) return result;
   }
-  if (LacksNationalGrid()) run.LeaveUndone(CalculationStep::GridCorrection, at, kNoNationalGrid);
-  if (steps_.grid_correction) {
-    const StepOutcome outcome = steps_.grid_correction->ToPlane(at);
-    run.Note(CalculationStep::GridCorrection, at);
-    const CalculationResult result = run.Take(*steps_.grid_correction, outcome);
-    if (result != CalculationResult::Done) return result;
-  }
+  const CalculationResult corrected = CorrectGrid(at, &GridCorrection::ToPlane, run);
+  if (corrected != CalculationResult::Done) return corrected;
   LatLon unprojected;
   const auto result = ResultOf(projection_->Inverse({at.northing_m, at.easting_m}, unprojected));
   if (result != CalculationResult::Done) return result;

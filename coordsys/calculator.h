@@ -121,9 +121,13 @@ class CTrgCalculator {
 
   bool NeedsDatumShift() const;
   bool LacksNationalGrid() const;
+  bool IsBritish() const;
   CalculationResult ToSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult FromSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult Project(const Geodetic& position, GridMetres& metres, Run& run) const;
+  CalculationResult CorrectGrid(GridMetres& at,
+                                StepOutcome (GridCorrection::*way)(GridMetres&) const,
+                                Run& run) const;
   CalculationResult Unproject(const GridMetres& metres, Geodetic& position, Run& run) const;
   CalculationResult SettleHeight(Geodetic on_datum, double elevation_m, Geodetic& wgs84,
                                  Run& run) const;

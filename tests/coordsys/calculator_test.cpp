@@ -156,6 +156,33 @@ TEST(Calculator, AStepLeftUndoneIsPartOfTheResult) {
   EXPECT_EQ(calculator.ToWgs84({5e6, 5e5, 0.0}, position), CalculationResult::LibraryMissing);
 }
 
+TEST(Calculator, ANationalPlaneWithoutItsGridIsTold) {
+  ProjectionRecord record;
+  record.semi_major_m = 6377563.396;
+  record.flattening = 1.0 / 299.3249646;
+  record.scale_factor = 0.9996012717;
+  record.latitude_of_origin = 49.0;
+  record.central_meridian = -2.0;
+  record.projection_type = static_cast<int>(ProjectionType::TransverseMercatorOstn02);
+  CTrgCalculator british;
+  british.SetRecord(record);
+  GridPoint point;
+  EXPECT_EQ(british.ToGrid({0.9, -0.03, 0.0}, point), CalculationResult::NoGridCorrection);
+  const auto correction = std::make_shared<EastCorrection>();
+  british.SetSteps({.grid_correction = correction});
+  EXPECT_EQ(british.ToGrid({0.9, -0.03, 0.0}, point), CalculationResult::Done);
+  correction->outcome = {StepStatus::LeftUndone, 2236};
+  EXPECT_EQ(british.ToGrid({0.9, -0.03, 0.0}, point), CalculationResult::StepRefused);
+
+  record.projection_type = static_cast<int>(ProjectionType::ObliqueStereographicRd2004);
+  CTrgCalculator dutch;
+  dutch.SetRecord(record);
+  dutch.SetSteps({.datum_shift = std::make_shared<NorthShift>()});
+  CalculationReport report;
+  EXPECT_EQ(dutch.ToGrid({0.9, -0.03, 0.0}, point, &report), CalculationResult::DoneInPart);
+  EXPECT_EQ(report.steps.at(3).outcome.status, StepStatus::LeftUndone);
+}
+
 TEST(SystemCatalogue, FindsUtmZonesOfBothHemispheres) {
   const SystemCatalogue catalogue;
   EXPECT_EQ(catalogue.Search("").size(), 120U);
