@@ -99,7 +99,7 @@ class ComparingReporter final : public benchmark::BenchmarkReporter {
 int main(int argc, char** argv) {
   // Ours first, so that what is given on the command line wins.
   std::string interleaved = "--benchmark_enable_random_interleaving=true";
-  std::string repeated = "--benchmark_repetitions=5";
+  std::string repeated = "--benchmark_repetitions=3";
   std::vector<char*> arguments{argv[0], interleaved.data(), repeated.data()};
   arguments.insert(arguments.end(), argv + 1, argv + argc);
   int count = static_cast<int>(arguments.size());
