@@ -10,6 +10,12 @@ namespace {
 constexpr std::size_t kNameLimit = 200;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+// At the start of any line: joined files have marks in their midst.
+std::string_view WithoutByteOrderMark(std::string_view line) {
+  while (line.starts_with(kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
+  return line;
+}
+
 bool HasControlCharacter(std::string_view text) {
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
@@ -47,7 +53,7 @@ std::string LineOf(std::string_view name, std::string_view definition) {
 }  // namespace
 
 std::optional<CatalogueLine> ReadCatalogueLine(std::string_view line) {
-  if (line.starts_with(kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
+  line = WithoutByteOrderMark(line);
   const std::size_t tab = line.find('\t');
   if (line.starts_with('#') || tab == std::string_view::npos) return std::nullopt;
   const CatalogueLine system{WithoutOuterBlanks(line.substr(0, tab)),
@@ -57,13 +63,13 @@ std::optional<CatalogueLine> ReadCatalogueLine(std::string_view line) {
 }
 
 std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skipped) {
-  if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
   std::vector<NamedSystem> systems;
   std::size_t others = 0;
   while (const auto line = TakeLine(bytes)) {
     if (const auto system = ReadCatalogueLine(*line)) {
       systems.push_back({std::string(system->name), std::string(system->definition)});
-    } else if (!line->starts_with('#') && !WithoutOuterBlanks(*line).empty()) {
+    } else if (!WithoutByteOrderMark(*line).starts_with('#') &&
+               !WithoutOuterBlanks(*line).empty()) {
       ++others;
     }
   }
@@ -73,8 +79,8 @@ std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skip
 
 bool IsCatalogueName(std::string_view name) {
   return !name.empty() && name.size() <= kNameLimit && !HasControlCharacter(name) &&
-         !name.starts_with('#') && WithoutOuterBlanks(name) == name &&
-         name.find(",GEOID=") == std::string_view::npos;
+         !name.starts_with('#') && !name.starts_with(kByteOrderMark) &&
+         WithoutOuterBlanks(name) == name && name.find(",GEOID=") == std::string_view::npos;
 }
 
 CatalogueResult AddToCatalogue(std::string& bytes, std::string_view name,

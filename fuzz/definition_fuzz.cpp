@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "coordsys/definition_check.h"
 #include "coordsys/definition_reader.h"
 #include "coordsys/definition_writer.h"
 
@@ -18,6 +19,7 @@ ProjectionRecord Read(std::string_view text, std::string& compound_name) {
 void Run(std::string_view text) {
   std::string compound_name;
   (void)Read(text, compound_name);
+  (void)CheckDefinition(text);
   const std::string line = OneLineDefinition(text);
   const ProjectionRecord record = Read(line, compound_name);
   const auto written = WriteDefinition(record, "name", compound_name);
