@@ -83,7 +83,7 @@ std::size_t KeyByte(const PointIdKey& key, unsigned byte) {
 }
 
 // Ascending by key, equal keys in the order of the batch: a counting sort byte for byte from the
-// lowest on, three times faster than comparing. Bytes that all keys share cost nothing.
+// lowest on, which scattered ids need. Bytes that all keys share cost nothing.
 void SortByKey(std::vector<Entry>& entries) {
   const auto before = [](const Entry& a, const Entry& b) { return a.key < b.key; };
   if (std::is_sorted(entries.begin(), entries.end(), before)) return;
