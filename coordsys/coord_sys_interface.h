@@ -41,6 +41,7 @@ struct CoordSysParameters {
   double shift[7]; /* dX dY dZ, rX rY rZ (seconds of arc, coordinate frame), scale (ppm) */
 };
 
+/* NOLINTNEXTLINE(modernize-use-using): C reads this header too */
 typedef int CoordSysConversion(double first, double second, double* first_out, double* second_out,
                                const struct CoordSysParameters* parameters);
 

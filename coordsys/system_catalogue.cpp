@@ -33,7 +33,7 @@ std::string AuthorityOf(std::string_view part) {
   part.remove_prefix(kPrefix.size());
   while (part.starts_with(':') || part.starts_with(' ')) part.remove_prefix(1);
   const auto code = ParseInteger(part);
-  return code ? "AUTHORITY[\"EPSG\",\"" + std::to_string(*code) + "\"]" : "";
+  return code ? R"(AUTHORITY["EPSG",")" + std::to_string(*code) + R"("])" : "";
 }
 
 // Every system of a catalogue's bytes that `wanted` takes.

@@ -35,7 +35,8 @@ class PosixLibraries final : public RunTimeLibraries {
     const std::string stem = name.substr(0, name.rfind('.'));
     for (const std::string& folder : Folders()) {
       for (const char* prefix : {"", "lib"}) {
-        const std::string path = folder + prefix + stem + ".so";
+        std::string path = folder;
+        path.append(prefix).append(stem).append(".so");
         if (access(path.c_str(), F_OK) != 0) continue;
         if (void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
           return std::make_unique<PosixLibrary>(handle);

@@ -1,6 +1,6 @@
 // The entry points of "CoordSys.dll" that project (coordsys/coord_sys_interface.h describes them).
-#include <cmath>
-#include <cstring>
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "coordsys/coord_sys_interface.h"
@@ -42,6 +42,15 @@ ProjectionParameters Parameters(const CoordSysParameters& given) {
   return parameters;
 }
 
+bool Same(const CoordSysParameters& a, const CoordSysParameters& b) {
+  return a.semi_major == b.semi_major && a.flattening == b.flattening &&
+         a.latitude_of_origin == b.latitude_of_origin && a.central_meridian == b.central_meridian &&
+         a.azimuth == b.azimuth && a.rectified_angle == b.rectified_angle &&
+         a.scale_factor == b.scale_factor && a.false_easting == b.false_easting &&
+         a.false_northing == b.false_northing &&
+         std::equal(std::begin(a.shift), std::end(a.shift), std::begin(b.shift));
+}
+
 // The constants of the parameters that were used last: they are derived once, not once a point.
 template <MadeProjection (*make)(const ProjectionParameters&)>
 const Projection* ProjectionOf(const CoordSysParameters* given) {
@@ -51,7 +60,7 @@ const Projection* ProjectionOf(const CoordSysParameters* given) {
   };
   thread_local std::optional<Last> last;
   if (!given) return nullptr;
-  if (!last || std::memcmp(&last->parameters, given, sizeof *given) != 0) {
+  if (!last || !Same(last->parameters, *given)) {
     last = Last{*given, make(Parameters(*given))};
   }
   return last->made.projection.get();
@@ -64,7 +73,7 @@ const Eov* EovOf(const CoordSysParameters* given) {
   };
   thread_local std::optional<Last> last;
   if (!given) return nullptr;
-  if (!last || std::memcmp(&last->parameters, given, sizeof *given) != 0) {
+  if (!last || !Same(last->parameters, *given)) {
     last.emplace(Last{*given, Eov(*given)});
   }
   return &last->eov;
