@@ -14,6 +14,7 @@ constexpr double kPageWidth = 1000.0;
 constexpr double kMargin = 115.0;
 constexpr double kTurnPerPoint = 0.02;
 constexpr int kMostPointsAnElement = 200;
+constexpr std::size_t kMostPoints = 50000;  // of the whole picture
 constexpr std::size_t kMostNamedElements = 60;
 constexpr double kTickPixels = 7.0;
 
@@ -80,8 +81,9 @@ class AlignmentPainter {
     const AlignmentElement& e = alignment_.elements()[index];
     const double turning =
         std::max(std::fabs(e.curvature_start), std::fabs(e.curvature_end)) * e.length;
-    const int parts =
-        std::clamp(static_cast<int>(turning / kTurnPerPoint) + 1, 1, kMostPointsAnElement);
+    const auto most = static_cast<int>(kMostPoints / alignment_.elements().size()) + 1;
+    const int wanted = static_cast<int>(std::min(turning / kTurnPerPoint, 1e6)) + 1;
+    const int parts = std::min({wanted, most, kMostPointsAnElement});
     const PlanPoint from = NodeAt(e.from_node);
     const PlanPoint to = NodeAt(e.to_node);
     std::vector<DrawingPoint> line{OnDrawing(from)};

@@ -88,7 +88,7 @@ void SvgPicture::AppendPath(std::span<const DrawingPoint> points) {
 }
 
 void SvgPicture::Line(std::span<const DrawingPoint> points, const StrokeStyle& style) {
-  body_ += "<polyline fill=\"none\" stroke-linejoin=\"round\"" + StrokeAttributes(style);
+  body_ += R"(<polyline fill="none" stroke-linejoin="round")" + StrokeAttributes(style);
   AppendPath(points);
   body_ += "/>\n";
 }

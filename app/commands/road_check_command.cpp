@@ -1,6 +1,7 @@
 // tarvex road check: the file against its own numbers. tarvex road list: what lies along the road.
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "app/commands/command.h"
 #include "app/commands/road_commands.h"
@@ -184,19 +185,32 @@ struct RoadListOptions {
   double offset = 0.0;
 };
 
-// Key points that stand at a station.
-std::string KeyPointsAt(const OpenedRoad& road, double station) {
-  std::string names;
-  for (const CenterlineElement& node : road.geometry.chain) {
-    if (node.record == KeyPointKind::LeadIn || node.record == KeyPointKind::Line) continue;
-    if (std::fabs(node.station - station) < 1e-4) {
-      names += (names.empty() ? "" : " ") + std::string(RecordName(node));
+// Names of the key points by station.
+class KeyPointNames {
+ public:
+  explicit KeyPointNames(const std::vector<CenterlineElement>& chain) {
+    for (const CenterlineElement& node : chain) {
+      if (node.record == KeyPointKind::LeadIn || node.record == KeyPointKind::Line) continue;
+      names_.emplace(node.station, RecordName(node));
     }
   }
-  return names;
-}
 
-void PrintPlace(Program& program, const OpenedRoad& road, double station, double offset) {
+  std::string At(double station) const {
+    constexpr double kSame = 1e-4;
+    std::string names;
+    const auto end = names_.upper_bound(station + kSame);
+    for (auto at = names_.lower_bound(station - kSame); at != end; ++at) {
+      names += (names.empty() ? "" : " ") + std::string(at->second);
+    }
+    return names;
+  }
+
+ private:
+  std::multimap<double, std::string_view> names_;
+};
+
+void PrintPlace(Program& program, const OpenedRoad& road, const KeyPointNames& names,
+                double station, double offset) {
   const auto point = road.alignment().PointAt(station, offset);
   const auto elevation = road.DesignElevation(station);
   program.console.Print(Right(road.StationText(station), 16) +
@@ -204,10 +218,10 @@ void PrintPlace(Program& program, const OpenedRoad& road, double station, double
                         Right(FixedNumber(point->at.easting, kRoadDecimals), 17) +
                         Right(elevation ? FixedNumber(*elevation, kRoadDecimals) : "", 13) +
                         Right(FixedNumber(point->azimuth * kDegreesPerRadian, 5), 12) + "  " +
-                        KeyPointsAt(road, station) + "\n");
+                        names.At(station) + "\n");
 }
 
-Json PlaceJson(const OpenedRoad& road, double station, double offset) {
+Json PlaceJson(const OpenedRoad& road, const KeyPointNames& names, double station, double offset) {
   const auto point = road.alignment().PointAt(station, offset);
   Json json = road.StationJson(station);
   json["offset"] = offset;
@@ -215,7 +229,7 @@ Json PlaceJson(const OpenedRoad& road, double station, double offset) {
   json["easting"] = point->at.easting;
   if (const auto elevation = road.DesignElevation(station)) json["elevation"] = *elevation;
   json["azimuth_degrees"] = point->azimuth * kDegreesPerRadian;
-  json["key_point"] = KeyPointsAt(road, station);
+  json["key_point"] = names.At(station);
   return json;
 }
 
@@ -235,15 +249,17 @@ ExitCode RunRoadList(const RoadListOptions& options, Program& program) {
     return program.Misuse("The interval gives no stations, or more than " +
                           std::to_string(kMostStakeStations) + ".");
   }
+  const KeyPointNames names(road->geometry.chain);
   if (options.road.json) {
     Json list = Json::array();
-    for (const double station : stations) list.push_back(PlaceJson(*road, station, options.offset));
+    for (const double station : stations)
+      list.push_back(PlaceJson(*road, names, station, options.offset));
     program.console.Print(JsonText({{"file", options.road.file}, {"stations", std::move(list)}}));
     return ExitCode::Done;
   }
   program.console.Print(Right("Station", 16) + Right("Northing", 17) + Right("Easting", 17) +
                         Right("Elevation", 13) + Right("Azimuth", 12) + "\n");
-  for (const double station : stations) PrintPlace(program, *road, station, options.offset);
+  for (const double station : stations) PrintPlace(program, *road, names, station, options.offset);
   return ExitCode::Done;
 }
 

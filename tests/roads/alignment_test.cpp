@@ -194,10 +194,84 @@ TEST(Alignment, TakesTheTurnFromTheCentre) {
   EXPECT_NEAR(inside->station, 100 + 100 * (kPi + std::atan(0.1)), 1e-5);
 }
 
-TEST(Alignment, TakesEveryFormOfSpiralGroup) {
-  // Asymmetric: 60 in, 100 out, left; from the elements of a spiral table (R 180).
-  const Alignment group = Example("scs_right");
-  EXPECT_NEAR(group.elements()[1].SpiralParameter(), 141.421356237, 1e-8);
+TEST(Clothoid, MeetsThePublishedEndPoints) {
+  for (const auto& row : TableRows("spiral_local.tsv")) {
+    const double radius = LeadingDouble(row[0]);
+    const double length = LeadingDouble(row[1]);
+    const LocalFrame in = SpiralEnd(0.0, 1.0 / radius, length);
+    EXPECT_NEAR(in.x, LeadingDouble(row[4]), 1e-9) << row[0];
+    EXPECT_NEAR(in.y, LeadingDouble(row[5]), 1e-9) << row[0];
+    // Out of the curve, to the left: the same chord, run from its other end.
+    const LocalFrame out = SpiralEnd(-1.0 / radius, 0.0, length);
+    EXPECT_NEAR(std::hypot(out.x, out.y), LeadingDouble(row[6]), 1e-9) << row[0];
+    EXPECT_LT(out.y, 0.0);
+  }
+}
+
+// A group that turns by `turn` with spirals of two lengths, appended from a place and azimuth on;
+// the end becomes the new place.
+struct Walker {
+  PlanPoint at{7e5, 2.5e6};
+  double azimuth = 0.0;
+  double station = 100.0;
+  std::string text;
+
+  void Key(const std::string& kind, const std::string& more = "") {
+    text += "0," + FixedNumber(station, 9) + "," + kind + "," + FixedNumber(at.easting, 10) + "," +
+            FixedNumber(at.northing, 10) + more + "\n";
+  }
+  void Go(double k0, double k1, double length) {
+    std::vector<SpiralPanel> panels;
+    const CurvePiece piece = MakeSpiralPiece(at, azimuth, k0, k1, length, panels);
+    at = piece.ToGrid(piece.end.x, piece.end.y);
+    azimuth += 0.5 * (k0 + k1) * length;
+    station += length;
+  }
+  void Group(double turn, double radius, double in, double arc, double out) {
+    const double k = turn / radius;
+    Walker to_curve = *this;
+    to_curve.Go(0.0, k, in);
+    const double across = to_curve.azimuth + turn * kPi / 2;
+    const std::string center =
+        "0," + std::string(turn < 0 ? "-" : "") + "10.0,R," +
+        FixedNumber(to_curve.at.easting + radius * std::sin(across), 10) + "," +
+        FixedNumber(to_curve.at.northing + radius * std::cos(across), 10) + "\n";
+    Key("TS");
+    text += center;
+    Go(0.0, k, in);
+    Key("SC");
+    text += center;
+    Go(k, k, arc);
+    Key("CS");
+    Go(k, 0.0, out);
+    Key("ST");
+  }
+};
+
+TEST(Alignment, TakesSpiralsOfTwoLengthsAndReversingCurves) {
+  Walker walker;
+  walker.Key("L");
+  walker.Go(0.0, 0.0, 50.0);
+  walker.Group(-1.0, 180.0, 60.0, 40.0, 100.0);
+  walker.Group(1.0, 120.0, 50.0, 70.0, 50.0);  // its "TS" lies on the "ST" before and replaces it
+  walker.Group(1.0, 200.0, 80.0, 1e-7, 40.0);  // spiral to spiral: the "CS" replaces the "SC"
+  walker.Go(0.0, 0.0, 30.0);
+  walker.Key("L");
+  const Alignment road = FromText(walker.text + "0,0,L,0,0\n");
+  ASSERT_EQ(road.elements().size(), 1U + 3 + 3 + 2 + 1);
+  for (const AlignmentElement& element : road.elements()) {
+    EXPECT_TRUE(element.sound);
+    EXPECT_NEAR(element.residuals.chord.value_or(0.0), 0.0, 1e-6);
+    EXPECT_NEAR(element.residuals.join.value_or(0.0), 0.0, 1e-7);
+  }
+  EXPECT_NEAR(road.elements()[1].length, 60.0, 1e-8);
+  EXPECT_NEAR(road.elements()[3].length, 100.0, 1e-8);
+  EXPECT_NEAR(road.end_station(), walker.station, 1e-8);
+  const auto end = road.Closest(walker.at);
+  EXPECT_NEAR(end->station, walker.station, kTolerance);
+}
+
+TEST(Alignment, TakesSpiralRecordsThatRelax) {
   // A relaxing SP from R 120 back to R 300 is the tightening one walked backward.
   const Road road = LoadRoad("cl/egg_sp.cl");
   const auto& chain = road.centerline->elements;
