@@ -11,6 +11,8 @@ namespace {
 void AddCommands(CLI::App& app, Program& program) {
   AddNewCommand(app, program);
   AddCollectCommand(app, program);
+  AddWatchCommand(app, program);
+  AddBasesCommand(app, program);
   AddStoreCommand(app, program);
   AddImportCommand(app, program);
   AddPointsCommand(app, program);
@@ -20,6 +22,8 @@ void AddCommands(CLI::App& app, Program& program) {
   AddConvertCommand(app, program);
   AddSystemsCommand(app, program);
   AddRoadCommand(app, program);
+  AddReplayCommand(app, program);
+  AddCasterCommand(app, program);
   AddDemoCommand(app, program);
 }
 

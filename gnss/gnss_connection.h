@@ -29,8 +29,6 @@ struct GnssConnection {
   PositionFinish* finish = nullptr;  ///< not owned; AcceptUsable when there is none
   StopRequest* stop = nullptr;       ///< not owned; asks a reading to end early
   LineListener* listener = nullptr;  ///< not owned
-  /// The receiver's own name of the port that we are on, for makes that want it in commands.
-  std::string receiver_port = "THISPORT";
   SimulatedReceiver simulated{};
 
   // What a reading leaves for the next one.

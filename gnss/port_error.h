@@ -40,7 +40,7 @@ enum class [[nodiscard]] PortError : int{
     BasesNotLoaded = 367,
     MountpointNotConnected = 368,
     MountpointUnknown = 378,
-  TableTooLarge = 399,
+    TableTooLarge = 399,
 };
 
 /// Stores the error and returns it.

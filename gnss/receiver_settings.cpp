@@ -54,6 +54,13 @@ bool SetBudget(std::string_view text, ReceiverSettings& settings) {
   return true;
 }
 
+bool SetReceiverPort(std::string_view text, ReceiverSettings& settings) {
+  text = WithoutOuterBlanks(text);
+  if (text.empty() || text.size() > settings.receiver_port.kCapacity) return false;
+  settings.receiver_port.Assign(text);
+  return true;
+}
+
 bool SetAshtechPort(std::string_view text, ReceiverSettings& settings) {
   text = WithoutOuterBlanks(text);
   if (text.size() != 1 || UpperCase(text[0]) < 'A' || UpperCase(text[0]) > 'Z') return false;
@@ -76,6 +83,7 @@ constexpr std::array kSettings = {
     Setting{"nmea_line_budget", SetBudget},
     Setting{"novatel_zero_undulation", SetSwitch<&ReceiverSettings::zero_undulation>},
     Setting{"novatel_user_datum", SetSwitch<&ReceiverSettings::omnistar_user_datum>},
+    Setting{"receiver_port", SetReceiverPort},
     Setting{"ashtech_model", SetNumber<&ReceiverSettings::ashtech_model>},
     Setting{"ashtech_variant", SetNumber<&ReceiverSettings::ashtech_variant>},
     Setting{"ashtech_port", SetAshtechPort},

@@ -13,6 +13,7 @@
 //   nmea_line_budget       lines read for one position before giving up
 //   novatel_zero_undulation  1: the receiver must send ellipsoid heights, and is told so
 //   novatel_user_datum     1: the coordinate system needs the user datum for OMNISTAR_HP solutions
+//   receiver_port          the receiver's own name of the port we are on (THISPORT), for NovAtel
 //   ashtech_model          0 to 6; 0, 3, 4, 5 and 6 answer with $PASHR,POS, the others with GGA
 //   ashtech_variant        1: the variant of model 2 that answers with $PASHR,POS
 //   ashtech_port           letter of the receiver's port
@@ -21,6 +22,7 @@
 
 #include <string_view>
 
+#include "core/fixed_text.h"
 #include "core/units.h"
 
 namespace tarvex {
@@ -51,12 +53,16 @@ struct ReceiverSettings {
   int line_budget = 15;
   bool zero_undulation = true;
   bool omnistar_user_datum = false;
+  FixedText<15> receiver_port = {};  ///< empty: THISPORT
   int ashtech_model = 0;
   int ashtech_variant = 0;
   char ashtech_port = 'A';
   bool ashtech_skip_retry = false;
   DistanceUnit unit = DistanceUnit::Metres;  ///< the job's; not a key of the file
 
+  std::string_view ReceiverPort() const {
+    return receiver_port.empty() ? std::string_view("THISPORT") : receiver_port.view();
+  }
   bool operator==(const ReceiverSettings&) const = default;
 };
 

@@ -21,6 +21,10 @@ void AddCollectCommand(CLI::App& app, Program& program);
 void AddConvertCommand(CLI::App& app, Program& program);
 void AddSystemsCommand(CLI::App& app, Program& program);
 void AddRoadCommand(CLI::App& app, Program& program);
+void AddBasesCommand(CLI::App& app, Program& program);
+void AddCasterCommand(CLI::App& app, Program& program);
+void AddReplayCommand(CLI::App& app, Program& program);
+void AddWatchCommand(CLI::App& app, Program& program);
 void AddDemoCommand(CLI::App& app, Program& program);
 
 }  // namespace tarvex

@@ -89,7 +89,7 @@ GnssReadResult RequestDop(GnssPositionState& state, GnssConnection& connection, 
   if (!connection.ready()) return GnssReadResult::NoFix;
   const PortUse use(*connection.port);
   if (!use) return GnssReadResult::NotPrepared;
-  const DopRequest request = RequestOf(make, connection.receiver_port);
+  const DopRequest request = RequestOf(make, std::string(connection.settings.ReceiverPort()));
   if (!SendCommand(connection, request.command)) return GnssReadResult::PortReadFailed;
   std::array<char, kReplyCapacity> buffer;
   std::string_view reply;

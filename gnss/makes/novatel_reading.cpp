@@ -60,12 +60,16 @@ GnssReadResult CheckDatum(GnssConnection& connection, const Bestpos& bestpos) {
   return wgs84 ? GnssReadResult::Accepted : SetWgs84(connection);
 }
 
+std::string LogRequest(const GnssConnection& connection) {
+  return "LOG " + std::string(connection.settings.ReceiverPort()) + " BESTPOSA ONCE";
+}
+
 }  // namespace
 
 GnssReadResult ReadNovAtelPosition(GnssPositionState& state, GnssConnection& connection,
                                    const ReceiverMake& make) {
   WaitForNextRequest(connection);
-  if (!SendCommand(connection, "LOG " + connection.receiver_port + " BESTPOSA ONCE")) {
+  if (!SendCommand(connection, LogRequest(connection))) {
     return GnssReadResult::PortReadFailed;
   }
   std::array<char, kReplyCapacity> buffer;

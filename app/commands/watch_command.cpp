@@ -1,0 +1,105 @@
+// tarvex watch: what a receiver says, live in the terminal.
+#include <cstdio>
+
+#include "app/commands/command.h"
+#include "app/commands/commands.h"
+#include "app/correction_link.h"
+#include "app/receiver_options.h"
+#include "app/watch_view.h"
+
+namespace tarvex {
+namespace {
+
+struct WatchOptions {
+  ReceiverOptions receiver;
+  std::string corrections;
+  std::string password_file;
+  std::string stream_log;
+  long long count = 0;
+};
+
+// A simulated receiver gives as many epochs as are asked for; people look at one a second.
+void PaceSimulated(const ReceiverChoice& choice, Program& program) {
+  constexpr std::int64_t kEpochMs = 1000;
+  if (choice.address.kind == PortKind::Simulated) program.clock.SleepMilliseconds(kEpochMs);
+}
+
+ExitCode Watch(const WatchOptions& options, const ReceiverChoice& choice,
+               GnssConnection& connection, ReceiverTap& tap, const CorrectionLink* link,
+               Program& program) {
+  GnssPositionState state;
+  WatchView view(program.console);
+  long long positions = 0;
+  while (!InterruptRequested() && (options.count == 0 || positions < options.count)) {
+    const GnssReadResult result = ReadGnssPosition(state, connection, choice.type);
+    if (InterruptRequested()) break;
+    if (result != GnssReadResult::Accepted && connection.ended()) break;
+    if (result == GnssReadResult::Accepted && !state.repeated_epoch) ++positions;
+    view.Show(result, state, tap, link, program.clock);
+    PaceSimulated(choice, program);
+  }
+  view.End();
+  if (connection.ended() && options.count > 0 && positions < options.count) {
+    return program.Fail("The receiver's data ended after " + std::to_string(positions) +
+                        " positions.");
+  }
+  return positions > 0 ? ExitCode::Done : program.Fail("No position came.");
+}
+
+ExitCode RunWatch(const WatchOptions& options, Program& program) {
+  ReceiverChoice choice;
+  if (const ExitCode code = ChooseReceiver(options.receiver, Settings(), program, choice);
+      code != ExitCode::Done) {
+    return code;
+  }
+  CorrectionAddress address;
+  std::string problem;
+  if (!options.corrections.empty() &&
+      !(ParseCorrectionAddress(options.corrections, address, problem) &&
+        FindPassword(options.password_file, address.caster, problem))) {
+    return program.Misuse(problem);
+  }
+  LastErrorRecord errors;
+  const auto port = MakePort(choice.address, program.files, program.clock, errors);
+  if (port && port->Open() != PortError::None) return program.Fail(ErrorSentences(errors));
+  if (!port && !options.corrections.empty()) {
+    return program.Misuse("The simulated receiver takes no corrections.");
+  }
+  ReceiverTap tap(program);
+  if (!options.stream_log.empty() && !tap.StartLog(options.stream_log)) return ExitCode::Failed;
+  GnssConnection connection{.port = port.get(),
+                            .clock = program.clock,
+                            .settings = choice.settings,
+                            .listener = &tap,
+                            .receiver_port = choice.receiver_port};
+  std::unique_ptr<CorrectionLink> link;
+  if (!options.corrections.empty()) {
+    link = std::make_unique<CorrectionLink>(program, address, *port, tap.gga());
+  }
+  return Watch(options, choice, connection, tap, link.get(), program);
+}
+
+}  // namespace
+
+void AddWatchCommand(CLI::App& app, Program& program) {
+  Command<WatchOptions> command(app, program, "watch", "Look at a receiver, live", RunWatch);
+  WatchOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  sub.footer(
+      "In a terminal the view is drawn anew with each position; otherwise each is a line.\n"
+      "Ctrl-C ends it. Precision is in metres.");
+  sub.add_option("PORT", options.receiver.receiver,
+                 "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
+      ->required();
+  sub.add_option("--make", options.receiver.make, "Make of the receiver");
+  sub.add_option("--set", options.receiver.settings, "A receiver setting KEY=VALUE");
+  sub.add_option("--nmea-pos", options.receiver.position_sentence,
+                 "Sentence with the position: 1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ, 32 PTNL,GGK");
+  sub.add_option("--corrections", options.corrections, "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT");
+  sub.add_option("--password-file", options.password_file, "File (mode 0600) with the password");
+  sub.add_option("--log-stream", options.stream_log, "Keep what the receiver sends in a new file");
+  sub.add_option("--count", options.count, "End after so many positions (default: never)")
+      ->check(CLI::NonNegativeNumber);
+}
+
+}  // namespace tarvex

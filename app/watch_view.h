@@ -1,0 +1,33 @@
+// The live view of a receiver: drawn over itself in a terminal, one line a position elsewhere.
+#pragma once
+
+#include <string>
+
+#include "app/correction_link.h"
+#include "app/program.h"
+#include "app/receiver_tap.h"
+#include "gnss/position_reader.h"
+
+namespace tarvex {
+
+class WatchView {
+ public:
+  explicit WatchView(Console& console);
+
+  void Show(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
+            const CorrectionLink* link, Clock& clock);
+  void End();
+
+ private:
+  std::string Screen(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
+                     const CorrectionLink* link, Clock& clock) const;
+
+  Console& console_;
+  bool drawn_ = false;
+  int lines_up_ = 0;
+};
+
+/// "46.815172514 9.267419103 1101.400 FIXED 12 satellites HRMS 0.012 VRMS 0.020 10:15:23".
+std::string PositionLine(const GnssPositionState& state);
+
+}  // namespace tarvex

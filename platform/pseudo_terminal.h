@@ -1,0 +1,27 @@
+// A pseudo-terminal: what one program writes into it another one reads from a serial device.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/byte_device.h"
+
+namespace tarvex {
+
+class PseudoTerminal {
+ public:
+  virtual ~PseudoTerminal() = default;
+
+  /// The device that the other program opens; it passes raw bytes from the start.
+  virtual const std::string& device_name() const = 0;
+  /// Whether a program has the device open.
+  virtual bool HasReader() = 0;
+  /// Writes within `timeouts`; `written` says how far it came.
+  virtual DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
+                             std::size_t& written) = 0;
+};
+
+/// Nothing, with the reason in `status`, when the system gives none.
+std::unique_ptr<PseudoTerminal> MakePseudoTerminal(DeviceStatus& status);
+
+}  // namespace tarvex
