@@ -35,7 +35,9 @@ CollectSession::CollectSession(Program& program, Job& job, const CTrgCalculator&
       job_(job),
       calculator_(calculator),
       plan_(plan),
-      connection_{.clock = program.clock, .settings = plan.receiver_settings} {
+      connection_{.clock = program.clock, .settings = plan.receiver_settings},
+      tap_(program) {
+  connection_.listener = &tap_;
   connection_.settings.unit = job_.unit;
   connection_.stop = this;
 }
@@ -47,6 +49,7 @@ ExitCode CollectSession::Run() {
                          " cannot be written; nothing was stored.");
   }
   const ExitCode code = ReadUntilDone();
+  link_.reset();
   program_.console.EndProgress();
   program_.console.Print("Stored " + std::to_string(stored_) +
                          (stored_ == 1 ? " point" : " points") + " in " + job_.path + ".\n");
@@ -58,14 +61,20 @@ bool CollectSession::OpenReceiver() {
   errors.Clear();
   port_ = MakePort(plan_.receiver, program_.files, program_.clock, errors);
   connection_.port = port_.get();
+  if (!plan_.stream_log.empty() && !tap_.StartLog(plan_.stream_log)) return false;
   if (!port_) return true;
   const PortError opened = port_->Open();
   // What a serial line still held when it was opened is a position of the past.
   if (opened == PortError::None && plan_.receiver.kind == PortKind::Serial)
     (void)port_->PurgeInput();
-  if (opened == PortError::None) return true;
-  (void)program_.Fail(ErrorSentences(errors));
-  return false;
+  if (opened != PortError::None) {
+    (void)program_.Fail(ErrorSentences(errors));
+    return false;
+  }
+  if (plan_.corrections) {
+    link_ = std::make_unique<CorrectionLink>(program_, *plan_.corrections, *port_, tap_.gga());
+  }
+  return true;
 }
 
 ExitCode CollectSession::ReadUntilDone() {
@@ -110,9 +119,33 @@ bool CollectSession::TakeReading(GnssReadResult result) {
     TellOnce("The receiver repeats its last position; it is not stored again.");
     return true;
   }
+  if (!PassesGate()) return true;
   last_new_position_ms_ = program_.clock.SteadyMilliseconds();
   ShowState();
-  return StorePosition();
+  return !PointComplete() || StorePosition();
+}
+
+bool CollectSession::PassesGate() {
+  const auto refusal = CheckGate(plan_.gate, state_, program_.clock.SteadyMilliseconds());
+  if (!refusal) return true;
+  const std::string sentence = RefusalSentence(*refusal);
+  if (plan_.override_gate && refusal->limit != Limit::RepeatedEpoch) {
+    point_.overridden = sentence;
+    return true;
+  }
+  ShowState();
+  TellOnce("Not stored: " + sentence);
+  return false;
+}
+
+bool CollectSession::PointComplete() {
+  point_.state = state_;
+  if (plan_.average <= 1) return true;
+  if (!average_.Add(state_, job_.unit) || average_.epochs() < plan_.average) return false;
+  point_.state = average_.State();
+  point_.mean = average_.Mean();
+  average_ = {};
+  return true;
 }
 
 bool CollectSession::OutOfPatience() const {
@@ -122,18 +155,19 @@ bool CollectSession::OutOfPatience() const {
 bool CollectSession::StorePosition() {
   const double antenna_m = ToMetres(plan_.antenna_height, job_.unit);
   GridPoint at;
+  steps_ = {};
   const CalculationResult converted =
-      calculator_.ToGrid({.latitude_rad = state_.latitude * kRadiansPerDegree,
-                          .longitude_rad = state_.longitude * kRadiansPerDegree,
-                          .height_m = state_.height - antenna_m},
-                         at);
+      calculator_.ToGrid({.latitude_rad = point_.state.latitude * kRadiansPerDegree,
+                          .longitude_rad = point_.state.longitude * kRadiansPerDegree,
+                          .height_m = point_.state.height - antenna_m},
+                         at, &steps_);
   if (converted != CalculationResult::Done && converted != CalculationResult::DoneInPart) {
     TellOnce("The position has no grid coordinates: " + CalculationText(converted));
     failed_ = true;
     return plan_.receiver.kind == PortKind::File;
   }
   if (converted == CalculationResult::DoneInPart) Warn(CalculationText(converted));
-  if (!state_.height_known) Warn(kNoHeight);
+  if (!point_.state.height_known) Warn(kNoHeight);
   const std::string wanted = job_.current_point_id;
   switch (StoreInFile(at)) {
     case StorePointResult::Stored:
@@ -152,6 +186,7 @@ bool CollectSession::StorePosition() {
   ++stored_;
   TellStored();
   const bool recorded = Journal() && WriteQualityNote();
+  point_ = {};
   AdvanceCurrentPoint(job_);
   return recorded;
 }
@@ -167,12 +202,18 @@ std::vector<std::string> CollectSession::Records() const {
   std::vector<std::string> records{TimeStampRecord(program_.clock.Now()),
                                    RodHeightRecord(plan_.antenna_height),
                                    GnssRecord({.point_id = point.id.str(),
-                                               .latitude_degrees = state_.latitude,
-                                               .longitude_degrees = state_.longitude,
-                                               .height = state_.height,
+                                               .latitude_degrees = point_.state.latitude,
+                                               .longitude_degrees = point_.state.longitude,
+                                               .height = point_.state.height,
                                                .description = plan_.description}),
-                                   GnssGridRecord(point), QualityComment(state_, quality)};
-  if (!state_.height_known) records.push_back(CommentRecord("Warning: " + std::string(kNoHeight)));
+                                   GnssGridRecord(point), QualityComment(point_.state, quality)};
+  if (!point_.state.height_known) {
+    records.push_back(CommentRecord("Warning: " + std::string(kNoHeight)));
+  }
+  for (std::string& record :
+       CollectionRecords(point_, steps_, plan_.antenna_height, point.at.elevation, job_.unit)) {
+    records.push_back(std::move(record));
+  }
   return records;
 }
 
@@ -192,7 +233,7 @@ bool CollectSession::WriteQualityNote() {
   PointNote note = ReadPointNote(job_, id, status)
                        .value_or(PointNote{.point_id = id, .lines = {}, .quality_lines = ""});
   note.quality_lines =
-      QualityBlockLines(state_, FindMake(plan_.receiver_type).quality_instead_of_rms,
+      QualityBlockLines(point_.state, FindMake(plan_.receiver_type).quality_instead_of_rms,
                         QualityStamp{.date = date, .time = time});
   if (status.ok()) status = WritePointNote(job_, note);
   if (status.ok()) return true;
@@ -213,7 +254,7 @@ void CollectSession::TellStored() {
   program_.console.Print(
       "Point " + point.id.str() + ": N " + FixedNumber(point.at.northing, kGridDecimals) + "  E " +
       FixedNumber(point.at.easting, kGridDecimals) + "  EL " +
-      FixedNumber(point.at.elevation, kGridDecimals) + "  (" + StateText(state_) + ")\n");
+      FixedNumber(point.at.elevation, kGridDecimals) + "  (" + StateText(point_.state) + ")\n");
 }
 
 void CollectSession::TellOnce(const std::string& sentence) {
@@ -228,7 +269,13 @@ void CollectSession::Warn(const std::string& sentence) {
 }
 
 void CollectSession::ShowState() {
-  program_.console.ShowProgress(std::to_string(stored_) + " stored, " + StateText(state_));
+  std::string line = std::to_string(stored_) + " stored, " + StateText(state_);
+  if (plan_.average > 1) {
+    line +=
+        ", epoch " + std::to_string(average_.epochs() + 1) + " of " + std::to_string(plan_.average);
+  }
+  if (link_) line += "; " + CorrectionLine(link_->Status(), state_);
+  program_.console.ShowProgress(line);
 }
 
 }  // namespace tarvex

@@ -7,12 +7,16 @@
 #include <set>
 #include <string>
 
+#include "app/collected_point.h"
+#include "app/correction_link.h"
 #include "app/program.h"
+#include "app/receiver_tap.h"
 #include "coordsys/calculator.h"
 #include "core/point_store.h"
 #include "gnss/gnss_connection.h"
 #include "gnss/port_address.h"
 #include "gnss/position_reader.h"
+#include "gnss/quality/quality_gate.h"
 #include "gnss/receiver_make.h"
 
 namespace tarvex {
@@ -25,7 +29,12 @@ struct CollectPlan {
   std::string description;
   double antenna_height = 0.0;  ///< above the point, job's unit
   std::int64_t patience_ms =
-      60000;  ///< without a new position the session ends; recordings never wait
+      60000;                   ///< without a new position the session ends; recordings never wait
+  GateLimits gate;             ///< what a position must keep to be stored
+  bool override_gate = false;  ///< store it all the same, and journal that
+  std::size_t average = 1;     ///< distinct epochs that make one point
+  std::optional<CorrectionAddress> corrections;
+  std::string stream_log;  ///< a new file for what the receiver sends; empty: none
 };
 
 class CollectSession final : private StopRequest {
@@ -45,6 +54,10 @@ class CollectSession final : private StopRequest {
   ExitCode Ending() const;
   /// False when the session has to end.
   bool TakeReading(GnssReadResult result);
+  /// Whether the position may be stored; says so when not.
+  bool PassesGate();
+  /// Takes the epoch; true when the point is complete.
+  bool PointComplete();
   bool StorePosition();
   StorePointResult StoreInFile(const GridPoint& at);
   std::vector<std::string> Records() const;
@@ -66,6 +79,11 @@ class CollectSession final : private StopRequest {
   std::unique_ptr<Port> port_;
   GnssConnection connection_;
   GnssPositionState state_;
+  CollectedPoint point_;
+  PositionAverage average_;
+  CalculationReport steps_;
+  ReceiverTap tap_;
+  std::unique_ptr<CorrectionLink> link_;
   long long stored_ = 0;
   std::int64_t last_new_position_ms_ = 0;
   std::string told_;

@@ -1,4 +1,6 @@
 // tarvex collect: points from a receiver.
+#include <map>
+
 #include "app/collect_session.h"
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
@@ -22,11 +24,44 @@ struct CollectOptions {
   std::string antenna_height = "0";
   std::string existing = "cancel";
   long long patience_s = 60;
+  std::size_t average = 1;
+  std::string corrections;
+  std::string password_file;
+  std::string stream_log;
+  std::map<std::string, std::string> gates;  ///< limits by their keys
+  bool override_gate = false;
 };
 
 ExistingPolicy PolicyOf(const std::string& name) {
   if (name == "overwrite") return ExistingPolicy::Overwrite;
   return name == "next" ? ExistingPolicy::Next : ExistingPolicy::Cancel;
+}
+
+// What a position must keep: the job's limits, then the command line's.
+ExitCode SettleGate(const CollectOptions& options, const Settings& job_settings, Program& program,
+                    GateLimits& gate) {
+  ReadGateLimits(job_settings.Text(), gate);
+  for (const auto& [key, value] : options.gates) {
+    if (value.empty() || SetGateLimit(key, value, gate)) continue;
+    return program.Misuse("\"" + value + "\" is no value for the limit " + key +
+                          "; docs/receivers.md lists them.");
+  }
+  return ExitCode::Done;
+}
+
+ExitCode SettleCorrections(const CollectOptions& options, Program& program, CollectPlan& plan) {
+  if (options.corrections.empty()) return ExitCode::Done;
+  if (plan.receiver.kind == PortKind::Simulated || plan.receiver.kind == PortKind::File) {
+    return program.Misuse("A recorded or simulated receiver takes no corrections.");
+  }
+  CorrectionAddress address;
+  std::string problem;
+  if (!ParseCorrectionAddress(options.corrections, address, problem) ||
+      !FindPassword(options.password_file, address.caster, problem)) {
+    return program.Misuse(problem);
+  }
+  plan.corrections = address;
+  return ExitCode::Done;
 }
 
 // The first id to store under: the one asked for, or the one behind the last of the job.
@@ -62,6 +97,16 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   plan.receiver = receiver.address;
   plan.receiver_type = receiver.make_code;
   plan.receiver_settings = receiver.settings;
+  plan.average = options.average;
+  plan.override_gate = options.override_gate;
+  plan.stream_log = options.stream_log;
+  if (const ExitCode code = SettleGate(options, session.settings(), program, plan.gate);
+      code != ExitCode::Done) {
+    return code;
+  }
+  if (const ExitCode code = SettleCorrections(options, program, plan); code != ExitCode::Done) {
+    return code;
+  }
   const auto antenna = ParseNumber(options.antenna_height);
   if (!antenna || *antenna < 0.0) {
     return program.Misuse("The antenna height \"" + options.antenna_height +
@@ -81,6 +126,37 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   if (const ExitCode code = SettleFirstId(options, session.job(), program); code != ExitCode::Done)
     return code;
   return CollectSession(program, session.job(), calculator, plan).Run();
+}
+
+// What a position must keep to be stored.
+void AddGateOptions(CLI::App& sub, CollectOptions& options) {
+  constexpr const char* kGroup = "Limits (a position that does not keep one is not stored)";
+  const std::pair<const char*, const char*> limits[] = {
+      {"solution", "At least this good: fixed, float, dgps or autonomous"},
+      {"hrms", "Greatest HRMS, in the job's unit"},
+      {"vrms", "Greatest VRMS, in the job's unit"},
+      {"pdop", "Greatest PDOP"},
+      {"satellites", "Fewest satellites"},
+      {"age", "Greatest age of the corrections, seconds"},
+      {"stale", "Greatest age of the position, seconds"}};
+  for (const auto& [name, help] : limits) {
+    sub.add_option(std::string("--gate-") + name, options.gates[std::string("gate_") + name], help)
+        ->group(kGroup);
+  }
+  sub.add_flag("--override-gate", options.override_gate,
+               "Store all the same; the raw file says which limit was not kept")
+      ->group(kGroup);
+}
+
+void AddCorrectionOptions(CLI::App& sub, CollectOptions& options) {
+  constexpr const char* kGroup = "Corrections";
+  sub.add_option("--corrections", options.corrections,
+                 "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
+                 "asked for, or taken from TARVEX_NTRIP_PASSWORD")
+      ->group(kGroup);
+  sub.add_option("--password-file", options.password_file,
+                 "File with the password that its owner alone can read (mode 0600)")
+      ->group(kGroup);
 }
 
 }  // namespace
@@ -106,6 +182,13 @@ void AddCollectCommand(CLI::App& app, Program& program) {
          "--existing", options.existing,
          "When a point exists: overwrite it, use the next free id, or end (default: cancel)")
       ->check(CLI::IsMember({"overwrite", "next", "cancel"}));
+  sub.add_option("--average", options.average,
+                 "Distinct epochs whose mean is stored as one point (default: 1)")
+      ->check(CLI::Range(1, 100000));
+  sub.add_option("--log-stream", options.stream_log,
+                 "Keep what the receiver sends in a new file, to be replayed");
+  AddGateOptions(sub, options);
+  AddCorrectionOptions(sub, options);
   sub.add_option("--patience", options.patience_s,
                  "Seconds to wait for a new position (default: 60)")
       ->check(CLI::PositiveNumber);

@@ -4,14 +4,14 @@
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/correction_link.h"
-#include "app/receiver_options.h"
+#include "app/receiver_choice.h"
 #include "app/watch_view.h"
 
 namespace tarvex {
 namespace {
 
 struct WatchOptions {
-  ReceiverOptions receiver;
+  ReceiverChoice receiver;
   std::string corrections;
   std::string password_file;
   std::string stream_log;
@@ -19,19 +19,19 @@ struct WatchOptions {
 };
 
 // A simulated receiver gives as many epochs as are asked for; people look at one a second.
-void PaceSimulated(const ReceiverChoice& choice, Program& program) {
+void PaceSimulated(const ChosenReceiver& choice, Program& program) {
   constexpr std::int64_t kEpochMs = 1000;
   if (choice.address.kind == PortKind::Simulated) program.clock.SleepMilliseconds(kEpochMs);
 }
 
-ExitCode Watch(const WatchOptions& options, const ReceiverChoice& choice,
+ExitCode Watch(const WatchOptions& options, const ChosenReceiver& choice,
                GnssConnection& connection, ReceiverTap& tap, const CorrectionLink* link,
                Program& program) {
   GnssPositionState state;
   WatchView view(program.console);
   long long positions = 0;
   while (!InterruptRequested() && (options.count == 0 || positions < options.count)) {
-    const GnssReadResult result = ReadGnssPosition(state, connection, choice.type);
+    const GnssReadResult result = ReadGnssPosition(state, connection, choice.make_code);
     if (InterruptRequested()) break;
     if (result != GnssReadResult::Accepted && connection.ended()) break;
     if (result == GnssReadResult::Accepted && !state.repeated_epoch) ++positions;
@@ -47,8 +47,8 @@ ExitCode Watch(const WatchOptions& options, const ReceiverChoice& choice,
 }
 
 ExitCode RunWatch(const WatchOptions& options, Program& program) {
-  ReceiverChoice choice;
-  if (const ExitCode code = ChooseReceiver(options.receiver, Settings(), program, choice);
+  ChosenReceiver choice;
+  if (const ExitCode code = SettleReceiver(options.receiver, Settings(), program, choice);
       code != ExitCode::Done) {
     return code;
   }
@@ -67,11 +67,8 @@ ExitCode RunWatch(const WatchOptions& options, Program& program) {
   }
   ReceiverTap tap(program);
   if (!options.stream_log.empty() && !tap.StartLog(options.stream_log)) return ExitCode::Failed;
-  GnssConnection connection{.port = port.get(),
-                            .clock = program.clock,
-                            .settings = choice.settings,
-                            .listener = &tap,
-                            .receiver_port = choice.receiver_port};
+  GnssConnection connection{
+      .port = port.get(), .clock = program.clock, .settings = choice.settings, .listener = &tap};
   std::unique_ptr<CorrectionLink> link;
   if (!options.corrections.empty()) {
     link = std::make_unique<CorrectionLink>(program, address, *port, tap.gga());
@@ -88,13 +85,11 @@ void AddWatchCommand(CLI::App& app, Program& program) {
   sub.footer(
       "In a terminal the view is drawn anew with each position; otherwise each is a line.\n"
       "Ctrl-C ends it. Precision is in metres.");
-  sub.add_option("PORT", options.receiver.receiver,
+  // The address is the one argument here, not an option.
+  sub.remove_option(AddReceiverOptions(sub, options.receiver));
+  sub.add_option("PORT", options.receiver.address,
                  "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
       ->required();
-  sub.add_option("--make", options.receiver.make, "Make of the receiver");
-  sub.add_option("--set", options.receiver.settings, "A receiver setting KEY=VALUE");
-  sub.add_option("--nmea-pos", options.receiver.position_sentence,
-                 "Sentence with the position: 1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ, 32 PTNL,GGK");
   sub.add_option("--corrections", options.corrections, "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT");
   sub.add_option("--password-file", options.password_file, "File (mode 0600) with the password");
   sub.add_option("--log-stream", options.stream_log, "Keep what the receiver sends in a new file");
