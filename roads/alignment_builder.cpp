@@ -54,7 +54,7 @@ double ChordOf(double k0, double k1, double length) {
 }
 
 bool Buildable(double k0, double k1, double length) {
-  return length > 0.0 && std::isfinite(length) &&
+  return length > 0.0 && std::isfinite(length) && std::isfinite((k1 - k0) / length) &&
          AbsoluteSweep(k0, k1, length) <= kLargestSpiralSweep;
 }
 
@@ -257,7 +257,8 @@ void AlignmentBuilder::AddTransition(const Run& run, const Circle& circle, bool 
   } else {
     element.residuals.chord = run.chord;
   }
-  if (std::fabs(*element.residuals.chord) > limits_.refuse) {
+  const bool shorter = length < 0.9 * run.chord;  // a length that no curve of this chord can have
+  if (shorter || std::fabs(*element.residuals.chord) > limits_.refuse) {
     const auto fitted = LengthOfChord(k0, k1, run.chord);
     if (!fitted) return AddTangent(run, ElementFault::SpiralTooTight);
     length = *fitted;
@@ -274,11 +275,12 @@ void AlignmentBuilder::AddTransition(const Run& run, const Circle& circle, bool 
 void AlignmentBuilder::AddSpiral(const Run& run, AlignmentElement element, double k0, double k1,
                                  double length) {
   const LocalFrame end = SpiralEnd(k0, k1, length);
-  const double chord = std::hypot(end.x, end.y);
-  if (chord < 0.01 * length || alignment_.panels_.size() > kMostPanels) {
+  const double scale = run.chord / std::hypot(end.x, end.y);
+  // Fitting may stretch by what the limits let pass; far more than that is no spiral of this chord.
+  const bool fits = scale > 0.5 && scale < 2.0 && length < 100.0 * run.chord;
+  if (!fits || alignment_.panels_.size() > kMostPanels) {
     return AddTangent(run, ElementFault::SpiralTooTight);
   }
-  const double scale = run.chord / chord;
   const double azimuth = run.azimuth - std::atan2(end.y, end.x);
   Finish(element, MakeSpiralPiece(At(chain_[run.from]), azimuth, k0 / scale, k1 / scale,
                                   length * scale, alignment_.panels_));

@@ -61,8 +61,9 @@ struct PanelPlan {
 
 PanelPlan PlanPanels(double k0, double k1, double length) {
   // The most curved panel decides, so that none turns by more than kPanelSweep.
-  const double steepest = std::max(std::fabs(k0), std::fabs(k1)) * length;
-  const double count = std::ceil(std::min(steepest, 2.0 * kLargestSpiralSweep) / kPanelSweep);
+  constexpr double kMost = 4.0 * kLargestSpiralSweep;  // curvatures of both signs included
+  const double turning = std::max(std::fabs(k0), std::fabs(k1)) * length;
+  const double count = std::ceil((turning < kMost ? turning : kMost) / kPanelSweep);
   return {static_cast<std::size_t>(std::max(count, 1.0)), length > 0.0 ? (k1 - k0) / length : 0.0};
 }
 
