@@ -87,7 +87,9 @@ void AppendRoundStations(const StationEquations& equations, double interval, dou
     const double shift = equations.Displayed(low).station - low;
     const double first = std::ceil((low + shift) / interval - kSameStation);
     const double last = std::floor((high + shift) / interval + kSameStation);
-    for (double n = first; n <= last; n += 1.0) stations.push_back(n * interval - shift);
+    const double count = last - first;
+    if (!(count <= static_cast<double>(kMostStakeStations))) return;
+    for (double k = 0.0; k <= count; k += 1.0) stations.push_back((first + k) * interval - shift);
     low = std::max(low, high);
   }
 }

@@ -78,6 +78,10 @@ TEST(StakeStations, ListsRoundStationsAndKeyPoints) {
       "1000.00 1100.00 1300.00 1400.00 1450.00 R3 1500.00 R3 1564.16 1600.00 1700.00 1714.16 ");
   EXPECT_TRUE(StakeStations(road, nullptr, 0.0, 1000, 1600).empty());
   EXPECT_TRUE(StakeStations(road, nullptr, 1e-9, 1000, 1600).empty());
+  // An equation to a station so high that doubles are more than an interval apart.
+  RoadGeometry far = road;
+  far.equations = StationEquations::Make({{1200, 1e20}}, 1000, 1664).value();
+  EXPECT_LT(StakeStations(far, nullptr, 100.0, 1000, 1664).size(), 30U);
 }
 
 }  // namespace
