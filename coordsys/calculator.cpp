@@ -116,6 +116,12 @@ void CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages
   compound_name_.clear();
   ReadDefinition(text, record, compound_name_, messages);
   SetRecord(record);
+  // A projection that is unknown, or not named, leaves the record's type as it was: it is not ours
+  // to compute with.
+  if (!ProjectionCode(record.projection_name.view())) {
+    projection_.reset();
+    fault_ = ProjectionFault::UnknownType;
+  }
   gives_shift_ = text.substr(0, kDefinitionLimit).find("TOWGS84[") != std::string_view::npos;
 }
 

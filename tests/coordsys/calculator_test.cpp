@@ -95,7 +95,15 @@ TEST(Calculator, SaysWhyNothingComesOut) {
   CTrgCalculator broken;
   broken.ParseDefinition("nonsense", nullptr);
   EXPECT_EQ(broken.ToGrid({}, point), CalculationResult::NotAvailable);
-  EXPECT_THAT(broken.StateText(), testing::HasSubstr("ellipsoid"));
+  EXPECT_THAT(broken.StateText(), testing::HasSubstr("projection"));
+
+  // An unknown projection is never computed as the one that the record's type happens to name.
+  std::string mercator = UtmDefinition({32, Hemisphere::North});
+  mercator.replace(mercator.find("Transverse_Mercator"), 19, "Mercator");
+  broken.ParseDefinition(mercator, nullptr);
+  EXPECT_EQ(broken.ToGrid({0.8, 0.15, 0.0}, point), CalculationResult::NotAvailable);
+  broken.SetRecord(Calculator("UTM/UTM WGS84 Zone 32").record());
+  EXPECT_EQ(broken.State(), CalculationResult::Done);
 }
 
 TEST(Calculator, NoDatumIsTakenForWgs84) {

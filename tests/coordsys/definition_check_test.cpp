@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "coordsys/calculator.h"
 #include "coordsys/system_catalogue.h"
+#include "core/number_text.h"
+#include "core/text.h"
 
 namespace tarvex {
 namespace {
@@ -64,6 +67,53 @@ TEST(DefinitionCheck, NamesWhatTheRecordWouldPassOver) {
   EXPECT_THAT(Kinds(""), testing::ElementsAre(Kind::NotWellFormed));
   EXPECT_THAT(Kinds(std::string(3000, '[')),
               testing::ElementsAre(Kind::NotWellFormed, Kind::TooLong));
+}
+
+std::vector<std::string> Fields(std::string_view line) {
+  std::vector<std::string> fields;
+  for (std::size_t tab = 0; tab != std::string_view::npos;) {
+    tab = line.find('\t');
+    fields.emplace_back(line.substr(0, tab));
+    line.remove_prefix(tab == std::string_view::npos ? line.size() : tab + 1);
+  }
+  return fields;
+}
+
+// Texts of other programs: what is read agrees with the same system's parameters, and what cannot
+// be taken is told.
+TEST(DefinitionCheck, TextsOfOtherPrograms) {
+  std::string bytes;
+  ASSERT_TRUE(
+      ReadWholeFile(SystemFiles(), TARVEX_TEST_DATA "/coordsys/definitions.txt", 1u << 20, bytes)
+          .ok());
+  std::string_view rest = bytes;
+  int texts = 0;
+  while (const auto line = TakeLine(rest)) {
+    if (line->starts_with('#')) continue;
+    const auto fields = Fields(*line);
+    ASSERT_EQ(fields.size(), 6U);
+    SCOPED_TRACE(fields[0]);
+    ++texts;
+    CTrgCalculator calculator;
+    calculator.ParseDefinition(fields[5], nullptr);
+    const auto kinds = Kinds(fields[5]);
+    if (fields[1] == "unknown") {
+      EXPECT_EQ(calculator.State(), CalculationResult::NotAvailable);
+      EXPECT_THAT(kinds, testing::Contains(Kind::UnknownProjection));
+      continue;
+    }
+    const ProjectionRecord& record = calculator.record();
+    EXPECT_EQ(record.projection_type, LeadingInteger(fields[1]));
+    EXPECT_NEAR(record.latitude_of_origin, LeadingDouble(fields[2]), 1e-12);
+    EXPECT_NEAR(record.central_meridian, LeadingDouble(fields[3]), 1e-12);
+    if (fields[4] == "-") {
+      EXPECT_THAT(kinds, testing::Contains(Kind::LinearUnit));
+    } else {
+      EXPECT_NEAR(record.false_easting, LeadingDouble(fields[4]), 1e-9);
+      EXPECT_THAT(kinds, testing::ElementsAre(Kind::NoDatumShift));
+    }
+  }
+  EXPECT_EQ(texts, 18);
 }
 
 TEST(DefinitionCheck, CutAnywhereIsAnIssueAndNoCrash) {
