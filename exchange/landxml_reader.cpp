@@ -1,25 +1,23 @@
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <map>
-#include <numbers>
 #include <pugixml.hpp>
 
 #include "core/number_text.h"
 #include "core/text.h"
 #include "exchange/landxml.h"
+#include "exchange/plan_elements.h"
 #include "roads/centerline_reader.h"
 #include "roads/centerline_writer.h"
 
 namespace tarvex {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
 constexpr double kStationWarning = 0.001;
 constexpr double kLargestGap = 0.02;
 constexpr double kSameRadius = 1e-6;  // relative
 
-// Thrown nowhere: the first problem is kept, and every step asks whether there is one.
+// The first problem is kept; every step asks whether there is one.
 struct Problem {
   LandXmlResult result = LandXmlResult::Read;
   std::string text;
@@ -38,48 +36,6 @@ pugi::xml_node Child(const pugi::xml_node& parent, std::string_view name) {
     if (LocalName(node) == name) return node;
   }
   return {};
-}
-
-enum class Shape { Line, Curve, Spiral };
-
-// One element of the document's geometry, as numbers.
-struct PlanElement {
-  Shape shape = Shape::Line;
-  PlanPoint start;
-  PlanPoint end;
-  PlanPoint center;
-  double turn = 1.0;          // +1 cw, right
-  double radius_start = 0.0;  // 0 for INF
-  double radius_end = 0.0;
-  double length = 0.0;
-  double station = 0.0;
-
-  bool IsEntry() const { return shape == Shape::Spiral && radius_start == 0.0 && radius_end > 0.0; }
-  bool IsExit() const { return shape == Shape::Spiral && radius_start > 0.0 && radius_end == 0.0; }
-};
-
-double Distance(const PlanPoint& a, const PlanPoint& b) {
-  return std::hypot(a.northing - b.northing, a.easting - b.easting);
-}
-
-double Azimuth(const PlanPoint& from, const PlanPoint& to) {
-  return std::atan2(to.easting - from.easting, to.northing - from.northing);
-}
-
-// Centre of the arc from start to end that turns less than half a circle.
-PlanPoint CenterOfShortArc(const PlanPoint& start, const PlanPoint& end, double radius,
-                           double turn) {
-  const double half = 0.5 * Distance(start, end);
-  const double height = std::sqrt(std::max(0.0, radius * radius - half * half));
-  const double across = Azimuth(start, end) + turn * 0.5 * kPi;
-  return {0.5 * (start.northing + end.northing) + height * std::cos(across),
-          0.5 * (start.easting + end.easting) + height * std::sin(across)};
-}
-
-double SweepOf(const PlanElement& arc) {
-  const double sweep = arc.turn * (Azimuth(arc.center, arc.end) - Azimuth(arc.center, arc.start));
-  const double wrapped = std::fmod(sweep, 2.0 * kPi);
-  return wrapped < 0.0 ? wrapped + 2.0 * kPi : wrapped;
 }
 
 class LandXmlReader {
@@ -229,13 +185,13 @@ class LandXmlReader {
     PlanElement line;
     line.start = NeedPoint(node, "Start");
     line.end = NeedPoint(node, "End");
-    line.length = Number(node, "length").value_or(Distance(line.start, line.end));
+    line.length = Number(node, "length").value_or(DistanceBetween(line.start, line.end));
     return line;
   }
 
   PlanElement TakeCurve(const pugi::xml_node& node) {
     PlanElement arc;
-    arc.shape = Shape::Curve;
+    arc.shape = PlanShape::Curve;
     arc.start = NeedPoint(node, "Start");
     arc.end = NeedPoint(node, "End");
     arc.turn = Turn(node);
@@ -244,7 +200,7 @@ class LandXmlReader {
     } else {
       arc.center = CenterOfShortArc(arc.start, arc.end, NeedNumber(node, "radius"), arc.turn);
     }
-    arc.radius_start = arc.radius_end = Distance(arc.start, arc.center);
+    arc.radius_start = arc.radius_end = DistanceBetween(arc.start, arc.center);
     arc.length = Number(node, "length").value_or(arc.radius_start * SweepOf(arc));
     return arc;
   }
@@ -256,7 +212,7 @@ class LandXmlReader {
              "a centerline holds no transition curve of the type \"" + std::string(type) + "\"");
     }
     PlanElement spiral;
-    spiral.shape = Shape::Spiral;
+    spiral.shape = PlanShape::Spiral;
     spiral.start = NeedPoint(node, "Start");
     spiral.end = NeedPoint(node, "End");
     spiral.turn = Turn(node);
@@ -265,10 +221,10 @@ class LandXmlReader {
     spiral.length = NeedNumber(node, "length");
     const double difference = std::fabs(spiral.radius_start - spiral.radius_end);
     if (spiral.radius_start > 0.0 && difference <= kSameRadius * spiral.radius_start) {
-      spiral.shape = Shape::Curve;  // an arc that is called a spiral
+      spiral.shape = PlanShape::Curve;  // an arc that is called a spiral
       spiral.center = CenterOfShortArc(spiral.start, spiral.end, spiral.radius_start, spiral.turn);
     } else if (difference == 0.0) {
-      spiral.shape = Shape::Line;
+      spiral.shape = PlanShape::Line;
     }
     return spiral;
   }
@@ -312,7 +268,7 @@ class LandXmlReader {
            FixedNumber(*stated, 4) + ".");
     }
     if (elements.size() < 2) return;
-    const double gap = Distance(elements[elements.size() - 2].end, element.start);
+    const double gap = DistanceBetween(elements[elements.size() - 2].end, element.start);
     if (gap > kLargestGap) {
       Refuse(LandXmlResult::CannotHold, node,
              "the element starts " + FixedNumber(gap, 3) + " away from the end of the one before");
@@ -452,112 +408,9 @@ class LandXmlReader {
   Problem problem_;
 };
 
-// From elements to key points.
-class KeyPointList {
- public:
-  explicit KeyPointList(const std::vector<PlanElement>& elements) : elements_(elements) {}
-
-  std::vector<CenterlineElement> Make() {
-    for (std::size_t i = 0; i < elements_.size();) i = Take(i);
-    const PlanElement& last = elements_.back();
-    Add(behind_, last.end, last.station + last.length);
-    return std::move(list_);
-  }
-
- private:
-  CenterlineElement& Add(KeyPointKind kind, const PlanPoint& at, double station) {
-    CenterlineElement element;
-    element.record = kind;
-    element.northing = at.northing;
-    element.easting = at.easting;
-    element.station = station;
-    list_.push_back(element);
-    return list_.back();
-  }
-
-  void AddCurve(KeyPointKind kind, const PlanElement& at, const PlanElement& arc) {
-    CenterlineElement& element = Add(kind, at.start, at.station);
-    element.angle = arc.turn * SweepOf(arc);
-    element.center_northing = arc.center.northing;
-    element.center_easting = arc.center.easting;
-  }
-
-  // INF to R, the arc (or none), R to INF, all of one radius and turn.
-  bool IsGroup(std::size_t i, std::size_t exit) const {
-    if (exit >= elements_.size()) return false;
-    const PlanElement& entry = elements_[i];
-    const PlanElement& out = elements_[exit];
-    const double radius = entry.radius_end;
-    const auto same = [&](double other) {
-      return std::fabs(other - radius) <= std::max(1e-3, kSameRadius * radius);
-    };
-    return entry.IsEntry() && out.IsExit() && entry.turn == out.turn && same(out.radius_start) &&
-           (exit == i + 1 ||
-            (elements_[i + 1].shape == Shape::Curve && elements_[i + 1].turn == entry.turn &&
-             same(elements_[i + 1].radius_start)));
-  }
-
-  std::size_t Take(std::size_t i) {
-    const PlanElement& element = elements_[i];
-    if (element.shape == Shape::Line) {
-      Add(behind_, element.start, element.station);
-      behind_ = KeyPointKind::Line;
-      return i + 1;
-    }
-    if (IsGroup(i, i + 2)) return TakeGroup(i, elements_[i + 1], i + 2);
-    if (IsGroup(i, i + 1)) {
-      PlanElement none = elements_[i + 1];  // an arc of no length at the top of the spirals
-      none.end = none.start;
-      none.center = CenterAtTop(elements_[i]);
-      return TakeGroup(i, none, i + 1);
-    }
-    if (element.shape == Shape::Curve) {
-      AddCurve(KeyPointKind::CurveStart, element, element);
-      behind_ = KeyPointKind::CurveEnd;
-      return i + 1;
-    }
-    AddSpiral(element);
-    behind_ = KeyPointKind::Line;
-    return i + 1;
-  }
-
-  std::size_t TakeGroup(std::size_t i, const PlanElement& arc, std::size_t exit) {
-    AddCurve(KeyPointKind::TangentSpiral, elements_[i], arc);
-    list_.back().tangent_azimuth.reset();
-    AddCurve(KeyPointKind::SpiralCurve, arc, arc);
-    Add(KeyPointKind::CurveSpiral, elements_[exit].start, elements_[exit].station);
-    behind_ = KeyPointKind::SpiralTangent;
-    return exit + 1;
-  }
-
-  // The centre at the end of an entry spiral, from its own shape between its end points.
-  static PlanPoint CenterAtTop(const PlanElement& entry) {
-    const double curvature = entry.turn / entry.radius_end;
-    const LocalFrame end = SpiralEnd(0.0, curvature, entry.length);
-    const double azimuth = Azimuth(entry.start, entry.end) - std::atan2(end.y, end.x) +
-                           0.5 * curvature * entry.length + entry.turn * 0.5 * kPi;
-    return {entry.end.northing + entry.radius_end * std::cos(azimuth),
-            entry.end.easting + entry.radius_end * std::sin(azimuth)};
-  }
-
-  void AddSpiral(const PlanElement& spiral) {
-    const auto curvature = [](double radius) { return radius > 0.0 ? 1.0 / radius : 0.0; };
-    const double k0 = curvature(spiral.radius_start);
-    const double k1 = curvature(spiral.radius_end);
-    CenterlineElement& element = Add(KeyPointKind::Spiral, spiral.start, spiral.station);
-    element.radius = spiral.radius_start;
-    element.spiral_parameter = std::sqrt(spiral.length / std::fabs(k1 - k0));
-    element.angle = spiral.turn * (k1 > k0 ? 1.0 : 2.0);
-  }
-
-  const std::vector<PlanElement>& elements_;
-  std::vector<CenterlineElement> list_;
-  KeyPointKind behind_ = KeyPointKind::Line;  // what ends at the next key point
-};
-
 Centerline LandXmlReader::MakeCenterline(const std::vector<PlanElement>& elements) {
   Centerline centerline;
-  centerline.elements = KeyPointList(elements).Make();
+  centerline.elements = KeyPointsOf(elements);
   centerline.elements = ReadChain(CenterlineText(centerline, {}), false).elements;
   if (!centerline.elements.empty()) centerline.start_station = centerline.elements.front().station;
   return centerline;
