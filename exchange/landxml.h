@@ -65,7 +65,8 @@ struct LandXmlExport {
 };
 
 /// The document, every element with stations, directions, lengths and radii, so that a reader need
-/// not derive them. Nothing when an element is drawn as a chord only; `refused` then names it.
+/// not derive them. Nothing when an element is drawn as a chord only, or is a spiral that turns to
+/// both sides; `refused` then names it.
 std::optional<std::string> WriteLandXml(const LandXmlExport& what, std::size_t* refused = nullptr);
 
 }  // namespace tarvex

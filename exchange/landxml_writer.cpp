@@ -158,7 +158,7 @@ class LandXmlWriter {
     const double x = dn * std::cos(element.azimuth_start) + de * std::sin(element.azimuth_start);
     const double y =
         std::fabs(de * std::cos(element.azimuth_start) - dn * std::sin(element.azimuth_start));
-    const double along = x - y / std::tan(theta);
+    const double along = theta > 0.0 ? x - y / std::tan(theta) : 0.5 * x;
     AppendPoint(node, "PI",
                 {start.northing + along * std::cos(element.azimuth_start),
                  start.easting + along * std::sin(element.azimuth_start)});
@@ -236,7 +236,9 @@ class LandXmlWriter {
 std::optional<std::string> WriteLandXml(const LandXmlExport& what, std::size_t* refused) {
   const auto& elements = what.road->alignment.elements();
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    if (elements[i].fault == ElementFault::None) continue;
+    // One rot for a spiral: it cannot turn to both sides.
+    const bool both_sides = elements[i].curvature_start * elements[i].curvature_end < 0.0;
+    if (elements[i].fault == ElementFault::None && !both_sides) continue;
     if (refused != nullptr) *refused = i;
     return std::nullopt;
   }

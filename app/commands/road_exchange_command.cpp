@@ -101,9 +101,11 @@ ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
                    &refused);
   if (!text) {
     const AlignmentElement& element = road->alignment().elements()[refused];
-    return program.Fail("The element at " + road->StationText(element.station_start) +
-                        " is drawn as a chord only; nothing was written. See: tarvex road check " +
-                        options.road.file);
+    return program.Fail(
+        "The element at " + road->StationText(element.station_start) +
+        " has no form in LandXML (a chord in place of a faulty curve, or a spiral that "
+        "turns to both sides); nothing was written. See: tarvex road check " +
+        options.road.file);
   }
   WarnAboutFaults(program, *road, options.road);
   return WriteResultFile(program, options.out, *text, options.overwrite);

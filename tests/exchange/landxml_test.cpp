@@ -145,6 +145,31 @@ TEST(LandXmlWriter, RoundTripsToTheSameRoad) {
   }
 }
 
+TEST(LandXmlWriter, RefusesSpiralsThatTurnToBothSides) {
+  // Radius 100 right, relaxing with A 50 over 40 units to radius 166.7 left.
+  Centerline centerline;
+  const LocalFrame end = SpiralEnd(0.01, -0.006, 40.0);
+  centerline.elements.resize(2);
+  centerline.elements[0].record = KeyPointKind::Spiral;
+  centerline.elements[0].radius = 100.0;
+  centerline.elements[0].spiral_parameter = 50.0;
+  centerline.elements[0].angle = 2.0;
+  centerline.elements[1].northing = end.x;
+  centerline.elements[1].easting = end.y;
+  centerline.elements[1].station = 40.0;
+  const RoadGeometry road = MakeRoadGeometry(centerline, {}).geometry.value();
+  ASSERT_TRUE(road.alignment.elements()[0].sound);
+  std::size_t refused = 99;
+  EXPECT_FALSE(WriteLandXml({.name = "both",
+                             .unit = DistanceUnit::Metres,
+                             .road = &road,
+                             .profile = nullptr,
+                             .program = "",
+                             .date = ""},
+                            &refused));
+  EXPECT_EQ(refused, 0U);
+}
+
 std::string Changed(std::string text, const std::string& from, const std::string& to) {
   const std::size_t at = text.find(from);
   EXPECT_NE(at, std::string::npos) << from;
