@@ -14,6 +14,8 @@ constexpr int kPrecisionDecimals = 3;
 constexpr int kGridDecimals = 4;
 constexpr const char* kNoHeight =
     "The receiver sends no height with its position; the elevation is that of height 0.";
+constexpr const char* kNoPrecision =
+    "The receiver sends no precision; HRMS and VRMS are unknown and written as 0.";
 
 std::string PrecisionText(const GnssPositionState& state) {
   if (!state.precision_known) return "HRMS and VRMS unknown";
@@ -168,6 +170,7 @@ bool CollectSession::StorePosition() {
   }
   if (converted == CalculationResult::DoneInPart) Warn(CalculationText(converted));
   if (!point_.state.height_known) Warn(kNoHeight);
+  if (!point_.state.precision_known) Warn(kNoPrecision);
   const std::string wanted = job_.current_point_id;
   switch (StoreInFile(at)) {
     case StorePointResult::Stored:
@@ -206,9 +209,12 @@ std::vector<std::string> CollectSession::Records() const {
                                                .longitude_degrees = point_.state.longitude,
                                                .height = point_.state.height,
                                                .description = plan_.description}),
-                                   GnssGridRecord(point), QualityComment(point_.state, quality)};
+                                   GnssGridRecord(point, plan_.description), QualityComment(point_.state, quality)};
   if (!point_.state.height_known) {
     records.push_back(CommentRecord("Warning: " + std::string(kNoHeight)));
+  }
+  if (!point_.state.precision_known) {
+    records.push_back(CommentRecord("Warning: " + std::string(kNoPrecision)));
   }
   for (std::string& record :
        CollectionRecords(point_, steps_, plan_.antenna_height, point.at.elevation, job_.unit)) {

@@ -1,5 +1,6 @@
 #include "app/coordinate_systems.h"
 
+#include "coordsys/definition_check.h"
 #include "coordsys/definition_reader.h"
 
 namespace tarvex {
@@ -48,7 +49,21 @@ bool CoordinateSystems::ReadOptions(const std::string& name, const std::string& 
     return false;
   }
   source.definition = OneLineDefinition(text);
-  return true;
+  return CheckForUse(text, file, problem);
+}
+
+// A definition that would give no coordinates or wrong ones is refused; what is merely worth
+// knowing is told.
+bool CoordinateSystems::CheckForUse(std::string_view text, const std::string& file,
+                                    std::string& problem) {
+  for (const DefinitionIssue& issue : CheckDefinition(text)) {
+    if (IsSerious(issue.kind)) {
+      problem += (problem.empty() ? file + ": " : " ") + IssueText(issue);
+    } else {
+      Show("WARNING", file + ": " + IssueText(issue));
+    }
+  }
+  return problem.empty();
 }
 
 bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit unit,

@@ -49,6 +49,7 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
   static std::string Title(const SystemSource& source, const CTrgCalculator& calculator);
 
  private:
+  bool CheckForUse(std::string_view text, const std::string& file, std::string& problem);
   void Show(std::string_view title, std::string_view text) override;
   void Show(std::string_view text, std::size_t done, std::size_t total) override;
 

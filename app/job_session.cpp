@@ -1,5 +1,8 @@
 #include "app/job_session.h"
 
+#include <algorithm>
+#include <filesystem>
+
 #include "core/number_text.h"
 #include "core/text.h"
 
@@ -15,6 +18,15 @@ std::string JobName(const std::string& path) {
   std::string name = without.substr(folder == std::string::npos ? 0 : folder + 1);
   name.pop_back();  // the dot
   return name;
+}
+
+// A link leads to the file itself, so that the job's other files stand beside it and a file that is
+// replaced stays where it is.
+std::string WithoutLink(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_symlink(path, error)) return path;
+  const std::filesystem::path target = std::filesystem::canonical(path, error);
+  return error ? path : target.string();
 }
 
 }  // namespace
@@ -40,7 +52,7 @@ std::string_view UnitKey(DistanceUnit unit) {
 }
 
 JobSession::JobSession(Program& program, const std::string& path) : program_(program), job_(*this) {
-  job_.path = path;
+  job_.path = WithoutLink(path);
   job_.name = JobName(path);
   job_.collector = ProgramIdentification();
 }
@@ -73,13 +85,25 @@ bool JobSession::TakeSettings() {
                 " makes no sense; the job was not opened.");
     return false;
   };
-  const std::string unit_name = settings_.GetOr("units", UnitKey(job_.unit));
-  const auto unit = ParseUnit(unit_name);
-  if (!unit) return refuse("units", unit_name);
+  struct Choice {
+    const char* key;
+    const char* fallback;
+    std::initializer_list<std::string_view> values;
+  };
+  const Choice choices[] = {{"ids", "alphanumeric", {"alphanumeric", "numeric"}},
+                            {"units", "metres", {"metres", "us-feet", "intl-feet"}},
+                            {"azimuths", "north", {"north", "south"}},
+                            {"curvature_correction", "0", {"0", "1"}}};
+  for (const Choice& choice : choices) {
+    const std::string value = settings_.GetOr(choice.key, choice.fallback);
+    if (std::find(choice.values.begin(), choice.values.end(), value) == choice.values.end()) {
+      return refuse(choice.key, value);
+    }
+  }
   const std::string scale_text = settings_.GetOr("scale_factor", "1");
   const auto scale = ParseNumber(scale_text);
   if (!scale || *scale <= 0.0) return refuse("scale_factor", scale_text);
-  job_.unit = *unit;
+  job_.unit = *ParseUnit(settings_.GetOr("units", "metres"));
   job_.scale_factor = *scale;
   job_.name = settings_.GetOr("name", job_.name);
   job_.alphanumeric_new_files = settings_.GetOr("ids", "alphanumeric") != "numeric";

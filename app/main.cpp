@@ -1,6 +1,7 @@
 // tarvex: field data collection for land surveyors.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <new>
 
 #include "app/commands/commands.h"
 #include "app/program.h"
@@ -35,7 +36,6 @@ int Run(int argc, char** argv) {
       "tarvex");
   app.set_version_flag("--version", ProgramIdentification());
   app.set_help_all_flag("--help-all", "Help of all commands");
-  app.failure_message(CLI::FailureMessage::help);
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
     return "ERROR: " + std::string(error.what()) + "\nRun with --help for more information.\n";
   });
@@ -46,10 +46,10 @@ int Run(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::WrongUse);
+  } catch (const std::bad_alloc&) {
+    program.exit_code = program.Fail("There is not enough memory for this.");
   }
-  if (std::fflush(stdout) != 0)
-    program.exit_code = program.Fail("The output could not be written.");
-  return static_cast<int>(program.exit_code);
+  XX return static_cast<int>(program.exit_code);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "core/point_store.h"
 #include "core/raw_file.h"
 #include "core/raw_records.h"
+#include "core/text.h"
 
 namespace tarvex {
 
@@ -15,20 +16,44 @@ ExistingPolicy ParseExistingPolicy(std::string_view name) {
   return name == "cancel" ? ExistingPolicy::Cancel : ExistingPolicy::Ask;
 }
 
+std::string PointIdProblem(const Job& job, std::string_view id) {
+  const std::string shown = "\"" + OneLine(id) + "\"";
+  if (job.alphanumeric) return NormalisePointId(id).empty() ? "The point id is empty." : "";
+  const auto number = ParseInteger(id);
+  if (!number || *number < 1 || *number > kHighestPointNumber) {
+    return shown + " is no point number: this job numbers its points 1 to 999999999.";
+  }
+  if (*number - job.last_point_number <= kLargestGap) return "";
+  return "Point " + shown + " would leave " + std::to_string(*number - job.last_point_number - 1) +
+         " numbers empty behind point " + job.last_point_id + "; at most " +
+         std::to_string(kLargestGap) + " may be jumped over.";
+}
+
+bool TakePointId(Program& program, Job& job, std::string_view id) {
+  id = WithoutOuterBlanks(id);
+  if (const std::string problem = PointIdProblem(job, id); !problem.empty()) {
+    (void)program.Misuse(problem);
+    return false;
+  }
+  if (job.alphanumeric && id.size() > kPointIdLength) {
+    program.console.PrintError("WARNING: the id \"" + std::string(id) +
+                               "\" is longer than 9 characters and was cut.\n");
+  }
+  job.current_point_id =
+      job.alphanumeric ? NormalisePointId(id).str() : std::to_string(*ParseInteger(id));
+  return true;
+}
+
 ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& id,
                       const GridPoint& at, const std::string& description) {
   Job& job = session.job();
   const auto stream = OpenCoordinateFile(job);
   if (!stream) return ExitCode::Failed;
-  const auto number = ParseInteger(id);
-  if (!job.alphanumeric && (!number || *number < 1 || *number > kHighestPointNumber)) {
-    return program.Misuse("\"" + id +
-                          "\" is no point number: this job numbers its points 1 to 999999999.");
+  if (!TakePointId(program, job, id)) return ExitCode::WrongUse;
+  if (IsEmptySlot(at, description)) {
+    return program.Misuse(
+        "A point at 0, 0, 0 without a description counts as no point; describe it.");
   }
-  if (job.alphanumeric && NormalisePointId(id).empty()) {
-    return program.Misuse("The point id is empty.");
-  }
-  job.current_point_id = job.alphanumeric ? id : std::to_string(*number);
   switch (StorePoint(job, at, description, true, stream.get())) {
     case StorePointResult::Stored:
       break;
@@ -42,7 +67,8 @@ ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& 
       return program.Fail("Point " + job.current_point_id + " was not stored.");
   }
   program.console.Print("Stored point " + job.last_stored_point.id.str() + ".\n");
-  if (AppendRawRecord(job, StoredPointRecord(job.last_stored_point)) == RawFileResult::Written) {
+  if (AppendRawRecord(job, StoredPointRecord(job.last_stored_point, description)) ==
+      RawFileResult::Written) {
     return ExitCode::Done;
   }
   return program.Fail("The point is stored, but the raw file " + RawFilePath(job) +

@@ -32,7 +32,7 @@ bool InterruptRequested() {
 
 void WatchForInterrupt() {
   struct sigaction action {};
-  action.sa_handler = NoteInterrupt;  // without SA_RESTART: a read that waits comes back
+  action.sa_handler = NoteInterrupt;  // without SA_RESTART, so that waiting for a lock ends
   ::sigaction(SIGINT, &action, nullptr);
   ::sigaction(SIGTERM, &action, nullptr);
 }

@@ -23,8 +23,6 @@ enum Message : int {
   kCannotRead = 1006,
 };
 
-constexpr int kOpenAttempts = 5;
-
 void Tell(Job& job, Message message, const FileStatus& status) {
   job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
 }
@@ -36,22 +34,6 @@ struct Opened {
   Signature signature = Signature::None;
   std::string header;
 };
-
-// Opens for writing and locks. Another program may have replaced the file while we waited for its
-// lock: then the new one is opened.
-FileStatus OpenLocked(Job& job, std::unique_ptr<File>& file) {
-  for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
-    std::unique_ptr<File> opened;
-    FileStatus status = job.host.files().Open(job.path, FileAccess::ReadWrite, opened);
-    if (status.ok()) status = opened->Lock();
-    if (!status.ok()) return status;
-    if (opened->IsNamed(job.path)) {
-      file = std::move(opened);
-      return {};
-    }
-  }
-  return {ESTALE};
-}
 
 FileStatus ReadHeader(Opened& opened) {
   if (FileStatus status = opened.file->Size(opened.size); !status.ok()) return status;
@@ -135,7 +117,7 @@ std::unique_ptr<CoordinateStream> MakeStream(Job& job, Opened opened) {
 
 std::unique_ptr<CoordinateStream> OpenExisting(Job& job) {
   Opened opened;
-  FileStatus status = OpenLocked(job, opened.file);
+  FileStatus status = OpenLocked(job.host.files(), job.path, FileAccess::ReadWrite, opened.file);
   if (!status.ok()) return Tell(job, kCannotOpen, status), nullptr;
   status = FinishInterruptedChange(job.host.files(), job.path, *opened.file);
   if (!status.ok()) return Tell(job, kCannotFinish, status), nullptr;
@@ -175,13 +157,15 @@ std::unique_ptr<CoordinateStream> OpenCoordinateFile(Job& job, bool creating_job
 
 std::unique_ptr<CoordinateStream> OpenForReading(Job& job) {
   FileSystem& files = job.host.files();
-  if (HasInterruptedChange(files, job.path)) return OpenExisting(job);
   Opened opened;
-  FileStatus status = files.Open(job.path, FileAccess::Read, opened.file);
-  if (status.ok()) status = opened.file->Lock();
+  FileStatus status = OpenLocked(files, job.path, FileAccess::Read, opened.file);
   if (status.ok()) status = ReadHeader(opened);
   if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
-  if (opened.signature == Signature::Older) return OpenExisting(job);
+  // Looked at under the lock: what another program has under way is over by now.
+  if (HasInterruptedChange(files, job.path) || opened.signature == Signature::Older) {
+    opened.file.reset();
+    return OpenExisting(job);
+  }
   return MakeStream(job, std::move(opened));
 }
 

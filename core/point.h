@@ -10,6 +10,8 @@ inline constexpr std::size_t kDescriptionLength = 31;
 
 /// The highest number that a numeric file takes: what 9 characters can name.
 inline constexpr long long kHighestPointNumber = 999999999;
+/// How many numbers a store in a numeric file may jump over; each costs an empty record.
+inline constexpr long long kLargestGap = 1000000;
 
 using PointId = FixedText<kPointIdLength>;
 using Description = FixedText<kDescriptionLength>;

@@ -77,6 +77,12 @@ std::string PointNoteBlock(const PointNote& note) {
 }
 
 FileStatus WritePointNote(Job& job, const PointNote& note) {
+  std::unique_ptr<File> locked;  // until the file is replaced
+  if (FileStatus status =
+          OpenLocked(job.host.files(), PointNotesPath(job), FileAccess::CreateOrKeep, locked);
+      !status.ok()) {
+    return status;
+  }
   std::string old_file;
   if (FileStatus status = ReadNotes(job, old_file); !status.ok()) return status;
   std::string new_file;

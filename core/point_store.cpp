@@ -145,21 +145,25 @@ FileStatus StoreNamed(Job& job, const Point& point, CoordinateStream& stream) {
   return status;
 }
 
+// The number that an id of a numeric file is; 0 for anything else.
+long long PointNumber(std::string_view id) {
+  return ParseInteger(id).value_or(0);
+}
+
 bool IsFinite(const GridPoint& at) {
   return std::isfinite(at.northing) && std::isfinite(at.easting) && std::isfinite(at.elevation);
 }
 
 bool MayExist(const Job& job, std::string_view id) {
-  if (!job.alphanumeric) return LeadingInteger(id) <= job.last_point_number;
+  if (!job.alphanumeric) return PointNumber(id) <= job.last_point_number;
   return ComparePointIds(NormalisePointId(id).view(), job.last_point_id) <= 0;
 }
 
 bool IsStorable(const Job& job, std::string_view id) {
-  if (!job.alphanumeric) {
-    const long long number = LeadingInteger(id);
-    return number >= 1 && number <= kHighestPointNumber;
-  }
-  return !NormalisePointId(id).empty();
+  if (job.alphanumeric) return !NormalisePointId(id).empty();
+  const long long number = PointNumber(id);
+  return number >= 1 && number <= kHighestPointNumber &&
+         number - job.last_point_number <= kLargestGap;
 }
 
 // The id to store under after the person was asked.
@@ -212,7 +216,7 @@ void RefreshLastPoint(Job& job, CoordinateStream& stream) {
 
 FileStatus DeleteStored(Job& job, std::string_view id, CoordinateStream& stream) {
   if (!job.alphanumeric) {
-    const auto slot = static_cast<std::uint64_t>(LeadingInteger(id) - 1);
+    const auto slot = static_cast<std::uint64_t>(PointNumber(id) - 1);
     return stream.Change(
         {{.offset = stream.RecordOffset(slot), .bytes = numeric_layout::FillerRecord()}},
         stream.size());
@@ -252,7 +256,7 @@ StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view desc
     point.id = NormalisePointId(id);
     status = StoreNamed(job, point, *stream);
   } else {
-    const long long number = LeadingInteger(id);
+    const long long number = PointNumber(id);
     point.id.Assign(std::to_string(number));
     status = StoreNumbered(job, point, number, *stream);
   }

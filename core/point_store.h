@@ -21,8 +21,9 @@ enum class [[nodiscard]] ReadPointResult : int{
 
 enum class [[nodiscard]] StorePointResult : int{
     Stored = 1,
-    Nothing = 0,  ///< no id to store under, coordinates that are not numbers, or the file could not
-                  ///< be written (the person was told)
+    Nothing =
+        0,  ///< no id to store under, a number that leaves a gap beyond kLargestGap, coordinates
+            ///< that are not numbers, or the file could not be written (the person was told)
     NoStream = -1, DialogFailed = -2, Cancelled = -55};
 
 enum class [[nodiscard]] DeletePointResult : int{Deleted = 1, NotFound = 0, NoStream = -1,

@@ -78,10 +78,10 @@ std::string BacksightRecord(const Job& job, const Backsight& backsight) {
       .str();
 }
 
-std::string StoredPointRecord(const Point& point) {
+std::string StoredPointRecord(const Point& point, std::string_view description) {
   RecordText record("SP");
   record.Text("PN", point.id.view());
-  return Coordinates(record, point.at, 4, 4).Description(point.description.view()).str();
+  return Coordinates(record, point.at, 4, 4).Description(description).str();
 }
 
 std::string GnssRecord(const GnssRecordFields& fields) {
@@ -94,10 +94,10 @@ std::string GnssRecord(const GnssRecordFields& fields) {
       .str();
 }
 
-std::string GnssGridRecord(const Point& point) {
+std::string GnssGridRecord(const Point& point, std::string_view description) {
   RecordText record("--GS");
   record.Text("PN", point.id.view());
-  return Coordinates(record, point.at, 4, 4).Description(point.description.view()).str();
+  return Coordinates(record, point.at, 4, 4).Description(description).str();
 }
 
 std::string GnssBaseRecord(double latitude_degrees, double longitude_degrees, double height) {

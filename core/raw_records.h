@@ -37,7 +37,8 @@ struct Backsight {
 };
 std::string BacksightRecord(const Job& job, const Backsight& backsight);
 
-std::string StoredPointRecord(const Point& point);
+/// The description is free text of any length here; the coordinate file keeps 31 bytes of it.
+std::string StoredPointRecord(const Point& point, std::string_view description);
 
 struct GnssRecordFields {
   std::string point_id;
@@ -48,7 +49,7 @@ struct GnssRecordFields {
 };
 std::string GnssRecord(const GnssRecordFields& fields);
 /// The "--GS" comment: the grid coordinates computed from a GPS record.
-std::string GnssGridRecord(const Point& point);
+std::string GnssGridRecord(const Point& point, std::string_view description);
 std::string GnssBaseRecord(double latitude_degrees, double longitude_degrees, double height);
 
 enum class HeightKind { Slant, Vertical };

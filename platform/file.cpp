@@ -41,6 +41,22 @@ FileStatus WriteNewFile(FileSystem& files, const std::string& path, std::string_
 
 }  // namespace
 
+FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess access,
+                      std::unique_ptr<File>& file) {
+  constexpr int kAttempts = 5;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    std::unique_ptr<File> opened;
+    FileStatus status = files.Open(path, access, opened);
+    if (status.ok()) status = opened->Lock();
+    if (!status.ok()) return status;
+    if (opened->IsNamed(path)) {
+      file = std::move(opened);
+      return {};
+    }
+  }
+  return {ESTALE};
+}
+
 FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes) {
   std::unique_ptr<File> file;
   return ReplaceWholeFile(files, path, bytes, file);

@@ -38,7 +38,8 @@ class File {
   /// Returns when what was written is on the disk.
   virtual FileStatus Sync() = 0;
   virtual FileStatus Size(std::uint64_t& size) = 0;
-  /// Waits until no other program holds the lock of this file; given up when the file is closed.
+  /// Waits until no other program holds the lock of this file; given up when the file is closed. A
+  /// signal that the program handles ends the waiting (EINTR).
   virtual FileStatus Lock() = 0;
   /// True when `path` still names this file (and not one that replaced it meanwhile).
   virtual bool IsNamed(const std::string& path) = 0;
@@ -67,6 +68,11 @@ class FileSystem {
   /// Gives `path` the access rights of `model`.
   virtual FileStatus CopyRights(const std::string& model, const std::string& path) = 0;
 };
+
+/// Opens and locks. Another program may have replaced the file while we waited for its lock: then
+/// the new one is opened.
+FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess access,
+                      std::unique_ptr<File>& file);
 
 /// The files of this machine.
 FileSystem& SystemFiles();

@@ -67,10 +67,7 @@ class PosixFile final : public File {
   }
 
   FileStatus Lock() override {
-    while (::flock(descriptor_, LOCK_EX) != 0) {
-      if (errno != EINTR) return LastStatus();
-    }
-    return {};
+    return ::flock(descriptor_, LOCK_EX) == 0 ? FileStatus{} : LastStatus();
   }
 
   bool IsNamed(const std::string& path) override {

@@ -6,14 +6,15 @@
 #include "app/commands/commands.h"
 #include "app/coordinate_systems.h"
 #include "app/job_session.h"
+#include "app/point_storing.h"
 #include "app/receiver_choice.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
-#include "core/point_id.h"
-#include "core/point_store.h"
 
 namespace tarvex {
 namespace {
+
+constexpr double kHighestAntenna = 1000.0;
 
 struct CollectOptions {
   std::string job;
@@ -31,11 +32,6 @@ struct CollectOptions {
   std::map<std::string, std::string> gates;  ///< limits by their keys
   bool override_gate = false;
 };
-
-ExistingPolicy PolicyOf(const std::string& name) {
-  if (name == "overwrite") return ExistingPolicy::Overwrite;
-  return name == "next" ? ExistingPolicy::Next : ExistingPolicy::Cancel;
-}
 
 // What a position must keep: the job's limits, then the command line's.
 ExitCode SettleGate(const CollectOptions& options, const Settings& job_settings, Program& program,
@@ -73,21 +69,14 @@ ExitCode SettleFirstId(const CollectOptions& options, Job& job, Program& program
     AdvanceCurrentPoint(job);
     return ExitCode::Done;
   }
-  const auto number = ParseInteger(options.first);
-  if (!job.alphanumeric && (!number || *number < 1 || *number > kHighestPointNumber)) {
-    return program.Misuse("\"" + options.first +
-                          "\" is no point number: this job numbers its points 1 to 999999999.");
-  }
-  job.current_point_id =
-      job.alphanumeric ? NormalisePointId(options.first).str() : std::to_string(*number);
-  if (job.current_point_id.empty()) return program.Misuse("The first point id is empty.");
+  if (!TakePointId(program, job, options.first)) return ExitCode::WrongUse;
   return ExitCode::Done;
 }
 
 ExitCode RunCollect(const CollectOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
-  session.set_policy(PolicyOf(options.existing));
+  session.set_policy(ParseExistingPolicy(options.existing));
   CollectPlan plan;
   ChosenReceiver receiver;
   if (const ExitCode code = SettleReceiver(options.receiver, session.settings(), program, receiver);
@@ -108,9 +97,9 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
     return code;
   }
   const auto antenna = ParseNumber(options.antenna_height);
-  if (!antenna || *antenna < 0.0) {
+  if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
     return program.Misuse("The antenna height \"" + options.antenna_height +
-                          "\" is not a number of 0 or more.");
+                          "\" is not a number from 0 to 1000.");
   }
   plan.antenna_height = *antenna;
   plan.count = options.count;
@@ -173,7 +162,7 @@ void AddCollectCommand(CLI::App& app, Program& program) {
   sub.add_option("JOB.crd", options.job, "The job's coordinate file")->required();
   AddReceiverOptions(sub, options.receiver)->required();
   sub.add_option("--count", options.count, "Points to store (default: 1); 0: until the end")
-      ->check(CLI::NonNegativeNumber);
+      ->check(CLI::Range(0LL, 1000000000LL));
   sub.add_option("--first", options.first, "Id of the first point (default: the next of the job)");
   sub.add_option("--description", options.description, "Description of the points");
   sub.add_option("--antenna-height", options.antenna_height,
@@ -191,7 +180,7 @@ void AddCollectCommand(CLI::App& app, Program& program) {
   AddCorrectionOptions(sub, options);
   sub.add_option("--patience", options.patience_s,
                  "Seconds to wait for a new position (default: 60)")
-      ->check(CLI::PositiveNumber);
+      ->check(CLI::Range(1LL, 86400LL));
 }
 
 }  // namespace tarvex

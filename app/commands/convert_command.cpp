@@ -144,7 +144,7 @@ ExitCode RunConvert(const ConvertOptions& options, Program& program) {
       exit_code = ExitCode::Failed;
     }
   }
-  return exit_code;
+  return InterruptRequested() ? ExitCode::Failed : exit_code;
 }
 
 }  // namespace

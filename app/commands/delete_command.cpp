@@ -25,7 +25,9 @@ bool DeleteOne(Program& program, Job& job, const std::string& id) {
   if (DeletePoint(job, id, stream.get()) != DeletePointResult::Deleted) return false;
   program.console.Print("Deleted point " + point.id.str() + ".\n");
   // The journal keeps what the point was.
-  if (AppendRawRecord(job, CommentRecord("Deleted point:" + StoredPointRecord(point).substr(1))) ==
+  if (AppendRawRecord(
+          job, CommentRecord("Deleted point:" +
+                             StoredPointRecord(point, point.description.view()).substr(1))) ==
       RawFileResult::Written) {
     return true;
   }

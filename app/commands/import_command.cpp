@@ -1,7 +1,12 @@
 // tarvex import: many points from a text file in one go.
+#include <map>
+#include <optional>
+
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/job_session.h"
+#include "app/point_storing.h"
+#include "core/coordinate_file.h"
 #include "core/number_text.h"
 #include "core/point_bulk.h"
 #include "core/point_id.h"
@@ -13,6 +18,7 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint64_t kLargestImport = std::uint64_t{1} << 32U;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 struct ImportOptions {
   std::string job;
@@ -20,89 +26,109 @@ struct ImportOptions {
   bool skip_bad_lines = false;
 };
 
-// "ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]"; what is wrong with it otherwise.
-std::string ParseImportLine(std::string_view line, Point& point) {
-  std::string_view fields[4];
-  for (std::string_view& field : fields) {
-    if (line.data() == nullptr) return "fewer than four fields";
-    const std::size_t comma = line.find(',');
-    field = line.substr(0, comma);
-    line = comma == std::string_view::npos ? std::string_view() : line.substr(comma + 1);
-  }
-  const auto northing = ParseNumber(fields[1]);
-  const auto easting = ParseNumber(fields[2]);
-  const auto elevation = ParseNumber(fields[3]);
-  if (!northing) return "the northing \"" + std::string(fields[1]) + "\" is not a number";
-  if (!easting) return "the easting \"" + std::string(fields[2]) + "\" is not a number";
-  if (!elevation) return "the elevation \"" + std::string(fields[3]) + "\" is not a number";
-  if (NormalisePointId(WithoutOuterBlanks(fields[0])).empty()) return "the point id is empty";
-  point = {.at = {.northing = *northing, .easting = *easting, .elevation = *elevation},
-           .description = Description(WithoutOuterBlanks(line)),
-           .id = PointId(WithoutOuterBlanks(fields[0]))};
-  return {};
-}
-
-// The points of the text with the line each stood on.
+// The points of a file, the full descriptions beside them, and the line each id stands on.
 struct Import {
   std::vector<Point> points;
-  std::vector<std::size_t> lines;
+  std::vector<std::string> descriptions;
+  std::map<std::string, std::size_t> line_of_id;
   std::size_t bad_lines = 0;
 };
 
-Import ParseImport(std::string_view text, const std::string& file, Program& program) {
+// A field off the front of a line; nothing when the line has no more.
+std::optional<std::string_view> TakeField(std::optional<std::string_view>& line) {
+  if (!line) return std::nullopt;
+  const std::size_t comma = line->find(',');
+  const std::string_view field = WithoutOuterBlanks(line->substr(0, comma));
+  if (comma == std::string_view::npos) {
+    line.reset();
+  } else {
+    line->remove_prefix(comma + 1);
+  }
+  return field;
+}
+
+std::string IdProblem(const Job& job, std::string_view id) {
+  if (id.size() > kPointIdLength)
+    return "the id \"" + OneLine(id) + "\" is longer than 9 characters.";
+  return PointIdProblem(job, id);
+}
+
+// "ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]" into the import; what is wrong with it otherwise.
+std::string TakeImportLine(const Job& job, std::string_view text, std::size_t number,
+                           Import& import) {
+  std::optional<std::string_view> line = text;
+  const auto id = TakeField(line);
+  double values[3] = {};
+  for (int i = 0; i < 3; ++i) {
+    constexpr const char* kNames[] = {"northing", "easting", "elevation"};
+    const auto field = TakeField(line);
+    if (!field) return "fewer than four fields.";
+    const auto value = ParseNumber(*field);
+    if (!value)
+      return std::string("the ") + kNames[i] + " \"" + std::string(*field) + "\" is not a number.";
+    values[i] = *value;
+  }
+  if (std::string problem = IdProblem(job, *id); !problem.empty()) return problem;
+  const std::string_view description = WithoutOuterBlanks(line.value_or(""));
+  const GridPoint at{.northing = values[0], .easting = values[1], .elevation = values[2]};
+  if (IsEmptySlot(at, description))
+    return "a point at 0, 0, 0 without a description counts as no point.";
+  const PointId stored =
+      job.alphanumeric ? NormalisePointId(*id) : PointId(std::to_string(*ParseInteger(*id)));
+  const auto [before, is_new] = import.line_of_id.emplace(stored.view(), number);
+  if (!is_new)
+    return "point " + stored.str() + " stands on line " + std::to_string(before->second) +
+           " already.";
+  import.points.push_back({.at = at, .description = Description(description), .id = stored});
+  import.descriptions.emplace_back(description);
+  return {};
+}
+
+Import ParseImport(const Job& job, std::string_view text, const std::string& file,
+                   Program& program) {
   Import import;
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   for (std::size_t number = 1; const auto line = TakeLine(text); ++number) {
     if (WithoutOuterBlanks(*line).empty() || line->starts_with('#')) continue;
-    Point point;
-    const std::string problem = ParseImportLine(*line, point);
-    if (problem.empty()) {
-      import.points.push_back(point);
-      import.lines.push_back(number);
-      continue;
-    }
-    (void)program.Fail(file + " line " + std::to_string(number) + ": " + problem + ".");
+    const std::string problem = TakeImportLine(job, *line, number, import);
+    if (problem.empty()) continue;
+    (void)program.Fail(file + " line " + std::to_string(number) + ": " + problem);
     ++import.bad_lines;
   }
   return import;
 }
 
+std::vector<std::string> Records(const Import& import, const std::string& file) {
+  std::vector<std::string> records{CommentRecord("Points imported from " + file)};
+  for (std::size_t i = 0; i < import.points.size(); ++i) {
+    records.push_back(StoredPointRecord(import.points[i], import.descriptions[i]));
+  }
+  return records;
+}
+
 ExitCode StoreImport(const Import& import, const ImportOptions& options, JobSession& session,
                      Program& program) {
-  std::size_t bad = 0;
-  switch (StorePoints(session.job(), import.points, &bad)) {
-    case StorePointsResult::Stored:
-      break;
-    case StorePointsResult::BadPoint:
-      return program.Fail(
-          options.file + " line " + std::to_string(import.lines[bad]) + ": \"" +
-          import.points[bad].id.str() +
-          "\" is no point number, and this job numbers its points. Nothing was stored.");
-    case StorePointsResult::Nothing:
-    case StorePointsResult::NoStream:
-      return ExitCode::Failed;
+  if (StorePoints(session.job(), import.points) != StorePointsResult::Stored) {
+    return program.Fail("Nothing was stored.");
   }
-  program.console.Print("Stored " + std::to_string(import.points.size()) + " points from " +
-                        options.file + ".\n");
-  std::vector<std::string> records{CommentRecord("Points imported from " + options.file)};
-  for (const Point& point : import.points) {
-    Point stored = point;
-    stored.id = NormalisePointId(point.id.view());
-    records.push_back(StoredPointRecord(stored));
+  const std::size_t count = import.points.size();
+  program.console.Print("Stored " + std::to_string(count) + (count == 1 ? " point" : " points") +
+                        " from " + options.file + ".\n");
+  if (AppendRawRecords(session.job(), Records(import, options.file)) != RawFileResult::Written) {
+    return program.Fail("The points are stored, but the raw file " + RawFilePath(session.job()) +
+                        " could not be written.");
   }
-  if (AppendRawRecords(session.job(), records) == RawFileResult::Written) {
-    return import.bad_lines == 0 ? ExitCode::Done : ExitCode::Failed;
-  }
-  return program.Fail("The points are stored, but the raw file " + RawFilePath(session.job()) +
-                      " could not be written.");
+  return import.bad_lines == 0 ? ExitCode::Done : ExitCode::Failed;
 }
 
 ExitCode RunImport(const ImportOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
+  if (!OpenForReading(session.job())) return ExitCode::Failed;  // tells what ids the job has
   std::string text;
   const FileStatus status = ReadWholeFile(program.files, options.file, kLargestImport, text);
   if (!status.ok()) return program.Fail(options.file + " cannot be read: " + status.Text() + ".");
-  const Import import = ParseImport(text, options.file, program);
+  const Import import = ParseImport(session.job(), text, options.file, program);
   if (import.bad_lines > 0 && !options.skip_bad_lines) {
     return program.Fail("Nothing was stored. (--skip-bad-lines stores the other lines.)");
   }

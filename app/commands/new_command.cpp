@@ -5,6 +5,7 @@
 #include "app/job_session.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
+#include "core/point_notes.h"
 #include "core/raw_file.h"
 #include "core/raw_records.h"
 
@@ -34,15 +35,22 @@ void FillSettings(const NewOptions& options, const SystemSource& source, Setting
   PutSystemIntoSettings(source, settings);
 }
 
+// Everything that belongs to a job of this name.
+std::vector<std::string> JobPaths(JobSession& session) {
+  const Job& job = session.job();
+  return {job.path, job.path + ".redo", RawFilePath(job), PointNotesPath(job),
+          session.settings_path()};
+}
+
 ExitCode CreateFiles(Program& program, JobSession& session, const std::string& system_title) {
   Job& job = session.job();
-  if (!session.Save()) return ExitCode::Failed;
-  if (!OpenCoordinateFile(job, true)) return ExitCode::Failed;
   const std::string title = system_title.empty() ? "none" : system_title;
-  if (AppendRawRecord(job, CommentRecord("Coordinate System: " + title)) !=
-      RawFileResult::Written) {
-    return program.Fail("The job was created, but its raw file " + RawFilePath(job) +
-                        " could not be written.");
+  const bool created =
+      session.Save() && OpenCoordinateFile(job, true) &&
+      AppendRawRecord(job, CommentRecord("Coordinate System: " + title)) == RawFileResult::Written;
+  if (!created) {
+    for (const std::string& path : JobPaths(session)) (void)program.files.Remove(path);
+    return program.Fail("The job " + job.path + " could not be created.");
   }
   program.console.Print("Created the job " + job.path + " (" +
                         (job.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
@@ -51,17 +59,16 @@ ExitCode CreateFiles(Program& program, JobSession& session, const std::string& s
 }
 
 ExitCode RunNew(const NewOptions& options, Program& program) {
-  if (!options.job.ends_with(".crd")) {
+  if (!options.job.ends_with(".crd") || options.job.ends_with("/.crd") || options.job == ".crd") {
     return program.Misuse("A job's coordinate file ends in .crd: " + options.job + ".crd?");
   }
   const auto scale = ParseNumber(options.scale_factor);
-  if (!scale || *scale <= 0.0) {
+  if (!scale || *scale < 0.5 || *scale > 2.0) {
     return program.Misuse("The scale factor \"" + options.scale_factor +
-                          "\" is not a number above 0.");
+                          "\" is not a number from 0.5 to 2.");
   }
   JobSession session(program, options.job);
-  for (const std::string& path :
-       {options.job, RawFilePath(session.job()), session.settings_path()}) {
+  for (const std::string& path : JobPaths(session)) {
     if (program.files.Exists(path))
       return program.Fail(path + " exists; a new job overwrites nothing.");
   }

@@ -20,12 +20,19 @@ struct PointsOptions {
   bool json = false;
 };
 
+// How many columns a text of a terminal takes: one a character.
+std::size_t Columns(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+  }));
+}
+
 std::string Right(const std::string& text, std::size_t width) {
-  return std::string(width - std::min(width, text.size()), ' ') + text;
+  return std::string(width - std::min(width, Columns(text)), ' ') + text;
 }
 
 std::string Left(const std::string& text, std::size_t width) {
-  return text + std::string(width - std::min(width, text.size()), ' ');
+  return text + std::string(width - std::min(width, Columns(text)), ' ');
 }
 
 std::string Row(const Point& point) {

@@ -111,6 +111,20 @@ TEST(CoordinateFile, ConvertsAnOlderFileOnOpening) {
   EXPECT_EQ(ReadPoint(job, "A10", OpenCoordinateFile(job).get(), point), ReadPointResult::Found);
 }
 
+TEST(CoordinateFile, ConvertsAnOlderFileThatIsOnlyLookedAt) {
+  TestHost host;
+  std::string old_file = alphanumeric_layout::EncodeHeader(host.standing_clock.now);
+  old_file[86] = '\0';
+  for (const char* id : {"2", "1"}) {
+    alphanumeric_layout::AppendRecord(old_file, {.at = kAt, .description = {}, .id = PointId(id)});
+  }
+  host.memory.Put(kJobPath, old_file);
+  Job job = MakeJob(host, true);
+  PointList points;
+  ASSERT_EQ(LoadAllPoints(job, points), LoadPointsResult::Loaded);
+  EXPECT_EQ(points[0].id.view(), "1");
+}
+
 TEST(CoordinateFile, ReadsAFileWithoutTheRightToWrite) {
   TestHost host;
   Job job = MakeJob(host, true);

@@ -53,7 +53,7 @@ TEST(NumericStore, FillsTheGapAndTellsWhatIsThere) {
   EXPECT_EQ(point.id.view(), "30");
   EXPECT_EQ(job.last_point_id, "30");
   EXPECT_EQ(job.last_stored_point.id.view(), "30");
-  for (const char* bad : {"0", "-3", "A", "", "1000000000"}) {
+  for (const char* bad : {"0", "-3", "A", "", "5A", "1000000000", "1000031"}) {
     EXPECT_EQ(Store(job, bad, kAt), StorePointResult::Nothing) << bad;
   }
   EXPECT_EQ(Ids(job), (std::vector<std::string>{"10", "30"}));

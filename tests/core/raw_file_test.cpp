@@ -4,6 +4,7 @@
 
 #include "core/coordinate_file.h"
 #include "core/point_notes.h"
+#include "core/raw_comments.h"
 #include "core/raw_records.h"
 #include "core/raw_shot.h"
 #include "core/settings.h"
@@ -26,7 +27,8 @@ TEST(RawFile, StartsWithItsHeader) {
   job.scale_factor = 0.9996;
   job.unit = DistanceUnit::UsSurveyFeet;
   job.azimuths_from_south = true;
-  EXPECT_EQ(AppendRawRecord(job, StoredPointRecord(kPoint)), RawFileResult::Written);
+  EXPECT_EQ(AppendRawRecord(job, StoredPointRecord(kPoint, kPoint.description.view())),
+            RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath),
             "JB,NM$noname$,DT12-05-2008,TM14:03:09\n"
             "MO,AD1,UN2,SF0.99960000,EC0,EO0.0,AU0\n"
@@ -68,7 +70,7 @@ TEST(RawRecords, AreWrittenToTheByte) {
                         .height = 545.4,
                         .description = "two\nlines"}),
             "\nGPS,PN7,LA12.300000000000,LN-97.300000000000,EL545.400000,--two lines");
-  EXPECT_EQ(GnssGridRecord(kPoint),
+  EXPECT_EQ(GnssGridRecord(kPoint, kPoint.description.view()),
             "\n--GS,PNA1,N 5000.1235,E -0.0000,EL100.0000,--IP, 1/2\" rebar");
   EXPECT_EQ(GnssBaseRecord(1.5, 2.25, 3), "\nBP,PN,LA1.300000000000,LN2.150000000000,EL3.0000");
   EXPECT_EQ(CommentRecord("a\r\nb\n"), "\n--a\n--b");
@@ -94,6 +96,19 @@ TEST(RawRecords, AreWrittenToTheByte) {
   job.azimuths_from_south = true;
   backsight.backsight_id.clear();
   EXPECT_EQ(BacksightRecord(job, backsight), "\nBK,OP1,BP,BS20.0000,BC0.0000");
+}
+
+TEST(RawComments, TellResultsAndCommands) {
+  EXPECT_EQ(AngleRmsComment(1.5) + DistanceRmsComment(0.01) + ElevationRmsComment(0.02),
+            "\n--Ang RMS(Sec):1.5000\n--Dist RMS:0.0100\n--Elev RMS:0.0200");
+  EXPECT_EQ(StandardDeviationComment(0.011, 0.0125) + ClosureComment(12345.6),
+            "\n--StDev:N0.0110,E0.0125\n--Closure:12346");
+  EXPECT_EQ(BacksightWarning(0.0123, "m"), "\n--Warning: Distances to backsight differ by 0.012m.");
+  EXPECT_EQ(RotationComment(1, 2, 10.5), "\n--Rotated around N1.0000,E2.0000 by 10.3000");
+  EXPECT_EQ(TranslationComment({.northing = 1, .easting = -2, .elevation = 0.5}),
+            "\n--Translate: dy=1.0000, dx=-2.0000, dz=0.5000");
+  EXPECT_EQ(ScaleComment(1, 2, 0.9996),
+            "\n--Scaled from base N1.0000,E2.0000 by a factor of 0.9996000000");
 }
 
 TEST(RawShots, ChooseTheirFieldsByMode) {

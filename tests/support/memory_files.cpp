@@ -28,7 +28,18 @@ class MemoryFile final : public File {
     size = node_->data.size();
     return {};
   }
-  FileStatus Lock() override { return {}; }
+  ~MemoryFile() override {
+    if (node_->locked_by == this) node_->locked_by = nullptr;
+  }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  // Waiting for a lock that this very program holds would never end.
+  FileStatus Lock() override {
+    if (node_->locked_by != nullptr && node_->locked_by != this) return {EDEADLK};
+    node_->locked_by = this;
+    return {};
+  }
   bool IsNamed(const std::string& path) override { return files_.IsNamed(*node_, path); }
 
  private:

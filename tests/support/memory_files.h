@@ -27,6 +27,7 @@ class MemoryFiles final : public FileSystem {
     std::string data;
     std::string durable;
     std::vector<std::pair<std::uint64_t, std::string>> unsynced;  // writes; a resize has no bytes
+    const File* locked_by = nullptr;
   };
   using Names = std::map<std::string, std::shared_ptr<Node>>;
 
