@@ -49,7 +49,10 @@ int Run(int argc, char** argv) {
   } catch (const std::bad_alloc&) {
     program.exit_code = program.Fail("There is not enough memory for this.");
   }
-  XX return static_cast<int>(program.exit_code);
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    program.exit_code = program.Fail("The output could not be written.");
+  }
+  return static_cast<int>(program.exit_code);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& 
   const auto stream = OpenCoordinateFile(job);
   if (!stream) return ExitCode::Failed;
   if (!TakePointId(program, job, id)) return ExitCode::WrongUse;
-  if (IsEmptySlot(at, description)) {
+  if (IsEmptySlot({.at = at, .description = Description(description), .id = {}})) {
     return program.Misuse(
         "A point at 0, 0, 0 without a description counts as no point; describe it.");
   }

@@ -70,16 +70,16 @@ std::string TakeImportLine(const Job& job, std::string_view text, std::size_t nu
   }
   if (std::string problem = IdProblem(job, *id); !problem.empty()) return problem;
   const std::string_view description = WithoutOuterBlanks(line.value_or(""));
-  const GridPoint at{.northing = values[0], .easting = values[1], .elevation = values[2]};
-  if (IsEmptySlot(at, description))
-    return "a point at 0, 0, 0 without a description counts as no point.";
-  const PointId stored =
-      job.alphanumeric ? NormalisePointId(*id) : PointId(std::to_string(*ParseInteger(*id)));
-  const auto [before, is_new] = import.line_of_id.emplace(stored.view(), number);
+  Point point{.at = {.northing = values[0], .easting = values[1], .elevation = values[2]},
+              .description = Description(description),
+              .id = {}};
+  if (IsEmptySlot(point)) return "a point at 0, 0, 0 without a description counts as no point.";
+  point.id = job.alphanumeric ? NormalisePointId(*id) : PointId(std::to_string(*ParseInteger(*id)));
+  const auto [before, is_new] = import.line_of_id.emplace(point.id.view(), number);
   if (!is_new)
-    return "point " + stored.str() + " stands on line " + std::to_string(before->second) +
+    return "point " + point.id.str() + " stands on line " + std::to_string(before->second) +
            " already.";
-  import.points.push_back({.at = at, .description = Description(description), .id = stored});
+  import.points.push_back(point);
   import.descriptions.emplace_back(description);
   return {};
 }

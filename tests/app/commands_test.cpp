@@ -56,6 +56,13 @@ TEST(Commands, KeepAJobFromTheFirstPointToTheLast) {
 TEST(Commands, NameWhatIsWrong) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("new numbers.crd --numeric").exit_code, 0);
+  folder.Write(
+      "feet.txt",
+      "PROJCS[\"P\",GEOGCS[\"G\",DATUM[\"D\",SPHEROID[\"GRS 1980\",6378137,298.257222101],"
+      "TOWGS84[0,0,0]]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"central_meridian\",9],"
+      "PARAMETER[\"latitude_of_origin\",0],PARAMETER[\"scale_factor\",1],"
+      "PARAMETER[\"false_easting\",0],PARAMETER[\"false_northing\",0],"
+      "UNIT[\"US survey foot\",0.304800609601219]]");
   struct Case {
     const char* line;
     int exit_code;
@@ -66,12 +73,15 @@ TEST(Commands, NameWhatIsWrong) {
       {"frobnicate", 2, "ERROR: "},
       {"new site", 2, "ends in .crd: site.crd?"},
       {"new numbers.crd", 1, "numbers.crd exists; a new job overwrites nothing"},
-      {"new x.crd --scale-factor zero", 2, "\"zero\" is not a number above 0"},
+      {"new x.crd --scale-factor zero", 2, "\"zero\" is not a number from 0.5 to 2"},
       {"new x.crd --system nowhere", 1, "There is no coordinate system \"nowhere\""},
       {"new x.crd --definition none.txt", 1, "none.txt cannot be read: No such file"},
       {"new x.crd --units furlongs", 2, "furlongs"},
       {"points none.crd", 1, "There is no job none.crd"},
       {"store numbers.crd A1 1 2 3", 2, "\"A1\" is no point number"},
+      {"store numbers.crd 2000000 1 2 3", 2, "would leave 1999999 numbers empty"},
+      {"store numbers.crd 1 0 0 0", 2, "counts as no point"},
+      {"new x.crd --definition feet.txt", 1, "foot"},
       {"store numbers.crd 1 1 2,5 3", 2, "The easting \"2,5\" is not a number"},
       {"store numbers.crd 1 nan 2 3", 2, "The northing \"nan\" is not a number"},
       {"note numbers.crd 9", 1, "There is no point 9"},
@@ -109,20 +119,24 @@ TEST(Commands, TeachTheirUse) {
 TEST(Commands, ImportNamesTheBadLines) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
-  folder.Write("points.csv", "# exported\r\n10, 1.5 ,2,3,oak\r\nB2,1,2\nA2,1,x,3\n\n2,4,5,6\n");
+  folder.Write("points.csv",
+               "\xEF\xBB\xBF# exported\r\n10, 1.5 ,2,3,oak\r\nB2,1,2\nA2,1,x,3\n\n2,4,5,6\n"
+               "1234567890,1,2,3\nx-1,1,2,3\nX_1,4,5,6\n");
   const ProgramResult refused = folder.Run("import site.crd points.csv");
   EXPECT_EQ(refused.exit_code, 1);
   EXPECT_EQ(refused.errors,
             "ERROR: points.csv line 3: fewer than four fields.\n"
             "ERROR: points.csv line 4: the easting \"x\" is not a number.\n"
+            "ERROR: points.csv line 7: the id \"1234567890\" is longer than 9 characters.\n"
+            "ERROR: points.csv line 9: point X_1 stands on line 8 already.\n"
             "ERROR: Nothing was stored. (--skip-bad-lines stores the other lines.)\n");
   EXPECT_EQ(folder.Run("points site.crd").output, "The job holds no points.\n");
   const ProgramResult stored = folder.Run("import site.crd points.csv --skip-bad-lines");
   EXPECT_EQ(stored.exit_code, 1);
-  EXPECT_EQ(stored.output, "Stored 2 points from points.csv.\n");
-  const auto points = nlohmann::json::parse(folder.Run("points site.crd --json").output)["points"];
-  EXPECT_EQ(points[0]["id"], "2");
-  EXPECT_EQ(points[1]["description"], "oak");
+  EXPECT_EQ(stored.output, "Stored 3 points from points.csv.\n");
+  const auto listed = nlohmann::json::parse(folder.Run("points site.crd --json").output);
+  EXPECT_EQ(listed["points"][0]["id"], "2");
+  EXPECT_EQ(listed["points"][1]["description"], "oak");
 }
 
 TEST(Commands, ConvertGoesOnAfterABadLine) {
