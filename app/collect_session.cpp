@@ -202,14 +202,14 @@ StorePointResult CollectSession::StoreInFile(const GridPoint& at) {
 std::vector<std::string> CollectSession::Records() const {
   const Point& point = job_.last_stored_point;
   const bool quality = FindMake(plan_.receiver_type).quality_instead_of_rms;
-  std::vector<std::string> records{TimeStampRecord(program_.clock.Now()),
-                                   RodHeightRecord(plan_.antenna_height),
-                                   GnssRecord({.point_id = point.id.str(),
-                                               .latitude_degrees = point_.state.latitude,
-                                               .longitude_degrees = point_.state.longitude,
-                                               .height = point_.state.height,
-                                               .description = plan_.description}),
-                                   GnssGridRecord(point, plan_.description), QualityComment(point_.state, quality)};
+  std::vector<std::string> records{
+      TimeStampRecord(program_.clock.Now()), RodHeightRecord(plan_.antenna_height),
+      GnssRecord({.point_id = point.id.str(),
+                  .latitude_degrees = point_.state.latitude,
+                  .longitude_degrees = point_.state.longitude,
+                  .height = point_.state.height,
+                  .description = plan_.description}),
+      GnssGridRecord(point, plan_.description), QualityComment(point_.state, quality)};
   if (!point_.state.height_known) {
     records.push_back(CommentRecord("Warning: " + std::string(kNoHeight)));
   }
