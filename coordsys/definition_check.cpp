@@ -147,6 +147,14 @@ void CheckProjection(const DefinitionNode& system, Issues& issues) {
   CheckParameters(system, issues);
 }
 
+// On WGS84's own ellipsoid, or GRS 1980, positions stand as they are.
+void CheckDatumShift(const DefinitionNode& system, Issues& issues) {
+  const DefinitionNode* spheroid = system.Find("SPHEROID");
+  const bool like_wgs84 = spheroid && IsNumberNear(spheroid->Value(1), 6378137.0, 0.001) &&
+                          IsNumberNear(spheroid->Value(2), 298.257223563, 1e-5);
+  if (!like_wgs84 && !system.Find("TOWGS84")) issues.push_back({Kind::NoDatumShift, ""});
+}
+
 void CheckDatum(const DefinitionNode& system, Issues& issues) {
   const DefinitionNode* datum = system.Find("DATUM");
   if (!datum) issues.push_back({Kind::NoDatum, ""});
@@ -178,7 +186,7 @@ std::vector<DefinitionIssue> CheckDefinition(std::string_view text) {
   }
   CheckDatum(*system, issues);
   CheckProjection(*system, issues);
-  if (!system->Find("TOWGS84")) issues.push_back({Kind::NoDatumShift, ""});
+  CheckDatumShift(*system, issues);
   const DefinitionNode* projection = system->Child("PROJECTION");
   if (projection && projection->Value(0) == "Transverse_Mercator_34") {
     issues.push_back({Kind::WestwardEastings, ""});

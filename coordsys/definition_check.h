@@ -24,7 +24,7 @@ enum class DefinitionIssueKind : int {
   MissingParameter,     ///< argument: its name
   UnknownParameter,     ///< argument: its name
   ParameterNotANumber,  ///< argument: its name
-  NoDatumShift,         ///< no TOWGS84: nothing says how the datum lies against WGS84
+  NoDatumShift,         ///< no TOWGS84, on another ellipsoid than WGS84's
   WestwardEastings,     ///< System 34: eastings grow to the west
 };
 

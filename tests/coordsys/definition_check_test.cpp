@@ -110,7 +110,7 @@ TEST(DefinitionCheck, TextsOfOtherPrograms) {
       EXPECT_THAT(kinds, testing::Contains(Kind::LinearUnit));
     } else {
       EXPECT_NEAR(record.false_easting, LeadingDouble(fields[4]), 1e-9);
-      EXPECT_THAT(kinds, testing::ElementsAre(Kind::NoDatumShift));
+      EXPECT_THAT(kinds, testing::Each(Kind::NoDatumShift));
     }
   }
   EXPECT_EQ(texts, 18);
