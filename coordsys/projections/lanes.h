@@ -20,7 +20,7 @@ namespace tarvex {
 using Lanes = double __attribute__((vector_size(16)));
 
 /// A truth value per lane, all bits or none; also the bit pattern of the doubles.
-using LaneMask = std::int64_t __attribute__((vector_size(16)));
+using LaneMask = std::uint64_t __attribute__((vector_size(16)));
 
 inline LaneMask BitsOf(Lanes x) {
   return std::bit_cast<LaneMask>(x);
@@ -52,7 +52,7 @@ inline Lanes SquareRootOf(Lanes x) {
 #endif
 }
 
-inline constexpr std::int64_t kSignBit = INT64_MIN;
+inline constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
 
 inline Lanes Absolute(Lanes x) {
   return FromBits(BitsOf(x) & ~kSignBit);
@@ -142,7 +142,7 @@ inline Lanes AngleOf(Lanes y, Lanes x) {
   // What is added to +-(the arc of r): a multiple of 45 degrees, in two parts.
   const Lanes arc = r - r * (even + odd);
   const Lanes eighth = Select(upper, Both(0.25), Both(0.0));
-  const LaneMask left = BitsOf(x) >> 63;
+  const LaneMask left = -(BitsOf(x) >> 63);
   Lanes multiple = Select(steep, 0.5 - eighth, eighth);
   Lanes signed_arc = Select(steep, -arc, arc);
   multiple = Select(left, 1.0 - multiple, multiple);
@@ -153,10 +153,10 @@ inline Lanes AngleOf(Lanes y, Lanes x) {
 
 /// Natural logarithm of a positive normal number.
 inline Lanes LogarithmOf(Lanes x) {
-  constexpr std::int64_t kRootHalf = 0x3fe6a09e00000000;
-  constexpr std::int64_t kOne = 0x3ff0000000000000;
-  constexpr std::int64_t kFraction = 0x000fffffffffffff;
-  constexpr std::int64_t kTwo52 = 0x4330000000000000;
+  constexpr std::uint64_t kRootHalf = 0x3fe6a09e00000000;
+  constexpr std::uint64_t kOne = 0x3ff0000000000000;
+  constexpr std::uint64_t kFraction = 0x000fffffffffffff;
+  constexpr std::uint64_t kTwo52 = 0x4330000000000000;
   constexpr double kLn2High = 6.93147180369123816490e-01;
   constexpr double kLn2Low = 1.90821492927058770002e-10;
   const LaneMask bits = BitsOf(x) + (kOne - kRootHalf);
