@@ -1,5 +1,5 @@
-#include "core/angle.h"
 #include "coordsys/calculator.h"
+#include "core/angle.h"
 #include "gnss/position_reader.h"
 
 int main() {
