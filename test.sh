@@ -6,4 +6,6 @@ root=$(cd "$(dirname "$0")" && pwd)
 "$root/scripts/packages.sh" run test
 "$root/scripts/build.sh" dev
 cd "$root/build/dev"
-exec ctest --output-on-failure -j 2 --progress "$@"
+progress=""
+[ ! -t 1 ] || progress=--progress
+exec ctest --output-on-failure -j 2 $progress "$@"
