@@ -40,7 +40,7 @@ ExitCode RunLine(Program& program, const std::vector<std::string>& words) {
 // A job that does not exist yet: nothing of an earlier demonstration is touched.
 std::string FreeJob(Program& program, const std::string& folder) {
   for (int number = 1;; ++number) {
-    const std::string path = folder + "/demo" + std::to_string(number) + ".crd";
+    std::string path = folder + "/demo" + std::to_string(number) + ".crd";
     if (!program.files.Exists(path)) return path;
   }
 }
