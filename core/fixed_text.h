@@ -25,7 +25,7 @@ class FixedText {
   void Assign(std::string_view text) {
     text = CutAtCharacter(text.substr(0, text.find('\0')), N);
     std::memset(bytes_, 0, sizeof bytes_);
-    std::memcpy(bytes_, text.data(), text.size());
+    if (!text.empty()) std::memcpy(bytes_, text.data(), text.size());
   }
 
   /// Takes a file's field of N + 1 bytes as it stands; its last byte counts as NUL.
