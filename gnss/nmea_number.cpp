@@ -45,15 +45,22 @@ double NmeaNumber(std::string_view field) {
 }
 
 int NmeaInteger(std::string_view field) {
+  constexpr std::size_t kQuickDigits = 9;
+  int quick = 0;
+  std::size_t count = 0;
+  for (; count < field.size() && count < kQuickDigits && IsDigit(field[count]); ++count) {
+    quick = quick * 10 + (field[count] - '0');
+  }
+  if (count > 0 && (count == field.size() || !IsDigit(field[count]))) return quick;
   const long long value = LeadingInteger(field);
   return static_cast<int>(std::clamp<long long>(value, std::numeric_limits<int>::min(),
                                                 std::numeric_limits<int>::max()));
 }
 
 double DegreesFromNmea(double value) {
-  double degrees = 0.0;
-  const double fraction = std::modf(value * 0.01, &degrees);
-  return degrees + fraction * kMinutesToFraction;
+  const double hundredth = value * 0.01;
+  const double degrees = std::trunc(hundredth);
+  return degrees + (hundredth - degrees) * kMinutesToFraction;
 }
 
 std::int32_t MillisecondsOfDay(std::string_view field) {

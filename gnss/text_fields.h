@@ -37,6 +37,9 @@ class FieldCursor {
     return true;
   }
 
+  /// Whether the next field is there and empty.
+  constexpr bool NextIsEmpty() const { return !at_end_ && (rest_.empty() || rest_.front() == ','); }
+
   constexpr bool Skip(int count) {
     std::string_view skipped;
     while (count > 0 && Take(skipped)) --count;

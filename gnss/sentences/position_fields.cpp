@@ -22,6 +22,7 @@ bool TakeLatitudeLongitude(FieldCursor& fields, GnssPositionState& state) {
 }
 
 bool PositionAndQualityEmpty(FieldCursor fields) {
+  if (!fields.NextIsEmpty()) return false;
   constexpr int kPositionAndQuality = 5;
   std::string_view field;
   for (int i = 0; i < kPositionAndQuality; ++i) {
