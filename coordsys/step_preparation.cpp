@@ -20,15 +20,24 @@ bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
          EqualsIgnoringCase(text.substr(text.size() - end.size()), end);
 }
 
-// The names under which definitions of every origin carry the North American Datum of 1927.
+// The names under which definitions of every origin carry the North American Datum of 1927; its
+// Canadian readjustments ("NAD27(76)", "... (CGQ77)") are other datums.
 bool IsNad27(const ProjectionRecord& record) {
   std::string name;
   for (const char c : record.datum_name.view()) {
     if (c != '_' && c != ' ') name += UpperCase(c);
   }
-  return name.find("NAD27") != std::string::npos || name.find("NAD1927") != std::string::npos ||
-         name.find("NORTHAMERICANDATUM1927") != std::string::npos ||
-         name.find("NORTHAMERICAN1927") != std::string::npos;
+  for (const std::string_view known :
+       {"NAD27", "NAD1927", "NORTHAMERICANDATUM1927", "NORTHAMERICAN1927", "DNORTHAMERICAN1927",
+        "DNORTHAMERICANDATUM1927"}) {
+    if (name == known) return true;
+  }
+  return false;
+}
+
+bool IsNad27Family(const ProjectionRecord& record) {
+  return record.projection_type >= static_cast<int>(ProjectionType::ObliqueMercator27) &&
+         record.projection_type <= static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
 }
 
 bool StandsOnWgs84(const Ellipsoid& ellipsoid) {
@@ -82,8 +91,11 @@ class StepPreparer {
     if (!shift.empty() && !is_correction) {
       return std::make_shared<MissingShift>(Note(Strings().Text(4163, {shift})));
     }
+    const bool needs_converter = IsNad27Family(record_) || !HasDatumShift(record_);
+    if (IsNad27(record_) && needs_converter) {
+      return std::make_shared<NadShift>(sources_.nad_converter);
+    }
     if (HasDatumShift(record_)) return SevenParameter();
-    if (IsNad27(record_)) return std::make_shared<NadShift>(sources_.nad_converter);
     if (StandsOnWgs84(EllipsoidOf(record_))) return nullptr;
     return std::make_shared<UnknownShift>();
   }

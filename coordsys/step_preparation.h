@@ -3,7 +3,7 @@
 //
 // The datum shift, in this order:
 //   a shift named by the job   "GR3DF97A", an NTv2 file (".gsb"), "NAD27", or "TOWGS84"
-//   a NAD27 datum without TOWGS84 numbers                the NAD converter
+//   a NAD27 datum, on a zone of the NAD27 families or without TOWGS84 numbers: the NAD converter
 //   TOWGS84 numbers in the record                        seven parameters
 //   an ellipsoid other than WGS84's and none of these    unknown: conversions say so
 //

@@ -1,10 +1,12 @@
 // tarvex convert: positions to grid coordinates and back, line by line.
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <optional>
 
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/conversion_text.h"
 #include "app/coordinate_systems.h"
 #include "app/job_session.h"
 #include "core/number_text.h"
@@ -23,6 +25,8 @@ struct ConvertOptions {
   std::string datum_shift;
   std::string units = "metres";
   bool inverse = false;
+  bool explain = false;
+  bool strict = false;
   int decimals = -1;
 };
 
@@ -70,23 +74,25 @@ std::string WriteNumbers(const LineNumbers& numbers, int decimals, int height_de
   return text;
 }
 
-CalculationResult Forward(const CTrgCalculator& calculator, LineNumbers& numbers) {
+CalculationResult Forward(const CTrgCalculator& calculator, LineNumbers& numbers,
+                          CalculationReport& report) {
   const Geodetic wgs84{.latitude_rad = numbers.values[0] * kRadiansPerDegree,
                        .longitude_rad = numbers.values[1] * kRadiansPerDegree,
                        .height_m = numbers.values[2]};
   GridPoint point;
-  const CalculationResult result = calculator.ToGrid(wgs84, point);
+  const CalculationResult result = calculator.ToGrid(wgs84, point, &report);
   numbers.values[0] = point.northing;
   numbers.values[1] = point.easting;
   numbers.values[2] = point.elevation;
   return result;
 }
 
-CalculationResult Inverse(const CTrgCalculator& calculator, LineNumbers& numbers) {
+CalculationResult Inverse(const CTrgCalculator& calculator, LineNumbers& numbers,
+                          CalculationReport& report) {
   Geodetic wgs84;
   const CalculationResult result = calculator.ToWgs84(
       {.northing = numbers.values[0], .easting = numbers.values[1], .elevation = numbers.values[2]},
-      wgs84);
+      wgs84, &report);
   numbers.values[0] = wgs84.latitude_rad * kDegreesPerRadian;
   numbers.values[1] = wgs84.longitude_rad * kDegreesPerRadian;
   numbers.values[2] = wgs84.height_m;
@@ -100,21 +106,57 @@ bool OnEarth(const LineNumbers& numbers, std::string& problem) {
   return false;
 }
 
-// One line out for one line in; `problem` is set when it cannot be converted.
-std::string ConvertLine(const ConvertOptions& options, const CTrgCalculator& calculator,
-                        std::string_view line, std::string& problem) {
-  auto numbers = ReadNumbers(line, problem);
-  if (!numbers || (!options.inverse && !OnEarth(*numbers, problem))) return {};
-  const CalculationResult result =
-      options.inverse ? Inverse(calculator, *numbers) : Forward(calculator, *numbers);
-  if (result != CalculationResult::Done && result != CalculationResult::DoneInPart) {
-    problem = CalculationText(result);
-    return {};
+// What a line came to.
+struct ConvertedLine {
+  std::string text;
+  std::string problem;      // why there is no text
+  std::string left_undone;  // which step the text lacks, in a sentence
+  std::string explanation;  // the value after every step, a line each
+};
+
+ConvertedLine ConvertLine(const ConvertOptions& options, const CTrgCalculator& calculator,
+                          std::string_view line) {
+  ConvertedLine converted;
+  auto numbers = ReadNumbers(line, converted.problem);
+  if (!numbers || (!options.inverse && !OnEarth(*numbers, converted.problem))) return converted;
+  CalculationReport report;
+  const CalculationResult result = options.inverse ? Inverse(calculator, *numbers, report)
+                                                   : Forward(calculator, *numbers, report);
+  if (options.explain) converted.explanation = ExplanationText(report);
+  const std::string undone = UndoneText(report);
+  if (result == CalculationResult::DoneInPart) converted.left_undone = undone;
+  const bool refused = options.strict && result == CalculationResult::DoneInPart;
+  if ((result != CalculationResult::Done && result != CalculationResult::DoneInPart) || refused) {
+    converted.problem = undone.empty() ? CalculationText(result) : undone;
+    return converted;
   }
   const int fallback = options.inverse ? kDegreeDecimals : kGridDecimals;
   const int decimals = options.decimals < 0 ? fallback : options.decimals;
-  return WriteNumbers(*numbers, decimals, options.inverse ? kGridDecimals : decimals);
+  converted.text = WriteNumbers(*numbers, decimals, options.inverse ? kGridDecimals : decimals);
+  return converted;
 }
+
+// Says once what the lines lack, and at the end how many lines lack it.
+class UndoneSteps {
+ public:
+  explicit UndoneSteps(Console& console) : console_(console) {}
+
+  void Note(const std::string& sentence, std::size_t line) {
+    if (lines_[sentence]++ > 0) return;
+    console_.PrintError("WARNING: line " + std::to_string(line) + ": " + sentence +
+                        " (--strict refuses such lines.)\n");
+  }
+  void TellCounts() const {
+    for (const auto& [sentence, count] : lines_) {
+      if (count > 1)
+        console_.PrintError("WARNING: " + std::to_string(count) + " lines: " + sentence + "\n");
+    }
+  }
+
+ private:
+  Console& console_;
+  std::map<std::string, std::size_t> lines_;
+};
 
 ExitCode RunConvert(const ConvertOptions& options, Program& program) {
   SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
@@ -129,21 +171,25 @@ ExitCode RunConvert(const ConvertOptions& options, Program& program) {
     return program.Fail(problem);
   }
   ExitCode exit_code = ExitCode::Done;
+  UndoneSteps undone(program.console);
   std::string line;
   for (std::size_t number = 1; !InterruptRequested() && program.console.ReadLine(line); ++number) {
-    problem.clear();
     if (WithoutOuterBlanks(line).empty()) {
       program.console.Print("\n");
       continue;
     }
-    const std::string converted = ConvertLine(options, calculator, line, problem);
-    if (problem.empty()) {
-      program.console.Print(converted + "\n");
+    const ConvertedLine converted = ConvertLine(options, calculator, line);
+    if (converted.problem.empty()) {
+      program.console.Print(converted.text + "\n");
+      if (!converted.left_undone.empty()) undone.Note(converted.left_undone, number);
     } else {
-      program.console.Print("ERROR: line " + std::to_string(number) + ": " + problem + "\n");
+      program.console.Print("ERROR: line " + std::to_string(number) + ": " + converted.problem +
+                            "\n");
       exit_code = ExitCode::Failed;
     }
+    program.console.Print(converted.explanation);
   }
+  undone.TellCounts();
   return InterruptRequested() ? ExitCode::Failed : exit_code;
 }
 
@@ -164,11 +210,15 @@ void AddConvertCommand(CLI::App& app, Program& program) {
   sub.add_option("--system", options.system, "Coordinate system by its name (see: tarvex systems)");
   sub.add_option("--definition", options.definition, "File with the definition text of the system");
   sub.add_option("--datum-shift", options.datum_shift,
-                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A or an NTv2 file (default: by "
-                 "the system)");
+                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A, VITEL, NADCON (the Dutch "
+                 "grid), \"Belge 1972 - xyGridLb72\" or an NTv2 file (default: by the system)");
   sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")
       ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
   sub.add_flag("--inverse", options.inverse, "From grid coordinates to latitude and longitude");
+  sub.add_flag("--explain", options.explain,
+               "Below every line the value after each step, with its parameters, grid or geoid");
+  sub.add_flag("--strict", options.strict,
+               "Refuse a line when a step was left undone (a grid missing, a point outside of it)");
   sub.add_option("--decimals", options.decimals,
                  "Decimals written (default: 4 of grid coordinates, 10 of degrees)")
       ->check(CLI::Range(0, kMostDecimals));

@@ -113,8 +113,8 @@ void AddNewCommand(CLI::App& app, Program& program) {
                  "File with the definition text of the coordinate system")
       ->excludes(system);
   sub.add_option("--datum-shift", options.datum_shift,
-                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A or an NTv2 file (default: by "
-                 "the system)");
+                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A, VITEL, NADCON (the Dutch "
+                 "grid), \"Belge 1972 - xyGridLb72\" or an NTv2 file (default: by the system)");
   sub.add_flag("--south-azimuths", options.south_azimuths, "Azimuths are measured from south");
   sub.add_flag("--curvature-correction", options.curvature_correction,
                "Earth curvature and refraction are corrected");

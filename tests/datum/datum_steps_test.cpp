@@ -244,6 +244,7 @@ TEST(StepPreparation, ChoosesTheDatumShift) {
       {"D_North_American_1927", kClarke1866, -8, "", "seven parameters"},
       {"D_North_American_1927", kClarke1866, -8, "NAD27", "nadconv"},
       {"NAD27", kClarke1866, 0, "TOWGS84", "seven parameters"},
+      {"North American Datum 1927 (1976)", kClarke1866, 0, "", "No shift from WGS84"},
       {"Deutsches_Hauptdreiecksnetz", kBessel, 598, "", "seven parameters"},
       {"Some_Datum", kBessel, 0, "", "No shift from WGS84"},
       {"NTF", kBessel, -168, "GR3DF97A", "gr3df97a.bin does not exist"},
@@ -266,6 +267,16 @@ TEST(StepPreparation, ChoosesTheDatumShift) {
     Geodetic at = kBerlin;
     EXPECT_EQ(made.steps.datum_shift->ToSystem(at).status, StepStatus::Refused);
   }
+}
+
+TEST(StepPreparation, StatePlaneZonesOf1927TakeTheConverter) {
+  Sources sources;
+  const ProjectionRecord zone = RecordOf(ProjectionType::LambertConformalConic27,
+                                         "North American Datum 1927", kClarke1866, -8);
+  EXPECT_THAT(sources.Prepare(zone, {}).steps.datum_shift->Describe(), HasSubstr("nadconv"));
+  const ProjectionRecord hawaii =
+      RecordOf(ProjectionType::TransverseMercator27, "Old Hawaiian", kClarke1866, 61);
+  EXPECT_THAT(sources.Prepare(hawaii, {}).steps.datum_shift->Describe(), HasSubstr("seven"));
 }
 
 TEST(StepPreparation, NamedGridsAreUsed) {

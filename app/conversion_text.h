@@ -1,0 +1,17 @@
+// The steps of a conversion in words.
+#pragma once
+
+#include <string>
+
+#include "coordsys/calculator.h"
+
+namespace tarvex {
+
+/// The value after every step, a line each, indented: what the step is, the value, and the
+/// parameters, grid or geoid that made it; where a step was not made, why.
+std::string ExplanationText(const CalculationReport& report);
+
+/// What the steps that were left undone or refused say, in sentences; empty when all were made.
+std::string UndoneText(const CalculationReport& report);
+
+}  // namespace tarvex
