@@ -7,7 +7,7 @@
 namespace tarvex {
 namespace {
 
-constexpr std::size_t kNameWidth = 17;
+constexpr std::size_t kNameWidth = 19;
 constexpr int kDegreeDecimals = 10;
 constexpr int kMetreDecimals = 4;
 

@@ -20,6 +20,7 @@ void AddCommands(CLI::App& app, Program& program) {
   AddDeleteCommand(app, program);
   AddRawCommand(app, program);
   AddNoteCommand(app, program);
+  AddLocalizeCommand(app, program);
   AddConvertCommand(app, program);
   AddSystemsCommand(app, program);
   AddRoadCommand(app, program);

@@ -5,6 +5,7 @@
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/coordinate_systems.h"
+#include "app/job_localization.h"
 #include "app/job_session.h"
 #include "app/point_storing.h"
 #include "app/receiver_choice.h"
@@ -109,7 +110,8 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   std::string problem;
   CoordinateSystems systems(program);
   if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
-                              problem)) {
+                              problem) ||
+      !ApplyJobLocalization(session.job(), session.settings(), calculator, problem)) {
     return program.Fail(problem);
   }
   if (const ExitCode code = SettleFirstId(options, session.job(), program); code != ExitCode::Done)

@@ -18,6 +18,7 @@ void AddDeleteCommand(CLI::App& app, Program& program);
 void AddRawCommand(CLI::App& app, Program& program);
 void AddNoteCommand(CLI::App& app, Program& program);
 void AddCollectCommand(CLI::App& app, Program& program);
+void AddLocalizeCommand(CLI::App& app, Program& program);
 void AddConvertCommand(CLI::App& app, Program& program);
 void AddSystemsCommand(CLI::App& app, Program& program);
 void AddRoadCommand(CLI::App& app, Program& program);

@@ -8,6 +8,7 @@
 #include "app/commands/commands.h"
 #include "app/conversion_text.h"
 #include "app/coordinate_systems.h"
+#include "app/job_localization.h"
 #include "app/job_session.h"
 #include "core/number_text.h"
 #include "core/text.h"
@@ -20,6 +21,7 @@ constexpr int kDegreeDecimals = 10;
 constexpr int kMostDecimals = 15;
 
 struct ConvertOptions {
+  std::string job;
   std::string system;
   std::string definition;
   std::string datum_shift;
@@ -158,18 +160,34 @@ class UndoneSteps {
   std::map<std::string, std::size_t> lines_;
 };
 
-ExitCode RunConvert(const ConvertOptions& options, Program& program) {
-  SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
+// The calculator of the job that is named, with its localization, or of the system.
+ExitCode Prepare(const ConvertOptions& options, Program& program, CoordinateSystems& systems,
+                 CTrgCalculator& calculator) {
+  const int named = !options.system.empty() + !options.definition.empty() + !options.job.empty();
+  if (named != 1) {
+    return program.Misuse(
+        "Give the coordinate system with --system NAME, --definition FILE or --job JOB.crd.");
+  }
   std::string problem;
-  if (options.system.empty() == options.definition.empty()) {
-    return program.Misuse("Give the coordinate system with --system NAME or --definition FILE.");
+  if (!options.job.empty()) {
+    JobSession session(program, options.job);
+    if (!session.LoadExisting()) return ExitCode::Failed;
+    const bool made = systems.MakeCalculator(SystemOfSettings(session.settings()),
+                                             session.job().unit, calculator, problem) &&
+                      ApplyJobLocalization(session.job(), session.settings(), calculator, problem);
+    return made ? ExitCode::Done : program.Fail(problem);
   }
-  CTrgCalculator calculator;
+  SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
+  const bool made = systems.ReadOptions(options.system, options.definition, source, problem) &&
+                    systems.MakeCalculator(source, *ParseUnit(options.units), calculator, problem);
+  return made ? ExitCode::Done : program.Fail(problem);
+}
+
+ExitCode RunConvert(const ConvertOptions& options, Program& program) {
   CoordinateSystems systems(program);
-  if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
-      !systems.MakeCalculator(source, *ParseUnit(options.units), calculator, problem)) {
-    return program.Fail(problem);
-  }
+  CTrgCalculator calculator;
+  if (const ExitCode code = Prepare(options, program, systems, calculator); code != ExitCode::Done)
+    return code;
   ExitCode exit_code = ExitCode::Done;
   UndoneSteps undone(program.console);
   std::string line;
@@ -207,12 +225,15 @@ void AddConvertCommand(CLI::App& app, Program& program) {
       "numbers separated by blanks or commas. A line that cannot be converted becomes a line\n"
       "\"ERROR: ...\", the rest goes on, and the exit code is 1.\n"
       "Example: echo 46.8 9.3 1100 | tarvex convert --system \"UTM/UTM WGS84 Zone 32\"");
+  auto* job = sub.add_option("--job", options.job,
+                             "Job whose system, unit and localization are to be used");
   sub.add_option("--system", options.system, "Coordinate system by its name (see: tarvex systems)");
   sub.add_option("--definition", options.definition, "File with the definition text of the system");
   sub.add_option("--datum-shift", options.datum_shift,
                  "Datum shift of the system: NAD27, TOWGS84, GR3DF97A, VITEL, NADCON (the Dutch "
                  "grid), \"Belge 1972 - xyGridLb72\" or an NTv2 file (default: by the system)");
   sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")
+      ->excludes(job)
       ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
   sub.add_flag("--inverse", options.inverse, "From grid coordinates to latitude and longitude");
   sub.add_flag("--explain", options.explain,
