@@ -2,6 +2,7 @@
 #include "app/commands/command.h"
 #include "app/commands/road_commands.h"
 #include "app/coordinate_systems.h"
+#include "app/job_localization.h"
 #include "app/job_session.h"
 #include "app/point_storing.h"
 #include "app/road_file.h"
@@ -92,7 +93,8 @@ ExitCode ShowReceiver(const RoadStakeOptions& options, Program& program, JobSess
   std::string problem;
   CoordinateSystems systems(program);
   if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
-                              problem)) {
+                              problem) ||
+      !ApplyJobLocalization(session.job(), session.settings(), calculator, problem)) {
     return program.Fail(problem);
   }
   return stake.Follow(receiver, calculator, session.job().unit);
