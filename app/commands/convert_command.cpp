@@ -166,7 +166,8 @@ ExitCode Prepare(const ConvertOptions& options, Program& program, CoordinateSyst
   const int named = !options.system.empty() + !options.definition.empty() + !options.job.empty();
   if (named != 1) {
     return program.Misuse(
-        "Give the coordinate system with --system NAME, --definition FILE or --job JOB.crd.");
+        "Give the coordinate system with --system NAME or --definition FILE, or the job with "
+        "--job JOB.crd.");
   }
   std::string problem;
   if (!options.job.empty()) {
