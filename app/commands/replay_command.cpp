@@ -14,7 +14,7 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint64_t kLargestLog = 1U << 30;
-constexpr int kPollMs = 50;
+constexpr std::int64_t kPollMs = 50;
 constexpr std::int64_t kLongestPauseMs = 10'000;
 constexpr WriteTimeouts kWrite = {.constant_ms = 5000};
 
