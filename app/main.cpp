@@ -1,6 +1,7 @@
 // tarvex: field data collection for land surveyors.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <exception>
 #include <new>
 
 #include "app/commands/commands.h"
@@ -60,5 +61,10 @@ int Run(int argc, char** argv) {
 }  // namespace tarvex
 
 int main(int argc, char** argv) {
-  return tarvex::Run(argc, argv);
+  try {
+    return tarvex::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "ERROR: %s\n", error.what());
+    return static_cast<int>(tarvex::ExitCode::Failed);
+  }
 }
