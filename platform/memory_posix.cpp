@@ -13,6 +13,7 @@ void PreferLargePages(void* memory, std::size_t size) {
   const std::uintptr_t first = (from + kLargePage - 1) & ~(kLargePage - 1);
   const std::uintptr_t last = (from + size) & ~(kLargePage - 1);
   if (first >= last) return;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the first large page inside the block
   (void)::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
 #else
   (void)memory;

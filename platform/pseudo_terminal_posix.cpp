@@ -1,12 +1,12 @@
 // Pseudo-terminals of a POSIX system.
 #include <fcntl.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/descriptor_io_posix.h"

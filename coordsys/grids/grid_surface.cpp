@@ -59,7 +59,7 @@ class GridSurfaceParser {
 
   GridStatus Parse(GridSurface& surface) {
     GridSurface made;
-    const GridStatus status = rest_.starts_with(kBinaryMark) ? ParseBinary(made) : ParseText(made);
+    GridStatus status = rest_.starts_with(kBinaryMark) ? ParseBinary(made) : ParseText(made);
     if (status.ok()) surface = std::move(made);
     return status;
   }
