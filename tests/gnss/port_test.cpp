@@ -104,7 +104,7 @@ TEST_F(ScriptedPort, ReadTellsWhatCameAndWhatWasMissing) {
 
 TEST_F(ScriptedPort, LinesEndAtLineFeed) {
   ASSERT_EQ(port->Open(), PortError::None);
-  device->input = std::string("one\r\ntwo\n\r\nin\rside\nlast", 25);
+  device->input = "one\r\ntwo\n\r\nin\rside\nlast";
   char buffer[8];
   const auto next = [&] { return std::string(ReadLine(*port, buffer, 100).text); };
   EXPECT_EQ(next(), "one");
