@@ -8,7 +8,7 @@ namespace tarvex {
 namespace {
 
 struct SystemsOptions {
-  std::string part;
+  std::vector<std::string> words;
   bool json = false;
   std::string added;
   std::string definition;
@@ -18,7 +18,9 @@ struct SystemsOptions {
 
 ExitCode PrintSystems(const SystemsOptions& options, const SystemCatalogue& catalogue,
                       Program& program) {
-  const std::vector<NamedSystem> systems = catalogue.Search(options.part);
+  std::string part;
+  for (const std::string& word : options.words) part += (part.empty() ? "" : " ") + word;
+  const std::vector<NamedSystem> systems = catalogue.Search(part);
   if (options.json) {
     Json list = Json::array();
     for (const NamedSystem& system : systems) {
@@ -29,7 +31,7 @@ ExitCode PrintSystems(const SystemsOptions& options, const SystemCatalogue& cata
   }
   for (const NamedSystem& system : systems) program.console.Print(system.name + "\n");
   if (!systems.empty()) return ExitCode::Done;
-  return program.Fail("No coordinate system has \"" + options.part + "\" in its name.");
+  return program.Fail("No coordinate system has \"" + part + "\" in its name.");
 }
 
 ExitCode TellEdit(CatalogueResult result, const CoordinateSystems& systems,
@@ -79,7 +81,7 @@ void AddSystemsCommand(CLI::App& app, Program& program) {
                                   RunSystems);
   SystemsOptions& options = *command.options;
   CLI::App& sub = command.sub;
-  sub.add_option("TEXT", options.part,
+  sub.add_option("TEXT", options.words,
                  "Only those with this text, or all of its words, in their name");
   sub.add_flag("--json", options.json, "Print JSON, with the definition texts");
   auto* add =
