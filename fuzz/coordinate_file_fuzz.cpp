@@ -45,15 +45,16 @@ class Session {
   }
 
   void Do(const Operation& operation) {
-    const auto stream = OpenCoordinateFile(job_);
+    auto stream = OpenCoordinateFile(job_);
     if (!stream) return;
     if (!job_.alphanumeric && LeadingInteger(operation.id) > kHighestNumber) return;
     switch (operation.choice % 4) {
       case 0:
-        return Store(operation, *stream);
+        return Store(operation, std::move(stream));
       case 1:
         return Delete(operation, *stream);
       case 2:
+        stream.reset();  // the batch opens the file itself
         return StoreSome(operation);
       default: {
         Point point;
@@ -67,15 +68,17 @@ class Session {
     return {.northing = operation.choice + 1.0, .easting = 2.0, .elevation = 3.0};
   }
 
-  void Store(const Operation& operation, CoordinateStream& stream) {
+  void Store(const Operation& operation, std::unique_ptr<CoordinateStream> stream) {
     job_.current_point_id = operation.id;
     const bool check = operation.choice >= 128;
-    if (StorePoint(job_, At(operation), operation.id, check, &stream) != StorePointResult::Stored) {
+    if (StorePoint(job_, At(operation), operation.id, check, stream.get()) !=
+        StorePointResult::Stored) {
       return;
     }
-    RequireStored(job_.last_stored_point);
     job_.current_point_id = job_.last_stored_point.id.str();
-    (void)NextFreePointId(job_, stream);
+    (void)NextFreePointId(job_, *stream);
+    stream.reset();  // looking at the file waits for its lock
+    RequireStored(job_.last_stored_point);
   }
 
   // A file that is not in order, as only a damaged one is, may hide a point; its record is there.
