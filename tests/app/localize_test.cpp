@@ -79,14 +79,17 @@ TEST(LocalizeCommand, CollectedPointsComeOutInLocalCoordinates) {
   ProgramFolder folder;
   ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
   ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exit_code, 0);
-  ASSERT_EQ(
-      folder.Run("collect site.crd --receiver simulated --first G1 --antenna-height 2").exit_code,
-      0);
+  // A receiver that stands still.
+  folder.Write("still.log",
+               "$GPGST,123519.00,,,,,0.03,0.04,0.06\r\n"
+               "$GPGGA,123519.00,4717.11399,N,00833.91590,E,4,12,0.9,499.6,M,48.0,M,1.0,0001\r\n");
+  const std::string collect =
+      "collect site.crd --receiver file:still.log --make nmea --antenna-height 2 --first ";
+  ASSERT_EQ(folder.Run(collect + "G1").exit_code, 0);
   const ProgramResult tied = folder.Run("localize site.crd --gnss g1 --known BM1");
   EXPECT_EQ(tied.exit_code, 0) << tied.errors;
   EXPECT_TRUE(Holds(tied.output, "translation, 1 points")) << tied.output;
-  const ProgramResult collected =
-      folder.Run("collect site.crd --receiver simulated --first L1 --antenna-height 2");
+  const ProgramResult collected = folder.Run(collect + "L1");
   EXPECT_TRUE(Holds(collected.output, "Point L1: N 5000.0000  E 1000.0000  EL 471.2000"))
       << collected.output;
   // A job whose localization is lost does not go on without it.

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -40,15 +39,6 @@ void Redirect(const std::string& path, int flags, int descriptor) {
 
 }  // namespace
 
-ProgramFolder::ProgramFolder() {
-  std::string form = (std::filesystem::temp_directory_path() / "tarvex-test-XXXXXX").string();
-  path_ = ::mkdtemp(form.data());
-}
-
-ProgramFolder::~ProgramFolder() {
-  std::filesystem::remove_all(path_);
-}
-
 pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
   Write("IN", input);
   std::vector<std::string> words = Words(line);
@@ -59,7 +49,7 @@ pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
   const pid_t process = ::fork();
   if (process != 0) return process;
   ::setenv("TARVEX_DATA", Path("data").c_str(), 1);
-  if (::chdir(path_.c_str()) != 0) ::_exit(127);
+  if (::chdir(folder_.path().c_str()) != 0) ::_exit(127);
   Redirect("IN", O_RDONLY, STDIN_FILENO);
   Redirect("OUT", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
   Redirect("ERR", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/scratch_folder.h"
+
 namespace tarvex {
 
 struct ProgramResult {
@@ -16,11 +18,6 @@ struct ProgramResult {
 
 class ProgramFolder {
  public:
-  ProgramFolder();
-  ~ProgramFolder();
-  ProgramFolder(const ProgramFolder&) = delete;
-  ProgramFolder& operator=(const ProgramFolder&) = delete;
-
   /// Runs `tarvex` with the words of `line` (blanks separate, double quotes hold together) to its
   /// end.
   ProgramResult Run(const std::string& line, const std::string& input = "");
@@ -28,12 +25,12 @@ class ProgramFolder {
   pid_t Start(const std::string& line, const std::string& input = "");
   ProgramResult Finish(pid_t process);
 
-  std::string Path(const std::string& name) const { return path_ + "/" + name; }
+  std::string Path(const std::string& name) const { return folder_.Path(name); }
   std::string Read(const std::string& name) const;
   void Write(const std::string& name, const std::string& bytes) const;
 
  private:
-  std::string path_;
+  ScratchFolder folder_;
 };
 
 }  // namespace tarvex

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <set>
 
 #include "coordsys/calculator.h"
@@ -10,6 +9,7 @@
 #include "coordsys/state_plane_zones.h"
 #include "coordsys/system_catalogue.h"
 #include "core/text.h"
+#include "tests/support/scratch_folder.h"
 
 namespace tarvex {
 namespace {
@@ -17,29 +17,21 @@ namespace {
 constexpr std::string_view kDefinition =
     R"(PROJCS["x",GEOGCS["g",DATUM["d",SPHEROID["s",6378137,298]]],PROJECTION["Stereographic"]])";
 
-// A data folder of its own, gone at the end.
+// A data folder of its own.
 class DataFolder {
  public:
-  DataFolder() {
-    char name[] = "/tmp/tarvex_catalogue_XXXXXX";
-    path_ = std::string(mkdtemp(name)) + "/";
-  }
-  ~DataFolder() { std::filesystem::remove_all(path_); }
-  DataFolder(const DataFolder&) = delete;
-  DataFolder& operator=(const DataFolder&) = delete;
-
-  const std::string& path() const { return path_; }
+  const std::string& path() const { return folder_.path(); }
   void Write(const std::string& name, std::string_view bytes) const {
-    ASSERT_TRUE(ReplaceWholeFile(SystemFiles(), path_ + name, bytes).ok());
+    ASSERT_TRUE(ReplaceWholeFile(SystemFiles(), folder_.Path(name), bytes).ok());
   }
   std::string Read(const std::string& name) const {
     std::string bytes;
-    EXPECT_TRUE(ReadWholeFile(SystemFiles(), path_ + name, 1u << 20, bytes).ok());
+    EXPECT_TRUE(ReadWholeFile(SystemFiles(), folder_.Path(name), 1u << 20, bytes).ok());
     return bytes;
   }
 
  private:
-  std::string path_;
+  ScratchFolder folder_;
 };
 
 std::vector<std::string> Names(const std::vector<NamedSystem>& systems) {

@@ -14,6 +14,7 @@
 #include "coordsys/step_preparation.h"
 #include "core/string_table.h"
 #include "tests/support/memory_files.h"
+#include "tests/support/scratch_folder.h"
 
 namespace tarvex {
 namespace {
@@ -124,19 +125,18 @@ TEST(SevenParameterShift, AMissingLibraryOrEntryLeavesThePosition) {
 // A data folder with the Texan cut of the grids as the continental one.
 class NadFolder {
  public:
-  NadFolder() : folder_(testing::TempDir() + "nad_folder/") {
-    std::filesystem::create_directories(folder_ + "NADConv");
+  NadFolder() {
+    std::filesystem::create_directories(folder_.Path("NADConv"));
     for (const char* ending : {".las", ".los"}) {
       std::filesystem::copy_file(std::string(TARVEX_TEST_DATA) + "/datum/texas" + ending,
-                                 folder_ + "NADConv/conus" + ending,
+                                 folder_.Path("NADConv/conus") + ending,
                                  std::filesystem::copy_options::overwrite_existing);
     }
   }
-  ~NadFolder() { std::filesystem::remove_all(folder_); }
-  const std::string& path() const { return folder_; }
+  const std::string& path() const { return folder_.path(); }
 
  private:
-  std::string folder_;
+  ScratchFolder folder_;
 };
 
 TEST(NadConverter, ConvertsThroughTheModule) {

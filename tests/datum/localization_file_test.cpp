@@ -8,6 +8,7 @@
 #include "case_table.h"
 #include "coordsys/localization/xml_record.h"
 #include "tests/support/memory_files.h"
+#include "tests/support/scratch_folder.h"
 
 namespace tarvex {
 namespace {
@@ -168,8 +169,8 @@ TEST(LocalizationFile, DamageIsNamedWithItsLine) {
 }
 
 TEST(LocalizationFile, IsSavedWholeOrNotAtAll) {
-  const std::string path = testing::TempDir() + "site.loc";
-  (void)SystemFiles().Remove(path);
+  const ScratchFolder folder;
+  const std::string path = folder.Path("site.loc");
   EXPECT_EQ(SaveLocalization(SystemFiles(), path, nullptr, DistanceUnit::Metres),
             SaveLocalizationResult::NothingWritten);
   EXPECT_FALSE(SystemFiles().Exists(path));

@@ -12,6 +12,7 @@
 #include "roads/centerline_writer.h"
 #include "roads/road_texts.h"
 #include "tests/roads/road_data.h"
+#include "tests/support/scratch_folder.h"
 
 namespace tarvex {
 namespace {
@@ -225,7 +226,8 @@ TEST(LoadCenterline, TellsWhatItCouldNotDo) {
 }
 
 TEST(LoadCenterline, ReadsTheLimitsBesideTheFile) {
-  const std::string path = testing::TempDir() + "limits.road.cl";
+  const ScratchFolder folder;
+  const std::string path = folder.Path("limits.road.cl");
   ASSERT_TRUE(ReplaceWholeFile(SystemFiles(), path, ReadRoadData("cl/simple_right.cl")).ok());
   ASSERT_TRUE(
       ReplaceWholeFile(SystemFiles(), StationLimitsPath(path), "START_STA=1100\nEND_STA=9e9\n")
@@ -234,8 +236,6 @@ TEST(LoadCenterline, ReadsTheLimitsBesideTheFile) {
   road.use_station_limits = true;
   ASSERT_EQ(LoadCenterline(SystemFiles(), road, path).result, LoadCenterlineResult::Loaded);
   EXPECT_EQ(*StationRange(road), (StationSpan{1100.0, 1664.15926536, true, false}));
-  (void)SystemFiles().Remove(path);
-  (void)SystemFiles().Remove(StationLimitsPath(path));
 }
 
 TEST(CenterlineWriter, WritesEveryRecordForm) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/roads/road_data.h"
+#include "tests/support/scratch_folder.h"
 
 namespace tarvex {
 namespace {
@@ -112,7 +113,8 @@ TEST(TemplateFile, NewOnesHaveTheirBytes) {
 }
 
 TEST(TemplateFile, LosesNothingOnRewriting) {
-  const std::string path = testing::TempDir() + "kept.tpl";
+  const ScratchFolder folder;
+  const std::string path = folder.Path("kept.tpl");
   const std::string text = ReadRoadData("section_example.tpl") + "*NEW\nwhat,ever\r\nno end";
   ASSERT_TRUE(ReplaceWholeFile(SystemFiles(), path, text).ok());
   Road road;
