@@ -28,10 +28,4 @@ double DegreesToPacked(double degrees);
 /// Empty for no value.
 std::string DegreesToDmsText(double degrees);
 
-/// 360 subtracted once from a value of 360 or more, added once to a negative value.
-constexpr double NormaliseAzimuth(double degrees) {
-  if (degrees >= 360.0) return degrees - 360.0;
-  return degrees < 0.0 ? degrees + 360.0 : degrees;
-}
-
 }  // namespace tarvex

@@ -1,5 +1,6 @@
 #include "core/raw_records.h"
 
+#include "core/azimuth.h"
 #include "core/record_text.h"
 
 namespace tarvex {
@@ -7,10 +8,6 @@ namespace {
 
 constexpr int kPackedDecimals = 4;
 constexpr int kPositionDecimals = 12;
-
-double FromSouth(const Job& job, double azimuth_degrees) {
-  return job.azimuths_from_south ? NormaliseAzimuth(azimuth_degrees - 180.0) : azimuth_degrees;
-}
 
 RecordText& Coordinates(RecordText& record, const GridPoint& at, int decimals,
                         int elevation_decimals) {
@@ -73,7 +70,7 @@ std::string BacksightRecord(const Job& job, const Backsight& backsight) {
   return RecordText("BK")
       .Text("OP", backsight.occupied_id)
       .Text("BP", backsight.backsight_id)
-      .Angle("BS", FromSouth(job, backsight.azimuth_degrees), kPackedDecimals)
+      .Angle("BS", RecordedAzimuth(job, backsight.azimuth_degrees), kPackedDecimals)
       .Angle("BC", backsight.circle_degrees, kPackedDecimals)
       .str();
 }

@@ -1,5 +1,6 @@
 #include "core/raw_shot.h"
 
+#include "core/azimuth.h"
 #include "core/record_text.h"
 
 namespace tarvex {
@@ -26,10 +27,7 @@ void AddHorizontal(RecordText& record, const Job& job, const Shot& shot) {
       record.Angle("AL", shot.horizontal, kPackedDecimals);
       return;
     case HorizontalMode::Azimuth:
-      record.Angle(
-          "AZ",
-          job.azimuths_from_south ? NormaliseAzimuth(shot.horizontal - 180.0) : shot.horizontal,
-          kPackedDecimals);
+      record.Angle("AZ", RecordedAzimuth(job, shot.horizontal), kPackedDecimals);
       return;
     case HorizontalMode::BearingNE:
       return AddBearing(record, "N", shot.horizontal, "E");

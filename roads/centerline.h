@@ -61,11 +61,9 @@ struct CenterlineElement {
 };
 
 /// "0" and an empty text both stand for no point id.
-bool HasId(const CenterlineId& id);
-
-/// Azimuth from one point to another by its cosine, 0 to 2 pi; 0 for coincident points. Rounding
-/// costs up to 1.2e-8 radians near north and south: the geometry uses the arctangent instead.
-double GridAzimuth(double delta_northing, double delta_easting);
+inline bool HasId(const CenterlineId& id) {
+  return !id.empty() && id.view() != "0";
+}
 
 struct CenterlineStartPoint {
   CenterlineId id;

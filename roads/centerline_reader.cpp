@@ -4,6 +4,7 @@
 #include <numbers>
 #include <utility>
 
+#include "core/azimuth.h"
 #include "core/no_value.h"
 #include "core/number_text.h"
 #include "core/text.h"

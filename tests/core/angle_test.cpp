@@ -6,6 +6,7 @@
 #include <limits>
 #include <random>
 
+#include "core/azimuth.h"
 #include "core/no_value.h"
 #include "core/number_text.h"
 #include "core/units.h"
@@ -87,6 +88,16 @@ TEST(Azimuth, IsCorrectedOnceOnly) {
   EXPECT_EQ(NormaliseAzimuth(725.0), 365.0);
   EXPECT_EQ(NormaliseAzimuth(360.0), 0.0);
   EXPECT_EQ(NormaliseAzimuth(12.5), 12.5);
+}
+
+TEST(Azimuth, IsClockwiseFromGridNorth) {
+  constexpr double kPi = 3.141592653589793;
+  EXPECT_EQ(GridAzimuth(5.0, 0.0), 0.0);
+  EXPECT_DOUBLE_EQ(GridAzimuth(0.0, 2.0), kPi / 2);
+  EXPECT_DOUBLE_EQ(GridAzimuth(-3.0, -3.0), 1.25 * kPi);
+  EXPECT_DOUBLE_EQ(GridAzimuth(0.0, -1e-9), 1.5 * kPi);
+  EXPECT_EQ(GridAzimuth(0.0, 0.0), 0.0);
+  EXPECT_EQ(GridAzimuth(kNan, 1.0), 0.0);
 }
 
 TEST(DistanceUnits, UseTheTruncatedFactors) {

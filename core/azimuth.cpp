@@ -1,14 +1,10 @@
-#include "roads/centerline.h"
+#include "core/azimuth.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
 namespace tarvex {
-
-bool HasId(const CenterlineId& id) {
-  return !id.empty() && id.view() != "0";
-}
 
 double GridAzimuth(double delta_northing, double delta_easting) {
   const double distance = std::hypot(delta_northing, delta_easting);
