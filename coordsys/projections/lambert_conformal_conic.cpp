@@ -10,6 +10,7 @@ constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
 constexpr double kSameParallel = 1e-10;
 constexpr double kFlattestCone = 1e-6;
+constexpr double kPoleCosine = 1e-15;  // 6e-9 m from the pole
 
 double LengthOfParallel(const EllipsoidConstants& c, double phi) {
   const double sin_phi = std::sin(phi);
@@ -29,10 +30,12 @@ struct Kernel {
 
   LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
     const Lanes phi = position.latitude_rad;
+    const LaneDirection toward = Toward(phi);
 
     const Lanes lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
-    const Lanes r =
-        apex_radius_m * ExponentialOf(-n * ellipsoid.Isometric(Toward(position.latitude_rad)));
+    // The pole itself lies at the apex; on a flat cone the exponential gets there too slowly.
+    const Lanes r = Select(AtMost(Absolute(toward.cos), Both(kPoleCosine)), Both(0.0),
+                           apex_radius_m * ExponentialOf(-n * ellipsoid.Isometric(toward)));
     const LaneDirection theta = Toward(n * lambda);
     point.easting_m = false_easting_m + r * theta.sin;
     point.northing_m = apex_northing_m - r * theta.cos;

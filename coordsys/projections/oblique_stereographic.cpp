@@ -6,7 +6,8 @@
 namespace tarvex {
 namespace {
 
-constexpr double kFarthestOrigin = std::numbers::pi / 2.0 * 89.0 / 90.0;
+constexpr double kQuarter = std::numbers::pi / 2.0;
+constexpr double kPoleCosine = 1e-12;
 constexpr double kFarthestDenominator = 0.034;  // 1 + cos of 165 degrees
 constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degrees and a little
 
@@ -59,7 +60,7 @@ struct Kernel {
 
 MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitude_of_origin_rad;
-  if (!(std::fabs(phi0) <= kFarthestOrigin)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
+  if (!(std::fabs(phi0) <= kQuarter)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction origin = Toward(phi0);
   const double radius =
@@ -70,8 +71,12 @@ MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) 
   kernel.c = std::sqrt(1.0 + c.ep2 * cos2 * cos2);
   kernel.over_c = 1.0 / kernel.c;
   kernel.chi0.sin = origin.sin / kernel.c;
-  kernel.chi0.cos = std::sqrt(1.0 - kernel.chi0.sin * kernel.chi0.sin);
-  kernel.k = std::asinh(kernel.chi0.sin / kernel.chi0.cos) - kernel.c * c.Isometric(phi0);
+  // sqrt(1 - sin^2) without its cancellation
+  kernel.chi0.cos = origin.cos * std::sqrt(1.0 + c.ep2 * cos2) / kernel.c;
+  // At a pole both terms grow without bound, and what stays between them is this.
+  kernel.k = origin.cos < kPoleCosine
+                 ? c.EccentricPart(origin.sin)
+                 : std::asinh(kernel.chi0.sin / kernel.chi0.cos) - kernel.c * c.Isometric(phi0);
   kernel.diameter_m = 2.0 * radius * parameters.scale_factor;
   kernel.over_diameter = 1.0 / kernel.diameter_m;
   kernel.central_meridian_rad = parameters.central_meridian_rad;

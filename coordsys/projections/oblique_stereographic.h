@@ -2,7 +2,7 @@
 // ellipsoid onto a conformal sphere, the sphere onto the plane.
 //
 // Source: EPSG guidance note 7-2, method 9809. Accuracy: 1e-8 m. Domain: up to 165 degrees of arc
-// from the origin; the origin itself at most at 89 degrees of latitude.
+// from the origin; a pole may be its origin.
 #pragma once
 
 #include "coordsys/projection.h"

@@ -55,7 +55,7 @@ TEST_P(ProjectionCases, AreMet) {
 
 INSTANTIATE_TEST_SUITE_P(Files, ProjectionCases,
                          testing::Values("guidance_note_7_2.txt", "gigs_5100.txt",
-                                         "state_plane_points.txt"),
+                                         "state_plane_points.txt", "proj_builtins.txt"),
                          [](const auto& file) {
                            const std::string name = file.param;
                            return name.substr(0, name.find('.'));
