@@ -84,7 +84,8 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
   calculator.ParseDefinition(definition, this);
   calculator.SetDistanceUnit(unit);
   const StepChoice choice{.shift = source.datum_shift,
-                          .geoid = ReadSystemChoice(source.name).geoid};
+                          .geoid = ReadSystemChoice(source.name).geoid,
+                          .definition_gives_shift = calculator.definition_gives_shift()};
   PreparedSteps prepared = PrepareSteps(calculator.record(), choice,
                                         {.files = program_.files,
                                          .data_folder = data_folder_,
@@ -93,11 +94,20 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
                                          .messages = &messages_,
                                          .progress = this});
   program_.console.EndProgress();
+  problem = prepared.wrong_choice;
+  if (!problem.empty()) return false;
   for (const std::string& hampers : prepared.problems) Show("WARNING", hampers);
   calculator.SetSteps(std::move(prepared.steps));
   if (calculator.State() == CalculationResult::Done) return true;
   problem = calculator.StateText();
   return false;
+}
+
+bool CoordinateSystems::KnowsDatumShift(std::string_view definition) {
+  for (const DefinitionIssue& issue : CheckDefinition(definition)) {
+    if (issue.kind == DefinitionIssueKind::NoDatumShift) return false;
+  }
+  return true;
 }
 
 std::string CoordinateSystems::Title(const SystemSource& source, const CTrgCalculator& calculator) {

@@ -24,6 +24,12 @@ struct SystemSource {
   bool empty() const { return name.empty() && definition.empty(); }
 };
 
+/// What `--datum-shift` takes, for the help of the commands that have it.
+inline constexpr const char* kDatumShiftHelp =
+    "Datum shift of the system (default: by the system): TOWGS84, TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm] "
+    "in metres, seconds and ppm, NAD27, GR3DF97A, VITEL, NADCON (the Dutch grid), \"Belge 1972 - "
+    "xyGridLb72\", an NTv2 file, or NONE: WGS84 latitude and longitude as they are";
+
 /// The source that a job's settings hold, and back.
 SystemSource SystemOfSettings(const Settings& settings);
 void PutSystemIntoSettings(const SystemSource& source, Settings& settings);
@@ -44,6 +50,9 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
   /// conversion that it hampers says so in its result.
   [[nodiscard]] bool MakeCalculator(const SystemSource& source, DistanceUnit unit,
                                     CTrgCalculator& calculator, std::string& problem);
+
+  /// False for a system on which a job needs a datum shift of its own (--datum-shift).
+  static bool KnowsDatumShift(std::string_view definition);
 
   /// The system in a few words: its name, or what its definition calls it.
   static std::string Title(const SystemSource& source, const CTrgCalculator& calculator);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "coordsys/datum/datum_lie.h"
 #include "core/string_table.h"
 
 namespace tarvex {
@@ -14,12 +15,6 @@ constexpr int kNoNationalGrid = 2240;  // text
 
 bool IsNumber(double a, double b, double c) {
   return std::isfinite(a) && std::isfinite(b) && std::isfinite(c);
-}
-
-// True for the ellipsoids on which a WGS84 latitude stands unchanged (GRS 1980: 0.1 mm).
-bool IsWgs84Like(const Ellipsoid& ellipsoid) {
-  return std::fabs(ellipsoid.semi_major_m - kWgs84.semi_major_m) < 0.001 &&
-         std::fabs(ellipsoid.flattening - kWgs84.flattening) < 1e-10;
 }
 
 CalculationResult ResultOf(ProjectionResult result) {
@@ -161,7 +156,7 @@ bool CTrgCalculator::LacksNationalGrid() const {
 
 bool CTrgCalculator::NeedsDatumShift() const {
   if (projection_->TakesWgs84()) return false;
-  return HasDatumShift(record_) || !IsWgs84Like(EllipsoidOf(record_));
+  return HasDatumShift(record_) || !StandsOnWgs84(record_);
 }
 
 CalculationResult CTrgCalculator::State() const {

@@ -34,7 +34,7 @@ enum class [[nodiscard]] CalculationResult : int{
     NoSystem = -2,          ///< the calculator has no coordinate system
     NotAvailable = -3,      ///< the system cannot be made: see SystemText
     OutsideDomain = -4,     ///< the point lies where the projection does not hold
-    NoDatumShift = -5,      ///< the definition shifts its datum, and no step does it
+    NoDatumShift = -5,      ///< the datum is another than WGS84, and no step shifts it
     StepRefused = -6,       ///< a step could not be made: see the report
     NotConverging = -7,     ///< the height and the geoid did not settle
     NoGridCorrection = -8,  ///< the projection stands for nothing without its national grid

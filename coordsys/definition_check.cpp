@@ -8,6 +8,7 @@
 #include "coordsys/definition_reader.h"
 #include "coordsys/definition_tree.h"
 #include "coordsys/parameter_keywords.h"
+#include "coordsys/step_preparation.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "core/text.h"
@@ -147,12 +148,12 @@ void CheckProjection(const DefinitionNode& system, Issues& issues) {
   CheckParameters(system, issues);
 }
 
-// On WGS84's own ellipsoid, or GRS 1980, positions stand as they are.
-void CheckDatumShift(const DefinitionNode& system, Issues& issues) {
-  const DefinitionNode* spheroid = system.Find("SPHEROID");
-  const bool like_wgs84 = spheroid && IsNumberNear(spheroid->Value(1), 6378137.0, 0.001) &&
-                          IsNumberNear(spheroid->Value(2), 298.257223563, 1e-5);
-  if (!like_wgs84 && !system.Find("TOWGS84")) issues.push_back({Kind::NoDatumShift, ""});
+void CheckDatumShift(const DefinitionNode& system, std::string_view text, Issues& issues) {
+  ProjectionRecord record;
+  std::string compound_name;
+  ReadDefinition(text, record, compound_name, nullptr);
+  const bool given = system.Find("TOWGS84") != nullptr;
+  if (!ShiftIsKnown(record, given)) issues.push_back({Kind::NoDatumShift, ""});
 }
 
 void CheckDatum(const DefinitionNode& system, Issues& issues) {
@@ -186,7 +187,7 @@ std::vector<DefinitionIssue> CheckDefinition(std::string_view text) {
   }
   CheckDatum(*system, issues);
   CheckProjection(*system, issues);
-  CheckDatumShift(*system, issues);
+  CheckDatumShift(*system, line, issues);
   const DefinitionNode* projection = system->Child("PROJECTION");
   if (projection && projection->Value(0) == "Transverse_Mercator_34") {
     issues.push_back({Kind::WestwardEastings, ""});

@@ -24,7 +24,7 @@ enum class DefinitionIssueKind : int {
   MissingParameter,     ///< argument: its name
   UnknownParameter,     ///< argument: its name
   ParameterNotANumber,  ///< argument: its name
-  NoDatumShift,         ///< no TOWGS84, on another ellipsoid than WGS84's
+  NoDatumShift,         ///< another datum than WGS84, and no shift between them is known
   WestwardEastings,     ///< System 34: eastings grow to the west
 };
 

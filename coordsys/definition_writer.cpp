@@ -5,6 +5,7 @@
 #include <limits>
 #include <system_error>
 
+#include "coordsys/datum/datum_lie.h"
 #include "coordsys/definition_reader.h"
 #include "core/number_text.h"
 #include "core/text.h"
@@ -54,6 +55,7 @@ std::string Datum(const ProjectionRecord& record) {
   text += ",SPHEROID[" + Quoted(record.ellipsoid_name.view());
   text += ',' + Number(ellipsoid.semi_major_m);
   text += ',' + InverseFlattening(ellipsoid.flattening) + ']';
+  if (!HasDatumShift(record) && !StandsOnWgs84(record)) return text + ']';
   text += ",TOWGS84[" + Number(record.shift_dx);
   for (const double value : {record.shift_dy, record.shift_dz, -record.shift_rx, -record.shift_ry,
                              -record.shift_rz, record.shift_scale}) {

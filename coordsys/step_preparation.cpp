@@ -1,7 +1,6 @@
 #include "coordsys/step_preparation.h"
 
-#include <cmath>
-
+#include "coordsys/datum/datum_lie.h"
 #include "coordsys/datum/grid_shifts.h"
 #include "coordsys/datum/seven_parameter_shift.h"
 #include "coordsys/geoid/geoid_step.h"
@@ -14,6 +13,8 @@ namespace {
 
 constexpr int kCorrectionMissing = 4162;
 constexpr int kHungarianMissing = 1703;
+constexpr int kDefinitionWithoutShift = 4164;
+constexpr int kBadParameters = 4165;
 
 bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
   return text.size() >= end.size() &&
@@ -40,9 +41,16 @@ bool IsNad27Family(const ProjectionRecord& record) {
          record.projection_type <= static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
 }
 
-bool StandsOnWgs84(const Ellipsoid& ellipsoid) {
-  return std::abs(ellipsoid.semi_major_m - kWgs84.semi_major_m) < 0.001 &&
-         std::abs(ellipsoid.flattening - kWgs84.flattening) < 1e-10;
+// NAD27 goes by the converter on the zones of its own families, and wherever its definition gives
+// no numbers.
+bool TakesNadConverter(const ProjectionRecord& record) {
+  return IsNad27(record) && (IsNad27Family(record) || !HasDatumShift(record));
+}
+
+// The closed library shifts the datums of these families itself.
+bool ShiftsInside(const ProjectionRecord& record) {
+  return record.projection_type == static_cast<int>(ProjectionType::TransverseMercator34) ||
+         record.projection_type == static_cast<int>(ProjectionType::ObliqueMercatorEov);
 }
 
 // What the text of a correction calls its files.
@@ -75,8 +83,14 @@ class StepPreparer {
     return problem;
   }
 
-  std::shared_ptr<const DatumShift> SevenParameter() const {
-    return std::make_shared<SevenParameterShift>(SevenParametersOf(record_), EllipsoidOf(record_),
+  // A shift that no file could bring: the choice itself is wrong.
+  std::shared_ptr<const DatumShift> WrongChoice(std::string problem) {
+    prepared_.wrong_choice = problem;
+    return std::make_shared<MissingShift>(std::move(problem));
+  }
+
+  std::shared_ptr<const DatumShift> SevenParameter(const SevenParameters& parameters) const {
+    return std::make_shared<SevenParameterShift>(parameters, EllipsoidOf(record_),
                                                  sources_.coord_sys);
   }
 
@@ -84,20 +98,33 @@ class StepPreparer {
     const std::string& shift = choice_.shift;
     if (shift == kFrenchGridLabel) return FrenchShift();
     if (shift == kNadConverterLabel) return std::make_shared<NadShift>(sources_.nad_converter);
-    if (shift == kSevenParameterLabel) return SevenParameter();
+    if (shift == kNoShiftLabel) return std::make_shared<ChosenIdentity>();
+    if (shift.starts_with(kSevenParameterLabel)) return ChosenSevenParameter();
     if (EndsWithIgnoringCase(shift, ".gsb")) return Ntv2();
     const bool is_correction =
         shift == kDutchGridLabel || shift == kHungarianGridLabel || shift == kBelgianGridLabel;
     if (!shift.empty() && !is_correction) {
-      return std::make_shared<MissingShift>(Note(Strings().Text(4163, {shift})));
+      return WrongChoice(Strings().Text(4163, {shift}));
     }
-    const bool needs_converter = IsNad27Family(record_) || !HasDatumShift(record_);
-    if (IsNad27(record_) && needs_converter) {
-      return std::make_shared<NadShift>(sources_.nad_converter);
+    if (TakesNadConverter(record_)) return std::make_shared<NadShift>(sources_.nad_converter);
+    if (HasDatumShift(record_)) return SevenParameter(SevenParametersOf(record_));
+    if (StandsOnWgs84(record_) || !choice_.definition_gives_shift) return nullptr;
+    return SevenParameter(SevenParametersOf(record_));
+  }
+
+  // "TOWGS84" takes the definition's own numbers, "TOWGS84=..." the ones behind it.
+  std::shared_ptr<const DatumShift> ChosenSevenParameter() {
+    if (choice_.shift == kSevenParameterLabel) {
+      if (choice_.definition_gives_shift || HasDatumShift(record_)) {
+        return SevenParameter(SevenParametersOf(record_));
+      }
+      return WrongChoice(Strings().Text(kDefinitionWithoutShift));
     }
-    if (HasDatumShift(record_)) return SevenParameter();
-    if (StandsOnWgs84(EllipsoidOf(record_))) return nullptr;
-    return std::make_shared<UnknownShift>();
+    std::string_view numbers = choice_.shift;
+    numbers.remove_prefix(kSevenParameterLabel.size());
+    const auto parameters = ParseSevenParameters(numbers);
+    if (parameters) return SevenParameter(*parameters);
+    return WrongChoice(Strings().Text(kBadParameters, {choice_.shift}));
   }
 
   std::shared_ptr<const DatumShift> FrenchShift() {
@@ -184,6 +211,11 @@ class StepPreparer {
 };
 
 }  // namespace
+
+bool ShiftIsKnown(const ProjectionRecord& record, bool definition_gives_shift) {
+  return definition_gives_shift || HasDatumShift(record) || StandsOnWgs84(record) ||
+         TakesNadConverter(record) || ShiftsInside(record);
+}
 
 PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,
                            const StepSources& sources) {

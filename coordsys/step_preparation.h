@@ -2,10 +2,13 @@
 // grid correction and the geoid, with their files loaded from the data folder.
 //
 // The datum shift, in this order:
-//   a shift named by the job   "GR3DF97A", an NTv2 file (".gsb"), "NAD27", or "TOWGS84"
+//   a shift named by the job   "GR3DF97A", an NTv2 file (".gsb"), "NAD27", "TOWGS84" for the
+//                              definition's numbers, "TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm]" for others,
+//                              "NONE" for WGS84 latitude and longitude as they are
 //   a NAD27 datum, on a zone of the NAD27 families or without TOWGS84 numbers: the NAD converter
 //   TOWGS84 numbers in the record                        seven parameters
-//   an ellipsoid other than WGS84's and none of these    unknown: conversions say so
+//   a datum that stands on WGS84                         none is needed
+//   any other                                            none: the calculator refuses to convert
 //
 // The grid correction by projection type, or by the label that the job names:
 //   type 6                          "ostn02_x.bin", "ostn02_y.bin"
@@ -37,12 +40,15 @@ inline constexpr std::string_view kHungarianGridLabel = "VITEL";
 inline constexpr std::string_view kBelgianGridLabel = "Belge 1972 - xyGridLb72";
 inline constexpr std::string_view kNadConverterLabel = "NAD27";
 inline constexpr std::string_view kSevenParameterLabel = "TOWGS84";
+inline constexpr std::string_view kNoShiftLabel = "NONE";
 
-/// What a job chooses beside the system itself; both may be empty. A file is looked for in the data
+/// What is chosen beside the record; both names may be empty. A file is looked for in the data
 /// folder unless it is named with its path.
 struct StepChoice {
   std::string shift;  ///< a label, or the name of an NTv2 file
   std::string geoid;  ///< the name of a geoid file
+  /// The definition holds a TOWGS84, even one of zeros: its datum lies where these say.
+  bool definition_gives_shift = false;
 
   bool operator==(const StepChoice&) const = default;
 };
@@ -59,8 +65,13 @@ struct StepSources {
 
 struct PreparedSteps {
   CalculationSteps steps;
-  std::vector<std::string> problems;  ///< sentences; empty when everything was found
+  std::vector<std::string> problems;  ///< sentences; empty when every file was found
+  std::string wrong_choice;           ///< why the shift that was named is none; a sentence
 };
+
+/// True when positions find from WGS84 to the record's datum without a shift being named: it stands
+/// on WGS84, its definition gives the shift, or a library knows it.
+bool ShiftIsKnown(const ProjectionRecord& record, bool definition_gives_shift);
 
 PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,
                            const StepSources& sources);

@@ -52,7 +52,10 @@ constexpr std::array kEntries = {
     Entry{2218, "This system cannot be used: its Denmark area is not known."},
     Entry{2219, "This system cannot be used: its projection type is not known."},
     Entry{2220, "This system cannot be used: its projection is not available."},
-    Entry{2221, "This system has another datum than WGS84, and the shift to it is not available."},
+    Entry{2221,
+          "This system's datum is another than WGS84, and no shift between the two is known. Name "
+          "one as the datum shift: TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm], an NTv2 file, or NONE to take "
+          "WGS84 latitude and longitude as they are."},
     Entry{2230, "The point was converted."},
     Entry{2231, "The point was converted, but a step was left undone."},
     Entry{2232, "The library that computes this projection cannot be loaded."},
@@ -169,7 +172,9 @@ constexpr std::array kEntries = {
     Entry{4011, "The parameter \"%s\", which this projection needs, is missing."},
     Entry{4012, "The parameter \"%s\" is not known and is not used."},
     Entry{4013, "The value of the parameter \"%s\" is not a number."},
-    Entry{4014, "The definition does not say how its datum lies against WGS84 (TOWGS84)."},
+    Entry{4014,
+          "The definition does not say how its datum lies against WGS84 (TOWGS84): jobs on it need "
+          "a datum shift of their own."},
     Entry{4015, "The eastings of System 34 are its own x: they grow to the west."},
     // Datum shifts, grids and localization
     Entry{4100, "The grid file %s does not exist."},
@@ -215,10 +220,8 @@ constexpr std::array kEntries = {
     Entry{4150, "The library that shifts the datum cannot be loaded."},
     Entry{4151, "The point lies outside of the grid."},
     Entry{4152, "The grid has no value at this point."},
-    Entry{4153, "The grid of the datum shift is missing or damaged."},
-    Entry{4154,
-          "No shift from WGS84 to this datum is known: latitude and longitude are taken as they "
-          "are."},
+    Entry{4153, "The datum shift cannot be made."},
+    Entry{4154, "none, as chosen: WGS84 latitude and longitude are taken as they are"},
     Entry{4155,
           "seven parameters: %s, %s, %s m; %s, %s, %s\" (coordinate frame); %s ppm (CoordSys)"},
     Entry{4156, "NAD27 by the grids in %s (nadconv)"},
@@ -228,6 +231,11 @@ constexpr std::array kEntries = {
     Entry{4161, "The geoid model is missing or damaged."},
     Entry{4162, "The shift grid is missing or damaged; no grid correction is made."},
     Entry{4163, "There is no datum shift \"%s\"."},
+    Entry{4164, "The definition gives no TOWGS84 that the datum could be shifted by."},
+    Entry{
+        4165,
+        "\"%s\" is no datum shift: TOWGS84= takes dX,dY,dZ in metres, and behind them rX,rY,rZ in "
+        "seconds of arc and the scale in ppm, or nothing."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},
     Entry{5001, "the point id is negative: %s"},

@@ -230,9 +230,7 @@ void AddConvertCommand(CLI::App& app, Program& program) {
                              "Job whose system, unit and localization are to be used");
   sub.add_option("--system", options.system, "Coordinate system by its name (see: tarvex systems)");
   sub.add_option("--definition", options.definition, "File with the definition text of the system");
-  sub.add_option("--datum-shift", options.datum_shift,
-                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A, VITEL, NADCON (the Dutch "
-                 "grid), \"Belge 1972 - xyGridLb72\" or an NTv2 file (default: by the system)");
+  sub.add_option("--datum-shift", options.datum_shift, kDatumShiftHelp)->excludes(job);
   sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")
       ->excludes(job)
       ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));

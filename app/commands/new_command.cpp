@@ -67,6 +67,9 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
     return program.Misuse("The scale factor \"" + options.scale_factor +
                           "\" is not a number from 0.5 to 2.");
   }
+  if (!options.datum_shift.empty() && options.system.empty() && options.definition.empty()) {
+    return program.Misuse("--datum-shift goes with --system or --definition.");
+  }
   JobSession session(program, options.job);
   for (const std::string& path : JobPaths(session)) {
     if (program.files.Exists(path))
@@ -80,6 +83,12 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
     if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
         !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
       return program.Fail(problem);
+    }
+    if (source.datum_shift == kNoShiftLabel) {
+      program.console.PrintError(
+          "WARNING: WGS84 latitude and longitude are taken for the system's own (--datum-shift "
+          "NONE): coordinates can be hundreds of metres off until a localization ties the job to "
+          "its control.\n");
     }
   }
   if (!session.Load()) return ExitCode::Failed;
@@ -112,9 +121,7 @@ void AddNewCommand(CLI::App& app, Program& program) {
   sub.add_option("--definition", options.definition,
                  "File with the definition text of the coordinate system")
       ->excludes(system);
-  sub.add_option("--datum-shift", options.datum_shift,
-                 "Datum shift of the system: NAD27, TOWGS84, GR3DF97A, VITEL, NADCON (the Dutch "
-                 "grid), \"Belge 1972 - xyGridLb72\" or an NTv2 file (default: by the system)");
+  sub.add_option("--datum-shift", options.datum_shift, kDatumShiftHelp);
   sub.add_flag("--south-azimuths", options.south_azimuths, "Azimuths are measured from south");
   sub.add_flag("--curvature-correction", options.curvature_correction,
                "Earth curvature and refraction are corrected");

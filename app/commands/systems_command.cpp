@@ -24,12 +24,18 @@ ExitCode PrintSystems(const SystemsOptions& options, const SystemCatalogue& cata
   if (options.json) {
     Json list = Json::array();
     for (const NamedSystem& system : systems) {
-      list.push_back({{"name", system.name}, {"definition", system.definition}});
+      list.push_back(
+          {{"name", system.name},
+           {"definition", system.definition},
+           {"datum_shift_known", CoordinateSystems::KnowsDatumShift(system.definition)}});
     }
     program.console.Print(JsonText({{"systems", std::move(list)}}));
     return systems.empty() ? ExitCode::Failed : ExitCode::Done;
   }
-  for (const NamedSystem& system : systems) program.console.Print(system.name + "\n");
+  for (const NamedSystem& system : systems) {
+    const bool known = CoordinateSystems::KnowsDatumShift(system.definition);
+    program.console.Print(system.name + (known ? "\n" : "  [needs --datum-shift]\n"));
+  }
   if (!systems.empty()) return ExitCode::Done;
   return program.Fail("No coordinate system has \"" + part + "\" in its name.");
 }
@@ -46,14 +52,20 @@ ExitCode TellEdit(CatalogueResult result, const CoordinateSystems& systems,
   return program.Fail(sentence);
 }
 
-// A definition is added only when it makes a system that can be used.
+SystemSource ForTrial(SystemSource source) {
+  if (!CoordinateSystems::KnowsDatumShift(source.definition)) source.datum_shift = kNoShiftLabel;
+  return source;
+}
+
+// A definition is added only when it makes a system that can be used; how its datum lies against
+// WGS84 may be left to the jobs.
 ExitCode AddSystem(const SystemsOptions& options, CoordinateSystems& systems, Program& program) {
   SystemSource source;
   std::string problem;
   if (options.definition.empty()) return program.Misuse("--add NAME needs --definition FILE.");
   CTrgCalculator calculator;
   if (!systems.ReadOptions("", options.definition, source, problem) ||
-      !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
+      !systems.MakeCalculator(ForTrial(source), DistanceUnit::Metres, calculator, problem)) {
     return program.Fail(problem);
   }
   const CatalogueResult result = systems.catalogue().Add(options.added, source.definition);
@@ -81,6 +93,13 @@ void AddSystemsCommand(CLI::App& app, Program& program) {
                                   RunSystems);
   SystemsOptions& options = *command.options;
   CLI::App& sub = command.sub;
+  sub.footer(
+      "Names are paths: COUNTRY/DATUM/ZONE. A system marked [needs --datum-shift] stands on a "
+      "datum\n"
+      "whose way to WGS84 the catalogue does not know: name one when a job is made on it.\n"
+      "Example: tarvex systems zone 32\n"
+      "         tarvex systems EPSG:25832\n"
+      "         tarvex systems --add \"SITE/Tunnel\" --definition tunnel.txt");
   sub.add_option("TEXT", options.words,
                  "Only those with this text, or all of its words, in their name");
   sub.add_flag("--json", options.json, "Print JSON, with the definition texts");

@@ -10,7 +10,7 @@ namespace {
 constexpr int kOutside = 4151;
 constexpr int kNoCorrection = 4152;
 constexpr int kGridMissing = 4153;
-constexpr int kShiftUnknown = 4154;
+constexpr int kTakenAsTheyAre = 4154;
 
 StepOutcome OutcomeOf(GridShiftResult result) {
   switch (result) {
@@ -70,16 +70,16 @@ std::string Gr3df97aShift::Describe() const {
   return Strings().Text(4158, {name_});
 }
 
-StepOutcome UnknownShift::ToSystem(Geodetic&) const {
-  return {StepStatus::LeftUndone, kShiftUnknown};
+StepOutcome ChosenIdentity::ToSystem(Geodetic&) const {
+  return {};
 }
 
-StepOutcome UnknownShift::ToWgs84(Geodetic&) const {
-  return {StepStatus::LeftUndone, kShiftUnknown};
+StepOutcome ChosenIdentity::ToWgs84(Geodetic&) const {
+  return {};
 }
 
-std::string UnknownShift::Describe() const {
-  return Strings().Text(kShiftUnknown);
+std::string ChosenIdentity::Describe() const {
+  return Strings().Text(kTakenAsTheyAre);
 }
 
 StepOutcome MissingShift::ToSystem(Geodetic&) const {

@@ -42,9 +42,8 @@ class Gr3df97aShift final : public DatumShift {
   std::string name_;
 };
 
-/// Nothing is known about the datum: latitude and longitude of WGS84 are taken as they stand, and
-/// the conversion says that this step was left undone.
-class UnknownShift final : public DatumShift {
+/// The user has chosen to take latitude and longitude of WGS84 as the datum's own, as they stand.
+class ChosenIdentity final : public DatumShift {
  public:
   StepOutcome ToSystem(Geodetic& position) const override;
   StepOutcome ToWgs84(Geodetic& position) const override;

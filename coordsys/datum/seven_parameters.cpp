@@ -1,5 +1,11 @@
 #include "coordsys/datum/seven_parameters.h"
 
+#include <cmath>
+#include <iterator>
+
+#include "core/number_text.h"
+#include "core/text.h"
+
 namespace tarvex {
 namespace {
 
@@ -23,6 +29,32 @@ SevenParameters SevenParametersOf(const ProjectionRecord& record) {
           .ry_arcsec = record.shift_ry,
           .rz_arcsec = record.shift_rz,
           .scale_ppm = record.shift_scale};
+}
+
+std::optional<SevenParameters> ParseSevenParameters(std::string_view text) {
+  constexpr double kLargest[7] = {1e4, 1e4, 1e4, 600.0, 600.0, 600.0, 1000.0};
+  if (!text.starts_with('=')) return std::nullopt;
+  double numbers[7] = {};
+  std::size_t count = 0;
+  for (bool more = true; more; ++count) {
+    text.remove_prefix(1);
+    const std::size_t comma = text.find(',');
+    const auto number = ParseNumber(WithoutOuterBlanks(text.substr(0, comma)));
+    if (count == std::size(numbers) || !number || std::fabs(*number) > kLargest[count]) {
+      return std::nullopt;
+    }
+    numbers[count] = *number;
+    more = comma != std::string_view::npos;
+    if (more) text.remove_prefix(comma);
+  }
+  if (count != 3 && count != std::size(numbers)) return std::nullopt;
+  return SevenParameters{.dx_m = numbers[0],
+                         .dy_m = numbers[1],
+                         .dz_m = numbers[2],
+                         .rx_arcsec = 0.0 - numbers[3],
+                         .ry_arcsec = 0.0 - numbers[4],
+                         .rz_arcsec = 0.0 - numbers[5],
+                         .scale_ppm = numbers[6]};
 }
 
 SevenParameterArguments ForwardArguments(const SevenParameters& parameters) {

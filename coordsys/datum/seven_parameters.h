@@ -14,6 +14,9 @@
 // so that there and back closes to 2e-9 m for any rotation.
 #pragma once
 
+#include <optional>
+#include <string_view>
+
 #include "coordsys/coordinates.h"
 #include "coordsys/projection_record.h"
 
@@ -33,6 +36,11 @@ struct SevenParameters {
 };
 
 SevenParameters SevenParametersOf(const ProjectionRecord& record);
+
+/// The numbers of "=dX,dY,dZ" or "=dX,dY,dZ,rX,rY,rZ,ppm" in the signs of a definition's TOWGS84.
+/// Nothing for any other count, a text that is no number, or a shift that no datum has (10 km, 10
+/// minutes of arc, 1000 ppm).
+std::optional<SevenParameters> ParseSevenParameters(std::string_view text);
 
 /// As the closed library takes them: metres, radians and the scale factor itself.
 struct SevenParameterArguments {

@@ -243,10 +243,18 @@ TEST(StepPreparation, ChoosesTheDatumShift) {
       {"NAD27", kClarke1866, 0, "", "nadconv"},
       {"D_North_American_1927", kClarke1866, -8, "", "seven parameters"},
       {"D_North_American_1927", kClarke1866, -8, "NAD27", "nadconv"},
-      {"NAD27", kClarke1866, 0, "TOWGS84", "seven parameters"},
-      {"North American Datum 1927 (1976)", kClarke1866, 0, "", "No shift from WGS84"},
+      {"NAD27", kClarke1866, -8, "TOWGS84", "seven parameters: -8, 0, 0 m"},
+      {"NAD27", kClarke1866, 0, "TOWGS84", "gives no TOWGS84"},
+      {"North American Datum 1927 (1976)", kClarke1866, 0, "", ""},
+      {"North American Datum 1927 (1976)", kClarke1866, 0, "NONE", "none, as chosen"},
       {"Deutsches_Hauptdreiecksnetz", kBessel, 598, "", "seven parameters"},
-      {"Some_Datum", kBessel, 0, "", "No shift from WGS84"},
+      {"Some_Datum", kBessel, 0, "", ""},
+      {"Some_Datum", kBessel, 0, "TOWGS84=1,-2.5,3", "seven parameters: 1, -2.5, 3 m; 0, 0, 0"},
+      {"Some_Datum", kBessel, 5, "TOWGS84= 1, 2,3,4,5,6,7", "1, 2, 3 m; -4, -5, -6\""},
+      {"Some_Datum", kBessel, 0, "TOWGS84=1,2", "no datum shift: TOWGS84= takes"},
+      {"Some_Datum", kBessel, 0, "TOWGS84=1,2,3,4,5,6,7,8", "no datum shift"},
+      {"Some_Datum", kBessel, 0, "TOWGS84=1,2,feet", "no datum shift"},
+      {"Some_Datum", kBessel, 0, "TOWGS84=1,2,30000", "no datum shift"},
       {"NTF", kBessel, -168, "GR3DF97A", "gr3df97a.bin does not exist"},
       {"NTF", kBessel, -168, "missing.gsb", "/data/missing.gsb does not exist"},
       {"NTF", kBessel, -168, "/elsewhere/m.GSB", "/elsewhere/m.GSB does not exist"},
@@ -261,12 +269,34 @@ TEST(StepPreparation, ChoosesTheDatumShift) {
     ASSERT_EQ(made.steps.datum_shift != nullptr, *c.says != '\0') << c.datum << c.choice;
     if (!made.steps.datum_shift) continue;
     EXPECT_THAT(made.steps.datum_shift->Describe(), HasSubstr(c.says));
+    const bool wrong = std::string_view(c.says).find("no datum shift") != std::string_view::npos ||
+                       std::string_view(c.says).find("gives no") != std::string_view::npos;
+    EXPECT_EQ(!made.wrong_choice.empty(), wrong) << c.choice;
     const bool missing = std::string_view(c.says).find("not exist") != std::string_view::npos;
     if (!missing) continue;
     EXPECT_EQ(made.problems.size(), 1U);
     Geodetic at = kBerlin;
     EXPECT_EQ(made.steps.datum_shift->ToSystem(at).status, StepStatus::Refused);
   }
+}
+
+// Zeros in a definition are a shift; no numbers are none. An intermediate frame lies elsewhere than
+// its ellipsoid says.
+TEST(StepPreparation, KnowsWhichDatumsNeedAChoice) {
+  const auto utm = ProjectionType::TransverseMercator;
+  EXPECT_TRUE(ShiftIsKnown(RecordOf(utm, "NAD83", kGrs80), false));
+  EXPECT_TRUE(ShiftIsKnown(RecordOf(utm, "NAD27", kClarke1866), false));
+  EXPECT_TRUE(ShiftIsKnown(RecordOf(utm, "Xian 1980", kBessel), true));
+  EXPECT_FALSE(ShiftIsKnown(RecordOf(utm, "Xian 1980", kBessel), false));
+  EXPECT_FALSE(ShiftIsKnown(RecordOf(utm, "IG05 Intermediate Datum", kGrs80), false));
+  EXPECT_TRUE(ShiftIsKnown(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel), false));
+
+  Sources sources;
+  const PreparedSteps zeros =
+      sources.Prepare(RecordOf(utm, "Some_Datum", kBessel),
+                      {.shift = "", .geoid = "", .definition_gives_shift = true});
+  ASSERT_TRUE(zeros.steps.datum_shift);
+  EXPECT_THAT(zeros.steps.datum_shift->Describe(), HasSubstr("seven parameters: 0, 0, 0 m"));
 }
 
 TEST(StepPreparation, StatePlaneZonesOf1927TakeTheConverter) {
