@@ -204,13 +204,22 @@ TEST(Collect, ReadsASerialLine) {
   EXPECT_EQ(Ids(folder).size(), 3U);
 }
 
+// Until the program has reported as many points, however slow the machine is.
+void WaitForPoints(const ProgramFolder& folder, int points) {
+  for (int i = 0; i < 3000; ++i) {
+    const std::string shown = folder.Read("OUT");
+    if (std::count(shown.begin(), shown.end(), '\n') >= points) return;
+    std::this_thread::sleep_for(10ms);
+  }
+}
+
 TEST(Collect, LeavesAWholeJobWhenInterrupted) {
   ProgramFolder folder;
   MakeSite(folder);
   LoopbackReceiver receiver(Epoch(1) + Epoch(2));
   const pid_t process =
       folder.Start("collect site.crd --count 50 --receiver " + receiver.address() + kPlain);
-  std::this_thread::sleep_for(500ms);
+  WaitForPoints(folder, 2);
   ::kill(process, SIGINT);
   const auto before = std::chrono::steady_clock::now();
   const ProgramResult result = folder.Finish(process);
@@ -228,14 +237,15 @@ TEST(Collect, KeepsWhatItReportedWhenKilled) {
   for (int round = 1; round <= 8; ++round) {
     const std::size_t before = Ids(folder).size();
     const pid_t process = folder.Start("collect site.crd --count 100000 --receiver simulated");
-    std::this_thread::sleep_for(std::chrono::milliseconds(20 * round));
+    WaitForPoints(folder, 1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(3 * round));
     ::kill(process, SIGKILL);
     const ProgramResult killed = folder.Finish(process);
     EXPECT_EQ(killed.exit_code, 128 + SIGKILL);
     const auto reported = std::count(killed.output.begin(), killed.output.end(), '\n');
+    EXPECT_GE(reported, 1);
     EXPECT_GE(Ids(folder).size(), before + static_cast<std::size_t>(reported));
   }
-  EXPECT_GT(Ids(folder).size(), 8U);
 }
 
 }  // namespace
