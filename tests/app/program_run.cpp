@@ -41,6 +41,8 @@ void Redirect(const std::string& path, int flags, int descriptor) {
 
 pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
   Write("IN", input);
+  Write("OUT", "");
+  Write("ERR", "");
   std::vector<std::string> words = Words(line);
   words.insert(words.begin(), TARVEX_PROGRAM);
   std::vector<char*> arguments;
