@@ -43,7 +43,7 @@ FileStatus WriteNewFile(FileSystem& files, const std::string& path, std::string_
 
 FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess access,
                       std::unique_ptr<File>& file) {
-  constexpr int kAttempts = 5;
+  constexpr int kAttempts = 1000;  // each one lost means that another program got its turn
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     std::unique_ptr<File> opened;
     FileStatus status = files.Open(path, access, opened);

@@ -53,6 +53,19 @@ TEST(Commands, KeepAJobFromTheFirstPointToTheLast) {
             "seen from north");
 }
 
+// Each store in a small file replaces it, so that whoever waits for its lock has to look again.
+TEST(Commands, StoreInTurnWhenManyRunAtOnce) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
+  std::vector<pid_t> processes;
+  for (int i = 0; i < 16; ++i) {
+    processes.push_back(folder.Start("store site.crd P" + std::to_string(16 - i) + " 1 2 3"));
+  }
+  for (const pid_t process : processes) EXPECT_EQ(folder.Finish(process).exit_code, 0);
+  EXPECT_EQ(nlohmann::json::parse(folder.Run("points site.crd --json").output)["points"].size(),
+            16U);
+}
+
 TEST(Commands, NameWhatIsWrong) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("new numbers.crd --numeric").exit_code, 0);
