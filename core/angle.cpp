@@ -34,23 +34,24 @@ struct Sexagesimal {
   std::int64_t fraction = 0;
 };
 
-// The angle in units of the last digit, counted in integers, so that rounding can carry into the
+// Whole degrees, and the rest counted in units of the last digit, so that rounding carries into the
 // minutes and degrees. `decimals` of the seconds; -1 rounds to tens of seconds.
 std::optional<Sexagesimal> Split(double degrees, int decimals) {
   if (IsNoValue(degrees)) return std::nullopt;
   const double circle = degrees >= 360.0 ? std::fmod(degrees, 360.0) : degrees;
   const std::int64_t per_second = PowerOfTen(decimals < 0 ? 0 : decimals);
   const std::int64_t step = decimals < 0 ? 10 : 1;
-  const double scaled = std::fabs(circle) * 3600.0 * static_cast<double>(per_second);
-  if (scaled >= 9e18) return Split(std::fmod(degrees, 360.0), decimals);
-  std::int64_t units = std::llround(scaled / static_cast<double>(step)) * step;
-  const std::int64_t full_circle = std::int64_t{360} * 3600 * per_second;
-  if (circle >= 0.0 && units >= full_circle) units -= full_circle;
-  const std::int64_t whole_seconds = units / per_second;
-  return Sexagesimal{.negative = circle < 0.0 && units > 0,
-                     .degrees = whole_seconds / 3600,
-                     .minutes = whole_seconds / 60 % 60,
-                     .seconds = whole_seconds % 60,
+  double whole = 0.0;
+  const double fraction = std::modf(std::fabs(circle), &whole);
+  const double scaled = fraction * 3600.0 * static_cast<double>(per_second);
+  const std::int64_t units = std::llround(scaled / static_cast<double>(step)) * step;
+  const std::int64_t seconds = units / per_second;
+  std::int64_t whole_degrees = static_cast<std::int64_t>(whole) + seconds / 3600;
+  if (circle >= 0.0 && whole_degrees >= 360) whole_degrees -= 360;
+  return Sexagesimal{.negative = circle < 0.0 && (units > 0 || whole_degrees > 0),
+                     .degrees = whole_degrees,
+                     .minutes = seconds / 60 % 60,
+                     .seconds = seconds % 60,
                      .fraction = units % per_second};
 }
 

@@ -61,6 +61,13 @@ TEST(PackedAngle, FieldsRoundInSecondsAndCarry) {
   }
 }
 
+// The last of 12 decimals is a thousandth of what a double of this size resolves.
+TEST(PackedAngle, TextKeepsEveryDigitOfTheAngle) {
+  EXPECT_EQ(DegreesToPackedText(308.5), "308.3000000000000000");
+  EXPECT_EQ(DegreesToPackedText(248.25 + 1.0 / 1024), "248.1503515625000000");
+  EXPECT_EQ(DegreesToPackedText(-2501.5), "-2501.3000000000000000");
+}
+
 TEST(PackedAngle, DisplayTextReadsBack) {
   EXPECT_EQ(DegreesToDmsText(12.0 + 34.0 / 60 + 56.7 / 3600), "12\u00B034'56.7\"");
   EXPECT_EQ(DegreesToDmsText(-0.5), "-0\u00B030'00\"");
