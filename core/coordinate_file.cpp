@@ -1,172 +1,225 @@
-// Opening and creating the coordinate file.
-#include "core/coordinate_file.h"
-
+// Reading, searching and changing an open coordinate file.
 #include <algorithm>
-#include <array>
-#include <optional>
+#include <cerrno>
 
+#include "core/coordinate_file.h"
 #include "core/coordinate_layout.h"
 #include "core/point_id.h"
-#include "core/string_table.h"
 
 namespace tarvex {
 namespace {
 
-using alphanumeric_layout::Signature;
+// The binary search remembers this many of its upper nodes, and reads the last records in one
+// piece.
+constexpr std::size_t kRememberedNodes = 4096;
+constexpr std::uint64_t kBlockRecords = 256;
 
-enum Message : int {
-  kCannotOpen = 1001,
-  kCannotCreate = 1002,
-  kNotACoordinateFile = 1003,
-  kCannotConvert = 1004,
-  kCannotFinish = 1005,
-  kCannotRead = 1006,
-};
+// A file up to this size is replaced as a whole for any change: docs/performance.md has the
+// numbers.
+constexpr std::uint64_t kReplacedForAnyChange = std::uint64_t{3} << 20U;
+// None is replaced above this size: it is held in memory for that.
+constexpr std::uint64_t kLargestReplaced = std::uint64_t{64} << 20U;
 
-void Tell(Job& job, Message message, const FileStatus& status) {
-  job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
-}
-
-// What the first bytes of a file say.
-struct Opened {
-  std::unique_ptr<File> file;
-  std::uint64_t size = 0;
-  Signature signature = Signature::None;
-  std::string header;
-};
-
-FileStatus ReadHeader(Opened& opened) {
-  if (FileStatus status = opened.file->Size(opened.size); !status.ok()) return status;
-  opened.header.assign(alphanumeric_layout::kHeaderSize, '\0');
-  std::size_t got = 0;
-  if (FileStatus status = opened.file->ReadAt(0, opened.header, got); !status.ok()) return status;
-  opened.header.resize(got);
-  opened.signature = alphanumeric_layout::DecodeSignature(opened.header);
-  return {};
-}
-
-// Brings an older file, whose records stand in any order, into ascending order: of equal ids the
-// one that stood later comes first.
-FileStatus ConvertOlderFile(Job& job, Opened& opened) {
-  std::string bytes;
-  const FileStatus read = ReadWholeFile(job.host.files(), job.path, opened.size, bytes);
-  if (!read.ok()) return read;
-  constexpr std::size_t kSize = alphanumeric_layout::kRecordSize;
-  const std::size_t count = (bytes.size() - alphanumeric_layout::kHeaderSize) / kSize;
-  std::vector<const char*> records(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    records[count - 1 - i] = bytes.data() + alphanumeric_layout::kHeaderSize + i * kSize;
+// Replacing writes the file once and waits for the disk twice; the journal writes what changes
+// twice and waits four times. Both leave the old state or the new one.
+bool ReplacingIsFaster(const FileChange& change) {
+  std::uint64_t journaled = 0;
+  for (const FileWrite& write : change.writes) {
+    journaled += write.bytes.size() + write.bytes.size() * write.repeat;
   }
-  std::stable_sort(records.begin(), records.end(), [](const char* a, const char* b) {
-    return ComparePointIds(alphanumeric_layout::DecodeId(a).view(),
-                           alphanumeric_layout::DecodeId(b).view()) < 0;
-  });
-  std::string converted = bytes.substr(0, alphanumeric_layout::kHeaderSize);
-  alphanumeric_layout::MarkSorted(converted);
-  for (const char* record : records) converted.append(record, kSize);
-  return ReplaceWholeFile(job.host.files(), job.path, converted);
+  return change.new_size <= std::min(kReplacedForAnyChange + journaled, kLargestReplaced);
 }
 
-// A numeric file has no signature: its count must be one, and a file too short for any record of
-// either layout must not hold the start of an alphanumeric header.
-bool LooksNumeric(const Opened& opened) {
-  if (opened.size == 0) return true;
-  if (opened.header.size() < numeric_layout::kRecordSize) return false;
-  if (numeric_layout::DecodeHighestNumber(opened.header) < 0) return false;
-  const bool short_file = opened.size < alphanumeric_layout::kHeaderSize;
-  const std::string_view zero_field = std::string_view(opened.header).substr(8, 8);
-  return !short_file || zero_field.find_first_not_of('\0') == std::string_view::npos;
-}
-
-void TakeNumericState(Job& job, const Opened& opened, const CoordinateStream& stream) {
-  const long long claimed =
-      opened.size == 0 ? 0 : numeric_layout::DecodeHighestNumber(opened.header);
-  job.last_point_number = std::min(claimed, static_cast<long long>(stream.record_count()));
-  job.last_point_id = std::to_string(job.last_point_number);
-}
-
-FileStatus TakeAlphanumericState(Job& job, CoordinateStream& stream) {
-  job.last_point_id = "0";
-  job.last_point_number = 0;
-  if (stream.record_count() == 0) return {};
-  Point last;
-  const FileStatus status = stream.ReadRecord(stream.record_count() - 1, last);
-  if (!status.ok()) return status;
-  job.last_point_id = last.id.str();
-  job.last_point_number = PointIdNumber(job.last_point_id);
-  return {};
-}
-
-// The stream over a file whose header was read, with the job's state taken from it.
-std::unique_ptr<CoordinateStream> MakeStream(Job& job, Opened opened) {
-  FileStatus status;
-  const bool alphanumeric = opened.signature == Signature::Sorted;
-  if (!alphanumeric && !LooksNumeric(opened)) {
-    return Tell(job, kNotACoordinateFile, status), nullptr;
+// What the file holds after the change, made from what it held before.
+void Apply(const FileChange& change, std::string& bytes) {
+  bytes.resize(static_cast<std::size_t>(change.new_size));
+  for (const FileWrite& write : change.writes) {
+    auto at = static_cast<std::size_t>(write.offset);
+    for (std::uint64_t i = 0; i < write.repeat; ++i, at += write.bytes.size()) {
+      bytes.replace(at, write.bytes.size(), write.bytes);
+    }
   }
-  auto stream = std::make_unique<CoordinateStream>(
-      job.host.files(), job.path, std::move(opened.file), alphanumeric, opened.size);
-  job.alphanumeric = alphanumeric;
-  if (!alphanumeric) {
-    TakeNumericState(job, opened, *stream);
-  } else if (status = TakeAlphanumericState(job, *stream); !status.ok()) {
-    return Tell(job, kCannotOpen, status), nullptr;
-  }
-  return stream;
-}
-
-std::unique_ptr<CoordinateStream> OpenExisting(Job& job) {
-  Opened opened;
-  FileStatus status = OpenLocked(job.host.files(), job.path, FileAccess::ReadWrite, opened.file);
-  if (!status.ok()) return Tell(job, kCannotOpen, status), nullptr;
-  status = FinishInterruptedChange(job.host.files(), job.path, *opened.file);
-  if (!status.ok()) return Tell(job, kCannotFinish, status), nullptr;
-  if (status = ReadHeader(opened); !status.ok()) return Tell(job, kCannotOpen, status), nullptr;
-  if (opened.signature != Signature::Older) return MakeStream(job, std::move(opened));
-  status = ConvertOlderFile(job, opened);
-  if (!status.ok()) return Tell(job, kCannotConvert, status), nullptr;
-  opened.file.reset();
-  return OpenExisting(job);
-}
-
-void SetInformation(Job& job, const LocalTime& now) {
-  job.information = {.start_date = "Start Date: " + DateText(now),
-                     .start_time = "Start Time: " + TimeText(now),
-                     .last_modified_date = "Last Modified Date: " + DateText(now),
-                     .last_modified_time = "Last Modified Time: " + TimeText(now)};
-}
-
-FileStatus Create(Job& job, bool creating_job) {
-  const LocalTime now = job.host.clock().Now();
-  if (!creating_job) SetInformation(job, now);
-  const std::string header = job.alphanumeric_new_files ? alphanumeric_layout::EncodeHeader(now)
-                                                        : numeric_layout::EncodeHeader(0, now);
-  return ReplaceWholeFile(job.host.files(), job.path, header);
 }
 
 }  // namespace
 
-std::unique_ptr<CoordinateStream> OpenCoordinateFile(Job& job, bool creating_job) {
-  if (!job.host.files().Exists(job.path)) {
-    if (const FileStatus status = Create(job, creating_job); !status.ok()) {
-      return Tell(job, kCannotCreate, status), nullptr;
-    }
-  }
-  return OpenExisting(job);
+CoordinateFile::CoordinateFile(FileSystem& files, std::string path, std::unique_ptr<File> file,
+                               bool alphanumeric, std::uint64_t size)
+    : files_(files),
+      path_(std::move(path)),
+      file_(std::move(file)),
+      alphanumeric_(alphanumeric),
+      size_(size) {}
+
+std::uint64_t CoordinateFile::record_size() const {
+  return alphanumeric_ ? alphanumeric_layout::kRecordSize : numeric_layout::kRecordSize;
 }
 
-std::unique_ptr<CoordinateStream> OpenForReading(Job& job) {
-  FileSystem& files = job.host.files();
-  Opened opened;
-  FileStatus status = OpenLocked(files, job.path, FileAccess::Read, opened.file);
-  if (status.ok()) status = ReadHeader(opened);
-  if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
-  // Looked at under the lock: what another program has under way is over by now.
-  if (HasInterruptedChange(files, job.path) || opened.signature == Signature::Older) {
-    opened.file.reset();
-    return OpenExisting(job);
+std::uint64_t CoordinateFile::RecordOffset(std::uint64_t index) const {
+  const std::uint64_t header =
+      alphanumeric_ ? alphanumeric_layout::kHeaderSize : numeric_layout::kRecordSize;
+  return header + record_size() * index;
+}
+
+std::uint64_t CoordinateFile::record_count() const {
+  const std::uint64_t header = RecordOffset(0);
+  return size_ <= header ? 0 : (size_ - header) / record_size();
+}
+
+std::uint64_t CoordinateFile::trailing_bytes() const {
+  return size_ <= RecordOffset(0) ? 0 : (size_ - RecordOffset(0)) % record_size();
+}
+
+FileStatus CoordinateFile::ReadRecords(std::uint64_t first, std::uint64_t count,
+                                       std::string& bytes) {
+  bytes.resize(static_cast<std::size_t>(count * record_size()));
+  std::size_t got = 0;
+  if (FileStatus status = file_->ReadAt(RecordOffset(first), bytes, got); !status.ok()) {
+    return status;
   }
-  return MakeStream(job, std::move(opened));
+  return got == bytes.size() ? FileStatus{} : FileStatus{EIO};
+}
+
+FileStatus CoordinateFile::ReadRecord(std::uint64_t index, Point& point) {
+  std::string bytes;
+  if (FileStatus status = ReadRecords(index, 1, bytes); !status.ok()) return status;
+  if (alphanumeric_) {
+    alphanumeric_layout::DecodeRecord(bytes.data(), point);
+  } else {
+    numeric_layout::DecodeRecord(bytes.data(), point);
+    point.id.Assign(std::to_string(index + 1));
+  }
+  return {};
+}
+
+FileStatus CoordinateFile::IdAt(std::uint64_t index, PointId& id) {
+  char field[alphanumeric_layout::kIdSize] = {};
+  std::size_t got = 0;
+  const std::uint64_t offset = RecordOffset(index) + alphanumeric_layout::kIdOffset;
+  if (FileStatus status = file_->ReadAt(offset, field, got); !status.ok()) return status;
+  if (got != sizeof field) return {EIO};
+  id.TakeField(field);
+  return {};
+}
+
+FileStatus CoordinateFile::ProbeAt(std::size_t node, std::uint64_t index, PointId& id) {
+  if (node >= kRememberedNodes) return IdAt(index, id);
+  if (probes_.empty()) probes_.resize(kRememberedNodes);
+  Probe& probe = probes_[node];
+  if (!probe.known) {
+    if (FileStatus status = IdAt(index, probe.id); !status.ok()) return status;
+    probe.known = true;
+  }
+  id = probe.id;
+  return {};
+}
+
+// The search goes on in memory once the records between `low` and `high` fit into one read.
+FileStatus CoordinateFile::FindInBlock(std::string_view id, std::uint64_t low, std::uint64_t high,
+                                       RecordPosition& position) {
+  const std::uint64_t first = low + 1;
+  std::string block;
+  if (FileStatus status = ReadRecords(first, high - first, block); !status.ok()) return status;
+  while (high - low > 1) {
+    const std::uint64_t middle = (low + high) / 2;
+    const char* record = block.data() + (middle - first) * record_size();
+    const int order = ComparePointIds(alphanumeric_layout::DecodeId(record).view(), id);
+    if (order == 0) {
+      position = {.index = middle, .found = true};
+      return {};
+    }
+    (order < 0 ? low : high) = middle;
+  }
+  position = {.index = high, .found = false};
+  return {};
+}
+
+FileStatus CoordinateFile::Find(std::string_view id, RecordPosition& position) {
+  const std::uint64_t count = record_count();
+  if (count == 0) {
+    position = {};
+    return {};
+  }
+  PointId probe;
+  if (FileStatus status = ProbeAt(0, count - 1, probe); !status.ok()) return status;
+  int order = ComparePointIds(probe.view(), id);
+  if (order <= 0) {
+    position = {.index = order == 0 ? count - 1 : count, .found = order == 0};
+    return {};
+  }
+  if (FileStatus status = ProbeAt(1, 0, probe); !status.ok()) return status;
+  order = ComparePointIds(probe.view(), id);
+  if (order >= 0) {
+    position = {.index = 0, .found = order == 0};
+    return {};
+  }
+  std::uint64_t low = 0;
+  std::uint64_t high = count - 1;
+  // Nodes 0 and 1 are the last and the first record; the tree of the search starts at node 2.
+  for (std::size_t node = 2; high - low > kBlockRecords;) {
+    const std::uint64_t middle = (low + high) / 2;
+    if (FileStatus status = ProbeAt(node, middle, probe); !status.ok()) return status;
+    order = ComparePointIds(probe.view(), id);
+    if (order == 0) {
+      position = {.index = middle, .found = true};
+      return {};
+    }
+    (order < 0 ? low : high) = middle;
+    node = node * 2 + (order < 0 ? 1 : 0);
+  }
+  return FindInBlock(id, low, high, position);
+}
+
+// A change that failed half way is finished when the file is opened again; nothing may come before.
+FileStatus CoordinateFile::BeginChange() {
+  probes_.clear();
+  return HasInterruptedChange(files_, path_) ? FileStatus{EIO} : FileStatus{};
+}
+
+FileStatus CoordinateFile::Replace(const FileChange& change) {
+  std::string bytes(static_cast<std::size_t>(std::min(change.old_size, change.new_size)), '\0');
+  std::size_t got = 0;
+  if (FileStatus status = file_->ReadAt(0, bytes, got); !status.ok()) return status;
+  if (got != bytes.size()) return {EIO};
+  Apply(change, bytes);
+  return ReplaceWholeFile(files_, path_, bytes, file_);
+}
+
+FileStatus CoordinateFile::Append(std::string_view bytes) {
+  FileStatus status = BeginChange();
+  if (!status.ok()) return status;
+  const std::uint64_t end = RecordOffset(record_count());
+  status = file_->WriteAt(end, bytes);
+  if (status.ok()) status = file_->Sync();
+  if (!status.ok()) {
+    (void)file_->Resize(end);
+    return status;
+  }
+  size_ = std::max(size_, end + bytes.size());
+  return {};
+}
+
+FileStatus CoordinateFile::Overwrite(std::uint64_t offset, std::string_view bytes) {
+  const FileStatus status = BeginChange();
+  return status.ok() ? file_->WriteAt(offset, bytes) : status;
+}
+
+FileStatus CoordinateFile::Shorten(std::uint64_t size) {
+  FileStatus status = BeginChange();
+  if (status.ok()) status = file_->Resize(size);
+  if (!status.ok()) return status;
+  size_ = size;
+  return file_->Sync();
+}
+
+FileStatus CoordinateFile::Change(std::vector<FileWrite> writes, std::uint64_t new_size) {
+  FileStatus status = BeginChange();
+  if (!status.ok()) return status;
+  const FileChange change{.old_size = size_, .new_size = new_size, .writes = std::move(writes)};
+  status = ReplacingIsFaster(change) ? Replace(change) : ChangeFile(files_, path_, *file_, change);
+  std::uint64_t size = size_;
+  if (file_->Size(size).ok()) size_ = size;
+  return status;
 }
 
 }  // namespace tarvex

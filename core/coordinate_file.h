@@ -25,16 +25,18 @@ struct RecordPosition {
 };
 
 /// An open coordinate file, locked against other programs until it is destroyed.
-class CoordinateStream {
+class CoordinateFile {
  public:
-  CoordinateStream(FileSystem& files, std::string path, std::unique_ptr<File> file,
-                   bool alphanumeric, std::uint64_t size);
+  CoordinateFile(FileSystem& files, std::string path, std::unique_ptr<File> file, bool alphanumeric,
+                 std::uint64_t size);
 
   bool alphanumeric() const { return alphanumeric_; }
   std::uint64_t size() const { return size_; }
   /// Whole records behind the header; a record cut short at the end does not count.
   std::uint64_t record_count() const;
   std::uint64_t record_size() const;
+  /// Bytes behind the last whole record: more than 0 in a file that was cut short.
+  std::uint64_t trailing_bytes() const;
   /// Record 0 is the first behind the header; in a numeric file it holds point number 1.
   std::uint64_t RecordOffset(std::uint64_t index) const;
 
@@ -82,11 +84,11 @@ class CoordinateStream {
 /// for; `creating_job` leaves the job's information texts alone). The job's layout, last point id
 /// and last point number are set from the file. Nothing when that fails: the person has been told
 /// why, with the path.
-std::unique_ptr<CoordinateStream> OpenCoordinateFile(Job& job, bool creating_job = false);
+std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job = false);
 
 /// Opens an existing file to read from it only, so that a file without the right to write can still
 /// be looked at. An interrupted change is finished and an older file converted first; that needs
 /// the right.
-std::unique_ptr<CoordinateStream> OpenForReading(Job& job);
+std::unique_ptr<CoordinateFile> OpenForReading(Job& job);
 
 }  // namespace tarvex

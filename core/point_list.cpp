@@ -78,7 +78,7 @@ class BlockDecoder {
   mutable std::string id_text_;
 };
 
-LoadPointsResult LoadFrom(CoordinateStream& stream, std::uint64_t count, PointList& points,
+LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList& points,
                           const PointList* verify_against, const ProgressWindow& progress) {
   points.reserve(static_cast<std::size_t>(count));
   PreferLargePages(points.data(), points.capacity() * sizeof(Point));

@@ -33,7 +33,7 @@ class WaitCursor {
   bool shown_;
 };
 
-ReadPointResult ReadNumbered(Job& job, long long number, CoordinateStream& stream, Point& point) {
+ReadPointResult ReadNumbered(Job& job, long long number, CoordinateFile& stream, Point& point) {
   if (number > job.last_point_number) return ReadPointResult::AboveLast;
   if (number < 1) return ReadPointResult::BelowFirst;
   Point read;
@@ -47,7 +47,7 @@ ReadPointResult ReadNumbered(Job& job, long long number, CoordinateStream& strea
 
 // Finds an id as a store normalises it, else as an older program may have left it, with its "-" and
 // ",".
-FileStatus FindNamed(std::string_view id, CoordinateStream& stream, RecordPosition& position) {
+FileStatus FindNamed(std::string_view id, CoordinateFile& stream, RecordPosition& position) {
   position = {};
   const PointId key = NormalisePointId(id);
   if (key.empty()) return {};
@@ -57,7 +57,7 @@ FileStatus FindNamed(std::string_view id, CoordinateStream& stream, RecordPositi
   return stream.Find(as_typed.view(), position);
 }
 
-ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateStream& stream, Point& point) {
+ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateFile& stream, Point& point) {
   RecordPosition position;
   Point read;
   if (!FindNamed(id, stream, position).ok() || !position.found) return ReadPointResult::NotFound;
@@ -68,7 +68,7 @@ ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateStream& strea
   return ReadPointResult::Found;
 }
 
-FileStatus StoreInSlot(Job& job, const Point& point, long long number, CoordinateStream& stream) {
+FileStatus StoreInSlot(Job& job, const Point& point, long long number, CoordinateFile& stream) {
   std::string record;
   numeric_layout::AppendRecord(record, point.at, point.description);
   const auto slot = static_cast<std::uint64_t>(number - 1);
@@ -92,7 +92,7 @@ FileStatus StoreInSlot(Job& job, const Point& point, long long number, Coordinat
 
 // The usual store, one number beyond the last, needs no journal: until the record is there the
 // opening of the file lowers the count of the header to the records that exist.
-FileStatus StoreNextNumber(const Point& point, long long number, CoordinateStream& stream) {
+FileStatus StoreNextNumber(const Point& point, long long number, CoordinateFile& stream) {
   std::string record;
   numeric_layout::AppendRecord(record, point.at, point.description);
   FileStatus status = stream.Overwrite(0, numeric_layout::EncodeHighestNumber(number));
@@ -103,7 +103,7 @@ FileStatus StoreNextNumber(const Point& point, long long number, CoordinateStrea
   return status;
 }
 
-FileStatus StoreNumbered(Job& job, const Point& point, long long number, CoordinateStream& stream) {
+FileStatus StoreNumbered(Job& job, const Point& point, long long number, CoordinateFile& stream) {
   const bool next = number == job.last_point_number + 1 &&
                     stream.record_count() == static_cast<std::uint64_t>(job.last_point_number);
   const FileStatus status = next && stream.size() > 0 ? StoreNextNumber(point, number, stream)
@@ -116,7 +116,7 @@ FileStatus StoreNumbered(Job& job, const Point& point, long long number, Coordin
 }
 
 // Inserting shifts every record from the place of insertion one record towards the end.
-FileStatus InsertRecord(const std::string& record, std::uint64_t index, CoordinateStream& stream) {
+FileStatus InsertRecord(const std::string& record, std::uint64_t index, CoordinateFile& stream) {
   const std::uint64_t count = stream.record_count();
   if (index == count) return stream.Append(record);
   std::string tail;
@@ -128,7 +128,7 @@ FileStatus InsertRecord(const std::string& record, std::uint64_t index, Coordina
                        stream.RecordOffset(count + 1));
 }
 
-FileStatus StoreNamed(Job& job, const Point& point, CoordinateStream& stream) {
+FileStatus StoreNamed(Job& job, const Point& point, CoordinateFile& stream) {
   RecordPosition position;
   if (FileStatus status = stream.Find(point.id.view(), position); !status.ok()) return status;
   std::string record;
@@ -167,7 +167,7 @@ bool IsStorable(const Job& job, std::string_view id) {
 }
 
 // The id to store under after the person was asked.
-StorePointResult SettleId(Job& job, CoordinateStream& stream, std::string& id) {
+StorePointResult SettleId(Job& job, CoordinateFile& stream, std::string& id) {
   if (!MayExist(job, id)) return StorePointResult::Stored;
   Point existing;
   const bool exists = ReadPoint(job, id, &stream, existing) == ReadPointResult::Found;
@@ -192,7 +192,7 @@ StorePointResult SettleId(Job& job, CoordinateStream& stream, std::string& id) {
   return StorePointResult::Stored;
 }
 
-FileStatus RemoveRecord(std::uint64_t index, CoordinateStream& stream) {
+FileStatus RemoveRecord(std::uint64_t index, CoordinateFile& stream) {
   const std::uint64_t count = stream.record_count();
   const std::uint64_t new_size = stream.RecordOffset(count - 1);
   if (index + 1 == count) return stream.Shorten(new_size);
@@ -204,7 +204,7 @@ FileStatus RemoveRecord(std::uint64_t index, CoordinateStream& stream) {
                        new_size);
 }
 
-void RefreshLastPoint(Job& job, CoordinateStream& stream) {
+void RefreshLastPoint(Job& job, CoordinateFile& stream) {
   job.last_point_id = "0";
   job.last_point_number = 0;
   Point last;
@@ -214,7 +214,7 @@ void RefreshLastPoint(Job& job, CoordinateStream& stream) {
   job.last_point_number = PointIdNumber(job.last_point_id);
 }
 
-FileStatus DeleteStored(Job& job, std::string_view id, CoordinateStream& stream) {
+FileStatus DeleteStored(Job& job, std::string_view id, CoordinateFile& stream) {
   if (!job.alphanumeric) {
     const auto slot = static_cast<std::uint64_t>(PointNumber(id) - 1);
     return stream.Change(
@@ -234,7 +234,7 @@ void TellFailure(Job& job, int message, std::string_view id, const FileStatus& s
 
 }  // namespace
 
-ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateStream* stream, Point& point) {
+ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateFile* stream, Point& point) {
   if (stream == nullptr) return ReadPointResult::NoStream;
   if (job.alphanumeric) return ReadNamed(job, id, *stream, point);
   const auto number = ParseInteger(id);
@@ -242,7 +242,7 @@ ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateStream* strea
 }
 
 StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view description,
-                            bool check_existing, CoordinateStream* stream) {
+                            bool check_existing, CoordinateFile* stream) {
   if (stream == nullptr) return StorePointResult::NoStream;
   std::string id = job.current_point_id;
   if (!IsStorable(job, id) || !IsFinite(at)) return StorePointResult::Nothing;
@@ -269,7 +269,7 @@ StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view desc
   return StorePointResult::Stored;
 }
 
-DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateStream* stream) {
+DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* stream) {
   if (stream == nullptr) return DeletePointResult::NoStream;
   Point existing;
   if (ReadPoint(job, id, stream, existing) != ReadPointResult::Found) {
@@ -282,7 +282,7 @@ DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateStream* s
   return DeletePointResult::Deleted;
 }
 
-std::optional<std::string> NextFreePointId(Job& job, CoordinateStream& stream) {
+std::optional<std::string> NextFreePointId(Job& job, CoordinateFile& stream) {
   if (!job.alphanumeric) return std::to_string(job.last_point_number + 1);
   PointId id = NormalisePointId(job.current_point_id);
   for (std::uint64_t tried = 0; tried <= stream.record_count(); ++tried) {

@@ -31,19 +31,19 @@ enum class [[nodiscard]] DeletePointResult : int{Deleted = 1, NotFound = 0, NoSt
 
 /// Reads the point with this id (in a numeric file: this number). `point` is written only when
 /// found.
-ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateStream* stream, Point& point);
+ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateFile* stream, Point& point);
 
 /// Stores under the job's current point id and remembers it as the last stored point. Coordinates
 /// are in the job's distance unit. With `check_existing` the person is asked when the id is not
 /// beyond the last one.
 StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view description,
-                            bool check_existing, CoordinateStream* stream);
+                            bool check_existing, CoordinateFile* stream);
 
 /// Numeric file: leaves an empty slot. Alphanumeric file: removes the record and closes the gap.
-DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateStream* stream);
+DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* stream);
 
 /// The next id, after the current one in steps of the job's increment, under which no point stands.
 /// Nothing when the ids are exhausted.
-std::optional<std::string> NextFreePointId(Job& job, CoordinateStream& stream);
+std::optional<std::string> NextFreePointId(Job& job, CoordinateFile& stream);
 
 }  // namespace tarvex

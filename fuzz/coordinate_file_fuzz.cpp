@@ -68,7 +68,7 @@ class Session {
     return {.northing = operation.choice + 1.0, .easting = 2.0, .elevation = 3.0};
   }
 
-  void Store(const Operation& operation, std::unique_ptr<CoordinateStream> stream) {
+  void Store(const Operation& operation, std::unique_ptr<CoordinateFile> stream) {
     job_.current_point_id = operation.id;
     const bool check = operation.choice >= 128;
     if (StorePoint(job_, At(operation), operation.id, check, stream.get()) !=
@@ -91,7 +91,7 @@ class Session {
     Require(false);
   }
 
-  void Delete(const Operation& operation, CoordinateStream& stream) {
+  void Delete(const Operation& operation, CoordinateFile& stream) {
     (void)DeletePoint(job_, operation.id, &stream);
   }
 

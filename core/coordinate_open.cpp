@@ -1,0 +1,172 @@
+// Opening and creating the coordinate file.
+#include "core/coordinate_file.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "core/coordinate_layout.h"
+#include "core/point_id.h"
+#include "core/string_table.h"
+
+namespace tarvex {
+namespace {
+
+using alphanumeric_layout::Signature;
+
+enum Message : int {
+  kCannotOpen = 1001,
+  kCannotCreate = 1002,
+  kNotACoordinateFile = 1003,
+  kCannotConvert = 1004,
+  kCannotFinish = 1005,
+  kCannotRead = 1006,
+};
+
+void Tell(Job& job, Message message, const FileStatus& status) {
+  job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
+}
+
+// What the first bytes of a file say.
+struct Opened {
+  std::unique_ptr<File> file;
+  std::uint64_t size = 0;
+  Signature signature = Signature::None;
+  std::string header;
+};
+
+FileStatus ReadHeader(Opened& opened) {
+  if (FileStatus status = opened.file->Size(opened.size); !status.ok()) return status;
+  opened.header.assign(alphanumeric_layout::kHeaderSize, '\0');
+  std::size_t got = 0;
+  if (FileStatus status = opened.file->ReadAt(0, opened.header, got); !status.ok()) return status;
+  opened.header.resize(got);
+  opened.signature = alphanumeric_layout::DecodeSignature(opened.header);
+  return {};
+}
+
+// Brings an older file, whose records stand in any order, into ascending order: of equal ids the
+// one that stood later comes first.
+FileStatus ConvertOlderFile(Job& job, Opened& opened) {
+  std::string bytes;
+  const FileStatus read = ReadWholeFile(job.host.files(), job.path, opened.size, bytes);
+  if (!read.ok()) return read;
+  constexpr std::size_t kSize = alphanumeric_layout::kRecordSize;
+  const std::size_t count = (bytes.size() - alphanumeric_layout::kHeaderSize) / kSize;
+  std::vector<const char*> records(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    records[count - 1 - i] = bytes.data() + alphanumeric_layout::kHeaderSize + i * kSize;
+  }
+  std::stable_sort(records.begin(), records.end(), [](const char* a, const char* b) {
+    return ComparePointIds(alphanumeric_layout::DecodeId(a).view(),
+                           alphanumeric_layout::DecodeId(b).view()) < 0;
+  });
+  std::string converted = bytes.substr(0, alphanumeric_layout::kHeaderSize);
+  alphanumeric_layout::MarkSorted(converted);
+  for (const char* record : records) converted.append(record, kSize);
+  return ReplaceWholeFile(job.host.files(), job.path, converted);
+}
+
+// A numeric file has no signature: its count must be one, and a file too short for any record of
+// either layout must not hold the start of an alphanumeric header.
+bool LooksNumeric(const Opened& opened) {
+  if (opened.size == 0) return true;
+  if (opened.header.size() < numeric_layout::kRecordSize) return false;
+  if (numeric_layout::DecodeHighestNumber(opened.header) < 0) return false;
+  const bool short_file = opened.size < alphanumeric_layout::kHeaderSize;
+  const std::string_view zero_field = std::string_view(opened.header).substr(8, 8);
+  return !short_file || zero_field.find_first_not_of('\0') == std::string_view::npos;
+}
+
+void TakeNumericState(Job& job, const Opened& opened, const CoordinateFile& stream) {
+  const long long claimed =
+      opened.size == 0 ? 0 : numeric_layout::DecodeHighestNumber(opened.header);
+  job.last_point_number = std::min(claimed, static_cast<long long>(stream.record_count()));
+  job.last_point_id = std::to_string(job.last_point_number);
+}
+
+FileStatus TakeAlphanumericState(Job& job, CoordinateFile& stream) {
+  job.last_point_id = "0";
+  job.last_point_number = 0;
+  if (stream.record_count() == 0) return {};
+  Point last;
+  const FileStatus status = stream.ReadRecord(stream.record_count() - 1, last);
+  if (!status.ok()) return status;
+  job.last_point_id = last.id.str();
+  job.last_point_number = PointIdNumber(job.last_point_id);
+  return {};
+}
+
+// The stream over a file whose header was read, with the job's state taken from it.
+std::unique_ptr<CoordinateFile> MakeStream(Job& job, Opened opened) {
+  FileStatus status;
+  const bool alphanumeric = opened.signature == Signature::Sorted;
+  if (!alphanumeric && !LooksNumeric(opened)) {
+    return Tell(job, kNotACoordinateFile, status), nullptr;
+  }
+  auto stream = std::make_unique<CoordinateFile>(job.host.files(), job.path, std::move(opened.file),
+                                                 alphanumeric, opened.size);
+  job.alphanumeric = alphanumeric;
+  if (!alphanumeric) {
+    TakeNumericState(job, opened, *stream);
+  } else if (status = TakeAlphanumericState(job, *stream); !status.ok()) {
+    return Tell(job, kCannotOpen, status), nullptr;
+  }
+  return stream;
+}
+
+std::unique_ptr<CoordinateFile> OpenExisting(Job& job) {
+  Opened opened;
+  FileStatus status = OpenLocked(job.host.files(), job.path, FileAccess::ReadWrite, opened.file);
+  if (!status.ok()) return Tell(job, kCannotOpen, status), nullptr;
+  status = FinishInterruptedChange(job.host.files(), job.path, *opened.file);
+  if (!status.ok()) return Tell(job, kCannotFinish, status), nullptr;
+  if (status = ReadHeader(opened); !status.ok()) return Tell(job, kCannotOpen, status), nullptr;
+  if (opened.signature != Signature::Older) return MakeStream(job, std::move(opened));
+  status = ConvertOlderFile(job, opened);
+  if (!status.ok()) return Tell(job, kCannotConvert, status), nullptr;
+  opened.file.reset();
+  return OpenExisting(job);
+}
+
+void SetInformation(Job& job, const LocalTime& now) {
+  job.information = {.start_date = "Start Date: " + DateText(now),
+                     .start_time = "Start Time: " + TimeText(now),
+                     .last_modified_date = "Last Modified Date: " + DateText(now),
+                     .last_modified_time = "Last Modified Time: " + TimeText(now)};
+}
+
+FileStatus Create(Job& job, bool creating_job) {
+  const LocalTime now = job.host.clock().Now();
+  if (!creating_job) SetInformation(job, now);
+  const std::string header = job.alphanumeric_new_files ? alphanumeric_layout::EncodeHeader(now)
+                                                        : numeric_layout::EncodeHeader(0, now);
+  return ReplaceWholeFile(job.host.files(), job.path, header);
+}
+
+}  // namespace
+
+std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job) {
+  if (!job.host.files().Exists(job.path)) {
+    if (const FileStatus status = Create(job, creating_job); !status.ok()) {
+      return Tell(job, kCannotCreate, status), nullptr;
+    }
+  }
+  return OpenExisting(job);
+}
+
+std::unique_ptr<CoordinateFile> OpenForReading(Job& job) {
+  FileSystem& files = job.host.files();
+  Opened opened;
+  FileStatus status = OpenLocked(files, job.path, FileAccess::Read, opened.file);
+  if (status.ok()) status = ReadHeader(opened);
+  if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
+  // Looked at under the lock: what another program has under way is over by now.
+  if (HasInterruptedChange(files, job.path) || opened.signature == Signature::Older) {
+    opened.file.reset();
+    return OpenExisting(job);
+  }
+  return MakeStream(job, std::move(opened));
+}
+
+}  // namespace tarvex
