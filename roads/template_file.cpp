@@ -96,6 +96,10 @@ LoadTemplateResult LoadTemplate(FileSystem& files, Road& road, const std::string
   return LoadTemplateResult::Loaded;
 }
 
+FileStatus WriteTemplate(FileSystem& files, const std::string& path, const TemplateDraft& draft) {
+  return ReplaceWholeFile(files, path, NewTemplateText(draft));
+}
+
 FileStatus WriteTemplate(FileSystem& files, const std::string& path, const RoadTemplate& section) {
   return ReplaceWholeFile(files, path, section.text);
 }

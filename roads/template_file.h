@@ -38,6 +38,9 @@ struct TemplateDraft {
 /// knows grades and elevation changes only.
 std::string NewTemplateText(const TemplateDraft& draft);
 
+/// Writes a new template.
+FileStatus WriteTemplate(FileSystem& files, const std::string& path, const TemplateDraft& draft);
+
 /// Writes the template as it stands: the text that it was read from, byte for byte.
 FileStatus WriteTemplate(FileSystem& files, const std::string& path, const RoadTemplate& section);
 

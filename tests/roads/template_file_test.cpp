@@ -110,6 +110,11 @@ TEST(TemplateFile, NewOnesHaveTheirBytes) {
   const RoadTemplate read = ReadTemplate(text);
   EXPECT_TRUE(read.notes.empty());
   EXPECT_EQ(read.SurfaceOf(Side::Left).segments, draft.left);
+  const ScratchFolder folder;
+  ASSERT_TRUE(WriteTemplate(SystemFiles(), folder.Path("new.tpl"), draft).ok());
+  std::string written;
+  ASSERT_TRUE(ReadWholeFile(SystemFiles(), folder.Path("new.tpl"), 1 << 20, written).ok());
+  EXPECT_EQ(written, text);
 }
 
 TEST(TemplateFile, LosesNothingOnRewriting) {
