@@ -48,6 +48,38 @@ std::string ValueText(const ExplainedStep& step, bool backwards) {
          FixedNumber(step.values[2], kMetreDecimals);
 }
 
+const char* StatusKey(StepStatus status) {
+  switch (status) {
+    case StepStatus::Done:
+      return "done";
+    case StepStatus::LeftUndone:
+      return "left undone";
+    case StepStatus::Refused:
+      return "refused";
+    case StepStatus::LibraryMissing:
+      break;
+  }
+  return "library missing";
+}
+
+bool HasValue(const ExplainedStep& step) {
+  return step.outcome.status == StepStatus::Done || step.outcome.status == StepStatus::LeftUndone;
+}
+
+void PutValue(const ExplainedStep& step, bool backwards, Json& json) {
+  if (step.step == CalculationStep::Geoid) {
+    json["undulation"] = step.values[0];
+  } else if (IsPosition(step, backwards)) {
+    json["latitude"] = step.values[0] * kDegreesPerRadian;
+    json["longitude"] = step.values[1] * kDegreesPerRadian;
+    json["height"] = step.values[2];
+  } else {
+    json["northing"] = step.values[0];
+    json["easting"] = step.values[1];
+    json["elevation"] = step.values[2];
+  }
+}
+
 }  // namespace
 
 std::string ExplanationText(const CalculationReport& report) {
@@ -57,14 +89,26 @@ std::string ExplanationText(const CalculationReport& report) {
   for (const ExplainedStep& step : report.steps) {
     std::string line = "  " + std::string(StepName(step.step));
     line.resize(kNameWidth, ' ');
-    const bool refused = step.outcome.status == StepStatus::Refused ||
-                         step.outcome.status == StepStatus::LibraryMissing;
-    line += refused ? std::string("-") : ValueText(step, backwards);
+    line += HasValue(step) ? ValueText(step, backwards) : std::string("-");
     if (!step.description.empty()) line += "  [" + step.description + "]";
     if (step.outcome.reason != 0) line += "  NOT MADE: " + Strings().Text(step.outcome.reason);
     text += line + "\n";
   }
   return text;
+}
+
+Json ExplanationJson(const CalculationReport& report) {
+  Json steps = Json::array();
+  if (report.steps.empty()) return steps;
+  const bool backwards = report.steps.front().step == CalculationStep::JobUnit;
+  for (const ExplainedStep& step : report.steps) {
+    Json json = {{"step", StepName(step.step)}, {"status", StatusKey(step.outcome.status)}};
+    if (HasValue(step)) PutValue(step, backwards, json);
+    if (!step.description.empty()) json["by"] = step.description;
+    if (step.outcome.reason != 0) json["reason"] = Strings().Text(step.outcome.reason);
+    steps.push_back(std::move(json));
+  }
+  return steps;
 }
 
 std::string UndoneText(const CalculationReport& report) {

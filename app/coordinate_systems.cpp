@@ -27,6 +27,7 @@ CoordinateSystems::CoordinateSystems(Program& program)
       data_folder_(DataFolder(program)),
       catalogue_(program.files, data_folder_),
       messages_(this),
+      load_bar_(program.console),
       nad_converter_(
           std::make_shared<NadConverter>(SystemNadConvLibrary(), data_folder_, &messages_)) {}
 
@@ -92,7 +93,7 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
                                          .coord_sys = SystemCoordSysLibrary(),
                                          .nad_converter = nad_converter_,
                                          .messages = &messages_,
-                                         .progress = this});
+                                         .progress = &load_bar_});
   program_.console.EndProgress();
   problem = prepared.wrong_choice;
   if (!problem.empty()) return false;
@@ -118,11 +119,6 @@ std::string CoordinateSystems::Title(const SystemSource& source, const CTrgCalcu
 
 void CoordinateSystems::Show(std::string_view title, std::string_view text) {
   program_.console.PrintError(std::string(title) + ": " + std::string(text) + "\n");
-}
-
-void CoordinateSystems::Show(std::string_view text, std::size_t done, std::size_t total) {
-  const std::size_t percent = total == 0 ? 100 : done * 100 / total;
-  program_.console.ShowProgress(std::string(text) + " " + std::to_string(percent) + "%");
 }
 
 }  // namespace tarvex

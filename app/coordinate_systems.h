@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/data_folder.h"
+#include "app/load_bar.h"
 #include "app/program.h"
 #include "coordsys/calculator.h"
 #include "coordsys/step_preparation.h"
@@ -34,7 +35,7 @@ inline constexpr const char* kDatumShiftHelp =
 SystemSource SystemOfSettings(const Settings& settings);
 void PutSystemIntoSettings(const SystemSource& source, Settings& settings);
 
-class CoordinateSystems final : private MessageBox, private LoadProgress {
+class CoordinateSystems final : private MessageBox {
  public:
   explicit CoordinateSystems(Program& program);
 
@@ -60,12 +61,12 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
  private:
   bool CheckForUse(std::string_view text, const std::string& file, std::string& problem);
   void Show(std::string_view title, std::string_view text) override;
-  void Show(std::string_view text, std::size_t done, std::size_t total) override;
 
   Program& program_;
   std::string data_folder_;
   SystemCatalogue catalogue_;
   RunMessages messages_;
+  LoadBar load_bar_;
   std::shared_ptr<NadConverter> nad_converter_;
 };
 

@@ -24,6 +24,7 @@ void AddCommands(CLI::App& app, Program& program) {
   AddLocalizeCommand(app, program);
   AddConvertCommand(app, program);
   AddSystemsCommand(app, program);
+  AddGridCommand(app, program);
   AddRoadCommand(app, program);
   AddReplayCommand(app, program);
   AddCasterCommand(app, program);

@@ -60,6 +60,14 @@ std::string Names(const std::vector<std::string>& files) {
   return text;
 }
 
+std::vector<std::string> FilesOf(const NationalGrid& grid) {
+  std::vector<std::string> files;
+  for (const std::string_view file : grid.files) {
+    if (!file.empty()) files.emplace_back(file);
+  }
+  return files;
+}
+
 class StepPreparer {
  public:
   StepPreparer(const ProjectionRecord& record, const StepChoice& choice, const StepSources& sources)
@@ -128,7 +136,7 @@ class StepPreparer {
   }
 
   std::shared_ptr<const DatumShift> FrenchShift() {
-    const std::string name = "gr3df97a.bin";
+    const std::string name(kFrenchGrid.files[0]);
     Gr3df97aGrid grid;
     const GridStatus status = Gr3df97aGrid::Load(sources_.files, PathOf(name), grid);
     if (!status.ok()) return std::make_shared<MissingShift>(Note(status.Text()));
@@ -144,28 +152,25 @@ class StepPreparer {
 
   std::shared_ptr<const GridCorrection> ChooseCorrection() {
     if (choice_.shift == kHungarianGridLabel) {
-      return Surfaces(
-          {"HungarianEOV_dEast.grd", "HungarianEOV_dNorth.grd", "HungarianEOV_dHeight.grd"},
-          SurfaceSign::Added, SurfaceCurve::Bilinear, kHungarianMissing);
+      return Surfaces(kHungarianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear,
+                      kHungarianMissing);
     }
     if (choice_.shift == kBelgianGridLabel) {
-      return Surfaces({"Belgium72_dEast.grd", "Belgium72_dNorth.grd"}, SurfaceSign::Added,
-                      SurfaceCurve::Bilinear, kCorrectionMissing);
+      return Surfaces(kBelgianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kCorrectionMissing);
     }
     const auto type = static_cast<ProjectionType>(record_.projection_type);
     if (choice_.shift == kDutchGridLabel || type == ProjectionType::ObliqueStereographicRd2000 ||
         type == ProjectionType::ObliqueStereographicRd2004) {
-      return Surfaces({"X2c.grd", "Y2c.grd"}, SurfaceSign::TakenOff, SurfaceCurve::Cubic,
-                      kCorrectionMissing);
+      return Surfaces(kDutchGrid, SurfaceSign::TakenOff, SurfaceCurve::Cubic, kCorrectionMissing);
     }
     if (type == ProjectionType::TransverseMercatorOstn02) return British();
     return nullptr;
   }
 
   // East, north and, when there is a third file, height.
-  std::shared_ptr<const GridCorrection> Surfaces(const std::vector<std::string>& files,
-                                                 SurfaceSign sign, SurfaceCurve curve,
-                                                 int missing_reason) {
+  std::shared_ptr<const GridCorrection> Surfaces(const NationalGrid& grid, SurfaceSign sign,
+                                                 SurfaceCurve curve, int missing_reason) {
+    const std::vector<std::string> files = FilesOf(grid);
     GridSurface surfaces[3];
     for (std::size_t i = 0; i < files.size(); ++i) {
       const GridStatus status =
@@ -179,7 +184,7 @@ class StepPreparer {
   }
 
   std::shared_ptr<const GridCorrection> British() {
-    const std::vector<std::string> files = {"ostn02_x.bin", "ostn02_y.bin"};
+    const std::vector<std::string> files = FilesOf(kBritishGrid);
     Ostn02Part parts[2];
     for (std::size_t i = 0; i < files.size(); ++i) {
       const GridStatus status = Ostn02Part::Load(sources_.files, PathOf(files[i]), parts[i]);

@@ -28,16 +28,13 @@
 #include "coordsys/closed_library.h"
 #include "coordsys/datum/nad_converter.h"
 #include "coordsys/grids/load_progress.h"
+#include "coordsys/grids/national_grids.h"
 #include "coordsys/run_messages.h"
 #include "platform/file.h"
 
 namespace tarvex {
 
-/// The labels under which national shifts are chosen.
-inline constexpr std::string_view kFrenchGridLabel = "GR3DF97A";
-inline constexpr std::string_view kDutchGridLabel = "NADCON";
-inline constexpr std::string_view kHungarianGridLabel = "VITEL";
-inline constexpr std::string_view kBelgianGridLabel = "Belge 1972 - xyGridLb72";
+/// The labels under which shifts are chosen, beside those of coordsys/grids/national_grids.h.
 inline constexpr std::string_view kNadConverterLabel = "NAD27";
 inline constexpr std::string_view kSevenParameterLabel = "TOWGS84";
 inline constexpr std::string_view kNoShiftLabel = "NONE";

@@ -236,6 +236,7 @@ constexpr std::array kEntries = {
         4165,
         "\"%s\" is no datum shift: TOWGS84= takes dX,dY,dZ in metres, and behind them rX,rY,rZ in "
         "seconds of arc and the scale in ppm, or nothing."},
+    Entry{4170, "Packing the grid..."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},
     Entry{5001, "the point id is negative: %s"},

@@ -21,6 +21,7 @@ void AddCollectCommand(CLI::App& app, Program& program);
 void AddLocalizeCommand(CLI::App& app, Program& program);
 void AddConvertCommand(CLI::App& app, Program& program);
 void AddSystemsCommand(CLI::App& app, Program& program);
+void AddGridCommand(CLI::App& app, Program& program);
 void AddRoadCommand(CLI::App& app, Program& program);
 void AddBasesCommand(CLI::App& app, Program& program);
 void AddCasterCommand(CLI::App& app, Program& program);

@@ -1,8 +1,5 @@
 // tarvex convert: positions to grid coordinates and back, line by line.
-#include <algorithm>
-#include <cmath>
 #include <map>
-#include <optional>
 
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
@@ -10,14 +7,12 @@
 #include "app/coordinate_systems.h"
 #include "app/job_localization.h"
 #include "app/job_session.h"
-#include "core/number_text.h"
+#include "app/line_conversion.h"
 #include "core/text.h"
 
 namespace tarvex {
 namespace {
 
-constexpr int kGridDecimals = 4;
-constexpr int kDegreeDecimals = 10;
 constexpr int kMostDecimals = 15;
 
 struct ConvertOptions {
@@ -29,114 +24,9 @@ struct ConvertOptions {
   bool inverse = false;
   bool explain = false;
   bool strict = false;
+  bool json = false;
   int decimals = -1;
 };
-
-// The two or three numbers of a line; `problem` says what is wrong with it otherwise.
-struct LineNumbers {
-  double values[3] = {0.0, 0.0, 0.0};
-  int count = 0;
-};
-
-std::optional<LineNumbers> ReadNumbers(std::string_view line, std::string& problem) {
-  LineNumbers numbers;
-  std::string_view rest = WithoutOuterBlanks(line);
-  while (!rest.empty()) {
-    const std::size_t end = std::min(rest.find_first_of(" \t,;"), rest.size());
-    const std::string_view word = rest.substr(0, end);
-    const auto value = ParseNumber(word);
-    if (!value) {
-      problem = "\"" + std::string(word) + "\" is not a number";
-      return std::nullopt;
-    }
-    if (numbers.count == 3) {
-      problem = "more than three numbers";
-      return std::nullopt;
-    }
-    numbers.values[numbers.count++] = *value;
-    rest.remove_prefix(end);
-    while (!rest.empty() && std::string_view(" \t,;").find(rest[0]) != std::string_view::npos) {
-      rest.remove_prefix(1);
-    }
-  }
-  if (numbers.count >= 2) return numbers;
-  problem = "two or three numbers are needed";
-  return std::nullopt;
-}
-
-std::string WriteNumbers(const LineNumbers& numbers, int decimals, int height_decimals) {
-  std::string text;
-  AppendFixed(text, numbers.values[0], decimals);
-  text += ' ';
-  AppendFixed(text, numbers.values[1], decimals);
-  if (numbers.count == 3) {
-    text += ' ';
-    AppendFixed(text, numbers.values[2], height_decimals);
-  }
-  return text;
-}
-
-CalculationResult Forward(const CTrgCalculator& calculator, LineNumbers& numbers,
-                          CalculationReport& report) {
-  const Geodetic wgs84{.latitude_rad = numbers.values[0] * kRadiansPerDegree,
-                       .longitude_rad = numbers.values[1] * kRadiansPerDegree,
-                       .height_m = numbers.values[2]};
-  GridPoint point;
-  const CalculationResult result = calculator.ToGrid(wgs84, point, &report);
-  numbers.values[0] = point.northing;
-  numbers.values[1] = point.easting;
-  numbers.values[2] = point.elevation;
-  return result;
-}
-
-CalculationResult Inverse(const CTrgCalculator& calculator, LineNumbers& numbers,
-                          CalculationReport& report) {
-  Geodetic wgs84;
-  const CalculationResult result = calculator.ToWgs84(
-      {.northing = numbers.values[0], .easting = numbers.values[1], .elevation = numbers.values[2]},
-      wgs84, &report);
-  numbers.values[0] = wgs84.latitude_rad * kDegreesPerRadian;
-  numbers.values[1] = wgs84.longitude_rad * kDegreesPerRadian;
-  numbers.values[2] = wgs84.height_m;
-  return result;
-}
-
-bool OnEarth(const LineNumbers& numbers, std::string& problem) {
-  const bool latitude = std::fabs(numbers.values[0]) <= 90.0;
-  if (latitude && std::fabs(numbers.values[1]) <= 360.0) return true;
-  problem = latitude ? "the longitude is beyond 360 degrees" : "the latitude is beyond 90 degrees";
-  return false;
-}
-
-// What a line came to.
-struct ConvertedLine {
-  std::string text;
-  std::string problem;      // why there is no text
-  std::string left_undone;  // which step the text lacks, in a sentence
-  std::string explanation;  // the value after every step, a line each
-};
-
-ConvertedLine ConvertLine(const ConvertOptions& options, const CTrgCalculator& calculator,
-                          std::string_view line) {
-  ConvertedLine converted;
-  auto numbers = ReadNumbers(line, converted.problem);
-  if (!numbers || (!options.inverse && !OnEarth(*numbers, converted.problem))) return converted;
-  CalculationReport report;
-  const CalculationResult result = options.inverse ? Inverse(calculator, *numbers, report)
-                                                   : Forward(calculator, *numbers, report);
-  if (options.explain) converted.explanation = ExplanationText(report);
-  const std::string undone = UndoneText(report);
-  if (result == CalculationResult::DoneInPart) converted.left_undone = undone;
-  const bool refused = options.strict && result == CalculationResult::DoneInPart;
-  if ((result != CalculationResult::Done && result != CalculationResult::DoneInPart) || refused) {
-    converted.problem = undone.empty() ? CalculationText(result) : undone;
-    return converted;
-  }
-  const int fallback = options.inverse ? kDegreeDecimals : kGridDecimals;
-  const int decimals = options.decimals < 0 ? fallback : options.decimals;
-  converted.text = WriteNumbers(*numbers, decimals, options.inverse ? kGridDecimals : decimals);
-  return converted;
-}
 
 // Says once what the lines lack, and at the end how many lines lack it.
 class UndoneSteps {
@@ -184,29 +74,42 @@ ExitCode Prepare(const ConvertOptions& options, Program& program, CoordinateSyst
   return made ? ExitCode::Done : program.Fail(problem);
 }
 
+// A converted line as it is printed, and below it its steps when they are asked for.
+std::string LineText(const ConvertOptions& options, ConversionWay way, std::size_t number,
+                     const ConvertedLine& converted) {
+  if (options.json) {
+    const Json json = ConvertedJson(converted, way, number, options.explain);
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  }
+  std::string text = converted.problem.empty()
+                         ? ConvertedText(converted, way, options.decimals)
+                         : "ERROR: line " + std::to_string(number) + ": " + converted.problem;
+  text += '\n';
+  if (options.explain) text += ExplanationText(converted.report);
+  return text;
+}
+
 ExitCode RunConvert(const ConvertOptions& options, Program& program) {
   CoordinateSystems systems(program);
   CTrgCalculator calculator;
   if (const ExitCode code = Prepare(options, program, systems, calculator); code != ExitCode::Done)
     return code;
+  const ConversionWay way = options.inverse ? ConversionWay::ToWgs84 : ConversionWay::ToGrid;
   ExitCode exit_code = ExitCode::Done;
   UndoneSteps undone(program.console);
   std::string line;
   for (std::size_t number = 1; !InterruptRequested() && program.console.ReadLine(line); ++number) {
     if (WithoutOuterBlanks(line).empty()) {
-      program.console.Print("\n");
+      if (!options.json) program.console.Print("\n");
       continue;
     }
-    const ConvertedLine converted = ConvertLine(options, calculator, line);
-    if (converted.problem.empty()) {
-      program.console.Print(converted.text + "\n");
-      if (!converted.left_undone.empty()) undone.Note(converted.left_undone, number);
-    } else {
-      program.console.Print("ERROR: line " + std::to_string(number) + ": " + converted.problem +
-                            "\n");
+    const ConvertedLine converted = ConvertLine(calculator, way, options.strict, line);
+    program.console.Print(LineText(options, way, number, converted));
+    if (!converted.problem.empty()) {
       exit_code = ExitCode::Failed;
+    } else if (!converted.left_undone.empty()) {
+      undone.Note(converted.left_undone, number);
     }
-    program.console.Print(converted.explanation);
   }
   undone.TellCounts();
   return InterruptRequested() ? ExitCode::Failed : exit_code;
@@ -239,8 +142,11 @@ void AddConvertCommand(CLI::App& app, Program& program) {
                "Below every line the value after each step, with its parameters, grid or geoid");
   sub.add_flag("--strict", options.strict,
                "Refuse a line when a step was left undone (a grid missing, a point outside of it)");
+  auto* json = sub.add_flag("--json", options.json,
+                            "Print a JSON object a line, with its steps when --explain is given");
   sub.add_option("--decimals", options.decimals,
                  "Decimals written (default: 4 of grid coordinates, 10 of degrees)")
+      ->excludes(json)
       ->check(CLI::Range(0, kMostDecimals));
 }
 

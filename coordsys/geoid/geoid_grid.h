@@ -32,7 +32,11 @@ class GeoidGrid {
   /// Nothing outside of the grid and where a node around the point has no value.
   std::optional<double> Undulation(double latitude_rad, double longitude_rad) const noexcept;
 
-  const GridGeometry& geometry() const { return geometry_; }
+  /// In degrees, longitudes east positive; the nodes as the file holds them.
+  GridGeometry stored_geometry() const {
+    return {geometry_.first_x(), geometry_.first_y(), geometry_.step_x(),
+            geometry_.step_y(),  stored_columns_,     geometry_.rows()};
+  }
 
  private:
   friend class GeoidParser;

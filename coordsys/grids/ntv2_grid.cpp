@@ -207,6 +207,16 @@ GridStatus Ntv2Grid::Parse(FileBytes bytes, const std::string& path, Ntv2Grid& g
   return Ntv2Parser(std::move(bytes), path).Parse(grid);
 }
 
+Ntv2Part Ntv2Grid::Part(std::size_t index) const {
+  const SubGrid& grid = grids_[index];
+  const GridGeometry& west = grid.geometry;
+  return {.name = grid.name,
+          .parent = grid.parent == "NONE" ? "" : grid.parent,
+          .geometry = {-west.last_x() * kDegreesPerRadian, west.first_y() * kDegreesPerRadian,
+                       west.step_x() * kDegreesPerRadian, west.step_y() * kDegreesPerRadian,
+                       west.columns(), west.rows()}};
+}
+
 const Ntv2Grid::SubGrid* Ntv2Grid::Densest(double latitude, double west,
                                            GridCell& cell) const noexcept {
   const SubGrid* found = nullptr;

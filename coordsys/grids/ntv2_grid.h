@@ -29,6 +29,13 @@ enum class [[nodiscard]] GridShiftResult{
     NoCorrection,  ///< the nodes around the point carry no shift
 };
 
+/// One of the grids of a file: degrees, the first coordinate is the longitude, east positive.
+struct Ntv2Part {
+  std::string name;
+  std::string parent;  ///< empty for a grid of its own
+  GridGeometry geometry;
+};
+
 class Ntv2Grid {
  public:
   static GridStatus Load(FileSystem& files, const std::string& path, Ntv2Grid& grid);
@@ -43,6 +50,7 @@ class Ntv2Grid {
   const std::string& from_system() const { return from_system_; }
   const std::string& to_system() const { return to_system_; }
   std::size_t grid_count() const { return grids_.size(); }
+  Ntv2Part Part(std::size_t index) const;
 
  private:
   friend class Ntv2Parser;

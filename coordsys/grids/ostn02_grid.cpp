@@ -6,6 +6,7 @@
 
 #include "coordsys/grids/byte_order.h"
 #include "core/number_text.h"
+#include "core/string_table.h"
 #include "core/text.h"
 
 namespace tarvex {
@@ -18,6 +19,8 @@ constexpr std::uint32_t kVersion = 1;
 constexpr std::size_t kHeader = 32;
 constexpr std::uint16_t kNoData = 65535;
 constexpr double kMetresPerMillimetre = 0.001;
+constexpr std::size_t kShowEvery = 8192;
+constexpr int kPackingText = 4170;
 
 constexpr std::uint16_t kColumns = 701;
 constexpr std::uint16_t kRows = 1251;
@@ -68,8 +71,8 @@ bool IsNode(double coordinate, int nodes) {
 
 }  // namespace
 
-GridStatus PackOstn02(std::string_view text, const std::string& path, std::string& packed_x,
-                      std::string& packed_y) {
+GridStatus PackOstn02(std::string_view text, const std::string& path, LoadProgress* progress,
+                      std::string& packed_x, std::string& packed_y) {
   const std::size_t nodes = static_cast<std::size_t>(kColumns) * kRows;
   std::vector<std::uint16_t> east(nodes, kNoData);
   std::vector<std::uint16_t> north(nodes, kNoData);
@@ -87,6 +90,9 @@ GridStatus PackOstn02(std::string_view text, const std::string& path, std::strin
     }
     if (!IsNode(c[1], kColumns) || !IsNode(c[2], kRows)) return wrong(GridProblem::BadValue);
     ++seen;
+    if (progress && seen % kShowEvery == 0) {
+      progress->Show(Strings().Text(kPackingText), std::min(seen, nodes), nodes);
+    }
     if (c[6] == 0.0) continue;
     const auto at =
         static_cast<std::size_t>(c[2] / kCell) * kColumns + static_cast<std::size_t>(c[1] / kCell);

@@ -13,6 +13,7 @@
 #include "coordsys/grids/grid_geometry.h"
 #include "coordsys/grids/grid_status.h"
 #include "coordsys/grids/grid_surface.h"
+#include "coordsys/grids/load_progress.h"
 #include "platform/file_bytes.h"
 
 namespace tarvex {
@@ -38,7 +39,8 @@ class Ostn02Part {
 
 /// Makes the bytes of both files from the agency's text: comma-separated lines of record number,
 /// easting, northing, shift east, shift north, height shift, datum flag (0: no shift here).
-GridStatus PackOstn02(std::string_view text, const std::string& path, std::string& packed_x,
-                      std::string& packed_y);
+/// `progress` may be null.
+GridStatus PackOstn02(std::string_view text, const std::string& path, LoadProgress* progress,
+                      std::string& packed_x, std::string& packed_y);
 
 }  // namespace tarvex

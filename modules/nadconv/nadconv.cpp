@@ -10,6 +10,7 @@
 
 #include "coordsys/datum/nad_converter_interface.h"
 #include "coordsys/grids/nadcon_grid.h"
+#include "coordsys/grids/national_grids.h"
 
 namespace {
 
@@ -18,10 +19,6 @@ using namespace tarvex;
 constexpr int kConverted = 1;
 constexpr int kNoGrids = 0;
 constexpr int kOutside = -1;
-
-// From the most local to the widest.
-constexpr const char* kGridNames[] = {"stgeorge", "stlrnc", "stpaul", "prvi",
-                                      "hawaii",   "alaska", "conus"};
 
 using Grids = std::vector<NadconGrid>;
 
@@ -44,9 +41,9 @@ class LoadedGrids {
  private:
   static std::shared_ptr<const Grids> Load(const std::string& folder) {
     auto grids = std::make_shared<Grids>();
-    for (const char* name : kGridNames) {
+    for (const std::string_view name : kNadconGrids) {
       NadconGrid grid;
-      if (NadconGrid::Load(SystemFiles(), folder + name, grid).ok()) {
+      if (NadconGrid::Load(SystemFiles(), folder + std::string(name), grid).ok()) {
         grids->push_back(std::move(grid));
       }
     }

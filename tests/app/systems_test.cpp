@@ -2,11 +2,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+#include <sstream>
+
 #include "tests/app/program_run.h"
 
 namespace tarvex {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -38,6 +42,53 @@ TEST(Systems, AnUnknownDatumShiftMustBeNamed) {
   const ProgramResult wrong = folder.Run("new b.crd --system \"" + system + "\" --datum-shift X");
   EXPECT_EQ(wrong.exit_code, 1);
   EXPECT_THAT(wrong.errors, HasSubstr("There is no datum shift \"X\""));
+}
+
+// One object a line, so that lines of any number can be read as they come.
+TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
+  ProgramFolder folder;
+  const std::string dutch = "convert --system NETHERLANDS/Amersfoort/RD2004 --json";
+  const ProgramResult result = folder.Run(dutch + " --explain", "52.1 5.4 43\n\nx 1\n52.2 5.4\n");
+  EXPECT_EQ(result.exit_code, 1);
+  std::istringstream lines(result.output);
+  std::vector<nlohmann::json> read;
+  for (std::string line; std::getline(lines, line);) read.push_back(nlohmann::json::parse(line));
+  ASSERT_EQ(read.size(), 3U);
+  EXPECT_EQ(read[0]["line"], 1);
+  EXPECT_NEAR(read[0]["northing"].get<double>(), 456861.6177, 1e-4);
+  EXPECT_THAT(read[0]["left_undone"].get<std::string>(), HasSubstr("X2c.grd"));
+  std::vector<std::string> steps;
+  std::vector<std::string> states;
+  for (const auto& step : read[0]["steps"]) {
+    steps.push_back(step["step"]);
+    states.push_back(step["status"]);
+  }
+  EXPECT_THAT(steps, ElementsAre("WGS84", "datum shift", "projection", "grid correction", "job"));
+  EXPECT_THAT(states, ElementsAre("done", "done", "done", "left undone", "done"));
+  EXPECT_EQ(read[0]["steps"][0]["latitude"], 52.1);
+  EXPECT_EQ(read[1], nlohmann::json({{"line", 3},
+                                     {"error", "\"x\" is not a number"},
+                                     {"steps", nlohmann::json::array()}}));
+  EXPECT_FALSE(read[2].contains("elevation"));
+
+  const ProgramResult strict = folder.Run(dutch + " --strict", "52.1 5.4 43\n");
+  EXPECT_EQ(strict.exit_code, 1);
+  EXPECT_FALSE(nlohmann::json::parse(strict.output).contains("northing"));
+  // A step that is refused has no value.
+  const auto refused = nlohmann::json::parse(
+      folder
+          .Run("convert --system \"UTM/UTM WGS84 Zone 32,GEOID=none.gtx\" --explain --json",
+               "52 9 0\n")
+          .output);
+  EXPECT_EQ(refused["steps"][1]["status"], "refused");
+  EXPECT_FALSE(refused["steps"][1].contains("undulation"));
+  // The way back, full numbers.
+  const auto back = nlohmann::json::parse(
+      folder.Run("convert --inverse --json --system \"UTM/UTM WGS84 Zone 32\"", "5e6 5e5 1\n")
+          .output);
+  EXPECT_NEAR(back["latitude"].get<double>(), 45.1534771834, 1e-9);
+  EXPECT_EQ(back["longitude"], 9.0);
+  EXPECT_EQ(back["height"], 1.0);
 }
 
 }  // namespace

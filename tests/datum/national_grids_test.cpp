@@ -9,6 +9,7 @@
 #include "coordsys/grids/nadcon_grid.h"
 #include "coordsys/grids/ntv2_grid.h"
 #include "coordsys/grids/ostn02_grid.h"
+#include "tests/support/british_text.h"
 
 namespace tarvex {
 namespace {
@@ -121,29 +122,11 @@ TEST(Gr3df97a, DamagedFilesAreNamed) {
   EXPECT_EQ(PackGr3df97a("anything\n", "t", packed).problem, GridProblem::NotThisFormat);
 }
 
-// A whole text of the agency's form, with the published nodes of the 2015 edition around the tower
-// at 651 km east, 313 km north, and no shift anywhere else.
-std::string BritishText() {
-  std::string text = "Point_ID,Easting,Northing,EShift,NShift,HShift,Datum\n";
-  for (int row = 0; row <= 1250; ++row) {
-    for (int column = 0; column <= 700; ++column) {
-      const char* shifts = ",0.000,0.000,0.000,0\n";
-      if (column == 651 && row == 313) shifts = ",102.791,-78.231,44.0,1\n";
-      if (column == 652 && row == 313) shifts = ",102.827,-78.238,44.0,1\n";
-      if (column == 651 && row == 314) shifts = ",102.798,-78.210,44.0,1\n";
-      if (column == 652 && row == 314) shifts = ",102.836,-78.220,44.0,1\n";
-      text += std::to_string(row * 701 + column + 1) + ',' + std::to_string(column * 1000) + ',' +
-              std::to_string(row * 1000) + shifts;
-    }
-  }
-  return text;
-}
-
 TEST(Ostn02, PackedGridGivesThePublishedShifts) {
   const std::string text = BritishText();
   std::string x;
   std::string y;
-  ASSERT_EQ(PackOstn02(text, "t", x, y).Text(), "");
+  ASSERT_EQ(PackOstn02(text, "t", nullptr, x, y).Text(), "");
   EXPECT_EQ(x.size(), 1'753'934U);
   Ostn02Part east;
   Ostn02Part north;
@@ -158,10 +141,10 @@ TEST(Ostn02, PackedGridGivesThePublishedShifts) {
     EXPECT_EQ(Ostn02Part::Parse(FileBytes(x.substr(0, length)), "x", east).problem,
               GridProblem::CutShort);
   }
-  EXPECT_EQ(PackOstn02(std::string_view(text).substr(0, 5000), "t", x, y).problem,
+  EXPECT_EQ(PackOstn02(std::string_view(text).substr(0, 5000), "t", nullptr, x, y).problem,
             GridProblem::BadValue);
-  EXPECT_EQ(PackOstn02("1,0,0,1,1,1,0\n", "t", x, y).problem, GridProblem::CutShort);
-  EXPECT_EQ(PackOstn02("1,0,0,1,1,1,1\n", "t", x, y).problem, GridProblem::BadValue);
+  EXPECT_EQ(PackOstn02("1,0,0,1,1,1,0\n", "t", nullptr, x, y).problem, GridProblem::CutShort);
+  EXPECT_EQ(PackOstn02("1,0,0,1,1,1,1\n", "t", nullptr, x, y).problem, GridProblem::BadValue);
 }
 
 }  // namespace
