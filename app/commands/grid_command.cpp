@@ -74,6 +74,7 @@ ExitCode RunGridPack(const GridPackOptions& options, Program& program) {
     return program.Fail("The grid could not be written to " + folder + ": " + placed.Text() + ".");
   }
   std::vector<std::string> paths;
+  paths.reserve(packed.size());
   for (const PackedFile& file : packed) paths.push_back(file.path);
   return TellFiles(paths, options.json, program);
 }
