@@ -51,8 +51,9 @@ ExitCode CollectSession::Run() {
                          " cannot be written; nothing was stored.");
   }
   const ExitCode code = ReadUntilDone();
-  link_.reset();
   program_.console.EndProgress();
+  if (link_) program_.console.PrintError(CorrectionSummary(link_->Status()) + "\n");
+  link_.reset();
   program_.console.Print("Stored " + std::to_string(stored_) +
                          (stored_ == 1 ? " point" : " points") + " in " + job_.path + ".\n");
   return code;
@@ -84,6 +85,7 @@ ExitCode CollectSession::ReadUntilDone() {
   while (!InterruptRequested() && (plan_.count == 0 || stored_ < plan_.count)) {
     const GnssReadResult result = ReadGnssPosition(state_, connection_, plan_.receiver_type);
     if (InterruptRequested()) break;
+    TellCorrections();
     if (!TakeReading(result)) return ExitCode::Failed;
     if (result != GnssReadResult::Accepted && connection_.ended()) break;
     if (OutOfPatience()) {
@@ -268,6 +270,15 @@ void CollectSession::TellOnce(const std::string& sentence) {
   if (sentence == told_) return;
   told_ = sentence;
   program_.console.PrintError(sentence + "\n");
+}
+
+// A change of the corrections stands in the text, so that it is known afterwards as well.
+void CollectSession::TellCorrections() {
+  if (!link_) return;
+  const CorrectionStatus status = link_->Status();
+  if (status.state == told_corrections_) return;
+  told_corrections_ = status.state;
+  program_.console.PrintError(CorrectionSentence(status) + "\n");
 }
 
 void CollectSession::Warn(const std::string& sentence) {

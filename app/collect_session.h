@@ -69,6 +69,7 @@ class CollectSession final : private StopRequest {
   void TellOnce(const std::string& sentence);
   /// Says a sentence once a session.
   void Warn(const std::string& sentence);
+  void TellCorrections();
   void ShowState();
   bool OutOfPatience() const;
 
@@ -87,6 +88,7 @@ class CollectSession final : private StopRequest {
   long long stored_ = 0;
   std::int64_t last_new_position_ms_ = 0;
   std::string told_;
+  CorrectionState told_corrections_ = CorrectionState::Idle;
   std::set<std::string> warned_;
   bool failed_ = false;
 };

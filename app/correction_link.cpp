@@ -124,6 +124,15 @@ std::string CorrectionLine(const CorrectionStatus& status, const GnssPositionSta
   return line;
 }
 
+std::string CorrectionSummary(const CorrectionStatus& status) {
+  return "Corrections: " + std::to_string(status.bytes) + " bytes in " +
+         std::to_string(status.frames) + " messages over " + std::to_string(status.connections) +
+         (status.connections == 1 ? " connection, " : " connections, ") +
+         std::to_string(status.bytes_to_receiver) + " bytes to the receiver, " +
+         std::to_string(status.bad_crcs) + " damaged messages, " +
+         std::to_string(status.ggas_sent) + " positions sent to the caster.";
+}
+
 std::string WorkFolder() {
   std::error_code error;
   std::filesystem::path folder = std::filesystem::temp_directory_path(error);

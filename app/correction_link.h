@@ -52,6 +52,9 @@ class CorrectionLink {
 /// km".
 std::string CorrectionLine(const CorrectionStatus& status, const GnssPositionState& state);
 
+/// What a session came to: "Corrections: 15200 bytes in 608 messages from 3 connections, ...".
+std::string CorrectionSummary(const CorrectionStatus& status);
+
 /// The folder for "tmp_sourcetable.txt", of this process alone.
 std::string WorkFolder();
 

@@ -19,6 +19,9 @@ class PseudoTerminal {
   /// Writes within `timeouts`; `written` says how far it came.
   virtual DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
                              std::size_t& written) = 0;
+  /// Takes what the other program has written, without waiting. Whoever never takes it makes the
+  /// other program's writes fail after some 20 kB.
+  virtual DeviceStatus TakeInput(std::span<char> out, std::size_t& got) = 0;
 };
 
 /// Nothing, with the reason in `status`, when the system gives none.

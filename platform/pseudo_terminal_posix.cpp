@@ -46,6 +46,13 @@ class Master final : public PseudoTerminal {
     return WriteWithin(descriptor_, DescriptorKind::Device, timeouts, bytes, written);
   }
 
+  // Without a reader the device answers with an error, which is no failure of ours.
+  DeviceStatus TakeInput(std::span<char> out, std::size_t& got) override {
+    const ssize_t n = ::read(descriptor_, out.data(), out.size());
+    got = n > 0 ? static_cast<std::size_t>(n) : 0;
+    return {n >= 0 || errno == EAGAIN || errno == EIO || errno == EINTR ? 0 : errno};
+  }
+
  private:
   int descriptor_;
   std::string name_;

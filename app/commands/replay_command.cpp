@@ -1,14 +1,17 @@
 // tarvex replay: a recorded log as a receiver that other programs can read.
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
+#include <memory>
+#include <utility>
 
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/replay_outlet.h"
 #include "gnss/nmea_number.h"
 #include "gnss/sentences/sentence.h"
 #include "gnss/text_fields.h"
-#include "platform/pseudo_terminal.h"
-#include "platform/tcp_socket.h"
 
 namespace tarvex {
 namespace {
@@ -16,72 +19,15 @@ namespace {
 constexpr std::uint64_t kLargestLog = 1U << 30;
 constexpr std::int64_t kPollMs = 50;
 constexpr std::int64_t kLongestPauseMs = 10'000;
-constexpr WriteTimeouts kWrite = {.constant_ms = 5000};
+constexpr std::int64_t kLastPauseMs = 500;
 
 struct ReplayOptions {
   std::string log;
   std::string to = "pty";
   double speed = 1.0;
   int port = 0;
+  std::string keep_input;
 };
-
-// Where the log goes; both wait until somebody reads.
-class Outlet {
- public:
-  virtual ~Outlet() = default;
-  virtual std::string Name() const = 0;
-  virtual bool WaitForReader() = 0;
-  virtual DeviceStatus Write(std::string_view bytes, std::size_t& written) = 0;
-};
-
-class PtyOutlet final : public Outlet {
- public:
-  PtyOutlet(std::unique_ptr<PseudoTerminal> terminal, Clock& clock)
-      : terminal_(std::move(terminal)), clock_(clock) {}
-  std::string Name() const override { return "serial:" + terminal_->device_name(); }
-  bool WaitForReader() override {
-    while (!InterruptRequested() && !terminal_->HasReader()) clock_.SleepMilliseconds(kPollMs);
-    // The reader sets its line up and drops what came before.
-    if (!InterruptRequested()) clock_.SleepMilliseconds(4 * kPollMs);
-    return !InterruptRequested();
-  }
-  DeviceStatus Write(std::string_view bytes, std::size_t& written) override {
-    return terminal_->Write(bytes, kWrite, written);
-  }
-
- private:
-  std::unique_ptr<PseudoTerminal> terminal_;
-  Clock& clock_;
-};
-
-class TcpOutlet final : public Outlet {
- public:
-  explicit TcpOutlet(std::unique_ptr<TcpListener> listener) : listener_(std::move(listener)) {}
-  std::string Name() const override { return "tcp:127.0.0.1:" + std::to_string(listener_->port()); }
-  bool WaitForReader() override {
-    while (!InterruptRequested() && !device_) {
-      if (!listener_->Accept(kPollMs, device_).ok()) return false;
-    }
-    return device_ != nullptr;
-  }
-  DeviceStatus Write(std::string_view bytes, std::size_t& written) override {
-    return device_->Write(bytes, kWrite, written);
-  }
-
- private:
-  std::unique_ptr<TcpListener> listener_;
-  std::unique_ptr<ByteDevice> device_;
-};
-
-std::unique_ptr<Outlet> MakeOutlet(const ReplayOptions& options, Program& program,
-                                   DeviceStatus& status) {
-  if (options.to == "tcp") {
-    auto listener = ListenOnLoopback(options.port, status);
-    return listener ? std::make_unique<TcpOutlet>(std::move(listener)) : nullptr;
-  }
-  auto terminal = MakePseudoTerminal(status);
-  return terminal ? std::make_unique<PtyOutlet>(std::move(terminal), program.clock) : nullptr;
-}
 
 // The time of day of a position sentence; kNoEpoch for every other line.
 std::int32_t EpochOf(std::string_view line) {
@@ -100,57 +46,104 @@ std::int32_t EpochOf(std::string_view line) {
   }
 }
 
-// Waits between epochs as long as the receiver did.
-class Pace {
+// What the reader sends while it is read to: counted, and kept in a file when one is asked for.
+class ReaderInput {
  public:
-  Pace(double speed, Clock& clock) : speed_(speed), clock_(clock) {}
+  ReaderInput(ReplayOutlet& outlet, Program& program) : outlet_(outlet), program_(program) {}
 
-  void Before(std::string_view line) {
-    const std::int32_t epoch = EpochOf(line);
-    if (speed_ <= 0.0 || epoch == kNoEpoch || epoch == last_) return;
-    if (last_ != kNoEpoch && epoch > last_) {
-      const auto pause = static_cast<std::int64_t>(std::lround((epoch - last_) / speed_));
-      Sleep(std::min(pause, kLongestPauseMs));
+  bool KeepIn(const std::string& path) {
+    const FileStatus status = program_.files.Open(path, FileAccess::CreateNew, file_);
+    if (status.ok()) return true;
+    (void)program_.Fail("The file " + path + " cannot be created: " + status.Text() + ".");
+    return false;
+  }
+
+  /// False, after a message, when it could not be kept.
+  bool Take() {
+    std::array<char, 4096> bytes;
+    std::size_t got = 0;
+    while (outlet_.TakeInput(bytes, got).ok() && got > 0) {
+      if (file_) {
+        const FileStatus status = file_->WriteAt(count_, {bytes.data(), got});
+        if (!status.ok()) {
+          (void)program_.Fail("What the reader sends cannot be kept: " + status.Text() + ".");
+          return false;
+        }
+      }
+      count_ += got;
     }
-    last_ = epoch;
+    return true;
+  }
+
+  std::uint64_t count() const { return count_; }
+
+ private:
+  ReplayOutlet& outlet_;
+  Program& program_;
+  std::unique_ptr<File> file_;
+  std::uint64_t count_ = 0;
+};
+
+// Sends the log's lines, waiting between epochs as long as the receiver did.
+class Replay {
+ public:
+  Replay(const ReplayOptions& options, ReplayOutlet& outlet, Program& program)
+      : speed_(options.speed), outlet_(outlet), program_(program), input_(outlet, program) {}
+
+  ExitCode Run(std::string_view log, const std::string& keep_input) {
+    if (!keep_input.empty() && !input_.KeepIn(keep_input)) return ExitCode::Failed;
+    while (!log.empty() && !InterruptRequested()) {
+      const std::size_t end = std::min(log.find('\n'), log.size() - 1) + 1;
+      if (!SendLine(log.substr(0, end))) return ExitCode::Failed;
+      log.remove_prefix(end);
+    }
+    // What the reader has not taken yet is lost when the device closes.
+    if (!Pause(kLastPauseMs)) return ExitCode::Failed;
+    program_.console.Print("Sent " + std::to_string(sent_) + " bytes, " +
+                           std::to_string(input_.count()) + " came back.\n");
+    return InterruptRequested() ? ExitCode::Failed : ExitCode::Done;
   }
 
  private:
-  void Sleep(std::int64_t pause_ms) {
-    const std::int64_t until = clock_.SteadyMilliseconds() + pause_ms;
-    for (std::int64_t left = pause_ms; left > 0 && !InterruptRequested();
-         left = until - clock_.SteadyMilliseconds()) {
-      clock_.SleepMilliseconds(std::min<std::int64_t>(left, kPollMs));
+  bool SendLine(std::string_view line) {
+    if (!WaitForEpoch(EpochOf(line)) || !input_.Take()) return false;
+    std::size_t written = 0;
+    if (!outlet_.Write(line, written).ok() || written < line.size()) {
+      (void)program_.Fail("The reader has gone after " + std::to_string(sent_ + written) +
+                          " bytes.");
+      return false;
     }
+    sent_ += line.size();
+    program_.console.ShowProgress(std::to_string(sent_) + " bytes sent, " +
+                                  std::to_string(input_.count()) + " came back");
+    return true;
+  }
+
+  bool WaitForEpoch(std::int32_t epoch) {
+    if (speed_ <= 0.0 || epoch == kNoEpoch || epoch == last_epoch_) return true;
+    const std::int32_t before = std::exchange(last_epoch_, epoch);
+    if (before == kNoEpoch || epoch < before) return true;
+    const auto pause = static_cast<std::int64_t>(std::lround((epoch - before) / speed_));
+    return Pause(std::min(pause, kLongestPauseMs));
+  }
+
+  bool Pause(std::int64_t pause_ms) {
+    const std::int64_t until = program_.clock.SteadyMilliseconds() + pause_ms;
+    for (std::int64_t left = pause_ms; left > 0 && !InterruptRequested();
+         left = until - program_.clock.SteadyMilliseconds()) {
+      if (!input_.Take()) return false;
+      program_.clock.SleepMilliseconds(std::min<std::int64_t>(left, kPollMs));
+    }
+    return input_.Take();
   }
 
   double speed_;
-  Clock& clock_;
-  std::int32_t last_ = kNoEpoch;
+  ReplayOutlet& outlet_;
+  Program& program_;
+  ReaderInput input_;
+  std::int32_t last_epoch_ = kNoEpoch;
+  std::uint64_t sent_ = 0;
 };
-
-ExitCode Send(std::string_view log, const ReplayOptions& options, Outlet& outlet,
-              Program& program) {
-  Pace pace(options.speed, program.clock);
-  std::uint64_t sent = 0;
-  while (!log.empty() && !InterruptRequested()) {
-    const std::size_t end = std::min(log.find('\n'), log.size() - 1) + 1;
-    const std::string_view line = log.substr(0, end);
-    log.remove_prefix(end);
-    pace.Before(line);
-    std::size_t written = 0;
-    if (!outlet.Write(line, written).ok() || written < line.size()) {
-      return program.Fail("The reader has gone after " + std::to_string(sent + written) +
-                          " bytes.");
-    }
-    sent += line.size();
-    program.console.ShowProgress(std::to_string(sent) + " bytes sent");
-  }
-  // What the reader has not taken yet is lost when the device closes.
-  program.clock.SleepMilliseconds(10 * kPollMs);
-  program.console.Print("Sent " + std::to_string(sent) + " bytes.\n");
-  return InterruptRequested() ? ExitCode::Failed : ExitCode::Done;
-}
 
 ExitCode RunReplay(const ReplayOptions& options, Program& program) {
   std::string log;
@@ -159,12 +152,14 @@ ExitCode RunReplay(const ReplayOptions& options, Program& program) {
     return program.Fail("The log " + options.log + " cannot be read: " + read.Text() + ".");
   }
   DeviceStatus status;
-  const std::unique_ptr<Outlet> outlet = MakeOutlet(options, program, status);
+  const std::unique_ptr<ReplayOutlet> outlet = options.to == "tcp"
+                                                   ? MakeTcpOutlet(options.port, status)
+                                                   : MakePtyOutlet(program.clock, status);
   if (!outlet) return program.Fail("The log cannot be offered: " + status.Text() + ".");
   program.console.Print("Read it with --receiver " + outlet->Name() + "\n");
   std::fflush(stdout);
   if (!outlet->WaitForReader()) return ExitCode::Failed;
-  return Send(log, options, *outlet, program);
+  return Replay(options, *outlet, program).Run(log, options.keep_input);
 }
 
 }  // namespace
@@ -185,6 +180,8 @@ void AddReplayCommand(CLI::App& app, Program& program) {
       ->check(CLI::NonNegativeNumber);
   command.sub.add_option("--port", options.port, "TCP port (default: a free one)")
       ->check(CLI::Range(0, 65535));
+  command.sub.add_option("--keep-input", options.keep_input,
+                         "Keep what the reader sends (commands, corrections) in a new file");
 }
 
 }  // namespace tarvex
