@@ -62,7 +62,7 @@ ExitCode CollectSession::Run() {
 bool CollectSession::OpenReceiver() {
   LastErrorRecord& errors = SystemLastError();
   errors.Clear();
-  port_ = MakePort(plan_.receiver, program_.files, program_.clock, errors);
+  port_ = MakePort(plan_.receiver, program_.files, program_.clock, errors, InterruptRequested);
   connection_.port = port_.get();
   if (!plan_.stream_log.empty() && !tap_.StartLog(plan_.stream_log)) return false;
   if (!port_) return true;

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -33,7 +34,7 @@ struct CollectPlan {
   GateLimits gate;             ///< what a position must keep to be stored
   bool override_gate = false;  ///< store it all the same, and journal that
   std::size_t average = 1;     ///< distinct epochs that make one point
-  std::optional<CorrectionAddress> corrections;
+  std::optional<CorrectionPlan> corrections;
   std::string stream_log;  ///< a new file for what the receiver sends; empty: none
 };
 

@@ -3,20 +3,14 @@
 #include <unistd.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
 #include "coordsys/datum/geocentric.h"
 #include "core/number_text.h"
-#include "platform/secret.h"
 
 namespace tarvex {
 namespace {
-
-constexpr std::string_view kScheme = "ntrip://";
-constexpr const char* kPasswordVariable = "TARVEX_NTRIP_PASSWORD";
-constexpr const char* kForm = "give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
 
 double DistanceToBaseKm(const BaseStation& base, const GnssPositionState& state) {
   const GeocentricFrame frame(kWgs84);
@@ -30,76 +24,12 @@ double DistanceToBaseKm(const BaseStation& base, const GnssPositionState& state)
 
 }  // namespace
 
-bool ParseCaster(std::string_view text, CasterLogin& caster) {
-  const std::size_t bracket = text.find(']');
-  const std::size_t colon = text.find(':', bracket == std::string_view::npos ? 0 : bracket);
-  std::string_view host = text.substr(0, colon);
-  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
-  if (host.empty() || host.size() > decltype(caster.host)::kCapacity) return false;
-  caster.host.Assign(host);
-  if (colon == std::string_view::npos) return true;
-  const auto port = ParseInteger(text.substr(colon + 1));
-  if (!port || *port < 1 || *port > 65535) return false;
-  caster.port = std::to_string(*port);
-  return true;
-}
-
-bool ParseCorrectionAddress(const std::string& text, CorrectionAddress& address,
-                            std::string& problem) {
-  std::string_view rest = text;
-  problem = "The corrections are not understood: " + std::string(kForm);
-  if (!rest.starts_with(kScheme)) return false;
-  rest.remove_prefix(kScheme.size());
-  const std::size_t slash = rest.find('/', std::min(rest.size(), rest.rfind('@') + 1));
-  if (slash == std::string_view::npos || slash + 1 == rest.size()) return false;
-  address.mountpoint = rest.substr(slash + 1);
-  std::string_view caster = rest.substr(0, slash);
-  if (const std::size_t at = caster.rfind('@'); at != std::string_view::npos) {
-    address.caster.user = caster.substr(0, at);
-    caster.remove_prefix(at + 1);
-    if (address.caster.user.find(':') != std::string::npos) {
-      problem =
-          "A password does not belong into an argument, where every user of this machine can read "
-          "it: give --password-file FILE, set TARVEX_NTRIP_PASSWORD, or type it when asked.";
-      return false;
-    }
-  }
-  if (!ParseCaster(caster, address.caster)) return false;
-  problem.clear();
-  return true;
-}
-
-bool FindPassword(const std::string& password_file, CasterLogin& caster, std::string& problem) {
-  if (caster.user.empty()) return true;
-  if (!password_file.empty()) {
-    switch (ReadSecretFile(password_file, caster.password)) {
-      case SecretResult::Found:
-        return true;
-      case SecretResult::OpenToOthers:
-        problem = "The password file " + password_file +
-                  " can be read by others; make it yours alone (chmod 600).";
-        return false;
-      case SecretResult::Missing:
-        problem = "The password file " + password_file + " cannot be read.";
-        return false;
-    }
-  }
-  if (const char* const given = std::getenv(kPasswordVariable); given != nullptr) {
-    caster.password = given;
-    return true;
-  }
-  const std::string question = "Password of " + caster.user + " at " + caster.host.str() + ": ";
-  if (AskSecret(question, caster.password) == SecretResult::Found) return true;
-  problem = "There is no password for " + caster.user +
-            ": give --password-file FILE or set TARVEX_NTRIP_PASSWORD.";
-  return false;
-}
-
-CorrectionLink::CorrectionLink(Program& program, const CorrectionAddress& address, Port& receiver,
+CorrectionLink::CorrectionLink(Program& program, const CorrectionPlan& plan, Port& receiver,
                                const LatestGga& gga)
-    : connection_(MakeTcpNtripConnection(errors_)),
+    : connection_(
+          MakeTcpNtripConnection(errors_, [this] { return stopping_ || InterruptRequested(); })),
       sink_(receiver),
-      session_({.caster = address.caster, .mountpoint = address.mountpoint}, *connection_,
+      session_(plan, *connection_,
                {.clock = program.clock,
                 .files = program.files,
                 .errors = errors_,

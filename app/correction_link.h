@@ -1,7 +1,8 @@
-// Corrections on the command line: where they come from, the password, and the session that runs
-// beside the one that reads the receiver.
+// The correction session of a command, which runs beside the one that reads the receiver, and its
+// telling on one line.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -11,36 +12,21 @@
 
 namespace tarvex {
 
-/// "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT".
-struct CorrectionAddress {
-  CasterLogin caster;
-  std::string mountpoint;
-};
-
-/// False, with a sentence in `problem`. A password in the text is refused: arguments are seen by
-/// every user of the machine.
-[[nodiscard]] bool ParseCorrectionAddress(const std::string& text, CorrectionAddress& address,
-                                          std::string& problem);
-
-/// "HOST[:PORT]", an IPv6 host in brackets; 2101 without a port.
-[[nodiscard]] bool ParseCaster(std::string_view text, CasterLogin& caster);
-
-/// The password of the user: from a file of mode 0600 when one is named, else from the environment
-/// variable TARVEX_NTRIP_PASSWORD, else from the person at the terminal. Nothing is asked without a
-/// user. False, with a sentence in `problem`, when there is none.
-[[nodiscard]] bool FindPassword(const std::string& password_file, CasterLogin& caster,
-                                std::string& problem);
-
 /// Runs while it lives.
 class CorrectionLink {
  public:
   /// The receiver's port stays open longer than the link. `gga` is what the reading side hears.
-  CorrectionLink(Program& program, const CorrectionAddress& address, Port& receiver,
+  CorrectionLink(Program& program, const CorrectionPlan& plan, Port& receiver,
                  const LatestGga& gga);
+  CorrectionLink(const CorrectionLink&) = delete;
+  CorrectionLink& operator=(const CorrectionLink&) = delete;
+  /// Waits for nothing that the network holds up.
+  ~CorrectionLink() { stopping_ = true; }
 
   CorrectionStatus Status() const { return session_.Status(); }
 
  private:
+  std::atomic<bool> stopping_ = false;
   LastErrorRecord errors_;  // its own: the reading side has one for itself
   std::unique_ptr<NtripConnection> connection_;
   PortSink sink_;

@@ -4,6 +4,17 @@
 #include <algorithm>
 
 namespace tarvex {
+namespace {
+
+// A job may say which device stands for a numbered port, as in COM3=/dev/rfcomm0.
+void NameDevice(const Settings& job_settings, PortAddress& address) {
+  if (address.kind != PortKind::Serial || !address.target.starts_with("COM")) return;
+  std::string key = address.target;
+  if (key.ends_with(':')) key.pop_back();
+  address.target = job_settings.GetOr(key, address.target);
+}
+
+}  // namespace
 
 CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice) {
   CLI::Option* receiver = sub.add_option(
@@ -20,6 +31,7 @@ ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settin
                         Program& program, ChosenReceiver& receiver) {
   std::string problem;
   if (!ParsePortAddress(choice.address, receiver.address, problem)) return program.Misuse(problem);
+  NameDevice(job_settings, receiver.address);
   receiver.make_code = receiver.address.kind == PortKind::Simulated ? kMakeSimulated : kMakeAnyNmea;
   const std::string make_name =
       choice.make.empty() ? job_settings.GetOr("receiver_make", "") : choice.make;

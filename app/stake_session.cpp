@@ -123,7 +123,8 @@ ExitCode StakeSession::Follow(const ChosenReceiver& receiver, const CTrgCalculat
                               DistanceUnit unit) {
   LastErrorRecord& errors = SystemLastError();
   errors.Clear();
-  const auto port = MakePort(receiver.address, program_.files, program_.clock, errors);
+  const auto port =
+      MakePort(receiver.address, program_.files, program_.clock, errors, InterruptRequested);
   if (port && port->Open() != PortError::None) return program_.Fail(ErrorSentences(errors));
   GnssConnection connection{
       .port = port.get(), .clock = program_.clock, .settings = receiver.settings};

@@ -126,12 +126,20 @@ constexpr std::array kEntries = {
     Entry{3326, "%s has no mountpoint %s. Choose one that exists; nothing is tried until then."},
     Entry{3327, "The corrections cannot be written to the receiver: its port has failed."},
     Entry{3328, "The corrections have been stopped."},
+    Entry{3329, "%s cannot be reached: %s."},
     Entry{
         3330,
         "%s has no mountpoint %s; it has %s. Choose one that exists; nothing is tried until then."},
+    Entry{3331, "%s, mountpoint %s, has sent nothing for %s s; no position was sent to it."},
     Entry{3367, "The bases of the caster could not be loaded."},
     Entry{3368, "The connection to the mountpoint failed."},
     Entry{3378, "The caster does not know the mountpoint: it answered with its list of streams."},
+    Entry{3396,
+          "The caster speaks TLS (encrypted) at this port, which is not supported; ask for its "
+          "plain port."},
+    Entry{3397, "The caster refused the request: it answered \"%s\"."},
+    Entry{3398,
+          "The answer is a web page, not corrections; a network may want a login in a browser."},
     Entry{3399, "The list of streams of the caster is too large."},
     // Reading positions: 3400 - result code
     Entry{3400, "The position was declined."},

@@ -100,6 +100,7 @@ ReadLineResult ReadInto(Port& port, LineBuffer& line, Framing framing) {
 }  // namespace
 
 ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeout_ms, Framing framing) {
+  if (!buffer.empty()) buffer[0] = '\0';
   const PortUse use(port);
   if (!use) return {};
   return ReadLineHolding(port, buffer, timeout_ms, framing);

@@ -1,5 +1,7 @@
 #include "gnss/port_address.h"
 
+#include <utility>
+
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "gnss/replay_device.h"
@@ -75,7 +77,7 @@ bool ParsePortAddress(std::string_view text, PortAddress& address, std::string& 
 }
 
 std::unique_ptr<Port> MakePort(const PortAddress& address, FileSystem& files, Clock& clock,
-                               LastErrorRecord& errors) {
+                               LastErrorRecord& errors, StopAsked stop) {
   switch (address.kind) {
     case PortKind::Serial: {
       auto port = std::make_unique<SerialPort>(errors, clock);
@@ -83,7 +85,8 @@ std::unique_ptr<Port> MakePort(const PortAddress& address, FileSystem& files, Cl
       return port;
     }
     case PortKind::Tcp:
-      return std::make_unique<Port>(address.target, MakeTcpDevice(kConnectTimeoutMs), errors);
+      return std::make_unique<Port>(address.target,
+                                    MakeTcpDevice(kConnectTimeoutMs, std::move(stop)), errors);
     case PortKind::File:
       return std::make_unique<Port>(address.target, MakeReplayDevice(files), errors);
     case PortKind::Simulated:

@@ -1,7 +1,9 @@
 // Where a receiver is, in one text as a person types it:
-//   serial:DEVICE[@BAUD]   serial:/dev/ttyUSB0@115200; also a Bluetooth serial device
-//   (/dev/rfcomm0) tcp:HOST:PORT          tcp:192.168.1.20:9001, tcp:[fe80::1]:9001 file:LOG a
-//   recorded log simulated              no hardware at all
+//   serial:DEVICE[@BAUD]   serial:/dev/ttyUSB0@115200, serial:COM1; also a Bluetooth serial device
+//                          (/dev/rfcomm0)
+//   tcp:HOST:PORT          tcp:192.168.1.20:9001, tcp:[fe80::1]:9001
+//   file:LOG               a recorded log
+//   simulated              no hardware at all
 #pragma once
 
 #include <memory>
@@ -28,8 +30,9 @@ struct PortAddress {
 [[nodiscard]] bool ParsePortAddress(std::string_view text, PortAddress& address,
                                     std::string& problem);
 
-/// A closed port for the address; nothing for the simulated receiver, which needs none.
+/// A closed port for the address; nothing for the simulated receiver, which needs none. `stop` ends
+/// a connecting or reading that waits for the network.
 std::unique_ptr<Port> MakePort(const PortAddress& address, FileSystem& files, Clock& clock,
-                               LastErrorRecord& errors);
+                               LastErrorRecord& errors, StopAsked stop = {});
 
 }  // namespace tarvex

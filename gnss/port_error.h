@@ -40,6 +40,9 @@ enum class [[nodiscard]] PortError : int{
     BasesNotLoaded = 367,
     MountpointNotConnected = 368,
     MountpointUnknown = 378,
+    CasterSpeaksTls = 396,
+    CasterRefused = 397,   ///< argument: its answer
+    NotCorrections = 398,  ///< a web page
     TableTooLarge = 399,
 };
 

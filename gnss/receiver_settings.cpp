@@ -54,6 +54,14 @@ bool SetBudget(std::string_view text, ReceiverSettings& settings) {
   return true;
 }
 
+bool SetGgaInterval(std::string_view text, ReceiverSettings& settings) {
+  constexpr long long kLongest = 3600;
+  const auto value = ParseInteger(text);
+  if (!value || *value < 1 || *value > kLongest) return false;
+  settings.gga_interval_s = static_cast<int>(*value);
+  return true;
+}
+
 bool SetReceiverPort(std::string_view text, ReceiverSettings& settings) {
   text = WithoutOuterBlanks(text);
   if (text.empty() || text.size() > settings.receiver_port.kCapacity) return false;
@@ -88,6 +96,9 @@ constexpr std::array kSettings = {
     Setting{"ashtech_variant", SetNumber<&ReceiverSettings::ashtech_variant>},
     Setting{"ashtech_port", SetAshtechPort},
     Setting{"ashtech_skip_retry", SetSwitch<&ReceiverSettings::ashtech_skip_retry>},
+    Setting{"bSendGGA", SetSwitch<&ReceiverSettings::send_gga>},
+    Setting{"bGPSRover_SendGGA", SetSwitch<&ReceiverSettings::rover_send_gga>},
+    Setting{"gga_interval", SetGgaInterval},
 };
 
 }  // namespace

@@ -18,6 +18,9 @@
 //   ashtech_variant        1: the variant of model 2 that answers with $PASHR,POS
 //   ashtech_port           letter of the receiver's port
 //   ashtech_skip_retry     1: an empty first line is not read again
+//   bSendGGA               1: a caster's stream that needs the rover's position gets it
+//   bGPSRover_SendGGA      1: the same; either of the two is enough
+//   gga_interval           seconds between two positions for the caster
 #pragma once
 
 #include <string_view>
@@ -58,6 +61,9 @@ struct ReceiverSettings {
   int ashtech_variant = 0;
   char ashtech_port = 'A';
   bool ashtech_skip_retry = false;
+  bool send_gga = true;
+  bool rover_send_gga = false;
+  int gga_interval_s = 10;
   DistanceUnit unit = DistanceUnit::Metres;  ///< the job's; not a key of the file
 
   std::string_view ReceiverPort() const {

@@ -6,6 +6,7 @@ namespace tarvex {
 
 std::string DeviceStatus::Text() const {
   if (ended()) return "end of data";
+  if (code == kUnknownHost) return "no host of this name was found";
   return std::system_category().message(code);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <span>
 #include <string>
@@ -11,9 +12,11 @@
 
 namespace tarvex {
 
-/// What a device operation came to: 0, the end of the data, or the system's error number.
+/// What a device operation came to: 0, the end of the data, an unknown host, or the system's error
+/// number.
 struct [[nodiscard]] DeviceStatus {
   static constexpr int kEndOfData = -1;
+  static constexpr int kUnknownHost = -2;
 
   int code = 0;
 
@@ -48,6 +51,9 @@ struct WriteTimeouts {
 
   bool operator==(const WriteTimeouts&) const = default;
 };
+
+/// Asked now and then while an operation waits; true ends it with ECANCELED.
+using StopAsked = std::function<bool()>;
 
 struct DeviceTimeouts {
   ReadTimeouts read = {};

@@ -13,6 +13,7 @@ namespace tarvex {
 namespace {
 
 constexpr std::int64_t kForEver = -1;
+constexpr std::int64_t kStopStepUs = 50'000;
 
 std::int64_t Deadline(std::int64_t start_us, std::uint32_t multiplier_ms, std::uint32_t constant_ms,
                       std::size_t count) {
@@ -52,17 +53,19 @@ std::int64_t SteadyMicroseconds() {
       .count();
 }
 
-DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& ready) {
+DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& ready,
+                     const StopAsked& stop) {
   ready = false;
   for (;;) {
     pollfd wanted{.fd = descriptor, .events = events, .revents = 0};
-    const int timeout_ms = PollTimeout(until_us);
+    const std::int64_t step_us = stop ? SteadyMicroseconds() + kStopStepUs : kForEver;
+    const int timeout_ms = PollTimeout(Sooner(until_us, step_us));
     const int count = ::poll(&wanted, 1, timeout_ms);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return {errno};
+    if (count < 0 && errno != EINTR) return {errno};
     ready = count > 0;
-    if (ready || timeout_ms == 0 || until_us == kForEver) return {};
-    if (SteadyMicroseconds() >= until_us) return {};
+    if (ready || timeout_ms == 0) return {};
+    if (until_us != kForEver && SteadyMicroseconds() >= until_us) return {};
+    if (stop && stop()) return {ECANCELED};
   }
 }
 
@@ -88,7 +91,7 @@ DeviceStatus DescriptorReader::Refill(int descriptor) {
 }
 
 DeviceStatus DescriptorReader::Read(int descriptor, const ReadTimeouts& timeouts,
-                                    std::span<char> out, std::size_t& got) {
+                                    std::span<char> out, std::size_t& got, const StopAsked& stop) {
   got = TakeHeld(out);
   if (got == out.size()) return {};
   const std::int64_t start_us = SteadyMicroseconds();
@@ -113,7 +116,8 @@ DeviceStatus DescriptorReader::Read(int descriptor, const ReadTimeouts& timeouts
             ? last_byte_us + static_cast<std::int64_t>(timeouts.interval_ms) * 1000
             : kForEver;
     bool ready = false;
-    const DeviceStatus status = WaitFor(descriptor, POLLIN, Sooner(total_us, interval_us), ready);
+    const DeviceStatus status =
+        WaitFor(descriptor, POLLIN, Sooner(total_us, interval_us), ready, stop);
     if (!status.ok()) return status;
     if (!ready) return {};
   }

@@ -16,7 +16,7 @@ class DescriptorReader {
 
   /// `descriptor` must be non-blocking. A hang-up with nothing read is the end of data.
   DeviceStatus Read(int descriptor, const ReadTimeouts& timeouts, std::span<char> out,
-                    std::size_t& got);
+                    std::size_t& got, const StopAsked& stop = {});
   std::string_view held() const { return {buffer_.data() + begin_, end_ - begin_}; }
   void Skip(std::size_t count) { begin_ += count; }
   void Clear() { begin_ = end_ = 0; }
@@ -37,8 +37,9 @@ DeviceStatus WriteWithin(int descriptor, DescriptorKind kind, const WriteTimeout
                          std::string_view bytes, std::size_t& written);
 
 /// Waits until `events` (POLLIN, POLLOUT) come or `until_us` of SteadyMicroseconds has passed;
-/// negative waits for ever. `ready` is false when the time ran out.
-DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& ready);
+/// negative waits for ever. `ready` is false when the time ran out. ECANCELED when `stop` said so.
+DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& ready,
+                     const StopAsked& stop = {});
 
 /// Microseconds since an arbitrary start; never goes back.
 std::int64_t SteadyMicroseconds();

@@ -37,7 +37,8 @@ class SerialDevice : public ByteDevice {
   virtual DeviceStatus GetDsr(bool& on) = 0;
 };
 
-/// The serial devices of this machine, by name: "/dev/ttyUSB0", a Bluetooth "/dev/rfcomm0".
+/// The serial devices of this machine, by name: "/dev/ttyUSB0", a Bluetooth "/dev/rfcomm0"; by
+/// number "COM1:", which is the machine's first own line (/dev/ttyS0).
 std::unique_ptr<SerialDevice> MakeSerialDevice();
 
 }  // namespace tarvex

@@ -7,13 +7,15 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 
-#include "platform/descriptor_io_posix.h"
+#include "platform/descriptor_device_posix.h"
 #include "platform/serial_device.h"
 
 namespace tarvex {
 namespace {
 
+constexpr std::size_t kReadAhead = 4096;
 constexpr std::int64_t kFlushLimitUs = 10'000'000;
 constexpr std::int64_t kFlushStepUs = 5'000;
 
@@ -54,6 +56,7 @@ tcflag_t ParityFlags(SerialParity parity) {
 
 // One and a half stop bits exist with five data bits only, where CSTOPB means them.
 bool Possible(const SerialLine& line) {
+  if (line.baud_rate == 0) return false;  // would hang up
   if (line.data_bits < 5 || line.data_bits > 8) return false;
   return line.stop_bits != SerialStopBits::OneAndHalf || line.data_bits == 5;
 }
@@ -90,16 +93,41 @@ SerialLine LineOf(const termios2& settings) {
   return line;
 }
 
-class LinuxSerialDevice final : public SerialDevice {
+// Drivers take what they cannot do without a word and keep something else. A rate may differ as far
+// as serial lines stand it: adapters divide a clock.
+bool Keeps(const SerialLine& kept, const SerialLine& wanted) {
+  constexpr std::uint32_t kTolerated = 20;  // a twentieth
+  const std::uint32_t difference = kept.baud_rate > wanted.baud_rate
+                                       ? kept.baud_rate - wanted.baud_rate
+                                       : wanted.baud_rate - kept.baud_rate;
+  return kept.data_bits == wanted.data_bits && kept.parity == wanted.parity &&
+         kept.stop_bits == wanted.stop_bits && difference <= wanted.baud_rate / kTolerated;
+}
+
+// "COM3:" is the third of this machine's own serial lines.
+std::string PathOf(const std::string& name) {
+  constexpr std::string_view kCom = "COM";
+  std::string_view digits = name;
+  if (!digits.starts_with(kCom)) return name;
+  digits.remove_prefix(kCom.size());
+  if (digits.ends_with(':')) digits.remove_suffix(1);
+  int number = 0;
+  const char* const end = digits.data() + digits.size();
+  const auto [at, error] = std::from_chars(digits.data(), end, number);
+  if (error != std::errc{} || at != end || number < 1) return name;
+  return "/dev/ttyS" + std::to_string(number - 1);
+}
+
+class LinuxSerialDevice final : public DescriptorDevice<SerialDevice> {
  public:
-  LinuxSerialDevice() = default;
+  LinuxSerialDevice() : DescriptorDevice(DescriptorKind::Device, kReadAhead) {}
   LinuxSerialDevice(const LinuxSerialDevice&) = delete;
   LinuxSerialDevice& operator=(const LinuxSerialDevice&) = delete;
   ~LinuxSerialDevice() override { (void)CloseDescriptor(); }
 
   DeviceStatus Open(const std::string& name) override {
     (void)CloseDescriptor();
-    descriptor_ = ::open(name.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    descriptor_ = ::open(PathOf(name).c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor_ < 0) return Failed();
     if (const DeviceStatus status = TakeAlone(); !status.ok()) {
       ::close(descriptor_);
@@ -110,39 +138,12 @@ class LinuxSerialDevice final : public SerialDevice {
   }
 
   DeviceStatus Close() override { return CloseDescriptor(); }
-  bool is_open() const override { return descriptor_ >= 0; }
 
-  DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
-    timeouts = timeouts_;
-    return {};
-  }
-  DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) override {
-    timeouts_ = timeouts;
-    return {};
-  }
-
-  DeviceStatus Read(std::span<char> out, std::size_t& got) override {
-    return reader_.Read(descriptor_, timeouts_.read, out, got);
-  }
-  DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
-                     std::size_t& written) override {
-    return WriteWithin(descriptor_, DescriptorKind::Device, timeouts, bytes, written);
-  }
-
-  DeviceStatus BytesWaiting(std::size_t& count) override {
-    int queued = 0;
-    if (::ioctl(descriptor_, FIONREAD, &queued) != 0) return Failed();
-    count = reader_.held().size() + static_cast<std::size_t>(queued);
-    return {};
-  }
   DeviceStatus PurgeInput() override {
     reader_.Clear();
     return Control(TCFLSH, TCIFLUSH);
   }
   DeviceStatus PurgeOutput() override { return Control(TCFLSH, TCOFLUSH); }
-
-  std::string_view Held() const override { return reader_.held(); }
-  void Skip(std::size_t count) override { reader_.Skip(count); }
 
   DeviceStatus GetLine(SerialLine& line) override {
     termios2 settings{};
@@ -153,10 +154,16 @@ class LinuxSerialDevice final : public SerialDevice {
 
   DeviceStatus SetLine(const SerialLine& line) override {
     if (!Possible(line)) return {EINVAL};
-    termios2 settings{};
-    if (::ioctl(descriptor_, TCGETS2, &settings) != 0) return Failed();
+    termios2 before{};
+    if (::ioctl(descriptor_, TCGETS2, &before) != 0) return Failed();
+    termios2 settings = before;
     Apply(line, settings);
     if (::ioctl(descriptor_, TCSETS2, &settings) != 0) return Failed();
+    SerialLine kept;
+    if (!GetLine(kept).ok() || !Keeps(kept, line)) {
+      (void)::ioctl(descriptor_, TCSETS2, &before);
+      return {EINVAL};
+    }
     int lines_on = TIOCM_DTR | TIOCM_RTS;
     (void)::ioctl(descriptor_, TIOCMBIS, &lines_on);  // a pseudo-terminal has no such lines
     return {};
@@ -223,10 +230,6 @@ class LinuxSerialDevice final : public SerialDevice {
   DeviceStatus Control(unsigned long request, int argument) {
     return ::ioctl(descriptor_, request, argument) == 0 ? DeviceStatus{} : Failed();
   }
-
-  int descriptor_ = -1;
-  DeviceTimeouts timeouts_;
-  DescriptorReader reader_{4096};
 };
 
 }  // namespace

@@ -8,8 +8,9 @@
 namespace tarvex {
 
 /// A TCP client as a byte device. Open takes "HOST:PORT" (an IPv6 host in brackets) and waits at
-/// most `connect_timeout_ms` for each address of the host.
-std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms);
+/// most `connect_timeout_ms` for the host's addresses and again for each of them to answer. `stop`
+/// ends these waits and those of Read.
+std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms, StopAsked stop = {});
 
 /// Waits for connections to a port of this machine.
 class TcpListener {

@@ -1,6 +1,5 @@
 // TCP connections of a POSIX system.
 #include <fcntl.h>
-#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -10,12 +9,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
-#include "platform/descriptor_io_posix.h"
+#include "platform/descriptor_device_posix.h"
+#include "platform/host_lookup_posix.h"
 #include "platform/tcp_socket.h"
 
 namespace tarvex {
 namespace {
+
+constexpr std::size_t kReadAhead = 65536;
 
 struct HostPort {
   std::string host;
@@ -32,35 +35,8 @@ HostPort SplitHostPort(std::string_view name) {
   return {std::string(host), std::string(name.substr(colon + 1))};
 }
 
-class AddressList {
- public:
-  explicit AddressList(const HostPort& target) {
-    addrinfo hints{};
-    hints.ai_family = AF_UNSPEC;
-    hints.ai_socktype = SOCK_STREAM;
-    result_ = ::getaddrinfo(target.host.c_str(), target.port.c_str(), &hints, &first_);
-    if (result_ == EAI_SYSTEM) system_error_ = errno;
-  }
-  AddressList(const AddressList&) = delete;
-  AddressList& operator=(const AddressList&) = delete;
-  ~AddressList() {
-    if (first_ != nullptr) ::freeaddrinfo(first_);
-  }
-
-  // A name that cannot be resolved has no errno of its own.
-  DeviceStatus status() const {
-    if (result_ == 0) return {};
-    return {system_error_ != 0 ? system_error_ : EHOSTUNREACH};
-  }
-  const addrinfo* first() const { return first_; }
-
- private:
-  int result_ = 0;
-  int system_error_ = 0;
-  addrinfo* first_ = nullptr;
-};
-
-DeviceStatus Connect(const addrinfo& address, std::uint32_t timeout_ms, int& descriptor) {
+DeviceStatus Connect(const addrinfo& address, std::uint32_t timeout_ms, const StopAsked& stop,
+                     int& descriptor) {
   descriptor =
       ::socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, address.ai_protocol);
   if (descriptor < 0) return {errno};
@@ -70,8 +46,8 @@ DeviceStatus Connect(const addrinfo& address, std::uint32_t timeout_ms, int& des
       status = {errno};
     } else {
       bool ready = false;
-      status = WaitFor(descriptor, POLLOUT,
-                       SteadyMicroseconds() + static_cast<std::int64_t>(timeout_ms) * 1000, ready);
+      const std::int64_t until_us = SteadyMicroseconds() + std::int64_t{timeout_ms} * 1000;
+      status = WaitFor(descriptor, POLLOUT, until_us, ready, stop);
       int error = 0;
       socklen_t size = sizeof error;
       if (status.ok() && !ready) status = {ETIMEDOUT};
@@ -92,54 +68,32 @@ void SendWithoutDelay(int descriptor) {
   (void)::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
-class TcpDevice final : public ByteDevice {
+class TcpDevice final : public DescriptorDevice<ByteDevice> {
  public:
-  explicit TcpDevice(std::uint32_t connect_timeout_ms, int descriptor = -1)
-      : connect_timeout_ms_(connect_timeout_ms), descriptor_(descriptor) {}
+  TcpDevice(std::uint32_t connect_timeout_ms, StopAsked stop, int descriptor = -1)
+      : DescriptorDevice(DescriptorKind::Socket, kReadAhead, std::move(stop)),
+        connect_timeout_ms_(connect_timeout_ms) {
+    descriptor_ = descriptor;
+  }
   TcpDevice(const TcpDevice&) = delete;
   TcpDevice& operator=(const TcpDevice&) = delete;
   ~TcpDevice() override { (void)CloseSocket(); }
 
   DeviceStatus Open(const std::string& name) override {
     (void)CloseSocket();
-    const AddressList addresses(SplitHostPort(name));
-    DeviceStatus status = addresses.status();
-    for (const addrinfo* at = addresses.first(); at != nullptr; at = at->ai_next) {
-      status = Connect(*at, connect_timeout_ms_, descriptor_);
-      if (!status.ok()) continue;
-      SendWithoutDelay(descriptor_);
-      return {};
+    const HostPort target = SplitHostPort(name);
+    HostAddresses addresses;
+    DeviceStatus status =
+        LookUpHost(target.host, target.port, connect_timeout_ms_, stop_, addresses);
+    for (const addrinfo* at = addresses.get(); at != nullptr; at = at->ai_next) {
+      status = Connect(*at, connect_timeout_ms_, stop_, descriptor_);
+      if (status.ok()) SendWithoutDelay(descriptor_);
+      if (status.ok() || status.code == ECANCELED) break;
     }
     return status;
   }
 
   DeviceStatus Close() override { return CloseSocket(); }
-  bool is_open() const override { return descriptor_ >= 0; }
-
-  DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
-    timeouts = timeouts_;
-    return {};
-  }
-  DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) override {
-    timeouts_ = timeouts;
-    return {};
-  }
-
-  DeviceStatus Read(std::span<char> out, std::size_t& got) override {
-    return reader_.Read(descriptor_, timeouts_.read, out, got);
-  }
-  DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
-                     std::size_t& written) override {
-    return WriteWithin(descriptor_, DescriptorKind::Socket, timeouts, bytes, written);
-  }
-
-  DeviceStatus BytesWaiting(std::size_t& count) override {
-    int queued = 0;
-    if (::ioctl(descriptor_, FIONREAD, &queued) != 0) return {errno};
-    count = reader_.held().size() + static_cast<std::size_t>(queued);
-    return {};
-  }
-
   // Drops what had come in when it was called; a sender that floods is not followed for ever.
   DeviceStatus PurgeInput() override {
     std::size_t left = 0;
@@ -154,9 +108,6 @@ class TcpDevice final : public ByteDevice {
     return {};
   }
 
-  std::string_view Held() const override { return reader_.held(); }
-  void Skip(std::size_t count) override { reader_.Skip(count); }
-
  private:
   DeviceStatus CloseSocket() {
     reader_.Clear();
@@ -167,9 +118,6 @@ class TcpDevice final : public ByteDevice {
   }
 
   std::uint32_t connect_timeout_ms_;
-  int descriptor_;
-  DeviceTimeouts timeouts_;
-  DescriptorReader reader_{65536};
 };
 
 class LoopbackListener final : public TcpListener {
@@ -189,7 +137,7 @@ class LoopbackListener final : public TcpListener {
     const int accepted = ::accept4(descriptor_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (accepted < 0) return {errno == EAGAIN ? 0 : errno};
     SendWithoutDelay(accepted);
-    connection = std::make_unique<TcpDevice>(0, accepted);
+    connection = std::make_unique<TcpDevice>(0, StopAsked(), accepted);
     return {};
   }
 
@@ -224,8 +172,8 @@ std::unique_ptr<TcpListener> ListenOnLoopback(int port, DeviceStatus& status) {
   return std::make_unique<LoopbackListener>(descriptor, ntohs(address.sin_port));
 }
 
-std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms) {
-  return std::make_unique<TcpDevice>(connect_timeout_ms);
+std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms, StopAsked stop) {
+  return std::make_unique<TcpDevice>(connect_timeout_ms, std::move(stop));
 }
 
 }  // namespace tarvex

@@ -3,6 +3,7 @@
 
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/correction_choice.h"
 #include "app/correction_link.h"
 #include "app/json_text.h"
 #include "core/number_text.h"
@@ -91,7 +92,7 @@ std::string StreamLine(const StreamRecord& stream, const std::optional<Place>& p
 
 ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& list) {
   LastErrorRecord errors;
-  const auto connection = MakeTcpNtripConnection(errors);
+  const auto connection = MakeTcpNtripConnection(errors, InterruptRequested);
   const std::string folder = WorkFolder();
   NtripClient client(
       connection.get(), "bases",
@@ -102,7 +103,9 @@ ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& lis
   program.console.EndProgress();
   (void)program.files.Remove(folder + "tmp_sourcetable.txt");
   if (error == PortError::None) return ExitCode::Done;
-  return program.Fail(caster.host.str() + ":" + caster.port + ": " + ErrorSentences(errors));
+  const std::string name = caster.host.str() + ":" + caster.port;
+  const std::string sentence = CasterFailureSentence(name, client.cause(), client.cause_detail());
+  return program.Fail(sentence.starts_with(name) ? sentence : name + ": " + sentence);
 }
 
 ExitCode RunBases(const BasesOptions& options, Program& program) {

@@ -5,6 +5,7 @@
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/coordinate_systems.h"
+#include "app/correction_choice.h"
 #include "app/job_localization.h"
 #include "app/job_session.h"
 #include "app/point_storing.h"
@@ -27,8 +28,7 @@ struct CollectOptions {
   std::string existing = "cancel";
   long long patience_s = 60;
   std::size_t average = 1;
-  std::string corrections;
-  std::string password_file;
+  CorrectionChoice corrections;
   std::string stream_log;
   std::map<std::string, std::string> gates;  ///< limits by their keys
   bool override_gate = false;
@@ -43,21 +43,6 @@ ExitCode SettleGate(const CollectOptions& options, const Settings& job_settings,
     return program.Misuse("\"" + value + "\" is no value for the limit " + key +
                           "; docs/receivers.md lists them.");
   }
-  return ExitCode::Done;
-}
-
-ExitCode SettleCorrections(const CollectOptions& options, Program& program, CollectPlan& plan) {
-  if (options.corrections.empty()) return ExitCode::Done;
-  if (plan.receiver.kind == PortKind::Simulated || plan.receiver.kind == PortKind::File) {
-    return program.Misuse("A recorded or simulated receiver takes no corrections.");
-  }
-  CorrectionAddress address;
-  std::string problem;
-  if (!ParseCorrectionAddress(options.corrections, address, problem) ||
-      !FindPassword(options.password_file, address.caster, problem)) {
-    return program.Misuse(problem);
-  }
-  plan.corrections = address;
   return ExitCode::Done;
 }
 
@@ -94,8 +79,14 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
       code != ExitCode::Done) {
     return code;
   }
-  if (const ExitCode code = SettleCorrections(options, program, plan); code != ExitCode::Done) {
+  if (const ExitCode code =
+          SettleCorrections(options.corrections, plan.receiver_settings, program, plan.corrections);
+      code != ExitCode::Done) {
     return code;
+  }
+  if (plan.corrections &&
+      (plan.receiver.kind == PortKind::Simulated || plan.receiver.kind == PortKind::File)) {
+    return program.Misuse("A recorded or simulated receiver takes no corrections.");
   }
   const auto antenna = ParseNumber(options.antenna_height);
   if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
@@ -139,17 +130,6 @@ void AddGateOptions(CLI::App& sub, CollectOptions& options) {
       ->group(kGroup);
 }
 
-void AddCorrectionOptions(CLI::App& sub, CollectOptions& options) {
-  constexpr const char* kGroup = "Corrections";
-  sub.add_option("--corrections", options.corrections,
-                 "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
-                 "asked for, or taken from TARVEX_NTRIP_PASSWORD")
-      ->group(kGroup);
-  sub.add_option("--password-file", options.password_file,
-                 "File with the password that its owner alone can read (mode 0600)")
-      ->group(kGroup);
-}
-
 }  // namespace
 
 void AddCollectCommand(CLI::App& app, Program& program) {
@@ -179,7 +159,7 @@ void AddCollectCommand(CLI::App& app, Program& program) {
   sub.add_option("--log-stream", options.stream_log,
                  "Keep what the receiver sends in a new file, to be replayed");
   AddGateOptions(sub, options);
-  AddCorrectionOptions(sub, options);
+  AddCorrectionOptions(sub, options.corrections);
   sub.add_option("--patience", options.patience_s,
                  "Seconds to wait for a new position (default: 60)")
       ->check(CLI::Range(1LL, 86400LL));

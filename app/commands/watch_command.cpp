@@ -3,6 +3,7 @@
 
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/correction_choice.h"
 #include "app/correction_link.h"
 #include "app/receiver_choice.h"
 #include "app/watch_view.h"
@@ -12,8 +13,7 @@ namespace {
 
 struct WatchOptions {
   ReceiverChoice receiver;
-  std::string corrections;
-  std::string password_file;
+  CorrectionChoice corrections;
   std::string stream_log;
   long long count = 0;
 };
@@ -52,27 +52,26 @@ ExitCode RunWatch(const WatchOptions& options, Program& program) {
       code != ExitCode::Done) {
     return code;
   }
-  CorrectionAddress address;
-  std::string problem;
-  if (!options.corrections.empty() &&
-      !(ParseCorrectionAddress(options.corrections, address, problem) &&
-        FindPassword(options.password_file, address.caster, problem))) {
-    return program.Misuse(problem);
+  std::optional<CorrectionPlan> corrections;
+  if (const ExitCode code =
+          SettleCorrections(options.corrections, choice.settings, program, corrections);
+      code != ExitCode::Done) {
+    return code;
+  }
+  if (corrections &&
+      (choice.address.kind == PortKind::Simulated || choice.address.kind == PortKind::File)) {
+    return program.Misuse("A recorded or simulated receiver takes no corrections.");
   }
   LastErrorRecord errors;
-  const auto port = MakePort(choice.address, program.files, program.clock, errors);
+  const auto port =
+      MakePort(choice.address, program.files, program.clock, errors, InterruptRequested);
   if (port && port->Open() != PortError::None) return program.Fail(ErrorSentences(errors));
-  if (!port && !options.corrections.empty()) {
-    return program.Misuse("The simulated receiver takes no corrections.");
-  }
   ReceiverTap tap(program);
   if (!options.stream_log.empty() && !tap.StartLog(options.stream_log)) return ExitCode::Failed;
   GnssConnection connection{
       .port = port.get(), .clock = program.clock, .settings = choice.settings, .listener = &tap};
   std::unique_ptr<CorrectionLink> link;
-  if (!options.corrections.empty()) {
-    link = std::make_unique<CorrectionLink>(program, address, *port, tap.gga());
-  }
+  if (corrections) link = std::make_unique<CorrectionLink>(program, *corrections, *port, tap.gga());
   return Watch(options, choice, connection, tap, link.get(), program);
 }
 
@@ -90,8 +89,7 @@ void AddWatchCommand(CLI::App& app, Program& program) {
   sub.add_option("PORT", options.receiver.address,
                  "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
       ->required();
-  sub.add_option("--corrections", options.corrections, "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT");
-  sub.add_option("--password-file", options.password_file, "File (mode 0600) with the password");
+  AddCorrectionOptions(sub, options.corrections);
   sub.add_option("--log-stream", options.stream_log, "Keep what the receiver sends in a new file");
   sub.add_option("--count", options.count, "End after so many positions (default: never)")
       ->check(CLI::NonNegativeNumber);

@@ -75,6 +75,8 @@ void CorrectionSession::SetState(CorrectionState state) {
 void CorrectionSession::Open(Progress& progress) {
   SetState(CorrectionState::Connecting);
   framer_ = {};
+  surroundings_.errors.Clear();
+  if (!LearnWhatIsWanted(progress)) return Failed(client_.cause());
   if (client_.ConnectMountpoint(plan_.caster, plan_.mountpoint, progress) != PortError::None) {
     Failed(client_.cause());
     if (state_ == CorrectionState::UnknownMountpoint) LookForMountpoint(progress);
@@ -93,6 +95,7 @@ void CorrectionSession::Failed(PortError cause) {
   {
     const std::lock_guard lock(mutex_);
     status_.cause = cause;
+    status_.cause_detail = cause == client_.cause() ? client_.cause_detail() : std::string();
   }
   switch (cause) {
     case PortError::NotAuthorized:
@@ -107,15 +110,36 @@ void CorrectionSession::Failed(PortError cause) {
   }
 }
 
+bool CorrectionSession::LoadTable(CasterList& list, Progress& progress) {
+  list.current = plan_.caster;
+  const PortError error = client_.LoadBases(list, progress);
+  connection_.Close();
+  return error == PortError::None;
+}
+
+// Asked once. A caster that gives no table is taken to want nothing; false when it is not reached
+// at all, or the asking was cancelled.
+bool CorrectionSession::LearnWhatIsWanted(Progress& progress) {
+  if (plan_.gga == GgaUpload::Always) gga_wanted_ = true;
+  if (plan_.gga != GgaUpload::WhenWanted || gga_ == nullptr || table_asked_) return true;
+  CasterList list;
+  if (LoadTable(list, progress)) {
+    const StreamRecord* const stream = list.Find(plan_.mountpoint);
+    gga_wanted_ = stream != nullptr && stream->nmea;
+  } else if (client_.cause() == PortError::CasterNotOpened ||
+             client_.cause() == PortError::Cancelled) {
+    return false;
+  }
+  table_asked_ = true;
+  return true;
+}
+
 // The caster does not know the mountpoint; perhaps it was mistyped.
 void CorrectionSession::LookForMountpoint(Progress& progress) {
   CasterList list;
-  list.current = plan_.caster;
-  if (client_.LoadBases(list, progress) == PortError::None) {
-    const std::lock_guard lock(mutex_);
-    status_.most_alike = list.MostAlike(plan_.mountpoint, kAlikeNames);
-  }
-  connection_.Close();
+  if (!LoadTable(list, progress)) return;
+  const std::lock_guard lock(mutex_);
+  status_.most_alike = list.MostAlike(plan_.mountpoint, kAlikeNames);
 }
 
 void CorrectionSession::Pump(int wait_ms) {
@@ -151,7 +175,7 @@ void CorrectionSession::TakeBytes(std::string_view bytes) {
 }
 
 void CorrectionSession::SendGga() {
-  if (!plan_.send_gga || gga_ == nullptr || Now() < next_gga_at_ms_) return;
+  if (!gga_wanted_ || gga_ == nullptr || Now() < next_gga_at_ms_) return;
   const std::string gga = gga_->Get();
   if (gga.empty()) return;
   next_gga_at_ms_ = Now() + plan_.gga_interval_ms;

@@ -3,8 +3,9 @@
 // its own beside the one that reads the receiver.
 //
 // After a lost or silent stream it waits 10 s, doubling to 300 s, and starts again at 10 s after
-// five minutes of data. A refused user and an unknown mountpoint are not tried again: asking again
-// changes nothing, and casters lock out who hammers them.
+// five minutes of data. Before the first stream the caster's table is asked once whether the stream
+// needs the rover's position. A refused user and an unknown mountpoint are not tried again: asking
+// again changes nothing, and casters lock out who hammers them.
 #pragma once
 
 #include <array>
@@ -40,10 +41,17 @@ class PortSink final : public CorrectionSink {
   Port& port_;
 };
 
+/// Whether the rover's position goes up.
+enum class GgaUpload {
+  Never,
+  WhenWanted,  ///< when the caster's table says that the stream needs it
+  Always,
+};
+
 struct CorrectionPlan {
   CasterLogin caster = {};
   std::string mountpoint = {};
-  bool send_gga = true;       ///< what the settings bSendGGA or bGPSRover_SendGGA say
+  GgaUpload gga = GgaUpload::WhenWanted;
   bool gga_talker_gp = true;  ///< rewrite the talker for casters that take GP alone
   std::int64_t gga_interval_ms = 10'000;
   std::int64_t silent_after_ms = 15'000;  ///< told as silence
@@ -75,7 +83,9 @@ class CorrectionSession final : private RtcmFramer::Listener {
 
   void Open(Progress& progress);
   void Failed(PortError cause);
+  bool LearnWhatIsWanted(Progress& progress);
   void LookForMountpoint(Progress& progress);
+  bool LoadTable(CasterList& list, Progress& progress);
   void Pump(int wait_ms);
   void TakeBytes(std::string_view bytes);
   void SendGga();
@@ -97,6 +107,8 @@ class CorrectionSession final : private RtcmFramer::Listener {
   std::atomic<std::int64_t> last_byte_at_ms_ = 0;
   std::atomic<std::int64_t> last_frame_at_ms_ = -1;
   std::int64_t next_gga_at_ms_ = 0;
+  bool table_asked_ = false;
+  bool gga_wanted_ = false;
   std::atomic<bool> retry_requested_ = false;
   std::array<char, 65536> buffer_;
 

@@ -6,13 +6,10 @@ namespace tarvex {
 namespace {
 
 constexpr int kFirstText = 3320;
+constexpr int kSilentWithoutPosition = 3331;
 
 std::string Seconds(std::int64_t milliseconds) {
   return std::to_string((milliseconds + 999) / 1000);
-}
-
-std::string CauseSentence(PortError cause) {
-  return ErrorSentence({.code = static_cast<int>(cause), .arguments = {}});
 }
 
 std::string Names(const std::vector<std::string>& names) {
@@ -23,6 +20,15 @@ std::string Names(const std::vector<std::string>& names) {
 
 }  // namespace
 
+std::string CasterFailureSentence(const std::string& caster, PortError cause,
+                                  const std::string& detail) {
+  constexpr int kNotReached = 3329;
+  if (cause == PortError::CasterNotOpened && !detail.empty()) {
+    return Strings().Text(kNotReached, {caster, detail});
+  }
+  return ErrorSentence({.code = static_cast<int>(cause), .arguments = {detail}});
+}
+
 std::string CorrectionSentence(const CorrectionStatus& status) {
   const int text = kFirstText + static_cast<int>(status.state);
   switch (status.state) {
@@ -31,9 +37,12 @@ std::string CorrectionSentence(const CorrectionStatus& status) {
     case CorrectionState::Refused:
       return Strings().Text(text, {status.caster, status.mountpoint});
     case CorrectionState::Silent:
-      return Strings().Text(text, {status.caster, status.mountpoint, Seconds(status.silent_ms)});
+      return Strings().Text(status.ggas_sent == 0 ? kSilentWithoutPosition : text,
+                            {status.caster, status.mountpoint, Seconds(status.silent_ms)});
     case CorrectionState::Waiting:
-      return Strings().Text(text, {CauseSentence(status.cause), Seconds(status.next_try_in_ms)});
+      return Strings().Text(
+          text, {CasterFailureSentence(status.caster, status.cause, status.cause_detail),
+                 Seconds(status.next_try_in_ms)});
     case CorrectionState::UnknownMountpoint: {
       constexpr int kWithNames = 3330;
       return Strings().Text(status.most_alike.empty() ? text : kWithNames,

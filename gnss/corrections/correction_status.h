@@ -30,6 +30,7 @@ struct CorrectionStatus {
   std::string caster;  ///< "host:port"
   std::string mountpoint;
   PortError cause = PortError::None;    ///< of the last failure
+  std::string cause_detail;             ///< what the caster or the system said to it
   std::vector<std::string> most_alike;  ///< mountpoints that exist, when ours does not
   std::int64_t next_try_in_ms = 0;      ///< Waiting
   std::int64_t age_ms = -1;             ///< since the last good frame; -1 before the first
@@ -47,6 +48,10 @@ struct CorrectionStatus {
 
 /// A base that is this far, in metres, from where it was is another base.
 inline constexpr double kBaseMovedAlarm = 0.05;
+
+/// Why a caster could not be used: "caster:2101 cannot be reached: Connection refused."
+std::string CasterFailureSentence(const std::string& caster, PortError cause,
+                                  const std::string& detail);
 
 /// One sentence that names the state, its cause and what to do.
 std::string CorrectionSentence(const CorrectionStatus& status);

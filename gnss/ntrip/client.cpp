@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/string_table.h"
+#include "core/text.h"
 #include "gnss/ntrip/base64.h"
 
 namespace tarvex {
@@ -18,8 +19,26 @@ constexpr int kTextConnecting = 3310;
 constexpr int kTextConnectingToBroadcaster = 3311;
 constexpr int kOpenProgressBase = 25;
 constexpr std::string_view kStreamMark = "ICY 200 OK";
+constexpr std::string_view kTlsAlert = "\x15\x03";
+constexpr std::size_t kLongestAnswer = 100;
+constexpr int kHttpOk = 200;
 
 }  // namespace
+
+PortError HttpRefusal(const HttpHead& head) {
+  switch (head.status()) {
+    case 0:
+    case kHttpOk:
+      return PortError::None;
+    case 401:
+    case 403:
+      return PortError::NotAuthorized;
+    case 404:
+      return PortError::MountpointUnknown;
+    default:
+      return PortError::CasterRefused;
+  }
+}
 
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
                          std::string_view password) {
@@ -42,8 +61,15 @@ PortError NtripClient::Fail(PortError error) {
   return Report(surroundings_.errors, error);
 }
 
+// The operation's own error stands above its cause in the record; what the cause said is kept.
 PortError NtripClient::Caused(PortError error, PortError cause) {
   cause_ = cause;
+  cause_detail_.clear();
+  const int wanted =
+      static_cast<int>(cause == PortError::CasterNotOpened ? PortError::System : cause);
+  for (const LastError& entry : surroundings_.errors.History()) {
+    if (entry.code == wanted && !entry.arguments.empty()) cause_detail_ = entry.arguments.front();
+  }
   return Fail(error);
 }
 
@@ -72,12 +98,6 @@ PortError NtripClient::ReceiveText(std::string& received, int timeout_ms) {
   return error;
 }
 
-void NtripClient::BeginStream() {
-  start_ = {};
-  pending_.clear();
-  start_.Feed(reply_.Behind(kStreamMark), pending_);
-}
-
 PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view user,
                                   std::string_view password, Progress& progress) {
   if (const PortError error = SendRequest(mountpoint, user, password); error != PortError::None) {
@@ -85,16 +105,18 @@ PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view 
   }
   const std::int64_t since_ms = surroundings_.clock.SteadyMilliseconds();
   std::string received;
-  if (ReceiveText(received, static_cast<int>(2 * timeout_ms_)) != PortError::None) {
-    return Fail(PortError::FirstReceiveFailed);
+  if (const PortError error = ReceiveText(received, static_cast<int>(2 * timeout_ms_));
+      error != PortError::None) {
+    return Fail(error == PortError::Cancelled ? error : PortError::FirstReceiveFailed);
   }
-  reply_ = {};
-  reply_.Take(received);
+  ForgetStream();
+  if (TakeAnswer(received)) return BeginBody();
   return AwaitStream(progress, since_ms);
 }
 
 PortError NtripClient::AwaitStream(Progress& progress, std::int64_t since_ms) {
-  while (!reply_.Holds(kStreamMark)) {
+  std::string received;
+  do {
     if (surroundings_.clock.SteadyMilliseconds() - since_ms > kAnswerLimitMs) {
       return Fail(PortError::NoAnswer);
     }
@@ -102,14 +124,48 @@ PortError NtripClient::AwaitStream(Progress& progress, std::int64_t since_ms) {
     if (progress.Report(elapsed + kOpenProgressBase, 0, elapsed) != 0) {
       return Fail(PortError::Cancelled);
     }
-    if (const PortError refusal = Refusal(); refusal != PortError::None) return Fail(refusal);
-    std::string received;
+    if (const PortError refusal = Refusal(); refusal != PortError::None) return Refused(refusal);
     const PortError error = ReceiveText(received, static_cast<int>(timeout_ms_));
+    if (error == PortError::Cancelled) return Fail(error);
     if (error == PortError::FewerBytesRead) continue;
-    if (error != PortError::None) return Fail(RefusalWhenClosed());
-    reply_.Take(received);
+    if (error != PortError::None) return Refused(RefusalWhenClosed());
+  } while (received.empty() || !TakeAnswer(received));
+  return BeginBody();
+}
+
+void NtripClient::ForgetStream() {
+  reply_ = {};
+  head_ = {};
+  start_ = {};
+  chunks_ = {};
+  chunked_ = false;
+  pending_.clear();
+}
+
+// True when the caster has begun to send; what came with its answer is then pending.
+bool NtripClient::TakeAnswer(std::string_view received) {
+  reply_.Take(received);
+  head_.Feed(received);
+  if (head_.state() == HttpHead::State::Complete && head_.status() == kHttpOk) {
+    start_.Skip();
+    pending_ = received;
+    return true;
   }
-  BeginStream();
+  if (!reply_.Holds(kStreamMark)) return false;
+  start_.Feed(reply_.Behind(kStreamMark), pending_);
+  return true;
+}
+
+// The body of an HTTP answer is the stream, unless it says that it is something else.
+PortError NtripClient::BeginBody() {
+  if (head_.state() != HttpHead::State::Complete) return PortError::None;
+  constexpr std::string_view kType = "Content-Type";
+  if (head_.Holds(kType, "sourcetable")) return Fail(PortError::MountpointUnknown);
+  if (head_.Holds(kType, "html")) return Fail(PortError::NotCorrections);
+  chunked_ = head_.Holds("Transfer-Encoding", "chunked");
+  if (!chunked_) return PortError::None;
+  const std::string received = std::exchange(pending_, {});
+  chunks_.Feed(received, pending_);
   return PortError::None;
 }
 
@@ -119,18 +175,28 @@ PortError NtripClient::Refusal() const {
     return PortError::NotAuthorized;
   }
   if (reply_.Holds("SOURCETABLE 200 OK")) return PortError::MountpointUnknown;
-  return reply_.Holds("DISCONNECT") ? PortError::Disconnected : PortError::None;
+  if (reply_.Holds("DISCONNECT")) return PortError::Disconnected;
+  if (reply_.bytes().starts_with(kTlsAlert)) return PortError::CasterSpeaksTls;
+  return head_.state() == HttpHead::State::Complete ? HttpRefusal(head_) : PortError::None;
 }
 
 // A caster that closed without one of the marks may have said why in other words.
 PortError NtripClient::RefusalWhenClosed() const {
-  if (reply_.Holds("Bad Password") || reply_.Holds("403 Forbidden")) {
-    return PortError::NotAuthorized;
-  }
-  if (reply_.Holds("Bad Mountpoint") || reply_.Holds("404 Not Found")) {
-    return PortError::MountpointUnknown;
-  }
-  return PortError::FirstReceiveFailed;
+  if (reply_.Holds("Bad Password")) return PortError::NotAuthorized;
+  if (reply_.Holds("Bad Mountpoint")) return PortError::MountpointUnknown;
+  if (head_.status() != 0) return HttpRefusal(head_);
+  return reply_.bytes().starts_with("ERROR") ? PortError::CasterRefused
+                                             : PortError::FirstReceiveFailed;
+}
+
+PortError NtripClient::Refused(PortError refusal) {
+  if (refusal != PortError::CasterRefused) return Fail(refusal);
+  const std::string_view answer = reply_.bytes();
+  return Report(
+      surroundings_.errors, refusal,
+      {head_.status() != 0
+           ? head_.StatusLine()
+           : OneLine(answer.substr(0, std::min(answer.find_first_of("\r\n"), kLongestAnswer)))});
 }
 
 PortError NtripClient::LoadBases(CasterList& list, Progress& progress) {
@@ -154,8 +220,9 @@ PortError NtripClient::FetchTable(const CasterLogin& caster, const std::string& 
         NtripOperation::FetchTable,
         {.host = caster.host.str(), .port = caster.port, .file_name = file_name}, progress);
   }
-  if (Connect(caster.host.str(), caster.port, progress) != PortError::None) {
-    return Fail(PortError::CasterNotOpened);
+  if (const PortError error = Connect(caster.host.str(), caster.port, progress);
+      error != PortError::None) {
+    return error == PortError::Cancelled ? error : Fail(PortError::CasterNotOpened);
   }
   return FetchSourceTable(file_name, progress);
 }
@@ -179,7 +246,7 @@ PortError NtripClient::ConnectMountpoint(const CasterLogin& caster, const std::s
 PortError NtripClient::OpenAt(const CasterLogin& caster, const std::string& mountpoint,
                               Progress& progress) {
   if (connection_->Supports(NtripOperation::OpenMountpoint)) {
-    pending_.clear();
+    ForgetStream();
     start_.Skip();
     return connection_->Perform(NtripOperation::OpenMountpoint,
                                 {.host = caster.host.str(),
@@ -189,8 +256,9 @@ PortError NtripClient::OpenAt(const CasterLogin& caster, const std::string& moun
                                  .password = caster.password},
                                 progress);
   }
-  if (Connect(caster.host.str(), caster.port, progress) != PortError::None) {
-    return Fail(PortError::CasterNotOpened);
+  if (const PortError error = Connect(caster.host.str(), caster.port, progress);
+      error != PortError::None) {
+    return error == PortError::Cancelled ? error : Fail(PortError::CasterNotOpened);
   }
   return OpenStream(mountpoint, caster.user, caster.password, progress);
 }
@@ -199,16 +267,21 @@ PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int time
   count = 0;
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
   if (pending_.empty()) {
+    if (chunked_ && chunks_.ended()) return Fail(PortError::Disconnected);
     std::size_t got = 0;
     if (const PortError error = connection_->Receive(out, got, timeout_ms);
         error != PortError::None) {
       return error;
     }
-    if (start_.done()) {
+    if (start_.done() && !chunked_) {
       count = got;
       return PortError::None;
     }
-    start_.Feed({out.data(), got}, pending_);
+    if (chunked_) {
+      chunks_.Feed({out.data(), got}, pending_);
+    } else {
+      start_.Feed({out.data(), got}, pending_);
+    }
   }
   count = std::min(out.size(), pending_.size());
   std::memcpy(out.data(), pending_.data(), count);

@@ -11,6 +11,7 @@
 
 #include "gnss/ntrip/caster_list.h"
 #include "gnss/ntrip/connection.h"
+#include "gnss/ntrip/http_reply.h"
 #include "gnss/ntrip/progress.h"
 #include "gnss/ntrip/reply.h"
 #include "platform/clock.h"
@@ -22,6 +23,10 @@ namespace tarvex {
 /// out of the mountpoint: they would end the line.
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
                          std::string_view password);
+
+/// What an HTTP status other than 200 comes to: 401 and 403 NotAuthorized, 404 MountpointUnknown,
+/// any other CasterRefused.
+PortError HttpRefusal(const HttpHead& head);
 
 struct NtripSurroundings {
   Clock& clock;
@@ -39,8 +44,8 @@ class NtripClient {
   PortError Connect(const std::string& host, const std::string& port, Progress& progress);
   PortError SendRequest(std::string_view mountpoint, std::string_view user,
                         std::string_view password);
-  /// None when the caster answered "ICY 200 OK"; what came behind the answer is handed out by the
-  /// first Receive.
+  /// None when the caster answered "ICY 200 OK", or HTTP 200 with a body that is no table and no
+  /// page; what came behind the answer is handed out by the first Receive.
   PortError OpenStream(std::string_view mountpoint, std::string_view user,
                        std::string_view password, Progress& progress);
   PortError FetchSourceTable(const std::string& file_name, Progress& progress);
@@ -54,11 +59,13 @@ class NtripClient {
   PortError ConnectMountpoint(const CasterLogin& caster, const std::string& mountpoint,
                               Progress& progress);
 
-  /// The next bytes of the open stream.
+  /// The next bytes of the open stream; none of them when only a part of a chunk's head came.
   PortError Receive(std::span<char> out, std::size_t& count, int timeout_ms);
   PortError Send(std::string_view bytes, int timeout_ms);
 
   PortError cause() const { return cause_; }
+  /// What the caster or the system said to the cause, for a sentence; often empty.
+  const std::string& cause_detail() const { return cause_detail_; }
   const std::string& name() const { return name_; }
   std::uint32_t timeout_ms() const { return timeout_ms_; }
   void set_timeout_ms(std::uint32_t timeout_ms) { timeout_ms_ = timeout_ms; }
@@ -68,23 +75,29 @@ class NtripClient {
   PortError Caused(PortError error, PortError cause);
   int ElapsedSeconds(std::int64_t since_ms) const;
   PortError AwaitStream(Progress& progress, std::int64_t since_ms);
+  void ForgetStream();
+  bool TakeAnswer(std::string_view received);
+  PortError BeginBody();
   PortError Refusal() const;
   PortError RefusalWhenClosed() const;
+  PortError Refused(PortError refusal);
   PortError AwaitTable(std::string& table, Progress& progress, std::int64_t since_ms);
   PortError StoreTable(std::string table, const std::string& file_name, Progress& progress,
                        std::int64_t since_ms);
   PortError FetchTable(const CasterLogin& caster, const std::string& file_name, Progress& progress);
   PortError OpenAt(const CasterLogin& caster, const std::string& mountpoint, Progress& progress);
   PortError ReceiveText(std::string& received, int timeout_ms);
-  void BeginStream();
-
   NtripConnection* connection_;
   std::string name_;
   NtripSurroundings surroundings_;
   std::uint32_t timeout_ms_ = 2000;
   PortError cause_ = PortError::None;
+  std::string cause_detail_;
   ReplyWindow reply_;
+  HttpHead head_;
   StreamStart start_;
+  ChunkedBody chunks_;
+  bool chunked_ = false;
   std::string pending_;  // stream bytes that came with the answer
 };
 

@@ -33,6 +33,7 @@ class NtripConnection {
   virtual ~NtripConnection() = default;
 
   virtual bool Supports(NtripOperation operation) = 0;
+  /// Cancelled when the progress object says so.
   virtual PortError Perform(NtripOperation operation, const NtripTarget& target,
                             Progress& progress) = 0;
   virtual PortError Send(std::string_view bytes, int timeout_ms) = 0;
@@ -42,7 +43,9 @@ class NtripConnection {
   virtual void Close() = 0;
 };
 
-/// A TCP connection of this machine; `errors` receives every failure.
-std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors);
+/// A TCP connection of this machine; `errors` receives every failure. While it waits for its caster
+/// it asks `stop`, which makes it return Cancelled; while it connects it asks the progress as well.
+std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors,
+                                                        StopAsked stop = {});
 
 }  // namespace tarvex

@@ -15,9 +15,17 @@ constexpr std::uint64_t kLargestTable = 32U << 20;
 constexpr int kTableProgress = 10;
 constexpr int kProgressDone = 90;
 constexpr std::string_view kEnd = "ENDSOURCETABLE";
+constexpr std::string_view kTlsAlert = "\x15\x03";
 
 bool Holds(std::string_view text, std::string_view mark) {
   return text.find(mark) != std::string_view::npos;
+}
+
+// What the status of an HTTP answer refuses; nothing for any other answer.
+PortError RefusalOf(std::string_view reply) {
+  HttpHead head;
+  head.Feed(reply);
+  return HttpRefusal(head);
 }
 
 // Where the table begins: the first "STR", or the first "CAS" when there is none.
@@ -25,6 +33,35 @@ std::size_t TableBegin(std::string_view text) {
   const std::size_t stream = text.find("STR");
   return stream != std::string_view::npos ? stream : text.find("CAS");
 }
+
+// What a caster sends, without the head of an HTTP answer and the sizes of its chunks.
+class TableBody {
+ public:
+  std::string Take(std::string_view received) {
+    if (head_.state() == HttpHead::State::Gathering) {
+      held_ += received;
+      head_.Feed(received);
+      if (head_.state() == HttpHead::State::Gathering) return {};
+      if (head_.state() == HttpHead::State::NotHttp) return std::exchange(held_, {});
+      chunked_ = head_.Holds("Transfer-Encoding", "chunked");
+    }
+    std::string data;
+    if (chunked_) {
+      chunks_.Feed(received, data);
+    } else {
+      data = received;
+    }
+    return data;
+  }
+  /// Nothing follows the last chunk.
+  bool ended() const { return chunked_ && chunks_.ended(); }
+
+ private:
+  HttpHead head_;
+  ChunkedBody chunks_;
+  std::string held_;
+  bool chunked_ = false;
+};
 
 // The table on its way into its file. What comes before the table is dropped, also when it fills
 // receives of its own; the end is found also where two receives meet.
@@ -48,6 +85,7 @@ class TableFile {
     return Write(received);
   }
 
+  bool begun() const { return begun_; }
   bool complete() const { return complete_; }
 
  private:
@@ -95,13 +133,18 @@ PortError NtripClient::AwaitTable(std::string& table, Progress& progress, std::i
     }
     if (Holds(table, "401 Unauthorized")) return Fail(PortError::NotAuthorized);
     if (Holds(table, "DISCONNECT")) return Fail(PortError::Disconnected);
+    if (table.starts_with(kTlsAlert)) return Fail(PortError::CasterSpeaksTls);
     if (table.size() > kLargestReply) return Fail(PortError::TableTooLarge);
     std::string received;
     const PortError error = ReceiveText(received, static_cast<int>(timeout_ms_));
-    if (error != PortError::None && error != PortError::FewerBytesRead) return error;
+    if (error != PortError::None && error != PortError::FewerBytesRead) {
+      const PortError refusal = RefusalOf(table);
+      return refusal == PortError::None ? error : Fail(refusal);
+    }
     table += received;
   }
-  return PortError::None;
+  const PortError refusal = RefusalOf(table);
+  return refusal == PortError::None ? refusal : Fail(refusal);
 }
 
 PortError NtripClient::StoreTable(std::string table, const std::string& file_name,
@@ -111,11 +154,15 @@ PortError NtripClient::StoreTable(std::string table, const std::string& file_nam
     return Fail(PortError::FileNotCreated);
   }
   TableFile file(std::move(opened));
+  TableBody body;
   for (int n = kTableProgress;; ++n) {
-    if (const PortError error = file.Append(table); error != PortError::None) return Fail(error);
-    if (file.complete()) break;
+    if (const PortError error = file.Append(body.Take(table)); error != PortError::None) {
+      return Fail(error);
+    }
+    if (file.complete() || body.ended()) break;
     if (progress.Report(n) != 0) return Fail(PortError::Cancelled);
-    if (surroundings_.clock.SteadyMilliseconds() - since_ms > kTableLimitMs) {
+    const std::int64_t limit_ms = file.begun() ? kTableLimitMs : kAnswerLimitMs;
+    if (surroundings_.clock.SteadyMilliseconds() - since_ms > limit_ms) {
       return Fail(PortError::NoAnswer);
     }
     if (ReceiveText(table, static_cast<int>(timeout_ms_)) != PortError::None) break;

@@ -1,4 +1,5 @@
 #include <memory>
+#include <utility>
 
 #include "gnss/ntrip/connection.h"
 #include "platform/tcp_socket.h"
@@ -7,21 +8,27 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint32_t kConnectTimeoutMs = 10000;
+constexpr int kConnectingProgress = 5;
 
 class TcpNtripConnection final : public NtripConnection {
  public:
-  explicit TcpNtripConnection(LastErrorRecord& errors) : errors_(errors) {}
+  TcpNtripConnection(LastErrorRecord& errors, StopAsked stop)
+      : errors_(errors), stop_(std::move(stop)) {}
 
   bool Supports(NtripOperation operation) override { return operation == NtripOperation::OpenTcp; }
 
   PortError Perform(NtripOperation operation, const NtripTarget& target,
-                    Progress& /*progress*/) override {
+                    Progress& progress) override {
     if (operation != NtripOperation::OpenTcp) return Report(errors_, PortError::NothingGiven);
     const bool bare_ipv6 = target.host.find(':') != std::string::npos;
     port_ = std::make_unique<Port>(
         (bare_ipv6 ? "[" + target.host + "]" : target.host) + ":" + target.port,
-        MakeTcpDevice(kConnectTimeoutMs), errors_);
-    return port_->Open();
+        MakeTcpDevice(kConnectTimeoutMs, [this] { return StopAskedFor(); }), errors_);
+    stopped_ = false;
+    progress_ = &progress;
+    const PortError error = port_->Open();
+    progress_ = nullptr;
+    return stopped_ ? Report(errors_, PortError::Cancelled) : error;
   }
 
   PortError Send(std::string_view bytes, int timeout_ms) override {
@@ -35,7 +42,7 @@ class TcpNtripConnection final : public NtripConnection {
     if (port_ == nullptr) return Report(errors_, PortError::NotOpen);
     if (out.empty()) return PortError::None;
     if (const PortError error = port_->Read(out.first(1), timeout_ms); error != PortError::None) {
-      return error;
+      return stopped_ ? Report(errors_, PortError::Cancelled) : error;
     }
     if (port_->last_count() == 0) return PortError::FewerBytesRead;
     count = 1;
@@ -49,14 +56,23 @@ class TcpNtripConnection final : public NtripConnection {
   void Close() override { port_.reset(); }
 
  private:
+  bool StopAskedFor() {
+    stopped_ =
+        (stop_ && stop_()) || (progress_ != nullptr && progress_->Report(kConnectingProgress) != 0);
+    return stopped_;
+  }
+
   LastErrorRecord& errors_;
+  StopAsked stop_;
+  Progress* progress_ = nullptr;  // while connecting
+  bool stopped_ = false;
   std::unique_ptr<Port> port_;
 };
 
 }  // namespace
 
-std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors) {
-  return std::make_unique<TcpNtripConnection>(errors);
+std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors, StopAsked stop) {
+  return std::make_unique<TcpNtripConnection>(errors, std::move(stop));
 }
 
 }  // namespace tarvex

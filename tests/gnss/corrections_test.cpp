@@ -137,7 +137,8 @@ class Session : public testing::Test {
   LatestGga gga;
   CorrectionSession session{
       {.caster = {.host = FixedText<128>("caster"), .user = "u", .password = "secret"},
-       .mountpoint = "MNT"},
+       .mountpoint = "MNT",
+       .gga = GgaUpload::Always},
       caster,
       {.clock = clock, .files = files, .errors = errors}};
 };
@@ -159,6 +160,54 @@ TEST_F(Session, PumpsCorrectionsAndTellsWhatItHas) {
   EXPECT_EQ(CorrectionSentence(status), "Corrections flow from caster:2101, mountpoint MNT.");
   Steps(25);
   EXPECT_EQ(session.Status().ggas_sent, 2U) << "again after ten seconds";
+}
+
+struct UploadCase {
+  const char* what;
+  GgaUpload upload;
+  std::string table;  ///< empty: the caster is not asked for it
+  bool sent;
+};
+
+TEST(GgaUploads, GoWhereTheTableWantsThem) {
+  const std::string table = "SOURCETABLE 200 OK\r\nContent-Length: 1\r\n\r\n";
+  const std::string wanting = "STR;MNT;;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;1;0;g;none;B;N;9600;\r\n";
+  const std::string not_wanting =
+      "STR;MNT;;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;0;0;g;none;B;N;9600;\r\n";
+  const std::string end = "ENDSOURCETABLE\r\n";
+  const UploadCase cases[] = {
+      {"wanted", GgaUpload::WhenWanted, table + wanting + end, true},
+      {"not wanted", GgaUpload::WhenWanted, table + not_wanting + end, false},
+      {"another stream", GgaUpload::WhenWanted, table + "STR;X;;;;;;;;;;1;\r\n" + end, false},
+      {"no table", GgaUpload::WhenWanted, "HTTP/1.0 401 Unauthorized\r\n", false},
+      {"forced", GgaUpload::Always, "", true},
+      {"forbidden", GgaUpload::Never, "", false}};
+  for (const UploadCase& upload : cases) {
+    SCOPED_TRACE(upload.what);
+    ManualClock clock;
+    MemoryFiles files;
+    LastErrorRecord errors;
+    NoProgress progress;
+    ScriptedCaster caster{clock};
+    LatestGga gga;
+    gga.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
+    CorrectionSession session(
+        {.caster = {.host = FixedText<128>("caster")}, .mountpoint = "MNT", .gga = upload.upload},
+        caster, {.clock = clock, .files = files, .errors = errors});
+    session.Attach(nullptr, &gga);
+    if (!upload.table.empty()) caster.steps.emplace_back(upload.table);
+    caster.steps.emplace_back("ICY 200 OK\r\n" + kStationFrame);
+    for (int i = 0; i < 3; ++i) (void)session.Step(500, progress);
+    EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
+    EXPECT_EQ(session.Status().ggas_sent, upload.sent ? 1U : 0U);
+    EXPECT_EQ(caster.performed.size(), upload.table.empty() ? 1U : 2U);
+    // A table is asked for once, not with every connection.
+    caster.steps = {PortError::ReadFailed, "ICY 200 OK\r\n" + kStationFrame};
+    (void)session.Step(500, progress);
+    session.Retry();
+    (void)session.Step(500, progress);
+    EXPECT_EQ(caster.performed.size(), upload.table.empty() ? 2U : 3U);
+  }
 }
 
 TEST_F(Session, NoticesAMovedBase) {
@@ -222,7 +271,8 @@ TEST_F(Session, NoticesSilenceAndOpensAnew) {
   Steps(2);
   EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
   Steps(31);
-  EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("has sent nothing for 16 s"));
+  EXPECT_THAT(CorrectionSentence(session.Status()),
+              HasSubstr("has sent nothing for 16 s; no position was sent to it."));
   Steps(100);
   EXPECT_EQ(session.Status().state, CorrectionState::Waiting);
   EXPECT_TRUE(caster.closed);
@@ -239,6 +289,7 @@ TEST_F(Session, TellsAReceiverThatDoesNotTakeThem) {
 CasterContent Content(const std::string& data, std::uint32_t rate) {
   CasterContent content{.user = "u", .password = "secret", .data = data, .bytes_per_second = rate};
   content.stream.mountpoint.Assign("MNT");
+  content.stream.nmea = true;
   content.stream.format.Assign("RTCM 3.2");
   return content;
 }

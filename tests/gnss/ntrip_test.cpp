@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <charconv>
+
 #include "gnss/ntrip/base64.h"
 #include "gnss/ntrip/client.h"
 #include "tests/gnss/scripted_caster.h"
@@ -111,7 +113,15 @@ TEST_F(Client, NamesEveryRefusal) {
       {"DISCONNECT", PortError::Disconnected},
       {"ERROR - Bad Password\r\n", PortError::NotAuthorized},
       {"ERROR - Bad Mountpoint\r\n", PortError::MountpointUnknown},
-      {"HTTP/1.1 500 oh", PortError::FirstReceiveFailed}};
+      {"HTTP/1.1 403 Forbidden\r\n\r\n", PortError::NotAuthorized},
+      {"HTTP/1.1 404 Not Found\r\n\r\n", PortError::MountpointUnknown},
+      {"HTTP/1.1 500 oh", PortError::CasterRefused},
+      {"ERROR - Mount Point Taken\r\n", PortError::CasterRefused},
+      {"HTTP/1.1 200 OK\r\nContent-Type: gnss/sourcetable\r\n\r\nSTR",
+       PortError::MountpointUnknown},
+      {"HTTP/1.1 200 OK\r\nContent-type: text/HTML\r\n\r\n<html>", PortError::NotCorrections},
+      {"\x15\x03\x03 alert", PortError::CasterSpeaksTls},
+      {"no caster at all", PortError::FirstReceiveFailed}};
   for (const auto& [reply, error] : cases) {
     caster.steps = {reply};
     caster.at_end = PortError::ReadFailed;
@@ -119,6 +129,79 @@ TEST_F(Client, NamesEveryRefusal) {
   }
   caster.steps = {"HTTP/1.0 401 Unaut", "horized\r\n"};
   EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::NotAuthorized);
+}
+
+TEST_F(Client, SaysWhatACasterAnswered) {
+  caster.steps = {"HTTP/1.1 503 Full\x1b[2J up\r\nRetry-After: 60\r\n\r\n"};
+  EXPECT_EQ(client.ConnectMountpoint({.host = FixedText<128>("h")}, "MNT", progress),
+            PortError::MountpointNotConnected);
+  EXPECT_EQ(client.cause(), PortError::CasterRefused);
+  EXPECT_EQ(client.cause_detail(), "HTTP/1.1 503 Full [2J up") << "nothing for a terminal to obey";
+}
+
+// Data with everything in it that a head or a chunk could be mistaken for.
+const std::string kBinary("\xD3\x00\x13\r\n\r\n0\r\n\r\nICY 200 OK\r\nHTTP/1.1 404\r\n\x00\xFF",
+                          40);
+
+struct HttpCase {
+  const char* what;
+  std::string reply;
+};
+
+TEST_F(Client, TakesAStreamOverHttpByteForByte) {
+  const std::string head = "HTTP/1.1 200 OK\r\nContent-Type: gnss/data\r\n";
+  const HttpCase cases[] = {
+      {"version 1.0", "HTTP/1.0 200 OK\r\n\r\n" + kBinary},
+      {"version 1.1", head + "Connection: close\r\n\r\n" + kBinary},
+      {"bare line feeds", "HTTP/1.1 200 OK\nServer: x\n\n" + kBinary},
+      {"chunks", head + "Transfer-Encoding: chunked\r\n\r\n1\r\n" + kBinary.substr(0, 1) +
+                     "\r\n027;name=x\r\n" + kBinary.substr(1) + "\r\n"},
+      {"chunks and an end",
+       head + "transfer-encoding: Chunked\r\n\r\n28 \r\n" + kBinary + "\r\n0\r\n\r\n"}};
+  ASSERT_EQ(kBinary.size(), 0x28U);
+  for (const HttpCase& http : cases) {
+    for (std::size_t piece = 1; piece <= http.reply.size(); piece += piece < 8 ? 1 : 37) {
+      SCOPED_TRACE(http.what + std::string(" in pieces of ") + std::to_string(piece));
+      caster.steps.clear();
+      for (std::size_t at = 0; at < http.reply.size(); at += piece) {
+        caster.steps.emplace_back(http.reply.substr(at, piece));
+      }
+      ASSERT_EQ(client.OpenStream("MNT", "u", "p", progress), PortError::None);
+      std::string got;
+      while (!caster.steps.empty() || got.size() < kBinary.size()) {
+        const std::string bytes = NextBytes();
+        if (bytes == "failed") break;
+        got += bytes;
+      }
+      EXPECT_EQ(got, kBinary);
+    }
+  }
+}
+
+TEST_F(Client, EndsAChunkedStreamThatIsDamagedOrOver) {
+  const std::string head = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+  for (const std::string body :
+       {"3\r\nabc\r\n0\r\n\r\nmore", "3\r\nabcXY\r\nmore", "3\r\nabc\r\nzz\r\nmore",
+        "3\r\nabc\r\nffffffffffffffffff\r\nmore", "3\r\nabc\r\n-1\r\nmore"}) {
+    caster.steps = {head + body};
+    ASSERT_EQ(client.OpenStream("MNT", "", "", progress), PortError::None);
+    EXPECT_EQ(NextBytes(), "abc") << body;
+    char bytes[8];
+    std::size_t count = 0;
+    EXPECT_EQ(client.Receive(bytes, count, 100), PortError::Disconnected) << body;
+  }
+}
+
+TEST_F(Client, HeadsWithoutEndAreBounded) {
+  caster.steps = {"HTTP/1.1 200 OK\r\n"};
+  caster.at_end = "X-Header: " + std::string(1000, 'x') + "\r\n";
+  EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::NoAnswer);
+  caster.steps = {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"};
+  caster.at_end = std::string(64, '1');
+  ASSERT_EQ(client.OpenStream("MNT", "", "", progress), PortError::None);
+  std::string bytes;
+  for (int i = 0; i < 20 && bytes.empty(); ++i) bytes = NextBytes();
+  EXPECT_EQ(bytes, "failed") << "a chunk size without end";
 }
 
 TEST_F(Client, GivesUpAfterAMinuteAndWhenCancelled) {
@@ -139,6 +222,11 @@ const std::string kRows =
     "STR;TWO;Town;CMR+;;2;GPS;N;AUT;47.5;189.6;0;1;g;none;B;Y;9600;m\r\n"
     "ENDSOURCETABLE\r\n";
 
+std::string Hex(std::size_t number) {
+  char text[20];
+  return {text, std::to_chars(text, text + sizeof text, number, 16).ptr};
+}
+
 TEST_F(Client, StoresTheTableFromItsFirstStreamOn) {
   const std::vector<std::vector<std::string>> ways = {
       {kHeader + kRows},
@@ -146,7 +234,9 @@ TEST_F(Client, StoresTheTableFromItsFirstStreamOn) {
       {"SOURCETABLE 200 OK\r\n", std::string(kHeader).substr(20), kRows.substr(0, 2),
        kRows.substr(2)},
       {kHeader + kRows.substr(0, kRows.size() - 10), kRows.substr(kRows.size() - 10)},
-      {"HTTP/1.1 200 OK\r\nContent-Type: gnss/sourcetable\r\n\r\n" + kRows}};
+      {"HTTP/1.1 200 OK\r\nContent-Type: gnss/sourcetable\r\n\r\n" + kRows},
+      {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n40\r\n" + kRows.substr(0, 64),
+       "\r\n" + Hex(kRows.size() - 64) + "\r\n" + kRows.substr(64, 9), kRows.substr(73)}};
   for (const auto& pieces : ways) {
     for (const std::string& piece : pieces) caster.steps.emplace_back(piece);
     ASSERT_EQ(client.FetchSourceTable("table.txt", progress), PortError::None);
@@ -165,6 +255,10 @@ TEST_F(Client, EndsATableThatStopsComing) {
 TEST_F(Client, NamesWhatHindersATable) {
   caster.steps = {"HTTP/1.0 401 Unauthorized\r\n"};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NotAuthorized);
+  caster.steps = {"HTTP/1.1 401 No\r\nContent-Length: 4\r\n\r\nSTR;"};
+  EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NotAuthorized);
+  caster.steps = {"\x15\x03\x01"};
+  EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::CasterSpeaksTls);
   caster.steps = {"DISCONNECT"};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::Disconnected);
   caster.steps = {PortError::ReadFailed};
@@ -175,6 +269,13 @@ TEST_F(Client, NamesWhatHindersATable) {
   caster.steps = {kHeader + kRows};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::Cancelled);
   progress.cancel_after = 1'000'000;
+  caster.steps.clear();
+  caster.steps = {"ICY 200 OK\r\nContent-Length: 0\r\n\r\n"};
+  caster.at_end = "x";
+  const std::int64_t before_ms = clock.milliseconds;
+  EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NoAnswer)
+      << "corrections instead of a table";
+  EXPECT_LT(clock.milliseconds - before_ms, 70'000);
   caster.steps.clear();
   caster.at_end = "STR;" + std::string(1000, 'x') + "\n";
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::TableTooLarge)

@@ -8,7 +8,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
+#include <chrono>
 #include <thread>
+#include <vector>
 
 #include "gnss/line_reader.h"
 #include "gnss/port_address.h"
@@ -120,7 +124,9 @@ TEST_F(ScriptedPort, LinesEndAtLineFeed) {
   EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::PortFailed);
   EXPECT_EQ(ReadLine(*port, std::span(buffer).first(1), 100).status, ReadLineStatus::NoCapacity);
   const PortUse elsewhere(*port);
+  buffer[0] = 'x';
   EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::PortFailed);
+  EXPECT_STREQ(buffer, "") << "always a text, also when another reader has the port";
 }
 
 TEST_F(ScriptedPort, FramesEndAsTheMakeSays) {
@@ -242,6 +248,25 @@ TEST_F(PseudoTerminal, TakesAnyBaudRateInRange) {
   }
 }
 
+TEST_F(PseudoTerminal, RefusesALineThatItCannotKeep) {
+  (void)port.SetLine(name, 9600, 7, kParityEven, 0);  // such a device is always 8 bits, no parity
+  EXPECT_EQ(port.Open(), PortError::ConfigureFailed);
+  (void)port.SetLine(name, 0, 8, 0, 0);
+  EXPECT_EQ(port.Open(), PortError::ConfigureFailed);
+  (void)port.SetLine(name, 9600, 8, 0, kStopBitsTwo);
+  EXPECT_EQ(port.Open(), PortError::None);
+}
+
+TEST(SerialDevice, NumbersStandForTheLinesOfThisMachine) {
+  LastErrorRecord errors;
+  ManualClock clock;
+  SerialPort port(errors, clock);
+  (void)port.SetLine(9999, 9600, 8, 0, 0);
+  EXPECT_EQ(port.Open(), PortError::OpenFailed);
+  EXPECT_EQ(ErrorSentences(errors),
+            "The system says: No such file or directory. The port COM9999: could not be opened.");
+}
+
 TEST_F(PseudoTerminal, CountsAndPurgesWhatWaits) {
   ASSERT_EQ(port.Open(), PortError::None);
   Send("line\nrest");
@@ -321,6 +346,58 @@ TEST_F(Loopback, ReadsLinesThatDribbleIn) {
                 port->Write(std::string(1 << 16, 'x'), 100) == PortError::None,
             false)
       << "a reset fails the call and ends nothing";
+}
+
+TEST(TcpDevice, NamesAnUnknownHost) {
+  LastErrorRecord errors;
+  ManualClock clock;
+  const auto port = MakePort({.kind = PortKind::Tcp, .target = "no-such-host.invalid:9001"},
+                             SystemFiles(), clock, errors);
+  EXPECT_EQ(port->Open(), PortError::OpenFailed);
+  EXPECT_EQ(errors.Get().arguments, std::vector<std::string>{"no-such-host.invalid:9001"});
+}
+
+// How long an operation took, in milliseconds.
+template <typename Action>
+std::int64_t Milliseconds(Action action) {
+  const auto before = std::chrono::steady_clock::now();
+  action();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                               before)
+      .count();
+}
+
+TEST_F(Loopback, StoppingEndsConnectingAndReading) {
+  // A queue that is full answers no more, as a host that drops packets does.
+  std::vector<int> waiting;
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  ASSERT_EQ(::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
+  for (int i = 0; i < 8; ++i) {
+    waiting.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    (void)::connect(waiting.back(), reinterpret_cast<sockaddr*>(&address), size);
+  }
+  std::atomic<bool> stop = false;
+  const auto device = MakeTcpDevice(20'000, [&stop] { return stop.load(); });
+  std::thread stopper([&stop] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    stop = true;
+  });
+  DeviceStatus status;
+  EXPECT_LT(Milliseconds([&] { status = device->Open(target); }), 5000);
+  EXPECT_EQ(status.code, ECANCELED);
+  stopper.join();
+  for (const int descriptor : waiting) ::close(descriptor);
+  stop = false;
+  ASSERT_EQ(::fcntl(listener, F_SETFL, O_NONBLOCK), 0);
+  while ((peer = ::accept(listener, nullptr, nullptr)) >= 0) ::close(peer);
+  ASSERT_TRUE(device->Open(target).ok());
+  ASSERT_TRUE(device->SetTimeouts({.read = {.constant_ms = 20'000}}).ok());
+  char byte = 0;
+  std::size_t got = 0;
+  stop = true;
+  EXPECT_LT(Milliseconds([&] { status = device->Read({&byte, 1}, got); }), 5000);
+  EXPECT_EQ(status.code, ECANCELED);
 }
 
 TEST_F(Loopback, NamesARefusedConnection) {
