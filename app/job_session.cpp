@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <span>
+#include <vector>
 
 #include "core/number_text.h"
 #include "core/text.h"
@@ -18,6 +20,16 @@ std::string JobName(const std::string& path) {
   std::string name = without.substr(folder == std::string::npos ? 0 : folder + 1);
   name.pop_back();  // the dot
   return name;
+}
+
+// "north or south", "metres, us-feet or intl-feet".
+std::string Listed(std::span<const std::string_view> words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " or " : ", ";
+    text += words[i];
+  }
+  return text;
 }
 
 // A link leads to the file itself, so that the job's other files stand beside it and a file that is
@@ -74,21 +86,29 @@ bool JobSession::Load() {
 }
 
 bool JobSession::LoadExisting() {
-  if (files().Exists(job_.path)) return Load();
+  if (files().Exists(job_.path)) {
+    if (!files().Exists(settings_path())) {
+      program_.Warn("The job's settings " + settings_path() +
+                    " are missing: metres, azimuths from north and no coordinate system are "
+                    "assumed.");
+    }
+    return Load();
+  }
   ShowMessage("There is no job " + job_.path + "; `tarvex new " + job_.path + "` creates it.");
   return false;
 }
 
 bool JobSession::TakeSettings() {
-  const auto refuse = [this](std::string_view key, std::string_view value) {
+  const auto refuse = [this](std::string_view key, std::string_view value,
+                             std::string_view wanted) {
     ShowMessage(settings_path() + ": " + std::string(key) + "=" + std::string(value) +
-                " makes no sense; the job was not opened.");
+                " makes no sense (" + std::string(wanted) + "); the job was not opened.");
     return false;
   };
   struct Choice {
     const char* key;
     const char* fallback;
-    std::initializer_list<std::string_view> values;
+    std::vector<std::string_view> values;
   };
   const Choice choices[] = {{"ids", "alphanumeric", {"alphanumeric", "numeric"}},
                             {"units", "metres", {"metres", "us-feet", "intl-feet"}},
@@ -97,12 +117,12 @@ bool JobSession::TakeSettings() {
   for (const Choice& choice : choices) {
     const std::string value = settings_.GetOr(choice.key, choice.fallback);
     if (std::find(choice.values.begin(), choice.values.end(), value) == choice.values.end()) {
-      return refuse(choice.key, value);
+      return refuse(choice.key, value, Listed(choice.values));
     }
   }
   const std::string scale_text = settings_.GetOr("scale_factor", "1");
   const auto scale = ParseNumber(scale_text);
-  if (!scale || *scale <= 0.0) return refuse("scale_factor", scale_text);
+  if (!scale || *scale <= 0.0) return refuse("scale_factor", scale_text, "a number above 0");
   job_.unit = *ParseUnit(settings_.GetOr("units", "metres"));
   job_.scale_factor = *scale;
   job_.name = settings_.GetOr("name", job_.name);

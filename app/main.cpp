@@ -1,5 +1,6 @@
 // tarvex: field data collection for land surveyors.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -31,6 +32,21 @@ void AddCommands(CLI::App& app, Program& program) {
   AddDemoCommand(app, program);
 }
 
+// What was wrong with the words of the command line, with what helps.
+std::string Explained(const CLI::App* app, const CLI::Error& error) {
+  constexpr const char* kMore = "\nRun with --help for more information.\n";
+  const std::vector<std::string> unknown = app->remaining(true);
+  const std::string what = error.what();
+  if (!unknown.empty() && what == "A subcommand is required") {
+    return "ERROR: There is no command \"" + unknown.front() + "\"." + kMore;
+  }
+  const bool dash = std::any_of(unknown.begin(), unknown.end(),
+                                [](const std::string& word) { return word.starts_with('-'); });
+  return "ERROR: " + what +
+         (dash ? "\nValues that begin with \"-\" and are no numbers stand behind \"--\"." : "") +
+         kMore;
+}
+
 int Run(int argc, char** argv) {
   Program program{.files = SystemFiles(), .clock = SystemClock(), .console = StandardConsole()};
   CLI::App app(
@@ -39,9 +55,7 @@ int Run(int argc, char** argv) {
       "tarvex");
   app.set_version_flag("--version", ProgramIdentification());
   app.set_help_all_flag("--help-all", "Help of all commands");
-  app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return "ERROR: " + std::string(error.what()) + "\nRun with --help for more information.\n";
-  });
+  app.failure_message(Explained);
   app.require_subcommand(1);
   AddCommands(app, program);
   WatchForInterrupt();

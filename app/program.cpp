@@ -18,12 +18,16 @@ void NoteInterrupt(int) {
 ExitCode Program::Fail(std::string_view sentence) {
   console.EndProgress();
   console.PrintError("ERROR: " + std::string(sentence) + "\n");
-  return ExitCode::Failed;
+  return exit_code = ExitCode::Failed;
 }
 
 ExitCode Program::Misuse(std::string_view sentence) {
   (void)Fail(sentence);
-  return ExitCode::WrongUse;
+  return exit_code = ExitCode::WrongUse;
+}
+
+void Program::Warn(std::string_view sentence) {
+  console.PrintError("WARNING: " + std::string(sentence) + "\n");
 }
 
 bool InterruptRequested() {

@@ -39,6 +39,8 @@ struct Program {
   ExitCode Fail(std::string_view sentence);
   /// The same for an argument that makes no sense.
   ExitCode Misuse(std::string_view sentence);
+  /// Prints "WARNING: ...".
+  void Warn(std::string_view sentence);
 };
 
 /// The console on this process's standard streams.

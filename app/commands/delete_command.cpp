@@ -50,6 +50,8 @@ void AddDeleteCommand(CLI::App& app, Program& program) {
   Command<DeleteOptions> command(app, program, "delete", "Delete points of a job", RunDelete);
   command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
   command.sub.add_option("ID", command.options->ids, "The points to delete")->required();
+  command.sub.footer(
+      "The raw file keeps what each point was. Example: tarvex delete site.crd 104 105");
 }
 
 }  // namespace tarvex

@@ -5,6 +5,7 @@
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/job_session.h"
+#include "app/number_entry.h"
 #include "app/point_storing.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
@@ -63,10 +64,9 @@ std::string TakeImportLine(const Job& job, std::string_view text, std::size_t nu
     constexpr const char* kNames[] = {"northing", "easting", "elevation"};
     const auto field = TakeField(line);
     if (!field) return "fewer than four fields.";
-    const auto value = ParseNumber(*field);
-    if (!value)
-      return std::string("the ") + kNames[i] + " \"" + std::string(*field) + "\" is not a number.";
-    values[i] = *value;
+    const NumberEntry entry = ReadNumberEntry(*field);
+    if (!entry.problem.empty()) return std::string("the ") + kNames[i] + " " + entry.problem + ".";
+    values[i] = entry.value;
   }
   if (std::string problem = IdProblem(job, *id); !problem.empty()) return problem;
   const std::string_view description = WithoutOuterBlanks(line.value_or(""));
@@ -148,6 +148,10 @@ void AddImportCommand(CLI::App& app, Program& program) {
       ->required();
   command.sub.add_flag("--skip-bad-lines", command.options->skip_bad_lines,
                        "Store the good lines although others are bad");
+  command.sub.footer(
+      "Each bad line is named, and then nothing is stored. A line: "
+      "BM1,5184900,520300,1100.25,bench\n"
+      "Example: tarvex import site.crd control.csv");
 }
 
 }  // namespace tarvex

@@ -59,8 +59,13 @@ ExitCode CreateFiles(Program& program, JobSession& session, const std::string& s
 }
 
 ExitCode RunNew(const NewOptions& options, Program& program) {
-  if (!options.job.ends_with(".crd") || options.job.ends_with("/.crd") || options.job == ".crd") {
-    return program.Misuse("A job's coordinate file ends in .crd: " + options.job + ".crd?");
+  if (!options.job.ends_with(".crd")) {
+    const bool folder = options.job.empty() || options.job.ends_with('/');
+    return program.Misuse("A job's coordinate file ends in .crd: " + options.job +
+                          (folder ? "site.crd?" : ".crd?"));
+  }
+  if (options.job.ends_with("/.crd") || options.job == ".crd") {
+    return program.Misuse("The job needs a name before .crd.");
   }
   const auto scale = ParseNumber(options.scale_factor);
   if (!scale || *scale < 0.5 || *scale > 2.0) {
@@ -129,6 +134,9 @@ void AddNewCommand(CLI::App& app, Program& program) {
                  "Grid scale factor of the raw file (default: 1)");
   sub.add_option("--name", options.name,
                  "Name written into the raw file (default: the file's name)");
+  sub.footer(
+      "Beside JOB.crd come JOB.job with the settings and JOB.rw5, the raw file.\n"
+      "Example: tarvex new site.crd --units us-feet --system \"UTM/UTM WGS84 Zone 32\"");
 }
 
 }  // namespace tarvex

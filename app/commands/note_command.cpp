@@ -66,6 +66,7 @@ void AddNoteCommand(CLI::App& app, Program& program) {
   command.sub.add_option("--add", command.options->added,
                          "Add this note; line breaks make further lines");
   command.sub.add_flag("--json", command.options->json, "Print JSON");
+  command.sub.footer("Example: tarvex note site.crd 100 --add \"seen from north\"");
 }
 
 }  // namespace tarvex

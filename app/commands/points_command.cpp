@@ -1,10 +1,10 @@
 // tarvex points: the points of a job.
-#include <algorithm>
-
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/job_session.h"
 #include "app/json_text.h"
+#include "app/table_text.h"
+#include "core/coordinate_file.h"
 #include "core/number_text.h"
 #include "core/point_list.h"
 
@@ -19,21 +19,6 @@ struct PointsOptions {
   std::string job;
   bool json = false;
 };
-
-// How many columns a text of a terminal takes: one a character.
-std::size_t Columns(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
-  }));
-}
-
-std::string Right(const std::string& text, std::size_t width) {
-  return std::string(width - std::min(width, Columns(text)), ' ') + text;
-}
-
-std::string Left(const std::string& text, std::size_t width) {
-  return text + std::string(width - std::min(width, Columns(text)), ' ');
-}
 
 std::string Row(const Point& point) {
   std::string row = Left(point.id.str(), kIdWidth);
@@ -67,6 +52,22 @@ void PrintJson(const Job& job, const PointList& points, Program& program) {
                                   {"points", std::move(list)}}));
 }
 
+// What a file cut short or left by an interrupted store holds besides its points.
+void WarnAboutRemains(Job& job, Program& program) {
+  const auto file = OpenForReading(job);
+  if (!file) return;
+  if (file->trailing_bytes() > 0) {
+    program.Warn(job.path + " ends in the middle of a record: its last " +
+                 std::to_string(file->trailing_bytes()) + " bytes are no point.");
+  }
+  const auto last = static_cast<std::uint64_t>(job.last_point_number);
+  if (!job.alphanumeric && file->record_count() > last) {
+    program.Warn(job.path + " has records up to number " + std::to_string(file->record_count()) +
+                 ", but its header counts to " + std::to_string(last) +
+                 ": those behind are not shown.");
+  }
+}
+
 ExitCode RunPoints(const PointsOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
@@ -79,6 +80,7 @@ ExitCode RunPoints(const PointsOptions& options, Program& program) {
   if (result == LoadPointsResult::OutOfMemory)
     return program.Fail("There is not enough memory for the points of " + options.job + ".");
   if (result != LoadPointsResult::Loaded) return ExitCode::Failed;
+  WarnAboutRemains(session.job(), program);
   if (options.json) {
     PrintJson(session.job(), points, program);
   } else {
@@ -92,7 +94,8 @@ ExitCode RunPoints(const PointsOptions& options, Program& program) {
 void AddPointsCommand(CLI::App& app, Program& program) {
   Command<PointsOptions> command(app, program, "points", "List the points of a job", RunPoints);
   command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_flag("--json", command.options->json, "Print JSON");
+  command.sub.add_flag("--json", command.options->json, "Print JSON, coordinates in full");
+  command.sub.footer("Points come in the order of their ids. Example: tarvex points site.crd");
 }
 
 }  // namespace tarvex

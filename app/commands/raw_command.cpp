@@ -44,7 +44,10 @@ ExitCode RunRaw(const RawOptions& options, Program& program) {
 void AddRawCommand(CLI::App& app, Program& program) {
   Command<RawOptions> command(app, program, "raw", "Print the raw data file of a job", RunRaw);
   command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_flag("--json", command.options->json, "Print JSON");
+  command.sub.add_flag("--json", command.options->json, "Print JSON, a record each line");
+  command.sub.footer(
+      "Every setup, shot, stored point and receiver position is there, oldest first.\n"
+      "Example: tarvex raw site.crd");
 }
 
 }  // namespace tarvex

@@ -1,12 +1,9 @@
 // tarvex store: a point from entered coordinates.
-#include <cmath>
-
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
 #include "app/job_session.h"
+#include "app/number_entry.h"
 #include "app/point_storing.h"
-#include "core/no_value.h"
-#include "core/number_text.h"
 
 namespace tarvex {
 namespace {
@@ -21,20 +18,10 @@ struct StoreOptions {
   std::string existing = "ask";
 };
 
-// An entered coordinate; nothing after a message that names it.
-std::optional<double> Coordinate(Program& program, const char* name, const std::string& text) {
-  const auto value = ParseNumber(text);
-  if (!value) {
-    program.exit_code = program.Misuse(std::string(name) + " \"" + text + "\" is not a number.");
-    return std::nullopt;
-  }
-  return value;
-}
-
 ExitCode RunStore(const StoreOptions& options, Program& program) {
-  const auto northing = Coordinate(program, "The northing", options.northing);
-  const auto easting = Coordinate(program, "The easting", options.easting);
-  const auto elevation = Coordinate(program, "The elevation", options.elevation);
+  const auto northing = EnteredNumber(program, "The northing", options.northing);
+  const auto easting = EnteredNumber(program, "The easting", options.easting);
+  const auto elevation = EnteredNumber(program, "The elevation", options.elevation);
   if (!northing || !easting || !elevation) return ExitCode::WrongUse;
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
@@ -64,6 +51,9 @@ void AddStoreCommand(CLI::App& app, Program& program) {
                   "When the point exists: overwrite it, store under the next free id, or cancel "
                   "(default: ask)")
       ->check(CLI::IsMember({"ask", "overwrite", "next", "cancel"}));
+  command.sub.footer(
+      "Ids are kept in upper case, with \"-\" and \",\" made \"_\". The point is journaled as SP.\n"
+      "Example: tarvex store site.crd BM1 5184900 520300 1100.25 \"bench mark\"");
 }
 
 }  // namespace tarvex

@@ -83,8 +83,12 @@ TEST(Commands, NameWhatIsWrong) {
   };
   const Case cases[] = {
       {"", 2, "A subcommand is required"},
-      {"frobnicate", 2, "ERROR: "},
+      {"frobnicate", 2, "There is no command \"frobnicate\""},
+      {"road frobnicate", 2, "There is no command \"frobnicate\""},
+      {"store numbers.crd 1 1 2 -x", 2, "stand behind \"--\""},
       {"new site", 2, "ends in .crd: site.crd?"},
+      {"new folder/", 2, "ends in .crd: folder/site.crd?"},
+      {"new folder/.crd", 2, "needs a name before .crd"},
       {"new numbers.crd", 1, "numbers.crd exists; a new job overwrites nothing"},
       {"new x.crd --scale-factor zero", 2, "\"zero\" is not a number from 0.5 to 2"},
       {"new x.crd --system nowhere", 1, "There is no coordinate system \"nowhere\""},
@@ -97,6 +101,7 @@ TEST(Commands, NameWhatIsWrong) {
       {"new x.crd --definition feet.txt", 1, "foot"},
       {"store numbers.crd 1 1 2,5 3", 2, "The easting \"2,5\" is not a number"},
       {"store numbers.crd 1 nan 2 3", 2, "The northing \"nan\" is not a number"},
+      {"store numbers.crd 1 1 2 1e300", 2, "The elevation \"1e300\" is out of range"},
       {"note numbers.crd 9", 1, "There is no point 9"},
       {"collect numbers.crd --receiver usb", 2, "usb"},
       {"collect numbers.crd --receiver simulated", 1, "no coordinate system"},
@@ -112,9 +117,35 @@ TEST(Commands, NameWhatIsWrong) {
   folder.Write("numbers.job", "units=metres\nscale_factor=-1\n");
   EXPECT_NE(folder.Run("points numbers.crd").errors.find("scale_factor=-1 makes no sense"),
             std::string::npos);
+  folder.Write("numbers.job", "units=met\n");
+  EXPECT_NE(folder.Run("points numbers.crd")
+                .errors.find("units=met makes no sense (metres, us-feet or intl-feet)"),
+            std::string::npos);
   folder.Write("photo.crd", std::string(300, 'J'));
   EXPECT_NE(folder.Run("points photo.crd").errors.find("photo.crd is not a coordinate file"),
             std::string::npos);
+}
+
+// What cannot be wrong with the points themselves, but should not go unseen.
+TEST(Commands, TellWhatIsMissing) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
+  EXPECT_EQ(folder.Run("store site.crd A 1 2 3").exit_code, 0);
+  EXPECT_EQ(folder.Run("points site.crd").errors, "");
+  folder.Write("cut.crd", folder.Read("site.crd") + "torn");
+  const ProgramResult cut = folder.Run("points cut.crd");
+  EXPECT_EQ(cut.exit_code, 0);
+  EXPECT_EQ(cut.errors,
+            "WARNING: The job's settings cut.job are missing: metres, azimuths from north and no "
+            "coordinate system are assumed.\n"
+            "WARNING: cut.crd ends in the middle of a record: its last 4 bytes are no point.\n");
+  EXPECT_EQ(folder.Run("new many.crd --numeric").exit_code, 0);
+  EXPECT_EQ(folder.Run("store many.crd 1 1 2 3").exit_code, 0);
+  folder.Write("many.crd", std::string(8, '\0') + folder.Read("many.crd").substr(8));
+  EXPECT_EQ(
+      folder.Run("points many.crd").errors,
+      "WARNING: many.crd has records up to number 1, but its header counts to 0: those behind "
+      "are not shown.\n");
 }
 
 TEST(Commands, TeachTheirUse) {
