@@ -29,7 +29,15 @@ CoordinateSystems::CoordinateSystems(Program& program)
       messages_(this),
       load_bar_(program.console),
       nad_converter_(
-          std::make_shared<NadConverter>(SystemNadConvLibrary(), data_folder_, &messages_)) {}
+          std::make_shared<NadConverter>(SystemNadConvLibrary(), data_folder_, &messages_)) {
+  SystemCoordSysLibrary()->SetMessages(this);
+  SystemNadConvLibrary()->SetMessages(this);
+}
+
+CoordinateSystems::~CoordinateSystems() {
+  SystemCoordSysLibrary()->SetMessages(nullptr);
+  SystemNadConvLibrary()->SetMessages(nullptr);
+}
 
 bool CoordinateSystems::ReadOptions(const std::string& name, const std::string& file,
                                     SystemSource& source, std::string& problem) {

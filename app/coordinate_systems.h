@@ -38,6 +38,9 @@ void PutSystemIntoSettings(const SystemSource& source, Settings& settings);
 class CoordinateSystems final : private MessageBox {
  public:
   explicit CoordinateSystems(Program& program);
+  ~CoordinateSystems() override;
+  CoordinateSystems(const CoordinateSystems&) = delete;
+  CoordinateSystems& operator=(const CoordinateSystems&) = delete;
 
   SystemCatalogue& catalogue() { return catalogue_; }
   const std::string& data_folder() const { return data_folder_; }

@@ -44,7 +44,7 @@ pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
   Write("OUT", "");
   Write("ERR", "");
   std::vector<std::string> words = Words(line);
-  words.insert(words.begin(), TARVEX_PROGRAM);
+  words.insert(words.begin(), program_);
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
@@ -55,7 +55,7 @@ pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
   Redirect("IN", O_RDONLY, STDIN_FILENO);
   Redirect("OUT", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
   Redirect("ERR", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-  ::execv(TARVEX_PROGRAM, arguments.data());
+  ::execv(program_.c_str(), arguments.data());
   ::_exit(127);
 }
 

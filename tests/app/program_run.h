@@ -25,12 +25,16 @@ class ProgramFolder {
   pid_t Start(const std::string& line, const std::string& input = "");
   ProgramResult Finish(pid_t process);
 
+  /// Another `tarvex` than the one that was built.
+  void UseProgram(const std::string& path) { program_ = path; }
+
   std::string Path(const std::string& name) const { return folder_.Path(name); }
   std::string Read(const std::string& name) const;
   void Write(const std::string& name, const std::string& bytes) const;
 
  private:
   ScratchFolder folder_;
+  std::string program_ = TARVEX_PROGRAM;
 };
 
 }  // namespace tarvex
