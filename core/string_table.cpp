@@ -133,7 +133,7 @@ constexpr std::array kEntries = {
     Entry{3331, "%s, mountpoint %s, has sent nothing for %s s; no position was sent to it."},
     Entry{3367, "The bases of the caster could not be loaded."},
     Entry{3368, "The connection to the mountpoint failed."},
-    Entry{3378, "The caster does not know the mountpoint: it answered with its list of streams."},
+    Entry{3378, "The caster does not know the mountpoint."},
     Entry{3396,
           "The caster speaks TLS (encrypted) at this port, which is not supported; ask for its "
           "plain port."},

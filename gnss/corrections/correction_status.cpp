@@ -26,6 +26,10 @@ std::string CasterFailureSentence(const std::string& caster, PortError cause,
   if (cause == PortError::CasterNotOpened && !detail.empty()) {
     return Strings().Text(kNotReached, {caster, detail});
   }
+  // A port's words for a caster that closes, or says nothing.
+  if (cause == PortError::ReadFailed || cause == PortError::FewerBytesRead) {
+    cause = PortError::FirstReceiveFailed;
+  }
   return ErrorSentence({.code = static_cast<int>(cause), .arguments = {detail}});
 }
 

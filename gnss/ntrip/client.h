@@ -82,6 +82,7 @@ class NtripClient {
   PortError RefusalWhenClosed() const;
   PortError Refused(PortError refusal);
   PortError AwaitTable(std::string& table, Progress& progress, std::int64_t since_ms);
+  PortError TableRefusal(std::string_view reply);
   PortError StoreTable(std::string table, const std::string& file_name, Progress& progress,
                        std::int64_t since_ms);
   PortError FetchTable(const CasterLogin& caster, const std::string& file_name, Progress& progress);

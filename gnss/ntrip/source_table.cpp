@@ -1,8 +1,8 @@
 // Fetching a source table into a file: the part of the client that reads until the table ends.
-#include <array>
-#include <cstring>
+#include <algorithm>
 #include <utility>
 
+#include "core/text.h"
 #include "gnss/ntrip/client.h"
 
 namespace tarvex {
@@ -15,17 +15,24 @@ constexpr std::uint64_t kLargestTable = 32U << 20;
 constexpr int kTableProgress = 10;
 constexpr int kProgressDone = 90;
 constexpr std::string_view kEnd = "ENDSOURCETABLE";
+constexpr std::size_t kLongestAnswer = 100;
 constexpr std::string_view kTlsAlert = "\x15\x03";
 
 bool Holds(std::string_view text, std::string_view mark) {
   return text.find(mark) != std::string_view::npos;
 }
 
-// What the status of an HTTP answer refuses; nothing for any other answer.
-PortError RefusalOf(std::string_view reply) {
+// What a caster says instead of a table, in its own words: an HTTP status, a line "ERROR ...".
+PortError RefusalOf(std::string_view reply, std::string& answer) {
   HttpHead head;
-  head.Feed(reply);
-  return HttpRefusal(head);
+  std::string_view rest = reply;
+  head.Feed(rest);
+  answer = head.status() != 0
+               ? head.StatusLine()
+               : OneLine(reply.substr(0, std::min(reply.find_first_of("\r\n"), kLongestAnswer)));
+  if (reply.starts_with("ERROR")) return PortError::CasterRefused;
+  const PortError refusal = HttpRefusal(head);
+  return refusal == PortError::MountpointUnknown ? PortError::CasterRefused : refusal;
 }
 
 // Where the table begins: the first "STR", or the first "CAS" when there is none.
@@ -138,12 +145,18 @@ PortError NtripClient::AwaitTable(std::string& table, Progress& progress, std::i
     std::string received;
     const PortError error = ReceiveText(received, static_cast<int>(timeout_ms_));
     if (error != PortError::None && error != PortError::FewerBytesRead) {
-      const PortError refusal = RefusalOf(table);
-      return refusal == PortError::None ? error : Fail(refusal);
+      const PortError refusal = TableRefusal(table);
+      return refusal == PortError::None ? error : refusal;
     }
     table += received;
   }
-  const PortError refusal = RefusalOf(table);
+  return TableRefusal(table);
+}
+
+PortError NtripClient::TableRefusal(std::string_view reply) {
+  std::string answer;
+  const PortError refusal = RefusalOf(reply, answer);
+  if (refusal == PortError::CasterRefused) return Report(surroundings_.errors, refusal, {answer});
   return refusal == PortError::None ? refusal : Fail(refusal);
 }
 

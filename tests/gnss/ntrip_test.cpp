@@ -257,6 +257,12 @@ TEST_F(Client, NamesWhatHindersATable) {
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NotAuthorized);
   caster.steps = {"HTTP/1.1 401 No\r\nContent-Length: 4\r\n\r\nSTR;"};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NotAuthorized);
+  caster.steps = {"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n"};
+  EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::CasterRefused);
+  EXPECT_EQ(errors.Get().arguments, std::vector<std::string>{"HTTP/1.1 404 Not Found"});
+  caster.steps = {"ERROR - Full\r\n", PortError::ReadFailed};
+  EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::CasterRefused);
+  EXPECT_EQ(errors.Get().arguments, std::vector<std::string>{"ERROR - Full"});
   caster.steps = {"\x15\x03\x01"};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::CasterSpeaksTls);
   caster.steps = {"DISCONNECT"};
