@@ -171,6 +171,7 @@ bool CollectSession::StorePosition() {
     return plan_.receiver.kind == PortKind::File;
   }
   if (converted == CalculationResult::DoneInPart) Warn(CalculationText(converted));
+  if (const std::string origin = OriginSentence(point_.state.origin); !origin.empty()) Warn(origin);
   if (!point_.state.height_known) Warn(kNoHeight);
   if (!point_.state.precision_known) Warn(kNoPrecision);
   const std::string wanted = job_.current_point_id;
@@ -212,6 +213,9 @@ std::vector<std::string> CollectSession::Records() const {
                   .height = point_.state.height,
                   .description = plan_.description}),
       GnssGridRecord(point, plan_.description), QualityComment(point_.state, quality)};
+  if (const std::string origin = OriginSentence(point_.state.origin); !origin.empty()) {
+    records.push_back(CommentRecord("Warning: " + origin));
+  }
   if (!point_.state.height_known) {
     records.push_back(CommentRecord("Warning: " + std::string(kNoHeight)));
   }

@@ -29,6 +29,21 @@ std::string EpochText(std::int32_t epoch_ms) {
   return text;
 }
 
+// "" or " SIMULATED": what a position that was not measured is.
+std::string OriginText(PositionOrigin origin) {
+  switch (origin) {
+    case PositionOrigin::Estimated:
+      return " ESTIMATED";
+    case PositionOrigin::Entered:
+      return " ENTERED";
+    case PositionOrigin::Simulated:
+      return " SIMULATED";
+    case PositionOrigin::Measured:
+      break;
+  }
+  return "";
+}
+
 std::string PrecisionText(const GnssPositionState& state) {
   if (!state.precision_known) return "HRMS and VRMS unknown";
   return "HRMS " + FixedNumber(state.hrms, kMetreDecimals) + " VRMS " +
@@ -78,8 +93,9 @@ std::string PositionLine(const GnssPositionState& state) {
   return FixedNumber(state.latitude, kDegreeDecimals) + " " +
          FixedNumber(state.longitude, kDegreeDecimals) + " " +
          (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "-") + " " +
-         std::string(SolutionText(state.solution_type)) + " " + std::to_string(state.satellites) +
-         " satellites " + PrecisionText(state) + " " + EpochText(state.epoch_ms);
+         std::string(SolutionText(state.solution_type)) + OriginText(state.origin) + " " +
+         std::to_string(state.satellites) + " satellites " + PrecisionText(state) + " " +
+         EpochText(state.epoch_ms);
 }
 
 WatchView::WatchView(Console& console) : console_(console), drawn_(::isatty(STDOUT_FILENO) != 0) {}
@@ -98,8 +114,8 @@ std::string WatchView::Screen(GnssReadResult result, const GnssPositionState& st
   text += "position  " + FixedNumber(state.latitude, kDegreeDecimals) + "  " +
           FixedNumber(state.longitude, kDegreeDecimals) + "  height " +
           (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "unknown") + "\n";
-  text += "solution  " + std::string(SolutionText(state.solution_type)) + "  " +
-          std::to_string(state.satellites) + " satellites  " + PrecisionText(state) + "\n";
+  text += "solution  " + std::string(SolutionText(state.solution_type)) + OriginText(state.origin) +
+          "  " + std::to_string(state.satellites) + " satellites  " + PrecisionText(state) + "\n";
   text += "quality   " + DopText(state) + "\n";
   text += "time      " + EpochText(state.epoch_ms) + " UTC, read " + age +
           (state.repeated_epoch ? "  REPEATED" : "") + "\n";

@@ -97,6 +97,12 @@ std::string ResultSentence(GnssReadResult result) {
   return Strings().Text(text);
 }
 
+std::string OriginSentence(PositionOrigin origin) {
+  constexpr int kFirstOriginText = 3430;
+  if (origin == PositionOrigin::Measured) return {};
+  return Strings().Text(kFirstOriginText + static_cast<int>(origin));
+}
+
 std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock) {
   if (state.sentence_read_at_ms == 0) return -1;
   return clock.SteadyMilliseconds() - state.sentence_read_at_ms;

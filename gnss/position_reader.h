@@ -30,6 +30,9 @@ GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connec
 /// The sentence for people.
 std::string ResultSentence(GnssReadResult result);
 
+/// What a person should know of a position that was not measured; empty when it was.
+std::string OriginSentence(PositionOrigin origin);
+
 /// Milliseconds since the receiver sent anything at all; -1 before the first line.
 std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock);
 

@@ -20,11 +20,20 @@ struct UsedSatellite {
 inline constexpr std::size_t kSatelliteSlots = 12;
 inline constexpr std::int32_t kNoEpoch = -1;
 
+/// Where a position comes from, as GGA qualities 6 to 8 and GNS modes E, M and S tell it.
+enum class PositionOrigin {
+  Measured,
+  Estimated,  ///< dead reckoning
+  Entered,    ///< typed into the receiver
+  Simulated,  ///< by the receiver's own simulator
+};
+
 struct GnssPositionState {
   std::int32_t last_result = 0;  ///< GnssReadResult of the last reading
   std::int32_t reading = 0;      ///< 1 while a reading is in progress
   std::int32_t satellites = 0;
   SolutionType solution_type = SolutionType::Autonomous;
+  PositionOrigin origin = PositionOrigin::Measured;
   double hrms = 0.0;  ///< horizontal precision, job's distance unit
   double vrms = 0.0;  ///< vertical precision, job's distance unit
   double pdop = 0.0;

@@ -52,6 +52,7 @@ bool PositionAverage::Add(const GnssPositionState& state, DistanceUnit unit) {
        .hrms_m = ToMetres(state.hrms, unit),
        .vrms_m = ToMetres(state.vrms, unit),
        .precise = state.precision_known && state.hrms > 0.0 && state.vrms > 0.0});
+  if (state.origin != PositionOrigin::Measured) worst_.origin = state.origin;
   worst_.solution_type = Worse(worst_.solution_type, state.solution_type);
   worst_.satellites = std::min(worst_.satellites, state.satellites);
   worst_.pdop = std::max(worst_.pdop, state.pdop);

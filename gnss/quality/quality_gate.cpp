@@ -13,6 +13,7 @@ constexpr int kFirstText = 3440;
 constexpr int kUnknownText = 3450;
 constexpr int kPrecisionDecimals = 3;
 constexpr int kOtherDecimals = 1;
+constexpr int kMostDecimals = 12;
 
 // How good a solution is; the numbers of the types are not in this order.
 int Rank(SolutionType type) {
@@ -37,8 +38,12 @@ std::string Unknown() {
 std::optional<GateRefusal> Above(Limit limit, bool known, double has, std::optional<double> most,
                                  int decimals) {
   if (!most || (known && has <= *most)) return std::nullopt;
-  return GateRefusal{limit, known ? FixedNumber(has, decimals) : Unknown(),
-                     FixedNumber(*most, decimals)};
+  if (!known) return GateRefusal{limit, Unknown(), FixedNumber(*most, decimals)};
+  // Rounded as usual both may read the same: as many decimals as it takes to see why it is refused.
+  while (FixedNumber(has, decimals) == FixedNumber(*most, decimals) && decimals < kMostDecimals) {
+    ++decimals;
+  }
+  return GateRefusal{limit, FixedNumber(has, decimals), FixedNumber(*most, decimals)};
 }
 
 std::optional<GateRefusal> CheckSolution(const GateLimits& limits, const GnssPositionState& state) {

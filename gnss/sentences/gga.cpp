@@ -19,6 +19,19 @@ SolutionType GgaSolution(int quality, const ReceiverMake& make) {
   }
 }
 
+PositionOrigin GgaOrigin(int quality) {
+  switch (quality) {
+    case 6:
+      return PositionOrigin::Estimated;
+    case 7:
+      return PositionOrigin::Entered;
+    case 8:
+      return PositionOrigin::Simulated;
+    default:
+      return PositionOrigin::Measured;
+  }
+}
+
 }  // namespace
 
 SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
@@ -33,6 +46,7 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   const int quality = NmeaInteger(field);
   if (quality == 0) return SentenceResult::NoFix;
   state.solution_type = GgaSolution(quality, context.make);
+  state.origin = GgaOrigin(quality);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.satellites = NmeaInteger(field);
   if (!fields.Take(field)) return SentenceResult::RanOut;

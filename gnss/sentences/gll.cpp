@@ -13,6 +13,7 @@ SentenceResult ReadGll(std::string_view line, const SentenceContext& context,
   state.epoch_ms = fields.Take(time) ? MillisecondsOfDay(time) : kNoEpoch;
   const bool told = fields.Take(status);
   if (context.settings.gll_status && told && status.starts_with('V')) return SentenceResult::NoFix;
+  state.origin = PositionOrigin::Measured;
   state.height = 0.0;
   state.height_known = false;
   state.geoid_separation = 0.0;

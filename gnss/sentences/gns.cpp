@@ -26,6 +26,19 @@ SolutionType BestGnsSolution(std::string_view modes) {
   return modes.find('D') != std::string_view::npos ? SolutionType::Dgps : SolutionType::Autonomous;
 }
 
+// A satellite system that measures is better than one that is reckoned.
+PositionOrigin GnsOrigin(std::string_view modes) {
+  if (modes.find_first_of("ADPRF") != std::string_view::npos) return PositionOrigin::Measured;
+  if (modes.find('E') != std::string_view::npos) return PositionOrigin::Estimated;
+  if (modes.find('M') != std::string_view::npos) return PositionOrigin::Entered;
+  return modes.find('S') != std::string_view::npos ? PositionOrigin::Simulated
+                                                   : PositionOrigin::Measured;
+}
+
+bool NoSystemHasAFix(std::string_view modes) {
+  return !modes.empty() && modes.find_first_not_of('N') == std::string_view::npos;
+}
+
 }  // namespace
 
 SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
@@ -37,6 +50,8 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   state.epoch_ms = MillisecondsOfDay(field);
   if (!TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
   if (!fields.Take(field)) return SentenceResult::RanOut;
+  if (context.settings.gns_best_mode && NoSystemHasAFix(field)) return SentenceResult::NoFix;
+  state.origin = GnsOrigin(field);
   state.solution_type = context.settings.gns_best_mode
                             ? BestGnsSolution(field)
                             : GnsSolution(field.empty() ? 'N' : field.front());

@@ -6,6 +6,7 @@
 #include "core/number_text.h"
 #include "gnss/nmea_number.h"
 #include "gnss/nmea_reading.h"
+#include "gnss/position_reader.h"
 #include "gnss/sentences/sentences.h"
 #include "gnss/text_fields.h"
 
@@ -123,6 +124,43 @@ TEST(Talkers, AreTakenWhenTheSettingSaysSo) {
                      "50.3453,M,01,0*7E"),
             SentenceResult::Read);
   EXPECT_EQ(any.state.bad_checksums, 1U);
+}
+
+TEST(Gns, OfNoSystemIsNoFix) {
+  const std::string line =
+      "$GNGNS,235647.00,3403.47162394,N,11711.80927093,W,NNNN,10,1.2,403.6,-32.1,,";
+  Reading first{.settings = {.position = PositionSentence::Gns}};
+  EXPECT_EQ(first.Take(line), SentenceResult::Position)
+      << "as AUTONOMOUS, where the first letter counts";
+  Reading best{.settings = {.position = PositionSentence::Gns, .gns_best_mode = true}};
+  EXPECT_EQ(best.Take(line), SentenceResult::NoFix);
+}
+
+TEST(Origin, OfAPositionThatIsNotMeasuredIsTold) {
+  const std::pair<char, PositionOrigin> qualities[] = {
+      {'1', PositionOrigin::Measured},  {'4', PositionOrigin::Measured},
+      {'6', PositionOrigin::Estimated}, {'7', PositionOrigin::Entered},
+      {'8', PositionOrigin::Simulated}, {'5', PositionOrigin::Measured}};
+  Reading gga;
+  for (const auto& [quality, origin] : qualities) {
+    ASSERT_EQ(gga.Take("$GPGGA,123519,4807.038,N,01131.000,E," + std::string(1, quality) +
+                       ",08,0.9,545.4,M,46.9,M,,"),
+              SentenceResult::Position);
+    EXPECT_EQ(gga.state.origin, origin) << quality;
+    EXPECT_EQ(OriginSentence(origin).empty(), origin == PositionOrigin::Measured);
+  }
+  const std::pair<const char*, PositionOrigin> modes[] = {{"AA", PositionOrigin::Measured},
+                                                          {"EN", PositionOrigin::Estimated},
+                                                          {"ER", PositionOrigin::Measured},
+                                                          {"MM", PositionOrigin::Entered},
+                                                          {"S", PositionOrigin::Simulated}};
+  Reading gns{.settings = {.position = PositionSentence::Gns, .gns_best_mode = true}};
+  for (const auto& [mode, origin] : modes) {
+    ASSERT_EQ(gns.Take("$GNGNS,235647.00,3403.47,N,11711.80,W," + std::string(mode) +
+                       ",10,1.2,403.6,-32.1,,"),
+              SentenceResult::Position);
+    EXPECT_EQ(gns.state.origin, origin) << mode;
+  }
 }
 
 TEST(Gns, ReadsTheFirstModeLetterOrTheBest) {
