@@ -1,9 +1,8 @@
-// Any text as a BESTPOSA log, as Ashtech sentences and as DOP replies.
+// Any text as a BESTPOSA log and as the replies to a DOP request.
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
-#include "gnss/makes/ashtech_sentences.h"
 #include "gnss/makes/bestpos.h"
 #include "gnss/makes/dop_request.h"
 
@@ -14,9 +13,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tarvex::Bestpos bestpos;
   if (!line.empty()) (void)tarvex::LogCrcHolds(line);
   (void)tarvex::ReadBestpos(line, tarvex::DistanceUnit::UsSurveyFeet, state, bestpos);
-  (void)tarvex::ReadPashrPos(line, data[0] % 7, state);
-  (void)tarvex::ReadAshtechGga(line, tarvex::DistanceUnit::UsSurveyFeet, false, state);
   (void)tarvex::ReadPsrdop(line, state);
-  (void)tarvex::ReadPashrPbn(line, state);
   return 0;
 }
