@@ -11,6 +11,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tarvex::GnssPositionState state;
   (void)tarvex::ReadPashrPos(line, data[0] % 7, state);
   (void)tarvex::ReadAshtechGga(line, tarvex::DistanceUnit::UsSurveyFeet, false, state);
-  (void)tarvex::ReadPashrPbn(line, state);
   return 0;
 }
