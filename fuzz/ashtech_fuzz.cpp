@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "gnss/makes/ashtech_sentences.h"
+#include "gnss/makes/dop_request.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 1) return 0;
@@ -11,5 +12,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tarvex::GnssPositionState state;
   (void)tarvex::ReadPashrPos(line, data[0] % 7, state);
   (void)tarvex::ReadAshtechGga(line, tarvex::DistanceUnit::UsSurveyFeet, false, state);
+  (void)tarvex::ReadPashrPbn(line, state);
   return 0;
 }
