@@ -45,6 +45,8 @@ class StandardStreams final : public Console {
     return ReadLine(answer);
   }
 
+  bool IsTyped() override { return ::isatty(STDIN_FILENO) != 0; }
+
   bool ReadLine(std::string& line) override {
     line.clear();
     int c = std::getc(stdin);

@@ -17,7 +17,8 @@ constexpr int kGridDecimals = 4;
 constexpr int kDegreeDecimals = 10;
 
 // The two or three numbers of a line; `problem` says what is wrong with it otherwise.
-std::optional<LineNumbers> ReadNumbers(std::string_view line, std::string& problem) {
+std::optional<LineNumbers> ReadNumbers(std::string_view line, ConversionWay way,
+                                       std::string& problem) {
   LineNumbers numbers;
   std::string_view rest = WithoutOuterBlanks(line);
   while (!rest.empty()) {
@@ -26,6 +27,7 @@ std::optional<LineNumbers> ReadNumbers(std::string_view line, std::string& probl
     const auto value = ParseNumber(word);
     if (!value) {
       problem = "\"" + std::string(word) + "\" is not a number";
+      if (way == ConversionWay::ToGrid) problem += " (angles are decimal degrees)";
       return std::nullopt;
     }
     if (numbers.count == 3) {
@@ -78,7 +80,7 @@ ConvertedLine ConvertLine(const CTrgCalculator& calculator, ConversionWay way, b
                           std::string_view line) {
   ConvertedLine converted;
   const bool to_grid = way == ConversionWay::ToGrid;
-  const auto numbers = ReadNumbers(line, converted.problem);
+  const auto numbers = ReadNumbers(line, way, converted.problem);
   if (!numbers || (to_grid && !OnEarth(*numbers, converted.problem))) return converted;
   converted.numbers = *numbers;
   const CalculationResult result = to_grid

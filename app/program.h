@@ -25,6 +25,8 @@ class Console {
   virtual void EndProgress() = 0;
   /// One line typed by the person; false when nobody is there to ask.
   virtual bool Ask(std::string_view question, std::string& answer) = 0;
+  /// True when a person types the standard input.
+  virtual bool IsTyped() = 0;
   /// The next line of the standard input, without its line end; false at its end.
   virtual bool ReadLine(std::string& line) = 0;
 };

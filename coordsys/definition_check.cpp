@@ -152,6 +152,7 @@ void CheckDatumShift(const DefinitionNode& system, std::string_view text, Issues
   ProjectionRecord record;
   std::string compound_name;
   ReadDefinition(text, record, compound_name, nullptr);
+  if (record.semi_major_m == 0.0) return;  // nothing is known about the datum, which was told
   const bool given = system.Find("TOWGS84") != nullptr;
   if (!ShiftIsKnown(record, given)) issues.push_back({Kind::NoDatumShift, ""});
 }

@@ -56,8 +56,7 @@ ExitCode Prepare(const ConvertOptions& options, Program& program, CoordinateSyst
   const int named = !options.system.empty() + !options.definition.empty() + !options.job.empty();
   if (named != 1) {
     return program.Misuse(
-        "Give the coordinate system with --system NAME or --definition FILE, or the job with "
-        "--job JOB.crd.");
+        "Give one of these: --system NAME, --definition FILE, or --job JOB.crd for the job's own.");
   }
   std::string problem;
   if (!options.job.empty()) {
@@ -72,6 +71,13 @@ ExitCode Prepare(const ConvertOptions& options, Program& program, CoordinateSyst
   const bool made = systems.ReadOptions(options.system, options.definition, source, problem) &&
                     systems.MakeCalculator(source, *ParseUnit(options.units), calculator, problem);
   return made ? ExitCode::Done : program.Fail(problem);
+}
+
+void TellWhatToType(ConversionWay way, Console& console) {
+  const bool to_grid = way == ConversionWay::ToGrid;
+  console.PrintError(std::string("Type ") +
+                     (to_grid ? "latitude longitude [height]" : "northing easting [elevation]") +
+                     ", a point a line; Ctrl-D ends.\n");
 }
 
 // A converted line as it is printed, and below it its steps when they are asked for.
@@ -97,6 +103,7 @@ ExitCode RunConvert(const ConvertOptions& options, Program& program) {
   const ConversionWay way = options.inverse ? ConversionWay::ToWgs84 : ConversionWay::ToGrid;
   ExitCode exit_code = ExitCode::Done;
   UndoneSteps undone(program.console);
+  if (program.console.IsTyped()) TellWhatToType(way, program.console);
   std::string line;
   for (std::size_t number = 1; !InterruptRequested() && program.console.ReadLine(line); ++number) {
     if (WithoutOuterBlanks(line).empty()) {
@@ -128,7 +135,10 @@ void AddConvertCommand(CLI::App& app, Program& program) {
       "Reads the standard input: WGS84 in decimal degrees, height above the ellipsoid in metres,\n"
       "numbers separated by blanks or commas. A line that cannot be converted becomes a line\n"
       "\"ERROR: ...\", the rest goes on, and the exit code is 1.\n"
-      "Example: echo 46.8 9.3 1100 | tarvex convert --system \"UTM/UTM WGS84 Zone 32\"");
+      "Example: echo 46.8 9.3 1100 | tarvex convert --system \"UTM/UTM WGS84 Zone 32\"\n"
+      "         tarvex convert --inverse --job site.crd < grid.txt\n"
+      "         echo 52.1 5.4 43 | tarvex convert --system NETHERLANDS/Amersfoort/RD2004 "
+      "--explain");
   auto* job = sub.add_option("--job", options.job,
                              "Job whose system, unit and localization are to be used");
   sub.add_option("--system", options.system, "Coordinate system by its name (see: tarvex systems)");

@@ -37,7 +37,8 @@ ExitCode PrintSystems(const SystemsOptions& options, const SystemCatalogue& cata
     program.console.Print(system.name + (known ? "\n" : "  [needs --datum-shift]\n"));
   }
   if (!systems.empty()) return ExitCode::Done;
-  return program.Fail("No coordinate system has \"" + part + "\" in its name.");
+  return program.Fail("No coordinate system has \"" + part +
+                      "\" in its name or as its EPSG code; fewer words find more.");
 }
 
 ExitCode TellEdit(CatalogueResult result, const CoordinateSystems& systems,

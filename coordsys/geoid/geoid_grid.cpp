@@ -77,6 +77,11 @@ std::array<double, 3> ParabolaWeights(double t) {
   return {0.5 * t * (t - 1.0), 1.0 - t * t, 0.5 * t * (t + 1.0)};
 }
 
+// No geoid is further from its ellipsoid than 200 m; a NaN is none either.
+bool IsUndulation(double value) {
+  return std::abs(value) < 200.0;
+}
+
 }  // namespace
 
 double GeoidGrid::Node(int column, int row) const noexcept {
@@ -102,10 +107,12 @@ double GeoidGrid::Node(int column, int row) const noexcept {
       value = NumberAt<double>(at, layout_.order);
       break;
     case NodeKind::Pixel16:
-      return layout_.offset_m + layout_.scale_m * NumberAt<std::uint16_t>(at, layout_.order);
+      value = layout_.offset_m + layout_.scale_m * NumberAt<std::uint16_t>(at, layout_.order);
+      break;
   }
-  // No geoid is further from its ellipsoid than 200 m; a NaN is none either.
-  const bool has_value = std::abs(value) < 200.0 && std::abs(value - layout_.no_data) > 1e-3;
+  const bool marked =
+      layout_.kind != NodeKind::Pixel16 && std::abs(value - layout_.no_data) <= 1e-3;
+  const bool has_value = IsUndulation(value) && !marked;
   return has_value ? value : std::numeric_limits<double>::quiet_NaN();
 }
 

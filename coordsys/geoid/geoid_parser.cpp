@@ -1,8 +1,9 @@
 // Reading the headers of the geoid forms.
 #include <cmath>
-#include <map>
 
 #include "coordsys/geoid/geoid_grid.h"
+#include "coordsys/geoid/isg_header.h"
+#include "coordsys/geoid/pgm_header.h"
 #include "core/number_text.h"
 #include "core/text.h"
 
@@ -16,29 +17,6 @@ constexpr double kMostNodes = 4e9;
 std::string Ending(const std::string& path) {
   const std::size_t dot = path.rfind('.');
   return dot == std::string::npos ? std::string() : LowerCase(path.substr(dot));
-}
-
-// "26.5", or degrees, minutes and seconds with their signs ("26°30'00"").
-std::optional<double> Angle(std::string_view text) {
-  if (const auto plain = ParseNumber(text)) return plain;
-  const bool negative = text.starts_with('-');
-  double degrees = 0.0;
-  double unit = 1.0;
-  int parts = 0;
-  for (std::size_t i = 0; i < text.size() && parts < 3;) {
-    if (!IsDigit(text[i])) {
-      ++i;
-      continue;
-    }
-    const std::string_view rest = text.substr(i);
-    degrees += unit * LeadingDouble(rest);
-    const std::size_t end = rest.find_first_not_of("0123456789.");
-    i += end == std::string_view::npos ? rest.size() : end;
-    unit /= 60.0;
-    ++parts;
-  }
-  if (parts < 2) return std::nullopt;
-  return negative ? -degrees : degrees;
 }
 
 }  // namespace
@@ -137,108 +115,40 @@ class GeoidParser {
     return CheckSize(kBinHeader + 4 * Nodes(grid));
   }
 
-  // "P5", remarks with "# Offset M" and "# Scale M", width and height, 65535, pixels.
   GridStatus Pgm(GeoidGrid& grid) const {
-    std::string_view rest = bytes_;
-    int line_number = 0;
-    double size[2] = {};
-    bool has_scale = false;
-    bool has_offset = false;
-    const auto wrong = [&](GridProblem problem) {
-      return Wrong(problem, "line " + std::to_string(line_number));
-    };
-    std::string_view words;
-    for (int values = 0; values < 3;) {
-      const auto line = TakeLine(rest);
-      ++line_number;
-      if (!line) return wrong(GridProblem::CutShort);
-      if (line_number == 1 && *line != "P5") return wrong(GridProblem::NotThisFormat);
-      if (line_number == 1) continue;
-      if (line->starts_with('#')) {
-        words = WithoutLeadingBlanks(line->substr(1));
-        if (words.starts_with("Offset ")) {
-          grid.layout_.offset_m = LeadingDouble(words.substr(7));
-          has_offset = true;
-        }
-        if (words.starts_with("Scale ")) {
-          grid.layout_.scale_m = LeadingDouble(words.substr(6));
-          has_scale = true;
-        }
-        continue;
-      }
-      if (values == 0) {
-        size[0] = LeadingDouble(*line);
-        const std::size_t blank = WithoutLeadingBlanks(*line).find(' ');
-        if (blank == std::string_view::npos) return wrong(GridProblem::BadValue);
-        size[1] = LeadingDouble(WithoutLeadingBlanks(*line).substr(blank));
-        values = 2;
-      } else {
-        if (LeadingDouble(*line) != 65535.0) return wrong(GridProblem::BadValue);
-        values = 3;
-      }
-    }
-    if (!has_scale || !has_offset) return Wrong(GridProblem::NotThisFormat, "no Offset or Scale");
-    if (!(size[0] >= 4 && size[1] >= 3 && std::fmod(size[0], 2) == 0.0) ||
-        !SetGeometry(grid, 0.0, -90.0, 360.0 / size[0], 180.0 / (size[1] - 1), size[0], size[1])) {
+    PgmHeader header;
+    if (GridStatus status = ReadPgmHeader(bytes_, path_, header); !status.ok()) return status;
+    const double columns = header.columns;
+    const double rows = header.rows;
+    if (!(columns >= 4 && rows >= 3 && std::fmod(columns, 2) == 0.0) ||
+        !SetGeometry(grid, 0.0, -90.0, 360.0 / columns, 180.0 / (rows - 1), columns, rows)) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
-    const std::size_t pixels = bytes_.size() - rest.size();
     const std::size_t row = 2 * static_cast<std::size_t>(grid.stored_columns_);
-    grid.layout_.first = pixels + row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
+    grid.layout_.first =
+        header.pixels_at + row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
     grid.layout_.row_stride = -static_cast<std::ptrdiff_t>(row);
     grid.layout_.kind = GeoidGrid::NodeKind::Pixel16;
     grid.layout_.order = ByteOrder::Big;
+    grid.layout_.offset_m = header.offset_m;
+    grid.layout_.scale_m = header.scale_m;
     grid.layout_.between = GeoidGrid::Between::Cubic12;
-    return CheckSize(pixels + 2 * Nodes(grid));
+    return CheckSize(header.pixels_at + 2 * Nodes(grid));
   }
 
-  // Lines "key : value" or "key = value" up to "end_of_head", then rows from the north.
   GridStatus Isg(GeoidGrid& grid) {
-    std::string_view rest = bytes_;
-    std::map<std::string, std::string> head;
-    int line_number = 0;
-    for (bool in_head = false;;) {
-      const auto line = TakeLine(rest);
-      ++line_number;
-      if (!line) {
-        return Wrong(head.empty() && !in_head ? GridProblem::NotThisFormat : GridProblem::CutShort,
-                     "no end_of_head");
-      }
-      if (line->starts_with("end_of_head")) break;
-      in_head = in_head || line->starts_with("begin_of_head");
-      const std::size_t mark = line->find_first_of(":=");
-      if (!in_head || mark == std::string_view::npos) continue;
-      head[LowerCase(WithoutOuterBlanks(line->substr(0, mark)))] =
-          WithoutOuterBlanks(line->substr(mark + 1));
-    }
-    const auto angle = [&head](const char* key) { return Angle(head[key]); };
-    const auto lat_min = angle("lat min");
-    const auto lat_max = angle("lat max");
-    const auto lon_min = angle("lon min");
-    const auto lon_max = angle("lon max");
-    const auto step_lat = angle("delta lat");
-    const auto step_lon = angle("delta lon");
-    const auto rows = ParseNumber(head["nrows"]);
-    const auto columns = ParseNumber(head["ncols"]);
-    if (!lat_min || !lat_max || !lon_min || !lon_max || !step_lat || !step_lon || !rows ||
-        !columns) {
-      return Wrong(GridProblem::BadValue, "the header");
-    }
-    // The bounds are those of the nodes or of the cells around them.
-    const double south = FirstNode(*lat_min, *lat_max, *step_lat, *rows);
-    const double west = FirstNode(*lon_min, *lon_max, *step_lon, *columns);
-    if (!SetGeometry(grid, west, south, *step_lon, *step_lat, *columns, *rows)) {
+    IsgHeader header;
+    if (GridStatus status = ReadIsgHeader(bytes_, path_, header); !status.ok()) return status;
+    if (!SetGeometry(grid, header.west, header.south, header.step_lon, header.step_lat,
+                     header.columns, header.rows)) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
     // Every value takes two bytes at least, but for the last one.
-    if (2 * Nodes(grid) > rest.size() + 1) return Wrong(GridProblem::CutShort, "the nodes");
-    grid.layout_.no_data = head.contains("nodata") ? LeadingDouble(head["nodata"]) : -9999.0;
-    return IsgNodes(grid, rest, line_number);
-  }
-
-  static double FirstNode(double low, double high, double step, double nodes) {
-    const bool cells = std::abs((high - low) / step - nodes) < 0.25;
-    return cells ? low + 0.5 * step : low;
+    if (2 * Nodes(grid) > header.nodes.size() + 1) {
+      return Wrong(GridProblem::CutShort, "the nodes");
+    }
+    grid.layout_.no_data = header.no_data;
+    return IsgNodes(grid, header.nodes, header.lines);
   }
 
   // The text's numbers become little-endian floats, which are held in place of the text.

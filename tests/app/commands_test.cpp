@@ -105,7 +105,7 @@ TEST(Commands, NameWhatIsWrong) {
       {"note numbers.crd 9", 1, "There is no point 9"},
       {"collect numbers.crd --receiver usb", 2, "usb"},
       {"collect numbers.crd --receiver simulated", 1, "no coordinate system"},
-      {"convert", 2, "--system NAME or --definition FILE"},
+      {"convert", 2, "--system NAME, --definition FILE, or --job"},
       {"systems xyzzy", 1, "\"xyzzy\""},
   };
   for (const Case& c : cases) {
@@ -192,7 +192,7 @@ TEST(Commands, ConvertGoesOnAfterABadLine) {
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.output,
             "5184659.8918 520400.6825 1101.4000\n"
-            "ERROR: line 2: \"here\" is not a number\n"
+            "ERROR: line 2: \"here\" is not a number (angles are decimal degrees)\n"
             "\n"
             "ERROR: line 4: the latitude is beyond 90 degrees\n"
             "5184659.8918 520400.6825\n");

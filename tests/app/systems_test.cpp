@@ -66,9 +66,10 @@ TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
   EXPECT_THAT(steps, ElementsAre("WGS84", "datum shift", "projection", "grid correction", "job"));
   EXPECT_THAT(states, ElementsAre("done", "done", "done", "left undone", "done"));
   EXPECT_EQ(read[0]["steps"][0]["latitude"], 52.1);
-  EXPECT_EQ(read[1], nlohmann::json({{"line", 3},
-                                     {"error", "\"x\" is not a number"},
-                                     {"steps", nlohmann::json::array()}}));
+  EXPECT_EQ(read[1],
+            nlohmann::json({{"line", 3},
+                            {"error", "\"x\" is not a number (angles are decimal degrees)"},
+                            {"steps", nlohmann::json::array()}}));
   EXPECT_FALSE(read[2].contains("elevation"));
 
   const ProgramResult strict = folder.Run(dutch + " --strict", "52.1 5.4 43\n");

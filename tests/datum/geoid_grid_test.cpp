@@ -102,6 +102,16 @@ TEST(Geoid, PgmIsCubicFromTheNorth) {
   }
 }
 
+// A scale that makes no geoid gives no undulation.
+TEST(Geoid, PixelsBeyondAnyGeoidAreNone) {
+  std::string bytes = "P5\n# Offset -108\n# Scale 0.3\n4 3\n65535\n";
+  for (int i = 0; i < 12; ++i) bytes += i == 6 ? std::string("\x10\x10") : std::string("\x01\x10");
+  const GeoidGrid grid = Parsed(bytes, "x.pgm");
+  EXPECT_FALSE(grid.Undulation(0.0, 3.0).has_value());
+  const std::string fine = "P5\n# Offset -108\n# Scale 0.003\n4 3\n65535\n" + bytes.substr(39);
+  EXPECT_NEAR(At(Parsed(fine, "x.pgm"), -60.0, 1.0), -107.0, 5.0);
+}
+
 TEST(Geoid, IsgTextGivesRowsFromTheNorth) {
   const std::string head =
       "a model\nbegin_of_head ====\nmodel name : X\nlat min = 46.0\nlat max = 47.0\nlon min = 8.0\n"
