@@ -101,7 +101,8 @@ class Gr3df97aText {
       v[i] = *number;
     }
     const auto cell = geometry_.CellAt(v[0], v[1]);
-    if (!cell) return false;
+    const bool is_code = v[5] >= 0.0 && v[5] <= 255.0;
+    if (!cell || !is_code) return false;
     const auto column = static_cast<std::size_t>(cell->column + std::lround(cell->across));
     const auto row = static_cast<std::size_t>(cell->row + std::lround(cell->up));
     NodeValues& node = nodes_[row * static_cast<std::size_t>(geometry_.columns()) + column];

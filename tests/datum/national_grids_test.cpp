@@ -119,6 +119,9 @@ TEST(Gr3df97a, DamagedFilesAreNamed) {
   EXPECT_EQ(PackGr3df97a(text.substr(0, last_line), "t", packed).problem, GridProblem::CutShort);
   EXPECT_EQ(PackGr3df97a(text + text.substr(last_line), "t", packed).problem,
             GridProblem::BadValue);
+  std::string code = text;
+  code.replace(code.rfind("  01  "), 6, "  -1  ");
+  EXPECT_EQ(PackGr3df97a(code, "t", packed).problem, GridProblem::BadValue);
   EXPECT_EQ(PackGr3df97a("anything\n", "t", packed).problem, GridProblem::NotThisFormat);
 }
 
