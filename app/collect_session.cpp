@@ -123,6 +123,7 @@ bool CollectSession::TakeReading(GnssReadResult result) {
     TellOnce("The receiver repeats its last position; it is not stored again.");
     return true;
   }
+  if (plan_.recorded != nullptr) plan_.recorded->Follow(state_.epoch_ms);
   if (!PassesGate()) return true;
   last_new_position_ms_ = program_.clock.SteadyMilliseconds();
   ShowState();

@@ -12,6 +12,7 @@
 #include "app/correction_link.h"
 #include "app/program.h"
 #include "app/receiver_tap.h"
+#include "app/recorded_clock.h"
 #include "coordsys/calculator.h"
 #include "core/point_store.h"
 #include "gnss/gnss_connection.h"
@@ -35,7 +36,8 @@ struct CollectPlan {
   bool override_gate = false;  ///< store it all the same, and journal that
   std::size_t average = 1;     ///< distinct epochs that make one point
   std::optional<CorrectionPlan> corrections;
-  std::string stream_log;  ///< a new file for what the receiver sends; empty: none
+  RecordedClock* recorded = nullptr;  ///< follows the epochs of a recording; not owned
+  std::string stream_log;             ///< a new file for what the receiver sends; empty: none
 };
 
 class CollectSession final : private StopRequest {

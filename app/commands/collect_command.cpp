@@ -30,6 +30,7 @@ struct CollectOptions {
   std::size_t average = 1;
   CorrectionChoice corrections;
   std::string stream_log;
+  std::string recorded_at;
   std::map<std::string, std::string> gates;  ///< limits by their keys
   bool override_gate = false;
 };
@@ -59,7 +60,7 @@ ExitCode SettleFirstId(const CollectOptions& options, Job& job, Program& program
   return ExitCode::Done;
 }
 
-ExitCode RunCollect(const CollectOptions& options, Program& program) {
+ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedClock* recorded) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
   session.set_policy(ParseExistingPolicy(options.existing));
@@ -75,6 +76,7 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   plan.average = options.average;
   plan.override_gate = options.override_gate;
   plan.stream_log = options.stream_log;
+  plan.recorded = recorded;
   if (const ExitCode code = SettleGate(options, session.settings(), program, plan.gate);
       code != ExitCode::Done) {
     return code;
@@ -108,6 +110,22 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   if (const ExitCode code = SettleFirstId(options, session.job(), program); code != ExitCode::Done)
     return code;
   return CollectSession(program, session.job(), calculator, plan).Run();
+}
+
+// A recording can be collected at the time of the field.
+ExitCode RunCollect(const CollectOptions& options, Program& program) {
+  if (options.recorded_at.empty()) return CollectInto(options, program, nullptr);
+  const auto start = ParseLocalTime(options.recorded_at);
+  if (!start) {
+    return program.Misuse("\"" + options.recorded_at +
+                          "\" is no date and time: give --recorded-at \"2026-11-21 10:15:30\".");
+  }
+  if (!options.receiver.address.starts_with("file:")) {
+    return program.Misuse("--recorded-at is for recordings: give --receiver file:LOG.");
+  }
+  RecordedClock clock(program.clock, *start);
+  Program then{.files = program.files, .clock = clock, .console = program.console};
+  return CollectInto(options, then, &clock);
 }
 
 // What a position must keep to be stored.
@@ -158,6 +176,9 @@ void AddCollectCommand(CLI::App& app, Program& program) {
       ->check(CLI::Range(1, 100000));
   sub.add_option("--log-stream", options.stream_log,
                  "Keep what the receiver sends in a new file, to be replayed");
+  sub.add_option("--recorded-at", options.recorded_at,
+                 "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
+                 "job's files then bear the times of the field");
   AddGateOptions(sub, options);
   AddCorrectionOptions(sub, options.corrections);
   sub.add_option("--patience", options.patience_s,

@@ -1,0 +1,266 @@
+// The commands around a receiver and its caster: watch, bases, replay, caster, and a session that
+// is recorded and replayed.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <thread>
+#include <utility>
+
+#include "tests/app/program_run.h"
+
+namespace tarvex {
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::string kLogs = std::string(TARVEX_TEST_DATA) + "/";
+
+// An epoch of a receiver; 47.285233 N, 8.265251 E.
+std::string Epoch(int second) {
+  const std::string clock =
+      "1235" + std::string(second < 10 ? "0" : "") + std::to_string(second) + ".00";
+  return "$GPGST," + clock + ",,,,,0.03,0.04,0.06\r\n$GPGGA," + clock +
+         ",4717.11399,N,00833.91590,E,4,12,0.9,499.6,M,48.0,M,1.0,0001\r\n";
+}
+
+std::string Epochs(int count) {
+  std::string log;
+  for (int second = 0; second < count; ++second) log += Epoch(second);
+  return log;
+}
+
+// A program that goes on beside the test; ended when the test is over.
+class Running {
+ public:
+  explicit Running(const std::string& line) : process_(folder.Start(line)) {}
+  ~Running() {
+    if (process_ > 0) (void)End(SIGKILL);
+  }
+
+  ProgramResult End(int signal) {
+    ::kill(process_, signal);
+    return Wait();
+  }
+  ProgramResult Wait() { return folder.Finish(std::exchange(process_, -1)); }
+
+  /// What the first group of the expression finds in the output, as soon as it is there.
+  std::string Said(const std::string& expression) {
+    const std::regex wanted(expression);
+    for (int i = 0; i < 1500; ++i) {
+      const std::string output = folder.Read("OUT");
+      std::smatch found;
+      if (std::regex_search(output, found, wanted)) return found[1];
+      std::this_thread::sleep_for(10ms);
+    }
+    ADD_FAILURE() << "not said: " << expression << "\n" << folder.Read("ERR");
+    return "";
+  }
+
+  ProgramFolder folder;
+
+ private:
+  pid_t process_;
+};
+
+std::string ServeCapture(const std::string& options) {
+  return "caster " + kLogs + "ntrip/rtcm3.bndm.log --port 0 " + options;
+}
+
+TEST(Watch, PrintsALineForEachPosition) {
+  ProgramFolder folder;
+  folder.Write("site.log", Epochs(3));
+  const ProgramResult watched = folder.Run("watch file:site.log --make nmea");
+  EXPECT_EQ(watched.exit_code, 0) << watched.errors;
+  EXPECT_EQ(
+      watched.output,
+      "47.285233167 8.565265000 547.600 FIXED 12 satellites HRMS 0.050 VRMS 0.060 12:35:00\n"
+      "47.285233167 8.565265000 547.600 FIXED 12 satellites HRMS 0.050 VRMS 0.060 12:35:01\n"
+      "47.285233167 8.565265000 547.600 FIXED 12 satellites HRMS 0.050 VRMS 0.060 12:35:02\n");
+  EXPECT_EQ(folder.Run("watch file:site.log --make nmea --count 2 --log-stream kept").exit_code, 0);
+  EXPECT_EQ(folder.Read("kept"), Epochs(2)) << "what was read, as it was sent";
+}
+
+TEST(Watch, SaysWhatIsWrong) {
+  ProgramFolder folder;
+  folder.Write("short.log", Epochs(1));
+  folder.Write("empty.log", "");
+  const struct {
+    const char* line;
+    int exit_code;
+    const char* says;
+  } cases[] = {
+      {"watch file:short.log --make nmea --count 5", 1, "The receiver's data ended after 1"},
+      {"watch file:empty.log", 1, "No position came."},
+      {"watch file:none.log", 1, "none.log"},
+      {"watch usb:1", 2, "usb:1"},
+      {"watch serial:/dev/no-such-port", 1, "No such file or directory"},
+      {"watch tcp:no-such-host.invalid:9001", 1, "no-such-host.invalid:9001"},
+      {"watch file:short.log --make other", 2, "other"},
+      {"watch file:short.log --set nmea_pos=3", 2, "nmea_pos=3"},
+      {"watch simulated --corrections ntrip://a/b", 2, "takes no corrections"},
+      {"watch serial:/dev/x --corrections ntrip://a", 2, "MOUNTPOINT"},
+      {"watch serial:/dev/x --corrections ntrip://u:secret@a/b", 2, "--password-file"},
+      {"watch serial:/dev/x --corrections ntrips://a/b", 2, "TLS"}};
+  for (const auto& c : cases) {
+    const ProgramResult result = folder.Run(c.line);
+    EXPECT_EQ(result.exit_code, c.exit_code) << c.line;
+    EXPECT_NE(result.errors.find(c.says), std::string::npos) << c.line << "\n" << result.errors;
+    EXPECT_EQ(result.errors.find("secret"), std::string::npos) << "no password is repeated";
+  }
+}
+
+TEST(Watch, EndsAtOnceWhenInterrupted) {
+  Running watch("watch simulated");
+  (void)watch.Said("(FIXED)");
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_EQ(watch.End(SIGINT).exit_code, 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, 3s);
+}
+
+TEST(Bases, ListsWhatACasterOffers) {
+  Running caster(ServeCapture("--mountpoint SITE"));
+  const std::string port = caster.Said("127.0.0.1:([0-9]+)/SITE");
+  ProgramFolder folder;
+  const ProgramResult listed = folder.Run("bases 127.0.0.1:" + port);
+  EXPECT_EQ(listed.exit_code, 0) << listed.errors;
+  EXPECT_EQ(listed.output, "SITE                 RTCM 3.2      0.00N 0.00E Trial, \n");
+  const auto json =
+      nlohmann::json::parse(folder.Run("bases 127.0.0.1:" + port + " --near 0,1 --json").output);
+  ASSERT_EQ(json["bases"].size(), 1U);
+  EXPECT_EQ(json["bases"][0]["mountpoint"], "SITE");
+  EXPECT_EQ(json["bases"][0]["format_code"], 39);
+  EXPECT_EQ(json["bases"][0]["needs_gga"], false);
+  EXPECT_NEAR(json["bases"][0]["distance_km"].get<double>(), 111.19, 0.01);
+  const ProgramResult ended = caster.End(SIGTERM);
+  EXPECT_EQ(ended.exit_code, 0);
+  EXPECT_NE(ended.output.find("Served 2 requests"), std::string::npos) << ended.output;
+  const ProgramResult gone = folder.Run("bases 127.0.0.1:" + port);
+  EXPECT_EQ(gone.exit_code, 1);
+  EXPECT_EQ(gone.errors, "ERROR: 127.0.0.1:" + port + " cannot be reached: Connection refused.\n");
+  EXPECT_EQ(folder.Run("bases /").exit_code, 2);
+  EXPECT_EQ(folder.Run("bases h --near 91,0").exit_code, 2);
+}
+
+TEST(Caster, RefusesWhatMakesNoSense) {
+  ProgramFolder folder;
+  folder.Write("empty", "");
+  const std::string file = kLogs + "ntrip/rtcm3.log";
+  EXPECT_EQ(folder.Run("caster none").exit_code, 1);
+  EXPECT_EQ(folder.Run("caster empty").exit_code, 1);
+  EXPECT_EQ(folder.Run("caster " + file + " --mountpoint \"A B\"").exit_code, 2);
+  const ProgramResult bare = folder.Run("caster " + file + " --user u");
+  EXPECT_EQ(bare.exit_code, 2);
+  EXPECT_NE(bare.errors.find("TARVEX_CASTER_PASSWORD"), std::string::npos);
+}
+
+TEST(Replay, IsARoversSessionTogetherWithACaster) {
+  Running caster(ServeCapture("--mountpoint SITE --rate 20000"));
+  const std::string port = caster.Said("127.0.0.1:([0-9]+)/SITE");
+  ProgramFolder site;
+  for (const std::string to : {"pty", "tcp"}) {
+    SCOPED_TRACE(to);
+    const std::string log = site.Path("rover.log");
+    site.Write("rover.log", Epochs(20));
+    Running replay("replay " + log + " --speed 20 --keep-input taken --to " + to);
+    const std::string receiver = replay.Said("--receiver ([^\n]+)");
+    const ProgramResult watched =
+        site.Run("watch " + receiver + " --make nmea --count 20 --send-gga always --log-stream " +
+                 to + ".log --corrections ntrip://127.0.0.1:" + port + "/SITE");
+    EXPECT_EQ(watched.exit_code, 0) << watched.errors;
+    EXPECT_EQ(site.Read(to + ".log"), Epochs(20));
+    const ProgramResult sent = replay.Wait();
+    EXPECT_EQ(sent.exit_code, 0) << sent.errors;
+    const std::string taken = replay.folder.Read("taken");
+    EXPECT_GT(taken.size(), 100U);
+    std::string served;
+    while (served.size() < taken.size()) {
+      std::ifstream file(kLogs + "ntrip/rtcm3.bndm.log", std::ios::binary);
+      served.append(std::istreambuf_iterator<char>(file), {});
+    }
+    EXPECT_EQ(taken, served.substr(0, taken.size())) << "every byte of the corrections, in order";
+  }
+  EXPECT_NE(caster.End(SIGINT).output.find("from a rover: $GPGGA,1235"), std::string::npos);
+}
+
+TEST(Replay, SaysWhatIsWrong) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("replay none").exit_code, 1);
+  folder.Write("log", Epochs(1));
+  EXPECT_EQ(folder.Run("replay log --to file").exit_code, 2);
+  EXPECT_EQ(folder.Run("replay log --speed -1").exit_code, 2);
+  Running waiting("replay " + folder.Path("log") + " --to tcp");
+  (void)waiting.Said("(tcp:127)");
+  EXPECT_EQ(waiting.End(SIGINT).exit_code, 1) << "nothing was sent";
+}
+
+const char* const kJobFiles[] = {"site.crd", "site.rw5", "site.not"};
+
+// The same new job in another folder.
+void CopyJob(const ProgramFolder& from, const ProgramFolder& to) {
+  for (const auto& entry : std::filesystem::directory_iterator(from.Path("."))) {
+    const std::string name = entry.path().filename();
+    if (name.starts_with("site.")) to.Write(name, from.Read(name));
+  }
+}
+
+std::string WithoutTimes(const std::string& text) {
+  return std::regex_replace(text, std::regex("(--DT|--TM|DATE,|TIME,|,DT|,TM)[0-9:-]+"), "$1");
+}
+
+TEST(RecordedSession, ComesToTheSameBytesEveryTime) {
+  ProgramFolder field;
+  ASSERT_EQ(field.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ProgramFolder office[2];
+  for (const ProgramFolder& folder : office) CopyJob(field, folder);
+  field.Write("rover.log", Epochs(30));
+  const std::string options = " --make nmea --count 10 --average 3 --antenna-height 1.8";
+  Running replay("replay " + field.Path("rover.log") + " --speed 0 --to tcp");
+  const std::string receiver = replay.Said("--receiver ([^\n]+)");
+  const ProgramResult live =
+      field.Run("collect site.crd --log-stream kept --receiver " + receiver + options);
+  ASSERT_EQ(live.exit_code, 0) << live.errors;
+  ASSERT_EQ(field.Read("kept"), Epochs(30));
+  for (ProgramFolder& folder : office) {
+    const ProgramResult again =
+        folder.Run("collect site.crd --receiver file:" + field.Path("kept") + options +
+                   " --recorded-at \"2026-02-28 23:59:50\"");
+    ASSERT_EQ(again.exit_code, 0) << again.errors;
+    EXPECT_EQ(again.output, live.output);
+  }
+  for (const char* const name : kJobFiles) {
+    EXPECT_GT(office[0].Read(name).size(), 100U) << name;
+    EXPECT_EQ(office[0].Read(name), office[1].Read(name)) << name;
+    EXPECT_EQ(WithoutTimes(office[0].Read(name)), WithoutTimes(field.Read(name))) << name;
+  }
+  // The times are those of the recording, over midnight and into the next month.
+  const std::string raw = office[0].Read("site.rw5");
+  EXPECT_NE(raw.find("--DT02-28-2026\n--TM23:59:52\n"), std::string::npos) << raw;
+  EXPECT_NE(raw.find("--DT03-01-2026\n--TM00:00:19\n"), std::string::npos) << raw;
+}
+
+TEST(RecordedSession, NeedsADateAndARecording) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  for (const char* const time : {"yesterday", "2026-02-30 10:00:00", "2026-02-28 24:00:00"}) {
+    EXPECT_EQ(
+        folder
+            .Run("collect site.crd --receiver file:log --recorded-at \"" + std::string(time) + "\"")
+            .exit_code,
+        2)
+        << time;
+  }
+  EXPECT_EQ(
+      folder.Run("collect site.crd --receiver simulated --recorded-at \"2026-02-28 10:00:00\"")
+          .exit_code,
+      2);
+}
+
+}  // namespace
+}  // namespace tarvex
