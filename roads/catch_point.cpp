@@ -1,7 +1,6 @@
 // Where the cut or fill slope of a section meets the existing ground.
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "roads/section.h"
 
@@ -9,7 +8,8 @@ namespace tarvex {
 namespace {
 
 constexpr double kOnGrade = 0.001;
-constexpr double kUnlimited = std::numeric_limits<double>::infinity();
+// No slope of a road runs farther: lines that meet behind it are parallel but for rounding.
+constexpr double kFarthestCatch = 10000.0;
 
 }  // namespace
 
@@ -160,12 +160,14 @@ class CatchFinder {
     caught_.height = std::fabs(at.elevation - caught_.slope_elevation);
   }
 
+  double Farthest() const { return caught_.slope_offset + kFarthestCatch; }
+
   // One slope over the whole height: the first row that meets the ground within its limit.
   bool RunOneSlope(const std::vector<SlopeRow>& rows, bool cut) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
       const double slope = (cut ? 1.0 : -1.0) / rows[i].ratio;
       const auto at =
-          ground_.FirstMeeting(caught_.slope_offset, caught_.slope_elevation, slope, kUnlimited);
+          ground_.FirstMeeting(caught_.slope_offset, caught_.slope_elevation, slope, Farthest());
       if (!at) continue;
       const double height = std::fabs(at->elevation - caught_.slope_elevation);
       if (height > rows[i].height && i + 1 < rows.size()) continue;
@@ -183,8 +185,8 @@ class CatchFinder {
     double height = 0.0;
     for (std::size_t i = 0; i < rows.size(); ++i) {
       const bool last = i + 1 == rows.size();
-      const double rise = last ? kUnlimited : std::max(0.0, rows[i].height - height);
-      const double end = last ? kUnlimited : offset + rise * rows[i].ratio;
+      const double rise = std::max(0.0, rows[i].height - height);
+      const double end = last ? Farthest() : offset + rise * rows[i].ratio;
       const auto at = ground_.FirstMeeting(offset, elevation, sign / rows[i].ratio, end);
       if (at) {
         Take(rows[i], static_cast<int>(i) + 1, *at);

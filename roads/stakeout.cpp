@@ -85,8 +85,8 @@ void AppendRoundStations(const StationEquations& equations, double interval, dou
   for (std::size_t region = 0; region < regions && low <= to; ++region) {
     const double high = region + 1 < regions ? std::min(to, equations.At(region)) : to;
     const double shift = equations.Displayed(low).station - low;
-    const double first = std::ceil((low + shift) / interval - kSameStation);
-    const double last = std::floor((high + shift) / interval + kSameStation);
+    const double first = std::ceil((low + shift - kSameStation) / interval);
+    const double last = std::floor((high + shift + kSameStation) / interval);
     const double count = last - first;
     if (!(count <= static_cast<double>(kMostStakeStations))) return;
     for (double k = 0.0; k <= count; k += 1.0) stations.push_back((first + k) * interval - shift);
@@ -140,15 +140,40 @@ SlopeStart Behind(const SectionPoint& hinge, const std::vector<SurfaceSegment>& 
   return start;
 }
 
-// The row for the height of the ground above or below the start of the slope.
-int RowFor(const std::vector<SlopeRow>& rows, double height) {
+// The slope to follow from one place on, out to the ground.
+struct SlopeLine {
+  SlopeStart from;
+  double ratio = 0.0;
+  int row = 0;  // from 1
+};
+
+// One slope over the whole height: the row for the height of the ground above or below the start.
+std::optional<SlopeLine> OneSlope(const std::vector<SlopeRow>& rows, const SlopeStart& start,
+                                  double height) {
+  std::optional<SlopeLine> line;
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i].ratio > 0.0 && height <= rows[i].height) return static_cast<int>(i);
+    if (!(rows[i].ratio > 0.0)) continue;
+    line = {start, rows[i].ratio, static_cast<int>(i) + 1};
+    if (height <= rows[i].height) break;
   }
-  for (std::size_t i = rows.size(); i-- > 0;) {
-    if (rows[i].ratio > 0.0) return static_cast<int>(i);
+  return line;
+}
+
+// A slope for each band of heights: the one in whose band the offset lies.
+std::optional<SlopeLine> SteppedSlope(const std::vector<SlopeRow>& rows, const SlopeStart& start,
+                                      double sign, double offset) {
+  std::optional<SlopeLine> line;
+  SlopeStart at = start;
+  double height = 0.0;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (!(rows[i].ratio > 0.0)) continue;
+    line = {at, rows[i].ratio, static_cast<int>(i) + 1};
+    const double rise = std::max(0.0, rows[i].height - height);
+    at = {at.offset + rise * rows[i].ratio, at.elevation + sign * rise};
+    height += rise;
+    if (offset <= at.offset) break;
   }
-  return -1;
+  return line;
 }
 
 }  // namespace
@@ -160,14 +185,17 @@ std::optional<SlopeStep> NextSlopeStep(const RoadTemplate& section, const Design
   const bool cut = shot.ground > hinge.elevation;
   const SlopeStart start = Behind(hinge, cut ? section.ditch : section.berm);
   const auto& rows = cut ? section.CutOf(side).slopes : section.FillOf(side).slopes;
-  const int row = RowFor(rows, std::fabs(shot.ground - start.elevation));
-  if (row < 0) return std::nullopt;
+  const double sign = cut ? 1.0 : -1.0;
+  const int series = cut ? section.cut_settings.series : section.fill_settings.series;
+  const auto line = series == 1 ? SteppedSlope(rows, start, sign, shot.offset)
+                                : OneSlope(rows, start, std::fabs(shot.ground - start.elevation));
+  if (!line) return std::nullopt;
   SlopeStep step;
   step.kind = cut ? EarthworkKind::Cut : EarthworkKind::Fill;
-  step.row = row + 1;
-  step.ratio = rows[static_cast<std::size_t>(row)].ratio;
-  const double slope = (cut ? 1.0 : -1.0) / step.ratio;
-  step.design = start.elevation + slope * (shot.offset - start.offset);
+  step.row = line->row;
+  step.ratio = line->ratio;
+  const double slope = sign / line->ratio;
+  step.design = line->from.elevation + slope * (shot.offset - line->from.offset);
   step.difference = shot.ground - step.design;
   step.caught = std::fabs(step.difference) <= tolerance;
   double ground_slope = 0.0;

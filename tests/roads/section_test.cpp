@@ -91,6 +91,8 @@ TEST(CatchPoint, TellsWhyThereIsNone) {
   EXPECT_EQ(on(*GroundLine::Polyline({{0, 99}, {3, 99}})).result, CatchResult::NoGround);
   EXPECT_EQ(on(*GroundLine::Polyline({{0, 90}, {9, 90}})).result, CatchResult::GroundEnds);
   EXPECT_FALSE(GroundLine::Polyline({{5, 99}, {3, 99}}));
+  // As steep as the last slope, but for the digits that were typed.
+  EXPECT_EQ(on(GroundLine::Plane(90.0, -0.499999999)).result, CatchResult::NoCatch);
   section.right_of_way.left = 9.0;
   EXPECT_TRUE(on(GroundLine::Plane(99.2, -0.01)).beyond_right_of_way);
   // The ground falls away under the ditch: no cut after all.
@@ -111,6 +113,19 @@ TEST(CatchPoint, SteppedSlopesRunThroughTheirBands) {
   EXPECT_NEAR(found.offset, 5.4 + 1.5 * 6 + 1.5 * 4 + 2.0 * 2, kTolerance);
   EXPECT_EQ(found.row, 3);
   EXPECT_EQ(found.breaks.size(), 2U);
+}
+
+TEST(SlopeStaking, FollowsASteppedSlopeThroughItsBands) {
+  RoadTemplate section = Example();
+  section.fill_settings.series = 1;
+  const DesignSection design = BuildSection(section, 100.0);
+  const auto at = [&](double offset) {
+    return NextSlopeStep(section, design, Side::Left, {offset, 94.856}, {}).value();
+  };
+  EXPECT_EQ(at(8.0).row, 1);
+  EXPECT_NEAR(at(5.4 + 1.5 * 6 + 1.0).design, 99.856 - 1.5 - 1.0 / 4, kTolerance);
+  EXPECT_EQ(at(30.0).row, 3);
+  EXPECT_TRUE(at(5.4 + 1.5 * 6 + 1.5 * 4 + 2.0 * 2).caught);
 }
 
 TEST(SlopeStaking, ComesToTheCatchPoint) {

@@ -77,6 +77,9 @@ TEST(StakeStations, ListsRoundStationsAndKeyPoints) {
       text,
       "1000.00 1100.00 1300.00 1400.00 1450.00 R3 1500.00 R3 1564.16 1600.00 1700.00 1714.16 ");
   EXPECT_TRUE(StakeStations(road, nullptr, 0.0, 1000, 1600).empty());
+  // Nothing outside the span, however long the interval.
+  EXPECT_EQ(StakeStations(road, nullptr, 1e6, 1000.0, 1100.0),
+            (std::vector<double>{1000.0, 1100.0}));
   EXPECT_TRUE(StakeStations(road, nullptr, 1e-9, 1000, 1600).empty());
   // An equation to a station so high that doubles are more than an interval apart.
   RoadGeometry far = road;
