@@ -40,8 +40,9 @@ std::string Explained(const CLI::App* app, const CLI::Error& error) {
   if (!unknown.empty() && what == "A subcommand is required") {
     return "ERROR: There is no command \"" + unknown.front() + "\"." + kMore;
   }
-  const bool dash = std::any_of(unknown.begin(), unknown.end(),
-                                [](const std::string& word) { return word.starts_with('-'); });
+  const bool dash = std::any_of(unknown.begin(), unknown.end(), [](const std::string& word) {
+    return word.starts_with('-') && !word.starts_with("--");
+  });
   return "ERROR: " + what +
          (dash ? "\nValues that begin with \"-\" and are no numbers stand behind \"--\"." : "") +
          kMore;

@@ -36,8 +36,7 @@ bool TakePointId(Program& program, Job& job, std::string_view id) {
     return false;
   }
   if (job.alphanumeric && id.size() > kPointIdLength) {
-    program.console.PrintError("WARNING: the id \"" + std::string(id) +
-                               "\" is longer than 9 characters and was cut.\n");
+    program.Warn("the id \"" + OneLine(id) + "\" is longer than 9 characters and was cut.");
   }
   job.current_point_id =
       job.alphanumeric ? NormalisePointId(id).str() : std::to_string(*ParseInteger(id));
@@ -45,7 +44,7 @@ bool TakePointId(Program& program, Job& job, std::string_view id) {
 }
 
 ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& id,
-                      const GridPoint& at, const std::string& description) {
+                      const GridPoint& at, const std::string& description, Announce announce) {
   Job& job = session.job();
   const auto stream = OpenCoordinateFile(job);
   if (!stream) return ExitCode::Failed;
@@ -66,7 +65,12 @@ ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& 
     case StorePointResult::NoStream:
       return program.Fail("Point " + job.current_point_id + " was not stored.");
   }
-  program.console.Print("Stored point " + job.last_stored_point.id.str() + ".\n");
+  const std::string told = "Stored point " + job.last_stored_point.id.str() + ".\n";
+  if (announce == Announce::OnOutput) {
+    program.console.Print(told);
+  } else {
+    program.console.PrintError(told);
+  }
   if (AppendRawRecord(job, StoredPointRecord(job.last_stored_point, description)) ==
       RawFileResult::Written) {
     return ExitCode::Done;

@@ -1,8 +1,5 @@
 #include "app/road_file.h"
 
-#include <CLI/CLI.hpp>
-#include <cmath>
-
 #include "app/job_session.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
@@ -11,22 +8,6 @@
 #include "roads/road_texts.h"
 
 namespace tarvex {
-
-void AddRoadFileOptions(CLI::App& sub, RoadFileOptions& options) {
-  sub.add_option("FILE.cl", options.file, "The centerline file")->required();
-  sub.add_option("--unit", options.unit, "Unit of the file (default: metres)")
-      ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
-  sub.add_option("--stations", options.stations,
-                 "How stations are shown: 100 (12+34.50), 1000 (1+234.500) or plain "
-                 "(default: 1000 in metres, 100 in feet)")
-      ->check(CLI::IsMember({"100", "1000", "plain"}));
-  sub.add_option("--profile", options.profile,
-                 "LandXML file whose profile gives design elevations");
-  sub.add_flag("--limits", options.use_limits, "Keep to the station limits of the .cle file");
-  sub.add_flag("--ahead-first", options.ahead_first,
-               "The file's EQ records hold the ahead station first");
-  sub.add_flag("--json", options.json, "Print JSON");
-}
 
 std::string OpenedRoad::StationText(double internal) const {
   return geometry.equations.Text(internal, style.mode, style.decimals);
@@ -49,6 +30,11 @@ std::optional<double> OpenedRoad::DesignElevation(double internal) const {
 
 bool OpenedRoad::OutsideLimits(double internal) const {
   return (span.start_limited && internal < span.start) || (span.end_limited && internal > span.end);
+}
+
+std::string OpenedRoad::Picture(const std::string& title,
+                                std::span<const PictureMark> marks) const {
+  return AlignmentPicture(geometry, title, style, marks);
 }
 
 namespace {
@@ -146,18 +132,17 @@ void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOpt
   std::size_t faults = 0;
   for (const AlignmentElement& element : road.alignment().elements()) faults += !element.sound;
   if (faults == 0) return;
-  program.console.PrintError("WARNING: " + std::to_string(faults) +
-                             (faults == 1 ? " element" : " elements") + " of " + options.file +
-                             " should not be staked as they stand; see: tarvex road check " +
-                             options.file + "\n");
+  program.Warn(std::to_string(faults) + (faults == 1 ? " element" : " elements") + " of " +
+               options.file + " should not be staked as they stand; see: tarvex road check " +
+               options.file);
 }
 
 std::optional<double> FindStation(Program& program, const OpenedRoad& road,
                                   const std::string& entry) {
   const auto typed = ParseStationEntry(entry);
   if (!typed) {
-    program.exit_code =
-        program.Misuse("\"" + entry + "\" is not a station (1234.5, 12+34.50, 1+234.5, 14+75 R2).");
+    (void)program.Misuse("\"" + entry +
+                         "\" is not a station (1234.5, 12+34.50, 1+234.5, 14+75 R2).");
     return std::nullopt;
   }
   const auto found = road.geometry.equations.Internal(typed->displayed, typed->region);
@@ -178,25 +163,6 @@ std::optional<double> FindStation(Program& program, const OpenedRoad& road,
   return std::nullopt;
 }
 
-std::optional<double> EnteredNumber(Program& program, const char* name, const std::string& text) {
-  const auto value = ParseNumber(text);
-  if (!value) {
-    program.exit_code = program.Misuse(std::string(name) + " \"" + text + "\" is not a number.");
-  }
-  return value;
-}
-
-ExitCode WriteResultFile(Program& program, const std::string& path, const std::string& text,
-                         bool overwrite) {
-  if (!overwrite && program.files.Exists(path)) {
-    return program.Fail(path + " exists; nothing was written. (--overwrite replaces it.)");
-  }
-  const FileStatus status = ReplaceWholeFile(program.files, path, text);
-  if (!status.ok()) return program.Fail(path + " cannot be written: " + status.Text() + ".");
-  program.console.PrintError("Wrote " + path + ".\n");
-  return ExitCode::Done;
-}
-
 std::string PlaceText(Place place) {
   switch (place) {
     case Place::AtVertex:
@@ -209,6 +175,10 @@ std::string PlaceText(Place place) {
       break;
   }
   return {};
+}
+
+std::string PlaceName(Place place) {
+  return place == Place::On ? "on the alignment" : PlaceText(place);
 }
 
 }  // namespace tarvex

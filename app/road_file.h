@@ -3,24 +3,22 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "app/json_text.h"
 #include "app/program.h"
 #include "core/units.h"
+#include "exchange/road_picture.h"
 #include "roads/alignment_check.h"
 #include "roads/profile.h"
 #include "roads/road.h"
 #include "roads/road_geometry.h"
 
-namespace CLI {
-class App;
-}  // namespace CLI
-
 namespace tarvex {
 
-/// The options that all road commands share.
+/// What the person says about the file and how the road is to be shown.
 struct RoadFileOptions {
   std::string file;
   std::string unit = "metres";
@@ -30,9 +28,6 @@ struct RoadFileOptions {
   bool ahead_first = false;
   bool json = false;
 };
-
-/// Adds FILE.cl, --unit, --stations, --profile, --limits, --ahead-first and --json.
-void AddRoadFileOptions(CLI::App& sub, RoadFileOptions& options);
 
 struct OpenedRoad {
   Road road;
@@ -53,6 +48,8 @@ struct OpenedRoad {
   std::optional<double> DesignElevation(double internal) const;
   /// True outside the station limits that the road uses.
   bool OutsideLimits(double internal) const;
+  /// The alignment from above, with marks beside it.
+  std::string Picture(const std::string& title, std::span<const PictureMark> marks = {}) const;
 };
 
 /// Nothing after a message that names the file and the line.
@@ -65,16 +62,10 @@ void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOpt
 std::optional<double> FindStation(Program& program, const OpenedRoad& road,
                                   const std::string& entry);
 
-/// A typed number; nothing after a message that names it.
-std::optional<double> EnteredNumber(Program& program, const char* name, const std::string& text);
-
-/// Writes a file that came out of a command, durably, and says so; refuses one that exists unless
-/// `overwrite`.
-ExitCode WriteResultFile(Program& program, const std::string& path, const std::string& text,
-                         bool overwrite);
-
 /// "before the start", "after the end", "at an angle point", empty on the alignment.
 std::string PlaceText(Place place);
+/// The same with "on the alignment", as JSON names the place.
+std::string PlaceName(Place place);
 
 inline constexpr int kRoadDecimals = 4;
 

@@ -1,6 +1,7 @@
 #include "app/stake_session.h"
 
 #include <cmath>
+#include <utility>
 
 #include "core/number_text.h"
 #include "gnss/port_error.h"
@@ -17,8 +18,8 @@ std::string Shown(double value) {
 
 }  // namespace
 
-StakeSession::StakeSession(Program& program, const OpenedRoad& road, const StakePlan& plan)
-    : program_(program), road_(road), plan_(plan), gate_(plan.tolerance) {}
+StakeSession::StakeSession(Program& program, const OpenedRoad& road, StakePlan plan)
+    : program_(program), road_(road), plan_(std::move(plan)), gate_(plan_.tolerance) {}
 
 std::string StakeSession::StakeLine(const RoadStake& stake, bool inside) const {
   std::string line = "at " + road_.StationText(stake.current.station) + " " +
@@ -52,28 +53,36 @@ Json StakeSession::StakeJson(const RoadStake& stake, bool inside) const {
 }
 
 // The catch point is looked for where the position stands, whatever its station.
-std::optional<SlopeStep> StakeSession::NextSlope(const RoadStake& stake, const GridPoint& at) {
-  if (!plan_.slope_side || !plan_.design) return std::nullopt;
+std::optional<SlopeStep> StakeSession::NextSlope(const RoadStake& stake, const StakePosition& at) {
+  if (!plan_.slope_side || !plan_.design || !at.elevation) return std::nullopt;
   const double sign = *plan_.slope_side == Side::Right ? 1.0 : -1.0;
-  const SlopeShot shot{sign * stake.current.offset, at.elevation};
+  const SlopeShot shot{sign * stake.current.offset, *at.elevation};
   const auto step =
       NextSlopeStep(*plan_.section, *plan_.design, *plan_.slope_side, shot, shot_before_);
   shot_before_ = shot;
   return step;
 }
 
-void StakeSession::Show(const GridPoint& at, bool good_position, const std::string& name) {
-  const auto stake = StakeRoadPoint(road_.alignment(), plan_.target, at, station_before_);
+void StakeSession::Show(const StakePosition& at, bool good_position, const std::string& name) {
+  RoadTarget target = plan_.target;
+  if (!at.elevation) target.elevation.reset();
+  const auto stake =
+      StakeRoadPoint(road_.alignment(), target,
+                     {at.northing, at.easting, at.elevation.value_or(0.0)}, station_before_);
   if (!stake) return;
   station_before_ = stake->current.station;
   last_ = at;
   last_stake_ = stake;
   const bool inside =
       gate_.Update(stake->deltas.distance, stake->cut, good_position && stake->sound);
-  const auto slope = NextSlope(*stake, at);
+  PrintStake(*stake, inside, NextSlope(*stake, at), name);
+}
+
+void StakeSession::PrintStake(const RoadStake& stake, bool inside,
+                              const std::optional<SlopeStep>& slope, const std::string& name) {
   if (plan_.json) {
     Json json{{"position", name}};
-    json.update(StakeJson(*stake, inside));
+    json.update(StakeJson(stake, inside));
     if (slope) {
       json["slope"] = {{"kind", slope->kind == EarthworkKind::Cut ? "cut" : "fill"},
                        {"ratio", slope->ratio},
@@ -84,7 +93,7 @@ void StakeSession::Show(const GridPoint& at, bool good_position, const std::stri
     program_.console.Print(json.dump() + "\n");
     return;
   }
-  std::string line = name + ": " + StakeLine(*stake, inside);
+  std::string line = name + ": " + StakeLine(stake, inside);
   if (slope) {
     line += slope->kind == EarthworkKind::Cut ? "  slope cut " : "  slope fill ";
     line += ShortestNumber(slope->ratio) + ":1 " + CutFillText(slope->difference, kShownDecimals);
@@ -94,7 +103,7 @@ void StakeSession::Show(const GridPoint& at, bool good_position, const std::stri
   program_.console.Print(line + "\n");
 }
 
-void StakeSession::ShowPosition(const GridPoint& at, const std::string& name) {
+void StakeSession::ShowPosition(const StakePosition& at, const std::string& name) {
   Show(at, true, name);
 }
 
@@ -114,7 +123,8 @@ bool StakeSession::TakePosition(const GnssPositionState& state, const CTrgCalcul
   // A stake goes in on a fixed position only, precise to half the tolerance where that is known.
   const bool precise = !state.precision_known || state.precision_carried_over ||
                        state.hrms <= 0.5 * plan_.tolerance.horizontal;
-  Show(at, state.solution_type == SolutionType::Fixed && precise,
+  const auto elevation = state.height_known ? std::optional(at.elevation) : std::nullopt;
+  Show({at.northing, at.easting, elevation}, state.solution_type == SolutionType::Fixed && precise,
        std::string(SolutionText(state.solution_type)));
   return true;
 }

@@ -1,15 +1,14 @@
-// tarvex road check: the file against its own numbers. tarvex road list: what lies along the road.
+// tarvex road check: the file against its own numbers.
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 #include "app/commands/command.h"
 #include "app/commands/road_commands.h"
-#include "app/road_file.h"
+#include "app/result_file.h"
+#include "app/road_options.h"
+#include "app/table_text.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
-#include "exchange/road_picture.h"
-#include "roads/stakeout.h"
 
 namespace tarvex {
 namespace {
@@ -29,14 +28,6 @@ std::string ShapeText(const AlignmentElement& element) {
       break;
   }
   return element.fault == ElementFault::None ? "tangent" : "chord";
-}
-
-std::string Right(const std::string& text, std::size_t width) {
-  return std::string(width - std::min(width, text.size()), ' ') + text;
-}
-
-std::string Left(const std::string& text, std::size_t width) {
-  return text + std::string(width - std::min(width, text.size()), ' ');
 }
 
 // Radius with its side; a spiral between two curvatures shows both.
@@ -151,116 +142,35 @@ void PrintFindings(Program& program, const OpenedRoad& road,
                         road.StationText(elements[largest.element].station_start) + "\n");
 }
 
+void PrintCheck(Program& program, const OpenedRoad& road,
+                const std::vector<CheckFinding>& findings) {
+  PrintElements(program, road);
+  PrintEquations(program, road);
+  if (road.span.start_limited || road.span.end_limited) {
+    program.console.Print("Station limits " + road.StationText(road.span.start) + " to " +
+                          road.StationText(road.span.end) + "\n");
+  }
+  PrintFindings(program, road, findings);
+}
+
 ExitCode RunRoadCheck(const RoadCheckOptions& options, Program& program) {
   const auto road = OpenRoad(program, options.road);
-  if (!road) return ExitCode::Failed;
+  if (!road) return program.exit_code;
   const auto findings = CheckAlignment(road->geometry, road->limits, road->style);
   if (options.road.json) {
     program.console.Print(JsonText(CheckJson(*road, options, findings)));
   } else {
-    PrintElements(program, *road);
-    PrintEquations(program, *road);
-    if (road->span.start_limited || road->span.end_limited) {
-      program.console.Print("Station limits " + road->StationText(road->span.start) + " to " +
-                            road->StationText(road->span.end) + "\n");
-    }
-    PrintFindings(program, *road, findings);
+    PrintCheck(program, *road, findings);
+  }
+  if (!options.svg.empty()) {
+    const ExitCode code =
+        WriteResultFile(program, options.svg, road->Picture(options.road.file), true);
+    if (code != ExitCode::Done) return code;
   }
   const bool refused = std::any_of(findings.begin(), findings.end(), [](const auto& finding) {
     return finding.kind == FindingKind::Refused;
   });
-  if (!options.svg.empty()) {
-    const std::string svg = AlignmentPicture(road->geometry, options.road.file, road->style);
-    const ExitCode code = WriteResultFile(program, options.svg, svg, true);
-    if (code != ExitCode::Done) return code;
-  }
   return refused ? ExitCode::Failed : ExitCode::Done;
-}
-
-struct RoadListOptions {
-  RoadFileOptions road;
-  double interval = 0.0;
-  std::string from;
-  std::string to;
-  double offset = 0.0;
-};
-
-// Names of the key points by station.
-class KeyPointNames {
- public:
-  explicit KeyPointNames(const std::vector<CenterlineElement>& chain) {
-    for (const CenterlineElement& node : chain) {
-      if (node.record == KeyPointKind::LeadIn || node.record == KeyPointKind::Line) continue;
-      names_.emplace(node.station, RecordName(node));
-    }
-  }
-
-  std::string At(double station) const {
-    constexpr double kSame = 1e-4;
-    std::string names;
-    const auto end = names_.upper_bound(station + kSame);
-    for (auto at = names_.lower_bound(station - kSame); at != end; ++at) {
-      names += (names.empty() ? "" : " ") + std::string(at->second);
-    }
-    return names;
-  }
-
- private:
-  std::multimap<double, std::string_view> names_;
-};
-
-void PrintPlace(Program& program, const OpenedRoad& road, const KeyPointNames& names,
-                double station, double offset) {
-  const auto point = road.alignment().PointAt(station, offset);
-  const auto elevation = road.DesignElevation(station);
-  program.console.Print(Right(road.StationText(station), 16) +
-                        Right(FixedNumber(point->at.northing, kRoadDecimals), 17) +
-                        Right(FixedNumber(point->at.easting, kRoadDecimals), 17) +
-                        Right(elevation ? FixedNumber(*elevation, kRoadDecimals) : "", 13) +
-                        Right(FixedNumber(point->azimuth * kDegreesPerRadian, 5), 12) + "  " +
-                        names.At(station) + "\n");
-}
-
-Json PlaceJson(const OpenedRoad& road, const KeyPointNames& names, double station, double offset) {
-  const auto point = road.alignment().PointAt(station, offset);
-  Json json = road.StationJson(station);
-  json["offset"] = offset;
-  json["northing"] = point->at.northing;
-  json["easting"] = point->at.easting;
-  if (const auto elevation = road.DesignElevation(station)) json["elevation"] = *elevation;
-  json["azimuth_degrees"] = point->azimuth * kDegreesPerRadian;
-  json["key_point"] = names.At(station);
-  return json;
-}
-
-ExitCode RunRoadList(const RoadListOptions& options, Program& program) {
-  const auto road = OpenRoad(program, options.road);
-  if (!road) return ExitCode::Failed;
-  const auto from = options.from.empty() ? std::optional(road->span.start)
-                                         : FindStation(program, *road, options.from);
-  const auto to =
-      options.to.empty() ? std::optional(road->span.end) : FindStation(program, *road, options.to);
-  if (!from || !to)
-    return program.exit_code == ExitCode::WrongUse ? ExitCode::WrongUse : ExitCode::Failed;
-  WarnAboutFaults(program, *road, options.road);
-  const Profile* profile = road->profile ? &*road->profile : nullptr;
-  const auto stations = StakeStations(road->geometry, profile, options.interval, *from, *to);
-  if (stations.empty()) {
-    return program.Misuse("The interval gives no stations, or more than " +
-                          std::to_string(kMostStakeStations) + ".");
-  }
-  const KeyPointNames names(road->geometry.chain);
-  if (options.road.json) {
-    Json list = Json::array();
-    for (const double station : stations)
-      list.push_back(PlaceJson(*road, names, station, options.offset));
-    program.console.Print(JsonText({{"file", options.road.file}, {"stations", std::move(list)}}));
-    return ExitCode::Done;
-  }
-  program.console.Print(Right("Station", 16) + Right("Northing", 17) + Right("Easting", 17) +
-                        Right("Elevation", 13) + Right("Azimuth", 12) + "\n");
-  for (const double station : stations) PrintPlace(program, *road, names, station, options.offset);
-  return ExitCode::Done;
 }
 
 }  // namespace
@@ -270,25 +180,12 @@ void AddRoadCheckCommand(CLI::App& road, Program& program) {
                                     "Explain a centerline and say which of its numbers is wrong",
                                     RunRoadCheck);
   AddRoadFileOptions(command.sub, command.options->road);
+  AddRoadViewOptions(command.sub, command.options->road);
   command.sub.add_option("--svg", command.options->svg, "Draw the alignment into this file");
   command.sub.footer(
       "A FAULT marks an element that should not be staked as it stands (exit code 1).\n"
       "Where coordinates and stations disagree, the coordinates win;\n"
       "tarvex road write --restation computes the stations anew.");
-}
-
-void AddRoadListCommand(CLI::App& road, Program& program) {
-  Command<RoadListOptions> command(road, program, "list",
-                                   "List round stations and key points with their coordinates",
-                                   RunRoadList);
-  RoadListOptions& options = *command.options;
-  AddRoadFileOptions(command.sub, options.road);
-  command.sub.add_option("--interval", options.interval, "Distance between round stations")
-      ->required()
-      ->check(CLI::PositiveNumber);
-  command.sub.add_option("--from", options.from, "First station (default: the start)");
-  command.sub.add_option("--to", options.to, "Last station (default: the end)");
-  command.sub.add_option("--offset", options.offset, "Offset of the points, right positive");
 }
 
 }  // namespace tarvex

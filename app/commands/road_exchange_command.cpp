@@ -2,7 +2,8 @@
 #include "app/commands/command.h"
 #include "app/commands/road_commands.h"
 #include "app/job_session.h"
-#include "app/road_file.h"
+#include "app/result_file.h"
+#include "app/road_options.h"
 #include "core/number_text.h"
 #include "exchange/landxml.h"
 #include "exchange/road_picture.h"
@@ -28,34 +29,31 @@ std::string NamesOf(const std::vector<LandXmlAlignment>& alignments) {
   return names;
 }
 
-ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
+// The one alignment of the file; nothing after a message.
+std::optional<LandXmlReading> ReadOneAlignment(const RoadImportOptions& options, Program& program) {
   std::string text;
   const FileStatus status = ReadWholeFile(program.files, options.file, kLargestLandXml, text);
-  if (!status.ok()) return program.Fail(options.file + " cannot be read: " + status.Text() + ".");
+  if (!status.ok()) {
+    (void)program.Fail(options.file + " cannot be read: " + status.Text() + ".");
+    return std::nullopt;
+  }
   const bool named = !options.alignment.empty();
-  const LandXmlReading reading =
+  LandXmlReading reading =
       ReadLandXml(text, named ? std::optional<std::string_view>(options.alignment) : std::nullopt);
-  for (const std::string& warning : reading.warnings) {
-    program.console.PrintError("WARNING: " + warning + "\n");
-  }
+  for (const std::string& warning : reading.warnings) program.Warn(warning);
   if (reading.result != LandXmlResult::Read) {
-    return program.Fail(options.file + ": " + reading.problem);
+    (void)program.Fail(options.file + ": " + reading.problem);
+    return std::nullopt;
   }
-  if (reading.alignments.size() > 1) {
-    return program.Misuse("The file holds several alignments; choose one with --alignment: " +
-                          NamesOf(reading.alignments) + ".");
-  }
+  if (reading.alignments.size() == 1) return reading;
+  (void)program.Misuse("The file holds several alignments; choose one with --alignment: " +
+                       NamesOf(reading.alignments) + ".");
+  return std::nullopt;
+}
+
+void TellImport(const RoadImportOptions& options, Program& program, const LandXmlReading& reading,
+                std::size_t elements) {
   const LandXmlAlignment& alignment = reading.alignments.front();
-  const std::string centerline = CenterlineText(alignment.centerline, alignment.equations);
-  const ExitCode written = WriteResultFile(program, options.out, centerline, options.overwrite);
-  if (written != ExitCode::Done) return written;
-  const auto making =
-      MakeRoadGeometry(alignment.centerline, alignment.equations, CheckLimits::For(reading.unit));
-  if (!options.svg.empty() && making.geometry) {
-    const std::string svg = AlignmentPicture(*making.geometry, alignment.name, {});
-    if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
-  }
-  const std::size_t elements = making.geometry ? making.geometry->alignment.elements().size() : 0;
   if (options.json) {
     program.console.Print(JsonText({{"alignment", alignment.name},
                                     {"unit", UnitKey(reading.unit)},
@@ -63,15 +61,36 @@ ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
                                     {"equations", alignment.equations.size()},
                                     {"profile", alignment.profile.has_value()},
                                     {"file", options.out}}));
-    return ExitCode::Done;
+    return;
   }
   program.console.Print("Alignment \"" + alignment.name + "\": " + std::to_string(elements) +
                         " elements, " + std::to_string(alignment.equations.size()) +
                         " station equations, in " + std::string(UnitName(reading.unit)) + ".\n");
+  if (reading.unit != DistanceUnit::Metres) {
+    program.console.Print("The file does not carry its unit: --unit " +
+                          std::string(UnitKey(reading.unit)) + "\n");
+  }
   if (alignment.profile) {
     program.console.Print("Its profile is read from the same file: --profile " + options.file +
                           "\n");
   }
+}
+
+ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
+  const auto reading = ReadOneAlignment(options, program);
+  if (!reading) return program.exit_code;
+  const LandXmlAlignment& alignment = reading->alignments.front();
+  const std::string centerline = CenterlineText(alignment.centerline, alignment.equations);
+  const ExitCode written = WriteResultFile(program, options.out, centerline, options.overwrite);
+  if (written != ExitCode::Done) return written;
+  const auto making =
+      MakeRoadGeometry(alignment.centerline, alignment.equations, CheckLimits::For(reading->unit));
+  if (!options.svg.empty() && making.geometry) {
+    const std::string svg = AlignmentPicture(*making.geometry, alignment.name, {});
+    if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
+  }
+  TellImport(options, program, *reading,
+             making.geometry ? making.geometry->alignment.elements().size() : 0);
   return ExitCode::Done;
 }
 
@@ -89,7 +108,7 @@ std::string NameOf(const std::string& path) {
 
 ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
   const auto road = OpenRoad(program, options.road);
-  if (!road) return ExitCode::Failed;
+  if (!road) return program.exit_code;
   std::size_t refused = 0;
   const auto text =
       WriteLandXml({.name = options.name.empty() ? NameOf(options.road.file) : options.name,
@@ -124,6 +143,9 @@ void AddRoadImportCommand(CLI::App& road, Program& program) {
   sub.add_option("--svg", options.svg, "Draw the alignment into this file");
   sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
   sub.add_flag("--json", options.json, "Print JSON");
+  sub.footer(
+      "Lines, arcs, clothoids and station equations; anything else is refused by name.\n"
+      "Example: tarvex road import design.xml --out road.cl");
 }
 
 void AddRoadExportCommand(CLI::App& road, Program& program) {
@@ -131,9 +153,11 @@ void AddRoadExportCommand(CLI::App& road, Program& program) {
       road, program, "export", "Write the alignment (and a profile) as LandXML", RunRoadExport);
   RoadExportOptions& options = *command.options;
   AddRoadFileOptions(command.sub, options.road);
+  AddProfileOption(command.sub, options.road);
   command.sub.add_option("--out", options.out, "The LandXML file to write")->required();
   command.sub.add_option("--name", options.name, "Name of the alignment (default: of the file)");
   command.sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
+  command.sub.footer("Example: tarvex road export road.cl --profile design.xml --out road.xml");
 }
 
 }  // namespace tarvex

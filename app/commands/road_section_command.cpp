@@ -2,17 +2,22 @@
 #include "app/commands/command.h"
 #include "app/commands/road_commands.h"
 #include "app/json_text.h"
+#include "app/number_entry.h"
+#include "app/result_file.h"
 #include "app/road_file.h"
+#include "app/table_text.h"
+#include "app/template_opening.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "core/text.h"
 #include "exchange/road_picture.h"
 #include "roads/section.h"
 #include "roads/stakeout.h"
-#include "roads/template_file.h"
 
 namespace tarvex {
 namespace {
+
+constexpr std::size_t kNumberWidth = 14;
 
 struct RoadSectionOptions {
   std::string file;
@@ -29,10 +34,10 @@ struct RoadSectionOptions {
 std::optional<std::pair<double, double>> TwoNumbers(std::string_view text) {
   const std::size_t comma = text.find(',');
   if (comma == std::string_view::npos) return std::nullopt;
-  const auto first = ParseNumber(text.substr(0, comma));
-  const auto second = ParseNumber(text.substr(comma + 1));
-  if (!first || !second) return std::nullopt;
-  return std::pair(*first, *second);
+  const NumberEntry first = ReadNumberEntry(text.substr(0, comma));
+  const NumberEntry second = ReadNumberEntry(text.substr(comma + 1));
+  if (!first.problem.empty() || !second.problem.empty()) return std::nullopt;
+  return std::pair(first.value, second.value);
 }
 
 // "plane ELEVATION,SLOPE" or "0,99.0 6,98.8 10,97.9".
@@ -82,6 +87,16 @@ std::string CatchText(const CatchPoint& caught) {
   return text;
 }
 
+Json PointsJson(const std::vector<SectionPoint>& points) {
+  Json list = Json::array();
+  for (const SectionPoint& point : points) {
+    list.push_back({{"offset", point.offset},
+                    {"elevation", point.elevation},
+                    {"description", point.description}});
+  }
+  return list;
+}
+
 Json CatchJson(const CatchPoint& caught) {
   Json json{{"result", CatchText(caught)},
             {"caught", caught.result == CatchResult::Caught},
@@ -94,18 +109,10 @@ Json CatchJson(const CatchPoint& caught) {
                {"height", caught.height},
                {"hinge_offset", caught.hinge_offset},
                {"hinge_elevation", caught.hinge_elevation},
+               {"between", PointsJson(caught.between)},
+               {"breaks", PointsJson(caught.breaks)},
                {"beyond_right_of_way", caught.beyond_right_of_way}});
   return json;
-}
-
-Json PointsJson(const DesignSection& design) {
-  Json list = Json::array();
-  for (const SectionPoint& point : design.points) {
-    list.push_back({{"offset", point.offset},
-                    {"elevation", point.elevation},
-                    {"description", point.description}});
-  }
-  return list;
 }
 
 void PrintSection(Program& program, const RoadTemplate& section, const DesignSection& design) {
@@ -121,11 +128,9 @@ void PrintSection(Program& program, const RoadTemplate& section, const DesignSec
     }
   }
   for (const SectionPoint& point : design.points) {
-    const std::string offset = OffsetText(point.offset, kRoadDecimals);
-    const std::string elevation = FixedNumber(point.elevation, kRoadDecimals);
-    program.console.Print(std::string(14 - std::min<std::size_t>(14, offset.size()), ' ') + offset +
-                          std::string(14 - std::min<std::size_t>(14, elevation.size()), ' ') +
-                          elevation + "  " + OneLine(point.description) + "\n");
+    program.console.Print(Right(OffsetText(point.offset, kRoadDecimals), kNumberWidth) +
+                          Right(FixedNumber(point.elevation, kRoadDecimals), kNumberWidth) + "  " +
+                          OneLine(point.description) + "\n");
   }
 }
 
@@ -135,56 +140,61 @@ bool SettleSide(Program& program, const RoadTemplate& section, const DesignSecti
   if (entered.empty()) return true;
   shown.ground = ParseGround(entered);
   if (!shown.ground) {
-    program.exit_code = program.Misuse("The ground \"" + entered +
-                                       "\" is neither \"plane ELEVATION,SLOPE\" nor pairs "
-                                       "\"OFFSET,ELEVATION\" of rising offsets.");
+    (void)program.Misuse("The ground \"" + entered +
+                         "\" is neither \"plane ELEVATION,SLOPE\" nor pairs "
+                         "\"OFFSET,ELEVATION\" of rising offsets.");
     return false;
   }
   shown.caught = FindCatchPoint(section, design, side, *shown.ground);
   return true;
 }
 
-ExitCode RunRoadSection(const RoadSectionOptions& options, Program& program) {
-  Road road;
-  switch (LoadTemplate(program.files, road, options.file)) {
-    case LoadTemplateResult::Loaded:
-      break;
-    case LoadTemplateResult::TooLarge:
-      return program.Fail(options.file + " is too large to be a template.");
-    case LoadTemplateResult::NotOpened:
-      return program.Fail("The template " + options.file + " cannot be opened.");
-  }
+// Nothing after a message.
+std::optional<DesignSection> DesignOf(const RoadSectionOptions& options, Program& program,
+                                      const RoadTemplate& section) {
   const auto elevation = EnteredNumber(program, "The elevation", options.elevation);
-  if (!elevation) return ExitCode::WrongUse;
-  std::optional<Superelevation> super;
-  if (!options.superelevation.empty()) {
-    const auto grades = TwoNumbers(options.superelevation);
-    if (!grades) return program.Misuse("The superelevation is LEFT,RIGHT in percent, outward.");
-    super = Superelevation{grades->first, grades->second};
+  if (!elevation) return std::nullopt;
+  if (options.superelevation.empty()) return BuildSection(section, *elevation);
+  const auto grades = TwoNumbers(options.superelevation);
+  if (grades) {
+    return BuildSection(section, *elevation, Superelevation{grades->first, grades->second});
   }
-  const DesignSection design = BuildSection(*road.section, *elevation, super);
-  SectionSide left;
-  SectionSide right;
-  if (!SettleSide(program, *road.section, design, Side::Left, options.ground_left, left) ||
-      !SettleSide(program, *road.section, design, Side::Right, options.ground_right, right)) {
-    return ExitCode::WrongUse;
-  }
+  (void)program.Misuse("The superelevation is LEFT,RIGHT in percent, outward.");
+  return std::nullopt;
+}
+
+void PrintResult(const RoadSectionOptions& options, Program& program, const RoadTemplate& section,
+                 const DesignSection& design, const SectionSide& left, const SectionSide& right) {
   if (options.json) {
-    Json json{{"file", options.file}, {"points", PointsJson(design)}};
+    Json json{{"file", options.file}, {"points", PointsJson(design.points)}};
     if (left.caught) json["left"] = CatchJson(*left.caught);
     if (right.caught) json["right"] = CatchJson(*right.caught);
     program.console.Print(JsonText(json));
-  } else {
-    PrintSection(program, *road.section, design);
-    if (left.caught) program.console.Print("Left:  " + CatchText(*left.caught) + "\n");
-    if (right.caught) program.console.Print("Right: " + CatchText(*right.caught) + "\n");
+    return;
   }
+  PrintSection(program, section, design);
+  if (left.caught) program.console.Print("Left:  " + CatchText(*left.caught) + "\n");
+  if (right.caught) program.console.Print("Right: " + CatchText(*right.caught) + "\n");
+}
+
+ExitCode RunRoadSection(const RoadSectionOptions& options, Program& program) {
+  const auto section = OpenTemplate(program, options.file);
+  if (!section) return program.exit_code;
+  const auto design = DesignOf(options, program, *section);
+  if (!design) return program.exit_code;
+  SectionSide left;
+  SectionSide right;
+  if (!SettleSide(program, *section, *design, Side::Left, options.ground_left, left) ||
+      !SettleSide(program, *section, *design, Side::Right, options.ground_right, right)) {
+    return program.exit_code;
+  }
+  PrintResult(options, program, *section, *design, left, right);
   if (!options.svg.empty()) {
-    const std::string svg = SectionPicture(design, left, right, options.file);
+    const std::string svg = SectionPicture(*design, left, right, options.file);
     if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
   }
   if (options.out.empty()) return ExitCode::Done;
-  return WriteResultFile(program, options.out, road.section->text, options.overwrite);
+  return WriteResultFile(program, options.out, section->text, options.overwrite);
 }
 
 }  // namespace

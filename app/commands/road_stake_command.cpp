@@ -3,33 +3,29 @@
 #include "app/commands/road_commands.h"
 #include "app/coordinate_systems.h"
 #include "app/job_localization.h"
-#include "app/job_session.h"
+#include "app/number_entry.h"
 #include "app/point_storing.h"
-#include "app/road_file.h"
+#include "app/road_job.h"
+#include "app/road_options.h"
 #include "app/stake_session.h"
-#include "core/coordinate_file.h"
-#include "core/number_text.h"
-#include "core/point_store.h"
-#include "roads/template_file.h"
+#include "app/template_opening.h"
 
 namespace tarvex {
 namespace {
 
 struct RoadStakeOptions {
   RoadFileOptions road;
-  std::string station;
-  double offset = 0.0;
+  RoadPlaceOptions place;
   std::string elevation;
   std::string section;
   std::string slope;
   std::string job;
   std::vector<std::string> points;
-  std::vector<double> at;
+  std::vector<std::string> at;
   ReceiverChoice receiver;
   double antenna_height = 0.0;
   long long count = 0;
-  double tolerance = 0.02;
-  double vertical_tolerance = 0.01;
+  StakeTolerance tolerance;
   std::string store_id;
   std::string existing = "ask";
 };
@@ -45,41 +41,69 @@ std::optional<double> SurfaceElevation(const DesignSection& design, double offse
   return std::nullopt;
 }
 
-bool SettleDesign(const RoadStakeOptions& options, Program& program, const OpenedRoad& road,
-                  Road& with_section, StakePlan& plan) {
-  auto grade = road.DesignElevation(plan.target.station);
-  if (!options.elevation.empty()) {
-    grade = EnteredNumber(program, "The elevation", options.elevation);
-    if (!grade) return false;
-  }
-  plan.target.elevation = grade;
+// The finished grade at the target, where it is known; false after a message.
+bool SettleGrade(const RoadStakeOptions& options, Program& program, const OpenedRoad& road,
+                 StakePlan& plan) {
+  plan.target.elevation = road.DesignElevation(plan.target.station);
+  if (options.elevation.empty()) return true;
+  plan.target.elevation = EnteredNumber(program, "The elevation", options.elevation);
+  return plan.target.elevation.has_value();
+}
+
+// The template's surface over the grade, and the slope to stake; false after a message.
+bool SettleSection(const RoadStakeOptions& options, Program& program, StakePlan& plan) {
   if (options.section.empty()) return true;
-  if (LoadTemplate(program.files, with_section, options.section) != LoadTemplateResult::Loaded) {
-    (void)program.Fail("The template " + options.section + " cannot be opened.");
+  plan.section = OpenTemplate(program, options.section);
+  if (!plan.section) return false;
+  if (!plan.target.elevation) {
+    (void)program.Misuse("A template needs a finished grade: --elevation Z or --profile FILE.");
     return false;
   }
-  if (!grade) {
-    program.exit_code =
-        program.Misuse("A template needs a finished grade: --elevation Z or --profile FILE.");
-    return false;
-  }
-  plan.section = &*with_section.section;
-  plan.design = BuildSection(*plan.section, *grade);
-  plan.target.elevation = SurfaceElevation(*plan.design, options.offset);
+  plan.design = BuildSection(*plan.section, *plan.target.elevation);
+  plan.target.elevation = SurfaceElevation(*plan.design, options.place.offset);
   if (!options.slope.empty()) plan.slope_side = options.slope == "left" ? Side::Left : Side::Right;
   return true;
 }
 
+// Nothing after a message.
+std::optional<StakePlan> MakePlan(const RoadStakeOptions& options, Program& program,
+                                  const OpenedRoad& road) {
+  const auto station = FindStation(program, road, options.place.station);
+  if (!station) return std::nullopt;
+  StakePlan plan{.target = {*station, options.place.offset, {}},
+                 .tolerance = options.tolerance,
+                 .antenna_height = options.antenna_height,
+                 .count = options.count,
+                 .json = options.road.json,
+                 .section = {},
+                 .design = {},
+                 .slope_side = {}};
+  if (!SettleGrade(options, program, road, plan) || !SettleSection(options, program, plan)) {
+    return std::nullopt;
+  }
+  return plan;
+}
+
+ExitCode ShowEntered(const RoadStakeOptions& options, Program& program, StakeSession& stake) {
+  const auto northing = EnteredNumber(program, "The northing", options.at[0]);
+  const auto easting = EnteredNumber(program, "The easting", options.at[1]);
+  if (!northing || !easting) return program.exit_code;
+  std::optional<double> elevation;
+  if (options.at.size() > 2) {
+    elevation = EnteredNumber(program, "The elevation", options.at[2]);
+    if (!elevation) return program.exit_code;
+  }
+  stake.ShowPosition({*northing, *easting, elevation}, "Entered");
+  return ExitCode::Done;
+}
+
 ExitCode ShowJobPoints(const RoadStakeOptions& options, Program& program, JobSession& session,
                        StakeSession& stake) {
-  const auto stream = OpenForReading(session.job());
-  if (!stream) return ExitCode::Failed;
-  for (const std::string& id : options.points) {
-    Point point;
-    if (ReadPoint(session.job(), id, stream.get(), point) != ReadPointResult::Found) {
-      return program.Fail("The job holds no point " + id + ".");
-    }
-    stake.ShowPosition(point.at, "Point " + point.id.str());
+  const auto points = PointsOfJob(program, session, options.points);
+  if (!points) return program.exit_code;
+  for (const Point& point : *points) {
+    stake.ShowPosition({point.at.northing, point.at.easting, point.at.elevation},
+                       "Point " + point.id.str());
   }
   return ExitCode::Done;
 }
@@ -104,16 +128,22 @@ ExitCode StoreStake(const RoadStakeOptions& options, Program& program, JobSessio
                     const StakeSession& stake) {
   if (options.store_id.empty()) return ExitCode::Done;
   if (!stake.last()) return program.Fail("There is no position to store.");
+  const StakePosition& at = *stake.last();
+  if (!at.elevation) {
+    return program.Fail("The position has no elevation; nothing was stored.");
+  }
   session.set_policy(ParseExistingPolicy(options.existing));
-  return StoreUnderId(program, session, options.store_id, *stake.last(), stake.StakeText());
+  return StoreUnderId(program, session, options.store_id, {at.northing, at.easting, *at.elevation},
+                      stake.StakeText(),
+                      options.road.json ? Announce::OnErrors : Announce::OnOutput);
 }
 
 // True when the options name exactly one source of positions, and a job where one is needed.
 bool SourceIsClear(const RoadStakeOptions& options) {
   const int sources = (options.at.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
                       (options.receiver.address.empty() ? 0 : 1);
-  return sources == 1 && (options.at.empty() || options.at.size() >= 2) &&
-         (!options.job.empty() || (!options.at.empty() && options.store_id.empty()));
+  const bool needs_job = options.at.empty() || !options.store_id.empty();
+  return sources == 1 && !(needs_job && options.job.empty());
 }
 
 ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
@@ -123,43 +153,17 @@ ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
         "[EL].");
   }
   const auto road = OpenRoad(program, options.road);
-  if (!road) return ExitCode::Failed;
-  const auto station = FindStation(program, *road, options.station);
-  if (!station)
-    return program.exit_code == ExitCode::WrongUse ? ExitCode::WrongUse : ExitCode::Failed;
+  if (!road) return program.exit_code;
+  const auto plan = MakePlan(options, program, *road);
+  if (!plan) return program.exit_code;
+  const auto session = options.job.empty() ? nullptr : OpenRoadJob(program, options.job, *road);
+  if (!options.job.empty() && !session) return program.exit_code;
   WarnAboutFaults(program, *road, options.road);
-  StakePlan plan;
-  plan.target = {*station, options.offset, {}};
-  plan.tolerance = {options.tolerance, options.vertical_tolerance};
-  plan.antenna_height = options.antenna_height;
-  plan.count = options.count;
-  plan.json = options.road.json;
-  Road with_section;
-  if (!SettleDesign(options, program, *road, with_section, plan)) {
-    return program.exit_code == ExitCode::WrongUse ? ExitCode::WrongUse : ExitCode::Failed;
-  }
-  StakeSession stake(program, *road, plan);
-  if (options.job.empty()) {
-    stake.ShowPosition({options.at[0], options.at[1], options.at.size() > 2 ? options.at[2] : 0.0},
-                       "Entered");
-    return ExitCode::Done;
-  }
-  JobSession session(program, options.job);
-  if (!session.LoadExisting()) return ExitCode::Failed;
-  if (session.job().unit != road->unit) {
-    return program.Misuse("The job is in " + std::string(UnitName(session.job().unit)) +
-                          ", the road in " + std::string(UnitName(road->unit)) + " (--unit).");
-  }
-  ExitCode code = ExitCode::Done;
-  if (!options.at.empty()) {
-    stake.ShowPosition({options.at[0], options.at[1], options.at.size() > 2 ? options.at[2] : 0.0},
-                       "Entered");
-  } else if (!options.points.empty()) {
-    code = ShowJobPoints(options, program, session, stake);
-  } else {
-    code = ShowReceiver(options, program, session, stake);
-  }
-  return code == ExitCode::Done ? StoreStake(options, program, session, stake) : code;
+  StakeSession stake(program, *road, *plan);
+  const ExitCode code = !options.at.empty()       ? ShowEntered(options, program, stake)
+                        : !options.points.empty() ? ShowJobPoints(options, program, *session, stake)
+                                                  : ShowReceiver(options, program, *session, stake);
+  return code == ExitCode::Done && session ? StoreStake(options, program, *session, stake) : code;
 }
 
 }  // namespace
@@ -171,29 +175,29 @@ void AddRoadStakeCommand(CLI::App& road, Program& program) {
   RoadStakeOptions& options = *command.options;
   CLI::App& sub = command.sub;
   AddRoadFileOptions(sub, options.road);
-  sub.add_option("STATION", options.station, "1234.5, 12+34.50, 1+234.500 or \"14+75 R2\"")
-      ->required();
-  sub.add_option("OFFSET", options.offset, "Right positive (default: 0)");
+  AddRoadPlaceOptions(sub, options.place);
+  AddRoadViewOptions(sub, options.road);
+  AddProfileOption(sub, options.road);
   sub.add_option("--elevation", options.elevation, "Finished grade, instead of --profile");
-  sub.add_option("--template", options.section, "Template whose surface gives the elevation");
+  auto* section =
+      sub.add_option("--template", options.section, "Template whose surface gives the elevation");
   sub.add_option("--slope", options.slope, "Stake the catch point of this side (with --template)")
-      ->check(CLI::IsMember({"left", "right"}));
+      ->check(CLI::IsMember({"left", "right"}))
+      ->needs(section);
   sub.add_option("--job", options.job, "The job: its points, coordinate system and unit");
   sub.add_option("--point", options.points, "Stand on these points of the job");
   sub.add_option("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]")->expected(2, 3);
   AddReceiverOptions(sub, options.receiver);
-  sub.add_option("--antenna-height", options.antenna_height,
-                 "Height of the antenna above the point, in the job's unit");
+  AddNumber(sub, "--antenna-height", options.antenna_height,
+            "Height of the antenna above the point, in the job's unit");
   sub.add_option("--count", options.count, "Positions to show (default: until the receiver ends)")
       ->check(CLI::NonNegativeNumber);
-  sub.add_option("--tolerance", options.tolerance, "Horizontal, for ON THE STAKE (default: 0.02)")
-      ->check(CLI::PositiveNumber);
-  sub.add_option("--vertical-tolerance", options.vertical_tolerance, "Vertical (default: 0.01)")
-      ->check(CLI::PositiveNumber);
+  AddNumber(sub, "--tolerance", options.tolerance.horizontal,
+            "Horizontal, for ON THE STAKE (default: 0.02)", NumberKind::Positive);
+  AddNumber(sub, "--vertical-tolerance", options.tolerance.vertical, "Vertical (default: 0.01)",
+            NumberKind::Positive);
   sub.add_option("--store", options.store_id, "Store the last position in the job under this id");
-  sub.add_option("--existing", options.existing,
-                 "When the point exists: overwrite, next or cancel (default: ask)")
-      ->check(CLI::IsMember({"ask", "overwrite", "next", "cancel"}));
+  AddExistingOption(sub, options.existing);
   sub.footer(
       "One line a position: where it is, how to go forward and right along the road, north and "
       "east,\n"

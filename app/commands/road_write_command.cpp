@@ -1,7 +1,8 @@
 // tarvex road write: the centerline back into a file, as it was or restationed.
 #include "app/commands/command.h"
 #include "app/commands/road_commands.h"
-#include "app/road_file.h"
+#include "app/result_file.h"
+#include "app/road_options.h"
 #include "core/number_text.h"
 #include "roads/centerline_writer.h"
 
@@ -34,7 +35,7 @@ ExitCode RunRoadWrite(const RoadWriteOptions& options, Program& program) {
     return program.Misuse("Give --restation or --normalise, not both.");
   }
   const auto road = OpenRoad(program, options.road);
-  if (!road) return ExitCode::Failed;
+  if (!road) return program.exit_code;
   std::string text = road->text;
   if (options.restation) text = Restationed(*road);
   if (options.normalise) {
@@ -60,7 +61,8 @@ void AddRoadWriteCommand(CLI::App& road, Program& program) {
                        "Write the loaded chain anew: merged points gone, equations kept");
   command.sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
   command.sub.footer(
-      "Without --restation or --normalise the file is written byte for byte as it is.");
+      "Without --restation or --normalise the file is written byte for byte as it is.\n"
+      "Example: tarvex road write road.cl --restation --out restationed.cl");
 }
 
 }  // namespace tarvex

@@ -130,5 +130,58 @@ TEST_F(RoadCommands, SectionsShowWhereTheyCatch) {
       folder_.Run("road section site.tpl --elevation 100 --ground-left \"5,9 3,9\"").exit_code, 2);
 }
 
+TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
+  struct Case {
+    const char* line;
+    const char* errors;  // a part of what is said
+  };
+  const Case cases[] = {
+      {"road list site.cl --interval 50 --offset nan", "--offset: \"nan\" is not a number"},
+      {"road list site.cl --interval 1e300", "--interval: \"1e300\" is out of range"},
+      {"road list site.cl --interval 0", "--interval: \"0\" is not above 0"},
+      {"road list site.cl --interval 50 --from 1+300 --to 1+200",
+       "Nothing lies between 1+300.000 and 1+200.000"},
+      {"road point site.cl 1+210 3.6L", "OFFSET: \"3.6L\" is not a number"},
+      {"road station site.cl 1e300 1", "The northing \"1e300\" is out of range"},
+      {"road station site.cl 5184676", "Give NORTHING EASTING"},
+      {"road stake site.cl 1+210 --at nan 1", "The northing \"nan\" is not a number"},
+      {"road stake site.cl 1+210 --at 1 2 --tolerance inf", "--tolerance: \"inf\""},
+      {"road stake site.cl 1+210 --at 1 2 --slope left", "--slope requires --template"},
+      {"road section site.tpl --elevation 1e300", "The elevation \"1e300\" is out of range"},
+  };
+  for (const Case& c : cases) {
+    const ProgramResult result = folder_.Run(c.line);
+    EXPECT_EQ(result.exit_code, 2) << c.line;
+    EXPECT_THAT(result.errors, HasSubstr(c.errors)) << c.line;
+    EXPECT_EQ(result.output, "") << c.line;
+  }
+  const ProgramResult no_template = folder_.Run("road section site.cl --elevation 1");
+  EXPECT_EQ(no_template.exit_code, 1);
+  EXPECT_THAT(no_template.errors, HasSubstr("site.cl is no template"));
+  EXPECT_EQ(folder_.Run("road list site.cl --interval 1e9 --json").exit_code, 0);
+  const ProgramResult south = folder_.Run("road station site.cl --json -- -5184676 -520440");
+  EXPECT_EQ(json::parse(south.output)["points"][0]["northing"], -5184676.0) << south.errors;
+}
+
+// What another program reads stays whole when a point is stored beside it, and a place without an
+// elevation has neither cut nor fill.
+TEST_F(RoadCommands, PrintNothingBesideJson) {
+  const ProgramResult point =
+      folder_.Run("road point site.cl 1+210 --elevation 5 --store site.crd --id R1 --json");
+  EXPECT_EQ(json::parse(point.output)["elevation"], 5.0);
+  EXPECT_EQ(point.errors, "Stored point R1.\n");
+  const ProgramResult stake = folder_.Run(
+      "road stake site.cl 1+210 --elevation 99 --at 5184676 520440 100 --job site.crd --store R2 "
+      "--json");
+  EXPECT_EQ(json::parse(stake.output)["cut"], 1.0);
+  const ProgramResult flat =
+      folder_.Run("road stake site.cl 1+210 --elevation 99 --at 5184676 520440 --json");
+  EXPECT_FALSE(json::parse(flat.output).contains("cut"));
+  const ProgramResult refused = folder_.Run(
+      "road stake site.cl 1+210 --elevation 99 --at 5184676 520440 --job site.crd --store R3");
+  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_THAT(refused.errors, HasSubstr("no elevation; nothing was stored"));
+}
+
 }  // namespace
 }  // namespace tarvex

@@ -1,0 +1,15 @@
+// A template file as the road commands open it.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/program.h"
+#include "roads/road_template.h"
+
+namespace tarvex {
+
+/// Nothing after a message that names the file: it cannot be read, or holds no template.
+std::optional<RoadTemplate> OpenTemplate(Program& program, const std::string& path);
+
+}  // namespace tarvex
