@@ -14,8 +14,8 @@ std::string ExplanationText(const CalculationReport& report);
 
 /// The same as a list: "step", "status" ("done", "left undone", "refused", "library missing"), the
 /// value ("latitude", "longitude" in degrees and "height"; "northing", "easting", "elevation";
-/// "undulation"), "by" and "reason", each only where there is one. Metres, but for the last step
-/// "job" in the job's unit.
+/// "undulation"), "point_scale", "by" and "reason", each only where there is one. Metres, but for
+/// the last step "job" in the job's unit.
 Json ExplanationJson(const CalculationReport& report);
 
 /// What the steps that were left undone or refused say, in sentences; empty when all were made.

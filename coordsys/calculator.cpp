@@ -72,13 +72,17 @@ struct CTrgCalculator::Run {
   bool in_part = false;
 
   void Note(CalculationStep step, double a, double b, double c) {
-    if (report) report->steps.push_back({step, {a, b, c}, "", {}});
+    if (report) report->steps.push_back({step, {a, b, c}, "", {}, std::nullopt});
   }
   void Note(CalculationStep step, const Geodetic& at) {
     Note(step, at.latitude_rad, at.longitude_rad, at.height_m);
   }
   void Note(CalculationStep step, const GridMetres& at) {
     Note(step, at.northing_m, at.easting_m, at.elevation_m);
+  }
+
+  void NoteScale(const Projection& projection, LatLon at) {
+    if (report) report->steps.back().point_scale = projection.PointScale(at);
   }
 
   // Takes in what a step that was handed in came to, and describes it.
@@ -222,6 +226,7 @@ CalculationResult CTrgCalculator::Project(const Geodetic& position, GridMetres& 
   metres.northing_m = plane.northing_m;
   metres.easting_m = plane.easting_m;
   run.Note(CalculationStep::Projection, metres);
+  run.NoteScale(*projection_, {position.latitude_rad, position.longitude_rad});
   const CalculationResult corrected = CorrectGrid(metres, &GridCorrection::ToGrid, run);
   if (corrected != CalculationResult::Done) return corrected;
   if (steps_.localization) {
@@ -249,6 +254,7 @@ CalculationResult CTrgCalculator::Unproject(const GridMetres& metres, Geodetic& 
   if (result != CalculationResult::Done) return result;
   position = {unprojected.latitude_rad, unprojected.longitude_rad, at.elevation_m};
   run.Note(CalculationStep::Projection, position);
+  run.NoteScale(*projection_, unprojected);
   return CalculationResult::Done;
 }
 

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,6 +63,7 @@ struct ExplainedStep {
   double values[3] = {0.0, 0.0, 0.0};
   std::string description;  ///< parameters, grid or geoid in words
   StepOutcome outcome;
+  std::optional<double> point_scale;  ///< of the projection, where its family gives one
 };
 
 /// What a caller can have beside the result.

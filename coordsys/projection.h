@@ -81,7 +81,7 @@ class Projection {
                               std::span<double> latitude_rad,
                               std::span<double> longitude_rad) const noexcept = 0;
 
-  /// The point scale factor, of the families that give one: the NAD27 transverse Mercator.
+  /// The point scale factor, of the families that give one: every transverse Mercator.
   virtual std::optional<double> PointScale(LatLon) const noexcept { return std::nullopt; }
 
   /// True when positions are WGS84 and the datum shift lies inside the family's own computation.

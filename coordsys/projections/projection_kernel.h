@@ -79,6 +79,14 @@ class KernelProjection final : public Projection {
 
   bool TakesWgs84() const noexcept override { return takes_wgs84_; }
 
+  std::optional<double> PointScale(LatLon position) const noexcept override {
+    if constexpr (requires { kernel_.PointScale(position); }) {
+      PlanePoint point;
+      if (Forward(position, point) == ProjectionResult::Done) return kernel_.PointScale(position);
+    }
+    return std::nullopt;
+  }
+
  private:
   static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 

@@ -1,5 +1,7 @@
 #include "coordsys/projections/transverse_mercator.h"
 
+#include <complex>
+
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/projection_kernel.h"
 
@@ -92,6 +94,24 @@ struct Kernel {
     position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(sinh_eta, xi_c.cos));
     return in_reach & Within(eta_c, kWidestEta + kClosing) &
            Within(xi - sum.re, kFarthestXi + kClosing);
+  }
+
+  // Karney's formula: the scale of the sphere's projection times that of the series.
+  double PointScale(LatLon position) const noexcept {
+    const Direction phi = tarvex::Toward(position.latitude_rad);
+    const Direction chi = ellipsoid.Conformal(position.latitude_rad);
+    const Direction lambda =
+        tarvex::Toward(WrappedLongitude(position.longitude_rad - central_meridian_rad));
+    const double forth = chi.cos * lambda.cos;
+    const std::complex<double> zeta(std::atan2(chi.sin, forth), std::atanh(chi.cos * lambda.sin));
+    std::complex<double> derivative = 1.0;
+    for (std::size_t j = 0; j < alpha.size(); ++j) {
+      const double twice = 2.0 * static_cast<double>(j + 1);
+      derivative += twice * alpha[j] * std::cos(twice * zeta);
+    }
+    const double on_sphere = chi.cos / (phi.cos * std::hypot(chi.sin, forth));
+    return radius_m / ellipsoid.a * std::abs(derivative) * on_sphere *
+           std::sqrt(1.0 - ellipsoid.e2 * phi.sin * phi.sin);
   }
 };
 

@@ -113,6 +113,36 @@ TEST(Alaska27, PointScaleTakesTheLongitudeArgument) {
   EXPECT_DOUBLE_EQ(exact, 0.9999 * (1.0 + 0.0011343362410670325 * x * x * w * w));
 }
 
+// The scale factors that PROJ 9.1.1 prints, and the lengths of short steps to the north and east.
+TEST(TransverseMercator27, GivesItsPointScale) {
+  const auto made = Catalogued("USA/NAD27/Illinois East");
+  struct Case {
+    double latitude_deg;
+    double longitude_deg;
+    double scale;
+  };
+  for (const Case& c : {Case{41.8, -88.0, 0.999984}, {37.0, -90.0, 1.00025}, {-60, -70, 1.013}}) {
+    const LatLon at{c.latitude_deg * kRadiansPerDegree, c.longitude_deg * kRadiansPerDegree};
+    const auto scale = made.projection->PointScale(at);
+    ASSERT_TRUE(scale);
+    if (c.latitude_deg > 0) {
+      EXPECT_NEAR(*scale, c.scale, 5e-6);
+    }
+    constexpr double kStep = 1e-6;
+    constexpr double kE2 = 0.006768657997291;  // Clarke 1866
+    const double w2 = 1.0 - kE2 * std::sin(at.latitude_rad) * std::sin(at.latitude_rad);
+    const double meridian_m = 6378206.4 * (1.0 - kE2) / (w2 * std::sqrt(w2));
+    const PlanePoint south =
+        Forward(*made.projection, c.latitude_deg - kStep / kRadiansPerDegree, c.longitude_deg);
+    const PlanePoint north =
+        Forward(*made.projection, c.latitude_deg + kStep / kRadiansPerDegree, c.longitude_deg);
+    const double length_m =
+        std::hypot(north.northing_m - south.northing_m, north.easting_m - south.easting_m);
+    EXPECT_NEAR(*scale, length_m / (2.0 * kStep * meridian_m), 2e-9);
+  }
+  EXPECT_FALSE(made.projection->PointScale({0.5, 3.0}));
+}
+
 // C&GS Publication 62-4 and NOS NGS 5, both for 58.5 N 135 W; the first prints its constants to 9
 // digits, which leaves 4 thousandths of a foot.
 TEST(AlaskaZone1, MeetsThePublishedPoint) {
