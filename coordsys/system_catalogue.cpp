@@ -17,15 +17,6 @@ bool Contains(std::string_view text, std::string_view part) {
   return FindIgnoringCase(text, part) != std::string_view::npos;
 }
 
-bool ContainsEveryWord(std::string_view text, std::string_view words) {
-  while (!(words = WithoutLeadingBlanks(words)).empty()) {
-    const std::string_view word = words.substr(0, words.find(' '));
-    if (!Contains(text, word)) return false;
-    words.remove_prefix(word.size());
-  }
-  return true;
-}
-
 // `AUTHORITY["EPSG","32633"]` for "EPSG:32633"; empty for anything else.
 std::string AuthorityOf(std::string_view part) {
   constexpr std::string_view kPrefix = "EPSG";
@@ -69,6 +60,15 @@ std::optional<NamedSystem> FindIn(std::string_view bytes, std::string_view name)
 }
 
 }  // namespace
+
+bool HasEveryWord(std::string_view name, std::string_view words) {
+  while (!(words = WithoutLeadingBlanks(words)).empty()) {
+    const std::string_view word = words.substr(0, words.find(' '));
+    if (!Contains(name, word)) return false;
+    words.remove_prefix(word.size());
+  }
+  return true;
+}
 
 SystemChoice ReadSystemChoice(std::string_view text) {
   const std::size_t at = text.find(kGeoidKey);
@@ -117,8 +117,7 @@ std::vector<NamedSystem> SystemCatalogue::Search(std::string_view part) const {
   auto found =
       search([&](std::string_view name, std::string_view) { return Contains(name, part); });
   if (!found.empty()) return found;
-  return search(
-      [&](std::string_view name, std::string_view) { return ContainsEveryWord(name, part); });
+  return search([&](std::string_view name, std::string_view) { return HasEveryWord(name, part); });
 }
 
 std::optional<NamedSystem> SystemCatalogue::Find(std::string_view name) const {
@@ -151,6 +150,19 @@ CatalogueResult SystemCatalogue::EditUserFile(const Edit& edit) {
 
 CatalogueResult SystemCatalogue::Add(std::string_view name, std::string_view definition) {
   return EditUserFile([&](std::string& bytes) { return AddToCatalogue(bytes, name, definition); });
+}
+
+CatalogueResult SystemCatalogue::AddAll(const std::vector<NamedSystem>& systems,
+                                        std::vector<CatalogueResult>& results) {
+  return EditUserFile([&](std::string& bytes) {
+    results.clear();
+    bool added = false;
+    for (const NamedSystem& system : systems) {
+      results.push_back(AddToCatalogue(bytes, system.name, system.definition));
+      added = added || results.back() == CatalogueResult::Done;
+    }
+    return added ? CatalogueResult::Done : CatalogueResult::NotFound;
+  });
 }
 
 CatalogueResult SystemCatalogue::Rename(std::string_view name, std::string_view new_name) {

@@ -32,6 +32,10 @@ SystemChoice ReadSystemChoice(std::string_view text);
 /// The name with ",GEOID=FILE", or ",GEOID=OFF" for an empty geoid.
 std::string WriteSystemChoice(const SystemChoice& choice);
 
+/// True when the name contains every word of `words`, letter case ignored; so does any name of
+/// none.
+bool HasEveryWord(std::string_view name, std::string_view words);
+
 class SystemCatalogue {
  public:
   /// Only the systems built in.
@@ -54,6 +58,10 @@ class SystemCatalogue {
   /// Edits of the user's catalogue. The file is replaced whole: after a failure or a crash at any
   /// point it is the old one or the new one. BadDefinition leaves what a definition says unchecked.
   CatalogueResult Add(std::string_view name, std::string_view definition);
+  /// All of them in one edit of the file; `results` says what came of each. A system that the
+  /// catalogue already holds under its name is NameTaken. FileFailed when nothing was changed.
+  CatalogueResult AddAll(const std::vector<NamedSystem>& systems,
+                         std::vector<CatalogueResult>& results);
   CatalogueResult Rename(std::string_view name, std::string_view new_name);
   CatalogueResult Remove(std::string_view name);
 

@@ -44,6 +44,28 @@ TEST(Systems, AnUnknownDatumShiftMustBeNamed) {
   EXPECT_THAT(wrong.errors, HasSubstr("There is no datum shift \"X\""));
 }
 
+// Another catalogue's systems, with a bad one and one that is there already.
+TEST(Systems, TakesTheSystemsOfAnotherCatalogue) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("systems --own").exit_code, 1);
+  const std::string all = folder.Run("systems --json \"UTM WGS84 Zone 32\"").output;
+  const std::string definition = nlohmann::json::parse(all)["systems"][0]["definition"];
+  folder.Write("office.sys", "# of the office\nSITE/North\t" + definition + "\nSITE/South\t" +
+                                 definition + "\nSITE/Bad\tPROJCS[\"x\"]\nOTHER/One\t" +
+                                 definition + "\n");
+  const ProgramResult taken = folder.Run("systems --import office.sys site");
+  EXPECT_EQ(taken.exit_code, 1);
+  EXPECT_THAT(taken.output, HasSubstr("Took 2 of 3 systems into your catalogue"));
+  EXPECT_THAT(taken.errors, HasSubstr("SITE/Bad: The definition names no datum"));
+  EXPECT_EQ(folder.Run("systems --own").output, "SITE/North\nSITE/South\n");
+  const ProgramResult again = folder.Run("systems --import office.sys");
+  EXPECT_THAT(again.errors, HasSubstr("SITE/North: The catalogue already holds"));
+  EXPECT_THAT(again.output, HasSubstr("Took 1 of 4"));
+  EXPECT_EQ(folder.Run("convert --system \"site/south\"", "46.8 9.3\n").exit_code, 0);
+  EXPECT_EQ(folder.Run("systems --import none.csl").exit_code, 1);
+  EXPECT_EQ(folder.Run("systems --import office.sys nothing").exit_code, 1);
+}
+
 // One object a line, so that lines of any number can be read as they come.
 TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
   ProgramFolder folder;
