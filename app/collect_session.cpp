@@ -116,7 +116,9 @@ ExitCode CollectSession::Ending() const {
 
 bool CollectSession::TakeReading(GnssReadResult result) {
   if (result != GnssReadResult::Accepted) {
-    if (!connection_.ended()) TellOnce(ResultSentence(result));
+    if (!connection_.ended() && !NextSentenceIsDue(result, state_, program_.clock)) {
+      TellOnce(ResultSentence(result));
+    }
     return true;
   }
   if (state_.repeated_epoch) {

@@ -1,11 +1,15 @@
 #include "app/watch_view.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
+#include <vector>
 
 #include "core/number_text.h"
+#include "core/text.h"
 
 namespace tarvex {
 namespace {
@@ -73,6 +77,53 @@ std::string SkyText(const std::vector<SatelliteInView>& satellites) {
                       : text + "\n          (elevation/azimuth in degrees, strength in dB-Hz)\n";
 }
 
+std::string PositionText(const GnssPositionState& state, Clock& clock) {
+  if (state.positions == 0) return "position  none yet\n";
+  const double age_s =
+      static_cast<double>(clock.SteadyMilliseconds() - state.position_read_at_ms) / 1000.0;
+  return "position  " + FixedNumber(state.latitude, kDegreeDecimals) + "  " +
+         FixedNumber(state.longitude, kDegreeDecimals) + "  height " +
+         (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "unknown") +
+         "\nsolution  " + std::string(SolutionText(state.solution_type)) +
+         OriginText(state.origin) + "  " + std::to_string(state.satellites) + " satellites  " +
+         PrecisionText(state) + "\nquality   " + DopText(state) + "\ntime      " +
+         EpochText(state.epoch_ms) + " UTC, read " + FixedNumber(age_s, 1) + " s ago" +
+         (state.repeated_epoch ? "  REPEATED" : "") + "\n";
+}
+
+struct TerminalSize {
+  std::size_t columns = 80;
+  std::size_t rows = 24;
+};
+
+TerminalSize SizeOfTerminal() {
+  winsize size{};
+  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+    return {};
+  }
+  return {.columns = size.ws_col, .rows = size.ws_row};
+}
+
+// The lines of a text, those that are too long broken at blanks and indented.
+std::vector<std::string> FittedLines(std::string_view text, std::size_t columns) {
+  constexpr std::string_view kIndent = "          ";
+  std::vector<std::string> lines;
+  while (const auto whole = TakeLine(text)) {
+    std::string line(*whole);
+    while (line.size() > columns && columns > 2 * kIndent.size()) {
+      const std::size_t pair = line.rfind("  ", columns);
+      const std::size_t blank = line.rfind(' ', columns);
+      const std::size_t cut = pair != std::string::npos && pair > kIndent.size() ? pair : blank;
+      if (cut == std::string::npos || cut <= kIndent.size()) break;
+      lines.push_back(line.substr(0, cut));
+      line = std::string(kIndent) +
+             line.substr(std::min(line.find_first_not_of(' ', cut), line.size()));
+    }
+    lines.push_back(line.substr(0, columns));
+  }
+  return lines;
+}
+
 std::string LinkText(const CorrectionStatus& status, const GnssPositionState& state) {
   std::string text = "link      " + CorrectionLine(status, state) + "\n          " +
                      std::to_string(status.bytes) + " bytes from the caster, " +
@@ -100,59 +151,58 @@ std::string PositionLine(const GnssPositionState& state) {
 
 WatchView::WatchView(Console& console) : console_(console), drawn_(::isatty(STDOUT_FILENO) != 0) {}
 
+WatchView::~WatchView() {
+  End();
+}
+
 std::string WatchView::Screen(GnssReadResult result, const GnssPositionState& state,
                               const ReceiverTap& tap, const CorrectionLink* link,
                               Clock& clock) const {
-  std::string text;
-  const std::string age = state.position_read_at_ms == 0
-                              ? "never"
-                              : FixedNumber(static_cast<double>(clock.SteadyMilliseconds() -
-                                                                state.position_read_at_ms) /
-                                                1000.0,
-                                            1) +
-                                    " s ago";
-  text += "position  " + FixedNumber(state.latitude, kDegreeDecimals) + "  " +
-          FixedNumber(state.longitude, kDegreeDecimals) + "  height " +
-          (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "unknown") + "\n";
-  text += "solution  " + std::string(SolutionText(state.solution_type)) + OriginText(state.origin) +
-          "  " + std::to_string(state.satellites) + " satellites  " + PrecisionText(state) + "\n";
-  text += "quality   " + DopText(state) + "\n";
-  text += "time      " + EpochText(state.epoch_ms) + " UTC, read " + age +
-          (state.repeated_epoch ? "  REPEATED" : "") + "\n";
+  std::string text = PositionText(state, clock);
   text += "receiver  " + std::to_string(tap.lines()) + " lines, " + std::to_string(tap.bytes()) +
-          " bytes, " + std::to_string(state.bad_checksums) + " damaged";
-  if (result != GnssReadResult::Accepted) text += ". " + ResultSentence(result);
-  text += "\n" + SkyText(tap.sky().InView(clock.SteadyMilliseconds()));
+          " bytes, " + std::to_string(state.bad_checksums) + " damaged\n";
+  if (result != GnssReadResult::Accepted) text += "          " + ResultSentence(result) + "\n";
+  if (const std::string origin = OriginSentence(state.origin); !origin.empty()) {
+    text += "          " + origin + "\n";
+  }
   if (link != nullptr) text += LinkText(link->Status(), state);
-  return text;
+  return text + SkyText(tap.sky().InView(clock.SteadyMilliseconds()));
 }
 
 void WatchView::Show(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
                      const CorrectionLink* link, Clock& clock) {
-  if (!drawn_) {
-    if (result != GnssReadResult::Accepted) {
-      console_.PrintError(ResultSentence(result) + "\n");
-    } else {
-      console_.Print(PositionLine(state) + (state.repeated_epoch ? " REPEATED" : "") +
-                     (link != nullptr ? "; " + CorrectionLine(link->Status(), state) : "") + "\n");
-    }
-    std::fflush(stdout);
-    return;
+  if (!drawn_) return ShowLine(result, state, link);
+  const TerminalSize size = SizeOfTerminal();
+  last_screen_ = Screen(result, state, tap, link, clock);
+  const std::vector<std::string> lines = FittedLines(last_screen_, size.columns);
+  std::string drawing = open_ ? "\x1b[H" : "\x1b[?1049h\x1b[?25l\x1b[H";
+  open_ = true;
+  const std::size_t shown = std::min(lines.size(), size.rows);
+  for (std::size_t i = 0; i < shown; ++i) {
+    drawing += lines[i] + "\x1b[K" + (i + 1 < shown ? "\r\n" : "");
   }
-  std::string screen = Screen(result, state, tap, link, clock);
-  const auto lines = static_cast<int>(std::count(screen.begin(), screen.end(), '\n'));
-  // Every line is cleared to its end, and everything below the last one.
-  for (std::size_t at = 0; (at = screen.find('\n', at)) != std::string::npos; at += 4) {
-    screen.insert(at, "\x1b[K");
-  }
-  const std::string up = lines_up_ > 0 ? "\x1b[" + std::to_string(lines_up_) + "A\r" : "";
-  console_.Print(up + screen + "\x1b[J");
+  console_.Print(drawing + "\x1b[J");
   std::fflush(stdout);
-  lines_up_ = lines;
 }
 
+void WatchView::ShowLine(GnssReadResult result, const GnssPositionState& state,
+                         const CorrectionLink* link) {
+  if (result != GnssReadResult::Accepted) {
+    const std::string sentence = ResultSentence(result);
+    if (sentence != std::exchange(told_, sentence)) console_.PrintError(sentence + "\n");
+    return;
+  }
+  told_.clear();
+  console_.Print(PositionLine(state) + (state.repeated_epoch ? " REPEATED" : "") +
+                 (link != nullptr ? "; " + CorrectionLine(link->Status(), state) : "") + "\n");
+  std::fflush(stdout);
+}
+
+// The last screen stays to be read.
 void WatchView::End() {
-  lines_up_ = 0;
+  if (!std::exchange(open_, false)) return;
+  console_.Print("\x1b[?25h\x1b[?1049l" + last_screen_);
+  std::fflush(stdout);
 }
 
 }  // namespace tarvex

@@ -108,4 +108,10 @@ std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock) {
   return clock.SteadyMilliseconds() - state.sentence_read_at_ms;
 }
 
+bool NextSentenceIsDue(GnssReadResult result, const GnssPositionState& state, Clock& clock) {
+  constexpr std::int64_t kSilenceMs = 3000;
+  const std::int64_t silent_ms = SilentForMs(state, clock);
+  return result == GnssReadResult::PortReadFailed && silent_ms >= 0 && silent_ms < kSilenceMs;
+}
+
 }  // namespace tarvex

@@ -36,4 +36,8 @@ std::string OriginSentence(PositionOrigin origin);
 /// Milliseconds since the receiver sent anything at all; -1 before the first line.
 std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock);
 
+/// Whether a reading came to nothing only because the next sentence of a receiver that sends once a
+/// second is a moment late: nothing that a person need be told.
+bool NextSentenceIsDue(GnssReadResult result, const GnssPositionState& state, Clock& clock);
+
 }  // namespace tarvex

@@ -83,7 +83,12 @@ void AddCasterCommand(CLI::App& app, Program& program) {
   Command<CasterOptions> command(
       app, program, "caster", "Serve recorded corrections on this machine, for trials", RunCaster);
   CasterOptions& options = *command.options;
-  command.sub.footer("It listens on the loopback address alone: other machines do not reach it.");
+  command.sub.footer(
+      "It listens on the loopback address alone: other machines do not reach it. What rovers\n"
+      "send up is printed.\n"
+      "Example: tarvex caster corrections.rtcm --mountpoint TEST, then in another terminal\n"
+      "  tarvex bases 127.0.0.1:2101\n"
+      "  tarvex watch serial:/dev/ttyUSB0 --corrections ntrip://127.0.0.1:2101/TEST");
   command.sub.add_option("FILE", options.file, "Recorded corrections, sent over and over")
       ->required();
   command.sub.add_option("--mountpoint", options.mountpoint, "Name of the stream (default: TEST)");

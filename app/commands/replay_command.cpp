@@ -172,7 +172,8 @@ void AddReplayCommand(CLI::App& app, Program& program) {
       "It waits until a program opens the device or the TCP port, then sends the log at the\n"
       "times of its positions. Example: tarvex replay site.nmea --to pty --speed 10");
   command.sub.add_option("LOG", options.log, "The recorded log")->required();
-  command.sub.add_option("--to", options.to, "pty: a serial device; tcp: a loopback port")
+  command.sub
+      .add_option("--to", options.to, "pty: a serial device (default); tcp: a loopback port")
       ->check(CLI::IsMember({"pty", "tcp"}));
   command.sub
       .add_option("--speed", options.speed,

@@ -35,7 +35,9 @@ ExitCode Watch(const WatchOptions& options, const ChosenReceiver& choice,
     if (InterruptRequested()) break;
     if (result != GnssReadResult::Accepted && connection.ended()) break;
     if (result == GnssReadResult::Accepted && !state.repeated_epoch) ++positions;
-    view.Show(result, state, tap, link, program.clock);
+    if (!NextSentenceIsDue(result, state, program.clock)) {
+      view.Show(result, state, tap, link, program.clock);
+    }
     PaceSimulated(choice, program);
   }
   view.End();
@@ -43,7 +45,9 @@ ExitCode Watch(const WatchOptions& options, const ChosenReceiver& choice,
     return program.Fail("The receiver's data ended after " + std::to_string(positions) +
                         " positions.");
   }
-  return positions > 0 ? ExitCode::Done : program.Fail("No position came.");
+  if (positions > 0) return ExitCode::Done;
+  return program.Fail(connection.ended() ? "The receiver's data ended. No position came."
+                                         : "No position came.");
 }
 
 ExitCode RunWatch(const WatchOptions& options, Program& program) {
@@ -83,7 +87,11 @@ void AddWatchCommand(CLI::App& app, Program& program) {
   CLI::App& sub = command.sub;
   sub.footer(
       "In a terminal the view is drawn anew with each position; otherwise each is a line.\n"
-      "Ctrl-C ends it. Precision is in metres.");
+      "Ctrl-C ends it. Precision is in metres.\n"
+      "Examples:\n"
+      "  tarvex watch serial:/dev/ttyUSB0@115200\n"
+      "  tarvex watch file:site.nmea --count 10\n"
+      "  tarvex watch tcp:192.168.1.20:9001 --corrections ntrip://me@caster.example:2101/MOUNT");
   // The address is the one argument here, not an option.
   sub.remove_option(AddReceiverOptions(sub, options.receiver));
   sub.add_option("PORT", options.receiver.address,
