@@ -209,7 +209,7 @@ TEST(LandXmlReader, RefusesByNameAndLine) {
   EXPECT_EQ(ReadLandXml("").result, LandXmlResult::NotXml);
   const LandXmlReading none = ReadLandXml(scs, "Other");
   EXPECT_EQ(none.result, LandXmlResult::NoAlignment);
-  EXPECT_THAT(none.problem, HasSubstr("no alignment is called \"Other\""));
+  EXPECT_THAT(none.problem, HasSubstr("no alignment is called \"Other\"; there is \"SCS-EQ\""));
   EXPECT_EQ(ReadLandXml(scs, "SCS-EQ").result, LandXmlResult::Read);
 }
 

@@ -1,0 +1,141 @@
+#include "exchange/landxml_geometry.h"
+
+#include <cmath>
+
+#include "core/number_text.h"
+#include "core/text.h"
+#include "roads/centerline_reader.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kLargestGap = 0.02;
+constexpr double kSameRadius = 1e-6;  // relative
+
+class GeometryReader {
+ public:
+  explicit GeometryReader(LandXmlSource& source) : source_(source) {}
+
+  std::vector<PlanElement> TakeGeometry(const pugi::xml_node& geometry, double station) {
+    std::vector<PlanElement> elements;
+    for (const pugi::xml_node& node : geometry.children()) {
+      const std::string_view name = LocalName(node);
+      if (source_.refused()) return elements;
+      if (name == "Line") {
+        elements.push_back(TakeLine(node));
+      } else if (name == "Curve") {
+        elements.push_back(TakeCurve(node));
+      } else if (name == "Spiral") {
+        elements.push_back(TakeSpiral(node));
+      } else if (name == "IrregularLine" || name == "Chain") {
+        source_.Refuse(LandXmlResult::CannotHold, node,
+                       "a centerline cannot hold the element \"" + std::string(name) + "\"");
+        return elements;
+      } else {
+        continue;
+      }
+      if (elements.size() >= kMostCenterlineElements / 2) {
+        source_.Refuse(LandXmlResult::CannotHold, node, "the alignment has too many elements");
+      }
+      PlanElement& element = elements.back();
+      element.station = station;
+      CheckAgainstNeighbours(node, elements);
+      station += element.length;
+    }
+    return elements;
+  }
+
+ private:
+  double Turn(const pugi::xml_node& node) {
+    const std::string_view rotation = node.attribute("rot").value();
+    if (rotation != "cw" && rotation != "ccw") {
+      source_.Refuse(LandXmlResult::BadNumber, node,
+                     std::string(LocalName(node)) + R"( lacks rot="cw" or "ccw")");
+    }
+    return rotation == "ccw" ? -1.0 : 1.0;
+  }
+
+  double Radius(const pugi::xml_node& node, const char* attribute) {
+    if (EqualsIgnoringCase(node.attribute(attribute).value(), "INF")) return 0.0;
+    return std::fabs(source_.NeedNumber(node, attribute));
+  }
+
+  PlanElement TakeLine(const pugi::xml_node& node) {
+    PlanElement line;
+    line.start = source_.NeedPoint(node, "Start");
+    line.end = source_.NeedPoint(node, "End");
+    line.length = source_.Number(node, "length").value_or(DistanceBetween(line.start, line.end));
+    return line;
+  }
+
+  PlanElement TakeCurve(const pugi::xml_node& node) {
+    PlanElement arc;
+    arc.shape = PlanShape::Curve;
+    arc.start = source_.NeedPoint(node, "Start");
+    arc.end = source_.NeedPoint(node, "End");
+    arc.turn = Turn(node);
+    if (Child(node, "Center")) {
+      arc.center = source_.NeedPoint(node, "Center");
+    } else {
+      arc.center =
+          CenterOfShortArc(arc.start, arc.end, source_.NeedNumber(node, "radius"), arc.turn);
+    }
+    arc.radius_start = arc.radius_end = DistanceBetween(arc.start, arc.center);
+    arc.length = source_.Number(node, "length").value_or(arc.radius_start * SweepOf(arc));
+    return arc;
+  }
+
+  PlanElement TakeSpiral(const pugi::xml_node& node) {
+    const std::string_view type = node.attribute("spiType").value();
+    if (!type.empty() && type != "clothoid") {
+      source_.Refuse(
+          LandXmlResult::CannotHold, node,
+          "a centerline holds no transition curve of the type \"" + std::string(type) + "\"");
+    }
+    PlanElement spiral;
+    spiral.shape = PlanShape::Spiral;
+    spiral.start = source_.NeedPoint(node, "Start");
+    spiral.end = source_.NeedPoint(node, "End");
+    spiral.turn = Turn(node);
+    spiral.radius_start = Radius(node, "radiusStart");
+    spiral.radius_end = Radius(node, "radiusEnd");
+    spiral.length = source_.NeedNumber(node, "length");
+    const double difference = std::fabs(spiral.radius_start - spiral.radius_end);
+    if (spiral.radius_start > 0.0 && difference <= kSameRadius * spiral.radius_start) {
+      spiral.shape = PlanShape::Curve;  // an arc that is called a spiral
+      spiral.center = CenterOfShortArc(spiral.start, spiral.end, spiral.radius_start, spiral.turn);
+    } else if (difference == 0.0) {
+      spiral.shape = PlanShape::Line;
+    }
+    return spiral;
+  }
+
+  void CheckAgainstNeighbours(const pugi::xml_node& node,
+                              const std::vector<PlanElement>& elements) {
+    const PlanElement& element = elements.back();
+    const auto stated = source_.Number(node, "staStart");
+    if (stated && std::fabs(*stated - element.station) > kStationWarning) {
+      source_.Warn("Line " + std::to_string(source_.LineOf(node)) + ": the element starts at " +
+                   FixedNumber(element.station, 4) + " by the lengths before it, but says " +
+                   FixedNumber(*stated, 4) + ".");
+    }
+    if (elements.size() < 2) return;
+    const double gap = DistanceBetween(elements[elements.size() - 2].end, element.start);
+    if (gap > kLargestGap) {
+      source_.Refuse(
+          LandXmlResult::CannotHold, node,
+          "the element starts " + FixedNumber(gap, 3) + " away from the end of the one before");
+    }
+  }
+
+  LandXmlSource& source_;
+};
+
+}  // namespace
+
+std::vector<PlanElement> ReadPlanGeometry(LandXmlSource& source, const pugi::xml_node& geometry,
+                                          double station) {
+  return GeometryReader(source).TakeGeometry(geometry, station);
+}
+
+}  // namespace tarvex

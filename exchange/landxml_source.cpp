@@ -1,0 +1,91 @@
+#include "exchange/landxml_source.h"
+
+#include <algorithm>
+
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+
+std::string_view LocalName(const pugi::xml_node& node) {
+  const std::string_view name = node.name();
+  return name.substr(name.find(':') + 1);
+}
+
+pugi::xml_node Child(const pugi::xml_node& parent, std::string_view name) {
+  for (const pugi::xml_node& node : parent.children()) {
+    if (LocalName(node) == name) return node;
+  }
+  return {};
+}
+
+int LandXmlSource::LineAt(std::ptrdiff_t offset) const {
+  const auto end =
+      std::min<std::size_t>(offset < 0 ? 0 : static_cast<std::size_t>(offset), text_.size());
+  return 1 +
+         static_cast<int>(std::count(text_.begin(), text_.begin() + static_cast<long>(end), '\n'));
+}
+
+void LandXmlSource::Refuse(LandXmlResult result, std::ptrdiff_t offset,
+                           const std::string& sentence) {
+  if (refused()) return;
+  result_ = result;
+  problem_ = "Line " + std::to_string(LineAt(offset)) + ": " + sentence + ".";
+}
+
+void LandXmlSource::Refuse(LandXmlResult result, const pugi::xml_node& node,
+                           const std::string& sentence) {
+  Refuse(result, node.offset_debug(), sentence);
+}
+
+void LandXmlSource::Warn(const std::string& sentence) {
+  if (warnings_.size() < kMostLineNotes) warnings_.push_back(sentence);
+}
+
+void LandXmlSource::NamePoint(const std::string& name, const std::string& coordinates) {
+  points_[name] = coordinates;
+}
+
+std::optional<double> LandXmlSource::Number(const pugi::xml_node& node,
+                                            const char* attribute) const {
+  const pugi::xml_attribute found = node.attribute(attribute);
+  return found ? ParseNumber(found.value()) : std::nullopt;
+}
+
+double LandXmlSource::NeedNumber(const pugi::xml_node& node, const char* attribute) {
+  const auto number = Number(node, attribute);
+  if (!number) {
+    Refuse(LandXmlResult::BadNumber, node,
+           std::string(LocalName(node)) + " has no usable \"" + attribute + "\"");
+  }
+  return number.value_or(0.0);
+}
+
+std::optional<PlanPoint> LandXmlSource::Pair(std::string_view text) {
+  text = WithoutOuterBlanks(text);
+  const std::size_t gap = text.find_first_of(" \t\r\n");
+  if (gap == std::string_view::npos) return std::nullopt;
+  const std::string_view rest = WithoutLeadingBlanks(text.substr(gap));
+  const auto first = ParseNumber(text.substr(0, gap));
+  const auto second = ParseNumber(rest.substr(0, rest.find_first_of(" \t\r\n")));
+  if (!first || !second) return std::nullopt;
+  return PlanPoint{*first, *second};
+}
+
+PlanPoint LandXmlSource::NeedPoint(const pugi::xml_node& element, std::string_view name) {
+  const pugi::xml_node node = Child(element, name);
+  std::string_view text = node.child_value();
+  const std::string_view reference = node.attribute("pntRef").value();
+  if (!reference.empty()) {
+    const auto found = points_.find(std::string(reference));
+    if (found != points_.end()) text = found->second;
+  }
+  const auto point = Pair(text);
+  if (!point) {
+    Refuse(LandXmlResult::BadNumber, element,
+           std::string(LocalName(element)) + " has no usable " + std::string(name) + " point");
+  }
+  return point.value_or(PlanPoint{});
+}
+
+}  // namespace tarvex

@@ -1,0 +1,63 @@
+// A LandXML text while it is read: its nodes by name, their numbers and points, the first problem
+// with its line, the warnings.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <pugixml.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exchange/landxml.h"
+#include "roads/curve_piece.h"
+
+namespace tarvex {
+
+/// Stations that disagree by more are told.
+inline constexpr double kStationWarning = 0.001;
+
+/// Element names with any namespace prefix taken off.
+std::string_view LocalName(const pugi::xml_node& node);
+/// The first child of this name; an empty node when there is none.
+pugi::xml_node Child(const pugi::xml_node& parent, std::string_view name);
+
+class LandXmlSource {
+ public:
+  explicit LandXmlSource(std::string_view text) : text_(text) {}
+
+  /// Keeps the first problem only: a sentence without its full stop. Every step asks for it.
+  void Refuse(LandXmlResult result, const pugi::xml_node& node, const std::string& sentence);
+  void Refuse(LandXmlResult result, std::ptrdiff_t offset, const std::string& sentence);
+  bool refused() const { return result_ != LandXmlResult::Read; }
+  LandXmlResult result() const { return result_; }
+  const std::string& problem() const { return problem_; }
+
+  void Warn(const std::string& sentence);
+  const std::vector<std::string>& warnings() const { return warnings_; }
+  int LineOf(const pugi::xml_node& node) const { return LineAt(node.offset_debug()); }
+
+  /// A named point that others refer to (CgPoint).
+  void NamePoint(const std::string& name, const std::string& coordinates);
+
+  std::optional<double> Number(const pugi::xml_node& node, const char* attribute) const;
+  /// Refuses the document when the number is missing or none.
+  double NeedNumber(const pugi::xml_node& node, const char* attribute);
+  /// The child of an element that is a point, by its numbers or by reference.
+  PlanPoint NeedPoint(const pugi::xml_node& element, std::string_view name);
+
+  /// Two numbers, blank separated; further ones are elevations.
+  static std::optional<PlanPoint> Pair(std::string_view text);
+
+ private:
+  int LineAt(std::ptrdiff_t offset) const;
+
+  std::string_view text_;
+  LandXmlResult result_ = LandXmlResult::Read;
+  std::string problem_;
+  std::vector<std::string> warnings_;
+  std::map<std::string, std::string> points_;
+};
+
+}  // namespace tarvex
