@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/no_value.h"
+#include "roads/spiral_fit.h"
 
 namespace tarvex {
 namespace {
@@ -46,34 +47,6 @@ double Distance(const PlanPoint& a, const PlanPoint& b) {
 double Side(const PlanPoint& from, const PlanPoint& to, const PlanPoint& point) {
   return (to.northing - from.northing) * (point.easting - from.easting) -
          (to.easting - from.easting) * (point.northing - from.northing);
-}
-
-double ChordOf(double k0, double k1, double length) {
-  const LocalFrame end = SpiralEnd(k0, k1, length);
-  return std::hypot(end.x, end.y);
-}
-
-bool Buildable(double k0, double k1, double length) {
-  return length > 0.0 && std::isfinite(length) && std::isfinite((k1 - k0) / length) &&
-         AbsoluteSweep(k0, k1, length) <= kLargestSpiralSweep;
-}
-
-// The length of a transition between curvatures whose chord is given; the chord grows with the
-// length until the spiral winds up, so the secant method starts at the chord itself.
-std::optional<double> LengthOfChord(double k0, double k1, double chord) {
-  double before = chord;
-  double length = chord * 1.001;
-  if (!Buildable(k0, k1, length)) return std::nullopt;
-  double missed_before = ChordOf(k0, k1, before) - chord;
-  for (int step = 0; step < 50; ++step) {
-    const double missed = ChordOf(k0, k1, length) - chord;
-    if (std::fabs(missed) < 1e-12 * chord || missed == missed_before) return length;
-    const double next = length - missed * (length - before) / (missed - missed_before);
-    if (!Buildable(k0, k1, next) || next > 10.0 * chord) return std::nullopt;
-    before = std::exchange(length, next);
-    missed_before = missed;
-  }
-  return std::nullopt;
 }
 
 bool IsFinite(const CenterlineElement& node) {
@@ -252,14 +225,14 @@ void AlignmentBuilder::AddTransition(const Run& run, const Circle& circle, bool 
   const double k1 = entry ? curve : 0.0;
   AlignmentElement element = Begin(run, ElementShape::Spiral, ElementFault::None);
   double length = run.stations;
-  if (Buildable(k0, k1, length)) {
-    element.residuals.chord = run.chord - ChordOf(k0, k1, length);
+  if (IsSpiralBuildable(k0, k1, length)) {
+    element.residuals.chord = run.chord - SpiralChord(k0, k1, length);
   } else {
     element.residuals.chord = run.chord;
   }
   const bool shorter = length < 0.9 * run.chord;  // a length that no curve of this chord can have
   if (shorter || std::fabs(*element.residuals.chord) > limits_.refuse) {
-    const auto fitted = LengthOfChord(k0, k1, run.chord);
+    const auto fitted = SpiralLengthOfChord(k0, k1, run.chord);
     if (!fitted) return AddTangent(run, ElementFault::SpiralTooTight);
     length = *fitted;
   }
@@ -299,11 +272,11 @@ void AlignmentBuilder::AddSpiralRecord(const Run& run) {
                         (straight || std::fabs(record.radius) >= kSmallestRadius);
   const double change = (kind == 1.0 ? 1.0 : -1.0) * run.stations / (readable ? a2 : 1.0);
   const double k1 = k0 + change;
-  if (!readable || !Buildable(k0, k1, run.stations)) {
+  if (!readable || !IsSpiralBuildable(k0, k1, run.stations)) {
     return AddTangent(run, ElementFault::SpiralUnknown);
   }
   AlignmentElement element = Begin(run, ElementShape::Spiral, ElementFault::None);
-  element.residuals.chord = run.chord - ChordOf(k0, k1, run.stations);
+  element.residuals.chord = run.chord - SpiralChord(k0, k1, run.stations);
   if (std::fabs(*element.residuals.chord) > limits_.spiral_record) {
     AddTangent(run, ElementFault::SpiralUnknown);
     if (!alignment_.elements_.empty()) {

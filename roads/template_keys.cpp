@@ -1,0 +1,287 @@
+#include "roads/template_keys.h"
+
+#include <algorithm>
+
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+
+double TemplateValues::Number() {
+  return LeadingDouble(Next());
+}
+
+int TemplateValues::Integer() {
+  constexpr long long kLimit = 2147483647;
+  return static_cast<int>(std::clamp(LeadingInteger(Next()), -kLimit, kLimit));
+}
+
+std::string_view TemplateValues::Next() {
+  const std::size_t comma = rest_.find(',');
+  const std::string_view value = rest_.substr(0, comma);
+  rest_.remove_prefix(comma == std::string_view::npos ? rest_.size() : comma + 1);
+  return value;
+}
+
+std::string TemplateValues::Word() const {
+  return std::string(WithoutOuterBlanks(rest_));
+}
+
+namespace {
+
+SurfaceSegment ReadSegment(TemplateValues& values) {
+  SurfaceSegment segment;
+  segment.width = values.Number();
+  const std::string_view slope = values.Next();
+  segment.value = LeadingDouble(slope);
+  if (slope.find('%') == std::string_view::npos) {
+    const bool ratio = slope.find(':') != std::string_view::npos;
+    segment.kind = ratio ? SlopeKind::Ratio : SlopeKind::ElevationChange;
+    if (ratio && segment.value == 0.0) segment.kind = SlopeKind::Grade;
+  }
+  segment.description = values.Rest();
+  return segment;
+}
+
+bool IsKept(const SurfaceSegment& segment) {
+  return segment.width != 0.0 || segment.kind == SlopeKind::ElevationChange;
+}
+
+void TakeSegment(TemplateValues& values, std::vector<SurfaceSegment>& segments) {
+  SurfaceSegment segment = ReadSegment(values);
+  if (IsKept(segment)) segments.push_back(std::move(segment));
+}
+
+void TakeRow(TemplateValues& values, std::vector<SlopeRow>& rows) {
+  SlopeRow row;
+  row.height = values.Number();
+  row.ratio = values.Number();
+  if (rows.size() == kMostSlopeRows) rows.pop_back();
+  rows.push_back(row);
+}
+
+void TakeInsert(TemplateTarget& to, TemplateValues& values) {
+  constexpr std::size_t kCurbName = 5;    // after "CURBL"
+  constexpr std::size_t kMedianName = 7;  // after "MEDIAN,"
+  const std::string_view value = values.Rest();
+  const bool curb = value.find("CURB") != std::string_view::npos;
+  if (!curb && value.find("MEDIAN") == std::string_view::npos) return;
+  const std::size_t name = std::min(curb ? kCurbName : kMedianName, value.size());
+  to.surface().inserts.push_back({curb ? SurfaceInsert::Kind::Curb : SurfaceInsert::Kind::Median,
+                                  std::string(WithoutOuterBlanks(value.substr(name))),
+                                  to.surface().segments.size()});
+}
+
+constexpr TemplateKey kSurfaceKeys[] = {
+    {"OFFSET",
+     [](TemplateTarget& to, TemplateValues& v) {
+       to.surface().offset = v.Number();
+       to.surface().elevation = v.Number();
+     }},
+    {"MOVESL",
+     [](TemplateTarget& to, TemplateValues& v) { TakeSegment(v, to.surface().segments); }},
+    {"INSERT", TakeInsert},
+};
+
+void TakeSubgradeSegment(TemplateTarget& to, TemplateValues& values) {
+  SubgradeSegment segment;
+  const std::string_view text = values.Rest();
+  segment.up = text.find("UP") != std::string_view::npos;
+  segment.wrap = text.find("WRAP") != std::string_view::npos;
+  segment.segment = ReadSegment(values);
+  if (IsKept(segment.segment)) to.subgrade().segments.push_back(std::move(segment));
+}
+
+constexpr TemplateKey kSubgradeKeys[] = {
+    {"MATERL", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().material = v.Word(); }},
+    {"HPIVOT", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_pivot = v.Word(); }},
+    {"HSTYPE",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_type = v.Integer(); }},
+    {"HSLOPE",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_slopes[0] = v.Number(); }},
+    {"HSLOP2",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_slopes[1] = v.Number(); }},
+    {"HSLOP3",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_slopes[2] = v.Number(); }},
+    {"LSLOPE",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_slopes[0] = v.Number(); }},
+    {"LSLOP2",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_slopes[1] = v.Number(); }},
+    {"LSLOP3",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_slopes[2] = v.Number(); }},
+    {"LPIVOT", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_pivot = v.Word(); }},
+    {"LSTYPE", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_type = v.Integer(); }},
+    {"SUBDIR",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().direction = v.Integer(); }},
+    {"WRAPHT",
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().wrap_height = v.Number(); }},
+    {"OFFSET",
+     [](TemplateTarget& to, TemplateValues& v) {
+       to.subgrade().offset = v.Number();
+       to.subgrade().elevation = v.Number();
+     }},
+    {"MOVESL", TakeSubgradeSegment},
+};
+
+constexpr TemplateKey kFillKeys[] = {
+    {"FILDSL", [](TemplateTarget& to, TemplateValues& v) { TakeRow(v, to.fill().slopes); }},
+    {"RATIO ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.ratio = v.Integer(); }},
+    {"SMOOTH",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.smooth = v.Integer(); }},
+    {"SERIES",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.series = v.Integer(); }},
+    {"PIVOT ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.pivot = v.Integer(); }},
+    {"TIE_EX", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.fill_settings.tie_existing = v.Integer(); }},
+    {"EXDESC", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.fill_settings.existing_description = v.Word(); }},
+    {"REPEAT",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.repeat = v.Integer(); }},
+    {"FDITCH",
+     [](TemplateTarget& to, TemplateValues& v) {
+       to.fill().ditch = v.Number();
+       to.fill().ditch_kind = v.Integer();
+     }},
+    {"GUARDV",
+     [](TemplateTarget& to, TemplateValues& v) { to.fill().guard_vertical = v.Number(); }},
+    {"GUARDH",
+     [](TemplateTarget& to, TemplateValues& v) { to.fill().guard_horizontal = v.Number(); }},
+};
+
+constexpr TemplateKey kCutKeys[] = {
+    {"CUTUSL", [](TemplateTarget& to, TemplateValues& v) { TakeRow(v, to.cut().slopes); }},
+    {"ROCKSL", [](TemplateTarget& to, TemplateValues& v) { to.cut().rock_slope = v.Number(); }},
+    {"RORDER", [](TemplateTarget& to, TemplateValues& v) { to.cut().rock_order = v.Integer(); }},
+    {"RATIO ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.ratio = v.Integer(); }},
+    {"SMOOTH",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.smooth = v.Integer(); }},
+    {"SERIES",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.series = v.Integer(); }},
+    {"DEPTH ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.depth = v.Integer(); }},
+    {"BENCH1",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.bench1 = v.Integer(); }},
+    {"BENCH2",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.bench2 = v.Number(); }},
+    {"BENCH3",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.bench3 = v.Number(); }},
+    {"PIVOT ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.pivot = v.Integer(); }},
+    {"TIE_EX", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.cut_settings.tie_existing = v.Integer(); }},
+    {"EXDESC", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.cut_settings.existing_description = v.Word(); }},
+    {"REPEAT",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.repeat = v.Integer(); }},
+};
+
+constexpr TemplateKey kSuperKeys[] = {
+    {"LOWADJ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.low_adjust = v.Integer(); }},
+    {"MAXDIF", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.super.largest_difference = v.Number(); }},
+    {"LOWPT ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.low_point = v.Word(); }},
+    {"HIGHPT",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.high_point = v.Word(); }},
+    {"LOWPT2",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.low_point2 = v.Word(); }},
+    {"HIGHP2",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.high_point2 = v.Word(); }},
+    {"EDGESP", [](TemplateTarget&, TemplateValues&) {}},  // written as 0, never read back
+};
+
+constexpr TemplateKey kRowKeys[] = {
+    {"RTAINL", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.right_of_way.retain_left = v.Integer(); }},
+    {"RTAINR", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.right_of_way.retain_right = v.Integer(); }},
+    {"ROWL  ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.right_of_way.left = v.Number(); }},
+    {"ROWR  ",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.right_of_way.right = v.Number(); }},
+};
+
+constexpr TemplateKey kBermKeys[] = {
+    {"DEPTH ", [](TemplateTarget& to, TemplateValues& v) { to.section.berm_depth = v.Number(); }},
+    {"MOVESL", [](TemplateTarget& to, TemplateValues& v) { TakeSegment(v, to.section.berm); }},
+};
+
+constexpr TemplateKey kDitchKeys[] = {
+    {"MOVESL", [](TemplateTarget& to, TemplateValues& v) { TakeSegment(v, to.section.ditch); }},
+};
+
+void TakeCurbSlope(TemplateTarget& to, TemplateValues& values) {
+  const std::string word = values.Word();
+  to.curb().slope_kind = word == "FLAT"    ? Curb::Slope::Flat
+                         : word == "MATCH" ? Curb::Slope::Match
+                                           : Curb::Slope::Number;
+  to.curb().slope = LeadingDouble(word);
+}
+
+constexpr TemplateKey kCurbKeys[] = {
+    {"CBTOP ", [](TemplateTarget& to, TemplateValues& v) { to.curb().top = v.Number(); }},
+    {"CBBASE", [](TemplateTarget& to, TemplateValues& v) { to.curb().base = v.Number(); }},
+    {"SLOPE ", TakeCurbSlope},
+    {"CBTAPR", [](TemplateTarget& to, TemplateValues& v) { to.curb().taper = v.Number(); }},
+    {"CBHGT1", [](TemplateTarget& to, TemplateValues& v) { to.curb().height1 = v.Number(); }},
+    {"CBHGT2", [](TemplateTarget& to, TemplateValues& v) { to.curb().height2 = v.Number(); }},
+    {"CBDROP", [](TemplateTarget& to, TemplateValues& v) { to.curb().drop = v.Number(); }},
+    {"CBWIDE", [](TemplateTarget& to, TemplateValues& v) { to.curb().width = v.Number(); }},
+    {"CBUNIT", [](TemplateTarget& to, TemplateValues& v) { to.curb().unit = v.Integer(); }},
+    {"CBTYPE", [](TemplateTarget& to, TemplateValues& v) { to.curb().type = v.Integer(); }},
+    {"MATERL", [](TemplateTarget& to, TemplateValues& v) { to.curb().material = v.Word(); }},
+    {"INTGRL", [](TemplateTarget& to, TemplateValues& v) { to.curb().integral = v.Word(); }},
+    {"ROUND ", [](TemplateTarget& to, TemplateValues& v) { to.curb().round = v.Word(); }},
+};
+
+constexpr TemplateKey kMedianKeys[] = {
+    {"MNAME ", [](TemplateTarget& to, TemplateValues& v) { to.median().name = v.Word(); }},
+    {"MGRADE",
+     [](TemplateTarget& to, TemplateValues& v) {
+       MedianGrade grade;
+       grade.first = v.Number();
+       grade.second = v.Number();
+       grade.third = v.Integer();
+       grade.fourth = v.Integer();
+       to.median().grades.push_back(grade);
+     }},
+};
+
+}  // namespace
+
+TemplateKeys SurfaceKeys() {
+  return kSurfaceKeys;
+}
+TemplateKeys SubgradeKeys() {
+  return kSubgradeKeys;
+}
+TemplateKeys FillKeys() {
+  return kFillKeys;
+}
+TemplateKeys CutKeys() {
+  return kCutKeys;
+}
+TemplateKeys SuperelevationKeys() {
+  return kSuperKeys;
+}
+TemplateKeys RightOfWayKeys() {
+  return kRowKeys;
+}
+TemplateKeys BermKeys() {
+  return kBermKeys;
+}
+TemplateKeys DitchKeys() {
+  return kDitchKeys;
+}
+TemplateKeys CurbKeys() {
+  return kCurbKeys;
+}
+TemplateKeys MedianKeys() {
+  return kMedianKeys;
+}
+
+}  // namespace tarvex
