@@ -9,7 +9,8 @@
 
 namespace tarvex {
 
-/// Nothing after a message that names the file: it cannot be read, or holds no template.
+/// Nothing after a message that names the file: it cannot be read, holds no template, or a
+/// number that no road has.
 std::optional<RoadTemplate> OpenTemplate(Program& program, const std::string& path);
 
 }  // namespace tarvex

@@ -62,6 +62,9 @@ struct SlopeRow {
   bool operator==(const SlopeRow&) const = default;
 };
 
+/// No width, height or slope of a road is larger.
+inline constexpr double kLargestTemplateNumber = 1e9;
+
 /// At most this many rows; a further row replaces the last one.
 inline constexpr std::size_t kMostSlopeRows = 5;
 
@@ -182,6 +185,9 @@ struct RoadTemplate {
 
   std::string text;             ///< the file, byte for byte
   std::vector<LineNote> notes;  ///< lines that were passed over
+  /// The first line with a number beyond kLargestTemplateNumber, from 1; 0 for none. Such a
+  /// template can be written back, but nothing is to be computed with it.
+  int line_out_of_range = 0;
 
   const Surface& SurfaceOf(Side side) const { return surface[static_cast<std::size_t>(side)]; }
   const FillSide& FillOf(Side side) const { return fill[static_cast<std::size_t>(side)]; }

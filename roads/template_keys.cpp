@@ -1,6 +1,7 @@
 #include "roads/template_keys.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/number_text.h"
 #include "core/text.h"
@@ -8,7 +9,12 @@
 namespace tarvex {
 
 double TemplateValues::Number() {
-  return LeadingDouble(Next());
+  return Noted(LeadingDouble(Next()));
+}
+
+double TemplateValues::Noted(double number) {
+  if (!(std::fabs(number) <= kLargestTemplateNumber)) out_of_range_ = true;
+  return number;
 }
 
 int TemplateValues::Integer() {
@@ -33,7 +39,7 @@ SurfaceSegment ReadSegment(TemplateValues& values) {
   SurfaceSegment segment;
   segment.width = values.Number();
   const std::string_view slope = values.Next();
-  segment.value = LeadingDouble(slope);
+  segment.value = values.Noted(LeadingDouble(slope));
   if (slope.find('%') == std::string_view::npos) {
     const bool ratio = slope.find(':') != std::string_view::npos;
     segment.kind = ratio ? SlopeKind::Ratio : SlopeKind::ElevationChange;
@@ -219,7 +225,7 @@ void TakeCurbSlope(TemplateTarget& to, TemplateValues& values) {
   to.curb().slope_kind = word == "FLAT"    ? Curb::Slope::Flat
                          : word == "MATCH" ? Curb::Slope::Match
                                            : Curb::Slope::Number;
-  to.curb().slope = LeadingDouble(word);
+  to.curb().slope = values.Noted(LeadingDouble(word));
 }
 
 constexpr TemplateKey kCurbKeys[] = {

@@ -16,14 +16,19 @@ class TemplateValues {
   explicit TemplateValues(std::string_view text) : rest_(text) {}
 
   double Number();
+  /// `number` as it is; one out of range is remembered.
+  double Noted(double number);
   int Integer();
   std::string_view Next();
   std::string_view Rest() const { return rest_; }
   /// The rest without the blanks around it.
   std::string Word() const;
+  /// True once a number was beyond kLargestTemplateNumber.
+  bool out_of_range() const { return out_of_range_; }
 
  private:
   std::string_view rest_;
+  bool out_of_range_ = false;
 };
 
 /// Where a section's lines go: the last subgrade, curb or median is the open one.

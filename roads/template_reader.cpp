@@ -97,6 +97,9 @@ class TemplateReader {
     }
     TemplateValues values(line.substr(comma + 1));
     rule->take(target_, values);
+    if (!values.out_of_range()) return;
+    Note(kTextNumberOutOfRange, line);
+    if (section_.line_out_of_range == 0) section_.line_out_of_range = lines_.number();
   }
 
   NumberedLines lines_;

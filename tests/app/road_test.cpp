@@ -158,6 +158,9 @@ TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
   const ProgramResult no_template = folder_.Run("road section site.cl --elevation 1");
   EXPECT_EQ(no_template.exit_code, 1);
   EXPECT_THAT(no_template.errors, HasSubstr("site.cl is no template"));
+  folder_.Write("far.tpl", "*SURFACEL\nMOVESL,1e999,-2%,EP\n");
+  EXPECT_THAT(folder_.Run("road section far.tpl --elevation 1").errors,
+              HasSubstr("far.tpl line 2: a number is out of range"));
   EXPECT_EQ(folder_.Run("road list site.cl --interval 1e9 --json").exit_code, 0);
   const ProgramResult south = folder_.Run("road station site.cl --json -- -5184676 -520440");
   EXPECT_EQ(json::parse(south.output)["points"][0]["northing"], -5184676.0) << south.errors;

@@ -89,6 +89,14 @@ TEST(TemplateReader, ComparesKeysWithTheirPadding) {
   EXPECT_THAT(lines, testing::ElementsAre(2, 5, 6, 7));
 }
 
+TEST(TemplateReader, RemembersNumbersThatNoRoadHas) {
+  EXPECT_EQ(ReadTemplate("*FILL-L\nFILDSL,99,3\n").line_out_of_range, 0);
+  EXPECT_EQ(ReadTemplate("*FILL-L\nFILDSL,99,3\nFILDSL,1e999,3\n").line_out_of_range, 3);
+  const RoadTemplate section = ReadTemplate("*SURFACEL\nMOVESL,3,-1e10:1,EP\nMOVESL,1e12,0,X\n");
+  EXPECT_EQ(section.line_out_of_range, 2);
+  EXPECT_EQ(section.notes.size(), 2U);
+}
+
 TEST(TemplateFile, NewOnesHaveTheirBytes) {
   TemplateDraft draft;
   draft.left = {{3.6, SlopeKind::Grade, -2.0, "EP"}, {0.0, SlopeKind::ElevationChange, 0.15, "TC"}};
