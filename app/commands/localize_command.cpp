@@ -52,6 +52,10 @@ struct LocalizeOptions {
   bool adds() const {
     return !gnss_id.empty() || !wgs84.empty() || !known_id.empty() || !local.empty();
   }
+  bool changes_list() const {
+    return adds() || !remove.empty() || !toggle_horizontal.empty() || !toggle_vertical.empty() ||
+           !from.empty();
+  }
 };
 
 // One run of the command: the job, its list of control points, and what is to become of them.
@@ -87,14 +91,21 @@ class Localize {
       return Fail(problem);
     }
     if (localization_.path.empty()) localization_.path = PathWithExtension(job.path, "loc");
-    if (!program_.files.Exists(localization_.path)) return true;
-    return LoadList(localization_.path);
+    if (!program_.files.Exists(localization_.path) || !options_.from.empty()) return true;
+    if (LoadList(localization_.path, problem)) return true;
+    // A list that cannot be read can still be switched off, and only that.
+    if (!options_.off || options_.changes_list()) return Fail(problem);
+    program_.console.PrintError("WARNING: " + problem + "\n");
+    return true;
   }
 
-  bool LoadList(const std::string& path) {
+  bool LoadList(const std::string& path, std::string& problem) {
     LocalizationFault fault;
     auto read = LoadLocalization(program_.files, path, session_.job().unit, fault);
-    if (!read) return Fail(fault.Text(path) + ".");
+    if (!read) {
+      problem = fault.Text(path) + ".";
+      return false;
+    }
     list_ = std::move(read->points);
     for (const auto& [name, value] : read->settings) {
       program_.console.PrintError(path + " also holds the setting " + name + "=" + value +
@@ -105,7 +116,8 @@ class Localize {
 
   bool Change() {
     if (!options_.from.empty()) {
-      if (!LoadList(options_.from)) return false;
+      std::string problem;
+      if (!LoadList(options_.from, problem)) return Fail(problem);
       changed_ = true;
     }
     for (const std::size_t number : options_.toggle_horizontal) {
@@ -304,6 +316,10 @@ class Localize {
   }
 
   void PrintText(const LocalizationReport& report) {
+    if (list_.empty() && options_.off) {
+      program_.console.Print("The job does not use a localization.\n");
+      return;
+    }
     if (list_.empty()) {
       program_.console.Print(
           "The job has no control points; `tarvex localize --help` shows how to "

@@ -98,6 +98,14 @@ TEST(LocalizeCommand, CollectedPointsComeOutInLocalCoordinates) {
   EXPECT_EQ(lost.exit_code, 1);
   EXPECT_TRUE(Holds(lost.errors, "site.loc, line 1:")) << lost.errors;
   EXPECT_TRUE(Holds(lost.errors, "--off works without it")) << lost.errors;
+  EXPECT_EQ(folder.Run("localize site.crd").exit_code, 1);
+  EXPECT_EQ(folder.Run("localize site.crd --off --remove 1").exit_code, 1);
+  const ProgramResult off = folder.Run("localize site.crd --off");
+  EXPECT_EQ(off.exit_code, 0) << off.errors;
+  EXPECT_TRUE(Holds(off.output, "does not use a localization")) << off.output;
+  EXPECT_EQ(folder.Read("site.loc"), "no longer XML");
+  EXPECT_TRUE(Holds(folder.Run(collect + "L2").output, "Point L2: N 523"));
+  EXPECT_EQ(folder.Run("localize site.crd --on").exit_code, 1);
 }
 
 TEST(LocalizeCommand, NamesWhatIsWrong) {
