@@ -15,6 +15,7 @@ constexpr int kCorrectionMissing = 4162;
 constexpr int kHungarianMissing = 1703;
 constexpr int kDefinitionWithoutShift = 4164;
 constexpr int kBadParameters = 4165;
+constexpr int kShiftsItself = 4166;
 
 bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
   return text.size() >= end.size() &&
@@ -47,10 +48,17 @@ bool TakesNadConverter(const ProjectionRecord& record) {
   return IsNad27(record) && (IsNad27Family(record) || !HasDatumShift(record));
 }
 
-// The closed library shifts the datums of these families itself.
+// These families take WGS84 positions: the closed library shifts the datum, or the national grid
+// does.
 bool ShiftsInside(const ProjectionRecord& record) {
-  return record.projection_type == static_cast<int>(ProjectionType::TransverseMercator34) ||
-         record.projection_type == static_cast<int>(ProjectionType::ObliqueMercatorEov);
+  switch (static_cast<ProjectionType>(record.projection_type)) {
+    case ProjectionType::TransverseMercatorOstn02:
+    case ProjectionType::TransverseMercator34:
+    case ProjectionType::ObliqueMercatorEov:
+      return true;
+    default:
+      return false;
+  }
 }
 
 // What the text of a correction calls its files.
@@ -104,13 +112,16 @@ class StepPreparer {
 
   std::shared_ptr<const DatumShift> ChooseShift() {
     const std::string& shift = choice_.shift;
+    const bool is_correction =
+        shift == kDutchGridLabel || shift == kHungarianGridLabel || shift == kBelgianGridLabel;
+    if (!shift.empty() && !is_correction && ShiftsInside(record_)) {
+      return WrongChoice(Strings().Text(kShiftsItself));
+    }
     if (shift == kFrenchGridLabel) return FrenchShift();
     if (shift == kNadConverterLabel) return std::make_shared<NadShift>(sources_.nad_converter);
     if (shift == kNoShiftLabel) return std::make_shared<ChosenIdentity>();
     if (shift.starts_with(kSevenParameterLabel)) return ChosenSevenParameter();
     if (EndsWithIgnoringCase(shift, ".gsb")) return Ntv2();
-    const bool is_correction =
-        shift == kDutchGridLabel || shift == kHungarianGridLabel || shift == kBelgianGridLabel;
     if (!shift.empty() && !is_correction) {
       return WrongChoice(Strings().Text(4163, {shift}));
     }

@@ -247,6 +247,9 @@ constexpr std::array kEntries = {
         4165,
         "\"%s\" is no datum shift: TOWGS84= takes dX,dY,dZ in metres, and behind them rX,rY,rZ in "
         "seconds of arc and the scale in ppm, or nothing."},
+    Entry{4166,
+          "This projection takes WGS84 positions and shifts the datum itself: no shift can be "
+          "named."},
     Entry{4170, "Packing the grid..."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},

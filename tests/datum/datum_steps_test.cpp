@@ -292,6 +292,14 @@ TEST(StepPreparation, KnowsWhichDatumsNeedAChoice) {
   EXPECT_TRUE(ShiftIsKnown(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel), false));
 
   Sources sources;
+  // Type 12 and 15 shift inside: a choice would do nothing, and is refused.
+  const auto eov = ProjectionType::ObliqueMercatorEov;
+  const PreparedSteps chosen =
+      sources.Prepare(RecordOf(eov, "HD72", kBessel), {.shift = "TOWGS84=1,2,3", .geoid = ""});
+  EXPECT_THAT(chosen.wrong_choice, HasSubstr("shifts the datum itself"));
+  EXPECT_EQ(
+      sources.Prepare(RecordOf(eov, "HD72", kBessel), {.shift = "VITEL", .geoid = ""}).wrong_choice,
+      "");
   const PreparedSteps zeros =
       sources.Prepare(RecordOf(utm, "Some_Datum", kBessel),
                       {.shift = "", .geoid = "", .definition_gives_shift = true});
