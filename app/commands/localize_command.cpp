@@ -4,59 +4,21 @@
 
 #include "app/commands/command.h"
 #include "app/commands/commands.h"
+#include "app/commands/localize_options.h"
+#include "app/control_point_source.h"
 #include "app/coordinate_systems.h"
 #include "app/job_localization.h"
 #include "app/job_session.h"
 #include "app/localization_text.h"
-#include "app/raw_positions.h"
-#include "core/number_text.h"
-#include "core/point_id.h"
 #include "core/point_list.h"
-#include "core/point_store.h"
 #include "core/raw_file.h"
 #include "core/raw_records.h"
 
 namespace tarvex {
 namespace {
 
-constexpr std::uint64_t kLargestRawFile = std::uint64_t{1} << 32U;
 constexpr double kAbsurdScale_ppm = 10'000.0;  // feet for metres, another zone, a swapped axis
 constexpr double kElsewhere_m = 100'000.0;     // points in other coordinates than the local ones
-
-struct LocalizeOptions {
-  std::string job;
-  // Adding a point
-  std::string gnss_id;
-  std::vector<double> wgs84;
-  std::string known_id;
-  std::vector<double> local;
-  std::string description;
-  double hrms = 0.0;
-  double vrms = 0.0;
-  bool no_horizontal = false;
-  bool no_vertical = false;
-  // Changing the list
-  std::vector<std::size_t> remove;
-  std::vector<std::size_t> toggle_horizontal;
-  std::vector<std::size_t> toggle_vertical;
-  std::string from;
-  // How to fit
-  std::string method;
-  std::optional<double> scale;
-  std::string heights;
-  bool off = false;
-  bool on = false;
-  bool list = false;
-  bool json = false;
-
-  bool adds() const {
-    return !gnss_id.empty() || !wgs84.empty() || !known_id.empty() || !local.empty();
-  }
-  bool changes_list() const {
-    return adds() || !remove.empty() || !toggle_horizontal.empty() || !toggle_vertical.empty() ||
-           !from.empty();
-  }
-};
 
 // One run of the command: the job, its list of control points, and what is to become of them.
 class Localize {
@@ -158,64 +120,10 @@ class Localize {
 
   bool Add() {
     LocalizationPoint point;
-    if (!TakeGnss(point) || !TakeLocal(point)) return false;
-    point.hrms = options_.hrms;
-    point.vrms = options_.vrms;
-    point.use_horizontal = options_.no_horizontal ? 'N' : 'Y';
-    point.use_vertical = options_.no_vertical ? 'N' : 'Y';
-    if (!options_.description.empty()) point.description = options_.description;
+    exit_code_ = ReadControlPoint(options_, session_.job(), program_, point);
+    if (exit_code_ != ExitCode::Done) return false;
     list_.emplace_back(std::move(point));
     return changed_ = true;
-  }
-
-  bool TakeGnss(LocalizationPoint& point) {
-    if (options_.wgs84.empty() == options_.gnss_id.empty()) {
-      return Misuse("Give the GNSS position with --wgs84 LAT LON HEIGHT or --gnss ID.");
-    }
-    if (!options_.wgs84.empty()) {
-      const double latitude = options_.wgs84[0];
-      const double longitude = options_.wgs84[1];
-      if (!(std::abs(latitude) <= 90.0 && std::abs(longitude) <= 360.0)) {
-        return Misuse("--wgs84 takes latitude, longitude (decimal degrees) and height.");
-      }
-      point.gnss = {latitude * kRadiansPerDegree, longitude * kRadiansPerDegree, options_.wgs84[2]};
-      return true;
-    }
-    const std::string path = RawFilePath(session_.job());
-    std::string raw;
-    const FileStatus status = ReadWholeFile(program_.files, path, kLargestRawFile, raw);
-    if (!status.ok())
-      return Fail("The raw file " + path + " cannot be read: " + status.Text() + ".");
-    const auto found =
-        FindRawPosition(raw, NormalisePointId(options_.gnss_id).view(), session_.job().unit);
-    if (!found)
-      return Fail("The raw file holds no GNSS position of point " + options_.gnss_id + ".");
-    point.gnss = *found;
-    point.description = options_.gnss_id;
-    return true;
-  }
-
-  bool TakeLocal(LocalizationPoint& point) {
-    if (options_.local.empty() == options_.known_id.empty()) {
-      return Misuse("Give the local coordinates with --local N E EL or --known ID.");
-    }
-    GridPoint at;
-    if (!options_.local.empty()) {
-      at = {options_.local[0], options_.local[1], options_.local[2]};
-    } else {
-      const auto stream = OpenCoordinateFile(session_.job());
-      Point known;
-      if (!stream || ReadPoint(session_.job(), options_.known_id, stream.get(), known) !=
-                         ReadPointResult::Found) {
-        return Fail("There is no point " + options_.known_id + " in " + session_.job().path + ".");
-      }
-      at = known.at;
-      point.description = known.id.str();
-    }
-    point.local_x = at.easting;
-    point.local_y = at.northing;
-    point.local_z = at.elevation;
-    return true;
   }
 
   bool ChangeMethod() {
@@ -359,60 +267,6 @@ ExitCode RunLocalize(const LocalizeOptions& options, Program& program) {
   return Localize(options, program).Run();
 }
 
-void AddPointOptions(CLI::App& sub, LocalizeOptions& options) {
-  const std::string group = "Adding a control point";
-  sub.add_option("--gnss", options.gnss_id,
-                 "GNSS position: the last one of this point in the raw file")
-      ->group(group);
-  sub.add_option("--wgs84", options.wgs84,
-                 "GNSS position: latitude, longitude (degrees), height (m)")
-      ->expected(3)
-      ->type_name("LAT LON HEIGHT")
-      ->group(group);
-  sub.add_option("--known", options.known_id, "Local coordinates: those of this point of the job")
-      ->group(group);
-  sub.add_option("--local", options.local, "Local coordinates in the job's unit")
-      ->expected(3)
-      ->type_name("N E EL")
-      ->group(group);
-  sub.add_option("--description", options.description, "Description (default: the point's id)")
-      ->group(group);
-  sub.add_option("--hrms", options.hrms, "Horizontal RMS of the GNSS position")->group(group);
-  sub.add_option("--vrms", options.vrms, "Vertical RMS of the GNSS position")->group(group);
-  sub.add_flag("--no-horizontal", options.no_horizontal, "The point takes no part horizontally")
-      ->group(group);
-  sub.add_flag("--no-vertical", options.no_vertical, "The point takes no part vertically")
-      ->group(group);
-}
-
-void AddListOptions(CLI::App& sub, LocalizeOptions& options) {
-  const std::string group = "Changing the list (points by their number in it)";
-  sub.add_option("--toggle-horizontal", options.toggle_horizontal, "Use horizontally, or no more")
-      ->group(group);
-  sub.add_option("--toggle-vertical", options.toggle_vertical, "Use vertically, or no more")
-      ->group(group);
-  sub.add_option("--remove", options.remove, "Take points off the list")->group(group);
-  sub.add_option("--from", options.from, "Take the whole list from another .loc file")
-      ->group(group);
-}
-
-void AddFitOptions(CLI::App& sub, LocalizeOptions& options) {
-  const std::string group = "Fitting";
-  sub.add_option("--method", options.method,
-                 "similarity (scale, rotation, translation), fixed-scale, rotation (scale 1) or "
-                 "translation")
-      ->check(CLI::IsMember({"similarity", "fixed-scale", "rotation", "translation"}))
-      ->group(group);
-  sub.add_option("--scale", options.scale, "The scale for fixed-scale and translation")
-      ->group(group);
-  sub.add_option("--heights", options.heights, "shift, or an inclined plane")
-      ->check(CLI::IsMember({"shift", "plane"}))
-      ->group(group);
-  auto* off = sub.add_flag("--off", options.off, "The job no longer uses the localization");
-  off->group(group);
-  sub.add_flag("--on", options.on, "The job uses it again")->excludes(off)->group(group);
-}
-
 }  // namespace
 
 void AddLocalizeCommand(CLI::App& app, Program& program) {
@@ -427,9 +281,7 @@ void AddLocalizeCommand(CLI::App& app, Program& program) {
       "         tarvex localize site.crd --wgs84 47.1 8.2 520.3 --local 1000 5000 471.2\n"
       "         tarvex localize site.crd --toggle-horizontal 3 --heights plane");
   sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  AddPointOptions(sub, *command.options);
-  AddListOptions(sub, *command.options);
-  AddFitOptions(sub, *command.options);
+  AddLocalizeOptions(sub, *command.options);
   sub.add_flag("--list", command.options->list, "Print the control points with their coordinates");
   sub.add_flag("--json", command.options->json, "Print JSON (residuals in metres)");
 }

@@ -1,0 +1,52 @@
+// What `tarvex localize` can be asked for.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}  // namespace CLI
+
+namespace tarvex {
+
+struct LocalizeOptions {
+  std::string job;
+  // Adding a point
+  std::string gnss_id;
+  std::vector<double> wgs84;
+  std::string known_id;
+  std::vector<double> local;
+  std::string description;
+  double hrms = 0.0;
+  double vrms = 0.0;
+  bool no_horizontal = false;
+  bool no_vertical = false;
+  // Changing the list
+  std::vector<std::size_t> remove;
+  std::vector<std::size_t> toggle_horizontal;
+  std::vector<std::size_t> toggle_vertical;
+  std::string from;
+  // How to fit
+  std::string method;
+  std::optional<double> scale;
+  std::string heights;
+  bool off = false;
+  bool on = false;
+  bool list = false;
+  bool json = false;
+
+  bool adds() const {
+    return !gnss_id.empty() || !wgs84.empty() || !known_id.empty() || !local.empty();
+  }
+  bool changes_list() const {
+    return adds() || !remove.empty() || !toggle_horizontal.empty() || !toggle_vertical.empty() ||
+           !from.empty();
+  }
+};
+
+/// All but the job and the two ways of printing.
+void AddLocalizeOptions(CLI::App& sub, LocalizeOptions& options);
+
+}  // namespace tarvex
