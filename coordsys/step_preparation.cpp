@@ -16,6 +16,8 @@ constexpr int kHungarianMissing = 1703;
 constexpr int kDefinitionWithoutShift = 4164;
 constexpr int kBadParameters = 4165;
 constexpr int kShiftsItself = 4166;
+constexpr int kNoNadconGrids = 4167;
+constexpr int kNone = 4168;
 
 bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
   return text.size() >= end.size() &&
@@ -118,14 +120,14 @@ class StepPreparer {
       return WrongChoice(Strings().Text(kShiftsItself));
     }
     if (shift == kFrenchGridLabel) return FrenchShift();
-    if (shift == kNadConverterLabel) return std::make_shared<NadShift>(sources_.nad_converter);
+    if (shift == kNadConverterLabel) return NadGrids();
     if (shift == kNoShiftLabel) return std::make_shared<ChosenIdentity>();
     if (shift.starts_with(kSevenParameterLabel)) return ChosenSevenParameter();
     if (EndsWithIgnoringCase(shift, ".gsb")) return Ntv2();
     if (!shift.empty() && !is_correction) {
       return WrongChoice(Strings().Text(4163, {shift}));
     }
-    if (TakesNadConverter(record_)) return std::make_shared<NadShift>(sources_.nad_converter);
+    if (TakesNadConverter(record_)) return NadGrids();
     if (HasDatumShift(record_)) return SevenParameter(SevenParametersOf(record_));
     if (StandsOnWgs84(record_) || !choice_.definition_gives_shift) return nullptr;
     return SevenParameter(SevenParametersOf(record_));
@@ -144,6 +146,22 @@ class StepPreparer {
     const auto parameters = ParseSevenParameters(numbers);
     if (parameters) return SevenParameter(*parameters);
     return WrongChoice(Strings().Text(kBadParameters, {choice_.shift}));
+  }
+
+  // Whatever grids there are: which of them holds a position is the library's to find.
+  std::shared_ptr<const DatumShift> NadGrids() {
+    const std::string& folder = sources_.nad_converter->grid_folder();
+    std::string grids;
+    for (const std::string_view name : kNadconGrids) {
+      const std::string base = folder + std::string(name);
+      if (!sources_.files.Exists(base + ".las") || !sources_.files.Exists(base + ".los")) continue;
+      grids += (grids.empty() ? "" : ", ") + std::string(name);
+    }
+    if (grids.empty()) {
+      Note(Strings().Text(kNoNadconGrids, {folder}));
+      grids = Strings().Text(kNone);
+    }
+    return std::make_shared<NadShift>(sources_.nad_converter, std::move(grids));
   }
 
   std::shared_ptr<const DatumShift> FrenchShift() {

@@ -235,7 +235,7 @@ constexpr std::array kEntries = {
     Entry{4154, "none, as chosen: WGS84 latitude and longitude are taken as they are"},
     Entry{4155,
           "seven parameters: %s, %s, %s m; %s, %s, %s\" (coordinate frame); %s ppm (CoordSys)"},
-    Entry{4156, "NAD27 by the grids in %s (nadconv)"},
+    Entry{4156, "NAD27 by the NADCON grids %s in %s (nadconv)"},
     Entry{4157, "NTv2 grid %s, %s to %s"},
     Entry{4158, "geocentric translations of the grid %s"},
     Entry{4160, "The point lies outside of the geoid model."},
@@ -250,6 +250,8 @@ constexpr std::array kEntries = {
     Entry{4166,
           "This projection takes WGS84 positions and shifts the datum itself: no shift can be "
           "named."},
+    Entry{4167, "There are no NADCON grids (.las and .los) in %s: NAD27 positions are refused."},
+    Entry{4168, "(none)"},
     Entry{4170, "Packing the grid..."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},

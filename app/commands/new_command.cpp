@@ -58,6 +58,19 @@ ExitCode CreateFiles(Program& program, JobSession& session, const std::string& s
   return ExitCode::Done;
 }
 
+// How positions come to the job's coordinates, so that it is read before the field. A step that
+// stands in for a missing one describes itself in a sentence, which was told as a warning.
+void TellStep(const char* name, const std::string& description, Console& console) {
+  if (!description.ends_with('.')) console.Print(name + (": " + description) + ".\n");
+}
+
+void TellSteps(const CalculationSteps& steps, Console& console) {
+  if (steps.datum_shift) TellStep("Datum shift", steps.datum_shift->Describe(), console);
+  if (steps.grid_correction)
+    TellStep("Grid correction", steps.grid_correction->Describe(), console);
+  if (steps.geoid) TellStep("Geoid", steps.geoid->Describe(), console);
+}
+
 ExitCode RunNew(const NewOptions& options, Program& program) {
   if (!options.job.ends_with(".crd")) {
     const bool folder = options.job.empty() || options.job.ends_with('/');
@@ -105,8 +118,10 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
   job.scale_factor = *scale;
   job.curvature_correction = options.curvature_correction;
   if (!options.name.empty()) job.name = options.name;
-  return CreateFiles(program, session,
-                     source.empty() ? "" : CoordinateSystems::Title(source, calculator));
+  const ExitCode exit_code = CreateFiles(
+      program, session, source.empty() ? "" : CoordinateSystems::Title(source, calculator));
+  if (exit_code == ExitCode::Done) TellSteps(calculator.steps(), program.console);
+  return exit_code;
 }
 
 }  // namespace

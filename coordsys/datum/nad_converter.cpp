@@ -64,7 +64,7 @@ StepOutcome NadShift::ToWgs84(Geodetic& position) const {
 }
 
 std::string NadShift::Describe() const {
-  return Strings().Text(4156, {converter_->grid_folder()});
+  return Strings().Text(4156, {grids_, converter_->grid_folder()});
 }
 
 std::shared_ptr<ClosedLibrary> SystemNadConvLibrary() {

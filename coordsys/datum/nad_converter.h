@@ -42,8 +42,9 @@ class NadConverter {
 /// The converter as the datum shift of a NAD27 system.
 class NadShift final : public DatumShift {
  public:
-  explicit NadShift(std::shared_ptr<const NadConverter> converter)
-      : converter_(std::move(converter)) {}
+  /// `grids` names those of the folder, for people.
+  NadShift(std::shared_ptr<const NadConverter> converter, std::string grids)
+      : converter_(std::move(converter)), grids_(std::move(grids)) {}
 
   StepOutcome ToSystem(Geodetic& position) const override;
   StepOutcome ToWgs84(Geodetic& position) const override;
@@ -51,6 +52,7 @@ class NadShift final : public DatumShift {
 
  private:
   std::shared_ptr<const NadConverter> converter_;
+  std::string grids_;
 };
 
 /// The "nadconv.dll" of the running system, shared by all calculators.

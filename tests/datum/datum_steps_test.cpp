@@ -143,7 +143,7 @@ TEST(NadConverter, ConvertsThroughTheModule) {
   const NadFolder folder;
   const auto converter =
       std::make_shared<NadConverter>(Module("nadconv.dll"), folder.path(), nullptr);
-  const NadShift shift(converter);
+  const NadShift shift(converter, "texas");
   for (int round = 0; round < 2; ++round) {
     for (const CaseRow& row : ReadCases("datum/nadcon_points.tsv")) {
       Geodetic at = {row.Radians("lat_nad27"), row.Radians("lon_nad27"), 55.0};
@@ -163,9 +163,9 @@ TEST(NadConverter, AFailureIsToldOnceInTheRunAndLeavesThePosition) {
   CountedMessages box;
   RunMessages messages(&box);
   const NadShift here(
-      std::make_shared<NadConverter>(Module("nadconv.dll"), folder.path(), &messages));
+      std::make_shared<NadConverter>(Module("nadconv.dll"), folder.path(), &messages), "");
   const NadShift nowhere(
-      std::make_shared<NadConverter>(Module("nadconv.dll"), "/nowhere/", &messages));
+      std::make_shared<NadConverter>(Module("nadconv.dll"), "/nowhere/", &messages), "");
   for (int i = 0; i < 3; ++i) {
     Geodetic at = kBerlin;
     EXPECT_EQ(here.ToSystem(at).status, StepStatus::Refused);
@@ -312,6 +312,14 @@ TEST(StepPreparation, StatePlaneZonesOf1927TakeTheConverter) {
   const ProjectionRecord zone = RecordOf(ProjectionType::LambertConformalConic27,
                                          "North American Datum 1927", kClarke1866, -8);
   EXPECT_THAT(sources.Prepare(zone, {}).steps.datum_shift->Describe(), HasSubstr("nadconv"));
+  // The grids that are there are named; none at all is a problem that is told.
+  EXPECT_EQ(sources.Prepare(zone, {}).problems.size(), 1U);
+  for (const char* file : {"alaska.las", "alaska.los", "conus.las"}) {
+    sources.files.Put("/data/NADConv/" + std::string(file), "");
+  }
+  EXPECT_THAT(sources.Prepare(zone, {}).steps.datum_shift->Describe(),
+              HasSubstr("grids alaska in /data/NADConv/"));
+  EXPECT_EQ(sources.Prepare(zone, {}).problems.size(), 0U);
   const ProjectionRecord hawaii =
       RecordOf(ProjectionType::TransverseMercator27, "Old Hawaiian", kClarke1866, 61);
   EXPECT_THAT(sources.Prepare(hawaii, {}).steps.datum_shift->Describe(), HasSubstr("seven"));
