@@ -1,6 +1,7 @@
 #include "coordsys/calculator.h"
 
 #include <cmath>
+#include <numbers>
 #include <utility>
 
 #include "coordsys/datum/datum_lie.h"
@@ -15,6 +16,13 @@ constexpr int kNoNationalGrid = 2240;  // text
 
 bool IsNumber(double a, double b, double c) {
   return std::isfinite(a) && std::isfinite(b) && std::isfinite(c);
+}
+
+// Grids know longitudes from -180 to 180 degrees; one that is there already keeps its bits.
+double WithinHalfTurns(double longitude_rad) {
+  constexpr double kHalfTurn = std::numbers::pi;
+  const bool within = std::fabs(longitude_rad) <= kHalfTurn;
+  return within ? longitude_rad : std::remainder(longitude_rad, 2.0 * kHalfTurn);
 }
 
 CalculationResult ResultOf(ProjectionResult result) {
@@ -305,6 +313,7 @@ CalculationResult CTrgCalculator::ToGrid(const Geodetic& wgs84, GridPoint& point
   Run run{report};
   run.Note(CalculationStep::Wgs84, wgs84);
   Geodetic position = wgs84;
+  position.longitude_rad = WithinHalfTurns(position.longitude_rad);
   CalculationResult result = ToSystemDatum(position, run);
   if (result != CalculationResult::Done) return result;
 

@@ -252,6 +252,7 @@ TEST(Modules, WithoutTheNadConverterItsZonesAreRefused) {
   const std::string houston = "29.76 -95.37 200\n";
   const std::string with = folder.Run(texas, houston).output;
   ASSERT_THAT(with, HasSubstr(" 960620."));
+  EXPECT_EQ(folder.Run(texas, "29.76 264.63 200\n").output, with);  // the same meridian
   installation.Take("nadconv.so");
   const ProgramResult without = folder.Run(texas, houston);
   EXPECT_EQ(without.exit_code, 1);
