@@ -54,8 +54,9 @@ constexpr std::array kEntries = {
     Entry{2220, "This system cannot be used: its projection is not available."},
     Entry{2221,
           "This system's datum is another than WGS84, and no shift between the two is known. Name "
-          "one as the datum shift: TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm], an NTv2 file, or NONE to take "
-          "WGS84 latitude and longitude as they are."},
+          "one with --datum-shift, or on the line datum_shift= of the .job file of a job that "
+          "exists: TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm], an NTv2 file, or NONE to take WGS84 latitude "
+          "and longitude as they are."},
     Entry{2230, "The point was converted."},
     Entry{2231, "The point was converted, but a step was left undone."},
     Entry{2232, "The library that computes this projection cannot be loaded."},
