@@ -118,8 +118,9 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
   job.scale_factor = *scale;
   job.curvature_correction = options.curvature_correction;
   if (!options.name.empty()) job.name = options.name;
-  const ExitCode exit_code = CreateFiles(
-      program, session, source.empty() ? "" : CoordinateSystems::Title(source, calculator));
+  std::string title = source.empty() ? "" : CoordinateSystems::Title(source, calculator);
+  if (!source.datum_shift.empty()) title += ", datum shift " + source.datum_shift;
+  const ExitCode exit_code = CreateFiles(program, session, title);
   if (exit_code == ExitCode::Done) TellSteps(calculator.steps(), program.console);
   return exit_code;
 }

@@ -35,6 +35,7 @@ TEST(Systems, AnUnknownDatumShiftMustBeNamed) {
   const ProgramResult made = folder.Run("new site.crd" + none);
   EXPECT_EQ(made.exit_code, 0);
   EXPECT_THAT(made.errors, HasSubstr("hundreds of metres off"));
+  EXPECT_THAT(folder.Run("raw site.crd").output, HasSubstr(system + ", datum shift NONE"));
   EXPECT_THAT(folder.Run("new alaska.crd --system \"USA/NAD27/Alaska zone 4\"").output,
               HasSubstr("Datum shift: NAD27 by the NADCON grids conus in "));
   EXPECT_EQ(folder.Run("convert --job site.crd", at).output, "3320535.9838 596488.7935 0.0000\n");
