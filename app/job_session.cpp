@@ -94,6 +94,11 @@ bool JobSession::LoadExisting() {
     }
     return Load();
   }
+  const std::string completed = job_.path + ".crd";
+  if (!job_.path.ends_with(".crd") && files().Exists(completed)) {
+    ShowMessage("There is no job " + job_.path + "; there is " + completed + ".");
+    return false;
+  }
   ShowMessage("There is no job " + job_.path + "; `tarvex new " + job_.path + "` creates it.");
   return false;
 }

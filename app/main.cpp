@@ -60,6 +60,9 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   AddCommands(app, program);
   WatchForInterrupt();
+  program.files.when_waiting = [&program](const std::string& path) {
+    program.console.PrintError("Waiting for another program that works on " + path + " ...\n");
+  };
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -46,9 +46,11 @@ FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess acc
   constexpr int kAttempts = 1000;  // each one lost means that another program got its turn
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     std::unique_ptr<File> opened;
-    FileStatus status = files.Open(path, access, opened);
-    if (status.ok()) status = opened->Lock();
-    if (!status.ok()) return status;
+    if (FileStatus status = files.Open(path, access, opened); !status.ok()) return status;
+    if (!opened->LockAtOnce()) {
+      if (attempt == 0 && files.when_waiting) files.when_waiting(path);
+      if (FileStatus status = opened->Lock(); !status.ok()) return status;
+    }
     if (opened->IsNamed(path)) {
       file = std::move(opened);
       return {};

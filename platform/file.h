@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -41,6 +42,8 @@ class File {
   /// Waits until no other program holds the lock of this file; given up when the file is closed. A
   /// signal that the program handles ends the waiting (EINTR).
   virtual FileStatus Lock() = 0;
+  /// Lock() that does not wait: false while another program holds the lock.
+  virtual bool LockAtOnce() { return Lock().ok(); }
   /// True when `path` still names this file (and not one that replaced it meanwhile).
   virtual bool IsNamed(const std::string& path) = 0;
 };
@@ -67,6 +70,9 @@ class FileSystem {
   virtual FileStatus SyncFolderOf(const std::string& path) = 0;
   /// Gives `path` the access rights of `model`.
   virtual FileStatus CopyRights(const std::string& model, const std::string& path) = 0;
+
+  /// Called with the path before OpenLocked waits for another program.
+  std::function<void(const std::string& path)> when_waiting;
 };
 
 /// Opens and locks. Another program may have replaced the file while we waited for its lock: then

@@ -66,6 +66,8 @@ class PosixFile final : public File {
     return {};
   }
 
+  bool LockAtOnce() override { return ::flock(descriptor_, LOCK_EX | LOCK_NB) == 0; }
+
   FileStatus Lock() override {
     return ::flock(descriptor_, LOCK_EX) == 0 ? FileStatus{} : LastStatus();
   }

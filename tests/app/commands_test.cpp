@@ -1,8 +1,10 @@
 // The commands on job files, as a person types them.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 
+#include "platform/file.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {
@@ -66,6 +68,20 @@ TEST(Commands, StoreInTurnWhenManyRunAtOnce) {
             16U);
 }
 
+TEST(Commands, SayWhatTheyWaitFor) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
+  std::unique_ptr<File> held;
+  ASSERT_TRUE(OpenLocked(SystemFiles(), folder.Path("site.crd"), FileAccess::ReadWrite, held).ok());
+  const pid_t process = folder.Start("store site.crd A 1 2 3");
+  while (folder.Read("ERR").empty()) ::usleep(1000);
+  EXPECT_EQ(folder.Read("ERR"), "Waiting for another program that works on site.crd ...\n");
+  held.reset();
+  const ProgramResult stored = folder.Finish(process);
+  EXPECT_EQ(stored.exit_code, 0);
+  EXPECT_EQ(stored.output, "Stored point A.\n");
+}
+
 TEST(Commands, NameWhatIsWrong) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("new numbers.crd --numeric").exit_code, 0);
@@ -95,6 +111,7 @@ TEST(Commands, NameWhatIsWrong) {
       {"new x.crd --definition none.txt", 1, "none.txt cannot be read: No such file"},
       {"new x.crd --units furlongs", 2, "furlongs"},
       {"points none.crd", 1, "There is no job none.crd"},
+      {"points numbers", 1, "There is no job numbers; there is numbers.crd."},
       {"store numbers.crd A1 1 2 3", 2, "\"A1\" is no point number"},
       {"store numbers.crd 2000000 1 2 3", 2, "would leave 1999999 numbers empty"},
       {"store numbers.crd 1 0 0 0", 2, "counts as no point"},
