@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::uint32_t kCrc32Polynomial = 0xEDB88320U;
 constexpr std::uint32_t kCrc24Polynomial = 0x864CFBU;
-constexpr std::size_t kSlices = 8;
+constexpr std::size_t kSlices = 16;
 
 using Table = std::array<std::uint32_t, 256>;
 
@@ -24,7 +24,7 @@ constexpr Table MakeCrc32() {
 }
 
 // The 24 bits stand at the top of 32, so that a byte is taken with one shift. Table k holds the
-// remainder of a byte with k zero bytes behind it, so that eight bytes are taken in one step.
+// remainder of a byte with k zero bytes behind it, so that sixteen bytes are taken in one step.
 constexpr std::array<Table, kSlices> MakeCrc24q() {
   std::array<Table, kSlices> tables{};
   for (std::uint32_t i = 0; i < 256; ++i) {
@@ -61,9 +61,15 @@ std::uint32_t Crc24qOf(std::string_view bytes) {
   const auto* at = reinterpret_cast<const unsigned char*>(bytes.data());
   std::size_t left = bytes.size();
   for (; left >= kSlices; left -= kSlices, at += kSlices) {
-    crc = kCrc24q[7][at[0] ^ (crc >> 24)] ^ kCrc24q[6][at[1] ^ ((crc >> 16) & 0xFFU)] ^
-          kCrc24q[5][at[2] ^ ((crc >> 8) & 0xFFU)] ^ kCrc24q[4][at[3]] ^ kCrc24q[3][at[4]] ^
-          kCrc24q[2][at[5]] ^ kCrc24q[1][at[6]] ^ kCrc24q[0][at[7]];
+    const std::uint32_t with_crc = kCrc24q[15][at[0] ^ (crc >> 24)] ^
+                                   kCrc24q[14][at[1] ^ ((crc >> 16) & 0xFFU)] ^
+                                   kCrc24q[13][at[2] ^ ((crc >> 8) & 0xFFU)];
+    const std::uint32_t middle = kCrc24q[12][at[3]] ^ kCrc24q[11][at[4]] ^ kCrc24q[10][at[5]] ^
+                                 kCrc24q[9][at[6]] ^ kCrc24q[8][at[7]] ^ kCrc24q[7][at[8]];
+    const std::uint32_t rest = kCrc24q[6][at[9]] ^ kCrc24q[5][at[10]] ^ kCrc24q[4][at[11]] ^
+                               kCrc24q[3][at[12]] ^ kCrc24q[2][at[13]] ^ kCrc24q[1][at[14]] ^
+                               kCrc24q[0][at[15]];
+    crc = with_crc ^ middle ^ rest;
   }
   for (; left > 0; --left, ++at) crc = (crc << 8) ^ kCrc24q[0][*at ^ (crc >> 24)];
   return crc >> 8;

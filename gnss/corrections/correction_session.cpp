@@ -162,9 +162,13 @@ void CorrectionSession::TakeBytes(std::string_view bytes) {
   if (state_ != CorrectionState::Receiving) SetState(CorrectionState::Receiving);
   if (now - opened_at_ms_ > kSteadyDataMs) back_off_.Reset();
   const bool taken = sink_ == nullptr || sink_->Write(bytes);
+  const std::uint64_t frames_before = framer_.frames();
   framer_.Feed(bytes, *this);
+  const std::uint64_t frames = framer_.frames() - frames_before;
+  if (frames > 0) last_frame_at_ms_ = now;
   {
     const std::lock_guard lock(mutex_);
+    status_.frames += frames;
     status_.bytes += bytes.size();
     if (taken && sink_ != nullptr) status_.bytes_to_receiver += bytes.size();
     status_.bad_crcs = framer_.bad_crcs();
@@ -187,12 +191,15 @@ void CorrectionSession::SendGga() {
 }
 
 void CorrectionSession::OnMessage(std::string_view message) {
-  last_frame_at_ms_ = Now();
-  const auto station = ReadBaseStation(message);
-  const std::lock_guard lock(mutex_);
-  ++status_.frames;
-  ++status_.messages[RtcmMessageNumber(message)];
-  if (station) NoteBase(*station);
+  const int number = RtcmMessageNumber(message);
+  if (number < 0 || number >= static_cast<int>(messages_.size())) return;
+  // One thread counts: nothing is lost between the two.
+  std::atomic<std::uint32_t>& count = messages_[static_cast<std::size_t>(number)];
+  count.store(count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+  if (const auto station = ReadBaseStation(message)) {
+    const std::lock_guard lock(mutex_);
+    NoteBase(*station);
+  }
 }
 
 void CorrectionSession::NoteBase(const BaseStation& station) {
@@ -211,6 +218,10 @@ CorrectionStatus CorrectionSession::Status() const {
   CorrectionStatus status = status_;
   const std::int64_t now = surroundings_.clock.SteadyMilliseconds();
   const std::int64_t last_frame = last_frame_at_ms_;
+  for (std::size_t number = 0; number < messages_.size(); ++number) {
+    const std::uint32_t count = messages_[number].load(std::memory_order_relaxed);
+    if (count > 0) status.messages[static_cast<int>(number)] = count;
+  }
   status.age_ms = last_frame < 0 ? -1 : now - last_frame;
   status.silent_ms = now - last_byte_at_ms_;
   status.next_try_in_ms = std::max<std::int64_t>(0, next_try_at_ms_ - now);

@@ -112,6 +112,9 @@ class CorrectionSession final : private RtcmFramer::Listener {
   std::atomic<bool> retry_requested_ = false;
   std::array<char, 65536> buffer_;
 
+  static constexpr std::size_t kMessageNumbers = 4096;  // twelve bits
+  std::array<std::atomic<std::uint32_t>, kMessageNumbers> messages_ = {};
+
   mutable std::mutex mutex_;
   CorrectionStatus status_;  // guarded by mutex_; state_ below is the session's own copy
   CorrectionState state_ = CorrectionState::Idle;

@@ -1,5 +1,7 @@
 #include "gnss/corrections/rtcm_framer.h"
 
+#include <algorithm>
+
 #include "gnss/crc.h"
 
 namespace tarvex {
@@ -59,13 +61,17 @@ std::size_t RtcmFramer::Scan(std::string_view bytes, Listener& listener) {
   }
 }
 
+// What is held is the start of one frame: only as much as completes it is put behind it, so that
+// the rest is looked at where it stands.
 void RtcmFramer::Feed(std::string_view bytes, Listener& listener) {
-  if (held_.empty()) {
-    held_ = bytes.substr(Scan(bytes, listener));
-    return;
+  while (!held_.empty() && !bytes.empty()) {
+    const std::size_t wanted = held_.size() < kHeader ? kHeader : FrameLength(held_);
+    const std::size_t taken = std::min(bytes.size(), wanted - held_.size());
+    held_ += bytes.substr(0, taken);
+    bytes.remove_prefix(taken);
+    held_.erase(0, Scan(held_, listener));
   }
-  held_ += bytes;
-  held_.erase(0, Scan(held_, listener));
+  if (held_.empty()) held_ = bytes.substr(Scan(bytes, listener));
 }
 
 }  // namespace tarvex

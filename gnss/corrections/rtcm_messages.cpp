@@ -31,7 +31,8 @@ double Coordinate(std::string_view message, std::size_t first) {
 }  // namespace
 
 int RtcmMessageNumber(std::string_view message) {
-  return message.size() < 2 ? 0 : static_cast<int>(Bits(message, 0, 12));
+  if (message.size() < 2) return 0;
+  return static_cast<unsigned char>(message[0]) << 4 | static_cast<unsigned char>(message[1]) >> 4;
 }
 
 std::optional<BaseStation> ReadBaseStation(std::string_view message) {

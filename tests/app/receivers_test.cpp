@@ -1,7 +1,11 @@
 // The commands around a receiver and its caster: watch, bases, replay, caster, and a session that
 // is recorded and replayed.
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -122,6 +126,45 @@ TEST(Watch, EndsAtOnceWhenInterrupted) {
   const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(watch.End(SIGINT).exit_code, 0);
   EXPECT_LT(std::chrono::steady_clock::now() - before, 3s);
+}
+
+// Somebody who takes connections and never says a word.
+class SilentCaster {
+ public:
+  SilentCaster() : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
+    ::listen(listener_, 8);
+    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
+    name = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+  }
+  ~SilentCaster() { ::close(listener_); }
+
+  std::string name;
+
+ private:
+  int listener_;
+};
+
+TEST(Watch, DoesNotWaitForASilentCasterWhenInterrupted) {
+  const SilentCaster caster;
+  ProgramFolder site;
+  site.Write("rover.log", Epochs(50));
+  Running replay("replay " + site.Path("rover.log") + " --speed 5 --to tcp");
+  Running watch("watch " + replay.Said("--receiver ([^\n]+)") +
+                " --make nmea --send-gga always --corrections ntrip://" + caster.name + "/SITE");
+  (void)watch.Said("(; Connecting to 127.0.0.1)");
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_EQ(watch.End(SIGINT).exit_code, 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, 2s) << "a first answer may take 4 s";
+  Running bases("bases " + caster.name);
+  std::this_thread::sleep_for(200ms);
+  const auto then = std::chrono::steady_clock::now();
+  EXPECT_EQ(bases.End(SIGINT).exit_code, 1);
+  EXPECT_LT(std::chrono::steady_clock::now() - then, 2s);
 }
 
 TEST(Bases, ListsWhatACasterOffers) {
