@@ -41,6 +41,10 @@ struct Site {
   const char* datum_shift = "";
 };
 
+void PrintTo(const Site& site, std::ostream* out) {
+  *out << site.system;
+}
+
 using enum ProjectionType;
 
 const Site kSites[] = {
