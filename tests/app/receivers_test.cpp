@@ -141,16 +141,31 @@ class SilentCaster {
     ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
     name = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
   }
-  ~SilentCaster() { ::close(listener_); }
+  ~SilentCaster() {
+    ::close(asker_);
+    ::close(listener_);
+  }
+
+  /// Until somebody has connected and asked for something; false when nobody does for 15 s.
+  bool WaitForARequest() {
+    const timeval patience{.tv_sec = 15, .tv_usec = 0};
+    ::setsockopt(listener_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    asker_ = ::accept(listener_, nullptr, nullptr);
+    ::setsockopt(asker_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    char first = 0;
+    return ::recv(asker_, &first, 1, 0) == 1;
+  }
 
   std::string name;
 
  private:
   int listener_;
+  int asker_ = -1;
 };
 
 TEST(Watch, DoesNotWaitForASilentCasterWhenInterrupted) {
   const SilentCaster caster;
+  SilentCaster table_caster;
   ProgramFolder site;
   site.Write("rover.log", Epochs(50));
   Running replay("replay " + site.Path("rover.log") + " --speed 5 --to tcp");
@@ -160,8 +175,8 @@ TEST(Watch, DoesNotWaitForASilentCasterWhenInterrupted) {
   const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(watch.End(SIGINT).exit_code, 0);
   EXPECT_LT(std::chrono::steady_clock::now() - before, 2s) << "a first answer may take 4 s";
-  Running bases("bases " + caster.name);
-  std::this_thread::sleep_for(200ms);
+  Running bases("bases " + table_caster.name);
+  ASSERT_TRUE(table_caster.WaitForARequest());
   const auto then = std::chrono::steady_clock::now();
   EXPECT_EQ(bases.End(SIGINT).exit_code, 1);
   EXPECT_LT(std::chrono::steady_clock::now() - then, 2s);
