@@ -1,12 +1,14 @@
 #include "bench/stream_peer.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "platform/tcp_socket.h"
+#include "tests/support/quiet_process.h"
 
 namespace tarvex {
 namespace {
@@ -21,17 +23,8 @@ bool StreamToolInstalled() {
   return ::access("/usr/bin/str2str", X_OK) == 0;
 }
 
-PeerProcess::PeerProcess(std::vector<std::string> words) {
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  process_ = ::fork();
-  if (process_ != 0) return;
-  const int nowhere = ::open("/dev/null", O_RDWR);
-  for (int descriptor = 0; descriptor < 3; ++descriptor) ::dup2(nowhere, descriptor);
-  ::execvp(arguments[0], arguments.data());
-  ::_exit(127);
-}
+PeerProcess::PeerProcess(std::vector<std::string> words)
+    : process_(StartQuietly(std::move(words))) {}
 
 double PeerProcess::End() {
   if (process_ <= 0) return 0.0;

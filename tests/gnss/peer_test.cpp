@@ -1,6 +1,5 @@
 // Real peers, where they are installed: Debian's stream tool as caster and as client. Skipped by
 // name otherwise.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -22,6 +21,7 @@
 #include "gnss/ntrip/client.h"
 #include "gnss/serial_port.h"
 #include "platform/tcp_socket.h"
+#include "tests/support/quiet_process.h"
 #include "tests/support/scratch_folder.h"
 
 namespace tarvex {
@@ -45,17 +45,7 @@ bool Installed(const std::string& program) {
 // A program that runs until this goes.
 class Peer {
  public:
-  explicit Peer(std::vector<std::string> words) {
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    process_ = ::fork();
-    if (process_ != 0) return;
-    const int nowhere = ::open("/dev/null", O_RDWR);
-    for (int descriptor = 0; descriptor < 3; ++descriptor) ::dup2(nowhere, descriptor);
-    ::execvp(arguments[0], arguments.data());
-    ::_exit(127);
-  }
+  explicit Peer(std::vector<std::string> words) : process_(StartQuietly(std::move(words))) {}
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
   ~Peer() { End(); }
