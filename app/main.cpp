@@ -5,8 +5,8 @@
 #include <exception>
 #include <new>
 
-#include "app/commands/commands.h"
-#include "app/program.h"
+#include "app/cli/commands/commands.h"
+#include "app/cli/program.h"
 
 namespace tarvex {
 namespace {

@@ -1,0 +1,158 @@
+// tarvex new: creates a job.
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/commands.h"
+#include "app/workflow/coordinate_systems.h"
+#include "app/workflow/job_session.h"
+#include "core/coordinate_file.h"
+#include "core/number_text.h"
+#include "core/point_notes.h"
+#include "core/raw_file.h"
+#include "core/raw_records.h"
+
+namespace tarvex {
+namespace {
+
+struct NewOptions {
+  std::string job;
+  bool numeric = false;
+  std::string units = "metres";
+  std::string system;
+  std::string definition;
+  std::string datum_shift;
+  bool south_azimuths = false;
+  bool curvature_correction = false;
+  std::string scale_factor = "1";
+  std::string name;
+};
+
+void FillSettings(const NewOptions& options, const SystemSource& source, Settings& settings) {
+  settings.Set("ids", options.numeric ? "numeric" : "alphanumeric");
+  settings.Set("units", options.units);
+  settings.Set("azimuths", options.south_azimuths ? "south" : "north");
+  settings.Set("scale_factor", options.scale_factor);
+  settings.Set("curvature_correction", options.curvature_correction ? "1" : "0");
+  if (!options.name.empty()) settings.Set("name", options.name);
+  PutSystemIntoSettings(source, settings);
+}
+
+// Everything that belongs to a job of this name.
+std::vector<std::string> JobPaths(JobSession& session) {
+  const Job& job = session.job();
+  return {job.path, job.path + ".redo", RawFilePath(job), PointNotesPath(job),
+          session.settings_path()};
+}
+
+ExitCode CreateFiles(Program& program, JobSession& session, const std::string& system_title) {
+  Job& job = session.job();
+  const std::string title = system_title.empty() ? "none" : system_title;
+  const bool created =
+      session.Save() && OpenCoordinateFile(job, true) &&
+      AppendRawRecord(job, CommentRecord("Coordinate System: " + title)) == RawFileResult::Written;
+  if (!created) {
+    for (const std::string& path : JobPaths(session)) (void)program.files.Remove(path);
+    return program.Fail("The job " + job.path + " could not be created.");
+  }
+  program.console.Print("Created the job " + job.path + " (" +
+                        (job.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
+                        std::string(UnitName(job.unit)) + ", coordinate system: " + title + ").\n");
+  return ExitCode::Done;
+}
+
+// How positions come to the job's coordinates, so that it is read before the field. A step that
+// stands in for a missing one describes itself in a sentence, which was told as a warning.
+void TellStep(const char* name, const std::string& description, Console& console) {
+  if (!description.ends_with('.')) console.Print(name + (": " + description) + ".\n");
+}
+
+void TellSteps(const CalculationSteps& steps, Console& console) {
+  if (steps.datum_shift) TellStep("Datum shift", steps.datum_shift->Describe(), console);
+  if (steps.grid_correction)
+    TellStep("Grid correction", steps.grid_correction->Describe(), console);
+  if (steps.geoid) TellStep("Geoid", steps.geoid->Describe(), console);
+}
+
+ExitCode RunNew(const NewOptions& options, Program& program) {
+  if (!options.job.ends_with(".crd")) {
+    const bool folder = options.job.empty() || options.job.ends_with('/');
+    return program.Misuse("A job's coordinate file ends in .crd: " + options.job +
+                          (folder ? "site.crd?" : ".crd?"));
+  }
+  if (options.job.ends_with("/.crd") || options.job == ".crd") {
+    return program.Misuse("The job needs a name before .crd.");
+  }
+  const auto scale = ParseNumber(options.scale_factor);
+  if (!scale || *scale < 0.5 || *scale > 2.0) {
+    return program.Misuse("The scale factor \"" + options.scale_factor +
+                          "\" is not a number from 0.5 to 2.");
+  }
+  if (!options.datum_shift.empty() && options.system.empty() && options.definition.empty()) {
+    return program.Misuse("--datum-shift goes with --system or --definition.");
+  }
+  JobSession session(program, options.job);
+  for (const std::string& path : JobPaths(session)) {
+    if (program.files.Exists(path))
+      return program.Fail(path + " exists; a new job overwrites nothing.");
+  }
+  SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
+  std::string problem;
+  CTrgCalculator calculator;
+  if (!options.system.empty() || !options.definition.empty()) {
+    CoordinateSystems systems(program);
+    if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
+        !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
+      return program.Fail(problem);
+    }
+    if (source.datum_shift == kNoShiftLabel) {
+      program.console.PrintError(
+          "WARNING: WGS84 latitude and longitude are taken for the system's own (--datum-shift "
+          "NONE): coordinates can be hundreds of metres off until a localization ties the job to "
+          "its control.\n");
+    }
+  }
+  if (!session.Load()) return ExitCode::Failed;
+  FillSettings(options, source, session.settings());
+  Job& job = session.job();
+  job.unit = *ParseUnit(options.units);
+  job.alphanumeric_new_files = !options.numeric;
+  job.azimuths_from_south = options.south_azimuths;
+  job.scale_factor = *scale;
+  job.curvature_correction = options.curvature_correction;
+  if (!options.name.empty()) job.name = options.name;
+  std::string title = source.empty() ? "" : CoordinateSystems::Title(source, calculator);
+  if (!source.datum_shift.empty()) title += ", datum shift " + source.datum_shift;
+  const ExitCode exit_code = CreateFiles(program, session, title);
+  if (exit_code == ExitCode::Done) TellSteps(calculator.steps(), program.console);
+  return exit_code;
+}
+
+}  // namespace
+
+void AddNewCommand(CLI::App& app, Program& program) {
+  Command<NewOptions> command(app, program, "new",
+                              "Create a job: its coordinate file, settings and raw file", RunNew);
+  NewOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  sub.add_option("JOB.crd", options.job, "The coordinate file to create")->required();
+  sub.add_flag("--numeric", options.numeric,
+               "Number the points 1, 2, 3 ... instead of naming them");
+  sub.add_option("--units", options.units, "The job's distance unit (default: metres)")
+      ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
+  auto* system = sub.add_option("--system", options.system,
+                                "Coordinate system by its name (see: tarvex systems)");
+  sub.add_option("--definition", options.definition,
+                 "File with the definition text of the coordinate system")
+      ->excludes(system);
+  sub.add_option("--datum-shift", options.datum_shift, kDatumShiftHelp);
+  sub.add_flag("--south-azimuths", options.south_azimuths, "Azimuths are measured from south");
+  sub.add_flag("--curvature-correction", options.curvature_correction,
+               "Earth curvature and refraction are corrected");
+  sub.add_option("--scale-factor", options.scale_factor,
+                 "Grid scale factor of the raw file (default: 1)");
+  sub.add_option("--name", options.name,
+                 "Name written into the raw file (default: the file's name)");
+  sub.footer(
+      "Beside JOB.crd come JOB.job with the settings and JOB.rw5, the raw file.\n"
+      "Example: tarvex new site.crd --units us-feet --system \"UTM/UTM WGS84 Zone 32\"");
+}
+
+}  // namespace tarvex

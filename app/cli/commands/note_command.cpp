@@ -1,0 +1,72 @@
+// tarvex note: the notes and the GNSS quality of a point.
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/commands.h"
+#include "app/cli/json_text.h"
+#include "app/workflow/job_session.h"
+#include "core/point_notes.h"
+#include "core/point_store.h"
+
+namespace tarvex {
+namespace {
+
+struct NoteOptions {
+  std::string job;
+  std::string id;
+  std::vector<std::string> added;
+  bool json = false;
+};
+
+void PrintNote(const NoteOptions& options, const PointNote& note, Program& program) {
+  if (!options.json) {
+    program.console.Print(PointNoteBlock(note));
+    return;
+  }
+  Json quality = Json::object();
+  std::string_view rest = note.quality_lines;
+  while (const auto line = TakeLine(rest)) {
+    const std::size_t comma = std::min(line->find(','), line->size());
+    quality[std::string(line->substr(0, comma))] = line->substr(std::min(comma + 1, line->size()));
+  }
+  program.console.Print(
+      JsonText({{"id", note.point_id}, {"notes", note.lines}, {"quality", std::move(quality)}}));
+}
+
+ExitCode RunNote(const NoteOptions& options, Program& program) {
+  JobSession session(program, options.job);
+  if (!session.LoadExisting()) return ExitCode::Failed;
+  Job& job = session.job();
+  Point point;
+  const auto stream = OpenForReading(job);
+  if (!stream) return ExitCode::Failed;
+  if (ReadPoint(job, options.id, stream.get(), point) != ReadPointResult::Found) {
+    return program.Fail("There is no point " + options.id + " in " + options.job + ".");
+  }
+  FileStatus status;
+  auto note = ReadPointNote(job, point.id.view(), status);
+  if (!status.ok())
+    return program.Fail(PointNotesPath(job) + " cannot be read: " + status.Text() + ".");
+  if (!note) note = PointNote{.point_id = point.id.str(), .lines = {}, .quality_lines = ""};
+  if (!options.added.empty()) {
+    note->lines.insert(note->lines.end(), options.added.begin(), options.added.end());
+    status = WritePointNote(job, *note);
+    if (!status.ok())
+      return program.Fail(PointNotesPath(job) + " cannot be written: " + status.Text() + ".");
+  }
+  PrintNote(options, *note, program);
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+void AddNoteCommand(CLI::App& app, Program& program) {
+  Command<NoteOptions> command(app, program, "note",
+                               "Show a point's notes and GNSS quality, or add a note", RunNote);
+  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
+  command.sub.add_option("ID", command.options->id, "The point")->required();
+  command.sub.add_option("--add", command.options->added,
+                         "Add this note; line breaks make further lines");
+  command.sub.add_flag("--json", command.options->json, "Print JSON");
+  command.sub.footer("Example: tarvex note site.crd 100 --add \"seen from north\"");
+}
+
+}  // namespace tarvex

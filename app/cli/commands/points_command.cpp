@@ -1,0 +1,101 @@
+// tarvex points: the points of a job.
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/commands.h"
+#include "app/cli/json_text.h"
+#include "app/cli/table_text.h"
+#include "app/workflow/job_session.h"
+#include "core/coordinate_file.h"
+#include "core/number_text.h"
+#include "core/point_list.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kDecimals = 4;
+constexpr std::size_t kNumberWidth = 16;
+constexpr std::size_t kIdWidth = 10;
+
+struct PointsOptions {
+  std::string job;
+  bool json = false;
+};
+
+std::string Row(const Point& point) {
+  std::string row = Left(point.id.str(), kIdWidth);
+  for (const double value : {point.at.northing, point.at.easting, point.at.elevation}) {
+    row += Right(FixedNumber(value, kDecimals), kNumberWidth);
+  }
+  if (!point.description.empty()) row += "  " + OneLine(point.description.view());
+  return row + "\n";
+}
+
+void PrintTable(const Job& job, const PointList& points, Program& program) {
+  if (points.empty()) {
+    program.console.Print("The job holds no points.\n");
+    return;
+  }
+  program.console.Print(Left("Point", kIdWidth) + Right("Northing", kNumberWidth) +
+                        Right("Easting", kNumberWidth) + Right("Elevation", kNumberWidth) +
+                        "  Description\n");
+  for (const Point& point : points) program.console.Print(Row(point));
+  program.console.Print(std::to_string(points.size()) +
+                        (points.size() == 1 ? " point, " : " points, ") +
+                        std::string(UnitName(job.unit)) + "\n");
+}
+
+void PrintJson(const Job& job, const PointList& points, Program& program) {
+  Json list = Json::array();
+  for (const Point& point : points) list.push_back(PointJson(point));
+  program.console.Print(JsonText({{"job", job.path},
+                                  {"alphanumeric", job.alphanumeric},
+                                  {"unit", UnitKey(job.unit)},
+                                  {"points", std::move(list)}}));
+}
+
+// What a file cut short or left by an interrupted store holds besides its points.
+void WarnAboutRemains(Job& job, Program& program) {
+  const auto file = OpenForReading(job);
+  if (!file) return;
+  if (file->trailing_bytes() > 0) {
+    program.Warn(job.path + " ends in the middle of a record: its last " +
+                 std::to_string(file->trailing_bytes()) + " bytes are no point.");
+  }
+  const auto last = static_cast<std::uint64_t>(job.last_point_number);
+  if (!job.alphanumeric && file->record_count() > last) {
+    program.Warn(job.path + " has records up to number " + std::to_string(file->record_count()) +
+                 ", but its header counts to " + std::to_string(last) +
+                 ": those behind are not shown.");
+  }
+}
+
+ExitCode RunPoints(const PointsOptions& options, Program& program) {
+  JobSession session(program, options.job);
+  if (!session.LoadExisting()) return ExitCode::Failed;
+  PointList points;
+  const auto progress = [&](std::string_view text) {
+    program.console.ShowProgress("Loading" + std::string(" ") + std::string(text.substr(1)));
+  };
+  const LoadPointsResult result = LoadAllPoints(session.job(), points, nullptr, progress);
+  program.console.EndProgress();
+  if (result == LoadPointsResult::OutOfMemory)
+    return program.Fail("There is not enough memory for the points of " + options.job + ".");
+  if (result != LoadPointsResult::Loaded) return ExitCode::Failed;
+  WarnAboutRemains(session.job(), program);
+  if (options.json) {
+    PrintJson(session.job(), points, program);
+  } else {
+    PrintTable(session.job(), points, program);
+  }
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+void AddPointsCommand(CLI::App& app, Program& program) {
+  Command<PointsOptions> command(app, program, "points", "List the points of a job", RunPoints);
+  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
+  command.sub.add_flag("--json", command.options->json, "Print JSON, coordinates in full");
+  command.sub.footer("Points come in the order of their ids. Example: tarvex points site.crd");
+}
+
+}  // namespace tarvex

@@ -1,0 +1,163 @@
+// tarvex road import, tarvex road export: LandXML.
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/road_commands.h"
+#include "app/cli/result_file.h"
+#include "app/cli/road_options.h"
+#include "app/workflow/job_session.h"
+#include "core/number_text.h"
+#include "exchange/landxml.h"
+#include "exchange/road_picture.h"
+#include "roads/centerline_writer.h"
+
+namespace tarvex {
+namespace {
+
+struct RoadImportOptions {
+  std::string file;
+  std::string out;
+  std::string alignment;
+  std::string svg;
+  bool overwrite = false;
+  bool json = false;
+};
+
+std::string NamesOf(const std::vector<LandXmlAlignment>& alignments) {
+  std::string names;
+  for (const LandXmlAlignment& alignment : alignments) {
+    names += (names.empty() ? "\"" : ", \"") + alignment.name + "\"";
+  }
+  return names;
+}
+
+// The one alignment of the file; nothing after a message.
+std::optional<LandXmlReading> ReadOneAlignment(const RoadImportOptions& options, Program& program) {
+  std::string text;
+  const FileStatus status = ReadWholeFile(program.files, options.file, kLargestLandXml, text);
+  if (!status.ok()) {
+    (void)program.Fail(options.file + " cannot be read: " + status.Text() + ".");
+    return std::nullopt;
+  }
+  const bool named = !options.alignment.empty();
+  LandXmlReading reading =
+      ReadLandXml(text, named ? std::optional<std::string_view>(options.alignment) : std::nullopt);
+  for (const std::string& warning : reading.warnings) program.Warn(warning);
+  if (reading.result != LandXmlResult::Read) {
+    (void)program.Fail(options.file + ": " + reading.problem);
+    return std::nullopt;
+  }
+  if (reading.alignments.size() == 1) return reading;
+  (void)program.Misuse("The file holds several alignments; choose one with --alignment: " +
+                       NamesOf(reading.alignments) + ".");
+  return std::nullopt;
+}
+
+void TellImport(const RoadImportOptions& options, Program& program, const LandXmlReading& reading,
+                std::size_t elements) {
+  const LandXmlAlignment& alignment = reading.alignments.front();
+  if (options.json) {
+    program.console.Print(JsonText({{"alignment", alignment.name},
+                                    {"unit", UnitKey(reading.unit)},
+                                    {"elements", elements},
+                                    {"equations", alignment.equations.size()},
+                                    {"profile", alignment.profile.has_value()},
+                                    {"file", options.out}}));
+    return;
+  }
+  program.console.Print("Alignment \"" + alignment.name + "\": " + std::to_string(elements) +
+                        " elements, " + std::to_string(alignment.equations.size()) +
+                        " station equations, in " + std::string(UnitName(reading.unit)) + ".\n");
+  if (reading.unit != DistanceUnit::Metres) {
+    program.console.Print("The file does not carry its unit: --unit " +
+                          std::string(UnitKey(reading.unit)) + "\n");
+  }
+  if (alignment.profile) {
+    program.console.Print("Its profile is read from the same file: --profile " + options.file +
+                          "\n");
+  }
+}
+
+ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
+  const auto reading = ReadOneAlignment(options, program);
+  if (!reading) return program.exit_code;
+  const LandXmlAlignment& alignment = reading->alignments.front();
+  const std::string centerline = CenterlineText(alignment.centerline, alignment.equations);
+  const ExitCode written = WriteResultFile(program, options.out, centerline, options.overwrite);
+  if (written != ExitCode::Done) return written;
+  const auto making =
+      MakeRoadGeometry(alignment.centerline, alignment.equations, CheckLimits::For(reading->unit));
+  if (!options.svg.empty() && making.geometry) {
+    const std::string svg = AlignmentPicture(*making.geometry, alignment.name, {});
+    if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
+  }
+  TellImport(options, program, *reading,
+             making.geometry ? making.geometry->alignment.elements().size() : 0);
+  return ExitCode::Done;
+}
+
+struct RoadExportOptions {
+  RoadFileOptions road;
+  std::string out;
+  std::string name;
+  bool overwrite = false;
+};
+
+std::string NameOf(const std::string& path) {
+  const std::size_t start = path.find_last_of("/\\") + 1;
+  return path.substr(start, path.rfind('.') - start);
+}
+
+ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
+  const auto road = OpenRoad(program, options.road);
+  if (!road) return program.exit_code;
+  std::size_t refused = 0;
+  const auto text =
+      WriteLandXml({.name = options.name.empty() ? NameOf(options.road.file) : options.name,
+                    .unit = road->unit,
+                    .road = &road->geometry,
+                    .profile = road->profile ? &*road->profile : nullptr,
+                    .program = ProgramIdentification(),
+                    .date = ""},
+                   &refused);
+  if (!text) {
+    const AlignmentElement& element = road->alignment().elements()[refused];
+    return program.Fail(
+        "The element at " + road->StationText(element.station_start) +
+        " has no form in LandXML (a chord in place of a faulty curve, or a spiral that "
+        "turns to both sides); nothing was written. See: tarvex road check " +
+        options.road.file);
+  }
+  WarnAboutFaults(program, *road, options.road);
+  return WriteResultFile(program, options.out, *text, options.overwrite);
+}
+
+}  // namespace
+
+void AddRoadImportCommand(CLI::App& road, Program& program) {
+  Command<RoadImportOptions> command(
+      road, program, "import", "Make a centerline file from a LandXML alignment", RunRoadImport);
+  RoadImportOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  sub.add_option("FILE.xml", options.file, "The LandXML file")->required();
+  sub.add_option("--out", options.out, "The centerline file to write")->required();
+  sub.add_option("--alignment", options.alignment, "Name of the alignment, when there are several");
+  sub.add_option("--svg", options.svg, "Draw the alignment into this file");
+  sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
+  sub.add_flag("--json", options.json, "Print JSON");
+  sub.footer(
+      "Lines, arcs, clothoids and station equations; anything else is refused by name.\n"
+      "Example: tarvex road import design.xml --out road.cl");
+}
+
+void AddRoadExportCommand(CLI::App& road, Program& program) {
+  Command<RoadExportOptions> command(
+      road, program, "export", "Write the alignment (and a profile) as LandXML", RunRoadExport);
+  RoadExportOptions& options = *command.options;
+  AddRoadFileOptions(command.sub, options.road);
+  AddProfileOption(command.sub, options.road);
+  command.sub.add_option("--out", options.out, "The LandXML file to write")->required();
+  command.sub.add_option("--name", options.name, "Name of the alignment (default: of the file)");
+  command.sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
+  command.sub.footer("Example: tarvex road export road.cl --profile design.xml --out road.xml");
+}
+
+}  // namespace tarvex

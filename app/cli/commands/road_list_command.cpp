@@ -1,0 +1,136 @@
+// tarvex road list: what lies along the road.
+#include <map>
+
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/road_commands.h"
+#include "app/cli/number_entry.h"
+#include "app/cli/road_options.h"
+#include "app/cli/table_text.h"
+#include "core/number_text.h"
+#include "roads/stakeout.h"
+
+namespace tarvex {
+namespace {
+
+struct RoadListOptions {
+  RoadFileOptions road;
+  double interval = 0.0;
+  std::string from;
+  std::string to;
+  double offset = 0.0;
+};
+
+// Names of the key points by station.
+class KeyPointNames {
+ public:
+  explicit KeyPointNames(const std::vector<CenterlineElement>& chain) {
+    for (const CenterlineElement& node : chain) {
+      if (node.record == KeyPointKind::LeadIn || node.record == KeyPointKind::Line) continue;
+      names_.emplace(node.station, RecordName(node));
+    }
+  }
+
+  std::string At(double station) const {
+    constexpr double kSame = 1e-4;
+    std::string names;
+    const auto end = names_.upper_bound(station + kSame);
+    for (auto at = names_.lower_bound(station - kSame); at != end; ++at) {
+      names += (names.empty() ? "" : " ") + std::string(at->second);
+    }
+    return names;
+  }
+
+ private:
+  std::multimap<double, std::string_view> names_;
+};
+
+void PrintPlace(Program& program, const OpenedRoad& road, const KeyPointNames& names,
+                double station, double offset) {
+  const auto point = road.alignment().PointAt(station, offset);
+  const auto elevation = road.DesignElevation(station);
+  program.console.Print(Right(road.StationText(station), 16) +
+                        Right(FixedNumber(point->at.northing, kRoadDecimals), 17) +
+                        Right(FixedNumber(point->at.easting, kRoadDecimals), 17) +
+                        Right(elevation ? FixedNumber(*elevation, kRoadDecimals) : "", 13) +
+                        Right(FixedNumber(point->azimuth * kDegreesPerRadian, 5), 12) + "  " +
+                        names.At(station) + "\n");
+}
+
+Json PlaceJson(const OpenedRoad& road, const KeyPointNames& names, double station, double offset) {
+  const auto point = road.alignment().PointAt(station, offset);
+  Json json = road.StationJson(station);
+  json["offset"] = offset;
+  json["northing"] = point->at.northing;
+  json["easting"] = point->at.easting;
+  if (const auto elevation = road.DesignElevation(station)) json["elevation"] = *elevation;
+  json["azimuth_degrees"] = point->azimuth * kDegreesPerRadian;
+  json["key_point"] = names.At(station);
+  return json;
+}
+
+struct StationSpanEntry {
+  double from = 0.0;
+  double to = 0.0;
+};
+
+// The stations between which to list; nothing after a message.
+std::optional<StationSpanEntry> SpanToList(const RoadListOptions& options, Program& program,
+                                           const OpenedRoad& road) {
+  const auto from = options.from.empty() ? std::optional(road.span.start)
+                                         : FindStation(program, road, options.from);
+  const auto to =
+      options.to.empty() ? std::optional(road.span.end) : FindStation(program, road, options.to);
+  if (!from || !to) return std::nullopt;
+  if (*from <= *to) return StationSpanEntry{*from, *to};
+  (void)program.Misuse("Nothing lies between " + road.StationText(*from) + " and " +
+                       road.StationText(*to) + ": the list goes the way of rising stations.");
+  return std::nullopt;
+}
+
+ExitCode RunRoadList(const RoadListOptions& options, Program& program) {
+  const auto road = OpenRoad(program, options.road);
+  if (!road) return program.exit_code;
+  const auto span = SpanToList(options, program, *road);
+  if (!span) return program.exit_code;
+  WarnAboutFaults(program, *road, options.road);
+  const Profile* profile = road->profile ? &*road->profile : nullptr;
+  const auto stations =
+      StakeStations(road->geometry, profile, options.interval, span->from, span->to);
+  if (stations.empty()) {
+    return program.Misuse("The interval gives more than " + std::to_string(kMostStakeStations) +
+                          " stations; take a longer one.");
+  }
+  const KeyPointNames names(road->geometry.chain);
+  if (options.road.json) {
+    Json list = Json::array();
+    for (const double station : stations)
+      list.push_back(PlaceJson(*road, names, station, options.offset));
+    program.console.Print(JsonText({{"file", options.road.file}, {"stations", std::move(list)}}));
+    return ExitCode::Done;
+  }
+  program.console.Print(Right("Station", 16) + Right("Northing", 17) + Right("Easting", 17) +
+                        Right("Elevation", 13) + Right("Azimuth", 12) + "\n");
+  for (const double station : stations) PrintPlace(program, *road, names, station, options.offset);
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+void AddRoadListCommand(CLI::App& road, Program& program) {
+  Command<RoadListOptions> command(road, program, "list",
+                                   "List round stations and key points with their coordinates",
+                                   RunRoadList);
+  RoadListOptions& options = *command.options;
+  AddRoadFileOptions(command.sub, options.road);
+  AddRoadViewOptions(command.sub, options.road);
+  AddProfileOption(command.sub, options.road);
+  AddNumber(command.sub, "--interval", options.interval, "Distance between round stations",
+            NumberKind::Positive)
+      ->required();
+  command.sub.add_option("--from", options.from, "First station (default: the start)");
+  command.sub.add_option("--to", options.to, "Last station (default: the end)");
+  AddNumber(command.sub, "--offset", options.offset, "Offset of the points, right positive");
+  command.sub.footer("Example: tarvex road list road.cl --interval 20 --offset -3.6");
+}
+
+}  // namespace tarvex

@@ -1,0 +1,145 @@
+// tarvex road point: station and offset to coordinates.
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/road_commands.h"
+#include "app/cli/number_entry.h"
+#include "app/cli/result_file.h"
+#include "app/cli/road_job.h"
+#include "app/cli/road_options.h"
+#include "app/workflow/point_storing.h"
+#include "core/number_text.h"
+#include "roads/stakeout.h"
+
+namespace tarvex {
+namespace {
+
+struct RoadPointOptions {
+  RoadFileOptions road;
+  RoadPlaceOptions place;
+  std::string elevation;
+  std::string job;
+  std::string id;
+  std::string description;
+  std::string existing = "ask";
+  std::string svg;
+};
+
+// The point that was asked for.
+struct RoadPoint {
+  double station = 0.0;
+  AlignmentPoint on_road;
+  std::optional<double> elevation;
+  std::string where;  // station and offset
+
+  GridPoint at() const {
+    return {on_road.at.northing, on_road.at.easting, elevation.value_or(0.0)};
+  }
+};
+
+// Nothing after a message.
+std::optional<RoadPoint> FindPoint(const RoadPointOptions& options, Program& program,
+                                   const OpenedRoad& road) {
+  const auto station = FindStation(program, road, options.place.station);
+  if (!station) return std::nullopt;
+  const double offset = options.place.offset;
+  const auto on_road = road.alignment().PointAt(*station, offset);
+  if (!on_road) {
+    (void)program.Misuse("The station or the offset is out of range.");
+    return std::nullopt;
+  }
+  auto elevation = road.DesignElevation(*station);
+  if (!options.elevation.empty()) {
+    elevation = EnteredNumber(program, "The elevation", options.elevation);
+    if (!elevation) return std::nullopt;
+  }
+  if (!options.id.empty() && !elevation) {
+    (void)program.Misuse("A stored point needs an elevation: --elevation Z or --profile FILE.");
+    return std::nullopt;
+  }
+  return RoadPoint{.station = *station,
+                   .on_road = *on_road,
+                   .elevation = elevation,
+                   .where = road.StationText(*station) + " " + OffsetText(offset, kRoadDecimals)};
+}
+
+void WarnAbout(Program& program, const OpenedRoad& road, const RoadPoint& point) {
+  if (!point.on_road.sound) program.Warn("the element there should not be staked as it stands.");
+  if (road.OutsideLimits(point.station)) program.Warn("the station is outside the station limits.");
+}
+
+std::string PointLine(const RoadPoint& point) {
+  const GridPoint at = point.at();
+  std::string line = point.where + ": N " + FixedNumber(at.northing, kRoadDecimals) + "  E " +
+                     FixedNumber(at.easting, kRoadDecimals);
+  if (point.elevation) line += "  EL " + FixedNumber(at.elevation, kRoadDecimals);
+  line += "  azimuth " + FixedNumber(point.on_road.azimuth * kDegreesPerRadian, 6);
+  const std::string place = PlaceText(point.on_road.place);
+  return line + (place.empty() ? "" : "  (" + place + ")") + "\n";
+}
+
+Json RoadPointJson(const OpenedRoad& road, const RoadPoint& point, double offset) {
+  Json json = road.StationJson(point.station);
+  json["offset"] = offset;
+  json["northing"] = point.on_road.at.northing;
+  json["easting"] = point.on_road.at.easting;
+  if (point.elevation) json["elevation"] = *point.elevation;
+  json["azimuth_degrees"] = point.on_road.azimuth * kDegreesPerRadian;
+  json["curvature"] = point.on_road.curvature;
+  json["place"] = PlaceName(point.on_road.place);
+  json["sound"] = point.on_road.sound;
+  return json;
+}
+
+ExitCode StorePoint(const RoadPointOptions& options, Program& program, JobSession& session,
+                    const RoadPoint& point) {
+  session.set_policy(ParseExistingPolicy(options.existing));
+  return StoreUnderId(program, session, options.id, point.at(),
+                      options.description.empty() ? point.where : options.description,
+                      options.road.json ? Announce::OnErrors : Announce::OnOutput);
+}
+
+ExitCode RunRoadPoint(const RoadPointOptions& options, Program& program) {
+  if (options.job.empty() != options.id.empty()) {
+    return program.Misuse("Storing needs both --store JOB.crd and --id ID.");
+  }
+  const auto road = OpenRoad(program, options.road);
+  if (!road) return program.exit_code;
+  const auto point = FindPoint(options, program, *road);
+  if (!point) return program.exit_code;
+  const auto session = options.job.empty() ? nullptr : OpenRoadJob(program, options.job, *road);
+  if (!options.job.empty() && !session) return program.exit_code;
+  WarnAbout(program, *road, *point);
+  program.console.Print(options.road.json
+                            ? JsonText(RoadPointJson(*road, *point, options.place.offset))
+                            : PointLine(*point));
+  if (!options.svg.empty()) {
+    const PictureMark mark{point->on_road.at, point->where};
+    const std::string svg = road->Picture(options.road.file, {&mark, 1});
+    if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
+  }
+  return session ? StorePoint(options, program, *session, *point) : ExitCode::Done;
+}
+
+}  // namespace
+
+void AddRoadPointCommand(CLI::App& road, Program& program) {
+  Command<RoadPointOptions> command(road, program, "point",
+                                    "Coordinates of a station and offset, stored if wanted",
+                                    RunRoadPoint);
+  RoadPointOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  AddRoadFileOptions(sub, options.road);
+  AddRoadPlaceOptions(sub, options.place);
+  AddRoadViewOptions(sub, options.road);
+  AddProfileOption(sub, options.road);
+  sub.add_option("--elevation", options.elevation, "Elevation of the point");
+  sub.add_option("--store", options.job, "Store the point in this job");
+  sub.add_option("--id", options.id, "Point id to store under");
+  sub.add_option("--description", options.description, "Default: station and offset");
+  AddExistingOption(sub, options.existing);
+  sub.add_option("--svg", options.svg, "Draw the point on the alignment into this file");
+  sub.footer(
+      "Example: tarvex road point road.cl 1+210 -3.6 --elevation 101.6 --store site.crd "
+      "--id R1");
+}
+
+}  // namespace tarvex

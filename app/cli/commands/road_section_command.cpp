@@ -1,0 +1,225 @@
+// tarvex road section: the design section of a template, its catch points, its picture.
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/road_commands.h"
+#include "app/cli/json_text.h"
+#include "app/cli/number_entry.h"
+#include "app/cli/result_file.h"
+#include "app/cli/road_file.h"
+#include "app/cli/table_text.h"
+#include "app/cli/template_opening.h"
+#include "core/number_text.h"
+#include "core/string_table.h"
+#include "core/text.h"
+#include "exchange/road_picture.h"
+#include "roads/section.h"
+#include "roads/stakeout.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::size_t kNumberWidth = 14;
+
+struct RoadSectionOptions {
+  std::string file;
+  std::string elevation;
+  std::string superelevation;
+  std::string ground_left;
+  std::string ground_right;
+  std::string out;
+  std::string svg;
+  bool overwrite = false;
+  bool json = false;
+};
+
+std::optional<std::pair<double, double>> TwoNumbers(std::string_view text) {
+  const std::size_t comma = text.find(',');
+  if (comma == std::string_view::npos) return std::nullopt;
+  const NumberEntry first = ReadNumberEntry(text.substr(0, comma));
+  const NumberEntry second = ReadNumberEntry(text.substr(comma + 1));
+  if (!first.problem.empty() || !second.problem.empty()) return std::nullopt;
+  return std::pair(first.value, second.value);
+}
+
+// "plane ELEVATION,SLOPE" or "0,99.0 6,98.8 10,97.9".
+std::optional<GroundLine> ParseGround(std::string_view text) {
+  text = WithoutOuterBlanks(text);
+  if (text.starts_with("plane")) {
+    const auto plane = TwoNumbers(text.substr(5));
+    return plane ? std::optional(GroundLine::Plane(plane->first, plane->second)) : std::nullopt;
+  }
+  std::vector<GroundLine::Vertex> vertices;
+  while (!text.empty()) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    const auto vertex = TwoNumbers(word);
+    if (!vertex) return std::nullopt;
+    vertices.push_back({vertex->first, vertex->second});
+    text = WithoutLeadingBlanks(text.substr(word.size()));
+  }
+  return GroundLine::Polyline(std::move(vertices));
+}
+
+std::string_view KindText(EarthworkKind kind) {
+  return kind == EarthworkKind::Cut ? "cut" : kind == EarthworkKind::Fill ? "fill" : "none";
+}
+
+std::string CatchText(const CatchPoint& caught) {
+  switch (caught.result) {
+    case CatchResult::OnGrade:
+      return "the edge lies on the ground";
+    case CatchResult::NoCatch:
+      return "no catch: the slope never meets the ground";
+    case CatchResult::NoGround:
+      return "the ground is not known at the edge of the road";
+    case CatchResult::GroundEnds:
+      return "no catch within the ground that is known";
+    case CatchResult::NoSlopes:
+      return "the template has no " + std::string(KindText(caught.kind)) + " slope on this side";
+    case CatchResult::Caught:
+      break;
+  }
+  std::string text = std::string(KindText(caught.kind)) + " " + ShortestNumber(caught.ratio) +
+                     ":1 (row " + std::to_string(caught.row) + ") to offset " +
+                     FixedNumber(caught.offset, kRoadDecimals) + ", elevation " +
+                     FixedNumber(caught.elevation, kRoadDecimals) + ", height " +
+                     FixedNumber(caught.height, kRoadDecimals);
+  if (caught.ditch_daylights) text += "; the ditch daylights, so it is fill";
+  if (caught.beyond_right_of_way) text += "; beyond the right of way";
+  return text;
+}
+
+Json PointsJson(const std::vector<SectionPoint>& points) {
+  Json list = Json::array();
+  for (const SectionPoint& point : points) {
+    list.push_back({{"offset", point.offset},
+                    {"elevation", point.elevation},
+                    {"description", point.description}});
+  }
+  return list;
+}
+
+Json CatchJson(const CatchPoint& caught) {
+  Json json{{"result", CatchText(caught)},
+            {"caught", caught.result == CatchResult::Caught},
+            {"kind", KindText(caught.kind)}};
+  if (caught.result != CatchResult::Caught) return json;
+  json.update({{"ratio", caught.ratio},
+               {"row", caught.row},
+               {"offset", caught.offset},
+               {"elevation", caught.elevation},
+               {"height", caught.height},
+               {"hinge_offset", caught.hinge_offset},
+               {"hinge_elevation", caught.hinge_elevation},
+               {"between", PointsJson(caught.between)},
+               {"breaks", PointsJson(caught.breaks)},
+               {"beyond_right_of_way", caught.beyond_right_of_way}});
+  return json;
+}
+
+void PrintSection(Program& program, const RoadTemplate& section, const DesignSection& design) {
+  for (const LineNote& note : section.notes) {
+    program.console.PrintError("Line " + std::to_string(note.line) + ": " +
+                               Strings().Text(note.text, {note.argument}) + "\n");
+  }
+  for (const Surface& surface : section.surface) {
+    for (const SurfaceInsert& insert : surface.inserts) {
+      program.console.PrintError(
+          std::string(insert.kind == SurfaceInsert::Kind::Curb ? "Curb " : "Median ") +
+          insert.name + " is kept in the file but not part of the section.\n");
+    }
+  }
+  for (const SectionPoint& point : design.points) {
+    program.console.Print(Right(OffsetText(point.offset, kRoadDecimals), kNumberWidth) +
+                          Right(FixedNumber(point.elevation, kRoadDecimals), kNumberWidth) + "  " +
+                          OneLine(point.description) + "\n");
+  }
+}
+
+// The ground and the catch point of a side; false after a message.
+bool SettleSide(Program& program, const RoadTemplate& section, const DesignSection& design,
+                Side side, const std::string& entered, SectionSide& shown) {
+  if (entered.empty()) return true;
+  shown.ground = ParseGround(entered);
+  if (!shown.ground) {
+    (void)program.Misuse("The ground \"" + entered +
+                         "\" is neither \"plane ELEVATION,SLOPE\" nor pairs "
+                         "\"OFFSET,ELEVATION\" of rising offsets.");
+    return false;
+  }
+  shown.caught = FindCatchPoint(section, design, side, *shown.ground);
+  return true;
+}
+
+// Nothing after a message.
+std::optional<DesignSection> DesignOf(const RoadSectionOptions& options, Program& program,
+                                      const RoadTemplate& section) {
+  const auto elevation = EnteredNumber(program, "The elevation", options.elevation);
+  if (!elevation) return std::nullopt;
+  if (options.superelevation.empty()) return BuildSection(section, *elevation);
+  const auto grades = TwoNumbers(options.superelevation);
+  if (grades) {
+    return BuildSection(section, *elevation, Superelevation{grades->first, grades->second});
+  }
+  (void)program.Misuse("The superelevation is LEFT,RIGHT in percent, outward.");
+  return std::nullopt;
+}
+
+void PrintResult(const RoadSectionOptions& options, Program& program, const RoadTemplate& section,
+                 const DesignSection& design, const SectionSide& left, const SectionSide& right) {
+  if (options.json) {
+    Json json{{"file", options.file}, {"points", PointsJson(design.points)}};
+    if (left.caught) json["left"] = CatchJson(*left.caught);
+    if (right.caught) json["right"] = CatchJson(*right.caught);
+    program.console.Print(JsonText(json));
+    return;
+  }
+  PrintSection(program, section, design);
+  if (left.caught) program.console.Print("Left:  " + CatchText(*left.caught) + "\n");
+  if (right.caught) program.console.Print("Right: " + CatchText(*right.caught) + "\n");
+}
+
+ExitCode RunRoadSection(const RoadSectionOptions& options, Program& program) {
+  const auto section = OpenTemplate(program, options.file);
+  if (!section) return program.exit_code;
+  const auto design = DesignOf(options, program, *section);
+  if (!design) return program.exit_code;
+  SectionSide left;
+  SectionSide right;
+  if (!SettleSide(program, *section, *design, Side::Left, options.ground_left, left) ||
+      !SettleSide(program, *section, *design, Side::Right, options.ground_right, right)) {
+    return program.exit_code;
+  }
+  PrintResult(options, program, *section, *design, left, right);
+  if (!options.svg.empty()) {
+    const std::string svg = SectionPicture(*design, left, right, options.file);
+    if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
+  }
+  if (options.out.empty()) return ExitCode::Done;
+  return WriteResultFile(program, options.out, section->text, options.overwrite);
+}
+
+}  // namespace
+
+void AddRoadSectionCommand(CLI::App& road, Program& program) {
+  Command<RoadSectionOptions> command(
+      road, program, "section", "The design section of a template and where it meets the ground",
+      RunRoadSection);
+  RoadSectionOptions& options = *command.options;
+  CLI::App& sub = command.sub;
+  sub.add_option("FILE.tpl", options.file, "The template file")->required();
+  sub.add_option("--elevation", options.elevation, "Finished grade on the centerline")->required();
+  sub.add_option("--superelevation", options.superelevation,
+                 "Grades of the lanes LEFT,RIGHT in percent, positive rising outward");
+  sub.add_option("--ground-left", options.ground_left, "Ground outward on the left side");
+  sub.add_option("--ground-right", options.ground_right, "Ground outward on the right side");
+  sub.add_option("--svg", options.svg, "Draw the section into this file");
+  sub.add_option("--out", options.out, "Write the template to this file, nothing lost");
+  sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
+  sub.add_flag("--json", options.json, "Print JSON");
+  sub.footer(
+      "Ground: \"plane 99.2,-0.01\" (elevation at the centerline, slope outward) or pairs of "
+      "outward\n"
+      "offset and elevation, \"0,99.0 6,98.8 10,97.9\".\n"
+      "Example: tarvex road section road.tpl --elevation 100 --ground-left \"plane 97.8,-0.01\"");
+}
+
+}  // namespace tarvex

@@ -1,0 +1,59 @@
+// tarvex store: a point from entered coordinates.
+#include "app/cli/commands/command.h"
+#include "app/cli/commands/commands.h"
+#include "app/cli/number_entry.h"
+#include "app/workflow/job_session.h"
+#include "app/workflow/point_storing.h"
+
+namespace tarvex {
+namespace {
+
+struct StoreOptions {
+  std::string job;
+  std::string id;
+  std::string northing;
+  std::string easting;
+  std::string elevation;
+  std::string description;
+  std::string existing = "ask";
+};
+
+ExitCode RunStore(const StoreOptions& options, Program& program) {
+  const auto northing = EnteredNumber(program, "The northing", options.northing);
+  const auto easting = EnteredNumber(program, "The easting", options.easting);
+  const auto elevation = EnteredNumber(program, "The elevation", options.elevation);
+  if (!northing || !easting || !elevation) return ExitCode::WrongUse;
+  JobSession session(program, options.job);
+  if (!session.LoadExisting()) return ExitCode::Failed;
+  session.set_policy(ParseExistingPolicy(options.existing));
+  return StoreUnderId(program, session, options.id,
+                      {.northing = *northing, .easting = *easting, .elevation = *elevation},
+                      options.description);
+}
+
+}  // namespace
+
+void AddStoreCommand(CLI::App& app, Program& program) {
+  Command<StoreOptions> command(app, program, "store", "Store a point from entered coordinates",
+                                RunStore);
+  StoreOptions& options = *command.options;
+  command.sub.add_option("JOB.crd", options.job, "The job's coordinate file")->required();
+  command.sub
+      .add_option("ID", options.id, "Point id, at most 9 characters (a number in a numeric job)")
+      ->required();
+  command.sub.add_option("NORTHING", options.northing, "In the job's unit")->required();
+  command.sub.add_option("EASTING", options.easting, "In the job's unit")->required();
+  command.sub.add_option("ELEVATION", options.elevation, "In the job's unit")->required();
+  command.sub.add_option("DESCRIPTION", options.description,
+                         "Free text, 31 bytes are kept in the coordinate file");
+  command.sub
+      .add_option("--existing", options.existing,
+                  "When the point exists: overwrite it, store under the next free id, or cancel "
+                  "(default: ask)")
+      ->check(CLI::IsMember({"ask", "overwrite", "next", "cancel"}));
+  command.sub.footer(
+      "Ids are kept in upper case, with \"-\" and \",\" made \"_\". The point is journaled as SP.\n"
+      "Example: tarvex store site.crd BM1 5184900 520300 1100.25 \"bench mark\"");
+}
+
+}  // namespace tarvex

@@ -1,0 +1,139 @@
+#include "app/cli/correction_choice.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdlib>
+
+#include "core/number_text.h"
+#include "core/text.h"
+#include "platform/secret.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::string_view kScheme = "ntrip://";
+constexpr const char* kPasswordVariable = "TARVEX_NTRIP_PASSWORD";
+constexpr const char* kForm =
+    "The corrections are not understood: give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
+constexpr const char* kNoTls =
+    "Encrypted casters (TLS) are not supported: ask for the caster's plain port, often 2101, and "
+    "give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
+constexpr const char* kNoPasswordHere =
+    "A password does not belong into an argument, where every user of this machine can read it: "
+    "give --password-file FILE, set TARVEX_NTRIP_PASSWORD, or type it when asked.";
+
+bool IsEncrypted(std::string_view text) {
+  const std::string_view scheme = text.substr(0, std::min(text.find("://"), text.size()));
+  return EqualsIgnoringCase(scheme, "ntrips") || EqualsIgnoringCase(scheme, "https");
+}
+
+// False, with a sentence in `problem`.
+bool ParseAddress(std::string_view text, CorrectionPlan& plan, std::string& problem) {
+  problem = IsEncrypted(text) ? kNoTls : kForm;
+  if (!text.starts_with(kScheme)) return false;
+  text.remove_prefix(kScheme.size());
+  const std::size_t slash = text.find('/', std::min(text.size(), text.rfind('@') + 1));
+  if (slash == std::string_view::npos || slash + 1 == text.size()) return false;
+  plan.mountpoint = text.substr(slash + 1);
+  std::string_view caster = text.substr(0, slash);
+  if (const std::size_t at = caster.rfind('@'); at != std::string_view::npos) {
+    plan.caster.user = caster.substr(0, at);
+    caster.remove_prefix(at + 1);
+    if (plan.caster.user.find(':') != std::string::npos) {
+      problem = kNoPasswordHere;
+      return false;
+    }
+  }
+  return ParseCaster(caster, plan.caster);
+}
+
+// The password of the user: from a file of mode 0600 when one is named, else from the environment,
+// else from the person at the terminal. Nothing is asked without a user.
+bool FindPassword(const std::string& password_file, CasterLogin& caster, std::string& problem) {
+  if (caster.user.empty()) return true;
+  if (!password_file.empty()) {
+    switch (ReadSecretFile(password_file, caster.password)) {
+      case SecretResult::Found:
+        return true;
+      case SecretResult::OpenToOthers:
+        problem = "The password file " + password_file +
+                  " can be read by others; make it yours alone (chmod 600).";
+        return false;
+      case SecretResult::Missing:
+        problem = "The password file " + password_file + " cannot be read.";
+        return false;
+    }
+  }
+  if (const char* const given = std::getenv(kPasswordVariable); given != nullptr) {
+    caster.password = given;
+    return true;
+  }
+  const std::string question = "Password of " + caster.user + " at " + caster.host.str() + ": ";
+  if (AskSecret(question, caster.password) == SecretResult::Found) return true;
+  problem = "There is no password for " + caster.user +
+            ": give --password-file FILE or set TARVEX_NTRIP_PASSWORD.";
+  return false;
+}
+
+GgaUpload UploadOf(const CorrectionChoice& choice, const ReceiverSettings& settings) {
+  if (choice.send_gga == "always") return GgaUpload::Always;
+  if (choice.send_gga == "never") return GgaUpload::Never;
+  if (choice.send_gga == "wanted") return GgaUpload::WhenWanted;
+  return settings.send_gga || settings.rover_send_gga ? GgaUpload::WhenWanted : GgaUpload::Never;
+}
+
+}  // namespace
+
+bool ParseCaster(std::string_view text, CasterLogin& caster) {
+  const std::size_t bracket = text.find(']');
+  const std::size_t colon = text.find(':', bracket == std::string_view::npos ? 0 : bracket);
+  std::string_view host = text.substr(0, colon);
+  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
+  if (host.empty() || host.size() > decltype(caster.host)::kCapacity) return false;
+  if (host.find('/') != std::string_view::npos) return false;
+  caster.host.Assign(host);
+  if (colon == std::string_view::npos) return true;
+  const auto port = ParseInteger(text.substr(colon + 1));
+  if (!port || *port < 1 || *port > 65535) return false;
+  caster.port = std::to_string(*port);
+  return true;
+}
+
+void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice) {
+  constexpr const char* kGroup = "Corrections";
+  sub.add_option("--corrections", choice.address,
+                 "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
+                 "asked for, or taken from TARVEX_NTRIP_PASSWORD")
+      ->group(kGroup);
+  sub.add_option("--password-file", choice.password_file,
+                 "File with the password that its owner alone can read (mode 0600)")
+      ->group(kGroup);
+  sub.add_option("--send-gga", choice.send_gga,
+                 "Send your position to the caster: wanted (when its list says that the stream\n"
+                 "needs it; the default), always or never")
+      ->check(CLI::IsMember({"wanted", "always", "never"}))
+      ->group(kGroup);
+  sub.add_option("--gga-interval", choice.gga_interval_s,
+                 "Seconds between two positions sent (default: 10)")
+      ->check(CLI::Range(1, 3600))
+      ->group(kGroup);
+}
+
+ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSettings& settings,
+                           Program& program, std::optional<CorrectionPlan>& plan) {
+  if (choice.address.empty()) return ExitCode::Done;
+  CorrectionPlan settled;
+  std::string problem;
+  if (!ParseAddress(choice.address, settled, problem) ||
+      !FindPassword(choice.password_file, settled.caster, problem)) {
+    return program.Misuse(problem);
+  }
+  settled.gga = UploadOf(choice, settings);
+  const int interval_s =
+      choice.gga_interval_s > 0 ? choice.gga_interval_s : settings.gga_interval_s;
+  settled.gga_interval_ms = std::int64_t{interval_s} * 1000;
+  plan = settled;
+  return ExitCode::Done;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,38 @@
+// Where the corrections come from, from a command's options, the receiver's settings and whoever
+// knows the password.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "app/cli/program.h"
+#include "gnss/corrections/correction_session.h"
+#include "gnss/receiver_settings.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
+
+namespace tarvex {
+
+/// As entered.
+struct CorrectionChoice {
+  std::string address;  ///< "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT"; empty: no corrections
+  std::string password_file;
+  std::string send_gga;  ///< "wanted", "always", "never"; empty: what the settings say
+  int gga_interval_s = 0;
+};
+
+/// Adds --corrections, --password-file, --send-gga and --gga-interval.
+void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice);
+
+/// Nothing in `plan` when no corrections were asked for. Wrong use, after a message, when the
+/// address is not understood or there is no password.
+ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSettings& settings,
+                           Program& program, std::optional<CorrectionPlan>& plan);
+
+/// "HOST[:PORT]", an IPv6 host in brackets; 2101 without a port.
+[[nodiscard]] bool ParseCaster(std::string_view text, CasterLogin& caster);
+
+}  // namespace tarvex

@@ -1,0 +1,41 @@
+// A line of positions or grid coordinates through a calculator: what `tarvex convert` does to each
+// line of its input.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "app/cli/json_text.h"
+#include "coordsys/calculator.h"
+
+namespace tarvex {
+
+enum class ConversionWay { ToGrid, ToWgs84 };
+
+/// Latitude, longitude (decimal degrees) and height, or northing, easting and elevation.
+struct LineNumbers {
+  double values[3] = {0.0, 0.0, 0.0};
+  int count = 0;  ///< 2 or 3; without a third number 0 is taken for it
+};
+
+struct ConvertedLine {
+  LineNumbers numbers;  ///< of the other kind than the line's
+  CalculationReport report;
+  std::string problem;      ///< why there are no numbers, in a sentence; empty when there are
+  std::string left_undone;  ///< which step they lack, in a sentence
+};
+
+/// Two or three numbers, separated by blanks, commas or semicolons. With `strict` a line whose
+/// conversion leaves a step undone is a problem.
+ConvertedLine ConvertLine(const CTrgCalculator& calculator, ConversionWay way, bool strict,
+                          std::string_view line);
+
+/// The numbers as they are printed; `decimals` below 0 takes 4 for lengths and 10 for degrees.
+std::string ConvertedText(const ConvertedLine& converted, ConversionWay way, int decimals);
+
+/// On one line: "line", the numbers by name, and "left_undone" or "error" where there is one; with
+/// `explain` the steps (app/conversion_text.h). Numbers are not rounded.
+Json ConvertedJson(const ConvertedLine& converted, ConversionWay way, std::size_t line,
+                   bool explain);
+
+}  // namespace tarvex

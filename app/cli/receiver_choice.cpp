@@ -1,0 +1,63 @@
+#include "app/cli/receiver_choice.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+namespace tarvex {
+namespace {
+
+// A job may say which device stands for a numbered port, as in COM3=/dev/rfcomm0.
+void NameDevice(const Settings& job_settings, PortAddress& address) {
+  if (address.kind != PortKind::Serial || !address.target.starts_with("COM")) return;
+  std::string key = address.target;
+  if (key.ends_with(':')) key.pop_back();
+  address.target = job_settings.GetOr(key, address.target);
+}
+
+}  // namespace
+
+CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice) {
+  CLI::Option* receiver = sub.add_option(
+      "--receiver", choice.address, "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
+  sub.add_option("--make", choice.make,
+                 "Make of the receiver (default: any that sends NMEA sentences)");
+  sub.add_option("--set", choice.settings, "A receiver setting KEY=VALUE; may be repeated");
+  sub.add_option("--nmea-pos", choice.position_sentence,
+                 "Sentence with the position: 1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ, 32 PTNL,GGK");
+  return receiver;
+}
+
+ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settings,
+                        Program& program, ChosenReceiver& receiver) {
+  std::string problem;
+  if (!ParsePortAddress(choice.address, receiver.address, problem)) return program.Misuse(problem);
+  NameDevice(job_settings, receiver.address);
+  receiver.make_code = receiver.address.kind == PortKind::Simulated ? kMakeSimulated : kMakeAnyNmea;
+  const std::string make_name =
+      choice.make.empty() ? job_settings.GetOr("receiver_make", "") : choice.make;
+  if (!make_name.empty() && receiver.address.kind != PortKind::Simulated) {
+    const ReceiverMake* make = FindMake(make_name);
+    if (make == nullptr) {
+      std::string names;
+      for (const ReceiverMake& known : ReceiverMakes()) names += " " + std::string(known.name);
+      return program.Misuse("There is no receiver make \"" + make_name + "\"; there are:" + names +
+                            ".");
+    }
+    receiver.make_code = make->code;
+  }
+  receiver.settings = FindMake(receiver.make_code).settings;
+  ReadReceiverSettings(job_settings.Text(), receiver.settings);
+  std::vector<std::string> entered = choice.settings;
+  if (choice.position_sentence != 0)
+    entered.push_back("nmea_pos=" + std::to_string(choice.position_sentence));
+  for (const std::string& setting : entered) {
+    const std::size_t equals = std::min(setting.find('='), setting.size());
+    const std::string value = setting.substr(std::min(equals + 1, setting.size()));
+    if (SetReceiverSetting(setting.substr(0, equals), value, receiver.settings)) continue;
+    return program.Misuse("\"" + setting +
+                          "\" is no receiver setting; docs/receivers.md lists them.");
+  }
+  return ExitCode::Done;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,184 @@
+#include "app/cli/road_file.h"
+
+#include "app/workflow/job_session.h"
+#include "core/number_text.h"
+#include "core/string_table.h"
+#include "exchange/landxml.h"
+#include "roads/centerline_file.h"
+#include "roads/road_texts.h"
+
+namespace tarvex {
+
+std::string OpenedRoad::StationText(double internal) const {
+  return geometry.equations.Text(internal, style.mode, style.decimals);
+}
+
+Json OpenedRoad::StationJson(double internal) const {
+  const DisplayedStation shown = geometry.equations.Displayed(internal);
+  Json json{{"station", shown.station}, {"station_text", StationText(internal)}};
+  if (!geometry.equations.empty()) {
+    json["internal_station"] = internal;
+    json["region"] = shown.region;
+  }
+  return json;
+}
+
+std::optional<double> OpenedRoad::DesignElevation(double internal) const {
+  const auto at = profile ? profile->At(internal) : std::nullopt;
+  return at ? std::optional(at->elevation) : std::nullopt;
+}
+
+bool OpenedRoad::OutsideLimits(double internal) const {
+  return (span.start_limited && internal < span.start) || (span.end_limited && internal > span.end);
+}
+
+std::string OpenedRoad::Picture(const std::string& title,
+                                std::span<const PictureMark> marks) const {
+  return AlignmentPicture(geometry, title, style, marks);
+}
+
+namespace {
+
+StationStyle StyleOf(const RoadFileOptions& options, DistanceUnit unit) {
+  const bool thousands =
+      options.stations.empty() ? unit == DistanceUnit::Metres : options.stations == "1000";
+  if (options.stations == "plain") return {StationMode::Plain, 3};
+  return thousands ? StationStyle{StationMode::Thousands, 3}
+                   : StationStyle{StationMode::Hundreds, 2};
+}
+
+std::string LoadProblem(const RoadFileOptions& options, const CenterlineLoad& load) {
+  switch (load.result) {
+    case LoadCenterlineResult::NotOpened:
+      return Strings().Text(kTextCenterlineNotOpened, {options.file});
+    case LoadCenterlineResult::TooLarge:
+      return Strings().Text(kTextFileTooLarge, {options.file});
+    case LoadCenterlineResult::TooLong:
+      return options.file + ": " +
+             Strings().Text(kTextCenterlineTooLong, {std::to_string(load.line)});
+    default:
+      return options.file + " holds no centerline.";
+  }
+}
+
+bool LoadProfile(Program& program, const RoadFileOptions& options, OpenedRoad& opened) {
+  std::string text;
+  const FileStatus status = ReadWholeFile(program.files, options.profile, kLargestLandXml, text);
+  if (!status.ok()) {
+    (void)program.Fail(options.profile + " cannot be read: " + status.Text() + ".");
+    return false;
+  }
+  LandXmlReading reading = ReadLandXml(text);
+  if (reading.result != LandXmlResult::Read) {
+    (void)program.Fail(options.profile + ": " + reading.problem);
+    return false;
+  }
+  for (LandXmlAlignment& alignment : reading.alignments) {
+    if (!alignment.profile) continue;
+    opened.profile = std::move(alignment.profile);
+    if (reading.unit == opened.unit) return true;
+    (void)program.Fail(options.profile + " is in " + std::string(UnitName(reading.unit)) +
+                       ", the centerline in " + std::string(UnitName(opened.unit)) + ".");
+    return false;
+  }
+  (void)program.Fail(options.profile + " holds no profile.");
+  return false;
+}
+
+std::string GeometryProblem(const RoadFileOptions& options, const RoadGeometryMaking& making) {
+  if (making.result == AlignmentResult::OutOfRange) {
+    return options.file + " line " + std::to_string(making.line) +
+           ": a number of the key point is out of range.";
+  }
+  return options.file + " holds no two key points apart from each other.";
+}
+
+}  // namespace
+
+std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& options) {
+  Road road;
+  road.use_station_limits = options.use_limits;
+  const CenterlineLoad load = LoadCenterline(program.files, road, options.file);
+  std::string text;
+  if (load.result != LoadCenterlineResult::Loaded ||
+      !ReadWholeFile(program.files, options.file, kLargestRoadFile, text).ok()) {
+    (void)program.Fail(LoadProblem(options, load));
+    return std::nullopt;
+  }
+  const DistanceUnit unit = *ParseUnit(options.unit);
+  std::vector<StationEquation> equations = ReadStationEquations(text);
+  if (options.ahead_first) equations = Swapped(std::move(equations));
+  RoadGeometryMaking making = MakeRoadGeometry(*road.centerline, equations, CheckLimits::For(unit));
+  if (!making.geometry) {
+    (void)program.Fail(GeometryProblem(options, making));
+    return std::nullopt;
+  }
+  road.centerline->elements = making.geometry->chain;
+  OpenedRoad opened{.road = std::move(road),
+                    .geometry = *std::move(making.geometry),
+                    .text = std::move(text),
+                    .equations = std::move(equations),
+                    .profile = std::nullopt,
+                    .unit = unit,
+                    .limits = CheckLimits::For(unit),
+                    .style = StyleOf(options, unit),
+                    .span = {}};
+  opened.span = StationRange(opened.road).value_or(StationSpan{});
+  if (!options.profile.empty() && !LoadProfile(program, options, opened)) return std::nullopt;
+  return opened;
+}
+
+void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOptions& options) {
+  std::size_t faults = 0;
+  for (const AlignmentElement& element : road.alignment().elements()) faults += !element.sound;
+  if (faults == 0) return;
+  program.Warn(std::to_string(faults) + (faults == 1 ? " element" : " elements") + " of " +
+               options.file + " should not be staked as they stand; see: tarvex road check " +
+               options.file);
+}
+
+std::optional<double> FindStation(Program& program, const OpenedRoad& road,
+                                  const std::string& entry) {
+  const auto typed = ParseStationEntry(entry);
+  if (!typed) {
+    (void)program.Misuse("\"" + entry +
+                         "\" is not a station (1234.5, 12+34.50, 1+234.5, 14+75 R2).");
+    return std::nullopt;
+  }
+  const auto found = road.geometry.equations.Internal(typed->displayed, typed->region);
+  if (found.size() == 1) return found.front().station;
+  if (found.empty()) {
+    (void)program.Fail("The road has no station " + entry +
+                       ": it lies in the gap of a station "
+                       "equation, or outside the alignment.");
+    return std::nullopt;
+  }
+  std::string choices;
+  for (const InternalStation& place : found) {
+    choices +=
+        (choices.empty() ? "\"" : " or \"") + entry + " R" + std::to_string(place.region) + "\"";
+  }
+  (void)program.Fail("Station " + entry + " exists " + std::to_string(found.size()) +
+                     " times; say which: " + choices + ".");
+  return std::nullopt;
+}
+
+std::string PlaceText(Place place) {
+  switch (place) {
+    case Place::AtVertex:
+      return "at an angle point";
+    case Place::BeforeStart:
+      return "before the start";
+    case Place::AfterEnd:
+      return "after the end";
+    case Place::On:
+      break;
+  }
+  return {};
+}
+
+std::string PlaceName(Place place) {
+  return place == Place::On ? "on the alignment" : PlaceText(place);
+}
+
+}  // namespace tarvex

@@ -1,0 +1,72 @@
+// A centerline file as the road commands work with it: loaded, made into geometry, with its station
+// equations and the profile that was asked for.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "app/cli/json_text.h"
+#include "app/cli/program.h"
+#include "core/units.h"
+#include "exchange/road_picture.h"
+#include "roads/alignment_check.h"
+#include "roads/profile.h"
+#include "roads/road.h"
+#include "roads/road_geometry.h"
+
+namespace tarvex {
+
+/// What the person says about the file and how the road is to be shown.
+struct RoadFileOptions {
+  std::string file;
+  std::string unit = "metres";
+  std::string stations;
+  std::string profile;
+  bool use_limits = false;
+  bool ahead_first = false;
+  bool json = false;
+};
+
+struct OpenedRoad {
+  Road road;
+  RoadGeometry geometry;
+  std::string text;  ///< of the file, byte for byte
+  std::vector<StationEquation> equations;
+  std::optional<Profile> profile;
+  DistanceUnit unit = DistanceUnit::Metres;
+  CheckLimits limits;
+  StationStyle style;
+  StationSpan span;
+
+  const Alignment& alignment() const { return geometry.alignment; }
+  /// The displayed station.
+  std::string StationText(double internal) const;
+  /// Displayed and internal station, region.
+  Json StationJson(double internal) const;
+  std::optional<double> DesignElevation(double internal) const;
+  /// True outside the station limits that the road uses.
+  bool OutsideLimits(double internal) const;
+  /// The alignment from above, with marks beside it.
+  std::string Picture(const std::string& title, std::span<const PictureMark> marks = {}) const;
+};
+
+/// Nothing after a message that names the file and the line.
+std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& options);
+
+/// Warns on the error output when elements should not be staked, once a command.
+void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOptions& options);
+
+/// A typed station as an internal one; nothing after a message (no such station, two of them).
+std::optional<double> FindStation(Program& program, const OpenedRoad& road,
+                                  const std::string& entry);
+
+/// "before the start", "after the end", "at an angle point", empty on the alignment.
+std::string PlaceText(Place place);
+/// The same with "on the alignment", as JSON names the place.
+std::string PlaceName(Place place);
+
+inline constexpr int kRoadDecimals = 4;
+
+}  // namespace tarvex

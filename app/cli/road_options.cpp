@@ -1,0 +1,44 @@
+#include "app/cli/road_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/number_entry.h"
+
+namespace tarvex {
+
+void AddRoadFileOptions(CLI::App& sub, RoadFileOptions& options) {
+  sub.add_option("FILE.cl", options.file, "The centerline file")->required();
+  sub.add_option("--unit", options.unit, "Unit of the file (default: metres)")
+      ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
+  sub.add_flag("--ahead-first", options.ahead_first,
+               "The file's EQ records hold the ahead station first");
+}
+
+void AddRoadViewOptions(CLI::App& sub, RoadFileOptions& options) {
+  sub.add_option("--stations", options.stations,
+                 "How stations are shown: 100 (12+34.50), 1000 (1+234.500) or plain "
+                 "(default: 1000 in metres, 100 in feet)")
+      ->check(CLI::IsMember({"100", "1000", "plain"}));
+  sub.add_flag("--limits", options.use_limits, "Keep to the station limits of the .cle file");
+  sub.add_flag("--json", options.json, "Print JSON");
+}
+
+void AddProfileOption(CLI::App& sub, RoadFileOptions& options) {
+  sub.add_option("--profile", options.profile,
+                 "LandXML file whose profile gives design elevations");
+}
+
+void AddRoadPlaceOptions(CLI::App& sub, RoadPlaceOptions& options) {
+  sub.add_option("STATION", options.station, "1234.5, 12+34.50, 1+234.500 or \"14+75 R2\"")
+      ->required();
+  AddNumber(sub, "OFFSET", options.offset, "Right positive (default: 0)");
+}
+
+void AddExistingOption(CLI::App& sub, std::string& existing) {
+  sub.add_option("--existing", existing,
+                 "When the point exists: overwrite it, store under the next free id, or cancel "
+                 "(default: ask)")
+      ->check(CLI::IsMember({"ask", "overwrite", "next", "cancel"}));
+}
+
+}  // namespace tarvex

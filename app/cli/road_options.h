@@ -1,0 +1,32 @@
+// The options that road commands share, each declared once.
+#pragma once
+
+#include <string>
+
+#include "app/cli/road_file.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
+
+namespace tarvex {
+
+/// FILE.cl, --unit and --ahead-first: what the file is.
+void AddRoadFileOptions(CLI::App& sub, RoadFileOptions& options);
+/// --stations, --limits and --json: how the road is shown.
+void AddRoadViewOptions(CLI::App& sub, RoadFileOptions& options);
+/// --profile.
+void AddProfileOption(CLI::App& sub, RoadFileOptions& options);
+
+/// A place of the road as it is typed.
+struct RoadPlaceOptions {
+  std::string station;
+  double offset = 0.0;
+};
+/// STATION and OFFSET.
+void AddRoadPlaceOptions(CLI::App& sub, RoadPlaceOptions& options);
+
+/// --existing: what happens when the point to store exists.
+void AddExistingOption(CLI::App& sub, std::string& existing);
+
+}  // namespace tarvex

@@ -1,0 +1,208 @@
+#include "app/cli/watch_view.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kDegreeDecimals = 9;
+constexpr int kMetreDecimals = 3;
+constexpr std::size_t kSkyRow = 6;  // satellites on a line
+
+std::string EpochText(std::int32_t epoch_ms) {
+  if (epoch_ms == kNoEpoch) return "no time";
+  std::string text;
+  AppendInteger(text, epoch_ms / 3'600'000, 2);
+  text += ':';
+  AppendInteger(text, epoch_ms / 60'000 % 60, 2);
+  text += ':';
+  AppendInteger(text, epoch_ms / 1000 % 60, 2);
+  if (epoch_ms % 1000 != 0) {
+    text += '.';
+    AppendInteger(text, epoch_ms % 1000, 3);
+  }
+  return text;
+}
+
+// "" or " SIMULATED": what a position that was not measured is.
+std::string OriginText(PositionOrigin origin) {
+  switch (origin) {
+    case PositionOrigin::Estimated:
+      return " ESTIMATED";
+    case PositionOrigin::Entered:
+      return " ENTERED";
+    case PositionOrigin::Simulated:
+      return " SIMULATED";
+    case PositionOrigin::Measured:
+      break;
+  }
+  return "";
+}
+
+std::string PrecisionText(const GnssPositionState& state) {
+  if (!state.precision_known) return "HRMS and VRMS unknown";
+  return "HRMS " + FixedNumber(state.hrms, kMetreDecimals) + " VRMS " +
+         FixedNumber(state.vrms, kMetreDecimals) +
+         (state.precision_carried_over ? " (of an earlier epoch)" : "");
+}
+
+std::string DopText(const GnssPositionState& state) {
+  const auto dop = [](double value) {
+    return value > 0.0 ? FixedNumber(value, 1) : std::string("-");
+  };
+  return "PDOP " + dop(state.pdop) + "  HDOP " + dop(state.hdop) + "  VDOP " + dop(state.vdop);
+}
+
+std::string SkyText(const std::vector<SatelliteInView>& satellites) {
+  std::string text;
+  for (std::size_t i = 0; i < satellites.size(); ++i) {
+    const SatelliteInView& satellite = satellites[i];
+    text += i % kSkyRow == 0 ? (i == 0 ? "sky       " : "\n          ") : "  ";
+    text += satellite.system;
+    AppendInteger(text, satellite.prn, 2);
+    text += " " + std::to_string(satellite.elevation_deg) + "/" +
+            std::to_string(satellite.azimuth_deg) +
+            (satellite.snr >= 0 ? " " + std::to_string(satellite.snr) : " -");
+  }
+  return text.empty() ? text
+                      : text + "\n          (elevation/azimuth in degrees, strength in dB-Hz)\n";
+}
+
+std::string PositionText(const GnssPositionState& state, Clock& clock) {
+  if (state.positions == 0) return "position  none yet\n";
+  const double age_s =
+      static_cast<double>(clock.SteadyMilliseconds() - state.position_read_at_ms) / 1000.0;
+  return "position  " + FixedNumber(state.latitude, kDegreeDecimals) + "  " +
+         FixedNumber(state.longitude, kDegreeDecimals) + "  height " +
+         (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "unknown") +
+         "\nsolution  " + std::string(SolutionText(state.solution_type)) +
+         OriginText(state.origin) + "  " + std::to_string(state.satellites) + " satellites  " +
+         PrecisionText(state) + "\nquality   " + DopText(state) + "\ntime      " +
+         EpochText(state.epoch_ms) + " UTC, read " + FixedNumber(age_s, 1) + " s ago" +
+         (state.repeated_epoch ? "  REPEATED" : "") + "\n";
+}
+
+struct TerminalSize {
+  std::size_t columns = 80;
+  std::size_t rows = 24;
+};
+
+TerminalSize SizeOfTerminal() {
+  winsize size{};
+  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+    return {};
+  }
+  return {.columns = size.ws_col, .rows = size.ws_row};
+}
+
+// The lines of a text, those that are too long broken at blanks and indented.
+std::vector<std::string> FittedLines(std::string_view text, std::size_t columns) {
+  constexpr std::string_view kIndent = "          ";
+  std::vector<std::string> lines;
+  while (const auto whole = TakeLine(text)) {
+    std::string line(*whole);
+    while (line.size() > columns && columns > 2 * kIndent.size()) {
+      const std::size_t pair = line.rfind("  ", columns);
+      const std::size_t blank = line.rfind(' ', columns);
+      const std::size_t cut = pair != std::string::npos && pair > kIndent.size() ? pair : blank;
+      if (cut == std::string::npos || cut <= kIndent.size()) break;
+      lines.push_back(line.substr(0, cut));
+      line = std::string(kIndent) +
+             line.substr(std::min(line.find_first_not_of(' ', cut), line.size()));
+    }
+    lines.push_back(line.substr(0, columns));
+  }
+  return lines;
+}
+
+std::string LinkText(const CorrectionStatus& status, const GnssPositionState& state) {
+  std::string text = "link      " + CorrectionLine(status, state) + "\n          " +
+                     std::to_string(status.bytes) + " bytes from the caster, " +
+                     std::to_string(status.bytes_to_receiver) + " to the receiver, " +
+                     std::to_string(status.ggas_sent) + " positions sent, " +
+                     std::to_string(status.bad_crcs) + " damaged\n";
+  if (status.messages.empty()) return text;
+  text += "          messages";
+  for (const auto& [number, count] : status.messages) {
+    text += " " + std::to_string(number) + ":" + std::to_string(count);
+  }
+  return text + "\n";
+}
+
+}  // namespace
+
+std::string PositionLine(const GnssPositionState& state) {
+  return FixedNumber(state.latitude, kDegreeDecimals) + " " +
+         FixedNumber(state.longitude, kDegreeDecimals) + " " +
+         (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "-") + " " +
+         std::string(SolutionText(state.solution_type)) + OriginText(state.origin) + " " +
+         std::to_string(state.satellites) + " satellites " + PrecisionText(state) + " " +
+         EpochText(state.epoch_ms);
+}
+
+WatchView::WatchView(Console& console) : console_(console), drawn_(::isatty(STDOUT_FILENO) != 0) {}
+
+WatchView::~WatchView() {
+  End();
+}
+
+std::string WatchView::Screen(GnssReadResult result, const GnssPositionState& state,
+                              const ReceiverTap& tap, const CorrectionLink* link,
+                              Clock& clock) const {
+  std::string text = PositionText(state, clock);
+  text += "receiver  " + std::to_string(tap.lines()) + " lines, " + std::to_string(tap.bytes()) +
+          " bytes, " + std::to_string(state.bad_checksums) + " damaged\n";
+  if (result != GnssReadResult::Accepted) text += "          " + ResultSentence(result) + "\n";
+  if (const std::string origin = OriginSentence(state.origin); !origin.empty()) {
+    text += "          " + origin + "\n";
+  }
+  if (link != nullptr) text += LinkText(link->Status(), state);
+  return text + SkyText(tap.sky().InView(clock.SteadyMilliseconds()));
+}
+
+void WatchView::Show(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
+                     const CorrectionLink* link, Clock& clock) {
+  if (!drawn_) return ShowLine(result, state, link);
+  const TerminalSize size = SizeOfTerminal();
+  last_screen_ = Screen(result, state, tap, link, clock);
+  const std::vector<std::string> lines = FittedLines(last_screen_, size.columns);
+  std::string drawing = open_ ? "\x1b[H" : "\x1b[?1049h\x1b[?25l\x1b[H";
+  open_ = true;
+  const std::size_t shown = std::min(lines.size(), size.rows);
+  for (std::size_t i = 0; i < shown; ++i) {
+    drawing += lines[i] + "\x1b[K" + (i + 1 < shown ? "\r\n" : "");
+  }
+  console_.Print(drawing + "\x1b[J");
+  std::fflush(stdout);
+}
+
+void WatchView::ShowLine(GnssReadResult result, const GnssPositionState& state,
+                         const CorrectionLink* link) {
+  if (result != GnssReadResult::Accepted) {
+    const std::string sentence = ResultSentence(result);
+    if (sentence != std::exchange(told_, sentence)) console_.PrintError(sentence + "\n");
+    return;
+  }
+  told_.clear();
+  console_.Print(PositionLine(state) + (state.repeated_epoch ? " REPEATED" : "") +
+                 (link != nullptr ? "; " + CorrectionLine(link->Status(), state) : "") + "\n");
+  std::fflush(stdout);
+}
+
+// The last screen stays to be read.
+void WatchView::End() {
+  if (!std::exchange(open_, false)) return;
+  console_.Print("\x1b[?25h\x1b[?1049l" + last_screen_);
+  std::fflush(stdout);
+}
+
+}  // namespace tarvex

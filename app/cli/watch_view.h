@@ -1,0 +1,41 @@
+// The live view of a receiver: a screen of its own in a terminal, whatever its size; one line a
+// position elsewhere.
+#pragma once
+
+#include <string>
+
+#include "app/cli/program.h"
+#include "app/workflow/correction_link.h"
+#include "app/workflow/receiver_tap.h"
+#include "gnss/position_reader.h"
+
+namespace tarvex {
+
+class WatchView {
+ public:
+  explicit WatchView(Console& console);
+  WatchView(const WatchView&) = delete;
+  WatchView& operator=(const WatchView&) = delete;
+  ~WatchView();
+
+  void Show(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
+            const CorrectionLink* link, Clock& clock);
+  /// Gives the terminal back, with what was shown last.
+  void End();
+
+ private:
+  void ShowLine(GnssReadResult result, const GnssPositionState& state, const CorrectionLink* link);
+  std::string Screen(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
+                     const CorrectionLink* link, Clock& clock) const;
+
+  Console& console_;
+  bool drawn_ = false;
+  bool open_ = false;
+  std::string last_screen_;
+  std::string told_;
+};
+
+/// "46.815172514 9.267419103 1101.400 FIXED 12 satellites HRMS 0.012 VRMS 0.020 10:15:23".
+std::string PositionLine(const GnssPositionState& state);
+
+}  // namespace tarvex

@@ -1,0 +1,132 @@
+#include "app/workflow/coordinate_systems.h"
+
+#include "coordsys/definition_check.h"
+#include "coordsys/definition_reader.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::uint64_t kLargestDefinition = 1 << 20;
+
+}  // namespace
+
+SystemSource SystemOfSettings(const Settings& settings) {
+  return {.name = settings.GetOr("system", ""),
+          .definition = settings.GetOr("definition", ""),
+          .datum_shift = settings.GetOr("datum_shift", "")};
+}
+
+void PutSystemIntoSettings(const SystemSource& source, Settings& settings) {
+  if (!source.name.empty()) settings.Set("system", source.name);
+  if (!source.definition.empty()) settings.Set("definition", source.definition);
+  if (!source.datum_shift.empty()) settings.Set("datum_shift", source.datum_shift);
+}
+
+CoordinateSystems::CoordinateSystems(Program& program)
+    : program_(program),
+      data_folder_(DataFolder(program)),
+      catalogue_(program.files, data_folder_),
+      messages_(this),
+      load_bar_(program.console),
+      nad_converter_(
+          std::make_shared<NadConverter>(SystemNadConvLibrary(), data_folder_, &messages_)) {
+  SystemCoordSysLibrary()->SetMessages(this);
+  SystemNadConvLibrary()->SetMessages(this);
+}
+
+CoordinateSystems::~CoordinateSystems() {
+  SystemCoordSysLibrary()->SetMessages(nullptr);
+  SystemNadConvLibrary()->SetMessages(nullptr);
+}
+
+bool CoordinateSystems::ReadOptions(const std::string& name, const std::string& file,
+                                    SystemSource& source, std::string& problem) {
+  if (!name.empty()) {
+    if (!catalogue_.Find(name)) {
+      problem = "There is no coordinate system \"" + name +
+                "\"; `tarvex systems TEXT` searches by a part of the name.";
+      return false;
+    }
+    source.name = name;
+    return true;
+  }
+  if (file.empty()) return true;
+  std::string text;
+  const FileStatus status = ReadWholeFile(program_.files, file, kLargestDefinition, text);
+  if (!status.ok()) {
+    problem = "The definition " + file + " cannot be read: " + status.Text() + ".";
+    return false;
+  }
+  source.definition = OneLineDefinition(text);
+  return CheckForUse(text, file, problem);
+}
+
+// A definition that would give no coordinates or wrong ones is refused; what is merely worth
+// knowing is told.
+bool CoordinateSystems::CheckForUse(std::string_view text, const std::string& file,
+                                    std::string& problem) {
+  for (const DefinitionIssue& issue : CheckDefinition(text)) {
+    if (IsSerious(issue.kind)) {
+      problem += (problem.empty() ? file + ": " : " ") + IssueText(issue);
+    } else {
+      Show("WARNING", file + ": " + IssueText(issue));
+    }
+  }
+  return problem.empty();
+}
+
+bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit unit,
+                                       CTrgCalculator& calculator, std::string& problem) {
+  if (source.empty()) {
+    problem = "The job has no coordinate system, so positions have no grid coordinates.";
+    return false;
+  }
+  std::string definition = source.definition;
+  if (!source.name.empty()) {
+    const auto found = catalogue_.Find(source.name);
+    if (!found) {
+      problem = "The catalogue holds no coordinate system \"" + source.name + "\".";
+      return false;
+    }
+    definition = found->definition;
+  }
+  calculator.ParseDefinition(definition, this);
+  calculator.SetDistanceUnit(unit);
+  const StepChoice choice{.shift = source.datum_shift,
+                          .geoid = ReadSystemChoice(source.name).geoid,
+                          .definition_gives_shift = calculator.definition_gives_shift()};
+  PreparedSteps prepared = PrepareSteps(calculator.record(), choice,
+                                        {.files = program_.files,
+                                         .data_folder = data_folder_,
+                                         .coord_sys = SystemCoordSysLibrary(),
+                                         .nad_converter = nad_converter_,
+                                         .messages = &messages_,
+                                         .progress = &load_bar_});
+  program_.console.EndProgress();
+  problem = prepared.wrong_choice;
+  if (!problem.empty()) return false;
+  for (const std::string& hampers : prepared.problems) Show("WARNING", hampers);
+  calculator.SetSteps(std::move(prepared.steps));
+  if (calculator.State() == CalculationResult::Done) return true;
+  problem = calculator.StateText();
+  return false;
+}
+
+bool CoordinateSystems::KnowsDatumShift(std::string_view definition) {
+  for (const DefinitionIssue& issue : CheckDefinition(definition)) {
+    if (issue.kind == DefinitionIssueKind::NoDatumShift) return false;
+  }
+  return true;
+}
+
+std::string CoordinateSystems::Title(const SystemSource& source, const CTrgCalculator& calculator) {
+  if (!source.name.empty()) return source.name;
+  const std::string& name = calculator.compound_name();
+  return name.empty() ? calculator.record().projection_name.str() : name;
+}
+
+void CoordinateSystems::Show(std::string_view title, std::string_view text) {
+  program_.console.PrintError(std::string(title) + ": " + std::string(text) + "\n");
+}
+
+}  // namespace tarvex

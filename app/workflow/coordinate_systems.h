@@ -1,0 +1,76 @@
+// The coordinate systems as the program uses them: the catalogues of the data folder, the closed
+// libraries, and a calculator made ready for what a job or a command names.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "app/cli/load_bar.h"
+#include "app/cli/program.h"
+#include "app/workflow/data_folder.h"
+#include "coordsys/calculator.h"
+#include "coordsys/step_preparation.h"
+#include "coordsys/system_catalogue.h"
+#include "core/settings.h"
+
+namespace tarvex {
+
+/// Where a coordinate system comes from: a name of the catalogue (with its geoid setting) or a
+/// definition text; neither for none. The datum shift may be named beside it.
+struct SystemSource {
+  std::string name;
+  std::string definition;
+  std::string datum_shift;
+
+  bool empty() const { return name.empty() && definition.empty(); }
+};
+
+/// What `--datum-shift` takes, for the help of the commands that have it.
+inline constexpr const char* kDatumShiftHelp =
+    "Datum shift of the system (default: by the system): TOWGS84, TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm] "
+    "in metres, seconds and ppm, NAD27, GR3DF97A, VITEL, NADCON (the Dutch grid), \"Belge 1972 - "
+    "xyGridLb72\", an NTv2 file, or NONE: WGS84 latitude and longitude as they are";
+
+/// The source that a job's settings hold, and back.
+SystemSource SystemOfSettings(const Settings& settings);
+void PutSystemIntoSettings(const SystemSource& source, Settings& settings);
+
+class CoordinateSystems final : private MessageBox {
+ public:
+  explicit CoordinateSystems(Program& program);
+  ~CoordinateSystems() override;
+  CoordinateSystems(const CoordinateSystems&) = delete;
+  CoordinateSystems& operator=(const CoordinateSystems&) = delete;
+
+  SystemCatalogue& catalogue() { return catalogue_; }
+  const std::string& data_folder() const { return data_folder_; }
+
+  /// Reads what `--system NAME` and `--definition FILE` name. False with a sentence in `problem`.
+  [[nodiscard]] bool ReadOptions(const std::string& name, const std::string& file,
+                                 SystemSource& source, std::string& problem);
+
+  /// Makes the calculator with all its steps; false with a sentence in `problem` when the system
+  /// cannot be used. What only hampers it (a grid that is missing) is told as a warning, and every
+  /// conversion that it hampers says so in its result.
+  [[nodiscard]] bool MakeCalculator(const SystemSource& source, DistanceUnit unit,
+                                    CTrgCalculator& calculator, std::string& problem);
+
+  /// False for a system on which a job needs a datum shift of its own (--datum-shift).
+  static bool KnowsDatumShift(std::string_view definition);
+
+  /// The system in a few words: its name, or what its definition calls it.
+  static std::string Title(const SystemSource& source, const CTrgCalculator& calculator);
+
+ private:
+  bool CheckForUse(std::string_view text, const std::string& file, std::string& problem);
+  void Show(std::string_view title, std::string_view text) override;
+
+  Program& program_;
+  std::string data_folder_;
+  SystemCatalogue catalogue_;
+  RunMessages messages_;
+  LoadBar load_bar_;
+  std::shared_ptr<NadConverter> nad_converter_;
+};
+
+}  // namespace tarvex

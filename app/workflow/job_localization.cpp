@@ -1,0 +1,135 @@
+#include "app/workflow/job_localization.h"
+
+#include <array>
+#include <utility>
+
+#include "core/number_text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::array<std::pair<std::string_view, HorizontalMethod>, 4> kHorizontalMethods = {
+    {{"similarity", HorizontalMethod::Similarity},
+     {"fixed-scale", HorizontalMethod::FixedScale},
+     {"rotation", HorizontalMethod::RotationOnly},
+     {"translation", HorizontalMethod::Translation}}};
+constexpr std::array<std::pair<std::string_view, VerticalMethod>, 2> kVerticalMethods = {
+    {{"shift", VerticalMethod::Shift}, {"plane", VerticalMethod::InclinedPlane}}};
+
+template <typename Table, typename Method>
+std::string_view KeyOf(const Table& table, Method method) {
+  for (const auto& [key, known] : table) {
+    if (known == method) return key;
+  }
+  return {};
+}
+
+template <typename Method, typename Table>
+std::optional<Method> MethodOf(const Table& table, std::string_view name) {
+  for (const auto& [key, known] : table) {
+    if (key == name) return known;
+  }
+  return std::nullopt;
+}
+
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+}  // namespace
+
+std::optional<HorizontalMethod> ParseHorizontalMethod(std::string_view name) {
+  return MethodOf<HorizontalMethod>(kHorizontalMethods, name);
+}
+
+std::string_view HorizontalMethodKey(HorizontalMethod method) {
+  return KeyOf(kHorizontalMethods, method);
+}
+
+std::optional<VerticalMethod> ParseVerticalMethod(std::string_view name) {
+  return MethodOf<VerticalMethod>(kVerticalMethods, name);
+}
+
+std::string_view VerticalMethodKey(VerticalMethod method) {
+  return KeyOf(kVerticalMethods, method);
+}
+
+bool ReadJobLocalization(const Settings& settings, const std::string& job_path,
+                         JobLocalization& localization, std::string& problem) {
+  const std::string file = settings.GetOr("localization", "");
+  localization.path = file.empty() || file.starts_with('/') ? file : FolderOf(job_path) + file;
+  localization.on = !file.empty() && settings.GetOr("localization_on", "1") != "0";
+  const std::string horizontal = settings.GetOr("localization_method", "similarity");
+  const std::string vertical = settings.GetOr("localization_heights", "shift");
+  const std::string scale = settings.GetOr("localization_scale", "1");
+  const auto horizontal_method = ParseHorizontalMethod(horizontal);
+  const auto vertical_method = ParseVerticalMethod(vertical);
+  const auto given_scale = ParseNumber(scale);
+  if (!horizontal_method || !vertical_method || !given_scale || *given_scale <= 0.0) {
+    const std::string wrong = !horizontal_method ? "localization_method=" + horizontal
+                              : !vertical_method ? "localization_heights=" + vertical
+                                                 : "localization_scale=" + scale;
+    problem = "The job's setting " + wrong + " makes no sense.";
+    return false;
+  }
+  localization.method = {
+      .horizontal = *horizontal_method, .given_scale = *given_scale, .vertical = *vertical_method};
+  return true;
+}
+
+void PutJobLocalization(const JobLocalization& localization, const std::string& job_path,
+                        Settings& settings) {
+  const std::string folder = FolderOf(job_path);
+  const bool beside = localization.path.starts_with(folder);
+  settings.Set("localization",
+               beside ? localization.path.substr(folder.size()) : localization.path);
+  settings.Set("localization_on", localization.on ? "1" : "0");
+  settings.Set("localization_method", HorizontalMethodKey(localization.method.horizontal));
+  settings.Set("localization_scale", ShortestNumber(localization.method.given_scale));
+  settings.Set("localization_heights", VerticalMethodKey(localization.method.vertical));
+}
+
+std::string FitProblem(const LocalizationFit& fit) {
+  for (const FitResult result : {fit.horizontal.result, fit.vertical.result}) {
+    if (result == FitResult::Coincide) {
+      return "the control points stand in one place, so that no rotation can be fitted";
+    }
+    if (result == FitResult::NotANumber) return "a coordinate or the scale makes no sense";
+  }
+  return fit.usable() ? "" : "no control point takes part";
+}
+
+bool ApplyJobLocalization(Job& job, const Settings& settings, CTrgCalculator& calculator,
+                          std::string& problem) {
+  JobLocalization localization;
+  if (!ReadJobLocalization(settings, job.path, localization, problem)) return false;
+  if (!localization.on) return true;
+  LocalizationFault fault;
+  const auto read = LoadLocalization(job.host.files(), localization.path, job.unit, fault);
+  const std::string instead = " (tarvex localize " + job.path + " --off works without it.)";
+  if (!read) {
+    problem =
+        "The job's localization cannot be used: " + fault.Text(localization.path) + "." + instead;
+    return false;
+  }
+  std::vector<UnusableControl> unusable;
+  const ControlPoints points = ProjectControl(calculator, read->points, unusable);
+  if (!unusable.empty()) {
+    problem = "The job's localization cannot be used: control point " +
+              std::to_string(unusable.front().position + 1) +
+              " has no grid coordinates: " + CalculationText(unusable.front().result) + instead;
+    return false;
+  }
+  const LocalizationFit fit = FitLocalization(points, localization.method);
+  if (!fit.usable()) {
+    problem = "The job's localization cannot be used: " + FitProblem(fit) + "." + instead;
+    return false;
+  }
+  CalculationSteps steps = calculator.steps();
+  steps.localization = std::make_shared<FittedLocalization>(fit);
+  calculator.SetSteps(std::move(steps));
+  return true;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,186 @@
+#include "app/workflow/job_session.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <span>
+#include <vector>
+
+#include "core/number_text.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::uint64_t kLargestSettings = 1 << 20;
+
+// The job's name is the name of its coordinate file.
+std::string JobName(const std::string& path) {
+  const std::string without = PathWithExtension(path, "");
+  const std::size_t folder = without.find_last_of('/');
+  std::string name = without.substr(folder == std::string::npos ? 0 : folder + 1);
+  name.pop_back();  // the dot
+  return name;
+}
+
+// "north or south", "metres, us-feet or intl-feet".
+std::string Listed(std::span<const std::string_view> words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " or " : ", ";
+    text += words[i];
+  }
+  return text;
+}
+
+// A link leads to the file itself, so that the job's other files stand beside it and a file that is
+// replaced stays where it is.
+std::string WithoutLink(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_symlink(path, error)) return path;
+  const std::filesystem::path target = std::filesystem::canonical(path, error);
+  return error ? path : target.string();
+}
+
+}  // namespace
+
+std::optional<DistanceUnit> ParseUnit(std::string_view name) {
+  for (const DistanceUnit unit :
+       {DistanceUnit::UsSurveyFeet, DistanceUnit::Metres, DistanceUnit::InternationalFeet}) {
+    if (name == UnitKey(unit)) return unit;
+  }
+  return std::nullopt;
+}
+
+std::string_view UnitKey(DistanceUnit unit) {
+  switch (unit) {
+    case DistanceUnit::UsSurveyFeet:
+      return "us-feet";
+    case DistanceUnit::InternationalFeet:
+      return "intl-feet";
+    case DistanceUnit::Metres:
+      break;
+  }
+  return "metres";
+}
+
+JobSession::JobSession(Program& program, const std::string& path) : program_(program), job_(*this) {
+  job_.path = WithoutLink(path);
+  job_.name = JobName(path);
+  job_.collector = ProgramIdentification();
+}
+
+std::string JobSession::settings_path() const {
+  return PathWithExtension(job_.path, "job");
+}
+
+bool JobSession::Load() {
+  std::string text;
+  const FileStatus status = ReadWholeFile(files(), settings_path(), kLargestSettings, text);
+  if (!status.ok() && !status.not_found()) {
+    ShowMessage("The job's settings " + settings_path() + " cannot be read: " + status.Text() +
+                ".");
+    return false;
+  }
+  settings_ = Settings(text);
+  return TakeSettings();
+}
+
+bool JobSession::LoadExisting() {
+  if (files().Exists(job_.path)) {
+    if (!files().Exists(settings_path())) {
+      program_.Warn("The job's settings " + settings_path() +
+                    " are missing: metres, azimuths from north and no coordinate system are "
+                    "assumed.");
+    }
+    return Load();
+  }
+  const std::string completed = job_.path + ".crd";
+  if (!job_.path.ends_with(".crd") && files().Exists(completed)) {
+    ShowMessage("There is no job " + job_.path + "; there is " + completed + ".");
+    return false;
+  }
+  ShowMessage("There is no job " + job_.path + "; `tarvex new " + job_.path + "` creates it.");
+  return false;
+}
+
+bool JobSession::TakeSettings() {
+  const auto refuse = [this](std::string_view key, std::string_view value,
+                             std::string_view wanted) {
+    ShowMessage(settings_path() + ": " + std::string(key) + "=" + std::string(value) +
+                " makes no sense (" + std::string(wanted) + "); the job was not opened.");
+    return false;
+  };
+  struct Choice {
+    const char* key;
+    const char* fallback;
+    std::vector<std::string_view> values;
+  };
+  const Choice choices[] = {{"ids", "alphanumeric", {"alphanumeric", "numeric"}},
+                            {"units", "metres", {"metres", "us-feet", "intl-feet"}},
+                            {"azimuths", "north", {"north", "south"}},
+                            {"curvature_correction", "0", {"0", "1"}}};
+  for (const Choice& choice : choices) {
+    const std::string value = settings_.GetOr(choice.key, choice.fallback);
+    if (std::find(choice.values.begin(), choice.values.end(), value) == choice.values.end()) {
+      return refuse(choice.key, value, Listed(choice.values));
+    }
+  }
+  const std::string scale_text = settings_.GetOr("scale_factor", "1");
+  const auto scale = ParseNumber(scale_text);
+  if (!scale || *scale <= 0.0) return refuse("scale_factor", scale_text, "a number above 0");
+  job_.unit = *ParseUnit(settings_.GetOr("units", "metres"));
+  job_.scale_factor = *scale;
+  job_.name = settings_.GetOr("name", job_.name);
+  job_.alphanumeric_new_files = settings_.GetOr("ids", "alphanumeric") != "numeric";
+  job_.azimuths_from_south = settings_.GetOr("azimuths", "north") == "south";
+  job_.curvature_correction = settings_.GetOr("curvature_correction", "0") == "1";
+  return true;
+}
+
+bool JobSession::Save() {
+  const FileStatus status = ReplaceWholeFile(files(), settings_path(), settings_.Text());
+  if (status.ok()) return true;
+  ShowMessage("The job's settings " + settings_path() + " cannot be written: " + status.Text() +
+              ".");
+  return false;
+}
+
+ExistingPointAnswer JobSession::AskPerson(const std::string& id) {
+  std::string answer;
+  const bool answered = program_.console.Ask(
+      "Point " + id + " exists. Overwrite it, store under the next free id, or cancel? [o/n/C] ",
+      answer);
+  if (!answered || answer.empty()) return {.choice = ExistingPointAnswer::Choice::Cancel};
+  if (LowerCase(answer[0]) == 'o') return {.choice = ExistingPointAnswer::Choice::Overwrite};
+  if (LowerCase(answer[0]) == 'n') return {.choice = ExistingPointAnswer::Choice::UseNextFreeId};
+  return {.choice = ExistingPointAnswer::Choice::Cancel};
+}
+
+ExistingPointAnswer JobSession::AskExistingPoint(const std::string& id, bool exists) {
+  if (!exists) return {.choice = ExistingPointAnswer::Choice::Overwrite};
+  switch (policy_) {
+    case ExistingPolicy::Ask:
+      return AskPerson(id);
+    case ExistingPolicy::Overwrite:
+      return {.choice = ExistingPointAnswer::Choice::Overwrite};
+    case ExistingPolicy::Next:
+      return {.choice = ExistingPointAnswer::Choice::UseNextFreeId};
+    case ExistingPolicy::Cancel:
+      break;
+  }
+  return {.choice = ExistingPointAnswer::Choice::Cancel};
+}
+
+void JobSession::ShowMessage(const std::string& text) {
+  program_.console.PrintError("ERROR: " + text + "\n");
+}
+
+void JobSession::ShowWaitCursor(bool shown) {
+  if (shown) {
+    program_.console.ShowProgress("Filling the point numbers in between ...");
+  } else {
+    program_.console.EndProgress();
+  }
+}
+
+}  // namespace tarvex

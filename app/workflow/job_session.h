@@ -1,0 +1,56 @@
+// A job as the program opens it: the settings file beside the coordinate file, the core's Job
+// filled from it, and the answers to what the store may ask.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/cli/program.h"
+#include "core/job.h"
+#include "core/settings.h"
+
+namespace tarvex {
+
+/// What happens when a point to store exists already.
+enum class ExistingPolicy { Ask, Overwrite, Next, Cancel };
+
+class JobSession final : public JobHost {
+ public:
+  /// `path` names the coordinate file.
+  JobSession(Program& program, const std::string& path);
+
+  /// Reads NAME.job and fills the job; a missing file means the settings of a new job. False after
+  /// a message when the settings cannot be read or make no sense.
+  bool Load();
+  /// The same for a job that must exist: without its coordinate file there is nothing to work on.
+  bool LoadExisting();
+  /// Writes the settings durably; false after a message.
+  bool Save();
+
+  Job& job() { return job_; }
+  Settings& settings() { return settings_; }
+  std::string settings_path() const;
+  void set_policy(ExistingPolicy policy) { policy_ = policy; }
+
+  // What the core asks for.
+  FileSystem& files() override { return program_.files; }
+  Clock& clock() override { return program_.clock; }
+  ExistingPointAnswer AskExistingPoint(const std::string& id, bool exists) override;
+  void ShowMessage(const std::string& text) override;
+  void ShowWaitCursor(bool shown) override;
+
+ private:
+  bool TakeSettings();
+  ExistingPointAnswer AskPerson(const std::string& id);
+
+  Program& program_;
+  Settings settings_;
+  Job job_;
+  ExistingPolicy policy_ = ExistingPolicy::Cancel;
+};
+
+/// "us-feet", "metres" and "intl-feet", as settings and options name the units.
+std::optional<DistanceUnit> ParseUnit(std::string_view name);
+std::string_view UnitKey(DistanceUnit unit);
+
+}  // namespace tarvex
