@@ -34,7 +34,7 @@ bool IsBetter(const StationOffset& a, const StationOffset& b) {
 
 CheckLimits CheckLimits::For(DistanceUnit unit) {
   const double factor = unit == DistanceUnit::Metres ? 1.0 : kFeetPerMetre;
-  return {0.001 * factor, 0.02 * factor, 0.01 * factor};
+  return {0.001 * factor, 0.02 * factor, 0.01 * factor, 5e-5 * factor};
 }
 
 double AlignmentElement::SpiralParameter() const {

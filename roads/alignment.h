@@ -32,6 +32,7 @@ struct CheckLimits {
   double note = 0.001;
   double refuse = 0.02;
   double spiral_record = 0.01;  ///< an "SP" whose chord misses by more is drawn as a chord
+  double straight = 5e-5;       ///< an "SP" whose end bends by less ends straight: rounded numbers
 
   static CheckLimits For(DistanceUnit unit);
 };

@@ -169,7 +169,7 @@ AlignmentElement AlignmentBuilder::Begin(const Run& run, ElementShape shape,
 void AlignmentBuilder::Finish(AlignmentElement element, const CurvePiece& piece) {
   element.length = piece.length;
   element.curvature_start = piece.curvature;
-  element.curvature_end = piece.CurvatureAt(piece.length);
+  element.curvature_end = piece.curvature_end;
   element.azimuth_start = FullAngle(std::atan2(piece.sin_azimuth, piece.cos_azimuth));
   const double sweep = 0.5 * (element.curvature_start + element.curvature_end) * piece.length;
   element.azimuth_end = FullAngle(element.azimuth_start + sweep);
@@ -271,7 +271,10 @@ void AlignmentBuilder::AddSpiralRecord(const Run& run) {
   const bool readable = (kind == 1.0 || kind == 2.0) && a2 > 0.0 && std::isfinite(a2) &&
                         (straight || std::fabs(record.radius) >= kSmallestRadius);
   const double change = (kind == 1.0 ? 1.0 : -1.0) * run.stations / (readable ? a2 : 1.0);
-  const double k1 = k0 + change;
+  double k1 = k0 + change;
+  // An end that the file's decimals keep from being straight is straight: how far it would lead
+  // astray tells.
+  if (std::fabs(k1) * run.stations * run.stations / 6.0 < limits_.straight) k1 = 0.0;
   if (!readable || !IsSpiralBuildable(k0, k1, run.stations)) {
     return AddTangent(run, ElementFault::SpiralUnknown);
   }

@@ -282,6 +282,7 @@ CurvePiece MakeArcPiece(const PlanPoint& start, double azimuth, double curvature
   piece.cos_azimuth = std::cos(azimuth);
   piece.sin_azimuth = std::sin(azimuth);
   piece.curvature = curvature;
+  piece.curvature_end = curvature;
   piece.length = length;
   piece.end = OnArc(curvature, length);
   return piece;
@@ -290,6 +291,7 @@ CurvePiece MakeArcPiece(const PlanPoint& start, double azimuth, double curvature
 CurvePiece MakeSpiralPiece(const PlanPoint& start, double azimuth, double k0, double k1,
                            double length, std::vector<SpiralPanel>& panels) {
   CurvePiece piece = MakeArcPiece(start, azimuth, k0, length);
+  piece.curvature_end = k1;
   piece.sharpness = (k1 - k0) / length;
   piece.first_panel = static_cast<std::uint32_t>(panels.size());
   piece.end = AppendSpiralPanels(k0, k1, length, panels);

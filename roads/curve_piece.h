@@ -73,6 +73,9 @@ struct CurvePiece {
   double cos_azimuth = 1.0;
   double sin_azimuth = 0.0;
   double curvature = 0.0;  ///< at the start
+  /// At the end, as the piece was made with: start and sharpness give it only to rounding, and a
+  /// spiral that runs into a straight line ends at exactly 0.
+  double curvature_end = 0.0;
   double sharpness = 0.0;  ///< change of curvature per length; 0 for tangents and arcs
   double length = 0.0;
   LocalFrame end;
