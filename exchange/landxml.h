@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "core/units.h"
+#include "platform/clock.h"
 #include "roads/centerline.h"
 #include "roads/profile.h"
 #include "roads/road_geometry.h"
@@ -61,7 +62,7 @@ struct LandXmlExport {
   const RoadGeometry* road = nullptr;
   const Profile* profile = nullptr;  ///< null for none
   std::string program;               ///< "Tarvex 1.0"
-  std::string date;                  ///< "2026-01-31", empty for none
+  LocalTime written;                 ///< date and time, which the schema demands
 };
 
 /// The document, every element with stations, directions, lengths and radii, so that a reader need

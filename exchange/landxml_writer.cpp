@@ -26,7 +26,7 @@ class LandXmlWriter {
     pugi::xml_node root = document_.append_child("LandXML");
     root.append_attribute("xmlns") = "http://www.landxml.org/schema/LandXML-1.2";
     root.append_attribute("version") = "1.2";
-    if (!what_.date.empty()) root.append_attribute("date") = what_.date.c_str();
+    AppendStamp(root);
     AppendUnits(root);
     if (!what_.program.empty()) {
       root.append_child("Application").append_attribute("name") = what_.program.c_str();
@@ -61,6 +61,23 @@ class LandXmlWriter {
   }
   static void AppendPoint(pugi::xml_node node, const char* name, const PlanPoint& at) {
     AppendPair(node, name, at.northing, at.easting);
+  }
+
+  // The schema demands both.
+  void AppendStamp(pugi::xml_node root) const {
+    const LocalTime& at = what_.written;
+    const auto parts = [](char separator, std::initializer_list<int> numbers) {
+      std::string text;
+      for (const int number : numbers) {
+        if (!text.empty()) text += separator;
+        AppendInteger(text, number, 2);
+      }
+      return text;
+    };
+    const std::string date = parts('-', {at.year, at.month, at.day});
+    const std::string time = parts(':', {at.hour, at.minute, at.second});
+    root.append_attribute("date") = date.c_str();
+    root.append_attribute("time") = time.c_str();
   }
 
   void AppendUnits(pugi::xml_node root) const {

@@ -15,9 +15,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const tarvex::LandXmlAlignment& alignment : reading.alignments) {
     const auto making = tarvex::MakeRoadGeometry(alignment.centerline, alignment.equations);
     if (!making.geometry) continue;
-    const auto text =
-        tarvex::WriteLandXml({"road", reading.unit, &*making.geometry,
-                              alignment.profile ? &*alignment.profile : nullptr, "fuzz", ""});
+    const auto text = tarvex::WriteLandXml({"road",
+                                            reading.unit,
+                                            &*making.geometry,
+                                            alignment.profile ? &*alignment.profile : nullptr,
+                                            "fuzz",
+                                            {}});
     if (!text) continue;
     const auto again = tarvex::ReadLandXml(*text);
     if (again.result == tarvex::LandXmlResult::NotXml) std::abort();

@@ -114,7 +114,7 @@ TEST(LandXmlWriter, RoundTripsToTheSameRoad) {
                                     .road = &road,
                                     .profile = first.profile ? &*first.profile : nullptr,
                                     .program = "Tarvex",
-                                    .date = "2026-01-31"});
+                                    .written = {2026, 1, 31, 9, 5, 7}});
     ASSERT_TRUE(text) << file;
     const LandXmlReading again = ReadLandXml(*text);
     ASSERT_EQ(again.result, LandXmlResult::Read) << again.problem << *text;
@@ -165,7 +165,7 @@ TEST(LandXmlWriter, RefusesSpiralsThatTurnToBothSides) {
                              .road = &road,
                              .profile = nullptr,
                              .program = "",
-                             .date = ""},
+                             .written = {}},
                             &refused));
   EXPECT_EQ(refused, 0U);
 }

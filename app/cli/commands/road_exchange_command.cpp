@@ -116,7 +116,7 @@ ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
                     .road = &road->geometry,
                     .profile = road->profile ? &*road->profile : nullptr,
                     .program = ProgramIdentification(),
-                    .date = ""},
+                    .written = program.clock.Now()},
                    &refused);
   if (!text) {
     const AlignmentElement& element = road->alignment().elements()[refused];
