@@ -140,8 +140,10 @@ MadeProjection MakeTransverseMercatorAlaska27(const ProjectionParameters& parame
   Kernel kernel;
   kernel.false_easting_ft = parameters.coefficients[0];
   kernel.central_meridian_s = parameters.coefficients[1];
-  if (kernel.central_meridian_s == 0.0) {
+  if (kernel.false_easting_ft == 0.0) {
     kernel.false_easting_ft = parameters.false_easting_m * kMetresToUsFeet;
+  }
+  if (kernel.central_meridian_s == 0.0) {
     kernel.central_meridian_s = -parameters.central_meridian_rad * kSecondsPerRadian;
   }
   if (!(std::fabs(kernel.false_easting_ft) < 1e8 &&

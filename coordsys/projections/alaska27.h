@@ -3,10 +3,10 @@
 // origin 54 north and the scale factor 0.9999 built into it.
 //
 // The zone's false easting E0 (feet) is coefficient 1 and its central meridian (seconds of arc,
-// west positive) coefficient 2; a record without them gives its false easting (metres) and central
-// meridian (degrees, east positive). Against the exact projection the series is 0.00015 ft over a
-// zone. The inverse is the publication's, improved until it closes on the forward series: 1e-8 m.
-// Domain: 48 to 75 degrees north, 6 degrees to either side of the central meridian.
+// west positive) coefficient 2; for each of the two that is 0 the record's false easting (metres)
+// or central meridian (degrees, east positive) is taken. Against the exact projection the series is
+// 0.00015 ft over a zone. The inverse is the publication's, improved until it closes on the forward
+// series: 1e-8 m. Domain: 48 to 75 degrees north, 6 degrees to either side of the central meridian.
 #pragma once
 
 #include "coordsys/projection.h"

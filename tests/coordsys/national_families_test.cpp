@@ -41,6 +41,25 @@ LatLon Inverse(const Projection& projection, PlanePoint point) {
   return position;
 }
 
+// Each constant of a zone is taken from its series coefficient, or else from the field that says
+// the same in metres and degrees.
+TEST(Alaska27, EachConstantMayComeInEitherForm) {
+  const auto zone = [](double false_easting_m, double longitude_deg, double e0_ft, double cm_s) {
+    ProjectionRecord record = Nad27ZoneOfCode(124)->record;
+    record.false_easting = false_easting_m;
+    record.central_meridian = record.longitude_of_center = longitude_deg;
+    record.coefficients = {e0_ft, cm_s, e0_ft};
+    return Forward(*MakeProjection(record).projection, 60.0, -150.5);
+  };
+  const PlanePoint whole = zone(0.0, 0.0, 500000.0, 540000.0);
+  for (const PlanePoint& point :
+       {zone(152400.3048, -150.0, 0.0, 0.0), zone(152400.3048, 0.0, 0.0, 540000.0),
+        zone(0.0, -150.0, 500000.0, 0.0), zone(1.0, 1.0, 500000.0, 540000.0)}) {
+    EXPECT_NEAR(point.easting_m, whole.easting_m, 1e-4);
+    EXPECT_NEAR(point.northing_m, whole.northing_m, 1e-4);
+  }
+}
+
 // Points of the zones computed with the transverse Mercator of PROJ 9.1.1 (k0 0.9999, origin 54 N,
 // Clarke 1866): the series is 0.00015 ft from it.
 TEST(Alaska27, MeetsTheExactProjectionOverItsZones) {
