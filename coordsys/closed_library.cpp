@@ -23,11 +23,16 @@ void* ClosedLibrary::Address(const char* entry_name) {
   const std::lock_guard lock(mutex_);
   if (const auto known = entries_.find(entry_name); known != entries_.end()) return known->second;
   if (!Loaded()) return nullptr;
-  return entries_[entry_name] = library_->Find(entry_name);
+  void* const address = library_->Find(entry_name);
+  if (!address && messages_) {
+    messages_->Show(Strings().Text(141), Strings().Text(2208, {name_, entry_name}));
+  }
+  return entries_[entry_name] = address;
 }
 
 void ClosedLibrary::Close() {
   const std::lock_guard lock(mutex_);
+  generation_.fetch_add(1, std::memory_order_acq_rel);
   entries_.clear();
   library_.reset();
 }

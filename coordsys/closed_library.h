@@ -1,10 +1,13 @@
 // A closed library bound by name: loaded on first use and kept, its entry points looked up once
-// each and kept. A load that failed is remembered and not tried again; it is told once.
+// each and kept. A load that failed is remembered and not tried again; it is told once, and so is
+// an entry that the library lacks.
 //
 // One object stands for one library and is shared by everything that uses it. Calls are safe from
 // any thread.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -27,8 +30,11 @@ class ClosedLibrary {
   }
 
   /// Unloads the library and forgets its entry points: the next use loads it afresh. A remembered
-  /// failure stays remembered.
+  /// failure stays remembered. No call into the library may be running.
   void Close();
+
+  /// Counts the times that the library was closed: an address is good as long as it is the same.
+  std::uint64_t generation() const { return generation_.load(std::memory_order_acquire); }
 
   /// Who is told of a load that fails from here on.
   void SetMessages(MessageBox* messages);
@@ -40,6 +46,7 @@ class ClosedLibrary {
   bool Loaded();
 
   std::mutex mutex_;
+  std::atomic<std::uint64_t> generation_ = 0;
   std::string name_;
   RunTimeLibraries& libraries_;
   MessageBox* messages_;

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <numbers>
 #include <utility>
@@ -44,22 +45,24 @@ CoordSysParameters LibraryParameters(const ProjectionParameters& parameters) {
   return result;
 }
 
-// One entry point, looked up once.
+// One entry point, looked up once, and once more after the library was closed.
 class Entry {
  public:
   explicit Entry(const char* name) : name_(name) {}
 
   CoordSysConversion* In(ClosedLibrary& library) const {
-    CoordSysConversion* entry = found_.load(std::memory_order_acquire);
-    if (entry) return entry;
-    entry = library.Entry<CoordSysConversion>(name_);
-    found_.store(entry, std::memory_order_release);
+    const std::uint64_t generation = library.generation();
+    if (found_in_.load(std::memory_order_acquire) == generation) return found_;
+    CoordSysConversion* const entry = library.Entry<CoordSysConversion>(name_);
+    found_.store(entry, std::memory_order_relaxed);
+    found_in_.store(generation, std::memory_order_release);
     return entry;
   }
 
  private:
   const char* name_;
   mutable std::atomic<CoordSysConversion*> found_ = nullptr;
+  mutable std::atomic<std::uint64_t> found_in_ = std::numeric_limits<std::uint64_t>::max();
 };
 
 class ClosedProjection final : public Projection {
@@ -80,9 +83,12 @@ class ClosedProjection final : public Projection {
     if (std::isnan(latitude) || std::isnan(longitude)) return ProjectionResult::NotANumber;
     const bool on_earth = std::fabs(latitude) <= std::numbers::pi / 2.0 &&
                           std::fabs(longitude) <= 2.0 * std::numbers::pi;
-    const bool done = on_earth && entry(latitude, longitude, &point.northing_m, &point.easting_m,
-                                        &parameters_) == 1;
-    return done ? ProjectionResult::Done : ProjectionResult::OutsideDomain;
+    PlanePoint out;
+    if (!on_earth || !Converts(entry, latitude, longitude, out.northing_m, out.easting_m)) {
+      return ProjectionResult::OutsideDomain;
+    }
+    point = out;
+    return ProjectionResult::Done;
   }
 
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept override {
@@ -94,9 +100,13 @@ class ClosedProjection final : public Projection {
     constexpr double kFarthest_m = 1e9;
     const bool on_plane =
         std::fabs(point.northing_m) <= kFarthest_m && std::fabs(point.easting_m) <= kFarthest_m;
-    const bool done = on_plane && entry(point.northing_m, point.easting_m, &position.latitude_rad,
-                                        &position.longitude_rad, &parameters_) == 1;
-    return done ? ProjectionResult::Done : ProjectionResult::OutsideDomain;
+    LatLon out;
+    if (!on_plane ||
+        !Converts(entry, point.northing_m, point.easting_m, out.latitude_rad, out.longitude_rad)) {
+      return ProjectionResult::OutsideDomain;
+    }
+    position = out;
+    return ProjectionResult::Done;
   }
 
   std::size_t Forward(std::span<const double> latitude_rad, std::span<const double> longitude_rad,
@@ -131,6 +141,13 @@ class ClosedProjection final : public Projection {
 
  private:
   static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+  // What a library of another house answers is a number, or it is no answer.
+  bool Converts(CoordSysConversion* entry, double first, double second, double& first_out,
+                double& second_out) const noexcept {
+    return entry(first, second, &first_out, &second_out, &parameters_) == 1 &&
+           std::isfinite(first_out) && std::isfinite(second_out);
+  }
 
   std::shared_ptr<ClosedLibrary> library_;
   Entry to_grid_;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -58,8 +59,8 @@ ProjectionRecord Record(ProjectionType type, int area = 0) {
   record.semi_major_m = 6377397.155;
   record.flattening = 1.0 / 299.1528128;
   record.projection_type = static_cast<int>(type);
-  record.latitude_of_origin = 46.0;
-  record.central_meridian = 10.0;
+  record.latitude_of_origin = record.latitude_of_center = 46.0;
+  record.central_meridian = record.longitude_of_center = 10.0;
   record.standard_parallel_2_or_azimuth = 45.0;
   record.scale_factor = 1.0;
   record.denmark_area = area;
@@ -101,6 +102,42 @@ TEST(ClosedLibrary, AFailedLoadIsRememberedAndToldOnce) {
   }
   EXPECT_THAT(libraries.asked, testing::ElementsAre("CoordSys.dll"));
   EXPECT_THAT(messages.texts, testing::ElementsAre(testing::HasSubstr("CoordSys.dll")));
+}
+
+int NoNumbers(double, double, double* first_out, double* second_out, const CoordSysParameters*) {
+  *first_out = std::numeric_limits<double>::quiet_NaN();
+  *second_out = std::numeric_limits<double>::infinity();
+  return 1;
+}
+
+TEST(ClosedLibrary, IsLoadedAfreshAfterItWasClosed) {
+  ScriptedLibraries libraries;
+  libraries.entries["latLong2XY_CassiniSoldner"] = reinterpret_cast<void*>(&Doubled);
+  const auto library = std::make_shared<ClosedLibrary>("CoordSys.dll", libraries);
+  const auto made = MakeProjection(Record(ProjectionType::CassiniSoldner), library);
+  PlanePoint point;
+  ASSERT_EQ(made.projection->Forward({0.5, 0.25}, point), ProjectionResult::Done);
+  library->Close();
+  // What the name leads to now is not what it led to before.
+  libraries.entries["latLong2XY_CassiniSoldner"] = reinterpret_cast<void*>(&NoNumbers);
+  EXPECT_EQ(made.projection->Forward({0.5, 0.25}, point), ProjectionResult::OutsideDomain);
+  EXPECT_EQ(point, (PlanePoint{1.0, 0.5}));
+  EXPECT_THAT(libraries.asked, testing::ElementsAre("CoordSys.dll", "latLong2XY_CassiniSoldner",
+                                                    "CoordSys.dll", "latLong2XY_CassiniSoldner"));
+}
+
+TEST(ClosedLibrary, AnEntryThatIsMissingIsNamedOnce) {
+  ScriptedLibraries libraries;
+  CountedMessages messages;
+  const auto library = std::make_shared<ClosedLibrary>("CoordSys.dll", libraries, &messages);
+  const auto made = MakeProjection(Record(ProjectionType::ObliqueMercator), library);
+  PlanePoint point;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(made.projection->Forward({0.8, 0.2}, point), ProjectionResult::LibraryMissing);
+  }
+  EXPECT_THAT(messages.texts, testing::ElementsAre(testing::AllOf(
+                                  testing::HasSubstr("CoordSys.dll"),
+                                  testing::HasSubstr("no entry \"latLong2XY_ObliqueMercator\""))));
 }
 
 TEST(ClosedLibrary, EveryFamilyAsksForItsOwnEntries) {
