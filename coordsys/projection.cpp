@@ -92,6 +92,19 @@ ProjectionFault CommonFault(const ProjectionParameters& parameters, Scale scale)
   return ProjectionFault::None;
 }
 
+// The families that lie around a centre, not an origin on a central meridian.
+bool HasCentre(int type) {
+  switch (static_cast<ProjectionType>(type)) {
+    case ObliqueMercator83:
+    case Stereographic:
+    case ObliqueMercator27:
+    case ObliqueMercator:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 ProjectionParameters ParametersOf(const ProjectionRecord& record) {
@@ -99,8 +112,11 @@ ProjectionParameters ParametersOf(const ProjectionRecord& record) {
   parameters.ellipsoid = EllipsoidOf(record);
   parameters.false_easting_m = record.false_easting;
   parameters.false_northing_m = record.false_northing;
-  parameters.central_meridian_rad = record.central_meridian * kRadiansPerDegree;
-  parameters.latitude_of_origin_rad = record.latitude_of_origin * kRadiansPerDegree;
+  const bool centre = HasCentre(record.projection_type);
+  const double latitude = centre ? record.latitude_of_center : record.latitude_of_origin;
+  const double longitude = centre ? record.longitude_of_center : record.central_meridian;
+  parameters.latitude_of_origin_rad = latitude * kRadiansPerDegree;
+  parameters.central_meridian_rad = longitude * kRadiansPerDegree;
   parameters.scale_factor = record.scale_factor;
   parameters.parallel_1_rad = record.standard_parallel_1 * kRadiansPerDegree;
   parameters.parallel_2_or_azimuth_rad = record.standard_parallel_2_or_azimuth * kRadiansPerDegree;

@@ -72,8 +72,8 @@ class Projection {
   virtual ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept = 0;
   virtual ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept = 0;
 
-  /// Whole arrays, all of one length; in and out may be the same arrays. A point that is refused
-  /// comes out as not-a-number in both; returns how many were.
+  /// Whole arrays, all of one length; in and out may be the same arrays, crossed or not. A point
+  /// that is refused comes out as not-a-number in both; returns how many were.
   virtual std::size_t Forward(std::span<const double> latitude_rad,
                               std::span<const double> longitude_rad, std::span<double> northing_m,
                               std::span<double> easting_m) const noexcept = 0;

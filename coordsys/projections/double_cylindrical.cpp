@@ -7,6 +7,8 @@ namespace tarvex {
 namespace {
 
 constexpr double kQuarter = std::numbers::pi / 2.0;
+// Of the sphere, whose longitudes are stretched by c: beyond it lies the other side of the seam.
+constexpr double kHalfTurn = std::numbers::pi * (1.0 + 1e-15);
 constexpr double kFarthestAcross = 0.95;                 // sine of 71 degrees
 constexpr double kFarthestAcrossIsometric = 1.83178083;  // atanh of it
 constexpr double kClosing = 1e-9;
@@ -28,15 +30,15 @@ struct Kernel {
     const Lanes square = exp_w * exp_w;
     const Lanes norm = 1.0 / (square + 1.0);
     const LaneDirection b{(square - 1.0) * norm, 2.0 * exp_w * norm};
-    const LaneDirection l =
-        Toward(c * WrappedLongitude(position.longitude_rad - central_meridian_rad));
+    const Lanes turn = c * WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    const LaneDirection l = Toward(turn);
     const Lanes forth = b.cos * l.cos;
     const Lanes across = b0.cos * b.sin - b0.sin * forth;
     const Lanes along = AngleOf(b.cos * l.sin, b0.sin * b.sin + b0.cos * forth);
     point.easting_m = false_easting_m + radius_m * along;
     point.northing_m =
         false_northing_m + 0.5 * radius_m * LogarithmOf((1.0 + across) / (1.0 - across));
-    return Within(across, kFarthestAcross) & Within(along, kQuarter);
+    return Within(across, kFarthestAcross) & Within(along, kQuarter) & Within(turn, kHalfTurn);
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {

@@ -17,6 +17,24 @@ double LengthOfParallel(const EllipsoidConstants& c, double phi) {
   return std::cos(phi) / std::sqrt(1.0 - c.e2 * sin_phi * sin_phi);
 }
 
+// The constant of the cone through two parallels: how the logarithm of their lengths changes with
+// the isometric latitude. Both differences are formed of the difference of the latitudes, so that
+// parallels a hand's breadth apart lose nothing.
+double ConeConstant(const EllipsoidConstants& c, double phi1, double phi2) {
+  const double half = std::sin(0.5 * (phi2 - phi1));
+  const double sine_step = 2.0 * half * std::cos(0.5 * (phi1 + phi2));
+  const double square_step = std::sin(phi2 - phi1) * std::sin(phi1 + phi2);
+  const double cos1 = std::cos(phi1);
+  const double cos2 = std::cos(phi2);
+  const double sines = std::sin(phi1) * std::sin(phi2);
+  const double w2 = 1.0 - c.e2 * std::sin(phi2) * std::sin(phi2);
+  const double lengths =
+      0.5 * (std::log1p(square_step / (cos2 * cos2)) - std::log1p(c.e2 * square_step / w2));
+  const double isometric = std::atanh(sine_step / (cos1 * cos2 + 2.0 * half * half)) -
+                           c.e * std::atanh(c.e * sine_step / (1.0 - c.e2 * sines));
+  return lengths / isometric;
+}
+
 struct Kernel {
   EllipsoidConstants ellipsoid;
   double n = 0.0;
@@ -43,8 +61,9 @@ struct Kernel {
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
-    const Lanes x = sign * (point.easting_m - false_easting_m);
-    const Lanes y = sign * (apex_northing_m - point.northing_m);
+    // A zero of either sign is +0, so that the apex of a southern cone has no direction either.
+    const Lanes x = sign * (point.easting_m - false_easting_m) + 0.0;
+    const Lanes y = sign * (apex_northing_m - point.northing_m) + 0.0;
     const Lanes theta = AngleOf(x, y);
 
     const Lanes square = (x * x + y * y) / (apex_radius_m * apex_radius_m);
@@ -90,11 +109,8 @@ MadeProjection MakeLambertConformalConic2SP(const ProjectionParameters& paramete
     return {nullptr, ProjectionFault::StandardParallels};
   }
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
-  double n = std::sin(phi1);
-  if (std::fabs(phi1 - phi2) >= kSameParallel) {
-    n = std::log(LengthOfParallel(c, phi1) / LengthOfParallel(c, phi2)) /
-        (c.Isometric(phi2) - c.Isometric(phi1));
-  }
+  const bool same = std::fabs(phi1 - phi2) < kSameParallel;
+  const double n = same ? std::sin(phi1) : ConeConstant(c, phi1, phi2);
   if (!(std::fabs(n) > kFlattestCone)) return {nullptr, ProjectionFault::StandardParallels};
   if (!(std::fabs(phi0) <= kQuarter) || (n * phi0 < 0.0 && std::fabs(phi0) > kFarthestLatitude)) {
     return {nullptr, ProjectionFault::LatitudeOfOrigin};

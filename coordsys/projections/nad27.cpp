@@ -41,8 +41,10 @@ class InUsSurveyFeet final : public Projection {
                       std::span<double> latitude_rad,
                       std::span<double> longitude_rad) const noexcept override {
     for (std::size_t i = 0; i < northing_m.size(); ++i) {
-      latitude_rad[i] = northing_m[i] * kMetresToUsFeet;
-      longitude_rad[i] = easting_m[i] * kMetresToUsFeet;
+      const double northing_ft = northing_m[i] * kMetresToUsFeet;
+      const double easting_ft = easting_m[i] * kMetresToUsFeet;
+      latitude_rad[i] = northing_ft;
+      longitude_rad[i] = easting_ft;
     }
     return feet_->Inverse(latitude_rad, longitude_rad, latitude_rad, longitude_rad);
   }

@@ -9,9 +9,12 @@ namespace tarvex {
 namespace {
 
 constexpr double kQuarter = std::numbers::pi / 2.0;
+// Of the sphere, whose longitudes are stretched by b: beyond it lies the other side of the seam.
+constexpr double kHalfTurn = std::numbers::pi * (1.0 + 1e-15);
 constexpr double kFarthestAcross = 0.95;                 // sine of 71 degrees
 constexpr double kFarthestAcrossIsometric = 1.83178083;  // atanh of it
 constexpr double kClosing = 1e-9;
+constexpr double kAtPole = 1e-32;  // keeps the pole itself out of a division by nothing
 
 // Quantities of the guidance note: B, A/B, ln H, the skew angle g0 and longitude lambda0 of the
 // natural origin, the rectified angle gc.
@@ -36,7 +39,8 @@ struct Kernel {
     const Lanes over_exp_w = 1.0 / exp_w;
     const Lanes sinh_w = 0.5 * (exp_w - over_exp_w);
     const Lanes over_cosh_w = 2.0 / (exp_w + over_exp_w);
-    const LaneDirection d = Toward(b * WrappedLongitude(position.longitude_rad - lambda0_rad));
+    const Lanes turn = b * WrappedLongitude(position.longitude_rad - lambda0_rad);
+    const LaneDirection d = Toward(turn);
     const Lanes across = (sinh_w * g0.sin - d.sin * g0.cos) * over_cosh_w;
     const Lanes along =
         WrappedLongitude(AngleOf(sinh_w * g0.cos + d.sin * g0.sin, d.cos) - centre_angle);
@@ -45,7 +49,7 @@ struct Kernel {
     const Lanes u = radius_m * (along + centre_angle - origin_angle);
     point.easting_m = false_easting_m + v * gc.cos + u * gc.sin;
     point.northing_m = false_northing_m + u * gc.cos - v * gc.sin;
-    return Within(across, kFarthestAcross) & Within(along, kQuarter);
+    return Within(across, kFarthestAcross) & Within(along, kQuarter) & Within(turn, kHalfTurn);
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
@@ -58,37 +62,48 @@ struct Kernel {
     const Lanes over_exp_v = 1.0 / exp_v;
     const Lanes sinh_v = 0.5 * (exp_v - over_exp_v);
     const LaneDirection z = Toward(u);
-    const Lanes sine =
-        Clamped(2.0 * (z.sin * g0.cos + sinh_v * g0.sin) / (exp_v + over_exp_v), -1.0, 1.0);
-    const Lanes psi = (0.5 * LogarithmOf((1.0 + sine) / (1.0 - sine)) - ln_h) * over_b;
+    const Lanes to_pole = z.sin * g0.cos + sinh_v * g0.sin;
+    const Lanes aside = sinh_v * g0.cos - z.sin * g0.sin;
+    // The sphere's isometric latitude from both legs: the sine alone is blunt at a pole.
+    const Lanes from_axis = SquareRootOf(z.cos * z.cos + aside * aside + kAtPole);
+    const Lanes sphere = LogarithmOf((Absolute(to_pole) + 0.5 * (exp_v + over_exp_v)) / from_axis);
+    const Lanes psi = (WithSignOf(sphere, to_pole) - ln_h) * over_b;
     position.latitude_rad = ellipsoid.FromExpIsometric(ExponentialOf(psi));
-    position.longitude_rad =
-        WrappedLongitude(lambda0_rad - AngleOf(sinh_v * g0.cos - z.sin * g0.sin, z.cos) * over_b);
+    position.longitude_rad = WrappedLongitude(lambda0_rad - AngleOf(aside, z.cos) * over_b);
     return Within(v, kFarthestAcrossIsometric + kClosing) &
            Within(u - centre_angle, kQuarter + kClosing);
   }
 };
 
-// The angle of the centre along the central line.
-double CentreAngle(const Kernel& kernel, double d, double phi, double azimuth, double longitude) {
-  if (std::fabs(std::fabs(azimuth) - kQuarter) < 1e-9) {
-    return kernel.b * (longitude - kernel.lambda0_rad);
+// A line of azimuth 171.3 degrees is the line of azimuth -8.7 walked the other way: u, v and the
+// rectified angle turn by half a circle together, so that the grid is the same.
+struct CentralLine {
+  double azimuth_rad = 0.0;  ///< -90 to 90 degrees
+  double rectified_rad = 0.0;
+};
+
+CentralLine CentralLineOf(const ProjectionParameters& parameters) {
+  CentralLine line;
+  line.azimuth_rad = WrappedLongitude(parameters.parallel_2_or_azimuth_rad);
+  const bool rectified_given = parameters.rectified_angle_rad != 0.0;
+  line.rectified_rad = rectified_given ? parameters.rectified_angle_rad : line.azimuth_rad;
+  if (std::fabs(line.azimuth_rad) > kQuarter) {
+    line.azimuth_rad -= std::copysign(std::numbers::pi, line.azimuth_rad);
+    line.rectified_rad -= std::copysign(std::numbers::pi, line.rectified_rad);
   }
-  const double angle = std::atan(std::sqrt(std::max(d * d - 1.0, 0.0)) / std::cos(azimuth));
-  return phi < 0.0 ? -angle : angle;
+  return line;
 }
 
 MadeProjection Make(const ProjectionParameters& parameters, bool false_origin_at_centre) {
   const double phi = parameters.latitude_of_origin_rad;
-  const double azimuth = WrappedLongitude(parameters.parallel_2_or_azimuth_rad);
+  const CentralLine line = CentralLineOf(parameters);
   if (!(std::fabs(phi) > 1e-6 && std::fabs(phi) < kQuarter * 0.99)) {
     return {nullptr, ProjectionFault::LatitudeOfOrigin};
   }
-  if (!(std::fabs(azimuth) > 1e-6 && std::fabs(azimuth) < std::numbers::pi - 1e-6)) {
-    return {nullptr, ProjectionFault::Azimuth};
-  }
+  if (!(std::fabs(line.azimuth_rad) > 1e-6)) return {nullptr, ProjectionFault::Azimuth};
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction centre = Toward(phi);
+  const Direction azimuth = Toward(line.azimuth_rad);
   const double cos2 = centre.cos * centre.cos;
   const double w2 = 1.0 - c.e2 * centre.sin * centre.sin;
   Kernel kernel;
@@ -97,18 +112,17 @@ MadeProjection Make(const ProjectionParameters& parameters, bool false_origin_at
   kernel.over_b = 1.0 / kernel.b;
   kernel.radius_m = c.a * parameters.scale_factor * std::sqrt(1.0 - c.e2) / w2;
   kernel.over_radius = 1.0 / kernel.radius_m;
-  const double d = kernel.b * std::sqrt(1.0 - c.e2) / (centre.cos * std::sqrt(w2));
-  const double root = std::sqrt(std::max(d * d - 1.0, 0.0));
-  const double f = d + (phi < 0.0 ? -root : root);
-  kernel.ln_h = std::log(f) - kernel.b * c.Isometric(phi);
-  kernel.g0.sin = std::sin(azimuth) / d;
-  kernel.g0.cos = std::sqrt(1.0 - kernel.g0.sin * kernel.g0.sin);
-  const double sine = 0.5 * (f - 1.0 / f) * kernel.g0.sin / kernel.g0.cos;
-  const double lambda_c = parameters.central_meridian_rad;
-  kernel.lambda0_rad = lambda_c - std::asin(std::clamp(sine, -1.0, 1.0)) / kernel.b;
-  const bool rectified_given = parameters.rectified_angle_rad != 0.0;
-  kernel.gc = Toward(rectified_given ? parameters.rectified_angle_rad : azimuth);
-  kernel.centre_angle = CentreAngle(kernel, d, phi, azimuth, lambda_c);
+  // sqrt(D^2 - 1) with the sign of the latitude, in closed form: where the azimuth is near 90
+  // degrees, differences of nearly equal numbers would cost centimetres.
+  const double root = centre.sin / centre.cos * std::sqrt((1.0 - c.e2) / w2);
+  const double d = std::sqrt(1.0 + root * root);
+  kernel.ln_h = std::asinh(root) - kernel.b * c.Isometric(phi);
+  kernel.g0.sin = azimuth.sin / d;
+  kernel.g0.cos = std::hypot(root, azimuth.cos) / d;
+  kernel.lambda0_rad =
+      parameters.central_meridian_rad - std::atan2(root * azimuth.sin, d * azimuth.cos) / kernel.b;
+  kernel.gc = Toward(line.rectified_rad);
+  kernel.centre_angle = std::copysign(std::atan2(std::fabs(root), azimuth.cos), phi);
   kernel.origin_angle = false_origin_at_centre ? kernel.centre_angle : 0.0;
   kernel.false_easting_m = parameters.false_easting_m;
   kernel.false_northing_m = parameters.false_northing_m;

@@ -7,6 +7,8 @@ namespace tarvex {
 namespace {
 
 constexpr double kQuarter = std::numbers::pi / 2.0;
+// Of the sphere, whose longitudes are stretched by c: beyond it lies the other side of the seam.
+constexpr double kHalfTurn = std::numbers::pi * (1.0 + 1e-15);
 constexpr double kPoleCosine = 1e-12;
 constexpr double kFarthestDenominator = 0.034;  // 1 + cos of 165 degrees
 constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degrees and a little
@@ -29,13 +31,13 @@ struct Kernel {
     const Lanes square = exp_w * exp_w;
     const Lanes norm = 1.0 / (square + 1.0);
     const LaneDirection chi{(square - 1.0) * norm, 2.0 * exp_w * norm};
-    const LaneDirection l =
-        Toward(c * WrappedLongitude(position.longitude_rad - central_meridian_rad));
+    const Lanes turn = c * WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    const LaneDirection l = Toward(turn);
     const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
     const Lanes scale = diameter_m / b;
     point.easting_m = false_easting_m + scale * chi.cos * l.sin;
     point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
-    return AtMost(Both(kFarthestDenominator), b);
+    return AtMost(Both(kFarthestDenominator), b) & Within(turn, kHalfTurn);
   }
 
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
