@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -14,8 +15,8 @@ namespace {
 
 constexpr double kDegreesPerMinute = 0.016666666666666666;
 constexpr double kDegreesPerSecond = 0.0002777777777777778;
-constexpr int kMaximumSecondDecimals = 12;
-constexpr int kDisplayDecimals = 9;
+constexpr int kDegreeTextDecimals = 12;
+constexpr int kMinuteTextDecimals = 7;
 constexpr std::string_view kDegreeMark = "\u00B0";
 
 constexpr std::int64_t PowerOfTen(int exponent) {
@@ -60,6 +61,41 @@ double CutAtPoint(const std::string& text) {
   return LeadingDouble(std::string_view(text).substr(0, text.find('.')));
 }
 
+// Where the angle stands once the degrees and minutes, taken through text, are subtracted. Less
+// than nothing is left when they were rounded up: that is the binary error of the angle, or else
+// seconds that belong to the minute before.
+double SecondsLeft(double magnitude, double whole_degrees, double& minutes) {
+  const double seconds = (magnitude - whole_degrees - minutes * kDegreesPerMinute) * 3600.0;
+  const double binary_error = magnitude * std::numeric_limits<double>::epsilon() * 3600.0;
+  if (seconds >= 0.0) return seconds;
+  if (seconds >= -binary_error || minutes == 0.0) return 0.0;
+  minutes -= 1.0;
+  return seconds + 60.0;
+}
+
+// The same parts as the system's files have always had them: degrees and minutes cut from decimal
+// text, 12 decimals of the seconds.
+std::optional<Sexagesimal> SplitThroughText(double degrees) {
+  if (IsNoValue(degrees)) return std::nullopt;
+  const double magnitude = std::fabs(degrees >= 360.0 ? std::fmod(degrees, 360.0) : degrees);
+  double whole_degrees = CutAtPoint(FixedNumber(magnitude, kDegreeTextDecimals));
+  double minutes = CutAtPoint(FixedNumber((magnitude - whole_degrees) * 60.0, kMinuteTextDecimals));
+  const std::string seconds =
+      FixedNumber(SecondsLeft(magnitude, whole_degrees, minutes), kSecondDecimals);
+  const std::size_t point = seconds.find('.');
+  Sexagesimal angle{.negative = false,
+                    .degrees = static_cast<std::int64_t>(whole_degrees),
+                    .minutes = static_cast<std::int64_t>(minutes),
+                    .seconds = LeadingInteger(seconds),
+                    .fraction = LeadingInteger(std::string_view(seconds).substr(point + 1))};
+  if (angle.seconds == 60) angle.seconds = 0, angle.fraction = 0, ++angle.minutes;
+  if (angle.minutes == 60) angle.minutes = 0, ++angle.degrees;
+  if (degrees >= 0.0 && angle.degrees >= 360) angle.degrees -= 360;
+  angle.negative =
+      degrees < 0.0 && (angle.degrees + angle.minutes + angle.seconds + angle.fraction > 0);
+  return angle;
+}
+
 std::string PackedDigits(const Sexagesimal& angle, int second_decimals) {
   std::string text;
   if (angle.negative) text += '-';
@@ -83,8 +119,8 @@ double PackedToDegrees(double packed) {
 }
 
 std::string DegreesToPackedText(double degrees) {
-  const auto angle = Split(degrees, kMaximumSecondDecimals);
-  return angle ? PackedDigits(*angle, kMaximumSecondDecimals) : std::string();
+  const auto angle = SplitThroughText(degrees);
+  return angle ? PackedDigits(*angle, kSecondDecimals) : std::string();
 }
 
 std::string PackedField(double degrees, int decimals) {
@@ -96,7 +132,7 @@ std::string PackedField(double degrees, int decimals) {
 }
 
 double DegreesToPacked(double degrees) {
-  const std::string display = DegreesToDmsText(degrees);
+  const std::string display = DegreesToDmsText(degrees, kSecondDecimals);
   std::string packed = display.substr(0, display.find(kDegreeMark));
   if (packed.size() == display.size()) return 0.0;  // no value, no text
   packed += '.';
@@ -106,8 +142,9 @@ double DegreesToPacked(double degrees) {
   return LeadingDouble(packed);
 }
 
-std::string DegreesToDmsText(double degrees) {
-  const auto angle = Split(degrees, kDisplayDecimals);
+std::string DegreesToDmsText(double degrees, int second_decimals) {
+  const auto angle = second_decimals < kSecondDecimals ? Split(degrees, second_decimals)
+                                                       : SplitThroughText(degrees);
   if (!angle) return {};
   std::string text = angle->negative ? "-" : "";
   AppendInteger(text, angle->degrees);
@@ -117,7 +154,7 @@ std::string DegreesToDmsText(double degrees) {
   AppendInteger(text, angle->seconds, 2);
   if (angle->fraction > 0) {
     text += '.';
-    AppendInteger(text, angle->fraction, kDisplayDecimals);
+    AppendInteger(text, angle->fraction, second_decimals);
     while (text.back() == '0') text.pop_back();
   }
   return text + '"';

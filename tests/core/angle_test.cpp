@@ -61,11 +61,45 @@ TEST(PackedAngle, FieldsRoundInSecondsAndCarry) {
   }
 }
 
-// The last of 12 decimals is a thousandth of what a double of this size resolves.
-TEST(PackedAngle, TextKeepsEveryDigitOfTheAngle) {
-  EXPECT_EQ(DegreesToPackedText(308.5), "308.3000000000000000");
-  EXPECT_EQ(DegreesToPackedText(248.25 + 1.0 / 1024), "248.1503515625000000");
-  EXPECT_EQ(DegreesToPackedText(-2501.5), "-2501.3000000000000000");
+// Degrees cut from 12 decimals, minutes from 7: what no double holds exactly stays out of both.
+TEST(PackedAngle, TextTakesDegreesAndMinutesThroughDecimals) {
+  struct Case {
+    double degrees;
+    const char* text;
+  };
+  const Case cases[] = {
+      {308.5, "308.3000000000000000"},
+      {248.25 + 1.0 / 1024, "248.1503515625000000"},
+      {-2501.5, "-2501.3000000000000000"},
+      {305.0 + 23.0 / 60, "305.2300000000000000"},  // just below 23 minutes in binary
+      {29.999999999999996, "30.0000000000000000"},
+      {725.0, "5.0000000000000000"},
+      {359.99999999999999, "0.0000000000000000"},
+      {-1e-17, "0.0000000000000000"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(DegreesToPackedText(c.degrees), c.text) << c.degrees;
+  // 4e-8 of a minute short of 23 minutes: printed with 7 decimals it is 23, but no seconds are
+  // lost.
+  const double short_of = 305.0 + (23.0 - 4e-8) / 60;
+  EXPECT_NEAR(PackedToDegrees(DegreesToPacked(short_of)), short_of, 1e-11);
+}
+
+TEST(PackedAngle, TextReadBackIsThePackedNumber) {
+  for (int minute = 0; minute < 360 * 60; ++minute) {
+    const double degrees = minute / 60 + (minute % 60) / 60.0;
+    const std::string text = DegreesToPackedText(degrees);
+    const std::string start = std::to_string(minute / 60) + (minute % 60 < 10 ? ".0" : ".") +
+                              std::to_string(minute % 60) + "00";
+    ASSERT_EQ(text.substr(0, start.size()), start);
+    ASSERT_EQ(LeadingDouble(text), DegreesToPacked(degrees)) << text;
+    ASSERT_NEAR(PackedToDegrees(LeadingDouble(text)), degrees, 3e-12) << text;
+  }
+  std::mt19937_64 random(1);
+  std::uniform_real_distribution<double> angle(-400.0, 400.0);
+  for (int i = 0; i < 20000; ++i) {
+    const double degrees = angle(random);
+    EXPECT_EQ(LeadingDouble(DegreesToPackedText(degrees)), DegreesToPacked(degrees)) << degrees;
+  }
 }
 
 TEST(PackedAngle, DisplayTextReadsBack) {
