@@ -30,11 +30,8 @@ FileStatus WriteRecords(RawEnd& end, std::span<const std::string> records) {
   return end.file->Sync();
 }
 
-bool HasLineBeginning(Job& job, std::string_view beginning) {
-  std::string bytes;
-  if (!ReadWholeFile(job.host.files(), RawFilePath(job), kLargestScan, bytes).ok()) return false;
-  std::string_view rest = bytes;
-  while (const auto line = TakeLine(rest)) {
+bool HasLineBeginning(std::string_view text, std::string_view beginning) {
+  while (const auto line = TakeLine(text)) {
     if (line->starts_with(beginning)) return true;
   }
   return false;
@@ -69,9 +66,11 @@ RawFileResult AppendRawRecord(Job& job, std::string_view record) {
 }
 
 RawFileResult ResumeRawFile(Job& job) {
+  std::string bytes;
+  const FileStatus read = ReadWholeFile(job.host.files(), RawFilePath(job), kLargestScan, bytes);
+  if (read.not_found() || (read.ok() && bytes.empty())) return AppendRawRecords(job, {});
   std::string stamp = TimeStampRecord(job.host.clock().Now());
-  if (!job.host.files().Exists(RawFilePath(job))) return AppendRawRecords(job, {});
-  if (!HasLineBeginning(job, "--" + job.collector)) stamp.insert(0, CommentRecord(job.collector));
+  if (!HasLineBeginning(bytes, "--" + job.collector)) stamp.insert(0, CommentRecord(job.collector));
   return AppendRawRecord(job, stamp);
 }
 

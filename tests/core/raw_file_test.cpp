@@ -54,6 +54,9 @@ TEST(RawFile, IsResumedWithAStamp) {
   job.collector = "Tarvex 9";
   EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath), resumed + "\n--Tarvex 9\n--DT12-05-2008\n--TM14:03:09");
+  host.memory.Put(kRawPath, "");  // an empty file is a new one: its header names the program once
+  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  EXPECT_EQ(host.memory.Bytes(kRawPath), RawHeader(job, host.standing_clock.now));
   host.memory.MakeReadOnly(kRawPath);
   EXPECT_EQ(AppendRawRecord(job, "\n--lost"), RawFileResult::Dropped);
 }
