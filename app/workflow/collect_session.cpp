@@ -208,14 +208,18 @@ StorePointResult CollectSession::StoreInFile(const GridPoint& at) {
 std::vector<std::string> CollectSession::Records() const {
   const Point& point = job_.last_stored_point;
   const bool quality = FindMake(plan_.receiver_type).quality_instead_of_rms;
+  const LocalTime now = program_.clock.Now();
+  const std::string date = DateText(now);
+  const std::string time = TimeText(now);
   std::vector<std::string> records{
-      TimeStampRecord(program_.clock.Now()), RodHeightRecord(plan_.antenna_height),
+      TimeStampRecord(now), RodHeightRecord(plan_.antenna_height),
       GnssRecord({.point_id = point.id.str(),
                   .latitude_degrees = point_.state.latitude,
                   .longitude_degrees = point_.state.longitude,
                   .height = point_.state.height,
                   .description = plan_.description}),
-      GnssGridRecord(point, plan_.description), QualityComment(point_.state, quality)};
+      GnssGridRecord(point, plan_.description),
+      QualityComment(point_.state, quality, QualityStamp{.date = date, .time = time})};
   if (const std::string origin = OriginSentence(point_.state.origin); !origin.empty()) {
     records.push_back(CommentRecord("Warning: " + origin));
   }

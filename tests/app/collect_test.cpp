@@ -98,7 +98,7 @@ TEST(Collect, StoresAndJournalsEachPoint) {
   const std::string gps =
       "\nLS,HR2.0000\nGPS,PN7,LA47.170683940000,LN8.335495400000,EL547.600000,--edge\n--GS,PN7,N ";
   EXPECT_NE(raw.find(gps), std::string::npos) << raw;
-  EXPECT_NE(raw.find(",EL545.6000,--edge\n--HRMS:0.050, VRMS:0.060, STATUS:FIXED, SATS:12"),
+  EXPECT_NE(raw.find(",EL545.6000,--edge\n--HRMS:0.050, VRMS:0.060, STATUS:FIXED, SATS:12\n--DT"),
             std::string::npos)
       << raw;
   EXPECT_NE(raw.find("STATUS:FLOAT"), std::string::npos);
