@@ -116,6 +116,46 @@ TEST(LocalizationFile, ReadsWhatOtherWritersMayMakeOfIt) {
   EXPECT_EQ(read->settings[1], (std::pair<std::string, std::string>{"3TM", "Yes"}));
 }
 
+// Texts as a writer without escapes puts them.
+TEST(LocalizationFile, ReadsTextsThatWereWrittenAsTheyAre) {
+  for (const std::string text :
+       {"BM & bolt", "a < b > c", "3/4\" bolt", "\"", "\"/>", "\"></value>", "x\" y=\"z", "A&B;C",
+        "\"& <!-- \"</record>", "&&#;&"}) {
+    for (const std::string end : {"\n", "\r\n"}) {
+      std::string document;
+      for (std::string_view rest = kGolden; const auto line = TakeLine(rest);) {
+        document += std::string(*line) + end;
+      }
+      document.replace(document.find("IRON PIN"), 8, text);
+      LocalizationFault fault;
+      const auto read = ParseLocalization(document, DistanceUnit::Metres, fault);
+      ASSERT_TRUE(read.has_value()) << text << ": " << fault.line << fault.text;
+      EXPECT_EQ(read->points[0]->description, text);
+      const std::string again = LocalizationText(read->points, DistanceUnit::Metres);
+      const auto back = ParseLocalization(again, DistanceUnit::Metres, fault);
+      ASSERT_TRUE(back.has_value()) << again;
+      EXPECT_EQ(back->points, read->points);
+    }
+  }
+  // Attributes behind the value, and a second element on the line, stay what they are.
+  std::string other = kGolden;
+  other.replace(other.find(" value=\"IRON PIN\"></value>"), 26,
+                " value=\"PIN\" type=\"text\"></value><value name=\"More\" value=\"1\"></value>");
+  LocalizationFault fault;
+  const auto read = ParseLocalization(other, DistanceUnit::Metres, fault);
+  ASSERT_TRUE(read.has_value()) << fault.text;
+  EXPECT_EQ(read->points[0]->description, "PIN");
+}
+
+TEST(LocalizationFile, ControlCharactersBecomeBlanks) {
+  std::string text = kGolden;
+  text.replace(text.find("IRON PIN"), 8, "a&#27;[2J&#x7;b");
+  LocalizationFault fault;
+  const auto read = ParseLocalization(text, DistanceUnit::Metres, fault);
+  ASSERT_TRUE(read.has_value()) << fault.text;
+  EXPECT_EQ(read->points[0]->description, "a [2J b");
+}
+
 TEST(LocalizationFile, EveryCutIsRefusedWithALine) {
   for (std::size_t length = 0; length + 1 < kGolden.size(); ++length) {
     LocalizationFault fault;
@@ -144,8 +184,6 @@ TEST(LocalizationFile, DamageIsNamedWithItsLine) {
       {"Decimal Degrees", "Grads", 4, "no localization"},
       {"<table>", "<tables>", 3, "<table>"},
       {"</record>\n<value", "<value", 19, "record or a value"},
-      {"\"IRON PIN\"", "\"IRON & PIN\"", 16, "damaged element"},
-      {"\"IRON PIN\"", "\"IRON < PIN\"", 16, "damaged element"},
       {"\"IRON PIN\"", "\"IRON PIN", 16, ""},
       {"</morwend_xml>\n", "</morwend_xml><more>", 21, "follows the end"},
       {"<table>", "words <table>", 3, "text outside"},
