@@ -117,8 +117,12 @@ double GeoidGrid::Node(int column, int row) const noexcept {
 }
 
 double GeoidGrid::BilinearAt(const GridCell& cell) const noexcept {
-  return Bilinear(cell, Node(cell.column, cell.row), Node(cell.column + 1, cell.row),
-                  Node(cell.column, cell.row + 1), Node(cell.column + 1, cell.row + 1));
+  double nodes[4];
+  for (int corner = 0; corner < 4; ++corner) {
+    nodes[corner] =
+        HasWeight(cell, corner) ? Node(cell.column + corner % 2, cell.row + corner / 2) : 0.0;
+  }
+  return Bilinear(cell, nodes[0], nodes[1], nodes[2], nodes[3]);
 }
 
 double GeoidGrid::BiquadraticAt(double column, double row) const noexcept {

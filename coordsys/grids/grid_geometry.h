@@ -53,6 +53,14 @@ class GridGeometry {
     return GridCell{column, row, u - column, v - row};
   }
 
+  /// The same for a first coordinate that is a longitude: a place that the grid holds one turn
+  /// further east or west (grids reach over the 180th meridian) is found too.
+  std::optional<GridCell> CellAround(double x, double y, double turn) const noexcept {
+    const auto cell = CellAt(x, y);
+    if (cell) return cell;
+    return CellAt(x < first_x_ ? x + turn : x - turn, y);
+  }
+
   bool operator==(const GridGeometry&) const = default;
 
  private:
@@ -86,6 +94,14 @@ constexpr double Bilinear(const GridCell& at, double sw, double se, double nw, d
   const double south = sw + at.across * (se - sw);
   const double north = nw + at.across * (ne - nw);
   return south + at.up * (north - south);
+}
+
+/// Whether a corner (0 south-west, 1 south-east, 2 north-west, 3 north-east) has a part in the
+/// bilinear value at a place: on a node the other three have none.
+constexpr bool HasWeight(const GridCell& at, int corner) {
+  const double across = (corner & 1) != 0 ? at.across : 1.0 - at.across;
+  const double up = (corner & 2) != 0 ? at.up : 1.0 - at.up;
+  return across * up != 0.0;
 }
 
 /// The four weights of the cubic convolution (Catmull-Rom) through nodes -1, 0, 1 and 2 at `t`.

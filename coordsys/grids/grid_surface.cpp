@@ -203,14 +203,16 @@ SurfaceValue GridSurface::At(double first, double second) const noexcept {
   if (nodes_.empty()) return {};
   const auto cell = geometry_.CellAt(first, second);
   if (!cell) return {};
-  const float sw = Node(cell->column, cell->row);
-  const float se = Node(cell->column + 1, cell->row);
-  const float nw = Node(cell->column, cell->row + 1);
-  const float ne = Node(cell->column + 1, cell->row + 1);
+  float nodes[4];
   NodeMarks marks;
-  for (const float node : {sw, se, nw, ne}) marks.See(node);
+  for (int corner = 0; corner < 4; ++corner) {
+    nodes[corner] = 0.0F;
+    if (!HasWeight(*cell, corner)) continue;
+    nodes[corner] = Node(cell->column + corner % 2, cell->row + corner / 2);
+    marks.See(nodes[corner]);
+  }
   if (marks.answer() != SurfaceAnswer::Value) return {marks.answer(), 0.0};
-  return {SurfaceAnswer::Value, Bilinear(*cell, sw, se, nw, ne)};
+  return {SurfaceAnswer::Value, Bilinear(*cell, nodes[0], nodes[1], nodes[2], nodes[3])};
 }
 
 SurfaceValue GridSurface::CubicAt(double first, double second) const noexcept {
@@ -227,6 +229,7 @@ SurfaceValue GridSurface::CubicAt(double first, double second) const noexcept {
   for (int j = 0; j < 4; ++j) {
     double along = 0.0;
     for (int i = 0; i < 4; ++i) {
+      if (across.w[i] * up.w[j] == 0.0) continue;
       const float node = Node(cell->column - 1 + i, cell->row - 1 + j);
       marks.See(node);
       along += across.w[i] * static_cast<double>(node);

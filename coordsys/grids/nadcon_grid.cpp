@@ -88,7 +88,7 @@ double NadconGrid::Value(const FileBytes& bytes, const GridCell& cell) const noe
 
 std::optional<DegreePosition> NadconGrid::Shift(const DegreePosition& nad27) const noexcept {
   if (las_.view().empty()) return std::nullopt;
-  const auto cell = geometry_.CellAt(nad27.longitude, nad27.latitude);
+  const auto cell = geometry_.CellAround(nad27.longitude, nad27.latitude, 360.0);
   if (!cell) return std::nullopt;
   const DegreePosition shift = {.latitude = Value(las_, *cell) * kDegreesPerSecond,
                                 .longitude = -Value(los_, *cell) * kDegreesPerSecond};

@@ -2,7 +2,8 @@
 //
 // Decimal degrees, north and east positive. The nodes are seconds of arc; those of the ".los" file
 // are positive to the west. Bilinear between the four nodes; the way back finds the NAD27 position
-// whose shift leads to the given one, to 1e-12 degree (1e-7 m).
+// whose shift leads to the given one, to 1e-12 degree (1e-7 m). A longitude is found in either
+// spelling, 173 or -187 degrees, and comes back in the one that it was given in.
 // Source: W. Dewhurst, NOAA Technical Memorandum NOS NGS-50 (1990); layout in
 // docs/formats/grids.md.
 #pragma once

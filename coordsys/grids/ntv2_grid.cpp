@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 #include "core/text.h"
 #include "core/units.h"
@@ -13,6 +14,7 @@ constexpr std::size_t kRecord = 16;  // an 8-byte keyword and an 8-byte value, a
 constexpr std::size_t kHeaderRecords = 11;
 constexpr std::size_t kHeader = kRecord * kHeaderRecords;
 constexpr double kSecondRad = kRadiansPerDegree / 3600.0;
+constexpr double kTurnRad = 2.0 * std::numbers::pi;
 constexpr int kMostPasses = 60;
 constexpr double kClosedRad = 1e-13;
 constexpr int kMostGrids = 10'000;
@@ -164,7 +166,8 @@ class Ntv2Parser {
     return Wrong(GridProblem::TooLong, "after the last grid");
   }
 
-  // Hangs every grid into its parent; false when a parent is not there or stands in itself.
+  // Hangs every grid into its parent, which may come before or after it in the file; false when a
+  // parent is not there, or grids hold one another in a ring.
   static bool Nest(Ntv2Grid& grid) {
     for (int i = 0; i < static_cast<int>(grid.grids_.size()); ++i) {
       const std::string& parent = grid.grids_[static_cast<std::size_t>(i)].parent;
@@ -173,11 +176,20 @@ class Ntv2Parser {
         continue;
       }
       const int holder = Find(grid, parent);
-      // A parent stands before its children, so that no ring of grids can be made.
-      if (holder < 0 || holder >= i) return false;
+      if (holder < 0) return false;
       grid.grids_[static_cast<std::size_t>(holder)].children.push_back(i);
     }
-    return true;
+    return ReachedFromRoots(grid) == grid.grids_.size();
+  }
+
+  // Every grid has one parent, so that each is reached once, and those of a ring never.
+  static std::size_t ReachedFromRoots(const Ntv2Grid& grid) {
+    std::vector<int> reached = grid.roots_;
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+      const auto& children = grid.grids_[static_cast<std::size_t>(reached[i])].children;
+      reached.insert(reached.end(), children.begin(), children.end());
+    }
+    return reached.size();
   }
 
   static int Find(const Ntv2Grid& grid, const std::string& name) {
@@ -225,7 +237,7 @@ const Ntv2Grid::SubGrid* Ntv2Grid::Densest(double latitude, double west,
     const std::vector<int>* inside = nullptr;
     for (const int index : *candidates) {
       const SubGrid& grid = grids_[static_cast<std::size_t>(index)];
-      const auto at = grid.geometry.CellAt(west, latitude);
+      const auto at = grid.geometry.CellAround(west, latitude, kTurnRad);
       if (!at) continue;
       found = &grid;
       cell = *at;
@@ -246,10 +258,20 @@ GridShiftResult Ntv2Grid::ShiftAt(double latitude, double west, Shift& shift) co
                             static_cast<std::size_t>(cell.row) * columns +
                             static_cast<std::size_t>(cell.column);
   const Node* const north = south + columns;
-  shift.north_rad = Bilinear(cell, south[0].north, south[1].north, north[0].north, north[1].north);
-  shift.west_rad = Bilinear(cell, south[0].west, south[1].west, north[0].west, north[1].west);
-  // A node without a shift makes the sum a NaN.
+  shift = Interpolate(cell, {south[0], south[1], north[0], north[1]});
+  // A node without a shift makes the sum a NaN, also one that has no part in it.
+  if (!std::isnan(shift.north_rad)) return GridShiftResult::Done;
+  NodesAround nodes = {south[0], south[1], north[0], north[1]};
+  for (int corner = 0; corner < 4; ++corner) {
+    if (!HasWeight(cell, corner)) nodes[static_cast<std::size_t>(corner)] = {0.0F, 0.0F};
+  }
+  shift = Interpolate(cell, nodes);
   return std::isnan(shift.north_rad) ? GridShiftResult::NoCorrection : GridShiftResult::Done;
+}
+
+Ntv2Grid::Shift Ntv2Grid::Interpolate(const GridCell& cell, const NodesAround& at) noexcept {
+  return {.north_rad = Bilinear(cell, at[0].north, at[1].north, at[2].north, at[3].north),
+          .west_rad = Bilinear(cell, at[0].west, at[1].west, at[2].west, at[3].west)};
 }
 
 GridShiftResult Ntv2Grid::Forward(Geodetic& position) const noexcept {

@@ -3,15 +3,16 @@
 //
 // Positions are radians, north and east positive. Forward is the file's own direction, from its
 // SYSTEM_F to its SYSTEM_T (usually the local datum to WGS84), bilinear in the densest grid that
-// holds the point; the inverse finds the position whose forward shift leads back, to 1e-13 rad
-// (6e-7 m). Either byte order is read; of the four numbers of a node the two shifts are kept, so
-// that a grid costs half the memory of its file. A cell with a node that the file marks as without
-// a shift (both shifts 0 with an accuracy below 0) has none. A node's shift is taken as a 32-bit
-// float of radians, as the widely used readers take it, so that all agree to 1e-9 degree even on
-// grids with shifts of degrees; a shift of 10" is then good to 0.02 mm.
-// Source: Geodetic Survey of Canada, NTv2 developer's guide (1995).
+// holds the point, whichever way its longitude is spelt at the 180th meridian; the inverse finds
+// the position whose forward shift leads back, to 1e-13 rad (6e-7 m). Either byte order is read; of
+// the four numbers of a node the two shifts are kept, so that a grid costs half the memory of its
+// file. A cell with a node that the file marks as without a shift (both shifts 0 with an accuracy
+// below 0) has none. A node's shift is taken as a 32-bit float of radians, as the widely used
+// readers take it, so that all agree to 1e-9 degree even on grids with shifts of degrees; a shift
+// of 10" is then good to 0.02 mm. Source: Geodetic Survey of Canada, NTv2 developer's guide (1995).
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -72,6 +73,9 @@ class Ntv2Grid {
     float west;
   };
 
+  using NodesAround = std::array<Node, 4>;  // south-east, south-west, north-east, north-west
+
+  static Shift Interpolate(const GridCell& cell, const NodesAround& at) noexcept;
   GridShiftResult ShiftAt(double latitude, double west, Shift& shift) const noexcept;
   const SubGrid* Densest(double latitude, double west, GridCell& cell) const noexcept;
 

@@ -154,11 +154,11 @@ SurfaceValue Ostn02Part::At(double easting_m, double northing_m) const noexcept 
   if (bytes_.view().empty()) return {};
   const auto cell = geometry_.CellAt(easting_m, northing_m);
   if (!cell) return {};
-  const std::uint16_t nodes[4] = {Node(cell->column, cell->row), Node(cell->column + 1, cell->row),
-                                  Node(cell->column, cell->row + 1),
-                                  Node(cell->column + 1, cell->row + 1)};
-  if (std::find(std::begin(nodes), std::end(nodes), kNoData) != std::end(nodes)) {
-    return {SurfaceAnswer::NoCorrection, 0.0};
+  std::uint16_t nodes[4] = {};
+  for (int corner = 0; corner < 4; ++corner) {
+    if (!HasWeight(*cell, corner)) continue;
+    nodes[corner] = Node(cell->column + corner % 2, cell->row + corner / 2);
+    if (nodes[corner] == kNoData) return {SurfaceAnswer::NoCorrection, 0.0};
   }
   const double mm = Bilinear(*cell, nodes[0], nodes[1], nodes[2], nodes[3]) + base_mm_;
   return {SurfaceAnswer::Value, mm * kMetresPerMillimetre};

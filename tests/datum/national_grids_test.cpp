@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "case_table.h"
 #include "coordsys/datum/geocentric.h"
@@ -44,6 +45,46 @@ TEST(Nadcon, ComesBackAndKnowsItsBounds) {
   }
   EXPECT_FALSE(grid.ToNad83({31.0, -97.0}).has_value());
   EXPECT_FALSE(grid.ToNad27({29.5, -90.0}).has_value());
+}
+
+// One file of a pair: 24 x 3 nodes from 50 N, 194 W in steps of 3 degrees, all of one value.
+std::string NadconFile(float seconds) {
+  std::string bytes(56, ' ');
+  bytes += "NADGRD  ";
+  const auto append = [&bytes](auto value) {
+    char raw[sizeof value];
+    std::memcpy(raw, &value, sizeof value);
+    bytes.append(raw, sizeof value);
+  };
+  constexpr std::size_t kRecord = 4 * (24 + 1);
+  for (const std::int32_t count : {24, 3, 1}) append(count);
+  for (const float value : {-194.0F, 3.0F, 50.0F, 3.0F, 0.0F}) append(value);
+  bytes.resize(kRecord, ' ');
+  for (int row = 0; row < 3; ++row) {
+    append(std::int32_t{row});
+    for (int column = 0; column < 24; ++column) append(seconds);
+  }
+  return bytes;
+}
+
+// The Aleutians lie west of the 180th meridian: Attu is 173 east and 187 west.
+TEST(Nadcon, ReachesOverThe180thMeridian) {
+  NadconGrid alaska;
+  ASSERT_EQ(
+      NadconGrid::Parse(FileBytes(NadconFile(-3.6F)), FileBytes(NadconFile(7.2F)), "alaska", alaska)
+          .Text(),
+      "");
+  for (const double longitude : {173.2, -186.8, -179.9, 180.1, -150.0, 210.0}) {
+    const auto there = alaska.ToNad83({52.9, longitude});
+    ASSERT_TRUE(there.has_value()) << longitude;
+    EXPECT_NEAR(there->latitude, 52.9 - 0.001, 1e-9);
+    EXPECT_NEAR(there->longitude, longitude - 0.002, 1e-9);
+    const auto back = alaska.ToNad27(*there);
+    ASSERT_TRUE(back.has_value());
+    EXPECT_NEAR(back->longitude, longitude, 1e-11);
+  }
+  EXPECT_FALSE(alaska.ToNad83({52.9, 160.0}).has_value());
+  EXPECT_FALSE(alaska.ToNad83({52.9, -100.0}).has_value());
 }
 
 TEST(Nadcon, DamagedFilesAreNamed) {

@@ -204,12 +204,57 @@ TEST(Ntv2, HostileHeadersAreNamed) {
             GridProblem::TooLong);
 }
 
-TEST(Ntv2, AGridInsideAnUnknownOneIsRefused) {
+TEST(Ntv2, AGridInsideAnUnknownOneOrARingIsRefused) {
+  Ntv2Writer ring(3);
+  ring.Grid("ROOT", "NONE", 40, 41, 0, 1, 1, 0, 0);
+  ring.Grid("A", "B", 40, 41, 0, 1, 1, 0, 0);
+  ring.Grid("B", "A", 40, 41, 0, 1, 1, 0, 0);
+  Ntv2Writer unknown(1);
+  unknown.Grid("A", "B", 40, 41, 0, 1, 1, 0, 0);
+  for (const std::string& bytes : {ring.bytes, unknown.bytes}) {
+    Ntv2Grid grid;
+    EXPECT_EQ(Ntv2Grid::Parse(FileBytes(bytes), "x.gsb", grid).problem, GridProblem::BadValue);
+  }
+}
+
+TEST(Ntv2, AGridMayComeBeforeItsParent) {
   Ntv2Writer file(2);
-  file.Grid("A", "B", 40, 41, 0, 1, 1, 0, 0);
-  file.Grid("B", "A", 40, 41, 0, 1, 1, 0, 0);
+  file.Grid("DENSE", "WIDE", 44, 46, -6, -4, 0.5, 2, 20);
+  file.Grid("WIDE", "NONE", 40, 50, -10, 0, 1, 1, 10);
   Ntv2Grid grid;
-  EXPECT_EQ(Ntv2Grid::Parse(FileBytes(file.bytes), "x.gsb", grid).problem, GridProblem::BadValue);
+  ASSERT_EQ(Ntv2Grid::Parse(FileBytes(file.bytes), "x.gsb", grid).Text(), "");
+  for (const auto& [latitude, seconds] : {std::pair{45.0, 2.0}, {47.0, 1.0}}) {
+    Geodetic at = At(latitude, -5);
+    ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
+    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, latitude + seconds / 3600, 1e-9);
+  }
+}
+
+// A grid of Fiji, 175 to 185 degrees, with a denser one across the 180th meridian.
+TEST(Ntv2, ReachesOverThe180thMeridian) {
+  Ntv2Writer file(2);
+  file.Grid("FIJI", "NONE", -20, -10, 175, 185, 1, 3, 5, 0.1F, 0.25F);
+  file.Grid("DENSE", "FIJI", -18, -16, 179, 182, 0.5, 7, 9, 0.1F, 0.125F);
+  Ntv2Grid grid;
+  ASSERT_EQ(Ntv2Grid::Parse(FileBytes(file.bytes), "fiji.gsb", grid).Text(), "");
+  for (const double east : {175.5, 179.9, 180.0, 180.1, 181.75, 184.0, 185.0}) {
+    Geodetic as_stored = At(-17.3, east);
+    ASSERT_EQ(grid.Forward(as_stored), GridShiftResult::Done);
+    for (const double turn : {-360.0, 360.0}) {
+      const Geodetic start = At(-17.3, east + turn);
+      Geodetic at = start;
+      ASSERT_EQ(grid.Forward(at), GridShiftResult::Done) << east + turn;
+      EXPECT_NEAR(at.latitude_rad, as_stored.latitude_rad, 1e-15);
+      EXPECT_NEAR(at.longitude_rad, as_stored.longitude_rad + turn * kRadiansPerDegree, 2e-15);
+      ASSERT_EQ(grid.Inverse(at), GridShiftResult::Done);
+      EXPECT_NEAR(at.latitude_rad, start.latitude_rad, 2e-13);
+      EXPECT_NEAR(at.longitude_rad, start.longitude_rad, 2e-13);
+    }
+  }
+  for (const double east : {-174.0, 174.0, 0.0, 534.0}) {
+    Geodetic outside = At(-17.3, east);
+    EXPECT_EQ(grid.Forward(outside), GridShiftResult::Outside) << east;
+  }
 }
 
 }  // namespace
