@@ -34,7 +34,7 @@ struct GridMetres {
 
 enum class [[nodiscard]] StepStatus : int{
     Done,
-    LeftUndone,      ///< the value went through unchanged; the conversion goes on and says so
+    LeftUndone,      ///< the step was not made, or only in part; the conversion goes on and says so
     Refused,         ///< no value; the conversion ends here
     LibraryMissing,  ///< no value, because a closed library cannot be loaded
 };

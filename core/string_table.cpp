@@ -255,6 +255,19 @@ constexpr std::array kEntries = {
     Entry{4167, "There are no NADCON grids (.las and .los) in %s: NAD27 positions are refused."},
     Entry{4168, "(none)"},
     Entry{4170, "Packing the grid..."},
+    Entry{4171, "The grid of the east correction has no value at this point; it is taken as 0."},
+    Entry{4172, "The grid of the north correction has no value at this point; it is taken as 0."},
+    Entry{4173,
+          "The grids of the east and north corrections have no value at this point; both are taken "
+          "as 0."},
+    Entry{4174, "The grid of the height correction has no value at this point; it is taken as 0."},
+    Entry{4175,
+          "The grids of the east and height corrections have no value at this point; both are "
+          "taken as 0."},
+    Entry{4176,
+          "The grids of the north and height corrections have no value at this point; both are "
+          "taken as 0."},
+    Entry{4177, "The grid's correction changes so much here that no place on the plane has it."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},
     Entry{5001, "the point id is negative: %s"},

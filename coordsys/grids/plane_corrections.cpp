@@ -7,43 +7,70 @@ namespace {
 
 constexpr int kOutside = 4151;
 constexpr int kNoCorrection = 4152;
+constexpr int kInPart = 4170;  // and 1 for east, 2 for north, 4 for height: what has no value
+constexpr int kNotClosing = 4177;
 constexpr int kMostPasses = 20;
 constexpr double kClosed_m = 1e-7;
 
-// The reason that any of several surfaces gives for having no value; 0 when all have one.
-int ReasonOf(std::initializer_list<SurfaceValue> values) {
-  for (const SurfaceValue& value : values) {
-    if (value.answer == SurfaceAnswer::Outside) return kOutside;
-    if (value.answer != SurfaceAnswer::Value) return kNoCorrection;
+bool HasNone(const SurfaceValue& value) {
+  return value.answer == SurfaceAnswer::Outside || value.answer == SurfaceAnswer::NoValue;
+}
+
+// One correction out of the values of its grids, `up` where there is a third. A grid without a
+// value at the place gives 0 by itself; a node marked as one without a correction ends them all.
+PlaneShift Together(const SurfaceValue& east, const SurfaceValue& north, const SurfaceValue* up,
+                    double sign) {
+  for (const SurfaceValue* value : {&east, &north, up}) {
+    if (value != nullptr && value->answer == SurfaceAnswer::NoCorrection) {
+      return {.reason = kNoCorrection};
+    }
   }
-  return 0;
+  const bool up_lacks = up != nullptr && HasNone(*up);
+  const int lacking = (HasNone(east) ? 1 : 0) + (HasNone(north) ? 2 : 0) + (up_lacks ? 4 : 0);
+  const bool all = lacking == (up != nullptr ? 7 : 3);
+  const bool outside = east.answer == SurfaceAnswer::Outside;
+  return {.north_m = sign * north.value,
+          .east_m = sign * east.value,
+          .up_m = up != nullptr ? sign * up->value : 0.0,
+          .reason = lacking == 0 ? 0
+                    : !all       ? kInPart + lacking
+                                 : (outside ? kOutside : kNoCorrection)};
+}
+
+StepOutcome OutcomeOf(const PlaneShift& shift) {
+  if (shift.reason == 0) return {};
+  return {StepStatus::LeftUndone, shift.reason};
 }
 
 }  // namespace
 
 StepOutcome PlaneCorrection::ToGrid(GridMetres& point) const {
   const PlaneShift shift = ShiftAt(point.easting_m, point.northing_m);
-  if (shift.reason != 0) return {StepStatus::LeftUndone, shift.reason};
   point.northing_m += shift.north_m;
   point.easting_m += shift.east_m;
   point.elevation_m += shift.up_m;
-  return {};
+  return OutcomeOf(shift);
 }
 
 StepOutcome PlaneCorrection::ToPlane(GridMetres& point) const {
   GridMetres at = point;
+  int lacking = 0;
   for (int pass = 0; pass < kMostPasses; ++pass) {
     const PlaneShift shift = ShiftAt(at.easting_m, at.northing_m);
-    if (shift.reason != 0) return {StepStatus::LeftUndone, shift.reason};
     const double off_north = point.northing_m - shift.north_m - at.northing_m;
     const double off_east = point.easting_m - shift.east_m - at.easting_m;
     at.northing_m += off_north;
     at.easting_m += off_east;
     at.elevation_m = point.elevation_m - shift.up_m;
-    if (std::abs(off_north) + std::abs(off_east) < kClosed_m) break;
+    if (std::abs(off_north) + std::abs(off_east) < kClosed_m) {
+      point = at;
+      return OutcomeOf(shift);
+    }
+    if (shift.reason != 0) lacking = shift.reason;
   }
-  point = at;
-  return {};
+  // On the edge of a grid the passes may step in and out: the point stays as it is.
+  if (lacking != 0) return {StepStatus::LeftUndone, lacking};
+  return {StepStatus::Refused, kNotClosing};
 }
 
 SurfaceValue SurfaceCorrection::Value(const GridSurface& surface, double easting_m,
@@ -55,20 +82,15 @@ SurfaceValue SurfaceCorrection::Value(const GridSurface& surface, double easting
 PlaneShift SurfaceCorrection::ShiftAt(double easting_m, double northing_m) const {
   const SurfaceValue east = Value(east_, easting_m, northing_m);
   const SurfaceValue north = Value(north_, easting_m, northing_m);
-  const SurfaceValue up =
-      height_ ? Value(*height_, easting_m, northing_m) : SurfaceValue{SurfaceAnswer::Value, 0.0};
+  const SurfaceValue up = height_ ? Value(*height_, easting_m, northing_m) : SurfaceValue{};
   const double sign = sign_ == SurfaceSign::Added ? 1.0 : -1.0;
-  return {.north_m = sign * north.value,
-          .east_m = sign * east.value,
-          .up_m = sign * up.value,
-          .reason = ReasonOf({east, north, up})};
+  return Together(east, north, height_ ? &up : nullptr, sign);
 }
 
 PlaneShift Ostn02Correction::ShiftAt(double easting_m, double northing_m) const {
   const SurfaceValue east = east_.At(easting_m, northing_m);
   const SurfaceValue north = north_.At(easting_m, northing_m);
-  return {
-      .north_m = north.value, .east_m = east.value, .up_m = 0.0, .reason = ReasonOf({east, north})};
+  return Together(east, north, nullptr, 1.0);
 }
 
 }  // namespace tarvex

@@ -2,8 +2,9 @@
 // is added there, or taken off, to reach the official grid. The way back finds the place on the
 // plane whose correction leads to the given one, to 1e-7 m.
 //
-// Outside of a grid, and where it has no value, the correction is 0; the conversion then says that
-// this step was left undone.
+// Each grid is looked up by itself: outside of it, and where it has no value, its part of the
+// correction is 0, and the conversion says which parts were left undone. At a node that is marked
+// as one without a correction (999.999) none of the parts is applied.
 #pragma once
 
 #include <optional>
@@ -14,7 +15,7 @@
 
 namespace tarvex {
 
-/// A correction at a place, metres; the reason is 0 where the grid gives one.
+/// A correction at a place, metres; the reason is 0 where every grid gives its part.
 struct PlaneShift {
   double north_m = 0.0;
   double east_m = 0.0;

@@ -419,6 +419,88 @@ TEST(StepPreparation, CorrectsProjectedCoordinates) {
       nullptr);
 }
 
+// 5 x 5 km from a corner with one value; a node may hold another.
+std::string SurfaceFrom(int east, const std::string& value, int marked_node = -1,
+                        const std::string& mark = "") {
+  std::string text =
+      std::to_string(east) + "\n200000\n" + std::to_string(east + 5000) + "\n205000\n5\n5\n";
+  for (int i = 0; i < 36; ++i) text += (i == marked_node ? mark : value) + '\n';
+  return text;
+}
+
+// A grid without a value gives 0 by itself, which is told; 999.999 ends the whole correction.
+TEST(StepPreparation, EachGridTurnsToZeroByItself) {
+  struct Case {
+    std::string east;
+    std::string north;
+    std::string height;
+    GridMetres made;
+    int reason;
+  };
+  const std::string whole = SurfaceFrom(100000, "0.5");
+  const std::string elsewhere = SurfaceFrom(300000, "0.5");
+  const std::string no_value = SurfaceFrom(100000, "0.5", 14, "-98765432.1");
+  const std::string no_value_either = SurfaceFrom(100000, "0.5", 14, "-765432.1");
+  const std::string marked = SurfaceFrom(100000, "0.5", 14, "999.999");
+  const GridMetres plane = {202500, 102500, 10};
+  const Case cases[] = {
+      {whole, whole, whole, {202500.5, 102500.5, 10.5}, 0},
+      {whole, whole, elsewhere, {202500.5, 102500.5, 10}, 4174},
+      {whole, no_value, whole, {202500, 102500.5, 10.5}, 4172},
+      {no_value_either, whole, whole, {202500.5, 102500, 10.5}, 4171},
+      {elsewhere, no_value, whole, {202500, 102500, 10.5}, 4173},
+      {elsewhere, elsewhere, elsewhere, plane, 4151},
+      {no_value, no_value, no_value, plane, 4152},
+      {whole, marked, whole, plane, 4152},
+      {whole, elsewhere, marked, plane, 4152},
+  };
+  for (const Case& c : cases) {
+    Sources sources;
+    sources.files.Put("/data/HungarianEOV_dEast.grd", c.east);
+    sources.files.Put("/data/HungarianEOV_dNorth.grd", c.north);
+    sources.files.Put("/data/HungarianEOV_dHeight.grd", c.height);
+    const PreparedSteps made =
+        sources.Prepare(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel),
+                        {.shift = "VITEL", .geoid = ""});
+    GridMetres at = plane;
+    const StepOutcome outcome = made.steps.grid_correction->ToGrid(at);
+    EXPECT_EQ(outcome.reason, c.reason);
+    EXPECT_EQ(outcome.status, c.reason == 0 ? StepStatus::Done : StepStatus::LeftUndone);
+    EXPECT_EQ(at, c.made) << c.reason;
+    EXPECT_EQ(made.steps.grid_correction->ToPlane(at), outcome);
+    EXPECT_NEAR(at.northing_m, plane.northing_m, 1e-7);
+    EXPECT_NEAR(at.easting_m, plane.easting_m, 1e-7);
+    EXPECT_NEAR(at.elevation_m, plane.elevation_m, 1e-9);
+  }
+}
+
+// Damaged nodes: no place on the plane is corrected to this one, and none is made up.
+TEST(StepPreparation, AWayBackThatDoesNotCloseIsRefused) {
+  Sources sources;
+  std::string wild = "100000\n200000\n105000\n205000\n5\n5\n";
+  for (int i = 0; i < 36; ++i) wild += i % 2 == 0 ? "3000\n" : "-3000\n";
+  sources.files.Put("/data/Belgium72_dEast.grd", wild);
+  sources.files.Put("/data/Belgium72_dNorth.grd", SurfaceFrom(100000, "0.5"));
+  const PreparedSteps made =
+      sources.Prepare(RecordOf(ProjectionType::LambertConformalConic2SP, "D", kBessel, 1.0),
+                      {.shift = "Belge 1972 - xyGridLb72", .geoid = ""});
+  int refused = 0;
+  for (double easting = 102000; easting < 103000; easting += 37) {
+    const GridMetres start = {202400, easting, 0};
+    GridMetres at = start;
+    const StepOutcome outcome = made.steps.grid_correction->ToPlane(at);
+    if (outcome.status == StepStatus::Refused) {
+      EXPECT_EQ(outcome.reason, 4177);
+      EXPECT_EQ(at, start);
+      ++refused;
+    } else if (outcome.status == StepStatus::Done) {
+      EXPECT_EQ(made.steps.grid_correction->ToGrid(at).status, StepStatus::Done);
+      EXPECT_NEAR(at.easting_m, easting, 1e-5);
+    }
+  }
+  EXPECT_GT(refused, 0);
+}
+
 TEST(StepPreparation, MissingHungarianGridsAreToldOnceInTheRun) {
   Sources sources;
   sources.files.Put("/data/HungarianEOV_dEast.grd", FlatSurface("0.5"));
