@@ -72,7 +72,7 @@ class LineBuffer {
 // A failure to report, or Line when the next byte stands at NextByte().
 ReadLineStatus ReadByte(Port& port, LineBuffer& line) {
   const PortError error = port.Read(line.NextByte(), kKeepTimeouts);
-  if (error == PortError::None && port.last_count() == 1) return ReadLineStatus::Line;
+  if (error == PortError::None && port.lastCount() == 1) return ReadLineStatus::Line;
   if (error == PortError::None || error == PortError::FewerBytesRead) {
     return ReadLineStatus::TimedOut;
   }
@@ -99,18 +99,17 @@ ReadLineResult ReadInto(Port& port, LineBuffer& line, Framing framing) {
 
 }  // namespace
 
-ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeout_ms, Framing framing) {
+ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeoutMs, Framing framing) {
   if (!buffer.empty()) buffer[0] = '\0';
   const PortUse use(port);
   if (!use) return {};
-  return ReadLineHolding(port, buffer, timeout_ms, framing);
+  return ReadLineHolding(port, buffer, timeoutMs, framing);
 }
 
-ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeout_ms,
-                               Framing framing) {
+ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeoutMs, Framing framing) {
   if (!buffer.empty()) buffer[0] = '\0';
   if (buffer.size() < 2) return {ReadLineStatus::NoCapacity, {}};
-  if (port.SetReadTimeouts(timeout_ms, timeout_ms, 1) != PortError::None ||
+  if (port.SetReadTimeouts(timeoutMs, timeoutMs, 1) != PortError::None ||
       port.SetWriteTimeouts(kWriteConstantMs, 1) != PortError::None) {
     return {};
   }

@@ -35,11 +35,11 @@ struct [[nodiscard]] ReadLineResult {
 /// Reads one line or frame of at most buffer.size() - 1 characters; a longer one is handed out in
 /// pieces of that size. The buffer always ends with a NUL. The time-out starts anew with each byte.
 /// The last line of a recording may lack its line end.
-ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeout_ms,
+ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeoutMs,
                         Framing framing = Framing::TextLines);
 
 /// The same for a caller that already holds the port's busy flag.
-ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeout_ms,
+ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeoutMs,
                                Framing framing = Framing::TextLines);
 
 }  // namespace tarvex

@@ -132,7 +132,7 @@ class LineSource {
     const PortError error = connection_.port->Read(chunk, kReturnAtOnce);
     if (error != PortError::None) return Outcome::Failed;
     std::string& text = connection_.stream_text;
-    text.append(chunk.data(), connection_.port->last_count());
+    text.append(chunk.data(), connection_.port->lastCount());
     if (text.size() > kStreamLimit) text.clear();  // no line end in all of it: not text
     return Outcome::Line;
   }

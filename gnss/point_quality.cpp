@@ -35,7 +35,7 @@ void AppendQuality(std::string& out, const GnssPositionState& state, bool qualit
               FixedNumber(state.hrms, kRmsDecimals), form);
   AppendValue(out, form.before_vertical, quality_instead_of_rms ? "VQ" : "VRMS",
               FixedNumber(state.vrms, kRmsDecimals), form);
-  AppendValue(out, form.before_other, "STATUS", SolutionText(state.solution_type), form);
+  AppendValue(out, form.before_other, "STATUS", SolutionText(state.solutionType), form);
   if (state.satellites > 0) {
     AppendValue(out, form.before_other, "SATS", std::to_string(state.satellites), form);
   }

@@ -30,8 +30,8 @@ Port::Port(std::string name, std::unique_ptr<ByteDevice> device, LastErrorRecord
     : name_(std::move(name)), device_(std::move(device)), errors_(errors) {}
 
 PortError Port::Open() {
-  last_count_ = 0;
-  read_total_timeout_ = kKeepTimeouts;
+  lastCount_ = 0;
+  readTotalTimeout_ = kKeepTimeouts;
   ended_ = false;
   if (const DeviceStatus status = device_->Open(name_); !status.ok()) {
     (void)Report(errors_, PortError::System, {status.Text()});
@@ -54,8 +54,8 @@ PortError Port::SetDefaultTimeouts() {
 PortError Port::Close() {
   if (!is_open()) return Fail(PortError::NotOpen);
   (void)device_->Close();
-  last_count_ = 0;
-  read_total_timeout_ = kKeepTimeouts;
+  lastCount_ = 0;
+  readTotalTimeout_ = kKeepTimeouts;
   return PortError::None;
 }
 
@@ -73,7 +73,7 @@ PortError Port::SetReadTimeouts(int total, int interval, int multiplier) {
   if (total == kKeepTimeouts) return PortError::None;
   const ReadTimeouts timeouts = ReadTimeoutsOf(total, interval, multiplier);
   const PortError error = ChangeTimeouts(&timeouts, nullptr);
-  if (error == PortError::None) read_total_timeout_ = total;
+  if (error == PortError::None) readTotalTimeout_ = total;
   return error;
 }
 
@@ -91,8 +91,8 @@ PortError Port::SetWriteTimeouts(int total, int multiplier) {
 
 PortError Port::Read(std::span<char> out, int total, StopRequest* stop) {
   if (!is_open()) return Fail(PortError::NotOpen);
-  last_count_ = 0;
-  if (total != kKeepTimeouts && total != read_total_timeout_) {
+  lastCount_ = 0;
+  if (total != kKeepTimeouts && total != readTotalTimeout_) {
     if (const auto error = SetReadTimeouts(total, 0, kDefaultMultiplier);
         error != PortError::None) {
       return error;
@@ -101,26 +101,25 @@ PortError Port::Read(std::span<char> out, int total, StopRequest* stop) {
   if (stop != nullptr && stop->StopRequested()) return Fail(PortError::Cancelled);
   std::size_t got = 0;
   const DeviceStatus status = device_->Read(out, got);
-  last_count_ = static_cast<std::uint32_t>(got);
+  lastCount_ = static_cast<std::uint32_t>(got);
   ended_ = status.ended();
   if (!status.ok()) return Fail(PortError::ReadFailed);
-  const bool total_set =
-      read_total_timeout_ != kReturnAtOnce && read_total_timeout_ != kKeepTimeouts;
+  const bool total_set = readTotalTimeout_ != kReturnAtOnce && readTotalTimeout_ != kKeepTimeouts;
   if (!total_set || got == out.size()) return PortError::None;
   return Report(
       errors_, PortError::FewerBytesRead,
-      {std::to_string(got), std::to_string(out.size()), std::to_string(read_total_timeout_)});
+      {std::to_string(got), std::to_string(out.size()), std::to_string(readTotalTimeout_)});
 }
 
 PortError Port::Write(std::string_view bytes, int timeout) {
   if (!is_open()) return Fail(PortError::NotOpen);
-  last_count_ = 0;
+  lastCount_ = 0;
   if (const auto error = SetWriteTimeouts(timeout, kDefaultMultiplier); error != PortError::None) {
     return error;
   }
   std::size_t written = 0;
   const DeviceStatus status = device_->Write(bytes, write_timeouts_, written);
-  last_count_ = static_cast<std::uint32_t>(written);
+  lastCount_ = static_cast<std::uint32_t>(written);
   if (!status.ok() || written < bytes.size()) return Fail(PortError::WriteFailed);
   return PortError::None;
 }

@@ -48,7 +48,7 @@ class Port {
   PortError SetReadTimeouts(int total, int interval, int multiplier);
   PortError SetWriteTimeouts(int total, int multiplier);
 
-  /// Reads until `out` is full or the time is out; last_count() says how many bytes came. A total
+  /// Reads until `out` is full or the time is out; lastCount() says how many bytes came. A total
   /// other than the remembered one is set first (no interval, 2 ms a byte). FewerBytesRead when a
   /// total is set and fewer bytes came, Cancelled when `stop` says so before reading.
   PortError Read(std::span<char> out, int total, StopRequest* stop = nullptr);
@@ -70,9 +70,9 @@ class Port {
   /// The last read found the end of a recording, or a connection that the far end closed.
   bool ended() const { return ended_; }
   const std::string& name() const { return name_; }
-  std::uint32_t last_count() const { return last_count_; }
+  std::uint32_t lastCount() const { return lastCount_; }
   /// The remembered total; kKeepTimeouts while this object has set none.
-  int read_total_timeout() const { return read_total_timeout_; }
+  int readTotalTimeout() const { return readTotalTimeout_; }
   LastErrorRecord& errors() { return errors_; }
 
  protected:
@@ -90,9 +90,9 @@ class Port {
   std::string name_;
   std::unique_ptr<ByteDevice> device_;
   LastErrorRecord& errors_;
-  std::uint32_t last_count_ = 0;
+  std::uint32_t lastCount_ = 0;
   WriteTimeouts write_timeouts_;
-  int read_total_timeout_ = kKeepTimeouts;
+  int readTotalTimeout_ = kKeepTimeouts;
   bool ended_ = false;
   std::atomic_flag busy_;
 };

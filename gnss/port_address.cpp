@@ -37,7 +37,7 @@ bool ParseSerial(std::string_view target, PortAddress& address, std::string& pro
   if (!baud || *baud < kLowestBaud || *baud > kHighestBaud) {
     return Refuse(problem, kTextBaud, target.substr(at + 1));
   }
-  address.baud_rate = static_cast<std::uint32_t>(*baud);
+  address.baudRate = static_cast<std::uint32_t>(*baud);
   return true;
 }
 
@@ -81,7 +81,7 @@ std::unique_ptr<Port> MakePort(const PortAddress& address, FileSystem& files, Cl
   switch (address.kind) {
     case PortKind::Serial: {
       auto port = std::make_unique<SerialPort>(errors, clock);
-      (void)port->SetLine(address.target, address.baud_rate, kDataBits, 0, 0);
+      (void)port->SetLine(address.target, address.baudRate, kDataBits, 0, 0);
       return port;
     }
     case PortKind::Tcp:

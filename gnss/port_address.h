@@ -20,8 +20,8 @@ enum class PortKind { Serial, Tcp, File, Simulated };
 
 struct PortAddress {
   PortKind kind = PortKind::Simulated;
-  std::string target;              ///< device, "HOST:PORT" or path; empty for the simulated one
-  std::uint32_t baud_rate = 9600;  ///< serial only
+  std::string target;             ///< device, "HOST:PORT" or path; empty for the simulated one
+  std::uint32_t baudRate = 9600;  ///< serial only
 
   bool operator==(const PortAddress&) const = default;
 };

@@ -32,14 +32,14 @@ GnssReadResult Validate(const GnssPositionState& state) {
   return GnssReadResult::Accepted;
 }
 
-GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int receiver_type) {
+GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int receiverType) {
   AcceptUsable accept_usable;
   PositionFinish* const finish = connection.finish != nullptr ? connection.finish : &accept_usable;
   state.repeated_epoch =
       state.epoch_ms != kNoEpoch && state.epoch_ms == connection.accepted_epoch_ms;
   state.precision_carried_over =
       state.precision_epoch_ms != kNoEpoch && state.precision_epoch_ms != state.epoch_ms;
-  if (finish->Finish(state, receiver_type) == FinishResult::Declined) {
+  if (finish->Finish(state, receiverType) == FinishResult::Declined) {
     return GnssReadResult::Declined;
   }
   connection.accepted_epoch_ms = state.epoch_ms;
@@ -81,12 +81,12 @@ GnssReadResult ReadByMake(GnssPositionState& state, GnssConnection& connection,
 }  // namespace
 
 GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connection,
-                                int receiver_type) {
+                                int receiverType) {
   state.reading = 1;
-  GnssReadResult result = ReadByMake(state, connection, FindMake(receiver_type));
+  GnssReadResult result = ReadByMake(state, connection, FindMake(receiverType));
   if (result == GnssReadResult::Accepted) result = Validate(state);
-  if (result == GnssReadResult::Accepted) result = Finish(state, connection, receiver_type);
-  state.last_result = static_cast<std::int32_t>(result);
+  if (result == GnssReadResult::Accepted) result = Finish(state, connection, receiverType);
+  state.lastResult = static_cast<std::int32_t>(result);
   state.reading = 0;
   return result;
 }

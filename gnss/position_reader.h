@@ -21,11 +21,11 @@ enum class [[nodiscard]] GnssReadResult : int{
 };
 
 /// Reads until a position is complete or the line budget is spent; blocks up to 1000 ms a line.
-/// `receiver_type` is the code of the make (gnss/receiver_make.h). What a receiver sent while
+/// `receiverType` is the code of the make (gnss/receiver_make.h). What a receiver sent while
 /// nobody read for more than two seconds is dropped first, so that no position of the past is
 /// taken for a current one; a recording is read from where it stands.
 GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connection,
-                                int receiver_type);
+                                int receiverType);
 
 /// The sentence for people.
 std::string ResultSentence(GnssReadResult result);

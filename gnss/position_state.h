@@ -29,10 +29,10 @@ enum class PositionOrigin {
 };
 
 struct GnssPositionState {
-  std::int32_t last_result = 0;  ///< GnssReadResult of the last reading
-  std::int32_t reading = 0;      ///< 1 while a reading is in progress
+  std::int32_t lastResult = 0;  ///< GnssReadResult of the last reading
+  std::int32_t reading = 0;     ///< 1 while a reading is in progress
   std::int32_t satellites = 0;
-  SolutionType solution_type = SolutionType::Autonomous;
+  SolutionType solutionType = SolutionType::Autonomous;
   PositionOrigin origin = PositionOrigin::Measured;
   double hrms = 0.0;  ///< horizontal precision, job's distance unit
   double vrms = 0.0;  ///< vertical precision, job's distance unit
@@ -45,11 +45,11 @@ struct GnssPositionState {
   double height = 0.0;               ///< above the ellipsoid, metres
   bool height_known = false;         ///< the position came with a height; without one it reads as 0
   double geoid_separation = 0.0;     ///< as the receiver gave it with the position, metres
-  double correction_age = 0.0;       ///< seconds; of the makes that are read for it
+  double correctionAge = 0.0;        ///< seconds; of the makes that are read for it
   double age_of_corrections = -1.0;  ///< seconds, of any make that tells it; negative: not told
-  std::int32_t differential_status = 0;
-  std::int32_t differential_source = 0;
-  std::array<UsedSatellite, kSatelliteSlots> used_satellites{};
+  std::int32_t differentialStatus = 0;
+  std::int32_t differentialSource = 0;
+  std::array<UsedSatellite, kSatelliteSlots> usedSatellites{};
 
   // How fresh all this is. An epoch is the UTC time of day in milliseconds; kNoEpoch when the
   // sentence carried none.

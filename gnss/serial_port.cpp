@@ -46,28 +46,27 @@ SerialPort::SerialPort(std::unique_ptr<SerialDevice> device, LastErrorRecord& er
 SerialPort::SerialPort(SerialDevice* device, LastErrorRecord& errors, Clock& clock)
     : Port({}, std::unique_ptr<ByteDevice>(device), errors), device_(device), clock_(clock) {}
 
-PortError SerialPort::SetLine(int port_number, std::uint32_t baud_rate, std::uint32_t data_bits,
-                              std::uint32_t parity, std::uint32_t stop_bits) {
-  return SetLine("COM" + std::to_string(port_number) + ":", baud_rate, data_bits, parity,
-                 stop_bits);
+PortError SerialPort::SetLine(int portNumber, std::uint32_t baudRate, std::uint32_t dataBits,
+                              std::uint32_t parity, std::uint32_t stopBits) {
+  return SetLine("COM" + std::to_string(portNumber) + ":", baudRate, dataBits, parity, stopBits);
 }
 
-PortError SerialPort::SetLine(std::string_view device_name, std::uint32_t baud_rate,
-                              std::uint32_t data_bits, std::uint32_t parity,
-                              std::uint32_t stop_bits) {
+PortError SerialPort::SetLine(std::string_view device_name, std::uint32_t baudRate,
+                              std::uint32_t dataBits, std::uint32_t parity,
+                              std::uint32_t stopBits) {
   set_name(std::string(device_name));
-  baud_rate_ = baud_rate;
-  data_bits_ = data_bits;
+  baudRate_ = baudRate;
+  dataBits_ = dataBits;
   parity_ = parity;
-  stop_bits_ = stop_bits;
+  stopBits_ = stopBits;
   return is_open() ? Configure() : PortError::None;
 }
 
 SerialLine SerialPort::StoredLine() const {
-  return {.baud_rate = baud_rate_,
-          .data_bits = data_bits_,
+  return {.baudRate = baudRate_,
+          .dataBits = dataBits_,
           .parity = ParityOf(parity_),
-          .stop_bits = StopBitsOf(stop_bits_)};
+          .stopBits = StopBitsOf(stopBits_)};
 }
 
 PortError SerialPort::Configure() {
@@ -86,9 +85,9 @@ PortError SerialPort::SetBaudRate(std::uint32_t baud) {
   if (baud < kLowestBaud || baud >= kAboveHighestBaud) return Fail(PortError::ConfigureFailed);
   SerialLine line;
   if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
-  line.baud_rate = baud;
+  line.baudRate = baud;
   if (!device_->SetLine(line).ok()) return Fail(PortError::ConfigureFailed);
-  baud_rate_ = baud;
+  baudRate_ = baud;
   return PortError::None;
 }
 
@@ -96,7 +95,7 @@ PortError SerialPort::GetBaudRate(std::uint32_t& baud) {
   if (!is_open()) return Fail(PortError::NotOpen);
   SerialLine line;
   if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
-  baud = line.baud_rate;
+  baud = line.baudRate;
   return PortError::None;
 }
 

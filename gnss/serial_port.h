@@ -25,11 +25,11 @@ class SerialPort final : public Port {
   SerialPort(std::unique_ptr<SerialDevice> device, LastErrorRecord& errors, Clock& clock);
 
   /// Names the port by number ("COM%d:") and stores the line; an open port is configured at once.
-  PortError SetLine(int port_number, std::uint32_t baud_rate, std::uint32_t data_bits,
-                    std::uint32_t parity, std::uint32_t stop_bits);
+  PortError SetLine(int portNumber, std::uint32_t baudRate, std::uint32_t dataBits,
+                    std::uint32_t parity, std::uint32_t stopBits);
   /// The same by device name ("/dev/ttyUSB0"), as systems without port numbers have them.
-  PortError SetLine(std::string_view device_name, std::uint32_t baud_rate, std::uint32_t data_bits,
-                    std::uint32_t parity, std::uint32_t stop_bits);
+  PortError SetLine(std::string_view device_name, std::uint32_t baudRate, std::uint32_t dataBits,
+                    std::uint32_t parity, std::uint32_t stopBits);
 
   /// Sets the line to the stored settings: no flow control, DTR and RTS on.
   PortError Configure();
@@ -46,10 +46,10 @@ class SerialPort final : public Port {
   /// The DSR line; off as well when the port is closed or has no such line.
   bool DsrOn();
 
-  std::uint32_t baud_rate() const { return baud_rate_; }
-  std::uint32_t data_bits() const { return data_bits_; }
+  std::uint32_t baudRate() const { return baudRate_; }
+  std::uint32_t dataBits() const { return dataBits_; }
   std::uint32_t parity() const { return parity_; }
-  std::uint32_t stop_bits() const { return stop_bits_; }
+  std::uint32_t stopBits() const { return stopBits_; }
 
  private:
   PortError ConfigureOpened() override { return Configure(); }
@@ -59,10 +59,10 @@ class SerialPort final : public Port {
 
   SerialDevice* device_;  // owned by Port
   Clock& clock_;
-  std::uint32_t baud_rate_ = 9600;
-  std::uint32_t data_bits_ = 8;
+  std::uint32_t baudRate_ = 9600;
+  std::uint32_t dataBits_ = 8;
   std::uint32_t parity_ = 0;
-  std::uint32_t stop_bits_ = 0;
+  std::uint32_t stopBits_ = 0;
 };
 
 }  // namespace tarvex

@@ -50,10 +50,10 @@ void SimulatedReceiver::Step(Clock& clock, DistanceUnit unit, GnssPositionState&
   state.vrms = FromMetres(vrms_m_, unit);
   state.precision_epoch_ms = state.epoch_ms;
   state.precision_known = true;
-  state.solution_type = SolutionType::Fixed;
+  state.solutionType = SolutionType::Fixed;
   state.satellites = static_cast<std::int32_t>(kSatellites.size());
   for (std::size_t i = 0; i < kSatellites.size(); ++i) {
-    state.used_satellites[i] = {.prn = kSatellites[i], .in_use = 1};
+    state.usedSatellites[i] = {.prn = kSatellites[i], .in_use = 1};
   }
   state.pdop = 1.4;
   state.hdop = 0.8;

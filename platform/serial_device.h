@@ -11,10 +11,10 @@ enum class SerialParity { None, Even, Odd, Mark, Space };
 enum class SerialStopBits { One, OneAndHalf, Two };
 
 struct SerialLine {
-  std::uint32_t baud_rate = 9600;
-  std::uint32_t data_bits = 8;
+  std::uint32_t baudRate = 9600;
+  std::uint32_t dataBits = 8;
   SerialParity parity = SerialParity::None;
-  SerialStopBits stop_bits = SerialStopBits::One;
+  SerialStopBits stopBits = SerialStopBits::One;
 
   bool operator==(const SerialLine&) const = default;
 };

@@ -25,8 +25,8 @@ DeviceStatus Failed() {
   return {errno};
 }
 
-tcflag_t CharacterSize(std::uint32_t data_bits) {
-  switch (data_bits) {
+tcflag_t CharacterSize(std::uint32_t dataBits) {
+  switch (dataBits) {
     case 5:
       return CS5;
     case 6:
@@ -56,9 +56,9 @@ tcflag_t ParityFlags(SerialParity parity) {
 
 // One and a half stop bits exist with five data bits only, where CSTOPB means them.
 bool Possible(const SerialLine& line) {
-  if (line.baud_rate == 0) return false;  // would hang up
-  if (line.data_bits < 5 || line.data_bits > 8) return false;
-  return line.stop_bits != SerialStopBits::OneAndHalf || line.data_bits == 5;
+  if (line.baudRate == 0) return false;  // would hang up
+  if (line.dataBits < 5 || line.dataBits > 8) return false;
+  return line.stopBits != SerialStopBits::OneAndHalf || line.dataBits == 5;
 }
 
 void Apply(const SerialLine& line, termios2& settings) {
@@ -68,9 +68,9 @@ void Apply(const SerialLine& line, termios2& settings) {
   settings.c_cflag &= ~static_cast<tcflag_t>(CBAUD | (CBAUD << kInputBaudShift) | CSIZE | PARENB |
                                              PARODD | CMSPAR | CSTOPB | CRTSCTS);
   settings.c_cflag |= BOTHER | (BOTHER << kInputBaudShift) | CREAD | CLOCAL |
-                      CharacterSize(line.data_bits) | ParityFlags(line.parity);
-  if (line.stop_bits != SerialStopBits::One) settings.c_cflag |= CSTOPB;
-  settings.c_ispeed = settings.c_ospeed = line.baud_rate;
+                      CharacterSize(line.dataBits) | ParityFlags(line.parity);
+  if (line.stopBits != SerialStopBits::One) settings.c_cflag |= CSTOPB;
+  settings.c_ispeed = settings.c_ospeed = line.baudRate;
   settings.c_cc[VMIN] = 1;  // so that an idle line is told apart from one that hung up
   settings.c_cc[VTIME] = 0;
 }
@@ -84,11 +84,11 @@ SerialParity ParityOf(tcflag_t flags) {
 
 SerialLine LineOf(const termios2& settings) {
   SerialLine line;
-  line.baud_rate = settings.c_ospeed;
-  line.data_bits = 5 + ((settings.c_cflag & CSIZE) >> 4);
+  line.baudRate = settings.c_ospeed;
+  line.dataBits = 5 + ((settings.c_cflag & CSIZE) >> 4);
   line.parity = ParityOf(settings.c_cflag);
   if ((settings.c_cflag & CSTOPB) != 0) {
-    line.stop_bits = line.data_bits == 5 ? SerialStopBits::OneAndHalf : SerialStopBits::Two;
+    line.stopBits = line.dataBits == 5 ? SerialStopBits::OneAndHalf : SerialStopBits::Two;
   }
   return line;
 }
@@ -97,11 +97,11 @@ SerialLine LineOf(const termios2& settings) {
 // as serial lines stand it: adapters divide a clock.
 bool Keeps(const SerialLine& kept, const SerialLine& wanted) {
   constexpr std::uint32_t kTolerated = 20;  // a twentieth
-  const std::uint32_t difference = kept.baud_rate > wanted.baud_rate
-                                       ? kept.baud_rate - wanted.baud_rate
-                                       : wanted.baud_rate - kept.baud_rate;
-  return kept.data_bits == wanted.data_bits && kept.parity == wanted.parity &&
-         kept.stop_bits == wanted.stop_bits && difference <= wanted.baud_rate / kTolerated;
+  const std::uint32_t difference = kept.baudRate > wanted.baudRate
+                                       ? kept.baudRate - wanted.baudRate
+                                       : wanted.baudRate - kept.baudRate;
+  return kept.dataBits == wanted.dataBits && kept.parity == wanted.parity &&
+         kept.stopBits == wanted.stopBits && difference <= wanted.baudRate / kTolerated;
 }
 
 // "COM3:" is the third of this machine's own serial lines.

@@ -84,10 +84,10 @@ std::string PositionText(const GnssPositionState& state, Clock& clock) {
   return "position  " + FixedNumber(state.latitude, kDegreeDecimals) + "  " +
          FixedNumber(state.longitude, kDegreeDecimals) + "  height " +
          (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "unknown") +
-         "\nsolution  " + std::string(SolutionText(state.solution_type)) +
-         OriginText(state.origin) + "  " + std::to_string(state.satellites) + " satellites  " +
-         PrecisionText(state) + "\nquality   " + DopText(state) + "\ntime      " +
-         EpochText(state.epoch_ms) + " UTC, read " + FixedNumber(age_s, 1) + " s ago" +
+         "\nsolution  " + std::string(SolutionText(state.solutionType)) + OriginText(state.origin) +
+         "  " + std::to_string(state.satellites) + " satellites  " + PrecisionText(state) +
+         "\nquality   " + DopText(state) + "\ntime      " + EpochText(state.epoch_ms) +
+         " UTC, read " + FixedNumber(age_s, 1) + " s ago" +
          (state.repeated_epoch ? "  REPEATED" : "") + "\n";
 }
 
@@ -144,7 +144,7 @@ std::string PositionLine(const GnssPositionState& state) {
   return FixedNumber(state.latitude, kDegreeDecimals) + " " +
          FixedNumber(state.longitude, kDegreeDecimals) + " " +
          (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "-") + " " +
-         std::string(SolutionText(state.solution_type)) + OriginText(state.origin) + " " +
+         std::string(SolutionText(state.solutionType)) + OriginText(state.origin) + " " +
          std::to_string(state.satellites) + " satellites " + PrecisionText(state) + " " +
          EpochText(state.epoch_ms);
 }

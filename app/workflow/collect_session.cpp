@@ -25,7 +25,7 @@ std::string PrecisionText(const GnssPositionState& state) {
 }
 
 std::string StateText(const GnssPositionState& state) {
-  return std::string(SolutionText(state.solution_type)) + ", " + std::to_string(state.satellites) +
+  return std::string(SolutionText(state.solutionType)) + ", " + std::to_string(state.satellites) +
          " satellites, " + PrecisionText(state);
 }
 

@@ -124,8 +124,8 @@ bool StakeSession::TakePosition(const GnssPositionState& state, const CTrgCalcul
   const bool precise = !state.precision_known || state.precision_carried_over ||
                        state.hrms <= 0.5 * plan_.tolerance.horizontal;
   const auto elevation = state.height_known ? std::optional(at.elevation) : std::nullopt;
-  Show({at.northing, at.easting, elevation}, state.solution_type == SolutionType::Fixed && precise,
-       std::string(SolutionText(state.solution_type)));
+  Show({at.northing, at.easting, elevation}, state.solutionType == SolutionType::Fixed && precise,
+       std::string(SolutionText(state.solutionType)));
   return true;
 }
 

@@ -60,10 +60,10 @@ PortError Protocol::ReceiveRaw(std::span<char> buffer, std::string_view& reply, 
       error != PortError::None) {
     return error;
   }
-  std::size_t count = connection_->last_count();
+  std::size_t count = connection_->lastCount();
   if (count == 1) {
     (void)connection_->Read(buffer.subspan(1), kReturnAtOnce);
-    count += connection_->last_count();
+    count += connection_->lastCount();
   }
   reply = {buffer.data(), count};
   return count > 0 ? PortError::None : PortError::FewerBytesRead;

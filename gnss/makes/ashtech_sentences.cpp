@@ -57,9 +57,9 @@ double HeightInMetres(const Tokens& tokens, std::size_t number, DistanceUnit uni
 // False when there is no fix; a quality that has no meaning leaves the type as it was.
 bool TakeGgaQuality(int quality, GnssPositionState& state) {
   if (quality == 0) return false;
-  if (quality == 1) state.solution_type = SolutionType::Autonomous;
-  if (quality == 2) state.solution_type = SolutionType::Float;
-  if (quality == 3) state.solution_type = SolutionType::Fixed;
+  if (quality == 1) state.solutionType = SolutionType::Autonomous;
+  if (quality == 2) state.solutionType = SolutionType::Float;
+  if (quality == 3) state.solutionType = SolutionType::Fixed;
   return true;
 }
 
@@ -73,7 +73,7 @@ GnssReadResult ReadPashrPos(std::string_view line, int model, GnssPositionState&
   }
   const Tokens tokens(line);
   if (tokens.count() < kTokensToHeight) return GnssReadResult::NoPositionSentence;
-  state.solution_type = PosSolution(NmeaInteger(tokens[3]));
+  state.solutionType = PosSolution(NmeaInteger(tokens[3]));
   state.satellites = NmeaInteger(tokens[4]);
   state.epoch_ms = MillisecondsOfDay(tokens[5]);
   TakeAngles(tokens, 6, state);

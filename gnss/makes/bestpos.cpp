@@ -75,12 +75,12 @@ bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, 
       std::sqrt(sigma_latitude * sigma_latitude + sigma_longitude * sigma_longitude), unit);
   state.vrms = ToJobDistance(sigma_height, unit);
   state.precision_known = true;
-  if (!fields.Skip(1) || !TakeNumber(fields, state.correction_age) || !fields.Skip(2) ||
+  if (!fields.Skip(1) || !TakeNumber(fields, state.correctionAge) || !fields.Skip(2) ||
       !fields.Take(field)) {
     return false;
   }
   state.satellites = NmeaInteger(field);
-  state.age_of_corrections = state.correction_age;
+  state.age_of_corrections = state.correctionAge;
   state.height_known = true;
   return true;
 }
@@ -98,8 +98,8 @@ GnssReadResult ReadBestpos(std::string_view log, DistanceUnit unit, GnssPosition
   if (!fields.Take(type)) return GnssReadResult::NoPositionSentence;
   if (type == "NONE") return GnssReadResult::NoFix;
   const PositionType position = TypeOf(type);
-  state.solution_type = position.solution;
-  state.differential_source = position.source;
+  state.solutionType = position.solution;
+  state.differentialSource = position.source;
   bestpos.omnistar_hp = type == "OMNISTAR_HP";
   if (!TakeBody(fields, unit, state, bestpos)) return GnssReadResult::NoPositionSentence;
   state.geoid_separation = bestpos.undulation_m;

@@ -44,12 +44,12 @@ class TcpNtripConnection final : public NtripConnection {
     if (const PortError error = port_->Read(out.first(1), timeout_ms); error != PortError::None) {
       return stopped_ ? Report(errors_, PortError::Cancelled) : error;
     }
-    if (port_->last_count() == 0) return PortError::FewerBytesRead;
+    if (port_->lastCount() == 0) return PortError::FewerBytesRead;
     count = 1;
     if (out.size() == 1) return PortError::None;
     // An error here is told by the next call: the byte that came is not lost over it.
     (void)port_->Read(out.subspan(1), kReturnAtOnce);
-    count += port_->last_count();
+    count += port_->lastCount();
     return PortError::None;
   }
 

@@ -53,7 +53,7 @@ bool PositionAverage::Add(const GnssPositionState& state, DistanceUnit unit) {
        .vrms_m = ToMetres(state.vrms, unit),
        .precise = state.precision_known && state.hrms > 0.0 && state.vrms > 0.0});
   if (state.origin != PositionOrigin::Measured) worst_.origin = state.origin;
-  worst_.solution_type = Worse(worst_.solution_type, state.solution_type);
+  worst_.solutionType = Worse(worst_.solutionType, state.solutionType);
   worst_.satellites = std::min(worst_.satellites, state.satellites);
   worst_.pdop = std::max(worst_.pdop, state.pdop);
   worst_.precision_known = worst_.precision_known && state.precision_known;

@@ -47,8 +47,8 @@ std::optional<GateRefusal> Above(Limit limit, bool known, double has, std::optio
 }
 
 std::optional<GateRefusal> CheckSolution(const GateLimits& limits, const GnssPositionState& state) {
-  if (!limits.solution || Rank(state.solution_type) >= Rank(*limits.solution)) return std::nullopt;
-  return GateRefusal{Limit::Solution, std::string(SolutionText(state.solution_type)),
+  if (!limits.solution || Rank(state.solutionType) >= Rank(*limits.solution)) return std::nullopt;
+  return GateRefusal{Limit::Solution, std::string(SolutionText(state.solutionType)),
                      std::string(SolutionText(*limits.solution))};
 }
 

@@ -45,7 +45,7 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   if (!fields.Take(field)) return SentenceResult::RanOut;
   const int quality = NmeaInteger(field);
   if (quality == 0) return SentenceResult::NoFix;
-  state.solution_type = GgaSolution(quality, context.make);
+  state.solutionType = GgaSolution(quality, context.make);
   state.origin = GgaOrigin(quality);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.satellites = NmeaInteger(field);
@@ -61,7 +61,7 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   state.age_of_corrections = age_there && !field.empty() ? NmeaNumber(field) : -1.0;
   if (!context.make.hemisphere_family) return SentenceResult::Position;
   if (!age_there) return SentenceResult::RanOut;
-  state.correction_age = NmeaNumber(field);
+  state.correctionAge = NmeaNumber(field);
   return SentenceResult::Position;
 }
 

@@ -58,8 +58,8 @@ SentenceResult ReadGgk(std::string_view line, SentenceKind kind, const SentenceC
   const int quality = NmeaInteger(field);
   if (quality == 0) return SentenceResult::NoFix;
   state.origin = PositionOrigin::Measured;
-  state.solution_type = ptnl && context.settings.ggk_published_quality ? PublishedSolution(quality)
-                                                                       : GgkSolution(quality);
+  state.solutionType = ptnl && context.settings.ggk_published_quality ? PublishedSolution(quality)
+                                                                      : GgkSolution(quality);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.satellites = NmeaInteger(field);
   if (ptnl || published) {

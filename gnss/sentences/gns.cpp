@@ -52,9 +52,9 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   if (!fields.Take(field)) return SentenceResult::RanOut;
   if (context.settings.gns_best_mode && NoSystemHasAFix(field)) return SentenceResult::NoFix;
   state.origin = GnsOrigin(field);
-  state.solution_type = context.settings.gns_best_mode
-                            ? BestGnsSolution(field)
-                            : GnsSolution(field.empty() ? 'N' : field.front());
+  state.solutionType = context.settings.gns_best_mode
+                           ? BestGnsSolution(field)
+                           : GnsSolution(field.empty() ? 'N' : field.front());
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.satellites = NmeaInteger(field);
   if (!fields.Take(field)) return SentenceResult::RanOut;

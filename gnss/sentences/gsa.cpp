@@ -7,7 +7,7 @@ namespace {
 
 std::size_t SlotsInUse(const GnssPositionState& state) {
   std::size_t count = 0;
-  while (count < kSatelliteSlots && state.used_satellites[count].in_use != 0) ++count;
+  while (count < kSatelliteSlots && state.usedSatellites[count].in_use != 0) ++count;
   return count;
 }
 
@@ -19,7 +19,7 @@ SentenceResult ReadGsa(std::string_view line, bool joins, const SentenceContext&
   FieldCursor fields(line);
   if (!fields.Skip(3)) return SentenceResult::RanOut;
   if (!joins) {
-    state.used_satellites = {};
+    state.usedSatellites = {};
     state.satellites = 0;
   }
   std::size_t slot = SlotsInUse(state);
@@ -28,7 +28,7 @@ SentenceResult ReadGsa(std::string_view line, bool joins, const SentenceContext&
     if (!fields.Take(field)) return SentenceResult::RanOut;
     if (field.empty()) continue;
     if (slot < kSatelliteSlots) {
-      state.used_satellites[slot++] = {.prn = NmeaInteger(field), .in_use = 1};
+      state.usedSatellites[slot++] = {.prn = NmeaInteger(field), .in_use = 1};
     }
     ++state.satellites;
   }

@@ -9,7 +9,7 @@ SentenceResult ReadRd1(std::string_view line, GnssPositionState& state) {
   FieldCursor fields(line);
   std::string_view field;
   if (!fields.Skip(kStatusField) || !fields.Take(field)) return SentenceResult::RanOut;
-  state.differential_status = NmeaInteger(field);
+  state.differentialStatus = NmeaInteger(field);
   return SentenceResult::Read;
 }
 

@@ -180,7 +180,7 @@ TEST(Captures, EllipsoidHeightIsGgaHeightPlusSeparation) {
       ASSERT_TRUE(gga.contains(state.epoch_ms));
       EXPECT_NEAR(gga[state.epoch_ms], state.height, 0.0011);
       ++compared;
-      if (state.solution_type == SolutionType::Float) ++floating;
+      if (state.solutionType == SolutionType::Float) ++floating;
     }
   }
   EXPECT_EQ(compared, 11);

@@ -51,9 +51,9 @@ TEST(BestposLog, GivesPositionPrecisionAndType) {
   EXPECT_EQ(bestpos.datum.view(), "WGS84");
   EXPECT_NEAR(state.hrms, 0.009683, 1e-6);
   EXPECT_DOUBLE_EQ(state.vrms, 0.0141);
-  EXPECT_DOUBLE_EQ(state.correction_age, 1.0);
+  EXPECT_DOUBLE_EQ(state.correctionAge, 1.0);
   EXPECT_EQ(state.satellites, 31);
-  EXPECT_EQ(state.solution_type, SolutionType::Fixed);
+  EXPECT_EQ(state.solutionType, SolutionType::Fixed);
   EXPECT_EQ(state.epoch_ms, (603797 % 86400) * 1000);
 }
 
@@ -70,8 +70,8 @@ TEST(BestposLog, MapsTypesAndCuts) {
     GnssPositionState state;
     Bestpos bestpos;
     ASSERT_EQ(ReadBestpos(log, DistanceUnit::Metres, state, bestpos), GnssReadResult::Accepted);
-    EXPECT_EQ(state.solution_type, solution) << type;
-    EXPECT_EQ(state.differential_source, source) << type;
+    EXPECT_EQ(state.solutionType, solution) << type;
+    EXPECT_EQ(state.differentialSource, source) << type;
   }
   for (std::size_t length = 0; length < kFixed.find("31,31"); ++length) {
     GnssPositionState state;
@@ -174,11 +174,11 @@ TEST_F(Ashtech, AnswersWithAPosition) {
   EXPECT_NEAR(state.longitude, 167.0630130, 1e-7);
   EXPECT_DOUBLE_EQ(state.height, -39.33);
   EXPECT_EQ(state.satellites, 3);
-  EXPECT_EQ(state.solution_type, SolutionType::Autonomous);
+  EXPECT_EQ(state.solutionType, SolutionType::Autonomous);
   EXPECT_DOUBLE_EQ(state.pdop, 3.6) << "the empty field collapses";
   connection.settings.ashtech_model = 6;
   EXPECT_EQ(Read(std::string(kPos) + "\r\n"), GnssReadResult::Accepted);
-  EXPECT_EQ(state.solution_type, SolutionType::Dgps);
+  EXPECT_EQ(state.solutionType, SolutionType::Dgps);
   EXPECT_DOUBLE_EQ(state.pdop, 1.7);
   EXPECT_DOUBLE_EQ(state.vdop, 1.4);
 }
@@ -205,7 +205,7 @@ TEST_F(Ashtech, SwitchesGgaOnAndOff) {
   connection.settings.unit = DistanceUnit::UsSurveyFeet;
   EXPECT_EQ(Read("$GPZDA,1\r\nnoise" + gga), GnssReadResult::Accepted);
   EXPECT_EQ(device->written, "$PASHS,NME,GGA,B,ON\r\n$PASHS,NME,GGA,B,OFF\r\n");
-  EXPECT_EQ(state.solution_type, SolutionType::Float);
+  EXPECT_EQ(state.solutionType, SolutionType::Float);
   EXPECT_NEAR(state.height, 110.0 * 0.30480060960125016, 1e-9);
   EXPECT_LT(state.longitude, 0.0);
   EXPECT_EQ(Read("$GPGGA,123519,4807.038,N,01131.000,W,0,08,0.9,100.0,M,10.0,M,4\r\n"),

@@ -71,7 +71,7 @@ TEST_F(ScriptedPort, SetsTimeoutsByTheMeaningOfTheTotal) {
   EXPECT_EQ(device->timeouts.read,
             (ReadTimeouts{.interval_ms = 50, .multiplier_ms = 1, .constant_ms = 500}));
   (void)port->SetReadTimeouts(-2, 9, 9);
-  EXPECT_EQ(port->read_total_timeout(), 500);
+  EXPECT_EQ(port->readTotalTimeout(), 500);
   (void)port->SetWriteTimeouts(-1, 5);
   EXPECT_EQ(device->timeouts.write, WriteTimeouts{});
   device->get_timeouts_status = {EIO};
@@ -90,10 +90,10 @@ TEST_F(ScriptedPort, ReadTellsWhatCameAndWhatWasMissing) {
   char bytes[10];
   device->input = "sixbyt";
   EXPECT_EQ(port->Read(bytes, 1000), PortError::FewerBytesRead);
-  EXPECT_EQ(port->last_count(), 6U);
+  EXPECT_EQ(port->lastCount(), 6U);
   EXPECT_EQ(errors.Get(), (LastError{25, {"6", "10", "1000"}}));
   EXPECT_EQ(port->Read(bytes, 0), PortError::None) << "no total is set";
-  EXPECT_EQ(port->last_count(), 0U);
+  EXPECT_EQ(port->lastCount(), 0U);
   Stop stop;
   device->input = "kept";
   EXPECT_EQ(port->Read(bytes, 0, &stop), PortError::Cancelled);
@@ -103,7 +103,7 @@ TEST_F(ScriptedPort, ReadTellsWhatCameAndWhatWasMissing) {
   EXPECT_EQ(port->Read(bytes, 0), PortError::ReadFailed);
   device->write_limit = 3;
   EXPECT_EQ(port->Write("four", 100), PortError::WriteFailed);
-  EXPECT_EQ(port->last_count(), 3U);
+  EXPECT_EQ(port->lastCount(), 3U);
 }
 
 TEST_F(ScriptedPort, LinesEndAtLineFeed) {
@@ -156,7 +156,7 @@ TEST(PortAddress, IsReadFromOneText) {
   ASSERT_TRUE(ParsePortAddress("serial:/dev/ttyUSB0@115200", address, problem));
   EXPECT_EQ(address, (PortAddress{PortKind::Serial, "/dev/ttyUSB0", 115200}));
   ASSERT_TRUE(ParsePortAddress("serial:/dev/ttyS1", address, problem));
-  EXPECT_EQ(address.baud_rate, 9600U);
+  EXPECT_EQ(address.baudRate, 9600U);
   ASSERT_TRUE(ParsePortAddress("tcp:[::1]:9001", address, problem));
   EXPECT_EQ(address.target, "[::1]:9001");
   ASSERT_TRUE(ParsePortAddress("file:/a:b.log", address, problem));
@@ -216,13 +216,13 @@ TEST_F(PseudoTerminal, KeepsItsTimeouts) {
   char bytes[10];
   Send("sixbyt");
   EXPECT_EQ(port.Read(bytes, 30), PortError::FewerBytesRead);
-  EXPECT_EQ(port.last_count(), 6U);
+  EXPECT_EQ(port.lastCount(), 6U);
   EXPECT_EQ(port.Read(bytes, 0), PortError::None);
-  EXPECT_EQ(port.last_count(), 0U);
+  EXPECT_EQ(port.lastCount(), 0U);
   const std::string flood(100'000, 'x');
   ASSERT_EQ(port.SetWriteTimeouts(20, 0), PortError::None);
   EXPECT_EQ(port.Write(flood, kKeepTimeouts), PortError::WriteFailed) << "nobody reads the far end";
-  EXPECT_GT(port.last_count(), 0U);
+  EXPECT_GT(port.lastCount(), 0U);
 }
 
 TEST_F(PseudoTerminal, IsOpenedForOneProgramAlone) {

@@ -26,7 +26,7 @@ TEST_F(PositionReader, AcceptsTheFirstPositionAndLeavesTheRest) {
   EXPECT_EQ(Read(std::string("noise\r\n$GPGSA,A,3,1,2,,,,,,,,,,,2.5,1.3,2.1*39\r\n") +
                  std::string(kGga) + std::string(kNextGga)),
             GnssReadResult::Accepted);
-  EXPECT_EQ(state.last_result, 1);
+  EXPECT_EQ(state.lastResult, 1);
   EXPECT_EQ(state.reading, 0);
   EXPECT_EQ(state.satellites, 8);
   EXPECT_DOUBLE_EQ(state.pdop, 2.5);
@@ -59,7 +59,7 @@ TEST_F(PositionReader, NamesEveryFailure) {
             GnssReadResult::InvalidData);
   EXPECT_EQ(Read("$GPGGA,1,4807.000,N,01131.000,E,1,08,0.9,1e9,M,46.9,M,,*47\r\n"),
             GnssReadResult::Declined);
-  EXPECT_EQ(state.last_result, 0);
+  EXPECT_EQ(state.lastResult, 0);
 }
 
 TEST_F(PositionReader, EveryResultHasASentence) {
@@ -119,7 +119,7 @@ TEST_F(PositionReader, ReadsAStreamBufferWithItsPrecisionAhead) {
                  "$GPGSV,x\r\n$GPGST,123519,1,1,1,0,0.03,0.04,0.1*00\r\n",
                  kMakeStreamBuffered),
             GnssReadResult::Accepted);
-  EXPECT_EQ(state.solution_type, SolutionType::Float);
+  EXPECT_EQ(state.solutionType, SolutionType::Float);
   EXPECT_DOUBLE_EQ(state.hrms, 0.05);
   EXPECT_EQ(clock.slept_ms, 100);
 }
@@ -152,7 +152,7 @@ TEST_F(PositionReader, SimulatesTheSameWalkAtTheSameTime) {
 
 TEST(PointQuality, WritesNotesAndBlocks) {
   GnssPositionState state{.satellites = 12,
-                          .solution_type = SolutionType::Fixed,
+                          .solutionType = SolutionType::Fixed,
                           .hrms = 0.0125,
                           .vrms = 0.02,
                           .pdop = 1.44};
@@ -163,7 +163,7 @@ TEST(PointQuality, WritesNotesAndBlocks) {
             "TIME,09:30:15\n");
   state.satellites = 0;
   state.pdop = 0.0;
-  state.solution_type = static_cast<SolutionType>(9);
+  state.solutionType = static_cast<SolutionType>(9);
   EXPECT_EQ(QualityComment(state, true, QualityStamp{"06-01-2026", "09:30:15"}),
             "\n--HQ:0.013, VQ:0.020, STATUS:AUTONOMOUS\n--DT06-01-2026\n--TM09:30:15");
 }

@@ -13,7 +13,7 @@ namespace {
 
 GnssPositionState Good() {
   return {.satellites = 12,
-          .solution_type = SolutionType::Fixed,
+          .solutionType = SolutionType::Fixed,
           .hrms = 0.012,
           .vrms = 0.02,
           .pdop = 1.4,
@@ -39,7 +39,7 @@ TEST(QualityGate, NamesTheLimitThatRefuses) {
        "The receiver repeats its last position."},
       {[](GnssPositionState& s) { s.position_read_at_ms = 2500; },
        "The position is 3.5 s old; the limit is 2.0 s."},
-      {[](GnssPositionState& s) { s.solution_type = SolutionType::Float; },
+      {[](GnssPositionState& s) { s.solutionType = SolutionType::Float; },
        "The solution is FLOAT; it must be FIXED or better."},
       {[](GnssPositionState& s) { s.satellites = 5; },
        "There are 5 satellites; there must be 6 or more."},
@@ -81,7 +81,7 @@ TEST(PositionAverage, WeighsByPrecision) {
   state.vrms = 0.02;
   state.latitude += 1e-6;
   state.height += 1.0;
-  state.solution_type = SolutionType::Float;
+  state.solutionType = SolutionType::Float;
   state.satellites = 9;
   ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
   EXPECT_FALSE(average.Add(state, DistanceUnit::Metres)) << "an epoch counts once";
@@ -92,7 +92,7 @@ TEST(PositionAverage, WeighsByPrecision) {
   EXPECT_NEAR(mean.height, 1100.2, 1e-9);
   EXPECT_NEAR(mean.farthest, 0.8 * 0.11117, 1e-4);
   const GnssPositionState all = average.State();
-  EXPECT_EQ(all.solution_type, SolutionType::Float);
+  EXPECT_EQ(all.solutionType, SolutionType::Float);
   EXPECT_EQ(all.satellites, 9);
   EXPECT_NEAR(all.hrms, std::sqrt((1e-4 + 4e-4) / 2.0), 1e-12);
 }

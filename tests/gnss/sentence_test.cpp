@@ -64,7 +64,7 @@ TEST(Gga, GivesPositionQualityAndEllipsoidHeight) {
   ASSERT_EQ(reading.Take(kMunich), SentenceResult::Position);
   EXPECT_NEAR(reading.state.latitude, 48.1173, 1e-9);
   EXPECT_NEAR(reading.state.longitude, 11.0 + 31.0 / 60.0, 1e-9);
-  EXPECT_EQ(reading.state.solution_type, SolutionType::Autonomous);
+  EXPECT_EQ(reading.state.solutionType, SolutionType::Autonomous);
   EXPECT_EQ(reading.state.satellites, 8);
   EXPECT_DOUBLE_EQ(reading.state.hdop, 0.9);
   EXPECT_DOUBLE_EQ(reading.state.height, 592.3);
@@ -82,14 +82,14 @@ TEST(Gga, MapsQualityToSolution) {
     const std::string line =
         std::string("$GPGGA,1,4807.0,S,01131.0,W,") + quality + ",08,0.9,1.0,M,2.0,M,,*47";
     ASSERT_EQ(reading.Take(line), SentenceResult::Position);
-    EXPECT_EQ(reading.state.solution_type, solution) << quality;
+    EXPECT_EQ(reading.state.solutionType, solution) << quality;
     EXPECT_LT(reading.state.latitude, 0.0);
     EXPECT_LT(reading.state.longitude, 0.0);
   }
   Reading stream{.make = kMakeStreamBuffered};
   ASSERT_EQ(stream.Take("$GPGGA,1,4807.0,N,01131.0,E,2,08,0.9,1.0,M,2.0,M,,"),
             SentenceResult::Position);
-  EXPECT_EQ(stream.state.solution_type, SolutionType::Float);
+  EXPECT_EQ(stream.state.solutionType, SolutionType::Float);
 }
 
 TEST(Gga, WithoutFixOrCutShortIsNoPosition) {
@@ -108,7 +108,7 @@ TEST(Gga, OfTheHemisphereFamilyCarriesTheCorrectionAge) {
   Reading reading{.make = kMakeHemisphere};
   ASSERT_EQ(reading.Take("$GPGGA,1,4807.0,N,01131.0,E,2,08,0.9,1.0,M,2.0,M,6.5,0133*5F"),
             SentenceResult::Position);
-  EXPECT_DOUBLE_EQ(reading.state.correction_age, 6.5);
+  EXPECT_DOUBLE_EQ(reading.state.correctionAge, 6.5);
 }
 
 TEST(Talkers, AreTakenWhenTheSettingSaysSo) {
@@ -118,7 +118,7 @@ TEST(Talkers, AreTakenWhenTheSettingSaysSo) {
   EXPECT_EQ(plain.Take(kFixed), SentenceResult::Read);
   Reading any{.settings = {.any_talker = true, .checksum = true}};
   ASSERT_EQ(any.Take(kFixed), SentenceResult::Position);
-  EXPECT_EQ(any.state.solution_type, SolutionType::Fixed);
+  EXPECT_EQ(any.state.solutionType, SolutionType::Fixed);
   EXPECT_EQ(any.state.epoch_ms, ((15 * 60 + 34) * 60 + 12) * 1000);
   EXPECT_EQ(any.Take("$GNGGA,153412.00,4631.67305925,N,00836.42752370,E,4,20,0.9,1145.6315,M,"
                      "50.3453,M,01,0*7E"),
@@ -168,11 +168,11 @@ TEST(Gns, ReadsTheFirstModeLetterOrTheBest) {
       "$GNGNS,235647.00,3403.47162394,N,11711.80927093,W,NRFNN,10,1.2,403.600,-32.133,,*2E";
   Reading first{.settings = {.position = PositionSentence::Gns}};
   ASSERT_EQ(first.Take(kLine), SentenceResult::Position);
-  EXPECT_EQ(first.state.solution_type, SolutionType::Autonomous);
+  EXPECT_EQ(first.state.solutionType, SolutionType::Autonomous);
   EXPECT_NEAR(first.state.height, 371.467, 1e-9);
   Reading best{.settings = {.position = PositionSentence::Gns, .gns_best_mode = true}};
   ASSERT_EQ(best.Take(kLine), SentenceResult::Position);
-  EXPECT_EQ(best.state.solution_type, SolutionType::Fixed);
+  EXPECT_EQ(best.state.solutionType, SolutionType::Fixed);
   constexpr std::string_view kEmpty = "$GPGNS,225817.00,,,,,,7,,,,4.6,138*49";
   EXPECT_EQ(first.Take(kEmpty), SentenceResult::Position) << "taken as 0/0, refused later";
   best.settings.skip_empty = true;
@@ -187,7 +187,7 @@ TEST(Ggk, ReadsTheHeightWithItsPrefix) {
             SentenceResult::Position);
   EXPECT_DOUBLE_EQ(reading.state.height, 288.689);
   EXPECT_DOUBLE_EQ(reading.state.pdop, 4.4);
-  EXPECT_EQ(reading.state.solution_type, SolutionType::Fixed);
+  EXPECT_EQ(reading.state.solutionType, SolutionType::Fixed);
   EXPECT_EQ(reading.Take("$PTNL,GGK,,,,,,,0,00,,,M*30"), SentenceResult::NoFix);
 }
 
@@ -229,8 +229,8 @@ TEST(Gsa, ListsSatellitesAndDops) {
   Reading reading{.settings = {.any_talker = true}};
   (void)reading.Take("$GNGSA,A,3,13,16,21,15,10,29,27,20,,,,,1.05,0.64,0.83,1*03");
   EXPECT_EQ(reading.state.satellites, 8);
-  EXPECT_EQ(reading.state.used_satellites[7], (UsedSatellite{.prn = 20, .in_use = 1}));
-  EXPECT_EQ(reading.state.used_satellites[8].in_use, 0);
+  EXPECT_EQ(reading.state.usedSatellites[7], (UsedSatellite{.prn = 20, .in_use = 1}));
+  EXPECT_EQ(reading.state.usedSatellites[8].in_use, 0);
   EXPECT_DOUBLE_EQ(reading.state.pdop, 1.05);
   EXPECT_DOUBLE_EQ(reading.state.hdop, 0.64);
   EXPECT_DOUBLE_EQ(reading.state.vdop, 0.83);
@@ -258,10 +258,10 @@ TEST(Rd1, IsReadForOneDifferentialSource) {
   constexpr std::string_view kLine = "$RD1,469164,1515,1537.4400,1,10,83,76.9,0,1F,1F,0,99999";
   Reading reading{.settings = {.differential_choice = kReadRd1}, .make = kMakeHemisphere};
   (void)reading.Take(kLine);
-  EXPECT_EQ(reading.state.differential_status, 10);
+  EXPECT_EQ(reading.state.differentialStatus, 10);
   Reading other{.settings = {.differential_choice = 3}, .make = kMakeHemisphere};
   (void)other.Take(kLine);
-  EXPECT_EQ(other.state.differential_status, 0);
+  EXPECT_EQ(other.state.differentialStatus, 0);
 }
 
 TEST(ReceiverSettings, AreReadByKey) {

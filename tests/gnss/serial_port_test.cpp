@@ -104,7 +104,7 @@ TEST_F(Serial, SettingsAreStoredWhileClosedAndAppliedWhileOpen) {
   for (const auto& [flag, parity] : parities) {
     ASSERT_EQ(port->SetLine(7, 9600, 8, flag, kStopBitsOneAndHalf), PortError::None);
     EXPECT_EQ(device->line.parity, parity) << flag;
-    EXPECT_EQ(device->line.stop_bits, SerialStopBits::OneAndHalf);
+    EXPECT_EQ(device->line.stopBits, SerialStopBits::OneAndHalf);
   }
 }
 
@@ -125,7 +125,7 @@ TEST_F(Serial, OpeningNamesWhatFailed) {
   device->failing = {{"SetLine", {EINVAL}}};
   EXPECT_EQ(port->SetBaudRate(19200), PortError::ConfigureFailed);
   EXPECT_THAT(Codes(), ElementsAre(9)) << "a rate alone names no message";
-  EXPECT_EQ(port->baud_rate(), 9600U);
+  EXPECT_EQ(port->baudRate(), 9600U);
 }
 
 TEST_F(Serial, BreakHoldsForTheTimeAsked) {
