@@ -33,11 +33,13 @@ struct LandXmlAlignment {
 
 enum class [[nodiscard]] LandXmlResult : int{
     Read = 1,
-    NotXml = 0,        ///< not well formed
-    NotLandXml = -1,   ///< another kind of document
-    NoAlignment = -2,  ///< none, or none of the name asked for
-    CannotHold = -3,   ///< something that a centerline cannot hold, by name
-    BadNumber = -4,    ///< a number or point is missing or makes no sense
+    NotXml = 0,              ///< not well formed
+    NotLandXml = -1,         ///< another kind of document
+    NoAlignment = -2,        ///< none, or none of the name asked for
+    CannotHold = -3,         ///< something that a centerline cannot hold, by name
+    BadNumber = -4,          ///< a number or point is missing or makes no sense
+    SeveralAlignments = -5,  ///< a profile is asked for, but not of which alignment
+    NoProfile = -6,          ///< the alignment has none
 };
 
 struct LandXmlReading {
@@ -54,6 +56,22 @@ inline constexpr std::uint64_t kLargestLandXml = 64U << 20U;
 
 /// Reads every alignment of the document, or the one called `only`.
 LandXmlReading ReadLandXml(std::string_view text, std::optional<std::string_view> only = {});
+
+struct LandXmlProfileReading {
+  LandXmlResult result = LandXmlResult::NotXml;
+  std::string problem;  ///< as in LandXmlReading
+  DistanceUnit unit = DistanceUnit::Metres;
+  std::string alignment;
+  std::optional<Profile> profile;
+  std::string profile_name;
+  std::vector<std::string> warnings;
+};
+
+/// The profile of the alignment called `alignment`, or of the only one of the document: never of
+/// one alignment in place of another. The plan is not read, so that one which no centerline can
+/// hold has its profile all the same.
+LandXmlProfileReading ReadLandXmlProfile(std::string_view text,
+                                         std::optional<std::string_view> alignment = {});
 
 /// What goes out.
 struct LandXmlExport {

@@ -32,7 +32,8 @@ class ProfileReader {
       if (name != "ProfAlign") continue;
       if (alignment.profile) {
         source_.Warn("The further profile \"" + std::string(line.attribute("name").value()) +
-                     "\" was left out.");
+                     "\" of alignment \"" + alignment.name + "\" was left out; \"" +
+                     alignment.profile_name + "\" was taken.");
         continue;
       }
       TakeVerticalPoints(line, alignment);

@@ -27,13 +27,12 @@ class LandXmlReader {
       : text_(text), only_(only), source_(text) {}
 
   LandXmlReading Read() {
-    pugi::xml_document document;
-    const pugi::xml_parse_result parsed = document.load_buffer(text_.data(), text_.size());
-    if (!parsed) {
-      source_.Refuse(LandXmlResult::NotXml, parsed.offset,
-                     std::string("the XML cannot be read: ") + parsed.description());
-    } else {
-      TakeDocument(document);
+    for (const pugi::xml_node& alignment : Alignments()) {
+      if (!source_.refused()) TakeAlignment(alignment);
+    }
+    if (!source_.refused() && reading_.alignments.empty()) {
+      source_.Refuse(LandXmlResult::NoAlignment, std::ptrdiff_t{0},
+                     "the document holds no alignment with geometry");
     }
     reading_.result = source_.result();
     reading_.problem = source_.problem();
@@ -41,29 +40,68 @@ class LandXmlReader {
     return std::move(reading_);
   }
 
- private:
-  void TakeDocument(const pugi::xml_document& document) {
-    const pugi::xml_node root = Child(document, "LandXML");
-    if (!root)
-      return source_.Refuse(LandXmlResult::NotLandXml, std::ptrdiff_t{0},
-                            "this is no LandXML document");
-    TakeUnits(root);
-    for (const pugi::xml_node& points : root.children()) {
-      if (LocalName(points) == "CgPoints") TakeCgPoints(points);
+  // Of the one alignment that is meant; another one's profile is another road.
+  LandXmlProfileReading ReadProfileOnly() {
+    LandXmlProfileReading found;
+    const std::vector<pugi::xml_node> chosen = Alignments();
+    if (chosen.size() > 1) {
+      source_.Refuse(LandXmlResult::SeveralAlignments, chosen[1],
+                     "the document holds several alignments: " + names_);
     }
+    if (!source_.refused()) {
+      LandXmlAlignment alignment;
+      alignment.name = chosen.front().attribute("name").value();
+      TakeProfiles(chosen.front(), alignment);
+      if (!source_.refused() && !alignment.profile) {
+        source_.Refuse(LandXmlResult::NoProfile, chosen.front(),
+                       "the alignment \"" + alignment.name + "\" has no profile");
+      }
+      found.alignment = std::move(alignment.name);
+      found.profile = std::move(alignment.profile);
+      found.profile_name = std::move(alignment.profile_name);
+    }
+    found.result = source_.result();
+    found.problem = source_.problem();
+    found.unit = reading_.unit;
+    found.warnings = source_.warnings();
+    return found;
+  }
+
+ private:
+  // The alignments that are asked for, with the units and named points of the document taken; none
+  // once it is refused.
+  std::vector<pugi::xml_node> Alignments() {
+    const pugi::xml_parse_result parsed = document_.load_buffer(text_.data(), text_.size());
+    if (!parsed) {
+      source_.Refuse(LandXmlResult::NotXml, parsed.offset,
+                     std::string("the XML cannot be read: ") + parsed.description());
+      return {};
+    }
+    const pugi::xml_node root = Child(document_, "LandXML");
+    if (!root) {
+      source_.Refuse(LandXmlResult::NotLandXml, std::ptrdiff_t{0}, "this is no LandXML document");
+      return {};
+    }
+    TakeUnits(root);
+    std::vector<pugi::xml_node> chosen;
     for (const pugi::xml_node& group : root.children()) {
+      if (LocalName(group) == "CgPoints") TakeCgPoints(group);
       if (LocalName(group) != "Alignments") continue;
       for (const pugi::xml_node& alignment : group.children()) {
-        if (source_.refused()) return;
-        if (LocalName(alignment) == "Alignment") TakeAlignment(alignment);
+        if (LocalName(alignment) != "Alignment") continue;
+        const std::string_view name = alignment.attribute("name").value();
+        names_ += (names_.empty() ? "\"" : ", \"") + std::string(name) + "\"";
+        if (!only_ || name == *only_) chosen.push_back(alignment);
       }
     }
-    if (!source_.refused() && reading_.alignments.empty()) {
+    if (chosen.empty() && !source_.refused()) {
       source_.Refuse(LandXmlResult::NoAlignment, root,
                      only_ ? "no alignment is called \"" + std::string(*only_) + "\"; there is " +
                                  (names_.empty() ? "none" : names_)
-                           : "the document holds no alignment with geometry");
+                           : "the document holds no alignment");
     }
+    if (source_.refused()) chosen.clear();
+    return chosen;
   }
 
   void TakeUnits(const pugi::xml_node& root) {
@@ -95,25 +133,34 @@ class LandXmlReader {
   }
 
   void TakeAlignment(const pugi::xml_node& node) {
-    const std::string name = node.attribute("name").value();
-    names_ += (names_.empty() ? "\"" : ", \"") + name + "\"";
-    if (only_ && name != *only_) return;
     const pugi::xml_node geometry = Child(node, "CoordGeom");
     if (!geometry) return;
-    if (!source_.Number(node, "staStart")) {
-      source_.Warn("Alignment \"" + name + "\" has no start station; it starts at 0.");
-    }
-    const double start = source_.Number(node, "staStart").value_or(0.0);
+    LandXmlAlignment alignment;
+    alignment.name = node.attribute("name").value();
+    const double start = StartStation(node, alignment.name);
     const std::vector<PlanElement> elements = ReadPlanGeometry(source_, geometry, start);
     if (source_.refused() || elements.empty()) return;
-    LandXmlAlignment alignment;
-    alignment.name = name;
     alignment.centerline = MakeCenterline(elements);
     TakeEquations(node, alignment);
+    TakeProfiles(node, alignment);
+    if (!source_.refused()) reading_.alignments.push_back(std::move(alignment));
+  }
+
+  double StartStation(const pugi::xml_node& node, const std::string& name) {
+    const auto start = source_.Number(node, "staStart");
+    if (start) return *start;
+    const std::string given = node.attribute("staStart").value();
+    source_.Warn("Line " + std::to_string(source_.LineOf(node)) + ": alignment \"" + name + "\" " +
+                 (given.empty() ? "has no start station"
+                                : "has a start station that is no number (\"" + given + "\")") +
+                 "; it starts at 0.");
+    return 0.0;
+  }
+
+  void TakeProfiles(const pugi::xml_node& node, LandXmlAlignment& alignment) {
     for (const pugi::xml_node& profile : node.children()) {
       if (LocalName(profile) == "Profile") ReadProfile(source_, profile, alignment);
     }
-    if (!source_.refused()) reading_.alignments.push_back(std::move(alignment));
   }
 
   void TakeEquations(const pugi::xml_node& node, LandXmlAlignment& alignment) {
@@ -142,6 +189,7 @@ class LandXmlReader {
 
   std::string_view text_;
   std::optional<std::string_view> only_;
+  pugi::xml_document document_;
   LandXmlSource source_;
   std::string names_;  // of the alignments seen
   LandXmlReading reading_;
@@ -151,6 +199,11 @@ class LandXmlReader {
 
 LandXmlReading ReadLandXml(std::string_view text, std::optional<std::string_view> only) {
   return LandXmlReader(text, only).Read();
+}
+
+LandXmlProfileReading ReadLandXmlProfile(std::string_view text,
+                                         std::optional<std::string_view> alignment) {
+  return LandXmlReader(text, alignment).ReadProfileOnly();
 }
 
 }  // namespace tarvex

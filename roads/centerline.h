@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/fixed_text.h"
+#include "roads/station_equations.h"
 
 namespace tarvex {
 
@@ -92,12 +93,24 @@ struct LineNote {
   bool operator==(const LineNote&) const = default;
 };
 
+/// A record that was read into another one: a vertex on top of another key point.
+struct MergedLine {
+  int line = 0;
+  int into = 0;  ///< the line of the record that stayed (which may itself be merged further)
+
+  bool operator==(const MergedLine&) const = default;
+};
+
+/// The alignment with everything that its file says.
 struct Centerline {
   std::vector<CenterlineElement> elements;
   std::optional<CenterlineStartPoint> start_point;
   double start_station = 0.0;
   StationLimits limits;
   std::vector<LineNote> notes;  ///< at most kMostLineNotes, the first ones
+  std::vector<MergedLine> merged;
+  std::vector<StationEquation> equations;  ///< in file order, the first station the back one
+  std::string text;                        ///< the file, byte for byte
 };
 
 inline constexpr std::size_t kMostLineNotes = 100;

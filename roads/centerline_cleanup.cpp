@@ -12,8 +12,12 @@ constexpr double kSamePlace = 0.0005;
 // The walk marks what goes; the chain is closed up once at the end.
 class CleanUpWalk {
  public:
-  CleanUpWalk(std::vector<CenterlineElement>& chain, bool keep_tangent_points)
-      : chain_(chain), removed_(chain.size()), keep_tangent_points_(keep_tangent_points) {}
+  CleanUpWalk(std::vector<CenterlineElement>& chain, bool keepTangentPoints,
+              std::vector<MergedLine>* merged)
+      : chain_(chain),
+        removed_(chain.size()),
+        keep_tangent_points_(keepTangentPoints),
+        merged_(merged) {}
 
   void Run() {
     std::size_t at = 0;
@@ -51,14 +55,19 @@ class CleanUpWalk {
     if (HasId(first.id) && !HasId(second.id)) second.id = first.id;
     switch (Which(first, second)) {
       case Duplicate::First:
-        removed_[at] = true;
+        Remove(at, next);
         break;
       case Duplicate::Second:
-        removed_[next] = true;
+        Remove(next, at);
         break;
       case Duplicate::None:
         break;
     }
+  }
+
+  void Remove(std::size_t gone, std::size_t kept) {
+    removed_[gone] = true;
+    if (merged_ != nullptr) merged_->push_back({chain_[gone].line, chain_[kept].line});
   }
 
   Duplicate Which(const CenterlineElement& first, const CenterlineElement& second) const {
@@ -92,12 +101,14 @@ class CleanUpWalk {
   std::vector<bool> removed_;
   std::size_t head_ = 0;
   bool keep_tangent_points_;
+  std::vector<MergedLine>* merged_;
 };
 
 }  // namespace
 
-void CleanUpChain(std::vector<CenterlineElement>& chain, bool keep_tangent_points) {
-  CleanUpWalk(chain, keep_tangent_points).Run();
+void CleanUpChain(std::vector<CenterlineElement>& chain, bool keepTangentPoints,
+                  std::vector<MergedLine>* merged) {
+  CleanUpWalk(chain, keepTangentPoints, merged).Run();
 }
 
 }  // namespace tarvex

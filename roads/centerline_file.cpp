@@ -45,15 +45,18 @@ CenterlineLoad LoadCenterline(FileSystem& files, Road& road, const std::string& 
   std::string text;
   if (const FileStatus status = ReadWholeFile(files, path, kLargestRoadFile, text); !status.ok()) {
     if (status.code == EFBIG) return {LoadCenterlineResult::TooLarge};
-    if (options.report_errors && show) show(Strings().Text(kTextCenterlineNotOpened, {path}));
+    if (options.reportErrors && show) show(Strings().Text(kTextCenterlineNotOpened, {path}));
     return {LoadCenterlineResult::NotOpened};
   }
-  ChainReading reading = ReadChain(text, options.keep_tangent_points);
+  ChainReading reading = ReadChain(text, options.keepTangentPoints);
   const LoadCenterlineResult result = ResultOf(reading.result);
   if (result != LoadCenterlineResult::Loaded) return {result, reading.refused_line};
   loaded.elements = std::move(reading.elements);
   loaded.start_point = reading.start_point;
   loaded.notes = std::move(reading.notes);
+  loaded.merged = std::move(reading.merged);
+  loaded.equations = ReadStationEquations(text);
+  loaded.text = std::move(text);
   road.centerline = std::move(loaded);
   road.centerline->start_station = StartStation(road);
   return {result};

@@ -16,7 +16,7 @@ inline constexpr std::uint64_t kLargestRoadFile = 64U << 20U;
 enum class [[nodiscard]] LoadCenterlineResult : int{
     Loaded = 1,
     Nothing = 0,     ///< no path, or no key point in the file
-    NotOpened = -1,  ///< with report_errors the message 5223 was shown
+    NotOpened = -1,  ///< with reportErrors the message 5223 was shown
     TooLarge = -2,   ///< beyond kLargestRoadFile
     TooLong = -3     ///< beyond kMostCenterlineElements; `line` tells where
 };
@@ -27,8 +27,8 @@ struct [[nodiscard]] CenterlineLoad {
 };
 
 struct LoadCenterlineOptions {
-  bool report_errors = false;
-  bool keep_tangent_points = false;
+  bool reportErrors = false;
+  bool keepTangentPoints = false;
 };
 
 /// Shows a text to the user.

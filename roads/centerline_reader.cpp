@@ -60,15 +60,15 @@ struct RadiusLine {
 
 class ChainReader {
  public:
-  ChainReader(std::string_view text, bool keep_tangent_points)
-      : lines_(text, kSignificantBytes), keep_tangent_points_(keep_tangent_points) {}
+  ChainReader(std::string_view text, bool keepTangentPoints)
+      : lines_(text, kSignificantBytes), keep_tangent_points_(keepTangentPoints) {}
 
   ChainReading Read() {
     std::string_view line;
     while (!stopped_ && lines_.Next(line)) TakeRecord(line);
     if (reading_.result == ReadChainResult::TooLong) return std::move(reading_);
     if (chain_.size() > 1) DropTerminator();
-    CleanUpChain(chain_, keep_tangent_points_);
+    CleanUpChain(chain_, keep_tangent_points_, &reading_.merged);
     for (CenterlineElement& element : chain_) {
       if (element.kind == ElementKind::LeadIn) element.kind = ElementKind::Vertex;
     }
@@ -182,6 +182,7 @@ class ChainReader {
   }
 
   void DropPrevious() {
+    reading_.merged.push_back({chain_[chain_.size() - 2].line, chain_.back().line});
     chain_[chain_.size() - 2] = chain_.back();
     chain_.pop_back();
   }
@@ -266,8 +267,8 @@ class ChainReader {
 
 }  // namespace
 
-ChainReading ReadChain(std::string_view text, bool keep_tangent_points) {
-  return ChainReader(text, keep_tangent_points).Read();
+ChainReading ReadChain(std::string_view text, bool keepTangentPoints) {
+  return ChainReader(text, keepTangentPoints).Read();
 }
 
 StationLimits ReadStationLimits(std::string_view text) {

@@ -16,11 +16,11 @@ double StartStation(const Road& road, double offset) {
   return std::fabs(station) < kZeroStation ? 0.0 : station;
 }
 
-std::optional<StationSpan> StationRange(const Road& road, double end_offset) {
+std::optional<StationSpan> StationRange(const Road& road, double endOffset) {
   if (!road.centerline || road.centerline->elements.empty()) return std::nullopt;
   const Centerline& centerline = *road.centerline;
   StationSpan span{.start = centerline.start_station,
-                   .end = centerline.elements.back().station - end_offset};
+                   .end = centerline.elements.back().station - endOffset};
   if (!road.use_station_limits) return span;
   const StationLimits& limits = centerline.limits;
   if (limits.start && *limits.start > span.start + kLimitTolerance) {

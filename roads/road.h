@@ -27,9 +27,9 @@ struct StationSpan {
   bool operator==(const StationSpan&) const = default;
 };
 
-/// The usable stations: from the start station to the last element's station less `end_offset`,
+/// The usable stations: from the start station to the last element's station less `endOffset`,
 /// narrowed (never widened) by the station limits when the road uses them. Nothing without a
 /// centerline.
-std::optional<StationSpan> StationRange(const Road& road, double end_offset = 0.0);
+std::optional<StationSpan> StationRange(const Road& road, double endOffset = 0.0);
 
 }  // namespace tarvex

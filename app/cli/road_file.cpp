@@ -3,7 +3,6 @@
 #include "app/workflow/job_session.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
-#include "exchange/landxml.h"
 #include "roads/centerline_file.h"
 #include "roads/road_texts.h"
 
@@ -40,11 +39,10 @@ std::string OpenedRoad::Picture(const std::string& title,
 namespace {
 
 StationStyle StyleOf(const RoadFileOptions& options, DistanceUnit unit) {
-  const bool thousands =
-      options.stations.empty() ? unit == DistanceUnit::Metres : options.stations == "1000";
   if (options.stations == "plain") return {StationMode::Plain, 3};
-  return thousands ? StationStyle{StationMode::Thousands, 3}
-                   : StationStyle{StationMode::Hundreds, 2};
+  if (options.stations == "1000") return {StationMode::Thousands, 3};
+  if (options.stations == "100") return {StationMode::Hundreds, 2};
+  return DefaultStationStyle(unit);
 }
 
 std::string LoadProblem(const RoadFileOptions& options, const CenterlineLoad& load) {
@@ -61,30 +59,6 @@ std::string LoadProblem(const RoadFileOptions& options, const CenterlineLoad& lo
   }
 }
 
-bool LoadProfile(Program& program, const RoadFileOptions& options, OpenedRoad& opened) {
-  std::string text;
-  const FileStatus status = ReadWholeFile(program.files, options.profile, kLargestLandXml, text);
-  if (!status.ok()) {
-    (void)program.Fail(options.profile + " cannot be read: " + status.Text() + ".");
-    return false;
-  }
-  LandXmlReading reading = ReadLandXml(text);
-  if (reading.result != LandXmlResult::Read) {
-    (void)program.Fail(options.profile + ": " + reading.problem);
-    return false;
-  }
-  for (LandXmlAlignment& alignment : reading.alignments) {
-    if (!alignment.profile) continue;
-    opened.profile = std::move(alignment.profile);
-    if (reading.unit == opened.unit) return true;
-    (void)program.Fail(options.profile + " is in " + std::string(UnitName(reading.unit)) +
-                       ", the centerline in " + std::string(UnitName(opened.unit)) + ".");
-    return false;
-  }
-  (void)program.Fail(options.profile + " holds no profile.");
-  return false;
-}
-
 std::string GeometryProblem(const RoadFileOptions& options, const RoadGeometryMaking& making) {
   if (making.result == AlignmentResult::OutOfRange) {
     return options.file + " line " + std::to_string(making.line) +
@@ -95,37 +69,40 @@ std::string GeometryProblem(const RoadFileOptions& options, const RoadGeometryMa
 
 }  // namespace
 
+StationStyle DefaultStationStyle(DistanceUnit unit) {
+  return unit == DistanceUnit::Metres ? StationStyle{StationMode::Thousands, 3}
+                                      : StationStyle{StationMode::Hundreds, 2};
+}
+
 std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& options) {
   Road road;
   road.use_station_limits = options.use_limits;
   const CenterlineLoad load = LoadCenterline(program.files, road, options.file);
-  std::string text;
-  if (load.result != LoadCenterlineResult::Loaded ||
-      !ReadWholeFile(program.files, options.file, kLargestRoadFile, text).ok()) {
+  if (load.result != LoadCenterlineResult::Loaded) {
     (void)program.Fail(LoadProblem(options, load));
     return std::nullopt;
   }
   const DistanceUnit unit = *ParseUnit(options.unit);
-  std::vector<StationEquation> equations = ReadStationEquations(text);
-  if (options.ahead_first) equations = Swapped(std::move(equations));
-  RoadGeometryMaking making = MakeRoadGeometry(*road.centerline, equations, CheckLimits::For(unit));
+  Centerline& centerline = *road.centerline;
+  if (options.ahead_first) centerline.equations = Swapped(std::move(centerline.equations));
+  RoadGeometryMaking making =
+      MakeRoadGeometry(centerline, centerline.equations, CheckLimits::For(unit));
   if (!making.geometry) {
     (void)program.Fail(GeometryProblem(options, making));
     return std::nullopt;
   }
-  road.centerline->elements = making.geometry->chain;
+  centerline.elements = making.geometry->chain;
   OpenedRoad opened{.road = std::move(road),
                     .geometry = *std::move(making.geometry),
-                    .text = std::move(text),
-                    .equations = std::move(equations),
                     .profile = std::nullopt,
                     .unit = unit,
                     .limits = CheckLimits::For(unit),
                     .style = StyleOf(options, unit),
                     .span = {}};
   opened.span = StationRange(opened.road).value_or(StationSpan{});
-  if (!options.profile.empty() && !LoadProfile(program, options, opened)) return std::nullopt;
-  return opened;
+  if (options.profile.file.empty()) return opened;
+  opened.profile = OpenProfile(program, options.profile, unit, opened.span);
+  return opened.profile ? std::optional(std::move(opened)) : std::nullopt;
 }
 
 void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOptions& options) {

@@ -9,6 +9,7 @@
 
 #include "app/cli/json_text.h"
 #include "app/cli/program.h"
+#include "app/cli/road_profile.h"
 #include "core/units.h"
 #include "exchange/road_picture.h"
 #include "roads/alignment_check.h"
@@ -23,7 +24,7 @@ struct RoadFileOptions {
   std::string file;
   std::string unit = "metres";
   std::string stations;
-  std::string profile;
+  ProfileChoice profile;
   bool use_limits = false;
   bool ahead_first = false;
   bool json = false;
@@ -32,8 +33,6 @@ struct RoadFileOptions {
 struct OpenedRoad {
   Road road;
   RoadGeometry geometry;
-  std::string text;  ///< of the file, byte for byte
-  std::vector<StationEquation> equations;
   std::optional<Profile> profile;
   DistanceUnit unit = DistanceUnit::Metres;
   CheckLimits limits;
@@ -51,6 +50,9 @@ struct OpenedRoad {
   /// The alignment from above, with marks beside it.
   std::string Picture(const std::string& title, std::span<const PictureMark> marks = {}) const;
 };
+
+/// 1+234.500 in metres, 12+34.50 in feet.
+StationStyle DefaultStationStyle(DistanceUnit unit);
 
 /// Nothing after a message that names the file and the line.
 std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& options);

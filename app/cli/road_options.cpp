@@ -24,8 +24,11 @@ void AddRoadViewOptions(CLI::App& sub, RoadFileOptions& options) {
 }
 
 void AddProfileOption(CLI::App& sub, RoadFileOptions& options) {
-  sub.add_option("--profile", options.profile,
-                 "LandXML file whose profile gives design elevations");
+  auto* file = sub.add_option("--profile", options.profile.file,
+                              "LandXML file whose profile gives design elevations");
+  sub.add_option("--profile-alignment", options.profile.alignment,
+                 "Whose profile, when the file holds several alignments")
+      ->needs(file);
 }
 
 void AddRoadPlaceOptions(CLI::App& sub, RoadPlaceOptions& options) {

@@ -15,7 +15,7 @@ namespace tarvex {
 void AddRoadFileOptions(CLI::App& sub, RoadFileOptions& options);
 /// --stations, --limits and --json: how the road is shown.
 void AddRoadViewOptions(CLI::App& sub, RoadFileOptions& options);
-/// --profile.
+/// --profile and --profile-alignment.
 void AddProfileOption(CLI::App& sub, RoadFileOptions& options);
 
 /// A place of the road as it is typed.

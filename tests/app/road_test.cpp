@@ -120,6 +120,31 @@ TEST_F(RoadCommands, LandXmlGoesOutAndComesIn) {
   EXPECT_NEAR(there["easting"].get<double>(), back["easting"].get<double>(), 1e-6);
 }
 
+TEST_F(RoadCommands, AskWhoseProfileIsMeant) {
+  folder_.Write("two.xml",
+                "<LandXML><Units><Metric linearUnit='meter'/></Units><Alignments>"
+                "<Alignment name='Ramp' length='100' staStart='1000'>"
+                "<Profile><ProfAlign name='R'><PVI>1000 10</PVI><PVI>1400 20</PVI></ProfAlign>"
+                "</Profile></Alignment>"
+                "<Alignment name='Main' length='400' staStart='1000'>"
+                "<Profile><ProfAlign name='M'><PVI>1000 500</PVI><PVI>1400 500</PVI></ProfAlign>"
+                "</Profile></Alignment></Alignments></LandXML>");
+  const ProgramResult unnamed = folder_.Run("road point site.cl 1+050 --profile two.xml");
+  EXPECT_EQ(unnamed.exit_code, 2);
+  EXPECT_EQ(unnamed.output, "");
+  EXPECT_THAT(unnamed.errors, HasSubstr("\"Ramp\", \"Main\""));
+  EXPECT_THAT(unnamed.errors, HasSubstr("--profile-alignment"));
+  EXPECT_THAT(
+      folder_.Run("road point site.cl 1+050 --profile two.xml --profile-alignment Main").output,
+      HasSubstr("EL 500.0000"));
+  folder_.Write("beside.xml",
+                "<LandXML><Units><Metric linearUnit='meter'/></Units><Alignments><Alignment "
+                "name='Ramp'><Profile><ProfAlign name='R'><PVI>0 10</PVI><PVI>90 20</PVI>"
+                "</ProfAlign></Profile></Alignment></Alignments></LandXML>");
+  EXPECT_THAT(folder_.Run("road point site.cl 1+050 --profile beside.xml").errors,
+              HasSubstr("is it the profile of this road?"));
+}
+
 TEST_F(RoadCommands, SectionsShowWhereTheyCatch) {
   const auto section = json::parse(
       folder_.Run("road section site.tpl --elevation 100 --ground-left \"plane 97.8,-0.01\" --json")

@@ -231,6 +231,45 @@ TEST(LandXmlReader, TakesPointsByReferenceAndArcsCalledSpirals) {
   EXPECT_TRUE(road.alignment.elements()[1].sound);
 }
 
+// Two roads in one document: a ramp of three points and a main road with a transition curve that no
+// centerline holds.
+constexpr std::string_view kTwoRoads =
+    "<LandXML><Units><Metric linearUnit='meter'/></Units><Alignments>"
+    "<Alignment name='Ramp' length='100' staStart='0'><CoordGeom>"
+    "<Line><Start>0 0</Start><End>100 0</End></Line></CoordGeom>"
+    "<Profile><ProfAlign name='R'><PVI>0 10</PVI><PVI>100 "
+    "20</PVI></ProfAlign></Profile></Alignment>"
+    "<Alignment name='Main' length='100' staStart='0'><CoordGeom>"
+    "<Spiral length='100' radiusStart='INF' radiusEnd='500' rot='cw' spiType='bloss'>"
+    "<Start>0 0</Start><PI>50 0</PI><End>99 3</End></Spiral></CoordGeom>"
+    "<Profile><ProfAlign name='M'><PVI>0 500</PVI><PVI>100 500</PVI></ProfAlign>"
+    "<ProfAlign name='Ditch'><PVI>0 1</PVI><PVI>100 1</PVI></ProfAlign></Profile></Alignment>"
+    "</Alignments></LandXML>";
+
+TEST(LandXmlReader, NeverTakesTheProfileOfAnotherAlignment) {
+  const LandXmlProfileReading unnamed = ReadLandXmlProfile(kTwoRoads);
+  EXPECT_EQ(unnamed.result, LandXmlResult::SeveralAlignments);
+  EXPECT_FALSE(unnamed.profile);
+  EXPECT_THAT(unnamed.problem, HasSubstr("\"Ramp\", \"Main\""));
+  const LandXmlProfileReading main = ReadLandXmlProfile(kTwoRoads, "Main");
+  ASSERT_EQ(main.result, LandXmlResult::Read) << main.problem;
+  EXPECT_EQ(main.profile->At(50.0)->elevation, 500.0);
+  EXPECT_EQ(main.profile_name, "M");
+  EXPECT_THAT(main.warnings, testing::ElementsAre(HasSubstr("\"Ditch\"")));
+  EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Ramp").profile->At(50.0)->elevation, 15.0);
+  EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Side").result, LandXmlResult::NoAlignment);
+  EXPECT_EQ(ReadLandXmlProfile(ReadData("scs_station_equation.xml")).result,
+            LandXmlResult::NoProfile);
+  EXPECT_TRUE(ReadLandXmlProfile(ReadData("toivola_y3.xml")).profile);
+}
+
+TEST(LandXmlReader, TellsAStartStationThatIsNoNumber) {
+  const std::string text = Changed(ReadData("scs_station_equation.xml"), "staStart=\"1000.000000\"",
+                                   "staStart=\"1+000.00\"");
+  EXPECT_THAT(ReadLandXml(text).warnings,
+              testing::Contains(HasSubstr("is no number (\"1+000.00\"); it starts at 0")));
+}
+
 TEST(LandXmlReader, StandsFilesCutAnywhere) {
   for (const char* file : {"scs_station_equation.xml", "toivola_y3.xml"}) {
     const std::string text = ReadData(file);

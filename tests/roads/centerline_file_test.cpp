@@ -19,8 +19,8 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-std::vector<CenterlineElement> Chain(std::string_view text, bool keep_tangent_points = false) {
-  return ReadChain(text, keep_tangent_points).elements;
+std::vector<CenterlineElement> Chain(std::string_view text, bool keepTangentPoints = false) {
+  return ReadChain(text, keepTangentPoints).elements;
 }
 
 // "kind station" of each node, to read a chain at a glance.
@@ -211,15 +211,15 @@ TEST(LoadCenterline, TellsWhatItCouldNotDo) {
   Road road = LoadRoad("cl/simple_right.cl");
   std::string shown;
   const ShowMessage show = [&](std::string_view text) { shown = text; };
-  EXPECT_EQ(LoadCenterline(SystemFiles(), road, "", {.report_errors = true}, show).result,
+  EXPECT_EQ(LoadCenterline(SystemFiles(), road, "", {.reportErrors = true}, show).result,
             LoadCenterlineResult::Nothing);
   EXPECT_EQ(shown, "");
   EXPECT_EQ(LoadCenterline(SystemFiles(), road, RoadData("none.cl"), {}, show).result,
             LoadCenterlineResult::NotOpened);
   EXPECT_EQ(shown, "");
-  EXPECT_EQ(LoadCenterline(SystemFiles(), road, RoadData("none.cl"), {.report_errors = true}, show)
-                .result,
-            LoadCenterlineResult::NotOpened);
+  EXPECT_EQ(
+      LoadCenterline(SystemFiles(), road, RoadData("none.cl"), {.reportErrors = true}, show).result,
+      LoadCenterlineResult::NotOpened);
   EXPECT_THAT(shown, testing::HasSubstr("none.cl"));
   EXPECT_EQ(road.centerline->elements.size(), 4U);  // the road that was open stays
   EXPECT_EQ(road.centerline->start_station, 1000.0);

@@ -71,8 +71,10 @@ void TellImport(const RoadImportOptions& options, Program& program, const LandXm
                           std::string(UnitKey(reading.unit)) + "\n");
   }
   if (alignment.profile) {
-    program.console.Print("Its profile is read from the same file: --profile " + options.file +
-                          "\n");
+    program.console.Print(
+        "Its profile is read from the same file: --profile " + options.file +
+        (options.alignment.empty() ? "" : " --profile-alignment \"" + options.alignment + "\"") +
+        "\n");
   }
 }
 
@@ -86,7 +88,8 @@ ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
   const auto making =
       MakeRoadGeometry(alignment.centerline, alignment.equations, CheckLimits::For(reading->unit));
   if (!options.svg.empty() && making.geometry) {
-    const std::string svg = AlignmentPicture(*making.geometry, alignment.name, {});
+    const std::string svg =
+        AlignmentPicture(*making.geometry, alignment.name, DefaultStationStyle(reading->unit));
     if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
   }
   TellImport(options, program, *reading,

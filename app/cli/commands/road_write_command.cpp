@@ -27,7 +27,7 @@ std::string Restationed(const OpenedRoad& road) {
   for (std::size_t i = 0; i < chain.size(); ++i) {
     if (chain[i].line > 0) lines.push_back({chain[i].line, stations[i]});
   }
-  return WithStations(road.text, lines, kStationDecimals);
+  return WithStations(road.road.centerline->text, lines, kStationDecimals);
 }
 
 ExitCode RunRoadWrite(const RoadWriteOptions& options, Program& program) {
@@ -36,13 +36,13 @@ ExitCode RunRoadWrite(const RoadWriteOptions& options, Program& program) {
   }
   const auto road = OpenRoad(program, options.road);
   if (!road) return program.exit_code;
-  std::string text = road->text;
+  std::string text = road->road.centerline->text;
   if (options.restation) text = Restationed(*road);
   if (options.normalise) {
-    if (!IsWritable(*road->road.centerline, road->equations)) {
+    if (!IsWritable(*road->road.centerline, road->road.centerline->equations)) {
       return program.Fail("A number of the centerline is out of range; nothing was written.");
     }
-    text = CenterlineText(*road->road.centerline, road->equations);
+    text = CenterlineText(*road->road.centerline, road->road.centerline->equations);
   }
   return WriteResultFile(program, options.out, text, options.overwrite);
 }
