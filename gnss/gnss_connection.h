@@ -39,8 +39,15 @@ struct GnssConnection {
       {};  ///< received and not yet made into lines, of a stream-buffered make
 
   bool ready() const { return port != nullptr && port->is_open(); }
-  /// A recording is at its end or the far end closed the connection.
-  bool ended() const { return port != nullptr && port->ended(); }
+  /// Nothing more comes: a recording is at its end, or the link is lost.
+  bool ended() const { return port != nullptr && port->end() != PortEnd::None; }
+  /// The far end closed the connection, or the device is gone. The port can be closed and opened
+  /// again; Reconnected() then forgets what belongs to the old link.
+  bool link_lost() const { return port != nullptr && port->end() == PortEnd::LinkLost; }
+  void Reconnected() {
+    last_read_at_ms = last_request_at_ms = -1;
+    stream_text.clear();
+  }
 };
 
 }  // namespace tarvex

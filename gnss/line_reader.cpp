@@ -45,6 +45,10 @@ class LineBuffer {
     return taken;
   }
 
+  void DropCarriageReturn() {
+    if (count_ > 0 && bytes_[count_ - 1] == '\r') --count_;
+  }
+
   std::string_view Finish() {
     bytes_.data()[count_] = '\0';
     return {bytes_.data(), count_};
@@ -61,7 +65,7 @@ class LineBuffer {
 
   void DropLineEnd() {
     --count_;
-    if (count_ > 0 && bytes_[count_ - 1] == '\r') --count_;
+    DropCarriageReturn();
   }
 
   std::span<char> bytes_;
@@ -84,17 +88,18 @@ ReadLineResult ReadInto(Port& port, LineBuffer& line, Framing framing) {
     if (framing == Framing::TextLines && !port.Held().empty()) {
       bool complete = false;
       port.Skip(line.AcceptHeld(port.Held(), complete));
-      if (complete) return {ReadLineStatus::Line, line.Finish()};
+      if (complete) return {ReadLineStatus::Line, line.Finish(), true};
       continue;
     }
     const ReadLineStatus status = ReadByte(port, line);
     if (status != ReadLineStatus::Line) {
-      const bool last_line = port.ended() && !line.empty();
-      return {last_line ? ReadLineStatus::Line : status, line.Finish()};
+      const bool last_line = port.end() == PortEnd::RecordingEnded && !line.empty();
+      if (last_line) line.DropCarriageReturn();
+      return {last_line ? ReadLineStatus::Line : status, line.Finish(), false};
     }
-    if (line.Accept()) break;
+    if (line.Accept()) return {ReadLineStatus::Line, line.Finish(), true};
   }
-  return {ReadLineStatus::Line, line.Finish()};
+  return {ReadLineStatus::Line, line.Finish(), false};
 }
 
 }  // namespace
@@ -108,7 +113,7 @@ ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeoutMs, Frami
 
 ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeoutMs, Framing framing) {
   if (!buffer.empty()) buffer[0] = '\0';
-  if (buffer.size() < 2) return {ReadLineStatus::NoCapacity, {}};
+  if (buffer.size() < 2) return {.status = ReadLineStatus::NoCapacity};
   if (port.SetReadTimeouts(timeoutMs, timeoutMs, 1) != PortError::None ||
       port.SetWriteTimeouts(kWriteConstantMs, 1) != PortError::None) {
     return {};

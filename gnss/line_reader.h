@@ -27,14 +27,17 @@ enum class [[nodiscard]] ReadLineStatus : int{
 struct [[nodiscard]] ReadLineResult {
   ReadLineStatus status = ReadLineStatus::PortFailed;
   /// What was read, without line end; also the start of a line that did not come whole.
-  std::string_view text;
+  std::string_view text = {};
+  /// False when its line end did not come: a piece of a line longer than the buffer, or the last
+  /// line of a recording.
+  bool whole = false;
 
   bool ok() const { return status == ReadLineStatus::Line; }
 };
 
 /// Reads one line or frame of at most buffer.size() - 1 characters; a longer one is handed out in
 /// pieces of that size. The buffer always ends with a NUL. The time-out starts anew with each byte.
-/// The last line of a recording may lack its line end.
+/// The last line of a recording may lack its line end; what a lost link cut off is no line.
 ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeoutMs,
                         Framing framing = Framing::TextLines);
 

@@ -11,7 +11,7 @@ namespace tarvex {
 namespace {
 
 constexpr int kLineTimeoutMs = 1000;
-constexpr std::size_t kLineCapacity = 1024;
+constexpr std::size_t kLineCapacity = 4096;  // binary data between the sentences has few line ends
 constexpr std::int64_t kStreamWaitMs = 100;
 constexpr std::size_t kStreamChunk = 1024;
 constexpr std::size_t kStreamLimit = 8192;
@@ -84,9 +84,10 @@ class LineSource {
     return make_.reader == ReaderKind::StreamBuffered ? FromStream(line) : FromPort(line);
   }
 
-  /// The next line of the stream text that starts with `prefix`, looked up without taking it.
+  /// The next whole line of the stream text that starts with `prefix`, looked up without taking it.
   std::string_view LookAhead(std::string_view prefix) const {
     std::string_view rest = connection_.stream_text;
+    rest = rest.substr(0, rest.rfind('\n') + 1);
     while (const auto line = TakeLine(rest)) {
       if (line->size() >= kShortestStreamLine && line->starts_with(prefix)) return *line;
     }
@@ -98,7 +99,8 @@ class LineSource {
     const ReadLineResult read =
         ReadLineHolding(*connection_.port, buffer_, kLineTimeoutMs, make_.framing);
     line = read.text;
-    return read.ok() ? Outcome::Line : Outcome::Failed;
+    if (!read.ok()) return Outcome::Failed;
+    return read.whole || ChecksumStands(line) ? Outcome::Line : Outcome::Nothing;
   }
 
   // A line stays valid until the next call: it is copied out of the text before it is taken.
@@ -197,7 +199,8 @@ class NmeaReading {
   void TakePrecisionAhead() {
     if (context_.make.reader != ReaderKind::StreamBuffered) return;
     const std::string_view line = source_.LookAhead("$GPGST");
-    if (!line.empty()) (void)ReadGst(line, context_, state_);
+    if (line.empty() || (context_.settings.checksum && !ChecksumHolds(line))) return;
+    (void)ReadGst(line, context_, state_);
   }
 
   GnssPositionState& state_;

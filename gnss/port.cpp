@@ -32,7 +32,7 @@ Port::Port(std::string name, std::unique_ptr<ByteDevice> device, LastErrorRecord
 PortError Port::Open() {
   lastCount_ = 0;
   readTotalTimeout_ = kKeepTimeouts;
-  ended_ = false;
+  end_ = PortEnd::None;
   if (const DeviceStatus status = device_->Open(name_); !status.ok()) {
     (void)Report(errors_, PortError::System, {status.Text()});
     return Report(errors_, PortError::OpenFailed, {name_});
@@ -41,6 +41,15 @@ PortError Port::Open() {
   if (error == PortError::None) error = SetDefaultTimeouts();
   if (error != PortError::None) (void)Close();
   return error;
+}
+
+PortError Port::Fail(PortError error, const DeviceStatus& status) {
+  if (status.ended()) {
+    end_ = PortEnd::RecordingEnded;
+  } else if (!status.ok() && !status.cancelled()) {
+    end_ = PortEnd::LinkLost;
+  }
+  return Fail(error);
 }
 
 PortError Port::SetDefaultTimeouts() {
@@ -102,8 +111,8 @@ PortError Port::Read(std::span<char> out, int total, StopRequest* stop) {
   std::size_t got = 0;
   const DeviceStatus status = device_->Read(out, got);
   lastCount_ = static_cast<std::uint32_t>(got);
-  ended_ = status.ended();
-  if (!status.ok()) return Fail(PortError::ReadFailed);
+  end_ = PortEnd::None;
+  if (!status.ok()) return Fail(PortError::ReadFailed, status);
   const bool total_set = readTotalTimeout_ != kReturnAtOnce && readTotalTimeout_ != kKeepTimeouts;
   if (!total_set || got == out.size()) return PortError::None;
   return Report(
@@ -120,7 +129,7 @@ PortError Port::Write(std::string_view bytes, int timeout) {
   std::size_t written = 0;
   const DeviceStatus status = device_->Write(bytes, write_timeouts_, written);
   lastCount_ = static_cast<std::uint32_t>(written);
-  if (!status.ok() || written < bytes.size()) return Fail(PortError::WriteFailed);
+  if (!status.ok() || written < bytes.size()) return Fail(PortError::WriteFailed, status);
   return PortError::None;
 }
 
@@ -133,12 +142,14 @@ PortError Port::WriteBeside(std::string_view bytes, const WriteTimeouts& timeout
 
 PortError Port::BytesWaiting(std::size_t& count) {
   if (!is_open()) return Fail(PortError::NotOpen);
-  return device_->BytesWaiting(count).ok() ? PortError::None : Fail(PortError::BytesWaitingFailed);
+  const DeviceStatus status = device_->BytesWaiting(count);
+  return status.ok() ? PortError::None : Fail(PortError::BytesWaitingFailed, status);
 }
 
 PortError Port::PurgeInput() {
   if (!is_open()) return Fail(PortError::NotOpen);
-  return device_->PurgeInput().ok() ? PortError::None : Fail(PortError::PurgeInputFailed);
+  const DeviceStatus status = device_->PurgeInput();
+  return status.ok() ? PortError::None : Fail(PortError::PurgeInputFailed, status);
 }
 
 }  // namespace tarvex

@@ -29,6 +29,13 @@ class StopRequest {
   virtual bool StopRequested() = 0;
 };
 
+/// Why nothing more comes.
+enum class PortEnd {
+  None,
+  RecordingEnded,
+  LinkLost,  ///< the far end closed the connection, or the device is gone: Close, then Open again
+};
+
 class Port {
  public:
   /// `name` is what the device is opened by; `errors` receives every failure.
@@ -67,8 +74,8 @@ class Port {
   void Skip(std::size_t count) { device_->Skip(count); }
 
   bool is_open() const { return device_->is_open(); }
-  /// The last read found the end of a recording, or a connection that the far end closed.
-  bool ended() const { return ended_; }
+  /// What the last operation of the reading side found.
+  PortEnd end() const { return end_; }
   const std::string& name() const { return name_; }
   std::uint32_t lastCount() const { return lastCount_; }
   /// The remembered total; kKeepTimeouts while this object has set none.
@@ -80,6 +87,8 @@ class Port {
   /// What an opened device needs before it is used.
   virtual PortError ConfigureOpened() { return PortError::None; }
   PortError Fail(PortError error) { return Report(errors_, error); }
+  /// The same for a device that failed, which may mean that nothing more comes.
+  PortError Fail(PortError error, const DeviceStatus& status);
 
  private:
   friend class PortUse;
@@ -93,7 +102,7 @@ class Port {
   std::uint32_t lastCount_ = 0;
   WriteTimeouts write_timeouts_;
   int readTotalTimeout_ = kKeepTimeouts;
-  bool ended_ = false;
+  PortEnd end_ = PortEnd::None;
   std::atomic_flag busy_;
 };
 

@@ -1,11 +1,17 @@
 #include "platform/byte_device.h"
 
+#include <cerrno>
 #include <system_error>
 
 namespace tarvex {
 
+bool DeviceStatus::cancelled() const {
+  return code == ECANCELED;
+}
+
 std::string DeviceStatus::Text() const {
   if (ended()) return "end of data";
+  if (code == kHungUp) return "the far end closed the connection";
   if (code == kUnknownHost) return "no host of this name was found";
   return std::system_category().message(code);
 }

@@ -12,17 +12,20 @@
 
 namespace tarvex {
 
-/// What a device operation came to: 0, the end of the data, an unknown host, or the system's error
-/// number.
+/// What a device operation came to: 0, the end of a recording, a connection that the far end
+/// closed, an unknown host, or the system's error number.
 struct [[nodiscard]] DeviceStatus {
   static constexpr int kEndOfData = -1;
   static constexpr int kUnknownHost = -2;
+  static constexpr int kHungUp = -3;
 
   int code = 0;
 
   bool ok() const { return code == 0; }
-  /// A recording is at its end, or the far end closed the connection.
+  /// A recording is at its end.
   bool ended() const { return code == kEndOfData; }
+  /// Whoever may stop the operation has stopped it.
+  bool cancelled() const;
   /// The system's own text for the error ("Permission denied").
   std::string Text() const;
 

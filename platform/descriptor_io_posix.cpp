@@ -84,7 +84,7 @@ DeviceStatus DescriptorReader::Refill(int descriptor) {
       end_ = static_cast<std::size_t>(n);
       return {};
     }
-    if (n == 0) return {DeviceStatus::kEndOfData};
+    if (n == 0) return {DeviceStatus::kHungUp};
     if (errno == EAGAIN) return {};
     if (errno != EINTR) return {errno};
   }

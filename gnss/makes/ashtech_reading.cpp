@@ -59,7 +59,7 @@ class AshtechReading {
   std::string_view Line(int timeout_ms) {
     const ReadLineResult read =
         ReadLineHolding(*connection_.port, buffer_, timeout_ms, Framing::TextLines);
-    if (!read.ok()) return {};
+    if (!read.ok() || !read.whole) return {};
     if (connection_.listener != nullptr) connection_.listener->OnLine(read.text);
     state_.sentence_read_at_ms = connection_.clock.SteadyMilliseconds();
     return read.text;

@@ -29,6 +29,7 @@ ReplyStatus AwaitReply(GnssConnection& connection, std::string_view wanted, int 
         ReadLineHolding(*connection.port, buffer, static_cast<int>(left), Framing::TextLines);
     if (read.status == ReadLineStatus::TimedOut) break;
     if (!read.ok()) return ReplyStatus::PortFailed;
+    if (!read.whole) continue;
     if (connection.listener != nullptr) connection.listener->OnLine(read.text);
     const std::size_t at = read.text.find(wanted);
     if (at == std::string_view::npos) continue;

@@ -83,6 +83,10 @@ SentenceKind KindOf(std::string_view line, bool any_talker) {
   return line.starts_with("$RD1") ? SentenceKind::Rd1 : SentenceKind::Other;
 }
 
+bool ChecksumStands(std::string_view line) {
+  return line.starts_with('$') && line.find('*') != std::string_view::npos && ChecksumHolds(line);
+}
+
 bool ChecksumHolds(std::string_view line) {
   const std::size_t star = line.rfind('*');
   if (star == std::string_view::npos || line[0] != '$') return true;

@@ -15,6 +15,10 @@ enum class SentenceKind { Other, Gga, Gll, Gns, Ggk, Ggq, PtnlGgk, Gst, Gsa, Rre
 /// known behind any two letters.
 SentenceKind KindOf(std::string_view line, bool any_talker);
 
+/// Whether a checksum stands at the end of a line, and is right: the mark of a sentence that came
+/// whole though its line end did not.
+bool ChecksumStands(std::string_view line);
+
 /// False when what follows the last '*' is not the exclusive-or of everything between '$' and it,
 /// as two hexadecimal digits. A line without checksum passes.
 bool ChecksumHolds(std::string_view line);

@@ -120,8 +120,18 @@ TEST_F(ScriptedPort, LinesEndAtLineFeed) {
   EXPECT_STREQ(buffer, "last");
   device->input = "end";
   device->when_empty = {DeviceStatus::kEndOfData};
-  EXPECT_EQ(next(), "end") << "the end of a recording ends its last line";
+  const ReadLineResult last = ReadLine(*port, buffer, 100);
+  EXPECT_EQ(last.text, "end") << "the end of a recording ends its last line";
+  EXPECT_TRUE(last.ok() && !last.whole);
   EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::PortFailed);
+  EXPECT_EQ(port->end(), PortEnd::RecordingEnded);
+  for (const int lost : {DeviceStatus::kHungUp, EIO}) {
+    device->input = "$GPG";
+    device->when_empty = {lost};
+    EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::PortFailed)
+        << "what a lost link cut off is no line";
+    EXPECT_EQ(port->end(), PortEnd::LinkLost);
+  }
   EXPECT_EQ(ReadLine(*port, std::span(buffer).first(1), 100).status, ReadLineStatus::NoCapacity);
   const PortUse elsewhere(*port);
   buffer[0] = 'x';
@@ -294,6 +304,9 @@ TEST_F(PseudoTerminal, TellsAHangUp) {
   master = -1;
   char byte = 0;
   EXPECT_EQ(port.Read({&byte, 1}, 1000), PortError::ReadFailed);
+  EXPECT_EQ(port.end(), PortEnd::LinkLost);
+  EXPECT_EQ(port.Close(), PortError::None);
+  EXPECT_EQ(port.Open(), PortError::OpenFailed) << "the device is gone";
 }
 
 // A listening socket on loopback.
@@ -341,11 +354,17 @@ TEST_F(Loopback, ReadsLinesThatDribbleIn) {
   ::close(peer);
   peer = -1;
   EXPECT_EQ(ReadLine(*port, buffer, 1000).status, ReadLineStatus::PortFailed);
-  EXPECT_TRUE(port->ended());
+  EXPECT_EQ(port->end(), PortEnd::LinkLost);
   EXPECT_EQ(port->Write(std::string(1 << 16, 'x'), 100) == PortError::None &&
                 port->Write(std::string(1 << 16, 'x'), 100) == PortError::None,
             false)
       << "a reset fails the call and ends nothing";
+  EXPECT_EQ(port->Close(), PortError::None);
+  ASSERT_EQ(port->Open(), PortError::None) << "a lost link is opened anew";
+  EXPECT_EQ(port->end(), PortEnd::None);
+  peer = ::accept(listener, nullptr, nullptr);
+  ASSERT_EQ(::send(peer, "third\n", 6, 0), 6);
+  EXPECT_EQ(ReadLine(*port, buffer, 1000).text, "third");
 }
 
 TEST(TcpDevice, NamesAnUnknownHost) {

@@ -83,6 +83,30 @@ TEST_F(PositionReader, DropsASentenceThatIsCutShort) {
   EXPECT_EQ(state.satellites, 8);
 }
 
+// A link that is lost, or a recording that ends, at every byte of a position: it counts when its
+// checksum stands there, and when not even the line end is missing.
+TEST_F(PositionReader, NeverTakesASentenceThatWasCutOff) {
+  const std::size_t sentence = kGga.find('\r');
+  for (const int make : {kMakeNmea, kMakeAnyNmea, kMakeStreamBuffered}) {
+    for (const int end : {DeviceStatus::kHungUp, DeviceStatus::kEndOfData, 5}) {
+      for (std::size_t length = 0; length <= kGga.size(); ++length) {
+        SCOPED_TRACE(std::to_string(make) + " " + std::to_string(end) + " " +
+                     std::to_string(length));
+        ASSERT_EQ(port->Open(), PortError::None);
+        connection.settings = FindMake(make).settings;
+        connection.Reconnected();
+        device->input.clear();
+        device->when_empty = {end};
+        const bool checked =
+            length >= sentence && end == DeviceStatus::kEndOfData && make != kMakeStreamBuffered;
+        const bool taken = Read(kGga.substr(0, length), make) == GnssReadResult::Accepted;
+        ASSERT_EQ(taken, length == kGga.size() || checked);
+        ASSERT_DOUBLE_EQ(taken ? state.height : 592.3, 592.3);
+      }
+    }
+  }
+}
+
 TEST_F(PositionReader, TellsARepeatedEpoch) {
   ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
   EXPECT_FALSE(state.repeated_epoch);
@@ -122,6 +146,17 @@ TEST_F(PositionReader, ReadsAStreamBufferWithItsPrecisionAhead) {
   EXPECT_EQ(state.solutionType, SolutionType::Float);
   EXPECT_DOUBLE_EQ(state.hrms, 0.05);
   EXPECT_EQ(clock.slept_ms, 100);
+}
+
+TEST_F(PositionReader, LeavesAPrecisionThatHasNotComeWhole) {
+  connection.settings = FindMake(kMakeStreamBuffered).settings;
+  ASSERT_EQ(
+      Read(std::string(kGga) + "$GPGST,123519,10,0.01,0.01,0,0.010,0.012,0", kMakeStreamBuffered),
+      GnssReadResult::Accepted);
+  EXPECT_FALSE(state.precision_known);
+  ASSERT_EQ(Read(".345*55\r\n" + std::string(kNextGga), kMakeStreamBuffered),
+            GnssReadResult::Accepted);
+  EXPECT_DOUBLE_EQ(state.vrms, 0.345);
 }
 
 TEST_F(PositionReader, GivesUpOnASilentStreamBuffer) {
