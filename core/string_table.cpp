@@ -166,6 +166,9 @@ constexpr std::array kEntries = {
     Entry{3446, "PDOP is %s; the limit is %s."},
     Entry{3447, "The age of the corrections is %s s; the limit is %s s."},
     Entry{3450, "unknown"},
+    // Keeping what a receiver sends
+    Entry{3460, "The stream log %s cannot be created: %s."},
+    Entry{3461, "The stream log %s cannot be written any more: %s."},
     Entry{4000,
           "The definition is not well formed: brackets, quotes or commas do not match at \"%s\"."},
     Entry{4001, "The definition is longer than 2,048 characters; the rest of it is not read."},

@@ -38,7 +38,7 @@ CollectSession::CollectSession(Program& program, Job& job, const CTrgCalculator&
       calculator_(calculator),
       plan_(plan),
       connection_{.clock = program.clock, .settings = plan.receiver_settings},
-      tap_(program) {
+      tap_(program.files, program.clock) {
   connection_.listener = &tap_;
   connection_.settings.unit = job_.unit;
   connection_.stop = this;
@@ -64,7 +64,10 @@ bool CollectSession::OpenReceiver() {
   errors.Clear();
   port_ = MakePort(plan_.receiver, program_.files, program_.clock, errors, InterruptRequested);
   connection_.port = port_.get();
-  if (!plan_.stream_log.empty() && !tap_.StartLog(plan_.stream_log)) return false;
+  if (!plan_.stream_log.empty() && !tap_.StartLog(plan_.stream_log)) {
+    (void)program_.Fail(tap_.log_problem());
+    return false;
+  }
   if (!port_) return true;
   const PortError opened = port_->Open();
   // What a serial line still held when it was opened is a position of the past.
@@ -86,6 +89,10 @@ ExitCode CollectSession::ReadUntilDone() {
     const GnssReadResult result = ReadGnssPosition(state_, connection_, plan_.receiver_type);
     if (InterruptRequested()) break;
     TellCorrections();
+    if (const std::string& problem = tap_.log_problem(); !problem.empty()) {
+      if (warned_.insert(problem).second) (void)program_.Fail(problem);
+      failed_ = true;
+    }
     if (!TakeReading(result)) return ExitCode::Failed;
     if (result != GnssReadResult::Accepted && connection_.ended()) break;
     if (OutOfPatience()) {

@@ -1,27 +1,34 @@
 #include "app/workflow/receiver_tap.h"
 
+#include "core/string_table.h"
+
 namespace tarvex {
+namespace {
+
+constexpr int kTextNotCreated = 3460;
+constexpr int kTextNotWritten = 3461;
+
+}  // namespace
 
 bool ReceiverTap::StartLog(const std::string& path) {
-  const FileStatus status = program_.files.Open(path, FileAccess::CreateNew, log_);
-  if (status.ok()) return true;
-  (void)program_.Fail("The stream log " + path + " cannot be created: " + status.Text() + ".");
-  return false;
+  log_path_ = path;
+  const FileStatus status = files_.Open(path, FileAccess::CreateNew, log_);
+  if (!status.ok()) log_problem_ = Strings().Text(kTextNotCreated, {path, status.Text()});
+  return status.ok();
 }
 
 void ReceiverTap::OnLine(std::string_view line) {
-  constexpr std::size_t kLineEnd = 2;
+  constexpr std::string_view kLineEnd = "\r\n";
   ++lines_;
-  bytes_ += line.size() + kLineEnd;
+  bytes_ += line.size() + kLineEnd.size();
   gga_.OnLine(line);
-  sky_.OnLine(line, program_.clock.SteadyMilliseconds());
-  if (!log_ || log_failed_) return;
-  const std::string record = std::string(line) + "\r\n";
+  sky_.OnLine(line, clock_.SteadyMilliseconds());
+  if (!log_ || !log_problem_.empty()) return;
+  std::string record(line);
+  record += kLineEnd;
   const FileStatus status = log_->WriteAt(log_size_, record);
   log_size_ += record.size();
-  if (status.ok()) return;
-  log_failed_ = true;
-  (void)program_.Fail("The stream log cannot be written any more: " + status.Text() + ".");
+  if (!status.ok()) log_problem_ = Strings().Text(kTextNotWritten, {log_path_, status.Text()});
 }
 
 }  // namespace tarvex

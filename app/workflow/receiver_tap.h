@@ -5,20 +5,23 @@
 #include <memory>
 #include <string>
 
-#include "app/cli/program.h"
 #include "gnss/corrections/latest_gga.h"
+#include "gnss/gnss_connection.h"
 #include "gnss/sky_view.h"
+#include "platform/clock.h"
+#include "platform/file.h"
 
 namespace tarvex {
 
 class ReceiverTap final : public LineListener {
  public:
-  explicit ReceiverTap(Program& program) : program_(program) {}
+  ReceiverTap(FileSystem& files, Clock& clock) : files_(files), clock_(clock) {}
 
-  /// Begins a log of the stream; false after a message when the file exists or cannot be made.
-  bool StartLog(const std::string& path);
-  /// False, once, after a line could not be logged.
-  bool log_failed() const { return log_failed_; }
+  /// Begins a log of the stream in a file that does not exist yet; false when it cannot be made.
+  [[nodiscard]] bool StartLog(const std::string& path);
+  /// Why there is no log, or no longer one; empty while every line is logged. A first failure ends
+  /// the log and stays here.
+  const std::string& log_problem() const { return log_problem_; }
 
   void OnLine(std::string_view line) override;
 
@@ -28,14 +31,16 @@ class ReceiverTap final : public LineListener {
   std::uint64_t lines() const { return lines_; }
 
  private:
-  Program& program_;
+  FileSystem& files_;
+  Clock& clock_;
   LatestGga gga_;
   SkyView sky_;
   std::uint64_t bytes_ = 0;
   std::uint64_t lines_ = 0;
   std::unique_ptr<File> log_;
   std::uint64_t log_size_ = 0;
-  bool log_failed_ = false;
+  std::string log_path_;
+  std::string log_problem_;
 };
 
 }  // namespace tarvex

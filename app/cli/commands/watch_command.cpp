@@ -70,8 +70,10 @@ ExitCode RunWatch(const WatchOptions& options, Program& program) {
   const auto port =
       MakePort(choice.address, program.files, program.clock, errors, InterruptRequested);
   if (port && port->Open() != PortError::None) return program.Fail(ErrorSentences(errors));
-  ReceiverTap tap(program);
-  if (!options.stream_log.empty() && !tap.StartLog(options.stream_log)) return ExitCode::Failed;
+  ReceiverTap tap(program.files, program.clock);
+  if (!options.stream_log.empty() && !tap.StartLog(options.stream_log)) {
+    return program.Fail(tap.log_problem());
+  }
   GnssConnection connection{
       .port = port.get(), .clock = program.clock, .settings = choice.settings, .listener = &tap};
   std::unique_ptr<CorrectionLink> link;
