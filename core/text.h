@@ -39,7 +39,7 @@ std::string_view WithoutOuterBlanks(std::string_view text);
 std::string_view CutAtCharacter(std::string_view text, std::size_t limit);
 
 /// `text` with every line break and control character made a blank, so that it stays one line and
-/// ends no fixed-width field early.
+/// ends no fixed-width field early. For files; what a terminal may see is core/printable.h's.
 std::string OneLine(std::string_view text);
 
 /// Takes the next line off `rest`: it ends at LF, and a CR before the LF is dropped. The last line

@@ -5,9 +5,19 @@
 #include <cstdlib>
 
 #include "app/cli/program.h"
+#include "core/printable.h"
 
 namespace tarvex {
 namespace {
+
+void Write(std::string_view text, std::FILE* stream) {
+  std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+void WriteShown(std::string_view text, std::FILE* stream) {
+  if (IsPlainText(text)) return Write(text, stream);
+  Write(PrintableText(text), stream);
+}
 
 class StandardStreams final : public Console {
  public:
@@ -15,19 +25,32 @@ class StandardStreams final : public Console {
 
   void Print(std::string_view text) override {
     EndProgress();
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    WriteShown(text, stdout);
+  }
+
+  void PrintBytes(std::string_view bytes) override {
+    if (::isatty(STDOUT_FILENO) != 0) return Print(bytes);
+    EndProgress();
+    Write(bytes, stdout);
+  }
+
+  void Draw(std::string_view text) override {
+    EndProgress();
+    Write(text, stdout);
+    std::fflush(stdout);
   }
 
   void PrintError(std::string_view text) override {
     EndProgress();
     std::fflush(stdout);
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    WriteShown(text, stderr);
   }
 
   void ShowProgress(std::string_view line) override {
     if (!progress_shown_) return;
     std::fflush(stdout);
-    std::fprintf(stderr, "\r\x1b[K%.*s", static_cast<int>(line.size()), line.data());
+    std::fputs("\r\x1b[K", stderr);
+    Write(PrintableLine(line), stderr);
     std::fflush(stderr);
     progress_open_ = true;
   }

@@ -13,13 +13,19 @@ namespace tarvex {
 /// Exit codes of the program; bad input is never 0.
 enum class ExitCode : int { Done = 0, Failed = 1, WrongUse = 2 };
 
-/// Text to the person: results to the standard output, everything else to the standard error.
+/// Text to the person: results to the standard output, everything else to the standard error. Texts
+/// hold names and answers from networks and files: what a terminal would obey is left out of them
+/// here (core/printable.h), once for all.
 class Console {
  public:
   virtual ~Console() = default;
 
   virtual void Print(std::string_view text) = 0;
   virtual void PrintError(std::string_view text) = 0;
+  /// The bytes of a file as they are; as Print when the standard output is a terminal.
+  virtual void PrintBytes(std::string_view bytes) = 0;
+  /// Draws on a terminal: `text` is our own, with the sequences that move its cursor.
+  virtual void Draw(std::string_view text) = 0;
   /// Replaces the line at the bottom of the terminal; nothing when no person looks on.
   virtual void ShowProgress(std::string_view line) = 0;
   virtual void EndProgress() = 0;

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/number_text.h"
+#include "core/printable.h"
 #include "core/text.h"
 
 namespace tarvex {
@@ -179,10 +179,9 @@ void WatchView::Show(GnssReadResult result, const GnssPositionState& state, cons
   open_ = true;
   const std::size_t shown = std::min(lines.size(), size.rows);
   for (std::size_t i = 0; i < shown; ++i) {
-    drawing += lines[i] + "\x1b[K" + (i + 1 < shown ? "\r\n" : "");
+    drawing += PrintableLine(lines[i]) + "\x1b[K" + (i + 1 < shown ? "\r\n" : "");
   }
-  console_.Print(drawing + "\x1b[J");
-  std::fflush(stdout);
+  console_.Draw(drawing + "\x1b[J");
 }
 
 void WatchView::ShowLine(GnssReadResult result, const GnssPositionState& state,
@@ -201,7 +200,8 @@ void WatchView::ShowLine(GnssReadResult result, const GnssPositionState& state,
 // The last screen stays to be read.
 void WatchView::End() {
   if (!std::exchange(open_, false)) return;
-  console_.Print("\x1b[?25h\x1b[?1049l" + last_screen_);
+  console_.Draw("\x1b[?25h\x1b[?1049l");
+  console_.Print(last_screen_);
   std::fflush(stdout);
 }
 

@@ -1,5 +1,6 @@
 #include "gnss/corrections/correction_status.h"
 
+#include "core/printable.h"
 #include "core/string_table.h"
 
 namespace tarvex {
@@ -14,7 +15,7 @@ std::string Seconds(std::int64_t milliseconds) {
 
 std::string Names(const std::vector<std::string>& names) {
   std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + PrintableLine(name);
   return text;
 }
 

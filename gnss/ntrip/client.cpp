@@ -5,8 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "core/printable.h"
 #include "core/string_table.h"
-#include "core/text.h"
 #include "gnss/ntrip/base64.h"
 
 namespace tarvex {
@@ -194,9 +194,9 @@ PortError NtripClient::Refused(PortError refusal) {
   const std::string_view answer = reply_.bytes();
   return Report(
       surroundings_.errors, refusal,
-      {head_.status() != 0
-           ? head_.StatusLine()
-           : OneLine(answer.substr(0, std::min(answer.find_first_of("\r\n"), kLongestAnswer)))});
+      {head_.status() != 0 ? head_.StatusLine()
+                           : PrintableLine(answer.substr(
+                                 0, std::min(answer.find_first_of("\r\n"), kLongestAnswer)))});
 }
 
 PortError NtripClient::LoadBases(CasterList& list, Progress& progress) {

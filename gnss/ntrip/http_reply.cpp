@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "core/printable.h"
 #include "core/text.h"
 
 namespace tarvex {
@@ -49,7 +50,7 @@ int HttpHead::status() const {
 }
 
 std::string HttpHead::StatusLine() const {
-  return OneLine(
+  return PrintableLine(
       std::string_view(text_).substr(0, std::min(text_.find_first_of("\r\n"), kLongestStatusLine)));
 }
 

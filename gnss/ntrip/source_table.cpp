@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/text.h"
+#include "core/printable.h"
 #include "gnss/ntrip/client.h"
 
 namespace tarvex {
@@ -27,9 +27,10 @@ PortError RefusalOf(std::string_view reply, std::string& answer) {
   HttpHead head;
   std::string_view rest = reply;
   head.Feed(rest);
-  answer = head.status() != 0
-               ? head.StatusLine()
-               : OneLine(reply.substr(0, std::min(reply.find_first_of("\r\n"), kLongestAnswer)));
+  answer =
+      head.status() != 0
+          ? head.StatusLine()
+          : PrintableLine(reply.substr(0, std::min(reply.find_first_of("\r\n"), kLongestAnswer)));
   if (reply.starts_with("ERROR")) return PortError::CasterRefused;
   const PortError refusal = HttpRefusal(head);
   return refusal == PortError::MountpointUnknown ? PortError::CasterRefused : refusal;

@@ -4,6 +4,7 @@
 
 #include "core/fixed_text.h"
 #include "core/last_error.h"
+#include "core/printable.h"
 #include "core/string_table.h"
 
 namespace tarvex {
@@ -34,6 +35,39 @@ TEST(Text, LinesEndAtLineFeed) {
   EXPECT_EQ(TakeLine(rest), "last");
   EXPECT_EQ(TakeLine(rest), std::nullopt);
   EXPECT_EQ(OneLine("a\r\nb\tc\x7F"), "a  b c ");
+}
+
+TEST(Printable, LeavesNothingThatATerminalObeys) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"EVIL\x1b[2J\x1b]0;owned\x07", "EVIL [2J ]0;owned "},
+      {"503 \xC2\x9B"
+       "31m",
+       "503  31m"},  // CSI as UTF-8
+      {"x\x9B"
+       "31m\x90q\x9C",
+       "x?31m?q?"},  // CSI, DCS, ST as single bytes
+      {"\xE0\x82\x9B"
+       "31m",
+       "\xE0??31m"},  // longer than needed
+      {"\xF0\x80\x82\x9B"
+       "31m",
+       "\xF0???31m"},                 // the same of four bytes
+      {"\xED\xA0\x80", "\xED\xA0?"},  // half a surrogate pair
+      {"cut \xC2", "cut \xC2"},       // nothing behind it
+      {"\xC2\x1B\x9B", "\xC2 ?"},     // parts do not join
+      {"Stra\xC3\x9F"
+       "e \xC3\x9B \xE2\x82\xAC \xF0\x9F\x93\x90",
+       "Stra\xC3\x9F"
+       "e \xC3\x9B \xE2\x82\xAC \xF0\x9F\x93\x90"},  // letters with such bytes
+      {"T\xFCr", "T\xFCr"},                          // a letter of Latin 1
+      {"a\tb\r\nc\rd", "a b  c d"}};
+  for (const auto& [text, shown] : cases) {
+    EXPECT_EQ(PrintableLine(text), shown);
+    EXPECT_EQ(PrintableLine(shown), shown) << "once is enough";
+  }
+  EXPECT_EQ(PrintableText("a\tb\r\nc\rd\n\x1b"), "a\tb\r\nc d\n ");
+  EXPECT_TRUE(IsPlainText("a\tb\nc ~"));
+  for (const char* const text : {"\x1b", "\x7F", "\r", "\xC3\xA9"}) EXPECT_FALSE(IsPlainText(text));
 }
 
 TEST(Text, IsFoundWithoutRegardToCase) {

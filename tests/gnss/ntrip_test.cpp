@@ -132,11 +132,11 @@ TEST_F(Client, NamesEveryRefusal) {
 }
 
 TEST_F(Client, SaysWhatACasterAnswered) {
-  caster.steps = {"HTTP/1.1 503 Full\x1b[2J up\r\nRetry-After: 60\r\n\r\n"};
+  caster.steps = {"HTTP/1.1 503 Full\x1b[2J\xC2\x9B up\r\nRetry-After: 60\r\n\r\n"};
   EXPECT_EQ(client.ConnectMountpoint({.host = FixedText<128>("h")}, "MNT", progress),
             PortError::MountpointNotConnected);
   EXPECT_EQ(client.cause(), PortError::CasterRefused);
-  EXPECT_EQ(client.cause_detail(), "HTTP/1.1 503 Full [2J up") << "nothing for a terminal to obey";
+  EXPECT_EQ(client.cause_detail(), "HTTP/1.1 503 Full [2J  up") << "nothing for a terminal to obey";
 }
 
 // Data with everything in it that a head or a chunk could be mistaken for.

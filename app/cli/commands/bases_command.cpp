@@ -7,6 +7,7 @@
 #include "app/cli/json_text.h"
 #include "app/workflow/correction_link.h"
 #include "core/number_text.h"
+#include "core/printable.h"
 #include "gnss/ntrip/client.h"
 
 namespace tarvex {
@@ -87,7 +88,7 @@ std::string StreamLine(const StreamRecord& stream, const std::optional<Place>& p
     line += ", " + FixedNumber(DistanceKm(stream, place->latitude, place->longitude), 1) + " km";
   }
   if (stream.nmea) line += ", needs your position";
-  return line + "\n";
+  return PrintableLine(line) + "\n";
 }
 
 ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& list) {

@@ -3,6 +3,7 @@
 
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
+#include "core/printable.h"
 #include "gnss/caster/loopback_caster.h"
 
 namespace tarvex {
@@ -65,8 +66,9 @@ ExitCode RunCaster(const CasterOptions& options, Program& program) {
   while (!InterruptRequested()) {
     program.clock.SleepMilliseconds(kWatchMs);
     const std::vector<std::string> uploads = caster.Uploads();
-    for (; told < uploads.size(); ++told)
-      program.console.Print("from a rover: " + uploads[told] + "\n");
+    for (; told < uploads.size(); ++told) {
+      program.console.Print("from a rover: " + PrintableLine(uploads[told]) + "\n");
+    }
     std::fflush(stdout);
     program.console.ShowProgress(std::to_string(caster.requests()) + " requests, " +
                                  std::to_string(caster.bytes_sent()) + " bytes sent");

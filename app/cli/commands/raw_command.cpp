@@ -25,7 +25,7 @@ ExitCode RunRaw(const RawOptions& options, Program& program) {
   if (!status.ok())
     return program.Fail("The raw file " + path + " cannot be read: " + status.Text() + ".");
   if (!options.json) {
-    program.console.Print(bytes + "\n");
+    program.console.PrintBytes(bytes + "\n");
     return ExitCode::Done;
   }
   Json records = Json::array();
