@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "app/cli/correction_text.h"
+#include "core/number_text.h"
 #include "core/printable.h"
 #include "core/text.h"
 

@@ -1,5 +1,6 @@
 #include "app/workflow/collect_session.h"
 
+#include "app/cli/correction_text.h"
 #include "core/angle.h"
 #include "core/number_text.h"
 #include "core/point_notes.h"
@@ -78,7 +79,8 @@ bool CollectSession::OpenReceiver() {
     return false;
   }
   if (plan_.corrections) {
-    link_ = std::make_unique<CorrectionLink>(program_, *plan_.corrections, *port_, tap_.gga());
+    link_ = std::make_unique<CorrectionLink>(program_.files, program_.clock, InterruptRequested,
+                                             *plan_.corrections, *port_, tap_.gga());
   }
   return true;
 }

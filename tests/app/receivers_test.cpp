@@ -142,7 +142,7 @@ class SilentCaster {
     name = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
   }
   ~SilentCaster() {
-    ::close(asker_);
+    if (asker_ >= 0) ::close(asker_);
     ::close(listener_);
   }
 
@@ -155,6 +155,17 @@ class SilentCaster {
     char first = 0;
     return ::recv(asker_, &first, 1, 0) == 1;
   }
+
+  /// Says this to who asked, takes the rest of the request, and closes.
+  void Answer(const std::string& text) {
+    (void)::send(asker_, text.data(), text.size(), MSG_NOSIGNAL);
+    ::shutdown(asker_, SHUT_WR);
+    char rest[1024];
+    while (::recv(asker_, rest, sizeof rest, 0) > 0) continue;
+    ::close(std::exchange(asker_, -1));
+  }
+  /// Ends the waiting of another thread.
+  void Leave() { ::shutdown(listener_, SHUT_RDWR); }
 
   std::string name;
 
@@ -204,6 +215,56 @@ TEST(Bases, ListsWhatACasterOffers) {
   EXPECT_EQ(gone.errors, "ERROR: 127.0.0.1:" + port + " cannot be reached: Connection refused.\n");
   EXPECT_EQ(folder.Run("bases /").exit_code, 2);
   EXPECT_EQ(folder.Run("bases h --near 91,0").exit_code, 2);
+}
+
+// Somebody who gives each who connects the same answer and closes.
+class AnsweringCaster {
+ public:
+  explicit AnsweringCaster(const std::string& answer)
+      : answering_([this, answer](const std::stop_token& stop) {
+          while (!stop.stop_requested() && caster_.WaitForARequest()) caster_.Answer(answer);
+        }) {}
+  ~AnsweringCaster() { caster_.Leave(); }
+  const std::string& name() const { return caster_.name; }
+
+ private:
+  SilentCaster caster_;
+  std::jthread answering_;
+};
+
+TEST(Bases, ShowNothingThatATerminalObeys) {
+  const AnsweringCaster caster(
+      "SOURCETABLE 200 OK\r\n\r\nSTR;EVIL\x1b[2J\x1b]0;owned\x07;Pl\xC2\x9B"
+      "31m;RTCM\x9B;x;2\r\n"
+      "ENDSOURCETABLE\r\n");
+  ProgramFolder folder;
+  for (const std::string json : {"", " --json"}) {
+    const ProgramResult listed = folder.Run("bases " + caster.name() + json);
+    EXPECT_EQ(listed.exit_code, 0) << listed.errors;
+    EXPECT_NE(listed.output.find("EVIL"), std::string::npos);
+    for (const char c : listed.output) {
+      const auto code = static_cast<unsigned char>(c);
+      EXPECT_TRUE(c == '\n' || (code >= 0x20 && code < 0x7F) || code >= 0xA0) << int{code} << json;
+    }
+  }
+}
+
+TEST(Bases, LeaveNothingBehind) {
+  const AnsweringCaster caster("SOURCETABLE 200 OK\r\n\r\nSTR;A;\r\nENDSOURCETABLE\r\n");
+  ProgramFolder folder;
+  const std::string passing = folder.Path("passing");
+  std::filesystem::create_directory(passing);
+  const char* const before = std::getenv("TMPDIR");
+  const std::string kept = before != nullptr ? before : "";
+  ::setenv("TMPDIR", passing.c_str(), 1);
+  const ProgramResult listed = folder.Run("bases " + caster.name());
+  if (before != nullptr) {
+    ::setenv("TMPDIR", kept.c_str(), 1);
+  } else {
+    ::unsetenv("TMPDIR");
+  }
+  EXPECT_EQ(listed.exit_code, 0) << listed.errors;
+  EXPECT_TRUE(std::filesystem::is_empty(passing));
 }
 
 TEST(Caster, RefusesWhatMakesNoSense) {

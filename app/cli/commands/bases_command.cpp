@@ -5,10 +5,10 @@
 #include "app/cli/commands/commands.h"
 #include "app/cli/correction_choice.h"
 #include "app/cli/json_text.h"
-#include "app/workflow/correction_link.h"
 #include "core/number_text.h"
 #include "core/printable.h"
 #include "gnss/ntrip/client.h"
+#include "platform/private_folder.h"
 
 namespace tarvex {
 namespace {
@@ -94,15 +94,14 @@ std::string StreamLine(const StreamRecord& stream, const std::optional<Place>& p
 ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& list) {
   LastErrorRecord errors;
   const auto connection = MakeTcpNtripConnection(errors, InterruptRequested);
-  const std::string folder = WorkFolder();
+  const PrivateFolder folder;
   NtripClient client(
       connection.get(), "bases",
-      {.clock = program.clock, .files = program.files, .errors = errors, .work_folder = folder});
+      {.clock = program.clock, .files = program.files, .errors = errors, .work_folder = folder.path()});
   list.current = caster;
   ConsoleProgress progress(program.console);
   const PortError error = client.LoadBases(list, progress);
   program.console.EndProgress();
-  (void)program.files.Remove(folder + "tmp_sourcetable.txt");
   if (error == PortError::None) return ExitCode::Done;
   const std::string name = caster.host.str() + ":" + caster.port;
   const std::string sentence = CasterFailureSentence(name, client.cause(), client.cause_detail());

@@ -77,7 +77,10 @@ ExitCode RunWatch(const WatchOptions& options, Program& program) {
   GnssConnection connection{
       .port = port.get(), .clock = program.clock, .settings = choice.settings, .listener = &tap};
   std::unique_ptr<CorrectionLink> link;
-  if (corrections) link = std::make_unique<CorrectionLink>(program, *corrections, *port, tap.gga());
+  if (corrections) {
+    link = std::make_unique<CorrectionLink>(program.files, program.clock, InterruptRequested,
+                                            *corrections, *port, tap.gga());
+  }
   return Watch(options, choice, connection, tap, link.get(), program);
 }
 
