@@ -133,11 +133,12 @@ PortError Port::Write(std::string_view bytes, int timeout) {
   return PortError::None;
 }
 
-PortError Port::WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts) {
+PortError Port::WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts,
+                            std::size_t& written) {
+  written = 0;
   if (!is_open()) return Fail(PortError::NotOpen);
-  std::size_t written = 0;
-  const DeviceStatus status = device_->Write(bytes, timeouts, written);
-  return status.ok() && written == bytes.size() ? PortError::None : Fail(PortError::WriteFailed);
+  return device_->Write(bytes, timeouts, written).ok() ? PortError::None
+                                                       : Fail(PortError::WriteFailed);
 }
 
 PortError Port::BytesWaiting(std::size_t& count) {

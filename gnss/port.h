@@ -62,9 +62,10 @@ class Port {
   /// WriteFailed when fewer bytes than given went out in time.
   PortError Write(std::string_view bytes, int timeout);
 
-  /// As Write, for a second thread while the first one reads: touches nothing of this object. No
-  /// two threads may write at once.
-  PortError WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts);
+  /// For a second thread while the first one reads: touches nothing of this object. No two threads
+  /// may write at once. `written` says how far it came; running out of time is no failure here.
+  PortError WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts,
+                        std::size_t& written);
 
   PortError BytesWaiting(std::size_t& count);
   PortError PurgeInput();

@@ -55,7 +55,8 @@ struct WriteTimeouts {
   bool operator==(const WriteTimeouts&) const = default;
 };
 
-/// Asked now and then while an operation waits; true ends it with ECANCELED.
+/// Asked now and then while an operation waits; true ends it with ECANCELED. A device that is
+/// written beside its reader asks from both threads.
 using StopAsked = std::function<bool()>;
 
 struct DeviceTimeouts {

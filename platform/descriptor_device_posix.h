@@ -30,7 +30,7 @@ class DescriptorDevice : public Base {
   }
   DeviceStatus Write(std::string_view bytes, const WriteTimeouts& timeouts,
                      std::size_t& written) override {
-    return WriteWithin(descriptor_, kind_, timeouts, bytes, written);
+    return WriteWithin(descriptor_, kind_, timeouts, bytes, written, stop_);
   }
 
   /// What was read ahead waits as well.

@@ -124,7 +124,7 @@ DeviceStatus DescriptorReader::Read(int descriptor, const ReadTimeouts& timeouts
 }
 
 DeviceStatus WriteWithin(int descriptor, DescriptorKind kind, const WriteTimeouts& timeouts,
-                         std::string_view bytes, std::size_t& written) {
+                         std::string_view bytes, std::size_t& written, const StopAsked& stop) {
   written = 0;
   const std::int64_t until_us =
       Deadline(SteadyMicroseconds(), timeouts.multiplier_ms, timeouts.constant_ms, bytes.size());
@@ -137,7 +137,8 @@ DeviceStatus WriteWithin(int descriptor, DescriptorKind kind, const WriteTimeout
     if (n < 0 && errno == EINTR) continue;
     if (n < 0 && errno != EAGAIN) return {errno};
     bool ready = false;
-    if (const DeviceStatus status = WaitFor(descriptor, POLLOUT, until_us, ready); !status.ok()) {
+    if (const DeviceStatus status = WaitFor(descriptor, POLLOUT, until_us, ready, stop);
+        !status.ok()) {
       return status;
     }
     if (!ready) return {};

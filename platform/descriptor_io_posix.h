@@ -32,9 +32,10 @@ class DescriptorReader {
 
 enum class DescriptorKind { Device, Socket };
 
-/// Writes until done or out of time; `written` says how far it came.
+/// Writes until done or out of time; `written` says how far it came. ECANCELED when `stop` said so
+/// while it waited.
 DeviceStatus WriteWithin(int descriptor, DescriptorKind kind, const WriteTimeouts& timeouts,
-                         std::string_view bytes, std::size_t& written);
+                         std::string_view bytes, std::size_t& written, const StopAsked& stop = {});
 
 /// Waits until `events` (POLLIN, POLLOUT) come or `until_us` of SteadyMicroseconds has passed;
 /// negative waits for ever. `ready` is false when the time ran out. ECANCELED when `stop` said so.

@@ -10,7 +10,6 @@ namespace {
 constexpr int kGgaTimeoutMs = 2000;
 constexpr std::int64_t kSteadyDataMs = 300'000;
 constexpr std::size_t kAlikeNames = 3;
-constexpr WriteTimeouts kToReceiver = {.multiplier_ms = 2, .constant_ms = 1000};
 
 double Distance(const Geocentric& a, const Geocentric& b) {
   return std::hypot(a.x_m - b.x_m, a.y_m - b.y_m, a.z_m - b.z_m);
@@ -19,7 +18,17 @@ double Distance(const Geocentric& a, const Geocentric& b) {
 }  // namespace
 
 bool PortSink::Write(std::string_view bytes) {
-  return port_.WriteBeside(bytes, kToReceiver) == PortError::None;
+  std::uint32_t idle_ms = 0;
+  while (!bytes.empty()) {
+    if (idle_ms >= kPatienceMs || (stop_ && stop_())) return false;
+    std::size_t written = 0;
+    if (port_.WriteBeside(bytes, {.constant_ms = kSliceMs}, written) != PortError::None) {
+      return false;
+    }
+    bytes.remove_prefix(written);
+    idle_ms = written > 0 ? 0 : idle_ms + kSliceMs;
+  }
+  return true;
 }
 
 CorrectionSession::CorrectionSession(CorrectionPlan plan, NtripConnection& connection,

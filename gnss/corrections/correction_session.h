@@ -31,14 +31,20 @@ class CorrectionSink {
   virtual bool Write(std::string_view bytes) = 0;
 };
 
-/// The receiver's own port, written beside the thread that reads it.
+/// The receiver's own port, written beside the thread that reads it. A slow line is waited for as
+/// long as it takes something; a receiver that takes nothing for kPatienceMs has failed.
 class PortSink final : public CorrectionSink {
  public:
-  explicit PortSink(Port& port) : port_(port) {}
+  /// `stop` ends the waiting within kSliceMs.
+  explicit PortSink(Port& port, StopAsked stop = {}) : port_(port), stop_(std::move(stop)) {}
   bool Write(std::string_view bytes) override;
+
+  static constexpr std::uint32_t kSliceMs = 100;
+  static constexpr std::uint32_t kPatienceMs = 5000;
 
  private:
   Port& port_;
+  StopAsked stop_;
 };
 
 /// Whether the rover's position goes up.

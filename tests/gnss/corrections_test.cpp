@@ -113,6 +113,26 @@ TEST(LatestGga, KeepsWhatHasAPosition) {
             "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n");
 }
 
+TEST(PortSink, WritesOnWhileTheReceiverTakesSomething) {
+  LastErrorRecord errors;
+  auto owned = std::make_unique<ScriptedDevice>();
+  ScriptedDevice* const device = owned.get();
+  Port port("receiver", std::move(owned), errors);
+  ASSERT_EQ(port.Open(), PortError::None);
+  bool stopped = false;
+  PortSink sink(port, [&stopped] { return stopped; });
+  device->write_limit = 7;
+  const std::string bytes = Capture("rtcm3.log");
+  EXPECT_TRUE(sink.Write(bytes));
+  EXPECT_EQ(device->written, bytes);
+  device->write_limit = 0;
+  EXPECT_FALSE(sink.Write(bytes)) << "nothing taken for so long is a failure";
+  device->write_limit = 7;
+  stopped = true;
+  EXPECT_FALSE(sink.Write(bytes));
+  EXPECT_EQ(device->written, bytes);
+}
+
 struct Sink final : CorrectionSink {
   bool Write(std::string_view bytes) override {
     received += bytes;
@@ -344,6 +364,35 @@ TEST_F(Field, CorrectionsFlowWhileTheReceiverIsRead) {
   EXPECT_EQ(status.bytes_to_receiver, device->written.size());
   EXPECT_TRUE(device->written.starts_with(Capture("rtcm3.bndm.log"))) << "no byte lost";
   EXPECT_THAT(caster.Uploads().front(), HasSubstr("$GPGGA,123519"));
+}
+
+TEST_F(Field, AReceiverThatTakesNothingHoldsNobodyUp) {
+  LoopbackCaster caster(Content(Capture("rtcm3.bndm.log"), 0), SystemClock());
+  ASSERT_TRUE(caster.Start(0).ok());
+  DeviceStatus status;
+  const auto listener = ListenOnLoopback(0, status);
+  ASSERT_TRUE(listener);
+  Port port("127.0.0.1:" + std::to_string(listener->port()), MakeTcpDevice(1000), errors);
+  ASSERT_EQ(port.Open(), PortError::None);
+  const auto connection = MakeTcpNtripConnection(errors);
+  CorrectionSession session(PlanFor(caster, "MNT"), *connection, surroundings);
+  std::atomic<bool> stopping = false;
+  PortSink sink(port, [&stopping] { return stopping.load(); });
+  session.Attach(&sink, nullptr);
+  std::chrono::steady_clock::time_point before;
+  {
+    const CorrectionThread thread(session);
+    // What the two sockets hold is taken, nothing behind it.
+    std::uint64_t taken = 0;
+    EXPECT_TRUE(Eventually([&] {
+      const std::uint64_t last = std::exchange(taken, session.Status().bytes_to_receiver);
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+      return taken > 0 && taken == last;
+    }));
+    stopping = true;
+    before = std::chrono::steady_clock::now();
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
 }
 
 TEST_F(Field, AWrongMountpointIsToldWithOneThatExists) {

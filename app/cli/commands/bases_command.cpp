@@ -95,9 +95,11 @@ ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& lis
   LastErrorRecord errors;
   const auto connection = MakeTcpNtripConnection(errors, InterruptRequested);
   const PrivateFolder folder;
-  NtripClient client(
-      connection.get(), "bases",
-      {.clock = program.clock, .files = program.files, .errors = errors, .work_folder = folder.path()});
+  NtripClient client(connection.get(), "bases",
+                     {.clock = program.clock,
+                      .files = program.files,
+                      .errors = errors,
+                      .work_folder = folder.path()});
   list.current = caster;
   ConsoleProgress progress(program.console);
   const PortError error = client.LoadBases(list, progress);
