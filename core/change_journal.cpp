@@ -1,109 +1,26 @@
 #include "core/change_journal.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
-#include <optional>
+#include <random>
+
+#include "core/change_entry.h"
 
 namespace tarvex {
 namespace {
 
-constexpr std::string_view kMagic = "TVXREDO1";
 constexpr std::uint64_t kLargestJournal = std::uint64_t{1} << 40U;
 constexpr std::size_t kChunk = 65520;  // below 65536, whole fillers of 56 bytes
+// The journal grows by pieces of this size, so that most entries need no room of the disk.
+constexpr std::uint64_t kJournalPiece = std::uint64_t{64} << 10U;
+constexpr std::string_view kNoMagic("\0\0\0\0\0\0\0\0", 8);
 
 std::string JournalPath(const std::string& path) {
   return path + ".redo";
 }
 
-void AppendNumber(std::string& bytes, std::uint64_t value) {
-  for (int i = 0; i < 8; ++i, value >>= 8U) bytes += static_cast<char>(value & 0xFFU);
-}
-
-std::uint64_t NumberAt(const char* bytes) {
-  std::uint64_t value = 0;
-  for (int i = 7; i >= 0; --i) value = value << 8U | static_cast<unsigned char>(bytes[i]);
-  return value;
-}
-
-// A check sum that notices a journal cut short or half written; eight bytes a step.
-std::uint64_t CheckSum(std::string_view bytes) {
-  std::uint64_t sum = bytes.size();
-  const auto mix = [&sum](std::uint64_t word) {
-    sum = (sum ^ word) * 0x9E3779B97F4A7C15U;
-    sum ^= sum >> 32U;
-  };
-  std::size_t at = 0;
-  for (; at + 8 <= bytes.size(); at += 8) mix(NumberAt(bytes.data() + at));
-  for (; at < bytes.size(); ++at) mix(static_cast<unsigned char>(bytes[at]));
-  return sum;
-}
-
-std::string Encode(const FileChange& change) {
-  std::string bytes(kMagic);
-  AppendNumber(bytes, change.old_size);
-  AppendNumber(bytes, change.new_size);
-  AppendNumber(bytes, change.writes.size());
-  for (const FileWrite& write : change.writes) {
-    AppendNumber(bytes, write.offset);
-    AppendNumber(bytes, write.repeat);
-    AppendNumber(bytes, write.bytes.size());
-    bytes += write.bytes;
-  }
-  AppendNumber(bytes, CheckSum(bytes));
-  return bytes;
-}
-
-// Takes numbers and bytes off the front of a journal whose check sum is right.
-class JournalReader {
- public:
-  explicit JournalReader(std::string_view bytes) : rest_(bytes) {}
-
-  std::optional<std::uint64_t> Number() {
-    if (rest_.size() < 8) return std::nullopt;
-    const std::uint64_t value = NumberAt(rest_.data());
-    rest_.remove_prefix(8);
-    return value;
-  }
-
-  std::optional<std::string_view> Bytes(std::uint64_t count) {
-    if (count > rest_.size()) return std::nullopt;
-    const std::string_view taken = rest_.substr(0, static_cast<std::size_t>(count));
-    rest_.remove_prefix(taken.size());
-    return taken;
-  }
-
- private:
-  std::string_view rest_;
-};
-
-std::optional<FileWrite> DecodeWrite(JournalReader& reader) {
-  const auto offset = reader.Number();
-  const auto repeat = reader.Number();
-  const auto length = reader.Number();
-  if (!offset || !repeat || !length) return std::nullopt;
-  const auto bytes = reader.Bytes(*length);
-  if (!bytes) return std::nullopt;
-  return FileWrite{.offset = *offset, .bytes = std::string(*bytes), .repeat = *repeat};
-}
-
-// Nothing when the journal is not whole.
-std::optional<FileChange> Decode(std::string_view bytes) {
-  if (bytes.size() < kMagic.size() + 8 || !bytes.starts_with(kMagic)) return std::nullopt;
-  const std::string_view checked = bytes.substr(0, bytes.size() - 8);
-  if (CheckSum(checked) != NumberAt(bytes.data() + checked.size())) return std::nullopt;
-  JournalReader reader(checked.substr(kMagic.size()));
-  const auto old_size = reader.Number();
-  const auto new_size = reader.Number();
-  const auto count = reader.Number();
-  if (!old_size || !new_size || !count) return std::nullopt;
-  FileChange change{.old_size = *old_size, .new_size = *new_size, .writes = {}};
-  for (std::uint64_t i = 0; i < *count; ++i) {
-    auto write = DecodeWrite(reader);
-    if (!write) return std::nullopt;
-    change.writes.push_back(std::move(*write));
-  }
-  return change;
+std::string ReplacementPath(const std::string& path) {
+  return path + ".new";
 }
 
 // Writes the part of `write` that lies in [from, to).
@@ -136,71 +53,323 @@ FileStatus WriteParts(File& file, const FileChange& change, std::uint64_t from, 
   return {};
 }
 
-// Growing needs room on the disk and can fail harmlessly; what stands is overwritten afterwards.
+// Growing needs room on the disk and can fail harmlessly; what is there is overwritten afterwards.
 FileStatus Grow(File& file, const FileChange& change) {
   return WriteParts(file, change, change.old_size, std::numeric_limits<std::uint64_t>::max());
 }
 
 FileStatus Overwrite(File& file, const FileChange& change) {
   if (FileStatus status = WriteParts(file, change, 0, change.old_size); !status.ok()) return status;
-  if (change.new_size < change.old_size) {
-    if (FileStatus status = file.Resize(change.new_size); !status.ok()) return status;
+  return change.new_size < change.old_size ? file.Resize(change.new_size) : FileStatus{};
+}
+
+// The series of the first entry, and whether there is one.
+struct JournalHead {
+  bool entry = false;
+  bool old = false;
+  std::uint64_t series = 0;
+};
+
+JournalHead ReadHead(FileSystem& files, const std::string& path) {
+  JournalHead head;
+  std::unique_ptr<File> journal;
+  char bytes[16] = {};
+  std::size_t got = 0;
+  if (!files.Open(JournalPath(path), FileAccess::Read, journal).ok()) return head;
+  if (!journal->ReadAt(0, bytes, got).ok() || got < sizeof bytes) return head;
+  const std::string_view text(bytes, sizeof bytes);
+  head.old = text.starts_with(kOldChangeMagic);
+  head.entry = text.starts_with(kChangeMagic);
+  for (int i = 15; i >= 8; --i)
+    head.series = head.series << 8U | static_cast<unsigned char>(bytes[i]);
+  return head;
+}
+
+// A number that no other program's series has.
+std::uint64_t NewSeries() {
+  std::random_device random;
+  return (std::uint64_t{random()} << 32U | random()) | 1U;
+}
+
+// Appends the entry and makes it durable; on failure the journal is as before.
+FileStatus AppendEntry(FileSystem& files, const std::string& path, JournalPlace& place,
+                       const JobChange& change) {
+  const std::string name = JournalPath(path);
+  if (place.entries == 0) {
+    place.series = NewSeries();
+    place.end = 0;
+  }
+  const bool created = !files.Exists(name);
+  std::unique_ptr<File> journal;
+  std::uint64_t size = 0;
+  std::string bytes = EncodeEntry(
+      {.series = place.series, .number = std::uint64_t(place.entries), .change = change});
+  const std::uint64_t end = place.end + bytes.size();
+  FileStatus status = files.Open(name, FileAccess::CreateOrKeep, journal);
+  if (status.ok()) status = journal->Size(size);
+  if (end > size) bytes.resize(bytes.size() + (kJournalPiece - end % kJournalPiece), '\0');
+  if (status.ok()) status = journal->WriteAt(place.end, bytes);
+  if (status.ok()) status = journal->Sync();
+  if (status.ok() && created) status = files.SyncFolderOf(path);
+  if (status.ok()) {
+    place.end = end;
+    ++place.entries;
+    return {};
+  }
+  if (!journal) return status;
+  if (journal->WriteAt(place.end, kNoMagic).ok()) (void)journal->Sync();
+  if (created) (void)files.Remove(name);
+  return status;
+}
+
+// Takes the last entry, which begins at `start`, back durably.
+bool TakeBackEntry(FileSystem& files, const std::string& path, JournalPlace& place,
+                   std::uint64_t start) {
+  std::unique_ptr<File> journal;
+  if (!files.Open(JournalPath(path), FileAccess::ReadWrite, journal).ok()) return false;
+  if (!journal->WriteAt(start, kNoMagic).ok() || !journal->Sync().ok()) return false;
+  place.end = start;
+  --place.entries;
+  return true;
+}
+
+FileStatus GrowAll(const JobChange& change, const OpenJobFiles& open) {
+  for (const FileChange& one : change) {
+    if (one.replaced) continue;
+    if (FileStatus status = Grow(*open.of(one.file), one); !status.ok()) return status;
+  }
+  return {};
+}
+
+bool ShrinkAllBack(const JobChange& change, const OpenJobFiles& open) {
+  bool all = true;
+  for (const FileChange& one : change) {
+    std::uint64_t size = 0;
+    if (one.replaced) continue;
+    File& file = *open.of(one.file);
+    if (file.Size(size).ok() && size <= one.old_size) continue;
+    all = file.Resize(one.old_size).ok() && all;
+  }
+  return all;
+}
+
+FileStatus OverwriteAll(FileSystem& files, const std::string& path, const JobChange& change,
+                        const OpenJobFiles& open) {
+  for (const FileChange& one : change) {
+    const std::string name = JobFilePath(path, one.file);
+    const FileStatus status = one.replaced ? files.Rename(ReplacementPath(name), name)
+                                           : Overwrite(*open.of(one.file), one);
+    if (!status.ok()) return status;
+  }
+  return {};
+}
+
+FileStatus SyncIfThere(FileSystem& files, const std::string& path) {
+  std::unique_ptr<File> file;
+  const FileStatus status = files.Open(path, FileAccess::ReadWrite, file);
+  if (status.not_found()) return {};
+  return status.ok() ? file->Sync() : status;
+}
+
+FileStatus EmptyJournal(FileSystem& files, const std::string& path, bool durable) {
+  std::unique_ptr<File> journal;
+  FileStatus status = files.Open(JournalPath(path), FileAccess::ReadWrite, journal);
+  if (status.not_found()) return {};
+  if (status.ok()) status = journal->WriteAt(0, kNoMagic);
+  if (status.ok() && durable) status = journal->Sync();
+  return status;
+}
+
+FileStatus RemoveJournal(FileSystem& files, const std::string& path) {
+  // Emptied durably first: should the removal be lost with the power, nothing comes back.
+  if (FileStatus status = EmptyJournal(files, path, true); !status.ok()) return status;
+  const FileStatus status = files.Remove(JournalPath(path));
+  return status.not_found() ? FileStatus{} : status;
+}
+
+// All entries of the journal that are whole and belong together.
+std::vector<JobChange> ReadEntries(std::string_view bytes) {
+  std::vector<JobChange> changes;
+  if (bytes.starts_with(kOldChangeMagic)) {
+    if (auto change = DecodeOldJournal(bytes)) changes.push_back(std::move(*change));
+    return changes;
+  }
+  std::uint64_t series = 0;
+  while (auto entry = TakeEntry(bytes)) {
+    if (changes.empty()) series = entry->series;
+    if (entry->series != series || entry->number != changes.size()) break;
+    changes.push_back(std::move(entry->change));
+  }
+  return changes;
+}
+
+// What the entries say of one file, in their order.
+std::vector<const FileChange*> ChangesOf(const std::vector<JobChange>& changes, JobFile file) {
+  std::vector<const FileChange*> of_file;
+  for (const JobChange& change : changes) {
+    for (const FileChange& one : change) {
+      if (one.file == file) of_file.push_back(&one);
+    }
+  }
+  return of_file;
+}
+
+// The changes belong to the file only while its size is one that they pass through.
+bool Belong(const std::vector<const FileChange*>& changes, std::uint64_t size) {
+  std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
+  std::uint64_t most = 0;
+  for (const FileChange* change : changes) {
+    least = std::min({least, change->old_size, change->new_size});
+    most = std::max({most, change->old_size, change->new_size});
+  }
+  return size >= least && size <= most;
+}
+
+// A text file that somebody worked on meanwhile: what was to be appended still is, once.
+FileStatus AppendWhatIsMissing(File& file, const std::vector<const FileChange*>& changes,
+                               std::uint64_t size) {
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  std::size_t got = 0;
+  if (FileStatus status = file.ReadAt(0, bytes, got); !status.ok()) return status;
+  for (const FileChange* change : changes) {
+    for (const FileWrite& write : change->writes) {
+      if (write.offset != change->old_size || bytes.find(write.bytes) != std::string::npos)
+        continue;
+      if (FileStatus status = file.WriteAt(bytes.size(), write.bytes); !status.ok()) return status;
+      bytes += write.bytes;
+    }
   }
   return file.Sync();
 }
 
-FileStatus RemoveJournal(FileSystem& files, const std::string& path) {
-  if (FileStatus status = files.Remove(JournalPath(path)); !status.ok()) return status;
-  return files.SyncFolderOf(path);
+FileStatus CarryOutAgain(File& file, JobFile which, const std::vector<const FileChange*>& changes) {
+  std::uint64_t size = 0;
+  if (FileStatus status = file.Size(size); !status.ok()) return status;
+  if (!Belong(changes, size)) {
+    return which == JobFile::Coordinates ? FileStatus{} : AppendWhatIsMissing(file, changes, size);
+  }
+  for (const FileChange* change : changes) {
+    if (FileStatus status = Grow(file, *change); !status.ok()) return status;
+    if (FileStatus status = Overwrite(file, *change); !status.ok()) return status;
+  }
+  if (FileStatus status = file.Size(size); !status.ok()) return status;
+  if (size != changes.back()->new_size) {
+    if (FileStatus status = file.Resize(changes.back()->new_size); !status.ok()) return status;
+  }
+  return file.Sync();
 }
 
-FileStatus WriteJournal(FileSystem& files, const std::string& path, const FileChange& change) {
-  std::unique_ptr<File> journal;
-  FileStatus status = files.Open(JournalPath(path), FileAccess::CreateOrTruncate, journal);
-  if (status.ok()) status = journal->WriteAt(0, Encode(change));
-  if (status.ok()) status = journal->Sync();
-  if (status.ok()) status = files.SyncFolderOf(path);
-  if (!status.ok() && journal) (void)files.Remove(JournalPath(path));
-  return status;
-}
-
-// A journal belongs to the file only while its size is that of before or after the change, or on
-// the way between them.
-bool Belongs(const FileChange& change, std::uint64_t size) {
-  return size >= std::min(change.old_size, change.new_size) &&
-         size <= std::max(change.old_size, change.new_size);
+FileStatus FinishFile(FileSystem& files, const std::string& path, File& coordinates, JobFile which,
+                      const std::vector<const FileChange*>& changes) {
+  const std::string name = JobFilePath(path, which);
+  if (changes.back()->replaced) {
+    if (!files.Exists(ReplacementPath(name))) return {};
+    return files.Rename(ReplacementPath(name), name);
+  }
+  if (which == JobFile::Coordinates) return CarryOutAgain(coordinates, which, changes);
+  std::unique_ptr<File> file;
+  const bool began = changes.front()->old_size == 0;
+  const FileStatus status =
+      files.Open(name, began ? FileAccess::CreateOrKeep : FileAccess::ReadWrite, file);
+  if (status.not_found()) return {};
+  return status.ok() ? CarryOutAgain(*file, which, changes) : status;
 }
 
 }  // namespace
 
+File* OpenJobFiles::of(JobFile file) const {
+  switch (file) {
+    case JobFile::Raw:
+      return raw;
+    case JobFile::Notes:
+      return notes;
+    case JobFile::Coordinates:
+      break;
+  }
+  return coordinates;
+}
+
+ChangeResult CarryOut(FileSystem& files, const std::string& path, JournalPlace& place,
+                      const JobChange& change, const OpenJobFiles& open, FileStatus& status) {
+  const std::uint64_t start = place.entries == 0 ? 0 : place.end;
+  status = AppendEntry(files, path, place, change);
+  if (!status.ok()) return ChangeResult::Nothing;
+  status = GrowAll(change, open);
+  if (!status.ok() && ShrinkAllBack(change, open) && TakeBackEntry(files, path, place, start)) {
+    return ChangeResult::Nothing;
+  }
+  if (status.ok()) status = OverwriteAll(files, path, change, open);
+  for (const FileChange& one : change) {
+    place.new_names = place.new_names || one.replaced || one.old_size == 0;
+  }
+  if (status.ok()) return ChangeResult::Done;
+  place = {};  // what the journal holds is finished like another program's
+  return ChangeResult::Pending;
+}
+
+FileStatus SettleChanges(FileSystem& files, const std::string& path, JournalPlace& place) {
+  if (place.entries == 0) return {};
+  for (const JobFile file : kJobFiles) {
+    if (FileStatus status = SyncIfThere(files, JobFilePath(path, file)); !status.ok())
+      return status;
+  }
+  if (place.new_names) {
+    if (FileStatus status = files.SyncFolderOf(path); !status.ok()) return status;
+  }
+  return ForgetChanges(files, path, place);
+}
+
+// Whether this is durable does not matter: to carry out what is there already changes nothing, and
+// the next change overwrites the entries before it touches a file. Before a replacement is prepared
+// the journal is closed, which is durable.
+FileStatus ForgetChanges(FileSystem& files, const std::string& path, JournalPlace& place) {
+  const FileStatus status = EmptyJournal(files, path, false);
+  if (status.ok()) place = {};
+  return status;
+}
+
+FileStatus CloseJournal(FileSystem& files, const std::string& path, JournalPlace& place) {
+  if (!files.Exists(JournalPath(path))) return {};
+  if (FileStatus status = SettleChanges(files, path, place); !status.ok()) return status;
+  return HasInterruptedChange(files, path) ? FileStatus{} : RemoveJournal(files, path);
+}
+
 FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
                       const FileChange& change) {
-  if (FileStatus status = WriteJournal(files, path, change); !status.ok()) return status;
-  if (FileStatus status = Grow(file, change); !status.ok()) {
-    if (file.Resize(change.old_size).ok()) (void)RemoveJournal(files, path);
+  JournalPlace place;
+  FileStatus status;
+  if (CarryOut(files, path, place, {change}, {.coordinates = &file}, status) !=
+      ChangeResult::Done) {
     return status;
   }
-  if (FileStatus status = Overwrite(file, change); !status.ok()) return status;
-  return RemoveJournal(files, path);
+  status = file.Sync();
+  return status.ok() ? RemoveJournal(files, path) : status;
 }
 
-FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file) {
+FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
+                                   const JournalPlace& place) {
+  if (!HasInterruptedChange(files, path, place)) return {};
   std::string bytes;
-  const FileStatus read = ReadWholeFile(files, JournalPath(path), kLargestJournal, bytes);
-  if (read.not_found()) return {};
-  if (!read.ok()) return read;
-  std::uint64_t size = 0;
-  if (FileStatus status = file.Size(size); !status.ok()) return status;
-  const auto change = Decode(bytes);
-  if (change && Belongs(*change, size)) {
-    if (FileStatus status = Grow(file, *change); !status.ok()) return status;
-    if (FileStatus status = Overwrite(file, *change); !status.ok()) return status;
+  if (FileStatus status = ReadWholeFile(files, JournalPath(path), kLargestJournal, bytes);
+      !status.ok()) {
+    return status;
+  }
+  const std::vector<JobChange> changes = ReadEntries(bytes);
+  for (const JobFile which : kJobFiles) {
+    const auto of_file = ChangesOf(changes, which);
+    if (of_file.empty()) continue;
+    if (FileStatus status = FinishFile(files, path, file, which, of_file); !status.ok())
+      return status;
+  }
+  if (!changes.empty()) {
+    if (FileStatus status = files.SyncFolderOf(path); !status.ok()) return status;
   }
   return RemoveJournal(files, path);
 }
 
-bool HasInterruptedChange(FileSystem& files, const std::string& path) {
-  return files.Exists(JournalPath(path));
+bool HasInterruptedChange(FileSystem& files, const std::string& path, const JournalPlace& place) {
+  const JournalHead head = ReadHead(files, path);
+  return head.old || (head.entry && head.series != place.series);
 }
 
 }  // namespace tarvex

@@ -1,16 +1,19 @@
-// A change of a few places of a file that happens as a whole or not at all, whatever interrupts it:
-// the program killed, the disk full, the power gone.
+// Changes of a job's files that happen as a whole or not at all, whatever interrupts them: the
+// program killed, the disk full, the power gone. One change may touch the coordinate file, the raw
+// file and the notes.
 //
-// The change is first written to PATH.redo and made durable, then carried out, then PATH.redo is
-// removed. Opening the file again finishes an interrupted change; a journal that was itself cut
-// short is discarded, because the file was not yet touched. docs/formats/crd.md describes the
-// bytes.
+// A change is first written as an entry of the journal NAME.crd.redo and made durable; then it is
+// carried out. Several changes may follow one another before the files themselves are made durable
+// (SettleChanges), because the journal can carry all of them out again. Opening the coordinate file
+// finishes what an interruption left; an entry that was itself cut short is discarded, because no
+// file was touched yet. docs/formats/redo.md describes the bytes.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "core/job_files.h"
 #include "platform/file.h"
 
 namespace tarvex {
@@ -22,22 +25,60 @@ struct FileWrite {
   std::uint64_t repeat = 1;
 };
 
+/// What becomes of one file.
 struct FileChange {
+  JobFile file = JobFile::Coordinates;
   std::uint64_t old_size = 0;
   std::uint64_t new_size = 0;
-  std::vector<FileWrite> writes;
+  std::vector<FileWrite> writes = {};
+  bool replaced = false;  ///< by FILE.tmp, which is durable already; there are no writes then
 };
 
-/// Carries the change out durably. When it fails while the file grows (a full disk), the file is as
-/// before; when it fails later, the journal stays and FinishInterruptedChange completes it.
+using JobChange = std::vector<FileChange>;
+
+enum class [[nodiscard]] ChangeResult{
+    Done,     ///< durable, and in the files
+    Nothing,  ///< the files are as before
+    Pending   ///< durable in the journal: comes into the files when the job is opened again
+};
+
+/// The files of a job while one change is carried out. A file that the change does not touch may be
+/// missing here.
+struct OpenJobFiles {
+  File* coordinates = nullptr;
+  File* raw = nullptr;
+  File* notes = nullptr;
+
+  File* of(JobFile file) const;
+};
+
+/// Journals the change and carries it out, without making the files themselves durable. `path` is
+/// the coordinate file's, `place` where the journal's entries of this program end; `status` is why
+/// it was not Done.
+ChangeResult CarryOut(FileSystem& files, const std::string& path, JournalPlace& place,
+                      const JobChange& change, const OpenJobFiles& open, FileStatus& status);
+
+/// Makes the files of all entries durable and empties the journal.
+FileStatus SettleChanges(FileSystem& files, const std::string& path, JournalPlace& place);
+
+/// Empties the journal when the files of all its entries are durable.
+FileStatus ForgetChanges(FileSystem& files, const std::string& path, JournalPlace& place);
+
+/// Settles and removes the journal, when a job is closed.
+FileStatus CloseJournal(FileSystem& files, const std::string& path, JournalPlace& place);
+
+/// One change of the coordinate file alone, durable when it returns.
 FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
                       const FileChange& change);
 
-/// Completes the change that an earlier run did not finish, if there is one. To be called after
-/// `file` was opened for writing and before anything is read from it.
-FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file);
+/// Completes the changes that an earlier run did not finish, if there are any. To be called after
+/// the coordinate file was opened and locked for writing and before anything is read from it; it
+/// may have been replaced afterwards (File::IsNamed).
+FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
+                                   const JournalPlace& place = {});
 
-/// True when FinishInterruptedChange has something to look at.
-bool HasInterruptedChange(FileSystem& files, const std::string& path);
+/// True when FinishInterruptedChange has something to look at: entries that are not this program's.
+bool HasInterruptedChange(FileSystem& files, const std::string& path,
+                          const JournalPlace& place = {});
 
 }  // namespace tarvex

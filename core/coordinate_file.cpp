@@ -20,15 +20,22 @@ constexpr std::uint64_t kReplacedForAnyChange = std::uint64_t{3} << 20U;
 // None is replaced above this size: it is held in memory for that.
 constexpr std::uint64_t kLargestReplaced = std::uint64_t{64} << 20U;
 
+std::uint64_t WrittenBytes(const FileChange& change) {
+  std::uint64_t written = 0;
+  for (const FileWrite& write : change.writes) written += write.bytes.size() * write.repeat;
+  return written;
+}
+
 // Replacing writes the file once and waits for the disk twice; the journal writes what changes
 // twice and waits four times. Both leave the old state or the new one.
 bool ReplacingIsFaster(const FileChange& change) {
-  std::uint64_t journaled = 0;
-  for (const FileWrite& write : change.writes) {
-    journaled += write.bytes.size() + write.bytes.size() * write.repeat;
-  }
+  std::uint64_t journaled = WrittenBytes(change);
+  for (const FileWrite& write : change.writes) journaled += write.bytes.size();
   return change.new_size <= std::min(kReplacedForAnyChange + journaled, kLargestReplaced);
 }
+
+// A gathered change that is larger is not written twice: the file is replaced.
+constexpr std::uint64_t kLargestGathered = std::uint64_t{256} << 10U;
 
 // What the file holds after the change, made from what it held before.
 void Apply(const FileChange& change, std::string& bytes) {
@@ -41,12 +48,28 @@ void Apply(const FileChange& change, std::string& bytes) {
   }
 }
 
+// Lays the part of `write` that lies within `out`, which begins at `offset`, over it.
+void LayOver(const FileWrite& write, std::uint64_t offset, std::span<char> out) {
+  const std::uint64_t length = write.bytes.size();
+  for (std::uint64_t i = 0; i < write.repeat; ++i) {
+    const std::uint64_t begin = write.offset + i * length;
+    const std::uint64_t first = std::max(begin, offset);
+    const std::uint64_t last = std::min(begin + length, offset + out.size());
+    if (begin >= offset + out.size()) return;
+    if (first >= last) continue;
+    const auto from = write.bytes.begin() + static_cast<std::ptrdiff_t>(first - begin);
+    std::copy(from, from + static_cast<std::ptrdiff_t>(last - first),
+              out.begin() + static_cast<std::ptrdiff_t>(first - offset));
+  }
+}
+
 }  // namespace
 
-CoordinateFile::CoordinateFile(FileSystem& files, std::string path, std::unique_ptr<File> file,
-                               bool alphanumeric, std::uint64_t size)
-    : files_(files),
-      path_(std::move(path)),
+CoordinateFile::CoordinateFile(Job& job, std::unique_ptr<File> file, bool alphanumeric,
+                               std::uint64_t size)
+    : files_(job.host.files()),
+      path_(job.path),
+      journal_(job.journal),
       file_(std::move(file)),
       alphanumeric_(alphanumeric),
       size_(size) {}
@@ -74,9 +97,7 @@ FileStatus CoordinateFile::ReadRecords(std::uint64_t first, std::uint64_t count,
                                        std::string& bytes) {
   bytes.resize(static_cast<std::size_t>(count * record_size()));
   std::size_t got = 0;
-  if (FileStatus status = file_->ReadAt(RecordOffset(first), bytes, got); !status.ok()) {
-    return status;
-  }
+  if (FileStatus status = ReadBytes(RecordOffset(first), bytes, got); !status.ok()) return status;
   return got == bytes.size() ? FileStatus{} : FileStatus{EIO};
 }
 
@@ -96,7 +117,7 @@ FileStatus CoordinateFile::IdAt(std::uint64_t index, PointId& id) {
   char field[alphanumeric_layout::kIdSize] = {};
   std::size_t got = 0;
   const std::uint64_t offset = RecordOffset(index) + alphanumeric_layout::kIdOffset;
-  if (FileStatus status = file_->ReadAt(offset, field, got); !status.ok()) return status;
+  if (FileStatus status = ReadBytes(offset, field, got); !status.ok()) return status;
   if (got != sizeof field) return {EIO};
   id.TakeField(field);
   return {};
@@ -170,41 +191,80 @@ FileStatus CoordinateFile::Find(std::string_view id, RecordPosition& position) {
   return FindInBlock(id, low, high, position);
 }
 
-// A change that failed half way is finished when the file is opened again; nothing may come before.
-FileStatus CoordinateFile::BeginChange() {
-  probes_.clear();
-  return HasInterruptedChange(files_, path_) ? FileStatus{EIO} : FileStatus{};
+FileStatus CoordinateFile::ReadBytes(std::uint64_t offset, std::span<char> out, std::size_t& got) {
+  if (!gathered_) return file_->ReadAt(offset, out, got);
+  const std::uint64_t size = gathered_->new_size;
+  const std::uint64_t there =
+      offset >= size ? 0 : std::min<std::uint64_t>(out.size(), size - offset);
+  const std::span<char> part = out.first(static_cast<std::size_t>(there));
+  if (gathered_->replaced) {
+    replacement_.copy(part.data(), part.size(), static_cast<std::size_t>(offset));
+  } else {
+    std::fill(part.begin(), part.end(), '\0');
+    if (FileStatus status = file_->ReadAt(offset, part, got); !status.ok()) return status;
+    for (const FileWrite& write : gathered_->writes) LayOver(write, offset, part);
+  }
+  got = part.size();
+  return {};
 }
 
-FileStatus CoordinateFile::Replace(const FileChange& change) {
-  std::string bytes(static_cast<std::size_t>(std::min(change.old_size, change.new_size)), '\0');
+void CoordinateFile::Gather(std::vector<FileWrite> writes, std::uint64_t new_size) {
+  probes_.clear();
+  if (!gathered_) gathered_ = FileChange{.old_size = size_};
+  for (FileWrite& write : writes) gathered_->writes.push_back(std::move(write));
+  gathered_->new_size = size_ = new_size;
+}
+
+// What an earlier change left in the journal is durable in the files before one is made without it;
+// an interrupted change is finished when the file is opened again, and nothing may come before.
+FileStatus CoordinateFile::BeginChange() {
+  probes_.clear();
+  if (HasInterruptedChange(files_, path_, journal_)) return {EIO};
+  return CloseJournal(files_, path_, journal_);
+}
+
+FileStatus CoordinateFile::BytesAfter(const FileChange& change, std::string& bytes) {
+  bytes.assign(static_cast<std::size_t>(std::min(change.old_size, change.new_size)), '\0');
   std::size_t got = 0;
   if (FileStatus status = file_->ReadAt(0, bytes, got); !status.ok()) return status;
   if (got != bytes.size()) return {EIO};
   Apply(change, bytes);
-  return ReplaceWholeFile(files_, path_, bytes, file_);
+  return {};
 }
 
 FileStatus CoordinateFile::Append(std::string_view bytes) {
+  const std::uint64_t end = RecordOffset(record_count());
+  const std::uint64_t new_size = std::max(size_, end + bytes.size());
+  if (gathers_) {
+    Gather({{.offset = end, .bytes = std::string(bytes)}}, new_size);
+    return {};
+  }
   FileStatus status = BeginChange();
   if (!status.ok()) return status;
-  const std::uint64_t end = RecordOffset(record_count());
   status = file_->WriteAt(end, bytes);
   if (status.ok()) status = file_->Sync();
   if (!status.ok()) {
     (void)file_->Resize(end);
     return status;
   }
-  size_ = std::max(size_, end + bytes.size());
+  size_ = new_size;
   return {};
 }
 
 FileStatus CoordinateFile::Overwrite(std::uint64_t offset, std::string_view bytes) {
+  if (gathers_) {
+    Gather({{.offset = offset, .bytes = std::string(bytes)}}, size_);
+    return {};
+  }
   const FileStatus status = BeginChange();
   return status.ok() ? file_->WriteAt(offset, bytes) : status;
 }
 
 FileStatus CoordinateFile::Shorten(std::uint64_t size) {
+  if (gathers_) {
+    Gather({}, size);
+    return {};
+  }
   FileStatus status = BeginChange();
   if (status.ok()) status = file_->Resize(size);
   if (!status.ok()) return status;
@@ -213,12 +273,40 @@ FileStatus CoordinateFile::Shorten(std::uint64_t size) {
 }
 
 FileStatus CoordinateFile::Change(std::vector<FileWrite> writes, std::uint64_t new_size) {
+  FileChange change{.old_size = size_, .new_size = new_size, .writes = std::move(writes)};
+  if (gathers_ && (gathered_ || WrittenBytes(change) <= kLargestGathered)) {
+    Gather(std::move(change.writes), new_size);
+    return {};
+  }
+  std::string bytes;
+  if (gathers_) {
+    const FileStatus status = BytesAfter(change, bytes);
+    return status.ok() ? ReplaceWith(std::move(bytes)) : status;
+  }
   FileStatus status = BeginChange();
   if (!status.ok()) return status;
-  const FileChange change{.old_size = size_, .new_size = new_size, .writes = std::move(writes)};
-  status = ReplacingIsFaster(change) ? Replace(change) : ChangeFile(files_, path_, *file_, change);
+  if (ReplacingIsFaster(change)) {
+    status = BytesAfter(change, bytes);
+    if (status.ok()) status = ReplaceWholeFile(files_, path_, bytes, file_);
+  } else {
+    status = ChangeFile(files_, path_, *file_, change);
+  }
   std::uint64_t size = size_;
   if (file_->Size(size).ok()) size_ = size;
+  return status;
+}
+
+FileStatus CoordinateFile::ReplaceWith(std::string bytes) {
+  if (gathers_) {
+    probes_.clear();
+    gathered_ = FileChange{.old_size = size_, .new_size = bytes.size(), .replaced = true};
+    size_ = bytes.size();
+    replacement_ = std::move(bytes);
+    return {};
+  }
+  FileStatus status = BeginChange();
+  if (status.ok()) status = ReplaceWholeFile(files_, path_, bytes, file_);
+  if (status.ok()) size_ = bytes.size();
   return status;
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,8 +28,7 @@ struct RecordPosition {
 /// An open coordinate file, locked against other programs until it is destroyed.
 class CoordinateFile {
  public:
-  CoordinateFile(FileSystem& files, std::string path, std::unique_ptr<File> file, bool alphanumeric,
-                 std::uint64_t size);
+  CoordinateFile(Job& job, std::unique_ptr<File> file, bool alphanumeric, std::uint64_t size);
 
   bool alphanumeric() const { return alphanumeric_; }
   std::uint64_t size() const { return size_; }
@@ -43,6 +43,8 @@ class CoordinateFile {
   /// Reads records [first, first + count) into `bytes`; an error when the file ends before.
   FileStatus ReadRecords(std::uint64_t first, std::uint64_t count, std::string& bytes);
   FileStatus ReadRecord(std::uint64_t index, Point& point);
+  /// Bytes of the file, gathered changes among them; `got` is less at its end.
+  FileStatus ReadBytes(std::uint64_t offset, std::span<char> out, std::size_t& got);
 
   /// Finds a normalised id in an alphanumeric file: the last record, the first, then a binary
   /// search.
@@ -58,14 +60,28 @@ class CoordinateFile {
   FileStatus Shorten(std::uint64_t size);
   /// Carries out a change as a whole or not at all; its sizes are filled in here.
   FileStatus Change(std::vector<FileWrite> writes, std::uint64_t new_size);
+  /// Gives the file these bytes as a whole or not at all.
+  FileStatus ReplaceWith(std::string bytes);
+
+  /// From here on changes are gathered for a unit of the job (core/job_unit.h) instead of being
+  /// carried out; what is read is what the file will hold.
+  void GatherChanges() { gathers_ = true; }
+  /// The gathered change; nothing when there is none.
+  const std::optional<FileChange>& gathered() const { return gathered_; }
+  /// With a gathered change that replaces the file: its new bytes.
+  const std::string& replacement() const { return replacement_; }
+  File& file() { return *file_; }
+  /// The file that took the place of this one.
+  void Follow(std::unique_ptr<File> file) { file_ = std::move(file); }
 
  private:
+  void Gather(std::vector<FileWrite> writes, std::uint64_t new_size);
   FileStatus IdAt(std::uint64_t index, PointId& id);
   FileStatus ProbeAt(std::size_t node, std::uint64_t index, PointId& id);
   FileStatus FindInBlock(std::string_view id, std::uint64_t low, std::uint64_t high,
                          RecordPosition& position);
   FileStatus BeginChange();
-  FileStatus Replace(const FileChange& change);
+  FileStatus BytesAfter(const FileChange& change, std::string& bytes);
 
   struct Probe {
     bool known = false;
@@ -74,9 +90,13 @@ class CoordinateFile {
 
   FileSystem& files_;
   std::string path_;
+  JournalPlace& journal_;
   std::unique_ptr<File> file_;
   bool alphanumeric_;
   std::uint64_t size_;
+  bool gathers_ = false;
+  std::optional<FileChange> gathered_;
+  std::string replacement_;
   std::vector<Probe> probes_;  // ids at the upper nodes of the binary search, for the next lookups
 };
 
@@ -85,6 +105,9 @@ class CoordinateFile {
 /// and last point number are set from the file. Nothing when that fails: the person has been told
 /// why, with the path.
 std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job = false);
+
+/// Sets the job's last point id and number from the file as it is now.
+FileStatus TakeLastPoint(Job& job, CoordinateFile& stream);
 
 /// Opens an existing file to read from it only, so that a file without the right to write can still
 /// be looked at. An interrupted change is finished and an older file converted first; that needs

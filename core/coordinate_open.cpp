@@ -78,25 +78,6 @@ bool LooksNumeric(const Opened& opened) {
   return !short_file || zero_field.find_first_not_of('\0') == std::string_view::npos;
 }
 
-void TakeNumericState(Job& job, const Opened& opened, const CoordinateFile& stream) {
-  const long long claimed =
-      opened.size == 0 ? 0 : numeric_layout::DecodeHighestNumber(opened.header);
-  job.last_point_number = std::min(claimed, static_cast<long long>(stream.record_count()));
-  job.last_point_id = std::to_string(job.last_point_number);
-}
-
-FileStatus TakeAlphanumericState(Job& job, CoordinateFile& stream) {
-  job.last_point_id = "0";
-  job.last_point_number = 0;
-  if (stream.record_count() == 0) return {};
-  Point last;
-  const FileStatus status = stream.ReadRecord(stream.record_count() - 1, last);
-  if (!status.ok()) return status;
-  job.last_point_id = last.id.str();
-  job.last_point_number = PointIdNumber(job.last_point_id);
-  return {};
-}
-
 // The stream over a file whose header was read, with the job's state taken from it.
 std::unique_ptr<CoordinateFile> MakeStream(Job& job, Opened opened) {
   FileStatus status;
@@ -104,12 +85,10 @@ std::unique_ptr<CoordinateFile> MakeStream(Job& job, Opened opened) {
   if (!alphanumeric && !LooksNumeric(opened)) {
     return Tell(job, kNotACoordinateFile, status), nullptr;
   }
-  auto stream = std::make_unique<CoordinateFile>(job.host.files(), job.path, std::move(opened.file),
-                                                 alphanumeric, opened.size);
+  auto stream =
+      std::make_unique<CoordinateFile>(job, std::move(opened.file), alphanumeric, opened.size);
   job.alphanumeric = alphanumeric;
-  if (!alphanumeric) {
-    TakeNumericState(job, opened, *stream);
-  } else if (status = TakeAlphanumericState(job, *stream); !status.ok()) {
+  if (status = TakeLastPoint(job, *stream); !status.ok()) {
     return Tell(job, kCannotOpen, status), nullptr;
   }
   return stream;
@@ -119,8 +98,9 @@ std::unique_ptr<CoordinateFile> OpenExisting(Job& job) {
   Opened opened;
   FileStatus status = OpenLocked(job.host.files(), job.path, FileAccess::ReadWrite, opened.file);
   if (!status.ok()) return Tell(job, kCannotOpen, status), nullptr;
-  status = FinishInterruptedChange(job.host.files(), job.path, *opened.file);
+  status = FinishInterruptedChange(job.host.files(), job.path, *opened.file, job.journal);
   if (!status.ok()) return Tell(job, kCannotFinish, status), nullptr;
+  if (!opened.file->IsNamed(job.path)) return OpenExisting(job);  // finished by replacing it
   if (status = ReadHeader(opened); !status.ok()) return Tell(job, kCannotOpen, status), nullptr;
   if (opened.signature != Signature::Older) return MakeStream(job, std::move(opened));
   status = ConvertOlderFile(job, opened);
@@ -146,6 +126,27 @@ FileStatus Create(Job& job, bool creating_job) {
 
 }  // namespace
 
+FileStatus TakeLastPoint(Job& job, CoordinateFile& stream) {
+  job.last_point_id = "0";
+  job.last_point_number = 0;
+  if (!stream.alphanumeric()) {
+    std::string header(numeric_layout::kRecordSize, '\0');
+    std::size_t got = 0;
+    if (FileStatus status = stream.ReadBytes(0, header, got); !status.ok()) return status;
+    const long long claimed = got == 0 ? 0 : numeric_layout::DecodeHighestNumber(header);
+    job.last_point_number = std::min(claimed, static_cast<long long>(stream.record_count()));
+    job.last_point_id = std::to_string(job.last_point_number);
+    return {};
+  }
+  if (stream.record_count() == 0) return {};
+  Point last;
+  const FileStatus status = stream.ReadRecord(stream.record_count() - 1, last);
+  if (!status.ok()) return status;
+  job.last_point_id = last.id.str();
+  job.last_point_number = PointIdNumber(job.last_point_id);
+  return {};
+}
+
 std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job) {
   if (!job.host.files().Exists(job.path)) {
     if (const FileStatus status = Create(job, creating_job); !status.ok()) {
@@ -162,7 +163,7 @@ std::unique_ptr<CoordinateFile> OpenForReading(Job& job) {
   if (status.ok()) status = ReadHeader(opened);
   if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
   // Looked at under the lock: what another program has under way is over by now.
-  if (HasInterruptedChange(files, job.path) || opened.signature == Signature::Older) {
+  if (HasInterruptedChange(files, job.path, job.journal) || opened.signature == Signature::Older) {
     opened.file.reset();
     return OpenExisting(job);
   }

@@ -5,14 +5,6 @@
 
 namespace tarvex {
 
-std::string PathWithExtension(const std::string& path, std::string_view extension) {
-  const std::size_t folder = path.find_last_of('/');
-  const std::size_t dot = path.find_last_of('.');
-  const bool has_extension =
-      dot != std::string::npos && (folder == std::string::npos || dot > folder + 1);
-  return path.substr(0, has_extension ? dot : path.size()) + "." + std::string(extension);
-}
-
 void AdvanceCurrentPoint(Job& job) {
   if (job.alphanumeric) {
     job.current_point_id = NextPointId(PointId(job.current_point_id), job.point_increment).str();

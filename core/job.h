@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/job_files.h"
 #include "core/point.h"
 #include "core/units.h"
 #include "platform/clock.h"
@@ -69,6 +70,8 @@ struct Job {
   Point last_stored_point;
   JobInformation information;
   InstrumentSetup setup;
+  JournalPlace journal;  ///< what this program has not yet settled
+  NoteIndex noted;       ///< the points that have a block in the notes
 
   DistanceUnit unit = DistanceUnit::Metres;
   bool azimuths_from_south = false;
@@ -76,9 +79,6 @@ struct Job {
   bool curvature_correction = false;
   std::string collector = "Tarvex";  ///< identification line of the raw file
 };
-
-/// The path with its extension replaced ("site.crd" and "rw5" give "site.rw5").
-std::string PathWithExtension(const std::string& path, std::string_view extension);
 
 /// Moves the job's current point id on by its increment, after a store.
 void AdvanceCurrentPoint(Job& job);

@@ -222,8 +222,13 @@ std::string MergeNumbered(std::string file, std::span<const Point> points, long 
 }  // namespace
 
 StorePointsResult StorePoints(Job& job, std::span<const Point> points, std::size_t* bad_point) {
-  auto stream = OpenCoordinateFile(job);
+  const auto stream = OpenCoordinateFile(job);
   if (!stream) return StorePointsResult::NoStream;
+  return StorePoints(job, points, *stream, bad_point);
+}
+
+StorePointsResult StorePoints(Job& job, std::span<const Point> points, CoordinateFile& stream,
+                              std::size_t* bad_point) {
   const auto refused = std::find_if_not(points.begin(), points.end(), [&](const Point& point) {
     return IsStorable(point, job.alphanumeric);
   });
@@ -235,22 +240,20 @@ StorePointsResult StorePoints(Job& job, std::span<const Point> points, std::size
   if (points.empty()) return StorePointsResult::Stored;
   FileSystem& files = job.host.files();
   std::string old_file;
-  FileStatus status = ReadWholeFile(files, job.path, stream->size(), old_file);
+  FileStatus status = ReadWholeFile(files, job.path, stream.size(), old_file);
   if (status.ok()) {
-    const std::string merged = job.alphanumeric
-                                   ? MergeNamed(old_file, points)
-                                   : MergeNumbered(std::move(old_file), points,
-                                                   job.last_point_number, job.host.clock().Now());
-    status = ReplaceWholeFile(files, job.path, merged);
+    std::string merged = job.alphanumeric
+                             ? MergeNamed(old_file, points)
+                             : MergeNumbered(std::move(old_file), points, job.last_point_number,
+                                             job.host.clock().Now());
+    status = stream.ReplaceWith(std::move(merged));
   }
   if (!status.ok()) {
     job.host.ShowMessage(Strings().Text(kBulkFailedMessage, {job.path, status.Text()}));
     return StorePointsResult::Nothing;
   }
   job.last_stored_point = points.back();
-  stream.reset();
-  stream = OpenCoordinateFile(job);
-  return stream ? StorePointsResult::Stored : StorePointsResult::NoStream;
+  return TakeLastPoint(job, stream).ok() ? StorePointsResult::Stored : StorePointsResult::NoStream;
 }
 
 }  // namespace tarvex

@@ -4,6 +4,7 @@
 
 #include <span>
 
+#include "core/coordinate_file.h"
 #include "core/job.h"
 #include "core/point.h"
 
@@ -20,6 +21,10 @@ enum class [[nodiscard]] StorePointsResult : int{
 /// Stores all points, each under its own id, over those that exist; of equal ids the last one wins.
 /// `bad_point`, when given, receives the index of the point that was refused.
 StorePointsResult StorePoints(Job& job, std::span<const Point> points,
+                              std::size_t* bad_point = nullptr);
+
+/// The same in a file that is open, as part of a unit of the job where it gathers changes.
+StorePointsResult StorePoints(Job& job, std::span<const Point> points, CoordinateFile& stream,
                               std::size_t* bad_point = nullptr);
 
 }  // namespace tarvex

@@ -1,5 +1,7 @@
 #include "core/point_notes.h"
 
+#include <algorithm>
+
 #include "core/number_text.h"
 #include "core/point_id.h"
 #include "core/text.h"
@@ -10,6 +12,9 @@ namespace {
 constexpr std::string_view kBlockStart = "PT_ID:";
 constexpr std::string_view kNoteStart = "NOTE";
 constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 32U;
+
+// Of the file's end so much is compared to see that the index still fits.
+constexpr std::uint64_t kComparedEnd = 64;
 
 FileStatus ReadNotes(Job& job, std::string& bytes) {
   const FileStatus status =
@@ -27,10 +32,49 @@ std::string_view TakeBlock(std::string_view& rest) {
   return block;
 }
 
-bool IsBlockOf(std::string_view block, std::string_view id) {
-  if (!block.starts_with(kBlockStart)) return false;
+// The id of a block; nothing for lines before the first block.
+std::optional<std::string_view> BlockId(std::string_view block) {
+  if (!block.starts_with(kBlockStart)) return std::nullopt;
   block.remove_prefix(kBlockStart.size());
-  return ComparePointIds(TakeLine(block).value_or(""), id) == 0;
+  return TakeLine(block).value_or("");
+}
+
+bool IsBlockOf(std::string_view block, std::string_view id) {
+  const auto of = BlockId(block);
+  return of && ComparePointIds(*of, id) == 0;
+}
+
+bool WritesBlock(const NoteEdit& edit) {
+  return edit.kind == NoteEdit::Kind::SetQuality || edit.kind == NoteEdit::Kind::Replace;
+}
+
+// The file's end, of as many bytes as are compared.
+FileStatus ReadEnd(File& file, std::uint64_t size, std::string& end) {
+  const std::uint64_t some = std::min(size, kComparedEnd);
+  end.assign(static_cast<std::size_t>(some), '\0');
+  std::size_t got = 0;
+  return file.ReadAt(size - some, end, got);
+}
+
+FileStatus ReadAll(File& file, std::uint64_t size, std::string& bytes) {
+  bytes.assign(static_cast<std::size_t>(size), '\0');
+  std::size_t got = 0;
+  return file.ReadAt(0, bytes, got);
+}
+
+// Which points have a block, from the file itself unless the index still fits it.
+FileStatus RefreshIndex(NoteIndex& index, File& file, std::uint64_t size) {
+  std::string end;
+  if (FileStatus status = ReadEnd(file, size, end); !status.ok()) return status;
+  if (index.known && index.size == size && index.end == end) return {};
+  std::string bytes;
+  if (FileStatus status = ReadAll(file, size, bytes); !status.ok()) return status;
+  index = {.known = true, .size = size, .end = end, .ids = {}};
+  std::string_view rest = bytes;
+  while (!rest.empty()) {
+    if (const auto id = BlockId(TakeBlock(rest))) index.ids.insert(NoteKey(*id));
+  }
+  return {};
 }
 
 // "NOTE3,text" is "text".
@@ -55,7 +99,113 @@ PointNote ParseBlock(std::string_view block) {
   return note;
 }
 
+// The block that an edit leaves, from the one that the point had; nothing when there is none.
+std::string EditedBlock(const NoteEdit& edit, const PointNote* old) {
+  PointNote note = edit.note;
+  switch (edit.kind) {
+    case NoteEdit::Kind::Remove:
+      return {};
+    case NoteEdit::Kind::SetQuality:
+      if (old != nullptr) note.lines = old->lines;
+      break;
+    case NoteEdit::Kind::DropQuality:
+      if (old == nullptr || old->lines.empty()) return {};
+      note = {.point_id = old->point_id, .lines = old->lines, .quality_lines = ""};
+      break;
+    case NoteEdit::Kind::Replace:
+      break;
+  }
+  return PointNoteBlock(note);
+}
+
+// The whole file after the edits: blocks that they concern leave their place, what remains of them
+// comes to the end.
+std::string EditedNotes(std::string_view old_file, const NoteEdits& edits) {
+  std::string new_file;
+  std::map<std::string, PointNote> taken;
+  while (!old_file.empty()) {
+    const std::string_view block = TakeBlock(old_file);
+    const auto id = BlockId(block);
+    const std::string key = id ? NoteKey(*id) : std::string();
+    if (id && edits.contains(key)) {
+      taken.emplace(key, ParseBlock(block));
+    } else {
+      new_file += block;
+    }
+  }
+  if (!new_file.empty() && new_file.back() != '\n') new_file += '\n';
+  for (const auto& [key, edit] : edits) {
+    const auto old = taken.find(key);
+    new_file += EditedBlock(edit, old == taken.end() ? nullptr : &old->second);
+  }
+  return new_file;
+}
+
+// The change from one text to another: what follows their common beginning.
+FileChange ChangeBetween(std::string_view old_file, std::string_view new_file) {
+  const std::size_t some = std::min(old_file.size(), new_file.size());
+  const auto differs =
+      std::mismatch(old_file.begin(), old_file.begin() + std::ptrdiff_t(some), new_file.begin());
+  const auto same = static_cast<std::size_t>(differs.first - old_file.begin());
+  return {.file = JobFile::Notes,
+          .old_size = old_file.size(),
+          .new_size = new_file.size(),
+          .writes = {{.offset = same, .bytes = std::string(new_file.substr(same))}}};
+}
+
 }  // namespace
+
+std::string NoteKey(std::string_view point_id) {
+  std::string key(point_id);
+  for (char& c : key) c = UpperCase(c);
+  return key;
+}
+
+FileStatus OpenNotes(Job& job, const NoteEdits& edits, std::unique_ptr<File>& file) {
+  const bool writes = std::any_of(edits.begin(), edits.end(),
+                                  [](const auto& edit) { return WritesBlock(edit.second); });
+  const FileStatus status =
+      OpenLocked(job.host.files(), PointNotesPath(job),
+                 writes ? FileAccess::CreateOrKeep : FileAccess::ReadWrite, file);
+  return status.not_found() && !writes ? FileStatus{} : status;
+}
+
+FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesChange& change) {
+  std::uint64_t size = 0;
+  if (FileStatus status = file.Size(size); !status.ok()) return status;
+  if (FileStatus status = RefreshIndex(job.noted, file, size); !status.ok()) return status;
+  bool appends = true;
+  std::string text = size > 0 && job.noted.end.back() != '\n' ? "\n" : "";
+  for (const auto& [key, edit] : edits) {
+    const bool there = job.noted.ids.contains(key);
+    appends = appends && !there;
+    if (WritesBlock(edit)) change.added.push_back(key);
+    if (there && edit.kind == NoteEdit::Kind::Remove) change.removed.push_back(key);
+    if (!there) text += EditedBlock(edit, nullptr);
+  }
+  if (appends) {
+    if (change.added.empty()) return {};
+    change.change = {.file = JobFile::Notes,
+                     .old_size = size,
+                     .new_size = size + text.size(),
+                     .writes = {{.offset = size, .bytes = text}}};
+    return {};
+  }
+  std::string old_file;
+  if (FileStatus status = ReadAll(file, size, old_file); !status.ok()) return status;
+  const std::string new_file = EditedNotes(old_file, edits);
+  if (new_file != old_file) change.change = ChangeBetween(old_file, new_file);
+  return {};
+}
+
+void TakeNoteIndex(Job& job, File* file, const NotesChange& change) {
+  if (file == nullptr || !change.change) return;
+  NoteIndex& index = job.noted;
+  for (const std::string& key : change.removed) index.ids.erase(key);
+  index.ids.insert(change.added.begin(), change.added.end());
+  index.size = change.change->new_size;
+  index.known = ReadEnd(*file, index.size, index.end).ok();
+}
 
 std::string PointNotesPath(const Job& job) {
   return PathWithExtension(job.path, "not");
@@ -78,22 +228,11 @@ std::string PointNoteBlock(const PointNote& note) {
 
 FileStatus WritePointNote(Job& job, const PointNote& note) {
   std::unique_ptr<File> locked;  // until the file is replaced
-  if (FileStatus status =
-          OpenLocked(job.host.files(), PointNotesPath(job), FileAccess::CreateOrKeep, locked);
-      !status.ok()) {
-    return status;
-  }
+  const NoteEdits edits{{NoteKey(note.point_id), {.note = note}}};
+  if (FileStatus status = OpenNotes(job, edits, locked); !status.ok()) return status;
   std::string old_file;
   if (FileStatus status = ReadNotes(job, old_file); !status.ok()) return status;
-  std::string new_file;
-  std::string_view rest = old_file;
-  while (!rest.empty()) {
-    const std::string_view block = TakeBlock(rest);
-    if (!IsBlockOf(block, note.point_id)) new_file += block;
-  }
-  if (!new_file.empty() && new_file.back() != '\n') new_file += '\n';
-  new_file += PointNoteBlock(note);
-  return ReplaceWholeFile(job.host.files(), PointNotesPath(job), new_file);
+  return ReplaceWholeFile(job.host.files(), PointNotesPath(job), EditedNotes(old_file, edits));
 }
 
 std::optional<PointNote> ReadPointNote(Job& job, std::string_view point_id, FileStatus& status) {

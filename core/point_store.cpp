@@ -204,16 +204,6 @@ FileStatus RemoveRecord(std::uint64_t index, CoordinateFile& stream) {
                        new_size);
 }
 
-void RefreshLastPoint(Job& job, CoordinateFile& stream) {
-  job.last_point_id = "0";
-  job.last_point_number = 0;
-  Point last;
-  if (stream.record_count() == 0 || !stream.ReadRecord(stream.record_count() - 1, last).ok())
-    return;
-  job.last_point_id = last.id.str();
-  job.last_point_number = PointIdNumber(job.last_point_id);
-}
-
 FileStatus DeleteStored(Job& job, std::string_view id, CoordinateFile& stream) {
   if (!job.alphanumeric) {
     const auto slot = static_cast<std::uint64_t>(PointNumber(id) - 1);
@@ -224,7 +214,7 @@ FileStatus DeleteStored(Job& job, std::string_view id, CoordinateFile& stream) {
   RecordPosition position;
   if (FileStatus status = FindNamed(id, stream, position); !status.ok()) return status;
   const FileStatus status = RemoveRecord(position.index, stream);
-  RefreshLastPoint(job, stream);
+  (void)TakeLastPoint(job, stream);
   return status;
 }
 

@@ -43,6 +43,19 @@ std::string RawFilePath(const Job& job) {
   return PathWithExtension(job.path, "rw5");
 }
 
+FileStatus OpenRawFile(Job& job, std::unique_ptr<File>& file, std::uint64_t& size) {
+  RawEnd end;
+  const FileStatus status = OpenAtEnd(job, end);
+  file = std::move(end.file);
+  size = end.size;
+  return status;
+}
+
+std::string RawFileAddition(Job& job, std::uint64_t size, std::string_view records) {
+  std::string text = size == 0 ? RawHeader(job, job.host.clock().Now()) : std::string();
+  return text.append(records);
+}
+
 RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records) {
   RawEnd end;
   if (!OpenAtEnd(job, end).ok()) return RawFileResult::Dropped;

@@ -2,6 +2,7 @@
 // never rewritten.
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
 
@@ -24,6 +25,13 @@ RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records);
 /// Opens the raw file for further work: the collector's identification line is added when no line
 /// begins with it, then the date and time are stamped. A missing file is created with its header.
 RawFileResult ResumeRawFile(Job& job);
+
+/// Opens the raw file at its end, locked and created when it is missing, for a unit of the job.
+FileStatus OpenRawFile(Job& job, std::unique_ptr<File>& file, std::uint64_t& size);
+
+/// What is written at the end of a raw file of this size: the records, behind the header when the
+/// file is empty.
+std::string RawFileAddition(Job& job, std::uint64_t size, std::string_view records);
 
 /// Path of the job's raw file.
 std::string RawFilePath(const Job& job);

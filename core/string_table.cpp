@@ -31,6 +31,10 @@ constexpr std::array kEntries = {
     Entry{1011, "Point %s could not be stored in %s: %s."},
     Entry{1012, "Point %s could not be deleted from %s: %s."},
     Entry{1014, "The points could not be stored in %s: %s. The file is as before."},
+    Entry{1015, "%s was not changed: %s."},
+    Entry{1016,
+          "The work on %s is kept in its .redo file but could not be finished: %s. It is finished "
+          "when the job is opened again."},
     // Shift grids
     Entry{1193, "Loading the shift grid..."},
     Entry{1703, "The grids of the Hungarian system cannot be loaded; no grid correction is made."},

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "core/job_unit.h"
 #include "core/raw_records.h"
 
 namespace tarvex {
@@ -28,16 +29,17 @@ RawFileResult OccupyAndBacksight(Job& job, const SetupEntry& entry) {
 ShotResult StoreShot(Job& job, ShotKind kind, const Shot& shot, const GridPoint& at,
                      bool check_existing) {
   ShotResult result;
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return {.stored = StorePointResult::NoStream};
   job.current_point_id = shot.foresight_id;
-  {
-    const auto stream = OpenCoordinateFile(job);
-    result.stored = StorePoint(job, at, shot.description, check_existing, stream.get());
-  }
+  result.stored = StorePoint(job, at, shot.description, check_existing, &unit->coordinates());
   if (result.stored != StorePointResult::Stored) return result;
   Shot stored = shot;
   stored.foresight_id = job.last_stored_point.id.str();  // the person may have chosen another id
-  result.record = AppendRawRecord(
-      job, kind == ShotKind::Traverse ? TraverseRecord(job, stored) : SideshotRecord(job, stored));
+  unit->AppendRaw(kind == ShotKind::Traverse ? TraverseRecord(job, stored)
+                                             : SideshotRecord(job, stored));
+  if (unit->Commit() == ChangeResult::Nothing) return {.stored = StorePointResult::Nothing};
+  result.record = RawFileResult::Written;
   return result;
 }
 

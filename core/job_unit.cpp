@@ -1,0 +1,170 @@
+#include "core/job_unit.h"
+
+#include "core/raw_file.h"
+#include "core/string_table.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kNothingChanged = 1015;
+constexpr int kFinishedLater = 1016;
+
+// Units that may wait in the journal together.
+constexpr int kMostUnsettled = 64;
+constexpr std::uint64_t kLargestUnsettled = std::uint64_t{1} << 20U;
+
+std::string ReplacementPath(const std::string& path) {
+  return path + ".new";
+}
+
+}  // namespace
+
+struct JobUnit::Opened {
+  std::unique_ptr<File> raw;
+  std::unique_ptr<File> notes;
+  std::unique_ptr<File> replacement;  // of the coordinate file
+  NotesChange notes_change;
+};
+
+std::unique_ptr<JobUnit> JobUnit::Begin(Job& job) {
+  auto stream = OpenCoordinateFile(job);
+  if (!stream) return nullptr;
+  stream->GatherChanges();
+  return std::unique_ptr<JobUnit>(new JobUnit(job, std::move(stream)));
+}
+
+JobUnit::JobUnit(Job& job, std::unique_ptr<CoordinateFile> stream)
+    : job_(job),
+      stream_(std::move(stream)),
+      last_point_id_(job.last_point_id),
+      last_point_number_(job.last_point_number),
+      current_point_id_(job.current_point_id),
+      last_stored_point_(job.last_stored_point) {}
+
+JobUnit::~JobUnit() {
+  if (!done_) TakeBackJobState();
+}
+
+void JobUnit::TakeBackJobState() {
+  job_.last_point_id = last_point_id_;
+  job_.last_point_number = last_point_number_;
+  job_.current_point_id = current_point_id_;
+  job_.last_stored_point = last_stored_point_;
+}
+
+void JobUnit::AppendRaw(std::span<const std::string> records) {
+  for (const std::string& record : records) raw_ += record;
+}
+
+void JobUnit::EditNote(std::string_view point_id, NoteEdit edit) {
+  notes_[NoteKey(point_id)] = std::move(edit);
+}
+
+FileStatus JobUnit::GatherRaw(Opened& opened, JobChange& change) {
+  if (raw_.empty()) return {};
+  std::uint64_t size = 0;
+  if (FileStatus status = OpenRawFile(job_, opened.raw, size); !status.ok()) return status;
+  const std::string text = RawFileAddition(job_, size, raw_);
+  change.push_back({.file = JobFile::Raw,
+                    .old_size = size,
+                    .new_size = size + text.size(),
+                    .writes = {{.offset = size, .bytes = text}}});
+  return {};
+}
+
+FileStatus JobUnit::GatherNotes(Opened& opened, JobChange& change) {
+  if (notes_.empty()) return {};
+  if (FileStatus status = OpenNotes(job_, notes_, opened.notes); !status.ok()) return status;
+  if (!opened.notes) return {};  // nothing to take out of a file that does not exist
+  FileStatus status = MakeNotesChange(job_, *opened.notes, notes_, opened.notes_change);
+  if (status.ok() && opened.notes_change.change) change.push_back(*opened.notes_change.change);
+  return status;
+}
+
+// The coordinate file's new bytes, durable beside it under another name.
+FileStatus JobUnit::PrepareReplacement(Opened& opened) {
+  FileSystem& files = job_.host.files();
+  const std::string path = ReplacementPath(job_.path);
+  // A journal that comes back with the power must find no half-written replacement.
+  FileStatus status = CloseJournal(files, job_.path, job_.journal);
+  if (status.ok()) status = files.Open(path, FileAccess::CreateOrTruncate, opened.replacement);
+  if (status.ok()) status = opened.replacement->Lock();
+  if (status.ok()) status = opened.replacement->WriteAt(0, stream_->replacement());
+  if (status.ok()) status = opened.replacement->Sync();
+  if (status.ok()) status = files.CopyRights(job_.path, path);
+  if (status.ok()) status = files.SyncFolderOf(path);
+  if (!status.ok()) (void)files.Remove(path);
+  return status;
+}
+
+FileStatus JobUnit::Gather(Opened& opened, JobChange& change) {
+  FileStatus status;
+  if (stream_->gathered()) {
+    change.push_back(*stream_->gathered());
+    if (change.back().replaced) status = PrepareReplacement(opened);
+  }
+  if (status.ok()) status = GatherRaw(opened, change);
+  if (status.ok()) status = GatherNotes(opened, change);
+  return status;
+}
+
+FileStatus JobUnit::MakeDurable(Opened& opened, const JobChange& change) {
+  FileSystem& files = job_.host.files();
+  if (job_.journal.entries > 1) return SettleChanges(files, job_.path, job_.journal);
+  FileStatus status;
+  for (const FileChange& one : change) {
+    File* file = one.file == JobFile::Raw     ? opened.raw.get()
+                 : one.file == JobFile::Notes ? opened.notes.get()
+                                              : &stream_->file();
+    if (status.ok()) status = file->Sync();
+  }
+  if (status.ok() && job_.journal.new_names) status = files.SyncFolderOf(job_.path);
+  return status.ok() ? ForgetChanges(files, job_.path, job_.journal) : status;
+}
+
+ChangeResult JobUnit::Refuse(const FileStatus& status) {
+  TakeBackJobState();
+  done_ = true;
+  job_.host.ShowMessage(Strings().Text(kNothingChanged, {job_.path, status.Text()}));
+  return ChangeResult::Nothing;
+}
+
+ChangeResult JobUnit::Commit(Settling settling) {
+  Opened opened;
+  JobChange change;
+  FileSystem& files = job_.host.files();
+  FileStatus status = Gather(opened, change);
+  if (!status.ok()) return Refuse(status);
+  if (change.empty()) return done_ = true, ChangeResult::Done;
+  const bool replaced = change.front().replaced;
+  const ChangeResult result = CarryOut(
+      files, job_.path, job_.journal, change,
+      {.coordinates = &stream_->file(), .raw = opened.raw.get(), .notes = opened.notes.get()},
+      status);
+  if (result == ChangeResult::Nothing) {
+    if (replaced) (void)files.Remove(ReplacementPath(job_.path));
+    return Refuse(status);
+  }
+  done_ = true;
+  if (result == ChangeResult::Done) {
+    if (replaced) stream_->Follow(std::move(opened.replacement));
+    TakeNoteIndex(job_, opened.notes.get(), opened.notes_change);
+    const bool settle = settling == Settling::Now || replaced ||
+                        job_.journal.entries >= kMostUnsettled ||
+                        job_.journal.end >= kLargestUnsettled;
+    status = settle ? MakeDurable(opened, change) : FileStatus{};
+    if (status.ok()) return result;
+  }
+  job_.host.ShowMessage(Strings().Text(kFinishedLater, {job_.path, status.Text()}));
+  return ChangeResult::Pending;
+}
+
+FileStatus SettleJob(Job& job) {
+  return SettleChanges(job.host.files(), job.path, job.journal);
+}
+
+FileStatus CloseJob(Job& job) {
+  return CloseJournal(job.host.files(), job.path, job.journal);
+}
+
+}  // namespace tarvex

@@ -1,0 +1,273 @@
+// A unit of work on a job's three files, interrupted at every step in every way: afterwards all
+// three hold it or none does, and what was reported as done is there.
+#include "core/job_unit.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "core/point_bulk.h"
+#include "core/point_store.h"
+#include "core/raw_file.h"
+#include "tests/support/test_host.h"
+
+namespace tarvex {
+namespace {
+
+constexpr const char* kRawPath = "/jobs/site.rw5";
+constexpr const char* kNotesPath = "/jobs/site.not";
+constexpr const char* kJournalPath = "/jobs/site.crd.redo";
+
+NoteEdit Quality(const std::string& id) {
+  return {.kind = NoteEdit::Kind::SetQuality,
+          .note = {.point_id = id, .lines = {}, .quality_lines = "HRMS,0.010\nSTATUS,FIXED\n"}};
+}
+
+bool Measure(Job& job, const std::string& id, double northing, Settling settling = Settling::Now) {
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return false;
+  job.current_point_id = id;
+  if (StorePoint(job, {.northing = northing}, "d", false, &unit->coordinates()) !=
+      StorePointResult::Stored) {
+    return false;
+  }
+  unit->AppendRaw("\nGPS,PN" + id);
+  unit->AppendRaw("\n--GS,PN" + id);
+  unit->EditNote(id, Quality(id));
+  return unit->Commit(settling) == ChangeResult::Done;
+}
+
+// A typed point over a measured one.
+bool Overtype(Job& job, const std::string& id) {
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return false;
+  job.current_point_id = id;
+  if (StorePoint(job, {.northing = 7.0}, "typed", false, &unit->coordinates()) !=
+      StorePointResult::Stored) {
+    return false;
+  }
+  unit->AppendRaw("\nSP,PN" + id);
+  unit->EditNote(id, {.kind = NoteEdit::Kind::DropQuality, .note = {}});
+  return unit->Commit() == ChangeResult::Done;
+}
+
+bool Delete(Job& job, const std::string& id) {
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return false;
+  if (DeletePoint(job, id, &unit->coordinates()) != DeletePointResult::Deleted) return false;
+  unit->AppendRaw("\n--Deleted point:" + id);
+  unit->EditNote(id, {.kind = NoteEdit::Kind::Remove, .note = {}});
+  return unit->Commit() == ChangeResult::Done;
+}
+
+bool Import(Job& job) {
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return false;
+  std::vector<Point> batch(6000);
+  for (std::size_t i = 0; i < batch.size(); ++i) {
+    batch[i] = {
+        .at = {.northing = 100.0}, .description = {}, .id = PointId(std::to_string(3 + 4 * i))};
+    unit->AppendRaw("\nSP,PN" + batch[i].id.str());
+  }
+  if (StorePoints(job, batch, unit->coordinates()) != StorePointsResult::Stored) return false;
+  return unit->Commit() == ChangeResult::Done;
+}
+
+struct Operation {
+  const char* name;
+  bool alphanumeric;
+  std::function<bool(Job&)> run;  // true when it reported success
+};
+
+const Operation kOperations[] = {
+    {"measure behind the last", true, [](Job& job) { return Measure(job, "50", 5.0); }},
+    {"measure in between", true, [](Job& job) { return Measure(job, "25", 5.0); }},
+    {"measure again", true, [](Job& job) { return Measure(job, "20", 5.0); }},
+    {"type over", true, [](Job& job) { return Overtype(job, "20"); }},
+    {"delete", true, [](Job& job) { return Delete(job, "20"); }},
+    {"delete the last", true, [](Job& job) { return Delete(job, "40"); }},
+    {"import", true, Import},
+    {"measure behind the last", false, [](Job& job) { return Measure(job, "41", 5.0); }},
+    {"measure behind a gap", false, [](Job& job) { return Measure(job, "60", 5.0); }},
+    {"type over", false, [](Job& job) { return Overtype(job, "20"); }},
+    {"delete", false, [](Job& job) { return Delete(job, "20"); }},
+};
+
+void Prepare(TestHost& host, bool alphanumeric) {
+  Job job = MakeJob(host, alphanumeric);
+  for (const char* id : {"10", "20", "30", "40"}) ASSERT_TRUE(Measure(job, id, 1.0));
+  ASSERT_TRUE(WritePointNote(job, {.point_id = "20",
+                                   .lines = {"a tree"},
+                                   .quality_lines = "HRMS,0.010\nSTATUS,FIXED\n"})
+                  .ok());
+  ASSERT_TRUE(CloseJob(job).ok());
+  host.memory.Restart(0);
+}
+
+std::string State(const TestHost& host) {
+  return host.memory.Bytes(kJobPath) + "\n=\n" + host.memory.Bytes(kRawPath) + "\n=\n" +
+         host.memory.Bytes(kNotesPath);
+}
+
+std::string StateAfter(const Operation& operation, bool run) {
+  TestHost host;
+  Prepare(host, operation.alphanumeric);
+  Job job = MakeJob(host, operation.alphanumeric);
+  if (run) {
+    EXPECT_TRUE(operation.run(job)) << operation.name;
+  }
+  return State(host);
+}
+
+// Runs the operation with the mishap at `step`; false when it was over before that step.
+bool Interrupt(const Operation& operation, Mishap mishap, int step, unsigned seed,
+               const std::string& before, const std::string& after) {
+  TestHost host;
+  Prepare(host, operation.alphanumeric);
+  Job job = MakeJob(host, operation.alphanumeric);
+  host.memory.Expect(mishap, step);
+  const bool reported = operation.run(job);
+  const bool happened = host.memory.happened();
+  host.memory.Restart(seed);
+  Job again = MakeJob(host, operation.alphanumeric);
+  EXPECT_NE(OpenCoordinateFile(again), nullptr);
+  const std::string state = State(host);
+  EXPECT_TRUE(state == after || (!reported && state == before))
+      << operation.name << (operation.alphanumeric ? " by name" : " by number") << ", mishap "
+      << int(mishap) << " at step " << step << " seed " << seed
+      << (reported ? ", reported as done" : "") << "\nholds " << state.substr(0, 3000);
+  EXPECT_FALSE(HasInterruptedChange(host.memory, kJobPath));
+  EXPECT_TRUE(Measure(again, "99", 9.0));  // and work goes on
+  return happened;
+}
+
+TEST(JobUnit, IsInAllThreeFilesOrInNone) {
+  for (const Operation& operation : kOperations) {
+    const std::string before = StateAfter(operation, false);
+    const std::string after = StateAfter(operation, true);
+    ASSERT_NE(before, after);
+    for (const Mishap mishap :
+         {Mishap::Fails, Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
+      const unsigned seeds = mishap != Mishap::PowerLoss ? 1 : before.size() > 5000 ? 5 : 40;
+      for (unsigned seed = 0; seed < seeds; ++seed) {
+        for (int step = 1; Interrupt(operation, mishap, step, seed, before, after); ++step) {
+        }
+      }
+    }
+  }
+}
+
+// Many points settled later: whatever is interrupted, every reported one is in all three files, and
+// at most one more.
+TEST(JobUnit, KeepsEveryReportedPointThatSettlesLater) {
+  constexpr int kPoints = 5;
+  std::vector<std::string> states;
+  const auto measure = [](Job& job, int number) {
+    return Measure(job, std::to_string(50 + number), number, Settling::Later);
+  };
+  {
+    TestHost host;
+    Prepare(host, true);
+    Job job = MakeJob(host, true);
+    states.push_back(State(host));
+    for (int i = 0; i < kPoints; ++i) {
+      ASSERT_TRUE(measure(job, i));
+      states.push_back(State(host));
+    }
+  }
+  for (const Mishap mishap : {Mishap::Fails, Mishap::Killed, Mishap::PowerLoss}) {
+    const unsigned seeds = mishap == Mishap::PowerLoss ? 60 : 1;
+    for (unsigned seed = 0; seed < seeds; ++seed) {
+      bool happened = true;
+      for (int step = 1; happened; ++step) {
+        TestHost host;
+        Prepare(host, true);
+        Job job = MakeJob(host, true);
+        host.memory.Expect(mishap, step);
+        std::size_t reported = 0;
+        while (reported < kPoints && measure(job, static_cast<int>(reported))) ++reported;
+        if (reported == kPoints && step % 2 == 0) (void)CloseJob(job);
+        happened = host.memory.happened();
+        host.memory.Restart(seed);
+        Job again = MakeJob(host, true);
+        ASSERT_NE(OpenCoordinateFile(again), nullptr);
+        const std::string state = State(host);
+        const bool next = reported < kPoints && state == states[reported + 1];
+        EXPECT_TRUE(state == states[reported] || next)
+            << "mishap " << int(mishap) << " step " << step << " seed " << seed << ", reported "
+            << reported << "\nholds " << state;
+      }
+    }
+  }
+}
+
+// Another program opens the job while units wait in the journal: it sees them all, and both go on.
+TEST(JobUnit, OfTwoProgramsFollowOneAnother) {
+  TestHost host;
+  Prepare(host, true);
+  Job first = MakeJob(host, true);
+  Job second = MakeJob(host, true);
+  for (int round = 0; round < 4; ++round) {
+    ASSERT_TRUE(Measure(first, "A" + std::to_string(round), 1.0, Settling::Later));
+    ASSERT_TRUE(Measure(first, "B" + std::to_string(round), 1.0, Settling::Later));
+    ASSERT_TRUE(Measure(second, "C" + std::to_string(round), 1.0, Settling::Later));
+  }
+  ASSERT_TRUE(CloseJob(second).ok());
+  ASSERT_TRUE(CloseJob(first).ok());
+  const std::string notes = host.memory.Bytes(kNotesPath);
+  for (int round = 0; round < 4; ++round) {
+    for (const char* letter : {"A", "B", "C"}) {
+      const std::string id = letter + std::to_string(round);
+      const std::size_t at = notes.find("PT_ID:" + id + "\n");
+      EXPECT_NE(at, std::string::npos);
+      EXPECT_EQ(notes.find("PT_ID:" + id + "\n", at + 1), std::string::npos);
+      EXPECT_NE(host.memory.Bytes(kRawPath).find("\nGPS,PN" + id), std::string::npos);
+    }
+  }
+  EXPECT_FALSE(host.memory.Exists(kJournalPath));
+}
+
+// Somebody edited the raw file between the interruption and the next start: the records still come,
+// once, behind what was added.
+TEST(JobUnit, IsFinishedBehindWhatSomebodyAdded) {
+  TestHost host;
+  Prepare(host, true);
+  Job job = MakeJob(host, true);
+  ASSERT_TRUE(Measure(job, "50", 5.0, Settling::Later));
+  const std::string journal = host.memory.Bytes(kJournalPath);
+  ASSERT_TRUE(CloseJob(job).ok());
+  const std::string raw = host.memory.Bytes(kRawPath);
+  const std::string records = "\nGPS,PN50\n--GS,PN50";
+  ASSERT_TRUE(raw.ends_with(records));
+  const std::string longer =
+      raw.substr(0, raw.size() - records.size()) + "\n--a long remark of somebody";
+  for (const std::string& found : {longer, raw + "\n--later"}) {
+    host.memory.Put(kJournalPath, journal);
+    host.memory.Put(kRawPath, found);
+    Job again = MakeJob(host, true);
+    ASSERT_NE(OpenCoordinateFile(again), nullptr);
+    EXPECT_EQ(host.memory.Bytes(kRawPath), found == longer ? longer + records : found);
+  }
+}
+
+TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
+  TestHost host;
+  Prepare(host, true);
+  const std::string before = State(host);
+  Job job = MakeJob(host, true);
+  ASSERT_NE(OpenCoordinateFile(job), nullptr);
+  {
+    const auto unit = JobUnit::Begin(job);
+    job.current_point_id = "77";
+    ASSERT_EQ(StorePoint(job, {.northing = 1.0}, "", false, &unit->coordinates()),
+              StorePointResult::Stored);
+    Point point;
+    EXPECT_EQ(ReadPoint(job, "77", &unit->coordinates(), point), ReadPointResult::Found);
+    EXPECT_EQ(job.last_point_id, "77");
+  }
+  EXPECT_EQ(job.last_point_id, "40");
+  EXPECT_EQ(State(host), before);
+}
+
+}  // namespace
+}  // namespace tarvex
