@@ -118,8 +118,8 @@ struct CTrgCalculator::Run {
   }
 };
 
-void CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
-  ProjectionRecord record;
+int CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
+  ProjectionRecord record = record_;
   compound_name_.clear();
   ReadDefinition(text, record, compound_name_, messages);
   SetRecord(record);
@@ -130,6 +130,7 @@ void CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages
     fault_ = ProjectionFault::UnknownType;
   }
   gives_shift_ = text.substr(0, kDefinitionLimit).find("TOWGS84[") != std::string_view::npos;
+  return 1;
 }
 
 void CTrgCalculator::SetRecord(const ProjectionRecord& record) {

@@ -81,10 +81,10 @@ struct CalculationSteps {
 
 class CTrgCalculator {
  public:
-  /// Reads a definition text into a new record, so that nothing of an earlier system stays where
-  /// the text is silent, and makes the projection. Steps handed in before stay; `messages` may be
-  /// null.
-  void ParseDefinition(std::string_view text, MessageBox* messages);
+  /// Reads a definition text into the record, whose fields keep their values where the text is
+  /// silent (a new calculator's are all 0), and makes the projection. Steps handed in before stay;
+  /// `messages` may be null. Returns 1, whatever the text gives: State() says what came of it.
+  int ParseDefinition(std::string_view text, MessageBox* messages);
 
   /// Takes a record as it is.
   void SetRecord(const ProjectionRecord& record);

@@ -1,5 +1,6 @@
 #include "coordsys/definition_check.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -83,16 +84,42 @@ void CheckNeeds(const DefinitionNode& system, std::span<const std::string_view> 
   }
 }
 
+bool HasName(const std::vector<std::string_view>& names, std::string_view wanted) {
+  return std::any_of(names.begin(), names.end(),
+                     [&](std::string_view name) { return EqualsIgnoringCase(name, wanted); });
+}
+
+// "a", or "a, b, c and 97 more".
+std::string FirstOf(const std::vector<std::string_view>& names) {
+  constexpr std::size_t kMostNamed = 3;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(names.size(), kMostNamed); ++i) {
+    text += (i == 0 ? "" : ", ") + std::string(names[i]);
+  }
+  if (names.size() > kMostNamed) {
+    text += " and " + std::to_string(names.size() - kMostNamed) + " more";
+  }
+  return text;
+}
+
 void CheckParameters(const DefinitionNode& system, Issues& issues) {
+  std::vector<std::string_view> unknown;
+  std::vector<std::string_view> known;
   for (const DefinitionNode& node : system.nodes) {
     if (node.keyword != "PARAMETER") continue;
+    const std::string_view name = node.Value(0);
     ProjectionRecord scratch;
-    if (!SetParameter(scratch, node.Value(0), "0")) {
-      issues.push_back({Kind::UnknownParameter, std::string(node.Value(0))});
+    if (!SetParameter(scratch, name, "0")) {
+      unknown.push_back(name);
     } else if (!ParseNumber(node.Value(1))) {
-      issues.push_back({Kind::ParameterNotANumber, std::string(node.Value(0))});
+      issues.push_back({Kind::ParameterNotANumber, std::string(name)});
+    } else if (HasName(known, name)) {
+      issues.push_back({Kind::ParameterTwice, std::string(name)});
+    } else {
+      known.push_back(name);
     }
   }
+  if (!unknown.empty()) issues.push_back({Kind::UnknownParameter, FirstOf(unknown)});
 }
 
 bool IsNumberNear(std::string_view text, double wanted, double tolerance) {
@@ -157,6 +184,20 @@ void CheckDatumShift(const DefinitionNode& system, std::string_view text, Issues
   if (!ShiftIsKnown(record, given)) issues.push_back({Kind::NoDatumShift, ""});
 }
 
+void CheckShiftNumbers(const DefinitionNode& system, Issues& issues) {
+  const DefinitionNode* shift = system.Find("TOWGS84");
+  if (!shift) return;
+  const auto& values = shift->values;
+  const bool numbers = std::all_of(values.begin(), values.end(), [](std::string_view value) {
+    return ParseNumber(value).has_value();
+  });
+  if (numbers && (values.size() == 3 || values.size() == 7)) return;
+  std::string text;
+  for (const std::string_view value : values)
+    text += (text.empty() ? "" : ",") + std::string(value);
+  issues.push_back({Kind::DatumShiftNumbers, "TOWGS84[" + text + "]"});
+}
+
 void CheckDatum(const DefinitionNode& system, Issues& issues) {
   const DefinitionNode* datum = system.Find("DATUM");
   if (!datum) issues.push_back({Kind::NoDatum, ""});
@@ -189,6 +230,7 @@ std::vector<DefinitionIssue> CheckDefinition(std::string_view text) {
   CheckDatum(*system, issues);
   CheckProjection(*system, issues);
   CheckDatumShift(*system, line, issues);
+  CheckShiftNumbers(*system, issues);
   const DefinitionNode* projection = system->Child("PROJECTION");
   if (projection && projection->Value(0) == "Transverse_Mercator_34") {
     issues.push_back({Kind::WestwardEastings, ""});

@@ -22,10 +22,12 @@ enum class DefinitionIssueKind : int {
   PrimeMeridian,        ///< argument: its name; the record's longitudes are from Greenwich
   AxisDirection,        ///< argument: the axis and where it points
   MissingParameter,     ///< argument: its name
-  UnknownParameter,     ///< argument: its name
+  UnknownParameter,     ///< argument: the names, the first few of many
   ParameterNotANumber,  ///< argument: its name
   NoDatumShift,         ///< another datum than WGS84, and no shift between them is known
   WestwardEastings,     ///< System 34: eastings grow to the west
+  DatumShiftNumbers,    ///< argument: a TOWGS84 that is not three or seven numbers
+  ParameterTwice,       ///< argument: its name; the record keeps the last
 };
 
 struct DefinitionIssue {

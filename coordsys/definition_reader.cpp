@@ -111,19 +111,19 @@ void TellUnknownProjection(const ProjectionRecord& record, MessageBox* messages)
 
 }  // namespace
 
-void ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compound_name,
-                    MessageBox* messages) {
+int ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compound_name,
+                   MessageBox* messages) {
   DefinitionScanner scanner(text.substr(0, kDefinitionLimit));
   ReadCompoundName(scanner, compound_name);
-  if (!scanner.WalkInto("PROJCS") || !scanner.WalkInto("DATUM")) return;
+  if (!scanner.WalkInto("PROJCS") || !scanner.WalkInto("DATUM")) return 1;
   ReadDatum(scanner, record);
-  if (!scanner.WalkInto("SPHEROID")) return;
+  if (!scanner.WalkInto("SPHEROID")) return 1;
   ReadSpheroid(scanner, record);
   ReadToWgs84(scanner.rest(), record);
 
   const bool projection_seen = ReadProjectionName(scanner, record);
   ReadParameters(scanner, record);
-  if (!projection_seen) return;
+  if (!projection_seen) return 1;
 
   const auto type = ProjectionCode(record.projection_name.view());
   if (type) {
@@ -134,6 +134,7 @@ void ReadDefinition(std::string_view text, ProjectionRecord& record, std::string
   constexpr int kAlaska = static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
   if (record.projection_type == kAlaska) record.coefficients[0] = record.coefficients[2];
   record.ellipsoid_code = kUserEllipsoid;
+  return 1;
 }
 
 std::string OneLineDefinition(std::string_view text) {
@@ -145,10 +146,10 @@ std::string OneLineDefinition(std::string_view text) {
   for (const char c : text) {
     if (c == '"') quoted = !quoted;
     const bool blank = c == ' ' || (c >= '\t' && c <= '\r');
-    if (!blank) {
-      line += c;
-    } else if (quoted) {
-      line += ' ';
+    if (quoted) {
+      line += blank ? ' ' : c == ',' ? ';' : c;
+    } else if (!blank) {
+      line += c == '(' ? '[' : c == ')' ? ']' : c;
     }
   }
   return line;

@@ -21,11 +21,13 @@ inline constexpr std::size_t kDefinitionLimit = 2048;
 /// Fills `record` from the text, and `compound_name` when it is a COMPD_CS. The text is matched as
 /// it stands: line breaks and blanks between its items belong to OneLineDefinition. An unknown
 /// projection name leaves the projection type as it was and is told through `messages`, unless
-/// that is null.
-void ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compound_name,
-                    MessageBox* messages);
+/// that is null. Returns 1, whatever the text gives.
+int ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compound_name,
+                   MessageBox* messages);
 
-/// The text without line breaks and blanks outside its quotes, as pasted texts and files need it.
+/// A pasted text or a file as the reader takes it: without line breaks and blanks outside its
+/// quotes, with square brackets for round ones, and with a semicolon for a comma in a name, where
+/// the reader would take it for the name's end.
 std::string OneLineDefinition(std::string_view text);
 
 }  // namespace tarvex

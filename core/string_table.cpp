@@ -83,6 +83,7 @@ constexpr std::array kEntries = {
         2274,
         "This cannot be the definition of a system: it is empty, or longer than 2,048 characters."},
     Entry{2275, "The catalogue file cannot be read or written; it is as it was."},
+    Entry{2276, "The catalogue %s cannot be read (%s); its systems are missing."},
     // Ports and NTRIP: 3000 + error number
     Entry{3003, "The caster gave no answer within 60 seconds."},
     Entry{3005, "The port is not open."},
@@ -196,6 +197,8 @@ constexpr std::array kEntries = {
           "The definition does not say how its datum lies against WGS84 (TOWGS84): jobs on it need "
           "a datum shift of their own."},
     Entry{4015, "The eastings of System 34 are its own x: they grow to the west."},
+    Entry{4016, "The datum shift %s is not three or seven numbers."},
+    Entry{4017, "The parameter \"%s\" is given twice."},
     // Datum shifts, grids and localization
     Entry{4100, "The grid file %s does not exist."},
     Entry{4101, "The grid file %s cannot be read: %s."},

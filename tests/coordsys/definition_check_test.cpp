@@ -57,6 +57,9 @@ TEST(DefinitionCheck, NamesWhatTheRecordWouldPassOver) {
       {"PROJECTION", "PROJECTIONS", Kind::NoProjection},
       {"SPHEROID", "ELLIPSOID", Kind::NoEllipsoid},
       {"6378137", "six", Kind::NoEllipsoid},
+      {"TOWGS84[0,0,0]", "TOWGS84[abc,0,0]", Kind::DatumShiftNumbers},
+      {"TOWGS84[0,0,0]", "TOWGS84[1,2,3,4]", Kind::DatumShiftNumbers},
+      {"AUTHORITY", "PARAMETER[\"FALSE_EASTING\",5],AUTHORITY", Kind::ParameterTwice},
       {"PROJCS", "GEOCCS", Kind::NoProjectedSystem},
       {"6378137,298.25]", "6378137,298.25", Kind::NotWellFormed},
       {"\"x\"", "\"x", Kind::NotWellFormed},
@@ -67,6 +70,32 @@ TEST(DefinitionCheck, NamesWhatTheRecordWouldPassOver) {
   EXPECT_THAT(Kinds(""), testing::ElementsAre(Kind::NotWellFormed));
   EXPECT_THAT(Kinds(std::string(3000, '[')),
               testing::ElementsAre(Kind::NotWellFormed, Kind::TooLong));
+}
+
+TEST(DefinitionCheck, ManyUnknownParametersAreOneSentence) {
+  std::string many;
+  for (int i = 0; i < 40; ++i) many += "PARAMETER[\"p" + std::to_string(i) + "\",0],";
+  const auto issues = CheckDefinition(Changed("AUTHORITY", many + "AUTHORITY"));
+  ASSERT_EQ(issues.size(), 1U);
+  EXPECT_EQ(issues[0].argument, "p0, p1, p2 and 37 more");
+}
+
+// What a pasted text may have that the reader takes for something else.
+TEST(DefinitionCheck, RoundBracketsAndCommasInNamesAreMadeReadable) {
+  std::string text(kGood);
+  for (char& c : text) c = c == '[' ? '(' : c == ']' ? ')' : c;
+  for (const std::string& pasted :
+       {text, "COMPD_CS[\"a, (b)\"," + std::string(kGood) + "]", Changed("\"d\"", "\"d, e\"")}) {
+    EXPECT_THAT(Kinds(pasted), testing::IsEmpty());
+    CTrgCalculator calculator;
+    calculator.ParseDefinition(OneLineDefinition(pasted), nullptr);
+    EXPECT_EQ(calculator.record().semi_major_m, 6378137.0);
+    EXPECT_EQ(calculator.record().false_easting, 500000.0);
+  }
+  CTrgCalculator compound;
+  compound.ParseDefinition(OneLineDefinition("COMPD_CS[\"a, (b)\"," + std::string(kGood) + "]"),
+                           nullptr);
+  EXPECT_EQ(compound.compound_name(), "a; (b)");
 }
 
 std::vector<std::string> Fields(std::string_view line) {
