@@ -1,5 +1,7 @@
 #include "coordsys/catalogue_file.h"
 
+#include <algorithm>
+
 #include "coordsys/definition_reader.h"
 #include "core/string_table.h"
 #include "core/text.h"
@@ -42,10 +44,12 @@ std::optional<Place> PlaceOf(std::string_view bytes, std::string_view name) {
   return std::nullopt;
 }
 
-std::string LineOf(std::string_view name, std::string_view definition) {
-  std::string line(name);
+std::string LineOf(const CatalogueLine& system) {
+  std::string line(system.name);
   line += '\t';
-  line += definition;
+  line += system.definition;
+  if (!system.area.empty()) line += '\t';
+  line += system.area;
   line += '\n';
   return line;
 }
@@ -56,10 +60,17 @@ std::optional<CatalogueLine> ReadCatalogueLine(std::string_view line) {
   line = WithoutByteOrderMark(line);
   const std::size_t tab = line.find('\t');
   if (line.starts_with('#') || tab == std::string_view::npos) return std::nullopt;
-  const CatalogueLine system{WithoutOuterBlanks(line.substr(0, tab)),
-                             WithoutOuterBlanks(line.substr(tab + 1))};
+  const std::string_view values = line.substr(tab + 1);
+  const std::size_t second = std::min(values.find('\t'), values.size());
+  const CatalogueLine system{
+      WithoutOuterBlanks(line.substr(0, tab)), WithoutOuterBlanks(values.substr(0, second)),
+      WithoutOuterBlanks(values.substr(std::min(second + 1, values.size())))};
   if (system.name.empty() || system.definition.empty()) return std::nullopt;
-  return system;
+  return HasControlCharacter(system.name) ? std::nullopt : std::optional(system);
+}
+
+NamedSystem SystemOf(const CatalogueLine& line) {
+  return {std::string(line.name), std::string(line.definition), std::string(line.area)};
 }
 
 std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skipped) {
@@ -67,7 +78,7 @@ std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skip
   std::size_t others = 0;
   while (const auto line = TakeLine(bytes)) {
     if (const auto system = ReadCatalogueLine(*line)) {
-      systems.push_back({std::string(system->name), std::string(system->definition)});
+      systems.push_back(SystemOf(*system));
     } else if (!WithoutByteOrderMark(*line).starts_with('#') &&
                !WithoutOuterBlanks(*line).empty()) {
       ++others;
@@ -80,7 +91,8 @@ std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skip
 bool IsCatalogueName(std::string_view name) {
   return !name.empty() && name.size() <= kNameLimit && !HasControlCharacter(name) &&
          !name.starts_with('#') && !name.starts_with(kByteOrderMark) &&
-         WithoutOuterBlanks(name) == name && name.find(",GEOID=") == std::string_view::npos;
+         WithoutOuterBlanks(name) == name &&
+         FindIgnoringCase(name, ",GEOID=") == std::string_view::npos;
 }
 
 CatalogueResult AddToCatalogue(std::string& bytes, std::string_view name,
@@ -92,7 +104,7 @@ CatalogueResult AddToCatalogue(std::string& bytes, std::string_view name,
   }
   if (PlaceOf(bytes, name)) return CatalogueResult::NameTaken;
   if (!bytes.empty() && bytes.back() != '\n') bytes += '\n';
-  bytes += LineOf(name, one_line);
+  bytes += LineOf({name, one_line});
   return CatalogueResult::Done;
 }
 
@@ -104,9 +116,9 @@ CatalogueResult RenameInCatalogue(std::string& bytes, std::string_view name,
   const auto taken = PlaceOf(bytes, new_name);
   if (taken && taken->begin != place->begin) return CatalogueResult::NameTaken;
   std::string_view line = std::string_view(bytes).substr(place->begin, place->end - place->begin);
-  const std::string renamed =
-      LineOf(new_name,
-             ReadCatalogueLine(TakeLine(line).value_or("")).value_or(CatalogueLine{}).definition);
+  CatalogueLine system = ReadCatalogueLine(TakeLine(line).value_or("")).value_or(CatalogueLine{});
+  system.name = new_name;
+  const std::string renamed = LineOf(system);
   bytes.replace(place->begin, place->end - place->begin, renamed);
   return CatalogueResult::Done;
 }

@@ -1,4 +1,5 @@
-// Catalogue files (.csl, .sys): one system a line, its name, a tab, its definition text; UTF-8.
+// Catalogue files (.csl, .sys): one system a line, its name, a tab, its definition text and, behind
+// another tab, the area where it is used; UTF-8.
 // Lines that begin with # are comments. docs/formats/catalogue.md describes the form.
 #pragma once
 
@@ -13,24 +14,30 @@ namespace tarvex {
 struct NamedSystem {
   std::string name;
   std::string definition;
+  std::string area =
+      {};  ///< where it is used, in words; empty when the name says it or nobody knows
 
   bool operator==(const NamedSystem&) const = default;
 };
 
 /// A line's system, as views into it; nothing for a comment, an empty line or one without a tab,
-/// name or definition.
+/// name or definition, and for a name with control characters.
 struct CatalogueLine {
   std::string_view name;
   std::string_view definition;
+  std::string_view area = {};
 };
 std::optional<CatalogueLine> ReadCatalogueLine(std::string_view line);
+
+/// The line's values as a system of their own.
+NamedSystem SystemOf(const CatalogueLine& line);
 
 /// All systems of a file, in its order. `skipped` counts the lines that are neither comment, nor
 /// empty, nor a system.
 std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skipped = nullptr);
 
 /// False for a name that a catalogue cannot hold: empty, longer than 200 bytes, with a control
-/// character, a leading # or blank, or the words ",GEOID=".
+/// character, a leading # or blank, or the words ",GEOID=" in any letter case.
 bool IsCatalogueName(std::string_view name);
 
 enum class [[nodiscard]] CatalogueResult : int{

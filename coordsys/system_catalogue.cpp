@@ -1,9 +1,11 @@
 #include "coordsys/system_catalogue.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "coordsys/utm_zones.h"
 #include "core/number_text.h"
+#include "core/string_table.h"
 #include "core/text.h"
 
 namespace tarvex {
@@ -17,25 +19,63 @@ bool Contains(std::string_view text, std::string_view part) {
   return FindIgnoringCase(text, part) != std::string_view::npos;
 }
 
-// `AUTHORITY["EPSG","32633"]` for "EPSG:32633"; empty for anything else.
+// `AUTHORITY["EPSG","32633"]` for "EPSG:32633", "EPSG 32633" and "32633"; empty for anything else.
 std::string AuthorityOf(std::string_view part) {
   constexpr std::string_view kPrefix = "EPSG";
-  if (!EqualsIgnoringCase(part.substr(0, kPrefix.size()), kPrefix)) return "";
-  part.remove_prefix(kPrefix.size());
-  while (part.starts_with(':') || part.starts_with(' ')) part.remove_prefix(1);
-  const auto code = ParseInteger(part);
+  if (EqualsIgnoringCase(part.substr(0, kPrefix.size()), kPrefix)) {
+    part.remove_prefix(kPrefix.size());
+    while (part.starts_with(':') || part.starts_with(' ')) part.remove_prefix(1);
+  }
+  const bool digits = !part.empty() && std::all_of(part.begin(), part.end(), IsDigit);
+  const auto code = digits ? ParseInteger(part) : std::nullopt;
   return code ? R"(AUTHORITY["EPSG",")" + std::to_string(*code) + R"("])" : "";
 }
 
-// Every system of a catalogue's bytes that `wanted` takes.
+// True when the authority is the projected system's own, not its unit's or its datum's.
+bool IsCode(std::string_view definition, std::string_view authority) {
+  const std::size_t at = definition.find(authority);
+  if (at == std::string_view::npos) return false;
+  const std::string_view behind = definition.substr(at + authority.size());
+  return behind == "]" || behind.starts_with("],VERT_CS");
+}
+
+// True when the word begins somewhere in the text, at the start of a word of it.
+bool HasWordStart(std::string_view text, std::string_view word) {
+  for (std::size_t from = 0; from < text.size();) {
+    const std::size_t at = FindIgnoringCase(text.substr(from), word);
+    if (at == std::string_view::npos) return false;
+    const std::size_t place = from + at;
+    if (place == 0 || text[place - 1] == ' ' || text[place - 1] == '(') return true;
+    from = place + 1;
+  }
+  return false;
+}
+
+// True when every word is in the name or, unless it is a number, in the area, and one of them only
+// there: "switzerland", "norway zone 32".
+bool AreaHelps(const CatalogueLine& system, std::string_view words) {
+  bool helped = false;
+  while (!(words = WithoutLeadingBlanks(words)).empty()) {
+    const std::string_view word = words.substr(0, words.find(' '));
+    words.remove_prefix(word.size());
+    if (Contains(system.name, word)) continue;
+    if (IsDigit(word[0]) || !HasWordStart(system.area, word)) return false;
+    helped = true;
+  }
+  return helped;
+}
+
+// Every system of a catalogue's bytes that `wanted` takes; returns how many there are in all.
 template <typename Wanted>
-void Collect(std::string_view bytes, const Wanted& wanted, std::vector<NamedSystem>& found) {
+std::size_t Collect(std::string_view bytes, const Wanted& wanted, std::vector<NamedSystem>& found) {
+  std::size_t systems = 0;
   while (const auto line = TakeLine(bytes)) {
     const auto system = ReadCatalogueLine(*line);
-    if (system && wanted(system->name, system->definition)) {
-      found.push_back({std::string(system->name), std::string(system->definition)});
-    }
+    if (!system) continue;
+    ++systems;
+    if (wanted(*system)) found.push_back(SystemOf(*system));
   }
+  return systems;
 }
 
 template <typename Wanted>
@@ -44,7 +84,9 @@ void CollectUtm(const Wanted& wanted, std::vector<NamedSystem>& found) {
     for (int number = 1; number <= 60; ++number) {
       const UtmZone zone{number, hemisphere};
       std::string name = UtmName(zone);
-      if (wanted(name, "")) found.push_back({std::move(name), UtmDefinition(zone)});
+      if (wanted(CatalogueLine{name, ""})) {
+        found.push_back({std::move(name), UtmDefinition(zone), ""});
+      }
     }
   }
 }
@@ -52,11 +94,21 @@ void CollectUtm(const Wanted& wanted, std::vector<NamedSystem>& found) {
 std::optional<NamedSystem> FindIn(std::string_view bytes, std::string_view name) {
   while (const auto line = TakeLine(bytes)) {
     const auto system = ReadCatalogueLine(*line);
-    if (system && EqualsIgnoringCase(system->name, name)) {
-      return NamedSystem{std::string(system->name), std::string(system->definition)};
-    }
+    if (system && EqualsIgnoringCase(system->name, name)) return SystemOf(*system);
   }
   return std::nullopt;
+}
+
+std::optional<NamedSystem> FindByCode(std::string_view bytes, std::string_view authority) {
+  while (const auto line = TakeLine(bytes)) {
+    const auto system = ReadCatalogueLine(*line);
+    if (system && IsCode(system->definition, authority)) return SystemOf(*system);
+  }
+  return std::nullopt;
+}
+
+std::string Unreadable(const std::string& path, const FileStatus& status) {
+  return Strings().Text(2276, {path, status.Text()});
 }
 
 }  // namespace
@@ -71,10 +123,11 @@ bool HasEveryWord(std::string_view name, std::string_view words) {
 }
 
 SystemChoice ReadSystemChoice(std::string_view text) {
-  const std::size_t at = text.find(kGeoidKey);
+  const std::size_t at = FindIgnoringCase(text, kGeoidKey);
   if (at == std::string_view::npos) return {std::string(text), ""};
   const std::string_view geoid = text.substr(at + kGeoidKey.size());
-  return {std::string(text.substr(0, at)), geoid == kGeoidOff ? "" : std::string(geoid)};
+  const bool off = EqualsIgnoringCase(geoid, kGeoidOff);
+  return {std::string(text.substr(0, at)), off ? "" : std::string(geoid)};
 }
 
 std::string WriteSystemChoice(const SystemChoice& choice) {
@@ -91,8 +144,14 @@ const SystemCatalogue::Loaded& SystemCatalogue::Files() const {
   if (!loaded_) {
     Loaded loaded;
     if (files_) {
-      if (!LoadFileBytes(*files_, UserPath(), loaded.user).ok()) loaded.user = {};
-      if (!LoadFileBytes(*files_, PredefinedPath(), loaded.predefined).ok()) loaded.predefined = {};
+      const auto load = [&](const std::string& path, FileBytes& bytes) {
+        const FileStatus status = LoadFileBytes(*files_, path, bytes);
+        if (status.ok()) return;
+        bytes = {};
+        if (!status.not_found()) loaded.problems.push_back(Unreadable(path, status));
+      };
+      load(UserPath(), loaded.user);
+      load(PredefinedPath(), loaded.predefined);
     }
     loaded_ = std::move(loaded);
   }
@@ -102,48 +161,61 @@ const SystemCatalogue::Loaded& SystemCatalogue::Files() const {
 std::vector<NamedSystem> SystemCatalogue::Search(std::string_view part) const {
   part = WithoutOuterBlanks(part);
   const Loaded& files = Files();
-  const auto search = [&](const auto& wanted) {
-    std::vector<NamedSystem> found;
+  const auto search = [&](const auto& wanted, std::vector<NamedSystem>& found) {
     Collect(files.user.view(), wanted, found);
-    Collect(files.predefined.view(), wanted, found);
-    if (files.predefined.view().empty()) CollectUtm(wanted, found);
-    return found;
+    const bool empty = Collect(files.predefined.view(), wanted, found) == 0;
+    if (empty) CollectUtm(wanted, found);
   };
-  if (const std::string authority = AuthorityOf(part); !authority.empty()) {
-    return search([&](std::string_view, std::string_view definition) {
-      return definition.find(authority) != std::string_view::npos;
-    });
-  }
-  auto found =
-      search([&](std::string_view name, std::string_view) { return Contains(name, part); });
-  if (!found.empty()) return found;
-  return search([&](std::string_view name, std::string_view) { return HasEveryWord(name, part); });
+  std::vector<NamedSystem> found;
+  const std::string authority = AuthorityOf(part);
+  const auto has_code = [&](const CatalogueLine& system) {
+    return !authority.empty() && IsCode(system.definition, authority);
+  };
+  if (!authority.empty()) search(has_code, found);
+  search(
+      [&](const CatalogueLine& system) { return Contains(system.name, part) && !has_code(system); },
+      found);
+  const bool by_name = !found.empty();
+  search(
+      [&](const CatalogueLine& system) {
+        if (Contains(system.name, part)) return false;
+        return AreaHelps(system, part) || (!by_name && HasEveryWord(system.name, part));
+      },
+      found);
+  return found;
 }
 
 std::optional<NamedSystem> SystemCatalogue::Find(std::string_view name) const {
   const SystemChoice choice = ReadSystemChoice(name);
   if (auto own = FindIn(Files().user.view(), choice.name)) return own;
   if (auto predefined = FindIn(Files().predefined.view(), choice.name)) return predefined;
+  if (const std::string authority = AuthorityOf(WithoutOuterBlanks(choice.name));
+      !authority.empty()) {
+    if (auto own = FindByCode(Files().user.view(), authority)) return own;
+    return FindByCode(Files().predefined.view(), authority);
+  }
   const auto zone = UtmZoneOf(choice.name);
   if (!zone) return std::nullopt;
-  return NamedSystem{UtmName(*zone), UtmDefinition(*zone)};
+  return NamedSystem{UtmName(*zone), UtmDefinition(*zone), ""};
 }
 
 std::vector<NamedSystem> SystemCatalogue::UserSystems() const {
   return ReadCatalogue(Files().user.view());
 }
 
-// Reads the user's file as it stands now, edits its bytes and replaces it.
+// Reads the user's file as it is now, edits its bytes and replaces it; another program that edits
+// it meanwhile waits for the lock.
 template <typename Edit>
 CatalogueResult SystemCatalogue::EditUserFile(const Edit& edit) {
   if (!files_) return CatalogueResult::FileFailed;
+  std::unique_ptr<File> file;
+  file_status_ = OpenLocked(*files_, UserPath(), FileAccess::CreateOrKeep, file);
   std::string bytes;
-  file_status_ = ReadWholeFile(*files_, UserPath(), kLargestFile, bytes);
-  if (file_status_.not_found()) bytes.clear();
-  if (!file_status_.ok() && !file_status_.not_found()) return CatalogueResult::FileFailed;
+  if (file_status_.ok()) file_status_ = ReadWholeFile(*files_, UserPath(), kLargestFile, bytes);
+  if (!file_status_.ok()) return CatalogueResult::FileFailed;
   const CatalogueResult result = edit(bytes);
   if (result != CatalogueResult::Done) return result;
-  file_status_ = ReplaceWholeFile(*files_, UserPath(), bytes);
+  file_status_ = ReplaceWholeFile(*files_, UserPath(), bytes, file);
   loaded_.reset();
   return file_status_.ok() ? CatalogueResult::Done : CatalogueResult::FileFailed;
 }

@@ -20,7 +20,7 @@
 namespace tarvex {
 
 /// A name without its geoid setting, and the setting: the text after "GEOID=", empty when there is
-/// none or it is OFF.
+/// none or it is OFF, in any letter case.
 struct SystemChoice {
   std::string name;
   std::string geoid;
@@ -43,20 +43,25 @@ class SystemCatalogue {
   /// `data_folder` ends with its separator; a file that is not there holds no systems.
   SystemCatalogue(FileSystem& files, std::string data_folder);
 
-  /// All systems whose name contains `part`, letter case ignored; where there is none, those whose
-  /// name contains every word of it. "EPSG:32633" finds by code. All systems for an empty part. The
-  /// user's come first.
+  /// All systems whose name contains `part`, letter case ignored, and those for which the area
+  /// where they are used says a word that their name does not ("switzerland"); where no name
+  /// contains it, also those whose name contains every word of it. "EPSG:32633" and "32633" find by
+  /// code. All systems for an empty part. The user's come first in each kind.
   std::vector<NamedSystem> Search(std::string_view part) const;
 
-  /// The system of a full name, letter case ignored; a geoid setting behind it is passed over. A
-  /// user's system hides a predefined one of the same name.
+  /// The system of a full name, letter case ignored, or of an EPSG code; a geoid setting behind it
+  /// is passed over. A user's system hides a predefined one of the same name or code.
   std::optional<NamedSystem> Find(std::string_view name) const;
 
   /// The user's own systems: what the catalogue screen lists on opening.
   std::vector<NamedSystem> UserSystems() const;
 
+  /// A sentence for each catalogue that is there but cannot be read; its systems are missing.
+  const std::vector<std::string>& Problems() const { return Files().problems; }
+
   /// Edits of the user's catalogue. The file is replaced whole: after a failure or a crash at any
-  /// point it is the old one or the new one. BadDefinition leaves what a definition says unchecked.
+  /// point it is the old one or the new one, and edits of several programs come one after the
+  /// other. BadDefinition leaves what a definition says unchecked.
   CatalogueResult Add(std::string_view name, std::string_view definition);
   /// All of them in one edit of the file; `results` says what came of each. A system that the
   /// catalogue already holds under its name is NameTaken. FileFailed when nothing was changed.
@@ -72,6 +77,7 @@ class SystemCatalogue {
   struct Loaded {
     FileBytes user;
     FileBytes predefined;
+    std::vector<std::string> problems;
   };
 
   std::string UserPath() const { return data_folder_ + "tarvex.csl"; }

@@ -204,15 +204,16 @@ def national_systems(epsg):
 
 
 def all_systems():
+    """Name to definition and area; the area is empty where the name says it."""
     epsg = {row["epsg"]: row for row in rows_of("epsg_systems.tsv")}
     systems, used = {}, {"2154"}
     for nad27 in (False, True):
         used |= {row["epsg"] for row in rows_of("state_plane_nad27.tsv" if nad27 else "state_plane_nad83.tsv")}
-        systems.update(state_plane_systems(nad27, epsg))
+        systems.update((name, (text, "")) for name, text in state_plane_systems(nad27, epsg))
     for code, (name, text) in utm_systems(epsg):
         used.add(code)
-        systems[name] = text
-    systems.update(national_systems(epsg))
+        systems[name] = text, epsg[code]["area"]
+    systems.update((name, (text, "")) for name, text in national_systems(epsg))
     for code, row in epsg.items():
         if code in used:
             continue
@@ -220,17 +221,18 @@ def all_systems():
         if name in systems:
             name += f" (EPSG {code})"
         assert name not in systems, name
-        systems[name] = epsg_definition(row)
+        systems[name] = epsg_definition(row), row["area"]
     return systems
 
 
 def catalogue_text():
     lines = ["# Predefined coordinate systems, built by scripts/build_catalogue.py; edit data/tables instead.",
-             "# Name TAB definition. Data marked EPSG: EPSG Dataset v10.076, owned by IOGP (see data/README.md)."]
+             "# Name TAB definition TAB area. Data marked EPSG: EPSG Dataset v10.076, owned by IOGP (see data/README.md)."]
     systems = all_systems()
-    for name in sorted(systems):
-        assert len(systems[name].encode()) <= 2048 and "\t" not in name, name
-        lines.append(f"{name}\t{systems[name]}")
+    for name, (text, area) in sorted(systems.items()):
+        assert len(text.encode()) <= 2048 and "\t" not in name + text + area, name
+        lines.append(f"{name}\t{text}" + (f"\t{area}" if area else ""))
+    lines.append("# end")  # a copy without it was cut short
     return "\n".join(lines) + "\n"
 
 

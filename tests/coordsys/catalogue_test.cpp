@@ -48,12 +48,13 @@ TEST(CatalogueFile, LinesAreNameTabDefinition) {
       "no tab\n\n"
       " \tno name\n"
       "no definition\t\n"
+      "\x1b[2Jcontrol\tPROJCS[\"z\"]\n"
       "#not\tthis\n"
       "Göteborg/x y\tPROJCS[\"y\"]",
       &skipped);
   EXPECT_THAT(systems, testing::ElementsAre(NamedSystem{"A/B", "PROJCS[\"x\"]"},
                                             NamedSystem{"Göteborg/x y", "PROJCS[\"y\"]"}));
-  EXPECT_EQ(skipped, 3U);
+  EXPECT_EQ(skipped, 4U);
 }
 
 TEST(CatalogueFile, EditsTouchOneLineOnly) {
@@ -69,8 +70,8 @@ TEST(CatalogueFile, EditsTouchOneLineOnly) {
   EXPECT_EQ(RemoveFromCatalogue(bytes, "C"), CatalogueResult::NotFound);
   EXPECT_EQ(bytes, "# mine\r\na\tPROJCS[1]\nnonsense\nB2\tPROJCS[2]\n");
   for (const std::string& name :
-       {std::string(), std::string("#a"), std::string("a\tb"), std::string("a\nb"),
-        std::string("a,GEOID=x"), std::string(" a"), std::string(201, 'a')}) {
+       {std::string("a,geoid=x"), std::string(), std::string("#a"), std::string("a\tb"),
+        std::string("a\nb"), std::string("a,GEOID=x"), std::string(" a"), std::string(201, 'a')}) {
     EXPECT_EQ(AddToCatalogue(bytes, name, kDefinition), CatalogueResult::BadName) << name;
   }
   for (const std::string& definition : {std::string(" \n"), std::string(2049, 'x')}) {
@@ -101,6 +102,28 @@ TEST(SystemCatalogue, TheUsersSystemsComeFirstAndAreEditedOnDisk) {
   SystemCatalogue nowhere(SystemFiles(), folder.path() + "missing/");
   EXPECT_EQ(nowhere.Add("x", kDefinition), CatalogueResult::FileFailed);
   EXPECT_FALSE(nowhere.file_status().ok());
+}
+
+TEST(SystemCatalogue, CodesAreTheSystemsOwnAndAreasHelpOnlyWithWords) {
+  const DataFolder folder;
+  folder.Write(
+      "Predef1.csl",
+      "EUROPE/One zone 3\tPROJCS[1,UNIT[\"metre\",1,AUTHORITY[\"EPSG\",\"9001\"]],AUTHORITY["
+      "\"EPSG\",\"20\"]]\tEurope - Romania - between 36°E and 42°E\n"
+      "ASIA/Two zone 36\tPROJCS[2]\tOman - onshore\n"
+      "ASIA/20 three\tPROJCS[3]\n");
+  const SystemCatalogue catalogue(SystemFiles(), folder.path());
+  EXPECT_THAT(Names(catalogue.Search("oman")), testing::ElementsAre("ASIA/Two zone 36"));
+  EXPECT_THAT(Names(catalogue.Search("zone romania")), testing::ElementsAre("EUROPE/One zone 3"));
+  EXPECT_THAT(Names(catalogue.Search("zone 36")), testing::ElementsAre("ASIA/Two zone 36"));
+  EXPECT_THAT(Names(catalogue.Search("20")),
+              testing::ElementsAre("EUROPE/One zone 3", "ASIA/20 three"));
+  EXPECT_THAT(Names(catalogue.Search("EPSG:9001")), testing::IsEmpty());
+  EXPECT_EQ(catalogue.Find("EPSG:20")->name, "EUROPE/One zone 3");
+  EXPECT_EQ(catalogue.Find("EPSG:20")->area, "Europe - Romania - between 36°E and 42°E");
+  EXPECT_EQ(catalogue.Find("ASIA/Two zone 36,geoid=Off")->definition, "PROJCS[2]");
+  EXPECT_EQ(ReadSystemChoice("A,geoid=off"), (SystemChoice{"A", ""}));
+  EXPECT_EQ(ReadSystemChoice("A,Geoid=off.bin"), (SystemChoice{"A", "off.bin"}));
 }
 
 // The catalogue that is installed: every system of it must be usable.
