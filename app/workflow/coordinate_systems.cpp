@@ -8,6 +8,15 @@ namespace {
 
 constexpr std::uint64_t kLargestDefinition = 1 << 20;
 
+// Why a definition would give no coordinates or wrong ones, in sentences; empty when it does not.
+std::string SeriousIssues(std::string_view definition) {
+  std::string text;
+  for (const DefinitionIssue& issue : CheckDefinition(definition)) {
+    if (IsSerious(issue.kind)) text += (text.empty() ? "" : " ") + IssueText(issue);
+  }
+  return text;
+}
+
 }  // namespace
 
 SystemSource SystemOfSettings(const Settings& settings) {
@@ -41,15 +50,7 @@ CoordinateSystems::~CoordinateSystems() {
 
 bool CoordinateSystems::ReadOptions(const std::string& name, const std::string& file,
                                     SystemSource& source, std::string& problem) {
-  if (!name.empty()) {
-    if (!catalogue_.Find(name)) {
-      problem = "There is no coordinate system \"" + name +
-                "\"; `tarvex systems TEXT` searches by a part of the name.";
-      return false;
-    }
-    source.name = name;
-    return true;
-  }
+  if (!name.empty()) return ReadSystemOption(name, source, problem);
   if (file.empty()) return true;
   std::string text;
   const FileStatus status = ReadWholeFile(program_.files, file, kLargestDefinition, text);
@@ -61,18 +62,36 @@ bool CoordinateSystems::ReadOptions(const std::string& name, const std::string& 
   return CheckForUse(text, file, problem);
 }
 
+bool CoordinateSystems::ReadSystemOption(const std::string& name, SystemSource& source,
+                                         std::string& problem) {
+  const auto found = catalogue_.Find(name);
+  TellCatalogueProblems();
+  if (!found) {
+    problem = "There is no coordinate system \"" + name +
+              "\"; `tarvex systems TEXT` searches by a part of the name.";
+    return false;
+  }
+  const SystemChoice choice = ReadSystemChoice(name);
+  source.name = choice.geoid.empty() ? found->name : found->name + ",GEOID=" + choice.geoid;
+  source.definition = OneLineDefinition(found->definition);
+  return true;
+}
+
+void CoordinateSystems::TellCatalogueProblems() {
+  for (const std::string& problem : catalogue_.Problems()) Show("WARNING", problem);
+}
+
 // A definition that would give no coordinates or wrong ones is refused; what is merely worth
 // knowing is told.
 bool CoordinateSystems::CheckForUse(std::string_view text, const std::string& file,
                                     std::string& problem) {
   for (const DefinitionIssue& issue : CheckDefinition(text)) {
-    if (IsSerious(issue.kind)) {
-      problem += (problem.empty() ? file + ": " : " ") + IssueText(issue);
-    } else {
-      Show("WARNING", file + ": " + IssueText(issue));
-    }
+    if (!IsSerious(issue.kind)) Show("WARNING", file + ": " + IssueText(issue));
   }
-  return problem.empty();
+  problem = SeriousIssues(text);
+  if (problem.empty()) return true;
+  problem = file + ": " + problem;
+  return false;
 }
 
 bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit unit,
@@ -82,14 +101,21 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
     return false;
   }
   std::string definition = source.definition;
-  if (!source.name.empty()) {
+  if (definition.empty()) {
     const auto found = catalogue_.Find(source.name);
+    TellCatalogueProblems();
     if (!found) {
       problem = "The catalogue holds no coordinate system \"" + source.name + "\".";
       return false;
     }
-    definition = found->definition;
+    definition = OneLineDefinition(found->definition);
   }
+  problem = SeriousIssues(definition);
+  if (!problem.empty()) {
+    problem = (source.name.empty() ? "The system's definition" : source.name) + ": " + problem;
+    return false;
+  }
+  calculator = CTrgCalculator();
   calculator.ParseDefinition(definition, this);
   calculator.SetDistanceUnit(unit);
   const StepChoice choice{.shift = source.datum_shift,

@@ -15,8 +15,10 @@
 
 namespace tarvex {
 
-/// Where a coordinate system comes from: a name of the catalogue (with its geoid setting) or a
-/// definition text; neither for none. The datum shift may be named beside it.
+/// Where a coordinate system comes from: its definition text, and the name that it has in the
+/// catalogue (with its geoid setting), which it keeps when the catalogue changes. A name alone is a
+/// job's from before jobs kept definitions: the catalogue is asked. Neither is none. The datum
+/// shift may be named beside it.
 struct SystemSource {
   std::string name;
   std::string definition;
@@ -45,9 +47,13 @@ class CoordinateSystems final : private MessageBox {
   SystemCatalogue& catalogue() { return catalogue_; }
   const std::string& data_folder() const { return data_folder_; }
 
-  /// Reads what `--system NAME` and `--definition FILE` name. False with a sentence in `problem`.
+  /// Reads what `--system NAME` (a name or an EPSG code) and `--definition FILE` name; a definition
+  /// that would give no coordinates or wrong ones is refused. False with a sentence in `problem`.
   [[nodiscard]] bool ReadOptions(const std::string& name, const std::string& file,
                                  SystemSource& source, std::string& problem);
+
+  /// Tells of catalogues that are there but cannot be read.
+  void TellCatalogueProblems();
 
   /// Makes the calculator with all its steps; false with a sentence in `problem` when the system
   /// cannot be used. What only hampers it (a grid that is missing) is told as a warning, and every
@@ -62,6 +68,7 @@ class CoordinateSystems final : private MessageBox {
   static std::string Title(const SystemSource& source, const CTrgCalculator& calculator);
 
  private:
+  bool ReadSystemOption(const std::string& name, SystemSource& source, std::string& problem);
   bool CheckForUse(std::string_view text, const std::string& file, std::string& problem);
   void Show(std::string_view title, std::string_view text) override;
 

@@ -8,8 +8,10 @@
 namespace tarvex {
 
 /// The folder that TARVEX_DATA names, else the user's data directory ("~/.local/share/tarvex/"),
-/// with its trailing separator. At first start it is made and gets what came with the program; a
-/// folder that cannot be made is told as a warning.
+/// with its trailing separator. At first start, when the program's own files are newer, and when a
+/// copy of the predefined catalogue was cut short, it gets what came with the program: each file
+/// whole and durable or not at all, and the catalogue last, so that an interrupted start is made up
+/// for by the next. What cannot be copied is told as a warning.
 std::string DataFolder(Program& program);
 
 }  // namespace tarvex

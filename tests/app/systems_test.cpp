@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -45,6 +46,132 @@ TEST(Systems, AnUnknownDatumShiftMustBeNamed) {
   const ProgramResult wrong = folder.Run("new b.crd --system \"" + system + "\" --datum-shift X");
   EXPECT_EQ(wrong.exit_code, 1);
   EXPECT_THAT(wrong.errors, HasSubstr("There is no datum shift \"X\""));
+}
+
+// A code, a country and a name in any letter case lead to the same system; the job keeps its name.
+TEST(Systems, AreFoundByCodeAndByCountry) {
+  ProgramFolder folder;
+  const std::string swiss = "EUROPE/CH1903+/LV95\n";
+  EXPECT_THAT(folder.Run("systems switzerland").output, HasSubstr(swiss));
+  EXPECT_THAT(folder.Run("systems switzerland --json").output, HasSubstr("Liechtenstein and Swi"));
+  EXPECT_EQ(folder.Run("systems 2056").output, swiss);
+  EXPECT_EQ(folder.Run("systems EPSG:2056").output, swiss);
+  EXPECT_THAT(folder.Run("systems 999999").errors, HasSubstr("EPSG code"));
+  const ProgramResult made = folder.Run("new site.crd --system epsg:25832");
+  EXPECT_EQ(made.exit_code, 0) << made.errors;
+  EXPECT_THAT(folder.Read("site.job"), HasSubstr("system=UTM/UTM ETRS89 Zone 32\n"));
+  EXPECT_EQ(folder.Run("convert --job site.crd", "50 9\n").output,
+            folder.Run("convert --system EPSG:25832", "50 9\n").output);
+  EXPECT_EQ(folder.Run("new none.crd --system EPSG:1").exit_code, 1);
+  EXPECT_THAT(folder.Run("new feet.crd --system \"USA/NAD83(HARN)/Texas Central (ftUS)\"").errors,
+              HasSubstr("--units us-feet"));
+}
+
+// What the catalogue calls a job's system later is not what the job is on.
+TEST(Systems, NoEditOfTheCatalogueMovesAJob) {
+  ProgramFolder folder;
+  const std::string zone = "UTM/UTM WGS84 Zone 33";
+  const std::string at = "50 15.2 0\n";
+  ASSERT_EQ(folder.Run("new site.crd --system \"" + zone + "\"").exit_code, 0);
+  const std::string before = folder.Run("convert --job site.crd", at).output;
+  EXPECT_EQ(before, "5538649.8667 514333.4100 0.0000\n");
+  const std::string job = folder.Read("site.job");
+  const std::string key = "\ndefinition=";
+  ASSERT_NE(job.find(key), std::string::npos);
+  std::string other = job.substr(job.find(key) + key.size());
+  other = other.substr(0, other.find('\n'));
+  other.replace(other.find("central_meridian\",15"), 20, "central_meridian\",12");
+  folder.Write("other.wkt", other);
+  ASSERT_EQ(folder.Run("systems --add \"utm/utm wgs84 zone 33\" --definition other.wkt").exit_code,
+            0);
+  EXPECT_EQ(folder.Run("convert --job site.crd", at).output, before);
+  ASSERT_EQ(folder.Run("new own.crd --system \"" + zone + "\"").exit_code, 0);
+  const std::string own = folder.Run("convert --job own.crd", at).output;
+  EXPECT_NE(own, before);
+  ASSERT_EQ(folder.Run("systems --rename \"" + zone + "\" SITE/Mine").exit_code, 0);
+  ASSERT_EQ(folder.Run("systems --remove SITE/Mine").exit_code, 0);
+  EXPECT_EQ(folder.Run("convert --job own.crd", at).output, own);
+  // A job of before, with the name alone, asks the catalogue.
+  folder.Write("site.job", "system=" + zone + "\n");
+  EXPECT_EQ(folder.Run("convert --job site.crd", at).output, before);
+}
+
+// The user's catalogue is a text that anyone may edit: what it says is checked when it is used.
+TEST(Systems, ADefinitionOfTheCatalogueIsCheckedWhenItIsUsed) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("systems zone 33").exit_code, 0);
+  const std::string good = folder.Run("systems --json \"UTM WGS84 Zone 33\"").output;
+  const std::string definition = nlohmann::json::parse(good)["systems"][0]["definition"];
+  const auto changed = [&](const std::string& from, const std::string& to) {
+    std::string text = definition;
+    EXPECT_NE(text.find(from), std::string::npos) << from;
+    return text.replace(text.find(from), from.size(), to);
+  };
+  folder.Write("data/tarvex.csl",
+               "A\t" + changed("UNIT[\"metre\",1]", "UNIT[\"US survey foot\",0.3048006]") +
+                   "\nB\t" + changed("PRIMEM[\"Greenwich\",0]", "PRIMEM[\"Paris\",2.33722917]") +
+                   "\nC\t" + changed("PARAMETER[\"false_easting\",500000],", "") + "\nE\x1b[2J\t" +
+                   definition + "\nD\t" + definition + "\n");
+  for (const char* name : {"A", "B", "C"}) {
+    const ProgramResult result = folder.Run(std::string("convert --system ") + name, "50 15.2\n");
+    EXPECT_EQ(result.exit_code, 1) << name;
+    EXPECT_EQ(result.output, "") << name;
+    EXPECT_EQ(folder.Run(std::string("new x.crd --system ") + name).exit_code, 1) << name;
+    folder.Write("old.crd", "");
+    folder.Write("old.job", std::string("system=") + name + "\n");
+    EXPECT_EQ(folder.Run("convert --job old.crd", "50 15.2\n").exit_code, 1) << name;
+  }
+  EXPECT_EQ(folder.Run("convert --system D", "50 15.2\n").output, "5538649.8667 514333.4100\n");
+  EXPECT_THAT(folder.Run("systems --own").output, Not(HasSubstr("\x1b")));
+}
+
+// A first start on a full disk, and a catalogue that was cut short once: the next start mends both.
+TEST(Systems, TheDataFolderIsFilledWholeOrNotAtAll) {
+  ProgramFolder folder;
+  const std::string program = TARVEX_PROGRAM;
+  folder.UseProgram("/bin/sh");
+  const ProgramResult full =
+      folder.Run("-c \"trap '' XFSZ; ulimit -f 1000; exec " + program + " systems zone 33\"");
+  EXPECT_THAT(full.errors, HasSubstr("could not be filled"));
+  folder.UseProgram(program);
+  EXPECT_FALSE(std::filesystem::exists(folder.Path("data/Predef1.csl")));
+  EXPECT_FALSE(std::filesystem::exists(folder.Path("data/Predef1.csl.tmp")));
+  EXPECT_EQ(folder.Run("systems EPSG:2056").exit_code, 0);
+  EXPECT_TRUE(std::filesystem::exists(folder.Path("data/NADConv/conus.las")));
+
+  const std::string whole = folder.Read("data/Predef1.csl");
+  const std::string cut_in = "PARAMETER[\"false_easting\",5";
+  for (const std::size_t size : {whole.find(cut_in) + cut_in.size(), whole.size() - 1,
+                                 whole.rfind("\n", whole.size() - 10) + 1, std::size_t{0}}) {
+    folder.Write("data/Predef1.csl", whole.substr(0, size));
+    EXPECT_EQ(folder.Run("convert --system \"UTM/UTM WGS84 Zone 33\"", "50 15.2\n").output,
+              "5538649.8667 514333.4100\n");
+    EXPECT_EQ(folder.Read("data/Predef1.csl"), whole) << size;
+  }
+}
+
+TEST(Systems, EditsOfManyProgramsAreAllKept) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("systems zone 33").exit_code, 0);
+  folder.Write("one.wkt",
+               nlohmann::json::parse(
+                   folder.Run("systems --json EPSG:2056").output)["systems"][0]["definition"]
+                   .get<std::string>());
+  folder.UseProgram("/bin/sh");
+  const std::string program = TARVEX_PROGRAM;
+  ASSERT_EQ(folder
+                .Run("-c \"for i in 1 2 3 4 5 6 7 8; do " + program +
+                     " systems --add S$i --definition one.wkt & done; wait\"")
+                .exit_code,
+            0);
+  folder.UseProgram(program);
+  EXPECT_EQ(folder.Run("systems --own").output.size(), 8 * 3U);
+  EXPECT_EQ(folder.Run("systems --add \"\" --definition one.wkt").exit_code, 1);
+  EXPECT_EQ(folder.Run("systems --remove \"\"").exit_code, 1);
+  EXPECT_EQ(folder.Run("systems --add A --definition one.wkt --remove S1").exit_code, 2);
+  std::filesystem::remove(folder.Path("data/tarvex.csl"));
+  std::filesystem::create_directory(folder.Path("data/tarvex.csl"));
+  EXPECT_THAT(folder.Run("systems --own").errors, HasSubstr("cannot be read"));
 }
 
 // Another catalogue's systems, with a bad one and one that is there already.

@@ -71,6 +71,17 @@ void TellSteps(const CalculationSteps& steps, Console& console) {
   if (steps.geoid) TellStep("Geoid", steps.geoid->Describe(), console);
 }
 
+// A system that is published in feet is named so; a job in another unit may be meant, but seldom.
+void TellPublishedUnit(const std::string& system, const std::string& units, Program& program) {
+  const std::string name = ReadSystemChoice(system).name;
+  const char* published = name.ends_with("(ftUS)") ? "us-feet"
+                          : name.ends_with("(ft)") ? "intl-feet"
+                                                   : nullptr;
+  if (!published || units == published) return;
+  program.Warn("The coordinates of " + name + " are published in feet; this job is in " + units +
+               " (--units " + published + " makes one in the system's own).");
+}
+
 ExitCode RunNew(const NewOptions& options, Program& program) {
   if (!options.job.ends_with(".crd")) {
     const bool folder = options.job.empty() || options.job.ends_with('/');
@@ -102,6 +113,7 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
         !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
       return program.Fail(problem);
     }
+    TellPublishedUnit(source.name, options.units, program);
     if (source.datum_shift == kNoShiftLabel) {
       program.console.PrintError(
           "WARNING: WGS84 latitude and longitude are taken for the system's own (--datum-shift "
@@ -138,7 +150,7 @@ void AddNewCommand(CLI::App& app, Program& program) {
   sub.add_option("--units", options.units, "The job's distance unit (default: metres)")
       ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
   auto* system = sub.add_option("--system", options.system,
-                                "Coordinate system by its name (see: tarvex systems)");
+                                "Coordinate system by its name or EPSG code (see: tarvex systems)");
   sub.add_option("--definition", options.definition,
                  "File with the definition text of the coordinate system")
       ->excludes(system);

@@ -12,11 +12,11 @@ struct SystemsOptions {
   std::vector<std::string> words;
   bool json = false;
   bool own = false;
-  std::string imported;
-  std::string added;
+  std::optional<std::string> imported;
+  std::optional<std::string> added;
   std::string definition;
   std::vector<std::string> renamed;
-  std::string removed;
+  std::optional<std::string> removed;
 };
 
 std::string SearchText(const SystemsOptions& options) {
@@ -31,18 +31,21 @@ std::vector<NamedSystem> WithWords(std::vector<NamedSystem> systems, const std::
   return systems;
 }
 
-ExitCode PrintSystems(const SystemsOptions& options, const SystemCatalogue& catalogue,
+ExitCode PrintSystems(const SystemsOptions& options, CoordinateSystems& coordinate_systems,
                       Program& program) {
+  const SystemCatalogue& catalogue = coordinate_systems.catalogue();
+  coordinate_systems.TellCatalogueProblems();
   const std::string part = SearchText(options);
   const std::vector<NamedSystem> systems =
       options.own ? WithWords(catalogue.UserSystems(), part) : catalogue.Search(part);
   if (options.json) {
     Json list = Json::array();
     for (const NamedSystem& system : systems) {
-      list.push_back(
-          {{"name", system.name},
-           {"definition", system.definition},
-           {"datum_shift_known", CoordinateSystems::KnowsDatumShift(system.definition)}});
+      Json item = {{"name", system.name},
+                   {"definition", system.definition},
+                   {"datum_shift_known", CoordinateSystems::KnowsDatumShift(system.definition)}};
+      if (!system.area.empty()) item["area"] = system.area;
+      list.push_back(std::move(item));
     }
     program.console.Print(JsonText({{"systems", std::move(list)}}));
     return systems.empty() ? ExitCode::Failed : ExitCode::Done;
@@ -54,7 +57,8 @@ ExitCode PrintSystems(const SystemsOptions& options, const SystemCatalogue& cata
   if (!systems.empty()) return ExitCode::Done;
   if (options.own && part.empty()) return program.Fail("Your catalogue holds no systems yet.");
   return program.Fail("No coordinate system has \"" + part +
-                      "\" in its name or as its EPSG code; fewer words find more.");
+                      "\" in its name, in its area of use or as its EPSG code; fewer words find "
+                      "more.");
 }
 
 ExitCode TellEdit(CatalogueResult result, const CoordinateSystems& systems,
@@ -85,7 +89,7 @@ ExitCode AddSystem(const SystemsOptions& options, CoordinateSystems& systems, Pr
       !systems.MakeCalculator(ForTrial(source), DistanceUnit::Metres, calculator, problem)) {
     return program.Fail(problem);
   }
-  const CatalogueResult result = systems.catalogue().Add(options.added, source.definition);
+  const CatalogueResult result = systems.catalogue().Add(*options.added, source.definition);
   return TellEdit(result, systems, systems.catalogue(), program);
 }
 
@@ -102,15 +106,15 @@ ExitCode ImportSystems(const SystemsOptions& options, const CoordinateSystems& s
   constexpr std::uint64_t kLargestCatalogue = 256u << 20;
   std::string bytes;
   const FileStatus status =
-      ReadWholeFile(program.files, options.imported, kLargestCatalogue, bytes);
+      ReadWholeFile(program.files, *options.imported, kLargestCatalogue, bytes);
   if (!status.ok()) {
-    return program.Fail("The catalogue " + options.imported + " cannot be read: " + status.Text() +
+    return program.Fail("The catalogue " + *options.imported + " cannot be read: " + status.Text() +
                         ".");
   }
   ExitCode exit_code = ExitCode::Done;
   std::vector<NamedSystem> usable;
   const auto found = WithWords(ReadCatalogue(bytes), SearchText(options));
-  if (found.empty()) return program.Fail(options.imported + " holds no such coordinate systems.");
+  if (found.empty()) return program.Fail(*options.imported + " holds no such coordinate systems.");
   for (const NamedSystem& system : found) {
     const std::string why_not = WhyNot(system);
     if (why_not.empty()) {
@@ -138,16 +142,16 @@ ExitCode ImportSystems(const SystemsOptions& options, const CoordinateSystems& s
 ExitCode RunSystems(const SystemsOptions& options, Program& program) {
   CoordinateSystems systems(program);
   SystemCatalogue& catalogue = systems.catalogue();
-  if (!options.added.empty()) return AddSystem(options, systems, program);
-  if (!options.imported.empty()) return ImportSystems(options, systems, catalogue, program);
-  if (!options.removed.empty()) {
-    return TellEdit(catalogue.Remove(options.removed), systems, catalogue, program);
+  if (options.added) return AddSystem(options, systems, program);
+  if (options.imported) return ImportSystems(options, systems, catalogue, program);
+  if (options.removed) {
+    return TellEdit(catalogue.Remove(*options.removed), systems, catalogue, program);
   }
   if (options.renamed.size() == 2) {
     return TellEdit(catalogue.Rename(options.renamed[0], options.renamed[1]), systems, catalogue,
                     program);
   }
-  return PrintSystems(options, catalogue, program);
+  return PrintSystems(options, systems, program);
 }
 
 }  // namespace
@@ -162,22 +166,32 @@ void AddSystemsCommand(CLI::App& app, Program& program) {
       "datum\n"
       "whose way to WGS84 the catalogue does not know: name one when a job is made on it.\n"
       "Example: tarvex systems zone 32\n"
+      "         tarvex systems switzerland\n"
       "         tarvex systems EPSG:25832\n"
       "         tarvex systems --add \"SITE/Tunnel\" --definition tunnel.txt");
   sub.add_option("TEXT", options.words,
-                 "Only those with this text, or all of its words, in their name");
+                 "Only those with this text, or all of its words, in their name, with these words "
+                 "in the area where they are used, or of this EPSG code");
   sub.add_flag("--own", options.own, "Only those of your own catalogue");
   sub.add_flag("--json", options.json, "Print JSON, with the definition texts");
   auto* add =
       sub.add_option("--add", options.added, "Add a system under this name to your catalogue");
   sub.add_option("--definition", options.definition, "File with its definition text")->needs(add);
-  sub.add_option("--import", options.imported,
-                 "Take the systems of another catalogue (.csl, .sys), or those with TEXT in their "
-                 "names, into yours")
-      ->excludes(add);
-  sub.add_option("--rename", options.renamed, "Rename a system of your catalogue: OLD NEW")
-      ->expected(2);
-  sub.add_option("--remove", options.removed, "Remove a system from your catalogue");
+  auto* import =
+      sub.add_option(
+             "--import", options.imported,
+             "Take the systems of another catalogue (.csl, .sys), or those with TEXT in their "
+             "names, into yours")
+          ->excludes(add);
+  auto* rename =
+      sub.add_option("--rename", options.renamed, "Rename a system of your catalogue: OLD NEW")
+          ->expected(2)
+          ->excludes(add)
+          ->excludes(import);
+  sub.add_option("--remove", options.removed, "Remove a system from your catalogue")
+      ->excludes(add)
+      ->excludes(import)
+      ->excludes(rename);
 }
 
 }  // namespace tarvex
