@@ -309,6 +309,14 @@ constexpr std::array kEntries = {
     Entry{5025, "The spiral at %s does not fit between its key points; it is drawn as a chord."},
     Entry{5030, "the section is not known; its lines are kept but not used: %s"},
     Entry{5031, "the key is not known here; the line is kept but not used: %s"},
+    Entry{5040, "centerline"},
+    Entry{5041, "template"},
+    Entry{5042, "level across from the centerline"},
+    Entry{5043, "entered"},
+    Entry{5044, "no finished grade"},
+    Entry{5045, "outside the profile"},
+    Entry{5046, "an offset without a template"},
+    Entry{5047, "outside the template's surface"},
     Entry{5223, "The centerline file %s could not be opened."},
 };
 

@@ -21,6 +21,16 @@ inline constexpr int kTextTerminatorMissing = 5009;
 inline constexpr int kTextUnknownSection = 5030;
 inline constexpr int kTextUnknownKey = 5031;
 
+// Where a design elevation comes from, or why there is none
+inline constexpr int kTextElevationCenterline = 5040;
+inline constexpr int kTextElevationTemplate = 5041;
+inline constexpr int kTextElevationLevel = 5042;
+inline constexpr int kTextElevationEntered = 5043;
+inline constexpr int kTextNoFinishedGrade = 5044;
+inline constexpr int kTextOutsideProfile = 5045;
+inline constexpr int kTextOffsetWithoutTemplate = 5046;
+inline constexpr int kTextOutsideSurface = 5047;
+
 // Findings of a check
 inline constexpr int kTextStationsConverted = 5010;
 inline constexpr int kTextEquationRefused = 5011;

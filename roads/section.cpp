@@ -7,6 +7,7 @@ namespace tarvex {
 namespace {
 
 constexpr double kSameGrade = 1e-9;
+constexpr double kSameOffset = 1e-6;  // widths are sums of decimals
 
 // How many leading segments are lanes.
 std::size_t LaneCount(const std::vector<SurfaceSegment>& segments, const std::string& edge) {
@@ -86,6 +87,29 @@ std::vector<SectionPoint> DesignSection::Outward(Side side) const {
   std::reverse(outward.begin(), outward.end());
   for (SectionPoint& point : outward) point.offset = -point.offset;
   return outward;
+}
+
+std::optional<SurfaceHeight> SurfaceAt(const DesignSection& design, double offset) {
+  const std::vector<SectionPoint> points = design.Outward(offset < 0.0 ? Side::Left : Side::Right);
+  const double outward = std::fabs(offset);
+  const auto here = [outward](const SectionPoint& point) {
+    return std::fabs(point.offset - outward) <= kSameOffset;
+  };
+  const auto first = std::find_if(points.begin(), points.end(), here);
+  if (first != points.end()) {
+    auto last = first;
+    while (last + 1 != points.end() && here(*(last + 1))) ++last;
+    const bool steps = std::fabs(last->elevation - first->elevation) > kSameOffset;
+    return SurfaceHeight{first->elevation, steps ? std::optional(last->elevation) : std::nullopt};
+  }
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const SectionPoint& a = points[i - 1];
+    const SectionPoint& b = points[i];
+    if (!(outward > a.offset && outward < b.offset)) continue;
+    const double share = (outward - a.offset) / (b.offset - a.offset);
+    return SurfaceHeight{a.elevation + (b.elevation - a.elevation) * share, {}};
+  }
+  return std::nullopt;
 }
 
 }  // namespace tarvex

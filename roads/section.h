@@ -47,6 +47,15 @@ struct DesignSection {
 DesignSection BuildSection(const RoadTemplate& section, double elevation,
                            const std::optional<Superelevation>& superelevation = {});
 
+/// The surface of a section at one offset.
+struct SurfaceHeight {
+  double elevation = 0.0;
+  /// At a vertical step: its outer side; `elevation` is that of the side nearer to the centerline.
+  std::optional<double> step;
+};
+/// `offset` is right positive. Nothing beyond the last point of its side.
+std::optional<SurfaceHeight> SurfaceAt(const DesignSection& design, double offset);
+
 /// The existing ground across one side of the road, outward: either a plane z = elevation + slope*u
 /// or a polyline of rising offsets.
 class GroundLine {

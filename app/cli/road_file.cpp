@@ -1,10 +1,13 @@
 #include "app/cli/road_file.h"
 
+#include "app/cli/number_entry.h"
+#include "app/cli/template_opening.h"
 #include "app/workflow/job_session.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "roads/centerline_file.h"
 #include "roads/road_texts.h"
+#include "roads/stakeout.h"
 
 namespace tarvex {
 
@@ -20,11 +23,6 @@ Json OpenedRoad::StationJson(double internal) const {
     json["region"] = shown.region;
   }
   return json;
-}
-
-std::optional<double> OpenedRoad::DesignElevation(double internal) const {
-  const auto at = profile ? profile->At(internal) : std::nullopt;
-  return at ? std::optional(at->elevation) : std::nullopt;
 }
 
 bool OpenedRoad::OutsideLimits(double internal) const {
@@ -67,6 +65,30 @@ std::string GeometryProblem(const RoadFileOptions& options, const RoadGeometryMa
   return options.file + " holds no two key points apart from each other.";
 }
 
+// What design elevations are made of; false after a message.
+bool OpenDesign(Program& program, const DesignOptions& options, OpenedRoad& road) {
+  DesignSurface& design = road.design;
+  if (!options.profile.file.empty()) {
+    design.profile = OpenProfile(program, options.profile, road.unit, road.span);
+    if (!design.profile) return false;
+  }
+  if (!options.elevation.empty()) {
+    design.entered = EnteredNumber(program, "The elevation", options.elevation);
+    if (!design.entered) return false;
+  }
+  design.level = options.level;
+  if (options.section.empty()) return true;
+  if (!design.profile && !design.entered) {
+    (void)program.Misuse("A template needs a finished grade under it: --profile FILE.xml.");
+    return false;
+  }
+  design.section = OpenTemplate(program, options.section);
+  if (!design.section) return false;
+  if (options.superelevation.empty()) return true;
+  design.superelevation = EnteredSuperelevation(program, options.superelevation);
+  return design.superelevation.has_value();
+}
+
 }  // namespace
 
 StationStyle DefaultStationStyle(DistanceUnit unit) {
@@ -94,15 +116,14 @@ std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& opti
   centerline.elements = making.geometry->chain;
   OpenedRoad opened{.road = std::move(road),
                     .geometry = *std::move(making.geometry),
-                    .profile = std::nullopt,
+                    .design = {},
                     .unit = unit,
                     .limits = CheckLimits::For(unit),
                     .style = StyleOf(options, unit),
                     .span = {}};
   opened.span = StationRange(opened.road).value_or(StationSpan{});
-  if (options.profile.file.empty()) return opened;
-  opened.profile = OpenProfile(program, options.profile, unit, opened.span);
-  return opened.profile ? std::optional(std::move(opened)) : std::nullopt;
+  if (!OpenDesign(program, options.design, opened)) return std::nullopt;
+  return opened;
 }
 
 void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOptions& options) {
@@ -112,6 +133,45 @@ void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOpt
   program.Warn(std::to_string(faults) + (faults == 1 ? " element" : " elements") + " of " +
                options.file + " should not be staked as they stand; see: tarvex road check " +
                options.file);
+}
+
+void WarnAboutElevation(Program& program, const OpenedRoad& road, const DesignElevation& design,
+                        double station, double offset) {
+  const std::string where = road.StationText(station) + " " + OffsetText(offset, kRoadDecimals);
+  if (!design.elevation && design.source != ElevationSource::NoGrade) {
+    program.Warn("there is no design elevation at " + where + ": " +
+                 ElevationSourceText(design.source) +
+                 (design.source == ElevationSource::NoTemplate
+                      ? ". --template FILE.tpl gives the surface, --level takes the road as level."
+                      : "."));
+  }
+  if (design.step) {
+    program.Warn("the surface steps at " + where + " from " +
+                 FixedNumber(*design.elevation, kRoadDecimals) + " to " +
+                 FixedNumber(*design.step, kRoadDecimals) +
+                 "; the side nearer to the centerline was taken.");
+  }
+  const auto on_road = road.alignment().PointAt(station);
+  if (design.source == ElevationSource::Surface && !road.design.superelevation && on_road &&
+      on_road->curvature != 0.0) {
+    program.Warn("the road curves at " + road.StationText(station) +
+                 " and no --superelevation was given: the template's own grades hold.");
+  }
+}
+
+std::string ElevationText(const DesignElevation& design) {
+  if (design.source == ElevationSource::NoGrade) return {};
+  const std::string source = " (" + ElevationSourceText(design.source) + ")";
+  if (!design.elevation) return "no design elevation" + source;
+  const bool plain =
+      design.source == ElevationSource::Centerline || design.source == ElevationSource::Entered;
+  return "EL " + FixedNumber(*design.elevation, kRoadDecimals) + (plain ? "" : source);
+}
+
+void AddElevationSource(Json& json, const DesignElevation& design) {
+  if (design.source == ElevationSource::NoGrade) return;
+  json["elevation_from"] = ElevationSourceText(design.source);
+  if (design.step) json["elevation_outside_step"] = *design.step;
 }
 
 std::optional<double> FindStation(Program& program, const OpenedRoad& road,

@@ -13,18 +13,27 @@
 #include "core/units.h"
 #include "exchange/road_picture.h"
 #include "roads/alignment_check.h"
-#include "roads/profile.h"
+#include "roads/design_surface.h"
 #include "roads/road.h"
 #include "roads/road_geometry.h"
 
 namespace tarvex {
+
+/// Where design elevations come from, as it is said on the command line.
+struct DesignOptions {
+  ProfileChoice profile;
+  std::string elevation;       ///< in place of the profile; a number as typed
+  std::string section;         ///< template file
+  std::string superelevation;  ///< "LEFT,RIGHT" in percent, as typed
+  bool level = false;
+};
 
 /// What the person says about the file and how the road is to be shown.
 struct RoadFileOptions {
   std::string file;
   std::string unit = "metres";
   std::string stations;
-  ProfileChoice profile;
+  DesignOptions design;
   bool use_limits = false;
   bool ahead_first = false;
   bool json = false;
@@ -33,7 +42,7 @@ struct RoadFileOptions {
 struct OpenedRoad {
   Road road;
   RoadGeometry geometry;
-  std::optional<Profile> profile;
+  DesignSurface design;
   DistanceUnit unit = DistanceUnit::Metres;
   CheckLimits limits;
   StationStyle style;
@@ -44,7 +53,6 @@ struct OpenedRoad {
   std::string StationText(double internal) const;
   /// Displayed and internal station, region.
   Json StationJson(double internal) const;
-  std::optional<double> DesignElevation(double internal) const;
   /// True outside the station limits that the road uses.
   bool OutsideLimits(double internal) const;
   /// The alignment from above, with marks beside it.
@@ -59,6 +67,17 @@ std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& opti
 
 /// Warns on the error output when elements should not be staked, once a command.
 void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOptions& options);
+
+/// What a person must know about a design elevation: why there is none, a vertical step, a curve
+/// without superelevation, a station or an offset that nothing was said for. Each a warning.
+void WarnAboutElevation(Program& program, const OpenedRoad& road, const DesignElevation& design,
+                        double station, double offset);
+
+/// "EL 101.5880 (template)", "no design elevation (outside the profile)"; empty where no elevation
+/// was asked for.
+std::string ElevationText(const DesignElevation& design);
+/// Adds where the elevation comes from, and the outer side of a vertical step.
+void AddElevationSource(Json& json, const DesignElevation& design);
 
 /// A typed station as an internal one; nothing after a message (no such station, two of them).
 std::optional<double> FindStation(Program& program, const OpenedRoad& road,

@@ -24,11 +24,30 @@ void AddRoadViewOptions(CLI::App& sub, RoadFileOptions& options) {
 }
 
 void AddProfileOption(CLI::App& sub, RoadFileOptions& options) {
-  auto* file = sub.add_option("--profile", options.profile.file,
+  auto* file = sub.add_option("--profile", options.design.profile.file,
                               "LandXML file whose profile gives design elevations");
-  sub.add_option("--profile-alignment", options.profile.alignment,
+  sub.add_option("--profile-alignment", options.design.profile.alignment,
                  "Whose profile, when the file holds several alignments")
       ->needs(file);
+}
+
+void AddDesignOptions(CLI::App& sub, RoadFileOptions& options) {
+  AddProfileOption(sub, options);
+  auto* section =
+      sub.add_option("--template", options.design.section,
+                     "Template whose surface gives the elevation beside the centerline");
+  sub.add_option("--superelevation", options.design.superelevation,
+                 "Grades of the lanes LEFT,RIGHT in percent, positive rising outward")
+      ->needs(section);
+  sub.add_flag("--level", options.design.level,
+               "Without a template: the centerline's elevation holds at every offset")
+      ->excludes(section);
+}
+
+void AddElevationOption(CLI::App& sub, RoadFileOptions& options) {
+  sub.add_option("--elevation", options.design.elevation,
+                 "Instead of --profile: the finished grade with --template, else the elevation of "
+                 "the point itself");
 }
 
 void AddRoadPlaceOptions(CLI::App& sub, RoadPlaceOptions& options) {

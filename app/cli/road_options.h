@@ -17,6 +17,10 @@ void AddRoadFileOptions(CLI::App& sub, RoadFileOptions& options);
 void AddRoadViewOptions(CLI::App& sub, RoadFileOptions& options);
 /// --profile and --profile-alignment.
 void AddProfileOption(CLI::App& sub, RoadFileOptions& options);
+/// These and --template, --superelevation, --level: where design elevations come from.
+void AddDesignOptions(CLI::App& sub, RoadFileOptions& options);
+/// --elevation, in place of --profile.
+void AddElevationOption(CLI::App& sub, RoadFileOptions& options);
 
 /// A place of the road as it is typed.
 struct RoadPlaceOptions {

@@ -26,6 +26,7 @@ std::string StakeSession::StakeLine(const RoadStake& stake, bool inside) const {
                      OffsetText(stake.current.offset, kShownDecimals);
   const std::string place = PlaceText(stake.current.place);
   if (!place.empty()) line += " (" + place + ")";
+  if (road_.OutsideLimits(stake.current.station)) line += " (outside the station limits)";
   line += (stake.deltas.forward < 0.0 ? "  back " : "  forward ") + Shown(stake.deltas.forward) +
           (stake.deltas.right < 0.0 ? "  left " : "  right ") + Shown(stake.deltas.right) +
           (stake.deltas.go_north < 0.0 ? "  S " : "  N ") + Shown(stake.deltas.go_north) +
@@ -46,6 +47,9 @@ Json StakeSession::StakeJson(const RoadStake& stake, bool inside) const {
   json["go_north"] = stake.deltas.go_north;
   json["go_east"] = stake.deltas.go_east;
   json["distance"] = stake.deltas.distance;
+  json["outside_limits"] = road_.OutsideLimits(stake.current.station);
+  if (plan_.target.elevation) json["design_elevation"] = *plan_.target.elevation;
+  json["elevation_from"] = plan_.elevation_from;
   if (stake.cut) json["cut"] = *stake.cut;
   json["inside_tolerance"] = inside;
   json["sound"] = stake.sound;

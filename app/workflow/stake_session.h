@@ -18,6 +18,7 @@ namespace tarvex {
 
 struct StakePlan {
   RoadTarget target;
+  std::string elevation_from;  ///< where the target's elevation comes from, or why it has none
   StakeTolerance tolerance;
   double antenna_height = 0.0;  ///< job's unit
   long long count = 0;          ///< positions to show; 0: until the receiver ends

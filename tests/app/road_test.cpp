@@ -62,12 +62,11 @@ TEST_F(RoadCommands, CheckStakeAndWriteBack) {
 }
 
 TEST_F(RoadCommands, PointsGoIntoTheJobAndComeBackAsStations) {
-  EXPECT_EQ(folder_.Run("road point site.cl 1+210 -3.6 --profile site.xml --store site.crd --id R1")
-                .exit_code,
-            0);
+  const std::string design = " --profile site.xml --template site.tpl";
+  EXPECT_EQ(
+      folder_.Run("road point site.cl 1+210 -3.6 --store site.crd --id R1" + design).exit_code, 0);
   const auto found = json::parse(
-      folder_.Run("road station site.cl --job site.crd --point R1 --profile site.xml --json")
-          .output);
+      folder_.Run("road station site.cl --job site.crd --point R1 --json" + design).output);
   const json& answer = found["points"][0]["answers"][0];
   EXPECT_NEAR(answer["station"].get<double>(), 1210.0, 1e-4);
   EXPECT_NEAR(answer["offset"].get<double>(), -3.6, 1e-4);
@@ -84,6 +83,71 @@ TEST_F(RoadCommands, PointsGoIntoTheJobAndComeBackAsStations) {
                      "--id R2")
                 .exit_code,
             2);
+}
+
+// An offset has the elevation of the template's surface, the same in every command, or none.
+TEST_F(RoadCommands, NeverShowTheCenterlinesElevationBesideIt) {
+  const std::string target = " site.cl 1+210 -3.6 --profile site.xml";
+  const ProgramResult bare = folder_.Run("road point" + target);
+  EXPECT_THAT(bare.output, HasSubstr("no design elevation (an offset without a template)"));
+  EXPECT_THAT(bare.errors, HasSubstr("--template FILE.tpl gives the surface"));
+  const ProgramResult unstored = folder_.Run("road point" + target + " --store site.crd --id R1");
+  EXPECT_EQ(unstored.exit_code, 2);
+  EXPECT_EQ(json::parse(folder_.Run("points site.crd --json").output)["points"].size(), 0U);
+  const json level = json::parse(folder_.Run("road point" + target + " --level --json").output);
+  EXPECT_NEAR(level["elevation"].get<double>(), 1101.66, 1e-6);
+  EXPECT_EQ(level["elevation_from"], "level across from the centerline");
+
+  const std::string surface = target + " --template site.tpl";
+  const ProgramResult shown = folder_.Run("road point" + surface);
+  EXPECT_THAT(shown.output, HasSubstr("EL 1101.5880 (template)"));
+  EXPECT_THAT(shown.errors, HasSubstr("no --superelevation was given"));
+  const json point = json::parse(folder_.Run("road point" + surface + " --json").output);
+  const std::string place = " --at " + point["northing"].dump() + " " + point["easting"].dump();
+  const json stake =
+      json::parse(folder_.Run("road stake" + surface + place + " 1101.6 --json").output);
+  EXPECT_NEAR(stake["cut"].get<double>(), 0.012, 1e-6);
+  EXPECT_EQ(stake["elevation_from"], "template");
+  const ProgramResult without = folder_.Run("road stake" + target + place + " 1101.6");
+  EXPECT_EQ(without.output.find(" F "), std::string::npos) << without.output;
+  EXPECT_THAT(without.errors, HasSubstr("there is no design elevation at 1+210.000 3.6000 L"));
+  const json turned = json::parse(
+      folder_.Run("road stake" + surface + place + " 1101.6 --superelevation 6,-6 --json").output);
+  EXPECT_NEAR(turned["design_elevation"].get<double>(), 1101.66 + 0.216, 1e-6);
+  EXPECT_THAT(
+      folder_.Run("road point site.cl 1+210 -9 --profile site.xml --template site.tpl").output,
+      HasSubstr("no design elevation (outside the template's surface)"));
+
+  const std::string design = " --profile site.xml --template site.tpl";
+  const json list = json::parse(
+      folder_.Run("road list site.cl --interval 10 --offset -3.6 --json" + design).output);
+  for (const json& row : list["stations"]) {
+    if (row["station_text"] != "1+210.000") continue;
+    EXPECT_NEAR(row["elevation"].get<double>(), 1101.588, 1e-6);
+  }
+  const ProgramResult blank =
+      folder_.Run("road list site.cl --interval 100 --offset -3.6 --profile site.xml");
+  EXPECT_EQ(blank.output.find("1098.0000"), std::string::npos);
+  EXPECT_THAT(blank.errors, HasSubstr("an offset without a template"));
+  EXPECT_EQ(folder_
+                .Run("store site.crd R5 " + point["northing"].dump() + " " +
+                     point["easting"].dump() + " 1101.6")
+                .exit_code,
+            0);
+  const std::string station = "road station site.cl --job site.crd --point R5";
+  EXPECT_THAT(folder_.Run(station + design).output, HasSubstr("C 0.012"));
+  EXPECT_THAT(folder_.Run(station + " --profile site.xml").output,
+              HasSubstr("3.6000 L  no design elevation (an offset without a template)"));
+}
+
+TEST_F(RoadCommands, SayWhatIsOutsideTheStationLimits) {
+  folder_.Write("site.cle", "START_STA=1100\nEND_STA=1200\n");
+  const ProgramResult stake =
+      folder_.Run("road stake site.cl 1+210 --limits --at 5184676.43 520440.35");
+  EXPECT_THAT(stake.errors, HasSubstr("the target 1+210.000 is outside the station limits"));
+  EXPECT_EQ(stake.output.find("outside"), std::string::npos);
+  EXPECT_THAT(folder_.Run("road stake site.cl 1+150 --limits --at 5184610 520320").output,
+              HasSubstr("(outside the station limits)"));
 }
 
 TEST_F(RoadCommands, AskWhichStationIsMeant) {

@@ -117,7 +117,7 @@ ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
       WriteLandXml({.name = options.name.empty() ? NameOf(options.road.file) : options.name,
                     .unit = road->unit,
                     .road = &road->geometry,
-                    .profile = road->profile ? &*road->profile : nullptr,
+                    .profile = road->design.profile ? &*road->design.profile : nullptr,
                     .program = ProgramIdentification(),
                     .written = program.clock.Now()},
                    &refused);

@@ -47,7 +47,7 @@ class KeyPointNames {
 void PrintPlace(Program& program, const OpenedRoad& road, const KeyPointNames& names,
                 double station, double offset) {
   const auto point = road.alignment().PointAt(station, offset);
-  const auto elevation = road.DesignElevation(station);
+  const auto elevation = road.design.At(station, offset).elevation;
   program.console.Print(Right(road.StationText(station), 16) +
                         Right(FixedNumber(point->at.northing, kRoadDecimals), 17) +
                         Right(FixedNumber(point->at.easting, kRoadDecimals), 17) +
@@ -62,10 +62,27 @@ Json PlaceJson(const OpenedRoad& road, const KeyPointNames& names, double statio
   json["offset"] = offset;
   json["northing"] = point->at.northing;
   json["easting"] = point->at.easting;
-  if (const auto elevation = road.DesignElevation(station)) json["elevation"] = *elevation;
+  const DesignElevation design = road.design.At(station, offset);
+  if (design.elevation) json["elevation"] = *design.elevation;
+  AddElevationSource(json, design);
   json["azimuth_degrees"] = point->azimuth * kDegreesPerRadian;
   json["key_point"] = names.At(station);
   return json;
+}
+
+// Why stations have no elevation, each reason once, and what else must be known of those that do.
+void TellElevations(Program& program, const OpenedRoad& road, const std::vector<double>& stations,
+                    double offset) {
+  std::map<ElevationSource, std::vector<double>> by_source;
+  for (const double station : stations) {
+    by_source[road.design.At(station, offset).source].push_back(station);
+  }
+  for (const auto& [source, those] : by_source) {
+    WarnAboutElevation(program, road, road.design.At(those.front(), offset), those.front(), offset);
+    if (source == ElevationSource::Level) {
+      program.Warn("the elevations are " + ElevationSourceText(source) + ".");
+    }
+  }
 }
 
 struct StationSpanEntry {
@@ -93,13 +110,14 @@ ExitCode RunRoadList(const RoadListOptions& options, Program& program) {
   const auto span = SpanToList(options, program, *road);
   if (!span) return program.exit_code;
   WarnAboutFaults(program, *road, options.road);
-  const Profile* profile = road->profile ? &*road->profile : nullptr;
+  const Profile* profile = road->design.profile ? &*road->design.profile : nullptr;
   const auto stations =
       StakeStations(road->geometry, profile, options.interval, span->from, span->to);
   if (stations.empty()) {
     return program.Misuse("The interval gives more than " + std::to_string(kMostStakeStations) +
                           " stations; take a longer one.");
   }
+  TellElevations(program, *road, stations, options.offset);
   const KeyPointNames names(road->geometry.chain);
   if (options.road.json) {
     Json list = Json::array();
@@ -123,7 +141,7 @@ void AddRoadListCommand(CLI::App& road, Program& program) {
   RoadListOptions& options = *command.options;
   AddRoadFileOptions(command.sub, options.road);
   AddRoadViewOptions(command.sub, options.road);
-  AddProfileOption(command.sub, options.road);
+  AddDesignOptions(command.sub, options.road);
   AddNumber(command.sub, "--interval", options.interval, "Distance between round stations",
             NumberKind::Positive)
       ->required();

@@ -15,7 +15,6 @@ namespace {
 struct RoadPointOptions {
   RoadFileOptions road;
   RoadPlaceOptions place;
-  std::string elevation;
   std::string job;
   std::string id;
   std::string description;
@@ -27,11 +26,11 @@ struct RoadPointOptions {
 struct RoadPoint {
   double station = 0.0;
   AlignmentPoint on_road;
-  std::optional<double> elevation;
+  DesignElevation design;
   std::string where;  // station and offset
 
   GridPoint at() const {
-    return {on_road.at.northing, on_road.at.easting, elevation.value_or(0.0)};
+    return {on_road.at.northing, on_road.at.easting, design.elevation.value_or(0.0)};
   }
 };
 
@@ -46,31 +45,32 @@ std::optional<RoadPoint> FindPoint(const RoadPointOptions& options, Program& pro
     (void)program.Misuse("The station or the offset is out of range.");
     return std::nullopt;
   }
-  auto elevation = road.DesignElevation(*station);
-  if (!options.elevation.empty()) {
-    elevation = EnteredNumber(program, "The elevation", options.elevation);
-    if (!elevation) return std::nullopt;
-  }
-  if (!options.id.empty() && !elevation) {
-    (void)program.Misuse("A stored point needs an elevation: --elevation Z or --profile FILE.");
+  const DesignElevation design = road.design.At(*station, offset);
+  if (!options.id.empty() && !design.elevation) {
+    WarnAboutElevation(program, road, design, *station, offset);
+    (void)program.Misuse(
+        "A stored point needs an elevation: --elevation Z, or --profile FILE.xml"
+        " and beside the centerline --template FILE.tpl.");
     return std::nullopt;
   }
   return RoadPoint{.station = *station,
                    .on_road = *on_road,
-                   .elevation = elevation,
+                   .design = design,
                    .where = road.StationText(*station) + " " + OffsetText(offset, kRoadDecimals)};
 }
 
-void WarnAbout(Program& program, const OpenedRoad& road, const RoadPoint& point) {
+void WarnAbout(Program& program, const OpenedRoad& road, const RoadPoint& point, double offset) {
   if (!point.on_road.sound) program.Warn("the element there should not be staked as it stands.");
   if (road.OutsideLimits(point.station)) program.Warn("the station is outside the station limits.");
+  WarnAboutElevation(program, road, point.design, point.station, offset);
 }
 
 std::string PointLine(const RoadPoint& point) {
   const GridPoint at = point.at();
   std::string line = point.where + ": N " + FixedNumber(at.northing, kRoadDecimals) + "  E " +
                      FixedNumber(at.easting, kRoadDecimals);
-  if (point.elevation) line += "  EL " + FixedNumber(at.elevation, kRoadDecimals);
+  const std::string elevation = ElevationText(point.design);
+  if (!elevation.empty()) line += "  " + elevation;
   line += "  azimuth " + FixedNumber(point.on_road.azimuth * kDegreesPerRadian, 6);
   const std::string place = PlaceText(point.on_road.place);
   return line + (place.empty() ? "" : "  (" + place + ")") + "\n";
@@ -81,7 +81,8 @@ Json RoadPointJson(const OpenedRoad& road, const RoadPoint& point, double offset
   json["offset"] = offset;
   json["northing"] = point.on_road.at.northing;
   json["easting"] = point.on_road.at.easting;
-  if (point.elevation) json["elevation"] = *point.elevation;
+  if (point.design.elevation) json["elevation"] = *point.design.elevation;
+  AddElevationSource(json, point.design);
   json["azimuth_degrees"] = point.on_road.azimuth * kDegreesPerRadian;
   json["curvature"] = point.on_road.curvature;
   json["place"] = PlaceName(point.on_road.place);
@@ -107,7 +108,7 @@ ExitCode RunRoadPoint(const RoadPointOptions& options, Program& program) {
   if (!point) return program.exit_code;
   const auto session = options.job.empty() ? nullptr : OpenRoadJob(program, options.job, *road);
   if (!options.job.empty() && !session) return program.exit_code;
-  WarnAbout(program, *road, *point);
+  WarnAbout(program, *road, *point, options.place.offset);
   program.console.Print(options.road.json
                             ? JsonText(RoadPointJson(*road, *point, options.place.offset))
                             : PointLine(*point));
@@ -130,8 +131,8 @@ void AddRoadPointCommand(CLI::App& road, Program& program) {
   AddRoadFileOptions(sub, options.road);
   AddRoadPlaceOptions(sub, options.place);
   AddRoadViewOptions(sub, options.road);
-  AddProfileOption(sub, options.road);
-  sub.add_option("--elevation", options.elevation, "Elevation of the point");
+  AddDesignOptions(sub, options.road);
+  AddElevationOption(sub, options.road);
   sub.add_option("--store", options.job, "Store the point in this job");
   sub.add_option("--id", options.id, "Point id to store under");
   sub.add_option("--description", options.description, "Default: station and offset");

@@ -31,26 +31,17 @@ struct RoadSectionOptions {
   bool json = false;
 };
 
-std::optional<std::pair<double, double>> TwoNumbers(std::string_view text) {
-  const std::size_t comma = text.find(',');
-  if (comma == std::string_view::npos) return std::nullopt;
-  const NumberEntry first = ReadNumberEntry(text.substr(0, comma));
-  const NumberEntry second = ReadNumberEntry(text.substr(comma + 1));
-  if (!first.problem.empty() || !second.problem.empty()) return std::nullopt;
-  return std::pair(first.value, second.value);
-}
-
 // "plane ELEVATION,SLOPE" or "0,99.0 6,98.8 10,97.9".
 std::optional<GroundLine> ParseGround(std::string_view text) {
   text = WithoutOuterBlanks(text);
   if (text.starts_with("plane")) {
-    const auto plane = TwoNumbers(text.substr(5));
+    const auto plane = ParseNumberPair(text.substr(5));
     return plane ? std::optional(GroundLine::Plane(plane->first, plane->second)) : std::nullopt;
   }
   std::vector<GroundLine::Vertex> vertices;
   while (!text.empty()) {
     const std::string_view word = text.substr(0, text.find(' '));
-    const auto vertex = TwoNumbers(word);
+    const auto vertex = ParseNumberPair(word);
     if (!vertex) return std::nullopt;
     vertices.push_back({vertex->first, vertex->second});
     text = WithoutLeadingBlanks(text.substr(word.size()));
@@ -155,12 +146,9 @@ std::optional<DesignSection> DesignOf(const RoadSectionOptions& options, Program
   const auto elevation = EnteredNumber(program, "The elevation", options.elevation);
   if (!elevation) return std::nullopt;
   if (options.superelevation.empty()) return BuildSection(section, *elevation);
-  const auto grades = TwoNumbers(options.superelevation);
-  if (grades) {
-    return BuildSection(section, *elevation, Superelevation{grades->first, grades->second});
-  }
-  (void)program.Misuse("The superelevation is LEFT,RIGHT in percent, outward.");
-  return std::nullopt;
+  const auto superelevation = EnteredSuperelevation(program, options.superelevation);
+  if (!superelevation) return std::nullopt;
+  return BuildSection(section, *elevation, superelevation);
 }
 
 void PrintResult(const RoadSectionOptions& options, Program& program, const RoadTemplate& section,

@@ -4,7 +4,6 @@
 #include "app/cli/number_entry.h"
 #include "app/cli/road_job.h"
 #include "app/cli/road_options.h"
-#include "app/cli/template_opening.h"
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_localization.h"
 #include "app/workflow/point_storing.h"
@@ -16,8 +15,6 @@ namespace {
 struct RoadStakeOptions {
   RoadFileOptions road;
   RoadPlaceOptions place;
-  std::string elevation;
-  std::string section;
   std::string slope;
   std::string job;
   std::vector<std::string> points;
@@ -30,57 +27,26 @@ struct RoadStakeOptions {
   std::string existing = "ask";
 };
 
-// The elevation of the template's surface at an offset from the finished grade.
-std::optional<double> SurfaceElevation(const DesignSection& design, double offset) {
-  for (std::size_t i = 1; i < design.points.size(); ++i) {
-    const SectionPoint& a = design.points[i - 1];
-    const SectionPoint& b = design.points[i];
-    if (offset < a.offset || offset > b.offset || a.offset == b.offset) continue;
-    return a.elevation + (b.elevation - a.elevation) * (offset - a.offset) / (b.offset - a.offset);
-  }
-  return std::nullopt;
-}
-
-// The finished grade at the target, where it is known; false after a message.
-bool SettleGrade(const RoadStakeOptions& options, Program& program, const OpenedRoad& road,
-                 StakePlan& plan) {
-  plan.target.elevation = road.DesignElevation(plan.target.station);
-  if (options.elevation.empty()) return true;
-  plan.target.elevation = EnteredNumber(program, "The elevation", options.elevation);
-  return plan.target.elevation.has_value();
-}
-
-// The template's surface over the grade, and the slope to stake; false after a message.
-bool SettleSection(const RoadStakeOptions& options, Program& program, StakePlan& plan) {
-  if (options.section.empty()) return true;
-  plan.section = OpenTemplate(program, options.section);
-  if (!plan.section) return false;
-  if (!plan.target.elevation) {
-    (void)program.Misuse("A template needs a finished grade: --elevation Z or --profile FILE.");
-    return false;
-  }
-  plan.design = BuildSection(*plan.section, *plan.target.elevation);
-  plan.target.elevation = SurfaceElevation(*plan.design, options.place.offset);
-  if (!options.slope.empty()) plan.slope_side = options.slope == "left" ? Side::Left : Side::Right;
-  return true;
-}
-
 // Nothing after a message.
 std::optional<StakePlan> MakePlan(const RoadStakeOptions& options, Program& program,
                                   const OpenedRoad& road) {
   const auto station = FindStation(program, road, options.place.station);
   if (!station) return std::nullopt;
-  StakePlan plan{.target = {*station, options.place.offset, {}},
+  const DesignElevation design = road.design.At(*station, options.place.offset);
+  WarnAboutElevation(program, road, design, *station, options.place.offset);
+  if (road.OutsideLimits(*station)) {
+    program.Warn("the target " + road.StationText(*station) + " is outside the station limits.");
+  }
+  StakePlan plan{.target = {*station, options.place.offset, design.elevation},
+                 .elevation_from = ElevationSourceText(design.source),
                  .tolerance = options.tolerance,
                  .antenna_height = options.antenna_height,
                  .count = options.count,
                  .json = options.road.json,
-                 .section = {},
-                 .design = {},
+                 .section = road.design.section,
+                 .design = road.design.SectionAt(*station),
                  .slope_side = {}};
-  if (!SettleGrade(options, program, road, plan) || !SettleSection(options, program, plan)) {
-    return std::nullopt;
-  }
+  if (!options.slope.empty()) plan.slope_side = options.slope == "left" ? Side::Left : Side::Right;
   return plan;
 }
 
@@ -177,13 +143,11 @@ void AddRoadStakeCommand(CLI::App& road, Program& program) {
   AddRoadFileOptions(sub, options.road);
   AddRoadPlaceOptions(sub, options.place);
   AddRoadViewOptions(sub, options.road);
-  AddProfileOption(sub, options.road);
-  sub.add_option("--elevation", options.elevation, "Finished grade, instead of --profile");
-  auto* section =
-      sub.add_option("--template", options.section, "Template whose surface gives the elevation");
+  AddDesignOptions(sub, options.road);
+  AddElevationOption(sub, options.road);
   sub.add_option("--slope", options.slope, "Stake the catch point of this side (with --template)")
       ->check(CLI::IsMember({"left", "right"}))
-      ->needs(section);
+      ->needs(sub.get_option("--template"));
   sub.add_option("--job", options.job, "The job: its points, coordinate system and unit");
   sub.add_option("--point", options.points, "Stand on these points of the job");
   sub.add_option("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]")->expected(2, 3);

@@ -24,7 +24,7 @@ struct RoadStationOptions {
 // A place of the road that a point lies at.
 struct Answer {
   StationOffset found;
-  std::optional<double> design;
+  DesignElevation design;
   std::optional<double> cut;  // of a point of a job, which has an elevation
 };
 
@@ -36,7 +36,8 @@ Json AnswerJson(const OpenedRoad& road, const Answer& answer) {
   json["place"] = PlaceName(found.place);
   json["outside_limits"] = road.OutsideLimits(found.station);
   json["sound"] = found.sound;
-  if (answer.design) json["design_elevation"] = *answer.design;
+  if (answer.design.elevation) json["design_elevation"] = *answer.design.elevation;
+  AddElevationSource(json, answer.design);
   if (answer.cut) json["cut"] = *answer.cut;
   return json;
 }
@@ -51,6 +52,11 @@ std::string AnswerLine(const OpenedRoad& road, const Answer& answer) {
   if (road.OutsideLimits(found.station)) line += "  (outside the station limits)";
   if (!found.sound) line += "  (on an element that should not be staked)";
   if (answer.cut) line += "  " + CutFillText(*answer.cut, kCutDecimals);
+  // What is on the centerline or the template needs no word; the rest does.
+  if (answer.design.source == ElevationSource::Level || !answer.design.elevation) {
+    const std::string elevation = ElevationText(answer.design);
+    if (!elevation.empty()) line += "  " + elevation;
+  }
   return line + "\n";
 }
 
@@ -68,8 +74,10 @@ std::vector<Answer> AnswersTo(const RoadStationOptions& options, const OpenedRoa
   std::vector<Answer> answers;
   for (const StationOffset& found :
        PlacesOf(road, {point.northing, point.easting}, options.candidates)) {
-    Answer answer{.found = found, .design = road.DesignElevation(found.station), .cut = {}};
-    if (answer.design && !options.job.empty()) answer.cut = point.elevation - *answer.design;
+    Answer answer{.found = found, .design = road.design.At(found.station, found.offset), .cut = {}};
+    if (answer.design.elevation && !options.job.empty()) {
+      answer.cut = point.elevation - *answer.design.elevation;
+    }
     answers.push_back(answer);
   }
   return answers;
@@ -147,13 +155,14 @@ void AddRoadStationCommand(CLI::App& road, Program& program) {
   sub.add_option("NORTHING", options.northing, "In the file's unit");
   sub.add_option("EASTING", options.easting, "In the file's unit");
   AddRoadViewOptions(sub, options.road);
-  AddProfileOption(sub, options.road);
+  AddDesignOptions(sub, options.road);
   auto* job = sub.add_option("--job", options.job, "Take points of this job");
   sub.add_option("--point", options.ids, "Their ids (default: all points)")->needs(job);
   sub.add_flag("--candidates", options.candidates, "Every place of the road that may be meant");
   sub.add_option("--svg", options.svg, "Draw the points beside the alignment into this file");
   sub.footer(
-      "With --profile, points of a job show cut (C) or fill (F).\n"
+      "With --profile, and beside the centerline --template, points of a job show cut (C) or fill "
+      "(F).\n"
       "Example: tarvex road station road.cl 5184687.8 520489.5");
 }
 
