@@ -66,10 +66,9 @@ StepOutcome SevenParameterShift::ToWgs84(Geodetic& position) const {
 
 std::string SevenParameterShift::Describe() const {
   const SevenParameters& p = parameters_;
-  return Strings().Text(
-      4155, {ShortestNumber(p.dx_m), ShortestNumber(p.dy_m), ShortestNumber(p.dz_m),
-             ShortestNumber(p.rx_arcsec), ShortestNumber(p.ry_arcsec), ShortestNumber(p.rz_arcsec),
-             ShortestNumber(p.scale_ppm)});
+  const auto text = [](double value) { return ShortestNumber(value + 0.0); };  // -0 is 0
+  return Strings().Text(4155, {text(p.dx_m), text(p.dy_m), text(p.dz_m), text(p.rx_arcsec),
+                               text(p.ry_arcsec), text(p.rz_arcsec), text(p.scale_ppm)});
 }
 
 }  // namespace tarvex

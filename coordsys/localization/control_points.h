@@ -2,6 +2,7 @@
 // local coordinates.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,9 @@ struct ControlPoint {
   std::string name;
   GridMetres grid;   ///< from the GNSS position; the elevation after datum and geoid
   GridMetres local;  ///< as the site knows it
+  /// How much longer a distance is on the ground than on the grid, from the projection's scale and
+  /// the height at the point; nothing where the projection gives no scale.
+  std::optional<double> ground_scale = std::nullopt;
   bool use_horizontal = true;
   bool use_vertical = true;
 };

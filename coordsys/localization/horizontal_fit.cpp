@@ -1,5 +1,6 @@
 #include "coordsys/localization/horizontal_fit.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tarvex {
@@ -47,6 +48,7 @@ Centroids FindCentroids(const ControlPoints& points) {
 // Sums over coordinates about the centroids.
 struct Moments {
   double s = 0.0;  // of the grid's squares
+  double l = 0.0;  // of the local squares
   double p = 0.0;  // of the products along
   double q = 0.0;  // of the products across
 };
@@ -59,6 +61,7 @@ Moments FindMoments(const ControlPoints& points, const Centroids& c) {
     const double dx = point.local.easting_m - c.local.easting_m;
     const double dy = point.local.northing_m - c.local.northing_m;
     m.s += de * de + dn * dn;
+    m.l += dx * dx + dy * dy;
     m.p += de * dx + dn * dy;
     m.q += de * dy - dn * dx;
   });
@@ -125,22 +128,26 @@ HorizontalFit FitHorizontal(const ControlPoints& points, HorizontalMethod method
   fit.unknowns = Unknowns(fit.method);
   if (c.points == 0) return fit;
   const Moments m = FindMoments(points, c);
-  if (!std::isfinite(m.s + m.p + m.q) || !(given_scale > 0.0)) {
+  if (!std::isfinite(m.s + m.l + m.p + m.q) || !(given_scale > 0.0)) {
     fit.result = FitResult::NotANumber;
     return fit;
   }
   const bool turns = fit.method != HorizontalMethod::Translation;
-  const bool local_coincide = std::hypot(m.p, m.q) < kCoincide_m * std::sqrt(m.s);
-  if (turns && (std::sqrt(m.s / c.points) < kCoincide_m || local_coincide)) {
+  if (turns && std::sqrt(std::min(m.s, m.l) / c.points) < kCoincide_m) {
     fit.result = FitResult::Coincide;
+    return fit;
+  }
+  if (turns && std::hypot(m.p, m.q) < kCoincide_m * std::sqrt(m.s)) {
+    fit.result = FitResult::Mirrored;
     return fit;
   }
   fit.similarity = {.grid_easting_m = c.grid.easting_m,
                     .grid_northing_m = c.grid.northing_m,
                     .local_x_m = c.local.easting_m,
                     .local_y_m = c.local.northing_m};
-  const double scale = fit.method == HorizontalMethod::RotationOnly ? 1.0 : given_scale;
-  SetTurn(fit.similarity, m, fit.method, scale);
+  const bool is_given =
+      method == HorizontalMethod::FixedScale || method == HorizontalMethod::Translation;
+  SetTurn(fit.similarity, m, fit.method, is_given ? given_scale : 1.0);
   fit.result = FitResult::Fitted;
   return fit;
 }

@@ -45,6 +45,7 @@ enum class FitResult {
   Fitted,
   NoPoints,  ///< no point takes part: the step is not made
   Coincide,  ///< all points stand within a millimetre: nothing but a translation could be fitted
+  Mirrored,  ///< the points lie mirrored on the two sides: no rotation leads one to the other
   NotANumber,
 };
 
@@ -59,7 +60,8 @@ struct HorizontalFit {
 };
 
 /// The fit to the points that are flagged for horizontal use; with one point, and whatever the
-/// method, a translation. `given_scale` is for FixedScale and Translation.
+/// method, a translation. `given_scale` is for FixedScale and Translation; the others, when one
+/// point leaves nothing but a translation, keep the scale at 1.
 HorizontalFit FitHorizontal(const ControlPoints& points, HorizontalMethod method,
                             double given_scale = 1.0);
 

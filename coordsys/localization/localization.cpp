@@ -9,7 +9,56 @@ namespace tarvex {
 namespace {
 
 bool Failed(FitResult result) {
-  return result == FitResult::Coincide || result == FitResult::NotANumber;
+  return result != FitResult::Fitted && result != FitResult::NoPoints;
+}
+
+// "-0.000" reads like a small turn where there is none.
+std::string Signed(double value, int decimals) {
+  std::string text = FixedNumber(value, decimals);
+  if (text.find_first_not_of("-0.") == std::string::npos && text.front() == '-') text.erase(0, 1);
+  return text;
+}
+
+// Seconds of arc below a minute, else degrees, minutes and seconds; ASCII, for the raw file.
+std::string TurnText(double turn_rad) {
+  constexpr long long kThousandths = 1000;
+  const double turn_sec = turn_rad * kDegreesPerRadian * 3600.0;
+  if (std::abs(turn_sec) < 60.0) return Signed(turn_sec, 3) + '"';
+  const long long whole = std::llround(std::abs(turn_sec) * kThousandths);
+  const long long minutes = whole / (60 * kThousandths);
+  std::string text = turn_sec < 0.0 ? "-" : "";
+  AppendInteger(text, minutes / 60);
+  text += " deg ";
+  AppendInteger(text, minutes % 60, 2);
+  text += "' ";
+  AppendInteger(text, whole / kThousandths % 60, 2);
+  text += '.';
+  AppendInteger(text, whole % kThousandths, 3);
+  return text + '"';
+}
+
+// Ground over grid: the distance on the grid is the ground's, taken down to the ellipsoid and drawn
+// at the point scale. The radius is that of the mean curvature at the place.
+double GroundScale(const Ellipsoid& ellipsoid, const Geodetic& at, double point_scale) {
+  const double e2 = ellipsoid.flattening * (2.0 - ellipsoid.flattening);
+  const double sine = std::sin(at.latitude_rad);
+  const double radius_m = ellipsoid.semi_major_m * std::sqrt(1.0 - e2) / (1.0 - e2 * sine * sine);
+  return (1.0 + at.height_m / radius_m) / point_scale;
+}
+
+// What kept a point from being converted whole.
+std::string WhyNot(CalculationResult result, const CalculationReport& report) {
+  for (const ExplainedStep& step : report.steps) {
+    if (step.outcome.status != StepStatus::Done) return Strings().Text(step.outcome.reason);
+  }
+  return CalculationText(result);
+}
+
+std::optional<double> PointScaleOf(const CalculationReport& report) {
+  for (const ExplainedStep& step : report.steps) {
+    if (step.point_scale) return step.point_scale;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -17,6 +66,10 @@ bool Failed(FitResult result) {
 bool LocalizationFit::usable() const {
   if (Failed(horizontal.result) || Failed(vertical.result)) return false;
   return horizontal.result == FitResult::Fitted || vertical.result == FitResult::Fitted;
+}
+
+std::string PointCount(int points) {
+  return std::to_string(points) + (points == 1 ? " point" : " points");
 }
 
 LocalizationFit FitLocalization(const ControlPoints& points, const LocalizationMethod& method) {
@@ -46,19 +99,17 @@ StepOutcome FittedLocalization::ToGrid(GridMetres& point) const {
 
 std::string FittedLocalization::Describe() const {
   const PlaneSimilarity& s = fit_.horizontal.similarity;
-  const double clockwise_sec = -s.rotation_rad() * kDegreesPerRadian * 3600.0;
   std::string text;
   if (fit_.horizontal.result == FitResult::Fitted) {
-    text = Strings().Text(
-        4120, {std::to_string(fit_.horizontal.points), FixedNumber((s.scale() - 1.0) * 1e6, 3),
-               FixedNumber(clockwise_sec, 3)});
+    text = Strings().Text(4120, {PointCount(fit_.horizontal.points),
+                                 Signed((s.scale() - 1.0) * 1e6, 3), TurnText(-s.rotation_rad())});
   }
   if (fit_.vertical.result == FitResult::Fitted) {
     const VerticalPlane& plane = fit_.vertical.plane;
     if (!text.empty()) text += "; ";
-    text += Strings().Text(
-        4121, {std::to_string(fit_.vertical.points), FixedNumber(plane.shift_m, 4),
-               FixedNumber(plane.slope_north * 1e6, 2), FixedNumber(plane.slope_east * 1e6, 2)});
+    text += Strings().Text(4121,
+                           {PointCount(fit_.vertical.points), Signed(plane.shift_m, 4),
+                            Signed(plane.slope_north * 1e6, 2), Signed(plane.slope_east * 1e6, 2)});
   }
   return text;
 }
@@ -71,21 +122,27 @@ ControlPoints ProjectControl(const CTrgCalculator& calculator, const Localizatio
   to_grid.SetSteps(std::move(steps));
   to_grid.SetDistanceUnit(DistanceUnit::Metres);
   const DistanceUnit unit = calculator.distance_unit();
+  const Ellipsoid ellipsoid = EllipsoidOf(calculator.record());
   ControlPoints points;
   for (std::size_t i = 0; i < list.size(); ++i) {
     if (!list[i]) continue;
     const LocalizationPoint& from = *list[i];
     GridPoint grid;
-    const CalculationResult result = to_grid.ToGrid(from.gnss, grid);
+    CalculationReport report;
+    const CalculationResult result = to_grid.ToGrid(from.gnss, grid, &report);
     if (result != CalculationResult::Done) {
-      unusable.push_back({i, result});
+      unusable.push_back({i, result, WhyNot(result, report)});
       continue;
     }
+    const auto point_scale = PointScaleOf(report);
+    std::optional<double> ground_scale;
+    if (point_scale) ground_scale = GroundScale(ellipsoid, from.gnss, *point_scale);
     points.push_back(
         {.name = from.description.empty() ? "Point " + std::to_string(i + 1) : from.description,
          .grid = {grid.northing, grid.easting, grid.elevation},
          .local = {ToMetres(from.local_y, unit), ToMetres(from.local_x, unit),
                    ToMetres(from.local_z, unit)},
+         .ground_scale = ground_scale,
          .use_horizontal = from.use_horizontal == 'Y',
          .use_vertical = from.use_vertical == 'Y'});
   }

@@ -27,6 +27,9 @@ struct LocalizationFit {
   bool usable() const;
 };
 
+/// "1 point", "4 points".
+std::string PointCount(int points);
+
 LocalizationFit FitLocalization(const ControlPoints& points, const LocalizationMethod& method);
 
 /// The fit as a step of the calculator. A part that had no points leaves its coordinates alone.
@@ -48,6 +51,7 @@ class FittedLocalization final : public SiteLocalization {
 struct UnusableControl {
   std::size_t position = 0;  ///< from 0
   CalculationResult result = CalculationResult::Done;
+  std::string why;  ///< a sentence: of the step that could not be made, or of the result
 };
 
 /// Projects the list through `calculator` without the localization that it may hold: names are the

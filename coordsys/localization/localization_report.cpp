@@ -38,7 +38,8 @@ void LeaveOut(const ControlPoints& points, std::size_t index, const Localization
   const LocalizationFit without = FitLocalization(others, method);
   PointResidual missed;
   SetResiduals(points[index], without, missed);
-  if (row.in_horizontal && without.horizontal.result == FitResult::Fitted &&
+  if (row.in_horizontal && fit.horizontal.result == FitResult::Fitted &&
+      without.horizontal.result == FitResult::Fitted &&
       without.horizontal.method == fit.horizontal.method) {
     const PlaneSimilarity& a = without.horizontal.similarity;
     const PlaneSimilarity& b = fit.horizontal.similarity;
@@ -52,6 +53,18 @@ void LeaveOut(const ControlPoints& points, std::size_t index, const Localization
       without.vertical.method == fit.vertical.method) {
     row.left_out_elevation_m = missed.elevation_m;
   }
+}
+
+std::optional<double> MeanGround_ppm(const ControlPoints& points) {
+  double sum = 0.0;
+  int count = 0;
+  for (const ControlPoint& point : points) {
+    if (!point.use_horizontal || !point.ground_scale) continue;
+    sum += *point.ground_scale - 1.0;
+    ++count;
+  }
+  if (count == 0) return std::nullopt;
+  return 1e6 * sum / count;
 }
 
 // How much of a point's own observation its fitted place carries: 1/n plus its share of the spread.
@@ -79,8 +92,9 @@ void SetStatistics(const ControlPoints& points, LocalizationReport& report) {
   double east = 0.0;
   double north = 0.0;
   double up = 0.0;
+  const bool fitted = report.fit.horizontal.result == FitResult::Fitted;
   for (const PointResidual& row : report.points) {
-    if (row.in_horizontal) {
+    if (row.in_horizontal && fitted) {
       east += row.east_m * row.east_m;
       north += row.north_m * row.north_m;
     }
@@ -91,7 +105,7 @@ void SetStatistics(const ControlPoints& points, LocalizationReport& report) {
   report.rms_east_m = h.points > 0 ? std::sqrt(east / h.points) : 0.0;
   report.rms_north_m = h.points > 0 ? std::sqrt(north / h.points) : 0.0;
   report.rms_elevation_m = v.points > 0 ? std::sqrt(up / v.points) : 0.0;
-  report.horizontal_redundancy = std::max(0, h.redundancy());
+  report.horizontal_redundancy = fitted ? std::max(0, h.redundancy()) : 0;
   report.vertical_redundancy = std::max(0, v.redundancy());
   if (report.horizontal_redundancy > 0) {
     report.sigma_horizontal_m = std::sqrt((east + north) / report.horizontal_redundancy);
@@ -113,15 +127,15 @@ void SetStatistics(const ControlPoints& points, LocalizationReport& report) {
 // Words for what should make a surveyor look again.
 class WarningWriter {
  public:
-  WarningWriter(const ControlPoints& points, LocalizationReport& report)
-      : points_(points), report_(report) {}
+  WarningWriter(const ControlPoints& points, DistanceUnit unit, LocalizationReport& report)
+      : points_(points), unit_(unit), report_(report) {}
 
   void Write(const std::vector<PlanePoint>& job_points) {
     const HorizontalFit& h = report_.fit.horizontal;
     const VerticalFit& v = report_.fit.vertical;
     if (h.result == FitResult::Fitted) Horizontal(h, job_points);
     if (v.result == FitResult::Fitted) Vertical(v);
-    LargeResiduals();
+    LargeResiduals(h.result == FitResult::Fitted, v.result == FitResult::Fitted);
   }
 
  private:
@@ -130,20 +144,35 @@ class WarningWriter {
     report_.warnings.push_back({warning, Strings().Text(number, arguments)});
   }
 
+  std::string Length(double metres, int decimals) const {
+    return FixedNumber(FromMetres(metres, unit_), decimals) +
+           (unit_ == DistanceUnit::Metres ? " m" : " ft");
+  }
+
   void Horizontal(const HorizontalFit& h, const std::vector<PlanePoint>& job_points) {
     if (report_.horizontal_redundancy == 0) {
-      Add(LocalizationWarning::NoHorizontalCheck, 4130, {std::to_string(h.points)});
+      Add(LocalizationWarning::NoHorizontalCheck, 4130, {PointCount(h.points)});
     }
     const ControlHull hull = HullOf(points_);
     if (h.points >= 3 && IsThin()) Add(LocalizationWarning::CollinearControl, 4131);
     if (h.points >= 2 && hull.Extent_m() < kSmallExtent_m) {
-      Add(LocalizationWarning::SmallExtent, 4132, {FixedNumber(hull.Extent_m(), 1)});
+      Add(LocalizationWarning::SmallExtent, 4132, {Length(hull.Extent_m(), 1)});
     }
-    if (std::abs(report_.scale_ppm) > kFarScale_ppm) {
-      Add(LocalizationWarning::FarScale, 4133, {FixedNumber(report_.scale_ppm, 1)});
-    }
+    FarScale();
     Blunder();
     Outside(hull, job_points);
+  }
+
+  // Local coordinates lie on the grid or on the ground; a scale near neither is a mistake.
+  void FarScale() {
+    const double from_grid = report_.scale_ppm;
+    if (std::abs(from_grid) <= kFarScale_ppm) return;
+    if (!report_.ground_ppm) {
+      return Add(LocalizationWarning::FarScale, 4133, {FixedNumber(from_grid, 1)});
+    }
+    if (std::abs(from_grid - *report_.ground_ppm) <= kFarScale_ppm) return;
+    Add(LocalizationWarning::FarScale, 4141,
+        {FixedNumber(from_grid, 1), FixedNumber(*report_.ground_ppm, 1)});
   }
 
   // By the eigenvalues of the spread of the used points.
@@ -180,7 +209,7 @@ class WarningWriter {
     if (worst == nullptr) return;
     const double chance = Chance(*worst);
     if (chance * report_.fit.horizontal.points < kBlunderChance) {
-      Add(LocalizationWarning::LikelyBlunder, 4134, {worst->name, FixedNumber(worst_miss, 3)});
+      Add(LocalizationWarning::LikelyBlunder, 4134, {worst->name, Length(worst_miss, 3)});
     }
   }
 
@@ -212,12 +241,12 @@ class WarningWriter {
     }
     if (outside == 0) return;
     Add(LocalizationWarning::OutsideControl, 4135,
-        {std::to_string(outside), std::to_string(job_points.size()), FixedNumber(farthest, 0)});
+        {std::to_string(outside), std::to_string(job_points.size()), Length(farthest, 0)});
   }
 
   void Vertical(const VerticalFit& v) {
     if (report_.vertical_redundancy == 0) {
-      Add(LocalizationWarning::NoVerticalCheck, 4136, {std::to_string(v.points)});
+      Add(LocalizationWarning::NoVerticalCheck, 4136, {PointCount(v.points)});
     }
     switch (v.fall_back) {
       case PlaneFallBack::TooFewPoints:
@@ -231,17 +260,21 @@ class WarningWriter {
     }
   }
 
-  void LargeResiduals() {
+  void LargeResiduals(bool horizontal, bool vertical) {
     for (const PointResidual& row : report_.points) {
-      const bool wide = row.in_horizontal && row.horizontal_m() > kLargeHorizontal_m;
-      const bool high = row.in_vertical && std::abs(row.elevation_m) > kLargeVertical_m;
-      if (!wide && !high) continue;
-      Add(LocalizationWarning::LargeResidual, 4140,
-          {row.name, FixedNumber(row.horizontal_m(), 3), FixedNumber(row.elevation_m, 3)});
+      const bool wide = horizontal && row.in_horizontal && row.horizontal_m() > kLargeHorizontal_m;
+      const bool high = vertical && row.in_vertical && std::abs(row.elevation_m) > kLargeVertical_m;
+      if (wide) {
+        Add(LocalizationWarning::LargeResidual, 4140, {row.name, Length(row.horizontal_m(), 3)});
+      }
+      if (high) {
+        Add(LocalizationWarning::LargeResidual, 4142, {row.name, Length(row.elevation_m, 3)});
+      }
     }
   }
 
   const ControlPoints& points_;
+  DistanceUnit unit_;
   LocalizationReport& report_;
 };
 
@@ -252,11 +285,13 @@ double PointResidual::horizontal_m() const {
 }
 
 LocalizationReport ReportLocalization(const ControlPoints& points, const LocalizationMethod& method,
-                                      const std::vector<PlanePoint>& job_points) {
+                                      const std::vector<PlanePoint>& job_points,
+                                      DistanceUnit unit) {
   LocalizationReport report;
   report.fit = FitLocalization(points, method);
   const PlaneSimilarity& similarity = report.fit.horizontal.similarity;
   report.scale_ppm = (similarity.scale() - 1.0) * 1e6;
+  report.ground_ppm = MeanGround_ppm(points);
   report.rotation_clockwise_rad = -similarity.rotation_rad();
   for (std::size_t i = 0; i < points.size(); ++i) {
     PointResidual row;
@@ -268,7 +303,7 @@ LocalizationReport ReportLocalization(const ControlPoints& points, const Localiz
     report.points.push_back(std::move(row));
   }
   SetStatistics(points, report);
-  WarningWriter(points, report).Write(job_points);
+  WarningWriter(points, unit, report).Write(job_points);
   return report;
 }
 

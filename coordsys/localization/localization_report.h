@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "coordsys/localization/localization.h"
+#include "core/units.h"
 
 namespace tarvex {
 
@@ -20,6 +21,7 @@ struct LeftOut {
   double rotation_change_rad = 0.0;  ///< counter-clockwise
 };
 
+/// Residuals of a part (horizontal, vertical) that was not fitted mean nothing.
 struct PointResidual {
   std::string name;
   bool in_horizontal = false;
@@ -40,7 +42,7 @@ enum class LocalizationWarning {
   NoVerticalCheck,
   CollinearControl,
   SmallExtent,     ///< the points lie within 20 m of each other
-  FarScale,        ///< beyond 200 ppm from 1
+  FarScale,        ///< beyond 200 ppm from 1 and from what ground distances have here
   LikelyBlunder,   ///< one point misses by far more than the others
   PlaneNotFitted,  ///< a shift stands in for the plane that was asked for
   OutsideControl,  ///< points of the job lie outside of the control hull
@@ -55,6 +57,9 @@ struct WarningText {
 struct LocalizationReport {
   LocalizationFit fit;
   double scale_ppm = 0.0;  ///< scale minus 1
+  /// What the scale is, less 1, where local distances are those on the ground: the mean of the
+  /// points of the horizontal fit.
+  std::optional<double> ground_ppm;
   double rotation_clockwise_rad = 0.0;
   int horizontal_redundancy = 0;
   int vertical_redundancy = 0;
@@ -69,8 +74,9 @@ struct LocalizationReport {
 };
 
 /// The fit of `points` and everything about it. `job_points` are places on the grid that the
-/// localization is to serve; they may be none.
+/// localization is to serve; they may be none. Warnings give lengths in `unit`.
 LocalizationReport ReportLocalization(const ControlPoints& points, const LocalizationMethod& method,
-                                      const std::vector<PlanePoint>& job_points = {});
+                                      const std::vector<PlanePoint>& job_points = {},
+                                      DistanceUnit unit = DistanceUnit::Metres);
 
 }  // namespace tarvex

@@ -192,6 +192,31 @@ TEST(HorizontalFit, OnePointIsATranslationAndOnePlaceIsNoFit) {
   EXPECT_EQ(FitHorizontal(one, HorizontalMethod::Similarity).result, FitResult::NoPoints);
 }
 
+// A scale is given to the methods that take one; a single point leaves the others at 1.
+TEST(HorizontalFit, OnePointTakesAGivenScaleOnlyWhereItIsAskedFor) {
+  const ControlPoints one = {Control("A", {100, 200}, {1100, 1200})};
+  using enum HorizontalMethod;
+  EXPECT_EQ(FitHorizontal(one, Similarity, 1.0001).similarity.scale(), 1.0);
+  EXPECT_EQ(FitHorizontal(one, RotationOnly, 1.0001).similarity.scale(), 1.0);
+  EXPECT_EQ(FitHorizontal(one, FixedScale, 1.0001).similarity.scale(), 1.0001);
+  EXPECT_EQ(FitHorizontal(one, Translation, 1.0001).similarity.scale(), 1.0001);
+}
+
+// A square with northing and easting swapped: the points do not coincide, and nothing turns one
+// into the other. What was not fitted has no residuals to warn of.
+TEST(HorizontalFit, MirroredControlIsNamedAsThat) {
+  ControlPoints square;
+  for (const auto& [n, e] : {std::pair{0, 0}, {0, 100}, {100, 100}, {100, 0}}) {
+    square.push_back(Control("S", {n + 5e6, e + 5e5}, {static_cast<double>(e), 1.0 * n}));
+  }
+  EXPECT_EQ(FitHorizontal(square, HorizontalMethod::Similarity).result, FitResult::Mirrored);
+  const LocalizationReport report = ReportLocalization(square, {});
+  EXPECT_FALSE(report.fit.usable());
+  EXPECT_FALSE(Warns(report, LocalizationWarning::LargeResidual));
+  EXPECT_FALSE(report.points[0].left_out.has_value());
+  EXPECT_EQ(report.rms_east_m, 0.0);
+}
+
 TEST(VerticalFit, ReproducesThePublishedPlane) {
   const std::string file = "localization/vertical_plane_fit_4.tsv";
   ControlPoints points;
@@ -293,6 +318,36 @@ TEST(LocalizationReport, WarnsInWords) {
   ControlPoints wild = FarPoints(1.0, 0.0);
   wild[1].local.elevation_m += 0.3;
   EXPECT_TRUE(Warns(ReportLocalization(wild, {}), LocalizationWarning::LargeResidual));
+}
+
+// Ground distances on the edge of a zone at 1100 m: 572 ppm longer than on the grid. A scale of the
+// grid and one of the ground are right, one between other things is not.
+TEST(LocalizationReport, ComparesTheScaleWithGridAndGround) {
+  for (const auto& [scale, warns] : {std::pair{1.00057, false},
+                                     {1.00062, false},
+                                     {1.0, false},
+                                     {1.0003, true},
+                                     {1.0009, true},
+                                     {0.99943, true}}) {
+    ControlPoints points = FarPoints(scale, 0.0);
+    EXPECT_EQ(Warns(ReportLocalization(points, {}), LocalizationWarning::FarScale), scale != 1.0);
+    for (ControlPoint& point : points) point.ground_scale = (1.0 + 1100.0 / 6'380'000.0) / 0.9996;
+    const LocalizationReport report = ReportLocalization(points, {});
+    EXPECT_NEAR(report.ground_ppm.value_or(0.0), 572.6, 0.1);
+    EXPECT_EQ(Warns(report, LocalizationWarning::FarScale), warns) << scale;
+  }
+}
+
+TEST(LocalizationReport, WarnsInTheUnitOfTheJob) {
+  ControlPoints wild = FarPoints(1.0, 0.0);
+  wild[1].local.elevation_m += 0.3048;
+  const LocalizationReport report =
+      ReportLocalization(wild, {}, {}, DistanceUnit::InternationalFeet);
+  bool seen = false;
+  for (const WarningText& warning : report.warnings) {
+    seen = seen || warning.text == "P2 has a large residual: 0.800 ft vertically.";
+  }
+  EXPECT_TRUE(seen);
 }
 
 TEST(ControlHull, KnowsInsideAndHowFarOutside) {
