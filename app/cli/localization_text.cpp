@@ -3,19 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/cli/table_text.h"
 #include "app/workflow/job_localization.h"
 #include "core/angle.h"
 #include "core/number_text.h"
+#include "core/text.h"
 
 namespace tarvex {
 namespace {
 
 constexpr int kDecimals = 4;
 constexpr double kSecondsPerRadian = kDegreesPerRadian * 3600.0;
-
-std::string Right(const std::string& text, std::size_t width) {
-  return std::string(width - std::min(width, text.size()), ' ') + text;
-}
 
 // Without a minus in front of nothing but zeros.
 std::string Number(double value, int decimals) {
@@ -24,15 +22,27 @@ std::string Number(double value, int decimals) {
   return text;
 }
 
+// A number in a column; one that fills it keeps a blank before it.
+std::string Column(const std::string& number, std::size_t width) {
+  return number.size() >= width && width > 0 ? ' ' + number : Right(number, width);
+}
+
 // To a hundredth of a second.
 std::string AngleText(double radians) {
   const double seconds = radians * kSecondsPerRadian;
   return DegreesToDmsText(std::round(seconds * 100.0) / 100.0 / 3600.0);
 }
 
-std::string Left(std::string text, std::size_t width) {
-  if (text.size() > width) text.resize(width);
-  return text + std::string(width - text.size(), ' ');
+// A name in its column of the tables.
+std::string NameColumn(const std::string& name) {
+  constexpr std::size_t kColumns = 18;
+  return Left(std::string(CutAtCharacter(OnOneLine(name), kColumns)), kColumns);
+}
+
+// Degrees that were radians once, without the last bits that this cost: 30, not 29.999999999999996.
+double Degrees(double radians) {
+  constexpr double kFinest = 1e12;
+  return std::round(radians * kDegreesPerRadian * kFinest) / kFinest;
 }
 
 class ReportWriter {
@@ -44,31 +54,39 @@ class ReportWriter {
     Table();
     if (report_.fit.horizontal.result == FitResult::Fitted) Horizontal();
     if (report_.fit.vertical.result == FitResult::Fitted) Vertical();
-    for (const WarningText& warning : report_.warnings) text_ += "WARNING: " + warning.text + "\n";
+    for (const WarningText& warning : report_.warnings)
+      text_ += "WARNING: " + OnOneLine(warning.text) + "\n";
     return std::move(text_);
   }
 
  private:
   std::string Length(double metres, std::size_t width = 10) const {
-    return Right(Number(FromMetres(metres, unit_), kDecimals), width);
+    return Column(Number(FromMetres(metres, unit_), kDecimals), width);
+  }
+
+  // Blank where nothing was fitted that could leave a residual.
+  std::string Residual(double metres, FitResult of) const {
+    return of == FitResult::Fitted ? Length(metres) : std::string(10, ' ');
   }
 
   void Table() {
     text_ +=
-        "  No Point              Use      East     North Elevation    Left out: miss"
+        "  No Point              Use     North      East Elevation    Left out: miss"
         "  scale ppm  rotation\"\n";
     for (std::size_t i = 0; i < report_.points.size(); ++i) Row(i + 1, report_.points[i]);
   }
 
   void Row(std::size_t number, const PointResidual& row) {
-    text_ += Right(std::to_string(number), 4) + ' ' + Left(row.name, 18) + ' ';
+    text_ += Right(std::to_string(number), 4) + ' ' + NameColumn(row.name) + ' ';
     text_ += std::string(row.in_horizontal ? "H" : "-") + (row.in_vertical ? "V" : "-") + ' ';
-    text_ += Length(row.east_m) + Length(row.north_m) + Length(row.elevation_m);
+    text_ += Residual(row.north_m, report_.fit.horizontal.result) +
+             Residual(row.east_m, report_.fit.horizontal.result) +
+             Residual(row.elevation_m, report_.fit.vertical.result);
     if (row.left_out) {
       const LeftOut& out = *row.left_out;
       text_ += Length(std::hypot(out.miss_east_m, out.miss_north_m), 18);
-      text_ += Right(Number(out.scale_change_ppm, 2), 11);
-      text_ += Right(Number(-out.rotation_change_rad * kSecondsPerRadian, 2), 11);
+      text_ += Column(Number(out.scale_change_ppm, 2), 11);
+      text_ += Column(Number(-out.rotation_change_rad * kSecondsPerRadian, 2), 11);
     }
     text_ += "\n";
   }
@@ -80,10 +98,13 @@ class ReportWriter {
   void Horizontal() {
     const HorizontalFit& h = report_.fit.horizontal;
     Line("Horizontal fit", std::string(HorizontalMethodKey(h.method)) + ", " +
-                               std::to_string(h.points) + " points, redundancy " +
+                               PointCount(h.points) + ", redundancy " +
                                std::to_string(report_.horizontal_redundancy));
     Line("  Scale", FixedNumber(h.similarity.scale(), 10) + " (" + Number(report_.scale_ppm, 3) +
                         " ppm from 1)");
+    if (report_.ground_ppm) {
+      Line("  Ground distances", Number(*report_.ground_ppm, 1) + " ppm longer than on the grid");
+    }
     Line("  Rotation",
          AngleText(report_.rotation_clockwise_rad) + " clockwise, added to grid azimuths");
     Line("  Grid centre", "N " + Length(h.similarity.grid_northing_m, 0) + "  E " +
@@ -97,13 +118,12 @@ class ReportWriter {
 
   void Vertical() {
     const VerticalFit& v = report_.fit.vertical;
-    Line("Vertical fit", std::string(VerticalMethodKey(v.method)) + ", " +
-                             std::to_string(v.points) + " points, redundancy " +
-                             std::to_string(report_.vertical_redundancy));
+    Line("Vertical fit", std::string(VerticalMethodKey(v.method)) + ", " + PointCount(v.points) +
+                             ", redundancy " + std::to_string(report_.vertical_redundancy));
     Line("  Shift", Length(v.plane.shift_m, 0) + " at the centre");
     if (v.method == VerticalMethod::InclinedPlane) {
-      Line("  Tilt", FixedNumber(v.plane.slope_north * 1e6, 2) + " ppm to the north, " +
-                         FixedNumber(v.plane.slope_east * 1e6, 2) + " ppm to the east");
+      Line("  Tilt", Number(v.plane.slope_north * 1e6, 2) + " ppm to the north, " +
+                         Number(v.plane.slope_east * 1e6, 2) + " ppm to the east");
     }
     if (report_.sigma_vertical_m) {
       Line("  Standard deviation", Length(*report_.sigma_vertical_m, 0));
@@ -119,13 +139,16 @@ Json Optional(const std::optional<double>& value) {
   return value ? Json(*value) : Json(nullptr);
 }
 
-Json PointRow(const PointResidual& row) {
+Json PointRow(const PointResidual& row, const LocalizationFit& fit) {
+  const auto residual = [](double metres, FitResult of) {
+    return of == FitResult::Fitted ? Json(metres) : Json(nullptr);
+  };
   Json json = {{"name", row.name},
                {"horizontal", row.in_horizontal},
                {"vertical", row.in_vertical},
-               {"residual_east_m", row.east_m},
-               {"residual_north_m", row.north_m},
-               {"residual_elevation_m", row.elevation_m},
+               {"residual_east_m", residual(row.east_m, fit.horizontal.result)},
+               {"residual_north_m", residual(row.north_m, fit.horizontal.result)},
+               {"residual_elevation_m", residual(row.elevation_m, fit.vertical.result)},
                {"standardised", Optional(row.standardised)},
                {"left_out_elevation_m", Optional(row.left_out_elevation_m)},
                {"left_out", nullptr}};
@@ -148,6 +171,7 @@ Json HorizontalJson(const LocalizationReport& report) {
           {"redundancy", report.horizontal_redundancy},
           {"scale", s.scale()},
           {"scale_ppm", report.scale_ppm},
+          {"ground_ppm", Optional(report.ground_ppm)},
           {"rotation_clockwise_deg", report.rotation_clockwise_rad * kDegreesPerRadian},
           {"a", s.a},
           {"b", s.b},
@@ -172,6 +196,17 @@ Json VerticalJson(const LocalizationReport& report) {
 
 }  // namespace
 
+std::string OnOneLine(std::string text) {
+  const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (byte(i) < 0x20 || byte(i) == 0x7F) text[i] = ' ';
+    // U+0080 to U+009F, among them the one that begins a terminal's commands.
+    const bool is_c1 = byte(i) == 0xC2 && i + 1 < text.size() && (byte(i + 1) & 0xE0) == 0x80;
+    if (is_c1) text.replace(i, 2, "  ");
+  }
+  return text;
+}
+
 std::string ControlListText(const LocalizationList& list) {
   std::string text =
       "  No Description        Use      Latitude     Longitude    Height"
@@ -179,7 +214,7 @@ std::string ControlListText(const LocalizationList& list) {
   for (std::size_t i = 0; i < list.size(); ++i) {
     if (!list[i]) continue;
     const LocalizationPoint& p = *list[i];
-    text += Right(std::to_string(i + 1), 4) + ' ' + Left(p.description, 18) + ' ';
+    text += Right(std::to_string(i + 1), 4) + ' ' + NameColumn(p.description) + ' ';
     text += std::string(p.use_horizontal == 'Y' ? "H" : "-") + (p.use_vertical == 'Y' ? "V" : "-");
     text += Right(FixedNumber(p.gnss.latitude_rad * kDegreesPerRadian, 9), 14) +
             Right(FixedNumber(p.gnss.longitude_rad * kDegreesPerRadian, 9), 14) +
@@ -196,8 +231,8 @@ Json ControlListJson(const LocalizationList& list) {
   for (const auto& point : list) {
     if (!point) continue;
     rows.push_back({{"description", point->description},
-                    {"latitude", point->gnss.latitude_rad * kDegreesPerRadian},
-                    {"longitude", point->gnss.longitude_rad * kDegreesPerRadian},
+                    {"latitude", Degrees(point->gnss.latitude_rad)},
+                    {"longitude", Degrees(point->gnss.longitude_rad)},
                     {"ellipsoid_height_m", point->gnss.height_m},
                     {"local_northing", point->local_y},
                     {"local_easting", point->local_x},
@@ -216,7 +251,7 @@ std::string LocalizationReportText(const LocalizationReport& report, DistanceUni
 
 Json LocalizationReportJson(const LocalizationReport& report) {
   Json points = Json::array();
-  for (const PointResidual& row : report.points) points.push_back(PointRow(row));
+  for (const PointResidual& row : report.points) points.push_back(PointRow(row, report.fit));
   Json warnings = Json::array();
   for (const WarningText& warning : report.warnings) warnings.push_back(warning.text);
   return {{"usable", report.fit.usable()},

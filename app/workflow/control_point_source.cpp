@@ -1,64 +1,42 @@
 #include "app/workflow/control_point_source.h"
 
-#include <cmath>
-
 #include "app/workflow/raw_positions.h"
 #include "core/coordinate_file.h"
 #include "core/point_id.h"
 #include "core/point_store.h"
-#include "core/raw_file.h"
 
 namespace tarvex {
 namespace {
 
-constexpr std::uint64_t kLargestRawFile = std::uint64_t{1} << 32U;
-
-ExitCode TakeTypedPosition(const LocalizeOptions& options, Program& program,
-                           LocalizationPoint& point) {
-  const double latitude = options.wgs84[0];
-  const double longitude = options.wgs84[1];
-  if (!(std::abs(latitude) <= 90.0 && std::abs(longitude) <= 360.0)) {
-    return program.Misuse("--wgs84 takes latitude, longitude (decimal degrees) and height.");
+bool TakePosition(const ControlPointSource& source, Job& job, LocalizationPoint& point,
+                  std::string& problem) {
+  if (source.position) {
+    point.gnss = *source.position;
+    return true;
   }
-  point.gnss = {latitude * kRadiansPerDegree, longitude * kRadiansPerDegree, options.wgs84[2]};
-  return ExitCode::Done;
-}
-
-ExitCode TakeGnss(const LocalizeOptions& options, Job& job, Program& program,
-                  LocalizationPoint& point) {
-  if (options.wgs84.empty() == options.gnss_id.empty()) {
-    return program.Misuse("Give the GNSS position with --wgs84 LAT LON HEIGHT or --gnss ID.");
-  }
-  if (!options.wgs84.empty()) return TakeTypedPosition(options, program, point);
-  const std::string path = RawFilePath(job);
   std::string raw;
-  const FileStatus status = ReadWholeFile(program.files, path, kLargestRawFile, raw);
-  if (!status.ok()) {
-    return program.Fail("The raw file " + path + " cannot be read: " + status.Text() + ".");
-  }
-  const auto found = FindRawPosition(raw, NormalisePointId(options.gnss_id).view(), job.unit);
+  if (!ReadRawFile(job, raw, problem)) return false;
+  const auto found = FindRawPosition(raw, NormalisePointId(source.gnss_id).view(), job.unit);
   if (!found) {
-    return program.Fail("The raw file holds no GNSS position of point " + options.gnss_id + ".");
+    problem = "The raw file holds no GNSS position of point " + source.gnss_id + ".";
+    return false;
   }
   point.gnss = *found;
-  point.description = options.gnss_id;
-  return ExitCode::Done;
+  point.description = source.gnss_id;
+  return true;
 }
 
-ExitCode TakeLocal(const LocalizeOptions& options, Job& job, Program& program,
-                   LocalizationPoint& point) {
-  if (options.local.empty() == options.known_id.empty()) {
-    return program.Misuse("Give the local coordinates with --local N E EL or --known ID.");
-  }
+bool TakeLocal(const ControlPointSource& source, Job& job, LocalizationPoint& point,
+               std::string& problem) {
   GridPoint at;
-  if (!options.local.empty()) {
-    at = {options.local[0], options.local[1], options.local[2]};
+  if (source.local) {
+    at = *source.local;
   } else {
     const auto stream = OpenCoordinateFile(job);
     Point known;
-    if (!stream ||
-        ReadPoint(job, options.known_id, stream.get(), known) != ReadPointResult::Found) {
-      return program.Fail("There is no point " + options.known_id + " in " + job.path + ".");
+    if (!stream || ReadPoint(job, source.known_id, stream.get(), known) != ReadPointResult::Found) {
+      problem = "There is no point " + source.known_id + " in " + job.path + ".";
+      return false;
     }
     at = known.at;
     point.description = known.id.str();
@@ -66,22 +44,24 @@ ExitCode TakeLocal(const LocalizeOptions& options, Job& job, Program& program,
   point.local_x = at.easting;
   point.local_y = at.northing;
   point.local_z = at.elevation;
-  return ExitCode::Done;
+  return true;
 }
 
 }  // namespace
 
-ExitCode ReadControlPoint(const LocalizeOptions& options, Job& job, Program& program,
-                          LocalizationPoint& point) {
-  ExitCode exit_code = TakeGnss(options, job, program, point);
-  if (exit_code == ExitCode::Done) exit_code = TakeLocal(options, job, program, point);
-  if (exit_code != ExitCode::Done) return exit_code;
-  point.hrms = options.hrms;
-  point.vrms = options.vrms;
-  point.use_horizontal = options.no_horizontal ? 'N' : 'Y';
-  point.use_vertical = options.no_vertical ? 'N' : 'Y';
-  if (!options.description.empty()) point.description = options.description;
-  return ExitCode::Done;
+bool ReadControlPoint(const ControlPointSource& source, Job& job, LocalizationPoint& point,
+                      std::string& problem) {
+  LocalizationPoint made;
+  if (!TakePosition(source, job, made, problem) || !TakeLocal(source, job, made, problem)) {
+    return false;
+  }
+  made.hrms = source.hrms;
+  made.vrms = source.vrms;
+  made.use_horizontal = source.use_horizontal ? 'Y' : 'N';
+  made.use_vertical = source.use_vertical ? 'Y' : 'N';
+  if (!source.description.empty()) made.description = source.description;
+  point = std::move(made);
+  return true;
 }
 
 }  // namespace tarvex

@@ -1,16 +1,29 @@
-// A new control point of a localization from what the person gave: a position typed or of the raw
-// file, local coordinates typed or of a point of the job.
+// A new control point of a localization: a position that was typed or that the raw file holds, and
+// local coordinates that were typed or are those of a point of the job.
 #pragma once
 
-#include "app/cli/commands/localize_options.h"
-#include "app/cli/program.h"
+#include <optional>
+#include <string>
+
 #include "coordsys/localization/localization_points.h"
 #include "core/job.h"
 
 namespace tarvex {
 
-/// Anything but Done was told.
-ExitCode ReadControlPoint(const LocalizeOptions& options, Job& job, Program& program,
-                          LocalizationPoint& point);
+struct ControlPointSource {
+  std::optional<Geodetic> position;  ///< WGS84; without it the last one of `gnss_id`
+  std::string gnss_id;
+  std::optional<GridPoint> local;  ///< in the job's unit; without it those of `known_id`
+  std::string known_id;
+  std::string description;  ///< empty: the id of the point that it was taken from
+  double hrms = 0.0;
+  double vrms = 0.0;
+  bool use_horizontal = true;
+  bool use_vertical = true;
+};
+
+/// False with a sentence in `problem` when a point that was named is not there.
+[[nodiscard]] bool ReadControlPoint(const ControlPointSource& source, Job& job,
+                                    LocalizationPoint& point, std::string& problem);
 
 }  // namespace tarvex

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "app/workflow/control_fit.h"
 #include "core/number_text.h"
 
 namespace tarvex {
@@ -90,14 +91,18 @@ void PutJobLocalization(const JobLocalization& localization, const std::string& 
   settings.Set("localization_heights", VerticalMethodKey(localization.method.vertical));
 }
 
-std::string FitProblem(const LocalizationFit& fit) {
-  for (const FitResult result : {fit.horizontal.result, fit.vertical.result}) {
-    if (result == FitResult::Coincide) {
-      return "the control points stand in one place, so that no rotation can be fitted";
-    }
-    if (result == FitResult::NotANumber) return "a coordinate or the scale makes no sense";
-  }
-  return fit.usable() ? "" : "no control point takes part";
+std::string LocalizationOffNotice(Job& job, const Settings& settings) {
+  JobLocalization localization;
+  std::string problem;
+  if (!ReadJobLocalization(settings, job.path, localization, problem)) return {};
+  if (localization.on || localization.path.empty()) return {};
+  LocalizationFault fault;
+  const auto read = LoadLocalization(job.host.files(), localization.path, job.unit, fault);
+  const bool has_none = read ? read->points.empty() : !job.host.files().Exists(localization.path);
+  if (has_none) return {};
+  return "The job's localization (" + localization.path +
+         ") is off: coordinates are those of the system's grid. (tarvex localize " + job.path +
+         " --on uses it.)";
 }
 
 bool ApplyJobLocalization(Job& job, const Settings& settings, CTrgCalculator& calculator,
@@ -113,21 +118,13 @@ bool ApplyJobLocalization(Job& job, const Settings& settings, CTrgCalculator& ca
         "The job's localization cannot be used: " + fault.Text(localization.path) + "." + instead;
     return false;
   }
-  std::vector<UnusableControl> unusable;
-  const ControlPoints points = ProjectControl(calculator, read->points, unusable);
-  if (!unusable.empty()) {
-    problem = "The job's localization cannot be used: control point " +
-              std::to_string(unusable.front().position + 1) +
-              " has no grid coordinates: " + CalculationText(unusable.front().result) + instead;
-    return false;
-  }
-  const LocalizationFit fit = FitLocalization(points, localization.method);
-  if (!fit.usable()) {
-    problem = "The job's localization cannot be used: " + FitProblem(fit) + "." + instead;
+  const ControlFit control = FitControl(calculator, read->points, localization.method);
+  if (const std::string why = FitProblem(control); !why.empty()) {
+    problem = "The job's localization cannot be used: " + why + instead;
     return false;
   }
   CalculationSteps steps = calculator.steps();
-  steps.localization = std::make_shared<FittedLocalization>(fit);
+  steps.localization = std::make_shared<FittedLocalization>(control.fit);
   calculator.SetSteps(std::move(steps));
   return true;
 }

@@ -40,7 +40,8 @@ std::string_view VerticalMethodKey(VerticalMethod method);
 [[nodiscard]] bool ApplyJobLocalization(Job& job, const Settings& settings,
                                         CTrgCalculator& calculator, std::string& problem);
 
-/// Why a fit cannot be used, in a sentence; empty when it can.
-std::string FitProblem(const LocalizationFit& fit);
+/// What must be said where coordinates are made for a job that has control points and whose
+/// localization is off, in a sentence; empty for any other job.
+std::string LocalizationOffNotice(Job& job, const Settings& settings);
 
 }  // namespace tarvex

@@ -1,17 +1,27 @@
-// Positions of points as the raw file has them.
+// Positions of points as the raw file has them: the WGS84 position of the mark, whose height is the
+// one received less the antenna height that was in force there.
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "coordsys/coordinates.h"
+#include "core/job.h"
 #include "core/units.h"
 
 namespace tarvex {
 
-/// The WGS84 position of the mark from the last GPS record of a point: the height is the one
-/// received less the antenna height that was in force there. Nothing when there is no such record.
+/// The bytes of the job's raw file; false with a sentence in `problem`.
+[[nodiscard]] bool ReadRawFile(Job& job, std::string& bytes, std::string& problem);
+
+/// The position of the last GPS record of a point. Nothing when there is no such record.
 std::optional<Geodetic> FindRawPosition(std::string_view raw_file, std::string_view point_id,
                                         DistanceUnit unit);
+
+/// The last position of every point that has one, by the id in upper case.
+using RawPositions = std::unordered_map<std::string, Geodetic>;
+RawPositions AllRawPositions(std::string_view raw_file, DistanceUnit unit);
 
 }  // namespace tarvex

@@ -70,7 +70,8 @@ TEST(LocalizeCommand, TiesAJobToItsControl) {
   EXPECT_TRUE(Holds(fixed.output, "rotation, 3 points, redundancy 3")) << fixed.output;
   EXPECT_TRUE(Holds(folder.Read("site.job"), "localization_method=rotation"));
   EXPECT_TRUE(Holds(folder.Run("localize site.crd --remove 3 --list").output, "P4"));
-  EXPECT_TRUE(Holds(folder.Run("localize site.crd --off").output, "does not use it"));
+  EXPECT_TRUE(
+      Holds(folder.Run("localize site.crd --off").output, "site.loc) is off: coordinates are"));
   const ProgramResult off = folder.Run("convert --job site.crd", "46.8152 9.2674 1100\n");
   EXPECT_TRUE(Holds(off.output, " 1100.0000")) << off.output;
 }
@@ -88,7 +89,7 @@ TEST(LocalizeCommand, CollectedPointsComeOutInLocalCoordinates) {
   ASSERT_EQ(folder.Run(collect + "G1").exit_code, 0);
   const ProgramResult tied = folder.Run("localize site.crd --gnss g1 --known BM1");
   EXPECT_EQ(tied.exit_code, 0) << tied.errors;
-  EXPECT_TRUE(Holds(tied.output, "translation, 1 points")) << tied.output;
+  EXPECT_TRUE(Holds(tied.output, "translation, 1 point, redundancy 0")) << tied.output;
   const ProgramResult collected = folder.Run(collect + "L1");
   EXPECT_TRUE(Holds(collected.output, "Point L1: N 5000.0000  E 1000.0000  EL 471.2000"))
       << collected.output;
@@ -127,6 +128,10 @@ TEST(LocalizeCommand, NamesWhatIsWrong) {
       {"localize site.crd --wgs84 46.8 9.2 1 --known X", 1, "no point X"},
       {"localize site.crd --remove 1", 2, "no control point 1; the list holds 0"},
       {"localize site.crd --scale 7", 2, "scale"},
+      {"localize site.crd --wgs84 46.8 9.2 1 --local 1 inf 1", 2, "--local takes"},
+      {"localize site.crd --wgs84 46.8 9.2 nan --local 1 1 1", 2, "--wgs84 takes"},
+      {"localize site.crd --wgs84 46.8 9.2 1 --local 1 1 1 --hrms nan", 2, "--hrms and --vrms"},
+      {"localize site.crd --on", 1, "No control point takes part"},
       {"localize site.crd --from other.loc", 1, "other.loc: the file cannot be read"},
       {"localize site.crd --method wild", 2, "--method"},
   };
@@ -135,13 +140,153 @@ TEST(LocalizeCommand, NamesWhatIsWrong) {
     EXPECT_EQ(result.exit_code, c.exit_code) << c.line << result.output << result.errors;
     EXPECT_TRUE(Holds(result.errors, c.errors)) << c.line << ": " << result.errors;
   }
-  // Feet given for metres: kept, told, but not used.
-  (void)folder.Run("localize site.crd --wgs84 46.8152 9.2674 1100 --local 1000 1000 100");
-  const ProgramResult feet =
-      folder.Run("localize site.crd --wgs84 46.8172 9.2674 1100 --local 1729.6 1000 100");
-  EXPECT_TRUE(Holds(feet.output, "The job does not use it: the scale is no site's."))
-      << feet.output;
-  EXPECT_TRUE(Holds(folder.Read("site.job"), "localization_on=0"));
+}
+
+// A site on UTM 32 with two points that fit: 46.8152 9.2674 and 200 m to the north.
+class LocalSite : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(folder_.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+    ASSERT_EQ(Add("46.8152 9.2674 1100", "5000 1000 471.2").exit_code, 0);
+    ASSERT_EQ(Add("46.8170 9.2674 1100", "5200.068 1000.71 471.2").exit_code, 0);
+  }
+  ProgramResult Add(const std::string& position, const std::string& local,
+                    const std::string& more = "") {
+    return folder_.Run("localize site.crd --wgs84 " + position + " --local " + local + ' ' + more);
+  }
+  std::string Converted() {
+    return folder_.Run("convert --job site.crd", "46.8157 9.2678 1099\n").output;
+  }
+
+  ProgramFolder folder_;
+};
+
+// Each of these would leave no fit to use, or a scale of no site: the localization that worked goes
+// on, and nothing on the disk is changed.
+TEST_F(LocalSite, APointThatSpoilsTheFitIsRefused) {
+  const std::string before = Converted();
+  const std::string list = folder_.Read("site.loc");
+  const std::string settings = folder_.Read("site.job");
+  const std::string raw = folder_.Read("site.rw5");
+  struct Case {
+    const char* line;
+    const char* errors;
+  };
+  const Case cases[] = {
+      {"--wgs84 46.8152 9.2700 1100 --local 1198.5 5000 471.2", "swapped it would fit"},
+      {"--wgs84 46.8152 9.2700 1100 --local 16404.2 3932.1 1546", "no site's"},
+      {"--remove 2 --wgs84 46.8152 9.2674 1100 --local 5000 1000 471.2", "lie in one place"},
+      {"--wgs84 46.8 -170 1100 --local 5000 1000 471.2", "has no grid coordinates: "},
+  };
+  for (const Case& c : cases) {
+    const ProgramResult refused = folder_.Run(std::string("localize site.crd ") + c.line);
+    EXPECT_EQ(refused.exit_code, 1) << c.line;
+    EXPECT_TRUE(Holds(refused.errors, c.errors)) << refused.errors;
+    EXPECT_TRUE(Holds(refused.errors, "Nothing was changed; the job goes on")) << refused.errors;
+    EXPECT_TRUE(Holds(refused.errors, "--no-horizontal --no-vertical")) << refused.errors;
+    EXPECT_EQ(folder_.Read("site.loc"), list);
+    EXPECT_EQ(folder_.Read("site.job"), settings);
+    EXPECT_EQ(folder_.Read("site.rw5"), raw);
+    EXPECT_EQ(Converted(), before);
+  }
+  // The word how to keep it all the same.
+  EXPECT_EQ(
+      Add("46.8152 9.2700 1100", "1198.5 5000 471.2", "--no-horizontal --no-vertical").exit_code,
+      0);
+  EXPECT_EQ(Converted(), before);
+  const ProgramResult forced = folder_.Run("localize site.crd --toggle-horizontal 3");
+  EXPECT_EQ(forced.exit_code, 1);
+  EXPECT_EQ(folder_.Run("localize site.crd --toggle-horizontal 3 --on").exit_code, 0);
+  EXPECT_NE(Converted(), before);
+}
+
+// A list from elsewhere that cannot be used is kept in a job that had none, and not used.
+TEST_F(LocalSite, AListThatCannotBeUsedIsNot) {
+  std::string list = folder_.Read("site.loc");
+  const std::size_t points = list.find("<record id=\"Point 1\"");
+  list.resize(points);
+  const char* const corners[2][4] = {{"46.81", "9.0", "5000", "1000"},
+                                     {"46.81", "9.001", "5000", "1000"}};
+  for (const auto& corner : corners) {
+    list += "<record id=\"Point\" >\n";
+    const char* const names[] = {"Lat", "Lon", "Local_Y", "Local_X"};
+    for (int i = 0; i < 4; ++i) {
+      list +=
+          std::string("<value name=\"") + names[i] + "\" value=\"" + corner[i] + "\"></value>\n";
+    }
+    list +=
+        "<value name=\"Ellipsoid_Elv\" value=\"1\"></value>\n<value name=\"Local_Z\" "
+        "value=\"1\"></value>\n<value name=\"Use_Horizontal\" value=\"Yes\"></value>\n"
+        "<value name=\"Use_Vertical\" value=\"Yes\"></value>\n"
+        "<value name=\"Description\" value=\"a&#27;[2J\"></value>\n</record>\n";
+  }
+  list +=
+      "<value name=\"Units\" value=\"WGS84, Decimal Degrees, Metric\"></value>\n</record>\n"
+      "</table>\n</morwend_xml>\n";
+  folder_.Write("other.loc", list);
+  EXPECT_EQ(folder_.Run("localize site.crd --from other.loc").exit_code, 1);
+  ASSERT_EQ(folder_.Run("new new.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  const ProgramResult kept = folder_.Run("localize new.crd --from other.loc --list");
+  EXPECT_EQ(kept.exit_code, 1);
+  EXPECT_TRUE(Holds(kept.errors, "The list is kept, but the job does not use it")) << kept.errors;
+  EXPECT_FALSE(Holds(kept.output + kept.errors, "\x1b"));
+  EXPECT_FALSE(Holds(kept.output, "large residual")) << kept.output;
+  EXPECT_TRUE(Holds(folder_.Read("new.job"), "localization_on=0"));
+  const ProgramResult again = folder_.Run("localize new.crd --json");
+  EXPECT_EQ(again.exit_code, 0);
+  const auto json = nlohmann::json::parse(again.output);
+  EXPECT_FALSE(json["usable"]);
+  EXPECT_TRUE(json["points"][0]["residual_north_m"].is_null());
+}
+
+TEST_F(LocalSite, NamesAFileThatIsGone) {
+  (void)std::remove(folder_.Path("site.loc").c_str());
+  for (const char* line : {"", " --json", " --remove 1", " --method rotation"}) {
+    const ProgramResult gone = folder_.Run(std::string("localize site.crd") + line);
+    EXPECT_EQ(gone.exit_code, 1) << line;
+    EXPECT_TRUE(Holds(gone.errors, "site.loc: the file cannot be read")) << gone.errors;
+  }
+  EXPECT_EQ(Add("46.81 9.26 1", "1 2 3").exit_code, 1);
+  EXPECT_EQ(folder_.Run("localize site.crd --off").exit_code, 0);
+}
+
+// On the edge of the grid a control point cannot be taken in; the reason is the step's own.
+TEST(LocalizeCommand, SaysWhyAPointHasNoGridCoordinates) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new nl.crd --system NETHERLANDS/Amersfoort/RD2004").exit_code, 0);
+  const ProgramResult refused = folder.Run("localize nl.crd --wgs84 52.1 5.4 43 --local 1 2 3");
+  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_TRUE(Holds(refused.errors, "no grid coordinates: The shift grid is missing"))
+      << refused.errors;
+  EXPECT_EQ(folder.Read("nl.loc"), "");
+}
+
+// Points do not move with a localization: what the raw file tells of them is told.
+TEST(LocalizeCommand, SaysWhichStoredPointsLieInOtherCoordinates) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  folder.Write("still.log",
+               "$GPGST,123519.00,,,,,0.03,0.04,0.06\r\n"
+               "$GPGGA,123519.00,4717.11399,N,00833.91590,E,4,12,0.9,499.6,M,48.0,M,1.0,0001\r\n");
+  const std::string collect =
+      "collect site.crd --receiver file:still.log --make nmea --antenna-height 2 --first ";
+  ASSERT_EQ(folder.Run(collect + "G1").exit_code, 0);
+  ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exit_code, 0);
+  const ProgramResult tied = folder.Run("localize site.crd --gnss G1 --known BM1");
+  EXPECT_TRUE(Holds(tied.errors,
+                    "WARNING: 2 stored points keep their coordinates. By the raw file "
+                    "1 of them lies elsewhere than the job would place it now (G1)."))
+      << tied.errors;
+  ASSERT_EQ(folder.Run(collect + "L1").exit_code, 0);
+  const ProgramResult off = folder.Run("localize site.crd --off");
+  EXPECT_TRUE(Holds(off.errors,
+                    "3 stored points keep their coordinates. By the raw file 1 of them "
+                    "lies elsewhere than the job would place it now (L1)."))
+      << off.errors;
+  EXPECT_TRUE(Holds(off.errors, "where 1 point without a position belongs")) << off.errors;
+  const ProgramResult notice = folder.Run("localize site.crd");
+  EXPECT_TRUE(Holds(notice.output, "site.loc) is off: coordinates are those of the system's grid."))
+      << notice.output;
 }
 
 TEST(ConvertCommand, ExplainsItsStepsAndRefusesIncompleteOnes) {

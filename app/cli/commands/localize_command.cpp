@@ -6,10 +6,12 @@
 #include "app/cli/commands/commands.h"
 #include "app/cli/commands/localize_options.h"
 #include "app/cli/localization_text.h"
-#include "app/workflow/control_point_source.h"
+#include "app/workflow/control_fit.h"
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_localization.h"
 #include "app/workflow/job_session.h"
+#include "app/workflow/stored_coordinates.h"
+#include "core/number_text.h"
 #include "core/point_list.h"
 #include "core/raw_file.h"
 #include "core/raw_records.h"
@@ -17,8 +19,7 @@
 namespace tarvex {
 namespace {
 
-constexpr double kAbsurdScale_ppm = 10'000.0;  // feet for metres, another zone, a swapped axis
-constexpr double kElsewhere_m = 100'000.0;     // points in other coordinates than the local ones
+constexpr double kElsewhere_m = 100'000.0;  // points in other coordinates than the local ones
 
 // One run of the command: the job, its list of control points, and what is to become of them.
 class Localize {
@@ -27,10 +28,22 @@ class Localize {
       : options_(options), program_(program), session_(program, options.job), systems_(program) {}
 
   ExitCode Run() {
-    if (!session_.LoadExisting()) return ExitCode::Failed;
-    if (!Open() || !Change()) return exit_code_;
+    if (!session_.LoadExisting() || !Open()) return exit_code_;
+    const bool worked = localization_.on && FitProblem(Fit()).empty();
+    if (!Change()) return exit_code_;
+    control_ = Fit();
+    report_ = ReportLocalization(control_.points, localization_.method, JobPlaces(control_.fit),
+                                 session_.job().unit);
+    Judge(worked);
+    if (refused_) {
+      Print("The fit that was refused");
+      return exit_code_;
+    }
     if (changed_ && !Save()) return exit_code_;
-    return Report();
+    if (IsChanged() && !SaveSettings()) return exit_code_;
+    Print(localization_.path);
+    if (IsChanged()) WarnOfStoredPoints();
+    return exit_code_;
   }
 
  private:
@@ -45,6 +58,7 @@ class Localize {
 
   // The calculator without a localization, the settings and the list.
   bool Open() {
+    exit_code_ = ExitCode::Done;
     Job& job = session_.job();
     std::string problem;
     if (!systems_.MakeCalculator(SystemOfSettings(session_.settings()), job.unit, calculator_,
@@ -53,11 +67,12 @@ class Localize {
       return Fail(problem);
     }
     if (localization_.path.empty()) localization_.path = PathWithExtension(job.path, "loc");
-    if (!program_.files.Exists(localization_.path) || !options_.from.empty()) return true;
-    if (LoadList(localization_.path, problem)) return true;
+    before_ = localization_;
+    const bool expected = localization_.on || program_.files.Exists(localization_.path);
+    if (!expected || !options_.from.empty() || LoadList(localization_.path, problem)) return true;
     // A list that cannot be read can still be switched off, and only that.
     if (!options_.off || options_.changes_list()) return Fail(problem);
-    program_.console.PrintError("WARNING: " + problem + "\n");
+    program_.Warn(problem);
     return true;
   }
 
@@ -65,16 +80,19 @@ class Localize {
     LocalizationFault fault;
     auto read = LoadLocalization(program_.files, path, session_.job().unit, fault);
     if (!read) {
-      problem = fault.Text(path) + ".";
+      problem = OnOneLine(fault.Text(path)) + ".";
       return false;
     }
     list_ = std::move(read->points);
     for (const auto& [name, value] : read->settings) {
-      program_.console.PrintError(path + " also holds the setting " + name + "=" + value +
-                                  ", which is not used here.\n");
+      program_.console.PrintError(
+          OnOneLine(path + " also holds the setting " + name + "=" + value) +
+          ", which is not used here.\n");
     }
     return true;
   }
+
+  ControlFit Fit() const { return FitControl(calculator_, list_, localization_.method); }
 
   bool Change() {
     if (!options_.from.empty()) {
@@ -119,31 +137,85 @@ class Localize {
   }
 
   bool Add() {
+    ControlPointSource source;
+    std::string problem;
+    if (!TakeControlPointSource(options_, source, problem)) return Misuse(problem);
     LocalizationPoint point;
-    exit_code_ = ReadControlPoint(options_, session_.job(), program_, point);
-    if (exit_code_ != ExitCode::Done) return false;
+    if (!ReadControlPoint(source, session_.job(), point, problem)) return Fail(problem);
     list_.emplace_back(std::move(point));
     return changed_ = true;
   }
 
   bool ChangeMethod() {
-    const JobLocalization before = localization_;
-    if (!options_.method.empty()) {
-      localization_.method.horizontal = *ParseHorizontalMethod(options_.method);
-    }
-    if (!options_.heights.empty()) {
-      localization_.method.vertical = *ParseVerticalMethod(options_.heights);
-    }
-    if (options_.scale) localization_.method.given_scale = *options_.scale;
-    if (!(localization_.method.given_scale > 0.5 && localization_.method.given_scale < 2.0)) {
+    LocalizationMethod& method = localization_.method;
+    if (!options_.method.empty()) method.horizontal = *ParseHorizontalMethod(options_.method);
+    if (!options_.heights.empty()) method.vertical = *ParseVerticalMethod(options_.heights);
+    if (options_.scale) method.given_scale = *options_.scale;
+    if (!(method.given_scale > 0.5 && method.given_scale < 2.0)) {
       return Misuse("A scale is a number near 1.");
     }
-    if (changed_) localization_.on = true;  // unless the fit turns out to make no sense
-    if (options_.on) localization_.on = true;
+    const bool takes_scale = method.horizontal == HorizontalMethod::FixedScale ||
+                             method.horizontal == HorizontalMethod::Translation;
+    if (options_.scale && !takes_scale) {
+      program_.Warn("--scale is for --method fixed-scale and translation; " +
+                    std::string(HorizontalMethodKey(method.horizontal)) + " does not use it.");
+    }
+    if (changed_ || options_.on) localization_.on = true;
     if (options_.off) localization_.on = false;
-    settings_changed_ =
-        changed_ || before.on != localization_.on || !(before.method == localization_.method);
     return true;
+  }
+
+  bool IsChanged() const {
+    return changed_ || before_.on != localization_.on || !(before_.method == localization_.method);
+  }
+
+  // Refuses the change, or lets it stand: a list that cannot be used, or only with a scale that no
+  // site has, never takes the place of a localization that worked.
+  void Judge(bool worked) {
+    if (changed_ && control_.empty() && !options_.on) localization_.on = false;
+    const std::string problem = Problem();
+    if (problem.empty()) return;
+    if (!IsChanged()) {
+      (void)Fail(problem);
+      return;
+    }
+    const bool keeps = changed_ && !worked && !options_.on && !options_.adds();
+    if (keeps) {
+      localization_.on = false;
+      (void)Fail(problem + " The list is kept, but the job does not use it.");
+      return;
+    }
+    (void)Fail(problem + Refusal(worked));
+    localization_ = before_;
+    refused_ = true;
+  }
+
+  std::string Problem() const {
+    if (!localization_.on && !options_.adds()) return {};
+    if (options_.off && FitProblem(control_).empty()) return {};
+    if (control_.empty()) return changed_ && !options_.on ? "" : FitProblem(control_);
+    if (std::string problem = FitProblem(control_); !problem.empty()) return problem;
+    if (!control_.is_absurd() || options_.on || !IsChanged()) return {};
+    return "The scale would be " + FixedNumber(report_.scale_ppm, 0) +
+           " ppm from 1, which is no site's: feet taken for metres, another zone?" +
+           (SwapWouldFit() ? " With northing and easting of the new point swapped it would fit."
+                           : "");
+  }
+
+  bool SwapWouldFit() const {
+    if (!options_.adds()) return false;
+    LocalizationList swapped = list_;
+    std::swap(swapped.back()->local_x, swapped.back()->local_y);
+    const ControlFit control = FitControl(calculator_, swapped, localization_.method);
+    return control.fit.usable() && !control.is_absurd();
+  }
+
+  std::string Refusal(bool worked) const {
+    std::string text = " Nothing was changed";
+    text += worked ? "; the job goes on with the localization that it has." : ".";
+    if (options_.adds()) text += " (--no-horizontal --no-vertical adds the point as unused.)";
+    if (control_.fit.usable()) text += " (--on takes the fit all the same.)";
+    return text;
   }
 
   bool Save() {
@@ -155,20 +227,34 @@ class Localize {
                 "; nothing was changed.");
   }
 
-  bool SaveSettings(const LocalizationReport& report) {
+  bool SaveSettings() {
     PutJobLocalization(localization_, session_.job().path, session_.settings());
     if (!session_.Save()) {
       exit_code_ = ExitCode::Failed;
       return false;
     }
     const std::string state =
-        localization_.on ? FittedLocalization(report.fit).Describe() : std::string("off");
+        localization_.on ? FittedLocalization(control_.fit).Describe() : std::string("off");
     if (AppendRawRecord(session_.job(), CommentRecord("Localization: " + state)) ==
         RawFileResult::Written) {
       return true;
     }
     return Fail("The localization is kept, but the raw file " + RawFilePath(session_.job()) +
                 " could not be written.");
+  }
+
+  // Stored points do not move. Of a switch the person is told in any case, of another fit when it
+  // would place points elsewhere.
+  void WarnOfStoredPoints() {
+    CTrgCalculator now = calculator_;
+    if (localization_.on) {
+      CalculationSteps steps = now.steps();
+      steps.localization = std::make_shared<FittedLocalization>(control_.fit);
+      now.SetSteps(std::move(steps));
+    }
+    const StoredCoordinates stored = CompareStoredCoordinates(session_.job(), now);
+    const bool switched = before_.on != localization_.on && (options_.on || options_.off);
+    if (stored.points > 0 && (switched || stored.elsewhere > 0)) program_.Warn(stored.Text());
   }
 
   // The points of the job on the grid, to see whether the control reaches them.
@@ -192,62 +278,45 @@ class Localize {
     return places;
   }
 
-  ExitCode Report() {
-    std::vector<UnusableControl> unusable;
-    const ControlPoints points = ProjectControl(calculator_, list_, unusable);
-    for (const UnusableControl& control : unusable) {
-      (void)Fail("Control point " + std::to_string(control.position + 1) +
-                 " has no grid coordinates: " + CalculationText(control.result));
-    }
-    const LocalizationFit fit = FitLocalization(points, localization_.method);
-    const LocalizationReport report =
-        ReportLocalization(points, localization_.method, JobPlaces(fit));
-    const bool usable = fit.usable() && unusable.empty();
-    absurd_ = std::abs(report.scale_ppm) > kAbsurdScale_ppm && !options_.on;
-    if (!usable || (changed_ && absurd_)) localization_.on = false;
-    if (settings_changed_ && !SaveSettings(report)) return exit_code_;
+  void Print(const std::string& heading) {
     if (options_.json) {
-      PrintJson(report);
+      PrintJson();
     } else {
-      PrintText(report);
+      PrintText(heading);
     }
-    return exit_code_;
   }
 
-  void PrintJson(const LocalizationReport& report) {
-    Json json = LocalizationReportJson(report);
+  void PrintJson() {
+    Json json = LocalizationReportJson(report_);
     json["control"] = ControlListJson(list_);
     json["unit"] = UnitKey(session_.job().unit);
     json["file"] = localization_.path;
     json["on"] = localization_.on;
+    json["refused"] = refused_;
     program_.console.Print(JsonText(json));
   }
 
-  void PrintText(const LocalizationReport& report) {
-    if (list_.empty() && options_.off) {
-      program_.console.Print("The job does not use a localization.\n");
-      return;
-    }
+  void PrintText(const std::string& heading) {
     if (list_.empty()) {
-      program_.console.Print(
-          "The job has no control points; `tarvex localize --help` shows how to "
-          "add them.\n");
+      program_.console.Print(options_.off
+                                 ? "The job does not use a localization.\n"
+                                 : "The job has no control points; `tarvex localize --help` shows "
+                                   "how to add them.\n");
       return;
     }
     if (options_.list) program_.console.Print(ControlListText(list_));
-    program_.console.Print(localization_.path + ": residuals in " +
+    program_.console.Print(heading + ": residuals in " +
                            std::string(UnitName(session_.job().unit)) + ", local minus fitted\n" +
-                           LocalizationReportText(report, session_.job().unit));
-    if (!report.fit.usable()) {
-      program_.console.Print("The localization cannot be used: " + FitProblem(report.fit) + ".\n");
-    } else if (localization_.on) {
-      program_.console.Print("The job uses the localization.\n");
-    } else {
-      program_.console.Print(absurd_
-                                 ? "The job does not use it: the scale is no site's. (--on uses it "
-                                   "all the same.)\n"
-                                 : "The job does not use it (--on).\n");
-    }
+                           LocalizationReportText(report_, session_.job().unit));
+    if (refused_) return;
+    program_.console.Print(StateSentence() + "
+");
+  }
+
+  std::string StateSentence() {
+    if (localization_.on) return "The job uses the localization.";
+    const std::string notice = LocalizationOffNotice(session_.job(), session_.settings());
+    return notice.empty() ? "The job does not use the localization (--on)." : notice;
   }
 
   const LocalizeOptions& options_;
@@ -255,12 +324,14 @@ class Localize {
   JobSession session_;
   CoordinateSystems systems_;
   CTrgCalculator calculator_;
+  JobLocalization before_;
   JobLocalization localization_;
   LocalizationList list_;
+  ControlFit control_;
+  LocalizationReport report_;
   bool changed_ = false;
-  bool settings_changed_ = false;
-  bool absurd_ = false;
-  ExitCode exit_code_ = ExitCode::Done;
+  bool refused_ = false;
+  ExitCode exit_code_ = ExitCode::Failed;  // until the job is open
 };
 
 ExitCode RunLocalize(const LocalizeOptions& options, Program& program) {
@@ -276,7 +347,8 @@ void AddLocalizeCommand(CLI::App& app, Program& program) {
   CLI::App& sub = command.sub;
   sub.footer(
       "Without options the list is fitted and reported. A changed list is kept in the job's .loc\n"
-      "file and used from then on: collected points come out in local coordinates.\n"
+      "file and used from then on: collected points come out in local coordinates. A change that\n"
+      "leaves no fit to use, or a scale more than 1 % from 1, is refused.\n"
       "Example: tarvex localize site.crd --gnss 101 --known BM1\n"
       "         tarvex localize site.crd --wgs84 47.1 8.2 520.3 --local 1000 5000 471.2\n"
       "         tarvex localize site.crd --toggle-horizontal 3 --heights plane");

@@ -1,6 +1,8 @@
 #include "app/cli/commands/localize_options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
 
 namespace tarvex {
 namespace {
@@ -59,7 +61,61 @@ void AddFitOptions(CLI::App& sub, LocalizeOptions& options) {
   sub.add_flag("--on", options.on, "The job uses it again")->excludes(off)->group(group);
 }
 
+bool AreNumbers(const std::vector<double>& values) {
+  return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
+}
+
+bool TakePosition(const LocalizeOptions& options, ControlPointSource& source,
+                  std::string& problem) {
+  if (options.wgs84.empty() == options.gnss_id.empty()) {
+    problem = "Give the GNSS position with --wgs84 LAT LON HEIGHT or --gnss ID.";
+    return false;
+  }
+  source.gnss_id = options.gnss_id;
+  if (options.wgs84.empty()) return true;
+  const double latitude = options.wgs84[0];
+  const double longitude = options.wgs84[1];
+  if (!AreNumbers(options.wgs84) || std::abs(latitude) > 90.0 || std::abs(longitude) > 360.0) {
+    problem = "--wgs84 takes latitude, longitude (decimal degrees) and height (metres).";
+    return false;
+  }
+  source.position =
+      Geodetic{latitude * kRadiansPerDegree, longitude * kRadiansPerDegree, options.wgs84[2]};
+  return true;
+}
+
+bool TakeLocal(const LocalizeOptions& options, ControlPointSource& source, std::string& problem) {
+  if (options.local.empty() == options.known_id.empty()) {
+    problem = "Give the local coordinates with --local N E EL or --known ID.";
+    return false;
+  }
+  source.known_id = options.known_id;
+  if (options.local.empty()) return true;
+  if (!AreNumbers(options.local)) {
+    problem = "--local takes northing, easting and elevation as numbers.";
+    return false;
+  }
+  source.local = GridPoint{options.local[0], options.local[1], options.local[2]};
+  return true;
+}
+
 }  // namespace
+
+bool TakeControlPointSource(const LocalizeOptions& options, ControlPointSource& source,
+                            std::string& problem) {
+  if (!TakePosition(options, source, problem) || !TakeLocal(options, source, problem)) return false;
+  for (const double rms : {options.hrms, options.vrms}) {
+    if (std::isfinite(rms) && rms >= 0.0) continue;
+    problem = "--hrms and --vrms take the RMS of the position, 0 or more.";
+    return false;
+  }
+  source.description = options.description;
+  source.hrms = options.hrms;
+  source.vrms = options.vrms;
+  source.use_horizontal = !options.no_horizontal;
+  source.use_vertical = !options.no_vertical;
+  return true;
+}
 
 void AddLocalizeOptions(CLI::App& sub, LocalizeOptions& options) {
   AddPointOptions(sub, options);

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "app/workflow/control_point_source.h"
+
 namespace CLI {
 class App;
 }  // namespace CLI
@@ -45,6 +47,11 @@ struct LocalizeOptions {
            !from.empty();
   }
 };
+
+/// The control point that is to be added; false with a sentence in `problem` for options that make
+/// no sense.
+[[nodiscard]] bool TakeControlPointSource(const LocalizeOptions& options,
+                                          ControlPointSource& source, std::string& problem);
 
 /// All but the job and the two ways of printing.
 void AddLocalizeOptions(CLI::App& sub, LocalizeOptions& options);
