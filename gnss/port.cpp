@@ -39,8 +39,14 @@ PortError Port::Open() {
   }
   PortError error = ConfigureOpened();
   if (error == PortError::None) error = SetDefaultTimeouts();
-  if (error != PortError::None) (void)Close();
-  return error;
+  if (error == PortError::None) error = FinishOpening();
+  if (error != PortError::None) {
+    (void)Close();
+    return error;
+  }
+  const std::scoped_lock lock(beside_);
+  open_beside_ = true;
+  return PortError::None;
 }
 
 PortError Port::Fail(PortError error, const DeviceStatus& status) {
@@ -62,7 +68,11 @@ PortError Port::SetDefaultTimeouts() {
 
 PortError Port::Close() {
   if (!is_open()) return Fail(PortError::NotOpen);
-  (void)device_->Close();
+  {
+    const std::scoped_lock lock(beside_);
+    open_beside_ = false;
+    (void)device_->Close();
+  }
   lastCount_ = 0;
   readTotalTimeout_ = kKeepTimeouts;
   return PortError::None;
@@ -136,7 +146,8 @@ PortError Port::Write(std::string_view bytes, int timeout) {
 PortError Port::WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts,
                             std::size_t& written) {
   written = 0;
-  if (!is_open()) return Fail(PortError::NotOpen);
+  const std::scoped_lock lock(beside_);
+  if (!open_beside_) return Fail(PortError::NotOpen);
   return device_->Write(bytes, timeouts, written).ok() ? PortError::None
                                                        : Fail(PortError::WriteFailed);
 }

@@ -1,12 +1,13 @@
 // A port: the one way to every instrument, whether its bytes travel over a serial line, a Bluetooth
-// serial line, a TCP socket or come from a recorded log. One port belongs to one driver; it has no
-// lock of its own, but a busy flag keeps a second reader off.
+// serial line, a TCP socket or come from a recorded log. One port belongs to one driver and is used
+// by one thread, but for WriteBeside(); a busy flag keeps a second reader off.
 //
 // Every operation on a closed port fails with PortError::NotOpen. All times are milliseconds.
 #pragma once
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <string>
 #include <string_view>
@@ -62,8 +63,9 @@ class Port {
   /// WriteFailed when fewer bytes than given went out in time.
   PortError Write(std::string_view bytes, int timeout);
 
-  /// For a second thread while the first one reads: touches nothing of this object. No two threads
-  /// may write at once. `written` says how far it came; running out of time is no failure here.
+  /// For a second thread while the first one reads, closes or opens the port again; it fails with
+  /// NotOpen in between. No two threads may write at once. `written` says how far it came; running
+  /// out of time is no failure here.
   PortError WriteBeside(std::string_view bytes, const WriteTimeouts& timeouts,
                         std::size_t& written);
 
@@ -87,6 +89,8 @@ class Port {
   void set_name(std::string name) { name_ = std::move(name); }
   /// What an opened device needs before it is used.
   virtual PortError ConfigureOpened() { return PortError::None; }
+  /// The last step of opening.
+  virtual PortError FinishOpening() { return PortError::None; }
   PortError Fail(PortError error) { return Report(errors_, error); }
   /// The same for a device that failed, which may mean that nothing more comes.
   PortError Fail(PortError error, const DeviceStatus& status);
@@ -105,6 +109,8 @@ class Port {
   int readTotalTimeout_ = kKeepTimeouts;
   PortEnd end_ = PortEnd::None;
   std::atomic_flag busy_;
+  std::mutex beside_;  // held while a second thread writes and while the device is closed
+  bool open_beside_ = false;
 };
 
 /// Holds the port's busy flag; false when another reader has it.

@@ -80,7 +80,7 @@ std::unique_ptr<Port> MakePort(const PortAddress& address, FileSystem& files, Cl
                                LastErrorRecord& errors, StopAsked stop) {
   switch (address.kind) {
     case PortKind::Serial: {
-      auto port = std::make_unique<SerialPort>(errors, clock);
+      auto port = std::make_unique<SerialPort>(errors, clock, std::move(stop));
       (void)port->SetLine(address.target, address.baudRate, kDataBits, 0, 0);
       return port;
     }

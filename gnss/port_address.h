@@ -31,7 +31,7 @@ struct PortAddress {
                                     std::string& problem);
 
 /// A closed port for the address; nothing for the simulated receiver, which needs none. `stop` ends
-/// a connecting or reading that waits for the network.
+/// a connecting or reading that waits.
 std::unique_ptr<Port> MakePort(const PortAddress& address, FileSystem& files, Clock& clock,
                                LastErrorRecord& errors, StopAsked stop = {});
 

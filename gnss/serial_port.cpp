@@ -1,6 +1,7 @@
 #include "gnss/serial_port.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tarvex {
 namespace {
@@ -37,8 +38,8 @@ SerialStopBits StopBitsOf(std::uint32_t flag) {
 
 }  // namespace
 
-SerialPort::SerialPort(LastErrorRecord& errors, Clock& clock)
-    : SerialPort(MakeSerialDevice(), errors, clock) {}
+SerialPort::SerialPort(LastErrorRecord& errors, Clock& clock, StopAsked stop)
+    : SerialPort(MakeSerialDevice(std::move(stop)), errors, clock) {}
 
 SerialPort::SerialPort(std::unique_ptr<SerialDevice> device, LastErrorRecord& errors, Clock& clock)
     : SerialPort(device.release(), errors, clock) {}

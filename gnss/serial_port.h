@@ -20,8 +20,8 @@ inline constexpr std::uint32_t kStopBitsOneAndHalf = 4;
 
 class SerialPort final : public Port {
  public:
-  /// On this machine's own device.
-  SerialPort(LastErrorRecord& errors, Clock& clock);
+  /// On this machine's own device; `stop` ends a read that waits.
+  SerialPort(LastErrorRecord& errors, Clock& clock, StopAsked stop = {});
   SerialPort(std::unique_ptr<SerialDevice> device, LastErrorRecord& errors, Clock& clock);
 
   /// Names the port by number ("COM%d:") and stores the line; an open port is configured at once.
@@ -53,6 +53,8 @@ class SerialPort final : public Port {
 
  private:
   PortError ConfigureOpened() override { return Configure(); }
+  /// Drops what the line still held: it is of the past, and was perhaps sent at another rate.
+  PortError FinishOpening() override { return PurgeInput(); }
   SerialPort(SerialDevice* device, LastErrorRecord& errors, Clock& clock);
   SerialLine StoredLine() const;
   PortError Checked(DeviceStatus (SerialDevice::*operation)(), PortError failure);

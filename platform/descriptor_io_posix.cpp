@@ -57,6 +57,7 @@ DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& 
                      const StopAsked& stop) {
   ready = false;
   for (;;) {
+    if (stop && stop()) return {ECANCELED};
     pollfd wanted{.fd = descriptor, .events = events, .revents = 0};
     const std::int64_t step_us = stop ? SteadyMicroseconds() + kStopStepUs : kForEver;
     const int timeout_ms = PollTimeout(Sooner(until_us, step_us));
@@ -65,7 +66,6 @@ DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& 
     ready = count > 0;
     if (ready || timeout_ms == 0) return {};
     if (until_us != kForEver && SteadyMicroseconds() >= until_us) return {};
-    if (stop && stop()) return {ECANCELED};
   }
 }
 

@@ -39,6 +39,7 @@ class SerialDevice : public ByteDevice {
 
 /// The serial devices of this machine, by name: "/dev/ttyUSB0", a Bluetooth "/dev/rfcomm0"; by
 /// number "COM1:", which is the machine's first own line (/dev/ttyS0).
-std::unique_ptr<SerialDevice> MakeSerialDevice();
+/// `stop` ends the waits of Read.
+std::unique_ptr<SerialDevice> MakeSerialDevice(StopAsked stop = {});
 
 }  // namespace tarvex

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <utility>
 
 #include "platform/descriptor_device_posix.h"
 #include "platform/serial_device.h"
@@ -120,7 +121,8 @@ std::string PathOf(const std::string& name) {
 
 class LinuxSerialDevice final : public DescriptorDevice<SerialDevice> {
  public:
-  LinuxSerialDevice() : DescriptorDevice(DescriptorKind::Device, kReadAhead) {}
+  explicit LinuxSerialDevice(StopAsked stop)
+      : DescriptorDevice(DescriptorKind::Device, kReadAhead, std::move(stop)) {}
   LinuxSerialDevice(const LinuxSerialDevice&) = delete;
   LinuxSerialDevice& operator=(const LinuxSerialDevice&) = delete;
   ~LinuxSerialDevice() override { (void)CloseDescriptor(); }
@@ -234,8 +236,8 @@ class LinuxSerialDevice final : public DescriptorDevice<SerialDevice> {
 
 }  // namespace
 
-std::unique_ptr<SerialDevice> MakeSerialDevice() {
-  return std::make_unique<LinuxSerialDevice>();
+std::unique_ptr<SerialDevice> MakeSerialDevice(StopAsked stop) {
+  return std::make_unique<LinuxSerialDevice>(std::move(stop));
 }
 
 }  // namespace tarvex

@@ -68,6 +68,19 @@ void SendWithoutDelay(int descriptor) {
   (void)::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
+// A far end that vanished without a word (no power, out of radio range) is found out within half a
+// minute, not after hours.
+void AskWhetherItLives(int descriptor) {
+  constexpr int kOn = 1;
+  constexpr int kSilentS = 15;
+  constexpr int kBetweenS = 5;
+  constexpr int kTimes = 3;
+  (void)::setsockopt(descriptor, SOL_SOCKET, SO_KEEPALIVE, &kOn, sizeof kOn);
+  (void)::setsockopt(descriptor, IPPROTO_TCP, TCP_KEEPIDLE, &kSilentS, sizeof kSilentS);
+  (void)::setsockopt(descriptor, IPPROTO_TCP, TCP_KEEPINTVL, &kBetweenS, sizeof kBetweenS);
+  (void)::setsockopt(descriptor, IPPROTO_TCP, TCP_KEEPCNT, &kTimes, sizeof kTimes);
+}
+
 class TcpDevice final : public DescriptorDevice<ByteDevice> {
  public:
   TcpDevice(std::uint32_t connect_timeout_ms, StopAsked stop, int descriptor = -1)
@@ -88,6 +101,7 @@ class TcpDevice final : public DescriptorDevice<ByteDevice> {
     for (const addrinfo* at = addresses.get(); at != nullptr; at = at->ai_next) {
       status = Connect(*at, connect_timeout_ms_, stop_, descriptor_);
       if (status.ok()) SendWithoutDelay(descriptor_);
+      if (status.ok()) AskWhetherItLives(descriptor_);
       if (status.ok() || status.code == ECANCELED) break;
     }
     return status;

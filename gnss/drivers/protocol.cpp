@@ -45,7 +45,7 @@ PortError Protocol::Receive(std::span<char> buffer, std::string_view& reply, int
                             LastErrorRecord& errors) {
   reply = {};
   if (connection_ == nullptr) return Report(errors, PortError::NothingGiven);
-  if (row_.raw) return ReceiveRaw(buffer, reply, timeout_ms);
+  if (row_.raw) return ReceiveRaw(buffer, reply, timeout_ms, errors);
   const ReadLineResult read = ReadLine(*connection_, buffer, timeout_ms, row_.framing);
   reply = read.text;
   if (read.ok()) return PortError::None;
@@ -53,9 +53,10 @@ PortError Protocol::Receive(std::span<char> buffer, std::string_view& reply, int
                                                  : Report(errors, PortError::ReadFailed);
 }
 
-PortError Protocol::ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeout_ms) {
+PortError Protocol::ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeout_ms,
+                               LastErrorRecord& errors) {
   const PortUse use(*connection_);
-  if (!use || buffer.empty()) return PortError::ReadFailed;
+  if (!use || buffer.empty()) return Report(errors, PortError::ReadFailed);
   if (const PortError error = connection_->Read(buffer.first(1), timeout_ms);
       error != PortError::None) {
     return error;

@@ -38,7 +38,8 @@ class Protocol {
                     LastErrorRecord& errors);
 
  private:
-  PortError ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeout_ms);
+  PortError ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeout_ms,
+                       LastErrorRecord& errors);
 
   const ProtocolRow& row_;
   Port* connection_ = nullptr;

@@ -56,6 +56,10 @@ TEST_F(Drivers, ExchangeDataThroughTheirProtocol) {
   ASSERT_EQ(driver.Receive(buffer, reply, 100), PortError::None);
   EXPECT_EQ(reply, "rest");
   EXPECT_EQ(driver.Receive(buffer, reply, 100), PortError::FewerBytesRead);
+  errors.Clear();
+  const PortUse elsewhere(*port);
+  EXPECT_EQ(driver.Receive(buffer, reply, 100), PortError::ReadFailed);
+  EXPECT_EQ(errors.Get().code, 6) << "recorded, not only returned";
 }
 
 TEST_F(Drivers, AskARadioForItsRate) {

@@ -298,6 +298,38 @@ TEST_F(PseudoTerminal, HoldsABreakForTenMilliseconds) {
   EXPECT_FALSE(port.DsrOn()) << "a pseudo-terminal has no such line";
 }
 
+TEST_F(PseudoTerminal, DropsWhatWasSentBeforeItWasOpened) {
+  ASSERT_EQ(port.Open(), PortError::None);
+  ASSERT_EQ(port.Close(), PortError::None);
+  Send("$GPGGA of an hour ago\n");
+  ASSERT_EQ(port.Open(), PortError::None);
+  Send("now\n");
+  char buffer[64];
+  EXPECT_EQ(ReadLine(port, buffer, 1000).text, "now");
+}
+
+// A byte now and then must not keep the reader from hearing that it should stop.
+TEST_F(PseudoTerminal, StopsWhileBytesDribbleIn) {
+  std::atomic<bool> stop = false;
+  SerialPort stoppable(errors, clock, [&stop] { return stop.load(); });
+  (void)stoppable.SetLine(name, 115200, 8, 0, 0);
+  ASSERT_EQ(stoppable.Open(), PortError::None) << ErrorSentences(errors);
+  std::atomic<bool> ended = false;
+  std::thread sender([&] {
+    for (int i = 0; !ended && i < 400; ++i) {
+      Send("x");
+      if (i == 10) stop = true;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  });
+  char buffer[1024];
+  EXPECT_EQ(ReadLine(stoppable, buffer, 1000).status, ReadLineStatus::PortFailed);
+  ended = true;
+  sender.join();
+  EXPECT_LT(std::string_view(buffer).size(), 100U);
+  EXPECT_EQ(stoppable.end(), PortEnd::None) << "the link is not lost";
+}
+
 TEST_F(PseudoTerminal, TellsAHangUp) {
   ASSERT_EQ(port.Open(), PortError::None);
   ::close(master);

@@ -94,7 +94,7 @@ TEST_F(Serial, SettingsAreStoredWhileClosedAndAppliedWhileOpen) {
   EXPECT_TRUE(device->done.empty());
   ASSERT_EQ(port->Open(), PortError::None);
   EXPECT_THAT(device->done, ElementsAre("Open COM7:", "GetLine", "SetLine", "GetTimeouts",
-                                        "SetTimeouts", "GetTimeouts", "SetTimeouts"));
+                                        "SetTimeouts", "GetTimeouts", "SetTimeouts", "PurgeInput"));
   EXPECT_EQ(device->line, (SerialLine{4800, 7, SerialParity::Even, SerialStopBits::Two}));
   const std::pair<std::uint32_t, SerialParity> parities[] = {{0, SerialParity::None},
                                                              {4, SerialParity::Odd},
