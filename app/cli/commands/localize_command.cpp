@@ -309,8 +309,7 @@ class Localize {
                            std::string(UnitName(session_.job().unit)) + ", local minus fitted\n" +
                            LocalizationReportText(report_, session_.job().unit));
     if (refused_) return;
-    program_.console.Print(StateSentence() + "
-");
+    program_.console.Print(StateSentence() + "\n");
   }
 
   std::string StateSentence() {
