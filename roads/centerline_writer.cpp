@@ -37,8 +37,9 @@ class RecordWriter {
     Number(element.station, format_.station_decimals);
     text_ += ',';
     text_ += kind;
-    Number(element.easting, format_.coordinate_decimals);
-    Number(element.northing, format_.coordinate_decimals);
+    const int decimals = Decimals(kind);
+    Number(element.easting, decimals);
+    Number(element.northing, decimals);
   }
   void Number(double value, int decimals) {
     text_ += ',';
@@ -62,6 +63,11 @@ class RecordWriter {
   std::string Take() { return std::move(text_); }
 
  private:
+  int Decimals(std::string_view kind) const {
+    if (kind == "L" || kind == "PT") return format_.vertex_decimals;
+    return kind == "PC" ? format_.curve_start_decimals : format_.coordinate_decimals;
+  }
+
   CenterlineFormat format_;
   std::string text_;
 };
@@ -104,13 +110,16 @@ void WriteElement(RecordWriter& writer, const CenterlineElement& element) {
   if (kind == "PC" || kind == "TS" || kind == "SC") writer.RadiusLine(element);
 }
 
-std::string StartPointRecord(const CenterlineStartPoint& start, bool point_ids) {
+// With its id in every form: the record has one form without and one with it.
+std::string StartPointRecord(const CenterlineStartPoint& start) {
   CenterlineElement element;
   element.id = start.id;
   element.station = start.station;
   element.easting = start.easting;
   element.northing = start.northing;
-  RecordWriter writer({kEquationDecimals, kStartPointDecimals, point_ids});
+  RecordWriter writer({.station_decimals = kEquationDecimals,
+                       .coordinate_decimals = kStartPointDecimals,
+                       .point_ids = true});
   writer.KeyPoint(element, "STARTPT");
   writer.EndRecord();
   return writer.Take();
@@ -130,7 +139,7 @@ std::string CenterlineText(const Centerline& centerline, std::span<const Station
   std::string text = CenterlineRecords(centerline.elements, format);
   text += kTerminator;
   if (centerline.start_point) {
-    text += StartPointRecord(*centerline.start_point, format.point_ids);
+    text += StartPointRecord(*centerline.start_point);
     text += kTerminator;
   }
   for (const StationEquation& equation : equations) {

@@ -16,18 +16,20 @@
 
 namespace tarvex {
 
-/// Decimals of stations and coordinates, and whether point ids are written; "0"
-/// stands in for them.
+/// Decimals of stations and coordinates, and whether point ids are written; "0" stands in for
+/// them. Files of the system have 3 to 6 decimals of stations and 5 to 12 of coordinates.
 struct CenterlineFormat {
   int station_decimals = 5;
   int coordinate_decimals = 6;
+  int vertex_decimals = 6;       ///< coordinates of "L" and "PT"
+  int curve_start_decimals = 6;  ///< coordinates of "PC"
   bool point_ids = false;
 };
 
-/// The forms that the format's own writers use.
+/// The two forms that the format's own writers use, and the one with the most digits.
 inline constexpr CenterlineFormat kPlainCenterline{};
-inline constexpr CenterlineFormat kCenterlineWithIds{5, 5, true};
-inline constexpr CenterlineFormat kExactCenterline{8, 10, true};
+inline constexpr CenterlineFormat kCenterlineWithIds{5, 6, 5, 8, true};
+inline constexpr CenterlineFormat kExactCenterline{6, 12, 12, 12, true};
 
 /// The records of a loaded chain, a line or two each: what the reader made (lead-in vertices) is
 /// left out, and a vertex that kept a curve's angle becomes an "ST" with that angle.

@@ -4,7 +4,7 @@
 //
 // Widths, heights and elevation changes are in the job's distance unit, measured outward from the
 // centerline; positive slopes rise outward. The template keeps the text that it was read from, so
-// that writing it back loses nothing, not even keys that nobody here knows.
+// that writing it back unchanged loses nothing, not even keys that nobody here knows.
 #pragma once
 
 #include <array>
@@ -52,6 +52,8 @@ struct Surface {
   double elevation = 0.0;  ///< of the first point above the centerline
   std::vector<SurfaceSegment> segments;
   std::vector<SurfaceInsert> inserts;
+
+  bool operator==(const Surface&) const = default;
 };
 
 /// A slope for heights up to a limit: n of n:1.
@@ -74,12 +76,16 @@ struct FillSide {
   int ditch_kind = 0;
   double guard_vertical = 0.0;
   double guard_horizontal = 0.0;
+
+  bool operator==(const FillSide&) const = default;
 };
 
 struct CutSide {
   std::vector<SlopeRow> slopes;
   double rock_slope = 1.0;
   int rock_order = 0;
+
+  bool operator==(const CutSide&) const = default;
 };
 
 /// What fill and cut both have, once for both sides.
@@ -91,6 +97,8 @@ struct SlopeSettings {
   int tie_existing = 0;
   std::string existing_description;
   int repeat = 0;
+
+  bool operator==(const SlopeSettings&) const = default;
 };
 
 struct CutSettings : SlopeSettings {
@@ -98,12 +106,16 @@ struct CutSettings : SlopeSettings {
   int bench1 = 0;
   double bench2 = 10.0;
   double bench3 = 1.0;
+
+  bool operator==(const CutSettings&) const = default;
 };
 
 struct SubgradeSegment {
   SurfaceSegment segment;
   bool up = false;
   bool wrap = false;
+
+  bool operator==(const SubgradeSegment&) const = default;
 };
 
 struct Subgrade {
@@ -119,6 +131,8 @@ struct Subgrade {
   double offset = 0.0;
   double elevation = 0.0;
   std::vector<SubgradeSegment> segments;
+
+  bool operator==(const Subgrade&) const = default;
 };
 
 struct Curb {
@@ -138,6 +152,8 @@ struct Curb {
   std::string material;
   std::string integral;
   std::string round;
+
+  bool operator==(const Curb&) const = default;
 };
 
 struct MedianGrade {
@@ -145,11 +161,15 @@ struct MedianGrade {
   double second = 0.0;
   int third = 0;
   int fourth = 0;
+
+  bool operator==(const MedianGrade&) const = default;
 };
 
 struct Median {
   std::string name;
   std::vector<MedianGrade> grades;
+
+  bool operator==(const Median&) const = default;
 };
 
 struct SuperelevationSettings {
@@ -159,6 +179,8 @@ struct SuperelevationSettings {
   std::string high_point;
   std::string low_point2;
   std::string high_point2;
+
+  bool operator==(const SuperelevationSettings&) const = default;
 };
 
 struct RightOfWay {
@@ -166,6 +188,8 @@ struct RightOfWay {
   int retain_right = 0;
   double left = 0.0;
   double right = 0.0;
+
+  bool operator==(const RightOfWay&) const = default;
 };
 
 struct RoadTemplate {
@@ -194,6 +218,8 @@ struct RoadTemplate {
   const CutSide& CutOf(Side side) const { return cut[static_cast<std::size_t>(side)]; }
   const Curb* FindCurb(std::string_view name) const;
   const Median* FindMedian(std::string_view name) const;
+
+  bool operator==(const RoadTemplate&) const = default;
 };
 
 }  // namespace tarvex

@@ -1,8 +1,6 @@
-// Template files (".tpl", docs/formats/tpl.md): reading, the text of a new one, writing.
+// Template files (".tpl", docs/formats/tpl.md): reading and writing.
 #pragma once
 
-#include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -24,24 +22,8 @@ LoadTemplateResult LoadTemplate(FileSystem& files, Road& road, const std::string
 /// The template of a text. Every text is one; lines of an unknown key are passed over.
 RoadTemplate ReadTemplate(std::string_view text);
 
-/// What a new template is made from.
-struct TemplateDraft {
-  std::vector<SurfaceSegment> left;
-  std::vector<SurfaceSegment> right;
-  std::optional<SlopeRow> fill_left;
-  std::optional<SlopeRow> fill_right;
-  std::optional<SlopeRow> cut_left;
-  std::optional<SlopeRow> cut_right;
-};
-
-/// The text of a new template. A ratio is written as the grade that it is: the form of a new file
-/// knows grades and elevation changes only.
-std::string NewTemplateText(const TemplateDraft& draft);
-
-/// Writes a new template.
-FileStatus WriteTemplate(FileSystem& files, const std::string& path, const TemplateDraft& draft);
-
-/// Writes the template as it stands: the text that it was read from, byte for byte.
+/// Writes a template. One that is as it was read goes back byte for byte; a new one, and one whose
+/// fields were changed, is written from its fields (roads/template_writer.h).
 FileStatus WriteTemplate(FileSystem& files, const std::string& path, const RoadTemplate& section);
 
 }  // namespace tarvex

@@ -256,12 +256,14 @@ TEST(CenterlineWriter, WritesEveryRecordForm) {
             "0,1234.56790,L,10.250000,20.123457\n");
   EXPECT_EQ(text(KeyPointKind::Line, 0.0, kCenterlineWithIds),
             "12,1234.56790,L,10.25000,20.12346\n");
-  EXPECT_EQ(
-      text(KeyPointKind::CurveStart, kPi / 4, {5, 8, true}),
-      "12,1234.56790,PC,10.25000000,20.12345679\nC7,45.000000000000,R,1.00000000,2.00000000\n");
+  EXPECT_EQ(text(KeyPointKind::CurveEnd, 0.0, kCenterlineWithIds),
+            "12,1234.56790,PT,10.25000,20.12346\n");
+  EXPECT_EQ(text(KeyPointKind::CurveStart, kPi / 4, kCenterlineWithIds),
+            "12,1234.56790,PC,10.25000000,20.12345679\nC7,45.000000000000,R,1.000000,2.000000\n");
+  EXPECT_EQ(text(KeyPointKind::CurveSpiral, 0.0, kExactCenterline),
+            "12,1234.567895,CS,10.250000000000,20.123456789000\n");
   EXPECT_EQ(text(KeyPointKind::CurveStart, -kPi / 4, kPlainCenterline),
             "0,1234.56790,PC,10.250000,20.123457\n0,-45.000000000000,R,1.000000,2.000000\n");
-  EXPECT_EQ(text(KeyPointKind::CurveEnd, 0.0, {3, 5, true}), "12,1234.568,PT,10.25000,20.12346\n");
   EXPECT_EQ(text(KeyPointKind::CurveSpiral, 0.0, kPlainCenterline),
             "0,1234.56790,CS,10.250000,20.123457\n");
   EXPECT_EQ(text(KeyPointKind::SpiralTangent, 0.0, kPlainCenterline),
@@ -289,6 +291,9 @@ TEST(CenterlineWriter, ClosesTheChainBeforeAStartPoint) {
   EXPECT_EQ(text,
             "0,10.00000,L,1.00000,1.00000\n0,20.00000,L,2.00000,2.00000\n0,0,L,0,0\n"
             "7,5.50000,STARTPT,100.50000000,200.25000000\n0,0,L,0,0\nEQ,1200.00000,1300.00000\n");
+  // The plain form leaves the ids of key points out, not that of the start point.
+  EXPECT_THAT(CenterlineText(centerline, {}, kPlainCenterline),
+              testing::HasSubstr("\n7,5.50000,STARTPT,100.50000000,200.25000000\n"));
   const auto again = ReadChain(text, false);
   EXPECT_EQ(Outline(again.elements), "0 10; 0 20; ");
   EXPECT_EQ(again.start_point, centerline.start_point);

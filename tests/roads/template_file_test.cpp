@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "roads/template_writer.h"
 #include "tests/roads/road_data.h"
 #include "tests/support/scratch_folder.h"
 
@@ -98,16 +99,19 @@ TEST(TemplateReader, RemembersNumbersThatNoRoadHas) {
 }
 
 TEST(TemplateFile, NewOnesHaveTheirBytes) {
-  TemplateDraft draft;
-  draft.left = {{3.6, SlopeKind::Grade, -2.0, "EP"}, {0.0, SlopeKind::ElevationChange, 0.15, "TC"}};
-  draft.right = {{2.0, SlopeKind::Ratio, 4.0, "DITCH"}};
-  draft.fill_left = SlopeRow{99.0, 3.0};
-  draft.cut_right = SlopeRow{2.0, 4.5};
-  const std::string text = NewTemplateText(draft);
+  RoadTemplate section;
+  Surface& left = section.surface[0];
+  left.segments = {{3.6, SlopeKind::Grade, -2.0, "EP"},
+                   {0.0, SlopeKind::ElevationChange, 0.15, "TC"}};
+  left.inserts = {{SurfaceInsert::Kind::Median, "M 2", 0}, {SurfaceInsert::Kind::Curb, "A1", 2}};
+  section.surface[1].segments = {{2.0, SlopeKind::Ratio, -4.0, "DITCH"}};
+  section.fill[0].slopes = {{99.0, 3.0}};
+  section.cut[1].slopes = {{2.0, 4.5}};
+  const std::string text = TemplateText(section);
   EXPECT_EQ(text,
-            "*SURFACEL\nOFFSET,0.00000,0.00000\nMOVESL,3.60000,-2.00000%%,EP\n"
-            "MOVESL,0.00000,0.15000,TC\n"
-            "*SURFACER\nOFFSET,0.00000,0.00000\nMOVESL,2.00000,25.00000%%,DITCH\n"
+            "*SURFACEL\nOFFSET,0.00000,0.00000\nINSERT,MEDIAN,M 2\n"
+            "MOVESL,3.60000,-2.00000%%,EP\nMOVESL,0.00000,0.15000,TC\nINSERT,CURBLA1\n"
+            "*SURFACER\nOFFSET,0.00000,0.00000\nMOVESL,2.00000,-0.50000,DITCH\n"
             "*FILL-L\nFILDSL,99.000,3.000\nRATIO ,1\nSMOOTH,1\nPIVOT ,0\nSERIES,0\nREPEAT,0\n"
             "TIE_EX,0\nEXDESC,\n*FILL-R\n"
             "*CUT-L\nRATIO ,1\nROCKSL,1.000\nRORDER,0\nSMOOTH,1\nSERIES,0\nDEPTH ,1\nBENCH1,0\n"
@@ -117,12 +121,51 @@ TEST(TemplateFile, NewOnesHaveTheirBytes) {
             "*ROW\nRTAINL,0\nRTAINR,0\nROWL  ,0.000\nROWR  ,0.000\n");
   const RoadTemplate read = ReadTemplate(text);
   EXPECT_TRUE(read.notes.empty());
-  EXPECT_EQ(read.SurfaceOf(Side::Left).segments, draft.left);
+  EXPECT_EQ(read.SurfaceOf(Side::Left), left);
+  // The rise is what a ratio means: it stays.
+  EXPECT_EQ(read.SurfaceOf(Side::Right).segments.at(0).Rise(),
+            section.surface[1].segments[0].Rise());
   const ScratchFolder folder;
-  ASSERT_TRUE(WriteTemplate(SystemFiles(), folder.Path("new.tpl"), draft).ok());
+  ASSERT_TRUE(WriteTemplate(SystemFiles(), folder.Path("new.tpl"), section).ok());
   std::string written;
   ASSERT_TRUE(ReadWholeFile(SystemFiles(), folder.Path("new.tpl"), 1 << 20, written).ok());
   EXPECT_EQ(written, text);
+}
+
+// Everything that a template can hold, through the fields and back.
+TEST(TemplateFile, EveryFieldIsWrittenAndReadAgain) {
+  RoadTemplate section = ReadTemplate(
+      "*SURFACEL\nOFFSET,0.5,-0.1\nMOVESL,3.6,-2%,EP\nINSERT,CURBLLIP\nMOVESL,1,0.2,X\n"
+      "*SURFACER\nINSERT,MEDIAN,M\n"
+      "*SUBGRADE-L\nMATERL,gravel\nHPIVOT,CL\nHSTYPE,1\nHSLOPE,1.5\nHSLOP2,2.5\nHSLOP3,3.5\n"
+      "LSLOPE,4\nLSLOP2,5\nLSLOP3,6\nLPIVOT,EP\nLSTYPE,2\nSUBDIR,1\nWRAPHT,0.3\nOFFSET,1,-0.5\n"
+      "MOVESL,3,-2%,UP base WRAP\n*SUBGRADE-R\nMATERL,sand\n"
+      "*FILL-L\nFILDSL,1,6\nFILDSL,3,4\nRATIO ,0\nSMOOTH,0\nSERIES,1\nPIVOT ,2\nTIE_EX,1\n"
+      "EXDESC,toe\nREPEAT,3\nFDITCH,1.5,2\nGUARDV,2.5\nGUARDH,0.6\n*FILL-R\nFILDSL,2,5\n"
+      "*CUT-L\nCUTUSL,2,4\nROCKSL,0.25\nRORDER,1\nRATIO ,0\nSMOOTH,0\nSERIES,1\nDEPTH ,0\n"
+      "BENCH1,1\nBENCH2,7\nBENCH3,2\nPIVOT ,1\nTIE_EX,1\nEXDESC,top\nREPEAT,1\n"
+      "*CUT-R\nCUTUSL,99,2\nROCKSL,0.5\nRORDER,2\n"
+      "*SUPER\nLOWADJ,1\nMAXDIF,8\nLOWPT ,EP\nHIGHPT,EP\nLOWPT2,ES\nHIGHP2,ES\n"
+      "*ROW\nRTAINL,1\nRTAINR,2\nROWL  ,20\nROWR  ,25.5\n*BERM\nDEPTH ,0.4\nMOVESL,1,-4%,B\n"
+      "*DITCH\nMOVESL,1.2,-0.3,FL\n"
+      "**CURBLLIP\nCBTOP ,0.1\nCBBASE,0.2\nSLOPE ,MATCH\nCBTAPR,0.3\nCBHGT1,0.4\nCBHGT2,0.5\n"
+      "CBDROP,0.6\nCBWIDE,0.7\nCBUNIT,1\nCBTYPE,2\nMATERL,stone\nINTGRL,yes\nROUND ,no\n"
+      "**MEDIAN\nMNAME ,M\nMGRADE,1.5,-2,3,4\n");
+  ASSERT_TRUE(section.notes.empty());
+  EXPECT_EQ(section.FindCurb("LIP")->height2, 0.5);
+  RoadTemplate again = ReadTemplate(TemplateText(section));
+  EXPECT_TRUE(again.notes.empty());
+  again.text = section.text;
+  EXPECT_EQ(again, section) << TemplateText(section);
+
+  // A changed field reaches the file.
+  const ScratchFolder folder;
+  section.surface[0].segments[0].width = 4.25;
+  ASSERT_TRUE(WriteTemplate(SystemFiles(), folder.Path("changed.tpl"), section).ok());
+  Road road;
+  ASSERT_EQ(LoadTemplate(SystemFiles(), road, folder.Path("changed.tpl")),
+            LoadTemplateResult::Loaded);
+  EXPECT_EQ(road.section->surface, section.surface);
 }
 
 TEST(TemplateFile, LosesNothingOnRewriting) {
