@@ -1,6 +1,7 @@
 #include "exchange/landxml_geometry.h"
 
 #include <cmath>
+#include <numbers>
 
 #include "core/number_text.h"
 #include "core/text.h"
@@ -74,15 +75,33 @@ class GeometryReader {
     arc.start = source_.NeedPoint(node, "Start");
     arc.end = source_.NeedPoint(node, "End");
     arc.turn = Turn(node);
+    const auto length = source_.Number(node, "length");
+    const auto radius = source_.Number(node, "radius");
     if (Child(node, "Center")) {
       arc.center = source_.NeedPoint(node, "Center");
     } else {
-      arc.center =
-          CenterOfShortArc(arc.start, arc.end, source_.NeedNumber(node, "radius"), arc.turn);
+      arc.center = CenterOfArc(arc, source_.NeedNumber(node, "radius"), length);
     }
     arc.radius_start = arc.radius_end = DistanceBetween(arc.start, arc.center);
-    arc.length = source_.Number(node, "length").value_or(arc.radius_start * SweepOf(arc));
+    arc.length = length.value_or(arc.radius_start * SweepOf(arc));
+    if (radius) Compare(node, "radius", *radius, arc.radius_start);
+    if (length) Compare(node, "length", *length, arc.radius_start * SweepOf(arc));
     return arc;
+  }
+
+  // Of the two arcs of a radius the one whose length is the stated one; without it the short one.
+  static PlanPoint CenterOfArc(const PlanElement& arc, double radius,
+                               const std::optional<double>& length) {
+    const PlanPoint on_turn = CenterOfShortArc(arc.start, arc.end, radius, arc.turn);
+    const bool long_way = length && *length > std::numbers::pi * std::fabs(radius);
+    return long_way ? CenterOfShortArc(arc.start, arc.end, radius, -arc.turn) : on_turn;
+  }
+
+  void Compare(const pugi::xml_node& node, const char* what, double stated, double by_points) {
+    if (std::fabs(std::fabs(stated) - by_points) <= kLargestGap) return;
+    source_.Warn("Line " + std::to_string(source_.LineOf(node)) + ": the " + what +
+                 " of the curve is " + FixedNumber(by_points, 3) + " by its points, but says " +
+                 FixedNumber(stated, 3) + ".");
   }
 
   PlanElement TakeSpiral(const pugi::xml_node& node) {

@@ -50,6 +50,19 @@ void AddElevationOption(CLI::App& sub, RoadFileOptions& options) {
                  "the point itself");
 }
 
+CLI::Option* AddFormOption(CLI::App& sub, std::string& form) {
+  return sub
+      .add_option("--form", form,
+                  "Of the records: plain (no ids, 6 decimals), ids (point ids, 5 decimals, curve "
+                  "starts 8) or exact (ids, 12 decimals; the default)")
+      ->check(CLI::IsMember({"plain", "ids", "exact"}));
+}
+
+CenterlineFormat FormOf(const std::string& form) {
+  if (form == "plain") return kPlainCenterline;
+  return form == "ids" ? kCenterlineWithIds : kExactCenterline;
+}
+
 void AddRoadPlaceOptions(CLI::App& sub, RoadPlaceOptions& options) {
   sub.add_option("STATION", options.station, "1234.5, 12+34.50, 1+234.500 or \"14+75 R2\"")
       ->required();

@@ -4,9 +4,11 @@
 #include <string>
 
 #include "app/cli/road_file.h"
+#include "roads/centerline_writer.h"
 
 namespace CLI {
 class App;
+class Option;
 }  // namespace CLI
 
 namespace tarvex {
@@ -21,6 +23,10 @@ void AddProfileOption(CLI::App& sub, RoadFileOptions& options);
 void AddDesignOptions(CLI::App& sub, RoadFileOptions& options);
 /// --elevation, in place of --profile.
 void AddElevationOption(CLI::App& sub, RoadFileOptions& options);
+
+/// --form: how numbers and ids of a centerline file are written.
+CLI::Option* AddFormOption(CLI::App& sub, std::string& form);
+CenterlineFormat FormOf(const std::string& form);
 
 /// A place of the road as it is typed.
 struct RoadPlaceOptions {

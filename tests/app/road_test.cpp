@@ -172,6 +172,93 @@ TEST_F(RoadCommands, FaultsAreNamedAndRestationed) {
   EXPECT_EQ(folder_.Run("road check none.cl").exit_code, 1);
 }
 
+TEST_F(RoadCommands, WriteEveryFormAndGiveMergedRecordsTheirStation) {
+  folder_.Write("dup.cl",
+                "1,0,L,0,10\n7,0,L,0,100\n0,0,PC,0,100\n0,90,R,50,100\n0,0,PT,50,150\n"
+                "0,0,L,150,150\n0,0,L,0,0\n");
+  EXPECT_EQ(folder_.Run("road write dup.cl --restation --out again.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Read("again.cl"),
+            "1,0.000000,L,0,10\n7,90.000000,L,0,100\n0,90.000000,PC,0,100\n0,90,R,50,100\n"
+            "0,168.539816,PT,50,150\n0,268.539816,L,150,150\n0,0,L,0,0\n");
+  EXPECT_EQ(folder_.Run("road write again.cl --form plain --out plain.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Read("plain.cl"),
+            "0,0.00000,L,0.000000,10.000000\n0,90.00000,PC,0.000000,100.000000\n"
+            "0,90.000000000000,R,50.000000,100.000000\n0,168.53982,PT,50.000000,150.000000\n"
+            "0,268.53982,L,150.000000,150.000000\n0,0,L,0,0\n");
+  EXPECT_EQ(folder_.Run("road write again.cl --form ids --out ids.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Read("ids.cl"),
+            "1,0.00000,L,0.00000,10.00000\n7,90.00000,PC,0.00000000,100.00000000\n"
+            "0,90.000000000000,R,50.000000,100.000000\n0,168.53982,PT,50.00000,150.00000\n"
+            "0,268.53982,L,150.00000,150.00000\n0,0,L,0,0\n");
+  EXPECT_EQ(folder_.Run("road write again.cl --restation --form ids --out no.cl").exit_code, 2);
+
+  // Stations that jumped at the equation count through from now on, which is said.
+  folder_.Write("jump.cl", "0,1000,L,0,1\n0,1450,L,0,401\n0,0,L,0,0\nEQ,1250,1300\n");
+  const ProgramResult jumped = folder_.Run("road write jump.cl --restation --out through.cl");
+  EXPECT_THAT(jumped.errors, HasSubstr("those written count through"));
+  EXPECT_THAT(folder_.Read("through.cl"), HasSubstr("0,1400.000000,L,0,401\n"));
+  EXPECT_EQ(folder_.Run("road write again.cl --restation --out quiet.cl").errors,
+            "Wrote quiet.cl.\n");
+}
+
+TEST_F(RoadCommands, MakeATemplate) {
+  const ProgramResult made = folder_.Run(
+      "road template new own.tpl --both 3.6,-2%,EP --left 1.8,-4%,ES --right 0,0.15,TC "
+      "--right 2,-50:1,WALK --fill-left 1.5,6 --fill-left 99,4 --cut-right 99,2");
+  EXPECT_EQ(made.exit_code, 0) << made.errors;
+  EXPECT_THAT(made.output, HasSubstr("5.4000 L       -0.1440  ES\n"));
+  const std::string text = folder_.Read("own.tpl");
+  EXPECT_EQ(text.substr(0, text.find("RATIO ")),
+            "*SURFACEL\nOFFSET,0.00000,0.00000\nMOVESL,3.60000,-2.00000%%,EP\n"
+            "MOVESL,1.80000,-4.00000%%,ES\n*SURFACER\nOFFSET,0.00000,0.00000\n"
+            "MOVESL,3.60000,-2.00000%%,EP\nMOVESL,0.00000,0.15000,TC\n"
+            "MOVESL,2.00000,-0.04000,WALK\n*FILL-L\nFILDSL,1.500,6.000\nFILDSL,99.000,4.000\n");
+  EXPECT_THAT(text, HasSubstr("*CUT-R\nCUTUSL,99.000,2.000\nROCKSL,1.000\n"));
+  EXPECT_EQ(folder_.Run("road section own.tpl --elevation 100").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road template new own.tpl").exit_code, 1);  // it exists
+
+  folder_.Write("curbs.tpl", "*SURFACEL\n**CURBLA1\nCBTOP ,0.15\n");
+  EXPECT_EQ(folder_
+                .Run("road template new c.tpl --like curbs.tpl --left 3,-2%,EP --left "
+                     "INSERT,CURBLA1")
+                .exit_code,
+            0);
+  EXPECT_THAT(folder_.Read("c.tpl"), HasSubstr("%%,EP\nINSERT,CURBLA1\n*SURFACER\n"));
+  EXPECT_THAT(folder_.Read("c.tpl"), HasSubstr("**CURBLA1\nCBTOP ,0.15000\n"));
+  for (const char* wrong :
+       {"--left 3.6", "--left x,-2%,EP", "--left 0,-2%,EP", "--left -1,-2%,EP",
+        "--left INSERT,CURBLB2", "--fill-left 3", "--fill-left 0,3",
+        "--left 3,-2%,ThisDescriptionIsFarTooLongForALineOfATemplateBecauseEverythingBehindThe"
+        "HundredAndTwentyFirstByteIsNotReadByAnybody"}) {
+    const ProgramResult result = folder_.Run("road template new w.tpl " + std::string(wrong));
+    EXPECT_EQ(result.exit_code, 2) << wrong;
+    EXPECT_EQ(folder_.Run("road section w.tpl --elevation 0").exit_code, 1) << wrong;
+  }
+}
+
+TEST_F(RoadCommands, ImportTellsFaultsAndContradictions) {
+  const auto document = [](const std::string& curve) {
+    return "<LandXML><Units><Metric linearUnit='meter'/></Units><Alignments><Alignment name='a' "
+           "staStart='0'><CoordGeom><Line><Start>900 1000</Start><End>1000 1000</End></Line>" +
+           curve + "<Start>1000 1000</Start>" +
+           "<End>1050 1050</End></Curve></CoordGeom></Alignment></Alignments></LandXML>";
+  };
+  // Three quarters of a circle without its centre: the length tells which arc it is.
+  folder_.Write("long.xml", document("<Curve rot='ccw' radius='50' length='235.6194490'>"));
+  EXPECT_EQ(folder_.Run("road import long.xml --out long.cl").exit_code, 0);
+  const json long_way = json::parse(folder_.Run("road check long.cl --json").output);
+  EXPECT_NEAR(long_way["elements"][1]["length"].get<double>(), 235.6194490, 1e-5);
+  // The stated radius contradicts the points; the stated length fits neither arc.
+  folder_.Write("odd.xml", document("<Curve rot='cw' radius='49' length='120'>"
+                                    "<Center>1000 1050</Center>"));
+  const ProgramResult odd = folder_.Run("road import odd.xml --out odd.cl --json");
+  EXPECT_THAT(odd.errors,
+              HasSubstr("the radius of the curve is 50.000 by its points, but says 49"));
+  EXPECT_THAT(odd.errors, HasSubstr("WARNING: FAULT: PC 0+100.000 to"));
+  EXPECT_THAT(odd.errors, HasSubstr("see: tarvex road check odd.cl"));
+  EXPECT_EQ(json::parse(odd.output)["faults"], 1);
+}
+
 TEST_F(RoadCommands, LandXmlGoesOutAndComesIn) {
   EXPECT_EQ(
       folder_.Run("road export site.cl --profile site.xml --out out.xml --name Main").exit_code, 0);

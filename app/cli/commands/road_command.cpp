@@ -22,6 +22,7 @@ void AddRoadCommand(CLI::App& app, Program& program) {
   AddRoadStakeCommand(road, program);
   AddRoadWriteCommand(road, program);
   AddRoadSectionCommand(road, program);
+  AddRoadTemplateCommand(road, program);
   AddRoadImportCommand(road, program);
   AddRoadExportCommand(road, program);
 }

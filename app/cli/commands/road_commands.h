@@ -16,6 +16,7 @@ void AddRoadStationCommand(CLI::App& road, Program& program);
 void AddRoadStakeCommand(CLI::App& road, Program& program);
 void AddRoadWriteCommand(CLI::App& road, Program& program);
 void AddRoadSectionCommand(CLI::App& road, Program& program);
+void AddRoadTemplateCommand(CLI::App& road, Program& program);
 void AddRoadImportCommand(CLI::App& road, Program& program);
 void AddRoadExportCommand(CLI::App& road, Program& program);
 

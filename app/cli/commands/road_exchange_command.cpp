@@ -7,6 +7,8 @@
 #include "core/number_text.h"
 #include "exchange/landxml.h"
 #include "exchange/road_picture.h"
+#include "roads/alignment_check.h"
+#include "roads/centerline_reader.h"
 #include "roads/centerline_writer.h"
 
 namespace tarvex {
@@ -16,6 +18,7 @@ struct RoadImportOptions {
   std::string file;
   std::string out;
   std::string alignment;
+  std::string form;
   std::string svg;
   bool overwrite = false;
   bool json = false;
@@ -51,19 +54,25 @@ std::optional<LandXmlReading> ReadOneAlignment(const RoadImportOptions& options,
   return std::nullopt;
 }
 
+struct ImportCount {
+  std::size_t elements = 0;
+  std::size_t faults = 0;
+};
+
 void TellImport(const RoadImportOptions& options, Program& program, const LandXmlReading& reading,
-                std::size_t elements) {
+                const ImportCount& count) {
   const LandXmlAlignment& alignment = reading.alignments.front();
   if (options.json) {
     program.console.Print(JsonText({{"alignment", alignment.name},
                                     {"unit", UnitKey(reading.unit)},
-                                    {"elements", elements},
+                                    {"elements", count.elements},
+                                    {"faults", count.faults},
                                     {"equations", alignment.equations.size()},
                                     {"profile", alignment.profile.has_value()},
                                     {"file", options.out}}));
     return;
   }
-  program.console.Print("Alignment \"" + alignment.name + "\": " + std::to_string(elements) +
+  program.console.Print("Alignment \"" + alignment.name + "\": " + std::to_string(count.elements) +
                         " elements, " + std::to_string(alignment.equations.size()) +
                         " station equations, in " + std::string(UnitName(reading.unit)) + ".\n");
   if (reading.unit != DistanceUnit::Metres) {
@@ -78,22 +87,49 @@ void TellImport(const RoadImportOptions& options, Program& program, const LandXm
   }
 }
 
+// The faults that `road check` will find, told where they come in.
+std::size_t TellFaults(const RoadImportOptions& options, Program& program,
+                       const RoadGeometryMaking& making, DistanceUnit unit) {
+  if (!making.geometry) {
+    program.Warn("no two key points of the alignment are apart from each other.");
+    return 0;
+  }
+  std::size_t faults = 0;
+  const auto findings =
+      CheckAlignment(*making.geometry, CheckLimits::For(unit), DefaultStationStyle(unit));
+  for (const CheckFinding& finding : findings) {
+    if (finding.kind != FindingKind::Refused) continue;
+    ++faults;
+    program.Warn("FAULT: " + finding.text);
+  }
+  if (faults > 0) {
+    program.Warn("the alignment should not be staked as it stands; see: tarvex road check " +
+                 options.out);
+  }
+  return faults;
+}
+
 ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
   const auto reading = ReadOneAlignment(options, program);
   if (!reading) return program.exit_code;
   const LandXmlAlignment& alignment = reading->alignments.front();
-  const std::string centerline = CenterlineText(alignment.centerline, alignment.equations);
-  const ExitCode written = WriteResultFile(program, options.out, centerline, options.overwrite);
+  const std::string text =
+      CenterlineText(alignment.centerline, alignment.equations, FormOf(options.form));
+  const ExitCode written = WriteResultFile(program, options.out, text, options.overwrite);
   if (written != ExitCode::Done) return written;
+  // The road that the file gives, with the digits of its form.
+  Centerline as_written;
+  as_written.elements = ReadChain(text, false).elements;
   const auto making =
-      MakeRoadGeometry(alignment.centerline, alignment.equations, CheckLimits::For(reading->unit));
+      MakeRoadGeometry(as_written, alignment.equations, CheckLimits::For(reading->unit));
   if (!options.svg.empty() && making.geometry) {
     const std::string svg =
         AlignmentPicture(*making.geometry, alignment.name, DefaultStationStyle(reading->unit));
     if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
   }
+  const std::size_t faults = TellFaults(options, program, making, reading->unit);
   TellImport(options, program, *reading,
-             making.geometry ? making.geometry->alignment.elements().size() : 0);
+             {making.geometry ? making.geometry->alignment.elements().size() : 0, faults});
   return ExitCode::Done;
 }
 
@@ -143,6 +179,7 @@ void AddRoadImportCommand(CLI::App& road, Program& program) {
   sub.add_option("FILE.xml", options.file, "The LandXML file")->required();
   sub.add_option("--out", options.out, "The centerline file to write")->required();
   sub.add_option("--alignment", options.alignment, "Name of the alignment, when there are several");
+  AddFormOption(sub, options.form);
   sub.add_option("--svg", options.svg, "Draw the alignment into this file");
   sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
   sub.add_flag("--json", options.json, "Print JSON");

@@ -1,4 +1,6 @@
 // tarvex road write: the centerline back into a file, as it was or restationed.
+#include <map>
+
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/road_commands.h"
 #include "app/cli/result_file.h"
@@ -9,40 +11,62 @@
 namespace tarvex {
 namespace {
 
-constexpr int kStationDecimals = 8;
+constexpr int kStationDecimals = 6;
 
 struct RoadWriteOptions {
   RoadFileOptions road;
   std::string out;
+  std::string form;
   bool restation = false;
   bool normalise = false;
   bool overwrite = false;
 };
 
-// The file with new stations in its own lines; nothing else changes.
+// The file with new stations in its own lines, those of records that were merged into another one
+// included; nothing else changes.
 std::string Restationed(const OpenedRoad& road) {
   const auto& chain = road.geometry.chain;
   const auto stations = road.alignment().GeometricStations(chain);
-  std::vector<LineStation> lines;
+  std::map<int, double> by_line;
   for (std::size_t i = 0; i < chain.size(); ++i) {
-    if (chain[i].line > 0) lines.push_back({chain[i].line, stations[i]});
+    if (chain[i].line > 0) by_line[chain[i].line] = stations[i];
   }
+  // Backward: what a record was merged into may have been merged later.
+  const auto& merged = road.road.centerline->merged;
+  for (auto gone = merged.rbegin(); gone != merged.rend(); ++gone) {
+    const auto kept = by_line.find(gone->into);
+    if (kept != by_line.end() && gone->line > 0) by_line[gone->line] = kept->second;
+  }
+  std::vector<LineStation> lines;
+  for (const auto& [line, station] : by_line) lines.push_back({line, station});
   return WithStations(road.road.centerline->text, lines, kStationDecimals);
 }
 
+// Stations that are written count through; where the file's own jumped at its equations, they are
+// other numbers than before.
+void TellInternalStations(Program& program, const OpenedRoad& road) {
+  if (!road.geometry.converted) return;
+  program.Warn(
+      "the stations of the file jumped at its equations; those written count through, "
+      "and the equations give the numbers of before.");
+}
+
 ExitCode RunRoadWrite(const RoadWriteOptions& options, Program& program) {
-  if (options.restation && options.normalise) {
-    return program.Misuse("Give --restation or --normalise, not both.");
+  const bool anew = options.normalise || !options.form.empty();
+  if (options.restation && anew) {
+    return program.Misuse("Give --restation or --normalise (--form), not both.");
   }
   const auto road = OpenRoad(program, options.road);
   if (!road) return program.exit_code;
-  std::string text = road->road.centerline->text;
+  const Centerline& centerline = *road->road.centerline;
+  std::string text = centerline.text;
+  if (options.restation || anew) TellInternalStations(program, *road);
   if (options.restation) text = Restationed(*road);
-  if (options.normalise) {
-    if (!IsWritable(*road->road.centerline, road->road.centerline->equations)) {
+  if (anew) {
+    if (!IsWritable(centerline, centerline.equations)) {
       return program.Fail("A number of the centerline is out of range; nothing was written.");
     }
-    text = CenterlineText(*road->road.centerline, road->road.centerline->equations);
+    text = CenterlineText(centerline, centerline.equations, FormOf(options.form));
   }
   return WriteResultFile(program, options.out, text, options.overwrite);
 }
@@ -56,12 +80,13 @@ void AddRoadWriteCommand(CLI::App& road, Program& program) {
   AddRoadFileOptions(command.sub, options.road);
   command.sub.add_option("--out", options.out, "The file to write")->required();
   command.sub.add_flag("--restation", options.restation,
-                       "Stations by the coordinates, from the start station on");
+                       "Stations by the coordinates, counted through from the start station");
   command.sub.add_flag("--normalise", options.normalise,
                        "Write the loaded chain anew: merged points gone, equations kept");
+  AddFormOption(command.sub, command.options->form);
   command.sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
   command.sub.footer(
-      "Without --restation or --normalise the file is written byte for byte as it is.\n"
+      "Without --restation, --normalise or --form the file is written byte for byte as it is.\n"
       "Example: tarvex road write road.cl --restation --out restationed.cl");
 }
 
