@@ -10,6 +10,7 @@ constexpr std::size_t kKeptErrors = 16;
 }  // namespace
 
 int LastErrorRecord::Set(int code, std::vector<std::string> arguments) {
+  if (whole_ != nullptr) whole_->Set(code, arguments);
   const std::lock_guard lock(mutex_);
   if (errors_.size() == kKeptErrors) errors_.erase(errors_.begin());
   errors_.push_back({code, std::move(arguments)});

@@ -19,6 +19,13 @@ struct LastError {
 
 class LastErrorRecord {
  public:
+  LastErrorRecord() = default;
+  /// A record of one operation's own errors; each of them reaches `whole` as well, which lives
+  /// longer.
+  explicit LastErrorRecord(LastErrorRecord& whole) : whole_(&whole) {}
+  LastErrorRecord(const LastErrorRecord&) = delete;
+  LastErrorRecord& operator=(const LastErrorRecord&) = delete;
+
   /// Stores the error and returns its number, so that a caller can `return record.Set(7);`.
   int Set(int code, std::vector<std::string> arguments = {});
   LastError Get() const;
@@ -28,6 +35,7 @@ class LastErrorRecord {
   void Clear();
 
  private:
+  LastErrorRecord* const whole_ = nullptr;
   mutable std::mutex mutex_;
   std::vector<LastError> errors_;
 };
