@@ -131,13 +131,17 @@ constexpr std::array kEntries = {
           "%s does not accept the user and password for mountpoint %s. Correct them and connect "
           "again; nothing is tried until then."},
     Entry{3326, "%s has no mountpoint %s. Choose one that exists; nothing is tried until then."},
-    Entry{3327, "The corrections cannot be written to the receiver: its port has failed."},
+    Entry{3327, "The corrections cannot be written to the receiver; it is tried again in %s s."},
     Entry{3328, "The corrections have been stopped."},
     Entry{3329, "%s cannot be reached: %s."},
     Entry{
         3330,
         "%s has no mountpoint %s; it has %s. Choose one that exists; nothing is tried until then."},
     Entry{3331, "%s, mountpoint %s, has sent nothing for %s s; no position was sent to it."},
+    Entry{3332, "The caster closed the connection without an answer that is understood."},
+    Entry{3333, "%s, mountpoint %s, sent no corrections: %s"},
+    Entry{3334, "The corrections from %s, mountpoint %s, broke off: %s"},
+    Entry{3335, "It has %s."},
     Entry{3367, "The bases of the caster could not be loaded."},
     Entry{3368, "The connection to the mountpoint failed."},
     Entry{3378, "The caster does not know the mountpoint."},

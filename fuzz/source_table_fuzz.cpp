@@ -15,19 +15,20 @@ void Require(bool holds) {
 
 void TakeLine(std::string_view line) {
   constexpr auto kOwn = tarvex::RecordOrigin::OwnList;
+  tarvex::LastErrorRecord errors;
   tarvex::StreamRecord stream;
-  if (tarvex::ParseStreamRecord(line, kOwn, stream) == tarvex::PortError::None) {
+  if (tarvex::ParseStreamRecord(line, kOwn, stream, errors) == tarvex::PortError::None) {
     const std::string written = tarvex::StreamRecordLine(stream);
     tarvex::StreamRecord again;
-    Require(tarvex::ParseStreamRecord(written, kOwn, again) == tarvex::PortError::None);
+    Require(tarvex::ParseStreamRecord(written, kOwn, again, errors) == tarvex::PortError::None);
     Require(written.find('\n') == written.size() - 1);
     (void)tarvex::StreamPositionText(stream);
     (void)tarvex::DistanceKm(stream, 0.0, 0.0);
   }
   tarvex::CasterRecord caster;
-  if (tarvex::ParseCasterRecord(line, kOwn, caster) == tarvex::PortError::None) {
+  if (tarvex::ParseCasterRecord(line, kOwn, caster, errors) == tarvex::PortError::None) {
     tarvex::CasterRecord again;
-    Require(tarvex::ParseCasterRecord(tarvex::CasterRecordLine(caster), kOwn, again) ==
+    Require(tarvex::ParseCasterRecord(tarvex::CasterRecordLine(caster), kOwn, again, errors) ==
             tarvex::PortError::None);
     (void)caster.PortNumber();
   }

@@ -23,7 +23,8 @@ double DistanceToBaseKm(const BaseStation& base, const GnssPositionState& state)
 
 std::string CorrectionLine(const CorrectionStatus& status, const GnssPositionState& state) {
   if (status.state != CorrectionState::Receiving || status.age_ms < 0) {
-    return CorrectionSentence(status);
+    const std::string sentence = CorrectionSentence(status);
+    return status.doing.empty() ? sentence : sentence + " (" + status.doing + ")";
   }
   std::string line =
       "corrections " + FixedNumber(static_cast<double>(status.age_ms) / 1000.0, 1) + " s old";

@@ -32,7 +32,7 @@ class CorrectionLink {
   std::atomic<bool> stopping_ = false;
   StopAsked stop_;
   PrivateFolder folder_;
-  LastErrorRecord errors_;  // its own: the reading side has one for itself
+  LastErrorRecord errors_{SystemLastError()};  // its own: the reading side has one for itself
   std::unique_ptr<NtripConnection> connection_;
   PortSink sink_;
   CorrectionSession session_;

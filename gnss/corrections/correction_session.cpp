@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace tarvex {
@@ -10,6 +11,9 @@ namespace {
 constexpr int kGgaTimeoutMs = 2000;
 constexpr std::int64_t kSteadyDataMs = 300'000;
 constexpr std::size_t kAlikeNames = 3;
+constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
+// A stream of which no table tells anything, and which says nothing, may wait for the position.
+constexpr std::int64_t kSilentUnknownMs = 5000;
 
 double Distance(const Geocentric& a, const Geocentric& b) {
   return std::hypot(a.x_m - b.x_m, a.y_m - b.y_m, a.z_m - b.z_m);
@@ -31,6 +35,34 @@ bool PortSink::Write(std::string_view bytes) {
   return true;
 }
 
+// Passes on what the client tells, and ends what takes longer than it may.
+class CorrectionSession::Telling final : public NtripProgress {
+ public:
+  Telling(CorrectionSession& session, NtripProgress& progress, std::int64_t limit_ms)
+      : session_(session),
+        progress_(progress),
+        until_ms_(limit_ms == kNoLimit ? kNoLimit : session.Now() + limit_ms) {}
+
+  int Progress(int value, int minimum, int elapsed_s) override {
+    if (const int cancelled = progress_.Progress(value, minimum, elapsed_s); cancelled != 0) {
+      return cancelled;
+    }
+    ran_out_ = ran_out_ || session_.Now() > until_ms_;
+    return ran_out_ ? 1 : 0;
+  }
+  void Status(std::string_view text) override {
+    session_.NoteDoing(text);
+    progress_.Status(text);
+  }
+  bool ran_out() const { return ran_out_; }
+
+ private:
+  CorrectionSession& session_;
+  NtripProgress& progress_;
+  std::int64_t until_ms_;
+  bool ran_out_ = false;
+};
+
 CorrectionSession::CorrectionSession(CorrectionPlan plan, NtripConnection& connection,
                                      NtripSurroundings surroundings)
     : plan_(std::move(plan)),
@@ -38,7 +70,7 @@ CorrectionSession::CorrectionSession(CorrectionPlan plan, NtripConnection& conne
       surroundings_(std::move(surroundings)),
       client_(&connection, "corrections", surroundings_),
       back_off_(static_cast<std::uint64_t>(surroundings_.clock.SteadyMilliseconds())) {
-  status_.caster = plan_.caster.host.str() + ":" + plan_.caster.port;
+  status_.caster = CasterName(plan_.caster);
   status_.mountpoint = plan_.mountpoint;
 }
 
@@ -47,23 +79,20 @@ void CorrectionSession::Attach(CorrectionSink* sink, const LatestGga* gga) {
   gga_ = gga;
 }
 
-bool CorrectionSession::Step(int wait_ms, Progress& progress) {
+bool CorrectionSession::Step(int wait_ms, NtripProgress& progress) {
   if (retry_requested_.exchange(false)) {
     connection_.Close();
     back_off_.Reset();
     SetState(CorrectionState::Idle);
   }
+  NotePosition();
   switch (state_) {
     case CorrectionState::Idle:
       Open(progress);
       return true;
     case CorrectionState::Waiting:
-      if (Now() < next_try_at_ms_) {
-        surroundings_.clock.SleepMilliseconds(
-            std::clamp<std::int64_t>(next_try_at_ms_ - Now(), 0, wait_ms));
-      } else {
-        Open(progress);
-      }
+    case CorrectionState::ReceiverFailed:
+      Wait(wait_ms, progress);
       return true;
     case CorrectionState::Connecting:
     case CorrectionState::Receiving:
@@ -75,18 +104,34 @@ bool CorrectionSession::Step(int wait_ms, Progress& progress) {
   }
 }
 
+void CorrectionSession::Wait(int wait_ms, NtripProgress& progress) {
+  const std::int64_t left_ms = next_try_at_ms_ - Now();
+  if (left_ms <= 0) return Open(progress);
+  surroundings_.clock.SleepMilliseconds(std::min<std::int64_t>(left_ms, wait_ms));
+}
+
+// Stopping changes nothing about what flowed until then.
 void CorrectionSession::SetState(CorrectionState state) {
   state_ = state;
   const std::lock_guard lock(mutex_);
   status_.state = state;
+  if (state != CorrectionState::Stopped) status_.flowing = state == CorrectionState::Receiving;
+  if (state != CorrectionState::Connecting) status_.doing.clear();
+  if (state == CorrectionState::Receiving) status_.cause = PortError::None;
 }
 
-void CorrectionSession::Open(Progress& progress) {
+void CorrectionSession::NoteDoing(std::string_view text) {
+  const std::lock_guard lock(mutex_);
+  status_.doing = text;
+}
+
+void CorrectionSession::Open(NtripProgress& progress) {
   SetState(CorrectionState::Connecting);
   framer_ = {};
   surroundings_.errors.Clear();
   if (!LearnWhatIsWanted(progress)) return Failed(client_.cause());
-  if (client_.ConnectMountpoint(plan_.caster, plan_.mountpoint, progress) != PortError::None) {
+  Telling telling(*this, progress, kNoLimit);
+  if (client_.ConnectMountpoint(plan_.caster, plan_.mountpoint, telling) != PortError::None) {
     Failed(client_.cause());
     if (state_ == CorrectionState::UnknownMountpoint) LookForMountpoint(progress);
     return;
@@ -96,57 +141,61 @@ void CorrectionSession::Open(Progress& progress) {
   const std::lock_guard lock(mutex_);
   ++status_.connections;
   status_.most_alike.clear();
+  status_.doing.clear();
 }
 
-// Permanent refusals end the session, everything else is tried again later.
+void CorrectionSession::TryLater() {
+  next_try_at_ms_ = Now() + back_off_.Next();
+}
+
+// What never worked and is refused for good is not tried again, everything else is.
 void CorrectionSession::Failed(PortError cause) {
   connection_.Close();
+  if (cause == PortError::Cancelled) return SetState(CorrectionState::Stopped);
   {
     const std::lock_guard lock(mutex_);
     status_.cause = cause;
     status_.cause_detail = cause == client_.cause() ? client_.cause_detail() : std::string();
   }
-  switch (cause) {
-    case PortError::NotAuthorized:
-      return SetState(CorrectionState::Refused);
-    case PortError::MountpointUnknown:
-      return SetState(CorrectionState::UnknownMountpoint);
-    case PortError::Cancelled:
-      return SetState(CorrectionState::Stopped);
-    default:
-      next_try_at_ms_ = Now() + back_off_.Next();
-      SetState(CorrectionState::Waiting);
+  if (cause == PortError::NotAuthorized && !has_worked_) return SetState(CorrectionState::Refused);
+  if (cause == PortError::MountpointUnknown && !has_worked_) {
+    return SetState(CorrectionState::UnknownMountpoint);
   }
+  TryLater();
+  SetState(CorrectionState::Waiting);
 }
 
-bool CorrectionSession::LoadTable(CasterList& list, Progress& progress) {
+bool CorrectionSession::LoadTable(CasterList& list, NtripProgress& progress) {
   list.current = plan_.caster;
   const PortError error = client_.LoadBases(list, progress);
   connection_.Close();
   return error == PortError::None;
 }
 
-// Asked once. A caster that gives no table is taken to want nothing; false when it is not reached
-// at all, or the asking was cancelled.
-bool CorrectionSession::LearnWhatIsWanted(Progress& progress) {
+// False when the caster is not reached at all, or the asking was cancelled. A table that was cut
+// before the stream, a slow one and none at all tell nothing: it is asked for again with the next
+// connection, unless the caster keeps it to itself.
+bool CorrectionSession::LearnWhatIsWanted(NtripProgress& progress) {
   if (plan_.gga == GgaUpload::Always) gga_wanted_ = true;
   if (plan_.gga != GgaUpload::WhenWanted || gga_ == nullptr || table_asked_) return true;
+  Telling telling(*this, progress, plan_.table_limit_ms);
   CasterList list;
-  if (LoadTable(list, progress)) {
+  if (LoadTable(list, telling)) {
     const StreamRecord* const stream = list.Find(plan_.mountpoint);
-    gga_wanted_ = stream != nullptr && stream->nmea;
-  } else if (client_.cause() == PortError::CasterNotOpened ||
-             client_.cause() == PortError::Cancelled) {
-    return false;
+    gga_known_ = table_asked_ = stream != nullptr || list.complete;
+    if (gga_known_) gga_wanted_ = stream != nullptr && stream->nmea;
+    return true;
   }
-  table_asked_ = true;
-  return true;
+  if (telling.ran_out()) return true;
+  table_asked_ = client_.cause() == PortError::NotAuthorized;
+  return client_.cause() != PortError::CasterNotOpened && client_.cause() != PortError::Cancelled;
 }
 
 // The caster does not know the mountpoint; perhaps it was mistyped.
-void CorrectionSession::LookForMountpoint(Progress& progress) {
+void CorrectionSession::LookForMountpoint(NtripProgress& progress) {
+  Telling telling(*this, progress, plan_.table_limit_ms);
   CasterList list;
-  if (!LoadTable(list, progress)) return;
+  if (!LoadTable(list, telling)) return;
   const std::lock_guard lock(mutex_);
   status_.most_alike = list.MostAlike(plan_.mountpoint, kAlikeNames);
 }
@@ -157,10 +206,13 @@ void CorrectionSession::Pump(int wait_ms) {
   std::size_t count = 0;
   const PortError error = client_.Receive(buffer_, count, wait_ms);
   if (error != PortError::None && error != PortError::FewerBytesRead) {
-    return Failed(PortError::Disconnected);
+    return Failed(error == PortError::Cancelled ? error : PortError::Disconnected);
   }
   if (count > 0) return TakeBytes({buffer_.data(), count});
   const std::int64_t silent_ms = Now() - last_byte_at_ms_;
+  if (silent_ms > kSilentUnknownMs && plan_.gga == GgaUpload::WhenWanted && !gga_known_) {
+    gga_wanted_ = true;
+  }
   if (silent_ms > plan_.dead_after_ms) return Failed(PortError::NoAnswer);
   if (silent_ms > plan_.silent_after_ms) SetState(CorrectionState::Silent);
 }
@@ -168,10 +220,12 @@ void CorrectionSession::Pump(int wait_ms) {
 void CorrectionSession::TakeBytes(std::string_view bytes) {
   const std::int64_t now = Now();
   last_byte_at_ms_ = now;
+  has_worked_ = true;
   if (state_ != CorrectionState::Receiving) SetState(CorrectionState::Receiving);
   if (now - opened_at_ms_ > kSteadyDataMs) back_off_.Reset();
   const bool taken = sink_ == nullptr || sink_->Write(bytes);
   const std::uint64_t frames_before = framer_.frames();
+  const std::uint64_t damaged_before = framer_.bad_crcs();
   framer_.Feed(bytes, *this);
   const std::uint64_t frames = framer_.frames() - frames_before;
   if (frames > 0) last_frame_at_ms_ = now;
@@ -180,15 +234,25 @@ void CorrectionSession::TakeBytes(std::string_view bytes) {
     status_.frames += frames;
     status_.bytes += bytes.size();
     if (taken && sink_ != nullptr) status_.bytes_to_receiver += bytes.size();
-    status_.bad_crcs = framer_.bad_crcs();
+    status_.bad_crcs += framer_.bad_crcs() - damaged_before;
+    if (!taken) status_.cause = PortError::WriteFailed;
   }
   if (taken) return;
   connection_.Close();
+  TryLater();
   SetState(CorrectionState::ReceiverFailed);
+}
+
+// A sentence has no time of its own that could be trusted: its age is counted from when it came.
+void CorrectionSession::NotePosition() {
+  if (gga_ == nullptr || gga_->taken() == positions_) return;
+  positions_ = gga_->taken();
+  position_at_ms_ = Now();
 }
 
 void CorrectionSession::SendGga() {
   if (!gga_wanted_ || gga_ == nullptr || Now() < next_gga_at_ms_) return;
+  if (Now() - position_at_ms_ > plan_.gga_limit_ms) return;
   const std::string gga = gga_->Get();
   if (gga.empty()) return;
   next_gga_at_ms_ = Now() + plan_.gga_interval_ms;

@@ -3,9 +3,11 @@
 // its own beside the one that reads the receiver.
 //
 // After a lost or silent stream it waits 10 s, doubling to 300 s, and starts again at 10 s after
-// five minutes of data. Before the first stream the caster's table is asked once whether the stream
-// needs the rover's position. A refused user and an unknown mountpoint are not tried again: asking
-// again changes nothing, and casters lock out who hammers them.
+// five minutes of data. Before a stream is opened the caster's table is asked whether the stream
+// needs the rover's position, until it has said so. A refused user and an unknown mountpoint are
+// not tried again: asking again changes nothing, and casters lock out who hammers them. One that
+// has worked in this session is: casters refuse a user while they hold his lost connection open,
+// and a base that starts anew is missing from its caster for a while.
 #pragma once
 
 #include <array>
@@ -60,6 +62,8 @@ struct CorrectionPlan {
   GgaUpload gga = GgaUpload::WhenWanted;
   bool gga_talker_gp = true;  ///< rewrite the talker for casters that take GP alone
   std::int64_t gga_interval_ms = 10'000;
+  std::int64_t gga_limit_ms = 30'000;     ///< a position that is older is not sent
+  std::int64_t table_limit_ms = 15'000;   ///< for asking what the stream wants
   std::int64_t silent_after_ms = 15'000;  ///< told as silence
   std::int64_t dead_after_ms = 60'000;    ///< the stream is opened anew
 };
@@ -74,27 +78,33 @@ class CorrectionSession final : private RtcmFramer::Listener {
 
   /// One bounded piece of work: a try to connect, one receive (`wait_ms` at most), or nothing but
   /// the waiting for the next try. False when nothing is left to do until Retry.
-  bool Step(int wait_ms, Progress& progress);
+  bool Step(int wait_ms, NtripProgress& progress);
 
   /// Ends the stream; on the thread that calls Step.
   void Stop();
 
-  /// Tries again at once, also after a refusal. May be called from any thread.
+  /// Connects anew at once, also after a refusal. May be called from any thread.
   void Retry() { retry_requested_ = true; }
   /// May be called from any thread.
   CorrectionStatus Status() const;
 
  private:
+  class Telling;
+
   void OnMessage(std::string_view message) override;
 
-  void Open(Progress& progress);
+  void Open(NtripProgress& progress);
   void Failed(PortError cause);
-  bool LearnWhatIsWanted(Progress& progress);
-  void LookForMountpoint(Progress& progress);
-  bool LoadTable(CasterList& list, Progress& progress);
+  bool LearnWhatIsWanted(NtripProgress& progress);
+  void LookForMountpoint(NtripProgress& progress);
+  bool LoadTable(CasterList& list, NtripProgress& progress);
   void Pump(int wait_ms);
   void TakeBytes(std::string_view bytes);
+  void NotePosition();
   void SendGga();
+  void Wait(int wait_ms, NtripProgress& progress);
+  void TryLater();
+  void NoteDoing(std::string_view text);
   void SetState(CorrectionState state);
   void NoteBase(const BaseStation& station);
   std::int64_t Now() const { return surroundings_.clock.SteadyMilliseconds(); }
@@ -113,7 +123,11 @@ class CorrectionSession final : private RtcmFramer::Listener {
   std::atomic<std::int64_t> last_byte_at_ms_ = 0;
   std::atomic<std::int64_t> last_frame_at_ms_ = -1;
   std::int64_t next_gga_at_ms_ = 0;
-  bool table_asked_ = false;
+  std::uint64_t positions_ = 0;  // of the rover, as many as have been seen
+  std::int64_t position_at_ms_ = 0;
+  bool has_worked_ = false;   // data came in this session
+  bool table_asked_ = false;  // and need not be asked again
+  bool gga_known_ = false;    // the table has told whether the stream wants the position
   bool gga_wanted_ = false;
   std::atomic<bool> retry_requested_ = false;
   std::array<char, 65536> buffer_;

@@ -28,9 +28,9 @@ std::string CasterFailureSentence(const std::string& caster, PortError cause,
     return Strings().Text(kNotReached, {caster, detail});
   }
   // A port's words for a caster that closes, or says nothing.
-  if (cause == PortError::ReadFailed || cause == PortError::FewerBytesRead) {
-    cause = PortError::FirstReceiveFailed;
-  }
+  constexpr int kClosed = 3332;
+  if (cause == PortError::ReadFailed) return Strings().Text(kClosed);
+  if (cause == PortError::FewerBytesRead) cause = PortError::FirstReceiveFailed;
   return ErrorSentence({.code = static_cast<int>(cause), .arguments = {detail}});
 }
 
@@ -48,6 +48,8 @@ std::string CorrectionSentence(const CorrectionStatus& status) {
       return Strings().Text(
           text, {CasterFailureSentence(status.caster, status.cause, status.cause_detail),
                  Seconds(status.next_try_in_ms)});
+    case CorrectionState::ReceiverFailed:
+      return Strings().Text(text, {Seconds(status.next_try_in_ms)});
     case CorrectionState::UnknownMountpoint: {
       constexpr int kWithNames = 3330;
       return Strings().Text(status.most_alike.empty() ? text : kWithNames,
@@ -56,6 +58,21 @@ std::string CorrectionSentence(const CorrectionStatus& status) {
     default:
       return Strings().Text(text);
   }
+}
+
+std::string CorrectionVerdict(const CorrectionStatus& status) {
+  if (status.flowing) return {};
+  constexpr int kNoneCame = 3333;
+  constexpr int kEnded = 3334;
+  constexpr int kOthers = 3335;
+  std::string why = status.cause == PortError::None
+                        ? CorrectionSentence(status)
+                        : CasterFailureSentence(status.caster, status.cause, status.cause_detail);
+  if (!status.most_alike.empty()) {
+    why += " " + Strings().Text(kOthers, {Names(status.most_alike)});
+  }
+  return Strings().Text(status.nothing_came() ? kNoneCame : kEnded,
+                        {status.caster, status.mountpoint, why});
 }
 
 }  // namespace tarvex

@@ -19,9 +19,9 @@ enum class CorrectionState {
   Receiving,
   Silent,             ///< connected, and no data for a while
   Waiting,            ///< for the next try
-  Refused,            ///< user or password; not tried again by itself
-  UnknownMountpoint,  ///< not tried again by itself
-  ReceiverFailed,     ///< corrections cannot be written to the receiver
+  Refused,            ///< user or password, which never worked here; not tried again by itself
+  UnknownMountpoint,  ///< one that never worked here; not tried again by itself
+  ReceiverFailed,     ///< corrections cannot be written to the receiver; tried again later
   Stopped,
 };
 
@@ -29,7 +29,9 @@ struct CorrectionStatus {
   CorrectionState state = CorrectionState::Idle;
   std::string caster;  ///< "host:port"
   std::string mountpoint;
-  PortError cause = PortError::None;    ///< of the last failure
+  std::string doing;                    ///< Connecting: what the client says that it does
+  bool flowing = false;                 ///< data comes, or came until the session was stopped
+  PortError cause = PortError::None;    ///< of the last failure, until data comes
   std::string cause_detail;             ///< what the caster or the system said to it
   std::vector<std::string> most_alike;  ///< mountpoints that exist, when ours does not
   std::int64_t next_try_in_ms = 0;      ///< Waiting
@@ -44,6 +46,9 @@ struct CorrectionStatus {
   std::map<int, std::uint64_t> messages;  ///< count of each RTCM message number
   std::optional<BaseStation> base;
   double base_moved_m = 0.0;  ///< from where it was first seen in this session
+
+  /// Not one byte came in the whole session, over whatever connections.
+  bool nothing_came() const { return bytes == 0; }
 };
 
 /// A base that is this far, in metres, from where it was is another base.
@@ -55,5 +60,10 @@ std::string CasterFailureSentence(const std::string& caster, PortError cause,
 
 /// One sentence that names the state, its cause and what to do.
 std::string CorrectionSentence(const CorrectionStatus& status);
+
+/// Why a session that ends has no corrections: "caster:2101, mountpoint MNT, sent no corrections:
+/// The caster does not accept this user and password." Empty while they flow, and for a session
+/// that was stopped while they did.
+std::string CorrectionVerdict(const CorrectionStatus& status);
 
 }  // namespace tarvex

@@ -8,10 +8,10 @@ namespace {
 constexpr int kStepMs = 100;
 
 // Ends a try to connect when the thread is to stop.
-class StopProgress final : public Progress {
+class StopProgress final : public NtripProgress {
  public:
   explicit StopProgress(const std::stop_token& stop) : stop_(stop) {}
-  int Report(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override {
+  int Progress(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override {
     return stop_.stop_requested() ? 1 : 0;
   }
   void Status(std::string_view /*text*/) override {}

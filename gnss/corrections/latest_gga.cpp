@@ -15,9 +15,10 @@ constexpr int kQualityField = 6;
 void LatestGga::OnLine(std::string_view line) {
   if (KindOf(line, true) != SentenceKind::Gga || line.size() > kLongest) return;
   if (!ChecksumHolds(line)) return;
-  if (NmeaInteger(FirstField(SkipFields(line, ',', kQualityField), ',')) == 0) return;
+  const bool fixed = NmeaInteger(FirstField(SkipFields(line, ',', kQualityField), ',')) != 0;
   const std::lock_guard lock(mutex_);
-  sentence_ = line;
+  sentence_ = fixed ? line : std::string_view();
+  if (fixed) ++taken_;
 }
 
 std::string LatestGga::Get() const {

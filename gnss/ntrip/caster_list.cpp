@@ -32,24 +32,38 @@ std::size_t Difference(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-PortError CasterList::ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin) {
+std::string CasterName(const CasterLogin& caster) {
+  const std::string host = caster.host.str();
+  const bool bare_ipv6 = host.find(':') != std::string::npos;
+  return (bare_ipv6 ? "[" + host + "]" : host) + ":" + caster.port;
+}
+
+PortError CasterList::ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin,
+                                LastErrorRecord& errors) {
   std::string bytes;
   if (!ReadWholeFile(files, path, kLargestTable, bytes).ok()) return PortError::TableTooLarge;
   std::vector<CasterRecord> read_casters;
   std::vector<StreamRecord> read_streams;
+  bool ended = false;
   std::string_view rest = bytes;
   while (const auto line = TakeLine(rest)) {
-    if (line->starts_with(kEnd)) break;
+    if (line->starts_with(kEnd)) {
+      ended = true;
+      break;
+    }
+    if (rest.empty() && origin == RecordOrigin::Caster && !bytes.ends_with('\n')) break;
     StreamRecord stream;
     CasterRecord caster;
-    if (ParseStreamRecord(*line, origin, stream) == PortError::None) {
+    if (line->starts_with("STR;") &&
+        ParseStreamRecord(*line, origin, stream, errors) == PortError::None) {
       if (read_streams.size() == kMostStreams) return PortError::TableTooLarge;
       read_streams.push_back(stream);
-    } else if (ParseCasterRecord(*line, origin, caster) == PortError::None &&
-               read_casters.size() < kMostStreams) {
+    } else if (line->starts_with("CAS;") && read_casters.size() < kMostStreams &&
+               ParseCasterRecord(*line, origin, caster, errors) == PortError::None) {
       read_casters.push_back(caster);
     }
   }
+  complete = ended;
   casters = std::move(read_casters);
   streams = std::move(read_streams);
   return PortError::None;
@@ -63,10 +77,13 @@ std::string CasterList::Text() const {
 }
 
 const StreamRecord* CasterList::Find(std::string_view mountpoint) const {
+  const StreamRecord* found = nullptr;
+  const FixedText<32> held(mountpoint);
   for (const StreamRecord& stream : streams) {
-    if (stream.mountpoint.view() == mountpoint) return &stream;
+    if (stream.mountpoint.view() != held.view()) continue;
+    if (found == nullptr || (stream.nmea && !found->nmea)) found = &stream;
   }
-  return nullptr;
+  return found;
 }
 
 std::vector<std::string> CasterList::MostAlike(std::string_view mountpoint,

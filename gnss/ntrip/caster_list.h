@@ -19,20 +19,30 @@ struct CasterLogin {
   std::string password = {};
 };
 
+/// "caster.example:2101", "[::1]:2101".
+std::string CasterName(const CasterLogin& caster);
+
 class CasterList {
  public:
   std::optional<CasterLogin> current;
-  std::vector<CasterRecord> casters;
-  std::vector<StreamRecord> streams;
+  std::vector<CasterRecord> casters = {};
+  std::vector<StreamRecord> streams = {};
 
-  /// Replaces casters and streams by those of a table file. Lines that are no records are left out;
-  /// a table of more than kMostStreams streams is TableTooLarge.
-  PortError ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin);
+  /// A caster's table that was read to its end ("ENDSOURCETABLE"); without it streams may be
+  /// missing.
+  bool complete = false;
+
+  /// Replaces casters and streams by those of a table file. Lines that are no records are left out,
+  /// and so is a caster's last line when its end has not come; a table of more than kMostStreams
+  /// streams is TableTooLarge. A caster without host or port is stored in `errors`, and left out.
+  PortError ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin,
+                      LastErrorRecord& errors);
 
   /// The records as a list of our own.
   std::string Text() const;
 
-  /// The stream of a mountpoint; null when there is none.
+  /// The stream of a mountpoint, compared as far as a record holds it; null when there is none. Of
+  /// several with the same start one that needs the rover's position comes first.
   const StreamRecord* Find(std::string_view mountpoint) const;
 
   /// Up to `count` mountpoints that are written most like `mountpoint`, the most alike first.

@@ -22,8 +22,35 @@ constexpr std::string_view kStreamMark = "ICY 200 OK";
 constexpr std::string_view kTlsAlert = "\x15\x03";
 constexpr std::size_t kLongestAnswer = 100;
 constexpr int kHttpOk = 200;
+constexpr std::size_t kLongestRefusal = 128;
+constexpr std::string_view kContentType = "Content-Type";
+
+// The marks of the refusals. Authorization is looked at first: a caster may send its table along.
+PortError MarkedRefusal(std::string_view text) {
+  const auto holds = [text](std::string_view mark) { return text.find(mark) != text.npos; };
+  if (holds("401 Unauthorized") || holds("WWW-Authenticate: Basic")) {
+    return PortError::NotAuthorized;
+  }
+  if (holds("SOURCETABLE 200 OK")) return PortError::MountpointUnknown;
+  return holds("DISCONNECT") ? PortError::Disconnected : PortError::None;
+}
+
+// What of the bytes is text, from the front on.
+std::string_view LeadingText(std::string_view bytes) {
+  const auto is_text = [](char c) { return (c >= ' ' && c <= '~') || (c >= '\t' && c <= '\r'); };
+  const auto end = std::find_if_not(bytes.begin(), bytes.end(), is_text);
+  return bytes.substr(0, static_cast<std::size_t>(end - bytes.begin()));
+}
+
+bool EndsTheLine(char c) {
+  return static_cast<unsigned char>(c) <= ' ' || c == 0x7F;
+}
 
 }  // namespace
+
+bool IsMountpointName(std::string_view mountpoint) {
+  return std::none_of(mountpoint.begin(), mountpoint.end(), EndsTheLine);
+}
 
 PortError HttpRefusal(const HttpHead& head) {
   switch (head.status()) {
@@ -43,8 +70,8 @@ PortError HttpRefusal(const HttpHead& head) {
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
                          std::string_view password) {
   std::string request = "GET /";
-  std::copy_if(mountpoint.begin(), mountpoint.end(), std::back_inserter(request),
-               [](char c) { return static_cast<unsigned char>(c) > ' ' && c != 0x7F; });
+  std::remove_copy_if(mountpoint.begin(), mountpoint.end(), std::back_inserter(request),
+                      EndsTheLine);
   request += " HTTP/1.0\r\nUser-Agent: NTRIP Morwend\r\n";
   if (!user.empty()) {
     const std::string login = std::string(user) + ":" + std::string(password);
@@ -78,7 +105,7 @@ int NtripClient::ElapsedSeconds(std::int64_t since_ms) const {
 }
 
 PortError NtripClient::Connect(const std::string& host, const std::string& port,
-                               Progress& progress) {
+                               NtripProgress& progress) {
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
   progress.Status(Strings().Text(kTextConnecting));
   return connection_->Perform(NtripOperation::OpenTcp, {.host = host, .port = port}, progress);
@@ -86,51 +113,53 @@ PortError NtripClient::Connect(const std::string& host, const std::string& port,
 
 PortError NtripClient::SendRequest(std::string_view mountpoint, std::string_view user,
                                    std::string_view password) {
-  if (connection_ == nullptr) return Fail(PortError::NothingGiven);
+  if (connection_ == nullptr || !IsMountpointName(mountpoint)) return Fail(PortError::NothingGiven);
   return connection_->Send(NtripRequest(mountpoint, user, password), kSendTimeoutMs);
 }
 
-PortError NtripClient::ReceiveText(std::string& received, int timeout_ms) {
+PortError NtripClient::ReceiveText(std::string& received, std::uint32_t wait_ms) {
   std::array<char, kReceiveSize> buffer;
   std::size_t count = 0;
-  const PortError error = connection_->Receive(buffer, count, timeout_ms);
+  const PortError error = connection_->Receive(buffer, count, static_cast<int>(wait_ms));
   received.assign(buffer.data(), error == PortError::None ? count : 0);
   return error;
 }
 
 PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view user,
-                                  std::string_view password, Progress& progress) {
+                                  std::string_view password, NtripProgress& progress) {
   if (const PortError error = SendRequest(mountpoint, user, password); error != PortError::None) {
     return error;
   }
   const std::int64_t since_ms = surroundings_.clock.SteadyMilliseconds();
   std::string received;
-  if (const PortError error = ReceiveText(received, static_cast<int>(2 * timeout_ms_));
-      error != PortError::None) {
+  if (const PortError error = ReceiveText(received, 2 * timeoutMs); error != PortError::None) {
     return Fail(error == PortError::Cancelled ? error : PortError::FirstReceiveFailed);
   }
   ForgetStream();
-  if (TakeAnswer(received)) return BeginBody();
+  if (TakeAnswer(received)) return BeginStream();
   return AwaitStream(progress, since_ms);
 }
 
-PortError NtripClient::AwaitStream(Progress& progress, std::int64_t since_ms) {
+PortError NtripClient::AwaitStream(NtripProgress& progress, std::int64_t since_ms) {
   std::string received;
   do {
     if (surroundings_.clock.SteadyMilliseconds() - since_ms > kAnswerLimitMs) {
       return Fail(PortError::NoAnswer);
     }
     const int elapsed = ElapsedSeconds(since_ms);
-    if (progress.Report(elapsed + kOpenProgressBase, 0, elapsed) != 0) {
+    if (progress.Progress(elapsed + kOpenProgressBase, 0, elapsed) != 0) {
       return Fail(PortError::Cancelled);
     }
     if (const PortError refusal = Refusal(); refusal != PortError::None) return Refused(refusal);
-    const PortError error = ReceiveText(received, static_cast<int>(timeout_ms_));
+    const PortError error = ReceiveText(received, timeoutMs);
     if (error == PortError::Cancelled) return Fail(error);
-    if (error == PortError::FewerBytesRead) continue;
-    if (error != PortError::None) return Refused(RefusalWhenClosed());
+    if (error == PortError::FewerBytesRead) {
+      if (BodyIsUndecided()) break;
+      continue;
+    }
+    if (error != PortError::None) return Refused(RefusalWhenClosed(error));
   } while (received.empty() || !TakeAnswer(received));
-  return BeginBody();
+  return BeginStream();
 }
 
 void NtripClient::ForgetStream() {
@@ -142,51 +171,73 @@ void NtripClient::ForgetStream() {
   pending_.clear();
 }
 
-// True when the caster has begun to send; what came with its answer is then pending.
+// True when it is known what the caster sends; what came of it with its answer is then pending.
 bool NtripClient::TakeAnswer(std::string_view received) {
   reply_.Take(received);
   head_.Feed(received);
-  if (head_.state() == HttpHead::State::Complete && head_.status() == kHttpOk) {
-    start_.Skip();
-    pending_ = received;
-    return true;
+  if (InBody()) {
+    TakeBody(received);
+    return !BodyIsUndecided();
   }
   if (!reply_.Holds(kStreamMark)) return false;
   start_.Feed(reply_.Behind(kStreamMark), pending_);
   return true;
 }
 
-// The body of an HTTP answer is the stream, unless it says that it is something else.
-PortError NtripClient::BeginBody() {
-  if (head_.state() != HttpHead::State::Complete) return PortError::None;
-  constexpr std::string_view kType = "Content-Type";
-  if (head_.Holds(kType, "sourcetable")) return Fail(PortError::MountpointUnknown);
-  if (head_.Holds(kType, "html")) return Fail(PortError::NotCorrections);
-  chunked_ = head_.Holds("Transfer-Encoding", "chunked");
-  if (!chunked_) return PortError::None;
-  const std::string received = std::exchange(pending_, {});
-  chunks_.Feed(received, pending_);
-  return PortError::None;
+bool NtripClient::InBody() const {
+  return head_.state() == HttpHead::State::Complete && head_.status() == kHttpOk;
 }
 
-// Authorization is looked at first: a caster may send its table along.
-PortError NtripClient::Refusal() const {
-  if (reply_.Holds("401 Unauthorized") || reply_.Holds("WWW-Authenticate: Basic")) {
-    return PortError::NotAuthorized;
+void NtripClient::TakeBody(std::string_view received) {
+  start_.Skip();
+  chunked_ = head_.Holds("Transfer-Encoding", "chunked");
+  if (chunked_) {
+    chunks_.Feed(received, pending_);
+  } else {
+    pending_ += received;
   }
-  if (reply_.Holds("SOURCETABLE 200 OK")) return PortError::MountpointUnknown;
-  if (reply_.Holds("DISCONNECT")) return PortError::Disconnected;
+}
+
+// HTTP 200 says little: gateways wrap a version 1 caster's refusal into it. While nothing but text
+// has come, and little of it, it may still become one.
+bool NtripClient::BodyIsUndecided() const {
+  if (!InBody() || chunks_.ended() || pending_.size() >= kLongestRefusal) return false;
+  if (HeadRefusal() != PortError::None) return false;
+  if (pending_.empty() && head_.Holds(kContentType, "gnss/data")) return false;
+  return LeadingText(pending_).size() == pending_.size();
+}
+
+// What the head of an HTTP 200 says the body to be instead of a stream.
+PortError NtripClient::HeadRefusal() const {
+  if (head_.Holds(kContentType, "sourcetable")) return PortError::MountpointUnknown;
+  if (head_.Holds(kContentType, "html")) return PortError::NotCorrections;
+  const bool login = head_.Holds("WWW-Authenticate", "Basic");
+  return login ? PortError::NotAuthorized : PortError::None;
+}
+
+// The body of an HTTP answer is the stream, unless it is, or says that it is, something else.
+PortError NtripClient::BeginStream() {
+  if (!InBody()) return PortError::None;
+  PortError refusal = HeadRefusal();
+  if (refusal == PortError::None) refusal = MarkedRefusal(LeadingText(pending_));
+  return refusal == PortError::None ? refusal : Fail(refusal);
+}
+
+PortError NtripClient::Refusal() const {
+  if (const PortError refusal = MarkedRefusal(reply_.bytes()); refusal != PortError::None) {
+    return refusal;
+  }
   if (reply_.bytes().starts_with(kTlsAlert)) return PortError::CasterSpeaksTls;
   return head_.state() == HttpHead::State::Complete ? HttpRefusal(head_) : PortError::None;
 }
 
 // A caster that closed without one of the marks may have said why in other words.
-PortError NtripClient::RefusalWhenClosed() const {
+PortError NtripClient::RefusalWhenClosed(PortError error) const {
   if (reply_.Holds("Bad Password")) return PortError::NotAuthorized;
   if (reply_.Holds("Bad Mountpoint")) return PortError::MountpointUnknown;
-  if (head_.status() != 0) return HttpRefusal(head_);
-  return reply_.bytes().starts_with("ERROR") ? PortError::CasterRefused
-                                             : PortError::FirstReceiveFailed;
+  if (InBody() && !pending_.empty()) return PortError::NotCorrections;
+  if (head_.status() != 0 && head_.status() != kHttpOk) return HttpRefusal(head_);
+  return reply_.bytes().starts_with("ERROR") ? PortError::CasterRefused : error;
 }
 
 PortError NtripClient::Refused(PortError refusal) {
@@ -199,7 +250,7 @@ PortError NtripClient::Refused(PortError refusal) {
                                  0, std::min(answer.find_first_of("\r\n"), kLongestAnswer)))});
 }
 
-PortError NtripClient::LoadBases(CasterList& list, Progress& progress) {
+PortError NtripClient::LoadBases(CasterList& list, NtripProgress& progress) {
   if (connection_ == nullptr || !list.current) return Fail(PortError::NothingGiven);
   constexpr int kTextLoading = 3312;
   progress.Status(Strings().Text(kTextConnectingToBroadcaster));
@@ -207,28 +258,35 @@ PortError NtripClient::LoadBases(CasterList& list, Progress& progress) {
   PortError error = FetchTable(*list.current, file_name, progress);
   if (error != PortError::None) return Caused(PortError::BasesNotLoaded, error);
   progress.Status(Strings().Text(kTextLoading));
-  error = list.ReadTable(surroundings_.files, file_name, RecordOrigin::Caster);
+  error =
+      list.ReadTable(surroundings_.files, file_name, RecordOrigin::Caster, surroundings_.errors);
   if (error == PortError::None) return PortError::None;
   (void)Fail(error);
   return Caused(PortError::BasesNotLoaded, error);
 }
 
 PortError NtripClient::FetchTable(const CasterLogin& caster, const std::string& file_name,
-                                  Progress& progress) {
+                                  NtripProgress& progress) {
   if (connection_->Supports(NtripOperation::FetchTable)) {
     return connection_->Perform(
         NtripOperation::FetchTable,
         {.host = caster.host.str(), .port = caster.port, .file_name = file_name}, progress);
   }
-  if (const PortError error = Connect(caster.host.str(), caster.port, progress);
-      error != PortError::None) {
-    return error == PortError::Cancelled ? error : Fail(PortError::CasterNotOpened);
-  }
-  return FetchSourceTable(file_name, progress);
+  const auto connect = [&] {
+    const PortError error = Connect(caster.host.str(), caster.port, progress);
+    const bool told = error == PortError::None || error == PortError::Cancelled;
+    return told ? error : Fail(PortError::CasterNotOpened);
+  };
+  if (const PortError error = connect(); error != PortError::None) return error;
+  const PortError error = FetchSourceTable(file_name, progress);
+  if (error != PortError::NotAuthorized || caster.user.empty()) return error;
+  connection_->Close();
+  if (const PortError again = connect(); again != PortError::None) return again;
+  return FetchAs(caster.user, caster.password, file_name, progress);
 }
 
 PortError NtripClient::ConnectMountpoint(const CasterLogin* caster, const StreamRecord* stream,
-                                         Progress& progress) {
+                                         NtripProgress& progress) {
   if (connection_ == nullptr || caster == nullptr || stream == nullptr) {
     return Fail(PortError::NothingGiven);
   }
@@ -236,7 +294,7 @@ PortError NtripClient::ConnectMountpoint(const CasterLogin* caster, const Stream
 }
 
 PortError NtripClient::ConnectMountpoint(const CasterLogin& caster, const std::string& mountpoint,
-                                         Progress& progress) {
+                                         NtripProgress& progress) {
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
   progress.Status(caster.host.str() + ":" + caster.port + " " + mountpoint);
   const PortError error = OpenAt(caster, mountpoint, progress);
@@ -244,7 +302,7 @@ PortError NtripClient::ConnectMountpoint(const CasterLogin& caster, const std::s
 }
 
 PortError NtripClient::OpenAt(const CasterLogin& caster, const std::string& mountpoint,
-                              Progress& progress) {
+                              NtripProgress& progress) {
   if (connection_->Supports(NtripOperation::OpenMountpoint)) {
     ForgetStream();
     start_.Skip();
@@ -263,14 +321,13 @@ PortError NtripClient::OpenAt(const CasterLogin& caster, const std::string& moun
   return OpenStream(mountpoint, caster.user, caster.password, progress);
 }
 
-PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int timeout_ms) {
+PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int wait_ms) {
   count = 0;
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
   if (pending_.empty()) {
     if (chunked_ && chunks_.ended()) return Fail(PortError::Disconnected);
     std::size_t got = 0;
-    if (const PortError error = connection_->Receive(out, got, timeout_ms);
-        error != PortError::None) {
+    if (const PortError error = connection_->Receive(out, got, wait_ms); error != PortError::None) {
       return error;
     }
     if (start_.done() && !chunked_) {
@@ -289,9 +346,9 @@ PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int time
   return PortError::None;
 }
 
-PortError NtripClient::Send(std::string_view bytes, int timeout_ms) {
+PortError NtripClient::Send(std::string_view bytes, int wait_ms) {
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
-  return connection_->Send(bytes, timeout_ms);
+  return connection_->Send(bytes, wait_ms);
 }
 
 }  // namespace tarvex

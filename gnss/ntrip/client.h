@@ -19,8 +19,11 @@
 
 namespace tarvex {
 
-/// "GET /MOUNT HTTP/1.0 ..." whole, to be sent in one piece. Control characters and blanks are left
-/// out of the mountpoint: they would end the line.
+/// No blank and no control character in it: they would end the request's line.
+bool IsMountpointName(std::string_view mountpoint);
+
+/// "GET /MOUNT HTTP/1.0 ..." whole, to be sent in one piece. What IsMountpointName forbids is left
+/// out of the mountpoint.
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
                          std::string_view password);
 
@@ -41,57 +44,67 @@ class NtripClient {
   /// `connection` is not owned and may be missing; every operation then fails with NothingGiven.
   NtripClient(NtripConnection* connection, std::string_view name, NtripSurroundings surroundings);
 
-  PortError Connect(const std::string& host, const std::string& port, Progress& progress);
+  PortError Connect(const std::string& host, const std::string& port, NtripProgress& progress);
+  /// NothingGiven for a mountpoint that cannot be asked for.
   PortError SendRequest(std::string_view mountpoint, std::string_view user,
                         std::string_view password);
-  /// None when the caster answered "ICY 200 OK", or HTTP 200 with a body that is no table and no
-  /// page; what came behind the answer is handed out by the first Receive.
+  /// None when the caster answered "ICY 200 OK", or HTTP 200 with a body that is no refusal, table
+  /// or page; what came behind the answer is handed out by the first Receive.
   PortError OpenStream(std::string_view mountpoint, std::string_view user,
-                       std::string_view password, Progress& progress);
-  PortError FetchSourceTable(const std::string& file_name, Progress& progress);
-  /// Fetches the table of the list's current caster and reads it into the list. BasesNotLoaded for
-  /// any failure; cause() says which.
-  PortError LoadBases(CasterList& list, Progress& progress);
+                       std::string_view password, NtripProgress& progress);
+  PortError FetchSourceTable(const std::string& file_name, NtripProgress& progress);
+  /// Fetches the table of the list's current caster and reads it into the list. It is asked for
+  /// without the login, and again with it when the caster wants one. BasesNotLoaded for any
+  /// failure; cause() says which.
+  PortError LoadBases(CasterList& list, NtripProgress& progress);
   /// Opens the stream at the caster. MountpointNotConnected for any failure; cause() says which.
   PortError ConnectMountpoint(const CasterLogin* caster, const StreamRecord* stream,
-                              Progress& progress);
+                              NtripProgress& progress);
   /// The same for a mountpoint that a person gave, whatever its length.
   PortError ConnectMountpoint(const CasterLogin& caster, const std::string& mountpoint,
-                              Progress& progress);
+                              NtripProgress& progress);
 
   /// The next bytes of the open stream; none of them when only a part of a chunk's head came.
-  PortError Receive(std::span<char> out, std::size_t& count, int timeout_ms);
-  PortError Send(std::string_view bytes, int timeout_ms);
+  PortError Receive(std::span<char> out, std::size_t& count, int wait_ms);
+  PortError Send(std::string_view bytes, int wait_ms);
 
   PortError cause() const { return cause_; }
   /// What the caster or the system said to the cause, for a sentence; often empty.
   const std::string& cause_detail() const { return cause_detail_; }
   const std::string& name() const { return name_; }
-  std::uint32_t timeout_ms() const { return timeout_ms_; }
-  void set_timeout_ms(std::uint32_t timeout_ms) { timeout_ms_ = timeout_ms; }
+
+  /// How long a receive waits; the first one after a request twice as long.
+  std::uint32_t timeoutMs = 2000;
 
  private:
   PortError Fail(PortError error);
   PortError Caused(PortError error, PortError cause);
   int ElapsedSeconds(std::int64_t since_ms) const;
-  PortError AwaitStream(Progress& progress, std::int64_t since_ms);
+  PortError AwaitStream(NtripProgress& progress, std::int64_t since_ms);
   void ForgetStream();
   bool TakeAnswer(std::string_view received);
-  PortError BeginBody();
+  void TakeBody(std::string_view received);
+  bool InBody() const;
+  bool BodyIsUndecided() const;
+  PortError HeadRefusal() const;
+  PortError BeginStream();
   PortError Refusal() const;
-  PortError RefusalWhenClosed() const;
+  PortError RefusalWhenClosed(PortError error) const;
   PortError Refused(PortError refusal);
-  PortError AwaitTable(std::string& table, Progress& progress, std::int64_t since_ms);
+  PortError AwaitTable(std::string& table, NtripProgress& progress, std::int64_t since_ms);
   PortError TableRefusal(std::string_view reply);
-  PortError StoreTable(std::string table, const std::string& file_name, Progress& progress,
+  PortError StoreTable(std::string table, const std::string& file_name, NtripProgress& progress,
                        std::int64_t since_ms);
-  PortError FetchTable(const CasterLogin& caster, const std::string& file_name, Progress& progress);
-  PortError OpenAt(const CasterLogin& caster, const std::string& mountpoint, Progress& progress);
-  PortError ReceiveText(std::string& received, int timeout_ms);
+  PortError FetchAs(std::string_view user, std::string_view password, const std::string& file_name,
+                    NtripProgress& progress);
+  PortError FetchTable(const CasterLogin& caster, const std::string& file_name,
+                       NtripProgress& progress);
+  PortError OpenAt(const CasterLogin& caster, const std::string& mountpoint,
+                   NtripProgress& progress);
+  PortError ReceiveText(std::string& received, std::uint32_t wait_ms);
   NtripConnection* connection_;
   std::string name_;
   NtripSurroundings surroundings_;
-  std::uint32_t timeout_ms_ = 2000;
   PortError cause_ = PortError::None;
   std::string cause_detail_;
   ReplyWindow reply_;

@@ -35,11 +35,11 @@ class NtripConnection {
   virtual bool Supports(NtripOperation operation) = 0;
   /// Cancelled when the progress object says so.
   virtual PortError Perform(NtripOperation operation, const NtripTarget& target,
-                            Progress& progress) = 0;
-  virtual PortError Send(std::string_view bytes, int timeout_ms) = 0;
+                            NtripProgress& progress) = 0;
+  virtual PortError Send(std::string_view bytes, int timeoutMs) = 0;
   /// Waits for the first bytes and takes what came with them. FewerBytesRead when none came in
   /// time, another error when the connection is gone.
-  virtual PortError Receive(std::span<char> out, std::size_t& count, int timeout_ms) = 0;
+  virtual PortError Receive(std::span<char> out, std::size_t& count, int timeoutMs) = 0;
   virtual void Close() = 0;
 };
 

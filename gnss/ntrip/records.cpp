@@ -27,7 +27,11 @@ class RecordFields {
   void Take(FixedText<N>& text) {
     text.Assign(Next());
   }
-  void Take(double& value) { value = LeadingDouble(Next()); }
+  // A number beyond what a double holds is no position: 0, as if it had not been given.
+  void Take(double& value) {
+    const double read = LeadingDouble(Next());
+    value = std::isfinite(read) ? read : 0.0;
+  }
   void Take(std::int32_t& value) { value = NmeaInteger(Next()); }
   void Take(bool& value) { value = LeadingInteger(Next()) == 1; }
 
@@ -87,14 +91,15 @@ int CasterRecord::PortNumber() const {
   return NmeaInteger(port.view());
 }
 
-PortError ParseCasterRecord(std::string_view line, RecordOrigin origin, CasterRecord& record) {
+PortError ParseCasterRecord(std::string_view line, RecordOrigin origin, CasterRecord& record,
+                            LastErrorRecord& errors) {
   line = WithoutLineEnd(line);
-  if (!TakeType(line, "CAS")) return PortError::NotARecord;
+  if (!TakeType(line, "CAS")) return Report(errors, PortError::NotARecord);
   RecordFields fields(line);
   CasterRecord read;
   fields.Take(read.host);
   fields.Take(read.port);
-  if (read.host.empty() || read.port.empty()) return PortError::NoHostOrPort;
+  if (read.host.empty() || read.port.empty()) return Report(errors, PortError::NoHostOrPort);
   fields.Take(read.identifier);
   fields.Take(read.operator_name);
   fields.Take(read.nmea);
@@ -112,9 +117,10 @@ PortError ParseCasterRecord(std::string_view line, RecordOrigin origin, CasterRe
   return PortError::None;
 }
 
-PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRecord& record) {
+PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRecord& record,
+                            LastErrorRecord& errors) {
   line = WithoutLineEnd(line);
-  if (!TakeType(line, "STR")) return PortError::NotARecord;
+  if (!TakeType(line, "STR")) return Report(errors, PortError::NotARecord);
   RecordFields fields(line);
   StreamRecord read;
   fields.Take(read.mountpoint);

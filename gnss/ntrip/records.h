@@ -60,11 +60,13 @@ struct StreamRecord {
 };
 
 /// One line, its line end taken off. NotARecord when it is no CAS line, NoHostOrPort when host or
-/// port is empty; the record is then as it was.
-PortError ParseCasterRecord(std::string_view line, RecordOrigin origin, CasterRecord& record);
+/// port is empty; the record is then as it was. A failure is stored in `errors`.
+PortError ParseCasterRecord(std::string_view line, RecordOrigin origin, CasterRecord& record,
+                            LastErrorRecord& errors);
 /// One line; NotARecord when it is no STR line.
 /// A fee is 'Y' in a caster's line and 1 in one of ours.
-PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRecord& record);
+PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRecord& record,
+                            LastErrorRecord& errors);
 
 /// The lines of our own list, CR LF included. A stream without authentication character gets 'N'.
 std::string CasterRecordLine(const CasterRecord& record);

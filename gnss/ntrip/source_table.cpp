@@ -36,10 +36,13 @@ PortError RefusalOf(std::string_view reply, std::string& answer) {
   return refusal == PortError::MountpointUnknown ? PortError::CasterRefused : refusal;
 }
 
-// Where the table begins: the first "STR", or the first "CAS" when there is none.
+// Where the table begins: the first "STR", or the first "CAS" when there is none. A table of no
+// streams has its end alone.
 std::size_t TableBegin(std::string_view text) {
-  const std::size_t stream = text.find("STR");
-  return stream != std::string_view::npos ? stream : text.find("CAS");
+  for (const std::string_view begin : {std::string_view("STR"), std::string_view("CAS"), kEnd}) {
+    if (Holds(text, begin)) return text.find(begin);
+  }
+  return std::string_view::npos;
 }
 
 // What a caster sends, without the head of an HTTP answer and the sizes of its chunks.
@@ -117,12 +120,18 @@ class TableFile {
 
 }  // namespace
 
-PortError NtripClient::FetchSourceTable(const std::string& file_name, Progress& progress) {
-  if (const PortError error = SendRequest("", "", ""); error != PortError::None) return error;
+PortError NtripClient::FetchSourceTable(const std::string& file_name, NtripProgress& progress) {
+  return FetchAs("", "", file_name, progress);
+}
+
+PortError NtripClient::FetchAs(std::string_view user, std::string_view password,
+                               const std::string& file_name, NtripProgress& progress) {
+  if (const PortError error = SendRequest("", user, password); error != PortError::None) {
+    return error;
+  }
   const std::int64_t since_ms = surroundings_.clock.SteadyMilliseconds();
   std::string table;
-  if (const PortError error = ReceiveText(table, static_cast<int>(2 * timeout_ms_));
-      error != PortError::None) {
+  if (const PortError error = ReceiveText(table, 2 * timeoutMs); error != PortError::None) {
     return error;
   }
   if (const PortError error = AwaitTable(table, progress, since_ms); error != PortError::None) {
@@ -131,12 +140,13 @@ PortError NtripClient::FetchSourceTable(const std::string& file_name, Progress& 
   return StoreTable(std::move(table), file_name, progress, since_ms);
 }
 
-PortError NtripClient::AwaitTable(std::string& table, Progress& progress, std::int64_t since_ms) {
-  while (!Holds(table, "Content-Length:") && !Holds(table, "STR;")) {
+PortError NtripClient::AwaitTable(std::string& table, NtripProgress& progress,
+                                  std::int64_t since_ms) {
+  while (!Holds(table, "Content-Length:") && !Holds(table, "STR;") && !Holds(table, kEnd)) {
     if (surroundings_.clock.SteadyMilliseconds() - since_ms > kAnswerLimitMs) {
       return Fail(PortError::NoAnswer);
     }
-    if (progress.Report(ElapsedSeconds(since_ms) + kTableProgress) != 0) {
+    if (progress.Progress(ElapsedSeconds(since_ms) + kTableProgress) != 0) {
       return Fail(PortError::Cancelled);
     }
     if (Holds(table, "401 Unauthorized")) return Fail(PortError::NotAuthorized);
@@ -144,7 +154,8 @@ PortError NtripClient::AwaitTable(std::string& table, Progress& progress, std::i
     if (table.starts_with(kTlsAlert)) return Fail(PortError::CasterSpeaksTls);
     if (table.size() > kLargestReply) return Fail(PortError::TableTooLarge);
     std::string received;
-    const PortError error = ReceiveText(received, static_cast<int>(timeout_ms_));
+    const PortError error = ReceiveText(received, timeoutMs);
+    if (error == PortError::Cancelled) return Fail(error);
     if (error != PortError::None && error != PortError::FewerBytesRead) {
       const PortError refusal = TableRefusal(table);
       return refusal == PortError::None ? error : refusal;
@@ -162,7 +173,7 @@ PortError NtripClient::TableRefusal(std::string_view reply) {
 }
 
 PortError NtripClient::StoreTable(std::string table, const std::string& file_name,
-                                  Progress& progress, std::int64_t since_ms) {
+                                  NtripProgress& progress, std::int64_t since_ms) {
   std::unique_ptr<File> opened;
   if (!surroundings_.files.Open(file_name, FileAccess::CreateOrTruncate, opened).ok()) {
     return Fail(PortError::FileNotCreated);
@@ -174,14 +185,16 @@ PortError NtripClient::StoreTable(std::string table, const std::string& file_nam
       return Fail(error);
     }
     if (file.complete() || body.ended()) break;
-    if (progress.Report(n) != 0) return Fail(PortError::Cancelled);
+    if (progress.Progress(n) != 0) return Fail(PortError::Cancelled);
     const std::int64_t limit_ms = file.begun() ? kTableLimitMs : kAnswerLimitMs;
     if (surroundings_.clock.SteadyMilliseconds() - since_ms > limit_ms) {
       return Fail(PortError::NoAnswer);
     }
-    if (ReceiveText(table, static_cast<int>(timeout_ms_)) != PortError::None) break;
+    const PortError error = ReceiveText(table, timeoutMs);
+    if (error == PortError::Cancelled) return Fail(error);
+    if (error != PortError::None) break;
   }
-  return progress.Report(kProgressDone) != 0 ? Fail(PortError::Cancelled) : PortError::None;
+  return progress.Progress(kProgressDone) != 0 ? Fail(PortError::Cancelled) : PortError::None;
 }
 
 }  // namespace tarvex

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -18,53 +19,66 @@ class TcpNtripConnection final : public NtripConnection {
   bool Supports(NtripOperation operation) override { return operation == NtripOperation::OpenTcp; }
 
   PortError Perform(NtripOperation operation, const NtripTarget& target,
-                    Progress& progress) override {
+                    NtripProgress& progress) override {
     if (operation != NtripOperation::OpenTcp) return Report(errors_, PortError::NothingGiven);
     const bool bare_ipv6 = target.host.find(':') != std::string::npos;
     port_ = std::make_unique<Port>(
         (bare_ipv6 ? "[" + target.host + "]" : target.host) + ":" + target.port,
-        MakeTcpDevice(kConnectTimeoutMs, [this] { return StopAskedFor(); }), errors_);
+        MakeTcpDevice(kConnectTimeoutMs, [this] { return StopAskedFor(); }), port_errors_);
     stopped_ = false;
     progress_ = &progress;
     const PortError error = port_->Open();
     progress_ = nullptr;
-    return stopped_ ? Report(errors_, PortError::Cancelled) : error;
+    return Told(error);
   }
 
-  PortError Send(std::string_view bytes, int timeout_ms) override {
+  PortError Send(std::string_view bytes, int timeoutMs) override {
     if (port_ == nullptr) return Report(errors_, PortError::NotOpen);
-    return port_->Write(bytes, timeout_ms);
+    return Told(port_->Write(bytes, timeoutMs));
   }
 
-  // The first byte within the time, then whatever stands behind it.
-  PortError Receive(std::span<char> out, std::size_t& count, int timeout_ms) override {
+  // The first byte within the time, then whatever came with it.
+  PortError Receive(std::span<char> out, std::size_t& count, int timeoutMs) override {
     count = 0;
     if (port_ == nullptr) return Report(errors_, PortError::NotOpen);
     if (out.empty()) return PortError::None;
-    if (const PortError error = port_->Read(out.first(1), timeout_ms); error != PortError::None) {
-      return stopped_ ? Report(errors_, PortError::Cancelled) : error;
+    if (const PortError error = port_->Read(out.first(1), timeoutMs); error != PortError::None) {
+      return Told(error);
     }
     if (port_->lastCount() == 0) return PortError::FewerBytesRead;
-    count = 1;
-    if (out.size() == 1) return PortError::None;
-    // An error here is told by the next call: the byte that came is not lost over it.
-    (void)port_->Read(out.subspan(1), kReturnAtOnce);
-    count += port_->lastCount();
+    const std::string_view held = port_->Held().substr(0, out.size() - 1);
+    std::copy(held.begin(), held.end(), out.begin() + 1);
+    port_->Skip(held.size());
+    count = 1 + held.size();
     return PortError::None;
   }
 
   void Close() override { port_.reset(); }
 
  private:
+  // A time-out of a receive is no failure of the connection: the record of errors does not hear of
+  // it.
+  PortError Told(PortError error) {
+    if (error == PortError::None) return error;
+    if (stopped_) error = PortError::Cancelled;
+    const std::vector<LastError> happened = port_errors_.History();
+    port_errors_.Clear();
+    if (error == PortError::Cancelled) return Report(errors_, error);
+    if (error == PortError::FewerBytesRead) return error;
+    for (const LastError& one : happened) errors_.Set(one.code, one.arguments);
+    return error;
+  }
+
   bool StopAskedFor() {
-    stopped_ =
-        (stop_ && stop_()) || (progress_ != nullptr && progress_->Report(kConnectingProgress) != 0);
+    stopped_ = (stop_ && stop_()) ||
+               (progress_ != nullptr && progress_->Progress(kConnectingProgress) != 0);
     return stopped_;
   }
 
   LastErrorRecord& errors_;
+  LastErrorRecord port_errors_;
   StopAsked stop_;
-  Progress* progress_ = nullptr;  // while connecting
+  NtripProgress* progress_ = nullptr;  // while connecting
   bool stopped_ = false;
   std::unique_ptr<Port> port_;
 };

@@ -109,8 +109,11 @@ TEST(LatestGga, KeepsWhatHasAPosition) {
   latest.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
   latest.OnLine("$GNGGA,123520,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*00");
   EXPECT_THAT(latest.Get(), HasSubstr("123519")) << "the damaged one is left out";
+  EXPECT_EQ(latest.taken(), 1U);
   EXPECT_EQ(WithGpTalker(latest.Get()),
             "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n");
+  latest.OnLine("$GPGGA,123520,4807.038,N,01131.000,E,0,08,0.9,545.4,M,46.9,M,,*4C");
+  EXPECT_EQ(latest.Get(), "") << "the receiver has lost its position";
 }
 
 TEST(PortSink, WritesOnWhileTheReceiverTakesSomething) {
@@ -187,6 +190,7 @@ struct UploadCase {
   GgaUpload upload;
   std::string table;  ///< empty: the caster is not asked for it
   bool sent;
+  std::string mountpoint = "MNT";
 };
 
 TEST(GgaUploads, GoWhereTheTableWantsThem) {
@@ -198,6 +202,9 @@ TEST(GgaUploads, GoWhereTheTableWantsThem) {
   const UploadCase cases[] = {
       {"wanted", GgaUpload::WhenWanted, table + wanting + end, true},
       {"not wanted", GgaUpload::WhenWanted, table + not_wanting + end, false},
+      {"a name that a record cuts", GgaUpload::WhenWanted,
+       table + "STR;MNT" + std::string(40, 'x') + ";;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;1;\r\n" + end,
+       true, "MNT" + std::string(40, 'x')},
       {"another stream", GgaUpload::WhenWanted, table + "STR;X;;;;;;;;;;1;\r\n" + end, false},
       {"no table", GgaUpload::WhenWanted, "HTTP/1.0 401 Unauthorized\r\n", false},
       {"forced", GgaUpload::Always, "", true},
@@ -211,9 +218,10 @@ TEST(GgaUploads, GoWhereTheTableWantsThem) {
     ScriptedCaster caster{clock};
     LatestGga gga;
     gga.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
-    CorrectionSession session(
-        {.caster = {.host = FixedText<128>("caster")}, .mountpoint = "MNT", .gga = upload.upload},
-        caster, {.clock = clock, .files = files, .errors = errors});
+    CorrectionSession session({.caster = {.host = FixedText<128>("caster")},
+                               .mountpoint = upload.mountpoint,
+                               .gga = upload.upload},
+                              caster, {.clock = clock, .files = files, .errors = errors});
     session.Attach(nullptr, &gga);
     if (!upload.table.empty()) caster.steps.emplace_back(upload.table);
     caster.steps.emplace_back("ICY 200 OK\r\n" + kStationFrame);
@@ -228,6 +236,81 @@ TEST(GgaUploads, GoWhereTheTableWantsThem) {
     (void)session.Step(500, progress);
     EXPECT_EQ(caster.performed.size(), upload.table.empty() ? 2U : 3U);
   }
+}
+
+class Wanting : public testing::Test {
+ protected:
+  Wanting() {
+    session.Attach(nullptr, &gga);
+    gga.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
+  }
+  void Steps(int count) {
+    for (int i = 0; i < count; ++i) (void)session.Step(500, progress);
+  }
+
+  const std::string table = "SOURCETABLE 200 OK\r\nContent-Length: 1\r\n\r\nSTR;FIRST;\r\n";
+  const std::string rest = "STR;MNT;;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;1;\r\nENDSOURCETABLE\r\n";
+  ManualClock clock;
+  MemoryFiles files;
+  LastErrorRecord errors;
+  NoProgress progress;
+  ScriptedCaster caster{clock};
+  LatestGga gga;
+  CorrectionSession session{
+      {.caster = {.host = FixedText<128>("caster"), .user = "u", .password = "p"},
+       .mountpoint = "MNT"},
+      caster,
+      {.clock = clock, .files = files, .errors = errors}};
+};
+
+TEST_F(Wanting, ATableThatFailedIsAskedForAgain) {
+  using Reply = std::deque<std::variant<std::string, PortError>>;
+  for (const Reply& failed : {Reply{PortError::ReadFailed}, Reply{PortError::FewerBytesRead},
+                              Reply{table, PortError::FewerBytesRead},
+                              Reply{table + rest.substr(0, 20), PortError::ReadFailed}}) {
+    caster.steps = failed;
+    caster.steps.emplace_back("ICY 200 OK\r\n" + kStationFrame);
+    session.Retry();
+    Steps(2);
+    ASSERT_EQ(session.Status().state, CorrectionState::Receiving);
+    EXPECT_EQ(session.Status().ggas_sent, 0U);
+  }
+  caster.steps = {table + rest, "ICY 200 OK\r\n" + kStationFrame};
+  session.Retry();
+  Steps(2);
+  EXPECT_EQ(session.Status().ggas_sent, 1U);
+}
+
+TEST_F(Wanting, AStreamThatNoTableTellsOfAndThatIsSilentIsSentThePosition) {
+  caster.steps = {PortError::ReadFailed, "ICY 200 OK\r\n"};
+  Steps(8);
+  EXPECT_EQ(session.Status().ggas_sent, 0U);
+  Steps(8);
+  EXPECT_EQ(session.Status().ggas_sent, 1U);
+}
+
+TEST_F(Wanting, ASlowTableDoesNotHoldTheCorrectionsUp) {
+  caster.steps = {table};
+  caster.at_end = "STR;ANOTHER;\r\n";
+  const std::int64_t before_ms = clock.milliseconds;
+  Steps(1);
+  EXPECT_LT(clock.milliseconds - before_ms, 80'000) << "a minute of it waits for the stream";
+}
+
+TEST_F(Wanting, AnOldPositionIsNotSent) {
+  caster.steps = {table + rest, "ICY 200 OK\r\n" + kStationFrame};
+  caster.at_end = kStationFrame;
+  Steps(20);
+  EXPECT_EQ(session.Status().ggas_sent, 1U);
+  clock.milliseconds += 10'000;
+  Steps(2);
+  EXPECT_EQ(session.Status().ggas_sent, 2U);
+  clock.milliseconds += 30'000;
+  Steps(2);
+  EXPECT_EQ(session.Status().ggas_sent, 2U) << "the receiver has said nothing since";
+  gga.OnLine("$GNGGA,123529,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*5A");
+  Steps(2);
+  EXPECT_EQ(session.Status().ggas_sent, 3U);
 }
 
 TEST_F(Session, NoticesAMovedBase) {
@@ -276,6 +359,60 @@ TEST_F(Session, DoesNotHammerARefusal) {
   EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
 }
 
+TEST_F(Session, TriesAgainWhatHasWorkedBefore) {
+  for (const std::string refusal : {"HTTP/1.0 401 Unauthorized\r\n", "SOURCETABLE 200 OK\r\n"}) {
+    caster.steps = {"ICY 200 OK\r\n", kStationFrame, PortError::ReadFailed};
+    session.Retry();
+    Steps(3);
+    ASSERT_EQ(session.Status().state, CorrectionState::Waiting);
+    caster.steps = {refusal};
+    clock.milliseconds += session.Status().next_try_in_ms;
+    Steps(1);
+    EXPECT_EQ(session.Status().state, CorrectionState::Waiting) << refusal;
+    EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("The next try is in"));
+    EXPECT_THAT(CorrectionVerdict(session.Status()),
+                HasSubstr("caster:2101, mountpoint MNT, broke"));
+    EXPECT_GE(session.Status().next_try_in_ms, 10'000);
+    caster.steps = {"ICY 200 OK\r\n", kStationFrame};
+    clock.milliseconds += session.Status().next_try_in_ms;
+    Steps(2);
+    EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
+    EXPECT_EQ(CorrectionVerdict(session.Status()), "");
+  }
+}
+
+TEST_F(Session, CountsOverItsConnections) {
+  std::string damaged = kStationFrame;
+  damaged[10] = '\x00';
+  for (int i = 0; i < 2; ++i) {
+    // What follows ends the search for the end of the damaged frame.
+    caster.steps = {"ICY 200 OK\r\n" + damaged + std::string(600, 'x') + kStationFrame,
+                    PortError::ReadFailed};
+    session.Retry();
+    Steps(3);
+  }
+  EXPECT_EQ(session.Status().bad_crcs, 4U) << "the damaged frame holds the start of another";
+  EXPECT_EQ(session.Status().frames, 2U);
+  EXPECT_EQ(session.Status().connections, 2U);
+}
+
+TEST_F(Session, SaysInTheEndWhyNothingCame) {
+  caster.at_end = "HTTP/1.0 401 Unauthorized\r\n";
+  Steps(3);
+  session.Stop();
+  EXPECT_TRUE(session.Status().nothing_came());
+  EXPECT_EQ(
+      CorrectionVerdict(session.Status()),
+      "caster:2101, mountpoint MNT, sent no corrections: The caster does not accept this user "
+      "and password.");
+  caster.at_end = PortError::FewerBytesRead;
+  caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
+  session.Retry();
+  Steps(2);
+  session.Stop();
+  EXPECT_EQ(CorrectionVerdict(session.Status()), "") << "they flowed until it was stopped";
+}
+
 TEST_F(Session, NamesMountpointsThatExist) {
   caster.steps = {"SOURCETABLE 200 OK\r\n",
                   "SOURCETABLE 200 OK\r\nContent-Length: 1\r\n\r\nSTR;OTHER;\r\nSTR;MNTX;\r\n"
@@ -304,6 +441,11 @@ TEST_F(Session, TellsAReceiverThatDoesNotTakeThem) {
   caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
   Steps(5);
   EXPECT_EQ(session.Status().state, CorrectionState::ReceiverFailed);
+  sink.works = true;
+  caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
+  clock.milliseconds += session.Status().next_try_in_ms;
+  Steps(2);
+  EXPECT_EQ(session.Status().state, CorrectionState::Receiving) << "it was only busy";
 }
 
 CasterContent Content(const std::string& data, std::uint32_t rate) {

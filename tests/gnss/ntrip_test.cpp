@@ -37,9 +37,9 @@ TEST(NtripRequest, IsOneTextWithItsLogin) {
   EXPECT_THAT(NtripRequest("A\r\nEvil: 1", "", ""), HasSubstr("GET /AEvil:1 HTTP"));
 }
 
-class CountingProgress final : public Progress {
+class CountingProgress final : public NtripProgress {
  public:
-  int Report(int value, int /*minimum*/, int /*elapsed_s*/) override {
+  int Progress(int value, int /*minimum*/, int /*elapsed_s*/) override {
     values.push_back(value);
     return static_cast<int>(values.size()) > cancel_after ? 1 : 0;
   }
@@ -121,14 +121,47 @@ TEST_F(Client, NamesEveryRefusal) {
        PortError::MountpointUnknown},
       {"HTTP/1.1 200 OK\r\nContent-type: text/HTML\r\n\r\n<html>", PortError::NotCorrections},
       {"\x15\x03\x03 alert", PortError::CasterSpeaksTls},
-      {"no caster at all", PortError::FirstReceiveFailed}};
+      {"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\nSOURCETABLE 200 OK\r\n",
+       PortError::MountpointUnknown},
+      {"HTTP/1.1 200 OK\r\n\r\nHTTP/1.0 401 Unauthorized\r\n", PortError::NotAuthorized},
+      {"HTTP/1.1 200 OK\r\nWWW-Authenticate: Basic realm=x\r\n\r\nno", PortError::NotAuthorized},
+      {"HTTP/1.1 200 OK\r\n\r\nDISCONNECT", PortError::Disconnected},
+      {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nA\r\nDISCONNECT\r\n",
+       PortError::Disconnected},
+      {"HTTP/1.1 200 OK\r\n\r\nERROR - Bad Password\r\n", PortError::NotAuthorized},
+      {"HTTP/1.1 200 OK\r\n\r\nnothing that helps\r\n", PortError::NotCorrections},
+      {"HTTP/1.1 200 OK\r\nServer", PortError::ReadFailed},
+      {"no caster at all", PortError::ReadFailed}};
   for (const auto& [reply, error] : cases) {
     caster.steps = {reply};
     caster.at_end = PortError::ReadFailed;
     EXPECT_EQ(client.OpenStream("MNT", "", "", progress), error) << reply;
   }
+  for (const char* const mark : {"SOURCETABLE 200 OK", "401 Unauthorized", "DISCONNECT"}) {
+    const std::string reply = std::string("HTTP/1.1 200 OK\r\n\r\n") + mark;
+    for (std::size_t cut = 1; cut < reply.size(); ++cut) {
+      caster.steps = {reply.substr(0, cut), reply.substr(cut)};
+      EXPECT_NE(client.OpenStream("MNT", "", "", progress), PortError::None)
+          << mark << " at " << cut;
+    }
+  }
   caster.steps = {"HTTP/1.0 401 Unaut", "horized\r\n"};
   EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::NotAuthorized);
+}
+
+TEST_F(Client, OpensAStreamThatWaitsForThePosition) {
+  for (const std::string type : {"", "Content-Type: gnss/data\r\n"}) {
+    caster.steps = {"HTTP/1.1 200 OK\r\n" + type + "\r\n"};
+    caster.at_end = PortError::FewerBytesRead;
+    EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::None) << type;
+  }
+}
+
+TEST_F(Client, AsksForNoMountpointThatItWouldHaveToAlter) {
+  for (const char* const name : {"M x", "M\r\nEvil: 1", "M\x7F"}) {
+    EXPECT_EQ(client.OpenStream(name, "", "", progress), PortError::NothingGiven);
+  }
+  EXPECT_EQ(caster.sent, "");
 }
 
 TEST_F(Client, SaysWhatACasterAnswered) {
@@ -252,6 +285,43 @@ TEST_F(Client, EndsATableThatStopsComing) {
   EXPECT_EQ(Table(), kRows.substr(0, 40));
 }
 
+TEST_F(Client, TakesATableOfNoStreams) {
+  caster.steps = {"SOURCETABLE 200 OK\r\n\r\nENDSOURCETABLE\r\n", PortError::ReadFailed};
+  CasterList list{.current = CasterLogin{.host = FixedText<128>("h")}};
+  EXPECT_EQ(client.LoadBases(list, progress), PortError::None);
+  EXPECT_TRUE(list.streams.empty() && list.complete);
+}
+
+TEST_F(Client, KnowsATableThatWasCut) {
+  const std::size_t second = kRows.find("STR;TWO");
+  CasterList list{.current = CasterLogin{.host = FixedText<128>("h")}};
+  for (const std::size_t size : {second, second + 20, kRows.find("ENDSOURCE") + 5}) {
+    caster.steps = {kHeader + kRows.substr(0, size), PortError::ReadFailed};
+    ASSERT_EQ(client.LoadBases(list, progress), PortError::None);
+    EXPECT_FALSE(list.complete) << size;
+    EXPECT_EQ(list.streams.size(), size < second + 30 ? 1U : 2U) << "no stream that was cut itself";
+  }
+  caster.steps = {kHeader + kRows};
+  ASSERT_EQ(client.LoadBases(list, progress), PortError::None);
+  EXPECT_TRUE(list.complete);
+}
+
+TEST_F(Client, LogsInForATableThatNeedsIt) {
+  CasterList list{.current = CasterLogin{
+                      .host = FixedText<128>("h"), .port = "2101", .user = "u", .password = "p"}};
+  caster.steps = {"HTTP/1.0 401 Unauthorized\r\n", kHeader + kRows};
+  EXPECT_EQ(client.LoadBases(list, progress), PortError::None);
+  EXPECT_EQ(list.streams.size(), 2U);
+  const std::size_t login = caster.sent.find("Authorization: Basic dTpw");
+  EXPECT_GT(login, caster.sent.find("Connection: close")) << "the first request is without a login";
+  EXPECT_NE(login, std::string::npos);
+  EXPECT_EQ(caster.performed.size(), 2U);
+  list.current->user.clear();
+  caster.steps = {"HTTP/1.0 401 Unauthorized\r\n"};
+  EXPECT_EQ(client.LoadBases(list, progress), PortError::BasesNotLoaded);
+  EXPECT_EQ(client.cause(), PortError::NotAuthorized);
+}
+
 TEST_F(Client, NamesWhatHindersATable) {
   caster.steps = {"HTTP/1.0 401 Unauthorized\r\n"};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NotAuthorized);
@@ -332,10 +402,11 @@ TEST_F(Client, ConnectsAMountpoint) {
 }
 
 TEST(Records, AreReadAndWritten) {
+  LastErrorRecord errors;
   StreamRecord stream;
   ASSERT_EQ(ParseStreamRecord("STR;RTCM3_MAX;Feldkirch;RTCM 3.1;1004(1);2;GPS+GLO;APOS;AUT;47.20;"
                               "-9.60;1;1;GNSMART;none;B;Y;9600;misc;a;b;c;1\r\n",
-                              RecordOrigin::Caster, stream),
+                              RecordOrigin::Caster, stream, errors),
             PortError::None);
   EXPECT_EQ(stream.format_code, 39);
   EXPECT_EQ(stream.carrier, 2);
@@ -345,27 +416,40 @@ TEST(Records, AreReadAndWritten) {
   EXPECT_EQ(StreamRecordLine(stream),
             "STR;RTCM3_MAX;Feldkirch;RTCM 3.1;1004(1);2;GPS+GLO;APOS;AUT;47.20;-9.60;1;1;GNSMART;"
             "none;B;1;9600;misc;a;b;c;1\r\n");
-  EXPECT_EQ(ParseStreamRecord("STRANGE;1", RecordOrigin::Caster, stream), PortError::NotARecord);
+  EXPECT_EQ(ParseStreamRecord("STRANGE;1", RecordOrigin::Caster, stream, errors),
+            PortError::NotARecord);
+  EXPECT_EQ(errors.Get().code, 32);
   StreamRecord cut;
-  ASSERT_EQ(ParseStreamRecord("STR;" + std::string(40, 'm'), RecordOrigin::Caster, cut),
+  ASSERT_EQ(ParseStreamRecord("STR;" + std::string(40, 'm'), RecordOrigin::Caster, cut, errors),
             PortError::None);
   EXPECT_EQ(cut.mountpoint.view(), std::string(32, 'm'));
   EXPECT_EQ(cut.bitrate, 0);
 
   CasterRecord caster;
   ASSERT_EQ(ParseCasterRecord("CAS;host;2101x;Id;Op;1;DEU;50.1;8.6;fall;2102;t1;t2;1",
-                              RecordOrigin::OwnList, caster),
+                              RecordOrigin::OwnList, caster, errors),
             PortError::None);
   EXPECT_EQ(caster.PortNumber(), 2101);
   EXPECT_EQ(CasterRecordLine(caster),
             "CAS;host;2101x;Id;Op;1;DEU;50.10;8.60;fall;2102;t1;t2;1\r\n");
   ASSERT_EQ(ParseCasterRecord("CAS;host;2101;Id;Op;1;DEU;50.1;8.6;fall;2102;t1;t2;1",
-                              RecordOrigin::Caster, caster),
+                              RecordOrigin::Caster, caster, errors),
             PortError::None);
   EXPECT_TRUE(caster.fallback_port.empty() && !caster.flag);
-  EXPECT_EQ(ParseCasterRecord("CAS;host;;Id", RecordOrigin::Caster, caster),
+  EXPECT_EQ(ParseCasterRecord("CAS;host;;Id", RecordOrigin::Caster, caster, errors),
             PortError::NoHostOrPort);
-  EXPECT_EQ(ParseCasterRecord("NET;a", RecordOrigin::Caster, caster), PortError::NotARecord);
+  EXPECT_EQ(errors.Get().code, 39);
+  EXPECT_EQ(ParseCasterRecord("NET;a", RecordOrigin::Caster, caster, errors),
+            PortError::NotARecord);
+}
+
+TEST(Records, HoldNoNumberThatIsNone) {
+  LastErrorRecord errors;
+  StreamRecord stream;
+  ASSERT_EQ(ParseStreamRecord("STR;A;b;c;d;1e999;f;g;AUT;1e999;-1e999;0;0", RecordOrigin::Caster,
+                              stream, errors),
+            PortError::None);
+  EXPECT_EQ(StreamPositionText(stream), "0.00N 0.00E b, AUT");
 }
 
 TEST(Records, HaveAFormatCode) {
@@ -377,16 +461,18 @@ TEST(Records, HaveAFormatCode) {
 }
 
 TEST(Records, OfAPublicCasterAreAllRead) {
+  LastErrorRecord errors;
   CasterList list;
   ASSERT_EQ(
       list.ReadTable(SystemFiles(), std::string(TARVEX_TEST_DATA) + "/ntrip/sourcetable_sapos.txt",
-                     RecordOrigin::Caster),
+                     RecordOrigin::Caster, errors),
       PortError::None);
+  EXPECT_TRUE(list.complete);
   EXPECT_EQ(list.casters.size(), 15U);
   EXPECT_EQ(list.streams.size(), 4U);
   for (const StreamRecord& stream : list.streams) {
     StreamRecord again;
-    ASSERT_EQ(ParseStreamRecord(StreamRecordLine(stream), RecordOrigin::OwnList, again),
+    ASSERT_EQ(ParseStreamRecord(StreamRecordLine(stream), RecordOrigin::OwnList, again, errors),
               PortError::None);
     EXPECT_EQ(StreamRecordLine(again), StreamRecordLine(stream));
   }

@@ -32,7 +32,7 @@ class ScriptedCaster final : public NtripConnection {
     return std::find(supported.begin(), supported.end(), operation) != supported.end();
   }
   PortError Perform(NtripOperation /*operation*/, const NtripTarget& target,
-                    Progress& /*progress*/) override {
+                    NtripProgress& /*progress*/) override {
     performed.push_back(target);
     closed = false;
     return open_result;

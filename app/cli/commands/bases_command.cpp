@@ -25,10 +25,10 @@ struct Place {
 };
 
 // Shows what is done and lets Ctrl-C end it.
-class ConsoleProgress final : public Progress {
+class ConsoleProgress final : public NtripProgress {
  public:
   explicit ConsoleProgress(Console& console) : console_(console) {}
-  int Report(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override {
+  int Progress(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override {
     return InterruptRequested() ? 1 : 0;
   }
   void Status(std::string_view text) override { console_.ShowProgress(text); }
