@@ -20,7 +20,8 @@ constexpr std::uint32_t kTickMs = 20;
 constexpr std::size_t kBlock = 65536;
 
 constexpr DeviceTimeouts kRequestTimeouts = {.read = {.constant_ms = 50}};
-constexpr WriteTimeouts kSendTimeouts = {.constant_ms = 5000};
+constexpr WriteTimeouts kSendSlice = {.constant_ms = 100};
+constexpr int kIdleSlices = 50;  // after which a client that takes nothing is left
 
 std::string_view MountpointOf(std::string_view request) {
   constexpr std::string_view kGet = "GET /";
@@ -29,9 +30,29 @@ std::string_view MountpointOf(std::string_view request) {
   return request.substr(0, request.find_first_of(" \r\n"));
 }
 
-bool SendAll(ByteDevice& device, std::string_view bytes) {
-  std::size_t written = 0;
-  return device.Write(bytes, kSendTimeouts, written).ok() && written == bytes.size();
+// In steps, so that a client that takes nothing holds nobody up who wants to stop.
+bool SendAll(ByteDevice& device, std::string_view bytes, const std::stop_token& stop) {
+  for (int idle = 0; !bytes.empty(); ++idle) {
+    std::size_t written = 0;
+    if (idle == kIdleSlices || stop.stop_requested()) return false;
+    if (!device.Write(bytes, kSendSlice, written).ok()) return false;
+    if (written > 0) idle = 0;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
+
+// What stands behind "Authorization: Basic"; header and scheme are known in any letter case.
+std::string_view LoginOf(std::string_view request) {
+  constexpr std::string_view kName = "authorization:";
+  constexpr std::string_view kScheme = "basic ";
+  while (const auto line = TakeLine(request)) {
+    if (!EqualsIgnoringCase(line->substr(0, kName.size()), kName)) continue;
+    const std::string_view value = WithoutOuterBlanks(line->substr(kName.size()));
+    if (!EqualsIgnoringCase(value.substr(0, kScheme.size()), kScheme)) continue;
+    return WithoutOuterBlanks(value.substr(kScheme.size()));
+  }
+  return {};
 }
 
 // The request up to its blank line, in however many pieces; empty when none comes.
@@ -65,9 +86,9 @@ DeviceStatus LoopbackCaster::Start(int port) {
   return status;
 }
 
-std::vector<std::string> LoopbackCaster::Uploads() const {
+std::vector<std::string> LoopbackCaster::TakeUploads() {
   const std::lock_guard lock(mutex_);
-  return uploads_;
+  return std::exchange(uploads_, {});
 }
 
 void LoopbackCaster::RemoveFinished() {
@@ -92,7 +113,7 @@ void LoopbackCaster::AcceptUntilStopped(const std::stop_token& stop) {
 }
 
 std::string LoopbackCaster::SourceTable() const {
-  std::string table = StreamRecordLine(content_.stream) + "ENDSOURCETABLE\r\n";
+  const std::string table = SourceTableLine(content_.stream) + "ENDSOURCETABLE\r\n";
   return "SOURCETABLE 200 OK\r\nServer: NTRIP Tarvex trial caster\r\nContent-Type: text/plain\r\n"
          "Content-Length: " +
          std::to_string(table.size()) + "\r\n\r\n" + table;
@@ -102,13 +123,10 @@ std::string LoopbackCaster::Answer(std::string_view request, bool& stream) const
   stream = false;
   const std::string_view mountpoint = MountpointOf(request);
   if (mountpoint != content_.stream.mountpoint.view()) return SourceTable();
-  if (!content_.user.empty()) {
-    const std::string login =
-        "Authorization: Basic " + Base64Of(content_.user + ":" + content_.password) + "\r\n";
-    if (request.find(login) == std::string_view::npos) {
-      return "HTTP/1.0 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"/" +
-             std::string(mountpoint) + "\"\r\nConnection: close\r\n\r\n";
-    }
+  if (!content_.user.empty() &&
+      LoginOf(request) != Base64Of(content_.user + ":" + content_.password)) {
+    return "HTTP/1.0 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"/" +
+           std::string(mountpoint) + "\"\r\nConnection: close\r\n\r\n";
   }
   stream = true;
   return "ICY 200 OK\r\n";
@@ -120,7 +138,7 @@ void LoopbackCaster::Serve(ByteDevice& device, const std::stop_token& stop) {
   if (request.empty()) return;
   ++requests_;
   bool stream = false;
-  if (SendAll(device, Answer(request, stream)) && stream) Stream(device, stop);
+  if (SendAll(device, Answer(request, stream), stop) && stream) Stream(device, stop);
 }
 
 void LoopbackCaster::TakeUpload(std::string_view bytes, std::string& line) {
@@ -142,22 +160,25 @@ void LoopbackCaster::Stream(ByteDevice& device, const std::stop_token& stop) {
   const std::uint64_t generation = generation_;
   const DeviceTimeouts at_once = {.read = {.interval_ms = ReadTimeouts::kAtOnce}};
   if (!device.SetTimeouts(at_once).ok() || content_.data.empty()) return;
-  const bool unlimited = content_.bytes_per_second == 0;
-  const std::size_t block =
-      unlimited ? kBlock
-                : std::max<std::size_t>(1, std::size_t{content_.bytes_per_second} * kTickMs / 1000);
-  std::size_t at = 0;
+  const std::int64_t since_ms = clock_.SteadyMilliseconds();
+  std::uint64_t sent = 0;
   std::string line;
   while (!stop.stop_requested() && generation == generation_) {
-    const std::string_view piece = std::string_view(content_.data).substr(at, block);
-    if (!SendAll(device, piece)) return;
+    std::uint64_t due = kBlock;
+    if (content_.bytes_per_second > 0) {
+      const auto elapsed_ms = static_cast<std::uint64_t>(clock_.SteadyMilliseconds() - since_ms);
+      due = std::min<std::uint64_t>(kBlock, elapsed_ms * content_.bytes_per_second / 1000 - sent);
+    }
+    const std::string_view piece =
+        std::string_view(content_.data).substr(sent % content_.data.size(), due);
+    if (!SendAll(device, piece, stop)) return;
+    sent += piece.size();
     bytes_sent_ += piece.size();
-    at = (at + piece.size()) % content_.data.size();
     std::array<char, 1024> upload;
     std::size_t got = 0;
     if (!device.Read(upload, got).ok()) return;
     TakeUpload({upload.data(), got}, line);
-    if (!unlimited) clock_.SleepMilliseconds(kTickMs);
+    if (content_.bytes_per_second > 0) clock_.SleepMilliseconds(kTickMs);
   }
 }
 

@@ -42,8 +42,8 @@ class LoopbackCaster {
   std::uint64_t requests() const { return requests_; }
   std::uint64_t streams() const { return streams_; }
   std::uint64_t bytes_sent() const { return bytes_sent_; }
-  /// The lines that clients sent up.
-  std::vector<std::string> Uploads() const;
+  /// The lines that clients sent up since the last call.
+  std::vector<std::string> TakeUploads();
 
  private:
   struct Client {

@@ -85,6 +85,25 @@ void AppendDegrees(std::string& text, double degrees, char positive, char negati
   text += degrees < 0.0 ? negative : positive;
 }
 
+// The fields that a caster's table and our own list have alike.
+void PutStream(const StreamRecord& record, RecordLine& line) {
+  line.Put(record.mountpoint);
+  line.Put(record.identifier);
+  line.Put(record.format);
+  line.Put(record.format_details);
+  line.Put(record.carrier);
+  line.Put(record.nav_system);
+  line.Put(record.network);
+  line.Put(record.country);
+  line.Put(record.latitude);
+  line.Put(record.longitude);
+  line.Put(record.nmea);
+  line.Put(record.solution);
+  line.Put(record.generator);
+  line.Put(record.compression);
+  line.Put(record.authentication == '\0' ? 'N' : record.authentication);
+}
+
 }  // namespace
 
 int CasterRecord::PortNumber() const {
@@ -173,21 +192,7 @@ std::string CasterRecordLine(const CasterRecord& record) {
 
 std::string StreamRecordLine(const StreamRecord& record) {
   RecordLine line("STR");
-  line.Put(record.mountpoint);
-  line.Put(record.identifier);
-  line.Put(record.format);
-  line.Put(record.format_details);
-  line.Put(record.carrier);
-  line.Put(record.nav_system);
-  line.Put(record.network);
-  line.Put(record.country);
-  line.Put(record.latitude);
-  line.Put(record.longitude);
-  line.Put(record.nmea);
-  line.Put(record.solution);
-  line.Put(record.generator);
-  line.Put(record.compression);
-  line.Put(record.authentication == '\0' ? 'N' : record.authentication);
+  PutStream(record, line);
   line.Put(record.fee);
   line.Put(record.bitrate);
   line.Put(record.misc);
@@ -195,6 +200,15 @@ std::string StreamRecordLine(const StreamRecord& record) {
   line.Put(record.own_text_2);
   line.Put(record.own_text_3);
   line.Put(record.flag);
+  return line.Finish();
+}
+
+std::string SourceTableLine(const StreamRecord& record) {
+  RecordLine line("STR");
+  PutStream(record, line);
+  line.Put(record.fee ? 'Y' : 'N');
+  line.Put(record.bitrate);
+  line.Put(record.misc);
   return line.Finish();
 }
 

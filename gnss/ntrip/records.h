@@ -71,6 +71,8 @@ PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRe
 /// The lines of our own list, CR LF included. A stream without authentication character gets 'N'.
 std::string CasterRecordLine(const CasterRecord& record);
 std::string StreamRecordLine(const StreamRecord& record);
+/// The line of a caster's table: without the fields of our own, the fee as 'Y' or 'N'.
+std::string SourceTableLine(const StreamRecord& record);
 
 /// "47.42N 9.65E Feldkirch, AUT"; longitudes beyond 180 degrees are shown west.
 std::string StreamPositionText(const StreamRecord& record);

@@ -493,11 +493,15 @@ TEST_F(Field, CorrectionsFlowWhileTheReceiverIsRead) {
   PortSink sink(port);
   LatestGga gga;
   session.Attach(&sink, &gga);
+  std::vector<std::string> uploads;
   {
     const CorrectionThread thread(session);
     gga.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
     EXPECT_TRUE(Eventually([&] { return session.Status().frames > 150; }));
-    EXPECT_TRUE(Eventually([&] { return caster.Uploads().size() > 2; }));
+    EXPECT_TRUE(Eventually([&] {
+      for (std::string& line : caster.TakeUploads()) uploads.push_back(std::move(line));
+      return uploads.size() > 2;
+    }));
     char bytes[16];
     EXPECT_EQ(port.Read(bytes, 0), PortError::None);
   }
@@ -505,7 +509,7 @@ TEST_F(Field, CorrectionsFlowWhileTheReceiverIsRead) {
   EXPECT_EQ(status.bad_crcs, 0U);
   EXPECT_EQ(status.bytes_to_receiver, device->written.size());
   EXPECT_TRUE(device->written.starts_with(Capture("rtcm3.bndm.log"))) << "no byte lost";
-  EXPECT_THAT(caster.Uploads().front(), HasSubstr("$GPGGA,123519"));
+  EXPECT_THAT(uploads.front(), HasSubstr("$GPGGA,123519"));
 }
 
 TEST_F(Field, AReceiverThatTakesNothingHoldsNobodyUp) {

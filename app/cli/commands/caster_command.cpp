@@ -5,6 +5,7 @@
 #include "app/cli/commands/commands.h"
 #include "core/printable.h"
 #include "gnss/caster/loopback_caster.h"
+#include "gnss/ntrip/client.h"
 
 namespace tarvex {
 namespace {
@@ -19,6 +20,7 @@ struct CasterOptions {
   std::string user;
   int port = 2101;
   std::uint32_t rate = 1000;
+  bool wants_gga = false;
 };
 
 ExitCode Content(const CasterOptions& options, Program& program, CasterContent& content) {
@@ -29,11 +31,14 @@ ExitCode Content(const CasterOptions& options, Program& program, CasterContent& 
   if (content.data.empty()) return program.Fail("The file " + options.file + " is empty.");
   content.stream.mountpoint.Assign(options.mountpoint);
   if (content.stream.mountpoint.view() != options.mountpoint ||
-      options.mountpoint.find_first_of("; /") != std::string::npos) {
-    return program.Misuse("A mountpoint has at most 32 characters, no blank, no ; and no /.");
+      !IsMountpointName(options.mountpoint) ||
+      options.mountpoint.find_first_of(";/") != std::string::npos) {
+    return program.Misuse(
+        "A mountpoint has at most 32 characters, no blank, no control character, no ; and no /.");
   }
   content.stream.identifier.Assign("Trial");
   content.stream.format.Assign("RTCM 3.2");
+  content.stream.nmea = options.wants_gga;
   content.stream.nav_system.Assign("GPS");
   content.stream.generator.Assign("Tarvex");
   content.stream.compression.Assign("none");
@@ -62,12 +67,10 @@ ExitCode RunCaster(const CasterOptions& options, Program& program) {
                         "127.0.0.1:" + std::to_string(caster.port()) + "/" + options.mountpoint +
                         "; Ctrl-C ends it.\n");
   std::fflush(stdout);
-  std::size_t told = 0;
   while (!InterruptRequested()) {
     program.clock.SleepMilliseconds(kWatchMs);
-    const std::vector<std::string> uploads = caster.Uploads();
-    for (; told < uploads.size(); ++told) {
-      program.console.Print("from a rover: " + PrintableLine(uploads[told]) + "\n");
+    for (const std::string& upload : caster.TakeUploads()) {
+      program.console.Print("from a rover: " + PrintableLine(upload) + "\n");
     }
     std::fflush(stdout);
     program.console.ShowProgress(std::to_string(caster.requests()) + " requests, " +
@@ -96,6 +99,8 @@ void AddCasterCommand(CLI::App& app, Program& program) {
   command.sub.add_option("--mountpoint", options.mountpoint, "Name of the stream (default: TEST)");
   command.sub.add_option("--port", options.port, "TCP port (default: 2101); 0: a free one")
       ->check(CLI::Range(0, 65535));
+  command.sub.add_flag("--wants-gga", options.wants_gga,
+                       "Say in the list of streams that this one needs the rover's position");
   command.sub.add_option("--user", options.user,
                          "User that clients must give; password in TARVEX_CASTER_PASSWORD");
   command.sub.add_option("--rate", options.rate,
