@@ -6,6 +6,7 @@
 
 #include "core/number_text.h"
 #include "core/text.h"
+#include "gnss/ntrip/client.h"
 #include "platform/secret.h"
 
 namespace tarvex {
@@ -15,6 +16,10 @@ constexpr std::string_view kScheme = "ntrip://";
 constexpr const char* kPasswordVariable = "TARVEX_NTRIP_PASSWORD";
 constexpr const char* kForm =
     "The corrections are not understood: give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
+constexpr const char* kCasterForm =
+    "The caster is not understood: give [USER@]HOST[:PORT], as in caster.example:2101.";
+constexpr const char* kBadMountpoint =
+    "A mountpoint has no blank and no control character: take its name as the caster lists it.";
 constexpr const char* kNoTls =
     "Encrypted casters (TLS) are not supported: ask for the caster's plain port, often 2101, and "
     "give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
@@ -35,20 +40,53 @@ bool ParseAddress(std::string_view text, CorrectionPlan& plan, std::string& prob
   const std::size_t slash = text.find('/', std::min(text.size(), text.rfind('@') + 1));
   if (slash == std::string_view::npos || slash + 1 == text.size()) return false;
   plan.mountpoint = text.substr(slash + 1);
-  std::string_view caster = text.substr(0, slash);
-  if (const std::size_t at = caster.rfind('@'); at != std::string_view::npos) {
-    plan.caster.user = caster.substr(0, at);
-    caster.remove_prefix(at + 1);
-    if (plan.caster.user.find(':') != std::string::npos) {
+  if (!IsMountpointName(plan.mountpoint)) {
+    problem = kBadMountpoint;
+    return false;
+  }
+  std::string caster_problem;
+  if (ParseCaster(text.substr(0, slash), plan.caster, caster_problem)) return true;
+  if (caster_problem == kNoPasswordHere) problem = caster_problem;
+  return false;
+}
+
+bool ParseHost(std::string_view text, CasterLogin& caster) {
+  const std::size_t bracket = text.find(']');
+  const std::size_t colon = text.find(':', bracket == std::string_view::npos ? 0 : bracket);
+  std::string_view host = text.substr(0, colon);
+  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
+  if (host.empty() || host.size() > decltype(caster.host)::kCapacity) return false;
+  if (host.find('/') != std::string_view::npos || !IsMountpointName(host)) return false;
+  caster.host.Assign(host);
+  if (colon == std::string_view::npos) return true;
+  const auto port = ParseInteger(text.substr(colon + 1));
+  if (!port || *port < 1 || *port > 65535) return false;
+  caster.port = std::to_string(*port);
+  return true;
+}
+
+GgaUpload UploadOf(const CorrectionChoice& choice, const ReceiverSettings& settings) {
+  if (choice.send_gga == "always") return GgaUpload::Always;
+  if (choice.send_gga == "never") return GgaUpload::Never;
+  if (choice.send_gga == "wanted") return GgaUpload::WhenWanted;
+  return settings.send_gga || settings.rover_send_gga ? GgaUpload::WhenWanted : GgaUpload::Never;
+}
+
+}  // namespace
+
+bool ParseCaster(std::string_view text, CasterLogin& caster, std::string& problem) {
+  problem = kCasterForm;
+  if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
+    caster.user = text.substr(0, at);
+    text.remove_prefix(at + 1);
+    if (caster.user.find(':') != std::string::npos) {
       problem = kNoPasswordHere;
       return false;
     }
   }
-  return ParseCaster(caster, plan.caster);
+  return ParseHost(text, caster);
 }
 
-// The password of the user: from a file of mode 0600 when one is named, else from the environment,
-// else from the person at the terminal. Nothing is asked without a user.
 bool FindPassword(const std::string& password_file, CasterLogin& caster, std::string& problem) {
   if (caster.user.empty()) return true;
   if (!password_file.empty()) {
@@ -75,28 +113,9 @@ bool FindPassword(const std::string& password_file, CasterLogin& caster, std::st
   return false;
 }
 
-GgaUpload UploadOf(const CorrectionChoice& choice, const ReceiverSettings& settings) {
-  if (choice.send_gga == "always") return GgaUpload::Always;
-  if (choice.send_gga == "never") return GgaUpload::Never;
-  if (choice.send_gga == "wanted") return GgaUpload::WhenWanted;
-  return settings.send_gga || settings.rover_send_gga ? GgaUpload::WhenWanted : GgaUpload::Never;
-}
-
-}  // namespace
-
-bool ParseCaster(std::string_view text, CasterLogin& caster) {
-  const std::size_t bracket = text.find(']');
-  const std::size_t colon = text.find(':', bracket == std::string_view::npos ? 0 : bracket);
-  std::string_view host = text.substr(0, colon);
-  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
-  if (host.empty() || host.size() > decltype(caster.host)::kCapacity) return false;
-  if (host.find('/') != std::string_view::npos) return false;
-  caster.host.Assign(host);
-  if (colon == std::string_view::npos) return true;
-  const auto port = ParseInteger(text.substr(colon + 1));
-  if (!port || *port < 1 || *port > 65535) return false;
-  caster.port = std::to_string(*port);
-  return true;
+CLI::Option* AddPasswordOption(CLI::App& sub, std::string& password_file) {
+  return sub.add_option("--password-file", password_file,
+                        "File with the password that its owner alone can read (mode 0600)");
 }
 
 void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice) {
@@ -105,9 +124,7 @@ void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice) {
                  "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
                  "asked for, or taken from TARVEX_NTRIP_PASSWORD")
       ->group(kGroup);
-  sub.add_option("--password-file", choice.password_file,
-                 "File with the password that its owner alone can read (mode 0600)")
-      ->group(kGroup);
+  AddPasswordOption(sub, choice.password_file)->group(kGroup);
   sub.add_option("--send-gga", choice.send_gga,
                  "Send your position to the caster: wanted (when its list says that the stream\n"
                  "needs it; the default), always or never")

@@ -12,6 +12,7 @@
 
 namespace CLI {
 class App;
+class Option;
 }  // namespace CLI
 
 namespace tarvex {
@@ -32,7 +33,16 @@ void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice);
 ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSettings& settings,
                            Program& program, std::optional<CorrectionPlan>& plan);
 
-/// "HOST[:PORT]", an IPv6 host in brackets; 2101 without a port.
-[[nodiscard]] bool ParseCaster(std::string_view text, CasterLogin& caster);
+/// "[USER@]HOST[:PORT]", an IPv6 host in brackets; 2101 without a port. False with a sentence in
+/// `problem`, which repeats nothing of a text that may hold a password.
+[[nodiscard]] bool ParseCaster(std::string_view text, CasterLogin& caster, std::string& problem);
+
+/// The password of the caster's user: from a file of mode 0600 when one is named, else from the
+/// environment, else from the person at the terminal. Nothing is asked without a user. False with a
+/// sentence in `problem`.
+[[nodiscard]] bool FindPassword(const std::string& password_file, CasterLogin& caster,
+                                std::string& problem);
+
+CLI::Option* AddPasswordOption(CLI::App& sub, std::string& password_file);
 
 }  // namespace tarvex

@@ -111,6 +111,7 @@ TEST(Watch, SaysWhatIsWrong) {
       {"watch simulated --corrections ntrip://a/b", 2, "takes no corrections"},
       {"watch serial:/dev/x --corrections ntrip://a", 2, "MOUNTPOINT"},
       {"watch serial:/dev/x --corrections ntrip://u:secret@a/b", 2, "--password-file"},
+      {"watch serial:/dev/x --corrections \"ntrip://a/M x\"", 2, "no blank"},
       {"watch serial:/dev/x --corrections ntrips://a/b", 2, "TLS"}};
   for (const auto& c : cases) {
     const ProgramResult result = folder.Run(c.line);
@@ -194,18 +195,23 @@ TEST(Watch, DoesNotWaitForASilentCasterWhenInterrupted) {
 }
 
 TEST(Bases, ListsWhatACasterOffers) {
-  Running caster(ServeCapture("--mountpoint SITE"));
+  Running caster(ServeCapture("--mountpoint SITE --wants-gga"));
   const std::string port = caster.Said("127.0.0.1:([0-9]+)/SITE");
   ProgramFolder folder;
   const ProgramResult listed = folder.Run("bases 127.0.0.1:" + port);
   EXPECT_EQ(listed.exit_code, 0) << listed.errors;
-  EXPECT_EQ(listed.output, "SITE                 RTCM 3.2      0.00N 0.00E Trial, \n");
+  EXPECT_EQ(listed.output,
+            "SITE                 RTCM 3.2      0.00N 0.00E Trial, needs your position\n");
   const auto json =
       nlohmann::json::parse(folder.Run("bases 127.0.0.1:" + port + " --near 0,1 --json").output);
   ASSERT_EQ(json["bases"].size(), 1U);
   EXPECT_EQ(json["bases"][0]["mountpoint"], "SITE");
   EXPECT_EQ(json["bases"][0]["format_code"], 39);
-  EXPECT_EQ(json["bases"][0]["needs_gga"], false);
+  EXPECT_EQ(json["bases"][0]["needs_gga"], true);
+  EXPECT_EQ(json["bases"][0]["generator"], "Tarvex");
+  EXPECT_EQ(json["bases"][0]["authentication"], "N");
+  EXPECT_EQ(json["bases"][0]["fee"], false);
+  EXPECT_EQ(json["complete"], true);
   EXPECT_NEAR(json["bases"][0]["distance_km"].get<double>(), 111.19, 0.01);
   const ProgramResult ended = caster.End(SIGTERM);
   EXPECT_EQ(ended.exit_code, 0);
@@ -247,6 +253,31 @@ TEST(Bases, ShowNothingThatATerminalObeys) {
       EXPECT_TRUE(c == '\n' || (code >= 0x20 && code < 0x7F) || code >= 0xA0) << int{code} << json;
     }
   }
+}
+
+TEST(Bases, TellAListThatWasCut) {
+  const AnsweringCaster caster("SOURCETABLE 200 OK\r\n\r\nSTR;A;x\r\nSTR;B;c;RTCM");
+  ProgramFolder folder;
+  const ProgramResult listed = folder.Run("bases " + caster.name());
+  EXPECT_EQ(listed.exit_code, 1);
+  EXPECT_EQ(listed.output.substr(0, 2), "A ");
+  EXPECT_EQ(listed.output.find("\nB"), std::string::npos) << "the line that was cut itself";
+  EXPECT_NE(listed.errors.find("broke its list off"), std::string::npos);
+}
+
+TEST(Bases, RepeatNoPassword) {
+  ProgramFolder folder;
+  for (const std::string line :
+       {"bases user:S3cretPw@host:2101", "bases user:S3cretPw@/", "bases S3cretPw@host:x"}) {
+    const ProgramResult result = folder.Run(line);
+    EXPECT_EQ(result.exit_code, 2) << line;
+    EXPECT_EQ(result.errors.find("S3cret"), std::string::npos) << result.errors;
+  }
+  folder.Write("secret", "S3cretPw\n");
+  EXPECT_NE(folder.Run("bases u@127.0.0.1:9 --password-file none").errors.find("cannot be read"),
+            std::string::npos);
+  EXPECT_NE(folder.Run("bases [::1]:1").errors.find("[::1]:1 cannot be reached"),
+            std::string::npos);
 }
 
 TEST(Bases, LeaveNothingBehind) {

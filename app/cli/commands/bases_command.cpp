@@ -7,6 +7,7 @@
 #include "app/cli/json_text.h"
 #include "core/number_text.h"
 #include "core/printable.h"
+#include "core/text.h"
 #include "gnss/ntrip/client.h"
 #include "platform/private_folder.h"
 
@@ -15,6 +16,7 @@ namespace {
 
 struct BasesOptions {
   std::string caster;
+  std::string password_file;
   std::string near;
   bool json = false;
 };
@@ -60,20 +62,26 @@ void SortByDistance(std::vector<StreamRecord>& streams, const Place& place) {
 }
 
 Json StreamJson(const StreamRecord& stream, const std::optional<Place>& place) {
-  Json json = {{"mountpoint", stream.mountpoint.view()},
-               {"identifier", stream.identifier.view()},
-               {"format", stream.format.view()},
-               {"format_details", stream.format_details.view()},
-               {"format_code", stream.format_code},
-               {"nav_system", stream.nav_system.view()},
-               {"network", stream.network.view()},
-               {"country", stream.country.view()},
-               {"latitude", stream.latitude},
-               {"longitude", stream.longitude},
-               {"needs_gga", stream.nmea},
-               {"network_solution", stream.solution},
-               {"fee", stream.fee},
-               {"bitrate", stream.bitrate}};
+  Json json = {
+      {"mountpoint", stream.mountpoint.view()},
+      {"identifier", stream.identifier.view()},
+      {"format", stream.format.view()},
+      {"format_details", stream.format_details.view()},
+      {"format_code", stream.format_code},
+      {"carrier", stream.carrier},
+      {"nav_system", stream.nav_system.view()},
+      {"network", stream.network.view()},
+      {"country", stream.country.view()},
+      {"latitude", stream.latitude},
+      {"longitude", stream.longitude},
+      {"needs_gga", stream.nmea},
+      {"network_solution", stream.solution},
+      {"generator", stream.generator.view()},
+      {"compression", stream.compression.view()},
+      {"authentication", std::string(stream.authentication == '\0' ? 0 : 1, stream.authentication)},
+      {"fee", stream.fee},
+      {"bitrate", stream.bitrate},
+      {"misc", stream.misc.view()}};
   if (place) json["distance_km"] = DistanceKm(stream, place->latitude, place->longitude);
   return json;
 }
@@ -83,7 +91,9 @@ std::string StreamLine(const StreamRecord& stream, const std::optional<Place>& p
   line.resize(std::max<std::size_t>(line.size(), 20), ' ');
   line += " " + stream.format.str();
   line.resize(std::max<std::size_t>(line.size(), 34), ' ');
-  line += " " + StreamPositionText(stream);
+  std::string position = StreamPositionText(stream);
+  if (stream.country.empty()) position.erase(position.rfind(", "));
+  line += " " + std::string(WithoutOuterBlanks(position));
   if (place) {
     line += ", " + FixedNumber(DistanceKm(stream, place->latitude, place->longitude), 1) + " km";
   }
@@ -105,7 +115,7 @@ ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& lis
   const PortError error = client.LoadBases(list, progress);
   program.console.EndProgress();
   if (error == PortError::None) return ExitCode::Done;
-  const std::string name = caster.host.str() + ":" + caster.port;
+  const std::string name = CasterName(caster);
   const std::string sentence = CasterFailureSentence(name, client.cause(), client.cause_detail());
   return program.Fail(sentence.starts_with(name) ? sentence : name + ": " + sentence);
 }
@@ -113,8 +123,10 @@ ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& lis
 ExitCode RunBases(const BasesOptions& options, Program& program) {
   CasterLogin caster;
   std::optional<Place> place;
-  if (!ParseCaster(options.caster, caster)) {
-    return program.Misuse("\"" + options.caster + "\" is no caster: give HOST:PORT.");
+  std::string problem;
+  if (!ParseCaster(options.caster, caster, problem) ||
+      !FindPassword(options.password_file, caster, problem)) {
+    return program.Misuse(problem);
   }
   if (!ParsePlace(options.near, place)) {
     return program.Misuse("\"" + options.near +
@@ -126,11 +138,17 @@ ExitCode RunBases(const BasesOptions& options, Program& program) {
   if (options.json) {
     Json rows = Json::array();
     for (const StreamRecord& stream : list.streams) rows.push_back(StreamJson(stream, place));
-    program.console.Print(JsonText({{"bases", std::move(rows)}}));
-    return ExitCode::Done;
+    program.console.Print(
+        JsonText({{"caster", CasterName(caster)}, {"complete", list.complete}, {"bases", rows}}));
+  } else {
+    for (const StreamRecord& stream : list.streams) {
+      program.console.Print(StreamLine(stream, place));
+    }
   }
-  for (const StreamRecord& stream : list.streams) program.console.Print(StreamLine(stream, place));
-  if (list.streams.empty()) return program.Fail("The caster offers no streams.");
+  if (!list.complete) {
+    return program.Fail("The caster broke its list off before the end: streams are missing.");
+  }
+  if (list.streams.empty() && !options.json) return program.Fail("The caster offers no streams.");
   return ExitCode::Done;
 }
 
@@ -140,8 +158,11 @@ void AddBasesCommand(CLI::App& app, Program& program) {
   Command<BasesOptions> command(app, program, "bases", "List the correction streams of a caster",
                                 RunBases);
   command.sub.footer("Example: tarvex bases caster.example:2101 --near 46.81,9.27");
-  command.sub.add_option("HOST:PORT", command.options->caster, "The caster (port 2101 by default)")
+  command.sub
+      .add_option("CASTER", command.options->caster,
+                  "[USER@]HOST[:PORT]: the caster (port 2101 by default)")
       ->required();
+  AddPasswordOption(command.sub, command.options->password_file);
   command.sub.add_option("--near", command.options->near,
                          "LATITUDE,LONGITUDE: the nearest bases first, with their distance");
   command.sub.add_flag("--json", command.options->json, "Print JSON");
