@@ -338,12 +338,16 @@ FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
                       const FileChange& change) {
   JournalPlace place;
   FileStatus status;
-  if (CarryOut(files, path, place, {change}, {.coordinates = &file}, status) !=
-      ChangeResult::Done) {
+  const ChangeResult result =
+      CarryOut(files, path, place, {change}, {.coordinates = &file}, status);
+  if (result == ChangeResult::Done) status = file.Sync();
+  if (!status.ok()) {
+    if (result != ChangeResult::Nothing) status.effect = FileEffect::Pending;
     return status;
   }
-  status = file.Sync();
-  return status.ok() ? RemoveJournal(files, path) : status;
+  // The change is on the disk: a journal that cannot be removed is carried out once more, later.
+  (void)RemoveJournal(files, path);
+  return {};
 }
 
 FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,

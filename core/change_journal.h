@@ -67,7 +67,9 @@ FileStatus ForgetChanges(FileSystem& files, const std::string& path, JournalPlac
 /// Settles and removes the journal, when a job is closed.
 FileStatus CloseJournal(FileSystem& files, const std::string& path, JournalPlace& place);
 
-/// One change of the coordinate file alone, durable when it returns.
+/// One change of the file at `path` alone, durable when it returns. When it fails before any byte
+/// is overwritten (a full disk), the file is as before; when it fails later, the journal stays,
+/// FinishInterruptedChange completes it, and the status says Pending.
 FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
                       const FileChange& change);
 

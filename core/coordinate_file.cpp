@@ -269,12 +269,15 @@ FileStatus CoordinateFile::Shorten(std::uint64_t size) {
   if (status.ok()) status = file_->Resize(size);
   if (!status.ok()) return status;
   size_ = size;
-  return file_->Sync();
+  status = file_->Sync();
+  if (!status.ok()) status.effect = FileEffect::NotDurable;
+  return status;
 }
 
 FileStatus CoordinateFile::Change(std::vector<FileWrite> writes, std::uint64_t new_size) {
   FileChange change{.old_size = size_, .new_size = new_size, .writes = std::move(writes)};
-  if (gathers_ && (gathered_ || WrittenBytes(change) <= kLargestGathered)) {
+  const bool replaceable = files_.IsReplaceable(path_);
+  if (gathers_ && (gathered_ || !replaceable || WrittenBytes(change) <= kLargestGathered)) {
     Gather(std::move(change.writes), new_size);
     return {};
   }
@@ -285,7 +288,7 @@ FileStatus CoordinateFile::Change(std::vector<FileWrite> writes, std::uint64_t n
   }
   FileStatus status = BeginChange();
   if (!status.ok()) return status;
-  if (ReplacingIsFaster(change)) {
+  if (replaceable && ReplacingIsFaster(change)) {
     status = BytesAfter(change, bytes);
     if (status.ok()) status = ReplaceWholeFile(files_, path_, bytes, file_);
   } else {
@@ -297,6 +300,7 @@ FileStatus CoordinateFile::Change(std::vector<FileWrite> writes, std::uint64_t n
 }
 
 FileStatus CoordinateFile::ReplaceWith(std::string bytes) {
+  if (!files_.IsReplaceable(path_)) return ChangeInPlace(std::move(bytes));
   if (gathers_) {
     probes_.clear();
     gathered_ = FileChange{.old_size = size_, .new_size = bytes.size(), .replaced = true};
@@ -306,7 +310,24 @@ FileStatus CoordinateFile::ReplaceWith(std::string bytes) {
   }
   FileStatus status = BeginChange();
   if (status.ok()) status = ReplaceWholeFile(files_, path_, bytes, file_);
-  if (status.ok()) size_ = bytes.size();
+  if (status.done()) size_ = bytes.size();
+  return status;
+}
+
+// The same for a file that stays the file that it is.
+FileStatus CoordinateFile::ChangeInPlace(std::string bytes) {
+  const std::uint64_t new_size = bytes.size();
+  std::vector<FileWrite> whole;
+  whole.push_back({.offset = 0, .bytes = std::move(bytes)});
+  if (gathers_) {
+    Gather(std::move(whole), new_size);
+    return {};
+  }
+  FileStatus status = BeginChange();
+  if (!status.ok()) return status;
+  status = ChangeFile(files_, path_, *file_,
+                      {.old_size = size_, .new_size = new_size, .writes = std::move(whole)});
+  if (status.ok()) size_ = new_size;
   return status;
 }
 

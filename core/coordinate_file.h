@@ -81,6 +81,7 @@ class CoordinateFile {
   FileStatus FindInBlock(std::string_view id, std::uint64_t low, std::uint64_t high,
                          RecordPosition& position);
   FileStatus BeginChange();
+  FileStatus ChangeInPlace(std::string bytes);
   FileStatus BytesAfter(const FileChange& change, std::string& bytes);
 
   struct Probe {
@@ -110,8 +111,8 @@ std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job =
 FileStatus TakeLastPoint(Job& job, CoordinateFile& stream);
 
 /// Opens an existing file to read from it only, so that a file without the right to write can still
-/// be looked at. An interrupted change is finished and an older file converted first; that needs
-/// the right.
+/// be looked at. An interrupted change is finished first, which needs the right; an older file is
+/// converted, or, without the right, shown as it would be.
 std::unique_ptr<CoordinateFile> OpenForReading(Job& job);
 
 }  // namespace tarvex

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <optional>
 
 #include "core/coordinate_layout.h"
+#include "core/file_rewrite.h"
 #include "core/point_id.h"
 #include "core/string_table.h"
 
@@ -21,6 +23,7 @@ enum Message : int {
   kCannotConvert = 1004,
   kCannotFinish = 1005,
   kCannotRead = 1006,
+  kCreatedNotDurable = 1007,
 };
 
 void Tell(Job& job, Message message, const FileStatus& status) {
@@ -45,11 +48,11 @@ FileStatus ReadHeader(Opened& opened) {
   return {};
 }
 
-// Brings an older file, whose records stand in any order, into ascending order: of equal ids the
-// one that stood later comes first.
-FileStatus ConvertOlderFile(Job& job, Opened& opened) {
+// The bytes of an older file, whose records stand in any order, in ascending order: of equal ids
+// the one that stood later comes first.
+FileStatus SortOlderFile(Job& job, std::uint64_t size, std::string& sorted) {
   std::string bytes;
-  const FileStatus read = ReadWholeFile(job.host.files(), job.path, opened.size, bytes);
+  const FileStatus read = ReadWholeFile(job.host.files(), job.path, size, bytes);
   if (!read.ok()) return read;
   constexpr std::size_t kSize = alphanumeric_layout::kRecordSize;
   const std::size_t count = (bytes.size() - alphanumeric_layout::kHeaderSize) / kSize;
@@ -61,11 +64,42 @@ FileStatus ConvertOlderFile(Job& job, Opened& opened) {
     return ComparePointIds(alphanumeric_layout::DecodeId(a).view(),
                            alphanumeric_layout::DecodeId(b).view()) < 0;
   });
-  std::string converted = bytes.substr(0, alphanumeric_layout::kHeaderSize);
-  alphanumeric_layout::MarkSorted(converted);
-  for (const char* record : records) converted.append(record, kSize);
-  return ReplaceWholeFile(job.host.files(), job.path, converted);
+  sorted = bytes.substr(0, alphanumeric_layout::kHeaderSize);
+  alphanumeric_layout::MarkSorted(sorted);
+  for (const char* record : records) sorted.append(record, kSize);
+  return {};
 }
+
+FileStatus ConvertOlderFile(Job& job, const Opened& opened) {
+  std::string sorted;
+  const FileStatus status = SortOlderFile(job, opened.size, sorted);
+  return status.ok() ? RewriteWholeFile(job.host.files(), job.path, sorted) : status;
+}
+
+// What an older file would be once converted, for a file that may only be read.
+class SortedView final : public File {
+ public:
+  explicit SortedView(std::string bytes) : bytes_(std::move(bytes)) {}
+
+  FileStatus ReadAt(std::uint64_t offset, std::span<char> out, std::size_t& got) override {
+    const std::size_t left = offset < bytes_.size() ? bytes_.size() - offset : 0;
+    got = std::min(out.size(), left);
+    std::copy_n(bytes_.data() + (bytes_.size() - left), got, out.data());
+    return {};
+  }
+  FileStatus WriteAt(std::uint64_t, std::string_view) override { return {EROFS}; }
+  FileStatus Resize(std::uint64_t) override { return {EROFS}; }
+  FileStatus Sync() override { return {}; }
+  FileStatus Size(std::uint64_t& size) override {
+    size = bytes_.size();
+    return {};
+  }
+  FileStatus Lock() override { return {}; }
+  bool IsNamed(const std::string&) override { return true; }
+
+ private:
+  std::string bytes_;
+};
 
 // A numeric file has no signature: its count must be one, and a file too short for any record of
 // either layout must not hold the start of an alphanumeric header.
@@ -104,7 +138,7 @@ std::unique_ptr<CoordinateFile> OpenExisting(Job& job) {
   if (status = ReadHeader(opened); !status.ok()) return Tell(job, kCannotOpen, status), nullptr;
   if (opened.signature != Signature::Older) return MakeStream(job, std::move(opened));
   status = ConvertOlderFile(job, opened);
-  if (!status.ok()) return Tell(job, kCannotConvert, status), nullptr;
+  if (!status.done()) return Tell(job, kCannotConvert, status), nullptr;
   opened.file.reset();
   return OpenExisting(job);
 }
@@ -121,7 +155,7 @@ FileStatus Create(Job& job, bool creating_job) {
   if (!creating_job) SetInformation(job, now);
   const std::string header = job.alphanumeric_new_files ? alphanumeric_layout::EncodeHeader(now)
                                                         : numeric_layout::EncodeHeader(0, now);
-  return ReplaceWholeFile(job.host.files(), job.path, header);
+  return CreateWholeFile(job.host.files(), job.path, header);
 }
 
 }  // namespace
@@ -149,12 +183,31 @@ FileStatus TakeLastPoint(Job& job, CoordinateFile& stream) {
 
 std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job) {
   if (!job.host.files().Exists(job.path)) {
-    if (const FileStatus status = Create(job, creating_job); !status.ok()) {
-      return Tell(job, kCannotCreate, status), nullptr;
-    }
+    const FileStatus status = Create(job, creating_job);
+    const bool exists_by_now = status.code == EEXIST && !creating_job;
+    if (!status.done() && !exists_by_now) return Tell(job, kCannotCreate, status), nullptr;
+    if (status.effect == FileEffect::NotDurable) Tell(job, kCreatedNotDurable, status);
   }
   return OpenExisting(job);
 }
+
+namespace {
+
+bool MayWrite(Job& job) {
+  std::unique_ptr<File> file;
+  return job.host.files().Open(job.path, FileAccess::ReadWrite, file).ok();
+}
+
+std::unique_ptr<CoordinateFile> OpenSortedView(Job& job, Opened opened) {
+  std::string sorted;
+  const FileStatus status = SortOlderFile(job, opened.size, sorted);
+  if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
+  opened.file = std::make_unique<SortedView>(std::move(sorted));
+  opened.signature = Signature::Sorted;
+  return MakeStream(job, std::move(opened));
+}
+
+}  // namespace
 
 std::unique_ptr<CoordinateFile> OpenForReading(Job& job) {
   FileSystem& files = job.host.files();
@@ -163,7 +216,11 @@ std::unique_ptr<CoordinateFile> OpenForReading(Job& job) {
   if (status.ok()) status = ReadHeader(opened);
   if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
   // Looked at under the lock: what another program has under way is over by now.
-  if (HasInterruptedChange(files, job.path, job.journal) || opened.signature == Signature::Older) {
+  const bool interrupted = HasInterruptedChange(files, job.path, job.journal);
+  if (opened.signature == Signature::Older && !interrupted && !MayWrite(job)) {
+    return OpenSortedView(job, std::move(opened));
+  }
+  if (interrupted || opened.signature == Signature::Older) {
     opened.file.reset();
     return OpenExisting(job);
   }

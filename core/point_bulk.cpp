@@ -9,6 +9,7 @@
 
 #include "core/coordinate_file.h"
 #include "core/coordinate_layout.h"
+#include "core/file_rewrite.h"
 #include "core/number_text.h"
 #include "core/point_id.h"
 #include "core/string_table.h"
@@ -249,11 +250,13 @@ StorePointsResult StorePoints(Job& job, std::span<const Point> points, Coordinat
     status = stream.ReplaceWith(std::move(merged));
   }
   if (!status.ok()) {
-    job.host.ShowMessage(Strings().Text(kBulkFailedMessage, {job.path, status.Text()}));
-    return StorePointsResult::Nothing;
+    const int message = MessageOf(kBulkFailedMessage, status);
+    job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
   }
+  if (!status.done()) return StorePointsResult::Nothing;
   job.last_stored_point = points.back();
-  return TakeLastPoint(job, stream).ok() ? StorePointsResult::Stored : StorePointsResult::NoStream;
+  if (!TakeLastPoint(job, stream).ok()) return StorePointsResult::NoStream;
+  return status.ok() ? StorePointsResult::Stored : StorePointsResult::StoredNotDurable;
 }
 
 }  // namespace tarvex

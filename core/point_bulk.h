@@ -12,8 +12,9 @@ namespace tarvex {
 
 enum class [[nodiscard]] StorePointsResult : int{
     Stored = 1,
-    Nothing = 0,    ///< the file could not be written (the person was told); it is as before
-    NoStream = -1,  ///< the file could not be opened (the person was told)
+    StoredNotDurable = 2,  ///< stored, but a loss of power may undo it (the person was told)
+    Nothing = 0,           ///< the file could not be written; the person was told what became of it
+    NoStream = -1,         ///< the file could not be opened (the person was told)
     BadPoint =
         -3  ///< a point without an id or with coordinates that are not numbers; nothing is stored
 };

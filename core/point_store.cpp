@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/coordinate_layout.h"
+#include "core/file_rewrite.h"
 #include "core/number_text.h"
 #include "core/point_id.h"
 #include "core/string_table.h"
@@ -68,6 +69,18 @@ ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateFile& stream,
   return ReadPointResult::Found;
 }
 
+// The number behind which a numeric file holds nothing: that of its header, or of the last record
+// where another program or a damaged header left records behind it.
+long long HighestNumber(const Job& job, const CoordinateFile& stream) {
+  return std::max(job.last_point_number, static_cast<long long>(stream.record_count()));
+}
+
+// The start of a numeric header with this count; all of it in a file that has none.
+std::string CountBytes(Job& job, const CoordinateFile& stream, long long number) {
+  return stream.size() == 0 ? numeric_layout::EncodeHeader(number, job.host.clock().Now())
+                            : numeric_layout::EncodeHighestNumber(number);
+}
+
 FileStatus StoreInSlot(Job& job, const Point& point, long long number, CoordinateFile& stream) {
   std::string record;
   numeric_layout::AppendRecord(record, point.at, point.description);
@@ -75,12 +88,12 @@ FileStatus StoreInSlot(Job& job, const Point& point, long long number, Coordinat
   if (number <= job.last_point_number) {
     return stream.Change({{.offset = stream.RecordOffset(slot), .bytes = record}}, stream.size());
   }
-  const auto last = static_cast<std::uint64_t>(job.last_point_number);
-  const std::uint64_t gap = slot - last;
+  const auto last = static_cast<std::uint64_t>(HighestNumber(job, stream));
+  const std::uint64_t gap = slot > last ? slot - last : 0;
   const WaitCursor wait(job.host, gap * numeric_layout::kRecordSize >= kNoticeableGapBytes);
   const std::uint64_t new_size = std::max(stream.size(), stream.RecordOffset(slot + 1));
   std::vector<FileWrite> writes;
-  writes.push_back({.offset = 0, .bytes = numeric_layout::EncodeHighestNumber(number)});
+  writes.push_back({.offset = 0, .bytes = CountBytes(job, stream, number)});
   if (gap > 0) {
     writes.push_back({.offset = stream.RecordOffset(last),
                       .bytes = numeric_layout::FillerRecord(),
@@ -108,7 +121,7 @@ FileStatus StoreNumbered(Job& job, const Point& point, long long number, Coordin
                     stream.record_count() == static_cast<std::uint64_t>(job.last_point_number);
   const FileStatus status = next && stream.size() > 0 ? StoreNextNumber(point, number, stream)
                                                       : StoreInSlot(job, point, number, stream);
-  if (status.ok() && number > job.last_point_number) {
+  if (status.done() && number > job.last_point_number) {
     job.last_point_number = number;
     job.last_point_id = std::to_string(number);
   }
@@ -138,7 +151,7 @@ FileStatus StoreNamed(Job& job, const Point& point, CoordinateFile& stream) {
           ? stream.Change({{.offset = stream.RecordOffset(position.index), .bytes = record}},
                           stream.size())
           : InsertRecord(record, position.index, stream);
-  if (status.ok() && !position.found && position.index + 1 == stream.record_count()) {
+  if (status.done() && !position.found && position.index + 1 == stream.record_count()) {
     job.last_point_id = point.id.str();
     job.last_point_number = PointIdNumber(job.last_point_id);
   }
@@ -154,8 +167,8 @@ bool IsFinite(const GridPoint& at) {
   return std::isfinite(at.northing) && std::isfinite(at.easting) && std::isfinite(at.elevation);
 }
 
-bool MayExist(const Job& job, std::string_view id) {
-  if (!job.alphanumeric) return PointNumber(id) <= job.last_point_number;
+bool MayExist(const Job& job, const CoordinateFile& stream, std::string_view id) {
+  if (!job.alphanumeric) return PointNumber(id) <= HighestNumber(job, stream);
   return ComparePointIds(NormalisePointId(id).view(), job.last_point_id) <= 0;
 }
 
@@ -166,11 +179,20 @@ bool IsStorable(const Job& job, std::string_view id) {
          number - job.last_point_number <= kLargestGap;
 }
 
+// Also a record behind the header's count, which a list shows and a store would write over.
+bool Exists(Job& job, CoordinateFile& stream, std::string_view id) {
+  Point existing;
+  if (ReadPoint(job, id, &stream, existing) == ReadPointResult::Found) return true;
+  const long long number = job.alphanumeric ? 0 : PointNumber(id);
+  return number > job.last_point_number && number <= HighestNumber(job, stream) &&
+         stream.ReadRecord(static_cast<std::uint64_t>(number - 1), existing).ok() &&
+         !IsEmptySlot(existing);
+}
+
 // The id to store under after the person was asked.
 StorePointResult SettleId(Job& job, CoordinateFile& stream, std::string& id) {
-  if (!MayExist(job, id)) return StorePointResult::Stored;
-  Point existing;
-  const bool exists = ReadPoint(job, id, &stream, existing) == ReadPointResult::Found;
+  if (!MayExist(job, stream, id)) return StorePointResult::Stored;
+  const bool exists = Exists(job, stream, id);
   const ExistingPointAnswer answer = job.host.AskExistingPoint(id, exists);
   switch (answer.choice) {
     case ExistingPointAnswer::Choice::Cancel:
@@ -219,7 +241,7 @@ FileStatus DeleteStored(Job& job, std::string_view id, CoordinateFile& stream) {
 }
 
 void TellFailure(Job& job, int message, std::string_view id, const FileStatus& status) {
-  job.host.ShowMessage(Strings().Text(message, {id, job.path, status.Text()}));
+  job.host.ShowMessage(Strings().Text(MessageOf(message, status), {id, job.path, status.Text()}));
 }
 
 }  // namespace
@@ -250,13 +272,11 @@ StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view desc
     point.id.Assign(std::to_string(number));
     status = StoreNumbered(job, point, number, *stream);
   }
-  if (!status.ok()) {
-    TellFailure(job, kStoreFailedMessage, id, status);
-    return StorePointResult::Nothing;
-  }
+  if (!status.ok()) TellFailure(job, kStoreFailedMessage, id, status);
+  if (!status.done()) return StorePointResult::Nothing;
   job.current_point_id = id;
   job.last_stored_point = point;
-  return StorePointResult::Stored;
+  return status.ok() ? StorePointResult::Stored : StorePointResult::StoredNotDurable;
 }
 
 DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* stream) {
@@ -265,15 +285,14 @@ DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* str
   if (ReadPoint(job, id, stream, existing) != ReadPointResult::Found) {
     return DeletePointResult::NotFound;
   }
-  if (const FileStatus status = DeleteStored(job, id, *stream); !status.ok()) {
-    TellFailure(job, kDeleteFailedMessage, id, status);
-    return DeletePointResult::Failed;
-  }
-  return DeletePointResult::Deleted;
+  const FileStatus status = DeleteStored(job, id, *stream);
+  if (status.ok()) return DeletePointResult::Deleted;
+  TellFailure(job, kDeleteFailedMessage, id, status);
+  return status.done() ? DeletePointResult::DeletedNotDurable : DeletePointResult::Failed;
 }
 
 std::optional<std::string> NextFreePointId(Job& job, CoordinateFile& stream) {
-  if (!job.alphanumeric) return std::to_string(job.last_point_number + 1);
+  if (!job.alphanumeric) return std::to_string(HighestNumber(job, stream) + 1);
   PointId id = NormalisePointId(job.current_point_id);
   for (std::uint64_t tried = 0; tried <= stream.record_count(); ++tried) {
     const PointId next = NormalisePointId(NextPointId(id, job.point_increment).view());

@@ -28,6 +28,11 @@ constexpr std::array kEntries = {
           "An interrupted change of %s cannot be completed: %s. Nothing is lost; mend this and "
           "open the job again."},
     Entry{1006, "The coordinate file %s cannot be read: %s."},
+    Entry{
+        1007,
+        "The coordinate file %s was created, but its folder could not be made durable: %s. Should "
+        "the power fail, it may be missing."},
+    // 10 behind a text: the change was made, but is not durable; 20 behind it: it is pending
     Entry{1011, "Point %s could not be stored in %s: %s."},
     Entry{1012, "Point %s could not be deleted from %s: %s."},
     Entry{1014, "The points could not be stored in %s: %s. The file is as before."},
@@ -35,6 +40,25 @@ constexpr std::array kEntries = {
     Entry{1016,
           "The work on %s is kept in its .redo file but could not be finished: %s. It is finished "
           "when the job is opened again."},
+    Entry{
+        1021,
+        "Point %s is stored in %s, but the folder could not be made durable: %s. Should the power "
+        "fail, the point may be lost."},
+    Entry{1022,
+          "Point %s is deleted from %s, but the folder could not be made durable: %s. Should the "
+          "power fail, it may be there again."},
+    Entry{1024,
+          "The points are stored in %s, but the folder could not be made durable: %s. Should the "
+          "power fail, they may be lost."},
+    Entry{1031,
+          "Point %s is not yet stored in %s: %s. The change waits beside the file and is completed "
+          "when the job is opened again."},
+    Entry{1032,
+          "Point %s is not yet deleted from %s: %s. The change waits beside the file and is "
+          "completed when the job is opened again."},
+    Entry{1034,
+          "The points are not yet stored in %s: %s. The change waits beside the file and is "
+          "completed when the job is opened again."},
     // Shift grids
     Entry{1193, "Loading the shift grid..."},
     Entry{1703, "The grids of the Hungarian system cannot be loaded; no grid correction is made."},

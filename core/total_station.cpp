@@ -33,7 +33,7 @@ ShotResult StoreShot(Job& job, ShotKind kind, const Shot& shot, const GridPoint&
   if (!unit) return {.stored = StorePointResult::NoStream};
   job.current_point_id = shot.foresight_id;
   result.stored = StorePoint(job, at, shot.description, check_existing, &unit->coordinates());
-  if (result.stored != StorePointResult::Stored) return result;
+  if (!IsStored(result.stored)) return result;
   Shot stored = shot;
   stored.foresight_id = job.last_stored_point.id.str();  // the person may have chosen another id
   unit->AppendRaw(kind == ShotKind::Traverse ? TraverseRecord(job, stored)

@@ -28,19 +28,6 @@ FileStatus ReadWholeFile(FileSystem& files, const std::string& path, std::uint64
   return {};
 }
 
-namespace {
-
-FileStatus WriteNewFile(FileSystem& files, const std::string& path, std::string_view bytes,
-                        std::unique_ptr<File>& file) {
-  FileStatus status = files.Open(path, FileAccess::CreateOrTruncate, file);
-  if (status.ok()) status = file->Lock();
-  if (status.ok()) status = file->WriteAt(0, bytes);
-  if (status.ok()) status = file->Sync();
-  return status;
-}
-
-}  // namespace
-
 FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess access,
                       std::unique_ptr<File>& file) {
   constexpr int kAttempts = 1000;  // each one lost means that another program got its turn
@@ -59,6 +46,43 @@ FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess acc
   return {ESTALE};
 }
 
+namespace {
+
+// A file that has its bytes but not yet its name. The lock comes before the bytes, so that two
+// programs never write into one temporary file.
+class StagedFile {
+ public:
+  StagedFile(FileSystem& files, const std::string& path) : files_(files), path_(path + ".tmp") {}
+
+  FileStatus Write(std::string_view bytes) {
+    FileStatus status = OpenLocked(files_, path_, FileAccess::CreateOrKeep, file_);
+    if (status.ok()) status = file_->Resize(0);
+    if (status.ok()) status = file_->WriteAt(0, bytes);
+    if (status.ok()) status = file_->Sync();
+    return status;
+  }
+  /// The end of `status`, the way here: what was staged goes when it failed.
+  FileStatus Settle(FileStatus status, const std::string& folder_of) {
+    if (!status.ok()) {
+      if (file_) (void)files_.Remove(path_);
+      return status;
+    }
+    status = files_.SyncFolderOf(folder_of);
+    if (!status.ok()) status.effect = FileEffect::NotDurable;
+    return status;
+  }
+
+  const std::string& path() const { return path_; }
+  std::unique_ptr<File>& file() { return file_; }
+
+ private:
+  FileSystem& files_;
+  std::string path_;
+  std::unique_ptr<File> file_;
+};
+
+}  // namespace
+
 FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes) {
   std::unique_ptr<File> file;
   return ReplaceWholeFile(files, path, bytes, file);
@@ -66,18 +90,21 @@ FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::str
 
 FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes,
                             std::unique_ptr<File>& file) {
-  const std::string temporary = path + ".tmp";
-  std::unique_ptr<File> replacement;
-  FileStatus status = WriteNewFile(files, temporary, bytes, replacement);
-  if (status.ok() && files.Exists(path)) status = files.CopyRights(path, temporary);
-  if (status.ok()) status = files.Rename(temporary, path);
-  if (!status.ok()) {
-    (void)files.Remove(temporary);
-    return status;
-  }
-  status = files.SyncFolderOf(path);
-  file = std::move(replacement);
+  StagedFile staged(files, path);
+  FileStatus status = staged.Write(bytes);
+  if (status.ok() && files.Exists(path)) status = files.CopyRights(path, staged.path());
+  if (status.ok()) status = files.Rename(staged.path(), path);
+  status = staged.Settle(status, path);
+  if (status.done()) file = std::move(staged.file());
   return status;
+}
+
+FileStatus CreateWholeFile(FileSystem& files, const std::string& path, std::string_view bytes) {
+  if (files.Exists(path)) return {EEXIST};
+  StagedFile staged(files, path);
+  FileStatus status = staged.Write(bytes);
+  if (status.ok()) status = files.RenameToNew(staged.path(), path);
+  return staged.Settle(status, path);
 }
 
 }  // namespace tarvex

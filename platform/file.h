@@ -14,11 +14,21 @@
 
 namespace tarvex {
 
+/// What an operation that failed did to the file all the same.
+enum class FileEffect {
+  None,        ///< the file is as before
+  NotDurable,  ///< the change was made, but a loss of power may undo it
+  Pending      ///< the change is completed from its journal when the file is opened again
+};
+
 /// What a file operation came to: 0, or the system's error number.
 struct [[nodiscard]] FileStatus {
   int code = 0;
+  FileEffect effect = FileEffect::None;
 
   bool ok() const { return code == 0; }
+  /// True when the change was made, be it without being durable.
+  bool done() const { return ok() || effect == FileEffect::NotDurable; }
   bool not_found() const;
   /// The system's own text for the error ("No space left on device").
   std::string Text() const;
@@ -66,10 +76,16 @@ class FileSystem {
   virtual FileStatus Remove(const std::string& path) = 0;
   /// Replaces `to` in one step: afterwards `to` is the old file or the new one, never a mixture.
   virtual FileStatus Rename(const std::string& from, const std::string& to) = 0;
+  /// Rename() that replaces nothing: EEXIST when `to` exists.
+  virtual FileStatus RenameToNew(const std::string& from, const std::string& to) = 0;
   /// Makes the names in the folder of `path` durable (a file created, renamed or removed there).
   virtual FileStatus SyncFolderOf(const std::string& path) = 0;
-  /// Gives `path` the access rights of `model`.
+  /// Gives `path` the owner, group and access rights of `model`, as far as this user may; a group
+  /// that cannot be kept gets the rights of everybody else.
   virtual FileStatus CopyRights(const std::string& model, const std::string& path) = 0;
+  /// True when a new file can take the place of `path` and nobody notices: this user may give it
+  /// the same owner and group, the old one has no other name (hard link) and no access list.
+  virtual bool IsReplaceable(const std::string& path) = 0;
 
   /// Called with the path before OpenLocked waits for another program.
   std::function<void(const std::string& path)> when_waiting;
@@ -88,12 +104,18 @@ FileStatus ReadWholeFile(FileSystem& files, const std::string& path, std::uint64
                          std::string& bytes);
 
 /// Replaces the whole file durably: the new bytes go to PATH.tmp, which is synced and renamed over
-/// it. After a failure or a crash at any point `path` holds the old bytes or the new ones.
+/// it. After a failure or a crash at any point `path` holds the old bytes or the new ones. When
+/// only the folder could not be made durable, the status says NotDurable: the new bytes have the
+/// name.
 FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes);
 
 /// The same for an open file: as soon as the new one has taken the name, `file` is the new one,
 /// which was locked before.
 FileStatus ReplaceWholeFile(FileSystem& files, const std::string& path, std::string_view bytes,
                             std::unique_ptr<File>& file);
+
+/// Makes a new file in the same way; EEXIST when there is one already. Of several programs that
+/// make a file of one name, exactly one succeeds.
+FileStatus CreateWholeFile(FileSystem& files, const std::string& path, std::string_view bytes);
 
 }  // namespace tarvex

@@ -2,12 +2,14 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <vector>
 
 #include "platform/file.h"
 
@@ -136,11 +138,23 @@ class PosixFileSystem final : public FileSystem {
     return std::rename(from.c_str(), to.c_str()) == 0 ? FileStatus{} : LastStatus();
   }
 
+  FileStatus RenameToNew(const std::string& from, const std::string& to) override {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
+    if (errno != EINVAL && errno != ENOSYS) return LastStatus();
+    // A file system that cannot do that can link.
+    if (::link(from.c_str(), to.c_str()) != 0) return LastStatus();
+    return Remove(from);
+  }
+
   FileStatus SyncFolderOf(const std::string& path) override {
     std::string folder = std::filesystem::path(path).parent_path().string();
     if (folder.empty()) folder = ".";
     const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return LastStatus();
+    if (descriptor < 0 && errno != EACCES) return LastStatus();
+    if (descriptor < 0) {  // a folder that may be written but not read: everything goes to the disk
+      ::sync();
+      return {};
+    }
     const FileStatus status = ::fsync(descriptor) == 0 ? FileStatus{} : LastStatus();
     ::close(descriptor);
     return status;
@@ -149,7 +163,35 @@ class PosixFileSystem final : public FileSystem {
   FileStatus CopyRights(const std::string& model, const std::string& path) override {
     struct stat info {};
     if (::stat(model.c_str(), &info) != 0) return LastStatus();
-    return ::chmod(path.c_str(), info.st_mode & 07777) == 0 ? FileStatus{} : LastStatus();
+    mode_t rights = info.st_mode & 07777;
+    if (::chown(path.c_str(), info.st_uid, info.st_gid) != 0 &&
+        ::chown(path.c_str(), kSameOwner, info.st_gid) != 0) {
+      rights = (rights & ~mode_t{070}) | (rights & 07) << 3U;
+    }
+    return ::chmod(path.c_str(), rights) == 0 ? FileStatus{} : LastStatus();
+  }
+
+  bool IsReplaceable(const std::string& path) override {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return true;
+    const bool privileged = ::geteuid() == 0;
+    return info.st_nlink == 1 && (privileged || info.st_uid == ::geteuid()) &&
+           (privileged || IsOurGroup(info.st_gid)) && !HasAccessList(path);
+  }
+
+ private:
+  static constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
+
+  static bool IsOurGroup(gid_t group) {
+    if (group == ::getegid()) return true;
+    const int count = ::getgroups(0, nullptr);
+    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(count, 0)));
+    return ::getgroups(count, groups.data()) >= 0 &&
+           std::find(groups.begin(), groups.end(), group) != groups.end();
+  }
+
+  static bool HasAccessList(const std::string& path) {
+    return ::getxattr(path.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
   }
 };
 

@@ -190,6 +190,9 @@ bool CollectSession::StorePosition() {
   switch (StoreInFile(at)) {
     case StorePointResult::Stored:
       break;
+    case StorePointResult::StoredNotDurable:  // the person was told
+      failed_ = true;
+      break;
     case StorePointResult::Cancelled:
       (void)program_.Fail("Point " + wanted +
                           " exists; collecting ends. (--existing overwrite or next decides.)");

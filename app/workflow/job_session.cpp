@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "core/file_rewrite.h"
 #include "core/number_text.h"
 #include "core/text.h"
 
@@ -75,7 +76,8 @@ std::string JobSession::settings_path() const {
 
 bool JobSession::Load() {
   std::string text;
-  const FileStatus status = ReadWholeFile(files(), settings_path(), kLargestSettings, text);
+  FileStatus status = FinishRewrite(files(), settings_path());
+  if (status.ok()) status = ReadWholeFile(files(), settings_path(), kLargestSettings, text);
   if (!status.ok() && !status.not_found()) {
     ShowMessage("The job's settings " + settings_path() + " cannot be read: " + status.Text() +
                 ".");
@@ -138,7 +140,7 @@ bool JobSession::TakeSettings() {
 }
 
 bool JobSession::Save() {
-  const FileStatus status = ReplaceWholeFile(files(), settings_path(), settings_.Text());
+  const FileStatus status = RewriteWholeFile(files(), settings_path(), settings_.Text());
   if (status.ok()) return true;
   ShowMessage("The job's settings " + settings_path() + " cannot be written: " + status.Text() +
               ".");

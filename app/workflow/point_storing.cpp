@@ -53,8 +53,10 @@ ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& 
     return program.Misuse(
         "A point at 0, 0, 0 without a description counts as no point; describe it.");
   }
-  switch (StorePoint(job, at, description, true, stream.get())) {
+  const StorePointResult result = StorePoint(job, at, description, true, stream.get());
+  switch (result) {
     case StorePointResult::Stored:
+    case StorePointResult::StoredNotDurable:  // the person was told
       break;
     case StorePointResult::Cancelled:
       return program.Fail("Point " + job.current_point_id +
@@ -73,7 +75,7 @@ ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& 
   }
   if (AppendRawRecord(job, StoredPointRecord(job.last_stored_point, description)) ==
       RawFileResult::Written) {
-    return ExitCode::Done;
+    return result == StorePointResult::Stored ? ExitCode::Done : ExitCode::Failed;
   }
   return program.Fail("The point is stored, but the raw file " + RawFilePath(job) +
                       " could not be written.");

@@ -118,11 +118,17 @@ TEST(CoordinateFile, ConvertsAnOlderFileThatIsOnlyLookedAt) {
   for (const char* id : {"2", "1"}) {
     alphanumeric_layout::AppendRecord(old_file, {.at = kAt, .description = {}, .id = PointId(id)});
   }
-  host.memory.Put(kJobPath, old_file);
-  Job job = MakeJob(host, true);
-  PointList points;
-  ASSERT_EQ(LoadAllPoints(job, points), LoadPointsResult::Loaded);
-  EXPECT_EQ(points[0].id.view(), "1");
+  for (const bool writable : {false, true}) {
+    host.memory.Put(kJobPath, old_file);
+    host.memory.MakeReadOnly(writable ? "" : kJobPath);
+    Job job = MakeJob(host, true);
+    PointList points;
+    ASSERT_EQ(LoadAllPoints(job, points), LoadPointsResult::Loaded) << writable;
+    EXPECT_EQ(points[0].id.view(), "1");
+    EXPECT_EQ(ReadPoint(job, "2", OpenForReading(job).get(), points[0]), ReadPointResult::Found);
+    EXPECT_EQ(host.memory.Bytes(kJobPath) == old_file, !writable);
+    EXPECT_TRUE(host.messages.empty());
+  }
 }
 
 TEST(CoordinateFile, ReadsAFileWithoutTheRightToWrite) {

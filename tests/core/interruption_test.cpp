@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "core/coordinate_layout.h"
+#include "core/file_rewrite.h"
 #include "core/point_bulk.h"
 #include "core/point_list.h"
 #include "core/point_notes.h"
@@ -81,13 +82,31 @@ std::string StateAfter(const Operation& operation, bool run) {
   return State(job);
 }
 
-// Runs the operation with the mishap at `step`; false when it was over before that step.
-bool Interrupt(const Operation& operation, Mishap mishap, int step, unsigned seed,
+// What the person was told must be so: the last message of a machine that goes on working.
+void ExpectToldTheTruth(const TestHost& host, bool reported, const std::string& state,
+                        const std::string& before, const std::string& after) {
+  const std::string told = host.messages.empty() ? "" : host.messages.back();
+  const bool made = reported || told.find("could not be made durable") != std::string::npos ||
+                    told.find("is completed when the job is opened") != std::string::npos;
+  EXPECT_EQ(state, made ? after : before) << told;
+}
+
+struct Interruption {
+  Mishap mishap = Mishap::None;
+  int step = 0;
+  unsigned seed = 0;
+  bool irreplaceable = false;  // the file belongs to somebody else: changed in place
+};
+
+// Runs the operation with the mishap at a step; false when it was over before that step.
+bool Interrupt(const Operation& operation, const Interruption& interruption,
                const std::string& before, const std::string& after) {
+  const auto [mishap, step, seed, irreplaceable] = interruption;
   TestHost host;
   Prepare(host, operation.alphanumeric);
   Job job = MakeJob(host, operation.alphanumeric);
   host.memory.Restart(0);
+  if (irreplaceable) host.memory.MakeIrreplaceable(kJobPath);
   host.memory.Expect(mishap, step);
   const bool reported = operation.run(job);
   const bool happened = host.memory.happened();
@@ -99,8 +118,13 @@ bool Interrupt(const Operation& operation, Mishap mishap, int step, unsigned see
   EXPECT_TRUE(as_reported) << operation.name << (operation.alphanumeric ? " by name" : " by number")
                            << ", mishap " << int(mishap) << " at step " << step << " seed " << seed
                            << (reported ? ", reported as done" : "") << "\nholds " << state;
+  if (mishap == Mishap::Fails || mishap == Mishap::DiskFull) {
+    ExpectToldTheTruth(host, reported, state, before, after);
+  }
   EXPECT_TRUE(Store(again, "99", 9.0));  // and work goes on
-  EXPECT_EQ(State(again), state + "99=9.000000 ");
+  EXPECT_EQ(State(again), state + "99=9.000000 ")
+      << operation.name << ", mishap " << int(mishap) << " at step " << step << " seed " << seed
+      << (irreplaceable ? ", in place" : "");
   return happened;
 }
 
@@ -114,8 +138,11 @@ TEST(Interruption, LeavesTheOldStateOrTheNewOne) {
       const unsigned seeds = mishap == Mishap::PowerLoss ? 40 : 1;
       int steps = 0;
       for (unsigned seed = 0; seed < seeds; ++seed) {
-        for (int step = 1; Interrupt(operation, mishap, step, seed, before, after); ++step)
-          steps = step;
+        for (const bool irreplaceable : {false, true}) {
+          Interruption at{
+              .mishap = mishap, .step = 1, .seed = seed, .irreplaceable = irreplaceable};
+          for (; Interrupt(operation, at, before, after); ++at.step) steps = at.step;
+        }
       }
       EXPECT_GE(steps, 2) << operation.name;
     }
@@ -179,6 +206,29 @@ TEST(Interruption, OfCreationAndConversionLosesNothing) {
         ASSERT_NE(OpenCoordinateFile(again), nullptr) << step;
         EXPECT_TRUE(again.alphanumeric);
         EXPECT_EQ(State(again).empty(), !convert);
+      }
+    }
+  }
+}
+
+// Of a file that may not be replaced, as the notes or settings of somebody else.
+TEST(Interruption, OfARewriteInPlaceLeavesTheOldBytesOrTheNew) {
+  for (const Mishap mishap : {Mishap::Fails, Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
+    bool happened = true;
+    for (int step = 1; happened; ++step) {
+      for (unsigned seed = 0; seed < 40; ++seed) {
+        MemoryFiles files;
+        files.Put("/jobs/site.job", "units=metres\n");
+        files.MakeIrreplaceable("/jobs/site.job");
+        files.Expect(mishap, step);
+        const bool done = RewriteWholeFile(files, "/jobs/site.job", "units=us-feet\nname=x\n").ok();
+        happened = files.happened();
+        files.Restart(seed);
+        ASSERT_TRUE(FinishRewrite(files, "/jobs/site.job").ok());
+        const std::string bytes = files.Bytes("/jobs/site.job");
+        EXPECT_TRUE(bytes == "units=us-feet\nname=x\n" || (!done && bytes == "units=metres\n"))
+            << int(mishap) << " step " << step << ": " << bytes;
+        EXPECT_FALSE(HasInterruptedChange(files, "/jobs/site.job"));
       }
     }
   }

@@ -150,11 +150,16 @@ FileStatus MemoryFiles::Remove(const std::string& path) {
 
 FileStatus MemoryFiles::Rename(const std::string& from, const std::string& to) {
   if (!names_.contains(from)) return {ENOENT};
+  if (irreplaceable_.contains(to)) return {EPERM};
   if (FileStatus status = Step(false); !status.ok()) return status;
   names_[to] = names_[from];
   names_.erase(from);
   unsynced_names_.push_back(names_);
   return {};
+}
+
+FileStatus MemoryFiles::RenameToNew(const std::string& from, const std::string& to) {
+  return names_.contains(to) ? FileStatus{EEXIST} : Rename(from, to);
 }
 
 FileStatus MemoryFiles::SyncFolderOf(const std::string&) {

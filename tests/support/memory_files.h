@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,13 +42,17 @@ class MemoryFiles final : public FileSystem {
   std::string Bytes(const std::string& path) const;
   std::vector<std::string> Paths() const;
   void MakeReadOnly(const std::string& path) { read_only_ = path; }
+  /// The file belongs to somebody else: no new one may take its place.
+  void MakeIrreplaceable(const std::string& path) { irreplaceable_.insert(path); }
 
   FileStatus Open(const std::string& path, FileAccess access, std::unique_ptr<File>& file) override;
   bool Exists(const std::string& path) override { return names_.contains(path); }
   FileStatus Remove(const std::string& path) override;
   FileStatus Rename(const std::string& from, const std::string& to) override;
+  FileStatus RenameToNew(const std::string& from, const std::string& to) override;
   FileStatus SyncFolderOf(const std::string& path) override;
   FileStatus CopyRights(const std::string&, const std::string&) override { return {}; }
+  bool IsReplaceable(const std::string& path) override { return !irreplaceable_.contains(path); }
 
   // For the open files.
   FileStatus Write(Node& node, std::uint64_t offset, std::string_view bytes);
@@ -65,6 +70,7 @@ class MemoryFiles final : public FileSystem {
   Names durable_names_;
   std::vector<Names> unsynced_names_;  // after each change of a name since the folder was synced
   std::string read_only_;
+  std::set<std::string> irreplaceable_;
   Mishap mishap_ = Mishap::None;
   int mishap_step_ = 0;
   int steps_ = 0;

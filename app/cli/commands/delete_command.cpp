@@ -22,14 +22,17 @@ bool DeleteOne(Program& program, Job& job, const std::string& id) {
     (void)program.Fail("There is no point " + id + " in " + job.path + ".");
     return false;
   }
-  if (DeletePoint(job, id, stream.get()) != DeletePointResult::Deleted) return false;
+  const DeletePointResult result = DeletePoint(job, id, stream.get());
+  if (result != DeletePointResult::Deleted && result != DeletePointResult::DeletedNotDurable) {
+    return false;  // the person was told why
+  }
   program.console.Print("Deleted point " + point.id.str() + ".\n");
   // The journal keeps what the point was.
   if (AppendRawRecord(
           job, CommentRecord("Deleted point:" +
                              StoredPointRecord(point, point.description.view()).substr(1))) ==
       RawFileResult::Written) {
-    return true;
+    return result == DeletePointResult::Deleted;
   }
   (void)program.Fail("The point is deleted, but the raw file " + RawFilePath(job) +
                      " could not be written.");

@@ -108,8 +108,10 @@ std::vector<std::string> Records(const Import& import, const std::string& file) 
 
 ExitCode StoreImport(const Import& import, const ImportOptions& options, JobSession& session,
                      Program& program) {
-  if (StorePoints(session.job(), import.points) != StorePointsResult::Stored) {
-    return program.Fail("Nothing was stored.");
+  const StorePointsResult result = StorePoints(session.job(), import.points);
+  if (result == StorePointsResult::BadPoint) return program.Fail("Nothing was stored.");
+  if (result != StorePointsResult::Stored && result != StorePointsResult::StoredNotDurable) {
+    return ExitCode::Failed;  // the person was told why
   }
   const std::size_t count = import.points.size();
   program.console.Print("Stored " + std::to_string(count) + (count == 1 ? " point" : " points") +
@@ -118,7 +120,8 @@ ExitCode StoreImport(const Import& import, const ImportOptions& options, JobSess
     return program.Fail("The points are stored, but the raw file " + RawFilePath(session.job()) +
                         " could not be written.");
   }
-  return import.bad_lines == 0 ? ExitCode::Done : ExitCode::Failed;
+  const bool durable = result == StorePointsResult::Stored;
+  return import.bad_lines == 0 && durable ? ExitCode::Done : ExitCode::Failed;
 }
 
 ExitCode RunImport(const ImportOptions& options, Program& program) {

@@ -64,7 +64,7 @@ void WarnAboutRemains(Job& job, Program& program) {
   if (!job.alphanumeric && file->record_count() > last) {
     program.Warn(job.path + " has records up to number " + std::to_string(file->record_count()) +
                  ", but its header counts to " + std::to_string(last) +
-                 ": those behind are not shown.");
+                 ": those behind are listed, but not found by their number.");
   }
 }
 
