@@ -13,27 +13,7 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint64_t kBlockRecords = 8192;
-constexpr int kProgressParts = 100;
-
-// Tells the progress window each time the next hundredth of the file is passed.
-class ProgressTeller {
- public:
-  ProgressTeller(const ProgressWindow& window, std::uint64_t total)
-      : window_(window), total_(total) {}
-
-  void Passed(std::uint64_t done) {
-    if (!window_ || total_ == 0) return;
-    const int part = static_cast<int>(done * kProgressParts / total_);
-    if (part <= told_) return;
-    told_ = part;
-    window_("\n" + std::to_string(part) + "%");
-  }
-
- private:
-  const ProgressWindow& window_;
-  std::uint64_t total_;
-  int told_ = 0;
-};
+constexpr std::uint64_t kProgressParts = 100;
 
 // Appends the points of a block of records; false when one is not where the other list has it.
 class BlockDecoder {
@@ -83,15 +63,20 @@ LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList
   points.reserve(static_cast<std::size_t>(count));
   PreferLargePages(points.data(), points.capacity() * sizeof(Point));
   BlockDecoder decoder(stream.alphanumeric(), points, verify_against);
-  ProgressTeller teller(progress, count);
   std::string block;
-  for (std::uint64_t first = 0; first < count; first += kBlockRecords) {
-    const std::uint64_t some = std::min(kBlockRecords, count - first);
-    if (!stream.ReadRecords(first, some, block).ok()) return LoadPointsResult::CannotOpen;
-    if (!decoder.Take(block, first, static_cast<std::size_t>(stream.record_size()))) {
-      return LoadPointsResult::Mismatch;
+  std::uint64_t first = 0;
+  for (std::uint64_t part = 1; part <= kProgressParts; ++part) {
+    const std::uint64_t end = count * part / kProgressParts;
+    if (end == first) continue;
+    while (first < end) {
+      const std::uint64_t some = std::min(kBlockRecords, end - first);
+      if (!stream.ReadRecords(first, some, block).ok()) return LoadPointsResult::CannotOpen;
+      if (!decoder.Take(block, first, static_cast<std::size_t>(stream.record_size()))) {
+        return LoadPointsResult::Mismatch;
+      }
+      first += some;
     }
-    teller.Passed(first + some);
+    if (progress) progress("\n" + std::to_string(part) + "%");
   }
   return LoadPointsResult::Loaded;
 }
@@ -102,12 +87,10 @@ LoadPointsResult LoadAllPoints(Job& job, PointList& points, const PointList* ver
                                const ProgressWindow& progress) {
   const auto stream = OpenForReading(job);
   if (!stream) return LoadPointsResult::CannotOpen;
-  // A record above the highest number is what an interrupted store left; it was never reported.
-  const std::uint64_t count =
-      job.alphanumeric ? stream->record_count() : static_cast<std::uint64_t>(job.last_point_number);
   try {
     PointList loaded;
-    const LoadPointsResult result = LoadFrom(*stream, count, loaded, verify_against, progress);
+    const LoadPointsResult result =
+        LoadFrom(*stream, stream->record_count(), loaded, verify_against, progress);
     if (result == LoadPointsResult::Loaded) points.swap(loaded);
     return result;
   } catch (const std::bad_alloc&) {

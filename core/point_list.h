@@ -19,12 +19,14 @@ enum class [[nodiscard]] LoadPointsResult : int{
     Mismatch = 3     ///< the records are not those of the list to verify against
 };
 
-/// Called with texts like "\n42%", at most 100 times a load.
+/// Called with texts like "\n42%" each time a hundredth of the records is passed: at most 100 times
+/// a load.
 using ProgressWindow = std::function<void(std::string_view)>;
 
-/// Reads every record that is not an empty slot. With `verify_against`, each record's id must be
-/// that of the list's point at the same place. `points` is written only on success. The file is
-/// read as it stands and never changed, except that an interrupted change is finished first.
+/// Reads every whole record that is not an empty slot, in a numeric file those behind the count of
+/// the header too. With `verify_against`, each record's id must be that of the list's point at the
+/// same place. `points` is written only on success. The file is not changed, but an interrupted
+/// change is finished first and an older file converted, where it may be written.
 LoadPointsResult LoadAllPoints(Job& job, PointList& points,
                                const PointList* verify_against = nullptr,
                                const ProgressWindow& progress = {});
