@@ -145,10 +145,28 @@ std::string ParisPath() {
   return std::string(TARVEX_TEST_DATA) + "/datum/paris.gsb";
 }
 
-void TimeNtv2(benchmark::State& state,
-              GridShiftResult (Ntv2Grid::*shift)(Geodetic&) const noexcept) {
+using Ntv2Arrays = std::size_t (Ntv2Grid::*)(std::span<double>, std::span<double>) const noexcept;
+using Ntv2Single = GridShiftResult (Ntv2Grid::*)(Geodetic&) const noexcept;
+
+Ntv2Grid ParisGrid() {
   Ntv2Grid grid;
   if (!Ntv2Grid::Load(SystemFiles(), ParisPath(), grid).ok()) std::abort();
+  return grid;
+}
+
+void TimeNtv2(benchmark::State& state, Ntv2Arrays shift) {
+  const Ntv2Grid grid = ParisGrid();
+  Points points;
+  for (auto _ : state) {
+    points = ParisPoints();
+    benchmark::DoNotOptimize((grid.*shift)(points.latitude_rad, points.longitude_rad));
+    benchmark::DoNotOptimize(points.height_m.data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
+}
+
+void TimeSingleNtv2(benchmark::State& state, Ntv2Single shift) {
+  const Ntv2Grid grid = ParisGrid();
   const Points& points = ParisPoints();
   std::vector<Geodetic> start;
   for (std::size_t i = 0; i < kPoints; ++i) {
@@ -167,6 +185,12 @@ void Ntv2ForwardOurs(benchmark::State& state) {
 }
 void Ntv2InverseOurs(benchmark::State& state) {
   TimeNtv2(state, &Ntv2Grid::Inverse);
+}
+void Ntv2ForwardSingle(benchmark::State& state) {
+  TimeSingleNtv2(state, &Ntv2Grid::Forward);
+}
+void Ntv2InverseSingle(benchmark::State& state) {
+  TimeSingleNtv2(state, &Ntv2Grid::Inverse);
 }
 void Ntv2ForwardProj(benchmark::State& state) {
   TimeProj(state, "+proj=hgridshift +grids=" + ParisPath(), PJ_FWD, ParisPoints());
@@ -207,6 +231,10 @@ BENCHMARK(Ntv2ForwardOurs)->Name("datum/ntv2_forward/tarvex");
 BENCHMARK(Ntv2ForwardProj)->Name("datum/ntv2_forward/proj");
 BENCHMARK(Ntv2InverseOurs)->Name("datum/ntv2_inverse/tarvex");
 BENCHMARK(Ntv2InverseProj)->Name("datum/ntv2_inverse/proj");
+BENCHMARK(Ntv2ForwardSingle)->Name("datum/ntv2_forward_single/tarvex");
+BENCHMARK(Ntv2ForwardProj)->Name("datum/ntv2_forward_single/proj");
+BENCHMARK(Ntv2InverseSingle)->Name("datum/ntv2_inverse_single/tarvex");
+BENCHMARK(Ntv2InverseProj)->Name("datum/ntv2_inverse_single/proj");
 BENCHMARK(GeoidOurs)->Name("datum/geoid/tarvex");
 BENCHMARK(GeoidProj)->Name("datum/geoid/proj");
 

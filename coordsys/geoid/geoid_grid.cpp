@@ -119,8 +119,13 @@ double GeoidGrid::Node(int column, int row) const noexcept {
 double GeoidGrid::BilinearAt(const GridCell& cell) const noexcept {
   double nodes[4];
   for (int corner = 0; corner < 4; ++corner) {
-    nodes[corner] =
-        HasWeight(cell, corner) ? Node(cell.column + corner % 2, cell.row + corner / 2) : 0.0;
+    nodes[corner] = Node(cell.column + corner % 2, cell.row + corner / 2);
+  }
+  const double value = Bilinear(cell, nodes[0], nodes[1], nodes[2], nodes[3]);
+  if (!std::isnan(value)) return value;
+  // A node without a value makes the sum a NaN, also one that has no part in it.
+  for (int corner = 0; corner < 4; ++corner) {
+    if (!HasWeight(cell, corner)) nodes[corner] = 0.0;
   }
   return Bilinear(cell, nodes[0], nodes[1], nodes[2], nodes[3]);
 }

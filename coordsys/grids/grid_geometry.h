@@ -97,11 +97,13 @@ constexpr double Bilinear(const GridCell& at, double sw, double se, double nw, d
 }
 
 /// Whether a corner (0 south-west, 1 south-east, 2 north-west, 3 north-east) has a part in the
-/// bilinear value at a place: on a node the other three have none.
+/// bilinear value at a place: on a node the other three have none, nor a rounding's worth.
 constexpr bool HasWeight(const GridCell& at, int corner) {
   const double across = (corner & 1) != 0 ? at.across : 1.0 - at.across;
   const double up = (corner & 2) != 0 ? at.up : 1.0 - at.up;
-  return across * up != 0.0;
+  constexpr double kRounding = 1e-9;
+  const double weight = across * up;
+  return weight > kRounding || weight < -kRounding;
 }
 
 /// The four weights of the cubic convolution (Catmull-Rom) through nodes -1, 0, 1 and 2 at `t`.

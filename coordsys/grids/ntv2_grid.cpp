@@ -4,6 +4,7 @@
 #include <limits>
 #include <numbers>
 
+#include "coordsys/projections/lanes.h"
 #include "core/text.h"
 #include "core/units.h"
 
@@ -17,6 +18,7 @@ constexpr double kSecondRad = kRadiansPerDegree / 3600.0;
 constexpr double kTurnRad = 2.0 * std::numbers::pi;
 constexpr int kMostPasses = 60;
 constexpr double kClosedRad = 1e-13;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr int kMostGrids = 10'000;
 
 std::string_view Field(const char* record) {
@@ -249,46 +251,59 @@ const Ntv2Grid::SubGrid* Ntv2Grid::Densest(double latitude, double west,
   return found;
 }
 
-GridShiftResult Ntv2Grid::ShiftAt(double latitude, double west, Shift& shift) const noexcept {
-  GridCell cell;
-  const SubGrid* const grid = Densest(latitude, west, cell);
-  if (grid == nullptr) return GridShiftResult::Outside;
-  const auto columns = static_cast<std::size_t>(grid->geometry.columns());
-  const Node* const south = nodes_.data() + grid->first_node +
-                            static_cast<std::size_t>(cell.row) * columns +
-                            static_cast<std::size_t>(cell.column);
-  const Node* const north = south + columns;
-  shift = Interpolate(cell, {south[0], south[1], north[0], north[1]});
-  // A node without a shift makes the sum a NaN, also one that has no part in it.
-  if (!std::isnan(shift.north_rad)) return GridShiftResult::Done;
-  NodesAround nodes = {south[0], south[1], north[0], north[1]};
-  for (int corner = 0; corner < 4; ++corner) {
-    if (!HasWeight(cell, corner)) nodes[static_cast<std::size_t>(corner)] = {0.0F, 0.0F};
+// Most files hold one grid, and most places lie in it as they are spelt.
+inline bool Ntv2Grid::FindAround(double latitude, double west, Around& around) const noexcept {
+  const SubGrid* grid = grids_.size() == 1 ? grids_.data() : nullptr;
+  const auto in_only_one = grid ? grid->geometry.CellAt(west, latitude) : std::nullopt;
+  if (in_only_one) {
+    around.cell = *in_only_one;
+  } else {
+    grid = Densest(latitude, west, around.cell);
+    if (grid == nullptr) return false;
   }
-  shift = Interpolate(cell, nodes);
+  const auto columns = static_cast<std::size_t>(grid->geometry.columns());
+  around.south = nodes_.data() + grid->first_node +
+                 static_cast<std::size_t>(around.cell.row) * columns +
+                 static_cast<std::size_t>(around.cell.column);
+  around.north = around.south + columns;
+  return true;
+}
+
+// Both shifts side by side, in the order of Bilinear.
+inline Ntv2Grid::Shift Ntv2Grid::Interpolate(const GridCell& cell, const Node& se, const Node& sw,
+                                             const Node& ne, const Node& nw) noexcept {
+  const auto lanes = [](const Node& node) { return Lanes{node.north, node.west}; };
+  const Lanes across = Both(cell.across);
+  const Lanes south = lanes(se) + across * (lanes(sw) - lanes(se));
+  const Lanes north = lanes(ne) + across * (lanes(nw) - lanes(ne));
+  const Lanes shift = south + Both(cell.up) * (north - south);
+  return {.north_rad = shift[0], .west_rad = shift[1]};
+}
+
+// A node without a shift makes the sum a NaN, also one that has no part in it.
+Ntv2Grid::Shift Ntv2Grid::InterpolateBesideNone(const Around& around) noexcept {
+  Node nodes[4] = {around.south[0], around.south[1], around.north[0], around.north[1]};
+  for (int corner = 0; corner < 4; ++corner) {
+    if (!HasWeight(around.cell, corner)) nodes[corner] = {0.0F, 0.0F};
+  }
+  return Interpolate(around.cell, nodes[0], nodes[1], nodes[2], nodes[3]);
+}
+
+inline GridShiftResult Ntv2Grid::ShiftAt(double latitude, double west,
+                                         Shift& shift) const noexcept {
+  Around around;
+  if (!FindAround(latitude, west, around)) return GridShiftResult::Outside;
+  shift =
+      Interpolate(around.cell, around.south[0], around.south[1], around.north[0], around.north[1]);
+  if (!std::isnan(shift.north_rad)) return GridShiftResult::Done;
+  shift = InterpolateBesideNone(around);
   return std::isnan(shift.north_rad) ? GridShiftResult::NoCorrection : GridShiftResult::Done;
-}
-
-Ntv2Grid::Shift Ntv2Grid::Interpolate(const GridCell& cell, const NodesAround& at) noexcept {
-  return {.north_rad = Bilinear(cell, at[0].north, at[1].north, at[2].north, at[3].north),
-          .west_rad = Bilinear(cell, at[0].west, at[1].west, at[2].west, at[3].west)};
-}
-
-GridShiftResult Ntv2Grid::Forward(Geodetic& position) const noexcept {
-  Shift shift;
-  const GridShiftResult result = ShiftAt(position.latitude_rad, -position.longitude_rad, shift);
-  if (result != GridShiftResult::Done) return result;
-  position.latitude_rad += shift.north_rad;
-  position.longitude_rad -= shift.west_rad;
-  return result;
 }
 
 // Each pass takes the shift at the place that the last one led to. Shifts change slowly: a change
 // of the place shrinks by the same small factor every pass, which tells when the next would be
 // nothing.
-GridShiftResult Ntv2Grid::Inverse(Geodetic& position) const noexcept {
-  const double latitude = position.latitude_rad;
-  const double west = -position.longitude_rad;
+inline GridShiftResult Ntv2Grid::InverseAt(double& latitude, double& west) const noexcept {
   double from_latitude = latitude;
   double from_west = west;
   double last_change = 0.0;
@@ -302,13 +317,63 @@ GridShiftResult Ntv2Grid::Inverse(Geodetic& position) const noexcept {
     from_west += off_west;
     const double change = std::abs(off_latitude) + std::abs(off_west);
     if (change < kClosedRad || change * change < kClosedRad * last_change) {
-      position.latitude_rad = from_latitude;
-      position.longitude_rad = -from_west;
+      latitude = from_latitude;
+      west = from_west;
       return GridShiftResult::Done;
     }
     last_change = change;
   }
   return GridShiftResult::Outside;
+}
+
+GridShiftResult Ntv2Grid::Forward(Geodetic& position) const noexcept {
+  Shift shift;
+  const GridShiftResult result = ShiftAt(position.latitude_rad, -position.longitude_rad, shift);
+  if (result != GridShiftResult::Done) return result;
+  position.latitude_rad += shift.north_rad;
+  position.longitude_rad -= shift.west_rad;
+  return result;
+}
+
+GridShiftResult Ntv2Grid::Inverse(Geodetic& position) const noexcept {
+  double latitude = position.latitude_rad;
+  double west = -position.longitude_rad;
+  const GridShiftResult result = InverseAt(latitude, west);
+  if (result != GridShiftResult::Done) return result;
+  position.latitude_rad = latitude;
+  position.longitude_rad = -west;
+  return result;
+}
+
+std::size_t Ntv2Grid::Forward(std::span<double> latitude_rad,
+                              std::span<double> longitude_rad) const noexcept {
+  std::size_t refused = 0;
+  for (std::size_t i = 0; i < latitude_rad.size(); ++i) {
+    Shift shift;
+    if (ShiftAt(latitude_rad[i], -longitude_rad[i], shift) != GridShiftResult::Done) {
+      shift = {kNaN, kNaN};
+      ++refused;
+    }
+    latitude_rad[i] += shift.north_rad;
+    longitude_rad[i] -= shift.west_rad;
+  }
+  return refused;
+}
+
+std::size_t Ntv2Grid::Inverse(std::span<double> latitude_rad,
+                              std::span<double> longitude_rad) const noexcept {
+  std::size_t refused = 0;
+  for (std::size_t i = 0; i < latitude_rad.size(); ++i) {
+    double latitude = latitude_rad[i];
+    double west = -longitude_rad[i];
+    if (InverseAt(latitude, west) != GridShiftResult::Done) {
+      latitude = west = kNaN;
+      ++refused;
+    }
+    latitude_rad[i] = latitude;
+    longitude_rad[i] = -west;
+  }
+  return refused;
 }
 
 }  // namespace tarvex

@@ -12,7 +12,7 @@
 // of 10" is then good to 0.02 mm. Source: Geodetic Survey of Canada, NTv2 developer's guide (1995).
 #pragma once
 
-#include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -47,6 +47,13 @@ class Ntv2Grid {
   GridShiftResult Forward(Geodetic& position) const noexcept;
   GridShiftResult Inverse(Geodetic& position) const noexcept;
 
+  /// Arrays of positions in place, of one length; NaN where the single position is refused. Returns
+  /// how many were. Bit for bit what single positions give.
+  std::size_t Forward(std::span<double> latitude_rad,
+                      std::span<double> longitude_rad) const noexcept;
+  std::size_t Inverse(std::span<double> latitude_rad,
+                      std::span<double> longitude_rad) const noexcept;
+
   /// The names of the two systems, as the file gives them.
   const std::string& from_system() const { return from_system_; }
   const std::string& to_system() const { return to_system_; }
@@ -73,10 +80,19 @@ class Ntv2Grid {
     float west;
   };
 
-  using NodesAround = std::array<Node, 4>;  // south-east, south-west, north-east, north-west
+  // Four nodes of the grid in which a place lies, and where it lies between them.
+  struct Around {
+    const Node* south;  // east, west
+    const Node* north;
+    GridCell cell;
+  };
 
-  static Shift Interpolate(const GridCell& cell, const NodesAround& at) noexcept;
+  static Shift Interpolate(const GridCell& cell, const Node& se, const Node& sw, const Node& ne,
+                           const Node& nw) noexcept;
+  static Shift InterpolateBesideNone(const Around& around) noexcept;
   GridShiftResult ShiftAt(double latitude, double west, Shift& shift) const noexcept;
+  GridShiftResult InverseAt(double& latitude, double& west) const noexcept;
+  bool FindAround(double latitude, double west, Around& around) const noexcept;
   const SubGrid* Densest(double latitude, double west, GridCell& cell) const noexcept;
 
   std::string from_system_;

@@ -72,6 +72,17 @@ TEST(Geoid, AGridAroundTheEarthHasNoSeam) {
   EXPECT_TRUE(std::isnan(At(grid, 90.1, 12)));
 }
 
+TEST(Geoid, OnTheLastGoodColumnTheVoidBesideItCostsNothing) {
+  std::string bytes = Earth(false, true);
+  std::string none;
+  Append(none, -88.8888F, true);
+  for (std::size_t row = 0; row < 37; ++row) bytes.replace(40 + 4 * (72 * row + 3), 4, none);
+  const GeoidGrid grid = Parsed(bytes, "earth.gtx");
+  EXPECT_NEAR(At(grid, 45, 10), Surface(45, 10), 1e-5);
+  EXPECT_TRUE(std::isnan(At(grid, 45, 10.5)));
+  EXPECT_TRUE(std::isnan(At(grid, 45, 15)));
+}
+
 TEST(Geoid, BinIsReadInBothByteOrdersAndQuadratic) {
   const GeoidGrid little = Parsed(Earth(true, false), "earth.bin");
   const GeoidGrid big = Parsed(Earth(true, true), "earth.bin");

@@ -36,6 +36,11 @@ TEST(GridSurface, SaysWhyThereIsNoValue) {
   EXPECT_EQ(surface.At(0.5, 0.5).answer, SurfaceAnswer::NoCorrection);
   EXPECT_EQ(surface.At(2.5, 0.5).answer, SurfaceAnswer::NoValue);
   EXPECT_EQ(surface.At(2.5, 0.5).value, 0.0);
+  // A node that has no part in the value does not take it away.
+  EXPECT_EQ(surface.At(0, 0).answer, SurfaceAnswer::Value);
+  EXPECT_EQ(surface.At(2, 0.5).value, 1.5);
+  EXPECT_EQ(surface.At(3, 0).value, 2.0);
+  EXPECT_EQ(surface.At(1, 0).answer, SurfaceAnswer::NoCorrection);
 }
 
 TEST(GridSurface, CubicNeedsSixteenNodesAndMeetsACubic) {

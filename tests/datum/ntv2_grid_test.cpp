@@ -167,6 +167,61 @@ TEST(Ntv2, NodesMarkedAsEmptyGiveNoCorrection) {
   EXPECT_EQ(grid.Inverse(at), GridShiftResult::NoCorrection);
 }
 
+// On a good node its neighbour without a shift has no part in the sum.
+TEST(Ntv2, AnEmptyNodeCountsOnlyWhereItHasAPart) {
+  Ntv2Writer file(1);
+  file.Grid("ONE", "NONE", 40, 42, 0, 2, 1, 3, 5);
+  std::string bytes = file.bytes;
+  const float empty[4] = {0.0F, 0.0F, -1.0F, -1.0F};
+  std::memcpy(bytes.data() + bytes.size() - 16, empty, 16);  // the north-west corner
+  Ntv2Grid grid;
+  ASSERT_EQ(Ntv2Grid::Parse(FileBytes(bytes), "x.gsb", grid).Text(), "");
+  Geodetic beside = At(41.5, 0.5);
+  EXPECT_EQ(grid.Forward(beside), GridShiftResult::NoCorrection);
+  Geodetic node = At(41, 1);
+  ASSERT_EQ(grid.Forward(node), GridShiftResult::Done);
+  EXPECT_NEAR(node.latitude_rad * kDegreesPerRadian, 41 + 3.0 / 3600, 1e-9);
+}
+
+TEST(Ntv2, ArraysComeOutAsOneByOne) {
+  Ntv2Writer nested(2);
+  nested.Grid("WIDE", "NONE", 40, 50, -10, 0, 1, 1, 10, 0.1F, 0.01F);
+  nested.Grid("DENSE", "WIDE", 44, 46, -6, -4, 0.5, 2, 20, 0.1F, 0.01F);
+  Ntv2Grid two;
+  ASSERT_TRUE(Ntv2Grid::Parse(FileBytes(nested.bytes), "x.gsb", two).ok());
+  const Ntv2Grid paris = LoadCut("paris.gsb");
+  for (const Ntv2Grid* grid : {static_cast<const Ntv2Grid*>(&two), &paris}) {
+    const bool is_two = grid == &two;
+    for (const bool forward : {true, false}) {
+      std::vector<double> latitude;
+      std::vector<double> longitude;
+      for (int i = 0; i < 501; ++i) {
+        latitude.push_back((is_two ? 39.5 + 0.022 * i : 47.9 + 0.0034 * i) * kRadiansPerDegree);
+        longitude.push_back((is_two ? -10.5 + 0.0217 * i : 1.9 + 0.0024 * i) * kRadiansPerDegree);
+      }
+      latitude[7] = std::nan("");
+      const std::vector<double> from_latitude = latitude;
+      const std::vector<double> from_longitude = longitude;
+      const std::size_t refused =
+          forward ? grid->Forward(latitude, longitude) : grid->Inverse(latitude, longitude);
+      std::size_t expected = 0;
+      for (std::size_t i = 0; i < latitude.size(); ++i) {
+        Geodetic at = {from_latitude[i], from_longitude[i], 0.0};
+        if ((forward ? grid->Forward(at) : grid->Inverse(at)) == GridShiftResult::Done) {
+          EXPECT_EQ(latitude[i], at.latitude_rad);
+          EXPECT_EQ(longitude[i], at.longitude_rad);
+        } else {
+          EXPECT_TRUE(std::isnan(latitude[i]) && std::isnan(longitude[i]));
+          ++expected;
+        }
+      }
+      EXPECT_EQ(refused, expected);
+      EXPECT_GT(refused, 1U);
+      EXPECT_LT(refused, 200U);
+    }
+  }
+}
+
 TEST(Ntv2, EveryCutOfAFileIsNamed) {
   const std::string bytes = TestBytes("datum/paris.gsb");
   for (std::size_t length = 0; length < bytes.size() - 16; ++length) {
