@@ -1,24 +1,11 @@
 #include "gnss/nmea_reading.h"
 
-#include <algorithm>
-#include <array>
-
-#include "core/text.h"
-#include "gnss/line_reader.h"
+#include "gnss/line_source.h"
 #include "gnss/sentences/sentences.h"
 
 namespace tarvex {
 namespace {
 
-constexpr int kLineTimeoutMs = 1000;
-constexpr std::size_t kLineCapacity = 4096;  // binary data between the sentences has few line ends
-constexpr std::int64_t kStreamWaitMs = 100;
-constexpr std::size_t kStreamChunk = 1024;
-constexpr std::size_t kStreamLimit = 8192;
-constexpr std::size_t kStopAbove = 800;
-constexpr std::size_t kShortestStreamLine = 6;
-
-// Whether the sentence that carries the position is the one that the settings chose.
 bool Selected(SentenceKind kind, const SentenceContext& context) {
   const PositionSentence chosen = context.settings.position;
   switch (kind) {
@@ -71,78 +58,6 @@ SentenceResult ReadByKind(SentenceKind kind, std::string_view line, SentenceKind
   }
   return SentenceResult::Read;
 }
-
-// A source of lines: the port itself, or the text that a stream-buffered make has delivered.
-class LineSource {
- public:
-  LineSource(GnssConnection& connection, const ReceiverMake& make)
-      : connection_(connection), make_(make) {}
-
-  enum class Outcome { Line, Nothing, Failed, Abandoned };
-
-  Outcome Next(std::string_view& line) {
-    return make_.reader == ReaderKind::StreamBuffered ? FromStream(line) : FromPort(line);
-  }
-
-  /// The next whole line of the stream text that starts with `prefix`, looked up without taking it.
-  std::string_view LookAhead(std::string_view prefix) const {
-    std::string_view rest = connection_.stream_text;
-    rest = rest.substr(0, rest.rfind('\n') + 1);
-    while (const auto line = TakeLine(rest)) {
-      if (line->size() >= kShortestStreamLine && line->starts_with(prefix)) return *line;
-    }
-    return {};
-  }
-
- private:
-  Outcome FromPort(std::string_view& line) {
-    const ReadLineResult read =
-        ReadLineHolding(*connection_.port, buffer_, kLineTimeoutMs, make_.framing);
-    line = read.text;
-    if (!read.ok()) return Outcome::Failed;
-    return read.whole || ChecksumStands(line) ? Outcome::Line : Outcome::Nothing;
-  }
-
-  // A line stays valid until the next call: it is copied out of the text before it is taken.
-  Outcome FromStream(std::string_view& line) {
-    std::string& text = connection_.stream_text;
-    std::size_t end = text.find('\n');
-    if (end == std::string::npos) {
-      const Outcome pass = StreamPass();
-      if (pass != Outcome::Line) return pass;
-      end = text.find('\n');
-      if (end == std::string::npos) return Outcome::Nothing;
-    }
-    std::string_view rest = text;
-    const std::string_view first = TakeLine(rest).value_or("").substr(0, buffer_.size());
-    std::copy(first.begin(), first.end(), buffer_.begin());
-    line = {buffer_.data(), first.size()};
-    text.erase(0, end + 1);
-    return Outcome::Line;
-  }
-
-  // Waits a little and takes what the buffer holds. Whoever is asked to stop while much is waiting
-  // leaves it.
-  Outcome StreamPass() {
-    connection_.clock.SleepMilliseconds(kStreamWaitMs);
-    std::size_t waiting = 0;
-    if (connection_.port->BytesWaiting(waiting) != PortError::None) return Outcome::Failed;
-    if (waiting > kStopAbove && connection_.stop != nullptr && connection_.stop->StopRequested()) {
-      return Outcome::Abandoned;
-    }
-    std::array<char, kStreamChunk> chunk;
-    const PortError error = connection_.port->Read(chunk, kReturnAtOnce);
-    if (error != PortError::None) return Outcome::Failed;
-    std::string& text = connection_.stream_text;
-    text.append(chunk.data(), connection_.port->lastCount());
-    if (text.size() > kStreamLimit) text.clear();  // no line end in all of it: not text
-    return Outcome::Line;
-  }
-
-  GnssConnection& connection_;
-  const ReceiverMake& make_;
-  std::array<char, kLineCapacity> buffer_;
-};
 
 class NmeaReading {
  public:

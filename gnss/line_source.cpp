@@ -1,0 +1,79 @@
+#include "gnss/line_source.h"
+
+#include <algorithm>
+#include <string>
+
+#include "core/text.h"
+#include "gnss/line_reader.h"
+#include "gnss/sentences/sentence.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kLineTimeoutMs = 1000;
+constexpr std::int64_t kStreamWaitMs = 100;
+constexpr std::size_t kStreamChunk = 1024;
+constexpr std::size_t kStreamLimit = 8192;
+constexpr std::size_t kStopAbove = 800;
+constexpr std::size_t kShortestStreamLine = 6;
+
+}  // namespace
+
+LineSource::Outcome LineSource::Next(std::string_view& line) {
+  return make_.reader == ReaderKind::StreamBuffered ? FromStream(line) : FromPort(line);
+}
+
+std::string_view LineSource::LookAhead(std::string_view prefix) const {
+  std::string_view rest = connection_.stream_text;
+  rest = rest.substr(0, rest.rfind('\n') + 1);
+  while (const auto line = TakeLine(rest)) {
+    if (line->size() >= kShortestStreamLine && line->starts_with(prefix)) return *line;
+  }
+  return {};
+}
+
+LineSource::Outcome LineSource::FromPort(std::string_view& line) {
+  const ReadLineResult read =
+      ReadLineHolding(*connection_.port, buffer_, kLineTimeoutMs, make_.framing);
+  line = read.text;
+  if (!read.ok()) return Outcome::Failed;
+  return read.whole || ChecksumStands(line) ? Outcome::Line : Outcome::Nothing;
+}
+
+// The line is copied out of the text before it is taken.
+LineSource::Outcome LineSource::FromStream(std::string_view& line) {
+  std::string& text = connection_.stream_text;
+  std::size_t end = text.find('\n');
+  if (end == std::string::npos) {
+    const Outcome pass = StreamPass();
+    if (pass != Outcome::Line) return pass;
+    end = text.find('\n');
+    if (end == std::string::npos) return Outcome::Nothing;
+  }
+  std::string_view rest = text;
+  const std::string_view first = TakeLine(rest).value_or("").substr(0, buffer_.size());
+  std::copy(first.begin(), first.end(), buffer_.begin());
+  line = {buffer_.data(), first.size()};
+  text.erase(0, end + 1);
+  return Outcome::Line;
+}
+
+// Waits a little and takes what the buffer holds. Whoever is asked to stop while much is waiting
+// leaves it.
+LineSource::Outcome LineSource::StreamPass() {
+  connection_.clock.SleepMilliseconds(kStreamWaitMs);
+  std::size_t waiting = 0;
+  if (connection_.port->BytesWaiting(waiting) != PortError::None) return Outcome::Failed;
+  if (waiting > kStopAbove && connection_.stop != nullptr && connection_.stop->StopRequested()) {
+    return Outcome::Abandoned;
+  }
+  std::array<char, kStreamChunk> chunk;
+  const PortError error = connection_.port->Read(chunk, kReturnAtOnce);
+  if (error != PortError::None) return Outcome::Failed;
+  std::string& text = connection_.stream_text;
+  text.append(chunk.data(), connection_.port->lastCount());
+  if (text.size() > kStreamLimit) text.clear();  // no line end in all of it: not text
+  return Outcome::Line;
+}
+
+}  // namespace tarvex
