@@ -2,13 +2,16 @@
 // the next. The simulated receiver has no port.
 #pragma once
 
-#include <array>
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <string>
 
+#include "gnss/line_reader.h"
 #include "gnss/port.h"
 #include "gnss/position_finish.h"
 #include "gnss/position_state.h"
+#include "gnss/precision_order.h"
 #include "gnss/receiver_settings.h"
 #include "gnss/simulated_receiver.h"
 #include "platform/clock.h"
@@ -22,6 +25,8 @@ class LineListener {
   virtual void OnLine(std::string_view line) = 0;
 };
 
+inline constexpr std::int64_t kNoDeadline = std::numeric_limits<std::int64_t>::max();
+
 struct GnssConnection {
   Port* port = nullptr;  ///< not owned; open
   Clock& clock;
@@ -29,14 +34,26 @@ struct GnssConnection {
   PositionFinish* finish = nullptr;  ///< not owned; AcceptUsable when there is none
   StopRequest* stop = nullptr;       ///< not owned; asks a reading to end early
   LineListener* listener = nullptr;  ///< not owned
+  /// Steady clock: a reading is back half a second behind it at the latest, whatever comes in.
+  std::int64_t deadline_ms = kNoDeadline;
   SimulatedReceiver simulated{};
 
   // What a reading leaves for the next one.
   std::int32_t accepted_epoch_ms = kNoEpoch;
   std::int64_t last_read_at_ms = -1;
   std::int64_t last_request_at_ms = -1;
+  std::int64_t no_dop_request_before_ms = 0;
+  PrecisionOrder precision_order = PrecisionOrder::Unknown;
+  bool reconfigured = false;       ///< the last reading had to set the receiver up: read again
+  std::string returned_line = {};  ///< read, and given back for the next reading; empty: none
   std::string stream_text =
       {};  ///< received and not yet made into lines, of a stream-buffered make
+
+  /// `at_ms`, or the deadline when that is sooner; none when neither is one.
+  ReadDeadline DeadlineBy(std::int64_t at_ms = kNoDeadline) const {
+    const std::int64_t sooner = std::min(at_ms, deadline_ms);
+    return sooner == kNoDeadline ? ReadDeadline() : ReadDeadline(clock, sooner);
+  }
 
   bool ready() const { return port != nullptr && port->is_open(); }
   /// Nothing more comes: a recording is at its end, or the link is lost.
@@ -47,6 +64,8 @@ struct GnssConnection {
   void Reconnected() {
     last_read_at_ms = last_request_at_ms = -1;
     stream_text.clear();
+    returned_line.clear();
+    precision_order = PrecisionOrder::Unknown;
   }
 };
 

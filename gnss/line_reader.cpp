@@ -83,7 +83,8 @@ ReadLineStatus ReadByte(Port& port, LineBuffer& line) {
   return ReadLineStatus::PortFailed;
 }
 
-ReadLineResult ReadInto(Port& port, LineBuffer& line, Framing framing) {
+ReadLineResult ReadInto(Port& port, LineBuffer& line, Framing framing,
+                        const ReadDeadline& deadline) {
   while (!line.full()) {
     if (framing == Framing::TextLines && !port.Held().empty()) {
       bool complete = false;
@@ -91,7 +92,8 @@ ReadLineResult ReadInto(Port& port, LineBuffer& line, Framing framing) {
       if (complete) return {ReadLineStatus::Line, line.Finish(), true};
       continue;
     }
-    const ReadLineStatus status = ReadByte(port, line);
+    const ReadLineStatus status =
+        deadline.LongPassed() ? ReadLineStatus::TimedOut : ReadByte(port, line);
     if (status != ReadLineStatus::Line) {
       const bool last_line = port.end() == PortEnd::RecordingEnded && !line.empty();
       if (last_line) line.DropCarriageReturn();
@@ -111,7 +113,9 @@ ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeoutMs, Frami
   return ReadLineHolding(port, buffer, timeoutMs, framing);
 }
 
-ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeoutMs, Framing framing) {
+ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeoutMs, Framing framing,
+                               const ReadDeadline& deadline) {
+  timeoutMs = deadline.Within(timeoutMs);
   if (!buffer.empty()) buffer[0] = '\0';
   if (buffer.size() < 2) return {.status = ReadLineStatus::NoCapacity};
   if (port.SetReadTimeouts(timeoutMs, timeoutMs, 1) != PortError::None ||
@@ -119,7 +123,7 @@ ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeoutMs
     return {};
   }
   LineBuffer line(buffer, framing);
-  return ReadInto(port, line, framing);
+  return ReadInto(port, line, framing, deadline);
 }
 
 }  // namespace tarvex

@@ -2,10 +2,13 @@
 // over the bytes. A text line ends at LF; a CR before it is dropped, and so is the LF.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "gnss/port.h"
+#include "platform/clock.h"
 
 namespace tarvex {
 
@@ -35,14 +38,44 @@ struct [[nodiscard]] ReadLineResult {
   bool ok() const { return status == ReadLineStatus::Line; }
 };
 
+/// When reading has to come back, though bytes may still drip in.
+class ReadDeadline {
+ public:
+  /// None.
+  ReadDeadline() = default;
+  /// `at_ms` is of the steady clock.
+  ReadDeadline(Clock& clock, std::int64_t at_ms) : clock_(&clock), at_ms_(at_ms) {}
+
+  /// Whether nothing should be begun any more.
+  bool Passed() const { return clock_ != nullptr && clock_->SteadyMilliseconds() >= at_ms_; }
+  /// Whether a line that was begun in time should not be waited for either.
+  bool LongPassed() const {
+    constexpr std::int64_t kLineMs = 500;
+    return clock_ != nullptr && clock_->SteadyMilliseconds() >= at_ms_ + kLineMs;
+  }
+  /// A time-out that keeps the deadline, and leaves the bytes of a line time to follow each other.
+  int Within(int timeoutMs) const {
+    constexpr std::int64_t kShortestMs = 100;
+    if (clock_ == nullptr) return timeoutMs;
+    const std::int64_t left = std::max(at_ms_ - clock_->SteadyMilliseconds(), kShortestMs);
+    return static_cast<int>(std::min<std::int64_t>(left, timeoutMs));
+  }
+
+ private:
+  Clock* clock_ = nullptr;
+  std::int64_t at_ms_ = 0;
+};
+
 /// Reads one line or frame of at most buffer.size() - 1 characters; a longer one is handed out in
 /// pieces of that size. The buffer always ends with a NUL. The time-out starts anew with each byte.
 /// The last line of a recording may lack its line end; what a lost link cut off is no line.
 ReadLineResult ReadLine(Port& port, std::span<char> buffer, int timeoutMs,
                         Framing framing = Framing::TextLines);
 
-/// The same for a caller that already holds the port's busy flag.
+/// The same for a caller that already holds the port's busy flag. A line that has not ended half a
+/// second behind the deadline counts as timed out.
 ReadLineResult ReadLineHolding(Port& port, std::span<char> buffer, int timeoutMs,
-                               Framing framing = Framing::TextLines);
+                               Framing framing = Framing::TextLines,
+                               const ReadDeadline& deadline = {});
 
 }  // namespace tarvex

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "core/text.h"
-#include "gnss/line_reader.h"
 #include "gnss/sentences/sentence.h"
 
 namespace tarvex {
@@ -20,6 +19,25 @@ constexpr std::size_t kShortestStreamLine = 6;
 }  // namespace
 
 LineSource::Outcome LineSource::Next(std::string_view& line) {
+  if (Returned(line)) return Outcome::Line;
+  if (deadline_.Passed()) return Outcome::OutOfTime;
+  const Outcome outcome = Read(line);
+  if (outcome == Outcome::Line && connection_.listener != nullptr) {
+    connection_.listener->OnLine(line);
+  }
+  return outcome;
+}
+
+bool LineSource::Returned(std::string_view& line) {
+  std::string& returned = connection_.returned_line;
+  if (returned.empty()) return false;
+  std::copy(returned.begin(), returned.end(), buffer_.begin());
+  line = {buffer_.data(), returned.size()};
+  returned.clear();
+  return true;
+}
+
+LineSource::Outcome LineSource::Read(std::string_view& line) {
   return make_.reader == ReaderKind::StreamBuffered ? FromStream(line) : FromPort(line);
 }
 
@@ -34,10 +52,12 @@ std::string_view LineSource::LookAhead(std::string_view prefix) const {
 
 LineSource::Outcome LineSource::FromPort(std::string_view& line) {
   const ReadLineResult read =
-      ReadLineHolding(*connection_.port, buffer_, kLineTimeoutMs, make_.framing);
+      ReadLineHolding(*connection_.port, buffer_, kLineTimeoutMs, make_.framing, deadline_);
   line = read.text;
   if (!read.ok()) return Outcome::Failed;
-  return read.whole || ChecksumStands(line) ? Outcome::Line : Outcome::Nothing;
+  const bool whole =
+      read.whole || ChecksumStands(connection_.settings.resync ? SentenceIn(line) : line);
+  return whole ? Outcome::Line : Outcome::Nothing;
 }
 
 // The line is copied out of the text before it is taken.

@@ -6,6 +6,12 @@
 namespace tarvex {
 namespace {
 
+// The kind of the sentence that stands in a line.
+SentenceKind KindOfLine(std::string_view line, const ReceiverSettings& settings) {
+  return KindOf(settings.resync ? SentenceIn(line) : line, settings.any_talker);
+}
+
+// Whether the sentence that carries the position is the one that the settings chose.
 bool Selected(SentenceKind kind, const SentenceContext& context) {
   const PositionSentence chosen = context.settings.position;
   switch (kind) {
@@ -61,15 +67,18 @@ SentenceResult ReadByKind(SentenceKind kind, std::string_view line, SentenceKind
 
 class NmeaReading {
  public:
-  NmeaReading(GnssPositionState& state, GnssConnection& connection, const ReceiverMake& make)
+  NmeaReading(GnssPositionState& state, GnssConnection& connection, const ReceiverMake& make,
+              const ReadDeadline& deadline)
       : state_(state),
         connection_(connection),
         context_{.settings = connection.settings, .make = make},
-        source_(connection, make) {}
+        source_(connection, make, deadline),
+        lines_left_(connection.settings.line_budget > 0 ? connection.settings.line_budget
+                                                        : make.line_budget) {}
 
   GnssReadResult Run() {
     state_.dop_carried_over = true;
-    for (int line = 0; line < connection_.settings.line_budget; ++line) {
+    for (; lines_left_ > 0; --lines_left_) {
       std::string_view text;
       switch (source_.Next(text)) {
         case LineSource::Outcome::Line:
@@ -79,6 +88,7 @@ class NmeaReading {
         case LineSource::Outcome::Failed:
           return GnssReadResult::PortReadFailed;
         case LineSource::Outcome::Abandoned:
+        case LineSource::Outcome::OutOfTime:
           return GnssReadResult::NoPositionSentence;
       }
       GnssReadResult result{};
@@ -90,11 +100,11 @@ class NmeaReading {
  private:
   // True when the reading is over, with `result`.
   bool Take(std::string_view line, GnssReadResult& result) {
-    state_.sentence_read_at_ms = connection_.clock.SteadyMilliseconds();
-    if (connection_.listener != nullptr) connection_.listener->OnLine(line);
-    switch (TakeNmeaLine(line, context_, state_, previous_)) {
+    switch (TakeLine(line)) {
       case SentenceResult::Position:
         TakePrecisionAhead();
+        NoteOrder();
+        AwaitPrecision();
         result = GnssReadResult::Accepted;
         return true;
       case SentenceResult::NoFix:
@@ -110,6 +120,15 @@ class NmeaReading {
     return false;
   }
 
+  SentenceResult TakeLine(std::string_view line) {
+    state_.sentence_read_at_ms = connection_.clock.SteadyMilliseconds();
+    const SentenceResult result = TakeNmeaLine(line, context_, state_, previous_);
+    if (previous_ == SentenceKind::Gst && PrecisionIsOf(connection_.accepted_epoch_ms)) {
+      connection_.precision_order = PrecisionOrder::Behind;
+    }
+    return result;
+  }
+
   // A stream-buffered make has the precision of this epoch already in its text.
   void TakePrecisionAhead() {
     if (context_.make.reader != ReaderKind::StreamBuffered) return;
@@ -118,17 +137,70 @@ class NmeaReading {
     (void)ReadGst(line, context_, state_);
   }
 
+  bool PrecisionIsOf(std::int32_t epoch_ms) const {
+    return epoch_ms != kNoEpoch && state_.precision_epoch_ms == epoch_ms;
+  }
+
+  // What the position that has come says of the order of the sentences.
+  void NoteOrder() {
+    const std::int32_t before = connection_.accepted_epoch_ms;
+    if (PrecisionIsOf(state_.epoch_ms)) {
+      connection_.precision_order = PrecisionOrder::Before;
+    } else if (connection_.precision_order == PrecisionOrder::Unknown && before != kNoEpoch &&
+               before != state_.epoch_ms) {
+      connection_.precision_order = PrecisionOrder::None;
+    }
+  }
+
+  // Reads the epoch on to its precision, as far as the next position at most.
+  void AwaitPrecision() {
+    PrecisionOrder& order = connection_.precision_order;
+    if (!context_.settings.await_precision || context_.settings.no_rms) return;
+    if (order != PrecisionOrder::Unknown && order != PrecisionOrder::Behind) return;
+    const std::int32_t satellites = state_.satellites;  // those of the position stay
+    order = ReadOnToPrecision() ? PrecisionOrder::Behind : PrecisionOrder::None;
+    state_.satellites = satellites;
+  }
+
+  bool ReadOnToPrecision() {
+    for (; lines_left_ > 0; --lines_left_) {
+      std::string_view text;
+      const LineSource::Outcome outcome = source_.Next(text);
+      if (outcome == LineSource::Outcome::Nothing) continue;
+      if (outcome != LineSource::Outcome::Line) return false;
+      const SentenceKind kind = KindOfLine(text, context_.settings);
+      if (CarriesPosition(kind) && Selected(kind, context_)) {
+        source_.GiveBack(text);
+        return false;
+      }
+      const SentenceResult result = TakeLine(text);
+      const bool precision = kind == SentenceKind::Gst || kind == SentenceKind::Rre;
+      if (precision && result == SentenceResult::Read) return true;
+    }
+    return false;
+  }
+
   GnssPositionState& state_;
   GnssConnection& connection_;
   SentenceContext context_;
   LineSource source_;
+  int lines_left_;
   SentenceKind previous_ = SentenceKind::Other;
 };
+
+ReadDeadline DeadlineOf(const GnssConnection& connection, const ReceiverMake& make) {
+  const int budget = connection.settings.time_budget_ms > 0 ? connection.settings.time_budget_ms
+                                                            : make.time_budget_ms;
+  const std::int64_t by_budget =
+      budget > 0 ? connection.clock.SteadyMilliseconds() + budget : kNoDeadline;
+  return connection.DeadlineBy(by_budget);
+}
 
 }  // namespace
 
 SentenceResult TakeNmeaLine(std::string_view line, const SentenceContext& context,
                             GnssPositionState& state, SentenceKind& previous) {
+  if (context.settings.resync) line = SentenceIn(line);
   const SentenceKind kind = KindOf(line, context.settings.any_talker);
   const SentenceKind before = previous;
   previous = kind;
@@ -142,7 +214,7 @@ SentenceResult TakeNmeaLine(std::string_view line, const SentenceContext& contex
 
 GnssReadResult ReadNmeaPosition(GnssPositionState& state, GnssConnection& connection,
                                 const ReceiverMake& make) {
-  return NmeaReading(state, connection, make).Run();
+  return NmeaReading(state, connection, make, DeadlineOf(connection, make)).Run();
 }
 
 }  // namespace tarvex

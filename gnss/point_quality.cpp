@@ -62,6 +62,7 @@ std::string QualityBlockLines(const GnssPositionState& state, bool quality_inste
     AppendValue(text, "", "DATE", stamp->date, kBlock);
     AppendValue(text, "", "TIME", stamp->time, kBlock);
   }
+  if (!state.precision_known) AppendValue(text, "", "PRECISION", "UNKNOWN", kBlock);
   return text;
 }
 

@@ -23,7 +23,8 @@ std::string QualityComment(const GnssPositionState& state, bool quality_instead_
                            const std::optional<QualityStamp>& stamp = std::nullopt);
 
 /// The lines of a point-notes block behind its note lines: "HRMS,0.012\nVRMS,0.020\nSTATUS,FIXED\n"
-/// "SATS,12\nPDOP,1.4\n", and with a stamp "DATE,...\nTIME,...\n".
+/// "SATS,12\nPDOP,1.4\n", and with a stamp "DATE,...\nTIME,...\n". Where the receiver told no
+/// precision the two numbers say nothing, and a last line "PRECISION,UNKNOWN\n" says so.
 std::string QualityBlockLines(const GnssPositionState& state, bool quality_instead_of_rms,
                               const std::optional<QualityStamp>& stamp = std::nullopt);
 

@@ -77,6 +77,7 @@ class Port {
   void Skip(std::size_t count) { device_->Skip(count); }
 
   bool is_open() const { return device_->is_open(); }
+  bool is_recording() const { return device_->is_recording(); }
   /// What the last operation of the reading side found.
   PortEnd end() const { return end_; }
   const std::string& name() const { return name_; }

@@ -1,9 +1,11 @@
 #include "gnss/position_reader.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/string_table.h"
 #include "gnss/makes/ashtech_reading.h"
+#include "gnss/makes/dop_request.h"
 #include "gnss/makes/novatel_reading.h"
 #include "gnss/nmea_reading.h"
 #include "gnss/receiver_make.h"
@@ -14,14 +16,17 @@ namespace {
 constexpr int kFirstResultText = 3400;
 constexpr int kAcceptedText = 3420;
 constexpr std::int64_t kPiledUpAfterMs = 2000;
+constexpr std::int64_t kBetweenUnansweredMs = 10'000;
 
 // What came in while nobody read is a position of the past.
 PortError DropWhatPiledUp(GnssConnection& connection) {
   const std::int64_t last = connection.last_read_at_ms;
-  if (last < 0 || connection.clock.SteadyMilliseconds() - last <= kPiledUpAfterMs) {
+  if (connection.port->is_recording() || last < 0 ||
+      connection.clock.SteadyMilliseconds() - last <= kPiledUpAfterMs) {
     return PortError::None;
   }
   connection.stream_text.clear();
+  connection.returned_line.clear();
   return connection.port->PurgeInput();
 }
 
@@ -43,7 +48,11 @@ GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int 
     return GnssReadResult::Declined;
   }
   connection.accepted_epoch_ms = state.epoch_ms;
-  state.position_read_at_ms = connection.clock.SteadyMilliseconds();
+  const std::int64_t now_ms = connection.clock.SteadyMilliseconds();
+  if (state.positions > 0 && !state.repeated_epoch) {
+    state.position_interval_ms = now_ms - state.position_read_at_ms;
+  }
+  state.position_read_at_ms = now_ms;
   ++state.positions;
   return GnssReadResult::Accepted;
 }
@@ -78,14 +87,34 @@ GnssReadResult ReadByMake(GnssPositionState& state, GnssConnection& connection,
   return GnssReadResult::Accepted;
 }
 
+// A receiver that does not answer is left alone for a while.
+void AskForDop(GnssPositionState& state, GnssConnection& connection, const ReceiverMake& make) {
+  if (!connection.settings.request_dop || make.dop == DopSource::Streamed ||
+      !state.dop_carried_over ||
+      connection.clock.SteadyMilliseconds() < connection.no_dop_request_before_ms) {
+    return;
+  }
+  const std::int32_t satellites = state.satellites;  // those of the position stay
+  if (RequestDop(state, connection, make.code) == GnssReadResult::Accepted) {
+    state.dop_carried_over = false;
+  } else {
+    connection.no_dop_request_before_ms =
+        connection.clock.SteadyMilliseconds() + kBetweenUnansweredMs;
+  }
+  state.satellites = satellites;
+}
+
 }  // namespace
 
 GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connection,
                                 int receiverType) {
+  const ReceiverMake& make = FindMake(receiverType);
   state.reading = 1;
-  GnssReadResult result = ReadByMake(state, connection, FindMake(receiverType));
+  connection.reconfigured = false;
+  GnssReadResult result = ReadByMake(state, connection, make);
   if (result == GnssReadResult::Accepted) result = Validate(state);
   if (result == GnssReadResult::Accepted) result = Finish(state, connection, receiverType);
+  if (result == GnssReadResult::Accepted) AskForDop(state, connection, make);
   state.lastResult = static_cast<std::int32_t>(result);
   state.reading = 0;
   return result;
@@ -97,10 +126,38 @@ std::string ResultSentence(GnssReadResult result) {
   return Strings().Text(text);
 }
 
+std::string ResultSentence(GnssReadResult result, const GnssConnection& connection) {
+  constexpr int kEllipsoidHeightsText = 3410;
+  constexpr int kLinkLostText = 3411;
+  constexpr int kLogEndedText = 3412;
+  if (result == GnssReadResult::InvalidData && connection.reconfigured) {
+    return Strings().Text(kEllipsoidHeightsText);
+  }
+  if (result == GnssReadResult::PortReadFailed && connection.ended()) {
+    return Strings().Text(connection.link_lost() ? kLinkLostText : kLogEndedText);
+  }
+  return ResultSentence(result);
+}
+
 std::string OriginSentence(PositionOrigin origin) {
   constexpr int kFirstOriginText = 3430;
   if (origin == PositionOrigin::Measured) return {};
   return Strings().Text(kFirstOriginText + static_cast<int>(origin));
+}
+
+std::string HeightSentence(const GnssPositionState& state) {
+  constexpr int kNoHeightText = 3434;
+  constexpr int kNoSeparationText = 3435;
+  if (!state.height_known) return Strings().Text(kNoHeightText);
+  return state.separation_known ? std::string() : Strings().Text(kNoSeparationText);
+}
+
+bool PrecisionMayFollow(const GnssPositionState& state, const GnssConnection& connection,
+                        int receiverType) {
+  const ReaderKind reader = FindMake(receiverType).reader;
+  return (reader == ReaderKind::Nmea || reader == ReaderKind::StreamBuffered) &&
+         !connection.settings.no_rms && !state.precision_known &&
+         connection.precision_order == PrecisionOrder::Unknown;
 }
 
 std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock) {
@@ -110,8 +167,15 @@ std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock) {
 
 bool NextSentenceIsDue(GnssReadResult result, const GnssPositionState& state, Clock& clock) {
   constexpr std::int64_t kSilenceMs = 3000;
-  const std::int64_t silent_ms = SilentForMs(state, clock);
-  return result == GnssReadResult::PortReadFailed && silent_ms >= 0 && silent_ms < kSilenceMs;
+  constexpr std::int64_t kLongestMs = 90'000;
+  const std::int64_t due_ms =
+      std::min(std::max(kSilenceMs, state.position_interval_ms * 3 / 2), kLongestMs);
+  if (result == GnssReadResult::PortReadFailed) {
+    const std::int64_t silent_ms = SilentForMs(state, clock);
+    return silent_ms >= 0 && silent_ms < due_ms;
+  }
+  return result == GnssReadResult::NoPositionSentence && state.position_read_at_ms != 0 &&
+         clock.SteadyMilliseconds() - state.position_read_at_ms < due_ms;
 }
 
 }  // namespace tarvex

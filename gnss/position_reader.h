@@ -27,17 +27,29 @@ enum class [[nodiscard]] GnssReadResult : int{
 GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connection,
                                 int receiverType);
 
-/// The sentence for people.
+/// The sentence for people; with the connection it tells apart what a number does not: a link that
+/// is lost, a log that has ended, a receiver that was set up.
 std::string ResultSentence(GnssReadResult result);
+std::string ResultSentence(GnssReadResult result, const GnssConnection& connection);
 
 /// What a person should know of a position that was not measured; empty when it was.
 std::string OriginSentence(PositionOrigin origin);
 
+/// What a person should know of a height that is not one above the ellipsoid; empty when it is.
+std::string HeightSentence(const GnssPositionState& state);
+
+/// Whether the precision of the position that was just read may still come: no whole epoch of this
+/// receiver has been seen yet, and many send GST behind their position. Whoever stores a point as
+/// well measured as it is waits for one more epoch.
+bool PrecisionMayFollow(const GnssPositionState& state, const GnssConnection& connection,
+                        int receiverType);
+
 /// Milliseconds since the receiver sent anything at all; -1 before the first line.
 std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock);
 
-/// Whether a reading came to nothing only because the next sentence of a receiver that sends once a
-/// second is a moment late: nothing that a person need be told.
+/// Whether a reading came to nothing only because the next position is not due yet, or a moment
+/// late, at the pace that the receiver has shown (once a second until then): nothing that a person
+/// need be told.
 bool NextSentenceIsDue(GnssReadResult result, const GnssPositionState& state, Clock& clock);
 
 }  // namespace tarvex

@@ -44,6 +44,7 @@ struct GnssPositionState {
   double longitude = 0.0;            ///< decimal degrees, east positive
   double height = 0.0;               ///< above the ellipsoid, metres
   bool height_known = false;         ///< the position came with a height; without one it reads as 0
+  bool separation_known = true;      ///< a height above the geoid came with its separation
   double geoid_separation = 0.0;     ///< as the receiver gave it with the position, metres
   double correctionAge = 0.0;        ///< seconds; of the makes that are read for it
   double age_of_corrections = -1.0;  ///< seconds, of any make that tells it; negative: not told
@@ -55,14 +56,15 @@ struct GnssPositionState {
   // sentence carried none.
   std::int32_t epoch_ms = kNoEpoch;            ///< of the position
   std::int32_t precision_epoch_ms = kNoEpoch;  ///< of hrms and vrms
-  bool repeated_epoch = false;           ///< this reading has the epoch of the one accepted before
-  bool precision_known = false;          ///< the last precision sentence carried numbers
-  bool precision_carried_over = false;   ///< hrms and vrms are of another epoch than the position
-  bool dop_carried_over = false;         ///< no satellite sentence since the position before
-  std::int64_t position_read_at_ms = 0;  ///< steady clock; 0 before the first position
-  std::int64_t sentence_read_at_ms = 0;  ///< steady clock, any line at all; 0 before the first
-  std::uint64_t positions = 0;           ///< accepted so far
-  std::uint64_t bad_checksums = 0;       ///< sentences left out because of their checksum
+  bool repeated_epoch = false;            ///< this reading has the epoch of the one accepted before
+  bool precision_known = false;           ///< the last precision sentence carried numbers
+  bool precision_carried_over = false;    ///< hrms and vrms are of another epoch than the position
+  bool dop_carried_over = false;          ///< no satellite sentence since the position before
+  std::int64_t position_read_at_ms = 0;   ///< steady clock; 0 before the first position
+  std::int64_t position_interval_ms = 0;  ///< between the last two epochs; 0 before the second
+  std::int64_t sentence_read_at_ms = 0;   ///< steady clock, any line at all; 0 before the first
+  std::uint64_t positions = 0;            ///< accepted so far
+  std::uint64_t bad_checksums = 0;        ///< sentences left out because of their checksum
 };
 
 }  // namespace tarvex

@@ -7,8 +7,7 @@
 namespace tarvex {
 namespace {
 
-// Everything that receivers of today send. An epoch of one with four satellite systems is about 35
-// lines, two of them satisfy the budget.
+// Everything that receivers of today send.
 constexpr ReceiverSettings kAnyNmea = {.any_talker = true,
                                        .skip_empty = true,
                                        .gll_status = true,
@@ -16,15 +15,23 @@ constexpr ReceiverSettings kAnyNmea = {.any_talker = true,
                                        .ggk_published_quality = true,
                                        .gns_best_mode = true,
                                        .checksum = true,
-                                       .line_budget = 80};
+                                       .resync = true,
+                                       .await_precision = true};
 
-constexpr ReceiverSettings kStreamBuffered = {.line_budget = 30};
+// An epoch of a receiver with four satellite systems is about 35 lines; two of them are the budget.
+constexpr int kAnyNmeaLines = 80;
+constexpr int kAnyNmeaMs = 3000;
+constexpr int kStreamLines = 30;
+
+constexpr ReceiverSettings kAsksForDop = {.request_dop = true};
 
 constexpr std::array kMakes = {
     ReceiverMake{.code = kMakeNmea, .name = "nmea", .description = "NMEA receiver ($GP sentences)"},
     ReceiverMake{.code = kMakeAnyNmea,
                  .name = "any-nmea",
                  .description = "NMEA receiver of today (any talker, checksums verified)",
+                 .line_budget = kAnyNmeaLines,
+                 .time_budget_ms = kAnyNmeaMs,
                  .settings = kAnyNmea},
     ReceiverMake{.code = kMakeSimulated,
                  .name = "simulated",
@@ -47,27 +54,31 @@ constexpr std::array kMakes = {
                  .name = "stream",
                  .description = "NMEA through a stream buffer",
                  .reader = ReaderKind::StreamBuffered,
-                 .settings = kStreamBuffered},
+                 .line_budget = kStreamLines},
     ReceiverMake{.code = kMakeNovAtel,
                  .name = "novatel",
                  .description = "NovAtel (BESTPOSA on request)",
                  .reader = ReaderKind::NovAtel,
-                 .dop = DopSource::Psrdop},
+                 .dop = DopSource::Psrdop,
+                 .settings = kAsksForDop},
     ReceiverMake{.code = kMakeNovAtelUser,
                  .name = "novatel-user",
                  .description = "NovAtel with UNDULATION USER",
                  .reader = ReaderKind::NovAtel,
-                 .dop = DopSource::Dop},
+                 .dop = DopSource::Dop,
+                 .settings = kAsksForDop},
     ReceiverMake{.code = kMakeNovAtelGsa,
                  .name = "novatel-gsa",
                  .description = "NovAtel commands, DOP by GPGSA on request",
                  .reader = ReaderKind::NovAtel,
-                 .dop = DopSource::GsaOnce},
+                 .dop = DopSource::GsaOnce,
+                 .settings = kAsksForDop},
     ReceiverMake{.code = kMakeAshtech,
                  .name = "ashtech",
                  .description = "Ashtech (position on request)",
                  .reader = ReaderKind::Ashtech,
-                 .dop = DopSource::Pbn},
+                 .dop = DopSource::Pbn,
+                 .settings = kAsksForDop},
     ReceiverMake{.code = kMakeQuality,
                  .name = "nmea-quality",
                  .description = "NMEA receiver that reports quality instead of RMS",

@@ -8,12 +8,19 @@
 namespace tarvex {
 namespace {
 
-constexpr long long kLongestBudget = 1000;
+constexpr long long kMostLines = 1000;
+constexpr long long kEverySystem = 63;
+constexpr long long kLastAshtechModel = 6;
+constexpr long long kLongestReadingMs = 60'000;
 
 struct Setting {
   std::string_view key;
+  std::string_view values;
   bool (*set)(std::string_view value, ReceiverSettings& settings);
 };
+
+constexpr std::string_view kSwitch = "0 or 1";
+constexpr std::string_view kNumber = "a whole number";
 
 bool SetPosition(std::string_view text, ReceiverSettings& settings) {
   const auto value = ParseInteger(text);
@@ -47,10 +54,11 @@ bool SetSwitch(std::string_view text, ReceiverSettings& settings) {
   return value == 0 || value == 1;
 }
 
-bool SetBudget(std::string_view text, ReceiverSettings& settings) {
+template <int ReceiverSettings::*kField, long long kMost>
+bool SetUpTo(std::string_view text, ReceiverSettings& settings) {
   const auto value = ParseInteger(text);
-  if (!value || *value < 1 || *value > kLongestBudget) return false;
-  settings.line_budget = static_cast<int>(*value);
+  if (!value || *value < 0 || *value > kMost) return false;
+  settings.*kField = static_cast<int>(*value);
   return true;
 }
 
@@ -77,41 +85,66 @@ bool SetAshtechPort(std::string_view text, ReceiverSettings& settings) {
 }
 
 constexpr std::array kSettings = {
-    Setting{"nmea_pos", SetPosition},
-    Setting{"nmea_sat", SetNumber<&ReceiverSettings::satellite_family>},
-    Setting{"bNMEA_noRMS", SetSwitch<&ReceiverSettings::no_rms>},
-    Setting{"sokAx3DiffChoice", SetNumber<&ReceiverSettings::differential_choice>},
-    Setting{"nmea_any_talker", SetSwitch<&ReceiverSettings::any_talker>},
-    Setting{"nmea_skip_empty", SetSwitch<&ReceiverSettings::skip_empty>},
-    Setting{"gll_status", SetSwitch<&ReceiverSettings::gll_status>},
-    Setting{"ggk_published_layout", SetSwitch<&ReceiverSettings::ggk_published_layout>},
-    Setting{"ggk_published_quality", SetSwitch<&ReceiverSettings::ggk_published_quality>},
-    Setting{"gns_best_mode", SetSwitch<&ReceiverSettings::gns_best_mode>},
-    Setting{"nmea_checksum", SetSwitch<&ReceiverSettings::checksum>},
-    Setting{"nmea_line_budget", SetBudget},
-    Setting{"novatel_zero_undulation", SetSwitch<&ReceiverSettings::zero_undulation>},
-    Setting{"novatel_user_datum", SetSwitch<&ReceiverSettings::omnistar_user_datum>},
-    Setting{"receiver_port", SetReceiverPort},
-    Setting{"ashtech_model", SetNumber<&ReceiverSettings::ashtech_model>},
-    Setting{"ashtech_variant", SetNumber<&ReceiverSettings::ashtech_variant>},
-    Setting{"ashtech_port", SetAshtechPort},
-    Setting{"ashtech_skip_retry", SetSwitch<&ReceiverSettings::ashtech_skip_retry>},
-    Setting{"bSendGGA", SetSwitch<&ReceiverSettings::send_gga>},
-    Setting{"bGPSRover_SendGGA", SetSwitch<&ReceiverSettings::rover_send_gga>},
-    Setting{"gga_interval", SetGgaInterval},
+    Setting{"nmea_pos", "1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ or 32 PTNL,GGK", SetPosition},
+    Setting{"nmea_sat", "0, or the sum of 1 GPS, 2 GLONASS, 4 Galileo, 8 BeiDou, 16 QZSS, 32 NavIC",
+            SetUpTo<&ReceiverSettings::satellite_family, kEverySystem>},
+    Setting{"bNMEA_noRMS", kSwitch, SetSwitch<&ReceiverSettings::no_rms>},
+    Setting{"sokAx3DiffChoice", kNumber, SetNumber<&ReceiverSettings::differential_choice>},
+    Setting{"nmea_any_talker", kSwitch, SetSwitch<&ReceiverSettings::any_talker>},
+    Setting{"nmea_skip_empty", kSwitch, SetSwitch<&ReceiverSettings::skip_empty>},
+    Setting{"gll_status", kSwitch, SetSwitch<&ReceiverSettings::gll_status>},
+    Setting{"ggk_published_layout", kSwitch, SetSwitch<&ReceiverSettings::ggk_published_layout>},
+    Setting{"ggk_published_quality", kSwitch, SetSwitch<&ReceiverSettings::ggk_published_quality>},
+    Setting{"gns_best_mode", kSwitch, SetSwitch<&ReceiverSettings::gns_best_mode>},
+    Setting{"nmea_checksum", kSwitch, SetSwitch<&ReceiverSettings::checksum>},
+    Setting{"nmea_resync", kSwitch, SetSwitch<&ReceiverSettings::resync>},
+    Setting{"nmea_await_precision", kSwitch, SetSwitch<&ReceiverSettings::await_precision>},
+    Setting{"nmea_line_budget", "0 to 1000 lines",
+            SetUpTo<&ReceiverSettings::line_budget, kMostLines>},
+    Setting{"nmea_time_budget", "0 to 60000 milliseconds",
+            SetUpTo<&ReceiverSettings::time_budget_ms, kLongestReadingMs>},
+    Setting{"novatel_zero_undulation", kSwitch, SetSwitch<&ReceiverSettings::zero_undulation>},
+    Setting{"novatel_user_datum", kSwitch, SetSwitch<&ReceiverSettings::omnistar_user_datum>},
+    Setting{"receiver_port", "a name of 1 to 15 letters", SetReceiverPort},
+    Setting{"dop_on_request", kSwitch, SetSwitch<&ReceiverSettings::request_dop>},
+    Setting{"ashtech_model", "0 to 6",
+            SetUpTo<&ReceiverSettings::ashtech_model, kLastAshtechModel>},
+    Setting{"ashtech_variant", "0 or 1", SetUpTo<&ReceiverSettings::ashtech_variant, 1>},
+    Setting{"ashtech_port", "a letter", SetAshtechPort},
+    Setting{"ashtech_skip_retry", kSwitch, SetSwitch<&ReceiverSettings::ashtech_skip_retry>},
+    Setting{"bSendGGA", kSwitch, SetSwitch<&ReceiverSettings::send_gga>},
+    Setting{"bGPSRover_SendGGA", kSwitch, SetSwitch<&ReceiverSettings::rover_send_gga>},
+    Setting{"gga_interval", "1 to 3600 seconds", SetGgaInterval},
 };
+
+const Setting* Find(std::string_view key) {
+  for (const Setting& setting : kSettings) {
+    if (setting.key == key) return &setting;
+  }
+  return nullptr;
+}
 
 }  // namespace
 
-bool SetReceiverSetting(std::string_view key, std::string_view value, ReceiverSettings& settings) {
-  for (const Setting& setting : kSettings) {
-    if (setting.key != key) continue;
-    ReceiverSettings changed = settings;
-    if (!setting.set(value, changed)) return false;
-    settings = changed;
-    return true;
-  }
-  return false;
+SettingResult SetReceiverSetting(std::string_view key, std::string_view value,
+                                 ReceiverSettings& settings) {
+  const Setting* const setting = Find(key);
+  if (setting == nullptr) return SettingResult::UnknownKey;
+  ReceiverSettings changed = settings;
+  if (!setting->set(value, changed)) return SettingResult::NotAValue;
+  settings = changed;
+  return SettingResult::Set;
+}
+
+std::string_view SettingValues(std::string_view key) {
+  const Setting* const setting = Find(key);
+  return setting == nullptr ? std::string_view() : setting->values;
+}
+
+std::vector<std::string_view> SettingKeys() {
+  std::vector<std::string_view> keys;
+  for (const Setting& setting : kSettings) keys.push_back(setting.key);
+  return keys;
 }
 
 void ReadReceiverSettings(std::string_view text, ReceiverSettings& settings) {

@@ -1,8 +1,8 @@
 // The settings of a receiver, one key=value line each in the GNSS settings file:
 //   nmea_pos               which sentence carries the position (PositionSentence)
-//   nmea_sat               sentence family of the satellite view
-//   bNMEA_noRMS            1: the receiver sends no precision sentence
-//   sokAx3DiffChoice       differential source of the Hemisphere family; 4 reads $RD1
+//   nmea_sat               satellite systems of the satellite view, added up (SatelliteSystem); 0:
+//   all bNMEA_noRMS            1: the receiver sends no precision sentence: none is waited for or
+//   missed sokAx3DiffChoice       differential source of the Hemisphere family; 4 reads $RD1
 //   nmea_any_talker        1: any talker for GGA, GLL, GNS, GST and GSA ($GN, $GL, $GA, $GB ...)
 //   nmea_skip_empty        1: a GGA or GNS with empty position and quality is left out
 //   gll_status             1: a GLL of status V is no fix
@@ -10,10 +10,15 @@
 //   ggk_published_quality  1: $PTNL,GGK quality codes by their published meaning
 //   gns_best_mode          1: the best letter of a GNS mode counts, not the first
 //   nmea_checksum          1: a sentence whose checksum is wrong is left out and counted
-//   nmea_line_budget       lines read for one position before giving up
+//   nmea_resync            1: a sentence begins at the last '$' of its line, whatever stands before
+//                          it, and ends before the blanks behind it
+//   nmea_await_precision   1: an epoch is read on to its precision where that follows the position
+//   nmea_line_budget       lines read for one position before giving up; 0: as the make has it
+//   nmea_time_budget       milliseconds of the same; 0: as the make has it
 //   novatel_zero_undulation  1: the receiver must send ellipsoid heights, and is told so
 //   novatel_user_datum     1: the coordinate system needs the user datum for OMNISTAR_HP solutions
 //   receiver_port          the receiver's own name of the port we are on (THISPORT), for NovAtel
+//   dop_on_request         1: DOPs that come with no position are asked for, where the make can be
 //   ashtech_model          0 to 6; 0, 3, 4, 5 and 6 answer with $PASHR,POS, the others with GGA
 //   ashtech_variant        1: the variant of model 2 that answers with $PASHR,POS
 //   ashtech_port           letter of the receiver's port
@@ -24,6 +29,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "core/fixed_text.h"
 #include "core/units.h"
@@ -37,6 +43,16 @@ enum class PositionSentence : int {
   Ggk = 8,
   Ggq = 16,
   PtnlGgk = 32,
+};
+
+/// The satellite systems of nmea_sat.
+enum SatelliteSystem : int {
+  kSatelliteGps = 1,
+  kSatelliteGlonass = 2,
+  kSatelliteGalileo = 4,
+  kSatelliteBeiDou = 8,
+  kSatelliteQzss = 16,
+  kSatelliteNavIc = 32,
 };
 
 inline constexpr int kReadRd1 = 4;  ///< sokAx3DiffChoice
@@ -53,7 +69,11 @@ struct ReceiverSettings {
   bool ggk_published_quality = false;
   bool gns_best_mode = false;
   bool checksum = false;
-  int line_budget = 15;
+  bool resync = false;
+  bool await_precision = false;
+  bool request_dop = false;
+  int line_budget = 0;     ///< 0: the make's
+  int time_budget_ms = 0;  ///< 0: the make's
   bool zero_undulation = true;
   bool omnistar_user_datum = false;
   FixedText<15> receiver_port = {};  ///< empty: THISPORT
@@ -75,8 +95,16 @@ struct ReceiverSettings {
 /// Takes the lines of a settings text; unknown keys and values out of range are skipped.
 void ReadReceiverSettings(std::string_view text, ReceiverSettings& settings);
 
-/// Takes one setting; false when the key is unknown or the value is none of the key's values.
-[[nodiscard]] bool SetReceiverSetting(std::string_view key, std::string_view value,
-                                      ReceiverSettings& settings);
+enum class [[nodiscard]] SettingResult{Set, UnknownKey, NotAValue};
+
+/// Takes one setting; nothing is changed unless it is set.
+SettingResult SetReceiverSetting(std::string_view key, std::string_view value,
+                                 ReceiverSettings& settings);
+
+/// The values that a key takes, for people ("0 or 1"); empty when the key is unknown.
+std::string_view SettingValues(std::string_view key);
+
+/// Every key, in the order of the list above.
+std::vector<std::string_view> SettingKeys();
 
 }  // namespace tarvex

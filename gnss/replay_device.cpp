@@ -24,6 +24,7 @@ class ReplayDevice final : public ByteDevice {
     return {};
   }
   bool is_open() const override { return file_ != nullptr; }
+  bool is_recording() const override { return true; }
 
   DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
     timeouts = timeouts_;

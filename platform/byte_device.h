@@ -73,6 +73,8 @@ class ByteDevice {
   virtual DeviceStatus Open(const std::string& name) = 0;
   virtual DeviceStatus Close() = 0;
   virtual bool is_open() const = 0;
+  /// What it has to say waits for whoever reads it: nothing of it grows old.
+  virtual bool is_recording() const { return false; }
 
   virtual DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) = 0;
   virtual DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) = 0;

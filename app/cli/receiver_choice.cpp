@@ -14,6 +14,33 @@ void NameDevice(const Settings& job_settings, PortAddress& address) {
   address.target = job_settings.GetOr(key, address.target);
 }
 
+ExitCode TakeSetting(const std::string& entered, Program& program, ReceiverSettings& settings) {
+  const std::size_t equals = std::min(entered.find('='), entered.size());
+  const std::string key = entered.substr(0, equals);
+  const std::string value = entered.substr(std::min(equals + 1, entered.size()));
+  switch (SetReceiverSetting(key, value, settings)) {
+    case SettingResult::Set:
+      return ExitCode::Done;
+    case SettingResult::NotAValue:
+      return program.Misuse("\"" + entered + "\": " + key + " takes " +
+                            std::string(SettingValues(key)) + ".");
+    case SettingResult::UnknownKey:
+      break;
+  }
+  std::string keys;
+  for (const std::string_view known : SettingKeys()) keys += " " + std::string(known);
+  return program.Misuse("There is no receiver setting \"" + key + "\"; there are:" + keys + ".");
+}
+
+const ReceiverMake* MakeOf(const std::string& name, Program& program) {
+  const ReceiverMake* const make = FindMake(name);
+  if (make != nullptr) return make;
+  std::string names;
+  for (const ReceiverMake& known : ReceiverMakes()) names += " " + std::string(known.name);
+  (void)program.Misuse("There is no receiver make \"" + name + "\"; there are:" + names + ".");
+  return nullptr;
+}
+
 }  // namespace
 
 CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice) {
@@ -35,15 +62,10 @@ ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settin
   receiver.make_code = receiver.address.kind == PortKind::Simulated ? kMakeSimulated : kMakeAnyNmea;
   const std::string make_name =
       choice.make.empty() ? job_settings.GetOr("receiver_make", "") : choice.make;
-  if (!make_name.empty() && receiver.address.kind != PortKind::Simulated) {
-    const ReceiverMake* make = FindMake(make_name);
-    if (make == nullptr) {
-      std::string names;
-      for (const ReceiverMake& known : ReceiverMakes()) names += " " + std::string(known.name);
-      return program.Misuse("There is no receiver make \"" + make_name + "\"; there are:" + names +
-                            ".");
-    }
-    receiver.make_code = make->code;
+  if (!make_name.empty()) {
+    const ReceiverMake* const make = MakeOf(make_name, program);
+    if (make == nullptr) return ExitCode::WrongUse;
+    if (receiver.address.kind != PortKind::Simulated) receiver.make_code = make->code;
   }
   receiver.settings = FindMake(receiver.make_code).settings;
   ReadReceiverSettings(job_settings.Text(), receiver.settings);
@@ -51,11 +73,10 @@ ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settin
   if (choice.position_sentence != 0)
     entered.push_back("nmea_pos=" + std::to_string(choice.position_sentence));
   for (const std::string& setting : entered) {
-    const std::size_t equals = std::min(setting.find('='), setting.size());
-    const std::string value = setting.substr(std::min(equals + 1, setting.size()));
-    if (SetReceiverSetting(setting.substr(0, equals), value, receiver.settings)) continue;
-    return program.Misuse("\"" + setting +
-                          "\" is no receiver setting; docs/receivers.md lists them.");
+    if (const ExitCode code = TakeSetting(setting, program, receiver.settings);
+        code != ExitCode::Done) {
+      return code;
+    }
   }
   return ExitCode::Done;
 }

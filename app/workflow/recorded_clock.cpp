@@ -35,6 +35,13 @@ LocalTime TimeOf(std::int64_t seconds) {
           .second = of_day % 60};
 }
 
+// Forward over midnight, or back when that is not far: receivers settle, and logs are joined.
+std::int32_t StepBetween(std::int32_t before_ms, std::int32_t epoch_ms) {
+  constexpr std::int32_t kFarthestBackMs = 3'600'000;
+  const std::int32_t step = (epoch_ms - before_ms + kDayMs) % kDayMs;
+  return step >= kDayMs - kFarthestBackMs ? step - kDayMs : step;
+}
+
 }  // namespace
 
 RecordedClock::RecordedClock(Clock& clock, const LocalTime& start)
@@ -42,7 +49,7 @@ RecordedClock::RecordedClock(Clock& clock, const LocalTime& start)
 
 void RecordedClock::Follow(std::int32_t epoch_ms) {
   if (epoch_ms == kNoEpoch) return;
-  if (last_epoch_ms_ != kNoEpoch) passed_ms_ += (epoch_ms - last_epoch_ms_ + kDayMs) % kDayMs;
+  if (last_epoch_ms_ != kNoEpoch) passed_ms_ += StepBetween(last_epoch_ms_, epoch_ms);
   last_epoch_ms_ = epoch_ms;
 }
 

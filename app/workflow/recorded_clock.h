@@ -16,7 +16,8 @@ class RecordedClock final : public Clock {
   RecordedClock(Clock& clock, const LocalTime& start);
 
   /// Goes on to an epoch (UTC milliseconds of the day) of the recording; the first one is the
-  /// start.
+  /// start. A receiver's time that steps back by less than an hour steps back; by more, it is that
+  /// of the next day.
   void Follow(std::int32_t epoch_ms);
 
   LocalTime Now() override;

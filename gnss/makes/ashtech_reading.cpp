@@ -42,6 +42,7 @@ class AshtechReading {
 
   GnssReadResult Run() {
     ClearInput();
+    state_.dop_carried_over = true;
     return AnswersWithPos(connection_.settings) ? RunPos() : RunGga();
   }
 
@@ -57,8 +58,8 @@ class AshtechReading {
   }
 
   std::string_view Line(int timeout_ms) {
-    const ReadLineResult read =
-        ReadLineHolding(*connection_.port, buffer_, timeout_ms, Framing::TextLines);
+    const ReadLineResult read = ReadLineHolding(*connection_.port, buffer_, timeout_ms,
+                                                Framing::TextLines, connection_.DeadlineBy());
     if (!read.ok() || !read.whole) return {};
     if (connection_.listener != nullptr) connection_.listener->OnLine(read.text);
     state_.sentence_read_at_ms = connection_.clock.SteadyMilliseconds();

@@ -79,12 +79,14 @@ GnssReadResult ReadPashrPos(std::string_view line, int model, GnssPositionState&
   TakeAngles(tokens, 6, state);
   state.height = tokens.Number(10);
   state.height_known = true;
+  state.separation_known = true;
   state.geoid_separation = 0.0;
   const std::size_t dop = model == kModelWithVelocity ? 15 : 14;
   if (tokens.count() >= dop + 2) {
     state.pdop = tokens.Number(dop);
     state.hdop = tokens.Number(dop + 1);
     state.vdop = tokens.Number(dop + 2);
+    state.dop_carried_over = false;
   }
   return GnssReadResult::Accepted;
 }
@@ -101,6 +103,7 @@ GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ell
   state.hdop = tokens.Number(9);
   state.height = HeightInMetres(tokens, 10, unit);
   state.height_known = true;
+  state.separation_known = true;
   state.geoid_separation = HeightInMetres(tokens, 12, unit);
   if (!ellipsoid_height) state.height += state.geoid_separation;
   return GnssReadResult::Accepted;

@@ -82,6 +82,7 @@ bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, 
   state.satellites = NmeaInteger(field);
   state.age_of_corrections = state.correctionAge;
   state.height_known = true;
+  state.separation_known = true;
   return true;
 }
 

@@ -38,6 +38,7 @@ bool Set(GnssConnection& connection, std::string_view command) {
 GnssReadResult SwitchUndulationOff(GnssConnection& connection, const ReceiverMake& make) {
   const std::string_view command =
       make.code == kMakeNovAtelUser ? "UNDULATION USER 0.0" : "UNDULATION 0.0";
+  connection.reconfigured = true;
   return Set(connection, command) ? GnssReadResult::InvalidData : GnssReadResult::PortReadFailed;
 }
 
@@ -68,7 +69,10 @@ std::string LogRequest(const GnssConnection& connection) {
 
 GnssReadResult ReadNovAtelPosition(GnssPositionState& state, GnssConnection& connection,
                                    const ReceiverMake& make) {
+  state.dop_carried_over = true;
   WaitForNextRequest(connection);
+  // An answer that came too late must not be taken for the next one.
+  (void)connection.port->PurgeInput();
   if (!SendCommand(connection, LogRequest(connection))) {
     return GnssReadResult::PortReadFailed;
   }

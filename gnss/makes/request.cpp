@@ -25,8 +25,8 @@ ReplyStatus AwaitReply(GnssConnection& connection, std::string_view wanted, int 
   for (int line = 0; line < kMostLines; ++line) {
     const std::int64_t left = until - connection.clock.SteadyMilliseconds();
     if (left <= 0) break;
-    const ReadLineResult read =
-        ReadLineHolding(*connection.port, buffer, static_cast<int>(left), Framing::TextLines);
+    const ReadLineResult read = ReadLineHolding(*connection.port, buffer, static_cast<int>(left),
+                                                Framing::TextLines, connection.DeadlineBy(until));
     if (read.status == ReadLineStatus::TimedOut) break;
     if (!read.ok()) return ReplyStatus::PortFailed;
     if (!read.whole) continue;
@@ -41,7 +41,8 @@ ReplyStatus AwaitReply(GnssConnection& connection, std::string_view wanted, int 
 
 void TakeAnswer(GnssConnection& connection) {
   std::array<char, kAnswerCapacity> buffer;
-  (void)ReadLineHolding(*connection.port, buffer, kAnswerTimeoutMs, Framing::TextLines);
+  (void)ReadLineHolding(*connection.port, buffer, kAnswerTimeoutMs, Framing::TextLines,
+                        connection.DeadlineBy());
 }
 
 }  // namespace tarvex

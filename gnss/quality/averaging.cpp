@@ -56,15 +56,20 @@ bool PositionAverage::Add(const GnssPositionState& state, DistanceUnit unit) {
   worst_.solutionType = Worse(worst_.solutionType, state.solutionType);
   worst_.satellites = std::min(worst_.satellites, state.satellites);
   worst_.pdop = std::max(worst_.pdop, state.pdop);
-  worst_.precision_known = worst_.precision_known && state.precision_known;
+  worst_.height_known = worst_.height_known && state.height_known;
+  worst_.separation_known = worst_.separation_known && state.separation_known;
+  worst_.precision_carried_over = worst_.precision_carried_over || state.precision_carried_over;
   worst_.epoch_ms = state.epoch_ms;
-  square_hrms_ += state.hrms * state.hrms;
-  square_vrms_ += state.vrms * state.vrms;
+  if (state.precision_known) {
+    ++precise_epochs_;
+    square_hrms_ += state.hrms * state.hrms;
+    square_vrms_ += state.vrms * state.vrms;
+  }
   return true;
 }
 
 AveragedPosition PositionAverage::Mean() const {
-  AveragedPosition mean{.epochs = epochs_.size()};
+  AveragedPosition mean{.epochs = epochs_.size(), .precise_epochs = precise_epochs_};
   if (epochs_.empty()) return mean;
   mean.weighted =
       std::all_of(epochs_.begin(), epochs_.end(), [](const Epoch& epoch) { return epoch.precise; });
@@ -107,14 +112,14 @@ GnssPositionState PositionAverage::State() const {
   GnssPositionState state = worst_;
   if (epochs_.empty()) return state;
   const AveragedPosition mean = Mean();
-  const auto count = static_cast<double>(epochs_.size());
+  const auto count = static_cast<double>(std::max<std::size_t>(precise_epochs_, 1));
   state.latitude = mean.latitude;
   state.longitude = mean.longitude;
   state.height = mean.height;
   state.hrms = std::sqrt(square_hrms_ / count);
   state.vrms = std::sqrt(square_vrms_ / count);
+  state.precision_known = precise_epochs_ > 0;
   state.precision_epoch_ms = state.epoch_ms;
-  state.precision_carried_over = false;
   return state;
 }
 

@@ -22,6 +22,7 @@ struct AveragedPosition {
   double scatter_up = 0.0;
   double farthest = 0.0;  ///< greatest horizontal distance of an epoch from the mean, metres
   bool weighted = false;  ///< every epoch told its precision
+  std::size_t precise_epochs = 0;  ///< that told their precision
 };
 
 class PositionAverage {
@@ -34,8 +35,9 @@ class PositionAverage {
   AveragedPosition Mean() const;
 
   /// The state of a point that stands for all epochs: mean position, worst solution, fewest
-  /// satellites, greatest PDOP, HRMS and VRMS the quadratic mean of those of the epochs. Epochs of
-  /// one sitting err alike, so averaging is not taken to make them smaller.
+  /// satellites, greatest PDOP, HRMS and VRMS the quadratic mean of those of the epochs that told
+  /// them; unknown when none did. Epochs of one sitting err alike, so averaging is not taken to
+  /// make them smaller.
   GnssPositionState State() const;
 
  private:
@@ -52,6 +54,7 @@ class PositionAverage {
   std::vector<std::int32_t> times_;
   GnssPositionState first_;
   GnssPositionState worst_;
+  std::size_t precise_epochs_ = 0;
   double square_hrms_ = 0.0;
   double square_vrms_ = 0.0;
   double metres_per_degree_north_ = 0.0;

@@ -70,6 +70,7 @@ SentenceResult ReadGgk(std::string_view line, SentenceKind kind, const SentenceC
   state.height = NmeaNumber(ptnl || published ? WithoutHeightPrefix(field) : field);
   state.height_known = !field.empty();
   state.geoid_separation = 0.0;
+  state.separation_known = true;  // the height is ellipsoidal
   return SentenceResult::Position;
 }
 

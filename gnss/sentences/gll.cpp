@@ -17,6 +17,7 @@ SentenceResult ReadGll(std::string_view line, const SentenceContext& context,
   state.height = 0.0;
   state.height_known = false;
   state.geoid_separation = 0.0;
+  state.separation_known = true;  // there is no height
   return SentenceResult::Position;
 }
 

@@ -64,6 +64,7 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   state.height_known = !field.empty();
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.geoid_separation = NmeaNumber(field);
+  state.separation_known = !field.empty() || context.make.ellipsoid_height;
   if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
   const bool age_there = fields.Take(field);
   state.age_of_corrections = age_there && !field.empty() ? NmeaNumber(field) : -1.0;

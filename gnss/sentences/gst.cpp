@@ -25,7 +25,8 @@ SentenceResult ReadGst(std::string_view line, const SentenceContext& context,
   if (!fields.Take(height)) return SentenceResult::RanOut;
   state.vrms = ToJobDistance(NmeaNumber(FirstField(height, '*')), context.settings.unit);
   state.precision_epoch_ms = MillisecondsOfDay(time);
-  state.precision_known = !latitude.empty() && !longitude.empty();
+  state.precision_known =
+      !latitude.empty() && !longitude.empty() && !FirstField(height, '*').empty();
   return SentenceResult::Read;
 }
 

@@ -83,6 +83,27 @@ SentenceKind KindOf(std::string_view line, bool any_talker) {
   return line.starts_with("$RD1") ? SentenceKind::Rd1 : SentenceKind::Other;
 }
 
+std::string_view SentenceIn(std::string_view line) {
+  constexpr std::string_view kBlanks(" \t\r\0", 4);
+  line = line.substr(0, line.find_last_not_of(kBlanks) + 1);
+  const std::size_t begin = line.rfind('$');
+  return begin == std::string_view::npos ? line : line.substr(begin);
+}
+
+bool CarriesPosition(SentenceKind kind) {
+  switch (kind) {
+    case SentenceKind::Gga:
+    case SentenceKind::Gll:
+    case SentenceKind::Gns:
+    case SentenceKind::Ggk:
+    case SentenceKind::Ggq:
+    case SentenceKind::PtnlGgk:
+      return true;
+    default:
+      return false;
+  }
+}
+
 bool ChecksumStands(std::string_view line) {
   return line.starts_with('$') && line.find('*') != std::string_view::npos && ChecksumHolds(line);
 }

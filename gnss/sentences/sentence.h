@@ -15,6 +15,13 @@ enum class SentenceKind { Other, Gga, Gll, Gns, Ggk, Ggq, PtnlGgk, Gst, Gsa, Rre
 /// known behind any two letters.
 SentenceKind KindOf(std::string_view line, bool any_talker);
 
+/// The sentence that ends a line: from its last '$' on, without the blanks and carriage returns
+/// behind it. Receivers that send binary data between their sentences put no line end behind it.
+std::string_view SentenceIn(std::string_view line);
+
+/// Whether the sentence of a kind can carry the position.
+bool CarriesPosition(SentenceKind kind);
+
 /// Whether a checksum stands at the end of a line, and is right: the mark of a sentence that came
 /// whole though its line end did not.
 bool ChecksumStands(std::string_view line);

@@ -107,6 +107,8 @@ TEST_F(NovAtel, AsksAndTakesAnEllipsoidHeight) {
 TEST_F(NovAtel, SwitchesAnUndulationOff) {
   EXPECT_EQ(Read(std::string(kFixed)), GnssReadResult::InvalidData);
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\nUNDULATION 0.0\r\n");
+  EXPECT_EQ(ResultSentence(GnssReadResult::InvalidData, connection),
+            "The receiver was set to send heights above the ellipsoid; read again.");
   connection.settings.zero_undulation = false;
   EXPECT_EQ(Read(std::string(kFixed)), GnssReadResult::Accepted);
   EXPECT_NEAR(state.height, 1097.6977, 1e-9);
@@ -149,6 +151,37 @@ TEST_F(NovAtel, GivesDopsOnRequest) {
   EXPECT_DOUBLE_EQ(state.vdop, 0.1);
   EXPECT_EQ(RequestDop(state, connection, kMakeNovAtel), GnssReadResult::NoPositionSentence);
   EXPECT_EQ(RequestDop(state, connection, kMakeNmea), GnssReadResult::NoPositionSentence);
+}
+
+constexpr std::string_view kPsrdop =
+    "#PSRDOPA,COM2,0,82.0,FINESTEERING,2159,68542.000,02444000,1779,16410;10.2780,10.2210,10.1340,"
+    "10.1920,1.0800,5.0,4,7,18,6,14*1536ebe7\r\n";
+
+TEST_F(NovAtel, AsksForTheDopsOfEachPosition) {
+  connection.settings = FindMake(kMakeNovAtel).settings;
+  device->replies = {{"PSRDOPA", std::string(kPsrdop)}};
+  ASSERT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted);
+  EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\nLOG THISPORT PSRDOPA ONCE\r\n");
+  EXPECT_DOUBLE_EQ(state.pdop, 10.221);
+  EXPECT_FALSE(state.dop_carried_over);
+  EXPECT_EQ(state.lastResult, 1);
+  ASSERT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted) << "no answer this time";
+  EXPECT_TRUE(state.dop_carried_over);
+  ASSERT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted);
+  EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\n") << "left alone for a while";
+  clock.milliseconds += 10'000;
+  ASSERT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted);
+  EXPECT_NE(device->written.find("PSRDOPA"), std::string::npos);
+}
+
+TEST_F(NovAtel, DoesNotTakeALateAnswerForTheNextOne) {
+  device->purge_drops = true;
+  device->input = With("-16.6000,WGS84", "0.0000,WGS84") + "\r\n";
+  device->replies = {{"BESTPOSA", With("51.07899643518,-114.13251416136,1114.2977,-16.6000",
+                                       "51.5,-114.5,1000.0,0.0000") +
+                                      "\r\n"}};
+  ASSERT_EQ(ReadGnssPosition(state, connection, kMakeNovAtel), GnssReadResult::Accepted);
+  EXPECT_DOUBLE_EQ(state.latitude, 51.5);
 }
 
 constexpr std::string_view kPos =
@@ -215,6 +248,19 @@ TEST_F(Ashtech, SwitchesGgaOnAndOff) {
       << "collapsed fields leave fewer than 13 tokens";
   EXPECT_EQ(Read("x\r\ny\r\n"), GnssReadResult::NoPositionSentence);
   EXPECT_EQ(device->written, "$PASHS,NME,GGA,B,ON\r\n$PASHS,NME,GGA,B,OFF\r\n");
+}
+
+TEST_F(Ashtech, AsksForTheDopsThatDoNotComeWithAPosition) {
+  connection.settings = FindMake(kMakeAshtech).settings;
+  ASSERT_EQ(Read(std::string(kPosSouth) + "\r\n"), GnssReadResult::Accepted);
+  EXPECT_EQ(device->written, "$PASHQ,POS,A\r\n") << "they came with it";
+  connection.settings.ashtech_model = 1;
+  device->replies = {{"PBN", "$PASHR,PBN,1,2,3,4,5,6,7,8,9,10,11,12,2.1,1.2,1.7,0.9\r\n"}};
+  ASSERT_EQ(Read("$GPGGA,123519,4807.038,N,01131.000,W,2,08,0.9,100.0,M,10.0,M,4,5\r\n"),
+            GnssReadResult::Accepted);
+  EXPECT_TRUE(device->written.ends_with("$PASHQ,PBN\r\n"));
+  EXPECT_DOUBLE_EQ(state.pdop, 2.1);
+  EXPECT_EQ(state.satellites, 8);
 }
 
 TEST(BinaryPosition, IsCheckedForItsRange) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "gnss/point_quality.h"
 #include "gnss/receiver_make.h"
 #include "tests/gnss/scripted_receiver.h"
@@ -14,6 +16,17 @@ constexpr std::string_view kGga =
     "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
 constexpr std::string_view kNextGga =
     "$GPGGA,123520,4807.038,N,01131.000,E,4,09,0.9,545.4,M,46.9,M,,*47\r\n";
+
+// One second of a receiver, without and with its precision.
+std::string Gga(int second) {
+  return "$GPGGA,1235" + std::to_string(second) +
+         ",4807.038,N,01131.000,E,4,18,0.9,545.4,M,46.9,M,,\r\n";
+}
+
+std::string Gst(int second, std::string_view sigma) {
+  return "$GPGST,1235" + std::to_string(second) + ",1,1,1,0,0.03,0.04," + std::string(sigma) +
+         "\r\n";
+}
 
 class PositionReader : public ScriptedReceiver {
  protected:
@@ -126,6 +139,168 @@ TEST_F(PositionReader, MarksPrecisionOfAnotherEpoch) {
   EXPECT_TRUE(state.dop_carried_over);
 }
 
+// GST and GSA behind GGA, as most receivers send them: each position has the precision of its own
+// epoch, the first one too, and no position is lost while it is awaited.
+TEST_F(PositionReader, ReadsAnEpochOnToThePrecisionBehindIt) {
+  connection.settings = FindMake(kMakeAnyNmea).settings;
+  constexpr std::string_view kGsa = "$GPGSA,A,3,1,2,,,,,,,,,,,2.5,1.3,2.1\r\n";
+  device->input = Gga(10) + std::string(kGsa) + Gst(10, "0.10") + Gga(11) + std::string(kGsa) +
+                  Gst(11, "0.11") + Gga(12) + Gga(13) + Gst(13, "0.13") + Gga(14) +
+                  Gst(14, "0.14") + Gga(15) + Gst(15, "0.15");
+  const std::pair<int, double> epochs[] = {{10, 0.10}, {11, 0.11}, {12, 0.11},
+                                           {13, 0.11}, {14, 0.14}, {15, 0.15}};
+  for (const auto& [second, vrms] : epochs) {
+    SCOPED_TRACE(second);
+    ASSERT_EQ(Read("", kMakeAnyNmea), GnssReadResult::Accepted);
+    EXPECT_EQ(state.epoch_ms, ((12 * 60 + 35) * 60 + second) * 1000);
+    EXPECT_DOUBLE_EQ(state.vrms, vrms);
+    EXPECT_EQ(state.precision_carried_over, second == 12 || second == 13)
+        << "the one without, and the one after which the receiver is known again";
+    EXPECT_EQ(state.satellites, 18) << "of the position";
+    EXPECT_DOUBLE_EQ(state.pdop, 2.5);
+  }
+}
+
+TEST_F(PositionReader, DoesNotAwaitAPrecisionThatNeverComes) {
+  connection.settings = FindMake(kMakeAnyNmea).settings;
+  for (int second = 10; second < 14; ++second) device->input += Gga(second);
+  ASSERT_EQ(Read("", kMakeAnyNmea), GnssReadResult::Accepted);
+  EXPECT_EQ(device->input, Gga(12) + Gga(13)) << "the first epoch was read to its end";
+  for (int second = 11; second < 14; ++second) {
+    ASSERT_EQ(Read("", kMakeAnyNmea), GnssReadResult::Accepted);
+    EXPECT_EQ(state.epoch_ms % 60000, second * 1000);
+    EXPECT_FALSE(PrecisionMayFollow(state, connection, kMakeAnyNmea));
+  }
+  connection.Reconnected();
+  connection.settings.no_rms = true;
+  ASSERT_EQ(Read(Gga(20) + Gst(20, "0.1"), kMakeAnyNmea), GnssReadResult::Accepted);
+  EXPECT_EQ(device->input, Gst(20, "0.1"));
+}
+
+// The fixed reader takes nothing that comes behind the position; whoever wants it asks.
+TEST_F(PositionReader, KnowsThatThePrecisionOfTheFirstEpochMayFollow) {
+  ASSERT_EQ(Read(Gga(10) + Gst(10, "0.10") + Gga(11) + Gga(12)), GnssReadResult::Accepted);
+  EXPECT_FALSE(state.precision_known);
+  EXPECT_TRUE(PrecisionMayFollow(state, connection, kMakeNmea));
+  EXPECT_FALSE(PrecisionMayFollow(state, connection, kMakeNovAtel));
+  ASSERT_EQ(Read(""), GnssReadResult::Accepted);
+  EXPECT_TRUE(state.precision_known && state.precision_carried_over);
+  EXPECT_FALSE(PrecisionMayFollow(state, connection, kMakeNmea));
+}
+
+// Each line takes the receiver a while.
+class SlowLines final : public LineListener {
+ public:
+  SlowLines(ManualClock& clock, std::int64_t line_ms) : clock_(clock), line_ms_(line_ms) {}
+  void OnLine(std::string_view) override { clock_.milliseconds += line_ms_; }
+
+ private:
+  ManualClock& clock_;
+  std::int64_t line_ms_;
+};
+
+TEST_F(PositionReader, ComesBackInTimeWhateverElseIsSent) {
+  SlowLines lines(clock, 200);
+  connection.listener = &lines;
+  for (int i = 0; i < 200; ++i) device->input += "$GPRMC,123519,A,,,,,,,,,\r\n";
+  const std::int64_t begun = clock.milliseconds;
+  connection.deadline_ms = begun + 1000;
+  EXPECT_EQ(Read("", kMakeNmea), GnssReadResult::NoPositionSentence);
+  EXPECT_EQ(clock.milliseconds - begun, 1000);
+  connection.deadline_ms = kNoDeadline;
+  EXPECT_EQ(Read("", kMakeNmea), GnssReadResult::NoPositionSentence);
+  EXPECT_EQ(clock.milliseconds - begun, 1000 + 15 * 200) << "the fixed reader counts lines alone";
+  connection.settings = FindMake(kMakeAnyNmea).settings;
+  EXPECT_EQ(Read("", kMakeAnyNmea), GnssReadResult::NoPositionSentence);
+  EXPECT_EQ(clock.milliseconds - begun, 1000 + 15 * 200 + 3000);
+}
+
+// One byte each half second, and never a line end.
+class DrippingDevice final : public ByteDevice {
+ public:
+  explicit DrippingDevice(ManualClock& clock) : clock_(clock) {}
+  DeviceStatus Open(const std::string& /*name*/) override { return {}; }
+  DeviceStatus Close() override { return {}; }
+  bool is_open() const override { return true; }
+  DeviceStatus GetTimeouts(DeviceTimeouts& /*timeouts*/) override { return {}; }
+  DeviceStatus SetTimeouts(const DeviceTimeouts& /*timeouts*/) override { return {}; }
+  DeviceStatus Read(std::span<char> out, std::size_t& got) override {
+    clock_.milliseconds += 500;
+    out[0] = 'x';
+    got = 1;
+    return {};
+  }
+  DeviceStatus Write(std::string_view bytes, const WriteTimeouts& /*timeouts*/,
+                     std::size_t& written) override {
+    written = bytes.size();
+    return {};
+  }
+  DeviceStatus BytesWaiting(std::size_t& count) override {
+    count = 0;
+    return {};
+  }
+  DeviceStatus PurgeInput() override { return {}; }
+
+ private:
+  ManualClock& clock_;
+};
+
+TEST_F(PositionReader, ComesBackInTimeFromALineThatDripsIn) {
+  port = std::make_unique<Port>("drip", std::make_unique<DrippingDevice>(clock), errors);
+  ASSERT_EQ(port->Open(), PortError::None);
+  connection.port = port.get();
+  device = nullptr;
+  for (const int make : {kMakeNmea, kMakeAnyNmea, kMakeNovAtel, kMakeAshtech}) {
+    SCOPED_TRACE(make);
+    const std::int64_t begun = clock.milliseconds;
+    connection.deadline_ms = begun + 4000;
+    connection.last_request_at_ms = -1;
+    EXPECT_NE(ReadGnssPosition(state, connection, make), GnssReadResult::Accepted);
+    EXPECT_LE(clock.milliseconds - begun, 5000);
+  }
+}
+
+TEST_F(PositionReader, KnowsThePaceOfASlowReceiver) {
+  const auto wait_and_read = [&](std::int64_t wait_ms, std::string_view input) {
+    clock.milliseconds += wait_ms;
+    const GnssReadResult result = Read(input);
+    return NextSentenceIsDue(result, state, clock);
+  };
+  (void)wait_and_read(0, Gga(10));
+  EXPECT_FALSE(wait_and_read(4000, "")) << "told once, as its pace is not known";
+  (void)wait_and_read(1000, Gga(15));
+  EXPECT_TRUE(wait_and_read(4900, ""));
+  (void)wait_and_read(100, Gga(20));
+  EXPECT_FALSE(wait_and_read(8000, ""));
+}
+
+TEST_F(PositionReader, TellsWhatAHeightLacks) {
+  ASSERT_EQ(Read("$GPGGA,123510,4807.038,N,01131.000,E,4,18,0.9,545.4,M,46.9,M,,\r\n"),
+            GnssReadResult::Accepted);
+  EXPECT_EQ(HeightSentence(state), "");
+  ASSERT_EQ(Read("$GPGGA,123511,4807.038,N,01131.000,E,4,18,0.9,545.4,M,,M,,\r\n"),
+            GnssReadResult::Accepted);
+  EXPECT_NE(HeightSentence(state).find("geoid separation"), std::string::npos);
+  ASSERT_EQ(
+      Read("$GPGGA,123512,4807.038,N,01131.000,E,4,18,0.9,545.4,M,,M,,\r\n", kMakeEllipsoidHeight),
+      GnssReadResult::Accepted);
+  EXPECT_EQ(HeightSentence(state), "") << "no separation is asked of such a receiver";
+  ASSERT_EQ(Read("$GPGGA,123513,4807.038,N,01131.000,E,4,18,0.9,,M,,M,,\r\n"),
+            GnssReadResult::Accepted);
+  EXPECT_NE(HeightSentence(state).find("no height"), std::string::npos);
+}
+
+TEST_F(PositionReader, TellsALostLinkFromTheEndOfALog) {
+  device->when_empty = {DeviceStatus::kHungUp};
+  EXPECT_EQ(ResultSentence(Read(""), connection), "The link to the receiver is lost.");
+  EXPECT_TRUE(connection.link_lost());
+  device->when_empty = {DeviceStatus::kEndOfData};
+  EXPECT_EQ(ResultSentence(Read(""), connection), "The recording has ended.");
+  EXPECT_TRUE(connection.ended() && !connection.link_lost());
+  device->when_empty = {};
+  EXPECT_EQ(ResultSentence(Read(""), connection), ResultSentence(GnssReadResult::PortReadFailed));
+}
+
 TEST_F(PositionReader, DropsWhatPiledUpWhileNobodyRead) {
   device->purge_drops = true;
   ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
@@ -160,7 +335,6 @@ TEST_F(PositionReader, LeavesAPrecisionThatHasNotComeWhole) {
 }
 
 TEST_F(PositionReader, GivesUpOnASilentStreamBuffer) {
-  connection.settings = FindMake(kMakeStreamBuffered).settings;
   EXPECT_EQ(Read("", kMakeStreamBuffered), GnssReadResult::NoPositionSentence);
   EXPECT_EQ(clock.slept_ms, 30 * 100);
 }
@@ -190,7 +364,8 @@ TEST(PointQuality, WritesNotesAndBlocks) {
                           .solutionType = SolutionType::Fixed,
                           .hrms = 0.0125,
                           .vrms = 0.02,
-                          .pdop = 1.44};
+                          .pdop = 1.44,
+                          .precision_known = true};
   EXPECT_EQ(QualityComment(state, false),
             "\n--HRMS:0.013, VRMS:0.020, STATUS:FIXED, SATS:12, PDOP:1.4");
   EXPECT_EQ(QualityBlockLines(state, true, QualityStamp{"06-01-2026", "09:30:15"}),
@@ -201,6 +376,9 @@ TEST(PointQuality, WritesNotesAndBlocks) {
   state.solutionType = static_cast<SolutionType>(9);
   EXPECT_EQ(QualityComment(state, true, QualityStamp{"06-01-2026", "09:30:15"}),
             "\n--HQ:0.013, VQ:0.020, STATUS:AUTONOMOUS\n--DT06-01-2026\n--TM09:30:15");
+  EXPECT_EQ(QualityBlockLines({}, false, QualityStamp{"06-01-2026", "09:30:15"}),
+            "HRMS,0.000\nVRMS,0.000\nSTATUS,AUTONOMOUS\nDATE,06-01-2026\nTIME,09:30:15\n"
+            "PRECISION,UNKNOWN\n");
 }
 
 }  // namespace

@@ -97,6 +97,31 @@ TEST(PositionAverage, WeighsByPrecision) {
   EXPECT_NEAR(all.hrms, std::sqrt((1e-4 + 4e-4) / 2.0), 1e-12);
 }
 
+// As a receiver that sends GST behind GGA begins.
+TEST(PositionAverage, LeavesEpochsWithoutPrecisionOutOfIt) {
+  PositionAverage average;
+  GnssPositionState state = Good();
+  state.precision_known = false;
+  state.hrms = state.vrms = 0.0;
+  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  EXPECT_FALSE(average.State().precision_known);
+  for (const int epoch : {2000, 3000}) {
+    state.epoch_ms = epoch;
+    state.precision_known = true;
+    state.precision_carried_over = true;
+    state.hrms = 0.012;
+    state.vrms = 0.015;
+    ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  }
+  const GnssPositionState all = average.State();
+  EXPECT_TRUE(all.precision_known);
+  EXPECT_TRUE(all.precision_carried_over);
+  EXPECT_NEAR(all.hrms, 0.012, 1e-12);
+  EXPECT_NEAR(all.vrms, 0.015, 1e-12);
+  EXPECT_EQ(average.Mean().precise_epochs, 2U);
+  EXPECT_FALSE(average.Mean().weighted);
+}
+
 TEST(PositionAverage, FindsTheScatterOfANoisySeriesAcrossTheDateLine) {
   std::mt19937_64 random(11);
   std::normal_distribution<double> noise(0.0, 1.0);

@@ -126,6 +126,34 @@ TEST(Talkers, AreTakenWhenTheSettingSaysSo) {
   EXPECT_EQ(any.state.bad_checksums, 1U);
 }
 
+// What receivers put around a sentence on one port with binary data.
+TEST(Sentence, IsFoundBehindBinaryDataAndBeforeBlanks) {
+  constexpr std::string_view kBinary("\xB5\x62\x01\x07\x00$\x13", 7);
+  const std::string whole(kMunich);
+  const std::pair<std::string, bool> lines[] = {
+      {whole, true},
+      {"$" + whole, true},
+      {std::string(kBinary) + whole, true},
+      {whole + " ", true},
+      {whole + "\r", true},
+      {whole + std::string("\0 \t", 3), true},
+      {"$GPGGA,123519,4807.038,N,01131.000,E,4,08,0.9,5" + whole, true},
+      {whole.substr(0, whole.size() - 1), false},
+      {std::string(kBinary) + whole.substr(0, 60) + "$", false},
+      {"", false},
+      {"  ", false}};
+  Reading plain;
+  Reading any{.settings = FindMake(kMakeAnyNmea).settings, .make = kMakeAnyNmea};
+  for (const auto& [line, found] : lines) {
+    EXPECT_EQ(any.Take(line) == SentenceResult::Position, found) << line;
+    if (!found) continue;
+    EXPECT_DOUBLE_EQ(any.state.height, 592.3);
+    EXPECT_EQ(ChecksumStands(SentenceIn(line)), found);
+  }
+  EXPECT_NE(plain.Take(lines[1].first), SentenceResult::Position) << "the fixed reader";
+  EXPECT_FALSE(ChecksumStands("$GPGGA,123519"));
+}
+
 TEST(Gns, OfNoSystemIsNoFix) {
   const std::string line =
       "$GNGNS,235647.00,3403.47162394,N,11711.80927093,W,NNNN,10,1.2,403.6,-32.1,,";
@@ -221,8 +249,11 @@ TEST(Gst, GivesPrecisionInTheJobsUnit) {
   EXPECT_NEAR(reading.state.hrms, 0.05 * 3.280833333333, 1e-12);
   EXPECT_NEAR(reading.state.vrms, 0.3280833333333, 1e-12);
   EXPECT_TRUE(reading.state.precision_known);
-  (void)reading.Take("$GPGST,123519.00,,,,,,,*7E");
-  EXPECT_FALSE(reading.state.precision_known);
+  for (const std::string_view part :
+       {"$GPGST,123519.00,,,,,,,*7E", "$GPGST,123519.00,1.0,,,,0.03,0.04,*7E"}) {
+    (void)reading.Take(part);
+    EXPECT_FALSE(reading.state.precision_known) << part;
+  }
 }
 
 TEST(Gsa, ListsSatellitesAndDops) {
@@ -274,6 +305,17 @@ TEST(ReceiverSettings, AreReadByKey) {
   EXPECT_EQ(settings.differential_choice, 4);
   EXPECT_TRUE(settings.any_talker);
   EXPECT_FALSE(settings.no_rms);
+}
+
+TEST(ReceiverSettings, TellAnUnknownKeyFromAValueThatIsNone) {
+  ReceiverSettings settings;
+  EXPECT_EQ(SetReceiverSetting("nmea_po", "1", settings), SettingResult::UnknownKey);
+  EXPECT_EQ(SetReceiverSetting("nmea_pos", "3", settings), SettingResult::NotAValue);
+  EXPECT_EQ(settings, ReceiverSettings());
+  for (const std::string_view key : SettingKeys()) {
+    EXPECT_FALSE(SettingValues(key).empty()) << key;
+    EXPECT_EQ(SetReceiverSetting(key, "", settings), SettingResult::NotAValue) << key;
+  }
 }
 
 }  // namespace
