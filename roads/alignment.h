@@ -37,6 +37,10 @@ struct CheckLimits {
   static CheckLimits For(DistanceUnit unit);
 };
 
+/// An arc or spiral whose tangent breaks by more (1 degree) at its start should not be staked: no
+/// road has such a kink, a wrong centre or a missing key point has.
+inline constexpr double kBrokenJoin = 0.0174533;
+
 enum class ElementShape : int { Tangent, Arc, Spiral };
 
 /// What is wrong with an element beyond a number that is a little off.
@@ -75,7 +79,7 @@ struct AlignmentElement {
   double curvature_end = 0.0;
   PlanPoint center;  ///< arcs
   ElementResiduals residuals;
-  bool sound = true;  ///< no fault, and no residual beyond the refuse limit
+  bool sound = true;  ///< no fault, no residual beyond the refuse limit, no broken join
 
   double StationLength() const { return station_end - station_start; }
   /// Parameter A of a spiral: A^2 = length / change of curvature. 0 for other shapes.

@@ -308,7 +308,8 @@ void AlignmentBuilder::JudgeSoundness() {
   for (AlignmentElement& element : alignment_.elements_) {
     const ElementResiduals& r = element.residuals;
     element.sound = element.fault == ElementFault::None && !beyond(r.length) &&
-                    !beyond(r.end_radius) && !beyond(r.chord);
+                    !beyond(r.end_radius) && !beyond(r.chord) &&
+                    std::fabs(r.join.value_or(0.0)) <= kBrokenJoin;
     if (element.station_start < before || element.station_end < element.station_start) {
       alignment_.stations_rise_ = false;
     }

@@ -21,6 +21,14 @@ double Mismatch(const AlignmentElement& element) {
   return element.shape == ElementShape::Spiral ? r.chord.value_or(0.0) : r.length.value_or(0.0);
 }
 
+// 12.3" for what rounding and old plans make, degrees for what no road has.
+std::string AngleAmount(double radians) {
+  constexpr double kLargestSeconds = 3600.0;
+  const double seconds = radians * kArcSecondsPerRadian;
+  return std::fabs(seconds) < kLargestSeconds ? FixedNumber(seconds, 1) + "\""
+                                              : FixedNumber(seconds / 3600.0, 4) + " degrees";
+}
+
 std::string Amount(double value) {
   return FixedNumber(value, kAmountDecimals);
 }
@@ -50,7 +58,7 @@ class Checker {
 
  private:
   std::string Station(std::size_t node) const {
-    return FormatStation(road_.chain[node].station, style_.mode, style_.decimals);
+    return road_.equations.Text(road_.chain[node].station, style_.mode, style_.decimals);
   }
 
   // "SC at 22+30.05"
@@ -135,7 +143,7 @@ class Checker {
     const double angle_limit = std::max(limits_.note * std::fabs(e.curvature_start), 1e-8);
     if (r.angle && std::fabs(*r.angle) > angle_limit) {
       Add(FindingKind::Note, i, e.from_node, kTextAngleMismatch,
-          {NodeName(e.from_node), FixedNumber(*r.angle * kArcSecondsPerRadian, 1)});
+          {NodeName(e.from_node), AngleAmount(*r.angle)});
     }
     if (r.turn_against_sign) {
       Add(FindingKind::Note, i, e.from_node, kTextTurnAgainstSign,
@@ -144,11 +152,12 @@ class Checker {
     if (r.azimuth_field && std::fabs(*r.azimuth_field) > limits_.note / e.length) {
       const std::size_t node = e.curvature_start == 0.0 ? e.from_node : e.to_node;
       Add(FindingKind::Note, i, node, kTextAzimuthFieldSuspect,
-          {NodeName(node), FixedNumber(*r.azimuth_field * kArcSecondsPerRadian, 1)});
+          {NodeName(node), AngleAmount(*r.azimuth_field)});
     }
     if (r.join && std::fabs(*r.join) > kJoinLimit) {
-      Add(FindingKind::Note, i, e.from_node, kTextJoinBroken,
-          {NodeName(e.from_node), FixedNumber(*r.join * kArcSecondsPerRadian, 1)});
+      const bool broken = std::fabs(*r.join) > kBrokenJoin;
+      Add(broken ? FindingKind::Refused : FindingKind::Note, i, e.from_node, kTextJoinBroken,
+          {NodeName(e.from_node), AngleAmount(*r.join)});
     }
   }
 

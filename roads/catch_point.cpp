@@ -112,6 +112,11 @@ class CatchFinder {
   }
 
  private:
+  // A row of the table with its number there, from 1: rows without a ratio are passed over.
+  struct NumberedRow : SlopeRow {
+    int number = 0;
+  };
+
   CatchPoint End(CatchResult result) {
     caught_.result = result;
     const RightOfWay& limit = section_.right_of_way;
@@ -143,8 +148,11 @@ class CatchFinder {
 
   CatchResult RunSlope() {
     const bool cut = caught_.kind == EarthworkKind::Cut;
-    std::vector<SlopeRow> rows = cut ? section_.CutOf(side_).slopes : section_.FillOf(side_).slopes;
-    std::erase_if(rows, [](const SlopeRow& row) { return !(row.ratio > 0.0); });
+    const auto& table = cut ? section_.CutOf(side_).slopes : section_.FillOf(side_).slopes;
+    std::vector<NumberedRow> rows;
+    for (std::size_t i = 0; i < table.size(); ++i) {
+      if (table[i].ratio > 0.0) rows.push_back({table[i], static_cast<int>(i) + 1});
+    }
     if (rows.empty()) return CatchResult::NoSlopes;
     const int series = cut ? section_.cut_settings.series : section_.fill_settings.series;
     const bool caught = series == 1 ? RunSteps(rows, cut) : RunOneSlope(rows, cut);
@@ -152,9 +160,9 @@ class CatchFinder {
     return ground_.Reach() ? CatchResult::GroundEnds : CatchResult::NoCatch;
   }
 
-  void Take(const SlopeRow& row, int number, const GroundLine::Vertex& at) {
+  void Take(const NumberedRow& row, const GroundLine::Vertex& at) {
     caught_.ratio = row.ratio;
-    caught_.row = number;
+    caught_.row = row.number;
     caught_.offset = at.offset;
     caught_.elevation = at.elevation;
     caught_.height = std::fabs(at.elevation - caught_.slope_elevation);
@@ -163,7 +171,7 @@ class CatchFinder {
   double Farthest() const { return caught_.slope_offset + kFarthestCatch; }
 
   // One slope over the whole height: the first row that meets the ground within its limit.
-  bool RunOneSlope(const std::vector<SlopeRow>& rows, bool cut) {
+  bool RunOneSlope(const std::vector<NumberedRow>& rows, bool cut) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
       const double slope = (cut ? 1.0 : -1.0) / rows[i].ratio;
       const auto at =
@@ -171,14 +179,14 @@ class CatchFinder {
       if (!at) continue;
       const double height = std::fabs(at->elevation - caught_.slope_elevation);
       if (height > rows[i].height && i + 1 < rows.size()) continue;
-      Take(rows[i], static_cast<int>(i) + 1, *at);
+      Take(rows[i], *at);
       return true;
     }
     return false;
   }
 
   // Each row's slope through its own band of heights; the last one goes on.
-  bool RunSteps(const std::vector<SlopeRow>& rows, bool cut) {
+  bool RunSteps(const std::vector<NumberedRow>& rows, bool cut) {
     const double sign = cut ? 1.0 : -1.0;
     double offset = caught_.slope_offset;
     double elevation = caught_.slope_elevation;
@@ -189,7 +197,7 @@ class CatchFinder {
       const double end = last ? Farthest() : offset + rise * rows[i].ratio;
       const auto at = ground_.FirstMeeting(offset, elevation, sign / rows[i].ratio, end);
       if (at) {
-        Take(rows[i], static_cast<int>(i) + 1, *at);
+        Take(rows[i], *at);
         return true;
       }
       if (last) break;

@@ -273,11 +273,13 @@ ChainReading ReadChain(std::string_view text, bool keepTangentPoints) {
 
 StationLimits ReadStationLimits(std::string_view text) {
   StationLimits limits;
-  while (const auto line = TakeLine(text)) {
-    const std::size_t equals = line->find('=');
-    if (line->size() < kShortestLine || equals == std::string_view::npos) continue;
-    const std::string_view key = line->substr(0, equals);
-    const std::string_view entry = WithoutOuterBlanks(line->substr(equals + 1));
+  NumberedLines lines(text, kSignificantBytes);
+  std::string_view line;
+  while (lines.Next(line)) {
+    const std::size_t equals = line.find('=');
+    if (line.size() < kShortestLine || equals == std::string_view::npos) continue;
+    const std::string_view key = line.substr(0, equals);
+    const std::string_view entry = WithoutOuterBlanks(line.substr(equals + 1));
     const double station = LeadingDouble(entry);
     if (entry.empty() || IsNoValue(station)) continue;
     if (key == "START_STA") limits.start = station;

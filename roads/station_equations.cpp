@@ -86,6 +86,18 @@ std::vector<InternalStation> StationEquations::Internal(double displayed,
   return found;
 }
 
+std::vector<InternalStation> StationEquations::Beyond(double displayed,
+                                                      std::optional<int> region) const {
+  std::vector<InternalStation> found;
+  if (empty()) return found;
+  const int last = static_cast<int>(shifts_.size());
+  const double before = displayed - shifts_.front();
+  const double behind = displayed - shifts_.back();
+  if (region.value_or(1) == 1 && before < start_) found.push_back({before, 1});
+  if (region.value_or(last) == last && behind > end_) found.push_back({behind, last});
+  return found;
+}
+
 std::string StationEquations::Text(double internal, StationMode mode, int decimals) const {
   const DisplayedStation displayed = Displayed(internal);
   std::string text = FormatStation(displayed.station, mode, decimals);

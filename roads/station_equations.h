@@ -68,6 +68,10 @@ class StationEquations {
   /// overlap. Both sides of an equation count. `region` picks one region.
   std::vector<InternalStation> Internal(double displayed, std::optional<int> region = {}) const;
 
+  /// The same before the start and after the end, where the numbers of the first and the last
+  /// region count on. Empty without equations: there every station is an internal one.
+  std::vector<InternalStation> Beyond(double displayed, std::optional<int> region = {}) const;
+
   /// FormatStation of the displayed station; with equations that repeat numbers " R2" follows when
   /// another region carries the same station.
   std::string Text(double internal, StationMode mode, int decimals) const;

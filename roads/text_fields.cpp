@@ -35,7 +35,10 @@ double CommaFields::PackedRadians(std::size_t number) const {
 }
 
 NumberedLines::NumberedLines(std::string_view text, std::size_t significant)
-    : rest_(text), significant_(significant) {}
+    : rest_(text), significant_(significant) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (rest_.starts_with(kByteOrderMark)) rest_.remove_prefix(kByteOrderMark.size());
+}
 
 bool NumberedLines::Next(std::string_view& line) {
   const auto taken = TakeLine(rest_);

@@ -32,7 +32,8 @@ class CommaFields {
   std::size_t count_ = 0;
 };
 
-/// Takes lines off a text and counts them from 1; each is cut to its first `significant` bytes.
+/// Takes lines off a text and counts them from 1; each is cut to its first `significant` bytes. The
+/// byte order mark that editors put before UTF-8 is no part of the first line.
 class NumberedLines {
  public:
   NumberedLines(std::string_view text, std::size_t significant);

@@ -182,12 +182,13 @@ std::optional<double> FindStation(Program& program, const OpenedRoad& road,
                          "\" is not a station (1234.5, 12+34.50, 1+234.5, 14+75 R2).");
     return std::nullopt;
   }
-  const auto found = road.geometry.equations.Internal(typed->displayed, typed->region);
+  const StationEquations& equations = road.geometry.equations;
+  auto found = equations.Internal(typed->displayed, typed->region);
+  if (found.empty()) found = equations.Beyond(typed->displayed, typed->region);
   if (found.size() == 1) return found.front().station;
   if (found.empty()) {
     (void)program.Fail("The road has no station " + entry +
-                       ": it lies in the gap of a station "
-                       "equation, or outside the alignment.");
+                       ": it lies in the gap of a station equation.");
     return std::nullopt;
   }
   std::string choices;

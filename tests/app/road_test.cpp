@@ -159,6 +159,13 @@ TEST_F(RoadCommands, AskWhichStationIsMeant) {
   EXPECT_EQ(point["internal_station"], 1425.0);
 }
 
+TEST_F(RoadCommands, TakeStationsBeyondTheEnds) {
+  EXPECT_THAT(folder_.Run("road point site.cl 0+985").output, HasSubstr("(before the start)"));
+  EXPECT_THAT(folder_.Run("road point site.cl 1+460").output, HasSubstr("1+460.000 0.0000: "));
+  EXPECT_THAT(folder_.Run("road point site.cl 1+460").output, HasSubstr("(after the end)"));
+  EXPECT_THAT(folder_.Run("road point site.cl 1+275").errors, HasSubstr("in the gap"));
+}
+
 TEST_F(RoadCommands, FaultsAreNamedAndRestationed) {
   WriteVector("bad/all_stations_zero.cl");
   const ProgramResult check = folder_.Run("road check vector.cl");

@@ -82,5 +82,25 @@ TEST(AlignmentCheck, TakesDisplayedStationsBack) {
   EXPECT_EQ(refused.refused_equation, 0U);
 }
 
+// A sentence names a place as the table and the plan do, and a kink that no road has is a fault.
+TEST(AlignmentCheck, NamesStationsAsTheyAreDisplayedAndBrokenJoins) {
+  using testing::HasSubstr;
+  const std::string mirrored =
+      "0,1000,L,0,0\n0,1100,PC,0,100\n0,90,R,0,150\n0,1178.53981634,PT,50,150\n"
+      "0,1278.53981634,L,50,250\n0,0,L,0,0\n";
+  const auto kinked = Findings(mirrored);
+  ASSERT_FALSE(kinked.empty());
+  EXPECT_THAT(kinked, testing::Contains(HasSubstr("At PC 11+00.00 the azimuth jumps by")));
+  EXPECT_THAT(kinked, testing::Contains(testing::AllOf(testing::StartsWith("REFUSED 2"),
+                                                       HasSubstr("90.0000 degrees"))));
+  EXPECT_FALSE(Geometry(mirrored).alignment.elements()[1].sound);
+  EXPECT_THAT(Findings(mirrored + "EQ,1050,2000\n"),
+              testing::Contains(HasSubstr("At PC 20+50.00 the azimuth jumps")));
+  const auto noted = Findings(
+      "0,1000,L,0,0\n0,1100,PC,0,100\n0,90,R,50,100.05\n0,1178.6,PT,50,150.05\n0,0,L,0,0\n");
+  EXPECT_THAT(noted, testing::Contains(testing::AllOf(testing::StartsWith("2: At PC"),
+                                                      testing::EndsWith("\"."))));
+}
+
 }  // namespace
 }  // namespace tarvex

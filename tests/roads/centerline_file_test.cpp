@@ -11,6 +11,7 @@
 #include "roads/centerline_reader.h"
 #include "roads/centerline_writer.h"
 #include "roads/road_texts.h"
+#include "roads/template_file.h"
 #include "tests/roads/road_data.h"
 #include "tests/support/scratch_folder.h"
 
@@ -236,6 +237,24 @@ TEST(LoadCenterline, ReadsTheLimitsBesideTheFile) {
   road.use_station_limits = true;
   ASSERT_EQ(LoadCenterline(SystemFiles(), road, path).result, LoadCenterlineResult::Loaded);
   EXPECT_EQ(*StationRange(road), (StationSpan{1100.0, 1664.15926536, true, false}));
+}
+
+// What editors put before a text is no part of an id, a key or a section.
+TEST(LoadCenterline, PassesOverAByteOrderMark) {
+  const auto chain = Chain(
+      "\xEF\xBB\xBF"
+      "0,10,L,1,1\n0,20,L,2,2\n0,0,L,0,0\n");
+  ASSERT_EQ(chain.size(), 2U);
+  EXPECT_EQ(chain[0].id.view(), "0");
+  EXPECT_EQ(ReadStationEquations("\xEF\xBB\xBF"
+                                 "EQ,1,2\n")
+                .size(),
+            1U);
+  EXPECT_EQ(ReadStationLimits("\xEF\xBB\xBF"
+                              "START_STA=5\n")
+                .start,
+            5.0);
+  EXPECT_EQ(ReadTemplate("\xEF\xBB\xBF*DITCH\nMOVESL,1,1,D\n").ditch.size(), 1U);
 }
 
 TEST(CenterlineWriter, WritesEveryRecordForm) {

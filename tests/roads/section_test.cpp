@@ -115,6 +115,18 @@ TEST(CatchPoint, SteppedSlopesRunThroughTheirBands) {
   EXPECT_EQ(found.breaks.size(), 2U);
 }
 
+// Rows without a ratio are passed over; the others keep their numbers in the table, on the spot and
+// while staking alike.
+TEST(CatchPoint, NamesTheRowOfTheTable) {
+  RoadTemplate section = Example();
+  section.fill[0].slopes = {{1.0, 0.0}, {1.5, 6.0}, {99.0, 2.0}};
+  const DesignSection design = BuildSection(section, 100.0);
+  const CatchPoint found =
+      FindCatchPoint(section, design, Side::Left, GroundLine::Plane(94.856, 0.0));
+  EXPECT_EQ(found.row, 3);
+  EXPECT_EQ(NextSlopeStep(section, design, Side::Left, {15.4, 94.856}, {})->row, found.row);
+}
+
 TEST(SlopeStaking, FollowsASteppedSlopeThroughItsBands) {
   RoadTemplate section = Example();
   section.fill_settings.series = 1;

@@ -52,6 +52,20 @@ TEST(StationEquations, RefuseWhatFallsBackOrLiesOutside) {
   EXPECT_EQ(swapped, (std::vector<StationEquation>{{1200, 1300}}));
 }
 
+// Before the start and after the end the numbers count on; in a gap there is still nothing.
+TEST(StationEquations, CountOnBeyondTheEnds) {
+  const auto equations = StationEquations::Make({{1250.0, 1300.0}}, 1000.0, 1400.0);
+  ASSERT_TRUE(equations);
+  using Found = std::vector<InternalStation>;
+  EXPECT_EQ(equations->Beyond(985.0), (Found{{985.0, 1}}));
+  EXPECT_EQ(equations->Beyond(1460.0), (Found{{1410.0, 2}}));
+  EXPECT_EQ(equations->Beyond(1275.0), Found{});
+  EXPECT_EQ(equations->Beyond(985.0, 2), Found{});
+  // A road that begins anew at its equation: 500 is before the start as well as behind the end.
+  const auto anew = StationEquations::Make({{1500.0, 0.0}}, 1000.0, 1600.0);
+  EXPECT_EQ(anew->Beyond(500.0), (Found{{500.0, 1}, {2000.0, 2}}));
+}
+
 TEST(StationEntry, TakesEveryNotation) {
   EXPECT_EQ(ParseStationEntry(" 1475.5 "), (StationEntry{1475.5, {}}));
   EXPECT_EQ(ParseStationEntry("14+75.5"), (StationEntry{1475.5, {}}));
