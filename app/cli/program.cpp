@@ -2,12 +2,19 @@
 
 #include <csignal>
 
-#include "app/version.h"
+#include "core/number_text.h"
+#include "core/text.h"
 
 namespace tarvex {
 namespace {
 
 volatile std::sig_atomic_t interrupt_requested = 0;
+
+std::string PlaceText(const GridPoint& at) {
+  constexpr int kDecimals = 4;
+  return "N " + FixedNumber(at.northing, kDecimals) + " E " + FixedNumber(at.easting, kDecimals) +
+         " EL " + FixedNumber(at.elevation, kDecimals);
+}
 
 void NoteInterrupt(int) {
   interrupt_requested = 1;
@@ -15,9 +22,34 @@ void NoteInterrupt(int) {
 
 }  // namespace
 
+void ConsoleObserver::OnError(const std::string& sentence) {
+  console_.EndProgress();
+  console_.PrintError("ERROR: " + sentence + "\n");
+}
+
+void ConsoleObserver::OnWarning(const std::string& sentence) {
+  console_.PrintError("WARNING: " + sentence + "\n");
+}
+
+void ConsoleObserver::OnMessage(std::string_view title, std::string_view text) {
+  console_.PrintError(std::string(title) + ": " + std::string(text) + "\n");
+}
+
+ExistingPointAnswer ConsoleObserver::AskExistingPoint(const ExistingPointQuestion& question) {
+  using Choice = ExistingPointAnswer::Choice;
+  std::string text = "Point " + question.id + " exists at " + PlaceText(question.existing.at);
+  if (question.wanted) text += "; the new one is at " + PlaceText(*question.wanted);
+  std::string answer;
+  const bool answered = console_.Ask(
+      text + ".\nOverwrite it, store under the next free id, or cancel? [o/n/C] ", answer);
+  if (!answered || answer.empty()) return {.choice = Choice::Cancel};
+  if (LowerCase(answer[0]) == 'o') return {.choice = Choice::Overwrite};
+  if (LowerCase(answer[0]) == 'n') return {.choice = Choice::UseNextFreeId};
+  return {.choice = Choice::Cancel};
+}
+
 ExitCode Program::Fail(std::string_view sentence) {
-  console.EndProgress();
-  console.PrintError("ERROR: " + std::string(sentence) + "\n");
+  observer.OnError(std::string(sentence));
   return exit_code = ExitCode::Failed;
 }
 
@@ -27,7 +59,7 @@ ExitCode Program::Misuse(std::string_view sentence) {
 }
 
 void Program::Warn(std::string_view sentence) {
-  console.PrintError("WARNING: " + std::string(sentence) + "\n");
+  observer.OnWarning(std::string(sentence));
 }
 
 bool InterruptRequested() {
@@ -39,10 +71,6 @@ void WatchForInterrupt() {
   action.sa_handler = NoteInterrupt;  // without SA_RESTART, so that waiting for a lock ends
   ::sigaction(SIGINT, &action, nullptr);
   ::sigaction(SIGTERM, &action, nullptr);
-}
-
-std::string ProgramIdentification() {
-  return std::string("Tarvex ") + kVersion;
 }
 
 }  // namespace tarvex

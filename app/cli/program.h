@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/clock.h"
-#include "platform/file.h"
+#include "app/workflow/identification.h"
+#include "app/workflow/workplace.h"
 
 namespace tarvex {
 
@@ -37,11 +37,33 @@ class Console {
   virtual bool ReadLine(std::string& line) = 0;
 };
 
+/// Tells a person at the terminal what the workflow has to say.
+class ConsoleObserver final : public WorkObserver {
+ public:
+  explicit ConsoleObserver(Console& console) : console_(console) {}
+
+  void OnError(const std::string& sentence) override;
+  void OnWarning(const std::string& sentence) override;
+  void OnMessage(std::string_view title, std::string_view text) override;
+  void OnProgress(std::string_view line) override { console_.ShowProgress(line); }
+  void OnProgressEnd() override { console_.EndProgress(); }
+  ExistingPointAnswer AskExistingPoint(const ExistingPointQuestion& question) override;
+
+ private:
+  Console& console_;
+};
+
 struct Program {
   FileSystem& files;
   Clock& clock;
   Console& console;
   ExitCode exit_code = ExitCode::Done;
+  ConsoleObserver observer{console};
+
+  /// The place at which the workflow works for this program.
+  operator Workplace() {  // NOLINT(google-explicit-constructor): that is what a command hands on
+    return {.files = files, .clock = clock, .observer = observer};
+  }
 
   /// Prints "ERROR: ..." and remembers that something failed.
   ExitCode Fail(std::string_view sentence);
@@ -57,8 +79,5 @@ Console& StandardConsole();
 /// True once the person pressed Ctrl-C (or the system asked the program to end).
 bool InterruptRequested();
 void WatchForInterrupt();
-
-/// "Tarvex " and the version.
-std::string ProgramIdentification();
 
 }  // namespace tarvex

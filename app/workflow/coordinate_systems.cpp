@@ -31,12 +31,11 @@ void PutSystemIntoSettings(const SystemSource& source, Settings& settings) {
   if (!source.datum_shift.empty()) settings.Set("datum_shift", source.datum_shift);
 }
 
-CoordinateSystems::CoordinateSystems(Program& program)
-    : program_(program),
-      data_folder_(DataFolder(program)),
-      catalogue_(program.files, data_folder_),
+CoordinateSystems::CoordinateSystems(const Workplace& work)
+    : work_(work),
+      data_folder_(DataFolder(work)),
+      catalogue_(work.files, data_folder_),
       messages_(this),
-      load_bar_(program.console),
       nad_converter_(
           std::make_shared<NadConverter>(SystemNadConvLibrary(), data_folder_, &messages_)) {
   SystemCoordSysLibrary()->SetMessages(this);
@@ -53,7 +52,7 @@ bool CoordinateSystems::ReadOptions(const std::string& name, const std::string& 
   if (!name.empty()) return ReadSystemOption(name, source, problem);
   if (file.empty()) return true;
   std::string text;
-  const FileStatus status = ReadWholeFile(program_.files, file, kLargestDefinition, text);
+  const FileStatus status = ReadWholeFile(work_.files, file, kLargestDefinition, text);
   if (!status.ok()) {
     problem = "The definition " + file + " cannot be read: " + status.Text() + ".";
     return false;
@@ -122,13 +121,13 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
                           .geoid = ReadSystemChoice(source.name).geoid,
                           .definition_gives_shift = calculator.definition_gives_shift()};
   PreparedSteps prepared = PrepareSteps(calculator.record(), choice,
-                                        {.files = program_.files,
+                                        {.files = work_.files,
                                          .data_folder = data_folder_,
                                          .coord_sys = SystemCoordSysLibrary(),
                                          .nad_converter = nad_converter_,
                                          .messages = &messages_,
-                                         .progress = &load_bar_});
-  program_.console.EndProgress();
+                                         .progress = this});
+  work_.observer.OnProgressEnd();
   problem = prepared.wrong_choice;
   if (!problem.empty()) return false;
   for (const std::string& hampers : prepared.problems) Show("WARNING", hampers);
@@ -152,7 +151,12 @@ std::string CoordinateSystems::Title(const SystemSource& source, const CTrgCalcu
 }
 
 void CoordinateSystems::Show(std::string_view title, std::string_view text) {
-  program_.console.PrintError(std::string(title) + ": " + std::string(text) + "\n");
+  work_.observer.OnMessage(title, text);
+}
+
+void CoordinateSystems::Show(std::string_view text, std::size_t done, std::size_t total) {
+  const std::size_t percent = total == 0 ? 100 : done * 100 / total;
+  work_.observer.OnProgress(std::string(text) + " " + std::to_string(percent) + "%");
 }
 
 }  // namespace tarvex

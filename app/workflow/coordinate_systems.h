@@ -5,9 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "app/cli/load_bar.h"
-#include "app/cli/program.h"
 #include "app/workflow/data_folder.h"
+#include "app/workflow/workplace.h"
 #include "coordsys/calculator.h"
 #include "coordsys/step_preparation.h"
 #include "coordsys/system_catalogue.h"
@@ -37,9 +36,9 @@ inline constexpr const char* kDatumShiftHelp =
 SystemSource SystemOfSettings(const Settings& settings);
 void PutSystemIntoSettings(const SystemSource& source, Settings& settings);
 
-class CoordinateSystems final : private MessageBox {
+class CoordinateSystems final : private MessageBox, private LoadProgress {
  public:
-  explicit CoordinateSystems(Program& program);
+  explicit CoordinateSystems(const Workplace& work);
   ~CoordinateSystems() override;
   CoordinateSystems(const CoordinateSystems&) = delete;
   CoordinateSystems& operator=(const CoordinateSystems&) = delete;
@@ -71,12 +70,12 @@ class CoordinateSystems final : private MessageBox {
   bool ReadSystemOption(const std::string& name, SystemSource& source, std::string& problem);
   bool CheckForUse(std::string_view text, const std::string& file, std::string& problem);
   void Show(std::string_view title, std::string_view text) override;
+  void Show(std::string_view text, std::size_t done, std::size_t total) override;
 
-  Program& program_;
+  Workplace work_;
   std::string data_folder_;
   SystemCatalogue catalogue_;
   RunMessages messages_;
-  LoadBar load_bar_;
   std::shared_ptr<NadConverter> nad_converter_;
 };
 

@@ -92,24 +92,24 @@ std::string Seed(const fs::path& folder, const fs::path& installed, FileSystem& 
 
 }  // namespace
 
-std::string DataFolder(Program& program) {
+std::string DataFolder(const Workplace& work) {
   const fs::path folder = ChosenFolder();
   const fs::path mark = folder / kCatalogue;
   const fs::path installed = InstalledFolder();
   std::error_code error;
   if (!fs::exists(installed / kCatalogue, error)) return folder.string() + "/";
-  if (IsWholeCatalogue(program.files, mark) && !IsOlder(mark, installed / kCatalogue)) {
+  if (IsWholeCatalogue(work.files, mark) && !IsOlder(mark, installed / kCatalogue)) {
     return folder.string() + "/";
   }
   // Two programs that start at once fill the folder one after the other.
   std::unique_ptr<File> lock;
   fs::create_directories(folder, error);
   const std::string lock_path = (folder / ".filling").string();
-  const bool locked = OpenLocked(program.files, lock_path, FileAccess::CreateOrKeep, lock).ok();
-  const std::string problem = Seed(folder, installed, program.files);
-  if (locked) (void)program.files.Remove(lock_path);
+  const bool locked = OpenLocked(work.files, lock_path, FileAccess::CreateOrKeep, lock).ok();
+  const std::string problem = Seed(folder, installed, work.files);
+  if (locked) (void)work.files.Remove(lock_path);
   if (!problem.empty()) {
-    program.console.PrintError("WARNING: the data folder " + folder.string() +
+    work.observer.OnWarning("the data folder " + folder.string() +
                                " could not be filled (" + problem +
                                "); the next start tries again.\n");
   }

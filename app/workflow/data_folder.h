@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "app/cli/program.h"
+#include "app/workflow/workplace.h"
 
 namespace tarvex {
 
@@ -12,6 +12,6 @@ namespace tarvex {
 /// copy of the predefined catalogue was cut short, it gets what came with the program: each file
 /// whole and durable or not at all, and the catalogue last, so that an interrupted start is made up
 /// for by the next. What cannot be copied is told as a warning.
-std::string DataFolder(Program& program);
+std::string DataFolder(const Workplace& work);
 
 }  // namespace tarvex

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "core/file_rewrite.h"
+#include "app/workflow/identification.h"
+#include "core/job_unit.h"
 #include "core/number_text.h"
 #include "core/text.h"
 
@@ -64,10 +66,18 @@ std::string_view UnitKey(DistanceUnit unit) {
   return "metres";
 }
 
-JobSession::JobSession(Program& program, const std::string& path) : program_(program), job_(*this) {
+JobSession::JobSession(const Workplace& work, const std::string& path) : work_(work), job_(*this) {
   job_.path = WithoutLink(path);
   job_.name = JobName(path);
   job_.collector = ProgramIdentification();
+}
+
+JobSession::~JobSession() {
+  const FileStatus status = CloseJob(job_);
+  if (status.ok()) return;
+  work_.observer.OnWarning("The last work on " + job_.path + " is still in " + job_.path +
+                           ".redo: " + status.Text() +
+                           ". It is finished when the job is opened again.");
 }
 
 std::string JobSession::settings_path() const {
@@ -90,7 +100,7 @@ bool JobSession::Load() {
 bool JobSession::LoadExisting() {
   if (files().Exists(job_.path)) {
     if (!files().Exists(settings_path())) {
-      program_.Warn("The job's settings " + settings_path() +
+      work_.observer.OnWarning("The job's settings " + settings_path() +
                     " are missing: metres, azimuths from north and no coordinate system are "
                     "assumed.");
     }
@@ -147,26 +157,14 @@ bool JobSession::Save() {
   return false;
 }
 
-ExistingPointAnswer JobSession::AskPerson(const std::string& id) {
-  std::string answer;
-  const bool answered = program_.console.Ask(
-      "Point " + id + " exists. Overwrite it, store under the next free id, or cancel? [o/n/C] ",
-      answer);
-  if (!answered || answer.empty()) return {.choice = ExistingPointAnswer::Choice::Cancel};
-  if (LowerCase(answer[0]) == 'o') return {.choice = ExistingPointAnswer::Choice::Overwrite};
-  if (LowerCase(answer[0]) == 'n') return {.choice = ExistingPointAnswer::Choice::UseNextFreeId};
-  return {.choice = ExistingPointAnswer::Choice::Cancel};
-}
-
-ExistingPointAnswer JobSession::AskExistingPoint(const std::string& id, bool exists) {
+ExistingPointAnswer JobSession::AskExistingPoint(const std::string&, bool exists) {
   if (!exists) return {.choice = ExistingPointAnswer::Choice::Overwrite};
   switch (policy_) {
-    case ExistingPolicy::Ask:
-      return AskPerson(id);
     case ExistingPolicy::Overwrite:
       return {.choice = ExistingPointAnswer::Choice::Overwrite};
     case ExistingPolicy::Next:
       return {.choice = ExistingPointAnswer::Choice::UseNextFreeId};
+    case ExistingPolicy::Ask:  // a person is asked before the file is locked (point_storing.h)
     case ExistingPolicy::Cancel:
       break;
   }
@@ -174,14 +172,14 @@ ExistingPointAnswer JobSession::AskExistingPoint(const std::string& id, bool exi
 }
 
 void JobSession::ShowMessage(const std::string& text) {
-  program_.console.PrintError("ERROR: " + text + "\n");
+  work_.observer.OnError(text);
 }
 
 void JobSession::ShowWaitCursor(bool shown) {
   if (shown) {
-    program_.console.ShowProgress("Filling the point numbers in between ...");
+    work_.observer.OnProgress("Filling the point numbers in between ...");
   } else {
-    program_.console.EndProgress();
+    work_.observer.OnProgressEnd();
   }
 }
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "app/cli/program.h"
+#include "app/workflow/workplace.h"
 #include "core/job.h"
 #include "core/settings.h"
 
@@ -17,7 +17,11 @@ enum class ExistingPolicy { Ask, Overwrite, Next, Cancel };
 class JobSession final : public JobHost {
  public:
   /// `path` names the coordinate file.
-  JobSession(Program& program, const std::string& path);
+  JobSession(const Workplace& work, const std::string& path);
+  /// Makes durable what is not yet, and leaves the job as its files alone.
+  ~JobSession() override;
+  JobSession(const JobSession&) = delete;
+  JobSession& operator=(const JobSession&) = delete;
 
   /// Reads NAME.job and fills the job; a missing file means the settings of a new job. False after
   /// a message when the settings cannot be read or make no sense.
@@ -33,17 +37,16 @@ class JobSession final : public JobHost {
   void set_policy(ExistingPolicy policy) { policy_ = policy; }
 
   // What the core asks for.
-  FileSystem& files() override { return program_.files; }
-  Clock& clock() override { return program_.clock; }
+  FileSystem& files() override { return work_.files; }
+  Clock& clock() override { return work_.clock; }
   ExistingPointAnswer AskExistingPoint(const std::string& id, bool exists) override;
   void ShowMessage(const std::string& text) override;
   void ShowWaitCursor(bool shown) override;
 
  private:
   bool TakeSettings();
-  ExistingPointAnswer AskPerson(const std::string& id);
 
-  Program& program_;
+  Workplace work_;
   Settings settings_;
   Job job_;
   ExistingPolicy policy_ = ExistingPolicy::Cancel;
