@@ -235,6 +235,19 @@ FileStatus WritePointNote(Job& job, const PointNote& note) {
   return ReplaceWholeFile(job.host.files(), PointNotesPath(job), EditedNotes(old_file, edits));
 }
 
+std::unordered_set<std::string> MeasuredPoints(Job& job) {
+  std::unordered_set<std::string> measured;
+  std::string bytes;
+  if (!ReadNotes(job, bytes).ok()) return measured;
+  std::string_view rest = bytes;
+  while (!rest.empty()) {
+    const std::string_view block = TakeBlock(rest);
+    const auto id = BlockId(block);
+    if (id && block.find("\nSTATUS,") != std::string_view::npos) measured.insert(NoteKey(*id));
+  }
+  return measured;
+}
+
 std::optional<PointNote> ReadPointNote(Job& job, std::string_view point_id, FileStatus& status) {
   std::string bytes;
   status = ReadNotes(job, bytes);

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "core/change_journal.h"
@@ -64,6 +65,9 @@ FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesCh
 
 /// Brings the job's index up to date after the change was carried out.
 void TakeNoteIndex(Job& job, File* file, const NotesChange& change);
+
+/// The keys of the points whose block says how they were measured.
+std::unordered_set<std::string> MeasuredPoints(Job& job);
 
 /// The text of a block, as the file holds it.
 std::string PointNoteBlock(const PointNote& note);

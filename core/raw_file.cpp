@@ -79,12 +79,17 @@ RawFileResult AppendRawRecord(Job& job, std::string_view record) {
 }
 
 RawFileResult ResumeRawFile(Job& job) {
+  const std::string opening = RawOpeningRecords(job);
+  return opening.empty() ? AppendRawRecords(job, {}) : AppendRawRecord(job, opening);
+}
+
+std::string RawOpeningRecords(Job& job) {
   std::string bytes;
   const FileStatus read = ReadWholeFile(job.host.files(), RawFilePath(job), kLargestScan, bytes);
-  if (read.not_found() || (read.ok() && bytes.empty())) return AppendRawRecords(job, {});
+  if (read.not_found() || (read.ok() && bytes.empty())) return {};
   std::string stamp = TimeStampRecord(job.host.clock().Now());
   if (!HasLineBeginning(bytes, "--" + job.collector)) stamp.insert(0, CommentRecord(job.collector));
-  return AppendRawRecord(job, stamp);
+  return stamp;
 }
 
 }  // namespace tarvex

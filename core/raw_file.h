@@ -26,6 +26,10 @@ RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records);
 /// begins with it, then the date and time are stamped. A missing file is created with its header.
 RawFileResult ResumeRawFile(Job& job);
 
+/// The records with which it does so, to be written together with the first work; empty for a raw
+/// file that does not exist or is empty, which gets its header.
+std::string RawOpeningRecords(Job& job);
+
 /// Opens the raw file at its end, locked and created when it is missing, for a unit of the job.
 FileStatus OpenRawFile(Job& job, std::unique_ptr<File>& file, std::uint64_t& size);
 

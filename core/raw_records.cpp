@@ -81,6 +81,16 @@ std::string StoredPointRecord(const Point& point, std::string_view description) 
   return Coordinates(record, point.at, 4, 4).Description(description).str();
 }
 
+std::string ReplacedPointRecord(const Point& point) {
+  return CommentRecord("Replaced point:" +
+                       StoredPointRecord(point, point.description.view()).substr(1));
+}
+
+std::string DeletedPointRecord(const Point& point) {
+  return CommentRecord("Deleted point:" +
+                       StoredPointRecord(point, point.description.view()).substr(1));
+}
+
 std::string GnssRecord(const GnssRecordFields& fields) {
   return RecordText("GPS")
       .Text("PN", fields.point_id)

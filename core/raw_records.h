@@ -40,6 +40,10 @@ std::string BacksightRecord(const Job& job, const Backsight& backsight);
 /// The description is free text of any length here; the coordinate file keeps 31 bytes of it.
 std::string StoredPointRecord(const Point& point, std::string_view description);
 
+/// The comments that keep what a point was before it was replaced or deleted.
+std::string ReplacedPointRecord(const Point& point);
+std::string DeletedPointRecord(const Point& point);
+
 struct GnssRecordFields {
   std::string point_id;
   double latitude_degrees = 0.0;

@@ -1,4 +1,4 @@
-// Numbers that a person types, in options and in files.
+// Numbers of options and arguments.
 #pragma once
 
 #include <optional>
@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/cli/program.h"
+#include "app/workflow/entered_number.h"
 
 namespace CLI {
 class App;
@@ -13,16 +14,6 @@ class Option;
 }  // namespace CLI
 
 namespace tarvex {
-
-/// No coordinate, station or height on the earth lies beyond this, in any unit.
-inline constexpr double kLargestEntry = 1e9;
-
-/// An entered number, or what is wrong with it: `"1,5" is not a number`.
-struct NumberEntry {
-  double value = 0.0;
-  std::string problem;  ///< empty when the number is good
-};
-NumberEntry ReadNumberEntry(std::string_view text);
 
 /// The number of an argument; nothing after a message that begins with `name` ("The northing").
 std::optional<double> EnteredNumber(Program& program, std::string_view name, std::string_view text);

@@ -5,10 +5,8 @@
 #include <vector>
 
 #include "app/cli/program.h"
+#include "app/workflow/chosen_receiver.h"
 #include "core/settings.h"
-#include "gnss/port_address.h"
-#include "gnss/receiver_make.h"
-#include "gnss/receiver_settings.h"
 
 namespace CLI {
 class App;
@@ -23,12 +21,6 @@ struct ReceiverChoice {
   std::string make;
   std::vector<std::string> settings;
   int position_sentence = 0;
-};
-
-struct ChosenReceiver {
-  PortAddress address;
-  int make_code = kMakeAnyNmea;
-  ReceiverSettings settings;
 };
 
 /// Adds --receiver, --make, --set and --nmea-pos; returns --receiver.

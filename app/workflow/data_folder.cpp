@@ -109,9 +109,8 @@ std::string DataFolder(const Workplace& work) {
   const std::string problem = Seed(folder, installed, work.files);
   if (locked) (void)work.files.Remove(lock_path);
   if (!problem.empty()) {
-    work.observer.OnWarning("the data folder " + folder.string() +
-                               " could not be filled (" + problem +
-                               "); the next start tries again.\n");
+    work.observer.OnWarning("the data folder " + folder.string() + " could not be filled (" +
+                            problem + "); the next start tries again.\n");
   }
   return folder.string() + "/";
 }

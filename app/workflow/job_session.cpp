@@ -100,9 +100,10 @@ bool JobSession::Load() {
 bool JobSession::LoadExisting() {
   if (files().Exists(job_.path)) {
     if (!files().Exists(settings_path())) {
-      work_.observer.OnWarning("The job's settings " + settings_path() +
-                    " are missing: metres, azimuths from north and no coordinate system are "
-                    "assumed.");
+      work_.observer.OnWarning(
+          "The job's settings " + settings_path() +
+          " are missing: metres, azimuths from north and no coordinate system are "
+          "assumed.");
     }
     return Load();
   }

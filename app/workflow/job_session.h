@@ -7,6 +7,7 @@
 
 #include "app/workflow/workplace.h"
 #include "core/job.h"
+#include "core/raw_file.h"
 #include "core/settings.h"
 
 namespace tarvex {
@@ -34,7 +35,13 @@ class JobSession final : public JobHost {
   Job& job() { return job_; }
   Settings& settings() { return settings_; }
   std::string settings_path() const;
+  WorkObserver& observer() { return work_.observer; }
+  /// What opens the raw file for further work, to be written with the first unit of this session:
+  /// the identification line where it is missing, date and time. Empty once it is written.
+  std::string RawOpening() { return raw_opened_ ? "" : RawOpeningRecords(job_); }
+  void RawIsOpened() { raw_opened_ = true; }
   void set_policy(ExistingPolicy policy) { policy_ = policy; }
+  ExistingPolicy policy() const { return policy_; }
 
   // What the core asks for.
   FileSystem& files() override { return work_.files; }
@@ -49,6 +56,7 @@ class JobSession final : public JobHost {
   Workplace work_;
   Settings settings_;
   Job job_;
+  bool raw_opened_ = false;
   ExistingPolicy policy_ = ExistingPolicy::Cancel;
 };
 

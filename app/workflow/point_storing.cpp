@@ -4,11 +4,36 @@
 #include "core/number_text.h"
 #include "core/point_id.h"
 #include "core/point_store.h"
-#include "core/raw_file.h"
 #include "core/raw_records.h"
 #include "core/text.h"
 
 namespace tarvex {
+namespace {
+
+// Decides with the person what happens to a point that exists, without a lock on the files.
+void AskAboutExisting(JobSession& session, const TypedPoint& point) {
+  if (session.policy() != ExistingPolicy::Ask) return;
+  Job& job = session.job();
+  Point existing;
+  {
+    const auto stream = OpenForReading(job);
+    if (ReadPoint(job, job.current_point_id, stream.get(), existing) != ReadPointResult::Found) {
+      return;
+    }
+  }
+  const ExistingPointAnswer answer = session.observer().AskExistingPoint(
+      {.id = job.current_point_id, .existing = existing, .wanted = point.at});
+  switch (answer.choice) {
+    case ExistingPointAnswer::Choice::Overwrite:
+      return session.set_policy(ExistingPolicy::Overwrite);
+    case ExistingPointAnswer::Choice::UseNextFreeId:
+      return session.set_policy(ExistingPolicy::Next);
+    default:
+      return session.set_policy(ExistingPolicy::Cancel);
+  }
+}
+
+}  // namespace
 
 ExistingPolicy ParseExistingPolicy(std::string_view name) {
   if (name == "overwrite") return ExistingPolicy::Overwrite;
@@ -29,56 +54,39 @@ std::string PointIdProblem(const Job& job, std::string_view id) {
          std::to_string(kLargestGap) + " may be jumped over.";
 }
 
-bool TakePointId(Program& program, Job& job, std::string_view id) {
+bool TakePointId(JobSession& session, std::string_view id, std::string& problem) {
+  Job& job = session.job();
   id = WithoutOuterBlanks(id);
-  if (const std::string problem = PointIdProblem(job, id); !problem.empty()) {
-    (void)program.Misuse(problem);
-    return false;
-  }
+  problem = PointIdProblem(job, id);
+  if (!problem.empty()) return false;
   if (job.alphanumeric && id.size() > kPointIdLength) {
-    program.Warn("the id \"" + OneLine(id) + "\" is longer than 9 characters and was cut.");
+    session.observer().OnWarning("the id \"" + OneLine(id) +
+                                 "\" is longer than 9 characters and was cut.");
   }
   job.current_point_id =
       job.alphanumeric ? NormalisePointId(id).str() : std::to_string(*ParseInteger(id));
   return true;
 }
 
-ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& id,
-                      const GridPoint& at, const std::string& description, Announce announce) {
-  Job& job = session.job();
-  const auto stream = OpenCoordinateFile(job);
-  if (!stream) return ExitCode::Failed;
-  if (!TakePointId(program, job, id)) return ExitCode::WrongUse;
-  if (IsEmptySlot({.at = at, .description = Description(description), .id = {}})) {
-    return program.Misuse(
-        "A point at 0, 0, 0 without a description counts as no point; describe it.");
+void AddTypedRecords(JobUnit& unit, const Point& stored, std::string_view description) {
+  unit.AppendRaw(StoredPointRecord(stored, description));
+  unit.EditNote(stored.id.view(), {.kind = NoteEdit::Kind::DropQuality, .note = {}});
+}
+
+TypedPointResult StoreTypedPoint(JobSession& session, const TypedPoint& point) {
+  TypedPointResult result;
+  if (!OpenForReading(session.job())) return result;  // tells what ids the job has
+  if (!TakePointId(session, point.id, result.problem)) return result;
+  if (IsEmptySlot({.at = point.at, .description = Description(point.description), .id = {}})) {
+    result.problem = "A point at 0, 0, 0 without a description counts as no point; describe it.";
+    return result;
   }
-  const StorePointResult result = StorePoint(job, at, description, true, stream.get());
-  switch (result) {
-    case StorePointResult::Stored:
-    case StorePointResult::StoredNotDurable:  // the person was told
-      break;
-    case StorePointResult::Cancelled:
-      return program.Fail("Point " + job.current_point_id +
-                          " exists; nothing was stored. (--existing overwrite or next decides.)");
-    case StorePointResult::DialogFailed:
-      return program.Fail("No free point id was found behind " + job.current_point_id + ".");
-    case StorePointResult::Nothing:
-    case StorePointResult::NoStream:
-      return program.Fail("Point " + job.current_point_id + " was not stored.");
-  }
-  const std::string told = "Stored point " + job.last_stored_point.id.str() + ".\n";
-  if (announce == Announce::OnOutput) {
-    program.console.Print(told);
-  } else {
-    program.console.PrintError(told);
-  }
-  if (AppendRawRecord(job, StoredPointRecord(job.last_stored_point, description)) ==
-      RawFileResult::Written) {
-    return result == StorePointResult::Stored ? ExitCode::Done : ExitCode::Failed;
-  }
-  return program.Fail("The point is stored, but the raw file " + RawFilePath(job) +
-                      " could not be written.");
+  AskAboutExisting(session, point);
+  result.stored = StorePointUnit(session, point.at, point.description, Settling::Now,
+                                 [&point](JobUnit& unit, const Point& stored) {
+                                   AddTypedRecords(unit, stored, point.description);
+                                 });
+  return result;
 }
 
 }  // namespace tarvex

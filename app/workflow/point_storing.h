@@ -1,11 +1,11 @@
-// Storing one point under an id that a person gave, in the coordinate file and the raw file.
+// A point that a person typed or computed, under an id that was given: stored with its record in
+// the raw file. What was measured of an earlier point of that id is no longer said of it.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-#include "app/workflow/job_session.h"
-#include "core/point.h"
+#include "app/workflow/point_unit.h"
 
 namespace tarvex {
 
@@ -16,15 +16,27 @@ ExistingPolicy ParseExistingPolicy(std::string_view name);
 /// is.
 std::string PointIdProblem(const Job& job, std::string_view id);
 
-/// Makes an entered id the job's current one; false after a message. An id that is cut is told.
-bool TakePointId(Program& program, Job& job, std::string_view id);
+/// Makes an entered id the job's current one; false with a sentence in `problem`. An id that is cut
+/// is told as a warning.
+[[nodiscard]] bool TakePointId(JobSession& session, std::string_view id, std::string& problem);
 
-enum class Announce { OnOutput, OnErrors };  ///< the latter beside JSON
+struct TypedPoint {
+  std::string id;
+  GridPoint at;  ///< job's unit
+  std::string description;
+};
 
-/// Stores, journals and tells; coordinates in the job's unit. The session decides what happens to a
-/// point that exists.
-ExitCode StoreUnderId(Program& program, JobSession& session, const std::string& id,
-                      const GridPoint& at, const std::string& description,
-                      Announce announce = Announce::OnOutput);
+struct TypedPointResult {
+  StoredPoint stored;
+  /// What the entry has wrong, in a sentence; nothing was stored then.
+  std::string problem;
+};
+
+/// The session's policy decides what happens to a point that exists; a person who is to be asked is
+/// asked before the files are locked.
+TypedPointResult StoreTypedPoint(JobSession& session, const TypedPoint& point);
+
+/// The observation record of a typed point, and the end of what was measured of it before.
+void AddTypedRecords(JobUnit& unit, const Point& stored, std::string_view description);
 
 }  // namespace tarvex

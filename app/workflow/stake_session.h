@@ -1,33 +1,10 @@
-// Staking a place of a road: each position becomes one line that says where to go.
+// Staking with a receiver: each position is shown against what is to be set out, and is stored only
+// when a person says so, through the same limits and with the same records as a collected point.
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-
-#include "app/cli/receiver_choice.h"
-#include "app/cli/road_file.h"
-#include "app/workflow/job_session.h"
-#include "coordsys/calculator.h"
-#include "gnss/gnss_connection.h"
-#include "gnss/position_reader.h"
-#include "roads/section.h"
-#include "roads/stakeout.h"
+#include "app/workflow/receiver_session.h"
 
 namespace tarvex {
-
-struct StakePlan {
-  RoadTarget target;
-  std::string elevation_from;  ///< where the target's elevation comes from, or why it has none
-  StakeTolerance tolerance;
-  double antenna_height = 0.0;  ///< job's unit
-  long long count = 0;          ///< positions to show; 0: until the receiver ends
-  bool json = false;
-  /// Slope staking: the section whose catch point is looked for, and the side of it.
-  std::optional<RoadTemplate> section;
-  std::optional<DesignSection> design;
-  std::optional<Side> slope_side;
-};
 
 /// Where one stands; without an elevation there is no cut or fill.
 struct StakePosition {
@@ -36,41 +13,44 @@ struct StakePosition {
   std::optional<double> elevation;
 };
 
-class StakeSession final : private StopRequest {
+/// What is to be set out. It shows every position in its own way, and says of a stored one what was
+/// meant.
+class StakeGuide {
  public:
-  StakeSession(Program& program, const OpenedRoad& road, StakePlan plan);
+  virtual ~StakeGuide() = default;
 
-  /// One position that is known: a point of a job or entered coordinates.
-  void ShowPosition(const StakePosition& at, const std::string& name);
+  /// `good` is a position that a stake may go in on: fixed, and precise where that is known.
+  /// False when the position cannot be related to the target.
+  virtual bool Show(const StakePosition& at, bool good, const std::string& name) = 0;
+  /// HRMS that is precise enough for a stake, job's unit.
+  virtual double PreciseHrms() const = 0;
+  /// Comment records for the raw file: design, found and difference of the position shown last.
+  virtual std::vector<std::string> Records() const = 0;
+};
 
-  /// Positions from a receiver until the plan's count, its end, or Ctrl-C.
-  ExitCode Follow(const ChosenReceiver& receiver, const CTrgCalculator& calculator,
-                  DistanceUnit unit);
+struct StakePlan : ReceiverPlan {
+  long long count = 0;  ///< positions to show; 0: until the receiver or the session ends
+  bool store = false;   ///< one point may be stored, after StoreNow; the session ends with it
+};
 
-  /// The last position shown.
-  const std::optional<StakePosition>& last() const { return last_; }
-  /// "STAKE 21+50.000 3.0000 L C 0.02", for the description of a stored stake.
-  std::string StakeText() const;
+class StakeSession final : public ReceiverSession {
+ public:
+  StakeSession(const Workplace& work, JobSession& session, const CTrgCalculator& calculator,
+               const StakePlan& plan, StakeGuide& guide, SessionListener& listener,
+               SessionCommands& commands, StopAsked stop, const PortMaker& ports = {});
+
+  long long shown() const { return shown_; }
 
  private:
-  bool StopRequested() override { return InterruptRequested(); }
-  bool TakePosition(const GnssPositionState& state, const CTrgCalculator& calculator,
-                    DistanceUnit unit);
-  void Show(const StakePosition& at, bool good_position, const std::string& name);
-  std::string StakeLine(const RoadStake& stake, bool inside) const;
-  Json StakeJson(const RoadStake& stake, bool inside) const;
-  void PrintStake(const RoadStake& stake, bool inside, const std::optional<SlopeStep>& slope,
-                  const std::string& name);
-  std::optional<SlopeStep> NextSlope(const RoadStake& stake, const StakePosition& at);
+  bool Finished() const override;
+  bool MayEnd() const override { return shown_ > 0 && !(store_ && store_wanted()); }
+  bool TakeEpoch(const std::optional<GateRefusal>& refusal) override;
+  bool ShowPosition();
 
-  Program& program_;
-  const OpenedRoad& road_;
-  StakePlan plan_;
-  ToleranceGate gate_;
-  std::optional<double> station_before_;
-  std::optional<SlopeShot> shot_before_;
-  std::optional<StakePosition> last_;
-  std::optional<RoadStake> last_stake_;
+  StakeGuide& guide_;
+  long long count_;
+  bool store_;
+  long long shown_ = 0;
 };
 
 }  // namespace tarvex

@@ -1,12 +1,15 @@
 // tarvex collect: points from a receiver.
 #include <map>
 
+#include "app/cli/collect_view.h"
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/cli/correction_choice.h"
+#include "app/cli/correction_text.h"
 #include "app/cli/receiver_choice.h"
 #include "app/workflow/collect_session.h"
 #include "app/workflow/coordinate_systems.h"
+#include "app/workflow/job_calculator.h"
 #include "app/workflow/job_localization.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_storing.h"
@@ -48,68 +51,120 @@ ExitCode SettleGate(const CollectOptions& options, const Settings& job_settings,
 }
 
 // The first id to store under: the one asked for, or the one behind the last of the job.
-ExitCode SettleFirstId(const CollectOptions& options, Job& job, Program& program) {
+ExitCode SettleFirstId(const CollectOptions& options, JobSession& session, Program& program) {
+  Job& job = session.job();
   const auto stream = OpenCoordinateFile(job);
   if (!stream) return ExitCode::Failed;
-  if (options.first.empty()) {
-    job.current_point_id = job.last_point_id;
-    AdvanceCurrentPoint(job);
-    return ExitCode::Done;
+  std::string problem;
+  if (!options.first.empty()) {
+    return TakePointId(session, options.first, problem) ? ExitCode::Done : program.Misuse(problem);
   }
-  if (!TakePointId(program, job, options.first)) return ExitCode::WrongUse;
+  job.current_point_id = job.last_point_id;
+  AdvanceCurrentPoint(job);
   return ExitCode::Done;
+}
+
+ExitCode SettleAntenna(const CollectOptions& options, Program& program, double& height) {
+  const auto antenna = ParseNumber(options.antenna_height);
+  if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
+    return program.Misuse("The antenna height \"" + options.antenna_height +
+                          "\" is not a number from 0 to 1000.");
+  }
+  height = *antenna;
+  return ExitCode::Done;
+}
+
+// With corrections a point is meant to be an RTK point, whatever becomes of them.
+void DemandFixed(CollectPlan& plan, Program& program) {
+  if (!plan.corrections || plan.gate.solution || plan.override_gate) return;
+  plan.gate.solution = SolutionType::Fixed;
+  program.console.PrintError(
+      "With corrections only FIXED positions are stored (--gate-solution says otherwise).\n");
+}
+
+ExitCode MakePlan(const CollectOptions& options, const Settings& settings, Program& program,
+                  CollectPlan& plan) {
+  ExitCode code = SettleReceiver(options.receiver, settings, program, plan.receiver);
+  if (code == ExitCode::Done) code = SettleGate(options, settings, program, plan.gate);
+  if (code == ExitCode::Done) {
+    code =
+        SettleCorrections(options.corrections, plan.receiver.settings, program, plan.corrections);
+  }
+  if (code == ExitCode::Done) code = SettleAntenna(options, program, plan.antenna_height);
+  if (code != ExitCode::Done) return code;
+  if (plan.corrections && !plan.receiver.takes_corrections()) {
+    return program.Misuse("A recorded or simulated receiver takes no corrections.");
+  }
+  plan.average = options.average;
+  plan.override_gate = options.override_gate;
+  plan.stream_log = options.stream_log;
+  plan.count = options.count;
+  plan.description = options.description;
+  plan.patience_ms = options.patience_s * 1000;
+  DemandFixed(plan, program);
+  return ExitCode::Done;
+}
+
+// How the session ended, in words and as the program's exit code.
+ExitCode TellEnd(const CollectPlan& plan, const CollectSession& session, SessionEnd end,
+                 Program& program) {
+  const bool whole = program.exit_code == ExitCode::Done && !session.receiver_lost();
+  switch (end) {
+    case SessionEnd::Complete:
+      return ExitCode::Done;
+    case SessionEnd::Asked:
+      program.console.PrintError(session.receiver_lost()
+                                     ? "Stopped while the receiver was lost; the job is whole.\n"
+                                     : "Stopped; the job is whole.\n");
+      return plan.count == 0 && whole ? ExitCode::Done : ExitCode::Failed;
+    case SessionEnd::RecordingEnded:
+      if (session.bad_checksums() > 0) {
+        program.console.PrintError(std::to_string(session.bad_checksums()) +
+                                   (session.bad_checksums() == 1 ? " sentence" : " sentences") +
+                                   " with a wrong checksum were left out.\n");
+      }
+      return program.Fail("The log ended before the points asked for were stored.");
+    case SessionEnd::NoPosition:
+      return program.Fail(session.receiver_lost()
+                              ? "The receiver was lost and did not come back within " +
+                                    std::to_string(plan.patience_ms / 1000) + " s."
+                              : "No new position came within " +
+                                    std::to_string(plan.patience_ms / 1000) + " s.");
+    case SessionEnd::Failed:
+      break;
+  }
+  return ExitCode::Failed;
+}
+
+ExitCode Collect(CollectPlan plan, JobSession& session, Program& program) {
+  CTrgCalculator calculator;
+  std::string problem;
+  CoordinateSystems systems(program);
+  if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
+  CollectView view(program);
+  SessionCommands commands;
+  CollectSession collecting(program, session, calculator, plan, view, commands, InterruptRequested);
+  const SessionEnd end = collecting.Run();
+  program.console.EndProgress();
+  ExitCode code = TellEnd(plan, collecting, end, program);
+  if (const auto& corrections = collecting.corrections()) {
+    program.console.PrintError(CorrectionSummary(*corrections) + "\n");
+    if (corrections->frames == 0) code = program.Fail("No corrections came.");
+  }
+  const long long stored = collecting.stored();
+  program.console.Print("Stored " + std::to_string(stored) + (stored == 1 ? " point" : " points") +
+                        " in " + session.job().path + ".\n");
+  return code == ExitCode::Done ? program.exit_code : code;
 }
 
 ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedClock* recorded) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
   session.set_policy(ParseExistingPolicy(options.existing));
-  CollectPlan plan;
-  ChosenReceiver receiver;
-  if (const ExitCode code = SettleReceiver(options.receiver, session.settings(), program, receiver);
-      code != ExitCode::Done) {
-    return code;
-  }
-  plan.receiver = receiver.address;
-  plan.receiver_type = receiver.make_code;
-  plan.receiver_settings = receiver.settings;
-  plan.average = options.average;
-  plan.override_gate = options.override_gate;
-  plan.stream_log = options.stream_log;
-  plan.recorded = recorded;
-  if (const ExitCode code = SettleGate(options, session.settings(), program, plan.gate);
-      code != ExitCode::Done) {
-    return code;
-  }
-  if (const ExitCode code =
-          SettleCorrections(options.corrections, plan.receiver_settings, program, plan.corrections);
-      code != ExitCode::Done) {
-    return code;
-  }
-  if (plan.corrections &&
-      (plan.receiver.kind == PortKind::Simulated || plan.receiver.kind == PortKind::File)) {
-    return program.Misuse("A recorded or simulated receiver takes no corrections.");
-  }
-  const auto antenna = ParseNumber(options.antenna_height);
-  if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
-    return program.Misuse("The antenna height \"" + options.antenna_height +
-                          "\" is not a number from 0 to 1000.");
-  }
-  plan.antenna_height = *antenna;
-  plan.count = options.count;
-  plan.description = options.description;
-  plan.patience_ms = options.patience_s * 1000;
-  CTrgCalculator calculator;
-  std::string problem;
-  CoordinateSystems systems(program);
-  if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
-                              problem) ||
-      !ApplyJobLocalization(session.job(), session.settings(), calculator, problem)) {
-    return program.Fail(problem);
-  }
-  if (const ExitCode code = SettleFirstId(options, session.job(), program); code != ExitCode::Done)
-    return code;
-  return CollectSession(program, session.job(), calculator, plan).Run();
+  CollectPlan plan{.recorded = recorded};
+  ExitCode code = MakePlan(options, session.settings(), program, plan);
+  if (code == ExitCode::Done) code = SettleFirstId(options, session, program);
+  return code == ExitCode::Done ? Collect(std::move(plan), session, program) : code;
 }
 
 // A recording can be collected at the time of the field.

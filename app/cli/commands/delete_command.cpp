@@ -2,9 +2,7 @@
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/workflow/job_session.h"
-#include "core/point_store.h"
-#include "core/raw_file.h"
-#include "core/raw_records.h"
+#include "app/workflow/point_deletion.h"
 
 namespace tarvex {
 namespace {
@@ -14,28 +12,18 @@ struct DeleteOptions {
   std::vector<std::string> ids;
 };
 
-bool DeleteOne(Program& program, Job& job, const std::string& id) {
-  const auto stream = OpenCoordinateFile(job);
-  if (!stream) return false;
-  Point point;
-  if (ReadPoint(job, id, stream.get(), point) != ReadPointResult::Found) {
-    (void)program.Fail("There is no point " + id + " in " + job.path + ".");
-    return false;
+bool DeleteOne(Program& program, JobSession& session, const std::string& id) {
+  Point deleted;
+  switch (DeleteJobPoint(session, id, deleted)) {
+    case DeletionResult::Deleted:
+      program.console.Print("Deleted point " + deleted.id.str() + ".\n");
+      return true;
+    case DeletionResult::NotFound:
+      (void)program.Fail("There is no point " + id + " in " + session.job().path + ".");
+      return false;
+    case DeletionResult::Failed:
+      break;
   }
-  const DeletePointResult result = DeletePoint(job, id, stream.get());
-  if (result != DeletePointResult::Deleted && result != DeletePointResult::DeletedNotDurable) {
-    return false;  // the person was told why
-  }
-  program.console.Print("Deleted point " + point.id.str() + ".\n");
-  // The journal keeps what the point was.
-  if (AppendRawRecord(
-          job, CommentRecord("Deleted point:" +
-                             StoredPointRecord(point, point.description.view()).substr(1))) ==
-      RawFileResult::Written) {
-    return result == DeletePointResult::Deleted;
-  }
-  (void)program.Fail("The point is deleted, but the raw file " + RawFilePath(job) +
-                     " could not be written.");
   return false;
 }
 
@@ -43,7 +31,7 @@ ExitCode RunDelete(const DeleteOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
   bool all = true;
-  for (const std::string& id : options.ids) all = DeleteOne(program, session.job(), id) && all;
+  for (const std::string& id : options.ids) all = DeleteOne(program, session, id) && all;
   return all ? ExitCode::Done : ExitCode::Failed;
 }
 

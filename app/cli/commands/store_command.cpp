@@ -2,6 +2,7 @@
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/cli/number_entry.h"
+#include "app/cli/storing_text.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_storing.h"
 
@@ -26,9 +27,12 @@ ExitCode RunStore(const StoreOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
   session.set_policy(ParseExistingPolicy(options.existing));
-  return StoreUnderId(program, session, options.id,
-                      {.northing = *northing, .easting = *easting, .elevation = *elevation},
-                      options.description);
+  return TellStored(
+      program, session,
+      StoreTypedPoint(session,
+                      {.id = options.id,
+                       .at = {.northing = *northing, .easting = *easting, .elevation = *elevation},
+                       .description = options.description}));
 }
 
 }  // namespace

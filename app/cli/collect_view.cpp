@@ -1,0 +1,95 @@
+#include "app/cli/collect_view.h"
+
+#include "app/cli/correction_text.h"
+#include "app/cli/storing_text.h"
+#include "core/number_text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kPrecisionDecimals = 3;
+constexpr int kGridDecimals = 4;
+
+std::string PrecisionText(const GnssPositionState& state) {
+  if (!state.precision_known) return "HRMS and VRMS unknown";
+  return "HRMS " + FixedNumber(state.hrms, kPrecisionDecimals) + ", VRMS " +
+         FixedNumber(state.vrms, kPrecisionDecimals) +
+         (state.precision_carried_over ? " (of an earlier epoch)" : "");
+}
+
+std::string StateText(const GnssPositionState& state) {
+  return std::string(SolutionText(state.solutionType)) + ", " + std::to_string(state.satellites) +
+         " satellites, " + PrecisionText(state);
+}
+
+}  // namespace
+
+void CollectView::On(const SessionEvent& event) {
+  std::visit([this](const auto& what) { Show(what); }, event);
+}
+
+void CollectView::Show(const PositionSeen& seen) {
+  std::string line = std::to_string(seen.stored) + " stored, " + StateText(seen.state);
+  if (seen.epochs > 1) {
+    line += ", epoch " + std::to_string(seen.epoch) + " of " + std::to_string(seen.epochs);
+  }
+  if (seen.refusal) line += "; not stored: " + RefusalSentence(*seen.refusal);
+  if (seen.paused) line += "; paused";
+  if (seen.corrections) line += "; " + CorrectionLine(*seen.corrections, seen.state);
+  program_.console.ShowProgress(line);
+}
+
+void CollectView::Show(const PointStored& stored) {
+  told_.clear();
+  std::string line = "Point " + stored.point.id.str() + ": N " +
+                     FixedNumber(stored.point.at.northing, kGridDecimals) + "  E " +
+                     FixedNumber(stored.point.at.easting, kGridDecimals) + "  EL " +
+                     FixedNumber(stored.point.at.elevation, kGridDecimals) + "  (" +
+                     StateText(stored.state);
+  if (stored.mean) {
+    line += ", mean of " + std::to_string(stored.mean->epochs) + ", farthest " +
+            FixedNumber(stored.mean->farthest, kPrecisionDecimals) + " m";
+  }
+  if (!stored.overridden.empty()) line += ", stored although " + stored.overridden;
+  program_.console.Print(line + ")\n");
+}
+
+void CollectView::Show(const LimitRefuses& limit) {
+  if (limit.refusal) TellOnce("Not stored: " + RefusalSentence(*limit.refusal));
+}
+
+void CollectView::Show(const NoPosition& none) {
+  TellOnce(ResultSentence(none.result));
+}
+
+void CollectView::Show(const EpochRepeated&) {
+  TellOnce("The receiver repeats its last position; it is not stored again.");
+}
+
+void CollectView::Show(const PointExists& exists) {
+  (void)program_.Fail(ExistsSentence(exists.id));
+}
+
+void CollectView::Show(const ReceiverLost& lost) {
+  told_.clear();
+  program_.console.PrintError("The receiver " + lost.why + " is lost; it is tried again in " +
+                              std::to_string((lost.next_try_ms + 999) / 1000) + " s.\n");
+}
+
+void CollectView::Show(const ReceiverBack&) {
+  program_.console.PrintError("The receiver is back.\n");
+}
+
+// A change of the corrections is part of the text, so that it is known afterwards as well.
+void CollectView::Show(const CorrectionsChanged& changed) {
+  program_.console.PrintError(CorrectionSentence(changed.status) + "\n");
+}
+
+void CollectView::TellOnce(const std::string& sentence) {
+  program_.console.ShowProgress(sentence);
+  if (sentence == told_) return;
+  told_ = sentence;
+  program_.console.PrintError(sentence + "\n");
+}
+
+}  // namespace tarvex

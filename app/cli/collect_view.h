@@ -1,0 +1,37 @@
+// A collecting session on the terminal: each stored point is a line of the output, everything else
+// goes to the error output and the line at the bottom.
+#pragma once
+
+#include <string>
+
+#include "app/cli/program.h"
+#include "app/workflow/session_events.h"
+
+namespace tarvex {
+
+class CollectView final : public SessionListener {
+ public:
+  explicit CollectView(Program& program) : program_(program) {}
+
+  void On(const SessionEvent& event) override;
+
+ private:
+  void Show(const PositionSeen& seen);
+  void Show(const PointStored& stored);
+  void Show(const LimitRefuses& limit);
+  void Show(const NoPosition& none);
+  void Show(const EpochRepeated&);
+  void Show(const PointExists& exists);
+  void Show(const ReceiverLost& lost);
+  void Show(const ReceiverBack&);
+  void Show(const CorrectionsChanged& changed);
+  void Show(const SessionWarning& warning) { program_.Warn(warning.sentence); }
+  void Show(const SessionProblem& problem) { (void)program_.Fail(problem.sentence); }
+  /// Says a sentence unless it was the last one said.
+  void TellOnce(const std::string& sentence);
+
+  Program& program_;
+  std::string told_;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,34 @@
+#include "app/cli/storing_text.h"
+
+namespace tarvex {
+
+std::string ExistsSentence(const std::string& id) {
+  return "Point " + id + " exists; nothing was stored. (--existing overwrite or next decides.)";
+}
+
+ExitCode TellStored(Program& program, JobSession& session, const TypedPointResult& result,
+                    Announce announce) {
+  if (!result.problem.empty()) return program.Misuse(result.problem);
+  const std::string& wanted = session.job().current_point_id;
+  switch (result.stored.result) {
+    case StoringResult::Stored:
+    case StoringResult::StoredLater:
+      break;
+    case StoringResult::Exists:
+      return program.Fail(ExistsSentence(wanted));
+    case StoringResult::NoFreeId:
+      return program.Fail("No free point id was found behind " + wanted + ".");
+    case StoringResult::Failed:
+      return program.Fail("Point " + wanted + " was not stored.");
+  }
+  const std::string told = "Stored point " + result.stored.point.id.str() +
+                           (result.stored.replaced ? " over the one that existed.\n" : ".\n");
+  if (announce == Announce::OnOutput) {
+    program.console.Print(told);
+  } else {
+    program.console.PrintError(told);
+  }
+  return result.stored.result == StoringResult::Stored ? ExitCode::Done : ExitCode::Failed;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,17 @@
+// What storing a point came to, in words.
+#pragma once
+
+#include "app/cli/program.h"
+#include "app/workflow/point_storing.h"
+
+namespace tarvex {
+
+enum class Announce { OnOutput, OnErrors };  ///< the latter beside JSON
+
+ExitCode TellStored(Program& program, JobSession& session, const TypedPointResult& result,
+                    Announce announce = Announce::OnOutput);
+
+/// The sentence about a point that exists and that nobody said may be replaced.
+std::string ExistsSentence(const std::string& id);
+
+}  // namespace tarvex

@@ -1,0 +1,22 @@
+// The receiver that a session works with.
+#pragma once
+
+#include "gnss/port_address.h"
+#include "gnss/receiver_make.h"
+#include "gnss/receiver_settings.h"
+
+namespace tarvex {
+
+struct ChosenReceiver {
+  PortAddress address;
+  int make_code = kMakeAnyNmea;
+  ReceiverSettings settings;
+
+  /// Nothing of it comes from hardware: it ends, takes no corrections and is not waited for.
+  bool is_recorded() const { return address.kind == PortKind::File; }
+  bool takes_corrections() const {
+    return address.kind == PortKind::Serial || address.kind == PortKind::Tcp;
+  }
+};
+
+}  // namespace tarvex

@@ -1,0 +1,46 @@
+// One measured position becomes one point of the job: its grid coordinates, its record in the
+// coordinate file, what the raw file says of it, and its note. Collecting and staking both store
+// through here, so that a point is journaled in the same way wherever it came from.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/workflow/collected_point.h"
+#include "app/workflow/point_unit.h"
+#include "coordsys/calculator.h"
+
+namespace tarvex {
+
+/// A position on the job's grid, and how it came there.
+struct GridPosition {
+  GridPoint at;  ///< of the mark: the antenna height is taken off
+  CalculationResult result = CalculationResult::NoSystem;
+  CalculationReport steps;
+
+  bool usable() const {
+    return result == CalculationResult::Done || result == CalculationResult::DoneInPart;
+  }
+};
+
+/// `antenna_height` is in the job's unit.
+GridPosition PlaceOnGrid(const GnssPositionState& state, const CTrgCalculator& calculator,
+                         double antenna_height, DistanceUnit unit);
+
+struct Observation {
+  CollectedPoint point;
+  GridPosition position;
+  std::string description;
+  double antenna_height = 0.0;  ///< above the point, job's unit
+  int make_code = 0;
+  std::vector<std::string> comments = {};  ///< further comment records behind the observation
+};
+
+/// Stores under the job's current point id. What PositionWarnings says goes into the raw file too.
+StoredPoint StoreObservation(JobSession& session, const Observation& observation,
+                             Settling settling);
+
+/// What a person should know of a stored position: no height, no precision, not measured.
+std::vector<std::string> PositionWarnings(const GnssPositionState& state);
+
+}  // namespace tarvex

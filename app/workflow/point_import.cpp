@@ -1,0 +1,165 @@
+#include "app/workflow/point_import.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <unordered_map>
+
+#include "app/workflow/entered_number.h"
+#include "app/workflow/point_storing.h"
+#include "core/coordinate_file.h"
+#include "core/job_unit.h"
+#include "core/number_text.h"
+#include "core/point_bulk.h"
+#include "core/point_id.h"
+#include "core/point_list.h"
+#include "core/point_store.h"
+#include "core/raw_records.h"
+#include "core/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// A field off the front of a line; nothing when the line has no more.
+std::optional<std::string_view> TakeField(std::optional<std::string_view>& line) {
+  if (!line) return std::nullopt;
+  const std::size_t comma = line->find(',');
+  const std::string_view field = WithoutOuterBlanks(line->substr(0, comma));
+  if (comma == std::string_view::npos) {
+    line.reset();
+  } else {
+    line->remove_prefix(comma + 1);
+  }
+  return field;
+}
+
+std::string IdProblem(const Job& job, std::string_view id) {
+  if (id.size() > kPointIdLength)
+    return "the id \"" + OneLine(id) + "\" is longer than 9 characters.";
+  return PointIdProblem(job, id);
+}
+
+// The lines of a text, one point each.
+class ImportReader {
+ public:
+  explicit ImportReader(const Job& job) : job_(job) {}
+
+  void Take(std::string_view text, std::size_t number) {
+    std::string problem = TakePoint(text, number);
+    if (!problem.empty()) import_.bad_lines.push_back({number, std::move(problem)});
+  }
+  PointImport Finish() { return std::move(import_); }
+
+ private:
+  // What is wrong with the line; empty when its point was taken.
+  std::string TakePoint(std::string_view text, std::size_t number) {
+    std::optional<std::string_view> line = text;
+    const auto id = TakeField(line);
+    double values[3] = {};
+    for (int i = 0; i < 3; ++i) {
+      constexpr const char* kNames[] = {"northing", "easting", "elevation"};
+      const auto field = TakeField(line);
+      if (!field) return "fewer than four fields.";
+      const NumberEntry entry = ReadNumberEntry(*field);
+      if (!entry.problem.empty())
+        return std::string("the ") + kNames[i] + " " + entry.problem + ".";
+      values[i] = entry.value;
+    }
+    if (std::string problem = IdProblem(job_, *id); !problem.empty()) return problem;
+    const std::string_view description = WithoutOuterBlanks(line.value_or(""));
+    Point point{.at = {.northing = values[0], .easting = values[1], .elevation = values[2]},
+                .description = Description(description),
+                .id = {}};
+    if (IsEmptySlot(point)) return "a point at 0, 0, 0 without a description counts as no point.";
+    point.id =
+        job_.alphanumeric ? NormalisePointId(*id) : PointId(std::to_string(*ParseInteger(*id)));
+    const auto [before, is_new] = line_of_id_.emplace(point.id.view(), number);
+    if (!is_new) {
+      return "point " + point.id.str() + " stands on line " + std::to_string(before->second) +
+             " already.";
+    }
+    import_.points.push_back(point);
+    import_.descriptions.emplace_back(description);
+    return {};
+  }
+
+  const Job& job_;
+  PointImport import_;
+  std::unordered_map<std::string, std::size_t> line_of_id_;
+};
+
+// The points of the job by their ids.
+using PointsById = std::unordered_map<std::string, Point>;
+
+std::optional<PointsById> LoadById(Job& job) {
+  PointList points;
+  if (LoadAllPoints(job, points) != LoadPointsResult::Loaded) return std::nullopt;
+  PointsById by_id;
+  by_id.reserve(points.size());
+  for (const Point& point : points) by_id.emplace(NoteKey(point.id.view()), point);
+  return by_id;
+}
+
+}  // namespace
+
+PointImport ParsePointImport(const Job& job, std::string_view text) {
+  ImportReader reader(job);
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  for (std::size_t number = 1; const auto line = TakeLine(text); ++number) {
+    if (WithoutOuterBlanks(*line).empty() || line->starts_with('#')) continue;
+    reader.Take(*line, number);
+  }
+  return reader.Finish();
+}
+
+std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const PointImport& import) {
+  const auto existing = LoadById(session.job());
+  if (!existing) return std::nullopt;
+  ImportConflicts conflicts;
+  const std::unordered_set<std::string> measured = MeasuredPoints(session.job());
+  for (const Point& point : import.points) {
+    const std::string key = NoteKey(point.id.view());
+    if (!existing->contains(key)) continue;
+    if (conflicts.existing++ == 0) conflicts.example = point.id.str();
+    if (measured.contains(key)) ++conflicts.measured;
+  }
+  return conflicts;
+}
+
+ImportResult StorePointImport(JobSession& session, const PointImport& import,
+                              ImportExisting existing, const std::string& source) {
+  ImportResult result;
+  Job& job = session.job();
+  const auto before = LoadById(job);
+  const auto unit = before ? JobUnit::Begin(job) : nullptr;
+  if (!unit) return result;
+  unit->AppendRaw(session.RawOpening());
+  unit->AppendRaw(CommentRecord("Points imported from " + source));
+  std::vector<Point> points;
+  points.reserve(import.points.size());
+  for (std::size_t i = 0; i < import.points.size(); ++i) {
+    const Point& point = import.points[i];
+    const auto old = before->find(NoteKey(point.id.view()));
+    if (old != before->end() && existing == ImportExisting::Skip) {
+      ++result.skipped;
+      continue;
+    }
+    if (old != before->end()) {
+      ++result.replaced;
+      unit->AppendRaw(ReplacedPointRecord(old->second));
+    }
+    AddTypedRecords(*unit, point, import.descriptions[i]);
+    points.push_back(point);
+  }
+  if (points.empty()) return result.done = true, result;
+  if (StorePoints(job, points, unit->coordinates()) != StorePointsResult::Stored) return result;
+  if (unit->Commit() != ChangeResult::Done) return result;
+  session.RawIsOpened();
+  result.done = true;
+  result.stored = points.size();
+  return result;
+}
+
+}  // namespace tarvex

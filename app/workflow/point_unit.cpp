@@ -1,0 +1,56 @@
+#include "app/workflow/point_unit.h"
+
+#include "core/point_store.h"
+#include "core/raw_records.h"
+
+namespace tarvex {
+namespace {
+
+StoringResult Explained(StorePointResult result) {
+  switch (result) {
+    case StorePointResult::Stored:
+      return StoringResult::Stored;
+    case StorePointResult::Cancelled:
+      return StoringResult::Exists;
+    case StorePointResult::DialogFailed:
+      return StoringResult::NoFreeId;
+    default:
+      return StoringResult::Failed;
+  }
+}
+
+}  // namespace
+
+StoredPoint StorePointUnit(JobSession& session, const GridPoint& at, const std::string& description,
+                           Settling settling, const PointRecords& records) {
+  Job& job = session.job();
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return {};
+  StoredPoint stored;
+  Point existing;
+  const bool exists = ReadPoint(job, job.current_point_id, &unit->coordinates(), existing) ==
+                      ReadPointResult::Found;
+  stored.result = Explained(StorePoint(job, at, description, true, &unit->coordinates()));
+  if (stored.result != StoringResult::Stored) return stored;
+  stored.point = job.last_stored_point;
+  unit->AppendRaw(session.RawOpening());
+  if (exists && existing.id == stored.point.id) {
+    stored.replaced = existing;
+    unit->AppendRaw(ReplacedPointRecord(existing));
+  }
+  records(*unit, stored.point);
+  switch (unit->Commit(settling)) {
+    case ChangeResult::Done:
+      break;
+    case ChangeResult::Nothing:
+      stored.result = StoringResult::Failed;
+      return stored;
+    case ChangeResult::Pending:
+      stored.result = StoringResult::StoredLater;
+      break;
+  }
+  session.RawIsOpened();
+  return stored;
+}
+
+}  // namespace tarvex

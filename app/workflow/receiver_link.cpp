@@ -1,0 +1,73 @@
+#include "app/workflow/receiver_link.h"
+
+#include <algorithm>
+
+#include "gnss/port_error.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::int64_t kFirstWaitMs = 1000;
+constexpr std::int64_t kLongestWaitMs = 30000;
+
+}  // namespace
+
+ReceiverLink::ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver& receiver,
+                           DistanceUnit unit, StopAsked stop, const PortMaker& maker)
+    : clock_(clock),
+      receiver_(receiver),
+      stop_(std::move(stop)),
+      port_(maker ? maker(receiver.address, stop_)
+                  : MakePort(receiver.address, files, clock, SystemLastError(), stop_)),
+      tap_(files, clock),
+      connection_{.port = port_.get(), .clock = clock, .settings = receiver.settings} {
+  connection_.settings.unit = unit;
+  connection_.stop = this;
+  connection_.listener = &tap_;
+}
+
+bool ReceiverLink::OpenPort() {
+  if (!port_) return true;
+  SystemLastError().Clear();
+  if (port_->Open() != PortError::None) return false;
+  if (receiver_.address.kind == PortKind::Serial) (void)port_->PurgeInput();
+  return true;
+}
+
+bool ReceiverLink::Open(std::string& problem) {
+  if (OpenPort()) return true;
+  problem = ErrorSentences(SystemLastError());
+  return false;
+}
+
+GnssReadResult ReceiverLink::Read() {
+  const GnssReadResult result = ReadGnssPosition(state_, connection_, receiver_.make_code);
+  if (result != GnssReadResult::Accepted && connection_.link_lost()) NoteLost();
+  return result;
+}
+
+void ReceiverLink::NoteLost() {
+  if (lost_) return;
+  lost_ = true;
+  wait_ms_ = kFirstWaitMs;
+  next_try_at_ms_ = clock_.SteadyMilliseconds() + wait_ms_;
+  (void)port_->Close();
+}
+
+std::int64_t ReceiverLink::NextTryMs() const {
+  return std::max<std::int64_t>(0, next_try_at_ms_ - clock_.SteadyMilliseconds());
+}
+
+bool ReceiverLink::TryAgain() {
+  if (!lost_ || NextTryMs() > 0) return false;
+  if (OpenPort()) {
+    connection_.Reconnected();
+    lost_ = false;
+    return true;
+  }
+  wait_ms_ = std::min(wait_ms_ * 2, kLongestWaitMs);
+  next_try_at_ms_ = clock_.SteadyMilliseconds() + wait_ms_;
+  return false;
+}
+
+}  // namespace tarvex

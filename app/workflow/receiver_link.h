@@ -1,0 +1,66 @@
+// A receiver while a session works with it: opened, read position by position, and opened again
+// when the link is lost. Everything that it says passes a tap (log, newest GGA, sky).
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/workflow/chosen_receiver.h"
+#include "app/workflow/receiver_tap.h"
+#include "core/units.h"
+#include "gnss/gnss_connection.h"
+#include "gnss/position_reader.h"
+
+namespace tarvex {
+
+/// Makes the closed port of an address; tests hand in their own.
+using PortMaker = std::function<std::unique_ptr<Port>(const PortAddress&, StopAsked)>;
+
+class ReceiverLink final : private StopRequest {
+ public:
+  /// `stop` ends every waiting. Without a `maker` the system's ports are used.
+  ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver& receiver, DistanceUnit unit,
+               StopAsked stop, const PortMaker& maker = {});
+
+  /// False with a sentence in `problem`. What a serial line still held is a position of the past
+  /// and is dropped.
+  [[nodiscard]] bool Open(std::string& problem);
+
+  /// One reading into state().
+  GnssReadResult Read();
+  const GnssPositionState& state() const { return state_; }
+
+  /// The recording is at its end.
+  bool ended() const { return connection_.ended() && !lost(); }
+  /// The far end closed the connection or the device is gone.
+  bool lost() const { return lost_ || connection_.link_lost(); }
+
+  /// The time from now to the next try to open a lost link: 1 s after it was lost, doubling to 30
+  /// s.
+  std::int64_t NextTryMs() const;
+  /// Tries when it is due; true when the receiver is back.
+  bool TryAgain();
+
+  ReceiverTap& tap() { return tap_; }
+  /// Null for the simulated receiver.
+  Port* port() { return port_.get(); }
+
+ private:
+  bool StopRequested() override { return stop_ && stop_(); }
+  bool OpenPort();
+  void NoteLost();
+
+  Clock& clock_;
+  ChosenReceiver receiver_;
+  StopAsked stop_;
+  std::unique_ptr<Port> port_;
+  ReceiverTap tap_;
+  GnssConnection connection_;
+  GnssPositionState state_;
+  bool lost_ = false;
+  std::int64_t wait_ms_ = 0;
+  std::int64_t next_try_at_ms_ = 0;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,272 @@
+#include "app/workflow/receiver_session.h"
+
+#include "app/workflow/position_checks.h"
+#include "core/raw_file.h"
+
+namespace tarvex {
+namespace {
+
+// The longest that a command waits for the session while it waits for a receiver that is lost.
+constexpr std::int64_t kSliceMs = 100;
+
+template <typename... Takers>
+struct Take : Takers... {
+  using Takers::operator()...;
+};
+template <typename... Takers>
+Take(Takers...) -> Take<Takers...>;
+
+}  // namespace
+
+ReceiverSession::ReceiverSession(const Workplace& work, JobSession& session,
+                                 const CTrgCalculator& calculator, ReceiverPlan plan,
+                                 SessionListener& listener, SessionCommands& commands,
+                                 StopAsked stop, const PortMaker& ports)
+    : work_(work),
+      session_(session),
+      job_(session.job()),
+      calculator_(calculator),
+      plan_(std::move(plan)),
+      listener_(listener),
+      commands_(commands),
+      stop_(std::move(stop)),
+      link_(
+          work.files, work.clock, plan_.receiver, job_.unit, [this] { return EndAsked(); }, ports) {
+}
+
+bool ReceiverSession::EndAsked() const {
+  return (stop_ && stop_()) || commands_.EndSent();
+}
+
+SessionEnd ReceiverSession::Run() {
+  if (!Open()) return SessionEnd::Failed;
+  for (const std::string& warning : SystemWarnings(calculator_)) WarnOnce(warning);
+  StartCorrections();
+  const SessionEnd end = ReadUntilDone();
+  StopCorrections();
+  Settle();
+  return failed_ && end == SessionEnd::Complete ? SessionEnd::Failed : end;
+}
+
+void ReceiverSession::Settle() {
+  const FileStatus status = SettleJob(job_);
+  if (status.ok()) return;
+  Problem("The files of " + job_.path + " could not be made durable: " + status.Text() +
+          ". What was stored is in " + job_.path + ".redo until the job is opened again.");
+}
+
+bool ReceiverSession::Open() {
+  std::string problem;
+  if (!plan_.stream_log.empty() && !link_.tap().StartLog(plan_.stream_log)) {
+    return Problem(link_.tap().log_problem()), false;
+  }
+  if (!link_.Open(problem)) return Problem(problem), false;
+  if (ResumeRawFile(job_) == RawFileResult::Written) return session_.RawIsOpened(), true;
+  return Problem("The raw file " + RawFilePath(job_) + " cannot be written; nothing was stored."),
+         false;
+}
+
+void ReceiverSession::StartCorrections() {
+  if (!plan_.corrections || link_.port() == nullptr) return;
+  corrections_ = std::make_unique<CorrectionLink>(
+      work_.files, work_.clock, [this] { return EndAsked(); }, *plan_.corrections, *link_.port(),
+      link_.tap().gga());
+}
+
+void ReceiverSession::StopCorrections() {
+  if (!corrections_) return;
+  correction_status_ = corrections_->Status();
+  corrections_.reset();
+}
+
+SessionEnd ReceiverSession::ReadUntilDone() {
+  last_new_position_ms_ = work_.clock.SteadyMilliseconds();
+  while (!Finished()) {
+    TakeCommands();
+    if (EndAsked()) return SessionEnd::Asked;
+    const GnssReadResult result = link_.Read();
+    if (EndAsked()) return SessionEnd::Asked;
+    WatchCorrections();
+    WatchLog();
+    if (!TakeReading(result)) return SessionEnd::Failed;
+    if (result != GnssReadResult::Accepted && link_.ended()) {
+      return MayEnd() ? SessionEnd::Complete : SessionEnd::RecordingEnded;
+    }
+    if (link_.lost() && !WaitForReceiver()) {
+      return EndAsked() ? SessionEnd::Asked : SessionEnd::NoPosition;
+    }
+    if (OutOfPatience()) return SessionEnd::NoPosition;
+  }
+  return SessionEnd::Complete;
+}
+
+void ReceiverSession::TakeCommands() {
+  while (auto command = commands_.Take()) {
+    std::visit(
+        Take{[this](StoreNow) { store_wanted_ = true; },
+             [this](SetDescription& set) { plan_.description = set.description; },
+             [this](SetAntennaHeight set) { plan_.antenna_height = set.height; },
+             [this](PauseStoring) { paused_ = true; }, [this](ResumeStoring) { paused_ = false; },
+             [this](RetryCorrections) {
+               if (corrections_) corrections_->Retry();
+             },
+             [](EndSession) {}},
+        *command);
+  }
+}
+
+void ReceiverSession::WatchCorrections() {
+  if (!corrections_) return;
+  const CorrectionStatus status = corrections_->Status();
+  const bool changed = !correction_status_ || status.state != correction_status_->state;
+  correction_status_ = status;
+  if (changed) Tell(CorrectionsChanged{status});
+}
+
+void ReceiverSession::WatchLog() {
+  const std::string& problem = link_.tap().log_problem();
+  if (problem.empty() || !warned_.insert(problem).second) return;
+  Problem(problem);
+}
+
+// The receiver is gone: tries until it is back or nobody waits any longer.
+bool ReceiverSession::WaitForReceiver() {
+  StopCorrections();
+  Tell(ReceiverLost{link_.port()->name(), link_.NextTryMs()});
+  while (!EndAsked() && !OutOfPatience()) {
+    if (link_.TryAgain()) {
+      Tell(ReceiverBack{});
+      StartCorrections();
+      return true;
+    }
+    work_.clock.SleepMilliseconds(kSliceMs);
+    TakeCommands();
+  }
+  return false;
+}
+
+bool ReceiverSession::OutOfPatience() const {
+  return work_.clock.SteadyMilliseconds() - last_new_position_ms_ > plan_.patience_ms;
+}
+
+bool ReceiverSession::TakeReading(GnssReadResult result) {
+  if (result != GnssReadResult::Accepted) {
+    const bool expected =
+        link_.ended() || link_.lost() || NextSentenceIsDue(result, state(), work_.clock);
+    if (!expected) Tell(NoPosition{result});
+    return true;
+  }
+  if (state().repeated_epoch) {
+    Tell(EpochRepeated{});
+    return true;
+  }
+  last_new_position_ms_ = work_.clock.SteadyMilliseconds();
+  if (plan_.recorded != nullptr) plan_.recorded->Follow(state().epoch_ms);
+  return TakeEpoch(Refusal());
+}
+
+// The limit that the position does not keep, unless it is to be stored all the same.
+std::optional<GateRefusal> ReceiverSession::Refusal() {
+  auto refusal = CheckGate(plan_.gate, state(), work_.clock.SteadyMilliseconds());
+  overridden_.clear();
+  if (refusal && plan_.override_gate && refusal->limit != Limit::RepeatedEpoch) {
+    overridden_ = RefusalSentence(*refusal);
+    refusal.reset();
+  }
+  const std::optional<Limit> limit = refusal ? std::optional(refusal->limit) : std::nullopt;
+  if (limit != refused_by_) {
+    refused_by_ = limit;
+    Tell(LimitRefuses{refusal});
+  }
+  return refusal;
+}
+
+bool ReceiverSession::PointComplete() {
+  point_.state = state();
+  if (!overridden_.empty()) point_.overridden = overridden_;
+  if (plan_.average <= 1) return true;
+  if (!average_.Add(state(), job_.unit) || average_.epochs() < plan_.average) return false;
+  point_.state = average_.State();
+  point_.mean = average_.Mean();
+  return true;
+}
+
+GridPosition ReceiverSession::Place() const {
+  return PlaceOnGrid(state(), calculator_, plan_.antenna_height, job_.unit);
+}
+
+bool ReceiverSession::StorePoint(const std::vector<std::string>& comments) {
+  const Observation observation{
+      .point = point_,
+      .position = PlaceOnGrid(point_.state, calculator_, plan_.antenna_height, job_.unit),
+      .description = plan_.description,
+      .antenna_height = plan_.antenna_height,
+      .make_code = plan_.receiver.make_code,
+      .comments = comments};
+  average_ = {};
+  store_wanted_ = false;
+  const GridPosition& position = observation.position;
+  if (position.result != CalculationResult::Done) {
+    failed_ = failed_ || !position.usable();
+    const char* what = position.usable() ? "" : "The position has no grid coordinates: ";
+    WarnOnce(what + CalculationText(position.result));
+    if (!position.usable()) return plan_.receiver.is_recorded();
+  }
+  for (const std::string& warning : PositionWarnings(point_.state)) WarnOnce(warning);
+  CheckPlace(position.at);
+  const std::string wanted = job_.current_point_id;
+  // What is recorded comes as fast as it can be read; with a receiver there is time between two
+  // epochs to make the files durable.
+  const Settling settling = plan_.receiver.takes_corrections() ? Settling::Now : Settling::Later;
+  return TakeStored(StoreObservation(session_, observation, settling), wanted);
+}
+
+void ReceiverSession::CheckPlace(const GridPoint& at) {
+  if (place_checked_) return;
+  place_checked_ = true;
+  for (const std::string& warning : PlaceWarnings(job_, calculator_, point_.state, at)) {
+    WarnOnce(warning);
+  }
+}
+
+bool ReceiverSession::TakeStored(const StoredPoint& stored, const std::string& wanted) {
+  switch (stored.result) {
+    case StoringResult::Exists:
+      Tell(PointExists{wanted});
+      return false;
+    case StoringResult::NoFreeId:
+      Problem("No free point id was found behind " + wanted + ".");
+      return false;
+    case StoringResult::Failed:
+      return false;
+    case StoringResult::Stored:
+    case StoringResult::StoredLater:
+      break;
+  }
+  ++stored_;
+  Tell(PointStored{stored.point, point_.state, point_.mean, point_.overridden, stored.replaced});
+  point_ = {};
+  AdvanceCurrentPoint(job_);
+  return stored.result == StoringResult::Stored;
+}
+
+void ReceiverSession::TellPosition(const std::optional<GateRefusal>& refusal) {
+  Tell(PositionSeen{.state = state(),
+                    .refusal = refusal,
+                    .epoch = average_.epochs(),
+                    .epochs = plan_.average,
+                    .stored = stored_,
+                    .paused = paused_,
+                    .corrections = correction_status_});
+}
+
+void ReceiverSession::WarnOnce(const std::string& sentence) {
+  if (warned_.insert(sentence).second) Tell(SessionWarning{sentence});
+}
+
+void ReceiverSession::Problem(const std::string& sentence) {
+  failed_ = true;
+  Tell(SessionProblem{sentence});
+}
+
+}  // namespace tarvex

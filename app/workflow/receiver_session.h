@@ -1,0 +1,130 @@
+// A session with a receiver: it reads position by position, watches the corrections, the limits and
+// the link, takes what a person commands, and stores observations. What a position is for, the
+// session of a kind says (collect_session.h, stake_session.h).
+//
+// It runs on the thread that calls Run, tells what happens as events, and takes commands from any
+// thread between two readings.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "app/workflow/chosen_receiver.h"
+#include "app/workflow/correction_link.h"
+#include "app/workflow/observation.h"
+#include "app/workflow/receiver_link.h"
+#include "app/workflow/recorded_clock.h"
+#include "app/workflow/session_commands.h"
+#include "app/workflow/session_events.h"
+#include "gnss/quality/quality_gate.h"
+
+namespace tarvex {
+
+struct ReceiverPlan {
+  ChosenReceiver receiver = {};
+  std::string description = {};
+  double antenna_height = 0.0;  ///< above the point, job's unit
+  std::int64_t patience_ms =
+      60000;                   ///< without a new position the session ends; recordings never wait
+  GateLimits gate = {};        ///< what a position must keep to be stored
+  bool override_gate = false;  ///< store it all the same, and journal that
+  std::size_t average = 1;     ///< distinct epochs that make one point
+  std::optional<CorrectionPlan> corrections = {};
+  RecordedClock* recorded = nullptr;  ///< follows the epochs of a recording; not owned
+  std::string stream_log = {};        ///< a new file for what the receiver sends; empty: none
+};
+
+class ReceiverSession {
+ public:
+  virtual ~ReceiverSession() = default;
+  ReceiverSession(const ReceiverSession&) = delete;
+  ReceiverSession& operator=(const ReceiverSession&) = delete;
+
+  /// Opens the receiver, works and tells what happens. The job's current point id is the first one
+  /// that is stored under.
+  SessionEnd Run();
+
+  long long stored() const { return stored_; }
+  /// The receiver was lost and is not back.
+  bool receiver_lost() const { return link_.lost(); }
+  std::uint64_t bad_checksums() const { return link_.state().bad_checksums; }
+  /// What became of the corrections; nothing when there are none.
+  const std::optional<CorrectionStatus>& corrections() const { return correction_status_; }
+
+ protected:
+  /// `stop` ends every waiting, like the command EndSession. `ports` is for tests.
+  ReceiverSession(const Workplace& work, JobSession& session, const CTrgCalculator& calculator,
+                  ReceiverPlan plan, SessionListener& listener, SessionCommands& commands,
+                  StopAsked stop, const PortMaker& ports);
+
+  /// What was asked for is done.
+  virtual bool Finished() const = 0;
+  /// A recording may end here.
+  virtual bool MayEnd() const = 0;
+  /// A new epoch, and the limit that it does not keep. False when the session has to end.
+  virtual bool TakeEpoch(const std::optional<GateRefusal>& refusal) = 0;
+
+  /// Takes the epoch into the point that is stored next; true when it is complete.
+  bool PointComplete();
+  /// Stores the complete point, with further comments for the raw file. False when the session has
+  /// to end.
+  bool StorePoint(const std::vector<std::string>& comments = {});
+  /// The present epoch on the job's grid.
+  GridPosition Place() const;
+
+  const GnssPositionState& state() const { return link_.state(); }
+  const ReceiverPlan& plan() const { return plan_; }
+  bool paused() const { return paused_; }
+  /// StoreNow was sent and nothing was stored since.
+  bool store_wanted() const { return store_wanted_; }
+  std::size_t epochs_taken() const { return average_.epochs(); }
+  void Tell(const SessionEvent& event) { listener_.On(event); }
+  void TellPosition(const std::optional<GateRefusal>& refusal);
+  void WarnOnce(const std::string& sentence);
+  void Problem(const std::string& sentence);
+  void MarkFailed() { failed_ = true; }
+
+ private:
+  bool Open();
+  void StartCorrections();
+  void StopCorrections();
+  SessionEnd ReadUntilDone();
+  bool EndAsked() const;
+  void TakeCommands();
+  void WatchCorrections();
+  void WatchLog();
+  bool WaitForReceiver();
+  bool OutOfPatience() const;
+  bool TakeReading(GnssReadResult result);
+  std::optional<GateRefusal> Refusal();
+  bool TakeStored(const StoredPoint& stored, const std::string& wanted);
+  void CheckPlace(const GridPoint& at);
+  void Settle();
+
+  Workplace work_;
+  JobSession& session_;
+  Job& job_;
+  const CTrgCalculator& calculator_;
+  ReceiverPlan plan_;
+  SessionListener& listener_;
+  SessionCommands& commands_;
+  StopAsked stop_;
+  ReceiverLink link_;
+  std::unique_ptr<CorrectionLink> corrections_;
+  std::optional<CorrectionStatus> correction_status_;
+  CollectedPoint point_;
+  PositionAverage average_;
+  std::string overridden_;  ///< the limit that the last epoch did not keep
+  long long stored_ = 0;
+  std::int64_t last_new_position_ms_ = 0;
+  std::optional<Limit> refused_by_;
+  std::set<std::string> warned_;
+  bool place_checked_ = false;
+  bool paused_ = false;
+  bool store_wanted_ = false;
+  bool failed_ = false;
+};
+
+}  // namespace tarvex

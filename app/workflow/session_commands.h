@@ -1,0 +1,47 @@
+// What a person tells a running session, from whatever thread the face has for it. The session
+// takes the commands between two readings of the receiver.
+#pragma once
+
+#include <atomic>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace tarvex {
+
+/// Store the next position that the limits let through.
+struct StoreNow {};
+struct SetDescription {
+  std::string description;
+};
+struct SetAntennaHeight {
+  double height = 0.0;  ///< above the point, job's unit
+};
+/// Positions are shown, none is stored.
+struct PauseStoring {};
+struct ResumeStoring {};
+/// Ask the caster again at once, also after a refusal.
+struct RetryCorrections {};
+struct EndSession {};
+
+using SessionCommand = std::variant<StoreNow, SetDescription, SetAntennaHeight, PauseStoring,
+                                    ResumeStoring, RetryCorrections, EndSession>;
+
+class SessionCommands {
+ public:
+  /// From any thread.
+  void Send(SessionCommand command);
+  /// In the order in which they were sent; nothing when there is none.
+  std::optional<SessionCommand> Take();
+  /// True from the moment that EndSession was sent, so that a waiting can end for it.
+  bool EndSent() const { return end_sent_; }
+
+ private:
+  std::mutex mutex_;
+  std::deque<SessionCommand> commands_;
+  std::atomic<bool> end_sent_ = false;
+};
+
+}  // namespace tarvex
