@@ -85,6 +85,7 @@ TypedPointResult StoreTypedPoint(JobSession& session, const TypedPoint& point) {
   result.stored = StorePointUnit(session, point.at, point.description, Settling::Now,
                                  [&point](JobUnit& unit, const Point& stored) {
                                    AddTypedRecords(unit, stored, point.description);
+                                   unit.AppendRaw(point.comments);
                                  });
   return result;
 }

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/workflow/point_unit.h"
 
@@ -24,6 +25,7 @@ struct TypedPoint {
   std::string id;
   GridPoint at;  ///< job's unit
   std::string description;
+  std::vector<std::string> comments = {};  ///< further comment records for the raw file
 };
 
 struct TypedPointResult {

@@ -68,6 +68,7 @@ class ReceiverSession {
 
   /// Takes the epoch into the point that is stored next; true when it is complete.
   bool PointComplete();
+  void DescribeNext(const std::string& description) { plan_.description = description; }
   /// Stores the complete point, with further comments for the raw file. False when the session has
   /// to end.
   bool StorePoint(const std::vector<std::string>& comments = {});

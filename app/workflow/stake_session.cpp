@@ -39,6 +39,7 @@ bool StakeSession::TakeEpoch(const std::optional<GateRefusal>& refusal) {
     WarnOnce("The position has no elevation; it is not stored.");
     return true;
   }
+  DescribeNext(guide_.Description());
   return !PointComplete() || StorePoint(guide_.Records());
 }
 

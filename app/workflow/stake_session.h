@@ -24,6 +24,8 @@ class StakeGuide {
   virtual bool Show(const StakePosition& at, bool good, const std::string& name) = 0;
   /// HRMS that is precise enough for a stake, job's unit.
   virtual double PreciseHrms() const = 0;
+  /// The description of a stored stake.
+  virtual std::string Description() const = 0;
   /// Comment records for the raw file: design, found and difference of the position shown last.
   virtual std::vector<std::string> Records() const = 0;
 };

@@ -3,6 +3,7 @@
 #include "app/cli/commands/commands.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/job_session.h"
+#include "core/job_unit.h"
 #include "core/point_notes.h"
 #include "core/point_store.h"
 
@@ -36,11 +37,12 @@ ExitCode RunNote(const NoteOptions& options, Program& program) {
   if (!session.LoadExisting()) return ExitCode::Failed;
   Job& job = session.job();
   Point point;
-  const auto stream = OpenForReading(job);
+  auto stream = OpenForReading(job);
   if (!stream) return ExitCode::Failed;
   if (ReadPoint(job, options.id, stream.get(), point) != ReadPointResult::Found) {
     return program.Fail("There is no point " + options.id + " in " + options.job + ".");
   }
+  stream.reset();
   FileStatus status;
   auto note = ReadPointNote(job, point.id.view(), status);
   if (!status.ok())
@@ -48,9 +50,10 @@ ExitCode RunNote(const NoteOptions& options, Program& program) {
   if (!note) note = PointNote{.point_id = point.id.str(), .lines = {}, .quality_lines = ""};
   if (!options.added.empty()) {
     note->lines.insert(note->lines.end(), options.added.begin(), options.added.end());
-    status = WritePointNote(job, *note);
-    if (!status.ok())
-      return program.Fail(PointNotesPath(job) + " cannot be written: " + status.Text() + ".");
+    const auto unit = JobUnit::Begin(job);
+    if (!unit) return ExitCode::Failed;
+    unit->EditNote(note->point_id, {.kind = NoteEdit::Kind::Replace, .note = *note});
+    if (unit->Commit() != ChangeResult::Done) return ExitCode::Failed;
   }
   PrintNote(options, *note, program);
   return ExitCode::Done;

@@ -5,6 +5,7 @@
 #include "app/cli/result_file.h"
 #include "app/cli/road_job.h"
 #include "app/cli/road_options.h"
+#include "app/cli/storing_text.h"
 #include "app/workflow/point_storing.h"
 #include "core/number_text.h"
 #include "roads/stakeout.h"
@@ -93,9 +94,13 @@ Json RoadPointJson(const OpenedRoad& road, const RoadPoint& point, double offset
 ExitCode StorePoint(const RoadPointOptions& options, Program& program, JobSession& session,
                     const RoadPoint& point) {
   session.set_policy(ParseExistingPolicy(options.existing));
-  return StoreUnderId(program, session, options.id, point.at(),
-                      options.description.empty() ? point.where : options.description,
-                      options.road.json ? Announce::OnErrors : Announce::OnOutput);
+  return TellStored(
+      program, session,
+      StoreTypedPoint(session, {.id = options.id,
+                                .at = point.at(),
+                                .description = options.description.empty() ? point.where
+                                                                           : options.description}),
+      options.road.json ? Announce::OnErrors : Announce::OnOutput);
 }
 
 ExitCode RunRoadPoint(const RoadPointOptions& options, Program& program) {

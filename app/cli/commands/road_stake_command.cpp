@@ -1,13 +1,15 @@
 // tarvex road stake: from where one stands to a station and offset of the road.
+#include "app/cli/collect_view.h"
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/road_commands.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/road_job.h"
 #include "app/cli/road_options.h"
-#include "app/workflow/coordinate_systems.h"
-#include "app/workflow/job_localization.h"
-#include "app/workflow/point_storing.h"
-#include "app/workflow/stake_session.h"
+#include "app/cli/road_stake_guide.h"
+#include "app/cli/session_options.h"
+#include "app/cli/storing_text.h"
+#include "app/cli/typed_commands.h"
+#include "app/workflow/job_calculator.h"
 
 namespace tarvex {
 namespace {
@@ -19,8 +21,7 @@ struct RoadStakeOptions {
   std::string job;
   std::vector<std::string> points;
   std::vector<std::string> at;
-  ReceiverChoice receiver;
-  double antenna_height = 0.0;
+  SessionOptions session;
   long long count = 0;
   StakeTolerance tolerance;
   std::string store_id;
@@ -28,8 +29,8 @@ struct RoadStakeOptions {
 };
 
 // Nothing after a message.
-std::optional<StakePlan> MakePlan(const RoadStakeOptions& options, Program& program,
-                                  const OpenedRoad& road) {
+std::optional<RoadStakePlan> MakePlan(const RoadStakeOptions& options, Program& program,
+                                      const OpenedRoad& road) {
   const auto station = FindStation(program, road, options.place.station);
   if (!station) return std::nullopt;
   const DesignElevation design = road.design.At(*station, options.place.offset);
@@ -37,20 +38,18 @@ std::optional<StakePlan> MakePlan(const RoadStakeOptions& options, Program& prog
   if (road.OutsideLimits(*station)) {
     program.Warn("the target " + road.StationText(*station) + " is outside the station limits.");
   }
-  StakePlan plan{.target = {*station, options.place.offset, design.elevation},
-                 .elevation_from = ElevationSourceText(design.source),
-                 .tolerance = options.tolerance,
-                 .antenna_height = options.antenna_height,
-                 .count = options.count,
-                 .json = options.road.json,
-                 .section = road.design.section,
-                 .design = road.design.SectionAt(*station),
-                 .slope_side = {}};
+  RoadStakePlan plan{.target = {*station, options.place.offset, design.elevation},
+                     .elevation_from = ElevationSourceText(design.source),
+                     .tolerance = options.tolerance,
+                     .json = options.road.json,
+                     .section = road.design.section,
+                     .design = road.design.SectionAt(*station),
+                     .slope_side = {}};
   if (!options.slope.empty()) plan.slope_side = options.slope == "left" ? Side::Left : Side::Right;
   return plan;
 }
 
-ExitCode ShowEntered(const RoadStakeOptions& options, Program& program, StakeSession& stake) {
+ExitCode ShowEntered(const RoadStakeOptions& options, Program& program, RoadStakeGuide& guide) {
   const auto northing = EnteredNumber(program, "The northing", options.at[0]);
   const auto easting = EnteredNumber(program, "The easting", options.at[1]);
   if (!northing || !easting) return program.exit_code;
@@ -59,55 +58,78 @@ ExitCode ShowEntered(const RoadStakeOptions& options, Program& program, StakeSes
     elevation = EnteredNumber(program, "The elevation", options.at[2]);
     if (!elevation) return program.exit_code;
   }
-  stake.ShowPosition({*northing, *easting, elevation}, "Entered");
+  (void)guide.Show({*northing, *easting, elevation}, true, "Entered");
   return ExitCode::Done;
 }
 
 ExitCode ShowJobPoints(const RoadStakeOptions& options, Program& program, JobSession& session,
-                       StakeSession& stake) {
+                       RoadStakeGuide& guide) {
   const auto points = PointsOfJob(program, session, options.points);
   if (!points) return program.exit_code;
   for (const Point& point : *points) {
-    stake.ShowPosition({point.at.northing, point.at.easting, point.at.elevation},
-                       "Point " + point.id.str());
+    (void)guide.Show({point.at.northing, point.at.easting, point.at.elevation}, true,
+                     "Point " + point.id.str());
   }
   return ExitCode::Done;
 }
 
-ExitCode ShowReceiver(const RoadStakeOptions& options, Program& program, JobSession& session,
-                      StakeSession& stake) {
-  ChosenReceiver receiver;
-  const ExitCode settled = SettleReceiver(options.receiver, session.settings(), program, receiver);
-  if (settled != ExitCode::Done) return settled;
-  CTrgCalculator calculator;
-  std::string problem;
-  CoordinateSystems systems(program);
-  if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
-                              problem) ||
-      !ApplyJobLocalization(session.job(), session.settings(), calculator, problem)) {
-    return program.Fail(problem);
+// One position of the receiver is stored when the person says so, by a line on the standard input.
+ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSession& session,
+                        RoadStakeGuide& guide) {
+  StakePlan plan;
+  plan.count = options.count;
+  plan.store = !options.store_id.empty();
+  if (const ExitCode code = SettleSession(options.session, session.settings(), program, plan);
+      code != ExitCode::Done) {
+    return code;
   }
-  return stake.Follow(receiver, calculator, session.job().unit);
+  session.set_policy(ParseExistingPolicy(options.existing));
+  std::string problem;
+  if (plan.store) {
+    if (!OpenForReading(session.job())) return ExitCode::Failed;
+    if (!TakePointId(session, options.store_id, problem)) return program.Misuse(problem);
+    program.console.PrintError("Enter stores the next position that keeps the limits as point " +
+                               session.job().current_point_id + ", q ends.\n");
+  }
+  CTrgCalculator calculator;
+  CoordinateSystems systems(program);
+  if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
+  CollectView view(program);
+  SessionCommands commands;
+  std::optional<TypedCommands> typed;
+  if (plan.store) typed.emplace(program, commands);
+  StakeSession staking(program, session, calculator, plan, guide, view, commands,
+                       InterruptRequested);
+  const SessionEnd end = staking.Run();
+  if (plan.store && staking.stored() == 0) program.console.PrintError("Nothing was stored.\n");
+  if (end == SessionEnd::RecordingEnded && staking.shown() == 0) {
+    return program.Fail("The receiver gave no position to stake from.");
+  }
+  return TellSessionEnd(program, staking, plan, end, plan.count == 0);
 }
 
-ExitCode StoreStake(const RoadStakeOptions& options, Program& program, JobSession& session,
-                    const StakeSession& stake) {
+// The position that was entered, or the point of the job: what was typed is stored as typed.
+ExitCode StoreEntered(const RoadStakeOptions& options, Program& program, JobSession& session,
+                      const RoadStakeGuide& guide) {
   if (options.store_id.empty()) return ExitCode::Done;
-  if (!stake.last()) return program.Fail("There is no position to store.");
-  const StakePosition& at = *stake.last();
+  if (!guide.last()) return program.Fail("There is no position to store.");
+  const StakePosition& at = *guide.last();
   if (!at.elevation) {
     return program.Fail("The position has no elevation; nothing was stored.");
   }
   session.set_policy(ParseExistingPolicy(options.existing));
-  return StoreUnderId(program, session, options.store_id, {at.northing, at.easting, *at.elevation},
-                      stake.StakeText(),
-                      options.road.json ? Announce::OnErrors : Announce::OnOutput);
+  return TellStored(program, session,
+                    StoreTypedPoint(session, {.id = options.store_id,
+                                              .at = {at.northing, at.easting, *at.elevation},
+                                              .description = guide.Description(),
+                                              .comments = guide.Records()}),
+                    options.road.json ? Announce::OnErrors : Announce::OnOutput);
 }
 
 // True when the options name exactly one source of positions, and a job where one is needed.
 bool SourceIsClear(const RoadStakeOptions& options) {
   const int sources = (options.at.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
-                      (options.receiver.address.empty() ? 0 : 1);
+                      (options.session.receiver.address.empty() ? 0 : 1);
   const bool needs_job = options.at.empty() || !options.store_id.empty();
   return sources == 1 && !(needs_job && options.job.empty());
 }
@@ -125,11 +147,13 @@ ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
   const auto session = options.job.empty() ? nullptr : OpenRoadJob(program, options.job, *road);
   if (!options.job.empty() && !session) return program.exit_code;
   WarnAboutFaults(program, *road, options.road);
-  StakeSession stake(program, *road, *plan);
-  const ExitCode code = !options.at.empty()       ? ShowEntered(options, program, stake)
-                        : !options.points.empty() ? ShowJobPoints(options, program, *session, stake)
-                                                  : ShowReceiver(options, program, *session, stake);
-  return code == ExitCode::Done && session ? StoreStake(options, program, *session, stake) : code;
+  RoadStakeGuide guide(program, *road, *plan);
+  if (options.at.empty() && options.points.empty()) {
+    return FollowReceiver(options, program, *session, guide);
+  }
+  const ExitCode code = options.at.empty() ? ShowJobPoints(options, program, *session, guide)
+                                           : ShowEntered(options, program, guide);
+  return code == ExitCode::Done && session ? StoreEntered(options, program, *session, guide) : code;
 }
 
 }  // namespace
@@ -151,16 +175,16 @@ void AddRoadStakeCommand(CLI::App& road, Program& program) {
   sub.add_option("--job", options.job, "The job: its points, coordinate system and unit");
   sub.add_option("--point", options.points, "Stand on these points of the job");
   sub.add_option("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]")->expected(2, 3);
-  AddReceiverOptions(sub, options.receiver);
-  AddNumber(sub, "--antenna-height", options.antenna_height,
-            "Height of the antenna above the point, in the job's unit");
+  AddSessionOptions(sub, options.session);
   sub.add_option("--count", options.count, "Positions to show (default: until the receiver ends)")
       ->check(CLI::NonNegativeNumber);
   AddNumber(sub, "--tolerance", options.tolerance.horizontal,
             "Horizontal, for ON THE STAKE (default: 0.02)", NumberKind::Positive);
   AddNumber(sub, "--vertical-tolerance", options.tolerance.vertical, "Vertical (default: 0.01)",
             NumberKind::Positive);
-  sub.add_option("--store", options.store_id, "Store the last position in the job under this id");
+  sub.add_option("--store", options.store_id,
+                 "Store a position in the job under this id: with --receiver the next one that\n"
+                 "keeps the limits after Enter was pressed, else the one that was named");
   AddExistingOption(sub, options.existing);
   sub.footer(
       "One line a position: where it is, how to go forward and right along the road, north and "

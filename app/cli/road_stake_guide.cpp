@@ -1,0 +1,140 @@
+#include "app/cli/road_stake_guide.h"
+
+#include <cmath>
+#include <utility>
+
+#include "core/number_text.h"
+#include "core/raw_records.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kShownDecimals = 3;
+
+std::string Shown(double value) {
+  return FixedNumber(std::fabs(value), kShownDecimals);
+}
+
+}  // namespace
+
+RoadStakeGuide::RoadStakeGuide(Program& program, const OpenedRoad& road, RoadStakePlan plan)
+    : program_(program), road_(road), plan_(std::move(plan)), gate_(plan_.tolerance) {}
+
+std::string RoadStakeGuide::StakeLine(const RoadStake& stake, bool inside) const {
+  std::string line = "at " + road_.StationText(stake.current.station) + " " +
+                     OffsetText(stake.current.offset, kShownDecimals);
+  const std::string place = PlaceText(stake.current.place);
+  if (!place.empty()) line += " (" + place + ")";
+  if (road_.OutsideLimits(stake.current.station)) line += " (outside the station limits)";
+  line += (stake.deltas.forward < 0.0 ? "  back " : "  forward ") + Shown(stake.deltas.forward) +
+          (stake.deltas.right < 0.0 ? "  left " : "  right ") + Shown(stake.deltas.right) +
+          (stake.deltas.go_north < 0.0 ? "  S " : "  N ") + Shown(stake.deltas.go_north) +
+          (stake.deltas.go_east < 0.0 ? "  W " : "  E ") + Shown(stake.deltas.go_east);
+  if (stake.cut) line += "  " + CutFillText(*stake.cut, kShownDecimals);
+  if (inside) line += "  ON THE STAKE";
+  if (!stake.sound) line += "  (this element should not be staked)";
+  return line;
+}
+
+Json RoadStakeGuide::StakeJson(const RoadStake& stake, bool inside) const {
+  Json json = road_.StationJson(stake.current.station);
+  json["offset"] = stake.current.offset;
+  json["station_to_go"] = stake.station_to_go;
+  json["offset_to_go"] = stake.offset_to_go;
+  json["forward"] = stake.deltas.forward;
+  json["right"] = stake.deltas.right;
+  json["go_north"] = stake.deltas.go_north;
+  json["go_east"] = stake.deltas.go_east;
+  json["distance"] = stake.deltas.distance;
+  json["outside_limits"] = road_.OutsideLimits(stake.current.station);
+  if (plan_.target.elevation) json["design_elevation"] = *plan_.target.elevation;
+  json["elevation_from"] = plan_.elevation_from;
+  if (stake.cut) json["cut"] = *stake.cut;
+  json["inside_tolerance"] = inside;
+  json["sound"] = stake.sound;
+  return json;
+}
+
+// The catch point is looked for where the position stands, whatever its station.
+std::optional<SlopeStep> RoadStakeGuide::NextSlope(const RoadStake& stake,
+                                                   const StakePosition& at) {
+  if (!plan_.slope_side || !plan_.design || !at.elevation) return std::nullopt;
+  const double sign = *plan_.slope_side == Side::Right ? 1.0 : -1.0;
+  const SlopeShot shot{sign * stake.current.offset, *at.elevation};
+  const auto step =
+      NextSlopeStep(*plan_.section, *plan_.design, *plan_.slope_side, shot, shot_before_);
+  shot_before_ = shot;
+  return step;
+}
+
+bool RoadStakeGuide::Show(const StakePosition& at, bool good, const std::string& name) {
+  RoadTarget target = plan_.target;
+  if (!at.elevation) target.elevation.reset();
+  const auto stake =
+      StakeRoadPoint(road_.alignment(), target,
+                     {at.northing, at.easting, at.elevation.value_or(0.0)}, station_before_);
+  if (!stake) return false;
+  station_before_ = stake->current.station;
+  last_ = at;
+  last_stake_ = stake;
+  const bool inside = gate_.Update(stake->deltas.distance, stake->cut, good && stake->sound);
+  PrintStake(*stake, inside, NextSlope(*stake, at), name);
+  return true;
+}
+
+void RoadStakeGuide::PrintStake(const RoadStake& stake, bool inside,
+                                const std::optional<SlopeStep>& slope, const std::string& name) {
+  if (plan_.json) {
+    Json json{{"position", name}};
+    json.update(StakeJson(stake, inside));
+    if (slope) {
+      json["slope"] = {{"kind", slope->kind == EarthworkKind::Cut ? "cut" : "fill"},
+                       {"ratio", slope->ratio},
+                       {"difference", slope->difference},
+                       {"go_out", slope->go_out},
+                       {"caught", slope->caught}};
+    }
+    program_.console.Print(json.dump() + "\n");
+    return;
+  }
+  std::string line = name + ": " + StakeLine(stake, inside);
+  if (slope) {
+    line += slope->kind == EarthworkKind::Cut ? "  slope cut " : "  slope fill ";
+    line += ShortestNumber(slope->ratio) + ":1 " + CutFillText(slope->difference, kShownDecimals);
+    line += slope->caught ? "  CATCH POINT"
+                          : (slope->go_out < 0.0 ? "  go in " : "  go out ") + Shown(slope->go_out);
+  }
+  program_.console.Print(line + "\n");
+}
+
+// Design, found and difference, so that the raw file says how far off a stake was.
+std::vector<std::string> RoadStakeGuide::Records() const {
+  if (!last_stake_ || !last_) return {};
+  std::string text = "Stake: design " + road_.StationText(plan_.target.station) + " " +
+                     OffsetText(plan_.target.offset, kShownDecimals);
+  text += ", N " + FixedNumber(last_stake_->target.northing, kRoadDecimals) + ", E " +
+          FixedNumber(last_stake_->target.easting, kRoadDecimals);
+  if (plan_.target.elevation) text += ", EL " + FixedNumber(*plan_.target.elevation, kRoadDecimals);
+  const std::string found =
+      "Stake: found " + road_.StationText(last_stake_->current.station) + " " +
+      OffsetText(last_stake_->current.offset, kShownDecimals) + ", N " +
+      FixedNumber(last_->northing, kRoadDecimals) + ", E " +
+      FixedNumber(last_->easting, kRoadDecimals) +
+      (last_->elevation ? ", EL " + FixedNumber(*last_->elevation, kRoadDecimals) : "");
+  std::string difference = "Stake: difference N " +
+                           FixedNumber(-last_stake_->deltas.go_north, kRoadDecimals) + ", E " +
+                           FixedNumber(-last_stake_->deltas.go_east, kRoadDecimals) +
+                           ", distance " + FixedNumber(last_stake_->deltas.distance, kRoadDecimals);
+  if (last_stake_->cut) difference += ", EL " + FixedNumber(*last_stake_->cut, kRoadDecimals);
+  return {CommentRecord(text), CommentRecord(found), CommentRecord(difference)};
+}
+
+std::string RoadStakeGuide::Description() const {
+  if (!last_stake_) return {};
+  std::string text =
+      road_.StationText(plan_.target.station) + " " + OffsetText(plan_.target.offset, 2);
+  if (last_stake_->cut) text += " " + CutFillText(*last_stake_->cut, 2);
+  return text;
+}
+
+}  // namespace tarvex

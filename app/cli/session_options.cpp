@@ -1,0 +1,149 @@
+#include "app/cli/session_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/correction_text.h"
+#include "core/number_text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kHighestAntenna = 1000.0;
+
+// What a position must keep: the job's limits, then the command line's.
+ExitCode SettleGate(const SessionOptions& options, const Settings& job_settings, Program& program,
+                    GateLimits& gate) {
+  ReadGateLimits(job_settings.Text(), gate);
+  for (const auto& [key, value] : options.gates) {
+    if (value.empty() || SetGateLimit(key, value, gate)) continue;
+    return program.Misuse("\"" + value + "\" is no value for the limit " + key +
+                          "; docs/receivers.md lists them.");
+  }
+  return ExitCode::Done;
+}
+
+ExitCode SettleAntenna(const SessionOptions& options, Program& program, double& height) {
+  const auto antenna = ParseNumber(options.antenna_height);
+  if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
+    return program.Misuse("The antenna height \"" + options.antenna_height +
+                          "\" is not a number from 0 to 1000.");
+  }
+  height = *antenna;
+  return ExitCode::Done;
+}
+
+// With corrections a point is meant to be an RTK point, whatever becomes of them.
+void DemandFixed(ReceiverPlan& plan, Program& program) {
+  if (!plan.corrections || plan.gate.solution || plan.override_gate) return;
+  plan.gate.solution = SolutionType::Fixed;
+  program.console.PrintError(
+      "With corrections only FIXED positions are stored (--gate-solution says otherwise).\n");
+}
+
+// What a position must keep to be stored.
+void AddGateOptions(CLI::App& sub, SessionOptions& options) {
+  constexpr const char* kGroup = "Limits (a position that does not keep one is not stored)";
+  const std::pair<const char*, const char*> limits[] = {
+      {"solution", "At least this good: fixed, float, dgps or autonomous"},
+      {"hrms", "Greatest HRMS, in the job's unit"},
+      {"vrms", "Greatest VRMS, in the job's unit"},
+      {"pdop", "Greatest PDOP"},
+      {"satellites", "Fewest satellites"},
+      {"age", "Greatest age of the corrections, seconds"},
+      {"stale", "Greatest age of the position, seconds"}};
+  for (const auto& [name, help] : limits) {
+    sub.add_option(std::string("--gate-") + name, options.gates[std::string("gate_") + name], help)
+        ->group(kGroup);
+  }
+  sub.add_flag("--override-gate", options.override_gate,
+               "Store all the same; the raw file says which limit was not kept")
+      ->group(kGroup);
+}
+
+std::string Seconds(std::int64_t milliseconds) {
+  return std::to_string(milliseconds / 1000) + " s";
+}
+
+void TellBadChecksums(Program& program, std::uint64_t count) {
+  if (count == 0) return;
+  program.console.PrintError(std::to_string(count) + (count == 1 ? " sentence" : " sentences") +
+                             " with a wrong checksum " + (count == 1 ? "was" : "were") +
+                             " left out.\n");
+}
+
+}  // namespace
+
+CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options) {
+  CLI::Option* receiver = AddReceiverOptions(sub, options.receiver);
+  sub.add_option("--antenna-height", options.antenna_height,
+                 "Height of the antenna above the point, in the job's unit");
+  sub.add_option("--average", options.average,
+                 "Distinct epochs whose mean is stored as one point (default: 1)")
+      ->check(CLI::Range(1, 100000));
+  sub.add_option("--log-stream", options.stream_log,
+                 "Keep what the receiver sends in a new file, to be replayed");
+  AddGateOptions(sub, options);
+  AddCorrectionOptions(sub, options.corrections);
+  sub.add_option(
+         "--patience", options.patience_s,
+         "Seconds to wait for a new position, or for a receiver that was lost (default: 60)")
+      ->check(CLI::Range(1LL, 86400LL));
+  return receiver;
+}
+
+ExitCode SettleSession(const SessionOptions& options, const Settings& job_settings,
+                       Program& program, ReceiverPlan& plan) {
+  ExitCode code = SettleReceiver(options.receiver, job_settings, program, plan.receiver);
+  if (code == ExitCode::Done) code = SettleGate(options, job_settings, program, plan.gate);
+  if (code == ExitCode::Done) {
+    code =
+        SettleCorrections(options.corrections, plan.receiver.settings, program, plan.corrections);
+  }
+  if (code == ExitCode::Done) code = SettleAntenna(options, program, plan.antenna_height);
+  if (code != ExitCode::Done) return code;
+  if (plan.corrections && !plan.receiver.takes_corrections()) {
+    return program.Misuse("A recorded or simulated receiver takes no corrections.");
+  }
+  plan.average = options.average;
+  plan.override_gate = options.override_gate;
+  plan.stream_log = options.stream_log;
+  plan.patience_ms = options.patience_s * 1000;
+  DemandFixed(plan, program);
+  return ExitCode::Done;
+}
+
+ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const ReceiverPlan& plan,
+                        SessionEnd end, bool until_stopped) {
+  program.console.EndProgress();
+  ExitCode code = program.exit_code;
+  switch (end) {
+    case SessionEnd::Complete:
+      break;
+    case SessionEnd::Asked:
+      program.console.PrintError(session.receiver_lost()
+                                     ? "Stopped while the receiver was lost; the job is whole.\n"
+                                     : "Stopped; the job is whole.\n");
+      if (!until_stopped || session.receiver_lost()) code = ExitCode::Failed;
+      break;
+    case SessionEnd::RecordingEnded:
+      TellBadChecksums(program, session.bad_checksums());
+      code = program.Fail("The log ended before what was asked for was done.");
+      break;
+    case SessionEnd::NoPosition:
+      code = program.Fail(session.receiver_lost()
+                              ? "The receiver was lost and did not come back within " +
+                                    Seconds(plan.patience_ms) + "."
+                              : "No new position came within " + Seconds(plan.patience_ms) + ".");
+      break;
+    case SessionEnd::Failed:
+      code = ExitCode::Failed;
+      break;
+  }
+  if (const auto& corrections = session.corrections()) {
+    program.console.PrintError(CorrectionSummary(*corrections) + "\n");
+    if (corrections->frames == 0) code = program.Fail("No corrections came.");
+  }
+  return code;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,39 @@
+// What every command that works with a receiver takes: the receiver, what a position must keep, the
+// corrections; and how its end is told.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "app/cli/correction_choice.h"
+#include "app/cli/receiver_choice.h"
+#include "app/workflow/receiver_session.h"
+
+namespace tarvex {
+
+/// As entered.
+struct SessionOptions {
+  ReceiverChoice receiver;
+  std::string antenna_height = "0";
+  long long patience_s = 60;
+  std::size_t average = 1;
+  CorrectionChoice corrections;
+  std::string stream_log;
+  std::map<std::string, std::string> gates;  ///< limits by their keys
+  bool override_gate = false;
+};
+
+/// Adds all of them; returns --receiver.
+CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options);
+
+/// The receiver, the job's limits and then the command line's. Wrong use, after a message, when
+/// something is not understood.
+ExitCode SettleSession(const SessionOptions& options, const Settings& job_settings,
+                       Program& program, ReceiverPlan& plan);
+
+/// Tells how the session ended, and what became of its corrections. `until_stopped`: it was to go
+/// on until somebody ends it, so that its end is no failure.
+ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const ReceiverPlan& plan,
+                        SessionEnd end, bool until_stopped);
+
+}  // namespace tarvex
