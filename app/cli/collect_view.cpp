@@ -41,6 +41,11 @@ void CollectView::Show(const PositionSeen& seen) {
 
 void CollectView::Show(const PointStored& stored) {
   told_.clear();
+  if (how_ != Stored::WithPosition) {
+    const std::string told = "Stored point " + stored.point.id.str() + ".\n";
+    return how_ == Stored::InAWord ? program_.console.Print(told)
+                                   : program_.console.PrintError(told);
+  }
   std::string line = "Point " + stored.point.id.str() + ": N " +
                      FixedNumber(stored.point.at.northing, kGridDecimals) + "  E " +
                      FixedNumber(stored.point.at.easting, kGridDecimals) + "  EL " +

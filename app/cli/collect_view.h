@@ -11,7 +11,14 @@ namespace tarvex {
 
 class CollectView final : public SessionListener {
  public:
-  explicit CollectView(Program& program) : program_(program) {}
+  enum class Stored {
+    WithPosition,  ///< a line of the output for each point
+    InAWord,       ///< beside lines that show the position already
+    OnErrors       ///< the same beside JSON
+  };
+
+  explicit CollectView(Program& program, Stored how = Stored::WithPosition)
+      : program_(program), how_(how) {}
 
   void On(const SessionEvent& event) override;
 
@@ -31,6 +38,7 @@ class CollectView final : public SessionListener {
   void TellOnce(const std::string& sentence);
 
   Program& program_;
+  Stored how_;
   std::string told_;
 };
 

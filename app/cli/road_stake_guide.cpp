@@ -67,19 +67,19 @@ std::optional<SlopeStep> RoadStakeGuide::NextSlope(const RoadStake& stake,
   return step;
 }
 
-bool RoadStakeGuide::Show(const StakePosition& at, bool good, const std::string& name) {
+StakeView RoadStakeGuide::Show(const StakePosition& at, bool good, const std::string& name) {
   RoadTarget target = plan_.target;
   if (!at.elevation) target.elevation.reset();
   const auto stake =
       StakeRoadPoint(road_.alignment(), target,
                      {at.northing, at.easting, at.elevation.value_or(0.0)}, station_before_);
-  if (!stake) return false;
+  if (!stake) return StakeView::NotRelated;
   station_before_ = stake->current.station;
   last_ = at;
   last_stake_ = stake;
   const bool inside = gate_.Update(stake->deltas.distance, stake->cut, good && stake->sound);
   PrintStake(*stake, inside, NextSlope(*stake, at), name);
-  return true;
+  return inside ? StakeView::OnTheStake : StakeView::Shown;
 }
 
 void RoadStakeGuide::PrintStake(const RoadStake& stake, bool inside,

@@ -28,7 +28,7 @@ class RoadStakeGuide final : public StakeGuide {
  public:
   RoadStakeGuide(Program& program, const OpenedRoad& road, RoadStakePlan plan);
 
-  bool Show(const StakePosition& at, bool good, const std::string& name) override;
+  StakeView Show(const StakePosition& at, bool good, const std::string& name) override;
   double PreciseHrms() const override { return 0.5 * plan_.tolerance.horizontal; }
   /// "21+50.000 3.0000 L C 0.02".
   std::string Description() const override;

@@ -127,7 +127,7 @@ ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const 
       break;
     case SessionEnd::RecordingEnded:
       TellBadChecksums(program, session.bad_checksums());
-      code = program.Fail("The log ended before what was asked for was done.");
+      code = program.Fail("The log ended before the points asked for were stored.");
       break;
     case SessionEnd::NoPosition:
       code = program.Fail(session.receiver_lost()

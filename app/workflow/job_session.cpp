@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "core/file_rewrite.h"
 #include "app/workflow/identification.h"
+#include "core/file_rewrite.h"
 #include "core/job_unit.h"
 #include "core/number_text.h"
 #include "core/text.h"

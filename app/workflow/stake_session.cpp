@@ -9,17 +9,18 @@ StakeSession::StakeSession(const Workplace& work, JobSession& session,
     : ReceiverSession(work, session, calculator, plan, listener, commands, std::move(stop), ports),
       guide_(guide),
       count_(plan.count),
-      store_(plan.store) {}
+      store_(plan.store),
+      store_on_stake_(plan.store_on_stake) {}
 
 bool StakeSession::Finished() const {
   return stored() > 0 || (count_ != 0 && shown_ >= count_ && !(store_ && store_wanted()));
 }
 
-bool StakeSession::ShowPosition() {
+StakeView StakeSession::ShowPosition() {
   const GridPosition position = Place();
   if (!position.usable()) {
     WarnOnce("The position has no grid coordinates: " + CalculationText(position.result));
-    return false;
+    return StakeView::NotRelated;
   }
   // A stake goes in on a fixed position only, precise to half the tolerance where that is known.
   const bool precise = !state().precision_known || state().precision_carried_over ||
@@ -32,9 +33,11 @@ bool StakeSession::ShowPosition() {
 
 bool StakeSession::TakeEpoch(const std::optional<GateRefusal>& refusal) {
   TellPosition(refusal);
-  if (!ShowPosition()) return true;
+  const StakeView view = ShowPosition();
+  if (view == StakeView::NotRelated) return true;
   ++shown_;
-  if (!store_ || !store_wanted() || refusal || paused()) return true;
+  const bool wanted = store_wanted() || (store_on_stake_ && view == StakeView::OnTheStake);
+  if (!store_ || !wanted || refusal || paused()) return true;
   if (!state().height_known) {
     WarnOnce("The position has no elevation; it is not stored.");
     return true;

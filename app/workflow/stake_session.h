@@ -13,6 +13,12 @@ struct StakePosition {
   std::optional<double> elevation;
 };
 
+enum class [[nodiscard]] StakeView{
+    NotRelated,  ///< the position is nowhere near what is to be set out
+    Shown,
+    OnTheStake  ///< inside the tolerance, with a good position
+};
+
 /// What is to be set out. It shows every position in its own way, and says of a stored one what was
 /// meant.
 class StakeGuide {
@@ -20,8 +26,7 @@ class StakeGuide {
   virtual ~StakeGuide() = default;
 
   /// `good` is a position that a stake may go in on: fixed, and precise where that is known.
-  /// False when the position cannot be related to the target.
-  virtual bool Show(const StakePosition& at, bool good, const std::string& name) = 0;
+  virtual StakeView Show(const StakePosition& at, bool good, const std::string& name) = 0;
   /// HRMS that is precise enough for a stake, job's unit.
   virtual double PreciseHrms() const = 0;
   /// The description of a stored stake.
@@ -33,6 +38,7 @@ class StakeGuide {
 struct StakePlan : ReceiverPlan {
   long long count = 0;  ///< positions to show; 0: until the receiver or the session ends
   bool store = false;   ///< one point may be stored, after StoreNow; the session ends with it
+  bool store_on_stake = false;  ///< the first position on the stake counts as StoreNow
 };
 
 class StakeSession final : public ReceiverSession {
@@ -45,13 +51,14 @@ class StakeSession final : public ReceiverSession {
 
  private:
   bool Finished() const override;
-  bool MayEnd() const override { return shown_ > 0 && !(store_ && store_wanted()); }
+  bool MayEnd() const override { return shown_ > 0 && !store_; }
   bool TakeEpoch(const std::optional<GateRefusal>& refusal) override;
-  bool ShowPosition();
+  StakeView ShowPosition();
 
   StakeGuide& guide_;
   long long count_;
   bool store_;
+  bool store_on_stake_;
   long long shown_ = 0;
 };
 

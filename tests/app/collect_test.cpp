@@ -168,8 +168,8 @@ TEST(Collect, ReadsOverTcp) {
       0);
   EXPECT_EQ(Ids(folder).size(), 2U);
   LoopbackReceiver closing(Epoch(3), true);
-  const ProgramResult cut =
-      folder.Run("collect site.crd --count 2 --receiver " + closing.address() + kPlain);
+  const ProgramResult cut = folder.Run("collect site.crd --count 2 --patience 2 --receiver " +
+                                       closing.address() + kPlain);
   EXPECT_EQ(cut.exit_code, 1);
   EXPECT_EQ(Ids(folder).size(), 3U);
   LoopbackReceiver silent("");

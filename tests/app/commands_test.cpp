@@ -162,7 +162,7 @@ TEST(Commands, TellWhatIsMissing) {
   EXPECT_EQ(
       folder.Run("points many.crd").errors,
       "WARNING: many.crd has records up to number 1, but its header counts to 0: those behind "
-      "are not shown.\n");
+      "are listed, but not found by their number.\n");
 }
 
 TEST(Commands, TeachTheirUse) {

@@ -45,8 +45,13 @@ TEST_F(RoadCommands, CheckStakeAndWriteBack) {
 
   const ProgramResult stake = folder_.Run(
       "road stake site.cl 1+210 -3.6 --profile site.xml --template site.tpl --job site.crd "
-      "--receiver file:rover.nmea --store 10");
+      "--receiver file:rover.nmea --store 10 --store-on-stake");
   EXPECT_EQ(stake.exit_code, 0) << stake.errors;
+  const std::string raw = folder_.Read("site.rw5");
+  EXPECT_THAT(raw, HasSubstr("\nGPS,PN10,"));
+  EXPECT_THAT(raw, HasSubstr("\n--Stake: design 1+210.000 3.600 L, N "));
+  EXPECT_THAT(raw, HasSubstr("\n--Stake: difference N 0.0060, E -0.0040, distance 0.00"));
+  EXPECT_THAT(folder_.Read("site.not"), HasSubstr("PT_ID:10\nHRMS,"));
   EXPECT_EQ(stake.output,
             "FIXED: at 1+201.823 2.459 R  forward 8.039  left 6.279  N 6.200  E 8.100  C 0.650\n"
             "FIXED: at 1+206.997 1.201 L  forward 3.026  left 2.430  N 2.400  E 3.050  C 0.610\n"

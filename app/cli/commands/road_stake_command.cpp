@@ -25,6 +25,7 @@ struct RoadStakeOptions {
   long long count = 0;
   StakeTolerance tolerance;
   std::string store_id;
+  bool store_on_stake = false;
   std::string existing = "ask";
 };
 
@@ -79,6 +80,7 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
   StakePlan plan;
   plan.count = options.count;
   plan.store = !options.store_id.empty();
+  plan.store_on_stake = options.store_on_stake;
   if (const ExitCode code = SettleSession(options.session, session.settings(), program, plan);
       code != ExitCode::Done) {
     return code;
@@ -88,16 +90,20 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
   if (plan.store) {
     if (!OpenForReading(session.job())) return ExitCode::Failed;
     if (!TakePointId(session, options.store_id, problem)) return program.Misuse(problem);
-    program.console.PrintError("Enter stores the next position that keeps the limits as point " +
-                               session.job().current_point_id + ", q ends.\n");
+    program.console.PrintError(
+        (plan.store_on_stake
+             ? "The first position on the stake that keeps the limits is stored as point "
+             : "Enter stores the next position that keeps the limits as point ") +
+        session.job().current_point_id + (plan.store_on_stake ? ".\n" : ", q ends.\n"));
   }
   CTrgCalculator calculator;
   CoordinateSystems systems(program);
   if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
-  CollectView view(program);
+  CollectView view(
+      program, options.road.json ? CollectView::Stored::OnErrors : CollectView::Stored::InAWord);
   SessionCommands commands;
   std::optional<TypedCommands> typed;
-  if (plan.store) typed.emplace(program, commands);
+  if (plan.store && !plan.store_on_stake) typed.emplace(program, commands);
   StakeSession staking(program, session, calculator, plan, guide, view, commands,
                        InterruptRequested);
   const SessionEnd end = staking.Run();
@@ -185,6 +191,9 @@ void AddRoadStakeCommand(CLI::App& road, Program& program) {
   sub.add_option("--store", options.store_id,
                  "Store a position in the job under this id: with --receiver the next one that\n"
                  "keeps the limits after Enter was pressed, else the one that was named");
+  sub.add_flag("--store-on-stake", options.store_on_stake,
+               "With --store: store the first position that is ON THE STAKE, without a key")
+      ->needs("--store");
   AddExistingOption(sub, options.existing);
   sub.footer(
       "One line a position: where it is, how to go forward and right along the road, north and "
