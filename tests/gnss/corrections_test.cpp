@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <random>
 
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/corrections/correction_session.h"
@@ -47,6 +48,27 @@ struct FrameCase {
   std::uint64_t skipped;
   std::map<int, int> counts;
 };
+
+// The definition, bit by bit.
+std::uint32_t Crc24qByDefinition(std::string_view bytes) {
+  std::uint32_t crc = 0;
+  for (const char byte : bytes) {
+    crc ^= std::uint32_t{static_cast<unsigned char>(byte)} << 16;
+    for (int bit = 0; bit < 8; ++bit) crc = (crc << 1) ^ ((crc & 0x800000U) != 0 ? 0x1864CFBU : 0U);
+  }
+  return crc;
+}
+
+TEST(Crc24q, IsItsDefinitionAtEveryLength) {
+  std::mt19937 random(24);
+  std::string bytes(1100, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  for (std::size_t size = 0; size < 1060; ++size) {
+    const std::string_view part = std::string_view(bytes).substr(size % 40, size);
+    ASSERT_EQ(Crc24qOf(part), Crc24qByDefinition(part)) << size;
+    ASSERT_EQ(Crc24qFromTables(part), Crc24qByDefinition(part)) << size;
+  }
+}
 
 TEST(RtcmFramer, FindsTheFramesOfCapturesInPiecesOfAnySize) {
   const FrameCase cases[] = {
