@@ -265,6 +265,39 @@ TEST(Bases, TellAListThatWasCut) {
   EXPECT_NE(listed.errors.find("broke its list off"), std::string::npos);
 }
 
+TEST(Bases, AreKeptForWhereThereIsNoNetwork) {
+  const AnsweringCaster one("SOURCETABLE 200 OK\r\n\r\nSTR;A;x\r\nSTR;B;y\r\nENDSOURCETABLE\r\n");
+  const AnsweringCaster other("SOURCETABLE 200 OK\r\n\r\nSTR;C;z\r\nENDSOURCETABLE\r\n");
+  ProgramFolder folder;
+  const std::string data = folder.Path("data");
+  const char* const before = std::getenv("TARVEX_DATA");
+  const std::string kept = before != nullptr ? before : "";
+  ::setenv("TARVEX_DATA", data.c_str(), 1);
+  EXPECT_EQ(folder.Run("bases --known").exit_code, 1);
+  for (int i = 0; i < 2; ++i) {  // a second time in place of the first
+    EXPECT_EQ(folder.Run("bases " + one.name() + " --save").exit_code, 0);
+  }
+  EXPECT_EQ(folder.Run("bases " + other.name() + " --save").exit_code, 0);
+  const auto all = nlohmann::json::parse(folder.Run("bases --known --json").output);
+  const ProgramResult single = folder.Run("bases --known " + other.name());
+  if (before != nullptr) {
+    ::setenv("TARVEX_DATA", kept.c_str(), 1);
+  } else {
+    ::unsetenv("TARVEX_DATA");
+  }
+  ASSERT_EQ(all["casters"].size(), 2U);
+  EXPECT_EQ(all["casters"][0]["caster"], one.name());
+  EXPECT_EQ(all["casters"][0]["bases"].size(), 2U);
+  EXPECT_EQ(all["casters"][1]["bases"][0]["mountpoint"], "C");
+  EXPECT_EQ(single.output.substr(0, other.name().size() + 3), other.name() + "\nC ");
+  const std::string port = one.name().substr(one.name().find(':') + 1);
+  const std::string list = folder.Read("data/casters.lst");
+  EXPECT_EQ(list.substr(0, list.find('\n')), "CAS;127.0.0.1;" + port + ";;;0;;0.00;0.00;;;;;0\r");
+  EXPECT_NE(list.find("STR;A;x;;;0;;;;0.00;0.00;0;0;;;N;0;0;;127.0.0.1;" + port + ";;0\r\n"),
+            std::string::npos)
+      << list;
+}
+
 TEST(Bases, RepeatNoPassword) {
   ProgramFolder folder;
   for (const std::string line :

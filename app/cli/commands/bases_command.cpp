@@ -5,10 +5,12 @@
 #include "app/cli/commands/commands.h"
 #include "app/cli/correction_choice.h"
 #include "app/cli/json_text.h"
+#include "app/workflow/data_folder.h"
 #include "core/number_text.h"
 #include "core/printable.h"
 #include "core/text.h"
 #include "gnss/ntrip/client.h"
+#include "gnss/ntrip/known_casters.h"
 #include "platform/private_folder.h"
 
 namespace tarvex {
@@ -18,6 +20,8 @@ struct BasesOptions {
   std::string caster;
   std::string password_file;
   std::string near;
+  bool save = false;
+  bool known = false;
   bool json = false;
 };
 
@@ -102,7 +106,7 @@ std::string StreamLine(const StreamRecord& stream, const std::optional<Place>& p
 }
 
 ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& list) {
-  LastErrorRecord errors;
+  LastErrorRecord errors(SystemLastError());
   const auto connection = MakeTcpNtripConnection(errors, InterruptRequested);
   const PrivateFolder folder;
   NtripClient client(connection.get(), "bases",
@@ -120,36 +124,120 @@ ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& lis
   return program.Fail(sentence.starts_with(name) ? sentence : name + ": " + sentence);
 }
 
-ExitCode RunBases(const BasesOptions& options, Program& program) {
-  CasterLogin caster;
-  std::optional<Place> place;
-  std::string problem;
-  if (!ParseCaster(options.caster, caster, problem) ||
-      !FindPassword(options.password_file, caster, problem)) {
-    return program.Misuse(problem);
+Json StreamsJson(const std::vector<StreamRecord>& streams, const std::optional<Place>& place) {
+  Json rows = Json::array();
+  for (const StreamRecord& stream : streams) rows.push_back(StreamJson(stream, place));
+  return rows;
+}
+
+void PrintStreams(const std::vector<StreamRecord>& streams, const std::optional<Place>& place,
+                  Program& program) {
+  for (const StreamRecord& stream : streams) program.console.Print(StreamLine(stream, place));
+}
+
+std::string KnownPath(Program& program) {
+  return DataFolder(program) + "casters.lst";
+}
+
+// False after a message; a list that is not there yet is empty.
+bool ReadKnown(const std::string& path, Program& program, CasterList& known) {
+  LastErrorRecord errors;
+  if (!program.files.Exists(path) ||
+      known.ReadTable(program.files, path, RecordOrigin::OwnList, errors) == PortError::None) {
+    return true;
   }
-  if (!ParsePlace(options.near, place)) {
-    return program.Misuse("\"" + options.near +
-                          "\" is no position: give LATITUDE,LONGITUDE in decimal degrees.");
+  (void)program.Fail("The list of casters " + path + " cannot be read.");
+  return false;
+}
+
+ExitCode Save(const CasterLogin& caster, const CasterList& offered, Program& program) {
+  const std::string path = KnownPath(program);
+  std::unique_ptr<File> file;
+  FileStatus status = OpenLocked(program.files, path, FileAccess::CreateOrKeep, file);
+  CasterList known;
+  if (status.ok()) {
+    if (!ReadKnown(path, program, known)) return ExitCode::Failed;
+    if (!RememberCaster(caster, offered, known)) {
+      return program.Fail("A host or user of more than 32 characters cannot be saved.");
+    }
+    status = ReplaceWholeFile(program.files, path, known.Text(), file);
   }
+  if (!status.ok()) {
+    return program.Fail("The list of casters " + path + " cannot be written: " + status.Text() +
+                        ".");
+  }
+  program.console.PrintError("Saved " + std::to_string(offered.streams.size()) + " streams of " +
+                             CasterName(caster) + " in " + path + ".\n");
+  return ExitCode::Done;
+}
+
+bool IsAskedFor(const CasterLogin& known, const CasterLogin& asked) {
+  return asked.host.empty() ||
+         (EqualsIgnoringCase(known.host.view(), asked.host.view()) && known.port == asked.port);
+}
+
+// What is saved, of one caster or of all.
+ExitCode ShowKnown(const BasesOptions& options, const CasterLogin& asked,
+                   const std::optional<Place>& place, Program& program) {
+  CasterList known;
+  if (!ReadKnown(KnownPath(program), program, known)) return ExitCode::Failed;
+  Json list = Json::array();
+  for (const CasterRecord& caster : known.casters) {
+    const CasterLogin login = LoginOf(caster);
+    if (!IsAskedFor(login, asked)) continue;
+    std::vector<StreamRecord> streams = StreamsOf(known, caster);
+    if (place) SortByDistance(streams, *place);
+    list.push_back({{"caster", CasterName(login)},
+                    {"user", login.user},
+                    {"bases", StreamsJson(streams, place)}});
+    if (options.json) continue;
+    program.console.Print(
+        PrintableLine((login.user.empty() ? "" : login.user + "@") + CasterName(login)) + "\n");
+    PrintStreams(streams, place, program);
+  }
+  if (options.json) {
+    program.console.Print(JsonText({{"casters", list}}));
+  } else if (list.empty()) {
+    return program.Fail("Nothing of it is saved: bases CASTER --save keeps what a caster offers.");
+  }
+  return ExitCode::Done;
+}
+
+ExitCode ShowOffered(const BasesOptions& options, const CasterLogin& caster,
+                     const std::optional<Place>& place, Program& program) {
   CasterList list;
   if (const ExitCode code = FetchBases(caster, program, list); code != ExitCode::Done) return code;
   if (place) SortByDistance(list.streams, *place);
   if (options.json) {
-    Json rows = Json::array();
-    for (const StreamRecord& stream : list.streams) rows.push_back(StreamJson(stream, place));
-    program.console.Print(
-        JsonText({{"caster", CasterName(caster)}, {"complete", list.complete}, {"bases", rows}}));
+    program.console.Print(JsonText({{"caster", CasterName(caster)},
+                                    {"complete", list.complete},
+                                    {"bases", StreamsJson(list.streams, place)}}));
   } else {
-    for (const StreamRecord& stream : list.streams) {
-      program.console.Print(StreamLine(stream, place));
-    }
+    PrintStreams(list.streams, place, program);
   }
   if (!list.complete) {
     return program.Fail("The caster broke its list off before the end: streams are missing.");
   }
   if (list.streams.empty() && !options.json) return program.Fail("The caster offers no streams.");
-  return ExitCode::Done;
+  return options.save ? Save(caster, list, program) : ExitCode::Done;
+}
+
+ExitCode RunBases(const BasesOptions& options, Program& program) {
+  CasterLogin caster;
+  std::optional<Place> place;
+  std::string problem = "Give the caster: tarvex bases [USER@]HOST[:PORT].";
+  const bool all = options.known && options.caster.empty();
+  if (!all && (options.caster.empty() || !ParseCaster(options.caster, caster, problem))) {
+    return program.Misuse(problem);
+  }
+  if (options.known && options.save) return program.Misuse("Give --save or --known, not both.");
+  if (!ParsePlace(options.near, place)) {
+    return program.Misuse("\"" + options.near +
+                          "\" is no position: give LATITUDE,LONGITUDE in decimal degrees.");
+  }
+  if (options.known) return ShowKnown(options, caster, place, program);
+  if (!FindPassword(options.password_file, caster, problem)) return program.Misuse(problem);
+  return ShowOffered(options, caster, place, program);
 }
 
 }  // namespace
@@ -158,13 +246,15 @@ void AddBasesCommand(CLI::App& app, Program& program) {
   Command<BasesOptions> command(app, program, "bases", "List the correction streams of a caster",
                                 RunBases);
   command.sub.footer("Example: tarvex bases caster.example:2101 --near 46.81,9.27");
-  command.sub
-      .add_option("CASTER", command.options->caster,
-                  "[USER@]HOST[:PORT]: the caster (port 2101 by default)")
-      ->required();
+  command.sub.add_option("CASTER", command.options->caster,
+                         "[USER@]HOST[:PORT]: the caster (port 2101 by default)");
   AddPasswordOption(command.sub, command.options->password_file);
   command.sub.add_option("--near", command.options->near,
                          "LATITUDE,LONGITUDE: the nearest bases first, with their distance");
+  command.sub.add_flag("--save", command.options->save,
+                       "Keep what the caster offers, for where there is no network");
+  command.sub.add_flag("--known", command.options->known,
+                       "List what is kept, of this caster or of all, without asking anybody");
   command.sub.add_flag("--json", command.options->json, "Print JSON");
 }
 
