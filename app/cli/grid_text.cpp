@@ -129,7 +129,10 @@ std::string GridFileText(const std::string& path, const GridFileInfo& info) {
   std::string text = path + ": " + TextOf(info.kind).words;
   if (!info.from_system.empty()) text += ", " + info.from_system + " to " + info.to_system;
   text += "\n  " + UseOf(NameOf(path), info.kind);
-  if (!info.to_system.empty()) text += ", which takes " + info.to_system + " for WGS84";
+  const bool is_wgs84 = info.to_system == "WGS84" || info.to_system == "WGS 84";
+  if (!info.to_system.empty() && !is_wgs84) {
+    text += ", which takes " + info.to_system + " for WGS84";
+  }
   text += '\n';
   for (const GridFilePart& part : info.parts) text += PartText(part, info.in_degrees());
   return text;

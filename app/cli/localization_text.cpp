@@ -7,6 +7,7 @@
 #include "app/workflow/job_localization.h"
 #include "core/angle.h"
 #include "core/number_text.h"
+#include "core/printable.h"
 #include "core/text.h"
 
 namespace tarvex {
@@ -36,7 +37,7 @@ std::string AngleText(double radians) {
 // A name in its column of the tables.
 std::string NameColumn(const std::string& name) {
   constexpr std::size_t kColumns = 18;
-  return Left(std::string(CutAtCharacter(OnOneLine(name), kColumns)), kColumns);
+  return Left(std::string(CutAtCharacter(PrintableLine(name), kColumns)), kColumns);
 }
 
 // Degrees that were radians once, without the last bits that this cost: 30, not 29.999999999999996.
@@ -55,7 +56,7 @@ class ReportWriter {
     if (report_.fit.horizontal.result == FitResult::Fitted) Horizontal();
     if (report_.fit.vertical.result == FitResult::Fitted) Vertical();
     for (const WarningText& warning : report_.warnings)
-      text_ += "WARNING: " + OnOneLine(warning.text) + "\n";
+      text_ += "WARNING: " + PrintableLine(warning.text) + "\n";
     return std::move(text_);
   }
 
@@ -195,17 +196,6 @@ Json VerticalJson(const LocalizationReport& report) {
 }
 
 }  // namespace
-
-std::string OnOneLine(std::string text) {
-  const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (byte(i) < 0x20 || byte(i) == 0x7F) text[i] = ' ';
-    // U+0080 to U+009F, among them the one that begins a terminal's commands.
-    const bool is_c1 = byte(i) == 0xC2 && i + 1 < text.size() && (byte(i + 1) & 0xE0) == 0x80;
-    if (is_c1) text.replace(i, 2, "  ");
-  }
-  return text;
-}
 
 std::string ControlListText(const LocalizationList& list) {
   std::string text =

@@ -9,9 +9,6 @@
 
 namespace tarvex {
 
-/// A text that a file holds, for a line of a terminal: control characters become blanks.
-std::string OnOneLine(std::string text);
-
 /// A table of the points with their residuals, the parameters, and the warnings.
 std::string LocalizationReportText(const LocalizationReport& report, DistanceUnit unit);
 

@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "coordsys/projections/lanes.h"
+#include "core/printable.h"
 #include "core/text.h"
 #include "core/units.h"
 
@@ -21,9 +22,10 @@ constexpr double kClosedRad = 1e-13;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr int kMostGrids = 10'000;
 
-std::string_view Field(const char* record) {
-  return WithoutOuterBlanks(
-      std::string_view(record + 8, 8).substr(0, std::string_view(record + 8, 8).find('\0')));
+// The text of a record's value; whatever it holds goes to people.
+std::string Field(const char* record) {
+  const std::string_view value(record + 8, 8);
+  return PrintableLine(WithoutOuterBlanks(value.substr(0, value.find('\0'))));
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "app/workflow/stored_coordinates.h"
 #include "core/number_text.h"
 #include "core/point_list.h"
+#include "core/printable.h"
 #include "core/raw_file.h"
 #include "core/raw_records.h"
 
@@ -80,13 +81,13 @@ class Localize {
     LocalizationFault fault;
     auto read = LoadLocalization(program_.files, path, session_.job().unit, fault);
     if (!read) {
-      problem = OnOneLine(fault.Text(path)) + ".";
+      problem = PrintableLine(fault.Text(path)) + ".";
       return false;
     }
     list_ = std::move(read->points);
     for (const auto& [name, value] : read->settings) {
       program_.console.PrintError(
-          OnOneLine(path + " also holds the setting " + name + "=" + value) +
+          PrintableLine(path + " also holds the setting " + name + "=" + value) +
           ", which is not used here.\n");
     }
     return true;
