@@ -9,6 +9,11 @@ namespace tarvex {
 ClosedLibrary::ClosedLibrary(std::string name, RunTimeLibraries& libraries, MessageBox* messages)
     : name_(std::move(name)), libraries_(libraries), messages_(messages) {}
 
+bool ClosedLibrary::IsLoaded() {
+  const std::lock_guard lock(mutex_);
+  return library_ != nullptr;
+}
+
 bool ClosedLibrary::Loaded() {
   if (library_ || failed_) return library_ != nullptr;
   std::string why;

@@ -29,6 +29,12 @@ class ClosedLibrary {
     return reinterpret_cast<F*>(Address(entry_name));
   }
 
+  /// The same of a library that is loaded; null, and no load, for one that is not.
+  template <typename F>
+  F* EntryIfLoaded(const char* entry_name) {
+    return IsLoaded() ? Entry<F>(entry_name) : nullptr;
+  }
+
   /// Unloads the library and forgets its entry points: the next use loads it afresh. A remembered
   /// failure stays remembered. No call into the library may be running.
   void Close();
@@ -43,6 +49,7 @@ class ClosedLibrary {
 
  private:
   void* Address(const char* entry_name);
+  bool IsLoaded();
   bool Loaded();
 
   std::mutex mutex_;

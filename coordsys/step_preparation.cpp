@@ -18,6 +18,8 @@ constexpr int kBadParameters = 4165;
 constexpr int kShiftsItself = 4166;
 constexpr int kNoNadconGrids = 4167;
 constexpr int kNone = 4168;
+constexpr int kOtherGrid = 4178;
+constexpr int kNothingToShift = 4179;
 
 bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
   return text.size() >= end.size() &&
@@ -112,12 +114,35 @@ class StepPreparer {
                                                  sources_.coord_sys);
   }
 
+  // The national projections have one grid each, or none.
+  bool TakesCorrection(const std::string& label) const {
+    switch (static_cast<ProjectionType>(record_.projection_type)) {
+      case ProjectionType::TransverseMercatorOstn02:
+      case ProjectionType::TransverseMercator34:
+        return false;
+      case ProjectionType::ObliqueStereographicRd2000:
+      case ProjectionType::ObliqueStereographicRd2004:
+        return label == kDutchGridLabel;
+      case ProjectionType::ObliqueMercatorEov:
+        return label == kHungarianGridLabel;
+      default:
+        return true;
+    }
+  }
+
   std::shared_ptr<const DatumShift> ChooseShift() {
     const std::string& shift = choice_.shift;
     const bool is_correction =
         shift == kDutchGridLabel || shift == kHungarianGridLabel || shift == kBelgianGridLabel;
     if (!shift.empty() && !is_correction && ShiftsInside(record_)) {
       return WrongChoice(Strings().Text(kShiftsItself));
+    }
+    if (is_correction && !TakesCorrection(shift)) {
+      return WrongChoice(Strings().Text(kOtherGrid, {shift}));
+    }
+    const bool from_old_datum = shift == kFrenchGridLabel || shift == kNadConverterLabel;
+    if (from_old_datum && StandsOnWgs84(record_)) {
+      return WrongChoice(Strings().Text(kNothingToShift, {shift}));
     }
     if (shift == kFrenchGridLabel) return FrenchShift();
     if (shift == kNadConverterLabel) return NadGrids();

@@ -279,7 +279,7 @@ constexpr std::array kEntries = {
           "The scale is %s ppm from 1, and ground distances here would make it %s ppm: check the "
           "units, the projection and the points, or fix the scale."},
     Entry{4142, "%s has a large residual: %s vertically."},
-    Entry{4150, "The library that shifts the datum cannot be loaded."},
+    Entry{4150, "The library that shifts the datum is missing, or cannot do it in this direction."},
     Entry{4151, "The point lies outside of the grid."},
     Entry{4152, "The grid has no value at this point."},
     Entry{4153, "The datum shift cannot be made."},
@@ -316,6 +316,10 @@ constexpr std::array kEntries = {
           "The grids of the north and height corrections have no value at this point; both are "
           "taken as 0."},
     Entry{4177, "The grid's correction changes so much here that no place on the plane has it."},
+    Entry{4178, "The grids \"%s\" belong to another country than this projection."},
+    Entry{4179,
+          "The datum is WGS84, or as good as WGS84: \"%s\" shifts from an older datum and would "
+          "move every point."},
     // Roads
     Entry{5000, "the line is too short to be a record: %s"},
     Entry{5001, "the point id is negative: %s"},

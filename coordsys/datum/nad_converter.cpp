@@ -51,7 +51,8 @@ std::optional<int> NadConverter::ToNad27(Geodetic& position) const {
 }
 
 void NadConverter::Close() const {
-  if (NadCloseEntry* const close = nadconv_->Entry<NadCloseEntry>("CloseNADConverter")) close();
+  NadCloseEntry* const close = nadconv_->EntryIfLoaded<NadCloseEntry>("CloseNADConverter");
+  if (close != nullptr) close();
   nadconv_->Close();
 }
 

@@ -26,7 +26,8 @@ class NadConverter {
   std::optional<int> ToNad83(Geodetic& position) const;
   std::optional<int> ToNad27(Geodetic& position) const;
 
-  /// Has the library give back its grids and unloads it; the next use loads it afresh.
+  /// Has the library give back its grids and unloads it; the next use loads it afresh. A library
+  /// that was never used is not loaded for this.
   void Close() const;
 
   const std::string& grid_folder() const { return grid_folder_; }

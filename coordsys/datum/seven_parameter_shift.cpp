@@ -30,24 +30,18 @@ SevenParameterShift::SevenParameterShift(const SevenParameters& parameters,
 void SevenParameterShift::Prepare() const {
   const auto forward = TakeEntry(*coord_sys_, "xform_3D_7Param", ForwardArguments(parameters_));
   const auto inverse = TakeEntry(*coord_sys_, "xform3D_Pt", InverseArguments(parameters_));
-  if (!forward || !inverse) return;
-  maps_.emplace(Maps{.to_system = GeodeticMap(kWgs84, ellipsoid_, *inverse),
-                     .to_wgs84 = GeodeticMap(ellipsoid_, kWgs84, *forward)});
-}
-
-const SevenParameterShift::Maps* SevenParameterShift::Prepared() const {
-  std::call_once(once_, [this] { Prepare(); });
-  return maps_ ? &*maps_ : nullptr;
+  if (inverse) to_system_.emplace(kWgs84, ellipsoid_, *inverse);
+  if (forward) to_wgs84_.emplace(ellipsoid_, kWgs84, *forward);
 }
 
 const GeodeticMap* SevenParameterShift::MapToSystem() const {
-  const Maps* const maps = Prepared();
-  return maps == nullptr ? nullptr : &maps->to_system;
+  std::call_once(once_, [this] { Prepare(); });
+  return to_system_ ? &*to_system_ : nullptr;
 }
 
 const GeodeticMap* SevenParameterShift::MapToWgs84() const {
-  const Maps* const maps = Prepared();
-  return maps == nullptr ? nullptr : &maps->to_wgs84;
+  std::call_once(once_, [this] { Prepare(); });
+  return to_wgs84_ ? &*to_wgs84_ : nullptr;
 }
 
 StepOutcome SevenParameterShift::ToSystem(Geodetic& position) const {

@@ -25,24 +25,20 @@ class SevenParameterShift final : public DatumShift {
   StepOutcome ToWgs84(Geodetic& position) const override;
   std::string Describe() const override;
 
-  /// The prepared maps, for whole arrays; null when the library cannot be had.
+  /// The prepared maps, for whole arrays; null when the library, or its entry point for this
+  /// direction, cannot be had. Each direction goes by its own entry point.
   const GeodeticMap* MapToSystem() const;
   const GeodeticMap* MapToWgs84() const;
 
  private:
-  struct Maps {
-    GeodeticMap to_system;
-    GeodeticMap to_wgs84;
-  };
-
-  const Maps* Prepared() const;
   void Prepare() const;
 
   SevenParameters parameters_;
   Ellipsoid ellipsoid_;
   std::shared_ptr<ClosedLibrary> coord_sys_;
   mutable std::once_flag once_;
-  mutable std::optional<Maps> maps_;
+  mutable std::optional<GeodeticMap> to_system_;
+  mutable std::optional<GeodeticMap> to_wgs84_;
 };
 
 }  // namespace tarvex

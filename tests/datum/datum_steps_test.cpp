@@ -122,6 +122,18 @@ TEST(SevenParameterShift, AMissingLibraryOrEntryLeavesThePosition) {
   }
 }
 
+// Each direction goes by its own entry point.
+TEST(SevenParameterShift, AMissingEntryEndsOnlyItsOwnDirection) {
+  ScriptedLibraries libraries;
+  libraries.entries["xform3D_Pt"] = reinterpret_cast<void*>(&Unchanged);
+  const SevenParameterShift shift(kGerman, kBessel,
+                                  std::make_shared<ClosedLibrary>("CoordSys.dll", libraries));
+  Geodetic at = kBerlin;
+  EXPECT_EQ(shift.ToWgs84(at), (StepOutcome{StepStatus::LibraryMissing, 4150}));
+  EXPECT_EQ(at, kBerlin);
+  EXPECT_EQ(shift.ToSystem(at).status, StepStatus::Done);
+}
+
 // A data folder with the Texan cut of the grids as the continental one.
 class NadFolder {
  public:
@@ -185,6 +197,8 @@ TEST(NadConverter, ClosesTheLibraryAndRemembersAFailedLoad) {
   libraries.entries["CloseNADConverter"] = reinterpret_cast<void*>(&CountClose);
   NadConverter converter(std::make_shared<ClosedLibrary>("nadconv.dll", libraries), "/data/",
                          nullptr);
+  converter.Close();  // nothing is loaded, and nothing is for this
+  EXPECT_EQ(libraries.loaded, 0);
   Geodetic at = kBerlin;
   EXPECT_FALSE(converter.ToNad83(at).has_value());  // no such entry
   converter.Close();
@@ -305,6 +319,34 @@ TEST(StepPreparation, KnowsWhichDatumsNeedAChoice) {
                       {.shift = "", .geoid = "", .definition_gives_shift = true});
   ASSERT_TRUE(zeros.steps.datum_shift);
   EXPECT_THAT(zeros.steps.datum_shift->Describe(), HasSubstr("seven parameters: 0, 0, 0 m"));
+}
+
+// A shift that cannot belong to the system moves points by 100 m and more.
+TEST(StepPreparation, RefusesAShiftOfAnotherCountry) {
+  using enum ProjectionType;
+  struct Case {
+    ProjectionType type;
+    const char* datum;
+    Ellipsoid ellipsoid;
+    const char* choice;
+    const char* says;
+  };
+  const Case cases[] = {
+      {LambertConformalConic2SP, "RGF93", kGrs80, "GR3DF97A", "as good as WGS84"},
+      {TransverseMercator, "WGS_1984", kWgs84, "NAD27", "as good as WGS84"},
+      {TransverseMercatorOstn02, "OSGB_1936", kBessel, "VITEL", "another country"},
+      {ObliqueMercatorEov, "HD72", kBessel, "NADCON", "another country"},
+      {ObliqueStereographicRd2004, "Amersfoort", kBessel, "VITEL", "another country"},
+      {ObliqueStereographicRd2004, "Amersfoort", kBessel, "NADCON", ""},
+      {LambertConformalConic2SP, "Belge_1972", kBessel, "Belge 1972 - xyGridLb72", ""},
+  };
+  for (const Case& c : cases) {
+    Sources sources;
+    const PreparedSteps made = sources.Prepare(RecordOf(c.type, c.datum, c.ellipsoid, 1.0),
+                                               {.shift = c.choice, .geoid = ""});
+    EXPECT_EQ(made.wrong_choice.empty(), *c.says == '\0') << c.choice << made.wrong_choice;
+    EXPECT_THAT(made.wrong_choice, HasSubstr(c.says));
+  }
 }
 
 TEST(StepPreparation, StatePlaneZonesOf1927TakeTheConverter) {
