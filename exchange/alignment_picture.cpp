@@ -22,6 +22,7 @@ constexpr std::string_view kTangentColor = "#333333";
 constexpr std::string_view kArcColor = "#1f5fbf";
 constexpr std::string_view kSpiralColor = "#15803d";
 constexpr std::string_view kFaultColor = "#c81e1e";
+constexpr std::string_view kEquationColor = "#7c3aed";
 constexpr std::string_view kQuiet = "#777777";
 
 DrawingPoint OnDrawing(const PlanPoint& at) {
@@ -53,25 +54,28 @@ double RoundStep(double least) {
 
 class AlignmentPainter {
  public:
-  AlignmentPainter(const RoadGeometry& road, const StationStyle& style,
+  AlignmentPainter(const RoadGeometry& road, const PictureLook& look,
                    std::span<const PictureMark> marks)
-      : road_(road), alignment_(road.alignment), style_(style), marks_(marks) {
+      : road_(road),
+        alignment_(road.alignment),
+        style_(look.stations),
+        unit_(look.unit),
+        marks_(marks) {
     for (std::size_t i = 0; i < alignment_.elements().size(); ++i) lines_.push_back(Trace(i));
   }
 
   std::string Paint(std::string_view title) {
     SvgPicture picture(Extent(), kPageWidth, kMargin);
-    RoundStations(picture);
     for (std::size_t i = 0; i < lines_.size(); ++i) {
       const AlignmentElement& element = alignment_.elements()[i];
       picture.Line(lines_[i], {ColorOf(element), 2.5, !element.sound});
     }
-    KeyPoints(picture);
-    for (const PictureMark& mark : marks_) {
-      picture.Dot(OnDrawing(mark.at), 4.0, kFaultColor);
-      picture.Text(OnDrawing(mark.at), mark.label, {.color = kFaultColor}, 7.0, 4.0);
-    }
+    // What matters most finds its room first.
     Legend(picture, title);
+    for (const PictureMark& mark : marks_) Mark(picture, mark);
+    Equations(picture);
+    KeyPoints(picture);
+    RoundStations(picture);
     return picture.Finish(title);
   }
 
@@ -109,33 +113,88 @@ class AlignmentPainter {
     return box;
   }
 
-  // A tick across the road at a point, and its text on the right-hand side.
-  void Tick(SvgPicture& picture, const PlanPoint& at, double azimuth, double pixels,
-            std::string_view text, std::string_view color, double size, bool right) const {
-    const double half = pixels / picture.PixelsPerUnit();
-    const double across_n = -std::sin(azimuth) * half;
-    const double across_e = std::cos(azimuth) * half;
-    const DrawingPoint ends[] = {{at.easting - across_e, at.northing - across_n},
-                                 {at.easting + across_e, at.northing + across_n}};
-    picture.Line(ends, {color, 1.2});
+  struct TickStyle {
+    double pixels = 0.0;  ///< half its length
+    std::string_view color;
+    double text_size = 0.0;
+    bool right = true;  ///< the side of the road that its text is tried on first
+    int asides = 0;     ///< how far along the road the text may be put
+  };
+
+  // A tick across the road at a point, and its text beside it: it runs away from the road, readable
+  // from below or from the right.
+  void Tick(SvgPicture& picture, const PlanPoint& at, double azimuth, std::string_view text,
+            const TickStyle& style) const {
+    const double half = style.pixels / picture.PixelsPerUnit();
+    const DrawingPoint across{std::cos(azimuth) * half, -std::sin(azimuth) * half};
+    const DrawingPoint ends[] = {{at.easting - across.x, at.northing - across.y},
+                                 {at.easting + across.x, at.northing + across.y}};
+    picture.Line(ends, {style.color, 1.2});
     if (text.empty()) return;
-    // The text runs away from the road, readable from below or from the right.
-    double rotation = azimuth * 180.0 / std::numbers::pi;
+    std::vector<SvgPicture::Place> places;
+    for (int step = 0; step <= style.asides; ++step) {
+      for (const bool right : {style.right, !style.right}) {
+        for (const double sign : {1.0, -1.0}) {
+          if (step == 0 && sign < 0.0) continue;
+          places.push_back(BesideTick(at, across, azimuth, right, style));
+          places.back().aside = sign * step * 1.15 * style.text_size;
+        }
+      }
+    }
+    (void)picture.TextWhereFree(text, places);
+  }
+
+  static SvgPicture::Place BesideTick(const PlanPoint& at, const DrawingPoint& across,
+                                      double azimuth, bool right, const TickStyle& style) {
+    double rotation = std::remainder(azimuth * 180.0 / std::numbers::pi, 360.0);
     bool away = right;
-    rotation = std::remainder(rotation, 360.0);
     if (rotation > 90.0 || rotation <= -90.0) {
       rotation -= std::copysign(180.0, rotation);
       away = !away;
     }
-    using Anchor = TextStyle::Anchor;
     const double side = (right ? 1.0 : -1.0) * 1.6;
-    const DrawingPoint place{at.easting + across_e * side, at.northing + across_n * side};
-    picture.Text(place, text,
-                 {.size = size,
-                  .color = color,
-                  .anchor = away ? Anchor::Start : Anchor::End,
-                  .rotation = rotation},
-                 0.0, size * 0.35);
+    SvgPicture::Place place;
+    place.at = {at.easting + across.x * side, at.northing + across.y * side};
+    place.style = {.size = style.text_size,
+                   .color = style.color,
+                   .anchor = away ? TextStyle::Anchor::Start : TextStyle::Anchor::End,
+                   .rotation = rotation};
+    place.dy = style.text_size * 0.35;
+    return place;
+  }
+
+  // Beside its dot, on the side that is free.
+  static void Mark(SvgPicture& picture, const PictureMark& mark) {
+    using Anchor = TextStyle::Anchor;
+    picture.Dot(OnDrawing(mark.at), 4.0, kFaultColor);
+    std::vector<SvgPicture::Place> places;
+    for (double aside = 0.0; aside < 80.0; aside += 13.0) {
+      for (const double sign : {1.0, -1.0}) {
+        for (const Anchor anchor : {Anchor::Start, Anchor::End}) {
+          places.push_back({OnDrawing(mark.at),
+                            {.color = kFaultColor, .anchor = anchor},
+                            anchor == Anchor::Start ? 7.0 : -7.0,
+                            4.0,
+                            sign * aside});
+        }
+      }
+    }
+    (void)picture.TextWhereFree(mark.label, places);
+  }
+
+  void Equations(SvgPicture& picture) const {
+    const StationEquations& equations = road_.equations;
+    const auto text = [this](double station) {
+      return FormatStation(station, style_.mode, style_.decimals);
+    };
+    for (std::size_t i = 0; i < equations.equations().size(); ++i) {
+      const auto at = alignment_.PointAt(equations.At(i));
+      const StationEquation& equation = equations.equations()[i];
+      if (!at) continue;
+      Tick(picture, at->at, at->azimuth,
+           text(equation.back) + " BK = " + text(equation.ahead) + " AH",
+           {kTickPixels * 2.6, kEquationColor, 10.0, true, 6});
+    }
   }
 
   void RoundStations(SvgPicture& picture) const {
@@ -148,8 +207,8 @@ class AlignmentPainter {
       const double shown = road_.equations.Displayed(station).station;
       if (std::fabs(std::remainder(shown, interval)) > 1e-3) continue;
       const auto at = alignment_.PointAt(station);
-      Tick(picture, at->at, at->azimuth, kTickPixels, road_.equations.Text(station, style_.mode, 0),
-           kQuiet, 10.0, true);
+      Tick(picture, at->at, at->azimuth, road_.equations.Text(station, style_.mode, 0),
+           {kTickPixels, kQuiet, 10.0, true, 0});
     }
   }
 
@@ -162,9 +221,9 @@ class AlignmentPainter {
       const std::string text =
           std::string(RecordName(road_.chain[node])) + " " +
           road_.equations.Text(road_.chain[node].station, style_.mode, style_.decimals);
-      Tick(picture, NodeAt(node), last ? e.azimuth_end : e.azimuth_start, kTickPixels * 1.8,
-           elements.size() <= kMostNamedElements ? text : std::string(), kTangentColor, 11.0,
-           false);
+      Tick(picture, NodeAt(node), last ? e.azimuth_end : e.azimuth_start,
+           elements.size() <= kMostNamedElements ? text : std::string(),
+           {kTickPixels * 1.8, kTangentColor, 11.0, false, 6});
       picture.Dot(OnDrawing(NodeAt(node)), 2.5, kTangentColor);
     }
   }
@@ -177,7 +236,10 @@ class AlignmentPainter {
     picture.PageLine(20.0, y, end, y, {kTangentColor, 2.0});
     picture.PageLine(20.0, y - 4.0, 20.0, y + 4.0, {kTangentColor, 2.0});
     picture.PageLine(end, y - 4.0, end, y + 4.0, {kTangentColor, 2.0});
-    picture.PageText(20.0, y - 8.0, ShortestNumber(bar), {.size = 11.0});
+    const char* unit = unit_ == DistanceUnit::Metres         ? " m"
+                       : unit_ == DistanceUnit::UsSurveyFeet ? " US ft"
+                                                             : " ft";
+    picture.PageText(20.0, y - 8.0, ShortestNumber(bar) + unit, {.size = 11.0});
     const double x = picture.width() - 30.0;
     picture.PageLine(x, 60.0, x, 22.0, {kTangentColor, 1.5});
     picture.PageLine(x - 5.0, 32.0, x, 22.0, {kTangentColor, 1.5});
@@ -188,6 +250,7 @@ class AlignmentPainter {
   const RoadGeometry& road_;
   const Alignment& alignment_;
   StationStyle style_;
+  DistanceUnit unit_;
   std::span<const PictureMark> marks_;
   std::vector<std::vector<DrawingPoint>> lines_;
 };
@@ -195,8 +258,8 @@ class AlignmentPainter {
 }  // namespace
 
 std::string AlignmentPicture(const RoadGeometry& road, std::string_view title,
-                             const StationStyle& style, std::span<const PictureMark> marks) {
-  return AlignmentPainter(road, style, marks).Paint(title);
+                             const PictureLook& look, std::span<const PictureMark> marks) {
+  return AlignmentPainter(road, look, marks).Paint(title);
 }
 
 }  // namespace tarvex

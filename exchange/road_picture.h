@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/units.h"
 #include "roads/alignment_check.h"
 #include "roads/road_geometry.h"
 #include "roads/section.h"
@@ -18,10 +19,17 @@ struct PictureMark {
   std::string label;
 };
 
-/// North up, key points and round stations named, tangents dark, arcs blue, spirals green, elements
-/// that should not be staked red and dashed.
+/// How the picture shows numbers.
+struct PictureLook {
+  StationStyle stations;
+  DistanceUnit unit = DistanceUnit::Metres;  ///< of the scale bar
+};
+
+/// North up, key points, station equations and round stations named, tangents dark, arcs blue,
+/// spirals green, elements that should not be staked red and dashed. No text lies on another: one
+/// that finds no room beside its place is put aside with a thin line, or left out.
 std::string AlignmentPicture(const RoadGeometry& road, std::string_view title,
-                             const StationStyle& style, std::span<const PictureMark> marks = {});
+                             const PictureLook& look, std::span<const PictureMark> marks = {});
 
 /// What the picture of a section shows besides the design.
 struct SectionSide {

@@ -11,8 +11,7 @@ namespace {
 
 constexpr double kPageWidth = 1000.0;
 constexpr double kMargin = 125.0;
-constexpr double kBeyond = 2.0;        // ground shown beyond the outermost point
-constexpr double kLeastPixels = 34.0;  // between labels of points
+constexpr double kBeyond = 2.0;  // ground shown beyond the outermost point
 constexpr std::string_view kRoadColor = "#1f5fbf";
 constexpr std::string_view kSlopeColor = "#15803d";
 constexpr std::string_view kGroundColor = "#8a5a2b";
@@ -47,9 +46,9 @@ class SectionPainter {
       if (slope.size() > 1) picture.Line(slope, {kSlopeColor, 2.2});
     }
     picture.Line(road_, {kRoadColor, 2.8});
-    Points(picture);
-    Catches(picture);
     picture.PageText(20.0, 28.0, title, {.size = 16.0});
+    Catches(picture);
+    Points(picture);
     const std::string scale = stretch == 1.0 ? "heights and widths in one scale"
                                              : "heights " + FixedNumber(stretch, 0) + " times";
     picture.PageText(20.0, picture.height() - 16.0, scale, {.size = 11.0, .color = kQuiet});
@@ -102,17 +101,19 @@ class SectionPainter {
   // Names above the road where there is room for them; offset and elevation below.
   void Points(SvgPicture& picture) const {
     using Anchor = TextStyle::Anchor;
-    double free_from = -1e300;
     for (std::size_t i = 0; i < road_.size(); ++i) {
       picture.Dot(road_[i], 2.6, kRoadColor);
-      const double pixel = road_[i].x * picture.PixelsPerUnit();
-      if (pixel < free_from) continue;
-      free_from = pixel + kLeastPixels;
       const SectionPoint& point = design_.points[i];
-      picture.Text(road_[i], point.description,
-                   {.size = 11.0, .color = kRoadColor, .anchor = Anchor::Middle}, 0.0, -10.0);
-      picture.Text(road_[i], OffsetText(point.offset, 2) + "  " + FixedNumber(point.elevation, 3),
-                   {.size = 10.0, .color = kQuiet, .rotation = 60.0}, 2.0, 16.0);
+      std::vector<SvgPicture::Place> above;
+      for (double up = -10.0; up > -60.0; up -= 13.0) {
+        above.push_back(
+            {road_[i], {.size = 11.0, .color = kRoadColor, .anchor = Anchor::Middle}, 0.0, up});
+      }
+      (void)picture.TextWhereFree(point.description, above);
+      const SvgPicture::Place below{
+          road_[i], {.size = 10.0, .color = kQuiet, .rotation = 60.0}, 2.0, 16.0};
+      (void)picture.TextWhereFree(
+          OffsetText(point.offset, 2) + "  " + FixedNumber(point.elevation, 3), {&below, 1});
     }
   }
 
@@ -121,16 +122,26 @@ class SectionPainter {
       if (slopes_[side].empty()) continue;
       const CatchPoint& caught = *sides_[side]->caught;
       const DrawingPoint at = slopes_[side].back();
-      // Away from the road, above the ground.
-      const double away = side == 0 ? -8.0 : 8.0;
-      const auto anchor = side == 0 ? TextStyle::Anchor::End : TextStyle::Anchor::Start;
       const char* kind = caught.kind == EarthworkKind::Cut ? "cut " : "fill ";
       picture.Dot(at, 4.5, kSlopeColor);
-      picture.Text(at, kind + ShortestNumber(caught.ratio) + ":1",
-                   {.size = 12.0, .color = kSlopeColor, .anchor = anchor}, away, -26.0);
-      picture.Text(at, OffsetText(at.x, 2) + "  " + FixedNumber(at.y, 3),
-                   {.size = 11.0, .color = kSlopeColor, .anchor = anchor}, away, -11.0);
+      CatchText(picture, side, at, kind + ShortestNumber(caught.ratio) + ":1", -26.0);
+      CatchText(picture, side, at, OffsetText(at.x, 2) + "  " + FixedNumber(at.y, 3), -11.0);
     }
+  }
+
+  // Away from the road, above the ground.
+  static void CatchText(SvgPicture& picture, int side, const DrawingPoint& at,
+                        const std::string& text, double up) {
+    std::vector<SvgPicture::Place> places;
+    for (int step = 0; step < 6; ++step) {
+      places.push_back({at,
+                        {.size = 11.0,
+                         .color = kSlopeColor,
+                         .anchor = side == 0 ? TextStyle::Anchor::End : TextStyle::Anchor::Start},
+                        side == 0 ? -8.0 : 8.0,
+                        up - 28.0 * step});
+    }
+    (void)picture.TextWhereFree(text, places);
   }
 
   const DesignSection& design_;

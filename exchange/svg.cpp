@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "core/number_text.h"
 #include "core/text.h"
@@ -12,6 +13,16 @@ namespace {
 constexpr double kLeastHeight = 240.0;
 constexpr double kMostHeight = 1000.0;
 constexpr int kPixelDecimals = 2;
+constexpr double kLetterWidth = 0.62;  // of the font size, on average
+constexpr std::string_view kLeaderColor = "#aaaaaa";
+
+LabelBox BoxOf(double x, double y, std::string_view text, const TextStyle& style) {
+  const double width = kLetterWidth * style.size * static_cast<double>(text.size());
+  const double from = style.anchor == TextStyle::Anchor::Start    ? 0.0
+                      : style.anchor == TextStyle::Anchor::Middle ? -0.5 * width
+                                                                  : -width;
+  return LabelBox::Of(x, y, from, width, style.size, style.rotation);
+}
 
 std::string Escaped(std::string_view text) {
   std::string escaped;
@@ -109,7 +120,10 @@ void SvgPicture::AppendText(const Pixel& at, std::string_view text, const TextSt
   constexpr std::string_view kAnchors[] = {"start", "middle", "end"};
   body_ += "<text" + Attribute("x", at.x) + Attribute("y", at.y) +
            Attribute("font-size", style.size) + Attribute("fill", style.color) +
-           Attribute("text-anchor", kAnchors[static_cast<int>(style.anchor)]);
+           Attribute("text-anchor", kAnchors[static_cast<int>(style.anchor)]) +
+           // A light rim: lines that run behind a text do not strike it out.
+           R"( paint-order="stroke" stroke="#fff" stroke-width="3" stroke-linejoin="round")";
+  room_.Take(BoxOf(at.x, at.y, text, style));
   if (style.rotation != 0.0) {
     body_ += " transform=\"rotate(" + FixedNumber(style.rotation, 1) + " " +
              FixedNumber(at.x, kPixelDecimals) + " " + FixedNumber(at.y, kPixelDecimals) + ")\"";
@@ -121,6 +135,23 @@ void SvgPicture::Text(const DrawingPoint& at, std::string_view text, const TextS
                       double dx, double dy) {
   const Pixel pixel = OnPage(at);
   AppendText({pixel.x + dx, pixel.y + dy}, text, style);
+}
+
+bool SvgPicture::TextWhereFree(std::string_view text, std::span<const Place> places) {
+  for (const Place& place : places) {
+    const double angle = place.style.rotation * std::numbers::pi / 180.0;
+    const Pixel origin = OnPage(place.at);
+    const Pixel home{origin.x + place.dx, origin.y + place.dy};
+    const Pixel at{home.x - place.aside * std::sin(angle), home.y + place.aside * std::cos(angle)};
+    const LabelBox box = BoxOf(at.x, at.y, text, place.style);
+    if (!box.Inside(width_, height_) || !room_.IsFree(box)) continue;
+    if (place.aside != 0.0) {
+      PageLine(home.x, home.y, at.x, at.y, {kLeaderColor, 0.8, false});
+    }
+    AppendText(at, text, place.style);
+    return true;
+  }
+  return false;
 }
 
 void SvgPicture::PageText(double x, double y, std::string_view text, const TextStyle& style) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "exchange/label_room.h"
+
 namespace tarvex {
 
 struct DrawingPoint {
@@ -51,6 +53,19 @@ class SvgPicture {
   /// `dx`, `dy` move the text on the page, in pixels, right and down.
   void Text(const DrawingPoint& at, std::string_view text, const TextStyle& style, double dx = 0.0,
             double dy = 0.0);
+  /// A place for a text: where Text would put it, moved `aside` pixels across its line.
+  struct Place {
+    DrawingPoint at;
+    TextStyle style;
+    double dx = 0.0;
+    double dy = 0.0;
+    double aside = 0.0;
+  };
+  /// Puts the text at the first place where it lies on no other text and not off the page; a text
+  /// that is put aside gets a thin line to where it belongs. False when every place is taken: then
+  /// nothing is drawn.
+  bool TextWhereFree(std::string_view text, std::span<const Place> places);
+
   /// In page coordinates, pixels from the upper left corner.
   void PageText(double x, double y, std::string_view text, const TextStyle& style);
   void PageLine(double x1, double y1, double x2, double y2, const StrokeStyle& style);
@@ -71,6 +86,7 @@ class SvgPicture {
   void AppendText(const Pixel& at, std::string_view text, const TextStyle& style);
   void AppendPath(std::span<const DrawingPoint> points);
 
+  LabelRoom room_;
   DrawingBox box_;
   double width_ = 0.0;
   double height_ = 0.0;

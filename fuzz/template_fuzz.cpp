@@ -7,6 +7,7 @@
 #include "roads/section.h"
 #include "roads/stakeout.h"
 #include "roads/template_file.h"
+#include "roads/template_writer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using tarvex::Side;
@@ -23,6 +24,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       (void)tarvex::FindCatchPoint(section, design, side, tarvex::GroundLine::Plane(99.0, 0.1));
       (void)tarvex::NextSlopeStep(section, design, side, {8.0, 99.0}, tarvex::SlopeShot{7.0, 99.5});
     }
+  }
+  // From its fields: what is written is read again without a line that is not known.
+  if (section.line_out_of_range == 0) {
+    const tarvex::RoadTemplate again = tarvex::ReadTemplate(tarvex::TemplateText(section));
+    if (!again.notes.empty()) std::abort();
   }
   return 0;
 }

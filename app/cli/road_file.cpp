@@ -31,7 +31,7 @@ bool OpenedRoad::OutsideLimits(double internal) const {
 
 std::string OpenedRoad::Picture(const std::string& title,
                                 std::span<const PictureMark> marks) const {
-  return AlignmentPicture(geometry, title, style, marks);
+  return AlignmentPicture(geometry, title, {style, unit}, marks);
 }
 
 namespace {

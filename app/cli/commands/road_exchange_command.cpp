@@ -123,8 +123,8 @@ ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
   const auto making =
       MakeRoadGeometry(as_written, alignment.equations, CheckLimits::For(reading->unit));
   if (!options.svg.empty() && making.geometry) {
-    const std::string svg =
-        AlignmentPicture(*making.geometry, alignment.name, DefaultStationStyle(reading->unit));
+    const std::string svg = AlignmentPicture(*making.geometry, alignment.name,
+                                             {DefaultStationStyle(reading->unit), reading->unit});
     if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
   }
   const std::size_t faults = TellFaults(options, program, making, reading->unit);
