@@ -216,7 +216,8 @@ ExitCode ShowOffered(const BasesOptions& options, const CasterLogin& caster,
     PrintStreams(list.streams, place, program);
   }
   if (!list.complete) {
-    return program.Fail("The caster broke its list off before the end: streams are missing.");
+    return program.Fail(
+        "The caster broke its list off before its end mark: streams may be missing.");
   }
   if (list.streams.empty() && !options.json) return program.Fail("The caster offers no streams.");
   return options.save ? Save(caster, list, program) : ExitCode::Done;
