@@ -74,7 +74,9 @@ class LandXmlReader {
     const pugi::xml_parse_result parsed = document_.load_buffer(text_.data(), text_.size());
     if (!parsed) {
       source_.Refuse(LandXmlResult::NotXml, parsed.offset,
-                     std::string("the XML cannot be read: ") + parsed.description());
+                     parsed.status == pugi::status_no_document_element
+                         ? std::string("there is no XML in this file")
+                         : std::string("the XML cannot be read: ") + parsed.description());
       return {};
     }
     const pugi::xml_node root = Child(document_, "LandXML");

@@ -62,7 +62,7 @@ std::string GeometryProblem(const RoadFileOptions& options, const RoadGeometryMa
     return options.file + " line " + std::to_string(making.line) +
            ": a number of the key point is out of range.";
   }
-  return options.file + " holds no two key points apart from each other.";
+  return "All key points of " + options.file + " lie at one place: there is no alignment.";
 }
 
 // What design elevations are made of; false after a message.
@@ -131,7 +131,7 @@ void WarnAboutFaults(Program& program, const OpenedRoad& road, const RoadFileOpt
   for (const AlignmentElement& element : road.alignment().elements()) faults += !element.sound;
   if (faults == 0) return;
   program.Warn(std::to_string(faults) + (faults == 1 ? " element" : " elements") + " of " +
-               options.file + " should not be staked as they stand; see: tarvex road check " +
+               options.file + " should not be staked as the file is; see: tarvex road check " +
                options.file);
 }
 

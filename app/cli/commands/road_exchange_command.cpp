@@ -72,9 +72,11 @@ void TellImport(const RoadImportOptions& options, Program& program, const LandXm
                                     {"file", options.out}}));
     return;
   }
-  program.console.Print("Alignment \"" + alignment.name + "\": " + std::to_string(count.elements) +
-                        " elements, " + std::to_string(alignment.equations.size()) +
-                        " station equations, in " + std::string(UnitName(reading.unit)) + ".\n");
+  program.console.Print(
+      "Alignment \"" + alignment.name + "\": " + std::to_string(count.elements) + " elements, " +
+      std::to_string(alignment.equations.size()) +
+      (alignment.equations.size() == 1 ? " station equation" : " station equations") + ", in " +
+      std::string(UnitName(reading.unit)) + ".\n");
   if (reading.unit != DistanceUnit::Metres) {
     program.console.Print("The file does not carry its unit: --unit " +
                           std::string(UnitKey(reading.unit)) + "\n");
@@ -91,7 +93,7 @@ void TellImport(const RoadImportOptions& options, Program& program, const LandXm
 std::size_t TellFaults(const RoadImportOptions& options, Program& program,
                        const RoadGeometryMaking& making, DistanceUnit unit) {
   if (!making.geometry) {
-    program.Warn("no two key points of the alignment are apart from each other.");
+    program.Warn("all key points of the alignment lie at one place.");
     return 0;
   }
   std::size_t faults = 0;
