@@ -60,6 +60,43 @@ long long SignedInteger(std::string_view text, std::size_t& length) {
   return negative ? -static_cast<long long>(value) : static_cast<long long>(value);
 }
 
+constexpr int kMostQuickDecimals = 10;
+constexpr double kPowersOfTen[kMostQuickDecimals + 1] = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5,
+                                                         1e6, 1e7, 1e8, 1e9, 1e10};
+
+// |value| in units of its last decimal, rounded as "%.Nf" rounds; nothing where that takes more
+// than double precision: large numbers, and those a hair from the middle between two decimals.
+std::optional<std::uint64_t> QuickUnits(double magnitude, int decimals) {
+  constexpr double kMost = 4503599627370496.0;  // 2^52
+  if (decimals < 0 || decimals > kMostQuickDecimals) return std::nullopt;
+  const double scale = kPowersOfTen[decimals];
+  const double product = magnitude * scale;
+  if (!(product < kMost)) return std::nullopt;
+  // Both halves have 26 bits or fewer and the scale 24 beside its power of two: exact products.
+  const double shifted = magnitude * 134217729.0;  // 2^27 + 1
+  const double high = shifted - (shifted - magnitude);
+  const double low = magnitude - high;
+  const auto units = static_cast<std::uint64_t>(product + 0.5);
+  const double rest = (high * scale - static_cast<double>(units)) + low * scale;
+  constexpr double kHair = 1e-6;
+  if (std::fabs(std::fabs(rest) - 0.5) < kHair) return std::nullopt;
+  if (rest > 0.5) return units + 1;
+  return rest < -0.5 ? units - 1 : units;
+}
+
+// The digits of `units`, the last `decimals` of them behind a point.
+void AppendUnits(std::string& out, std::uint64_t units, int decimals) {
+  char buffer[32];
+  char* at = buffer + sizeof buffer;
+  for (int i = 0; i < decimals; ++i, units /= 10) *--at = static_cast<char>('0' + units % 10);
+  if (decimals > 0) *--at = '.';
+  do {
+    *--at = static_cast<char>('0' + units % 10);
+    units /= 10;
+  } while (units > 0);
+  out.append(at, buffer + sizeof buffer);
+}
+
 }  // namespace
 
 double LeadingDouble(std::string_view text) {
@@ -93,6 +130,10 @@ std::optional<long long> ParseInteger(std::string_view text) {
 }
 
 void AppendFixed(std::string& out, double value, int decimals) {
+  if (const auto units = QuickUnits(std::fabs(value), decimals)) {
+    if (std::signbit(value)) out += '-';
+    return AppendUnits(out, *units, decimals);
+  }
   char buffer[400];  // the longest double is 309 digits before the point
   const auto [end, error] =
       std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals);

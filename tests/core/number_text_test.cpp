@@ -41,13 +41,39 @@ TEST(FixedNumber, MatchesThePrintedForm) {
   std::uniform_real_distribution<double> value(-1e7, 1e7);
   for (int i = 0; i < 5000; ++i) {
     const double v = i % 2 == 0 ? value(random) : value(random) * 1e-9;
-    for (const int decimals : {0, 1, 4, 12}) {
+    for (const int decimals : {0, 1, 4, 8, 10, 12}) {
       char printed[400];
       std::snprintf(printed, sizeof printed, "%.*f", decimals, v);
       ASSERT_EQ(FixedNumber(v, decimals), printed);
     }
   }
   EXPECT_EQ(FixedNumber(1e300, 2).size(), 304U);
+}
+
+// On the middle between two decimals, a hair from it, at the ends of what is quick, and signed
+// zeros.
+TEST(FixedNumber, MatchesThePrintedFormWhereRoundingIsClose) {
+  std::mt19937_64 random(11);
+  std::uniform_int_distribution<long long> whole(0, 1LL << 40);
+  for (int i = 0; i < 20000; ++i) {
+    for (const int decimals : {0, 1, 3, 4, 10}) {
+      const long long units = whole(random) >> (i % 40);
+      double v = (static_cast<double>(units) + 0.5) / std::pow(10.0, decimals);
+      for (int step = i % 3; step > 0; --step) v = std::nextafter(v, i % 2 == 0 ? 1e300 : -1e300);
+      char printed[400];
+      std::snprintf(printed, sizeof printed, "%.*f", decimals, i % 7 == 0 ? -v : v);
+      ASSERT_EQ(FixedNumber(i % 7 == 0 ? -v : v, decimals), printed);
+    }
+  }
+  for (const double v :
+       {0.0, -0.0, 0.5, 1.5, 2.5, 4503599627370495.5, 4503599627370497.0, 450359962737.04955,
+        9007199254740993.0, 5e-324, -1e-300, 0.00005, 0.99995}) {
+    for (const int decimals : {0, 1, 4, 10}) {
+      char printed[400];
+      std::snprintf(printed, sizeof printed, "%.*f", decimals, v);
+      EXPECT_EQ(FixedNumber(v, decimals), printed);
+    }
+  }
 }
 
 TEST(Integers, ArePaddedBehindTheSign) {
