@@ -109,11 +109,11 @@ struct EllipsoidConstants {
   template <typename T>
   T EccentricPart(T sin_phi) const {
     const T z = e2 * sin_phi * sin_phi;
+    const T w = z * z;
     return e2 * sin_phi *
-           (1.0 +
-            z * (1.0 / 3.0 +
-                 z * (1.0 / 5.0 +
-                      z * (1.0 / 7.0 + z * (1.0 / 9.0 + z * (1.0 / 11.0 + z * (1.0 / 13.0)))))));
+           ((1.0 + z * (1.0 / 3.0)) +
+            w * ((1.0 / 5.0 + z * (1.0 / 7.0)) +
+                 w * (1.0 / 9.0 + z * (1.0 / 11.0) + w * (1.0 / 13.0))));
   }
 
   /// Isometric latitude; its hyperbolic sine is the tangent of the conformal latitude.
