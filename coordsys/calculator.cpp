@@ -1,5 +1,7 @@
 #include "coordsys/calculator.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <utility>
@@ -224,47 +226,73 @@ CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
   return uncorrected && IsBritish() ? CalculationResult::StepRefused : CalculationResult::Done;
 }
 
-// Projection, grid correction and localization of a position on the system's datum; the elevation
-// goes in with `metres`.
-CalculationResult CTrgCalculator::Project(const Geodetic& position, GridMetres& metres,
-                                          Run& run) const {
-  PlanePoint plane;
-  const auto projected =
-      ResultOf(projection_->Forward({position.latitude_rad, position.longitude_rad}, plane));
-  if (projected != CalculationResult::Done) return projected;
-  metres.northing_m = plane.northing_m;
-  metres.easting_m = plane.easting_m;
-  run.Note(CalculationStep::Projection, metres);
-  run.NoteScale(*projection_, {position.latitude_rad, position.longitude_rad});
+// A WGS84 position on the system's datum, and its elevation.
+CalculationResult CTrgCalculator::OnDatum(const Geodetic& wgs84, Geodetic& position,
+                                          double& elevation_m, Run& run) const {
+  if (!IsNumber(wgs84.latitude_rad, wgs84.longitude_rad, wgs84.height_m)) {
+    return CalculationResult::NotANumber;
+  }
+  run.Note(CalculationStep::Wgs84, wgs84);
+  position = wgs84;
+  position.longitude_rad = WithinHalfTurns(position.longitude_rad);
+  const CalculationResult shifted = ToSystemDatum(position, run);
+  if (shifted != CalculationResult::Done) return shifted;
+  elevation_m = position.height_m;
+  if (!steps_.geoid) return CalculationResult::Done;
+  double undulation_m = 0.0;
+  const StepOutcome outcome =
+      steps_.geoid->Undulation(wgs84.latitude_rad, wgs84.longitude_rad, undulation_m);
+  run.Note(CalculationStep::Geoid, undulation_m, 0.0, 0.0);
+  const CalculationResult result = run.Take(*steps_.geoid, outcome);
+  if (outcome.status == StepStatus::Done) elevation_m = wgs84.height_m - undulation_m;
+  return result;
+}
+
+// From the plane of projection to the job: grid correction, localization, unit.
+CalculationResult CTrgCalculator::FromPlane(GridMetres metres, GridPoint& point, Run& run) const {
   const CalculationResult corrected = CorrectGrid(metres, &GridCorrection::ToGrid, run);
   if (corrected != CalculationResult::Done) return corrected;
   if (steps_.localization) {
     const StepOutcome outcome = steps_.localization->ToLocal(metres);
     run.Note(CalculationStep::Localization, metres);
-    return run.Take(*steps_.localization, outcome);
+    const CalculationResult localized = run.Take(*steps_.localization, outcome);
+    if (localized != CalculationResult::Done) return localized;
   }
-  return CalculationResult::Done;
+  point = InJobUnit(metres);
+  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
+  return run.End();
 }
 
-// The same steps backwards: a position on the system's datum whose height is still the elevation.
-CalculationResult CTrgCalculator::Unproject(const GridMetres& metres, Geodetic& position,
-                                            Run& run) const {
-  GridMetres at = metres;
+// From the job to the plane of projection.
+CalculationResult CTrgCalculator::ToPlane(const GridPoint& point, GridMetres& at, Run& run) const {
+  if (!IsNumber(point.northing, point.easting, point.elevation)) {
+    return CalculationResult::NotANumber;
+  }
+  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
+  at = InMetres(point);
   if (steps_.localization) {
     const StepOutcome outcome = steps_.localization->ToGrid(at);
     run.Note(CalculationStep::Localization, at);
     const CalculationResult result = run.Take(*steps_.localization, outcome);
     if (result != CalculationResult::Done) return result;
   }
-  const CalculationResult corrected = CorrectGrid(at, &GridCorrection::ToPlane, run);
-  if (corrected != CalculationResult::Done) return corrected;
-  LatLon unprojected;
-  const auto result = ResultOf(projection_->Inverse({at.northing_m, at.easting_m}, unprojected));
+  return CorrectGrid(at, &GridCorrection::ToPlane, run);
+}
+
+// From the system's datum, the height still the elevation, to WGS84.
+CalculationResult CTrgCalculator::FromDatum(Geodetic position, Geodetic& wgs84, Run& run) const {
+  CalculationResult result = CalculationResult::Done;
+  if (steps_.geoid) {
+    Geodetic settled;
+    result = SettleHeight(position, position.height_m, settled, run);
+    position = settled;
+  } else {
+    result = FromSystemDatum(position, run);
+  }
   if (result != CalculationResult::Done) return result;
-  position = {unprojected.latitude_rad, unprojected.longitude_rad, at.elevation_m};
-  run.Note(CalculationStep::Projection, position);
-  run.NoteScale(*projection_, unprojected);
-  return CalculationResult::Done;
+  wgs84 = position;
+  run.Note(CalculationStep::Wgs84, wgs84);
+  return run.End();
 }
 
 // The WGS84 position whose height above the geoid is `elevation_m`: the height on the system's
@@ -308,57 +336,120 @@ CalculationResult CTrgCalculator::ToGrid(const Geodetic& wgs84, GridPoint& point
                                          CalculationReport* report) const {
   const CalculationResult state = State();
   if (state != CalculationResult::Done) return state;
-  if (!IsNumber(wgs84.latitude_rad, wgs84.longitude_rad, wgs84.height_m)) {
-    return CalculationResult::NotANumber;
-  }
   Run run{report};
-  run.Note(CalculationStep::Wgs84, wgs84);
-  Geodetic position = wgs84;
-  position.longitude_rad = WithinHalfTurns(position.longitude_rad);
-  CalculationResult result = ToSystemDatum(position, run);
-  if (result != CalculationResult::Done) return result;
-
+  Geodetic position;
   GridMetres metres;
-  metres.elevation_m = position.height_m;
-  if (steps_.geoid) {
-    double undulation_m = 0.0;
-    const StepOutcome outcome =
-        steps_.geoid->Undulation(wgs84.latitude_rad, wgs84.longitude_rad, undulation_m);
-    run.Note(CalculationStep::Geoid, undulation_m, 0.0, 0.0);
-    result = run.Take(*steps_.geoid, outcome);
-    if (result != CalculationResult::Done) return result;
-    if (outcome.status == StepStatus::Done) metres.elevation_m = wgs84.height_m - undulation_m;
-  }
-  result = Project(position, metres, run);
-  if (result != CalculationResult::Done) return result;
-  point = InJobUnit(metres);
-  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
-  return run.End();
+  const CalculationResult entered = OnDatum(wgs84, position, metres.elevation_m, run);
+  if (entered != CalculationResult::Done) return entered;
+  const LatLon at{position.latitude_rad, position.longitude_rad};
+  PlanePoint plane;
+  const CalculationResult projected = ResultOf(projection_->Forward(at, plane));
+  if (projected != CalculationResult::Done) return projected;
+  metres.northing_m = plane.northing_m;
+  metres.easting_m = plane.easting_m;
+  run.Note(CalculationStep::Projection, metres);
+  run.NoteScale(*projection_, at);
+  return FromPlane(metres, point, run);
 }
 
 CalculationResult CTrgCalculator::ToWgs84(const GridPoint& point, Geodetic& wgs84,
                                           CalculationReport* report) const {
   const CalculationResult state = State();
   if (state != CalculationResult::Done) return state;
-  if (!IsNumber(point.northing, point.easting, point.elevation)) {
-    return CalculationResult::NotANumber;
-  }
   Run run{report};
-  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
-  Geodetic position;
-  CalculationResult result = Unproject(InMetres(point), position, run);
-  if (result != CalculationResult::Done) return result;
-  if (steps_.geoid) {
-    Geodetic settled;
-    result = SettleHeight(position, position.height_m, settled, run);
-    position = settled;
-  } else {
-    result = FromSystemDatum(position, run);
+  GridMetres plane;
+  const CalculationResult entered = ToPlane(point, plane, run);
+  if (entered != CalculationResult::Done) return entered;
+  LatLon at;
+  const auto unprojected = ResultOf(projection_->Inverse({plane.northing_m, plane.easting_m}, at));
+  if (unprojected != CalculationResult::Done) return unprojected;
+  const Geodetic position{at.latitude_rad, at.longitude_rad, plane.elevation_m};
+  run.Note(CalculationStep::Projection, position);
+  run.NoteScale(*projection_, at);
+  return FromDatum(position, wgs84, run);
+}
+
+// A block of points on its way through the projection: pairs of coordinates in arrays, and the
+// third coordinate, which the projection does not touch.
+struct CTrgCalculator::Block {
+  static constexpr std::size_t kSize = 256;
+  std::array<double, kSize> first;
+  std::array<double, kSize> second;
+  std::array<double, kSize> third;
+  std::array<Run, kSize> runs;  // what each point has come through so far
+};
+
+void CTrgCalculator::ToGrid(std::span<const Geodetic> wgs84, std::span<GridPoint> points,
+                            std::span<CalculationResult> results) const {
+  const CalculationResult state = State();
+  std::fill(results.begin(), results.end(), state);
+  if (state != CalculationResult::Done) return;
+  Block block;
+  for (std::size_t begin = 0; begin < wgs84.size(); begin += Block::kSize) {
+    const std::size_t size = std::min(Block::kSize, wgs84.size() - begin);
+    ToGridBlock(wgs84.subspan(begin, size), points.subspan(begin, size),
+                results.subspan(begin, size), block);
   }
-  if (result != CalculationResult::Done) return result;
-  wgs84 = position;
-  run.Note(CalculationStep::Wgs84, wgs84);
-  return run.End();
+}
+
+void CTrgCalculator::ToGridBlock(std::span<const Geodetic> wgs84, std::span<GridPoint> points,
+                                 std::span<CalculationResult> results, Block& block) const {
+  const std::size_t size = wgs84.size();
+  for (std::size_t i = 0; i < size; ++i) {
+    Geodetic position;
+    block.runs[i] = {};
+    results[i] = OnDatum(wgs84[i], position, block.third[i], block.runs[i]);
+    block.first[i] = position.latitude_rad;
+    block.second[i] = position.longitude_rad;
+  }
+  const std::span first = std::span(block.first).first(size);
+  const std::span second = std::span(block.second).first(size);
+  (void)projection_->Forward(first, second, first, second);
+  for (std::size_t i = 0; i < size; ++i) {
+    if (results[i] != CalculationResult::Done) continue;
+    if (std::isnan(first[i])) {
+      results[i] = ToGrid(wgs84[i], points[i]);  // says why it was refused
+    } else {
+      results[i] = FromPlane({first[i], second[i], block.third[i]}, points[i], block.runs[i]);
+    }
+  }
+}
+
+void CTrgCalculator::ToWgs84(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
+                             std::span<CalculationResult> results) const {
+  const CalculationResult state = State();
+  std::fill(results.begin(), results.end(), state);
+  if (state != CalculationResult::Done) return;
+  Block block;
+  for (std::size_t begin = 0; begin < points.size(); begin += Block::kSize) {
+    const std::size_t size = std::min(Block::kSize, points.size() - begin);
+    ToWgs84Block(points.subspan(begin, size), wgs84.subspan(begin, size),
+                 results.subspan(begin, size), block);
+  }
+}
+
+void CTrgCalculator::ToWgs84Block(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
+                                  std::span<CalculationResult> results, Block& block) const {
+  const std::size_t size = points.size();
+  for (std::size_t i = 0; i < size; ++i) {
+    GridMetres plane;
+    block.runs[i] = {};
+    results[i] = ToPlane(points[i], plane, block.runs[i]);
+    block.first[i] = plane.northing_m;
+    block.second[i] = plane.easting_m;
+    block.third[i] = plane.elevation_m;
+  }
+  const std::span first = std::span(block.first).first(size);
+  const std::span second = std::span(block.second).first(size);
+  (void)projection_->Inverse(first, second, first, second);
+  for (std::size_t i = 0; i < size; ++i) {
+    if (results[i] != CalculationResult::Done) continue;
+    if (std::isnan(first[i])) {
+      results[i] = ToWgs84(points[i], wgs84[i]);  // says why it was refused
+    } else {
+      results[i] = FromDatum({first[i], second[i], block.third[i]}, wgs84[i], block.runs[i]);
+    }
+  }
 }
 
 }  // namespace tarvex

@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -118,19 +119,34 @@ class CTrgCalculator {
   CalculationResult ToWgs84(const GridPoint& point, Geodetic& wgs84,
                             CalculationReport* report = nullptr) const;
 
+  /// Whole arrays of one length, the same to the bit as point by point, at half the time or less:
+  /// a point is written only where its result is Done or DoneInPart.
+  void ToGrid(std::span<const Geodetic> wgs84, std::span<GridPoint> points,
+              std::span<CalculationResult> results) const;
+  void ToWgs84(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
+               std::span<CalculationResult> results) const;
+
  private:
   struct Run;
+  struct Block;
 
   bool NeedsDatumShift() const;
   bool LacksNationalGrid() const;
   bool IsBritish() const;
   CalculationResult ToSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult FromSystemDatum(Geodetic& position, Run& run) const;
-  CalculationResult Project(const Geodetic& position, GridMetres& metres, Run& run) const;
+  CalculationResult OnDatum(const Geodetic& wgs84, Geodetic& position, double& elevation_m,
+                            Run& run) const;
+  CalculationResult FromPlane(GridMetres metres, GridPoint& point, Run& run) const;
+  CalculationResult ToPlane(const GridPoint& point, GridMetres& at, Run& run) const;
+  CalculationResult FromDatum(Geodetic position, Geodetic& wgs84, Run& run) const;
+  void ToGridBlock(std::span<const Geodetic> wgs84, std::span<GridPoint> points,
+                   std::span<CalculationResult> results, Block& block) const;
+  void ToWgs84Block(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
+                    std::span<CalculationResult> results, Block& block) const;
   CalculationResult CorrectGrid(GridMetres& at,
                                 StepOutcome (GridCorrection::*way)(GridMetres&) const,
                                 Run& run) const;
-  CalculationResult Unproject(const GridMetres& metres, Geodetic& position, Run& run) const;
   CalculationResult SettleHeight(Geodetic on_datum, double elevation_m, Geodetic& wgs84,
                                  Run& run) const;
   GridMetres InMetres(const GridPoint& point) const;

@@ -106,6 +106,45 @@ TEST(Calculator, SaysWhyNothingComesOut) {
   EXPECT_EQ(broken.State(), CalculationResult::Done);
 }
 
+// Every step, points that are refused among those that are not, and more than one block.
+TEST(Calculator, ArraysGiveTheSameAsSinglePoints) {
+  for (const char* name : {"UTM/UTM WGS84 Zone 32", "UTM/UTM WGS84 Zone 33 South"}) {
+    CTrgCalculator calculator = Calculator(name);
+    calculator.SetDistanceUnit(DistanceUnit::UsSurveyFeet);
+    std::vector<Geodetic> positions;
+    for (int i = 0; i < 1000; ++i) {
+      positions.push_back({0.0013 * i - 0.4, 0.15 + 0.0007 * (i % 90), 0.1 * i});
+    }
+    positions[7].latitude_rad = std::nan("");
+    positions[300].longitude_rad = 2.0;
+    positions[301].latitude_rad = 1.7;
+    std::vector<GridPoint> points(positions.size(), {1, 2, 3});
+    std::vector<CalculationResult> results(positions.size());
+    calculator.ToGrid(positions, points, results);
+    std::vector<Geodetic> back(positions.size());
+    std::vector<CalculationResult> back_results(positions.size());
+    points[12].easting = std::numeric_limits<double>::infinity();
+    calculator.ToWgs84(points, back, back_results);
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+      GridPoint point{1, 2, 3};
+      EXPECT_EQ(calculator.ToGrid(positions[i], point), results[i]) << i;
+      if (i != 12) {
+        EXPECT_EQ(point, points[i]) << i;
+      }
+      Geodetic position;
+      EXPECT_EQ(calculator.ToWgs84(points[i], position), back_results[i]) << i;
+      EXPECT_EQ(position, back[i]) << i;
+    }
+    EXPECT_EQ(results[7], CalculationResult::NotANumber);
+    EXPECT_EQ(results[300], CalculationResult::OutsideDomain);
+    EXPECT_EQ(back_results[12], CalculationResult::NotANumber);
+  }
+  std::vector<GridPoint> points(1);
+  std::vector<CalculationResult> results(1);
+  CTrgCalculator().ToGrid(std::vector<Geodetic>(1), points, results);
+  EXPECT_EQ(results[0], CalculationResult::NoSystem);
+}
+
 TEST(Calculator, NoDatumIsTakenForWgs84) {
   const std::string utm = UtmDefinition({32, Hemisphere::North});
   std::string shifted = utm;
