@@ -1,9 +1,12 @@
 #include "app/cli/line_conversion.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
+#include <utility>
 
+#include "app/cli/angle_entry.h"
 #include "app/cli/conversion_text.h"
 #include "core/number_text.h"
 #include "core/text.h"
@@ -16,62 +19,155 @@ constexpr std::string_view kSeparators = " \t,;";
 constexpr int kGridDecimals = 4;
 constexpr int kDegreeDecimals = 10;
 
+// The numbers of a line, at most three; false at a word that is none, or at a fourth.
+bool ReadPlainNumbers(std::string_view line, LineNumbers& numbers) {
+  const char* at = line.data();
+  const char* const end = at + line.size();
+  const auto separates = [](char c) { return c == ' ' || c == '\t' || c == ',' || c == ';'; };
+  while (true) {
+    while (at != end && separates(*at)) ++at;
+    if (at == end) return true;
+    const char* const word = at;
+    while (at != end && !separates(*at)) ++at;
+    const auto value = ParseNumber({word, static_cast<std::size_t>(at - word)});
+    if (!value || numbers.count == 3) return false;
+    numbers.values[numbers.count++] = *value;
+  }
+}
+
+// The first word that is no number.
+std::string NoNumber(std::string_view line) {
+  while (!line.empty()) {
+    const std::string_view word = line.substr(0, line.find_first_of(kSeparators));
+    if (!word.empty() && !ParseNumber(word)) return "\"" + std::string(word) + "\" is not a number";
+    line.remove_prefix(std::min(word.size() + 1, line.size()));
+  }
+  return "more than three numbers";
+}
+
 // The two or three numbers of a line; `problem` says what is wrong with it otherwise.
 std::optional<LineNumbers> ReadNumbers(std::string_view line, ConversionWay way,
                                        std::string& problem) {
   LineNumbers numbers;
-  std::string_view rest = WithoutOuterBlanks(line);
-  while (!rest.empty()) {
-    const std::size_t end = std::min(rest.find_first_of(kSeparators), rest.size());
-    const std::string_view word = rest.substr(0, end);
-    const auto value = ParseNumber(word);
-    if (!value) {
-      problem = "\"" + std::string(word) + "\" is not a number";
-      if (way == ConversionWay::ToGrid) problem += " (angles are decimal degrees)";
-      return std::nullopt;
-    }
-    if (numbers.count == 3) {
-      problem = "more than three numbers";
-      return std::nullopt;
-    }
-    numbers.values[numbers.count++] = *value;
-    rest.remove_prefix(std::min(rest.find_first_not_of(kSeparators, end), rest.size()));
+  if (ReadPlainNumbers(line, numbers)) {
+    if (numbers.count >= 2) return numbers;
+    problem = "two or three numbers are needed";
+    return std::nullopt;
   }
-  if (numbers.count >= 2) return numbers;
-  problem = "two or three numbers are needed";
-  return std::nullopt;
+  if (way == ConversionWay::ToWgs84) {
+    problem = NoNumber(line);
+    return std::nullopt;
+  }
+  const auto angles = ReadAngleEntry(line, problem);
+  if (!angles) return std::nullopt;
+  numbers = {{angles->latitude_deg, angles->longitude_deg, angles->height_m.value_or(0.0)},
+             angles->height_m ? 3 : 2};
+  return numbers;
 }
 
 bool OnEarth(const LineNumbers& numbers, std::string& problem) {
   const bool latitude = std::fabs(numbers.values[0]) <= 90.0;
   if (latitude && std::fabs(numbers.values[1]) <= 360.0) return true;
   problem = latitude ? "the longitude is beyond 360 degrees" : "the latitude is beyond 90 degrees";
+  const bool swapped =
+      !latitude && std::fabs(numbers.values[0]) <= 360.0 && std::fabs(numbers.values[1]) <= 90.0;
+  if (swapped) problem += ": latitude comes first, longitude second, and these look swapped";
   return false;
 }
 
-CalculationResult ToGrid(const CTrgCalculator& calculator, LineNumbers& numbers,
-                         CalculationReport& report) {
-  const Geodetic wgs84{.latitude_rad = numbers.values[0] * kRadiansPerDegree,
-                       .longitude_rad = numbers.values[1] * kRadiansPerDegree,
-                       .height_m = numbers.values[2]};
-  GridPoint point;
-  const CalculationResult result = calculator.ToGrid(wgs84, point, &report);
+Geodetic PositionOf(const LineNumbers& numbers) {
+  return {.latitude_rad = numbers.values[0] * kRadiansPerDegree,
+          .longitude_rad = numbers.values[1] * kRadiansPerDegree,
+          .height_m = numbers.values[2]};
+}
+
+GridPoint PointOf(const LineNumbers& numbers) {
+  return {
+      .northing = numbers.values[0], .easting = numbers.values[1], .elevation = numbers.values[2]};
+}
+
+void Put(const GridPoint& point, LineNumbers& numbers) {
   numbers.values[0] = point.northing;
   numbers.values[1] = point.easting;
   numbers.values[2] = point.elevation;
+}
+
+void Put(const Geodetic& position, LineNumbers& numbers) {
+  numbers.values[0] = position.latitude_rad * kDegreesPerRadian;
+  numbers.values[1] = position.longitude_rad * kDegreesPerRadian;
+  numbers.values[2] = position.height_m;
+}
+
+CalculationResult Convert(const CTrgCalculator& calculator, ConversionWay way, LineNumbers& numbers,
+                          CalculationReport& report) {
+  if (way == ConversionWay::ToGrid) {
+    GridPoint point;
+    const CalculationResult result = calculator.ToGrid(PositionOf(numbers), point, &report);
+    Put(point, numbers);
+    return result;
+  }
+  Geodetic wgs84;
+  const CalculationResult result = calculator.ToWgs84(PointOf(numbers), wgs84, &report);
+  Put(wgs84, numbers);
   return result;
 }
 
-CalculationResult ToWgs84(const CTrgCalculator& calculator, LineNumbers& numbers,
-                          CalculationReport& report) {
-  Geodetic wgs84;
-  const CalculationResult result = calculator.ToWgs84(
-      {.northing = numbers.values[0], .easting = numbers.values[1], .elevation = numbers.values[2]},
-      wgs84, &report);
-  numbers.values[0] = wgs84.latitude_rad * kDegreesPerRadian;
-  numbers.values[1] = wgs84.longitude_rad * kDegreesPerRadian;
-  numbers.values[2] = wgs84.height_m;
-  return result;
+// One line's numbers with a report of the steps.
+void ConvertReported(const CTrgCalculator& calculator, ConversionWay way, bool strict,
+                     ConvertedLine& converted) {
+  const CalculationResult result = Convert(calculator, way, converted.numbers, converted.report);
+  const std::string undone = UndoneText(converted.report);
+  const bool in_part = result == CalculationResult::DoneInPart;
+  if (in_part) converted.left_undone = undone;
+  if ((result != CalculationResult::Done && !in_part) || (in_part && strict)) {
+    converted.problem = undone.empty() ? CalculationText(result) : undone;
+  }
+}
+
+// Reads a line; false when there is nothing to convert.
+bool Read(std::string_view line, ConversionWay way, ConvertedLine& converted) {
+  converted = {};
+  const auto numbers = ReadNumbers(line, way, converted.problem);
+  if (!numbers) return false;
+  converted.numbers = *numbers;
+  return way == ConversionWay::ToWgs84 || OnEarth(*numbers, converted.problem);
+}
+
+// What goes through the calculator in one piece.
+template <typename From, typename To>
+struct Batch {
+  static constexpr std::size_t kSize = 256;
+  std::array<From, kSize> from;
+  std::array<To, kSize> to;
+  std::array<CalculationResult, kSize> results;
+  std::array<ConvertedLine*, kSize> lines;
+  std::size_t size = 0;
+};
+
+template <typename From, typename To, typename Take, typename Apply>
+void ConvertInBatches(const CTrgCalculator& calculator, ConversionWay way, bool strict,
+                      std::span<const std::string_view> lines, std::span<ConvertedLine> converted,
+                      const Take& take, const Apply& apply) {
+  Batch<From, To> batch;
+  const auto convert = [&] {
+    const std::size_t size = std::exchange(batch.size, 0);
+    apply(std::span<const From>(batch.from).first(size), std::span(batch.to).first(size),
+          std::span(batch.results).first(size));
+    for (std::size_t i = 0; i < size; ++i) {
+      if (batch.results[i] == CalculationResult::Done) {
+        Put(batch.to[i], batch.lines[i]->numbers);
+      } else {
+        ConvertReported(calculator, way, strict, *batch.lines[i]);
+      }
+    }
+  };
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (!Read(lines[i], way, converted[i])) continue;
+    batch.from[batch.size] = take(converted[i].numbers);
+    batch.lines[batch.size] = &converted[i];
+    if (++batch.size == batch.kSize) convert();
+  }
+  convert();
 }
 
 }  // namespace
@@ -79,31 +175,36 @@ CalculationResult ToWgs84(const CTrgCalculator& calculator, LineNumbers& numbers
 ConvertedLine ConvertLine(const CTrgCalculator& calculator, ConversionWay way, bool strict,
                           std::string_view line) {
   ConvertedLine converted;
-  const bool to_grid = way == ConversionWay::ToGrid;
-  const auto numbers = ReadNumbers(line, way, converted.problem);
-  if (!numbers || (to_grid && !OnEarth(*numbers, converted.problem))) return converted;
-  converted.numbers = *numbers;
-  const CalculationResult result = to_grid
-                                       ? ToGrid(calculator, converted.numbers, converted.report)
-                                       : ToWgs84(calculator, converted.numbers, converted.report);
-  const std::string undone = UndoneText(converted.report);
-  const bool in_part = result == CalculationResult::DoneInPart;
-  if (in_part) converted.left_undone = undone;
-  if ((result != CalculationResult::Done && !in_part) || (in_part && strict)) {
-    converted.problem = undone.empty() ? CalculationText(result) : undone;
-  }
+  if (Read(line, way, converted)) ConvertReported(calculator, way, strict, converted);
   return converted;
 }
 
-std::string ConvertedText(const ConvertedLine& converted, ConversionWay way, int decimals) {
+void ConvertLines(const CTrgCalculator& calculator, ConversionWay way, bool strict,
+                  std::span<const std::string_view> lines, std::span<ConvertedLine> converted) {
+  if (way == ConversionWay::ToGrid) {
+    ConvertInBatches<Geodetic, GridPoint>(
+        calculator, way, strict, lines, converted, PositionOf,
+        [&](auto from, auto to, auto results) { calculator.ToGrid(from, to, results); });
+  } else {
+    ConvertInBatches<GridPoint, Geodetic>(
+        calculator, way, strict, lines, converted, PointOf,
+        [&](auto from, auto to, auto results) { calculator.ToWgs84(from, to, results); });
+  }
+}
+
+void AppendConvertedText(const ConvertedLine& converted, ConversionWay way, int decimals,
+                         std::string& text) {
   const bool to_grid = way == ConversionWay::ToGrid;
   const int length_decimals = to_grid && decimals >= 0 ? decimals : kGridDecimals;
   if (decimals < 0) decimals = to_grid ? kGridDecimals : kDegreeDecimals;
   const LineNumbers& numbers = converted.numbers;
-  std::string text = FixedNumber(numbers.values[0], decimals);
-  text += ' ' + FixedNumber(numbers.values[1], decimals);
-  if (numbers.count == 3) text += ' ' + FixedNumber(numbers.values[2], length_decimals);
-  return text;
+  AppendFixed(text, numbers.values[0], decimals);
+  text += ' ';
+  AppendFixed(text, numbers.values[1], decimals);
+  if (numbers.count == 3) {
+    text += ' ';
+    AppendFixed(text, numbers.values[2], length_decimals);
+  }
 }
 
 Json ConvertedJson(const ConvertedLine& converted, ConversionWay way, std::size_t line,

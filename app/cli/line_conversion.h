@@ -2,6 +2,7 @@
 // line of its input.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,13 +26,21 @@ struct ConvertedLine {
   std::string left_undone;  ///< which step they lack, in a sentence
 };
 
-/// Two or three numbers, separated by blanks, commas or semicolons. With `strict` a line whose
-/// conversion leaves a step undone is a problem.
+/// Two or three numbers, separated by blanks, commas or semicolons; on the way to the grid also
+/// degrees, minutes and seconds (app/cli/angle_entry.h). With `strict` a line whose conversion
+/// leaves a step undone is a problem.
 ConvertedLine ConvertLine(const CTrgCalculator& calculator, ConversionWay way, bool strict,
                           std::string_view line);
 
-/// The numbers as they are printed; `decimals` below 0 takes 4 for lengths and 10 for degrees.
-std::string ConvertedText(const ConvertedLine& converted, ConversionWay way, int decimals);
+/// The same for many lines at a fraction of the time; only lines that lack something have a report.
+/// `converted` is as long as `lines`.
+void ConvertLines(const CTrgCalculator& calculator, ConversionWay way, bool strict,
+                  std::span<const std::string_view> lines, std::span<ConvertedLine> converted);
+
+/// Appends the numbers as they are printed; `decimals` below 0 takes 4 for lengths and 10 for
+/// degrees.
+void AppendConvertedText(const ConvertedLine& converted, ConversionWay way, int decimals,
+                         std::string& text);
 
 /// On one line: "line", the numbers by name, and "left_undone" or "error" where there is one; with
 /// `explain` the steps (app/conversion_text.h). Numbers are not rounded.

@@ -207,12 +207,14 @@ TEST(Commands, ConvertGoesOnAfterABadLine) {
   const ProgramResult result = folder.Run(
       "convert " + system, "46.815172 9.267419 1101.4\nhere\n\n91 9\n46.815172,9.267419\n");
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.output,
-            "5184659.8918 520400.6825 1101.4000\n"
-            "ERROR: line 2: \"here\" is not a number (angles are decimal degrees)\n"
-            "\n"
-            "ERROR: line 4: the latitude is beyond 90 degrees\n"
-            "5184659.8918 520400.6825\n");
+  EXPECT_EQ(
+      result.output,
+      "5184659.8918 520400.6825 1101.4000\n"
+      "ERROR: line 2: \"here\" is not a number or an angle\n"
+      "\n"
+      "ERROR: line 4: the latitude is beyond 90 degrees: latitude comes first, longitude second, "
+      "and these look swapped\n"
+      "5184659.8918 520400.6825\n");
   const ProgramResult inverse =
       folder.Run("convert --inverse --decimals 6 " + system, "5184659.8918 520400.6825 1101.4\n");
   EXPECT_EQ(inverse.exit_code, 0);

@@ -196,6 +196,71 @@ TEST(Systems, TakesTheSystemsOfAnotherCatalogue) {
   EXPECT_EQ(folder.Run("systems --import office.sys nothing").exit_code, 1);
 }
 
+// Angles as people write them; anything that could be read in two ways is refused.
+TEST(Convert, TakesDegreesMinutesAndSeconds) {
+  ProgramFolder folder;
+  const std::string utm = "convert --system \"UTM/UTM WGS84 Zone 32\" --decimals 3";
+  const std::string expected = folder.Run(utm, "46.504305556 9.341805556 1100\n").output;
+  const char* const same[] = {
+      "46°30'15.5\"N 9°20'30.5\"E 1100", "9°20'30.5\"E, 46°30'15.5\"N, 1100",
+      "N46 30 15.5 E9 20 30.5 1100",     "46:30:15.5 9:20:30.5 1100",
+      "46 30 15.5 9 20 30.5 1100",       "46d30'15.5\" 9d20'30.5\" 1100",
+      "46° 30′ 15.5″ 9° 20′ 30.5″ 1100", "46°30'15.5''n 9°20'30.5''e 1100",
+      "46 30 15.5N 9 20 30.5E 1100",
+  };
+  std::string input;
+  std::string output;
+  for (const char* const line : same) {
+    input += std::string(line) + "\n";
+    output += expected;
+  }
+  EXPECT_EQ(folder.Run(utm, input).output, output);
+  // West and south, minutes with decimals, no height.
+  EXPECT_EQ(folder.Run(utm, "0 30 0 S 9 30 0 E\n-0:30 9:30\n0°30.0'S 9°30.0'E\n").output,
+            folder.Run(utm, "-0.5 9.5\n-0.5 9.5\n-0.5 9.5\n").output);
+  for (const char* const line :
+       {"1 2 3 4", "46 30 9 20", "46°30' 9.5", "46°30'15\"N 9°20'30\"N", "46°61' 9°20'",
+        "46 30.5 15 9 2 3", "46:30:15", "46°30' x", "46:30:15 9:20:30 5 6", "-46°30'N 9°20'E"}) {
+    const ProgramResult result = folder.Run(utm, std::string(line) + "\n");
+    EXPECT_EQ(result.exit_code, 1) << line;
+    EXPECT_THAT(result.output, HasSubstr("ERROR: line 1: ")) << line;
+  }
+  EXPECT_THAT(folder.Run(utm, "120.5 46.8\n").output, HasSubstr("swapped"));
+  EXPECT_THAT(folder.Run(utm + " --inverse", "1 2 3 4\n").output, HasSubstr("more than three"));
+}
+
+// A file and the standard input, in blocks: lines of every length across their borders, the last
+// without its end, one longer than a block, and each in its place.
+TEST(Convert, BlocksGiveWhatLinesGive) {
+  ProgramFolder folder;
+  const std::string utm = "convert --system \"UTM/UTM WGS84 Zone 32\"";
+  std::string input;
+  std::string expected;
+  std::vector<std::string> lines = {
+      "46.8 9.3 1100", "46.8 9.3", "", "x", "46.8,9.3,5", "0 99", "46.8   9.30000000000000001 -3"};
+  std::vector<std::string> answers;
+  for (const std::string& line : lines) {
+    std::string answer = folder.Run(utm + " --explain", line + "\n").output;
+    answers.push_back(answer.substr(0, answer.find('\n')));
+  }
+  for (int i = 1; i <= 40000; ++i) {
+    const std::size_t which = static_cast<std::size_t>(i * 7919 / 3) % lines.size();
+    input += lines[which] + (i % 5 == 0 ? "\r\n" : "\n");
+    std::string answer = answers[which];
+    if (answer.starts_with("ERROR: line 1:")) answer.replace(12, 1, std::to_string(i));
+    expected += answer + "\n";
+  }
+  input += std::string(600000, '7') + "\n" + lines[0];
+  const ProgramResult piped = folder.Run(utm, input);
+  EXPECT_EQ(piped.exit_code, 1);
+  ASSERT_GT(piped.output.size(), expected.size());
+  EXPECT_EQ(piped.output.substr(0, expected.size()), expected);
+  EXPECT_TRUE(piped.output.ends_with("\n" + answers[0] + "\n"));
+  folder.Write("in.txt", input);
+  EXPECT_EQ(folder.Run(utm + " in.txt").output, piped.output);
+  EXPECT_THAT(folder.Run(utm + " none.txt").errors, HasSubstr("none.txt cannot be read"));
+}
+
 // One object a line, so that lines of any number can be read as they come.
 TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
   ProgramFolder folder;
@@ -218,10 +283,9 @@ TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
   EXPECT_THAT(steps, ElementsAre("WGS84", "datum shift", "projection", "grid correction", "job"));
   EXPECT_THAT(states, ElementsAre("done", "done", "done", "left undone", "done"));
   EXPECT_EQ(read[0]["steps"][0]["latitude"], 52.1);
-  EXPECT_EQ(read[1],
-            nlohmann::json({{"line", 3},
-                            {"error", "\"x\" is not a number (angles are decimal degrees)"},
-                            {"steps", nlohmann::json::array()}}));
+  EXPECT_EQ(read[1], nlohmann::json({{"line", 3},
+                                     {"error", "\"x\" is not a number or an angle"},
+                                     {"steps", nlohmann::json::array()}}));
   EXPECT_FALSE(read[2].contains("elevation"));
 
   const ProgramResult strict = folder.Run(dutch + " --strict", "52.1 5.4 43\n");

@@ -1,9 +1,13 @@
 // tarvex convert: positions to grid coordinates and back, line by line.
 #include <map>
+#include <memory>
+#include <span>
+#include <vector>
 
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/cli/conversion_text.h"
+#include "app/cli/input_blocks.h"
 #include "app/cli/line_conversion.h"
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_localization.h"
@@ -16,6 +20,7 @@ namespace {
 constexpr int kMostDecimals = 15;
 
 struct ConvertOptions {
+  std::string file;
   std::string job;
   std::string system;
   std::string definition;
@@ -80,46 +85,126 @@ void TellWhatToType(ConversionWay way, Console& console) {
                      ", a point a line; Ctrl-D ends.\n");
 }
 
-// A converted line as it is printed, and below it its steps when they are asked for.
-std::string LineText(const ConvertOptions& options, ConversionWay way, std::size_t number,
-                     const ConvertedLine& converted) {
-  if (options.json) {
-    const Json json = ConvertedJson(converted, way, number, options.explain);
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+// Lines through the calculator and on to the output, a block at a time.
+class LineStream {
+ public:
+  LineStream(const ConvertOptions& options, const CTrgCalculator& calculator, Program& program)
+      : options_(options),
+        calculator_(calculator),
+        program_(program),
+        way_(options.inverse ? ConversionWay::ToWgs84 : ConversionWay::ToGrid),
+        undone_(program.console) {}
+
+  void Convert(const std::vector<std::string_view>& lines) {
+    converted_.resize(lines.size());
+    if (options_.explain) {
+      for (std::size_t i = 0; i < lines.size(); ++i) {
+        converted_[i] = ConvertLine(calculator_, way_, options_.strict, lines[i]);
+      }
+    } else {
+      ConvertLines(calculator_, way_, options_.strict, lines, converted_);
+    }
+    for (std::size_t i = 0; i < lines.size(); ++i, ++number_) {
+      Append(lines[i], converted_[i]);
+    }
+    Write();
   }
-  std::string text = converted.problem.empty()
-                         ? ConvertedText(converted, way, options.decimals)
-                         : "ERROR: line " + std::to_string(number) + ": " + converted.problem;
-  text += '\n';
-  if (options.explain) text += ExplanationText(converted.report);
-  return text;
-}
+
+  ExitCode End() {
+    undone_.TellCounts();
+    return InterruptRequested() ? ExitCode::Failed : exit_code_;
+  }
+
+ private:
+  // A converted line as it is printed, and below it its steps when they are asked for.
+  void Append(std::string_view line, const ConvertedLine& converted) {
+    if (converted.numbers.count == 0 && WithoutOuterBlanks(line).empty()) {
+      if (!options_.json) text_ += '\n';
+      return;
+    }
+    const bool failed = !converted.problem.empty();
+    if (failed) exit_code_ = ExitCode::Failed;
+    if (options_.json) {
+      const Json json = ConvertedJson(converted, way_, number_, options_.explain);
+      text_ += json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    } else if (failed) {
+      text_ += "ERROR: line " + std::to_string(number_) + ": " + converted.problem;
+    } else {
+      AppendConvertedText(converted, way_, options_.decimals, text_);
+    }
+    text_ += '\n';
+    if (options_.explain && !options_.json) text_ += ExplanationText(converted.report);
+    if (failed || converted.left_undone.empty()) return;
+    Write();
+    undone_.Note(converted.left_undone, number_);
+  }
+
+  void Write() {
+    program_.console.Print(text_);
+    text_.clear();
+  }
+
+  const ConvertOptions& options_;
+  const CTrgCalculator& calculator_;
+  Program& program_;
+  ConversionWay way_;
+  UndoneSteps undone_;
+  std::vector<ConvertedLine> converted_;
+  std::string text_;
+  std::size_t number_ = 1;
+  ExitCode exit_code_ = ExitCode::Done;
+};
+
+// Bytes of the file that is named, or of the standard input. A failure to read is told and ends it.
+class Input {
+ public:
+  Input(const std::string& path, Program& program) : path_(path), program_(program) {}
+
+  bool Open() {
+    if (path_.empty()) return true;
+    const FileStatus status = program_.files.Open(path_, FileAccess::Read, file_);
+    return status.ok() || Fail(status);
+  }
+
+  std::size_t ReadSome(std::span<char> out) {
+    if (!file_) return ReadStandardInput(out);
+    std::size_t got = 0;
+    const FileStatus status = file_->ReadAt(at_, out, got);
+    if (!status.ok()) failed_ = !Fail(status);
+    at_ += got;
+    return got;
+  }
+
+  bool failed() const { return failed_; }
+
+ private:
+  bool Fail(const FileStatus& status) {
+    (void)program_.Fail("The file " + path_ + " cannot be read: " + status.Text() + ".");
+    return false;
+  }
+
+  std::string path_;
+  Program& program_;
+  std::unique_ptr<File> file_;
+  std::uint64_t at_ = 0;
+  bool failed_ = false;
+};
 
 ExitCode RunConvert(const ConvertOptions& options, Program& program) {
   CoordinateSystems systems(program);
   CTrgCalculator calculator;
   if (const ExitCode code = Prepare(options, program, systems, calculator); code != ExitCode::Done)
     return code;
+  Input input(options.file, program);
+  if (!input.Open()) return ExitCode::Failed;
   const ConversionWay way = options.inverse ? ConversionWay::ToWgs84 : ConversionWay::ToGrid;
-  ExitCode exit_code = ExitCode::Done;
-  UndoneSteps undone(program.console);
-  if (program.console.IsTyped()) TellWhatToType(way, program.console);
-  std::string line;
-  for (std::size_t number = 1; !InterruptRequested() && program.console.ReadLine(line); ++number) {
-    if (WithoutOuterBlanks(line).empty()) {
-      if (!options.json) program.console.Print("\n");
-      continue;
-    }
-    const ConvertedLine converted = ConvertLine(calculator, way, options.strict, line);
-    program.console.Print(LineText(options, way, number, converted));
-    if (!converted.problem.empty()) {
-      exit_code = ExitCode::Failed;
-    } else if (!converted.left_undone.empty()) {
-      undone.Note(converted.left_undone, number);
-    }
-  }
-  undone.TellCounts();
-  return InterruptRequested() ? ExitCode::Failed : exit_code;
+  if (options.file.empty() && program.console.IsTyped()) TellWhatToType(way, program.console);
+  InputBlocks blocks([&](std::span<char> out) { return input.ReadSome(out); });
+  LineStream stream(options, calculator, program);
+  std::vector<std::string_view> lines;
+  while (!InterruptRequested() && blocks.Next(lines)) stream.Convert(lines);
+  const ExitCode exit_code = stream.End();
+  return input.failed() ? ExitCode::Failed : exit_code;
 }
 
 }  // namespace
@@ -132,16 +217,20 @@ void AddConvertCommand(CLI::App& app, Program& program) {
   ConvertOptions& options = *command.options;
   CLI::App& sub = command.sub;
   sub.footer(
-      "Reads the standard input: WGS84 in decimal degrees, height above the ellipsoid in metres,\n"
+      "Reads the file, or the standard input: WGS84 in decimal degrees or degrees, minutes and\n"
+      "seconds (46\u00b030'15.5\"N 9\u00b020'30\"E, 46:30:15.5 9:20:30), height above the "
+      "ellipsoid in metres,\n"
       "numbers separated by blanks or commas. A line that cannot be converted becomes a line\n"
       "\"ERROR: ...\", the rest goes on, and the exit code is 1.\n"
       "Example: echo 46.8 9.3 1100 | tarvex convert --system \"UTM/UTM WGS84 Zone 32\"\n"
       "         tarvex convert --inverse --job site.crd < grid.txt\n"
       "         echo 52.1 5.4 43 | tarvex convert --system NETHERLANDS/Amersfoort/RD2004 "
       "--explain");
+  sub.add_option("FILE", options.file, "File with the lines (default: the standard input)");
   auto* job = sub.add_option("--job", options.job,
                              "Job whose system, unit and localization are to be used");
-  sub.add_option("--system", options.system, "Coordinate system by its name (see: tarvex systems)");
+  sub.add_option("--system", options.system,
+                 "Coordinate system by its name or EPSG code (see: tarvex systems)");
   sub.add_option("--definition", options.definition, "File with the definition text of the system");
   sub.add_option("--datum-shift", options.datum_shift, kDatumShiftHelp)->excludes(job);
   sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")

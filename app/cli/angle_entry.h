@@ -1,0 +1,23 @@
+// Latitude and longitude as people and receivers write them, on one line: "46°30'15.5"N 9°20'30"E",
+// "N46 30 15.5 E9 20 30", "46:30:15.5 9:20:30", "46d30.25' -9d20'30"", "46 30 15.5 9 20 30 1100".
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarvex {
+
+struct AngleEntry {
+  double latitude_deg = 0.0;
+  double longitude_deg = 0.0;
+  std::optional<double> height_m;
+};
+
+/// Reads a line in degrees, minutes and seconds; seconds may be missing, and the last part of an
+/// angle may have decimals. N, S, E and W stand before or behind their angle and may come in either
+/// order; without them latitude comes first, and a minus sign is south or west. Nothing, with a
+/// sentence in `problem`, for a line that is none.
+std::optional<AngleEntry> ReadAngleEntry(std::string_view line, std::string& problem);
+
+}  // namespace tarvex
