@@ -71,6 +71,32 @@ inline LaneDirection Toward(Lanes angle_rad) {
   return {both.sin, both.cos};
 }
 
+/// How a kernel takes its lanes: two points side by side, or one point in both of them. With one
+/// point, two angles share the lanes of one computation; every lane gives the same bits either way.
+struct TwoPoints {
+  static void Toward(Lanes a, Lanes b, LaneDirection& toward_a, LaneDirection& toward_b) {
+    toward_a = tarvex::Toward(a);
+    toward_b = tarvex::Toward(b);
+  }
+  static void AnglesOf(LaneDirection a, LaneDirection b, Lanes& angle_a, Lanes& angle_b) {
+    angle_a = AngleOf(a.sin, a.cos);
+    angle_b = AngleOf(b.sin, b.cos);
+  }
+};
+
+struct OnePoint {
+  static void Toward(Lanes a, Lanes b, LaneDirection& toward_a, LaneDirection& toward_b) {
+    const SineCosine both = SineCosineOf(Lanes{a[0], b[0]});
+    toward_a = {Both(both.sin[0]), Both(both.cos[0])};
+    toward_b = {Both(both.sin[1]), Both(both.cos[1])};
+  }
+  static void AnglesOf(LaneDirection a, LaneDirection b, Lanes& angle_a, Lanes& angle_b) {
+    const Lanes both = AngleOf(Lanes{a.sin[0], b.sin[0]}, Lanes{a.cos[0], b.cos[0]});
+    angle_a = Both(both[0]);
+    angle_b = Both(both[1]);
+  }
+};
+
 /// An angle brought between -180 and +180 degrees from a few turns away.
 inline Lanes WrappedLongitude(Lanes longitude_rad) {
   constexpr double kTurn = 2.0 * std::numbers::pi;
@@ -111,9 +137,8 @@ struct EllipsoidConstants {
     const T z = e2 * sin_phi * sin_phi;
     const T w = z * z;
     return e2 * sin_phi *
-           ((1.0 + z * (1.0 / 3.0)) +
-            w * ((1.0 / 5.0 + z * (1.0 / 7.0)) +
-                 w * (1.0 / 9.0 + z * (1.0 / 11.0) + w * (1.0 / 13.0))));
+           ((1.0 + z * (1.0 / 3.0)) + w * ((1.0 / 5.0 + z * (1.0 / 7.0)) +
+                                           w * (1.0 / 9.0 + z * (1.0 / 11.0) + w * (1.0 / 13.0))));
   }
 
   /// Isometric latitude; its hyperbolic sine is the tangent of the conformal latitude.
@@ -123,15 +148,20 @@ struct EllipsoidConstants {
   }
   double Isometric(double phi_rad) const { return Isometric(Toward(Both(phi_rad)))[0]; }
 
-  /// The conformal latitude of a geodetic one.
-  LaneDirection Conformal(LaneDirection phi) const {
+  /// The conformal latitude of a geodetic one, of a length that is not 1.
+  LaneDirection ConformalOfAnyLength(LaneDirection phi) const {
     const Lanes w = EccentricPart(phi.sin);
     const Lanes w2 = w * w;
     const Lanes sinh_w = w * (1.0 + w2 * (1.0 / 6.0 + w2 * (1.0 / 120.0)));
     const Lanes cosh_less_1 = w2 * (0.5 + w2 * (1.0 / 24.0 + w2 * (1.0 / 720.0)));
-    const Lanes s = phi.sin + (phi.sin * cosh_less_1 - sinh_w);
-    const Lanes norm = 1.0 / SquareRootOf(s * s + phi.cos * phi.cos);
-    return {s * norm, phi.cos * norm};
+    return {phi.sin + (phi.sin * cosh_less_1 - sinh_w), phi.cos};
+  }
+
+  /// The conformal latitude of a geodetic one.
+  LaneDirection Conformal(LaneDirection phi) const {
+    const LaneDirection chi = ConformalOfAnyLength(phi);
+    const Lanes norm = 1.0 / SquareRootOf(chi.sin * chi.sin + chi.cos * chi.cos);
+    return {chi.sin * norm, chi.cos * norm};
   }
   Direction Conformal(double phi_rad) const {
     const LaneDirection chi = Conformal(Toward(Both(phi_rad)));

@@ -46,15 +46,16 @@ struct Kernel {
   double false_easting_m = 0.0;
   double apex_northing_m = 0.0;
 
+  template <typename Points>
   LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
     const Lanes phi = position.latitude_rad;
-    const LaneDirection toward = Toward(phi);
-
     const Lanes lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    LaneDirection toward;
+    LaneDirection theta;
+    Points::Toward(phi, n * lambda, toward, theta);
     // The pole itself lies at the apex; on a flat cone the exponential gets there too slowly.
     const Lanes r = Select(AtMost(Absolute(toward.cos), Both(kPoleCosine)), Both(0.0),
                            apex_radius_m * ExponentialOf(-n * ellipsoid.Isometric(toward)));
-    const LaneDirection theta = Toward(n * lambda);
     point.easting_m = false_easting_m + r * theta.sin;
     point.northing_m = apex_northing_m - r * theta.cos;
     return AtMost(Both(-kFarthestLatitude), sign * phi);

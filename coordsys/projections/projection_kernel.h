@@ -4,6 +4,8 @@
 //   LaneMask Forward(LanePosition position, LanePoint& point) const noexcept;
 //   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept;
 //
+// each of them a template over TwoPoints or OnePoint (auxiliary_latitude.h) where two of its angles
+// can share the lanes of a single point, and
 // whose result is true in the lanes that lie in the family's domain; in the others the outputs may
 // be anything. Both are inlined into the loops over arrays. A position beyond 90 degrees of
 // latitude or 360 of longitude, and a plane point beyond 1e9 m, are refused here.
@@ -15,6 +17,7 @@
 #include <numbers>
 
 #include "coordsys/projection.h"
+#include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/lanes.h"
 
 namespace tarvex {
@@ -38,7 +41,8 @@ class KernelProjection final : public Projection {
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
     LanePoint both;
     const LanePosition at{Both(position.latitude_rad), Both(position.longitude_rad)};
-    if (!ForwardLanes(at, both)[0]) return Why(position.latitude_rad, position.longitude_rad);
+    if (!ForwardLanes<OnePoint>(at, both)[0])
+      return Why(position.latitude_rad, position.longitude_rad);
     point = {both.northing_m[0], both.easting_m[0]};
     return ProjectionResult::Done;
   }
@@ -46,7 +50,7 @@ class KernelProjection final : public Projection {
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept override {
     LanePosition both;
     const LanePoint at{Both(point.northing_m), Both(point.easting_m)};
-    if (!InverseLanes(at, both)[0]) return Why(point.northing_m, point.easting_m);
+    if (!InverseLanes<OnePoint>(at, both)[0]) return Why(point.northing_m, point.easting_m);
     position = {both.latitude_rad[0], both.longitude_rad[0]};
     return ProjectionResult::Done;
   }
@@ -56,7 +60,7 @@ class KernelProjection final : public Projection {
                       std::span<double> easting_m) const noexcept override {
     const auto convert = [this](Lanes latitude, Lanes longitude, Lanes& northing, Lanes& easting) {
       LanePoint point;
-      const LaneMask inside = ForwardLanes({latitude, longitude}, point);
+      const LaneMask inside = ForwardLanes<TwoPoints>({latitude, longitude}, point);
       northing = point.northing_m;
       easting = point.easting_m;
       return inside;
@@ -69,7 +73,7 @@ class KernelProjection final : public Projection {
                       std::span<double> longitude_rad) const noexcept override {
     const auto convert = [this](Lanes northing, Lanes easting, Lanes& latitude, Lanes& longitude) {
       LanePosition position;
-      const LaneMask inside = InverseLanes({northing, easting}, position);
+      const LaneMask inside = InverseLanes<TwoPoints>({northing, easting}, position);
       latitude = position.latitude_rad;
       longitude = position.longitude_rad;
       return inside;
@@ -90,17 +94,27 @@ class KernelProjection final : public Projection {
  private:
   static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+  template <typename Points>
   LaneMask ForwardLanes(LanePosition position, LanePoint& point) const noexcept {
     const LaneMask on_earth = Within(position.latitude_rad, std::numbers::pi / 2.0) &
                               Within(position.longitude_rad, 2.0 * std::numbers::pi);
-    return on_earth & kernel_.Forward(position, point);
+    if constexpr (requires { kernel_.template Forward<Points>(position, point); }) {
+      return on_earth & kernel_.template Forward<Points>(position, point);
+    } else {
+      return on_earth & kernel_.Forward(position, point);
+    }
   }
 
+  template <typename Points>
   LaneMask InverseLanes(LanePoint point, LanePosition& position) const noexcept {
     constexpr double kFarthest_m = 1e9;
     const LaneMask on_plane =
         Within(point.northing_m, kFarthest_m) & Within(point.easting_m, kFarthest_m);
-    return on_plane & kernel_.Inverse(point, position);
+    if constexpr (requires { kernel_.template Inverse<Points>(point, position); }) {
+      return on_plane & kernel_.template Inverse<Points>(point, position);
+    } else {
+      return on_plane & kernel_.Inverse(point, position);
+    }
   }
 
   static ProjectionResult Why(double a, double b) noexcept {

@@ -46,27 +46,34 @@ struct Kernel {
   SineSeries alpha = {};
   SineSeries beta = {};
 
-  // Everything comes from the conformal latitude chi and lambda by algebra: tanh eta' is
-  // v = cos chi sin lambda, and q2 = 1 - v^2 the square of cos chi cos lambda and sin chi.
+  // Everything comes from the conformal latitude chi and lambda by algebra: tanh eta' is v / length
+  // with v = cos chi sin lambda, and q2 = length^2 - v^2 the square of cos chi cos lambda and sin
+  // chi. Nothing needs chi at length 1.
+  template <typename Points>
   LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
-    const LaneDirection lambda =
-        Toward(WrappedLongitude(position.longitude_rad - central_meridian_rad));
-    const LaneDirection chi = ellipsoid.Conformal(Toward(position.latitude_rad));
+    LaneDirection lambda;
+    LaneDirection phi;
+    Points::Toward(WrappedLongitude(position.longitude_rad - central_meridian_rad),
+                   position.latitude_rad, lambda, phi);
+    const LaneDirection chi = ellipsoid.ConformalOfAnyLength(phi);
+    const Lanes length2 = chi.sin * chi.sin + chi.cos * chi.cos;
+    const Lanes length = SquareRootOf(length2);
     const Lanes v = chi.cos * lambda.sin;
     const Lanes forth = chi.cos * lambda.cos;
     const Lanes q2 = chi.sin * chi.sin + forth * forth;
     const Lanes over_q2 = 1.0 / q2;
     const Lanes xi = AngleOf(chi.sin, forth);
-    const Lanes eta = 0.5 * LogarithmOf((1.0 + v) * (1.0 + v) * over_q2);
+    const Lanes eta = 0.5 * LogarithmOf((length + v) * (length + v) * over_q2);
 
     const Complex sum = SumOf(alpha, 2.0 * chi.sin * forth * over_q2,
-                              (forth - chi.sin) * (forth + chi.sin) * over_q2, 2.0 * v * over_q2,
-                              (1.0 + v * v) * over_q2);
+                              (forth - chi.sin) * (forth + chi.sin) * over_q2,
+                              2.0 * v * length * over_q2, (length2 + v * v) * over_q2);
     point.northing_m = false_northing_m + radius_m * (xi - origin_xi + sum.re);
     point.easting_m = false_easting_m + radius_m * (eta + sum.im);
     return Within(eta, kWidestEta) & Within(xi, kFarthestXi);
   }
 
+  template <typename Points>
   LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
     const Lanes xi = (point.northing_m - false_northing_m) * over_radius + origin_xi;
     const Lanes eta = (point.easting_m - false_easting_m) * over_radius;
@@ -89,9 +96,11 @@ struct Kernel {
     const Lanes norm2 = 1.0 / (1.0 + sinh_eta * sinh_eta);
     const Lanes sin_2chi = 2.0 * xi_c.sin * forth * norm2;
     const Lanes cos_2chi = (forth2 - xi_c.sin * xi_c.sin) * norm2;
-    position.latitude_rad =
-        AngleOf(xi_c.sin, forth) + tarvex::SumOf(ellipsoid.delta, sin_2chi, cos_2chi);
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(sinh_eta, xi_c.cos));
+    Lanes chi;
+    Lanes lambda;
+    Points::AnglesOf({xi_c.sin, forth}, {sinh_eta, xi_c.cos}, chi, lambda);
+    position.latitude_rad = chi + tarvex::SumOf(ellipsoid.delta, sin_2chi, cos_2chi);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + lambda);
     return in_reach & Within(eta_c, kWidestEta + kClosing) &
            Within(xi - sum.re, kFarthestXi + kClosing);
   }
