@@ -1,6 +1,7 @@
 #include "gnss/sky_view.h"
 
 #include "gnss/nmea_number.h"
+#include "gnss/receiver_settings.h"
 #include "gnss/sentences/sentence.h"
 #include "gnss/text_fields.h"
 
@@ -8,17 +9,91 @@ namespace tarvex {
 namespace {
 
 constexpr std::int64_t kForgottenAfterMs = 5000;
+constexpr std::int64_t kUnusedAfterMs = 1500;
 constexpr std::size_t kMostSatellites = 512;  // more than the sky holds
 constexpr std::size_t kTypeAt = 3;
 
-bool IsGsv(std::string_view line) {
-  return line.size() > kTypeAt + 4 && line[0] == '$' && line.substr(kTypeAt, 4) == "GSV,";
+// What a satellite system is called by its talker, and the number that newer GSA give it.
+struct System {
+  std::string_view talker;
+  SatelliteSystem bit;
+  char gsa_id;
+};
+
+constexpr System kSystems[] = {{"GP", kSatelliteGps, '1'},     {"GL", kSatelliteGlonass, '2'},
+                               {"GA", kSatelliteGalileo, '3'}, {"GB", kSatelliteBeiDou, '4'},
+                               {"BD", kSatelliteBeiDou, '4'},  {"GQ", kSatelliteQzss, '5'},
+                               {"QZ", kSatelliteQzss, '5'},    {"GI", kSatelliteNavIc, '6'}};
+
+// The system of a GSA without one of its own: older receivers number the satellites on.
+std::string_view SystemOfNumber(int prn) {
+  constexpr int kFirstGlonass = 65;
+  constexpr int kLastGlonass = 96;
+  return prn >= kFirstGlonass && prn <= kLastGlonass ? "GL" : "GP";
+}
+
+bool IsType(std::string_view line, std::string_view type) {
+  return line.size() > kTypeAt + type.size() && line[0] == '$' &&
+         line.substr(kTypeAt, type.size()) == type;
 }
 
 }  // namespace
 
 void SkyView::OnLine(std::string_view line, std::int64_t now_ms) {
-  if (!IsGsv(line) || !ChecksumHolds(line)) return;
+  const bool gsv = IsType(line, "GSV,");
+  if ((!gsv && !IsType(line, "GSA,")) || !ChecksumHolds(line)) return;
+  gsv ? TakeGsv(line, now_ms) : TakeGsa(line, now_ms);
+}
+
+bool SkyView::Shows(std::string_view system) const {
+  if (systems_ == 0) return true;
+  for (const System& known : kSystems) {
+    if (known.talker == system) return (known.bit & systems_) != 0;
+  }
+  return true;
+}
+
+void SkyView::TakeGsa(std::string_view line, std::int64_t now_ms) {
+  constexpr int kPrns = 12;
+  const std::string_view talker = line.substr(1, 2);
+  FieldCursor fields(FirstField(line, '*'));
+  FieldCursor id_at = fields;
+  std::string_view id;
+  const bool has_id = id_at.Skip(18) && id_at.Take(id) && !id.empty();
+  if (!fields.Skip(3)) return;
+  std::string_view field;
+  for (int i = 0; i < kPrns && fields.Take(field); ++i) {
+    if (field.empty()) continue;
+    const int prn = NmeaInteger(field);
+    std::string_view system = talker == "GN" ? SystemOfNumber(prn) : talker;
+    for (const System& known : kSystems) {
+      if (talker == "GN" && has_id && known.gsa_id == id[0] && known.talker != "BD" &&
+          known.talker != "QZ") {
+        system = known.talker;
+      }
+    }
+    if (used_.size() >= kMostSatellites) used_.clear();
+    used_[{std::string(system), prn}] = now_ms;
+  }
+}
+
+std::vector<SystemCount> SkyView::Counts(std::int64_t now_ms) const {
+  std::map<std::string, SystemCount> counts;
+  for (const SatelliteInView& satellite : InView(now_ms)) ++counts[satellite.system].in_view;
+  for (const auto& [satellite, told_at_ms] : used_) {
+    if (now_ms - told_at_ms <= kUnusedAfterMs && Shows(satellite.first)) {
+      ++counts[satellite.first].in_use;
+    }
+  }
+  std::vector<SystemCount> list;
+  for (auto& [system, count] : counts) {
+    count.system = system;
+    list.push_back(count);
+  }
+  return list;
+}
+
+void SkyView::TakeGsv(std::string_view line, std::int64_t now_ms) {
   FieldCursor fields(FirstField(line, '*'));
   if (!fields.Skip(4)) return;
   const std::string system(line.substr(1, 2));
@@ -42,7 +117,8 @@ void SkyView::OnLine(std::string_view line, std::int64_t now_ms) {
 std::vector<SatelliteInView> SkyView::InView(std::int64_t now_ms) const {
   std::vector<SatelliteInView> satellites;
   for (const auto& [key, seen] : seen_) {
-    if (now_ms - seen.at_ms <= kForgottenAfterMs) satellites.push_back(seen.satellite);
+    if (now_ms - seen.at_ms <= kForgottenAfterMs && Shows(key.first))
+      satellites.push_back(seen.satellite);
   }
   return satellites;
 }

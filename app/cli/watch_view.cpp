@@ -79,6 +79,15 @@ std::string SkyText(const std::vector<SatelliteInView>& satellites) {
                       : text + "\n          (elevation/azimuth in degrees, strength in dB-Hz)\n";
 }
 
+std::string CountsText(const std::vector<SystemCount>& counts) {
+  std::string text;
+  for (const SystemCount& count : counts) {
+    text += (text.empty() ? "in use    " : "  ") + count.system + " " +
+            std::to_string(count.in_use) + " of " + std::to_string(count.in_view);
+  }
+  return text.empty() ? text : text + "\n";
+}
+
 std::string PositionText(const GnssPositionState& state, Clock& clock) {
   if (state.positions == 0) return "position  none yet\n";
   const double age_s =
@@ -157,25 +166,26 @@ WatchView::~WatchView() {
   End();
 }
 
-std::string WatchView::Screen(GnssReadResult result, const GnssPositionState& state,
+std::string WatchView::Screen(const std::string& trouble, const GnssPositionState& state,
                               const ReceiverTap& tap, const CorrectionLink* link,
                               Clock& clock) const {
   std::string text = PositionText(state, clock);
   text += "receiver  " + std::to_string(tap.lines()) + " lines, " + std::to_string(tap.bytes()) +
           " bytes, " + std::to_string(state.bad_checksums) + " damaged\n";
-  if (result != GnssReadResult::Accepted) text += "          " + ResultSentence(result) + "\n";
-  if (const std::string origin = OriginSentence(state.origin); !origin.empty()) {
-    text += "          " + origin + "\n";
+  const std::string height = state.positions > 0 ? HeightSentence(state) : std::string();
+  for (const std::string& sentence : {trouble, OriginSentence(state.origin), height}) {
+    if (!sentence.empty()) text += "          " + sentence + "\n";
   }
   if (link != nullptr) text += LinkText(link->Status(), state);
-  return text + SkyText(tap.sky().InView(clock.SteadyMilliseconds()));
+  const std::int64_t now_ms = clock.SteadyMilliseconds();
+  return text + CountsText(tap.sky().Counts(now_ms)) + SkyText(tap.sky().InView(now_ms));
 }
 
-void WatchView::Show(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
-                     const CorrectionLink* link, Clock& clock) {
-  if (!drawn_) return ShowLine(result, state, link);
+void WatchView::Show(const std::string& trouble, const GnssPositionState& state,
+                     const ReceiverTap& tap, const CorrectionLink* link, Clock& clock) {
+  if (!drawn_) return ShowLine(trouble, state, link);
   const TerminalSize size = SizeOfTerminal();
-  last_screen_ = Screen(result, state, tap, link, clock);
+  last_screen_ = Screen(trouble, state, tap, link, clock);
   const std::vector<std::string> lines = FittedLines(last_screen_, size.columns);
   std::string drawing = open_ ? "\x1b[H" : "\x1b[?1049h\x1b[?25l\x1b[H";
   open_ = true;
@@ -186,11 +196,10 @@ void WatchView::Show(GnssReadResult result, const GnssPositionState& state, cons
   console_.Draw(drawing + "\x1b[J");
 }
 
-void WatchView::ShowLine(GnssReadResult result, const GnssPositionState& state,
+void WatchView::ShowLine(const std::string& trouble, const GnssPositionState& state,
                          const CorrectionLink* link) {
-  if (result != GnssReadResult::Accepted) {
-    const std::string sentence = ResultSentence(result);
-    if (sentence != std::exchange(told_, sentence)) console_.PrintError(sentence + "\n");
+  if (!trouble.empty()) {
+    if (trouble != std::exchange(told_, trouble)) console_.PrintError(trouble + "\n");
     return;
   }
   told_.clear();

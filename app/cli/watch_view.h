@@ -18,15 +18,17 @@ class WatchView {
   WatchView& operator=(const WatchView&) = delete;
   ~WatchView();
 
-  void Show(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
+  /// `trouble` is what keeps a new position from coming; empty when one came.
+  void Show(const std::string& trouble, const GnssPositionState& state, const ReceiverTap& tap,
             const CorrectionLink* link, Clock& clock);
   /// Gives the terminal back, with what was shown last.
   void End();
 
  private:
-  void ShowLine(GnssReadResult result, const GnssPositionState& state, const CorrectionLink* link);
-  std::string Screen(GnssReadResult result, const GnssPositionState& state, const ReceiverTap& tap,
-                     const CorrectionLink* link, Clock& clock) const;
+  void ShowLine(const std::string& trouble, const GnssPositionState& state,
+                const CorrectionLink* link);
+  std::string Screen(const std::string& trouble, const GnssPositionState& state,
+                     const ReceiverTap& tap, const CorrectionLink* link, Clock& clock) const;
 
   Console& console_;
   bool drawn_ = false;

@@ -1,6 +1,7 @@
 #include "app/workflow/receiver_tap.h"
 
 #include "core/string_table.h"
+#include "gnss/sentences/sentence.h"
 
 namespace tarvex {
 namespace {
@@ -21,8 +22,9 @@ void ReceiverTap::OnLine(std::string_view line) {
   constexpr std::string_view kLineEnd = "\r\n";
   ++lines_;
   bytes_ += line.size() + kLineEnd.size();
-  gga_.OnLine(line);
-  sky_.OnLine(line, clock_.SteadyMilliseconds());
+  const std::string_view sentence = SentenceIn(line);
+  gga_.OnLine(sentence);
+  sky_.OnLine(sentence, clock_.SteadyMilliseconds());
   if (!log_ || !log_problem_.empty()) return;
   std::string record(line);
   record += kLineEnd;

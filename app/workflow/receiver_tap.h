@@ -23,6 +23,9 @@ class ReceiverTap final : public LineListener {
   /// the log and stays here.
   const std::string& log_problem() const { return log_problem_; }
 
+  /// The systems (SatelliteSystem) that the sky view shows; 0: all.
+  void ShowSatellitesOf(int systems) { sky_.ShowOnly(systems); }
+
   void OnLine(std::string_view line) override;
 
   const LatestGga& gga() const { return gga_; }

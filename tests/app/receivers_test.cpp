@@ -107,7 +107,9 @@ TEST(Watch, SaysWhatIsWrong) {
       {"watch serial:/dev/no-such-port", 1, "No such file or directory"},
       {"watch tcp:no-such-host.invalid:9001", 1, "no-such-host.invalid:9001"},
       {"watch file:short.log --make other", 2, "other"},
-      {"watch file:short.log --set nmea_pos=3", 2, "nmea_pos=3"},
+      {"watch file:short.log --set nmea_pos=3", 2, "nmea_pos takes 1 GGA, 2 GLL"},
+      {"watch file:short.log --set nmea_po=1", 2, "no receiver setting \"nmea_po\""},
+      {"watch simulated --make other", 2, "other"},
       {"watch simulated --corrections ntrip://a/b", 2, "takes no corrections"},
       {"watch serial:/dev/x --corrections ntrip://a", 2, "MOUNTPOINT"},
       {"watch serial:/dev/x --corrections ntrip://u:secret@a/b", 2, "--password-file"},
@@ -127,6 +129,69 @@ TEST(Watch, EndsAtOnceWhenInterrupted) {
   const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(watch.End(SIGINT).exit_code, 0);
   EXPECT_LT(std::chrono::steady_clock::now() - before, 3s);
+}
+
+// A receiver on a loopback port, whose link the test makes and breaks.
+class LoopbackReceiver {
+ public:
+  LoopbackReceiver() : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
+    ::listen(listener_, 1);
+    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
+    port_ = ntohs(address.sin_port);
+  }
+  ~LoopbackReceiver() {
+    Break();
+    ::close(listener_);
+  }
+
+  std::string Name() const { return "tcp:127.0.0.1:" + std::to_string(port_); }
+  void Say(const std::string& bytes) {
+    if (peer_ < 0) peer_ = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    (void)::send(peer_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+  }
+  void Break() {
+    if (peer_ >= 0) ::close(std::exchange(peer_, -1));
+  }
+
+ private:
+  int listener_;
+  int port_ = 0;
+  int peer_ = -1;
+};
+
+TEST(Watch, OpensALostLinkAgain) {
+  LoopbackReceiver receiver;
+  Running watch("watch " + receiver.Name() + " --make nmea --count 3");
+  receiver.Say(Epochs(2) + Epoch(2).substr(0, 90));
+  (void)watch.Said("(12:35:01)");
+  receiver.Break();
+  receiver.Say(Epoch(3));
+  const ProgramResult watched = watch.Wait();
+  EXPECT_EQ(watched.exit_code, 0) << watched.errors;
+  EXPECT_NE(watched.output.find("12:35:03"), std::string::npos);
+  EXPECT_EQ(watched.output.find("12:35:02"), std::string::npos) << "it was cut off";
+  EXPECT_EQ(watched.errors,
+            "The link to the receiver is lost; it is opened again as soon as it can be.\n"
+            "The receiver is connected again.\n");
+}
+
+TEST(Watch, FailsWhenALostLinkStaysLost) {
+  auto receiver = std::make_unique<LoopbackReceiver>();
+  Running watch("watch " + receiver->Name() + " --make nmea");
+  receiver->Say(Epochs(1));
+  (void)watch.Said("(12:35:00)");
+  receiver.reset();
+  std::this_thread::sleep_for(1500ms);
+  const auto before = std::chrono::steady_clock::now();
+  const ProgramResult ended = watch.End(SIGINT);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, 1s);
+  EXPECT_EQ(ended.exit_code, 1);
+  EXPECT_NE(ended.errors.find("did not come back"), std::string::npos) << ended.errors;
 }
 
 // Somebody who takes connections and never says a word.
@@ -426,6 +491,20 @@ TEST(RecordedSession, ComesToTheSameBytesEveryTime) {
   const std::string raw = office[0].Read("site.rw5");
   EXPECT_NE(raw.find("--DT02-28-2026\n--TM23:59:52\n"), std::string::npos) << raw;
   EXPECT_NE(raw.find("--DT03-01-2026\n--TM00:00:19\n"), std::string::npos) << raw;
+}
+
+TEST(RecordedSession, StepsBackWithItsReceiver) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  folder.Write("log", Epoch(20) + Epoch(19) + Epoch(21));
+  ASSERT_EQ(folder
+                .Run("collect site.crd --receiver file:log --make nmea --count 3 --recorded-at "
+                     "\"2027-01-01 12:00:00\"")
+                .exit_code,
+            0);
+  const std::string notes = folder.Read("site.not");
+  EXPECT_NE(notes.find("DATE,01-01-2027\nTIME,11:59:59\n"), std::string::npos) << notes;
+  EXPECT_NE(notes.find("DATE,01-01-2027\nTIME,12:00:01\n"), std::string::npos) << notes;
 }
 
 TEST(RecordedSession, NeedsADateAndARecording) {
