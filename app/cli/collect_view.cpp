@@ -64,7 +64,7 @@ void CollectView::Show(const LimitRefuses& limit) {
 }
 
 void CollectView::Show(const NoPosition& none) {
-  TellOnce(ResultSentence(none.result));
+  TellOnce(none.sentence);
 }
 
 void CollectView::Show(const EpochRepeated&) {

@@ -71,6 +71,9 @@ std::vector<std::string> PositionWarnings(const GnssPositionState& state) {
     warnings.push_back(std::move(origin));
   }
   if (!state.height_known) warnings.emplace_back(kNoHeight);
+  if (std::string height = HeightSentence(state); state.height_known && !height.empty()) {
+    warnings.push_back(std::move(height));
+  }
   if (!state.precision_known) warnings.emplace_back(kNoPrecision);
   return warnings;
 }

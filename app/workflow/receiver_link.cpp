@@ -40,7 +40,16 @@ bool ReceiverLink::Open(std::string& problem) {
   return false;
 }
 
-GnssReadResult ReceiverLink::Read() {
+std::string ReceiverLink::Sentence(GnssReadResult result) const {
+  return ResultSentence(result, connection_);
+}
+
+bool ReceiverLink::PrecisionMayFollow() const {
+  return tarvex::PrecisionMayFollow(state_, connection_, receiver_.make_code);
+}
+
+GnssReadResult ReceiverLink::Read(std::int64_t deadline_ms) {
+  connection_.deadline_ms = deadline_ms;
   const GnssReadResult result = ReadGnssPosition(state_, connection_, receiver_.make_code);
   if (result != GnssReadResult::Accepted && connection_.link_lost()) NoteLost();
   return result;

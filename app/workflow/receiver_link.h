@@ -27,8 +27,13 @@ class ReceiverLink final : private StopRequest {
   /// and is dropped.
   [[nodiscard]] bool Open(std::string& problem);
 
-  /// One reading into state().
-  GnssReadResult Read();
+  /// One reading into state(); it is back half a second behind `deadline_ms` (steady clock) at the
+  /// latest.
+  GnssReadResult Read(std::int64_t deadline_ms = kNoDeadline);
+  /// The sentence for people about a reading that gave no position.
+  std::string Sentence(GnssReadResult result) const;
+  /// The precision of the position that was just read may still come with the next one.
+  bool PrecisionMayFollow() const;
   const GnssPositionState& state() const { return state_; }
 
   /// The recording is at its end.

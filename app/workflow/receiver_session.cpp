@@ -84,12 +84,15 @@ SessionEnd ReceiverSession::ReadUntilDone() {
   while (!Finished()) {
     TakeCommands();
     if (EndAsked()) return SessionEnd::Asked;
-    const GnssReadResult result = link_.Read();
+    const GnssReadResult result = link_.Read(ReadDeadlineMs());
     if (EndAsked()) return SessionEnd::Asked;
     WatchCorrections();
     WatchLog();
     if (!TakeReading(result)) return SessionEnd::Failed;
     if (result != GnssReadResult::Accepted && link_.ended()) {
+      if (held_ && !TakeEpoch(Refusal())) return SessionEnd::Failed;
+      held_ = false;
+      if (Finished()) break;
       return MayEnd() ? SessionEnd::Complete : SessionEnd::RecordingEnded;
     }
     if (link_.lost() && !WaitForReceiver()) {
@@ -145,15 +148,20 @@ bool ReceiverSession::WaitForReceiver() {
   return false;
 }
 
+std::int64_t ReceiverSession::ReadDeadlineMs() const {
+  const bool waits = plan_.receiver.takes_corrections();
+  return waits ? last_new_position_ms_ + plan_.patience_ms : kNoDeadline;
+}
+
 bool ReceiverSession::OutOfPatience() const {
-  return work_.clock.SteadyMilliseconds() - last_new_position_ms_ > plan_.patience_ms;
+  return work_.clock.SteadyMilliseconds() - last_new_position_ms_ >= plan_.patience_ms;
 }
 
 bool ReceiverSession::TakeReading(GnssReadResult result) {
   if (result != GnssReadResult::Accepted) {
     const bool expected =
         link_.ended() || link_.lost() || NextSentenceIsDue(result, state(), work_.clock);
-    if (!expected) Tell(NoPosition{result});
+    if (!expected) Tell(NoPosition{result, link_.Sentence(result)});
     return true;
   }
   if (state().repeated_epoch) {
@@ -162,6 +170,10 @@ bool ReceiverSession::TakeReading(GnssReadResult result) {
   }
   last_new_position_ms_ = work_.clock.SteadyMilliseconds();
   if (plan_.recorded != nullptr) plan_.recorded->Follow(state().epoch_ms);
+  // Until a whole epoch was seen its precision may still come, and a point is stored as well
+  // measured as it is.
+  held_ = link_.PrecisionMayFollow();
+  if (held_) return TellPosition(std::nullopt), true;
   return TakeEpoch(Refusal());
 }
 

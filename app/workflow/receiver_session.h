@@ -98,6 +98,7 @@ class ReceiverSession {
   void WatchLog();
   bool WaitForReceiver();
   bool OutOfPatience() const;
+  std::int64_t ReadDeadlineMs() const;
   bool TakeReading(GnssReadResult result);
   std::optional<GateRefusal> Refusal();
   bool TakeStored(const StoredPoint& stored, const std::string& wanted);
@@ -123,6 +124,7 @@ class ReceiverSession {
   std::optional<Limit> refused_by_;
   std::set<std::string> warned_;
   bool place_checked_ = false;
+  bool held_ = false;  ///< the last epoch waits for its precision
   bool paused_ = false;
   bool store_wanted_ = false;
   bool failed_ = false;

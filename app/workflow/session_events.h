@@ -44,6 +44,7 @@ struct LimitRefuses {
 /// No position came of a reading.
 struct NoPosition {
   GnssReadResult result;
+  std::string sentence;
 };
 /// The receiver gave the epoch before once more.
 struct EpochRepeated {};

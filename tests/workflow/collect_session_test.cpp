@@ -1,0 +1,219 @@
+// Collecting, without a process and without waiting.
+#include "app/workflow/collect_session.h"
+
+#include <gmock/gmock.h>
+
+#include "core/point_list.h"
+#include "tests/workflow/field_site.h"
+
+namespace tarvex {
+namespace {
+
+using testing::HasSubstr;
+
+class Collecting : public FieldSite {
+ protected:
+  Collecting() { plan.receiver = ConnectedReceiver(); }
+
+  SessionEnd Run() {
+    CollectSession collecting(
+        work, *session, calculator, plan, listener, commands, [this] { return stop; }, Ports());
+    const SessionEnd end = collecting.Run();
+    lost = collecting.receiver_lost();
+    return end;
+  }
+
+  std::vector<std::string> StoredIds() const {
+    std::vector<std::string> ids;
+    for (const PointStored& stored : listener.Of<PointStored>()) {
+      ids.push_back(stored.point.id.str());
+    }
+    return ids;
+  }
+
+  CollectPlan plan;
+  bool stop = false;
+  bool lost = false;
+};
+
+using Ids = std::vector<std::string>;
+
+TEST_F(Collecting, TellsAPointWhenAllThreeFilesHoldIt) {
+  plan.count = 2;
+  plan.description = "edge";
+  plan.antenna_height = 2.0;
+  connections = {{Epoch(1) + Epoch(2) + Epoch(3)}};
+  std::vector<bool> whole;
+  listener.then = [&](const SessionEvent& event) {
+    const auto* stored = std::get_if<PointStored>(&event);
+    if (stored == nullptr) return;
+    const std::string id = stored->point.id.str();
+    whole.push_back(Raw().find("\nGPS,PN" + id + ",") != std::string::npos &&
+                    Notes().find("PT_ID:" + id + "\n") != std::string::npos &&
+                    memory.Bytes(kSitePath).size() == 104 + 66 * listener.Of<PointStored>().size());
+  };
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  EXPECT_EQ(StoredIds(), (Ids{"1", "2"}));
+  EXPECT_EQ(whole, (std::vector<bool>{true, true}));
+  EXPECT_THAT(Raw(), HasSubstr("\nLS,HR2.0000\nGPS,PN1,"));
+  EXPECT_TRUE(observer.errors.empty());
+}
+
+TEST_F(Collecting, GoesOnWhenALostReceiverIsBack) {
+  plan.count = 0;
+  connections = {{Epoch(1), true}, {"", false, true}, {Epoch(20) + Epoch(21), true}};
+  plan.patience_ms = 20'000;
+  EXPECT_EQ(Run(), SessionEnd::NoPosition);  // it does not return a second time
+  EXPECT_TRUE(lost);
+  EXPECT_EQ(StoredIds(), (Ids{"1", "2", "3"}));
+  ASSERT_EQ(listener.Of<ReceiverLost>().size(), 2U);
+  EXPECT_EQ(listener.Of<ReceiverBack>().size(), 1U);
+  EXPECT_EQ(listener.Of<ReceiverLost>()[0].next_try_ms, 1000);
+}
+
+TEST_F(Collecting, EndsWhenItIsToldToWhileTheReceiverIsLost) {
+  plan.count = 0;
+  connections = {{Epoch(1), true}};
+  listener.then = [&](const SessionEvent& event) {
+    if (std::holds_alternative<ReceiverLost>(event)) commands.Send(EndSession{});
+  };
+  const std::int64_t before = clock.milliseconds;
+  EXPECT_EQ(Run(), SessionEnd::Asked);
+  EXPECT_TRUE(lost);
+  EXPECT_LT(clock.milliseconds - before, 1000);
+}
+
+// Positions that a limit refuses do not end a session; a receiver that sends none does, on time.
+TEST_F(Collecting, WaitsForPositionsAndNotForLimits) {
+  plan.gate.solution = SolutionType::Fixed;
+  plan.patience_ms = 3000;
+  std::string minute;
+  for (int second = 0; second < 40; ++second) minute += Epoch(second, 2);
+  connections = {{minute + Epoch(50)}};
+  listener.then = [&](const SessionEvent& event) {
+    if (std::holds_alternative<PositionSeen>(event)) clock.milliseconds += 1000;
+  };
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  EXPECT_EQ(listener.Of<LimitRefuses>().size(), 2U);  // once refused, once kept again
+  EXPECT_EQ(listener.Of<PositionSeen>().size(), 41U);
+
+  listener.events.clear();
+  plan.gate = {};
+  connections = {{""}};
+  const std::int64_t before = clock.milliseconds;
+  EXPECT_EQ(Run(), SessionEnd::NoPosition);
+  EXPECT_LT(clock.milliseconds - before, 3000 + 1500);
+}
+
+TEST_F(Collecting, TakesCommandsBetweenTwoPositions) {
+  plan.trigger = StoreTrigger::OnCommand;
+  plan.count = 2;
+  std::string input;
+  for (int second = 0; second < 30; ++second) input += Epoch(second);
+  connections = {{input}};
+  int seen = 0;
+  listener.then = [&](const SessionEvent& event) {
+    if (!std::holds_alternative<PositionSeen>(event)) return;
+    switch (++seen) {
+      case 3:
+        commands.Send(SetDescription{"tree"});
+        commands.Send(SetAntennaHeight{1.5});
+        return commands.Send(StoreNow{});
+      case 8:
+        commands.Send(PauseStoring{});
+        return commands.Send(StoreNow{});
+      case 12:
+        return commands.Send(ResumeStoring{});
+      default:
+        return;
+    }
+  };
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  EXPECT_EQ(StoredIds(), (Ids{"1", "2"}));
+  EXPECT_THAT(Raw(), HasSubstr("\n--TM09:30:15\nLS,HR1.5000\nGPS,PN1,"));
+  EXPECT_EQ(listener.Of<PointStored>()[0].point.description.view(), "tree");
+  EXPECT_EQ(seen, 13);
+}
+
+// A receiver that sends GST behind its position: the first epoch is held until one was seen whole.
+TEST_F(Collecting, StoresNothingBeforeThePrecisionCouldBeKnown) {
+  const auto behind = [](int second) {
+    const std::string epoch = Epoch(second);
+    const std::size_t gga = epoch.find("$GNGGA");
+    return epoch.substr(gga) + epoch.substr(0, gga);
+  };
+  connections = {{behind(1) + behind(2) + behind(3)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  ASSERT_EQ(listener.Of<PointStored>().size(), 1U);
+  EXPECT_TRUE(listener.Of<PointStored>()[0].state.precision_known);
+  EXPECT_THAT(Notes(), HasSubstr("HRMS,0.010\n"));
+}
+
+TEST_F(Collecting, AsksNobodyAboutAPointThatExistsAndReplacesNone) {
+  plan.count = 1;
+  connections = {{Epoch(1) + Epoch(2)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  session->job().current_point_id = "1";
+  connections = {{Epoch(3) + Epoch(4)}};
+  EXPECT_EQ(Run(), SessionEnd::Failed);
+  ASSERT_EQ(listener.Of<PointExists>().size(), 1U);
+  EXPECT_EQ(listener.Of<PointExists>()[0].id, "1");
+
+  session->job().current_point_id = "1";
+  session->set_policy(ExistingPolicy::Overwrite);
+  connections = {{Epoch(5) + Epoch(6)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  ASSERT_TRUE(listener.Of<PointStored>().back().replaced);
+  EXPECT_THAT(Raw(), HasSubstr("\n--Replaced point:SP,PN1,"));
+}
+
+TEST_F(Collecting, WarnsOfAPlaceWhereTheJobCannotBe) {
+  connections = {{Epoch(1) + Epoch(2)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  std::string told;
+  for (const SessionWarning& warning : listener.Of<SessionWarning>()) told += warning.sentence;
+  EXPECT_THAT(told, HasSubstr("no geoid"));
+  EXPECT_THAT(told, testing::Not(HasSubstr("zone")));
+
+  // The same place seen from a zone 90 degrees away, in a job with a point.
+  std::string far(kUtm32);
+  far.replace(far.find("\"central_meridian\",9"), 20, "\"central_meridian\",69");
+  calculator.ParseDefinition(far, nullptr);
+  listener.events.clear();
+  connections = {{Epoch(3) + Epoch(4)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  told.clear();
+  for (const SessionWarning& warning : listener.Of<SessionWarning>()) told += warning.sentence;
+  EXPECT_THAT(told, HasSubstr("far outside the zone"));
+  EXPECT_THAT(told, HasSubstr("km from point 1 of the job"));
+}
+
+// Whatever step of the files fails, a point that was told is in all three of them.
+TEST_F(Collecting, NeverTellsAPointThatAFullDiskRefused) {
+  plan.count = 3;
+  for (int step = 1; step < 60; ++step) {
+    memory = MemoryFiles();
+    memory.Put("/jobs/site.job", "units=metres\n");
+    session.emplace(work, kSitePath);
+    ASSERT_TRUE(session->Load());
+    ASSERT_NE(OpenCoordinateFile(session->job(), true), nullptr);
+    session->job().current_point_id = "1";
+    listener.events.clear();
+    connections = {{Epoch(1) + Epoch(2) + Epoch(3) + Epoch(4)}};
+    memory.Expect(Mishap::DiskFull, step);
+    (void)Run();
+    memory.Expect(Mishap::None, 0);
+    session.emplace(work, kSitePath);
+    PointList points;
+    ASSERT_EQ(LoadAllPoints(session->job(), points), LoadPointsResult::Loaded);
+    EXPECT_EQ(points.size(), StoredIds().size()) << step;
+    for (const Point& point : points) {
+      const std::string id = point.id.str();
+      EXPECT_THAT(Raw(), HasSubstr("\n--GS,PN" + id + ",")) << step;
+      EXPECT_THAT(Notes(), HasSubstr("PT_ID:" + id + "\n")) << step;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tarvex

@@ -1,0 +1,98 @@
+// Staking, without a process and without waiting.
+#include "app/workflow/stake_session.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/workflow/field_site.h"
+
+namespace tarvex {
+namespace {
+
+using testing::HasSubstr;
+
+// A stake at a point of the grid, on it within 5 cm.
+class PlainGuide final : public StakeGuide {
+ public:
+  StakeView Show(const StakePosition& at, bool good, const std::string&) override {
+    ++shown;
+    last = at;
+    good_shown += good ? 1 : 0;
+    return good && shown >= on_stake_from ? StakeView::OnTheStake : StakeView::Shown;
+  }
+  double PreciseHrms() const override { return 0.015; }
+  std::string Description() const override { return "stake " + std::to_string(shown); }
+  std::vector<std::string> Records() const override { return {"\n--Stake: design here"}; }
+
+  int shown = 0;
+  int good_shown = 0;
+  int on_stake_from = 1000;
+  StakePosition last;
+};
+
+class Staking : public FieldSite {
+ protected:
+  Staking() {
+    plan.receiver = ConnectedReceiver();
+    plan.store = true;
+    session->job().current_point_id = "S1";
+  }
+
+  SessionEnd Run() {
+    StakeSession staking(
+        work, *session, calculator, plan, guide, listener, commands, [this] { return stop; },
+        Ports());
+    return staking.Run();
+  }
+
+  std::string Epochs(int from, int count, int quality = 4) {
+    std::string text;
+    for (int second = from; second < from + count; ++second) text += Epoch(second, quality);
+    return text;
+  }
+
+  StakePlan plan;
+  PlainGuide guide;
+  bool stop = false;
+};
+
+TEST_F(Staking, StoresOnTheWordWithTheRecordsOfACollectedPoint) {
+  connections = {{Epochs(0, 20)}};
+  listener.then = [&](const SessionEvent&) {
+    if (guide.shown == 5) commands.Send(StoreNow{});
+  };
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  ASSERT_EQ(listener.Of<PointStored>().size(), 1U);
+  EXPECT_EQ(listener.Of<PointStored>()[0].point.description.view(),
+            "stake " + std::to_string(guide.shown));
+  EXPECT_THAT(Raw(), HasSubstr("\nGPS,PNS1,"));
+  EXPECT_THAT(Raw(), HasSubstr("\n--HRMS:0.010, VRMS:0.020, STATUS:FIXED"));
+  EXPECT_TRUE(Raw().ends_with("\n--Stake: design here"));
+  EXPECT_THAT(Notes(), HasSubstr("PT_ID:S1\nHRMS,0.010\n"));
+}
+
+TEST_F(Staking, StoresNothingWhenItEndsOrTheLinkIsLost) {
+  connections = {{Epochs(0, 5), true}};
+  plan.patience_ms = 5000;
+  EXPECT_EQ(Run(), SessionEnd::NoPosition);
+  connections = {{Epochs(10, 5)}};
+  listener.then = [&](const SessionEvent& event) {
+    if (std::holds_alternative<PositionSeen>(event)) stop = guide.shown > 6;
+  };
+  EXPECT_EQ(Run(), SessionEnd::Asked);
+  EXPECT_TRUE(listener.Of<PointStored>().empty());
+  EXPECT_EQ(memory.Bytes(kSitePath).size(), 104U);
+}
+
+TEST_F(Staking, KeepsTheLimitsAndTheToleranceForTheWord) {
+  plan.gate.solution = SolutionType::Fixed;
+  guide.on_stake_from = 3;
+  plan.store_on_stake = true;
+  connections = {{Epochs(0, 8, 2) + Epochs(8, 8)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  EXPECT_EQ(guide.shown, 9);  // eight DGPS positions are shown and not stored
+  EXPECT_EQ(guide.good_shown, 1);
+  EXPECT_EQ(listener.Of<PointStored>().size(), 1U);
+}
+
+}  // namespace
+}  // namespace tarvex
