@@ -141,7 +141,8 @@ ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const 
   }
   if (const auto& corrections = session.corrections()) {
     program.console.PrintError(CorrectionSummary(*corrections) + "\n");
-    if (corrections->frames == 0) code = program.Fail("No corrections came.");
+    const std::string verdict = CorrectionVerdict(*corrections);
+    if (!verdict.empty()) code = program.Fail(verdict);
   }
   return code;
 }

@@ -37,9 +37,7 @@ std::string Kilometres(double metres) {
 std::vector<std::string> SystemWarnings(const CTrgCalculator& calculator) {
   const CalculationSteps& steps = calculator.steps();
   if (steps.geoid || steps.localization) return {};
-  return {
-      "The system has no geoid and the job no localization: elevations are heights above the "
-      "ellipsoid, not above the sea."};
+  return {"Elevations are heights above the ellipsoid: the job has no geoid and no localization."};
 }
 
 std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculator,
