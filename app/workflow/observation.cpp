@@ -29,7 +29,7 @@ std::vector<std::string> RawRecords(const Observation& observation, const Point&
                   .description = observation.description}),
       GnssGridRecord(stored, observation.description),
       QualityComment(state, quality, QualityStamp{.date = date, .time = time})};
-  for (const std::string& warning : PositionWarnings(state)) {
+  for (const std::string& warning : PositionWarnings(state, observation.expects_precision)) {
     records.push_back(CommentRecord("Warning: " + warning));
   }
   for (std::string& record :
@@ -65,7 +65,7 @@ GridPosition PlaceOnGrid(const GnssPositionState& state, const CTrgCalculator& c
   return position;
 }
 
-std::vector<std::string> PositionWarnings(const GnssPositionState& state) {
+std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool expects_precision) {
   std::vector<std::string> warnings;
   if (std::string origin = OriginSentence(state.origin); !origin.empty()) {
     warnings.push_back(std::move(origin));
@@ -74,7 +74,7 @@ std::vector<std::string> PositionWarnings(const GnssPositionState& state) {
   if (std::string height = HeightSentence(state); state.height_known && !height.empty()) {
     warnings.push_back(std::move(height));
   }
-  if (!state.precision_known) warnings.emplace_back(kNoPrecision);
+  if (!state.precision_known && expects_precision) warnings.emplace_back(kNoPrecision);
   return warnings;
 }
 

@@ -33,6 +33,7 @@ struct Observation {
   std::string description;
   double antenna_height = 0.0;  ///< above the point, job's unit
   int make_code = 0;
+  bool expects_precision = true;           ///< false for a receiver that is known to send none
   std::vector<std::string> comments = {};  ///< further comment records behind the observation
 };
 
@@ -40,7 +41,8 @@ struct Observation {
 StoredPoint StoreObservation(JobSession& session, const Observation& observation,
                              Settling settling);
 
-/// What a person should know of a stored position: no height, no precision, not measured.
-std::vector<std::string> PositionWarnings(const GnssPositionState& state);
+/// What a person should know of a stored position: no height, not measured, and no precision where
+/// one is expected.
+std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool expects_precision);
 
 }  // namespace tarvex

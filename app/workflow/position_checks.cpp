@@ -2,21 +2,30 @@
 
 #include <cmath>
 
+#include "coordsys/ellipsoids.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
 
 namespace tarvex {
 namespace {
 
-// Zones are made so that distances are true to a few parts in ten thousand.
-constexpr double kOddStretch = 0.005;
+// The zones of a transverse Mercator are made so that distances are true to a few parts in ten
+// thousand; a system for a continent may stretch them by parts in a hundred.
+constexpr double kOddStretchOfZone = 0.01;
+constexpr double kOddStretch = 0.04;
 constexpr double kOddDistanceM = 50000.0;
+
+// The radius of curvature of the meridian on WGS84.
+double MeridianRadiusM(double latitude_rad) {
+  const double e2 = kWgs84.flattening * (2.0 - kWgs84.flattening);
+  const double sine = std::sin(latitude_rad);
+  return kWgs84.semi_major_m * (1.0 - e2) / std::pow(1.0 - e2 * sine * sine, 1.5);
+}
 
 // How much longer a short line to the north is on the grid than on the ellipsoid, as a ratio.
 double Stretch(const CTrgCalculator& calculator, const GnssPositionState& state,
                const GridPoint& at, DistanceUnit unit) {
   constexpr double kStepRad = 1e-5;  // 64 m
-  constexpr double kMetresARadian = 6.371e6;
   GridPoint north;
   const CalculationResult result =
       calculator.ToGrid({.latitude_rad = state.latitude * kRadiansPerDegree + kStepRad,
@@ -25,7 +34,14 @@ double Stretch(const CTrgCalculator& calculator, const GnssPositionState& state,
                         north);
   if (result != CalculationResult::Done && result != CalculationResult::DoneInPart) return 1.0;
   const double grid = std::hypot(north.northing - at.northing, north.easting - at.easting);
-  return ToMetres(grid, unit) / (kStepRad * kMetresARadian);
+  return ToMetres(grid, unit) / (kStepRad * MeridianRadiusM(state.latitude * kRadiansPerDegree));
+}
+
+double OddStretch(const CTrgCalculator& calculator) {
+  const auto type = static_cast<ProjectionType>(calculator.record().projection_type);
+  return type == ProjectionType::TransverseMercator || type == ProjectionType::TransverseMercator27
+             ? kOddStretchOfZone
+             : kOddStretch;
 }
 
 std::string Kilometres(double metres) {
@@ -43,9 +59,8 @@ std::vector<std::string> SystemWarnings(const CTrgCalculator& calculator) {
 std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculator,
                                        const GnssPositionState& state, const GridPoint& at) {
   std::vector<std::string> warnings;
-  // The figure of the earth alone makes 0.6 % between the equator and a pole.
   const double stretch = Stretch(calculator, state, at, job.unit);
-  if (!calculator.steps().localization && std::fabs(stretch - 1.0) > 2.0 * kOddStretch) {
+  if (!calculator.steps().localization && std::fabs(stretch - 1.0) > OddStretch(calculator)) {
     warnings.push_back(
         "The grid makes distances here " + FixedNumber((stretch - 1.0) * 100.0, 1) +
         " % longer than they are: the position is far outside the zone of the job's coordinate "

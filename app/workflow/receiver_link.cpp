@@ -5,13 +5,6 @@
 #include "gnss/port_error.h"
 
 namespace tarvex {
-namespace {
-
-constexpr std::int64_t kFirstWaitMs = 1000;
-constexpr std::int64_t kLongestWaitMs = 30000;
-
-}  // namespace
-
 ReceiverLink::ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver& receiver,
                            DistanceUnit unit, StopAsked stop, const PortMaker& maker)
     : clock_(clock),
@@ -24,6 +17,7 @@ ReceiverLink::ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver
   connection_.settings.unit = unit;
   connection_.stop = this;
   connection_.listener = &tap_;
+  tap_.ShowSatellitesOf(receiver.settings.satellite_family);
 }
 
 bool ReceiverLink::OpenPort() {
@@ -58,8 +52,8 @@ GnssReadResult ReceiverLink::Read(std::int64_t deadline_ms) {
 void ReceiverLink::NoteLost() {
   if (lost_) return;
   lost_ = true;
-  wait_ms_ = kFirstWaitMs;
-  next_try_at_ms_ = clock_.SteadyMilliseconds() + wait_ms_;
+  retry_ = {};
+  next_try_at_ms_ = clock_.SteadyMilliseconds() + retry_.NextMs();
   (void)port_->Close();
 }
 
@@ -74,8 +68,7 @@ bool ReceiverLink::TryAgain() {
     lost_ = false;
     return true;
   }
-  wait_ms_ = std::min(wait_ms_ * 2, kLongestWaitMs);
-  next_try_at_ms_ = clock_.SteadyMilliseconds() + wait_ms_;
+  next_try_at_ms_ = clock_.SteadyMilliseconds() + retry_.NextMs();
   return false;
 }
 

@@ -10,6 +10,7 @@
 #include "app/workflow/receiver_tap.h"
 #include "core/units.h"
 #include "gnss/gnss_connection.h"
+#include "gnss/link_retry.h"
 #include "gnss/position_reader.h"
 
 namespace tarvex {
@@ -64,7 +65,7 @@ class ReceiverLink final : private StopRequest {
   GnssConnection connection_;
   GnssPositionState state_;
   bool lost_ = false;
-  std::int64_t wait_ms_ = 0;
+  LinkRetry retry_;
   std::int64_t next_try_at_ms_ = 0;
 };
 

@@ -214,6 +214,7 @@ bool ReceiverSession::StorePoint(const std::vector<std::string>& comments) {
       .description = plan_.description,
       .antenna_height = plan_.antenna_height,
       .make_code = plan_.receiver.make_code,
+      .expects_precision = !plan_.receiver.settings.no_rms,
       .comments = comments};
   average_ = {};
   store_wanted_ = false;
@@ -224,7 +225,8 @@ bool ReceiverSession::StorePoint(const std::vector<std::string>& comments) {
     WarnOnce(what + CalculationText(position.result));
     if (!position.usable()) return plan_.receiver.is_recorded();
   }
-  for (const std::string& warning : PositionWarnings(point_.state)) WarnOnce(warning);
+  for (const std::string& warning : PositionWarnings(point_.state, observation.expects_precision))
+    WarnOnce(warning);
   CheckPlace(position.at);
   const std::string wanted = job_.current_point_id;
   // What is recorded comes as fast as it can be read; with a receiver there is time between two

@@ -9,7 +9,7 @@
 #include "app/cli/receiver_choice.h"
 #include "app/cli/watch_view.h"
 #include "app/workflow/correction_link.h"
-#include "gnss/link_retry.h"
+#include "app/workflow/receiver_link.h"
 
 namespace tarvex {
 namespace {
@@ -29,21 +29,16 @@ class Watch {
         choice_(choice),
         corrections_(corrections),
         program_(program),
-        port_(MakePort(choice.address, program.files, program.clock, errors_, InterruptRequested)),
-        tap_(program.files, program.clock),
-        connection_{.port = port_.get(),
-                    .clock = program.clock,
-                    .settings = choice.settings,
-                    .listener = &tap_},
-        view_(program.console) {
-    tap_.ShowSatellitesOf(choice.settings.satellite_family);
-  }
+        receiver_(program.files, program.clock, choice, DistanceUnit::Metres, InterruptRequested),
+        view_(program.console) {}
 
   ExitCode Run() {
-    if (!Open()) return program_.Fail(ErrorSentences(errors_));
-    if (!options_.stream_log.empty() && !tap_.StartLog(options_.stream_log)) {
-      return program_.Fail(tap_.log_problem());
+    std::string problem;
+    if (!receiver_.Open(problem)) return program_.Fail(problem);
+    if (!options_.stream_log.empty() && !receiver_.tap().StartLog(options_.stream_log)) {
+      return program_.Fail(receiver_.tap().log_problem());
     }
+    StartCorrections();
     while (!InterruptRequested() && (options_.count == 0 || positions_ < options_.count)) {
       if (!ReadOne()) break;
     }
@@ -52,87 +47,85 @@ class Watch {
   }
 
  private:
-  bool Open() {
-    errors_.Clear();
-    if (port_ && port_->Open() != PortError::None) return false;
-    if (corrections_) {
-      link_ = std::make_unique<CorrectionLink>(program_.files, program_.clock, InterruptRequested,
-                                               *corrections_, *port_, tap_.gga());
-    }
-    return true;
+  void StartCorrections() {
+    if (!corrections_) return;
+    link_ =
+        std::make_unique<CorrectionLink>(program_.files, program_.clock, InterruptRequested,
+                                         *corrections_, *receiver_.port(), receiver_.tap().gga());
   }
 
   // False when nothing more comes.
   bool ReadOne() {
-    const GnssReadResult result = ReadGnssPosition(state_, connection_, choice_.make_code);
+    const GnssReadResult result = receiver_.Read();
     if (InterruptRequested()) return true;
-    if (result != GnssReadResult::Accepted && connection_.ended()) {
-      return connection_.link_lost() && Reconnect();
-    }
-    if (result == GnssReadResult::Accepted && !state_.repeated_epoch) ++positions_;
-    if (!NextSentenceIsDue(result, state_, program_.clock)) {
-      Show(result == GnssReadResult::Accepted ? "" : ResultSentence(result, connection_));
+    if (receiver_.lost()) return Reconnect();
+    if (receiver_.ended() && result != GnssReadResult::Accepted) return false;
+    const GnssPositionState& state = receiver_.state();
+    if (result == GnssReadResult::Accepted && !state.repeated_epoch) ++positions_;
+    if (!NextSentenceIsDue(result, state, program_.clock)) {
+      Show(result == GnssReadResult::Accepted ? "" : receiver_.Sentence(result));
     }
     // A simulated receiver gives as many epochs as are asked for; people look at one a second.
-    if (choice_.address.kind == PortKind::Simulated) Pause(LinkRetry::kShortestMs);
+    if (choice_.address.kind == PortKind::Simulated) Pause(kSimulatedPaceMs);
     return true;
   }
 
   void Show(const std::string& trouble) {
-    view_.Show(trouble, state_, tap_, link_.get(), program_.clock);
+    view_.Show(trouble, receiver_.state(), receiver_.tap(), link_.get(), program_.clock);
   }
 
   // Tries until the receiver is there again; false when the person ends it.
   bool Reconnect() {
-    lost_ = true;
-    Show("The link to the receiver is lost; it is opened again as soon as it can be.");
     link_.reset();
-    (void)port_->Close();
-    LinkRetry retry;
-    do {
-      Pause(retry.NextMs());
+    Show("The link to the receiver is lost; it is opened again as soon as it can be.");
+    while (!receiver_.TryAgain()) {
       if (InterruptRequested()) return false;
-    } while (!Open());
-    connection_.Reconnected();
-    lost_ = false;
+      program_.clock.SleepMilliseconds(kStepMs);
+    }
+    StartCorrections();
     Show("The receiver is connected again.");
     return true;
   }
 
   void Pause(std::int64_t pause_ms) {
-    constexpr std::int64_t kStepMs = 50;
     const std::int64_t until = program_.clock.SteadyMilliseconds() + pause_ms;
     while (!InterruptRequested() && program_.clock.SteadyMilliseconds() < until) {
       program_.clock.SleepMilliseconds(kStepMs);
     }
   }
 
-  ExitCode Ending() const {
-    if (!tap_.log_problem().empty()) return program_.Fail(tap_.log_problem());
-    if (lost_) return program_.Fail("The link to the receiver was lost and did not come back.");
+  ExitCode Ending() {
+    if (const std::string& problem = receiver_.tap().log_problem(); !problem.empty()) {
+      return program_.Fail(problem);
+    }
+    if (receiver_.lost()) {
+      return program_.Fail("The link to the receiver was lost and did not come back.");
+    }
+    if (link_) {
+      const std::string verdict = CorrectionVerdict(link_->Status());
+      if (!verdict.empty()) return program_.Fail(verdict);
+    }
     const std::string counted =
         std::to_string(positions_) + (positions_ == 1 ? " position." : " positions.");
-    if (connection_.ended() && options_.count > 0 && positions_ < options_.count) {
+    if (receiver_.ended() && options_.count > 0 && positions_ < options_.count) {
       return program_.Fail("The receiver's data ended after " + counted);
     }
     if (positions_ > 0) return ExitCode::Done;
-    return program_.Fail(connection_.ended() ? "The receiver's data ended. No position came."
-                                             : "No position came.");
+    return program_.Fail(receiver_.ended() ? "The receiver's data ended. No position came."
+                                           : "No position came.");
   }
+
+  static constexpr std::int64_t kSimulatedPaceMs = 1000;
+  static constexpr std::int64_t kStepMs = 50;
 
   const WatchOptions& options_;
   const ChosenReceiver& choice_;
   const std::optional<CorrectionPlan>& corrections_;
   Program& program_;
-  LastErrorRecord errors_;
-  std::unique_ptr<Port> port_;
-  ReceiverTap tap_;
-  GnssConnection connection_;
+  ReceiverLink receiver_;
   std::unique_ptr<CorrectionLink> link_;
-  GnssPositionState state_;
   WatchView view_;
   long long positions_ = 0;
-  bool lost_ = false;  // and not found again yet
 };
 
 ExitCode RunWatch(const WatchOptions& options, Program& program) {
