@@ -1,4 +1,6 @@
-# find_package(Tarvex) for another CMake program: Tarvex::core, Tarvex::coordsys and so on.
+# find_package(Tarvex) for another CMake program: Tarvex::core, Tarvex::coordsys and so on. It includes
+# "tarvex/coordsys/calculator.h"; the installed headers include one another in the same way, so that a
+# folder core/ of its own is never taken for ours.
 include(CMakePackageConfigHelpers)
 
 get_property(libraries GLOBAL PROPERTY TARVEX_LIBRARIES)
@@ -12,3 +14,13 @@ write_basic_package_version_file(TarvexConfigVersion.cmake COMPATIBILITY SameMin
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
+
+install(CODE [[
+  file(GLOB_RECURSE headers "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/include/tarvex/*.h")
+  foreach(header IN LISTS headers)
+    file(READ "${header}" text)
+    string(REGEX REPLACE "#include \"(platform|core|coordsys|gnss|roads|exchange)/" "#include \"tarvex/\\1/" text
+                         "${text}")
+    file(WRITE "${header}" "${text}")
+  endforeach()
+]])

@@ -22,6 +22,7 @@ function(tarvex_library room)
   add_library(${target} STATIC ${ARG_SOURCES})
   add_library(Tarvex::${room} ALIAS ${target})
   target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+  target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_link_libraries(${target} PUBLIC ${ARG_USES} PRIVATE $<BUILD_INTERFACE:tarvex_build>)
   set_target_properties(${target} PROPERTIES EXPORT_NAME ${room} VERIFY_INTERFACE_HEADER_SETS ON
