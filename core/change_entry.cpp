@@ -1,5 +1,6 @@
 #include "core/change_entry.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tarvex {
@@ -61,6 +62,12 @@ std::optional<FileWrite> DecodeWrite(EntryReader& reader) {
   return FileWrite{.offset = *offset, .bytes = std::string(*bytes), .repeat = *repeat};
 }
 
+// A write lies within the file as it was or is to be.
+bool Fits(const FileWrite& write, std::uint64_t size) {
+  if (write.offset > size) return false;
+  return write.bytes.empty() || write.repeat <= (size - write.offset) / write.bytes.size();
+}
+
 // Sizes and writes, the same in both kinds of journal.
 std::optional<FileChange> DecodeFileChange(EntryReader& reader) {
   const auto old_size = reader.Number();
@@ -70,7 +77,7 @@ std::optional<FileChange> DecodeFileChange(EntryReader& reader) {
   FileChange change{.old_size = *old_size, .new_size = *new_size};
   for (std::uint64_t i = 0; i < *count; ++i) {
     auto write = DecodeWrite(reader);
-    if (!write) return std::nullopt;
+    if (!write || !Fits(*write, std::max(*old_size, *new_size))) return std::nullopt;
     change.writes.push_back(std::move(*write));
   }
   return change;

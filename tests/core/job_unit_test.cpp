@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 
+#include "core/change_entry.h"
 #include "core/point_bulk.h"
 #include "core/point_store.h"
 #include "core/raw_file.h"
@@ -248,6 +250,21 @@ TEST(JobUnit, IsFinishedBehindWhatSomebodyAdded) {
     ASSERT_NE(OpenCoordinateFile(again), nullptr);
     EXPECT_EQ(host.memory.Bytes(kRawPath), found == longer ? longer + records : found);
   }
+}
+
+// A journal comes with the job's files from elsewhere, and may be anything.
+TEST(ChangeEntry, WritesWithinTheFileOnly) {
+  const auto is_read = [](const FileWrite& write) {
+    const std::string bytes =
+        EncodeEntry({.change = {{.old_size = 16, .new_size = 24, .writes = {write}}}});
+    std::string_view rest = bytes;
+    return TakeEntry(rest).has_value();
+  };
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
+  EXPECT_TRUE(is_read({.offset = 16, .bytes = "0123", .repeat = 2}));
+  EXPECT_FALSE(is_read({.offset = 16, .bytes = "0123", .repeat = 3}));
+  EXPECT_FALSE(is_read({.offset = 0, .bytes = "0123", .repeat = kMost}));
+  EXPECT_FALSE(is_read({.offset = kMost - 1, .bytes = "0123"}));
 }
 
 TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
