@@ -99,10 +99,9 @@ bool TakeLocal(const LocalizeOptions& options, ControlPointSource& source, std::
   return true;
 }
 
-}  // namespace
-
-bool TakeControlPointSource(const LocalizeOptions& options, ControlPointSource& source,
-                            std::string& problem) {
+// The control point that is to be added.
+bool TakeControlPoint(const LocalizeOptions& options, ControlPointSource& source,
+                      std::string& problem) {
   if (!TakePosition(options, source, problem) || !TakeLocal(options, source, problem)) return false;
   for (const double rms : {options.hrms, options.vrms}) {
     if (std::isfinite(rms) && rms >= 0.0) continue;
@@ -114,6 +113,23 @@ bool TakeControlPointSource(const LocalizeOptions& options, ControlPointSource& 
   source.vrms = options.vrms;
   source.use_horizontal = !options.no_horizontal;
   source.use_vertical = !options.no_vertical;
+  return true;
+}
+
+}  // namespace
+
+bool TakeLocalizationRequest(const LocalizeOptions& options, LocalizationRequest& request,
+                             std::string& problem) {
+  if (options.adds() && !TakeControlPoint(options, request.add.emplace(), problem)) return false;
+  request.remove = options.remove;
+  request.toggle_horizontal = options.toggle_horizontal;
+  request.toggle_vertical = options.toggle_vertical;
+  request.from = options.from;
+  request.horizontal = ParseHorizontalMethod(options.method);
+  request.vertical = ParseVerticalMethod(options.heights);
+  request.scale = options.scale;
+  request.on = options.on;
+  request.off = options.off;
   return true;
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/workflow/control_point_source.h"
+#include "app/workflow/localization_work.h"
 
 namespace CLI {
 class App;
@@ -42,16 +42,11 @@ struct LocalizeOptions {
   bool adds() const {
     return !gnss_id.empty() || !wgs84.empty() || !known_id.empty() || !local.empty();
   }
-  bool changes_list() const {
-    return adds() || !remove.empty() || !toggle_horizontal.empty() || !toggle_vertical.empty() ||
-           !from.empty();
-  }
 };
 
-/// The control point that is to be added; false with a sentence in `problem` for options that make
-/// no sense.
-[[nodiscard]] bool TakeControlPointSource(const LocalizeOptions& options,
-                                          ControlPointSource& source, std::string& problem);
+/// What the options ask for; false with a sentence in `problem` when they make no sense.
+[[nodiscard]] bool TakeLocalizationRequest(const LocalizeOptions& options,
+                                           LocalizationRequest& request, std::string& problem);
 
 /// All but the job and the two ways of printing.
 void AddLocalizeOptions(CLI::App& sub, LocalizeOptions& options);

@@ -1,0 +1,256 @@
+#include "app/workflow/localization_work.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "app/workflow/stored_coordinates.h"
+#include "core/number_text.h"
+#include "core/point_list.h"
+#include "core/printable.h"
+#include "core/raw_file.h"
+#include "core/raw_records.h"
+
+namespace tarvex {
+namespace {
+
+constexpr double kElsewhereM = 100'000.0;  // points in other coordinates than the local ones
+
+}  // namespace
+
+LocalizationWork::LocalizationWork(const Workplace& work, JobSession& session)
+    : work_(work), session_(session), systems_(work) {}
+
+LocalizationResult LocalizationWork::Run(const LocalizationRequest& request) {
+  request_ = request;
+  if (!Open()) return failure_;
+  worked_ =
+      localization_.on && FitProblem(FitControl(calculator_, list_, localization_.method)).empty();
+  if (!Change()) return failure_;
+  control_ = FitControl(calculator_, list_, localization_.method);
+  report_ = ReportLocalization(control_.points, localization_.method, JobPlaces(control_.fit),
+                               session_.job().unit);
+  const LocalizationResult judged = Judge();
+  if (judged == LocalizationResult::Refused || judged == LocalizationResult::Failed) return judged;
+  if (changed_ && !Save()) return failure_;
+  if (!IsChanged()) return judged;
+  if (!SaveSettings()) return failure_;
+  WarnOfStoredPoints();
+  return judged;
+}
+
+bool LocalizationWork::Fail(std::string sentence) {
+  problem_ = std::move(sentence);
+  failure_ = LocalizationResult::Failed;
+  return false;
+}
+
+bool LocalizationWork::Misuse(std::string sentence) {
+  problem_ = std::move(sentence);
+  failure_ = LocalizationResult::BadEntry;
+  return false;
+}
+
+// The calculator without a localization, the settings and the list.
+bool LocalizationWork::Open() {
+  Job& job = session_.job();
+  std::string problem;
+  if (!systems_.MakeCalculator(SystemOfSettings(session_.settings()), job.unit, calculator_,
+                               problem) ||
+      !ReadJobLocalization(session_.settings(), job.path, localization_, problem)) {
+    return Fail(problem);
+  }
+  if (localization_.path.empty()) localization_.path = PathWithExtension(job.path, "loc");
+  before_ = localization_;
+  const bool expected = localization_.on || work_.files.Exists(localization_.path);
+  if (!expected || !request_.from.empty() || LoadList(localization_.path)) return true;
+  // A list that cannot be read can still be switched off, and only that.
+  if (!request_.off || request_.changes_list()) return false;
+  work_.observer.OnWarning(problem_);
+  problem_.clear();
+  return true;
+}
+
+// False with the problem set.
+bool LocalizationWork::LoadList(const std::string& path) {
+  LocalizationFault fault;
+  auto read = LoadLocalization(work_.files, path, session_.job().unit, fault);
+  if (!read) {
+    return Fail(PrintableLine(fault.Text(path)) + ".");
+  }
+  list_ = std::move(read->points);
+  for (const auto& [name, value] : read->settings) {
+    work_.observer.OnWarning(PrintableLine(path + " also holds the setting " + name + "=" + value) +
+                             ", which is not used here.");
+  }
+  return true;
+}
+
+bool LocalizationWork::Change() {
+  if (!request_.from.empty()) {
+    if (!LoadList(request_.from)) return false;
+    changed_ = true;
+  }
+  for (const std::size_t number : request_.toggle_horizontal) {
+    if (!Toggle(number, &LocalizationPoint::use_horizontal)) return false;
+  }
+  for (const std::size_t number : request_.toggle_vertical) {
+    if (!Toggle(number, &LocalizationPoint::use_vertical)) return false;
+  }
+  if (!Remove()) return false;
+  if (request_.add && !Add()) return false;
+  return ChangeMethod();
+}
+
+bool LocalizationWork::Toggle(std::size_t number, char LocalizationPoint::*flag) {
+  if (!HasPoint(number)) return false;
+  char& use = (*list_[number - 1]).*flag;
+  use = use == 'Y' ? 'N' : 'Y';
+  return changed_ = true;
+}
+
+bool LocalizationWork::HasPoint(std::size_t number) {
+  if (number >= 1 && number <= list_.size()) return true;
+  return Misuse("There is no control point " + std::to_string(number) + "; the list holds " +
+                std::to_string(list_.size()) + ".");
+}
+
+bool LocalizationWork::Remove() {
+  std::vector<std::size_t> numbers = request_.remove;
+  std::sort(numbers.rbegin(), numbers.rend());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  for (const std::size_t number : numbers) {
+    if (!HasPoint(number)) return false;
+    list_.erase(list_.begin() + static_cast<std::ptrdiff_t>(number - 1));
+    changed_ = true;
+  }
+  return true;
+}
+
+bool LocalizationWork::Add() {
+  std::string problem;
+  LocalizationPoint point;
+  if (!ReadControlPoint(*request_.add, session_.job(), point, problem)) return Fail(problem);
+  list_.emplace_back(std::move(point));
+  return changed_ = true;
+}
+
+bool LocalizationWork::ChangeMethod() {
+  LocalizationMethod& method = localization_.method;
+  method.horizontal = request_.horizontal.value_or(method.horizontal);
+  method.vertical = request_.vertical.value_or(method.vertical);
+  if (request_.scale) method.given_scale = *request_.scale;
+  if (!(method.given_scale > 0.5 && method.given_scale < 2.0)) {
+    return Misuse("A scale is a number near 1.");
+  }
+  const bool takes_scale = method.horizontal == HorizontalMethod::FixedScale ||
+                           method.horizontal == HorizontalMethod::Translation;
+  if (request_.scale && !takes_scale) {
+    work_.observer.OnWarning("A given scale is for the methods fixed-scale and translation; " +
+                             std::string(HorizontalMethodKey(method.horizontal)) +
+                             " does not use it.");
+  }
+  if (changed_ || request_.on) localization_.on = true;
+  if (request_.off) localization_.on = false;
+  return true;
+}
+
+bool LocalizationWork::IsChanged() const {
+  return changed_ || before_.on != localization_.on || !(before_.method == localization_.method);
+}
+
+// Refuses the change, or lets it be.
+LocalizationResult LocalizationWork::Judge() {
+  if (changed_ && control_.empty() && !request_.on) localization_.on = false;
+  problem_ = FitFault();
+  if (problem_.empty()) return LocalizationResult::Done;
+  if (!IsChanged()) return LocalizationResult::Failed;
+  const bool keeps = changed_ && !worked_ && !request_.on && !request_.add;
+  if (keeps) {
+    localization_.on = false;
+    return LocalizationResult::KeptUnused;
+  }
+  localization_ = before_;
+  return LocalizationResult::Refused;
+}
+
+// Why the fit is not to be used; empty when it is, or when nobody wants to use it.
+std::string LocalizationWork::FitFault() const {
+  if (!localization_.on && !request_.add) return {};
+  if (request_.off && FitProblem(control_).empty()) return {};
+  if (control_.empty()) return changed_ && !request_.on ? "" : FitProblem(control_);
+  if (std::string problem = FitProblem(control_); !problem.empty()) return problem;
+  if (!control_.is_absurd() || request_.on || !IsChanged()) return {};
+  return "The scale would be " + FixedNumber(report_.scale_ppm, 0) +
+         " ppm from 1, which is no site's: feet taken for metres, another zone?" +
+         (SwapWouldFit() ? " With northing and easting of the new point swapped it would fit."
+                         : "");
+}
+
+bool LocalizationWork::SwapWouldFit() const {
+  if (!request_.add.has_value()) return false;
+  LocalizationList swapped = list_;
+  std::swap(swapped.back()->local_x, swapped.back()->local_y);
+  const ControlFit control = FitControl(calculator_, swapped, localization_.method);
+  return control.fit.usable() && !control.is_absurd();
+}
+
+bool LocalizationWork::Save() {
+  if (SaveLocalization(work_.files, localization_.path, &list_, session_.job().unit) ==
+      SaveLocalizationResult::Saved) {
+    return true;
+  }
+  return Fail("The localization could not be written to " + localization_.path +
+              "; nothing was changed.");
+}
+
+bool LocalizationWork::SaveSettings() {
+  PutJobLocalization(localization_, session_.job().path, session_.settings());
+  if (!session_.Save()) return Fail("The settings of the job could not be written.");
+  const std::string state =
+      localization_.on ? FittedLocalization(control_.fit).Describe() : std::string("off");
+  const std::string record = session_.RawOpening() + CommentRecord("Localization: " + state);
+  if (AppendRawRecord(session_.job(), record) == RawFileResult::Written) {
+    session_.RawIsOpened();
+    return true;
+  }
+  return Fail("The localization is kept, but the raw file " + RawFilePath(session_.job()) +
+              " could not be written.");
+}
+
+// Stored points do not move. Of a switch the person is told in any case, of another fit when it
+// would place points elsewhere.
+void LocalizationWork::WarnOfStoredPoints() {
+  CTrgCalculator now = calculator_;
+  if (localization_.on) {
+    CalculationSteps steps = now.steps();
+    steps.localization = std::make_shared<FittedLocalization>(control_.fit);
+    now.SetSteps(std::move(steps));
+  }
+  const StoredCoordinates stored = CompareStoredCoordinates(session_.job(), now);
+  const bool switched = before_.on != localization_.on && (request_.on || request_.off);
+  if (stored.points > 0 && (switched || stored.elsewhere > 0))
+    work_.observer.OnWarning(stored.Text());
+}
+
+// The points of the job on the grid, to see whether the control reaches them.
+std::vector<PlanePoint> LocalizationWork::JobPlaces(const LocalizationFit& fit) {
+  std::vector<PlanePoint> places;
+  PointList points;
+  if (!fit.usable() || LoadAllPoints(session_.job(), points) != LoadPointsResult::Loaded) {
+    return places;
+  }
+  const FittedLocalization step(fit);
+  const PlaneSimilarity& centre = fit.horizontal.similarity;
+  for (const Point& point : points) {
+    const DistanceUnit unit = session_.job().unit;
+    GridMetres at = {ToMetres(point.at.northing, unit), ToMetres(point.at.easting, unit), 0.0};
+    (void)step.ToGrid(at);
+    if (std::hypot(at.northing_m - centre.grid_northing_m, at.easting_m - centre.grid_easting_m) <
+        kElsewhereM) {
+      places.push_back({at.northing_m, at.easting_m});
+    }
+  }
+  return places;
+}
+
+}  // namespace tarvex
