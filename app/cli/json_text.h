@@ -29,6 +29,11 @@ inline std::string WithoutControls(const std::string& json) {
   return text;
 }
 
+/// One line, without a line end; bytes that are not UTF-8 are replaced.
+inline std::string JsonLine(const Json& json) {
+  return WithoutControls(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
 /// Indented, one line end behind it; bytes that are not UTF-8 are replaced, so that it always
 /// parses.
 inline std::string JsonText(const Json& json) {

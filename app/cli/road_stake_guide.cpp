@@ -94,7 +94,7 @@ void RoadStakeGuide::PrintStake(const RoadStake& stake, bool inside,
                        {"go_out", slope->go_out},
                        {"caught", slope->caught}};
     }
-    program_.console.Print(json.dump() + "\n");
+    program_.console.Print(JsonLine(json) + "\n");
     return;
   }
   std::string line = name + ": " + StakeLine(stake, inside);

@@ -6,9 +6,14 @@ namespace tarvex {
 
 bool MakeJobCalculator(JobSession& session, CoordinateSystems& systems, CTrgCalculator& calculator,
                        std::string& problem) {
-  return systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit,
-                                calculator, problem) &&
-         ApplyJobLocalization(session.job(), session.settings(), calculator, problem);
+  if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
+                              problem) ||
+      !ApplyJobLocalization(session.job(), session.settings(), calculator, problem)) {
+    return false;
+  }
+  const std::string notice = LocalizationOffNotice(session.job(), session.settings());
+  if (!notice.empty()) session.observer().OnWarning(notice);
+  return true;
 }
 
 }  // namespace tarvex

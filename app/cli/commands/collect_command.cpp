@@ -42,10 +42,6 @@ ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program)
   std::string problem;
   CoordinateSystems systems(program);
   if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
-  if (const std::string notice = LocalizationOffNotice(session.job(), session.settings());
-      !notice.empty()) {
-    program.Warn(notice);
-  }
   CollectView view(program);
   SessionCommands commands;
   CollectSession collecting(program, session, calculator, plan, view, commands, InterruptRequested);

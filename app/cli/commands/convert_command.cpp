@@ -10,7 +10,7 @@
 #include "app/cli/input_blocks.h"
 #include "app/cli/line_conversion.h"
 #include "app/workflow/coordinate_systems.h"
-#include "app/workflow/job_localization.h"
+#include "app/workflow/job_calculator.h"
 #include "app/workflow/job_session.h"
 #include "core/text.h"
 
@@ -67,9 +67,7 @@ ExitCode Prepare(const ConvertOptions& options, Program& program, CoordinateSyst
   if (!options.job.empty()) {
     JobSession session(program, options.job);
     if (!session.LoadExisting()) return ExitCode::Failed;
-    const bool made = systems.MakeCalculator(SystemOfSettings(session.settings()),
-                                             session.job().unit, calculator, problem) &&
-                      ApplyJobLocalization(session.job(), session.settings(), calculator, problem);
+    const bool made = MakeJobCalculator(session, systems, calculator, problem);
     return made ? ExitCode::Done : program.Fail(problem);
   }
   SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
@@ -126,7 +124,7 @@ class LineStream {
     if (failed) exit_code_ = ExitCode::Failed;
     if (options_.json) {
       const Json json = ConvertedJson(converted, way_, number_, options_.explain);
-      text_ += json.dump(-1, ' ', false, Json::error_handler_t::replace);
+      text_ += JsonLine(json);
     } else if (failed) {
       text_ += "ERROR: line " + std::to_string(number_) + ": " + converted.problem;
     } else {
