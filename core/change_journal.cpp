@@ -350,9 +350,17 @@ FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
   return {};
 }
 
+FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file) {
+  JournalPlace none;
+  return FinishInterruptedChange(files, path, file, none);
+}
+
 FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
-                                   const JournalPlace& place) {
-  if (!HasInterruptedChange(files, path, place)) return {};
+                                   JournalPlace& place) {
+  const JournalHead head = ReadHead(files, path);
+  if (head.entry && head.series == place.series) return {};
+  place = {};
+  if (!head.old && !head.entry) return {};
   std::string bytes;
   if (FileStatus status = ReadWholeFile(files, JournalPath(path), kLargestJournal, bytes);
       !status.ok()) {

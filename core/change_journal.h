@@ -75,9 +75,11 @@ FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
 
 /// Completes the changes that an earlier run did not finish, if there are any. To be called after
 /// the coordinate file was opened and locked for writing and before anything is read from it; it
-/// may have been replaced afterwards (File::IsNamed).
+/// may have been replaced afterwards (File::IsNamed). `place` is forgotten when its entries are no
+/// longer there, because another program has settled them.
 FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
-                                   const JournalPlace& place = {});
+                                   JournalPlace& place);
+FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file);
 
 /// True when FinishInterruptedChange has something to look at: entries that are not this program's.
 bool HasInterruptedChange(FileSystem& files, const std::string& path,

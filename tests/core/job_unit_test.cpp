@@ -229,6 +229,39 @@ TEST(JobUnit, OfTwoProgramsFollowOneAnother) {
   EXPECT_FALSE(host.memory.Exists(kJournalPath));
 }
 
+// What one program left unsettled, another settles; the first one's next entries must be found
+// again.
+TEST(JobUnit, IsDurableAfterAnotherProgramSettled) {
+  for (unsigned seed = 0; seed < 30; ++seed) {
+    TestHost host;
+    Prepare(host, true);
+    Job first = MakeJob(host, true);
+    ASSERT_TRUE(Measure(first, "A1", 1.0, Settling::Later));
+    ASSERT_TRUE(Measure(first, "A2", 1.0, Settling::Later));
+    {
+      Job second = MakeJob(host, true);
+      ASSERT_NE(OpenCoordinateFile(second), nullptr);
+      if (seed % 2 == 0) {
+        ASSERT_TRUE(Measure(second, "B1", 1.0));
+      }
+      ASSERT_TRUE(CloseJob(second).ok());
+    }
+    ASSERT_TRUE(Measure(first, "A3", 1.0, Settling::Later));
+    host.memory.Expect(Mishap::PowerLoss, 1);
+    EXPECT_FALSE(Measure(first, "A4", 1.0, Settling::Later));
+    host.memory.Restart(seed);
+    Job again = MakeJob(host, true);
+    ASSERT_NE(OpenCoordinateFile(again), nullptr);
+    for (const char* id : {"A1", "A2", "A3"}) {
+      Point point;
+      const auto stream = OpenForReading(again);
+      EXPECT_EQ(ReadPoint(again, id, stream.get(), point), ReadPointResult::Found) << id << seed;
+      EXPECT_NE(host.memory.Bytes(kRawPath).find("\nGPS,PN" + std::string(id)), std::string::npos);
+      EXPECT_NE(host.memory.Bytes(kNotesPath).find("PT_ID:" + std::string(id)), std::string::npos);
+    }
+  }
+}
+
 // Somebody edited the raw file between the interruption and the next start: the records still come,
 // once, behind what was added.
 TEST(JobUnit, IsFinishedBehindWhatSomebodyAdded) {
