@@ -323,13 +323,15 @@ FileStatus SettleChanges(FileSystem& files, const std::string& path, JournalPlac
 // the next change overwrites the entries before it touches a file. Before a replacement is prepared
 // the journal is closed, which is durable.
 FileStatus ForgetChanges(FileSystem& files, const std::string& path, JournalPlace& place) {
+  const JournalHead head = ReadHead(files, path);
+  if (!head.entry || head.series != place.series) return place = {}, FileStatus{};
   const FileStatus status = EmptyJournal(files, path, false);
   if (status.ok()) place = {};
   return status;
 }
 
 FileStatus CloseJournal(FileSystem& files, const std::string& path, JournalPlace& place) {
-  if (!files.Exists(JournalPath(path))) return {};
+  if (!HasJournal(files, path)) return place = {}, FileStatus{};
   if (FileStatus status = SettleChanges(files, path, place); !status.ok()) return status;
   return HasInterruptedChange(files, path) ? FileStatus{} : RemoveJournal(files, path);
 }
@@ -377,6 +379,10 @@ FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, F
     if (FileStatus status = files.SyncFolderOf(path); !status.ok()) return status;
   }
   return RemoveJournal(files, path);
+}
+
+bool HasJournal(FileSystem& files, const std::string& path) {
+  return files.Exists(JournalPath(path));
 }
 
 bool HasInterruptedChange(FileSystem& files, const std::string& path, const JournalPlace& place) {

@@ -81,6 +81,9 @@ FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, F
                                    JournalPlace& place);
 FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file);
 
+/// There is a journal, with entries or without.
+bool HasJournal(FileSystem& files, const std::string& path);
+
 /// True when FinishInterruptedChange has something to look at: entries that are not this program's.
 bool HasInterruptedChange(FileSystem& files, const std::string& path,
                           const JournalPlace& place = {});

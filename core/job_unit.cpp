@@ -1,5 +1,7 @@
 #include "core/job_unit.h"
 
+#include <cerrno>
+
 #include "core/raw_file.h"
 #include "core/string_table.h"
 
@@ -15,6 +17,23 @@ constexpr std::uint64_t kLargestUnsettled = std::uint64_t{1} << 20U;
 
 std::string ReplacementPath(const std::string& path) {
   return path + ".new";
+}
+
+// The journal is only touched under the lock of the coordinate file. A unit of another program
+// holds it for a moment; whoever holds it longer finds the journal and can finish it.
+FileStatus WithLock(Job& job, FileStatus (*work)(FileSystem&, const std::string&, JournalPlace&)) {
+  constexpr int kTries = 100;
+  constexpr std::int64_t kPauseMs = 10;
+  FileSystem& files = job.host.files();
+  std::unique_ptr<File> locked;
+  FileStatus status = files.Open(job.path, FileAccess::ReadWrite, locked);
+  if (status.not_found()) return {};
+  if (!status.ok()) return status;
+  for (int i = 0; i < kTries && !locked->LockAtOnce(); ++i) {
+    if (i + 1 == kTries) return {EAGAIN};
+    job.host.clock().SleepMilliseconds(kPauseMs);
+  }
+  return work(files, job.path, job.journal);
 }
 
 }  // namespace
@@ -160,11 +179,12 @@ ChangeResult JobUnit::Commit(Settling settling) {
 }
 
 FileStatus SettleJob(Job& job) {
-  return SettleChanges(job.host.files(), job.path, job.journal);
+  return job.journal.entries == 0 ? FileStatus{} : WithLock(job, SettleChanges);
 }
 
 FileStatus CloseJob(Job& job) {
-  return CloseJournal(job.host.files(), job.path, job.journal);
+  const bool nothing = job.journal.entries == 0 && !HasJournal(job.host.files(), job.path);
+  return nothing ? FileStatus{} : WithLock(job, CloseJournal);
 }
 
 }  // namespace tarvex

@@ -262,6 +262,29 @@ TEST(JobUnit, IsDurableAfterAnotherProgramSettled) {
   }
 }
 
+// A program that settles or closes leaves what another one has in the journal meanwhile.
+TEST(JobUnit, LeavesTheEntriesOfAnotherProgram) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    TestHost host;
+    Prepare(host, true);
+    Job first = MakeJob(host, true);
+    Job second = MakeJob(host, true);
+    ASSERT_TRUE(Measure(first, "A1", 1.0, Settling::Later));
+    ASSERT_TRUE(Measure(second, "B1", 1.0, Settling::Later));
+    ASSERT_TRUE((seed % 2 == 0 ? SettleJob(first) : CloseJob(first)).ok());
+    host.memory.Expect(Mishap::PowerLoss, 1);
+    EXPECT_FALSE(Measure(second, "B2", 1.0, Settling::Later));
+    host.memory.Restart(seed);
+    Job again = MakeJob(host, true);
+    const auto stream = OpenForReading(again);
+    for (const char* id : {"A1", "B1"}) {
+      Point point;
+      EXPECT_EQ(ReadPoint(again, id, stream.get(), point), ReadPointResult::Found) << id << seed;
+      EXPECT_NE(host.memory.Bytes(kRawPath).find("\nGPS,PN" + std::string(id)), std::string::npos);
+    }
+  }
+}
+
 // Somebody edited the raw file between the interruption and the next start: the records still come,
 // once, behind what was added.
 TEST(JobUnit, IsFinishedBehindWhatSomebodyAdded) {
