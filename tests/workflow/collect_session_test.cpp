@@ -188,6 +188,39 @@ TEST_F(Collecting, WarnsOfAPlaceWhereTheJobCannotBe) {
   EXPECT_THAT(told, HasSubstr("km from point 1 of the job"));
 }
 
+// Each step that changed the height is called by its name.
+TEST_F(Collecting, TellsHowTheHeightBecameTheElevation) {
+  class HeightShift final : public DatumShift {
+    StepOutcome ToSystem(Geodetic& position) const override {
+      position.height_m -= 40.0;
+      return {};
+    }
+    StepOutcome ToWgs84(Geodetic& position) const override {
+      position.height_m += 40.0;
+      return {};
+    }
+    std::string Describe() const override { return "40 m"; }
+  };
+  class SiteShift final : public SiteLocalization {
+    StepOutcome ToLocal(GridMetres& point) const override {
+      point.elevation_m += 0.25;
+      return {};
+    }
+    StepOutcome ToGrid(GridMetres& point) const override {
+      point.elevation_m -= 0.25;
+      return {};
+    }
+    std::string Describe() const override { return "0.25 m"; }
+  };
+  calculator.SetSteps({.datum_shift = std::make_shared<HeightShift>(),
+                       .localization = std::make_shared<SiteShift>()});
+  plan.antenna_height = 2.0;
+  connections = {{Epoch(1) + Epoch(2)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  EXPECT_THAT(Raw(), HasSubstr("\n--Heights: ellipsoid 547.6000, antenna 2.0000, datum shift "
+                               "-40.0000, geoid 0.0000, localization 0.2500, elevation 505.8500"));
+}
+
 // Whatever step of the files fails, a point that was told is in all three of them.
 TEST_F(Collecting, NeverTellsAPointThatAFullDiskRefused) {
   plan.count = 3;
