@@ -55,4 +55,16 @@ std::string Settings::Text() const {
   return text;
 }
 
+std::vector<Settings::Entry> Settings::Entries() const {
+  std::vector<Entry> entries;
+  for (const std::string& line : lines_) {
+    const std::string_view key =
+        WithoutOuterBlanks(std::string_view(line).substr(0, line.find('=')));
+    if (const auto value = ValueOf(line, key)) {
+      entries.push_back({.key = std::string(key), .value = std::string(*value)});
+    }
+  }
+  return entries;
+}
+
 }  // namespace tarvex

@@ -23,6 +23,13 @@ class Settings {
 
   std::string Text() const;
 
+  struct Entry {
+    std::string key;
+    std::string value;
+  };
+  /// Every setting in the order of the lines; a key that stands twice comes twice.
+  std::vector<Entry> Entries() const;
+
  private:
   std::vector<std::string> lines_;
 };

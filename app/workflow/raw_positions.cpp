@@ -2,6 +2,7 @@
 
 #include "core/angle.h"
 #include "core/number_text.h"
+#include "core/raw_fields.h"
 #include "core/raw_file.h"
 #include "core/text.h"
 
@@ -9,19 +10,6 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint64_t kLargestRawFile = std::uint64_t{1} << 32U;
-
-// The text of a field by its two letters; the description, which may hold anything, comes last.
-std::optional<std::string_view> Field(std::string_view record, std::string_view letters) {
-  record = record.substr(0, record.find(",--"));
-  while (!record.empty()) {
-    const std::size_t comma = record.find(',');
-    const std::string_view field = record.substr(0, comma);
-    if (field.starts_with(letters)) return field.substr(letters.size());
-    if (comma == std::string_view::npos) break;
-    record.remove_prefix(comma + 1);
-  }
-  return std::nullopt;
-}
 
 double Angle(std::string_view packed) {
   return PackedToDegrees(LeadingDouble(packed)) * kRadiansPerDegree;
@@ -33,13 +21,13 @@ void ForEachPosition(std::string_view raw_file, DistanceUnit unit, Visit visit) 
   double rod_m = 0.0;
   while (const auto line = TakeLine(raw_file)) {
     if (line->starts_with("LS,")) {
-      if (const auto rod = Field(*line, "HR")) rod_m = ToMetres(LeadingDouble(*rod), unit);
+      if (const auto rod = RawField(*line, "HR")) rod_m = ToMetres(LeadingDouble(*rod), unit);
     }
     if (!line->starts_with("GPS,")) continue;
-    const auto id = Field(*line, "PN");
-    const auto latitude = Field(*line, "LA");
-    const auto longitude = Field(*line, "LN");
-    const auto height = Field(*line, "EL");
+    const auto id = RawField(*line, "PN");
+    const auto latitude = RawField(*line, "LA");
+    const auto longitude = RawField(*line, "LN");
+    const auto height = RawField(*line, "EL");
     if (!id || !latitude || !longitude || !height) continue;
     visit(*id, Geodetic{Angle(*latitude), Angle(*longitude), LeadingDouble(*height) - rod_m});
   }

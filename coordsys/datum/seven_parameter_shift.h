@@ -25,6 +25,8 @@ class SevenParameterShift final : public DatumShift {
   StepOutcome ToWgs84(Geodetic& position) const override;
   std::string Describe() const override;
 
+  const SevenParameters& parameters() const { return parameters_; }
+
   /// The prepared maps, for whole arrays; null when the library, or its entry point for this
   /// direction, cannot be had. Each direction goes by its own entry point.
   const GeodeticMap* MapToSystem() const;

@@ -68,6 +68,39 @@ TEST(Commands, StoreInTurnWhenManyRunAtOnce) {
             16U);
 }
 
+TEST(Commands, MakeAJobOnceWhenManyWantIt) {
+  ProgramFolder folder;
+  for (int round = 0; round < 10; ++round) {
+    const std::string job = "job" + std::to_string(round) + ".crd";
+    std::vector<pid_t> processes;
+    for (int i = 0; i < 6; ++i) processes.push_back(folder.Start("new " + job));
+    int created = 0;
+    for (const pid_t process : processes) created += folder.Finish(process).exit_code == 0 ? 1 : 0;
+    EXPECT_EQ(created, 1);
+    EXPECT_EQ(folder.Run("store " + job + " 1 2 3 4").exit_code, 0);
+    EXPECT_EQ(folder.Read("job" + std::to_string(round) + ".rw5").substr(0, 5), "JB,NM");
+    EXPECT_FALSE(SystemFiles().Exists(folder.Path("job" + std::to_string(round) + ".job.tmp")));
+  }
+}
+
+TEST(Commands, JournalWhatANewJobIsSetUpWith) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder
+                .Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\" --datum-shift "
+                     "TOWGS84=100,-50,20.5,1,2,-3,0.5")
+                .exit_code,
+            0);
+  const std::string raw = folder.Read("site.rw5");
+  EXPECT_NE(raw.find("\n--dX: 100.00000000, dY: -50.00000000, dZ: 20.50000000, rotX: "
+                     "-1.0000000000, rotY: -2.0000000000, rotZ: 3.0000000000, scale: "
+                     "0.5000000000\n--WGS84 raw positions no longer shifted to NAD83\n"
+                     "--Elevation: 3D"),
+            std::string::npos)
+      << raw;
+  ASSERT_EQ(folder.Run("new plain.crd").exit_code, 0);
+  EXPECT_TRUE(folder.Read("plain.rw5").ends_with("\n--Coordinate System: none\n--Elevation: 3D"));
+}
+
 TEST(Commands, SayWhatTheyWaitFor) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);

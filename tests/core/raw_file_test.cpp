@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "core/coordinate_file.h"
+#include "core/next_id.h"
 #include "core/point_notes.h"
 #include "core/raw_comments.h"
+#include "core/raw_header.h"
 #include "core/raw_records.h"
 #include "core/raw_shot.h"
 #include "core/settings.h"
@@ -205,11 +207,71 @@ TEST(PointNotes, ReplaceTheBlockOfThePoint) {
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "stray\nPT_ID:B\nHRMS,1\nPT_ID:C\n");
 }
 
+TEST(RawHeader, TellsTheModeOfTheJob) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  EXPECT_FALSE(ReadRawMode(job));
+  job.unit = DistanceUnit::InternationalFeet;
+  job.azimuths_from_south = true;
+  job.scale_factor = 0.9996;
+  ASSERT_EQ(AppendRawRecords(job, {}), RawFileResult::Written);
+  const auto mode = ReadRawMode(job);
+  ASSERT_TRUE(mode);
+  EXPECT_EQ(mode->unit, DistanceUnit::InternationalFeet);
+  EXPECT_EQ(mode->azimuths_from_south, true);
+  EXPECT_EQ(mode->scale_factor, 0.9996);
+  EXPECT_FALSE(ParseRawMode("JB,NMx\nMO,AD7,UNx")->unit);
+  EXPECT_FALSE(ParseRawMode("JB,NMx\n--MO,UN1"));
+}
+
+// Under which id does work go on after these raw records?
+TEST(NextId, IsTheOneBehindTheLastThatWasMeasured) {
+  struct Case {
+    std::vector<const char*> points;
+    const char* records;
+    const char* next;
+  };
+  const Case cases[] = {
+      {{}, "", "1"},
+      {{"BM1"}, "", "BM2"},
+      {{"BM1"}, "\nSP,PNBM1,N 1.0000,E 2.0000,EL3.0000,--", "BM2"},
+      {{"100", "101", "BM1"}, "\nGPS,PN101,LA1,LN2,EL3,--\nSP,PNBM1,N 1,E 2,EL3,--", "102"},
+      {{"101", "102", "103"}, "\nGPS,PN101,LA1,LN2,EL3,--", "104"},  // 102, 103 are there already
+      {{"9", "TOOLONGNA"}, "\nSS,OP1,FP9,AR1,ZE90,SD1,--,FP77\n--GPS,PN5,LA1", "10"},
+      {{"A"}, "\nGPS,PN7,LA1,LN2,EL3,--\n--Deleted point:SP,PN7,N 1,E 2,EL3,--", "8"},
+  };
+  for (const Case& c : cases) {
+    TestHost host;
+    Job job = MakeJob(host, true);
+    for (const char* id : c.points) {
+      job.current_point_id = id;
+      ASSERT_EQ(StorePoint(job, kPoint.at, "", false, OpenCoordinateFile(job).get()),
+                StorePointResult::Stored);
+    }
+    if (*c.records != 0) {
+      ASSERT_EQ(AppendRawRecord(job, c.records), RawFileResult::Written);
+    }
+    EXPECT_EQ(NextIdToUse(job, *OpenCoordinateFile(job)), c.next) << c.records;
+  }
+  TestHost host;
+  Job job = MakeJob(host, false);
+  for (const char* id : {"5", "6", "100"}) {
+    job.current_point_id = id;
+    ASSERT_EQ(StorePoint(job, kPoint.at, "", false, OpenCoordinateFile(job).get()),
+              StorePointResult::Stored);
+  }
+  EXPECT_EQ(NextIdToUse(job, *OpenCoordinateFile(job)), "101");
+  ASSERT_EQ(AppendRawRecord(job, "\nGPS,PN5,LA1,LN2,EL3,--"), RawFileResult::Written);
+  EXPECT_EQ(NextIdToUse(job, *OpenCoordinateFile(job)), "7");
+}
+
 TEST(Settings, KeepWhatTheyDoNotKnow) {
   Settings settings("# a comment\nunits=metres\n\nodd line\nunits = us-feet \r\nname=a=b\n");
   EXPECT_EQ(settings.Get("units"), "us-feet");
   EXPECT_EQ(settings.Get("name"), "a=b");
   EXPECT_EQ(settings.Get("UNITS"), std::nullopt);
+  ASSERT_EQ(settings.Entries().size(), 3U);
+  EXPECT_EQ(settings.Entries()[1].value, "us-feet");
   settings.Set("units", "intl\nfeet");
   settings.Set("new", "1");
   settings.Remove("name");

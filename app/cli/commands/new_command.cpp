@@ -1,8 +1,13 @@
 // tarvex new: creates a job.
+#include <algorithm>
+#include <cerrno>
+#include <span>
+
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_session.h"
+#include "app/workflow/setup_comments.h"
 #include "core/coordinate_file.h"
 #include "core/number_text.h"
 #include "core/point_notes.h"
@@ -35,27 +40,55 @@ void FillSettings(const NewOptions& options, const SystemSource& source, Setting
   PutSystemIntoSettings(source, settings);
 }
 
-// Everything that belongs to a job of this name.
+// Everything that belongs to a job of this name; the settings, which claim the name, come last.
 std::vector<std::string> JobPaths(JobSession& session) {
   const Job& job = session.job();
   return {job.path, job.path + ".redo", RawFilePath(job), PointNotesPath(job),
           session.settings_path()};
 }
 
-ExitCode CreateFiles(Program& program, JobSession& session, const std::string& system_title) {
+// The first of these files that exists; empty when none does.
+std::string FirstThatExists(Program& program, std::span<const std::string> paths) {
+  const auto found = std::find_if(paths.begin(), paths.end(), [&](const std::string& path) {
+    return program.files.Exists(path);
+  });
+  return found == paths.end() ? std::string() : *found;
+}
+
+ExitCode RefuseExisting(Program& program, const std::string& path) {
+  return program.Fail(path + " exists; a new job overwrites nothing.");
+}
+
+// Writes the job's files. Of two programs that make a job of one name, the one that makes the
+// settings file goes on; whatever is not there then is made here, and only that is removed again
+// when a step fails.
+ExitCode CreateFiles(Program& program, JobSession& session, const SetupFacts& facts) {
   Job& job = session.job();
-  const std::string title = system_title.empty() ? "none" : system_title;
-  const bool created =
-      session.Save() && OpenCoordinateFile(job, true) &&
-      AppendRawRecord(job, CommentRecord("Coordinate System: " + title)) == RawFileResult::Written;
-  if (!created) {
-    for (const std::string& path : JobPaths(session)) (void)program.files.Remove(path);
-    return program.Fail("The job " + job.path + " could not be created.");
+  const std::vector<std::string> paths = JobPaths(session);
+  const FileStatus claimed =
+      CreateWholeFile(program.files, session.settings_path(), session.settings().Text());
+  if (claimed.code == EEXIST) return RefuseExisting(program, session.settings_path());
+  if (!claimed.done()) {
+    return program.Fail("The job's settings " + session.settings_path() +
+                        " cannot be written: " + claimed.Text() + ".");
   }
-  program.console.Print("Created the job " + job.path + " (" +
-                        (job.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
-                        std::string(UnitName(job.unit)) + ", coordinate system: " + title + ").\n");
-  return ExitCode::Done;
+  const std::string foreign = FirstThatExists(program, std::span(paths).first(paths.size() - 1));
+  if (!foreign.empty()) {
+    (void)program.files.Remove(session.settings_path());
+    return RefuseExisting(program, foreign);
+  }
+  const bool created = OpenCoordinateFile(job, true) &&
+                       AppendRawRecords(job, SetupComments(facts)) == RawFileResult::Written;
+  if (created) return ExitCode::Done;
+  for (const std::string& path : paths) (void)program.files.Remove(path);
+  return program.Fail("The job " + job.path + " could not be created.");
+}
+
+void TellCreated(const Job& job, const std::string& system_title, Console& console) {
+  console.Print("Created the job " + job.path + " (" +
+                (job.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
+                std::string(UnitName(job.unit)) +
+                ", coordinate system: " + (system_title.empty() ? "none" : system_title) + ").\n");
 }
 
 // How positions come to the job's coordinates, so that it is read before the field. A step that
@@ -82,7 +115,8 @@ void TellPublishedUnit(const std::string& system, const std::string& units, Prog
                " (--units " + published + " makes one in the system's own).");
 }
 
-ExitCode RunNew(const NewOptions& options, Program& program) {
+// What makes no sense among the options is told.
+ExitCode CheckOptions(const NewOptions& options, Program& program) {
   if (!options.job.ends_with(".crd")) {
     const bool folder = options.job.empty() || options.job.ends_with('/');
     return program.Misuse("A job's coordinate file ends in .crd: " + options.job +
@@ -99,41 +133,58 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
   if (!options.datum_shift.empty() && options.system.empty() && options.definition.empty()) {
     return program.Misuse("--datum-shift goes with --system or --definition.");
   }
-  JobSession session(program, options.job);
-  for (const std::string& path : JobPaths(session)) {
-    if (program.files.Exists(path))
-      return program.Fail(path + " exists; a new job overwrites nothing.");
-  }
-  SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
+  return ExitCode::Done;
+}
+
+// The coordinate system of the options; false after a message when it cannot be used.
+bool MakeSystem(const NewOptions& options, Program& program, SystemSource& source,
+                CTrgCalculator& calculator) {
+  source.datum_shift = options.datum_shift;
+  if (options.system.empty() && options.definition.empty()) return true;
   std::string problem;
-  CTrgCalculator calculator;
-  if (!options.system.empty() || !options.definition.empty()) {
-    CoordinateSystems systems(program);
-    if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
-        !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
-      return program.Fail(problem);
-    }
-    TellPublishedUnit(source.name, options.units, program);
-    if (source.datum_shift == kNoShiftLabel) {
-      program.console.PrintError(
-          "WARNING: WGS84 latitude and longitude are taken for the system's own (--datum-shift "
-          "NONE): coordinates can be hundreds of metres off until a localization ties the job to "
-          "its control.\n");
-    }
+  CoordinateSystems systems(program);
+  if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
+      !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
+    (void)program.Fail(problem);
+    return false;
   }
-  if (!session.Load()) return ExitCode::Failed;
-  FillSettings(options, source, session.settings());
-  Job& job = session.job();
+  TellPublishedUnit(source.name, options.units, program);
+  if (source.datum_shift == kNoShiftLabel) {
+    program.console.PrintError(
+        "WARNING: WGS84 latitude and longitude are taken for the system's own (--datum-shift "
+        "NONE): coordinates can be hundreds of metres off until a localization ties the job to "
+        "its control.\n");
+  }
+  return true;
+}
+
+void FillJob(const NewOptions& options, Job& job) {
   job.unit = *ParseUnit(options.units);
   job.alphanumeric_new_files = !options.numeric;
   job.azimuths_from_south = options.south_azimuths;
-  job.scale_factor = *scale;
+  job.scale_factor = *ParseNumber(options.scale_factor);
   job.curvature_correction = options.curvature_correction;
   if (!options.name.empty()) job.name = options.name;
+}
+
+ExitCode RunNew(const NewOptions& options, Program& program) {
+  if (const ExitCode code = CheckOptions(options, program); code != ExitCode::Done) return code;
+  JobSession session(program, options.job);
+  if (const std::string path = FirstThatExists(program, JobPaths(session)); !path.empty()) {
+    return RefuseExisting(program, path);
+  }
+  SystemSource source;
+  CTrgCalculator calculator;
+  if (!MakeSystem(options, program, source, calculator) || !session.Load()) return ExitCode::Failed;
+  FillSettings(options, source, session.settings());
+  FillJob(options, session.job());
   std::string title = source.empty() ? "" : CoordinateSystems::Title(source, calculator);
   if (!source.datum_shift.empty()) title += ", datum shift " + source.datum_shift;
-  const ExitCode exit_code = CreateFiles(program, session, title);
-  if (exit_code == ExitCode::Done) TellSteps(calculator.steps(), program.console);
+  const ExitCode exit_code =
+      CreateFiles(program, session, {.system_title = title, .calculator = &calculator});
+  if (exit_code != ExitCode::Done) return exit_code;
+  TellCreated(session.job(), title, program.console);
+  TellSteps(calculator.steps(), program.console);
   return exit_code;
 }
 

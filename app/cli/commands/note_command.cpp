@@ -32,30 +32,43 @@ void PrintNote(const NoteOptions& options, const PointNote& note, Program& progr
       JsonText({{"id", note.point_id}, {"notes", note.lines}, {"quality", std::move(quality)}}));
 }
 
+// The note of a point that the file holds; false after a message. A point without a block has an
+// empty one.
+bool FindNote(Program& program, Job& job, CoordinateFile& file, const std::string& id,
+              PointNote& note) {
+  Point point;
+  if (ReadPoint(job, id, &file, point) != ReadPointResult::Found) {
+    (void)program.Fail("There is no point " + id + " in " + job.path + ".");
+    return false;
+  }
+  FileStatus status;
+  note = ReadPointNote(job, point.id.view(), status)
+             .value_or(PointNote{.point_id = point.id.str(), .lines = {}, .quality_lines = ""});
+  if (status.ok()) return true;
+  (void)program.Fail(PointNotesPath(job) + " cannot be read: " + status.Text() + ".");
+  return false;
+}
+
+bool AddLines(Program& program, Job& job, const NoteOptions& options, PointNote& note) {
+  const auto unit = JobUnit::Begin(job);
+  if (!unit || !FindNote(program, job, unit->coordinates(), options.id, note)) return false;
+  note.lines.insert(note.lines.end(), options.added.begin(), options.added.end());
+  unit->EditNote(note.point_id, {.kind = NoteEdit::Kind::Replace, .note = note});
+  return unit->Commit() == ChangeResult::Done;
+}
+
 ExitCode RunNote(const NoteOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
   Job& job = session.job();
-  Point point;
-  auto stream = OpenForReading(job);
-  if (!stream) return ExitCode::Failed;
-  if (ReadPoint(job, options.id, stream.get(), point) != ReadPointResult::Found) {
-    return program.Fail("There is no point " + options.id + " in " + options.job + ".");
+  PointNote note;
+  if (options.added.empty()) {
+    const auto stream = OpenForReading(job);
+    if (!stream || !FindNote(program, job, *stream, options.id, note)) return ExitCode::Failed;
+  } else if (!AddLines(program, job, options, note)) {
+    return ExitCode::Failed;
   }
-  stream.reset();
-  FileStatus status;
-  auto note = ReadPointNote(job, point.id.view(), status);
-  if (!status.ok())
-    return program.Fail(PointNotesPath(job) + " cannot be read: " + status.Text() + ".");
-  if (!note) note = PointNote{.point_id = point.id.str(), .lines = {}, .quality_lines = ""};
-  if (!options.added.empty()) {
-    note->lines.insert(note->lines.end(), options.added.begin(), options.added.end());
-    const auto unit = JobUnit::Begin(job);
-    if (!unit) return ExitCode::Failed;
-    unit->EditNote(note->point_id, {.kind = NoteEdit::Kind::Replace, .note = *note});
-    if (unit->Commit() != ChangeResult::Done) return ExitCode::Failed;
-  }
-  PrintNote(options, *note, program);
+  PrintNote(options, note, program);
   return ExitCode::Done;
 }
 
