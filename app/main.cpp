@@ -20,6 +20,7 @@ void AddCommands(CLI::App& app, Program& program) {
   AddImportCommand(app, program);
   AddPointsCommand(app, program);
   AddDeleteCommand(app, program);
+  AddCheckCommand(app, program);
   AddRawCommand(app, program);
   AddNoteCommand(app, program);
   AddLocalizeCommand(app, program);

@@ -15,6 +15,7 @@ void AddStoreCommand(CLI::App& app, Program& program);
 void AddImportCommand(CLI::App& app, Program& program);
 void AddPointsCommand(CLI::App& app, Program& program);
 void AddDeleteCommand(CLI::App& app, Program& program);
+void AddCheckCommand(CLI::App& app, Program& program);
 void AddRawCommand(CLI::App& app, Program& program);
 void AddNoteCommand(CLI::App& app, Program& program);
 void AddCollectCommand(CLI::App& app, Program& program);
