@@ -1,7 +1,8 @@
 #include "app/workflow/point_import.h"
 
 #include <algorithm>
-#include <map>
+#include <cmath>
+#include <limits>
 #include <optional>
 #include <unordered_map>
 
@@ -90,6 +91,26 @@ class ImportReader {
   std::unordered_map<std::string, std::size_t> line_of_id_;
 };
 
+// The rectangle that points lie in.
+struct Extent {
+  double north_min = std::numeric_limits<double>::infinity();
+  double north_max = -std::numeric_limits<double>::infinity();
+  double east_min = std::numeric_limits<double>::infinity();
+  double east_max = -std::numeric_limits<double>::infinity();
+
+  void Take(const GridPoint& at) {
+    north_min = std::min(north_min, at.northing);
+    north_max = std::max(north_max, at.northing);
+    east_min = std::min(east_min, at.easting);
+    east_max = std::max(east_max, at.easting);
+  }
+  double DistanceTo(const Extent& other) const {
+    const double north = std::max({0.0, other.north_min - north_max, north_min - other.north_max});
+    const double east = std::max({0.0, other.east_min - east_max, east_min - other.east_max});
+    return std::hypot(north, east);
+  }
+};
+
 // The points of the job by their ids.
 using PointsById = std::unordered_map<std::string, Point>;
 
@@ -118,6 +139,13 @@ std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const Po
   const auto existing = LoadById(session.job());
   if (!existing) return std::nullopt;
   ImportConflicts conflicts;
+  Extent of_job;
+  Extent of_import;
+  for (const auto& [key, point] : *existing) of_job.Take(point.at);
+  for (const Point& point : import.points) of_import.Take(point.at);
+  if (!existing->empty() && !import.points.empty()) {
+    conflicts.away_m = ToMetres(of_job.DistanceTo(of_import), session.job().unit);
+  }
   const std::unordered_set<std::string> measured = MeasuredPoints(session.job());
   for (const Point& point : import.points) {
     const std::string key = NoteKey(point.id.view());

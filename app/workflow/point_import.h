@@ -30,6 +30,9 @@ struct ImportConflicts {
   std::size_t existing = 0;  ///< points that exist
   std::size_t measured = 0;  ///< those of them with a GNSS position in the notes
   std::string example;       ///< the id of the first
+  /// How far the points are from those of the job, metres: swapped columns or another zone make it
+  /// thousands of kilometres. 0 where they overlap, and in a job without points.
+  double away_m = 0.0;
 };
 /// Nothing when the job cannot be read; the person was told.
 std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const PointImport& import);

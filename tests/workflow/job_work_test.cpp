@@ -81,6 +81,9 @@ TEST_F(JobWork, AnImportTellsWhatItMeetsAndCanLeaveIt) {
   ASSERT_TRUE(conflicts);
   EXPECT_EQ(conflicts->existing, 1U);
   EXPECT_EQ(conflicts->measured, 1U);
+  EXPECT_LT(conflicts->away_m, 100.0);
+  const PointImport swapped = ParsePointImport(session->job(), "9,5184000,520000,30\n");
+  EXPECT_GT(FindImportConflicts(*session, swapped)->away_m, 5e6);
   const ImportResult left = StorePointImport(*session, import, ImportExisting::Skip, "office.csv");
   EXPECT_TRUE(left.done);
   EXPECT_EQ(left.stored, 2U);

@@ -6,10 +6,12 @@
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_import.h"
 #include "core/coordinate_file.h"
+#include "core/number_text.h"
 
 namespace tarvex {
 namespace {
 
+constexpr double kOddDistanceM = 50'000.0;
 constexpr std::uint64_t kLargestImport = std::uint64_t{1} << 32U;
 
 struct ImportOptions {
@@ -53,6 +55,11 @@ ExitCode StoreImport(const PointImport& import, const ImportOptions& options, Jo
                      Program& program) {
   const auto conflicts = FindImportConflicts(session, import);
   if (!conflicts) return ExitCode::Failed;
+  if (conflicts->away_m > kOddDistanceM) {
+    program.Warn("The points of " + options.file + " are " +
+                 FixedNumber(conflicts->away_m / 1000.0, 0) +
+                 " km from those of the job. Are northing and easting in their columns?");
+  }
   const auto existing = SettleExisting(options, *conflicts, program);
   if (!existing) return program.exit_code;
   const ImportResult result = StorePointImport(session, import, *existing, options.file);
