@@ -178,6 +178,21 @@ ChangeResult JobUnit::Commit(Settling settling) {
   return ChangeResult::Pending;
 }
 
+bool FinishJob(Job& job) {
+  FileSystem& files = job.host.files();
+  const bool interrupted = HasInterruptedChange(files, job.path, job.journal);
+  if (interrupted && !OpenCoordinateFile(job)) return false;
+  const std::string left[] = {ReplacementPath(job.path), job.path + ".tmp",
+                              JobFilePath(job.path, JobFile::Notes) + ".tmp"};
+  for (const std::string& path : left) {
+    if (!files.Exists(path)) continue;
+    std::unique_ptr<File> locked;  // somebody may be at work on it at this moment
+    if (!files.Open(job.path, FileAccess::ReadWrite, locked).ok() || !locked->LockAtOnce()) break;
+    (void)files.Remove(path);
+  }
+  return interrupted;
+}
+
 FileStatus SettleJob(Job& job) {
   return job.journal.entries == 0 ? FileStatus{} : WithLock(job, SettleChanges);
 }

@@ -75,6 +75,10 @@ class JobUnit {
   Point last_stored_point_;
 };
 
+/// Finishes what an interruption left of earlier work, and removes what it left beside the files.
+/// True when there was work to finish. A job that cannot be opened for writing is left as it is.
+bool FinishJob(Job& job);
+
 /// Makes durable in the files what units that settle later left in the journal.
 FileStatus SettleJob(Job& job);
 

@@ -68,15 +68,13 @@ class Checker {
  private:
   void Add(JobFinding finding) { check_.findings.push_back(std::move(finding)); }
 
-  // Looked at before the job is opened, which finishes what is in the journal.
+  // What opening the job did not take away.
   void CheckLeftovers() {
     FileSystem& files = job_.host.files();
-    const bool interrupted = HasInterruptedChange(files, job_.path);
-    if (interrupted) Add({.fault = JobFault::JournalLeft});
     const std::string settings = PathWithExtension(job_.path, "job");
     std::vector<std::string> left{job_.path + ".tmp", PointNotesPath(job_) + ".tmp",
                                   settings + ".tmp"};
-    if (!interrupted) left.push_back(job_.path + ".new");  // else a part of what is finished
+    left.push_back(job_.path + ".new");
     for (const std::string& path : left) {
       if (files.Exists(path)) Add({.fault = JobFault::FileLeft, .arguments = {path}});
     }

@@ -20,7 +20,6 @@ enum class JobFault {
   UnitContradicts,     ///< arguments: unit of the settings, unit of the raw header
   AzimuthsContradict,  ///< arguments: of the settings, of the raw header ("north" or "south")
   LayoutContradicts,   ///< arguments: of the file, of the raw header
-  JournalLeft,         ///< an interrupted change, finished by opening the job
   FileLeft,            ///< arguments: the path of what an interrupted change left
   // of the coordinate file
   CountContradicts,  ///< arguments: count of the header, records

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/workflow/identification.h"
+#include "app/workflow/job_settings.h"
 #include "core/file_rewrite.h"
 #include "core/job_unit.h"
 #include "core/number_text.h"
@@ -105,7 +106,14 @@ bool JobSession::LoadExisting() {
           " are missing: metres, azimuths from north and no coordinate system are "
           "assumed.");
     }
-    return Load();
+    was_interrupted_ = FinishJob(job_);
+    if (!Load()) return false;
+    for (const std::string& sentence : UnknownSettings(settings_)) {
+      work_.observer.OnWarning(settings_path() + ": " + sentence);
+    }
+    storing_problem_ = UnitProblem(job_);
+    if (!storing_problem_.empty()) work_.observer.OnWarning(storing_problem_);
+    return true;
   }
   const std::string completed = job_.path + ".crd";
   if (!job_.path.ends_with(".crd") && files().Exists(completed)) {

@@ -36,6 +36,11 @@ class JobSession final : public JobHost {
   Settings& settings() { return settings_; }
   std::string settings_path() const;
   WorkObserver& observer() { return work_.observer; }
+  /// Work that an interruption had left was finished when the job was opened.
+  bool was_interrupted() const { return was_interrupted_; }
+  /// Why nothing may be stored in this job, in a sentence; empty when everything may.
+  const std::string& storing_problem() const { return storing_problem_; }
+
   /// What opens the raw file for further work, to be written with the first unit of this session:
   /// the identification line where it is missing, date and time. Empty once it is written.
   std::string RawOpening() { return raw_opened_ ? "" : RawOpeningRecords(job_); }
@@ -57,6 +62,8 @@ class JobSession final : public JobHost {
   Settings settings_;
   Job job_;
   bool raw_opened_ = false;
+  bool was_interrupted_ = false;
+  std::string storing_problem_;
   ExistingPolicy policy_ = ExistingPolicy::Cancel;
 };
 

@@ -160,6 +160,10 @@ ImportResult StorePointImport(JobSession& session, const PointImport& import,
                               ImportExisting existing, const std::string& source) {
   ImportResult result;
   Job& job = session.job();
+  if (!session.storing_problem().empty()) {
+    session.observer().OnError(session.storing_problem());
+    return result;
+  }
   const auto before = LoadById(job);
   const auto unit = before ? JobUnit::Begin(job) : nullptr;
   if (!unit) return result;

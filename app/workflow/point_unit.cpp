@@ -24,6 +24,10 @@ StoringResult Explained(StorePointResult result) {
 StoredPoint StorePointUnit(JobSession& session, const GridPoint& at, const std::string& description,
                            Settling settling, const PointRecords& records) {
   Job& job = session.job();
+  if (!session.storing_problem().empty()) {
+    session.observer().OnError(session.storing_problem());
+    return {};
+  }
   const auto unit = JobUnit::Begin(job);
   if (!unit) return {};
   StoredPoint stored;

@@ -1,6 +1,8 @@
 #include "app/workflow/receiver_session.h"
 
+#include "app/workflow/coordinate_systems.h"
 #include "app/workflow/position_checks.h"
+#include "app/workflow/setup_comments.h"
 #include "core/raw_file.h"
 
 namespace tarvex {
@@ -60,10 +62,23 @@ bool ReceiverSession::Open() {
   if (!plan_.stream_log.empty() && !link_.tap().StartLog(plan_.stream_log)) {
     return Problem(link_.tap().log_problem()), false;
   }
+  if (!session_.storing_problem().empty()) return Problem(session_.storing_problem()), false;
   if (!link_.Open(problem)) return Problem(problem), false;
-  if (ResumeRawFile(job_) == RawFileResult::Written) return session_.RawIsOpened(), true;
+  if (OpenRawFile()) return session_.RawIsOpened(), true;
   return Problem("The raw file " + RawFilePath(job_) + " cannot be written; nothing was stored."),
          false;
+}
+
+// Date and time, and what is in force from here on.
+bool ReceiverSession::OpenRawFile() {
+  const SystemSource system = SystemOfSettings(session_.settings());
+  std::vector<std::string> records = SetupComments(
+      {.system_title = system.empty() ? "" : CoordinateSystems::Title(system, calculator_),
+       .calculator = &calculator_,
+       .uses_antenna = true,
+       .antenna_type = AntennaOfSettings(session_.settings())});
+  records.insert(records.begin(), RawOpeningRecords(job_));
+  return AppendRawRecords(job_, records) == RawFileResult::Written;
 }
 
 void ReceiverSession::StartCorrections() {

@@ -89,6 +89,7 @@ class ReceiverSession {
 
  private:
   bool Open();
+  bool OpenRawFile();
   void StartCorrections();
   void StopCorrections();
   SessionEnd ReadUntilDone();

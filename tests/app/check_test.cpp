@@ -113,7 +113,7 @@ TEST(Check, FindsEachDamage) {
       {"unit", edit("site.job", "units=metres", "units=us-feet")},
       {"azimuths", edit("site.job", "azimuths=north", "azimuths=south")},
       {"layout", edit("site.rw5", "--CRD: Alphanumeric", "--CRD: Numeric")},
-      {"file-left", [](ProgramFolder& folder) { folder.Write("site.not.tmp", "x"); }},
+      {"file-left", [](ProgramFolder& folder) { folder.Write("site.job.tmp", "x"); }},
       {"trailing-bytes", append("site.crd", "torn")},
       {"order", swap_first_records},
       {"id-twice", first_record_twice},
@@ -172,8 +172,10 @@ TEST(Check, TellsAnInterruptedChange) {
   ASSERT_EQ(CarryOut(SystemFiles(), path, place, {{.old_size = size, .new_size = size}},
                      {.coordinates = file.get()}, status),
             ChangeResult::Done);
-  EXPECT_EQ(Kinds(folder), std::vector<std::string>{"journal-left"});
-  EXPECT_EQ(Kinds(folder), std::vector<std::string>{});  // finished by then
+  const ProgramResult first = folder.Run("check site.crd");
+  EXPECT_EQ(first.exit_code, 0);
+  EXPECT_TRUE(first.output.starts_with("The last work on the job was interrupted")) << first.output;
+  EXPECT_TRUE(folder.Run("check site.crd").output.starts_with("The job is whole"));
 }
 
 TEST(Check, FindsWhatANumericHeaderHides) {

@@ -34,9 +34,6 @@ constexpr auto kFaultTexts = std::to_array<FaultText>({
     {JobFault::AzimuthsContradict, "azimuths",
      "Azimuths are from %1 in %j, but %r was begun with azimuths from %2."},
     {JobFault::LayoutContradicts, "layout", "%c is %1, but %r says that it is %2."},
-    {JobFault::JournalLeft, "journal-left",
-     "An interrupted change was left; it is finished now. The points of the last moments should be "
-     "looked at."},
     {JobFault::FileLeft, "file-left",
      "%1 is left of an interrupted change; it means nothing and can be removed."},
     {JobFault::CountContradicts, "count",
@@ -62,6 +59,9 @@ constexpr auto kFaultTexts = std::to_array<FaultText>({
     {JobFault::NoteWithoutPoint, "note-without-point",
      "%n line %l is about point %p, which there is not and never was."},
 });
+
+constexpr const char* kFinished =
+    "The last work on the job was interrupted; what it had begun is finished now.\n";
 
 constexpr bool CoversEveryFault() {
   for (std::size_t i = 0; i < kFaultTexts.size(); ++i) {
@@ -107,7 +107,7 @@ std::string Sentence(const JobFinding& finding, const Job& job) {
   return text;
 }
 
-void PrintJson(const JobCheck& check, const Job& job, Program& program) {
+void PrintJson(const JobCheck& check, bool interrupted, const Job& job, Program& program) {
   Json findings = Json::array();
   for (const JobFinding& finding : check.findings) {
     Json one{{"kind", TextOf(finding.fault).kind}, {"text", Sentence(finding, job)}};
@@ -117,6 +117,7 @@ void PrintJson(const JobCheck& check, const Job& job, Program& program) {
   }
   program.console.Print(JsonText({{"job", job.path},
                                   {"ok", check.findings.empty()},
+                                  {"finished_an_interrupted_change", interrupted},
                                   {"points", check.points},
                                   {"raw_records", check.raw_records},
                                   {"notes", check.notes},
@@ -145,8 +146,9 @@ ExitCode RunCheck(const CheckOptions& options, Program& program) {
   const auto check = CheckJob(session.job(), session.settings());
   if (!check) return ExitCode::Failed;
   if (options.json) {
-    PrintJson(*check, session.job(), program);
+    PrintJson(*check, session.was_interrupted(), session.job(), program);
   } else {
+    if (session.was_interrupted()) program.console.Print(kFinished);
     PrintSentences(*check, session.job(), program);
   }
   return check->findings.empty() ? ExitCode::Done : ExitCode::Failed;

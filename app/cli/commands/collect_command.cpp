@@ -9,6 +9,7 @@
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_storing.h"
 #include "core/coordinate_file.h"
+#include "core/next_id.h"
 
 namespace tarvex {
 namespace {
@@ -32,8 +33,9 @@ ExitCode SettleFirstId(const CollectOptions& options, JobSession& session, Progr
   if (!options.first.empty()) {
     return TakePointId(session, options.first, problem) ? ExitCode::Done : program.Misuse(problem);
   }
-  job.current_point_id = job.last_point_id;
-  AdvanceCurrentPoint(job);
+  const auto next = NextIdToUse(job, *stream);
+  if (!next) return program.Fail("No free point id was found behind " + job.current_point_id + ".");
+  job.current_point_id = *next;
   return ExitCode::Done;
 }
 
