@@ -3,7 +3,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -12,6 +11,7 @@
 #include <span>
 #include <vector>
 
+#include "bench/bench_host.h"
 #include "bench/scratch_folder.h"
 #include "bench/sqlite_points.h"
 #include "core/job.h"
@@ -25,18 +25,6 @@ namespace {
 constexpr long long kMillion = 1000000;
 // Ids of 7 digits, so that the order of text, which is SQLite's, is that of the numbers.
 constexpr long long kFirstId = 2000000;
-
-class BenchHost final : public JobHost {
- public:
-  FileSystem& files() override { return SystemFiles(); }
-  Clock& clock() override { return SystemClock(); }
-  ExistingPointAnswer AskExistingPoint(const std::string&, bool) override { return {}; }
-  void ShowMessage(const std::string& text) override {
-    std::fprintf(stderr, "%s\n", text.c_str());
-    std::exit(1);
-  }
-  void ShowWaitCursor(bool) override {}
-};
 
 PointId NumberedId(long long number) {
   return PointId(std::to_string(number));
