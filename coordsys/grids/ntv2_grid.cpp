@@ -274,11 +274,11 @@ inline bool Ntv2Grid::FindAround(double latitude, double west, Around& around) c
 // Both shifts side by side, in the order of Bilinear.
 inline Ntv2Grid::Shift Ntv2Grid::Interpolate(const GridCell& cell, const Node& se, const Node& sw,
                                              const Node& ne, const Node& nw) noexcept {
-  const auto lanes = [](const Node& node) { return Lanes{node.north, node.west}; };
-  const Lanes across = Both(cell.across);
-  const Lanes south = lanes(se) + across * (lanes(sw) - lanes(se));
-  const Lanes north = lanes(ne) + across * (lanes(nw) - lanes(ne));
-  const Lanes shift = south + Both(cell.up) * (north - south);
+  const auto lanes = [](const Node& node) { return TwoLanes{node.north, node.west}; };
+  const double across = cell.across;
+  const TwoLanes south = lanes(se) + across * (lanes(sw) - lanes(se));
+  const TwoLanes north = lanes(ne) + across * (lanes(nw) - lanes(ne));
+  const TwoLanes shift = south + cell.up * (north - south);
   return {.north_rad = shift[0], .west_rad = shift[1]};
 }
 

@@ -61,49 +61,50 @@ struct DirectionOf {
 };
 
 using Direction = DirectionOf<double>;
-using LaneDirection = DirectionOf<Lanes>;
 
 inline Direction Toward(double angle_rad) {
   return {std::sin(angle_rad), std::cos(angle_rad)};
 }
-inline LaneDirection Toward(Lanes angle_rad) {
-  const SineCosine both = SineCosineOf(angle_rad);
+template <typename Lanes>
+inline DirectionOf<Lanes> Toward(Lanes angle_rad) {
+  const SineCosine<Lanes> both = SineCosineOf(angle_rad);
   return {both.sin, both.cos};
 }
 
-/// How a kernel takes its lanes: two points side by side, or one point in both of them. With one
-/// point, two angles share the lanes of one computation; every lane gives the same bits either way.
-struct TwoPoints {
-  static void Toward(Lanes a, Lanes b, LaneDirection& toward_a, LaneDirection& toward_b) {
+/// How a kernel takes its lanes: a point in each of them, or one point in all. With one point, two
+/// angles share the lanes of one computation; every lane gives the same bits either way.
+struct PointInEach {
+  template <typename Lanes>
+  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& toward_a, DirectionOf<Lanes>& toward_b) {
     toward_a = tarvex::Toward(a);
     toward_b = tarvex::Toward(b);
   }
-  static void AnglesOf(LaneDirection a, LaneDirection b, Lanes& angle_a, Lanes& angle_b) {
+  template <typename Lanes>
+  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angle_a, Lanes& angle_b) {
     angle_a = AngleOf(a.sin, a.cos);
     angle_b = AngleOf(b.sin, b.cos);
   }
 };
 
 struct OnePoint {
-  static void Toward(Lanes a, Lanes b, LaneDirection& toward_a, LaneDirection& toward_b) {
-    const SineCosine both = SineCosineOf(Lanes{a[0], b[0]});
-    toward_a = {Both(both.sin[0]), Both(both.cos[0])};
-    toward_b = {Both(both.sin[1]), Both(both.cos[1])};
+  using Lanes = TwoLanes;
+  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& toward_a, DirectionOf<Lanes>& toward_b) {
+    const SineCosine<Lanes> both = SineCosineOf(Lanes{a[0], b[0]});
+    toward_a = {InAll<Lanes>(both.sin[0]), InAll<Lanes>(both.cos[0])};
+    toward_b = {InAll<Lanes>(both.sin[1]), InAll<Lanes>(both.cos[1])};
   }
-  static void AnglesOf(LaneDirection a, LaneDirection b, Lanes& angle_a, Lanes& angle_b) {
+  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angle_a, Lanes& angle_b) {
     const Lanes both = AngleOf(Lanes{a.sin[0], b.sin[0]}, Lanes{a.cos[0], b.cos[0]});
-    angle_a = Both(both[0]);
-    angle_b = Both(both[1]);
+    angle_a = InAll<Lanes>(both[0]);
+    angle_b = InAll<Lanes>(both[1]);
   }
 };
 
 /// An angle brought between -180 and +180 degrees from a few turns away.
-inline Lanes WrappedLongitude(Lanes longitude_rad) {
+template <typename T>
+inline T WrappedLongitude(T longitude_rad) {
   constexpr double kTurn = 2.0 * std::numbers::pi;
   return longitude_rad - ((longitude_rad * (1.0 / kTurn) + kRounder) - kRounder) * kTurn;
-}
-inline double WrappedLongitude(double longitude_rad) {
-  return WrappedLongitude(Both(longitude_rad))[0];
 }
 
 SineSeries ConformalToRectifying(double n);
@@ -142,14 +143,16 @@ struct EllipsoidConstants {
   }
 
   /// Isometric latitude; its hyperbolic sine is the tangent of the conformal latitude.
-  Lanes Isometric(LaneDirection phi) const {
+  template <typename Lanes>
+  Lanes Isometric(DirectionOf<Lanes> phi) const {
     const Lanes sphere = LogarithmOf((1.0 + Absolute(phi.sin)) / phi.cos);
     return WithSignOf(sphere, phi.sin) - EccentricPart(phi.sin);
   }
-  double Isometric(double phi_rad) const { return Isometric(Toward(Both(phi_rad)))[0]; }
+  double Isometric(double phi_rad) const { return Isometric(Toward(InAll<TwoLanes>(phi_rad)))[0]; }
 
   /// The conformal latitude of a geodetic one, of a length that is not 1.
-  LaneDirection ConformalOfAnyLength(LaneDirection phi) const {
+  template <typename Lanes>
+  DirectionOf<Lanes> ConformalOfAnyLength(DirectionOf<Lanes> phi) const {
     const Lanes w = EccentricPart(phi.sin);
     const Lanes w2 = w * w;
     const Lanes sinh_w = w * (1.0 + w2 * (1.0 / 6.0 + w2 * (1.0 / 120.0)));
@@ -158,28 +161,33 @@ struct EllipsoidConstants {
   }
 
   /// The conformal latitude of a geodetic one.
-  LaneDirection Conformal(LaneDirection phi) const {
-    const LaneDirection chi = ConformalOfAnyLength(phi);
+  template <typename Lanes>
+  DirectionOf<Lanes> Conformal(DirectionOf<Lanes> phi) const {
+    const DirectionOf<Lanes> chi = ConformalOfAnyLength(phi);
     const Lanes norm = 1.0 / SquareRootOf(chi.sin * chi.sin + chi.cos * chi.cos);
     return {chi.sin * norm, chi.cos * norm};
   }
   Direction Conformal(double phi_rad) const {
-    const LaneDirection chi = Conformal(Toward(Both(phi_rad)));
+    const DirectionOf<TwoLanes> chi = Conformal(Toward(InAll<TwoLanes>(phi_rad)));
     return {chi.sin[0], chi.cos[0]};
   }
 
-  /// The geodetic latitude whose isometric latitude is the logarithm of `exp_psi`; beyond 1e16 and
+  /// The conformal latitude whose isometric latitude is the logarithm of `exp_psi`; beyond 1e16 and
   /// below 1e-16 it is a pole.
-  Lanes FromExpIsometric(Lanes exp_psi) const {
+  template <typename Lanes>
+  DirectionOf<Lanes> ConformalFromExpIsometric(Lanes exp_psi) const {
     exp_psi = Clamped(exp_psi, 1e-16, 1e16);
     const Lanes square = exp_psi * exp_psi;
     const Lanes norm = 1.0 / (square + 1.0);
-    return FromConformal({(square - 1.0) * norm, 2.0 * exp_psi * norm});
+    return {(square - 1.0) * norm, 2.0 * exp_psi * norm};
   }
 
-  /// The geodetic latitude of a conformal one.
-  Lanes FromConformal(LaneDirection chi) const {
-    return AngleOf(chi.sin, chi.cos) + SumOf(delta, chi.Sin2(), chi.Cos2());
+  /// The geodetic latitude of a conformal one, and the angle of another direction.
+  template <typename Points, typename Lanes>
+  void FromConformal(DirectionOf<Lanes> chi, DirectionOf<Lanes> other, Lanes& phi,
+                     Lanes& angle) const {
+    Points::AnglesOf(chi, other, phi, angle);
+    phi += SumOf(delta, chi.Sin2(), chi.Cos2());
   }
 };
 

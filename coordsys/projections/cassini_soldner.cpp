@@ -27,8 +27,9 @@ struct Kernel {
   double false_northing_m = 0.0;
 
   // Easting, and northing from the equator, of a latitude given with its direction.
-  LanePoint Series(Lanes phi_rad, LaneDirection phi, Lanes lambda, Lanes over_cos,
-                   Lanes nu) const noexcept {
+  template <typename Lanes>
+  LanePoint<Lanes> Series(Lanes phi_rad, DirectionOf<Lanes> phi, Lanes lambda, Lanes over_cos,
+                          Lanes nu) const noexcept {
     const Lanes tangent = phi.sin * over_cos;
     const Lanes t = tangent * tangent;
     const Lanes c = ellipsoid.ep2 * phi.cos * phi.cos;
@@ -42,24 +43,27 @@ struct Kernel {
     return {north, east};
   }
 
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
-    const LaneDirection phi = Toward(position.latitude_rad);
+    const auto phi = Toward(position.latitude_rad);
     const Lanes nu = ellipsoid.a / SquareRootOf(1.0 - ellipsoid.e2 * phi.sin * phi.sin);
-    const LanePoint at = Series(position.latitude_rad, phi, lambda, 1.0 / phi.cos, nu);
+    const LanePoint<Lanes> at = Series(position.latitude_rad, phi, lambda, 1.0 / phi.cos, nu);
     point.easting_m = false_easting_m + at.easting_m;
     point.northing_m = false_northing_m + at.northing_m - origin_arc_m;
     return Holds(position.latitude_rad, phi, lambda, 0.0);
   }
 
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes north = point.northing_m - false_northing_m + origin_arc_m;
     const Lanes east = point.easting_m - false_easting_m;
     const Lanes mu = north * over_rectifying_radius;
-    const LaneMask in_reach = Within(mu, kQuarter) & Within(east, 1.1 * kWidest * ellipsoid.a);
-    const LaneDirection at_mu = Toward(mu);
+    const LaneMask<Lanes> in_reach =
+        Within(mu, kQuarter) & Within(east, 1.1 * kWidest * ellipsoid.a);
+    const DirectionOf<Lanes> at_mu = Toward(mu);
     const Lanes correction = SumOf(eta, at_mu.Sin2(), at_mu.Cos2());
-    LaneDirection at = at_mu.Turned(correction);
+    DirectionOf<Lanes> at = at_mu.Turned(correction);
     const Lanes over_cos = 1.0 / at.cos;
     const Lanes t = at.sin * at.sin * over_cos * over_cos;
     const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
@@ -71,39 +75,43 @@ struct Kernel {
     Lanes lambda =
         d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 * (1.0 / 15.0))) * over_cos;
     at = at.Turned(-drop);
-    for (int pass = 0; pass < kMostPasses; ++pass) {
-      if (Improve(north, east, phi, at, lambda)) break;
+    LaneMask<Lanes> open = ~LaneMask<Lanes>{};
+    for (int pass = 0; pass < kMostPasses && AnyOf(open); ++pass) {
+      Improve(north, east, phi, at, lambda, open);
     }
     position.latitude_rad = phi;
     position.longitude_rad = WrappedLongitude(central_meridian_rad + lambda);
     return in_reach & Holds(phi, at, lambda, kClosing);
   }
 
-  LaneMask Holds(Lanes phi_rad, LaneDirection phi, Lanes lambda, double closing) const noexcept {
+  template <typename Lanes>
+  LaneMask<Lanes> Holds(Lanes phi_rad, DirectionOf<Lanes> phi, Lanes lambda,
+                        double closing) const noexcept {
     return Within(lambda * phi.cos, kWidest + closing) &
            Within(lambda, kWidestLongitude + closing) &
            Within(phi_rad, kFarthestLatitude + closing);
   }
 
-  // One step of Newton towards the point, true when it was a small one; s is the slope between the
-  // directions of the grid and of the ellipsoid.
-  bool Improve(Lanes north, Lanes east, Lanes& phi, LaneDirection& at,
-               Lanes& lambda) const noexcept {
+  // One step of Newton towards the point; a lane is no longer open when it was a small one, and
+  // keeps its place while its neighbours go on. s is the slope between the directions of the grid
+  // and of the ellipsoid.
+  template <typename Lanes>
+  void Improve(Lanes north, Lanes east, Lanes& phi, DirectionOf<Lanes>& at, Lanes& lambda,
+               LaneMask<Lanes>& open) const noexcept {
     const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
     const Lanes over_w = 1.0 / SquareRootOf(w2);
     const Lanes over_cos = 1.0 / at.cos;
-    const LanePoint reached = Series(phi, at, lambda, over_cos, ellipsoid.a * over_w);
+    const LanePoint<Lanes> reached = Series(phi, at, lambda, over_cos, ellipsoid.a * over_w);
     const Lanes d_north = north - reached.northing_m;
     const Lanes d_east = east - reached.easting_m;
     const Lanes s = at.sin * lambda;
     const Lanes over_nu = w2 * over_w * (1.0 - s * s) * over_a;
     const Lanes d_phi = (d_north - d_east * s) * over_nu * w2 * over_1_less_e2;
-    lambda += (d_east + d_north * s) * over_nu * over_cos;
-    phi += d_phi;
-    const LaneMask closed = Within(d_north, kNearlyClosed_m) & Within(d_east, kNearlyClosed_m);
-    if (closed[0] != 0 && closed[1] != 0) return true;
-    at = at.Turned(d_phi);
-    return false;
+    const Lanes d_lambda = (d_east + d_north * s) * over_nu * over_cos;
+    lambda = Select(open, lambda + d_lambda, lambda);
+    phi = Select(open, phi + d_phi, phi);
+    open &= ~(Within(d_north, kNearlyClosed_m) & Within(d_east, kNearlyClosed_m));
+    if (AnyOf(open)) at = at.Turned(Select(open, d_phi, 0.0));
   }
 };
 

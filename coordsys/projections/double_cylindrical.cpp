@@ -25,13 +25,16 @@ struct Kernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
-    const Lanes exp_w = ExponentialOf(c * ellipsoid.Isometric(Toward(position.latitude_rad)) + k);
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
+    const Lanes turn = c * WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    DirectionOf<Lanes> phi;
+    DirectionOf<Lanes> l;
+    Points::Toward(position.latitude_rad, turn, phi, l);
+    const Lanes exp_w = ExponentialOf(c * ellipsoid.Isometric(phi) + k);
     const Lanes square = exp_w * exp_w;
     const Lanes norm = 1.0 / (square + 1.0);
-    const LaneDirection b{(square - 1.0) * norm, 2.0 * exp_w * norm};
-    const Lanes turn = c * WrappedLongitude(position.longitude_rad - central_meridian_rad);
-    const LaneDirection l = Toward(turn);
+    const DirectionOf<Lanes> b{(square - 1.0) * norm, 2.0 * exp_w * norm};
     const Lanes forth = b.cos * l.cos;
     const Lanes across = b0.cos * b.sin - b0.sin * forth;
     const Lanes along = AngleOf(b.cos * l.sin, b0.sin * b.sin + b0.cos * forth);
@@ -41,14 +44,15 @@ struct Kernel {
     return Within(across, kFarthestAcross) & Within(along, kQuarter) & Within(turn, kHalfTurn);
   }
 
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes along = (point.easting_m - false_easting_m) * over_radius;
     const Lanes across = (point.northing_m - false_northing_m) * over_radius;
     const Lanes exp_across = ExponentialOf(across);
     const Lanes square = exp_across * exp_across;
     const Lanes norm = 1.0 / (square + 1.0);
-    const LaneDirection on_line{(square - 1.0) * norm, 2.0 * exp_across * norm};
-    const LaneDirection l = Toward(along);
+    const DirectionOf<Lanes> on_line{(square - 1.0) * norm, 2.0 * exp_across * norm};
+    const DirectionOf<Lanes> l = Toward(along);
     const Lanes forth = on_line.cos * l.cos;
     const Lanes east = on_line.cos * l.sin;
     const Lanes sine = b0.cos * on_line.sin + b0.sin * forth;
@@ -56,8 +60,10 @@ struct Kernel {
     const Lanes up = 1.0 + Absolute(sine);
     const Lanes sphere = 0.5 * LogarithmOf(up * up / (east * east + north * north));
     const Lanes psi = (WithSignOf(sphere, sine) - k) * over_c;
-    position.latitude_rad = ellipsoid.FromExpIsometric(ExponentialOf(psi));
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(east, north) * over_c);
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
+    Lanes turn;
+    ellipsoid.FromConformal<Points>(chi, {east, north}, position.latitude_rad, turn);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + turn * over_c);
     return Within(across, kFarthestAcrossIsometric + kClosing) & Within(along, kQuarter + kClosing);
   }
 };

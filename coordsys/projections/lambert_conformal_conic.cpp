@@ -46,35 +46,36 @@ struct Kernel {
   double false_easting_m = 0.0;
   double apex_northing_m = 0.0;
 
-  template <typename Points>
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes phi = position.latitude_rad;
     const Lanes lambda = WrappedLongitude(position.longitude_rad - central_meridian_rad);
-    LaneDirection toward;
-    LaneDirection theta;
+    DirectionOf<Lanes> toward;
+    DirectionOf<Lanes> theta;
     Points::Toward(phi, n * lambda, toward, theta);
     // The pole itself lies at the apex; on a flat cone the exponential gets there too slowly.
-    const Lanes r = Select(AtMost(Absolute(toward.cos), Both(kPoleCosine)), Both(0.0),
+    const Lanes r = Select(AtMost(Absolute(toward.cos), kPoleCosine), InAll<Lanes>(0.0),
                            apex_radius_m * ExponentialOf(-n * ellipsoid.Isometric(toward)));
     point.easting_m = false_easting_m + r * theta.sin;
     point.northing_m = apex_northing_m - r * theta.cos;
-    return AtMost(Both(-kFarthestLatitude), sign * phi);
+    return AtMost(-kFarthestLatitude, sign * phi);
   }
 
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     // A zero of either sign is +0, so that the apex of a southern cone has no direction either.
     const Lanes x = sign * (point.easting_m - false_easting_m) + 0.0;
     const Lanes y = sign * (apex_northing_m - point.northing_m) + 0.0;
-    const Lanes theta = AngleOf(x, y);
-
     const Lanes square = (x * x + y * y) / (apex_radius_m * apex_radius_m);
     const Lanes exp_psi = ExponentialOf(-0.5 * over_n * LogarithmOf(square));
-    const Lanes phi = ellipsoid.FromExpIsometric(exp_psi);
-
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(exp_psi);
+    Lanes phi;
+    Lanes theta;
+    ellipsoid.FromConformal<Points>(chi, {x, y}, phi, theta);
     position.latitude_rad = phi;
     position.longitude_rad = WrappedLongitude(central_meridian_rad + theta * over_n);
-    const LaneMask in_fan = Within(theta, widest_theta);
-    return in_fan & AtMost(Both(-kFarthestLatitude - 1e-9), sign * phi);
+    const LaneMask<Lanes> in_fan = Within(theta, widest_theta);
+    return in_fan & AtMost(-kFarthestLatitude - 1e-9, sign * phi);
   }
 };
 

@@ -33,14 +33,16 @@ struct Kernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
-    const Lanes exp_w =
-        ExponentialOf(ln_h + b * ellipsoid.Isometric(Toward(position.latitude_rad)));
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
+    const Lanes turn = b * WrappedLongitude(position.longitude_rad - lambda0_rad);
+    DirectionOf<Lanes> phi;
+    DirectionOf<Lanes> d;
+    Points::Toward(position.latitude_rad, turn, phi, d);
+    const Lanes exp_w = ExponentialOf(ln_h + b * ellipsoid.Isometric(phi));
     const Lanes over_exp_w = 1.0 / exp_w;
     const Lanes sinh_w = 0.5 * (exp_w - over_exp_w);
     const Lanes over_cosh_w = 2.0 / (exp_w + over_exp_w);
-    const Lanes turn = b * WrappedLongitude(position.longitude_rad - lambda0_rad);
-    const LaneDirection d = Toward(turn);
     const Lanes across = (sinh_w * g0.sin - d.sin * g0.cos) * over_cosh_w;
     const Lanes along =
         WrappedLongitude(AngleOf(sinh_w * g0.cos + d.sin * g0.sin, d.cos) - centre_angle);
@@ -52,7 +54,8 @@ struct Kernel {
     return Within(across, kFarthestAcross) & Within(along, kQuarter) & Within(turn, kHalfTurn);
   }
 
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = (point.easting_m - false_easting_m) * over_radius;
     const Lanes y = (point.northing_m - false_northing_m) * over_radius;
     const Lanes v = x * gc.cos - y * gc.sin;
@@ -61,15 +64,17 @@ struct Kernel {
     const Lanes exp_v = ExponentialOf(-v);
     const Lanes over_exp_v = 1.0 / exp_v;
     const Lanes sinh_v = 0.5 * (exp_v - over_exp_v);
-    const LaneDirection z = Toward(u);
+    const DirectionOf<Lanes> z = Toward(u);
     const Lanes to_pole = z.sin * g0.cos + sinh_v * g0.sin;
     const Lanes aside = sinh_v * g0.cos - z.sin * g0.sin;
     // The sphere's isometric latitude from both legs: the sine alone is blunt at a pole.
     const Lanes from_axis = SquareRootOf(z.cos * z.cos + aside * aside + kAtPole);
     const Lanes sphere = LogarithmOf((Absolute(to_pole) + 0.5 * (exp_v + over_exp_v)) / from_axis);
     const Lanes psi = (WithSignOf(sphere, to_pole) - ln_h) * over_b;
-    position.latitude_rad = ellipsoid.FromExpIsometric(ExponentialOf(psi));
-    position.longitude_rad = WrappedLongitude(lambda0_rad - AngleOf(aside, z.cos) * over_b);
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
+    Lanes turn;
+    ellipsoid.FromConformal<Points>(chi, {aside, z.cos}, position.latitude_rad, turn);
+    position.longitude_rad = WrappedLongitude(lambda0_rad - turn * over_b);
     return Within(v, kFarthestAcrossIsometric + kClosing) &
            Within(u - centre_angle, kQuarter + kClosing);
   }

@@ -25,22 +25,26 @@ struct Kernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
-    const Lanes w = c * ellipsoid.Isometric(Toward(position.latitude_rad)) + k;
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
+    const Lanes turn = c * WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    DirectionOf<Lanes> phi;
+    DirectionOf<Lanes> l;
+    Points::Toward(position.latitude_rad, turn, phi, l);
+    const Lanes w = c * ellipsoid.Isometric(phi) + k;
     const Lanes exp_w = ExponentialOf(w);
     const Lanes square = exp_w * exp_w;
     const Lanes norm = 1.0 / (square + 1.0);
-    const LaneDirection chi{(square - 1.0) * norm, 2.0 * exp_w * norm};
-    const Lanes turn = c * WrappedLongitude(position.longitude_rad - central_meridian_rad);
-    const LaneDirection l = Toward(turn);
+    const DirectionOf<Lanes> chi{(square - 1.0) * norm, 2.0 * exp_w * norm};
     const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
     const Lanes scale = diameter_m / b;
     point.easting_m = false_easting_m + scale * chi.cos * l.sin;
     point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
-    return AtMost(Both(kFarthestDenominator), b) & Within(turn, kHalfTurn);
+    return AtMost(kFarthestDenominator, b) & Within(turn, kHalfTurn);
   }
 
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = (point.easting_m - false_easting_m) * over_diameter;
     const Lanes y = (point.northing_m - false_northing_m) * over_diameter;
     const Lanes square = x * x + y * y;
@@ -52,9 +56,11 @@ struct Kernel {
     const Lanes cos2 = p * p + v * v;
     const Lanes sphere = 0.5 * LogarithmOf((1.0 + Absolute(s)) * (1.0 + Absolute(s)) / cos2);
     const Lanes psi = (WithSignOf(sphere, s) - k) * over_c;
-    position.latitude_rad = ellipsoid.FromExpIsometric(ExponentialOf(psi));
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(v, p) * over_c);
-    return AtMost(square, Both(kFarthestRadius * kFarthestRadius));
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
+    Lanes turn;
+    ellipsoid.FromConformal<Points>(chi, {v, p}, position.latitude_rad, turn);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + turn * over_c);
+    return AtMost(square, kFarthestRadius * kFarthestRadius);
   }
 };
 

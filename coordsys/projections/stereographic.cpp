@@ -21,17 +21,22 @@ struct ObliqueKernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
-    const LaneDirection chi = ellipsoid.Conformal(Toward(position.latitude_rad));
-    const LaneDirection l = Toward(WrappedLongitude(position.longitude_rad - central_meridian_rad));
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
+    DirectionOf<Lanes> phi;
+    DirectionOf<Lanes> l;
+    Points::Toward(position.latitude_rad,
+                   WrappedLongitude(position.longitude_rad - central_meridian_rad), phi, l);
+    const DirectionOf<Lanes> chi = ellipsoid.Conformal(phi);
     const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
     const Lanes scale = diameter_m / b;
     point.easting_m = false_easting_m + scale * chi.cos * l.sin;
     point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
-    return AtMost(Both(kFarthestDenominator), b);
+    return AtMost(kFarthestDenominator, b);
   }
 
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = (point.easting_m - false_easting_m) * over_diameter;
     const Lanes y = (point.northing_m - false_northing_m) * over_diameter;
     const Lanes square = x * x + y * y;
@@ -39,10 +44,11 @@ struct ObliqueKernel {
     const Lanes cos_d = 1.0 - square * g;
     const Lanes p = chi0.cos * cos_d - y * g * chi0.sin;
     const Lanes v = x * g;
-    const LaneDirection chi{cos_d * chi0.sin + y * g * chi0.cos, SquareRootOf(p * p + v * v)};
-    position.latitude_rad = ellipsoid.FromConformal(chi);
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(v, p));
-    return AtMost(square, Both(kFarthestRadius * kFarthestRadius));
+    const DirectionOf<Lanes> chi{cos_d * chi0.sin + y * g * chi0.cos, SquareRootOf(p * p + v * v)};
+    Lanes l;
+    ellipsoid.FromConformal<Points>(chi, {v, p}, position.latitude_rad, l);
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + l);
+    return AtMost(square, kFarthestRadius * kFarthestRadius);
   }
 };
 
@@ -55,26 +61,33 @@ struct PolarKernel {
   double false_easting_m = 0.0;
   double false_northing_m = 0.0;
 
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
-    LaneDirection phi = Toward(position.latitude_rad);
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
+    DirectionOf<Lanes> phi;
+    DirectionOf<Lanes> lambda;
+    Points::Toward(position.latitude_rad, position.longitude_rad - central_meridian_rad, phi,
+                   lambda);
     phi.sin *= pole;
     const Lanes stretch = SmallExpm1(ellipsoid.EccentricPart(phi.sin));
     const Lanes r = c_m * phi.cos / (1.0 + phi.sin) * (1.0 + stretch);
-    const LaneDirection lambda = Toward(position.longitude_rad - central_meridian_rad);
     point.easting_m = false_easting_m + r * lambda.sin;
     point.northing_m = false_northing_m - pole * r * lambda.cos;
-    return Less(Both(kFarthestSine), phi.sin);
+    return Less(kFarthestSine, phi.sin);
   }
 
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = point.easting_m - false_easting_m;
     const Lanes y = pole * (false_northing_m - point.northing_m);
     const Lanes t = SquareRootOf(x * x + y * y) / c_m;
     const Lanes norm = 1.0 / (1.0 + t * t);
-    const LaneDirection chi{(1.0 - t * t) * norm, 2.0 * t * norm};
-    position.latitude_rad = pole * ellipsoid.FromConformal(chi);
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + AngleOf(x, y));
-    return AtMost(t, Both(kFarthestRadius));
+    const DirectionOf<Lanes> chi{(1.0 - t * t) * norm, 2.0 * t * norm};
+    Lanes phi;
+    Lanes lambda;
+    ellipsoid.FromConformal<Points>(chi, {x, y}, phi, lambda);
+    position.latitude_rad = pole * phi;
+    position.longitude_rad = WrappedLongitude(central_meridian_rad + lambda);
+    return AtMost(t, kFarthestRadius);
   }
 };
 

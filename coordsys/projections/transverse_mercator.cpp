@@ -12,21 +12,25 @@ constexpr double kWidestEta = 1.25;
 constexpr double kFarthestXi = std::numbers::pi * 110.0 / 180.0;
 constexpr double kClosing = 1e-9;  // what an inverse may be over the edge that a forward kept
 
+template <typename Lanes>
 struct Complex {
   Lanes re = {};
   Lanes im = {};
 };
 
 // sum c_j sin(2 j (xi + i eta)), from the (hyperbolic) sine and cosine of 2 xi and 2 eta.
-inline Complex SumOf(const SineSeries& series, Lanes sin2, Lanes cos2, Lanes sinh2, Lanes cosh2) {
+template <typename Lanes>
+inline Complex<Lanes> SumOf(const SineSeries& series, Lanes sin2, Lanes cos2, Lanes sinh2,
+                            Lanes cosh2) {
   const Lanes k_re = 2.0 * cos2 * cosh2;
   const Lanes k_im = -2.0 * sin2 * sinh2;
-  Complex u0;
-  Complex u1;
+  Complex<Lanes> u0;
+  Complex<Lanes> u1;
 #pragma GCC unroll 6
   for (int j = 5; j >= 0; --j) {
-    const Complex u{k_re * u0.re - k_im * u0.im - u1.re + series[static_cast<std::size_t>(j)],
-                    k_im * u0.re + k_re * u0.im - u1.im};
+    const Complex<Lanes> u{
+        k_re * u0.re - k_im * u0.im - u1.re + series[static_cast<std::size_t>(j)],
+        k_im * u0.re + k_re * u0.im - u1.im};
     u1 = u0;
     u0 = u;
   }
@@ -49,13 +53,13 @@ struct Kernel {
   // Everything comes from the conformal latitude chi and lambda by algebra: tanh eta' is v / length
   // with v = cos chi sin lambda, and q2 = length^2 - v^2 the square of cos chi cos lambda and sin
   // chi. Nothing needs chi at length 1.
-  template <typename Points>
-  LaneMask Forward(LanePosition position, LanePoint& point) const noexcept {
-    LaneDirection lambda;
-    LaneDirection phi;
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
+    DirectionOf<Lanes> lambda;
+    DirectionOf<Lanes> phi;
     Points::Toward(WrappedLongitude(position.longitude_rad - central_meridian_rad),
                    position.latitude_rad, lambda, phi);
-    const LaneDirection chi = ellipsoid.ConformalOfAnyLength(phi);
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalOfAnyLength(phi);
     const Lanes length2 = chi.sin * chi.sin + chi.cos * chi.cos;
     const Lanes length = SquareRootOf(length2);
     const Lanes v = chi.cos * lambda.sin;
@@ -65,29 +69,30 @@ struct Kernel {
     const Lanes xi = AngleOf(chi.sin, forth);
     const Lanes eta = 0.5 * LogarithmOf((length + v) * (length + v) * over_q2);
 
-    const Complex sum = SumOf(alpha, 2.0 * chi.sin * forth * over_q2,
-                              (forth - chi.sin) * (forth + chi.sin) * over_q2,
-                              2.0 * v * length * over_q2, (length2 + v * v) * over_q2);
+    const Complex<Lanes> sum = SumOf(alpha, 2.0 * chi.sin * forth * over_q2,
+                                     (forth - chi.sin) * (forth + chi.sin) * over_q2,
+                                     2.0 * v * length * over_q2, (length2 + v * v) * over_q2);
     point.northing_m = false_northing_m + radius_m * (xi - origin_xi + sum.re);
     point.easting_m = false_easting_m + radius_m * (eta + sum.im);
     return Within(eta, kWidestEta) & Within(xi, kFarthestXi);
   }
 
-  template <typename Points>
-  LaneMask Inverse(LanePoint point, LanePosition& position) const noexcept {
+  template <typename Points, typename Lanes>
+  LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes xi = (point.northing_m - false_northing_m) * over_radius + origin_xi;
     const Lanes eta = (point.easting_m - false_easting_m) * over_radius;
-    const LaneMask in_reach = Within(eta, kWidestEta + 0.01) & Within(xi, kFarthestXi + 0.01);
-    const LaneDirection at = Toward(xi);
+    const LaneMask<Lanes> in_reach =
+        Within(eta, kWidestEta + 0.01) & Within(xi, kFarthestXi + 0.01);
+    const DirectionOf<Lanes> at = Toward(xi);
     const Lanes exp_eta = ExponentialOf(eta);
     const Lanes exp_2eta = exp_eta * exp_eta;
     const Lanes over_exp_eta = 1.0 / exp_eta;
     const Lanes over_exp_2eta = over_exp_eta * over_exp_eta;
-    const Complex sum = SumOf(beta, at.Sin2(), at.Cos2(), 0.5 * (exp_2eta - over_exp_2eta),
-                              0.5 * (exp_2eta + over_exp_2eta));
+    const Complex<Lanes> sum = SumOf(beta, at.Sin2(), at.Cos2(), 0.5 * (exp_2eta - over_exp_2eta),
+                                     0.5 * (exp_2eta + over_exp_2eta));
     const Lanes eta_c = eta - sum.im;
 
-    const LaneDirection xi_c = at.Turned(-sum.re);
+    const DirectionOf<Lanes> xi_c = at.Turned(-sum.re);
     const Lanes exp_eta_c = exp_eta + exp_eta * SmallExpm1(-sum.im);
     const Lanes over_exp_eta_c = over_exp_eta + over_exp_eta * SmallExpm1(sum.im);
     const Lanes sinh_eta = 0.5 * (exp_eta_c - over_exp_eta_c);
@@ -98,7 +103,7 @@ struct Kernel {
     const Lanes cos_2chi = (forth2 - xi_c.sin * xi_c.sin) * norm2;
     Lanes chi;
     Lanes lambda;
-    Points::AnglesOf({xi_c.sin, forth}, {sinh_eta, xi_c.cos}, chi, lambda);
+    Points::AnglesOf(DirectionOf<Lanes>{xi_c.sin, forth}, {sinh_eta, xi_c.cos}, chi, lambda);
     position.latitude_rad = chi + tarvex::SumOf(ellipsoid.delta, sin_2chi, cos_2chi);
     position.longitude_rad = WrappedLongitude(central_meridian_rad + lambda);
     return in_reach & Within(eta_c, kWidestEta + kClosing) &
