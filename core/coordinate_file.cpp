@@ -48,6 +48,20 @@ void Apply(const FileChange& change, std::string& bytes) {
   }
 }
 
+// What is left of gathered writes in a file that ends at `size` again.
+void CutAt(std::uint64_t size, std::vector<FileWrite>& writes) {
+  std::erase_if(writes, [size](const FileWrite& write) { return write.offset >= size; });
+  for (FileWrite& write : writes) {
+    const std::uint64_t room = size - write.offset;
+    if (write.bytes.size() * write.repeat <= room) continue;
+    if (write.repeat == 1) {
+      write.bytes.resize(static_cast<std::size_t>(room));
+    } else {
+      write.repeat = room / write.bytes.size();  // repeated are records, and a file ends with one
+    }
+  }
+}
+
 // Lays the part of `write` that lies within `out`, which begins at `offset`, over it.
 void LayOver(const FileWrite& write, std::uint64_t offset, std::span<char> out) {
   const std::uint64_t length = write.bytes.size();
@@ -211,8 +225,13 @@ FileStatus CoordinateFile::ReadBytes(std::uint64_t offset, std::span<char> out, 
 void CoordinateFile::Gather(std::vector<FileWrite> writes, std::uint64_t new_size) {
   probes_.clear();
   if (!gathered_) gathered_ = FileChange{.old_size = size_};
-  for (FileWrite& write : writes) gathered_->writes.push_back(std::move(write));
   gathered_->new_size = size_ = new_size;
+  if (gathered_->replaced) {
+    Apply({.new_size = new_size, .writes = std::move(writes)}, replacement_);
+    return;
+  }
+  CutAt(new_size, gathered_->writes);
+  for (FileWrite& write : writes) gathered_->writes.push_back(std::move(write));
 }
 
 // What an earlier change left in the journal is durable in the files before one is made without it;
@@ -303,7 +322,9 @@ FileStatus CoordinateFile::ReplaceWith(std::string bytes) {
   if (!files_.IsReplaceable(path_)) return ChangeInPlace(std::move(bytes));
   if (gathers_) {
     probes_.clear();
-    gathered_ = FileChange{.old_size = size_, .new_size = bytes.size(), .replaced = true};
+    gathered_ = FileChange{.old_size = gathered_ ? gathered_->old_size : size_,
+                           .new_size = bytes.size(),
+                           .replaced = true};
     size_ = bytes.size();
     replacement_ = std::move(bytes);
     return {};

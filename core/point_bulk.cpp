@@ -239,9 +239,10 @@ StorePointsResult StorePoints(Job& job, std::span<const Point> points, Coordinat
     return StorePointsResult::BadPoint;
   }
   if (points.empty()) return StorePointsResult::Stored;
-  FileSystem& files = job.host.files();
-  std::string old_file;
-  FileStatus status = ReadWholeFile(files, job.path, stream.size(), old_file);
+  std::string old_file(static_cast<std::size_t>(stream.size()), '\0');
+  std::size_t got = 0;
+  FileStatus status = stream.ReadBytes(0, old_file, got);
+  old_file.resize(got);
   if (status.ok()) {
     std::string merged = job.alphanumeric
                              ? MergeNamed(old_file, points)

@@ -323,6 +323,86 @@ TEST(ChangeEntry, WritesWithinTheFileOnly) {
   EXPECT_FALSE(is_read({.offset = kMost - 1, .bytes = "0123"}));
 }
 
+using Change = std::function<void(Job&, JobUnit&)>;
+
+Change Storing(const char* id, double northing) {
+  return [id, northing](Job& job, JobUnit& unit) {
+    job.current_point_id = id;
+    EXPECT_EQ(StorePoint(job, {.northing = northing}, "d", false, &unit.coordinates()),
+              StorePointResult::Stored);
+  };
+}
+
+Change Deleting(const char* id) {
+  return [id](Job& job, JobUnit& unit) {
+    EXPECT_EQ(DeletePoint(job, id, &unit.coordinates()), DeletePointResult::Deleted);
+  };
+}
+
+// So many that the file is replaced.
+void ImportMany(Job& job, JobUnit& unit) {
+  std::vector<Point> batch(6000);
+  for (std::size_t i = 0; i < batch.size(); ++i) {
+    batch[i] = {.at = {.northing = 3.0}, .description = {}, .id = PointId(std::to_string(100 + i))};
+  }
+  EXPECT_EQ(StorePoints(job, batch, unit.coordinates()), StorePointsResult::Stored);
+}
+
+// What the coordinate file holds after the changes, each in a unit of its own.
+std::string BytesAfterEach(const std::vector<Change>& changes, bool alphanumeric) {
+  TestHost host;
+  Prepare(host, alphanumeric);
+  Job job = MakeJob(host, alphanumeric);
+  for (const Change& change : changes) {
+    const auto unit = JobUnit::Begin(job);
+    change(job, *unit);
+    EXPECT_EQ(unit->Commit(), ChangeResult::Done);
+  }
+  return host.memory.Bytes(kJobPath);
+}
+
+// The same in one unit; false when it was killed at `step` and left the file as before.
+bool HoldsAfterAll(const std::vector<Change>& changes, bool alphanumeric, int step,
+                   const std::string& expected) {
+  TestHost host;
+  Prepare(host, alphanumeric);
+  Job job = MakeJob(host, alphanumeric);
+  const std::string before = host.memory.Bytes(kJobPath);
+  auto unit = JobUnit::Begin(job);
+  for (const Change& change : changes) change(job, *unit);
+  if (step > 0) host.memory.Expect(Mishap::Killed, step);
+  const bool done = unit->Commit() == ChangeResult::Done;
+  unit.reset();
+  host.memory.Restart(0);
+  Job again = MakeJob(host, alphanumeric);
+  EXPECT_NE(OpenCoordinateFile(again), nullptr);
+  if (host.memory.Bytes(kJobPath) == expected) return true;
+  EXPECT_TRUE(!done && host.memory.Bytes(kJobPath) == before)
+      << (alphanumeric ? "by name" : "by number") << ", killed at " << step << ": "
+      << host.memory.Bytes(kJobPath).size() << " bytes for " << expected.size();
+  return false;
+}
+
+// Whatever each of them comes to: a record behind the others, one in between, a file that is
+// replaced.
+TEST(JobUnit, HoldsEveryOneOfItsChanges) {
+  const std::vector<Change> units[] = {
+      {Storing("50", 5.0), Deleting("50")},
+      {Storing("50", 5.0), Deleting("50"), Storing("50", 5.0)},
+      {Deleting("10"), Storing("50", 5.0), Storing("15", 6.0), Deleting("50")},
+      {ImportMany, Storing("50", 5.0), Storing("9000", 7.0)},
+      {Storing("50", 5.0), ImportMany, Deleting("10")},
+      {ImportMany, Deleting("10"), Storing("15", 6.0)}};
+  for (const bool alphanumeric : {true, false}) {
+    for (const std::vector<Change>& changes : units) {
+      const std::string expected = BytesAfterEach(changes, alphanumeric);
+      for (int step = 1; !HoldsAfterAll(changes, alphanumeric, step, expected); ++step) {
+      }
+      EXPECT_TRUE(HoldsAfterAll(changes, alphanumeric, 0, expected));
+    }
+  }
+}
+
 TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
   TestHost host;
   Prepare(host, true);
