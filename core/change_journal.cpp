@@ -309,14 +309,14 @@ ChangeResult CarryOut(FileSystem& files, const std::string& path, JournalPlace& 
 
 FileStatus SettleChanges(FileSystem& files, const std::string& path, JournalPlace& place) {
   if (place.entries == 0) return {};
+  FileStatus status;
   for (const JobFile file : kJobFiles) {
-    if (FileStatus status = SyncIfThere(files, JobFilePath(path, file)); !status.ok())
-      return status;
+    if (status.ok()) status = SyncIfThere(files, JobFilePath(path, file));
   }
-  if (place.new_names) {
-    if (FileStatus status = files.SyncFolderOf(path); !status.ok()) return status;
-  }
-  return ForgetChanges(files, path, place);
+  if (status.ok() && place.new_names) status = files.SyncFolderOf(path);
+  if (status.ok()) return ForgetChanges(files, path, place);
+  place = {};
+  return status;
 }
 
 // Whether this is durable does not matter: to carry out what is there already changes nothing, and

@@ -58,7 +58,9 @@ struct OpenJobFiles {
 ChangeResult CarryOut(FileSystem& files, const std::string& path, JournalPlace& place,
                       const JobChange& change, const OpenJobFiles& open, FileStatus& status);
 
-/// Makes the files of all entries durable and empties the journal.
+/// Makes the files of all entries durable and empties the journal. When that fails, the entries are
+/// finished like another program's: a system that could not write something has forgotten it, and
+/// would report success the next time.
 FileStatus SettleChanges(FileSystem& files, const std::string& path, JournalPlace& place);
 
 /// Empties the journal when the files of all its entries are durable.

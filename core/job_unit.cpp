@@ -138,7 +138,9 @@ FileStatus JobUnit::MakeDurable(Opened& opened, const JobChange& change) {
     if (status.ok()) status = file->Sync();
   }
   if (status.ok() && job_.journal.new_names) status = files.SyncFolderOf(job_.path);
-  return status.ok() ? ForgetChanges(files, job_.path, job_.journal) : status;
+  if (status.ok()) return ForgetChanges(files, job_.path, job_.journal);
+  job_.journal = {};  // as SettleChanges does
+  return status;
 }
 
 ChangeResult JobUnit::Refuse(const FileStatus& status) {

@@ -403,6 +403,33 @@ TEST(JobUnit, HoldsEveryOneOfItsChanges) {
   }
 }
 
+// A disk that could not write something forgets it, and says so once: the next time it reports
+// success. What the journal holds must be carried out again.
+TEST(JobUnit, WritesAgainWhatCouldNotBeMadeDurable) {
+  for (const Settling settling : {Settling::Now, Settling::Later}) {
+    TestHost host;
+    Prepare(host, true);
+    Job job = MakeJob(host, true);
+    if (settling == Settling::Later) {
+      ASSERT_TRUE(Measure(job, "A1", 1.0, Settling::Later));
+      ASSERT_TRUE(Measure(job, "A2", 1.0, Settling::Later));
+    }
+    host.memory.LoseAtSync(kRawPath);
+    EXPECT_FALSE(settling == Settling::Now ? Measure(job, "A2", 1.0) : SettleJob(job).ok());
+    ASSERT_TRUE(Measure(job, "A3", 1.0));
+    (void)CloseJob(job);
+    host.memory.Expect(Mishap::PowerLoss, 1);
+    EXPECT_FALSE(Measure(job, "A4", 1.0));
+    host.memory.Restart(0);
+    Job again = MakeJob(host, true);
+    ASSERT_NE(OpenCoordinateFile(again), nullptr);
+    for (const char* id : {"A2", "A3"}) {
+      EXPECT_NE(host.memory.Bytes(kRawPath).find("\nGPS,PN" + std::string(id)), std::string::npos)
+          << id;
+    }
+  }
+}
+
 TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
   TestHost host;
   Prepare(host, true);

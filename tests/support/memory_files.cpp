@@ -190,7 +190,18 @@ FileStatus MemoryFiles::Resize(Node& node, std::uint64_t size) {
 
 FileStatus MemoryFiles::Sync(Node& node) {
   if (FileStatus status = Step(false); !status.ok()) return status;
-  node.durable = node.data;
+  if (node.loses_at_sync) {
+    node.loses_at_sync = false;
+    node.unsynced.clear();
+    return {EIO};
+  }
+  for (const auto& [offset, bytes] : node.unsynced) {
+    if (bytes.empty()) {
+      node.durable.resize(offset);
+    } else {
+      Apply(node.durable, offset, bytes);
+    }
+  }
   node.unsynced.clear();
   return {};
 }

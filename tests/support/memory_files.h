@@ -29,6 +29,7 @@ class MemoryFiles final : public FileSystem {
     std::string durable;
     std::vector<std::pair<std::uint64_t, std::string>> unsynced;  // writes; a resize has no bytes
     const File* locked_by = nullptr;
+    bool loses_at_sync = false;
   };
   using Names = std::map<std::string, std::shared_ptr<Node>>;
 
@@ -41,6 +42,9 @@ class MemoryFiles final : public FileSystem {
   void Put(const std::string& path, const std::string& bytes);
   std::string Bytes(const std::string& path) const;
   std::vector<std::string> Paths() const;
+  /// The next Sync() of this file fails and its writes never reach the disk, though they are still
+  /// read; later ones report success.
+  void LoseAtSync(const std::string& path) { names_.at(path)->loses_at_sync = true; }
   void MakeReadOnly(const std::string& path) { read_only_ = path; }
   /// The file belongs to somebody else: no new one may take its place.
   void MakeIrreplaceable(const std::string& path) { irreplaceable_.insert(path); }
