@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 
 #include "app/cli/program.h"
 #include "core/printable.h"
@@ -19,35 +20,41 @@ void WriteShown(std::string_view text, std::FILE* stream) {
   Write(PrintableText(text), stream);
 }
 
+// Beside the thread that works, the one that reads typed commands says what it does not understand.
 class StandardStreams final : public Console {
  public:
   StandardStreams() : progress_shown_(::isatty(STDERR_FILENO) != 0) {}
 
   void Print(std::string_view text) override {
-    EndProgress();
+    const std::lock_guard lock(mutex_);
+    RemoveProgress();
     WriteShown(text, stdout);
   }
 
   void PrintBytes(std::string_view bytes) override {
     if (::isatty(STDOUT_FILENO) != 0) return Print(bytes);
-    EndProgress();
+    const std::lock_guard lock(mutex_);
+    RemoveProgress();
     Write(bytes, stdout);
   }
 
   void Draw(std::string_view text) override {
-    EndProgress();
+    const std::lock_guard lock(mutex_);
+    RemoveProgress();
     Write(text, stdout);
     std::fflush(stdout);
   }
 
   void PrintError(std::string_view text) override {
-    EndProgress();
+    const std::lock_guard lock(mutex_);
+    RemoveProgress();
     std::fflush(stdout);
     WriteShown(text, stderr);
   }
 
   void ShowProgress(std::string_view line) override {
     if (!progress_shown_) return;
+    const std::lock_guard lock(mutex_);
     std::fflush(stdout);
     std::fputs("\r\x1b[K", stderr);
     Write(PrintableLine(line), stderr);
@@ -56,10 +63,8 @@ class StandardStreams final : public Console {
   }
 
   void EndProgress() override {
-    if (!progress_open_) return;
-    std::fputs("\r\x1b[K", stderr);
-    std::fflush(stderr);
-    progress_open_ = false;
+    const std::lock_guard lock(mutex_);
+    RemoveProgress();
   }
 
   bool Ask(std::string_view question, std::string& answer) override {
@@ -80,7 +85,15 @@ class StandardStreams final : public Console {
   }
 
  private:
-  bool progress_shown_;
+  void RemoveProgress() {
+    if (!progress_open_) return;
+    std::fputs("\r\x1b[K", stderr);
+    std::fflush(stderr);
+    progress_open_ = false;
+  }
+
+  std::mutex mutex_;
+  const bool progress_shown_;
   bool progress_open_ = false;
 };
 

@@ -1,5 +1,6 @@
 #include "app/cli/program.h"
 
+#include <atomic>
 #include <csignal>
 
 #include "core/number_text.h"
@@ -8,7 +9,9 @@
 namespace tarvex {
 namespace {
 
-volatile std::sig_atomic_t interrupt_requested = 0;
+// Set by the signal's handler on any thread, asked by all of them.
+std::atomic<bool> interrupt_requested = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 std::string PlaceText(const GridPoint& at) {
   constexpr int kDecimals = 4;
@@ -17,7 +20,7 @@ std::string PlaceText(const GridPoint& at) {
 }
 
 void NoteInterrupt(int) {
-  interrupt_requested = 1;
+  interrupt_requested = true;
 }
 
 }  // namespace
@@ -63,7 +66,7 @@ void Program::Warn(std::string_view sentence) {
 }
 
 bool InterruptRequested() {
-  return interrupt_requested != 0;
+  return interrupt_requested;
 }
 
 void WatchForInterrupt() {

@@ -15,7 +15,7 @@ enum class ExitCode : int { Done = 0, Failed = 1, WrongUse = 2 };
 
 /// Text to the person: results to the standard output, everything else to the standard error. Texts
 /// hold names and answers from networks and files: what a terminal would obey is left out of them
-/// here (core/printable.h), once for all.
+/// here (core/printable.h), once for all. A thread beside the one that works may print as well.
 class Console {
  public:
   virtual ~Console() = default;
@@ -76,7 +76,7 @@ struct Program {
 /// The console on this process's standard streams.
 Console& StandardConsole();
 
-/// True once the person pressed Ctrl-C (or the system asked the program to end).
+/// True once the person pressed Ctrl-C (or the system asked the program to end); from any thread.
 bool InterruptRequested();
 void WatchForInterrupt();
 

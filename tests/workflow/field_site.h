@@ -92,7 +92,7 @@ struct Connection {
 /// Plays one connection after the other; an empty read lets its time-out pass on the clock.
 class ScriptedLine final : public ByteDevice {
  public:
-  ScriptedLine(ManualClock& clock, std::deque<Connection>& connections)
+  ScriptedLine(Clock& clock, std::deque<Connection>& connections)
       : clock_(clock), connections_(connections) {}
 
   DeviceStatus Open(const std::string&) override {
@@ -135,7 +135,7 @@ class ScriptedLine final : public ByteDevice {
   DeviceStatus PurgeInput() override { return {}; }
 
  private:
-  ManualClock& clock_;
+  Clock& clock_;
   std::deque<Connection>& connections_;
   Connection now_;
   DeviceTimeouts timeouts_;

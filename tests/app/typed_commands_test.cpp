@@ -1,0 +1,119 @@
+// What a person types beside a session, read on a thread of its own from a real terminal.
+#include "app/cli/typed_commands.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <vector>
+
+namespace tarvex {
+namespace {
+
+std::optional<SessionCommand> CommandOf(std::string_view line) {
+  SessionCommands commands;
+  if (!TakeTypedCommand(line, commands)) return std::nullopt;
+  return commands.Take();
+}
+
+template <typename Command>
+bool Is(std::string_view line) {
+  const auto command = CommandOf(line);
+  return command && std::holds_alternative<Command>(*command);
+}
+
+TEST(TypedCommands, AreOneALine) {
+  for (const char* line : {"", " ", "s", "store", "\ts\r"}) EXPECT_TRUE(Is<StoreNow>(line)) << line;
+  EXPECT_TRUE(Is<PauseStoring>("p"));
+  EXPECT_TRUE(Is<ResumeStoring>("c"));
+  EXPECT_TRUE(Is<RetryCorrections>("r"));
+  EXPECT_TRUE(Is<EndSession>(" q "));
+  EXPECT_EQ(std::get<SetDescription>(*CommandOf("d  old tree ")).description, "old tree");
+  EXPECT_EQ(std::get<SetAntennaHeight>(*CommandOf("h 1.85")).height, 1.85);
+  for (const char* line : {"x", "ss", "pause", "quit", "h", "h -1", "h 1001", "h 1,85", "d", "dx"})
+    EXPECT_FALSE(CommandOf(line)) << line;
+}
+
+// The standard input and error of this process are a pseudo-terminal, the test holds its master.
+class Terminal {
+ public:
+  Terminal() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+    EXPECT_EQ(::grantpt(master_), 0);
+    EXPECT_EQ(::unlockpt(master_), 0);
+    const int slave = ::open(::ptsname(master_), O_RDWR | O_NOCTTY);
+    for (const int stream : {STDIN_FILENO, STDERR_FILENO}) {
+      kept_[static_cast<std::size_t>(stream)] = ::dup(stream);
+      ::dup2(slave, stream);
+    }
+    ::close(slave);
+  }
+  ~Terminal() {
+    for (const int stream : {STDIN_FILENO, STDERR_FILENO}) {
+      ::dup2(kept_[static_cast<std::size_t>(stream)], stream);
+      ::close(kept_[static_cast<std::size_t>(stream)]);
+    }
+    ::close(master_);
+  }
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+
+  void Type(std::string_view text) const {
+    EXPECT_EQ(::write(master_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+  /// Takes what was shown since.
+  void Look() {
+    std::array<char, 4096> bytes;
+    for (ssize_t got = 0; (got = ::read(master_, bytes.data(), bytes.size())) > 0;) {
+      shown.append(bytes.data(), static_cast<std::size_t>(got));
+    }
+  }
+
+  std::string shown;
+
+ private:
+  int master_;
+  std::array<int, 3> kept_ = {};
+};
+
+TEST(TypedCommands, AreTakenWhileProgressIsShown) {
+  Terminal terminal;
+  Program program{.files = SystemFiles(), .clock = SystemClock(), .console = StandardConsole()};
+  SessionCommands commands;
+  std::vector<SessionCommand> taken;
+  {
+    const TypedCommands typed(program, commands);
+    terminal.Type("what\nd tree\n\x1b[2Jhere\ns\nq\n");
+    for (int i = 0; i < 5000 && (i < 10 || !commands.EndSent()); ++i) {
+      program.console.ShowProgress("N 1 E 2");
+      terminal.Look();
+      SystemClock().SleepMilliseconds(1);
+    }
+  }
+  program.console.EndProgress();
+  terminal.Look();
+  while (auto command = commands.Take()) taken.push_back(*command);
+  ASSERT_EQ(taken.size(), 3U);
+  EXPECT_EQ(std::get<SetDescription>(taken[0]).description, "tree");
+  EXPECT_TRUE(std::holds_alternative<StoreNow>(taken[1]));
+  EXPECT_TRUE(std::holds_alternative<EndSession>(taken[2]));
+  EXPECT_THAT(terminal.shown, testing::HasSubstr("\"what\" is not a command: Enter stores, "));
+  EXPECT_THAT(terminal.shown, testing::HasSubstr("here\" is not a command: Enter stores, "));
+  EXPECT_EQ(terminal.shown.find("Sanitizer"), std::string::npos) << terminal.shown;
+  EXPECT_THAT(terminal.shown, testing::HasSubstr("\x1b[KN 1 E 2"));
+}
+
+TEST(TypedCommands, EndWithTheirSessionWhenNothingIsTyped) {
+  Terminal terminal;
+  Program program{.files = SystemFiles(), .clock = SystemClock(), .console = StandardConsole()};
+  SessionCommands commands;
+  const std::int64_t before = SystemClock().SteadyMilliseconds();
+  { const TypedCommands typed(program, commands); }
+  EXPECT_LT(SystemClock().SteadyMilliseconds() - before, 1000);
+  EXPECT_FALSE(commands.Take());
+}
+
+}  // namespace
+}  // namespace tarvex
