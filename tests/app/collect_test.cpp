@@ -1,8 +1,6 @@
 // Collecting from every kind of receiver: simulated, TCP, a serial line and recorded logs.
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/socket.h>
@@ -15,6 +13,7 @@
 #include <thread>
 
 #include "tests/app/program_run.h"
+#include "tests/support/loopback_listener.h"
 
 namespace tarvex {
 namespace {
@@ -48,28 +47,18 @@ class LoopbackReceiver {
  public:
   explicit LoopbackReceiver(std::string bytes, bool closes = false)
       : bytes_(std::move(bytes)), closes_(closes) {
-    listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(listener_, 1);
-    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
     server_ = std::thread([this] { Serve(); });
   }
   ~LoopbackReceiver() {
-    ::shutdown(listener_, SHUT_RDWR);
+    listener_.Leave();
     server_.join();
     if (connection_ >= 0) ::close(connection_);
-    ::close(listener_);
   }
-  std::string address() const { return "tcp:127.0.0.1:" + std::to_string(port_); }
+  std::string address() const { return "tcp:" + listener_.target(); }
 
  private:
   void Serve() {
-    connection_ = ::accept(listener_, nullptr, nullptr);
+    connection_ = listener_.Accept();
     if (connection_ < 0) return;
     (void)::send(connection_, bytes_.data(), bytes_.size(), MSG_NOSIGNAL);
     if (closes_) ::shutdown(connection_, SHUT_RDWR);
@@ -77,9 +66,8 @@ class LoopbackReceiver {
 
   std::string bytes_;
   bool closes_;
-  int listener_ = -1;
+  LoopbackListener listener_;
   int connection_ = -1;
-  int port_ = 0;
   std::thread server_;
 };
 

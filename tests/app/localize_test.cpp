@@ -13,6 +13,14 @@ bool Holds(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
+// A receiver that stands still; the command that stores from it under the id behind it.
+std::string CollectFromStillReceiver(ProgramFolder& folder) {
+  folder.Write("still.log",
+               "$GPGST,123519.00,,,,,0.03,0.04,0.06\r\n"
+               "$GPGGA,123519.00,4717.11399,N,00833.91590,E,4,12,0.9,499.6,M,48.0,M,1.0,0001\r\n");
+  return "collect site.crd --receiver file:still.log --make nmea --antenna-height 2 --first ";
+}
+
 // Four control points whose local coordinates are the grid's less 5,184,000 and 520,000, except for
 // a few millimetres, and 50 m lower.
 TEST(LocalizeCommand, TiesAJobToItsControl) {
@@ -80,12 +88,7 @@ TEST(LocalizeCommand, CollectedPointsComeOutInLocalCoordinates) {
   ProgramFolder folder;
   ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
   ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exit_code, 0);
-  // A receiver that stands still.
-  folder.Write("still.log",
-               "$GPGST,123519.00,,,,,0.03,0.04,0.06\r\n"
-               "$GPGGA,123519.00,4717.11399,N,00833.91590,E,4,12,0.9,499.6,M,48.0,M,1.0,0001\r\n");
-  const std::string collect =
-      "collect site.crd --receiver file:still.log --make nmea --antenna-height 2 --first ";
+  const std::string collect = CollectFromStillReceiver(folder);
   ASSERT_EQ(folder.Run(collect + "G1").exit_code, 0);
   const ProgramResult tied = folder.Run("localize site.crd --gnss g1 --known BM1");
   EXPECT_EQ(tied.exit_code, 0) << tied.errors;
@@ -265,11 +268,7 @@ TEST(LocalizeCommand, SaysWhyAPointHasNoGridCoordinates) {
 TEST(LocalizeCommand, SaysWhichStoredPointsLieInOtherCoordinates) {
   ProgramFolder folder;
   ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
-  folder.Write("still.log",
-               "$GPGST,123519.00,,,,,0.03,0.04,0.06\r\n"
-               "$GPGGA,123519.00,4717.11399,N,00833.91590,E,4,12,0.9,499.6,M,48.0,M,1.0,0001\r\n");
-  const std::string collect =
-      "collect site.crd --receiver file:still.log --make nmea --antenna-height 2 --first ";
+  const std::string collect = CollectFromStillReceiver(folder);
   ASSERT_EQ(folder.Run(collect + "G1").exit_code, 0);
   ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exit_code, 0);
   const ProgramResult tied = folder.Run("localize site.crd --gnss G1 --known BM1");

@@ -1,8 +1,6 @@
 // The commands around a receiver and its caster: watch, bases, replay, caster, and a session that
 // is recorded and replayed.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -18,6 +16,7 @@
 #include <utility>
 
 #include "tests/app/program_run.h"
+#include "tests/support/loopback_listener.h"
 
 namespace tarvex {
 namespace {
@@ -134,24 +133,11 @@ TEST(Watch, EndsAtOnceWhenInterrupted) {
 // A receiver on a loopback port, whose link the test makes and breaks.
 class LoopbackReceiver {
  public:
-  LoopbackReceiver() : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(listener_, 1);
-    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
-  }
-  ~LoopbackReceiver() {
-    Break();
-    ::close(listener_);
-  }
+  ~LoopbackReceiver() { Break(); }
 
-  std::string Name() const { return "tcp:127.0.0.1:" + std::to_string(port_); }
+  std::string Name() const { return "tcp:" + listener_.target(); }
   void Say(const std::string& bytes) {
-    if (peer_ < 0) peer_ = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    if (peer_ < 0) peer_ = listener_.Accept();
     (void)::send(peer_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
   }
   void Break() {
@@ -159,8 +145,7 @@ class LoopbackReceiver {
   }
 
  private:
-  int listener_;
-  int port_ = 0;
+  LoopbackListener listener_;
   int peer_ = -1;
 };
 
@@ -197,26 +182,15 @@ TEST(Watch, FailsWhenALostLinkStaysLost) {
 // Somebody who takes connections and never says a word.
 class SilentCaster {
  public:
-  SilentCaster() : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(listener_, 8);
-    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
-    name = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-  }
   ~SilentCaster() {
     if (asker_ >= 0) ::close(asker_);
-    ::close(listener_);
   }
 
   /// Until somebody has connected and asked for something; false when nobody does for 15 s.
   bool WaitForARequest() {
     const timeval patience{.tv_sec = 15, .tv_usec = 0};
-    ::setsockopt(listener_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    asker_ = ::accept(listener_, nullptr, nullptr);
+    ::setsockopt(listener_.descriptor(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    asker_ = listener_.Accept();
     ::setsockopt(asker_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     char first = 0;
     return ::recv(asker_, &first, 1, 0) == 1;
@@ -231,12 +205,12 @@ class SilentCaster {
     ::close(std::exchange(asker_, -1));
   }
   /// Ends the waiting of another thread.
-  void Leave() { ::shutdown(listener_, SHUT_RDWR); }
+  void Leave() const { listener_.Leave(); }
 
-  std::string name;
+  std::string name() const { return listener_.target(); }
 
  private:
-  int listener_;
+  LoopbackListener listener_{8};
   int asker_ = -1;
 };
 
@@ -247,12 +221,12 @@ TEST(Watch, DoesNotWaitForASilentCasterWhenInterrupted) {
   site.Write("rover.log", Epochs(50));
   Running replay("replay " + site.Path("rover.log") + " --speed 5 --to tcp");
   Running watch("watch " + replay.Said("--receiver ([^\n]+)") +
-                " --make nmea --send-gga always --corrections ntrip://" + caster.name + "/SITE");
+                " --make nmea --send-gga always --corrections ntrip://" + caster.name() + "/SITE");
   (void)watch.Said("(; Connecting to 127.0.0.1)");
   const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(watch.End(SIGINT).exit_code, 1);  // no corrections came
   EXPECT_LT(std::chrono::steady_clock::now() - before, 2s) << "a first answer may take 4 s";
-  Running bases("bases " + table_caster.name);
+  Running bases("bases " + table_caster.name());
   ASSERT_TRUE(table_caster.WaitForARequest());
   const auto then = std::chrono::steady_clock::now();
   EXPECT_EQ(bases.End(SIGINT).exit_code, 1);
@@ -296,7 +270,7 @@ class AnsweringCaster {
           while (!stop.stop_requested() && caster_.WaitForARequest()) caster_.Answer(answer);
         }) {}
   ~AnsweringCaster() { caster_.Leave(); }
-  const std::string& name() const { return caster_.name; }
+  std::string name() const { return caster_.name(); }
 
  private:
   SilentCaster caster_;

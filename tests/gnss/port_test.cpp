@@ -1,7 +1,6 @@
 // Ports: time-outs and error numbers on a script, then a pseudo-terminal and a loopback socket.
 #include "gnss/port.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -11,6 +10,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -18,6 +18,7 @@
 #include "gnss/port_address.h"
 #include "gnss/serial_port.h"
 #include "platform/tcp_socket.h"
+#include "tests/support/loopback_listener.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/scripted_device.h"
 
@@ -344,25 +345,13 @@ TEST_F(PseudoTerminal, TellsAHangUp) {
 // A listening socket on loopback.
 class Loopback : public testing::Test {
  protected:
-  void SetUp() override {
-    listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(listener, 1), 0);
-    socklen_t size = sizeof address;
-    ASSERT_EQ(::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
-    target = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-  }
   void TearDown() override {
     if (peer >= 0) ::close(peer);
-    if (listener >= 0) ::close(listener);
   }
 
-  int listener = -1;
+  std::optional<LoopbackListener> listener{std::in_place};
   int peer = -1;
-  std::string target;
+  const std::string target = listener->target();
   LastErrorRecord errors;
   ManualClock clock;
 };
@@ -371,7 +360,7 @@ TEST_F(Loopback, ReadsLinesThatDribbleIn) {
   const auto port =
       MakePort({.kind = PortKind::Tcp, .target = target}, SystemFiles(), clock, errors);
   ASSERT_EQ(port->Open(), PortError::None) << ErrorSentences(errors);
-  peer = ::accept(listener, nullptr, nullptr);
+  peer = listener->Accept();
   std::thread sender([this] {
     for (const char c : std::string_view("$GPGGA,1\r\nsecond\n")) {
       ASSERT_EQ(::send(peer, &c, 1, 0), 1);
@@ -394,7 +383,7 @@ TEST_F(Loopback, ReadsLinesThatDribbleIn) {
   EXPECT_EQ(port->Close(), PortError::None);
   ASSERT_EQ(port->Open(), PortError::None) << "a lost link is opened anew";
   EXPECT_EQ(port->end(), PortEnd::None);
-  peer = ::accept(listener, nullptr, nullptr);
+  peer = listener->Accept();
   ASSERT_EQ(::send(peer, "third\n", 6, 0), 6);
   EXPECT_EQ(ReadLine(*port, buffer, 1000).text, "third");
 }
@@ -423,7 +412,7 @@ TEST_F(Loopback, StoppingEndsConnectingAndReading) {
   std::vector<int> waiting;
   sockaddr_in address{};
   socklen_t size = sizeof address;
-  ASSERT_EQ(::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
+  ASSERT_EQ(::getsockname(listener->descriptor(), reinterpret_cast<sockaddr*>(&address), &size), 0);
   for (int i = 0; i < 8; ++i) {
     waiting.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     (void)::connect(waiting.back(), reinterpret_cast<sockaddr*>(&address), size);
@@ -440,8 +429,8 @@ TEST_F(Loopback, StoppingEndsConnectingAndReading) {
   stopper.join();
   for (const int descriptor : waiting) ::close(descriptor);
   stop = false;
-  ASSERT_EQ(::fcntl(listener, F_SETFL, O_NONBLOCK), 0);
-  while ((peer = ::accept(listener, nullptr, nullptr)) >= 0) ::close(peer);
+  ASSERT_EQ(::fcntl(listener->descriptor(), F_SETFL, O_NONBLOCK), 0);
+  while ((peer = listener->Accept()) >= 0) ::close(peer);
   ASSERT_TRUE(device->Open(target).ok());
   ASSERT_TRUE(device->SetTimeouts({.read = {.constant_ms = 20'000}}).ok());
   char byte = 0;
@@ -452,8 +441,7 @@ TEST_F(Loopback, StoppingEndsConnectingAndReading) {
 }
 
 TEST_F(Loopback, NamesARefusedConnection) {
-  ::close(listener);
-  listener = -1;
+  listener.reset();
   const auto port =
       MakePort({.kind = PortKind::Tcp, .target = target}, SystemFiles(), clock, errors);
   EXPECT_EQ(port->Open(), PortError::OpenFailed);
