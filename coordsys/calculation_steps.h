@@ -6,9 +6,14 @@
 //
 // Both directions of a step close on each other to better than 1e-5 m. Objects are const after
 // construction, so that one calculator can be used from any thread.
+//
+// Shifts and geoids take whole arrays too, bit for bit as point by point; a point for which the
+// single call is not Done comes out as not-a-number. What they do not do faster in one piece they
+// need not write: the arrays go through the single call then.
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 
 #include "coordsys/coordinates.h"
@@ -47,12 +52,21 @@ struct [[nodiscard]] StepOutcome {
   bool operator==(const StepOutcome&) const = default;
 };
 
+/// Positions in arrays of one length, changed in place.
+struct PositionArrays {
+  std::span<double> latitude_rad;
+  std::span<double> longitude_rad;
+  std::span<double> height_m;
+};
+
 /// Between WGS84 and the system's datum. Positions are changed in place, and only when Done.
 class DatumShift {
  public:
   virtual ~DatumShift() = default;
   virtual StepOutcome ToSystem(Geodetic& position) const = 0;
   virtual StepOutcome ToWgs84(Geodetic& position) const = 0;
+  virtual void AllToSystem(PositionArrays positions) const;
+  virtual void AllToWgs84(PositionArrays positions) const;
   /// One line for people: method and parameters or file.
   virtual std::string Describe() const = 0;
 };
@@ -73,6 +87,9 @@ class GeoidModel {
   /// The undulation in metres at a WGS84 position.
   virtual StepOutcome Undulation(double latitude_rad, double longitude_rad,
                                  double& undulation_m) const = 0;
+  virtual void Undulations(std::span<const double> latitude_rad,
+                           std::span<const double> longitude_rad,
+                           std::span<double> undulation_m) const;
   virtual std::string Describe() const = 0;
 };
 

@@ -1,31 +1,16 @@
 #include "coordsys/calculator.h"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
-#include <numbers>
 #include <utility>
 
+#include "coordsys/calculator_run.h"
 #include "coordsys/datum/datum_lie.h"
 #include "core/string_table.h"
 
 namespace tarvex {
 namespace {
 
-constexpr int kHeightPasses = 10;
-constexpr double kHeightSettled_m = 1e-7;
 constexpr int kNoNationalGrid = 2240;  // text
-
-bool IsNumber(double a, double b, double c) {
-  return std::isfinite(a) && std::isfinite(b) && std::isfinite(c);
-}
-
-// Grids know longitudes from -180 to 180 degrees; one that is there already keeps its bits.
-double WithinHalfTurns(double longitude_rad) {
-  constexpr double kHalfTurn = std::numbers::pi;
-  const bool within = std::fabs(longitude_rad) <= kHalfTurn;
-  return within ? longitude_rad : std::remainder(longitude_rad, 2.0 * kHalfTurn);
-}
 
 CalculationResult ResultOf(ProjectionResult result) {
   switch (result) {
@@ -75,50 +60,6 @@ std::string CalculationText(CalculationResult result) {
   }
   return Strings().Text(2241);
 }
-
-// What happens while one point goes through the chain.
-struct CTrgCalculator::Run {
-  CalculationReport* report = nullptr;
-  bool in_part = false;
-
-  void Note(CalculationStep step, double a, double b, double c) {
-    if (report) report->steps.push_back({step, {a, b, c}, "", {}, std::nullopt});
-  }
-  void Note(CalculationStep step, const Geodetic& at) {
-    Note(step, at.latitude_rad, at.longitude_rad, at.height_m);
-  }
-  void Note(CalculationStep step, const GridMetres& at) {
-    Note(step, at.northing_m, at.easting_m, at.elevation_m);
-  }
-
-  void NoteScale(const Projection& projection, LatLon at) {
-    if (report) report->steps.back().point_scale = projection.PointScale(at);
-  }
-
-  // Takes in what a step that was handed in came to, and describes it.
-  template <typename Step>
-  CalculationResult Take(const Step& step, StepOutcome outcome) {
-    if (report) {
-      report->steps.back().description = step.Describe();
-      report->steps.back().outcome = outcome;
-    }
-    if (outcome.status == StepStatus::LibraryMissing) return CalculationResult::LibraryMissing;
-    if (outcome.status == StepStatus::Refused) return CalculationResult::StepRefused;
-    if (outcome.status == StepStatus::LeftUndone) in_part = true;
-    return CalculationResult::Done;
-  }
-
-  // A step that nobody has handed in and that is told as left undone.
-  void LeaveUndone(CalculationStep step, const GridMetres& at, int reason) {
-    in_part = true;
-    Note(step, at);
-    if (report) report->steps.back().outcome = {StepStatus::LeftUndone, reason};
-  }
-
-  CalculationResult End() const {
-    return in_part ? CalculationResult::DoneInPart : CalculationResult::Done;
-  }
-};
 
 int CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
   ProjectionRecord record = record_;
@@ -174,6 +115,10 @@ bool CTrgCalculator::NeedsDatumShift() const {
   return HasDatumShift(record_) || !StandsOnWgs84(record_);
 }
 
+bool CTrgCalculator::ShiftsDatum() const {
+  return steps_.datum_shift && !projection_->TakesWgs84();
+}
+
 CalculationResult CTrgCalculator::State() const {
   if (!has_system_) return CalculationResult::NoSystem;
   if (!projection_) return CalculationResult::NotAvailable;
@@ -196,14 +141,14 @@ std::string CTrgCalculator::StateText() const {
 }
 
 CalculationResult CTrgCalculator::ToSystemDatum(Geodetic& position, Run& run) const {
-  if (!steps_.datum_shift || projection_->TakesWgs84()) return CalculationResult::Done;
+  if (!ShiftsDatum()) return CalculationResult::Done;
   const StepOutcome outcome = steps_.datum_shift->ToSystem(position);
   run.Note(CalculationStep::DatumShift, position);
   return run.Take(*steps_.datum_shift, outcome);
 }
 
 CalculationResult CTrgCalculator::FromSystemDatum(Geodetic& position, Run& run) const {
-  if (!steps_.datum_shift || projection_->TakesWgs84()) return CalculationResult::Done;
+  if (!ShiftsDatum()) return CalculationResult::Done;
   const StepOutcome outcome = steps_.datum_shift->ToWgs84(position);
   run.Note(CalculationStep::DatumShift, position);
   return run.Take(*steps_.datum_shift, outcome);
@@ -367,89 +312,6 @@ CalculationResult CTrgCalculator::ToWgs84(const GridPoint& point, Geodetic& wgs8
   run.Note(CalculationStep::Projection, position);
   run.NoteScale(*projection_, at);
   return FromDatum(position, wgs84, run);
-}
-
-// A block of points on its way through the projection: pairs of coordinates in arrays, and the
-// third coordinate, which the projection does not touch.
-struct CTrgCalculator::Block {
-  static constexpr std::size_t kSize = 256;
-  std::array<double, kSize> first;
-  std::array<double, kSize> second;
-  std::array<double, kSize> third;
-  std::array<Run, kSize> runs;  // what each point has come through so far
-};
-
-void CTrgCalculator::ToGrid(std::span<const Geodetic> wgs84, std::span<GridPoint> points,
-                            std::span<CalculationResult> results) const {
-  const CalculationResult state = State();
-  std::fill(results.begin(), results.end(), state);
-  if (state != CalculationResult::Done) return;
-  Block block;
-  for (std::size_t begin = 0; begin < wgs84.size(); begin += Block::kSize) {
-    const std::size_t size = std::min(Block::kSize, wgs84.size() - begin);
-    ToGridBlock(wgs84.subspan(begin, size), points.subspan(begin, size),
-                results.subspan(begin, size), block);
-  }
-}
-
-void CTrgCalculator::ToGridBlock(std::span<const Geodetic> wgs84, std::span<GridPoint> points,
-                                 std::span<CalculationResult> results, Block& block) const {
-  const std::size_t size = wgs84.size();
-  for (std::size_t i = 0; i < size; ++i) {
-    Geodetic position;
-    block.runs[i] = {};
-    results[i] = OnDatum(wgs84[i], position, block.third[i], block.runs[i]);
-    block.first[i] = position.latitude_rad;
-    block.second[i] = position.longitude_rad;
-  }
-  const std::span first = std::span(block.first).first(size);
-  const std::span second = std::span(block.second).first(size);
-  (void)projection_->Forward(first, second, first, second);
-  for (std::size_t i = 0; i < size; ++i) {
-    if (results[i] != CalculationResult::Done) continue;
-    if (std::isnan(first[i])) {
-      results[i] = ToGrid(wgs84[i], points[i]);  // says why it was refused
-    } else {
-      results[i] = FromPlane({first[i], second[i], block.third[i]}, points[i], block.runs[i]);
-    }
-  }
-}
-
-void CTrgCalculator::ToWgs84(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
-                             std::span<CalculationResult> results) const {
-  const CalculationResult state = State();
-  std::fill(results.begin(), results.end(), state);
-  if (state != CalculationResult::Done) return;
-  Block block;
-  for (std::size_t begin = 0; begin < points.size(); begin += Block::kSize) {
-    const std::size_t size = std::min(Block::kSize, points.size() - begin);
-    ToWgs84Block(points.subspan(begin, size), wgs84.subspan(begin, size),
-                 results.subspan(begin, size), block);
-  }
-}
-
-void CTrgCalculator::ToWgs84Block(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
-                                  std::span<CalculationResult> results, Block& block) const {
-  const std::size_t size = points.size();
-  for (std::size_t i = 0; i < size; ++i) {
-    GridMetres plane;
-    block.runs[i] = {};
-    results[i] = ToPlane(points[i], plane, block.runs[i]);
-    block.first[i] = plane.northing_m;
-    block.second[i] = plane.easting_m;
-    block.third[i] = plane.elevation_m;
-  }
-  const std::span first = std::span(block.first).first(size);
-  const std::span second = std::span(block.second).first(size);
-  (void)projection_->Inverse(first, second, first, second);
-  for (std::size_t i = 0; i < size; ++i) {
-    if (results[i] != CalculationResult::Done) continue;
-    if (std::isnan(first[i])) {
-      results[i] = ToWgs84(points[i], wgs84[i]);  // says why it was refused
-    } else {
-      results[i] = FromDatum({first[i], second[i], block.third[i]}, wgs84[i], block.runs[i]);
-    }
-  }
 }
 
 }  // namespace tarvex

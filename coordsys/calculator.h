@@ -131,6 +131,7 @@ class CTrgCalculator {
   struct Block;
 
   bool NeedsDatumShift() const;
+  bool ShiftsDatum() const;
   bool LacksNationalGrid() const;
   bool IsBritish() const;
   CalculationResult ToSystemDatum(Geodetic& position, Run& run) const;
@@ -140,10 +141,9 @@ class CTrgCalculator {
   CalculationResult FromPlane(GridMetres metres, GridPoint& point, Run& run) const;
   CalculationResult ToPlane(const GridPoint& point, GridMetres& at, Run& run) const;
   CalculationResult FromDatum(Geodetic position, Geodetic& wgs84, Run& run) const;
-  void ToGridBlock(std::span<const Geodetic> wgs84, std::span<GridPoint> points,
-                   std::span<CalculationResult> results, Block& block) const;
-  void ToWgs84Block(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
-                    std::span<CalculationResult> results, Block& block) const;
+  void BlockOnDatum(std::span<const Geodetic> wgs84, Block& block) const;
+  void BlockFromDatum(Block& block) const;
+  void SettleHeights(Block& block) const;
   CalculationResult CorrectGrid(GridMetres& at,
                                 StepOutcome (GridCorrection::*way)(GridMetres&) const,
                                 Run& run) const;

@@ -34,6 +34,14 @@ StepOutcome Ntv2Shift::ToWgs84(Geodetic& position) const {
   return OutcomeOf(grid_.Forward(position));
 }
 
+void Ntv2Shift::AllToSystem(PositionArrays positions) const {
+  (void)grid_.Inverse(positions.latitude_rad, positions.longitude_rad);
+}
+
+void Ntv2Shift::AllToWgs84(PositionArrays positions) const {
+  (void)grid_.Forward(positions.latitude_rad, positions.longitude_rad);
+}
+
 std::string Ntv2Shift::Describe() const {
   return Strings().Text(4157, {name_, grid_.from_system(), grid_.to_system()});
 }

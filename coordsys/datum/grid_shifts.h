@@ -17,6 +17,8 @@ class Ntv2Shift final : public DatumShift {
 
   StepOutcome ToSystem(Geodetic& position) const override;
   StepOutcome ToWgs84(Geodetic& position) const override;
+  void AllToSystem(PositionArrays positions) const override;
+  void AllToWgs84(PositionArrays positions) const override;
   std::string Describe() const override;
 
  private:

@@ -58,6 +58,18 @@ StepOutcome SevenParameterShift::ToWgs84(Geodetic& position) const {
   return {};
 }
 
+void SevenParameterShift::AllToSystem(PositionArrays positions) const {
+  const GeodeticMap* const map = MapToSystem();
+  if (map == nullptr) return DatumShift::AllToSystem(positions);  // which refuses every one
+  map->Apply(positions.latitude_rad, positions.longitude_rad, positions.height_m);
+}
+
+void SevenParameterShift::AllToWgs84(PositionArrays positions) const {
+  const GeodeticMap* const map = MapToWgs84();
+  if (map == nullptr) return DatumShift::AllToWgs84(positions);
+  map->Apply(positions.latitude_rad, positions.longitude_rad, positions.height_m);
+}
+
 std::string SevenParameterShift::Describe() const {
   const SevenParameters& p = parameters_;
   const auto text = [](double value) { return ShortestNumber(value + 0.0); };  // -0 is 0

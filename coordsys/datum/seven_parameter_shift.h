@@ -23,6 +23,8 @@ class SevenParameterShift final : public DatumShift {
 
   StepOutcome ToSystem(Geodetic& position) const override;
   StepOutcome ToWgs84(Geodetic& position) const override;
+  void AllToSystem(PositionArrays positions) const override;
+  void AllToWgs84(PositionArrays positions) const override;
   std::string Describe() const override;
 
   const SevenParameters& parameters() const { return parameters_; }
