@@ -19,21 +19,30 @@ std::string ReplacementPath(const std::string& path) {
   return path + ".new";
 }
 
+// The lock of the coordinate file, where nobody has it at this moment; EAGAIN where somebody has.
+FileStatus LockAtOnce(Job& job, std::unique_ptr<File>& locked) {
+  std::unique_ptr<File> file;
+  const FileStatus status = job.host.files().Open(job.path, FileAccess::ReadWrite, file);
+  if (!status.ok()) return status;
+  // The lock of a file that was replaced since it was opened keeps nobody off.
+  if (!file->LockAtOnce() || !file->IsNamed(job.path)) return {EAGAIN};
+  locked = std::move(file);
+  return {};
+}
+
 // The journal is only touched under the lock of the coordinate file. A unit of another program
 // holds it for a moment; whoever holds it longer finds the journal and can finish it.
 FileStatus WithLock(Job& job, FileStatus (*work)(FileSystem&, const std::string&, JournalPlace&)) {
   constexpr int kTries = 100;
   constexpr std::int64_t kPauseMs = 10;
-  FileSystem& files = job.host.files();
   std::unique_ptr<File> locked;
-  FileStatus status = files.Open(job.path, FileAccess::ReadWrite, locked);
-  if (status.not_found()) return {};
-  if (!status.ok()) return status;
-  for (int i = 0; i < kTries && !locked->LockAtOnce(); ++i) {
-    if (i + 1 == kTries) return {EAGAIN};
+  FileStatus status = LockAtOnce(job, locked);
+  for (int i = 1; i < kTries && status.code == EAGAIN; ++i) {
     job.host.clock().SleepMilliseconds(kPauseMs);
+    status = LockAtOnce(job, locked);
   }
-  return work(files, job.path, job.journal);
+  if (status.not_found()) return {};
+  return status.ok() ? work(job.host.files(), job.path, job.journal) : status;
 }
 
 }  // namespace
@@ -111,9 +120,7 @@ FileStatus JobUnit::PrepareReplacement(Opened& opened) {
   if (status.ok()) status = opened.replacement->WriteAt(0, stream_->replacement());
   if (status.ok()) status = opened.replacement->Sync();
   if (status.ok()) status = files.CopyRights(job_.path, path);
-  if (status.ok()) status = files.SyncFolderOf(path);
-  if (!status.ok()) (void)files.Remove(path);
-  return status;
+  return status.ok() ? files.SyncFolderOf(path) : status;
 }
 
 FileStatus JobUnit::Gather(Opened& opened, JobChange& change) {
@@ -143,7 +150,8 @@ FileStatus JobUnit::MakeDurable(Opened& opened, const JobChange& change) {
   return status;
 }
 
-ChangeResult JobUnit::Refuse(const FileStatus& status) {
+ChangeResult JobUnit::Refuse(const Opened& opened, const FileStatus& status) {
+  if (opened.replacement) (void)job_.host.files().Remove(ReplacementPath(job_.path));
   TakeBackJobState();
   done_ = true;
   job_.host.ShowMessage(Strings().Text(kNothingChanged, {job_.path, status.Text()}));
@@ -155,17 +163,14 @@ ChangeResult JobUnit::Commit(Settling settling) {
   JobChange change;
   FileSystem& files = job_.host.files();
   FileStatus status = Gather(opened, change);
-  if (!status.ok()) return Refuse(status);
+  if (!status.ok()) return Refuse(opened, status);
   if (change.empty()) return done_ = true, ChangeResult::Done;
   const bool replaced = change.front().replaced;
   const ChangeResult result = CarryOut(
       files, job_.path, job_.journal, change,
       {.coordinates = &stream_->file(), .raw = opened.raw.get(), .notes = opened.notes.get()},
       status);
-  if (result == ChangeResult::Nothing) {
-    if (replaced) (void)files.Remove(ReplacementPath(job_.path));
-    return Refuse(status);
-  }
+  if (result == ChangeResult::Nothing) return Refuse(opened, status);
   done_ = true;
   if (result == ChangeResult::Done) {
     if (replaced) stream_->Follow(std::move(opened.replacement));
@@ -189,7 +194,7 @@ bool FinishJob(Job& job) {
   for (const std::string& path : left) {
     if (!files.Exists(path)) continue;
     std::unique_ptr<File> locked;  // somebody may be at work on it at this moment
-    if (!files.Open(job.path, FileAccess::ReadWrite, locked).ok() || !locked->LockAtOnce()) break;
+    if (!LockAtOnce(job, locked).ok()) break;
     (void)files.Remove(path);
   }
   return interrupted;

@@ -59,7 +59,7 @@ class JobUnit {
   FileStatus GatherNotes(Opened& opened, JobChange& change);
   FileStatus PrepareReplacement(Opened& opened);
   FileStatus MakeDurable(Opened& opened, const JobChange& change);
-  ChangeResult Refuse(const FileStatus& status);
+  ChangeResult Refuse(const Opened& opened, const FileStatus& status);
   void TakeBackJobState();
 
   Job& job_;
