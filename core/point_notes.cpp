@@ -99,17 +99,29 @@ PointNote ParseBlock(std::string_view block) {
   return note;
 }
 
+// Another program may have left several blocks of a point: the person's lines of all of them count,
+// and the quality of the last.
+void TakeBlockInto(std::string_view block, std::optional<PointNote>& note) {
+  PointNote later = ParseBlock(block);
+  if (!note) {
+    note = std::move(later);
+    return;
+  }
+  note->lines.insert(note->lines.end(), later.lines.begin(), later.lines.end());
+  if (!later.quality_lines.empty()) note->quality_lines = std::move(later.quality_lines);
+}
+
 // The block that an edit leaves, from the one that the point had; nothing when there is none.
-std::string EditedBlock(const NoteEdit& edit, const PointNote* old) {
+std::string EditedBlock(const NoteEdit& edit, const std::optional<PointNote>& old) {
   PointNote note = edit.note;
   switch (edit.kind) {
     case NoteEdit::Kind::Remove:
       return {};
     case NoteEdit::Kind::SetQuality:
-      if (old != nullptr) note.lines = old->lines;
+      if (old) note.lines = old->lines;
       break;
     case NoteEdit::Kind::DropQuality:
-      if (old == nullptr || old->lines.empty()) return {};
+      if (!old || old->lines.empty()) return {};
       note = {.point_id = old->point_id, .lines = old->lines, .quality_lines = ""};
       break;
     case NoteEdit::Kind::Replace:
@@ -122,22 +134,19 @@ std::string EditedBlock(const NoteEdit& edit, const PointNote* old) {
 // comes to the end.
 std::string EditedNotes(std::string_view old_file, const NoteEdits& edits) {
   std::string new_file;
-  std::map<std::string, PointNote> taken;
+  std::map<std::string, std::optional<PointNote>> taken;
   while (!old_file.empty()) {
     const std::string_view block = TakeBlock(old_file);
     const auto id = BlockId(block);
     const std::string key = id ? NoteKey(*id) : std::string();
     if (id && edits.contains(key)) {
-      taken.emplace(key, ParseBlock(block));
+      TakeBlockInto(block, taken[key]);
     } else {
       new_file += block;
     }
   }
   if (!new_file.empty() && new_file.back() != '\n') new_file += '\n';
-  for (const auto& [key, edit] : edits) {
-    const auto old = taken.find(key);
-    new_file += EditedBlock(edit, old == taken.end() ? nullptr : &old->second);
-  }
+  for (const auto& [key, edit] : edits) new_file += EditedBlock(edit, taken[key]);
   return new_file;
 }
 
@@ -181,7 +190,7 @@ FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesCh
     appends = appends && !there;
     if (WritesBlock(edit)) change.added.push_back(key);
     if (there && edit.kind == NoteEdit::Kind::Remove) change.removed.push_back(key);
-    if (!there) text += EditedBlock(edit, nullptr);
+    if (!there) text += EditedBlock(edit, std::nullopt);
   }
   if (appends) {
     if (change.added.empty()) return {};
@@ -226,15 +235,6 @@ std::string PointNoteBlock(const PointNote& note) {
   return block + note.quality_lines;
 }
 
-FileStatus WritePointNote(Job& job, const PointNote& note) {
-  std::unique_ptr<File> locked;  // until the file is replaced
-  const NoteEdits edits{{NoteKey(note.point_id), {.note = note}}};
-  if (FileStatus status = OpenNotes(job, edits, locked); !status.ok()) return status;
-  std::string old_file;
-  if (FileStatus status = ReadNotes(job, old_file); !status.ok()) return status;
-  return ReplaceWholeFile(job.host.files(), PointNotesPath(job), EditedNotes(old_file, edits));
-}
-
 std::unordered_set<std::string> MeasuredPoints(Job& job) {
   std::unordered_set<std::string> measured;
   std::string bytes;
@@ -251,12 +251,13 @@ std::unordered_set<std::string> MeasuredPoints(Job& job) {
 std::optional<PointNote> ReadPointNote(Job& job, std::string_view point_id, FileStatus& status) {
   std::string bytes;
   status = ReadNotes(job, bytes);
+  std::optional<PointNote> note;
   std::string_view rest = bytes;
   while (status.ok() && !rest.empty()) {
     const std::string_view block = TakeBlock(rest);
-    if (IsBlockOf(block, point_id)) return ParseBlock(block);
+    if (IsBlockOf(block, point_id)) TakeBlockInto(block, note);
   }
-  return std::nullopt;
+  return note;
 }
 
 }  // namespace tarvex

@@ -22,12 +22,8 @@ struct PointNote {
       quality_lines;  ///< "HRMS,0.012\n..." as the receiver's state gives them; may be empty
 };
 
-/// Writes the point's block at the end of the file, an earlier block of the point removed. The file
-/// is replaced in one step: it holds the old blocks or the new ones.
-FileStatus WritePointNote(Job& job, const PointNote& note);
-
-/// The block of a point; nothing when the file or the block does not exist. `status` tells a file
-/// that cannot be read.
+/// What the file says of a point; nothing when the file or the block does not exist. `status` tells
+/// a file that cannot be read.
 std::optional<PointNote> ReadPointNote(Job& job, std::string_view point_id, FileStatus& status);
 
 /// What becomes of a point's block.
@@ -48,7 +44,7 @@ using NoteEdits = std::map<std::string, NoteEdit>;
 /// Equal for ids that name the same point.
 std::string NoteKey(std::string_view point_id);
 
-/// The change of the notes that edits come to, and what it does to the index.
+/// How edits change the notes and their index.
 struct NotesChange {
   std::optional<FileChange> change;
   std::vector<std::string> added;

@@ -27,12 +27,12 @@ void Run(std::string_view input) {
   const PointNote note{.point_id = id,
                        .lines = {"first", std::string(input.substr(0, 40))},
                        .quality_lines = "HRMS,0.012\n"};
-  Require(WritePointNote(job, note).ok());
+  Require(WriteNote(job, note));
   const auto written = ReadPointNote(job, id, status);
   Require(status.ok() && written && !written->lines.empty() && written->lines[0] == "first");
   Require(written->quality_lines == note.quality_lines);
   const std::string bytes = host.memory.Bytes(PointNotesPath(job));
-  Require(WritePointNote(job, note).ok());
+  Require(WriteNote(job, note));
   Require(host.memory.Bytes(PointNotesPath(job)) == bytes);
   const auto after = ReadPointNote(job, other, status);
   Require(after.has_value() == before.has_value());

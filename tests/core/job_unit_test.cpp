@@ -98,10 +98,8 @@ const Operation kOperations[] = {
 void Prepare(TestHost& host, bool alphanumeric) {
   Job job = MakeJob(host, alphanumeric);
   for (const char* id : {"10", "20", "30", "40"}) ASSERT_TRUE(Measure(job, id, 1.0));
-  ASSERT_TRUE(WritePointNote(job, {.point_id = "20",
-                                   .lines = {"a tree"},
-                                   .quality_lines = "HRMS,0.010\nSTATUS,FIXED\n"})
-                  .ok());
+  ASSERT_TRUE(WriteNote(
+      job, {.point_id = "20", .lines = {"a tree"}, .quality_lines = "HRMS,0.010\nSTATUS,FIXED\n"}));
   ASSERT_TRUE(CloseJob(job).ok());
   host.memory.Restart(0);
 }

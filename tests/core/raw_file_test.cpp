@@ -185,12 +185,9 @@ TEST(TotalStation, JournalsASetupAndTheShotsThatWereStored) {
 TEST(PointNotes, ReplaceTheBlockOfThePoint) {
   TestHost host;
   Job job = MakeJob(host, true);
-  EXPECT_TRUE(WritePointNote(job, {.point_id = "A1",
-                                   .lines = {"one\ntwo", "PT_ID:9"},
-                                   .quality_lines = "HRMS,0.010\n"})
-                  .ok());
-  EXPECT_TRUE(
-      WritePointNote(job, {.point_id = "B", .lines = {}, .quality_lines = "HRMS,0.020\n"}).ok());
+  EXPECT_TRUE(WriteNote(
+      job, {.point_id = "A1", .lines = {"one\ntwo", "PT_ID:9"}, .quality_lines = "HRMS,0.010\n"}));
+  EXPECT_TRUE(WriteNote(job, {.point_id = "B", .lines = {}, .quality_lines = "HRMS,0.020\n"}));
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"),
             "PT_ID:A1\nNOTE1,one\nNOTE2,two\nNOTE3,PT_ID:9\nHRMS,0.010\nPT_ID:B\nHRMS,0.020\n");
   FileStatus status;
@@ -198,13 +195,43 @@ TEST(PointNotes, ReplaceTheBlockOfThePoint) {
   ASSERT_TRUE(note && status.ok());
   EXPECT_EQ(note->lines, (std::vector<std::string>{"one", "two", "PT_ID:9"}));
   EXPECT_EQ(note->quality_lines, "HRMS,0.010\n");
-  EXPECT_TRUE(
-      WritePointNote(job, {.point_id = "A1", .lines = {}, .quality_lines = "SATS,9\n"}).ok());
+  EXPECT_TRUE(WriteNote(job, {.point_id = "A1", .lines = {}, .quality_lines = "SATS,9\n"}));
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "PT_ID:B\nHRMS,0.020\nPT_ID:A1\nSATS,9\n");
   EXPECT_FALSE(ReadPointNote(job, "C", status));
   host.memory.Put("/jobs/site.not", "stray\nPT_ID:B\nHRMS,1");  // hand-edited, its end missing
-  EXPECT_TRUE(WritePointNote(job, {.point_id = "C", .lines = {}, .quality_lines = ""}).ok());
+  EXPECT_TRUE(WriteNote(job, {.point_id = "C", .lines = {}, .quality_lines = ""}));
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "stray\nPT_ID:B\nHRMS,1\nPT_ID:C\n");
+}
+
+// As another program may have left it: its lines end with CR and LF, a point has two blocks.
+TEST(PointNotes, KeepTheLinesOfEveryBlockOfThePoint) {
+  constexpr const char* kFile =
+      "PT_ID:A1\r\nNOTE1,one\r\nHRMS,1.000\r\nPT_ID:B\r\nNOTE1,b\r\nPT_ID:a1\r\nNOTE1,two\r\n"
+      "HRMS,0.020\r\nSTATUS,FIXED";
+  const std::string other = "PT_ID:B\r\nNOTE1,b\r\n";
+  const auto edit = [](NoteEdit::Kind kind, const std::string& id, const std::string& quality) {
+    return NoteEdit{.kind = kind, .note = {.point_id = id, .lines = {}, .quality_lines = quality}};
+  };
+  using Kind = NoteEdit::Kind;
+  const std::string kept = other + "PT_ID:A1\nNOTE1,one\nNOTE2,two\n";
+  const std::pair<NoteEdit, std::string> cases[] = {
+      {edit(Kind::SetQuality, "A1", "HRMS,0.010\n"), kept + "HRMS,0.010\n"},
+      {edit(Kind::DropQuality, "A1", ""), kept},
+      {edit(Kind::Remove, "A1", ""), other},
+      {edit(Kind::Replace, "C", ""), kFile + std::string("\nPT_ID:C\n")}};
+  for (const auto& [change, expected] : cases) {
+    TestHost host;
+    Job job = MakeJob(host, true);
+    host.memory.Put("/jobs/site.not", kFile);
+    FileStatus status;
+    const auto note = ReadPointNote(job, "A1", status);
+    ASSERT_TRUE(note);
+    EXPECT_EQ(note->lines, (std::vector<std::string>{"one", "two"}));
+    EXPECT_EQ(note->quality_lines, "HRMS,0.020\nSTATUS,FIXED\n");
+    EXPECT_EQ(MeasuredPoints(job), std::unordered_set<std::string>{"A1"});
+    EXPECT_TRUE(EditNote(job, change.note.point_id, change));
+    EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), expected);
+  }
 }
 
 TEST(RawHeader, TellsTheModeOfTheJob) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/job.h"
+#include "core/job_unit.h"
 #include "tests/support/memory_files.h"
 
 namespace tarvex {
@@ -46,6 +46,18 @@ inline Job MakeJob(TestHost& host, bool alphanumeric) {
   job.path = kJobPath;
   job.alphanumeric_new_files = alphanumeric;
   return job;
+}
+
+/// A unit of one edit of the notes.
+inline bool EditNote(Job& job, std::string_view id, const NoteEdit& edit) {
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return false;
+  unit->EditNote(id, edit);
+  return unit->Commit() == ChangeResult::Done;
+}
+
+inline bool WriteNote(Job& job, const PointNote& note) {
+  return EditNote(job, note.point_id, {.note = note});
 }
 
 }  // namespace tarvex
