@@ -7,7 +7,12 @@ namespace tarvex {
 namespace {
 
 void AppendNumber(std::string& bytes, std::uint64_t value) {
-  for (int i = 0; i < 8; ++i, value >>= 8U) bytes += static_cast<char>(value & 0xFFU);
+  char number[8];
+  for (char& byte : number) {
+    byte = static_cast<char>(value & 0xFFU);
+    value >>= 8U;
+  }
+  bytes.append(number, sizeof number);
 }
 
 std::uint64_t NumberAt(const char* bytes) {

@@ -99,13 +99,14 @@ FileStatus AppendEntry(FileSystem& files, const std::string& path, JournalPlace&
     place.series = NewSeries();
     place.end = 0;
   }
-  const bool created = !files.Exists(name);
   std::unique_ptr<File> journal;
   std::uint64_t size = 0;
   std::string bytes = EncodeEntry(
       {.series = place.series, .number = std::uint64_t(place.entries), .change = change});
   const std::uint64_t end = place.end + bytes.size();
-  FileStatus status = files.Open(name, FileAccess::CreateOrKeep, journal);
+  FileStatus status = files.Open(name, FileAccess::ReadWrite, journal);
+  const bool created = status.not_found();
+  if (created) status = files.Open(name, FileAccess::CreateOrKeep, journal);
   if (status.ok()) status = journal->Size(size);
   if (end > size) bytes.resize(bytes.size() + (kJournalPiece - end % kJournalPiece), '\0');
   if (status.ok()) status = journal->WriteAt(place.end, bytes);

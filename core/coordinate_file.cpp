@@ -12,6 +12,7 @@ namespace {
 // The binary search remembers this many of its upper nodes, and reads the last records in one
 // piece.
 constexpr std::size_t kRememberedNodes = 4096;
+constexpr std::size_t kFirstNodes = 64;
 constexpr std::uint64_t kBlockRecords = 256;
 
 // A file up to this size is replaced as a whole for any change: docs/performance.md has the
@@ -139,7 +140,8 @@ FileStatus CoordinateFile::IdAt(std::uint64_t index, PointId& id) {
 
 FileStatus CoordinateFile::ProbeAt(std::size_t node, std::uint64_t index, PointId& id) {
   if (node >= kRememberedNodes) return IdAt(index, id);
-  if (probes_.empty()) probes_.resize(kRememberedNodes);
+  // Most files are opened for one store behind the last point, which looks at node 0 alone.
+  if (node >= probes_.size()) probes_.resize(node < kFirstNodes ? kFirstNodes : kRememberedNodes);
   Probe& probe = probes_[node];
   if (!probe.known) {
     if (FileStatus status = IdAt(index, probe.id); !status.ok()) return status;

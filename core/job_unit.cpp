@@ -12,7 +12,7 @@ constexpr int kNothingChanged = 1015;
 constexpr int kFinishedLater = 1016;
 
 // Units that may wait in the journal together.
-constexpr int kMostUnsettled = 64;
+constexpr int kMostUnsettled = 256;
 constexpr std::uint64_t kLargestUnsettled = std::uint64_t{1} << 20U;
 
 std::string ReplacementPath(const std::string& path) {
@@ -174,7 +174,7 @@ ChangeResult JobUnit::Commit(Settling settling) {
   done_ = true;
   if (result == ChangeResult::Done) {
     if (replaced) stream_->Follow(std::move(opened.replacement));
-    TakeNoteIndex(job_, opened.notes.get(), opened.notes_change);
+    TakeNoteIndex(job_, opened.notes_change);
     const bool settle = settling == Settling::Now || replaced ||
                         job_.journal.entries >= kMostUnsettled ||
                         job_.journal.end >= kLargestUnsettled;

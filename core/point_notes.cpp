@@ -56,6 +56,11 @@ FileStatus ReadEnd(File& file, std::uint64_t size, std::string& end) {
   return file.ReadAt(size - some, end, got);
 }
 
+std::string EndOf(std::string_view bytes) {
+  const std::size_t some = std::min<std::size_t>(bytes.size(), kComparedEnd);
+  return std::string(bytes.substr(bytes.size() - some));
+}
+
 FileStatus ReadAll(File& file, std::uint64_t size, std::string& bytes) {
   bytes.assign(static_cast<std::size_t>(size), '\0');
   std::size_t got = 0;
@@ -198,22 +203,24 @@ FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesCh
                      .old_size = size,
                      .new_size = size + text.size(),
                      .writes = {{.offset = size, .bytes = text}}};
+    change.end = EndOf(job.noted.end + text);
     return {};
   }
   std::string old_file;
   if (FileStatus status = ReadAll(file, size, old_file); !status.ok()) return status;
   const std::string new_file = EditedNotes(old_file, edits);
   if (new_file != old_file) change.change = ChangeBetween(old_file, new_file);
+  change.end = EndOf(new_file);
   return {};
 }
 
-void TakeNoteIndex(Job& job, File* file, const NotesChange& change) {
-  if (file == nullptr || !change.change) return;
+void TakeNoteIndex(Job& job, const NotesChange& change) {
+  if (!change.change) return;
   NoteIndex& index = job.noted;
   for (const std::string& key : change.removed) index.ids.erase(key);
   index.ids.insert(change.added.begin(), change.added.end());
   index.size = change.change->new_size;
-  index.known = ReadEnd(*file, index.size, index.end).ok();
+  index.end = change.end;
 }
 
 std::string PointNotesPath(const Job& job) {

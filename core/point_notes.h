@@ -49,6 +49,7 @@ struct NotesChange {
   std::optional<FileChange> change;
   std::vector<std::string> added;
   std::vector<std::string> removed;
+  std::string end;  ///< of the file after the change, for the index
 };
 
 /// Opens and locks the notes for edits; created when an edit writes a block, left null when there
@@ -60,7 +61,7 @@ FileStatus OpenNotes(Job& job, const NoteEdits& edits, std::unique_ptr<File>& fi
 FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesChange& change);
 
 /// Brings the job's index up to date after the change was carried out.
-void TakeNoteIndex(Job& job, File* file, const NotesChange& change);
+void TakeNoteIndex(Job& job, const NotesChange& change);
 
 /// The keys of the points whose block says how they were measured.
 std::unordered_set<std::string> MeasuredPoints(Job& job);

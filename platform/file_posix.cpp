@@ -119,8 +119,7 @@ class PosixFileSystem final : public FileSystem {
                   std::unique_ptr<File>& file) override {
     const int descriptor = ::open(path.c_str(), OpenFlags(access) | O_CLOEXEC, 0666);
     if (descriptor < 0) return LastStatus();
-    struct stat info {};
-    if (::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode)) {
+    if (access == FileAccess::Read && IsFolder(descriptor)) {  // the system refuses the others
       ::close(descriptor);
       return {EISDIR};
     }
@@ -181,6 +180,11 @@ class PosixFileSystem final : public FileSystem {
 
  private:
   static constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
+
+  static bool IsFolder(int descriptor) {
+    struct stat info {};
+    return ::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode);
+  }
 
   static bool IsOurGroup(gid_t group) {
     if (group == ::getegid()) return true;

@@ -201,6 +201,29 @@ TEST(JobUnit, KeepsEveryReportedPointThatSettlesLater) {
   }
 }
 
+// A long recording: what waits in the journal stays within bounds, and none of it is lost with the
+// power.
+TEST(JobUnit, SettlesByItselfBeforeTheJournalGrows) {
+  TestHost host;
+  Prepare(host, true);
+  Job job = MakeJob(host, true);
+  constexpr int kPoints = 1000;
+  for (int i = 0; i < kPoints; ++i) {
+    ASSERT_TRUE(Measure(job, std::to_string(1000 + i), 1.0, Settling::Later));
+  }
+  EXPECT_LT(host.memory.Bytes(kJournalPath).size(), std::size_t{256} << 10U);
+  host.memory.Expect(Mishap::PowerLoss, 1);
+  EXPECT_FALSE(Measure(job, "5000", 1.0, Settling::Later));
+  host.memory.Restart(7);
+  Job again = MakeJob(host, true);
+  ASSERT_NE(OpenCoordinateFile(again), nullptr);
+  EXPECT_EQ(again.last_point_id, std::to_string(1000 + kPoints - 1));
+  const std::string raw = host.memory.Bytes(kRawPath);
+  for (int i = 0; i < kPoints; ++i) {
+    EXPECT_NE(raw.find("\n--GS,PN" + std::to_string(1000 + i)), std::string::npos);
+  }
+}
+
 // Another program opens the job while units wait in the journal: it sees them all, and both go on.
 TEST(JobUnit, OfTwoProgramsFollowOneAnother) {
   TestHost host;
