@@ -61,7 +61,8 @@ std::optional<CatalogueLine> ReadCatalogueLine(std::string_view line) {
   const std::size_t tab = line.find('\t');
   if (line.starts_with('#') || tab == std::string_view::npos) return std::nullopt;
   const std::string_view values = line.substr(tab + 1);
-  const std::size_t second = std::min(values.find('\t'), values.size());
+  // From the end, where the area is: a definition is long and has no tabs.
+  const std::size_t second = std::min(values.rfind('\t'), values.size());
   const CatalogueLine system{
       WithoutOuterBlanks(line.substr(0, tab)), WithoutOuterBlanks(values.substr(0, second)),
       WithoutOuterBlanks(values.substr(std::min(second + 1, values.size())))};

@@ -1,6 +1,7 @@
 #include "coordsys/system_catalogue.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "coordsys/utm_zones.h"
@@ -65,31 +66,69 @@ bool AreaHelps(const CatalogueLine& system, std::string_view words) {
   return helped;
 }
 
-// Every system of a catalogue's bytes that `wanted` takes; returns how many there are in all.
-template <typename Wanted>
-std::size_t Collect(std::string_view bytes, const Wanted& wanted, std::vector<NamedSystem>& found) {
-  std::size_t systems = 0;
-  while (const auto line = TakeLine(bytes)) {
-    const auto system = ReadCatalogueLine(*line);
-    if (!system) continue;
-    ++systems;
-    if (wanted(*system)) found.push_back(SystemOf(*system));
-  }
-  return systems;
-}
+// What a search finds, sorted by why: one pass over the lines, which looks at a system's area only
+// where its name does not say all.
+class SystemSearch {
+ public:
+  explicit SystemSearch(std::string_view part) : part_(part), authority_(AuthorityOf(part)) {}
 
-template <typename Wanted>
-void CollectUtm(const Wanted& wanted, std::vector<NamedSystem>& found) {
-  for (const Hemisphere hemisphere : {Hemisphere::North, Hemisphere::South}) {
-    for (int number = 1; number <= 60; ++number) {
-      const UtmZone zone{number, hemisphere};
-      std::string name = UtmName(zone);
-      if (wanted(CatalogueLine{name, ""})) {
-        found.push_back({std::move(name), UtmDefinition(zone), ""});
+  // Returns how many systems there are in all.
+  std::size_t Take(std::string_view bytes) {
+    std::size_t systems = 0;
+    while (const auto line = TakeLine(bytes)) {
+      const auto system = ReadCatalogueLine(*line);
+      if (!system) continue;
+      ++systems;
+      Take(*system);
+    }
+    return systems;
+  }
+
+  void TakeUtm() {
+    for (const Hemisphere hemisphere : {Hemisphere::North, Hemisphere::South}) {
+      for (int number = 1; number <= 60; ++number) {
+        const UtmZone zone{number, hemisphere};
+        const std::string name = UtmName(zone);
+        const std::string definition = UtmDefinition(zone);
+        Take(CatalogueLine{name, definition});
       }
     }
   }
-}
+
+  std::vector<NamedSystem> Found() {
+    std::vector<NamedSystem> found = std::move(by_code_);
+    std::move(by_name_.begin(), by_name_.end(), std::back_inserter(found));
+    const bool named = !found.empty();
+    for (ByWords& other : by_words_) {
+      if (other.area_helps || !named) found.push_back(std::move(other.system));
+    }
+    return found;
+  }
+
+ private:
+  struct ByWords {
+    NamedSystem system;
+    bool area_helps;
+  };
+
+  void Take(const CatalogueLine& system) {
+    if (!authority_.empty() && IsCode(system.definition, authority_)) {
+      by_code_.push_back(SystemOf(system));
+    } else if (Contains(system.name, part_)) {
+      by_name_.push_back(SystemOf(system));
+    } else if (AreaHelps(system, part_)) {
+      by_words_.push_back({SystemOf(system), true});
+    } else if (HasEveryWord(system.name, part_)) {
+      by_words_.push_back({SystemOf(system), false});
+    }
+  }
+
+  std::string_view part_;
+  std::string authority_;
+  std::vector<NamedSystem> by_code_;
+  std::vector<NamedSystem> by_name_;
+  std::vector<ByWords> by_words_;  // of the area, or of the name where no name contains them all
+};
 
 std::optional<NamedSystem> FindIn(std::string_view bytes, std::string_view name) {
   while (const auto line = TakeLine(bytes)) {
@@ -159,30 +198,10 @@ const SystemCatalogue::Loaded& SystemCatalogue::Files() const {
 }
 
 std::vector<NamedSystem> SystemCatalogue::Search(std::string_view part) const {
-  part = WithoutOuterBlanks(part);
-  const Loaded& files = Files();
-  const auto search = [&](const auto& wanted, std::vector<NamedSystem>& found) {
-    Collect(files.user.view(), wanted, found);
-    const bool empty = Collect(files.predefined.view(), wanted, found) == 0;
-    if (empty) CollectUtm(wanted, found);
-  };
-  std::vector<NamedSystem> found;
-  const std::string authority = AuthorityOf(part);
-  const auto has_code = [&](const CatalogueLine& system) {
-    return !authority.empty() && IsCode(system.definition, authority);
-  };
-  if (!authority.empty()) search(has_code, found);
-  search(
-      [&](const CatalogueLine& system) { return Contains(system.name, part) && !has_code(system); },
-      found);
-  const bool by_name = !found.empty();
-  search(
-      [&](const CatalogueLine& system) {
-        if (Contains(system.name, part)) return false;
-        return AreaHelps(system, part) || (!by_name && HasEveryWord(system.name, part));
-      },
-      found);
-  return found;
+  SystemSearch search(WithoutOuterBlanks(part));
+  search.Take(Files().user.view());
+  if (search.Take(Files().predefined.view()) == 0) search.TakeUtm();
+  return search.Found();
 }
 
 std::optional<NamedSystem> SystemCatalogue::Find(std::string_view name) const {

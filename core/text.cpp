@@ -41,10 +41,13 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 std::size_t FindIgnoringCase(std::string_view text, std::string_view part) {
-  const auto at = std::search(text.begin(), text.end(), part.begin(), part.end(),
-                              [](char x, char y) { return UpperCase(x) == UpperCase(y); });
-  if (at == text.end() && !part.empty()) return std::string_view::npos;
-  return static_cast<std::size_t>(at - text.begin());
+  if (part.empty()) return 0;
+  const char first = UpperCase(part.front());
+  for (std::size_t at = 0; at + part.size() <= text.size(); ++at) {
+    if (UpperCase(text[at]) != first) continue;
+    if (EqualsIgnoringCase(text.substr(at, part.size()), part)) return at;
+  }
+  return std::string_view::npos;
 }
 
 std::string_view WithoutLeadingBlanks(std::string_view text) {
