@@ -33,15 +33,17 @@ struct Kernel {
     Points::Toward(position.latitude_rad, turn, phi, l);
     const Lanes exp_w = ExponentialOf(c * ellipsoid.Isometric(phi) + k);
     const Lanes square = exp_w * exp_w;
-    const Lanes norm = 1.0 / (square + 1.0);
-    const DirectionOf<Lanes> b{(square - 1.0) * norm, 2.0 * exp_w * norm};
+    // The latitude on the sphere of this length, so that a single division is left.
+    const Lanes length = square + 1.0;
+    const DirectionOf<Lanes> b{square - 1.0, 2.0 * exp_w};
     const Lanes forth = b.cos * l.cos;
     const Lanes across = b0.cos * b.sin - b0.sin * forth;
     const Lanes along = AngleOf(b.cos * l.sin, b0.sin * b.sin + b0.cos * forth);
     point.easting_m = false_easting_m + radius_m * along;
     point.northing_m =
-        false_northing_m + 0.5 * radius_m * LogarithmOf((1.0 + across) / (1.0 - across));
-    return Within(across, kFarthestAcross) & Within(along, kQuarter) & Within(turn, kHalfTurn);
+        false_northing_m + 0.5 * radius_m * LogarithmOf((length + across) / (length - across));
+    return AtMost(Absolute(across), kFarthestAcross * length) & Within(along, kQuarter) &
+           Within(turn, kHalfTurn);
   }
 
   template <typename Points, typename Lanes>

@@ -40,18 +40,22 @@ struct Kernel {
     DirectionOf<Lanes> d;
     Points::Toward(position.latitude_rad, turn, phi, d);
     const Lanes exp_w = ExponentialOf(ln_h + b * ellipsoid.Isometric(phi));
-    const Lanes over_exp_w = 1.0 / exp_w;
-    const Lanes sinh_w = 0.5 * (exp_w - over_exp_w);
-    const Lanes over_cosh_w = 2.0 / (exp_w + over_exp_w);
-    const Lanes across = (sinh_w * g0.sin - d.sin * g0.cos) * over_cosh_w;
+    // All times 2 e^w, so that a single division is left: cosh w, sinh w and 1 become these.
+    const Lanes square = exp_w * exp_w;
+    const Lanes cosh = square + 1.0;
+    const Lanes sinh = square - 1.0;
+    const Lanes one = 2.0 * exp_w;
+    const Lanes aside = d.sin * one;
+    const Lanes across = sinh * g0.sin - aside * g0.cos;  // times cosh w
     const Lanes along =
-        WrappedLongitude(AngleOf(sinh_w * g0.cos + d.sin * g0.sin, d.cos) - centre_angle);
+        WrappedLongitude(AngleOf(sinh * g0.cos + aside * g0.sin, d.cos * one) - centre_angle);
 
-    const Lanes v = -0.5 * radius_m * LogarithmOf((1.0 + across) / (1.0 - across));
+    const Lanes v = -0.5 * radius_m * LogarithmOf((cosh + across) / (cosh - across));
     const Lanes u = radius_m * (along + centre_angle - origin_angle);
     point.easting_m = false_easting_m + v * gc.cos + u * gc.sin;
     point.northing_m = false_northing_m + u * gc.cos - v * gc.sin;
-    return Within(across, kFarthestAcross) & Within(along, kQuarter) & Within(turn, kHalfTurn);
+    return AtMost(Absolute(across), kFarthestAcross * cosh) & Within(along, kQuarter) &
+           Within(turn, kHalfTurn);
   }
 
   template <typename Points, typename Lanes>

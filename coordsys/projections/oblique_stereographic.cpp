@@ -34,13 +34,15 @@ struct Kernel {
     const Lanes w = c * ellipsoid.Isometric(phi) + k;
     const Lanes exp_w = ExponentialOf(w);
     const Lanes square = exp_w * exp_w;
-    const Lanes norm = 1.0 / (square + 1.0);
-    const DirectionOf<Lanes> chi{(square - 1.0) * norm, 2.0 * exp_w * norm};
-    const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
+    // The latitude on the sphere of this length, so that a single division is left.
+    const Lanes length = square + 1.0;
+    const DirectionOf<Lanes> chi{square - 1.0, 2.0 * exp_w};
+    const Lanes forth = chi.cos * l.cos;
+    const Lanes b = length + chi.sin * chi0.sin + chi0.cos * forth;
     const Lanes scale = diameter_m / b;
     point.easting_m = false_easting_m + scale * chi.cos * l.sin;
-    point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
-    return AtMost(kFarthestDenominator, b) & Within(turn, kHalfTurn);
+    point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi0.sin * forth);
+    return AtMost(kFarthestDenominator * length, b) & Within(turn, kHalfTurn);
   }
 
   template <typename Points, typename Lanes>
