@@ -2,6 +2,7 @@
 #include <map>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "app/cli/commands/command.h"
@@ -156,7 +157,7 @@ class LineStream {
 // Bytes of the file that is named, or of the standard input. A failure to read is told and ends it.
 class Input {
  public:
-  Input(const std::string& path, Program& program) : path_(path), program_(program) {}
+  Input(std::string path, Program& program) : path_(std::move(path)), program_(program) {}
 
   bool Open() {
     if (path_.empty()) return true;
