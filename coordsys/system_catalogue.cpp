@@ -70,7 +70,8 @@ bool AreaHelps(const CatalogueLine& system, std::string_view words) {
 // where its name does not say all.
 class SystemSearch {
  public:
-  explicit SystemSearch(std::string_view part) : part_(part), authority_(AuthorityOf(part)) {}
+  explicit SystemSearch(std::string_view part)
+      : part_(part), first_word_(part.substr(0, part.find(' '))), authority_(AuthorityOf(part)) {}
 
   // Returns how many systems there are in all.
   std::size_t Take(std::string_view bytes) {
@@ -112,18 +113,21 @@ class SystemSearch {
   };
 
   void Take(const CatalogueLine& system) {
+    // A name without the first word has neither the part nor every word of it.
+    const bool begins = Contains(system.name, first_word_);
     if (!authority_.empty() && IsCode(system.definition, authority_)) {
       by_code_.push_back(SystemOf(system));
-    } else if (Contains(system.name, part_)) {
+    } else if (begins && Contains(system.name, part_)) {
       by_name_.push_back(SystemOf(system));
-    } else if (AreaHelps(system, part_)) {
+    } else if (!system.area.empty() && AreaHelps(system, part_)) {
       by_words_.push_back({SystemOf(system), true});
-    } else if (HasEveryWord(system.name, part_)) {
+    } else if (begins && HasEveryWord(system.name, part_)) {
       by_words_.push_back({SystemOf(system), false});
     }
   }
 
   std::string_view part_;
+  std::string_view first_word_;
   std::string authority_;
   std::vector<NamedSystem> by_code_;
   std::vector<NamedSystem> by_name_;
