@@ -5,6 +5,7 @@
 #include "gnss/port_error.h"
 
 namespace tarvex {
+
 ReceiverLink::ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver& receiver,
                            DistanceUnit unit, StopAsked stop, const PortMaker& maker)
     : clock_(clock),
@@ -23,9 +24,7 @@ ReceiverLink::ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver
 bool ReceiverLink::OpenPort() {
   if (!port_) return true;
   SystemLastError().Clear();
-  if (port_->Open() != PortError::None) return false;
-  if (receiver_.address.kind == PortKind::Serial) (void)port_->PurgeInput();
-  return true;
+  return port_->Open() == PortError::None;
 }
 
 bool ReceiverLink::Open(std::string& problem) {

@@ -24,8 +24,7 @@ class ReceiverLink final : private StopRequest {
   ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver& receiver, DistanceUnit unit,
                StopAsked stop, const PortMaker& maker = {});
 
-  /// False with a sentence in `problem`. What a serial line still held is a position of the past
-  /// and is dropped.
+  /// False with a sentence in `problem`.
   [[nodiscard]] bool Open(std::string& problem);
 
   /// One reading into state(); it is back half a second behind `deadline_ms` (steady clock) at the
