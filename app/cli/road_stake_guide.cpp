@@ -67,18 +67,28 @@ std::optional<SlopeStep> RoadStakeGuide::NextSlope(const RoadStake& stake,
   return step;
 }
 
-StakeView RoadStakeGuide::Show(const StakePosition& at, bool good, const std::string& name) {
+bool RoadStakeGuide::Relate(const StakePosition& at) {
   RoadTarget target = plan_.target;
   if (!at.elevation) target.elevation.reset();
   const auto stake =
       StakeRoadPoint(road_.alignment(), target,
                      {at.northing, at.easting, at.elevation.value_or(0.0)}, station_before_);
-  if (!stake) return StakeView::NotRelated;
+  if (!stake) return false;
   station_before_ = stake->current.station;
   last_ = at;
   last_stake_ = stake;
-  const bool inside = gate_.Update(stake->deltas.distance, stake->cut, good && stake->sound);
-  PrintStake(*stake, inside, NextSlope(*stake, at), name);
+  return true;
+}
+
+void RoadStakeGuide::TakeStored(const StakePosition& at) {
+  (void)Relate(at);
+}
+
+StakeView RoadStakeGuide::Show(const StakePosition& at, bool good, const std::string& name) {
+  if (!Relate(at)) return StakeView::NotRelated;
+  const RoadStake& stake = *last_stake_;
+  const bool inside = gate_.Update(stake.deltas.distance, stake.cut, good && stake.sound);
+  PrintStake(stake, inside, NextSlope(stake, at), name);
   return inside ? StakeView::OnTheStake : StakeView::Shown;
 }
 

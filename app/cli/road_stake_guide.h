@@ -30,6 +30,7 @@ class RoadStakeGuide final : public StakeGuide {
 
   StakeView Show(const StakePosition& at, bool good, const std::string& name) override;
   double PreciseHrms() const override { return 0.5 * plan_.tolerance.horizontal; }
+  void TakeStored(const StakePosition& at) override;
   /// "21+50.000 3.0000 L C 0.02".
   std::string Description() const override;
   std::vector<std::string> Records() const override;
@@ -38,6 +39,8 @@ class RoadStakeGuide final : public StakeGuide {
   const std::optional<StakePosition>& last() const { return last_; }
 
  private:
+  /// Remembers where `at` is against the target; false when it is nowhere near the road.
+  bool Relate(const StakePosition& at);
   std::string StakeLine(const RoadStake& stake, bool inside) const;
   Json StakeJson(const RoadStake& stake, bool inside) const;
   void PrintStake(const RoadStake& stake, bool inside, const std::optional<SlopeStep>& slope,

@@ -14,7 +14,7 @@ bool CollectSession::TakeEpoch(const std::optional<GateRefusal>& refusal) {
   const bool wanted = trigger_ == StoreTrigger::EveryEpoch || store_wanted();
   const bool complete = !refusal && !paused() && wanted && PointComplete();
   TellPosition(refusal);
-  return !complete || StorePoint();
+  return !complete || StorePoint(plan().description);
 }
 
 }  // namespace tarvex

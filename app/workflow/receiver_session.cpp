@@ -218,19 +218,19 @@ bool ReceiverSession::PointComplete() {
   return true;
 }
 
-GridPosition ReceiverSession::Place() const {
-  return PlaceOnGrid(state(), calculator_, plan_.antenna_height, job_.unit);
+GridPosition ReceiverSession::PlaceOf(const GnssPositionState& state) const {
+  return PlaceOnGrid(state, calculator_, plan_.antenna_height, job_.unit);
 }
 
-bool ReceiverSession::StorePoint(const std::vector<std::string>& comments) {
-  const Observation observation{
-      .point = point_,
-      .position = PlaceOnGrid(point_.state, calculator_, plan_.antenna_height, job_.unit),
-      .description = plan_.description,
-      .antenna_height = plan_.antenna_height,
-      .make_code = plan_.receiver.make_code,
-      .expects_precision = !plan_.receiver.settings.no_rms,
-      .comments = comments};
+bool ReceiverSession::StorePoint(const std::string& description,
+                                 const std::vector<std::string>& comments) {
+  const Observation observation{.point = point_,
+                                .position = PointPlace(),
+                                .description = description,
+                                .antenna_height = plan_.antenna_height,
+                                .make_code = plan_.receiver.make_code,
+                                .expects_precision = !plan_.receiver.settings.no_rms,
+                                .comments = comments};
   average_ = {};
   store_wanted_ = false;
   const GridPosition& position = observation.position;
@@ -238,7 +238,7 @@ bool ReceiverSession::StorePoint(const std::vector<std::string>& comments) {
     failed_ = failed_ || !position.usable();
     const char* what = position.usable() ? "" : "The position has no grid coordinates: ";
     WarnOnce(what + CalculationText(position.result));
-    if (!position.usable()) return plan_.receiver.is_recorded();
+    if (!position.usable()) return point_ = {}, plan_.receiver.is_recorded();
   }
   for (const std::string& warning : PositionWarnings(point_.state, observation.expects_precision))
     WarnOnce(warning);

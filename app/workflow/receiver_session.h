@@ -24,8 +24,8 @@ namespace tarvex {
 
 struct ReceiverPlan {
   ChosenReceiver receiver = {};
-  std::string description = {};
-  double antenna_height = 0.0;  ///< above the point, job's unit
+  std::string description = {};  ///< of the points; what a person types takes its place
+  double antenna_height = 0.0;   ///< above the point, job's unit
   std::int64_t patience_ms =
       60000;                   ///< without a new position the session ends; recordings never wait
   GateLimits gate = {};        ///< what a position must keep to be stored
@@ -68,12 +68,13 @@ class ReceiverSession {
 
   /// Takes the epoch into the point that is stored next; true when it is complete.
   bool PointComplete();
-  void DescribeNext(const std::string& description) { plan_.description = description; }
   /// Stores the complete point, with further comments for the raw file. False when the session has
   /// to end.
-  bool StorePoint(const std::vector<std::string>& comments = {});
+  bool StorePoint(const std::string& description, const std::vector<std::string>& comments = {});
   /// The present epoch on the job's grid.
-  GridPosition Place() const;
+  GridPosition Place() const { return PlaceOf(link_.state()); }
+  /// The complete point there.
+  GridPosition PointPlace() const { return PlaceOf(point_.state); }
 
   const GnssPositionState& state() const { return link_.state(); }
   const ReceiverPlan& plan() const { return plan_; }
@@ -88,6 +89,7 @@ class ReceiverSession {
   void MarkFailed() { failed_ = true; }
 
  private:
+  GridPosition PlaceOf(const GnssPositionState& state) const;
   bool Open();
   bool OpenRawFile();
   void StartCorrections();

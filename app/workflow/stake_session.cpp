@@ -42,8 +42,11 @@ bool StakeSession::TakeEpoch(const std::optional<GateRefusal>& refusal) {
     WarnOnce("The position has no elevation; it is not stored.");
     return true;
   }
-  DescribeNext(guide_.Description());
-  return !PointComplete() || StorePoint(guide_.Records());
+  if (!PointComplete()) return true;
+  const GridPoint stored = PointPlace().at;
+  guide_.TakeStored({stored.northing, stored.easting, stored.elevation});
+  return StorePoint(plan().description.empty() ? guide_.Description() : plan().description,
+                    guide_.Records());
 }
 
 }  // namespace tarvex

@@ -29,9 +29,11 @@ class StakeGuide {
   virtual StakeView Show(const StakePosition& at, bool good, const std::string& name) = 0;
   /// HRMS that is precise enough for a stake, job's unit.
   virtual double PreciseHrms() const = 0;
+  /// Takes the position that is stored, the mean of several perhaps, without showing it.
+  virtual void TakeStored(const StakePosition& at) = 0;
   /// The description of a stored stake.
   virtual std::string Description() const = 0;
-  /// Comment records for the raw file: design, found and difference of the position shown last.
+  /// Comment records for the raw file: design, found and difference of the position that is stored.
   virtual std::vector<std::string> Records() const = 0;
 };
 

@@ -149,6 +149,24 @@ TEST_F(Collecting, StoresNothingBeforeThePrecisionCouldBeKnown) {
   EXPECT_THAT(Notes(), HasSubstr("HRMS,0.010\n"));
 }
 
+// A position that cannot be placed leaves nothing to the point that is stored behind it.
+TEST_F(Collecting, SaysOfAPointOnlyWhichLimitItDidNotKeepItself) {
+  plan.receiver.address.kind = PortKind::File;
+  plan.gate.solution = SolutionType::Fixed;
+  plan.override_gate = true;
+  std::string nowhere = Epoch(1, 2);  // where the projection ends
+  const std::size_t gga = nowhere.find("$GNGGA");
+  nowhere = nowhere.substr(0, gga) +
+            WithChecksum(
+                "GNGGA,093001.00,0000.00000000,N,09900.00000000,E,2,12,0.8,9.600,M,48.000,"
+                "M,1.0,0001");
+  connections = {{nowhere + Epoch(2) + Epoch(3)}};
+  EXPECT_EQ(Run(), SessionEnd::Failed);  // told as a warning
+  ASSERT_EQ(listener.Of<PointStored>().size(), 1U);
+  EXPECT_EQ(listener.Of<PointStored>()[0].overridden, "");
+  EXPECT_THAT(Raw(), testing::Not(HasSubstr("Stored against the limits")));
+}
+
 TEST_F(Collecting, AsksNobodyAboutAPointThatExistsAndReplacesNone) {
   plan.count = 1;
   connections = {{Epoch(1) + Epoch(2)}};

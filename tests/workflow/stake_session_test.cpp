@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+
 #include "tests/workflow/field_site.h"
 
 namespace tarvex {
@@ -20,6 +22,7 @@ class PlainGuide final : public StakeGuide {
     return good && shown >= on_stake_from ? StakeView::OnTheStake : StakeView::Shown;
   }
   double PreciseHrms() const override { return 0.015; }
+  void TakeStored(const StakePosition& at) override { stored = at; }
   std::string Description() const override { return "stake " + std::to_string(shown); }
   std::vector<std::string> Records() const override { return {"\n--Stake: design here"}; }
 
@@ -27,6 +30,7 @@ class PlainGuide final : public StakeGuide {
   int good_shown = 0;
   int on_stake_from = 1000;
   StakePosition last;
+  StakePosition stored;
 };
 
 class Staking : public FieldSite {
@@ -68,6 +72,41 @@ TEST_F(Staking, StoresOnTheWordWithTheRecordsOfACollectedPoint) {
   EXPECT_THAT(Raw(), HasSubstr("\n--HRMS:0.010, VRMS:0.020, STATUS:FIXED"));
   EXPECT_TRUE(Raw().ends_with("\n--Stake: design here"));
   EXPECT_THAT(Notes(), HasSubstr("PT_ID:S1\nHRMS,0.010\n"));
+}
+
+// Design, found and difference are those of the mean that is stored, not of its last epoch.
+TEST_F(Staking, SaysOfTheStoredMeanHowFarOffItIs) {
+  plan.average = 2;
+  std::string input;
+  for (int second = 0; second < 20; ++second) {
+    std::string epoch = Epoch(second);
+    const std::size_t gga = epoch.find("$GNGGA");
+    std::string body = epoch.substr(gga + 1, epoch.find('*', gga) - gga - 1);
+    body.replace(body.find("4717.112"), 8, second % 2 == 0 ? "4717.112" : "4717.113");
+    input += epoch.substr(0, gga) + WithChecksum(body);
+  }
+  connections = {{input}};
+  listener.then = [&](const SessionEvent&) {
+    if (guide.shown == 5) commands.Send(StoreNow{});
+  };
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  ASSERT_EQ(listener.Of<PointStored>().size(), 1U);
+  const GridPoint at = listener.Of<PointStored>()[0].point.at;
+  EXPECT_EQ(guide.stored.northing, at.northing);
+  EXPECT_EQ(guide.stored.elevation, at.elevation);
+  EXPECT_GT(std::abs(guide.last.northing - at.northing), 0.5);
+}
+
+TEST_F(Staking, TakesTheDescriptionThatAPersonTyped) {
+  connections = {{Epochs(0, 20)}};
+  listener.then = [&](const SessionEvent&) {
+    if (guide.shown != 5) return;
+    commands.Send(SetDescription{"tree"});
+    commands.Send(StoreNow{});
+  };
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  ASSERT_EQ(listener.Of<PointStored>().size(), 1U);
+  EXPECT_EQ(listener.Of<PointStored>()[0].point.description.view(), "tree");
 }
 
 TEST_F(Staking, StoresNothingWhenItEndsOrTheLinkIsLost) {
