@@ -61,6 +61,23 @@ std::string CalculationText(CalculationResult result) {
   return Strings().Text(2241);
 }
 
+std::string UndoneText(const CalculationReport& report) {
+  std::string text;
+  for (const ExplainedStep& step : report.steps) {
+    if (step.outcome.reason == 0) continue;
+    if (!text.empty()) text += ' ';
+    text += Strings().Text(step.outcome.reason);
+    const std::string& what = step.description;
+    if (!what.empty() && what != Strings().Text(step.outcome.reason)) text += " (" + what + ")";
+  }
+  return text;
+}
+
+std::string CalculationText(CalculationResult result, const CalculationReport& report) {
+  const std::string undone = UndoneText(report);
+  return undone.empty() ? CalculationText(result) : undone;
+}
+
 int CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
   ProjectionRecord record = record_;
   compound_name_.clear();

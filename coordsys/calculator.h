@@ -80,6 +80,12 @@ struct CalculationSteps {
   std::shared_ptr<const SiteLocalization> localization = nullptr;
 };
 
+/// What the steps that were left undone or refused say, in sentences; empty when all were made.
+std::string UndoneText(const CalculationReport& report);
+
+/// Why a point did not come out whole: which step was not made and why, else the result's sentence.
+std::string CalculationText(CalculationResult result, const CalculationReport& report);
+
 class CTrgCalculator {
  public:
   /// Reads a definition text into the record, whose fields keep their values where the text is

@@ -114,16 +114,4 @@ Json ExplanationJson(const CalculationReport& report) {
   return steps;
 }
 
-std::string UndoneText(const CalculationReport& report) {
-  std::string text;
-  for (const ExplainedStep& step : report.steps) {
-    if (step.outcome.reason == 0) continue;
-    if (!text.empty()) text += ' ';
-    text += Strings().Text(step.outcome.reason);
-    const std::string& what = step.description;
-    if (!what.empty() && what != Strings().Text(step.outcome.reason)) text += " (" + what + ")";
-  }
-  return text;
-}
-
 }  // namespace tarvex

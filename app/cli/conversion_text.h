@@ -18,7 +18,4 @@ std::string ExplanationText(const CalculationReport& report);
 /// the last step "job" in the job's unit.
 Json ExplanationJson(const CalculationReport& report);
 
-/// What the steps that were left undone or refused say, in sentences; empty when all were made.
-std::string UndoneText(const CalculationReport& report);
-
 }  // namespace tarvex

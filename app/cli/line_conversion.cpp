@@ -120,7 +120,7 @@ void ConvertReported(const CTrgCalculator& calculator, ConversionWay way, bool s
   const bool in_part = result == CalculationResult::DoneInPart;
   if (in_part) converted.left_undone = undone;
   if ((result != CalculationResult::Done && !in_part) || (in_part && strict)) {
-    converted.problem = undone.empty() ? CalculationText(result) : undone;
+    converted.problem = CalculationText(result, converted.report);
   }
 }
 

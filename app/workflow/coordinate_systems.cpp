@@ -1,7 +1,10 @@
 #include "app/workflow/coordinate_systems.h"
 
+#include <filesystem>
+
 #include "coordsys/definition_check.h"
 #include "coordsys/definition_reader.h"
+#include "coordsys/grids/grid_file_info.h"
 
 namespace tarvex {
 namespace {
@@ -73,6 +76,49 @@ bool CoordinateSystems::ReadSystemOption(const std::string& name, SystemSource& 
   const SystemChoice choice = ReadSystemChoice(name);
   source.name = choice.geoid.empty() ? found->name : found->name + ",GEOID=" + choice.geoid;
   source.definition = OneLineDefinition(found->definition);
+  return true;
+}
+
+// A file that is named alone is one of the data folder, and only when it is not there, for
+// `anywhere`, one of the folder that the person works in.
+std::string CoordinateSystems::GeoidPath(const std::string& file, bool anywhere) const {
+  const bool has_folder = file.find('/') != std::string::npos;
+  if (!has_folder && (!anywhere || work_.files.Exists(data_folder_ + file))) {
+    return data_folder_ + file;
+  }
+  std::error_code error;
+  const std::string whole = std::filesystem::absolute(file, error).lexically_normal().string();
+  return error ? file : whole;
+}
+
+bool CoordinateSystems::SettleGeoid(const std::string& file, SystemSource& source,
+                                    std::string& problem) {
+  SystemChoice choice = ReadSystemChoice(source.name);
+  if (!file.empty() && !choice.geoid.empty()) {
+    problem = "The geoid is named twice: --geoid " + file + " and " + source.name + ".";
+    return false;
+  }
+  const std::string& named = file.empty() ? choice.geoid : file;
+  if (named.empty()) return true;
+  const std::string path = GeoidPath(named, !file.empty());
+  GridFileInfo info;
+  const GridStatus status = ReadGridFileInfo(work_.files, path, this, info);
+  work_.observer.OnProgressEnd();
+  if (!status.ok() || info.kind != GridFileKind::Geoid) {
+    problem = "The geoid model cannot be used. " +
+              (status.ok() ? path + " is a shift grid (tarvex grid info tells more)."
+                           : status.Text() + " (It is looked for in " + data_folder_ +
+                                 " unless it is given with its path.)");
+    return false;
+  }
+  if (file.empty()) return true;
+  if (choice.name.empty()) {
+    CTrgCalculator named_by_definition;
+    named_by_definition.ParseDefinition(source.definition, nullptr);
+    choice.name = Title(source, named_by_definition);
+  }
+  choice.geoid = path == data_folder_ + file ? file : path;
+  source.name = WriteSystemChoice(choice);
   return true;
 }
 

@@ -51,6 +51,12 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
   [[nodiscard]] bool ReadOptions(const std::string& name, const std::string& file,
                                  SystemSource& source, std::string& problem);
 
+  /// Puts the geoid model that `--geoid FILE` names behind the system's name: a file of the data
+  /// folder, or any other, which is kept with its whole path. False with a sentence in `problem`
+  /// when this file, or one that the name brought already, is no geoid model that can be used.
+  [[nodiscard]] bool SettleGeoid(const std::string& file, SystemSource& source,
+                                 std::string& problem);
+
   /// Tells of catalogues that are there but cannot be read.
   void TellCatalogueProblems();
 
@@ -68,6 +74,7 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
 
  private:
   bool ReadSystemOption(const std::string& name, SystemSource& source, std::string& problem);
+  std::string GeoidPath(const std::string& file, bool anywhere) const;
   bool CheckForUse(std::string_view text, const std::string& file, std::string& problem);
   void Show(std::string_view title, std::string_view text) override;
   void Show(std::string_view text, std::size_t done, std::size_t total) override;

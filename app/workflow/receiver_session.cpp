@@ -237,7 +237,7 @@ bool ReceiverSession::StorePoint(const std::string& description,
   if (position.result != CalculationResult::Done) {
     failed_ = failed_ || !position.usable();
     const char* what = position.usable() ? "" : "The position has no grid coordinates: ";
-    WarnOnce(what + CalculationText(position.result));
+    WarnOnce(what + CalculationText(position.result, position.steps));
     if (!position.usable()) return point_ = {}, plan_.receiver.is_recorded();
   }
   for (const std::string& warning : PositionWarnings(point_.state, observation.expects_precision))

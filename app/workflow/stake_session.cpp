@@ -19,7 +19,8 @@ bool StakeSession::Finished() const {
 StakeView StakeSession::ShowPosition() {
   const GridPosition position = Place();
   if (!position.usable()) {
-    WarnOnce("The position has no grid coordinates: " + CalculationText(position.result));
+    WarnOnce("The position has no grid coordinates: " +
+             CalculationText(position.result, position.steps));
     return StakeView::NotRelated;
   }
   // A stake goes in on a fixed position only, precise to half the tolerance where that is known.

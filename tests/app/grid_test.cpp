@@ -111,5 +111,36 @@ TEST(GridCommand, AFolderThatCannotBeWrittenIsNamed) {
   EXPECT_THAT(result.output, IsEmpty());
 }
 
+// bavaria.gtx covers 47 to 48 degrees N and 11 to 12 degrees E.
+TEST(NewCommand, AGeoidIsCheckedWhenTheJobIsMadeAndNamedWhereItDoesNotReach) {
+  ProgramFolder folder;
+  folder.Write("bavaria.gtx", TestFile("datum/bavaria.gtx"));
+  folder.Write("cut.gtx", TestFile("datum/bavaria.gtx").substr(0, 100));
+  folder.Write("paris.gsb", TestFile("datum/paris.gsb"));
+  const std::string make = "new a.crd --system \"UTM/UTM WGS84 Zone 32\" ";
+  EXPECT_THAT(folder.Run(make + "--geoid none.gtx").errors, HasSubstr("none.gtx does not exist"));
+  EXPECT_THAT(folder.Run(make + "--geoid cut.gtx").errors, HasSubstr("is cut short"));
+  EXPECT_THAT(folder.Run(make + "--geoid paris.gsb").errors, HasSubstr("is a shift grid"));
+  EXPECT_EQ(folder.Run("new a.crd --geoid bavaria.gtx").exit_code, 2);
+  // What a system's own name brings is a file of the data folder.
+  const ProgramResult by_name =
+      folder.Run("new a.crd --system \"UTM/UTM WGS84 Zone 32,GEOID=bavaria.gtx\"");
+  EXPECT_EQ(by_name.exit_code, 1);
+  EXPECT_THAT(by_name.errors, HasSubstr("bavaria.gtx does not exist"));
+  EXPECT_THAT(folder.Run("points a.crd").errors, HasSubstr("There is no job a.crd"));
+
+  const ProgramResult made = folder.Run(make + "--geoid bavaria.gtx");
+  EXPECT_EQ(made.exit_code, 0) << made.errors;
+  EXPECT_THAT(made.output, HasSubstr("Geoid: "));
+  const ProgramResult inside = folder.Run("convert --job a.crd --explain", "47.5 11.5 600\n");
+  EXPECT_EQ(inside.exit_code, 0) << inside.output;
+  EXPECT_THAT(inside.output, HasSubstr("geoid"));
+  // The simulated receiver walks at 9 degrees E.
+  const ProgramResult outside = folder.Run("collect a.crd --receiver simulated");
+  EXPECT_EQ(outside.exit_code, 1);
+  EXPECT_THAT(outside.errors, HasSubstr("The point lies outside of the geoid model. ("));
+  EXPECT_THAT(outside.errors, HasSubstr("bavaria.gtx)"));
+}
+
 }  // namespace
 }  // namespace tarvex

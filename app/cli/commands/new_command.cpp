@@ -24,6 +24,7 @@ struct NewOptions {
   std::string system;
   std::string definition;
   std::string datum_shift;
+  std::string geoid;
   bool south_azimuths = false;
   bool curvature_correction = false;
   std::string scale_factor = "1";
@@ -133,6 +134,9 @@ ExitCode CheckOptions(const NewOptions& options, Program& program) {
   if (!options.datum_shift.empty() && options.system.empty() && options.definition.empty()) {
     return program.Misuse("--datum-shift goes with --system or --definition.");
   }
+  if (!options.geoid.empty() && options.system.empty() && options.definition.empty()) {
+    return program.Misuse("--geoid goes with --system or --definition.");
+  }
   return ExitCode::Done;
 }
 
@@ -144,6 +148,7 @@ bool MakeSystem(const NewOptions& options, Program& program, SystemSource& sourc
   std::string problem;
   CoordinateSystems systems(program);
   if (!systems.ReadOptions(options.system, options.definition, source, problem) ||
+      !systems.SettleGeoid(options.geoid, source, problem) ||
       !systems.MakeCalculator(source, DistanceUnit::Metres, calculator, problem)) {
     (void)program.Fail(problem);
     return false;
@@ -206,6 +211,10 @@ void AddNewCommand(CLI::App& app, Program& program) {
                  "File with the definition text of the coordinate system")
       ->excludes(system);
   sub.add_option("--datum-shift", options.datum_shift, kDatumShiftHelp);
+  sub.add_option(
+      "--geoid", options.geoid,
+      "Geoid model (.gtx, .bin, .pgm or .isg): elevations are heights above it; without\n"
+      "one they are heights above the ellipsoid. A file of the data folder, or its path");
   sub.add_flag("--south-azimuths", options.south_azimuths, "Azimuths are measured from south");
   sub.add_flag("--curvature-correction", options.curvature_correction,
                "Earth curvature and refraction are corrected");
@@ -215,7 +224,8 @@ void AddNewCommand(CLI::App& app, Program& program) {
                  "Name written into the raw file (default: the file's name)");
   sub.footer(
       "Beside JOB.crd come JOB.job with the settings and JOB.rw5, the raw file.\n"
-      "Example: tarvex new site.crd --units us-feet --system \"UTM/UTM WGS84 Zone 32\"");
+      "Example: tarvex new site.crd --units us-feet --system \"UTM/UTM WGS84 Zone 32\"\n"
+      "         tarvex new site.crd --system EPSG:25832 --geoid egm2008.gtx");
 }
 
 }  // namespace tarvex
