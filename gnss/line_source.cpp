@@ -54,7 +54,11 @@ LineSource::Outcome LineSource::FromPort(std::string_view& line) {
   const ReadLineResult read =
       ReadLineHolding(*connection_.port, buffer_, kLineTimeoutMs, make_.framing, deadline_);
   line = read.text;
-  if (!read.ok()) return Outcome::Failed;
+  if (!read.ok()) {
+    // A receiver that sends, but no position, is not silent: its time is up in the middle of a
+    // wait.
+    return deadline_.Passed() && !connection_.ended() ? Outcome::OutOfTime : Outcome::Failed;
+  }
   const bool whole =
       read.whole || ChecksumStands(connection_.settings.resync ? SentenceIn(line) : line);
   return whole ? Outcome::Line : Outcome::Nothing;

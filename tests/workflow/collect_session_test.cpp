@@ -266,5 +266,18 @@ TEST_F(Collecting, NeverTellsAPointThatAFullDiskRefused) {
   }
 }
 
+TEST_F(Collecting, SaysWhatAReceiverThatSendsNoPositionLacks) {
+  std::string input;
+  for (int line = 0; line < 100; ++line) {
+    input += WithChecksum("GNRMC,093000.00,A,4717.112,N,00915.912,E,0.0,0.0,211126,,,A");
+  }
+  connections.push_back({.input = input, .line_ms = 200});
+  plan.patience_ms = 12'000;
+  EXPECT_EQ(Run(), SessionEnd::NoPosition);
+  const std::vector<NoPosition> told = listener.Of<NoPosition>();
+  ASSERT_GE(told.size(), 3U);  // every 3 s
+  EXPECT_EQ(told.front().result, GnssReadResult::NoPositionSentence);
+}
+
 }  // namespace
 }  // namespace tarvex

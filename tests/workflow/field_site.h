@@ -85,8 +85,9 @@ class RememberingListener final : public SessionListener {
 /// What a receiver does from one opening of its port to the next.
 struct Connection {
   std::string input;
-  bool hangs_up = false;  ///< behind the input; else it is silent
-  bool refused = false;   ///< it cannot be opened at all
+  bool hangs_up = false;     ///< behind the input; else it is silent
+  bool refused = false;      ///< it cannot be opened at all
+  std::int64_t line_ms = 0;  ///< between two lines; 0: all at once
 };
 
 /// Plays one connection after the other; an empty read lets its time-out pass on the clock.
@@ -116,10 +117,10 @@ class ScriptedLine final : public ByteDevice {
     return {};
   }
   DeviceStatus Read(std::span<char> out, std::size_t& got) override {
-    got = std::min(out.size(), now_.input.size());
+    got = std::min(out.size(), LineIsDue());
     now_.input.copy(out.data(), got);
     now_.input.erase(0, got);
-    if (got > 0) return {};
+    if (got > 0 || !now_.input.empty()) return {};
     if (now_.hangs_up) return {DeviceStatus::kHungUp};
     clock_.SleepMilliseconds(std::max<std::int64_t>(1, timeouts_.read.constant_ms));
     return {};
@@ -135,6 +136,18 @@ class ScriptedLine final : public ByteDevice {
   DeviceStatus PurgeInput() override { return {}; }
 
  private:
+  // How many bytes there are to read within the time-out, which passes when there are none.
+  std::size_t LineIsDue() {
+    if (now_.line_ms == 0 || now_.input.empty()) return now_.input.size();
+    const std::int64_t wait_ms = next_line_ms_ - clock_.SteadyMilliseconds();
+    const auto timeout_ms = std::max<std::int64_t>(1, timeouts_.read.constant_ms);
+    if (wait_ms > 0) clock_.SleepMilliseconds(std::min(wait_ms, timeout_ms));
+    if (wait_ms > timeout_ms) return 0;
+    next_line_ms_ = clock_.SteadyMilliseconds() + now_.line_ms;
+    return now_.input.find('\n') + 1;
+  }
+
+  std::int64_t next_line_ms_ = 0;
   Clock& clock_;
   std::deque<Connection>& connections_;
   Connection now_;
