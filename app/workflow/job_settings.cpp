@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 #include "app/workflow/job_session.h"
+#include "core/edit_distance.h"
 #include "core/raw_file.h"
 #include "core/raw_header.h"
 #include "core/text.h"
@@ -49,22 +49,6 @@ bool IsKnown(std::string_view key) {
          IsPortName(key);
 }
 
-// How many letters must be changed, added or dropped to come from one word to the other.
-std::size_t Distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t changed = diagonal + (LowerCase(a[i]) == LowerCase(b[j]) ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({row[j] + 1, row[j + 1] + 1, changed});
-    }
-  }
-  return row.back();
-}
-
 // The key that was probably meant; empty when none is near.
 std::string_view NearestKey(std::string_view key) {
   constexpr std::size_t kNear = 2;
@@ -72,7 +56,7 @@ std::string_view NearestKey(std::string_view key) {
   std::size_t least = kNear + 1;
   const auto look = [&](const auto& keys) {
     for (const std::string_view known : keys) {
-      if (const std::size_t distance = Distance(key, known); distance < least) {
+      if (const std::size_t distance = EditDistance(key, known); distance < least) {
         least = distance;
         nearest = known;
       }
@@ -97,7 +81,7 @@ std::vector<std::string> UnknownSettings(const Settings& settings) {
       continue;
     }
     const std::string_view nearest = NearestKey(entry.key);
-    problems.push_back("\"" + line + "\" is no setting; it is not used" +
+    problems.push_back("\"" + line + "\" is not a setting; it is not used" +
                        (nearest.empty() ? "." : " (" + std::string(nearest) + "?)."));
   }
   return problems;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <utility>
 
+#include "core/edit_distance.h"
 #include "core/text.h"
 #include "core/units.h"
 
@@ -14,21 +14,6 @@ namespace {
 constexpr std::uint64_t kLargestTable = 32U << 20;
 constexpr double kEarthRadiusKm = 6371.0;
 constexpr std::string_view kEnd = "ENDSOURCETABLE";
-
-// Edit distance without regard to letter case (Levenshtein).
-std::size_t Difference(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i + 1);
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t change = diagonal + (UpperCase(a[i]) == UpperCase(b[j]) ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({row[j + 1] + 1, row[j] + 1, change});
-    }
-  }
-  return row[b.size()];
-}
 
 }  // namespace
 
@@ -90,7 +75,7 @@ std::vector<std::string> CasterList::MostAlike(std::string_view mountpoint,
                                                std::size_t count) const {
   std::vector<std::pair<std::size_t, std::string>> alike;
   for (const StreamRecord& stream : streams) {
-    alike.emplace_back(Difference(mountpoint.substr(0, 100), stream.mountpoint.view()),
+    alike.emplace_back(EditDistance(mountpoint.substr(0, 100), stream.mountpoint.view()),
                        stream.mountpoint.str());
   }
   std::sort(alike.begin(), alike.end());

@@ -131,10 +131,12 @@ TEST(Commands, NameWhatIsWrong) {
     const char* errors;  // a part of what is said
   };
   const Case cases[] = {
-      {"", 2, "A subcommand is required"},
+      {"", 2, "Say which of these commands"},
+      {"collct", 2, "There is no command \"collct\". Did you mean collect?"},
+      {"points --jsn numbers.crd", 2, "There is no option --jsn. Did you mean --json?"},
       {"frobnicate", 2, "There is no command \"frobnicate\""},
       {"road frobnicate", 2, "There is no command \"frobnicate\""},
-      {"store numbers.crd 1 1 2 -x", 2, "stand behind \"--\""},
+      {"store numbers.crd 1 1 2 -x", 2, "goes after \"--\""},
       {"new site", 2, "ends in .crd: site.crd?"},
       {"new folder/", 2, "ends in .crd: folder/site.crd?"},
       {"new folder/.crd", 2, "needs a name before .crd"},
@@ -145,7 +147,7 @@ TEST(Commands, NameWhatIsWrong) {
       {"new x.crd --units furlongs", 2, "furlongs"},
       {"points none.crd", 1, "There is no job none.crd"},
       {"points numbers", 1, "There is no job numbers; there is numbers.crd."},
-      {"store numbers.crd A1 1 2 3", 2, "\"A1\" is no point number"},
+      {"store numbers.crd A1 1 2 3", 2, "\"A1\" is not a point number"},
       {"store numbers.crd 2000000 1 2 3", 2, "would leave 1999999 numbers empty"},
       {"store numbers.crd 1 0 0 0", 2, "counts as no point"},
       {"new x.crd --definition feet.txt", 1, "foot"},
@@ -222,7 +224,7 @@ TEST(Commands, ImportNamesTheBadLines) {
             "ERROR: points.csv line 3: fewer than four fields.\n"
             "ERROR: points.csv line 4: the easting \"x\" is not a number.\n"
             "ERROR: points.csv line 7: the id \"1234567890\" is longer than 9 characters.\n"
-            "ERROR: points.csv line 9: point X_1 stands on line 8 already.\n"
+            "ERROR: points.csv line 9: point X_1 is on line 8 already.\n"
             "ERROR: Nothing was stored. (--skip-bad-lines stores the other lines.)\n");
   EXPECT_EQ(folder.Run("points site.crd").output, "The job holds no points.\n");
   const ProgramResult stored = folder.Run("import site.crd points.csv --skip-bad-lines");
