@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/correction_text.h"
+#include "app/cli/stream_log_name.h"
 #include "core/number_text.h"
 
 namespace tarvex {
@@ -16,8 +17,9 @@ ExitCode SettleGate(const SessionOptions& options, const Settings& job_settings,
   ReadGateLimits(job_settings.Text(), gate);
   for (const auto& [key, value] : options.gates) {
     if (value.empty() || SetGateLimit(key, value, gate)) continue;
-    return program.Misuse("\"" + value + "\" is no value for the limit " + key +
-                          "; docs/receivers.md lists them.");
+    return program.Misuse(
+        "\"" + value + "\" is not a value for the limit " + key + ": " +
+        (key == "gate_solution" ? "fixed, float, dgps or autonomous." : "a number of 0 or more."));
   }
   return ExitCode::Done;
 }
@@ -53,6 +55,7 @@ void AddGateOptions(CLI::App& sub, SessionOptions& options) {
       {"stale", "Greatest age of the position, seconds"}};
   for (const auto& [name, help] : limits) {
     sub.add_option(std::string("--gate-") + name, options.gates[std::string("gate_") + name], help)
+        ->type_name(name == std::string_view("solution") ? "TEXT" : "NUMBER")
         ->group(kGroup);
   }
   sub.add_flag("--override-gate", options.override_gate,
@@ -76,12 +79,12 @@ void TellBadChecksums(Program& program, std::uint64_t count) {
 CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options) {
   CLI::Option* receiver = AddReceiverOptions(sub, options.receiver);
   sub.add_option("--antenna-height", options.antenna_height,
-                 "Height of the antenna above the point, in the job's unit");
+                 "Height of the antenna above the point, in the job's unit")
+      ->type_name("NUMBER");
   sub.add_option("--average", options.average,
                  "Distinct epochs whose mean is stored as one point (default: 1)")
       ->check(CLI::Range(1, 100000));
-  sub.add_option("--log-stream", options.stream_log,
-                 "Keep what the receiver sends in a new file, to be replayed");
+  sub.add_option("--log-stream", options.stream_log, kStreamLogHelp);
   AddGateOptions(sub, options);
   AddCorrectionOptions(sub, options.corrections);
   sub.add_option(
@@ -106,7 +109,7 @@ ExitCode SettleSession(const SessionOptions& options, const Settings& job_settin
   }
   plan.average = options.average;
   plan.override_gate = options.override_gate;
-  plan.stream_log = options.stream_log;
+  plan.stream_log = StreamLogName(options.stream_log, program.clock.Now());
   plan.patience_ms = options.patience_s * 1000;
   DemandFixed(plan, program);
   return ExitCode::Done;

@@ -7,6 +7,7 @@
 #include "app/cli/commands/commands.h"
 #include "app/cli/correction_choice.h"
 #include "app/cli/receiver_choice.h"
+#include "app/cli/stream_log_name.h"
 #include "app/cli/watch_view.h"
 #include "app/workflow/correction_link.h"
 #include "app/workflow/receiver_link.h"
@@ -35,7 +36,8 @@ class Watch {
   ExitCode Run() {
     std::string problem;
     if (!receiver_.Open(problem)) return program_.Fail(problem);
-    if (!options_.stream_log.empty() && !receiver_.tap().StartLog(options_.stream_log)) {
+    if (!options_.stream_log.empty() &&
+        !receiver_.tap().StartLog(StreamLogName(options_.stream_log, program_.clock.Now()))) {
       return program_.Fail(receiver_.tap().log_problem());
     }
     StartCorrections();
@@ -110,6 +112,9 @@ class Watch {
     if (receiver_.ended() && options_.count > 0 && positions_ < options_.count) {
       return program_.Fail("The receiver's data ended after " + counted);
     }
+    if (options_.count > 0 && positions_ < options_.count) {
+      return program_.Fail("Stopped after " + counted);
+    }
     if (positions_ > 0) return ExitCode::Done;
     return program_.Fail(receiver_.ended() ? "The receiver's data ended. No position came."
                                            : "No position came.");
@@ -166,7 +171,7 @@ void AddWatchCommand(CLI::App& app, Program& program) {
                  "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
       ->required();
   AddCorrectionOptions(sub, options.corrections);
-  sub.add_option("--log-stream", options.stream_log, "Keep what the receiver sends in a new file");
+  sub.add_option("--log-stream", options.stream_log, kStreamLogHelp);
   sub.add_option("--count", options.count, "End after so many positions (default: never)")
       ->check(CLI::NonNegativeNumber);
 }
