@@ -1,4 +1,5 @@
 // The console on the standard streams of the process.
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -18,6 +19,22 @@ void Write(std::string_view text, std::FILE* stream) {
 void WriteShown(std::string_view text, std::FILE* stream) {
   if (IsPlainText(text)) return Write(text, stream);
   Write(PrintableText(text), stream);
+}
+
+// A line that reaches the last column makes the terminal go on in the next one, and what is there
+// stays behind: the line is cut before that. Bytes 0x80 to 0xBF go on with a character.
+std::string FittedLine(std::string line, int stream) {
+  winsize size{};
+  if (::ioctl(stream, TIOCGWINSZ, &size) != 0 || size.ws_col < 2) return line;
+  std::size_t columns = 0;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const bool begins = (static_cast<unsigned char>(line[i]) & 0xC0U) != 0x80;
+    if (begins && columns++ == size.ws_col - 1U) {
+      line.resize(i);
+      break;
+    }
+  }
+  return line;
 }
 
 // Beside the thread that works, the one that reads typed commands says what it does not understand.
@@ -57,7 +74,7 @@ class StandardStreams final : public Console {
     const std::lock_guard lock(mutex_);
     std::fflush(stdout);
     std::fputs("\r\x1b[K", stderr);
-    Write(PrintableLine(line), stderr);
+    Write(FittedLine(PrintableLine(line), STDERR_FILENO), stderr);
     std::fflush(stderr);
     progress_open_ = true;
   }
@@ -70,7 +87,9 @@ class StandardStreams final : public Console {
   bool Ask(std::string_view question, std::string& answer) override {
     if (::isatty(STDIN_FILENO) == 0 || ::isatty(STDERR_FILENO) == 0) return false;
     PrintError(question);
-    return ReadLine(answer);
+    if (ReadLine(answer)) return true;
+    PrintError("\n");  // Ctrl-C or Ctrl-D: what follows begins on a line of its own
+    return false;
   }
 
   bool IsTyped() override { return ::isatty(STDIN_FILENO) != 0; }

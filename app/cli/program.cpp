@@ -74,6 +74,7 @@ void WatchForInterrupt() {
   action.sa_handler = NoteInterrupt;  // without SA_RESTART, so that waiting for a lock ends
   ::sigaction(SIGINT, &action, nullptr);
   ::sigaction(SIGTERM, &action, nullptr);
+  ::sigaction(SIGHUP, &action, nullptr);  // the terminal was closed
 }
 
 }  // namespace tarvex

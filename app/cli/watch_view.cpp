@@ -212,7 +212,9 @@ void WatchView::ShowLine(const std::string& trouble, const GnssPositionState& st
 void WatchView::End() {
   if (!std::exchange(open_, false)) return;
   console_.Draw("\x1b[?25h\x1b[?1049l");
-  console_.Print(last_screen_);
+  for (const std::string& line : FittedLines(last_screen_, SizeOfTerminal().columns)) {
+    console_.Print(line + "\n");
+  }
   std::fflush(stdout);
 }
 
