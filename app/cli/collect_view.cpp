@@ -52,11 +52,15 @@ void CollectView::Show(const PointStored& stored) {
                      FixedNumber(stored.point.at.elevation, kGridDecimals) + "  (" +
                      StateText(stored.state);
   if (stored.mean) {
-    line += ", mean of " + std::to_string(stored.mean->epochs) + ", farthest " +
-            FixedNumber(stored.mean->farthest, kPrecisionDecimals) + " m";
+    const auto metres = [](double value) { return FixedNumber(value, kPrecisionDecimals) + " m"; };
+    line += ", mean of " + std::to_string(stored.mean->epochs) + ": scatter N " +
+            metres(stored.mean->scatter_north) + ", E " + metres(stored.mean->scatter_east) +
+            ", EL " + metres(stored.mean->scatter_up) + ", farthest " +
+            metres(stored.mean->farthest);
   }
-  if (!stored.overridden.empty()) line += ", stored although " + stored.overridden;
-  program_.console.Print(line + ")\n");
+  line += ")";
+  if (!stored.overridden.empty()) line += " Limit overridden: " + stored.overridden;
+  program_.console.Print(line + "\n");
 }
 
 void CollectView::Show(const LimitRefuses& limit) {

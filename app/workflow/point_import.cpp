@@ -78,7 +78,7 @@ class ImportReader {
         job_.alphanumeric ? NormalisePointId(*id) : PointId(std::to_string(*ParseInteger(*id)));
     const auto [before, is_new] = line_of_id_.emplace(point.id.view(), number);
     if (!is_new) {
-      return "point " + point.id.str() + " stands on line " + std::to_string(before->second) +
+      return "point " + point.id.str() + " is on line " + std::to_string(before->second) +
              " already.";
     }
     import_.points.push_back(point);

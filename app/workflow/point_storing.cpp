@@ -46,7 +46,7 @@ std::string PointIdProblem(const Job& job, std::string_view id) {
   if (job.alphanumeric) return NormalisePointId(id).empty() ? "The point id is empty." : "";
   const auto number = ParseInteger(id);
   if (!number || *number < 1 || *number > kHighestPointNumber) {
-    return shown + " is no point number: this job numbers its points 1 to 999999999.";
+    return shown + " is not a point number: this job numbers its points 1 to 999999999.";
   }
   if (*number - job.last_point_number <= kLargestGap) return "";
   return "Point " + shown + " would leave " + std::to_string(*number - job.last_point_number - 1) +
@@ -80,6 +80,9 @@ TypedPointResult StoreTypedPoint(JobSession& session, const TypedPoint& point) {
   if (IsEmptySlot({.at = point.at, .description = Description(point.description), .id = {}})) {
     result.problem = "A point at 0, 0, 0 without a description counts as no point; describe it.";
     return result;
+  }
+  if (const std::string cut = DescriptionWarning(point.description); !cut.empty()) {
+    session.observer().OnWarning(cut);
   }
   AskAboutExisting(session, point);
   result.stored = StorePointUnit(session, point.at, point.description, Settling::Now,

@@ -21,6 +21,12 @@ StoringResult Explained(StorePointResult result) {
 
 }  // namespace
 
+std::string DescriptionWarning(std::string_view description) {
+  if (description.size() <= Description::kCapacity) return {};
+  return "The coordinate file keeps the first " + std::to_string(Description::kCapacity) +
+         " bytes of the description; the raw file has all of it.";
+}
+
 StoredPoint StorePointUnit(JobSession& session, const GridPoint& at, const std::string& description,
                            Settling settling, const PointRecords& records) {
   Job& job = session.job();

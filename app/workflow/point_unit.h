@@ -26,6 +26,9 @@ struct StoredPoint {
 /// Adds to the unit what the raw file and the notes say of the stored point.
 using PointRecords = std::function<void(JobUnit& unit, const Point& stored)>;
 
+/// That the coordinate file keeps the beginning of a long description alone; empty for a short one.
+std::string DescriptionWarning(std::string_view description);
+
 /// Stores under the job's current point id, which the session's policy may change. A point that is
 /// replaced is kept in the raw file as a comment.
 StoredPoint StorePointUnit(JobSession& session, const GridPoint& at, const std::string& description,

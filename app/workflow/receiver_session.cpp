@@ -242,6 +242,9 @@ bool ReceiverSession::StorePoint(const std::string& description,
   }
   for (const std::string& warning : PositionWarnings(point_.state, observation.expects_precision))
     WarnOnce(warning);
+  if (const std::string cut = DescriptionWarning(observation.description); !cut.empty()) {
+    WarnOnce(cut);
+  }
   CheckPlace(position.at);
   const std::string wanted = job_.current_point_id;
   // What is recorded comes as fast as it can be read; with a receiver there is time between two

@@ -1,4 +1,6 @@
 // tarvex raw: the raw data file of a job.
+#include <utility>
+
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/cli/json_text.h"
@@ -16,6 +18,22 @@ struct RawOptions {
   bool json = false;
 };
 
+// Each record is on a line of its own, so that line tools can be used on it as well.
+std::string RawJson(const std::string& path, std::string_view bytes) {
+  const auto one_line = [](const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  };
+  std::string text = "{\"raw\": " + one_line(path) + ",\n\"records\": [";
+  bool first = true;
+  while (const auto line = TakeLine(bytes)) {
+    const bool comment = line->starts_with("--");
+    text += std::exchange(first, false) ? "\n" : ",\n";
+    text +=
+        one_line({{"record", comment ? "--" : line->substr(0, line->find(','))}, {"text", *line}});
+  }
+  return WithoutControls(text + "\n]}\n");
+}
+
 ExitCode RunRaw(const RawOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
@@ -28,14 +46,7 @@ ExitCode RunRaw(const RawOptions& options, Program& program) {
     program.console.PrintBytes(bytes + "\n");
     return ExitCode::Done;
   }
-  Json records = Json::array();
-  std::string_view rest = bytes;
-  while (const auto line = TakeLine(rest)) {
-    const bool comment = line->starts_with("--");
-    records.push_back(
-        {{"record", comment ? "--" : line->substr(0, line->find(','))}, {"text", *line}});
-  }
-  program.console.Print(JsonText({{"raw", path}, {"records", std::move(records)}}));
+  program.console.Print(RawJson(path, bytes));
   return ExitCode::Done;
 }
 
@@ -44,9 +55,10 @@ ExitCode RunRaw(const RawOptions& options, Program& program) {
 void AddRawCommand(CLI::App& app, Program& program) {
   Command<RawOptions> command(app, program, "raw", "Print the raw data file of a job", RunRaw);
   command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_flag("--json", command.options->json, "Print JSON, a record each line");
+  command.sub.add_flag("--json", command.options->json,
+                       "Print JSON, each record on a line of its own");
   command.sub.footer(
-      "Every setup, shot, stored point and receiver position is there, oldest first.\n"
+      "Every setup, observation, stored and deleted point and comment, oldest first.\n"
       "Example: tarvex raw site.crd");
 }
 
