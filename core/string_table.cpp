@@ -25,8 +25,8 @@ constexpr std::array kEntries = {
     Entry{1003, "%s is not a coordinate file, or its header is damaged; nothing was changed."},
     Entry{1004, "The older coordinate file %s cannot be converted: %s. It is as before."},
     Entry{1005,
-          "An interrupted change of %s cannot be completed: %s. Nothing is lost; mend this and "
-          "open the job again."},
+          "An interrupted change of %s cannot be completed: %s. Nothing is lost: remove the "
+          "cause and open the job again."},
     Entry{1006, "The coordinate file %s cannot be read: %s."},
     Entry{
         1007,
@@ -67,9 +67,9 @@ constexpr std::array kEntries = {
     Entry{2206, "\" is not known; the projection of the system was left as it was."},
     Entry{2207, "The library %s cannot be loaded: %s"},
     Entry{2208, "The library %s has no entry \"%s\"."},
-    Entry{2210, "This system cannot be used: its ellipsoid is missing or is none of the earth."},
+    Entry{2210, "This system cannot be used: its ellipsoid is missing or is not like the earth."},
     Entry{2211, "This system cannot be used: its scale factor is missing or far from 1."},
-    Entry{2212, "This system cannot be used: its central meridian is no longitude."},
+    Entry{2212, "This system cannot be used: its central meridian is not a longitude."},
     Entry{2213, "This system cannot be used: its latitude of origin does not suit the projection."},
     Entry{2214,
           "This system cannot be used: its standard parallels are missing or do not suit the "
@@ -128,7 +128,7 @@ constexpr std::array kEntries = {
     Entry{3024, "The port %s could not be opened."},
     Entry{3025, "Only %s of %s bytes arrived within %s ms."},
     Entry{3029, "The system says: %s."},
-    Entry{3032, "The line is no stream or caster record."},
+    Entry{3032, "The line is not a stream or caster record."},
     Entry{3039, "The caster record has no host or no port."},
     Entry{3040, "The caster did not answer the request."},
     Entry{3083, "The caster has disconnected."},
@@ -136,12 +136,13 @@ constexpr std::array kEntries = {
     Entry{3233, "Cancelled."},
     Entry{3281, "The connection to the caster could not be opened."},
     Entry{3300,
-          "\"%s\" is no port: give serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated."},
+          "\"%s\" is not a port: give serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated."},
     Entry{3301,
           "The serial port has no device: give serial:DEVICE[@BAUD], as in "
           "serial:/dev/ttyUSB0@115200."},
-    Entry{3302, "\"%s\" is no baud rate from 110 to 256000."},
-    Entry{3303, "\"%s\" is no HOST:PORT with a port from 1 to 65535, as in tcp:192.168.1.20:9001."},
+    Entry{3302, "\"%s\" is not a baud rate from 110 to 256000."},
+    Entry{3303,
+          "\"%s\" is not HOST:PORT with a port from 1 to 65535, as in tcp:192.168.1.20:9001."},
     Entry{3304, "The log has no name: give file:LOG."},
     Entry{3310, "Connecting to Server"},
     Entry{3311, "Connecting to broadcaster"},
@@ -181,7 +182,7 @@ constexpr std::array kEntries = {
     Entry{3401,
           "The connection could not be prepared for reading: another reader has the port, or the "
           "port has failed."},
-    Entry{3405, "Reading from the receiver failed: it sends nothing or the connection is lost."},
+    Entry{3405, "The receiver sends nothing: look at the cable, the address and the baud rate."},
     Entry{3406, "The receiver sends no position sentence of the chosen kind."},
     Entry{3407, "No fix: the receiver has no position, or is not connected."},
     Entry{3408, "The receiver sent invalid data."},
@@ -206,6 +207,7 @@ constexpr std::array kEntries = {
     Entry{3445, "VRMS is %s; the limit is %s."},
     Entry{3446, "PDOP is %s; the limit is %s."},
     Entry{3447, "The age of the corrections is %s s; the limit is %s s."},
+    Entry{3448, "The solution is %s; it must be %s."},
     Entry{3450, "unknown"},
     // Keeping what a receiver sends
     Entry{3460, "The stream log %s cannot be created: %s."},
@@ -244,11 +246,11 @@ constexpr std::array kEntries = {
     Entry{4105, "The grid file %s gives a size that no grid has: %s."},
     Entry{4106, "The grid file %s holds a bad value: %s."},
     Entry{4107, "The grid files %s and %s do not cover the same nodes."},
-    Entry{4110, "this is no localization file: %s"},
+    Entry{4110, "this is not a localization file: %s"},
     Entry{4111, "the point has no value \"%s\""},
     Entry{4112, "the value of \"%s\" cannot be read: \"%s\""},
     Entry{4113, "the value of \"%s\" is out of range: %s"},
-    Entry{4114, "this is no localization: the record \"%s\" with the units \"%s\" is missing"},
+    Entry{4114, "this is not a localization: the record \"%s\" with the units \"%s\" is missing"},
     Entry{4115, "the file cannot be read: %s"},
     Entry{4120, "%s horizontally, scale %s ppm from 1, turned %s clockwise"},
     Entry{4121, "%s vertically, shift %s m, tilt %s ppm to the north, %s ppm to the east"},
@@ -263,7 +265,7 @@ constexpr std::array kEntries = {
           "The scale is %s ppm from 1: check the units, the projection and the points, or fix the "
           "scale."},
     Entry{4134,
-          "%s misses the place that the other points give it by %s: check it, or leave it out."},
+          "%s lies %s from the place that the other points give it: check it, or leave it out."},
     Entry{4135,
           "%s of %s points of the job lie outside of the control points, the farthest by %s."},
     Entry{4136, "With %s the vertical fit has no check."},
@@ -293,10 +295,10 @@ constexpr std::array kEntries = {
     Entry{4162, "The shift grid is missing or damaged; no grid correction is made."},
     Entry{4163, "There is no datum shift \"%s\"."},
     Entry{4164, "The definition gives no TOWGS84 that the datum could be shifted by."},
-    Entry{
-        4165,
-        "\"%s\" is no datum shift: TOWGS84= takes dX,dY,dZ in metres, and behind them rX,rY,rZ in "
-        "seconds of arc and the scale in ppm, or nothing."},
+    Entry{4165,
+          "\"%s\" is not a datum shift: TOWGS84= takes dX,dY,dZ in metres, and behind them "
+          "rX,rY,rZ in "
+          "seconds of arc and the scale in ppm, or nothing."},
     Entry{4166,
           "This projection takes WGS84 positions and shifts the datum itself: no shift can be "
           "named."},

@@ -24,7 +24,7 @@ constexpr const char* kNoTls =
     "Encrypted casters (TLS) are not supported: ask for the caster's plain port, often 2101, and "
     "give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
 constexpr const char* kNoPasswordHere =
-    "A password does not belong into an argument, where every user of this machine can read it: "
+    "A password does not belong in an argument, where every user of this machine can read it: "
     "give --password-file FILE, set TARVEX_NTRIP_PASSWORD, or type it when asked.";
 
 bool IsEncrypted(std::string_view text) {

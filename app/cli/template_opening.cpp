@@ -25,7 +25,8 @@ std::optional<RoadTemplate> OpenTemplate(Program& program, const std::string& pa
     return std::nullopt;
   }
   if (road.section->text.find("*SURFACE") != std::string::npos) return std::move(road.section);
-  (void)program.Fail(path + " is no template: it has neither a *SURFACEL nor a *SURFACER section.");
+  (void)program.Fail(path +
+                     " is not a template: it has neither a *SURFACEL nor a *SURFACER section.");
   return std::nullopt;
 }
 

@@ -10,6 +10,7 @@ namespace tarvex {
 namespace {
 
 constexpr int kFirstText = 3440;
+constexpr int kBestSolutionText = 3448;
 constexpr int kUnknownText = 3450;
 constexpr int kPrecisionDecimals = 3;
 constexpr int kOtherDecimals = 1;
@@ -106,6 +107,10 @@ std::optional<GateRefusal> CheckGate(const GateLimits& limits, const GnssPositio
 }
 
 std::string RefusalSentence(const GateRefusal& refusal) {
+  // There is no solution better than FIXED.
+  const bool best =
+      refusal.limit == Limit::Solution && refusal.wanted == SolutionText(SolutionType::Fixed);
+  if (best) return Strings().Text(kBestSolutionText, {refusal.has, refusal.wanted});
   return Strings().Text(kFirstText + static_cast<int>(refusal.limit),
                         {refusal.has, refusal.wanted});
 }

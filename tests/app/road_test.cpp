@@ -345,7 +345,7 @@ TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
   }
   const ProgramResult no_template = folder_.Run("road section site.cl --elevation 1");
   EXPECT_EQ(no_template.exit_code, 1);
-  EXPECT_THAT(no_template.errors, HasSubstr("site.cl is no template"));
+  EXPECT_THAT(no_template.errors, HasSubstr("site.cl is not a template"));
   folder_.Write("far.tpl", "*SURFACEL\nMOVESL,1e999,-2%,EP\n");
   EXPECT_THAT(folder_.Run("road section far.tpl --elevation 1").errors,
               HasSubstr("far.tpl line 2: a number is out of range"));

@@ -40,7 +40,7 @@ TEST(QualityGate, NamesTheLimitThatRefuses) {
       {[](GnssPositionState& s) { s.position_read_at_ms = 2500; },
        "The position is 3.5 s old; the limit is 2.0 s."},
       {[](GnssPositionState& s) { s.solutionType = SolutionType::Float; },
-       "The solution is FLOAT; it must be FIXED or better."},
+       "The solution is FLOAT; it must be FIXED."},
       {[](GnssPositionState& s) { s.satellites = 5; },
        "There are 5 satellites; there must be 6 or more."},
       {[](GnssPositionState& s) { s.hrms = 0.0501; }, "HRMS is 0.0501; the limit is 0.0500."},

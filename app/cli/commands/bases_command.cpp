@@ -234,7 +234,7 @@ ExitCode RunBases(const BasesOptions& options, Program& program) {
   if (options.known && options.save) return program.Misuse("Give --save or --known, not both.");
   if (!ParsePlace(options.near, place)) {
     return program.Misuse("\"" + options.near +
-                          "\" is no position: give LATITUDE,LONGITUDE in decimal degrees.");
+                          "\" is not a position: give LATITUDE,LONGITUDE in decimal degrees.");
   }
   if (options.known) return ShowKnown(options, caster, place, program);
   if (!FindPassword(options.password_file, caster, problem)) return program.Misuse(problem);
@@ -255,7 +255,7 @@ void AddBasesCommand(CLI::App& app, Program& program) {
   command.sub.add_flag("--save", command.options->save,
                        "Keep what the caster offers, for where there is no network");
   command.sub.add_flag("--known", command.options->known,
-                       "List what is kept, of this caster or of all, without asking anybody");
+                       "List what is kept, of this caster or of all, without a network");
   command.sub.add_flag("--json", command.options->json, "Print JSON");
 }
 

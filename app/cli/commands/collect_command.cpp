@@ -74,7 +74,7 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
   const auto start = ParseLocalTime(options.recorded_at);
   if (!start) {
     return program.Misuse("\"" + options.recorded_at +
-                          "\" is no date and time: give --recorded-at \"2026-11-21 10:15:30\".");
+                          "\" is not a date and time: give --recorded-at \"2026-11-21 10:15:30\".");
   }
   if (!options.session.receiver.address.starts_with("file:")) {
     return program.Misuse("--recorded-at is for recordings: give --receiver file:LOG.");
@@ -97,7 +97,8 @@ void AddCollectCommand(CLI::App& app, Program& program) {
       "quality in the notes. Ctrl-C ends the session between two points.");
   sub.add_option("JOB.crd", options.job, "The job's coordinate file")->required();
   AddSessionOptions(sub, options.session)->required();
-  sub.add_option("--count", options.count, "Points to store (default: 1); 0: until the end")
+  sub.add_option("--count", options.count,
+                 "Points to store (default: 1); 0: until Ctrl-C or the end of a recording")
       ->check(CLI::Range(0LL, 1000000000LL));
   sub.add_option("--first", options.first, "Id of the first point (default: the next of the job)");
   sub.add_option("--description", options.description, "Description of the points");

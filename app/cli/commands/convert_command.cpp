@@ -240,8 +240,9 @@ void AddConvertCommand(CLI::App& app, Program& program) {
                "Below every line the value after each step, with its parameters, grid or geoid");
   sub.add_flag("--strict", options.strict,
                "Refuse a line when a step was left undone (a grid missing, a point outside of it)");
-  auto* json = sub.add_flag("--json", options.json,
-                            "Print a JSON object a line, with its steps when --explain is given");
+  auto* json =
+      sub.add_flag("--json", options.json,
+                   "Print a JSON object for each line, with its steps when --explain is given");
   sub.add_option("--decimals", options.decimals,
                  "Decimals written (default: 4 of grid coordinates, 10 of degrees)")
       ->excludes(json)

@@ -90,7 +90,7 @@ void AddGridInfoCommand(CLI::App& grid, Program& program) {
       ->required();
   command.sub.add_flag("--json", options.json, "Print JSON");
   command.sub.footer(
-      "Each file is read and checked whole: one that is told here can be used.\n"
+      "Each file is read and checked whole: one that is listed can be used.\n"
       "Example: tarvex grid info X2c.grd Y2c.grd");
 }
 
@@ -116,7 +116,8 @@ void AddGridPackCommand(CLI::App& grid, Program& program) {
 }  // namespace
 
 void AddGridCommand(CLI::App& app, Program& program) {
-  CLI::App& grid = *app.add_subcommand("grid", "Shift grids and geoid models: tell, pack");
+  CLI::App& grid =
+      *app.add_subcommand("grid", "Shift grids and geoid models: what a file is, make the files");
   grid.require_subcommand(1);
   grid.footer("Start with: tarvex grid info FILE");
   AddGridInfoCommand(grid, program);

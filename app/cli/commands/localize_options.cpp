@@ -35,9 +35,10 @@ void AddPointOptions(CLI::App& sub, LocalizeOptions& options) {
 
 void AddListOptions(CLI::App& sub, LocalizeOptions& options) {
   const std::string group = "Changing the list (points by their number in it)";
-  sub.add_option("--toggle-horizontal", options.toggle_horizontal, "Use horizontally, or no more")
+  sub.add_option("--toggle-horizontal", options.toggle_horizontal,
+                 "Use them horizontally, or no longer")
       ->group(group);
-  sub.add_option("--toggle-vertical", options.toggle_vertical, "Use vertically, or no more")
+  sub.add_option("--toggle-vertical", options.toggle_vertical, "Use them vertically, or no longer")
       ->group(group);
   sub.add_option("--remove", options.remove, "Take points off the list")->group(group);
   sub.add_option("--from", options.from, "Take the whole list from another .loc file")

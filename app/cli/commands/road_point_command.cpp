@@ -144,7 +144,7 @@ void AddRoadPointCommand(CLI::App& road, Program& program) {
   AddExistingOption(sub, options.existing);
   sub.add_option("--svg", options.svg, "Draw the point on the alignment into this file");
   sub.footer(
-      "Example: tarvex road point road.cl 1+210 -3.6 --elevation 101.6 --store site.crd "
+      "Example: tarvex road point road.cl 1+210 -3.6 --elevation 1101.6 --store site.crd "
       "--id R1");
 }
 

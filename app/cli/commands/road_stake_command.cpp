@@ -196,7 +196,7 @@ void AddRoadStakeCommand(CLI::App& road, Program& program) {
       ->needs("--store");
   AddExistingOption(sub, options.existing);
   sub.footer(
-      "One line a position: where it is, how to go forward and right along the road, north and "
+      "One line per position: where it is, how to go forward and right along the road, north and "
       "east,\n"
       "cut (C) or fill (F). ON THE STAKE needs a FIXED position inside both tolerances.");
 }

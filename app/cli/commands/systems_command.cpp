@@ -162,7 +162,7 @@ void AddSystemsCommand(CLI::App& app, Program& program) {
   SystemsOptions& options = *command.options;
   CLI::App& sub = command.sub;
   sub.footer(
-      "Names are paths: COUNTRY/DATUM/ZONE. A system marked [needs --datum-shift] stands on a "
+      "Names are paths: COUNTRY/DATUM/ZONE. A system marked [needs --datum-shift] is on a "
       "datum\n"
       "whose way to WGS84 the catalogue does not know: name one when a job is made on it.\n"
       "Example: tarvex systems zone 32\n"
@@ -170,8 +170,8 @@ void AddSystemsCommand(CLI::App& app, Program& program) {
       "         tarvex systems EPSG:25832\n"
       "         tarvex systems --add \"SITE/Tunnel\" --definition tunnel.txt");
   sub.add_option("TEXT", options.words,
-                 "Only those with this text, or all of its words, in their name, with these words "
-                 "in the area where they are used, or of this EPSG code");
+                 "Part of a name, words of a name or of the area where the system is used, or an "
+                 "EPSG code");
   sub.add_flag("--own", options.own, "Only those of your own catalogue");
   sub.add_flag("--json", options.json, "Print JSON, with the definition texts");
   auto* add =
