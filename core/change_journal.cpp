@@ -106,7 +106,7 @@ FileStatus AppendEntry(FileSystem& files, const std::string& path, JournalPlace&
   const std::uint64_t end = place.end + bytes.size();
   FileStatus status = files.Open(name, FileAccess::ReadWrite, journal);
   const bool created = status.not_found();
-  if (created) status = files.Open(name, FileAccess::CreateOrKeep, journal);
+  if (created) status = MakeBeside(files, path, name, journal);
   if (status.ok()) status = journal->Size(size);
   if (end > size) bytes.resize(bytes.size() + (kJournalPiece - end % kJournalPiece), '\0');
   if (status.ok()) status = journal->WriteAt(place.end, bytes);
@@ -270,8 +270,8 @@ FileStatus FinishFile(FileSystem& files, const std::string& path, File& coordina
   if (which == JobFile::Coordinates) return CarryOutAgain(coordinates, which, changes);
   std::unique_ptr<File> file;
   const bool began = changes.front()->old_size == 0;
-  const FileStatus status =
-      files.Open(name, began ? FileAccess::CreateOrKeep : FileAccess::ReadWrite, file);
+  FileStatus status = files.Open(name, FileAccess::ReadWrite, file);
+  if (status.not_found() && began) status = MakeBeside(files, path, name, file);
   if (status.not_found()) return {};
   return status.ok() ? CarryOutAgain(*file, which, changes) : status;
 }

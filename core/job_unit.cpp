@@ -52,6 +52,7 @@ struct JobUnit::Opened {
   std::unique_ptr<File> notes;
   std::unique_ptr<File> replacement;  // of the coordinate file
   NotesChange notes_change;
+  std::string refused;  // the path of a file beside that cannot be opened
 };
 
 std::unique_ptr<JobUnit> JobUnit::Begin(Job& job) {
@@ -91,7 +92,10 @@ void JobUnit::EditNote(std::string_view point_id, NoteEdit edit) {
 FileStatus JobUnit::GatherRaw(Opened& opened, JobChange& change) {
   if (raw_.empty()) return {};
   std::uint64_t size = 0;
-  if (FileStatus status = OpenRawFile(job_, opened.raw, size); !status.ok()) return status;
+  if (FileStatus status = OpenRawFile(job_, opened.raw, size); !status.ok()) {
+    opened.refused = RawFilePath(job_);
+    return status;
+  }
   const std::string text = RawFileAddition(job_, size, raw_);
   change.push_back({.file = JobFile::Raw,
                     .old_size = size,
@@ -102,7 +106,10 @@ FileStatus JobUnit::GatherRaw(Opened& opened, JobChange& change) {
 
 FileStatus JobUnit::GatherNotes(Opened& opened, JobChange& change) {
   if (notes_.empty()) return {};
-  if (FileStatus status = OpenNotes(job_, notes_, opened.notes); !status.ok()) return status;
+  if (FileStatus status = OpenNotes(job_, notes_, opened.notes); !status.ok()) {
+    opened.refused = PointNotesPath(job_);
+    return status;
+  }
   if (!opened.notes) return {};  // nothing to take out of a file that does not exist
   FileStatus status = MakeNotesChange(job_, *opened.notes, notes_, opened.notes_change);
   if (status.ok() && opened.notes_change.change) change.push_back(*opened.notes_change.change);
@@ -154,7 +161,8 @@ ChangeResult JobUnit::Refuse(const Opened& opened, const FileStatus& status) {
   if (opened.replacement) (void)job_.host.files().Remove(ReplacementPath(job_.path));
   TakeBackJobState();
   done_ = true;
-  job_.host.ShowMessage(Strings().Text(kNothingChanged, {job_.path, status.Text()}));
+  const std::string which = opened.refused.empty() ? "" : opened.refused + ": ";
+  job_.host.ShowMessage(Strings().Text(kNothingChanged, {job_.path, which + status.Text()}));
   return ChangeResult::Nothing;
 }
 

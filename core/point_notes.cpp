@@ -178,10 +178,14 @@ std::string NoteKey(std::string_view point_id) {
 FileStatus OpenNotes(Job& job, const NoteEdits& edits, std::unique_ptr<File>& file) {
   const bool writes = std::any_of(edits.begin(), edits.end(),
                                   [](const auto& edit) { return WritesBlock(edit.second); });
-  const FileStatus status =
-      OpenLocked(job.host.files(), PointNotesPath(job),
-                 writes ? FileAccess::CreateOrKeep : FileAccess::ReadWrite, file);
-  return status.not_found() && !writes ? FileStatus{} : status;
+  FileSystem& files = job.host.files();
+  const std::string path = PointNotesPath(job);
+  FileStatus status = OpenLocked(files, path, FileAccess::ReadWrite, file);
+  if (!status.not_found()) return status;
+  if (!writes) return {};
+  std::unique_ptr<File> made;
+  status = MakeBeside(files, job.path, path, made);
+  return status.ok() ? OpenLocked(files, path, FileAccess::ReadWrite, file) : status;
 }
 
 FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesChange& change) {

@@ -15,7 +15,10 @@ struct RawEnd {
 };
 
 FileStatus OpenAtEnd(Job& job, RawEnd& end) {
-  FileStatus status = job.host.files().Open(RawFilePath(job), FileAccess::CreateOrKeep, end.file);
+  FileSystem& files = job.host.files();
+  const std::string path = RawFilePath(job);
+  FileStatus status = files.Open(path, FileAccess::ReadWrite, end.file);
+  if (status.not_found()) status = MakeBeside(files, job.path, path, end.file);
   if (status.ok()) status = end.file->Lock();
   if (status.ok()) status = end.file->Size(end.size);
   return status;

@@ -13,6 +13,14 @@ std::string FileStatus::Text() const {
   return std::generic_category().message(code);
 }
 
+FileStatus MakeBeside(FileSystem& files, const std::string& model, const std::string& path,
+                      std::unique_ptr<File>& file) {
+  const FileStatus status = files.Open(path, FileAccess::CreateOrKeep, file);
+  // Not every file system knows owners; the file is of use without.
+  if (status.ok()) (void)files.CopyRights(model, path);
+  return status;
+}
+
 FileStatus ReadWholeFile(FileSystem& files, const std::string& path, std::uint64_t limit,
                          std::string& bytes) {
   std::unique_ptr<File> file;

@@ -96,6 +96,12 @@ class FileSystem {
 FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess access,
                       std::unique_ptr<File>& file);
 
+/// Makes `path`, which is missing and belongs beside `model`, and opens it: it gets the owner,
+/// group and rights of `model`, as far as this user may give them, so that who works on the one can
+/// work on the other.
+FileStatus MakeBeside(FileSystem& files, const std::string& model, const std::string& path,
+                      std::unique_ptr<File>& file);
+
 /// The files of this machine.
 FileSystem& SystemFiles();
 

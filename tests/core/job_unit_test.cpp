@@ -470,5 +470,28 @@ TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
   EXPECT_EQ(State(host), before);
 }
 
+// Root at work on a surveyor's job must not shut the surveyor out of it.
+TEST(JobUnit, GivesFilesItMakesTheRightsOfTheCoordinateFile) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  ASSERT_TRUE(Measure(job, "1", 1.0, Settling::Later));
+  const std::map<std::string, std::string> expected = {
+      {kRawPath, kJobPath}, {kNotesPath, kJobPath}, {kJournalPath, kJobPath}};
+  EXPECT_EQ(host.memory.rights_like, expected);
+}
+
+TEST(JobUnit, NamesTheFileThatCannotBeWritten) {
+  for (const char* path : {kRawPath, kNotesPath}) {
+    TestHost host;
+    Prepare(host, true);
+    host.memory.MakeReadOnly(path);
+    Job job = MakeJob(host, true);
+    EXPECT_FALSE(Measure(job, "50", 5.0));
+    ASSERT_EQ(host.messages.size(), 1U);
+    EXPECT_EQ(host.messages[0],
+              "/jobs/site.crd was not changed: " + std::string(path) + ": Permission denied.");
+  }
+}
+
 }  // namespace
 }  // namespace tarvex

@@ -62,6 +62,21 @@ TEST(ReplacedFile, KeepsOwnerGroupAndRights) {
   EXPECT_EQ(Info(path).st_mode & 07777, 0640U);
 }
 
+TEST(FileMadeBesideAnother, BelongsToTheSameUser) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+  const ScratchFolder folder;
+  const std::string model = folder.Path("site.crd");
+  const std::string path = folder.Path("site.not");
+  Write(model, "points");
+  ASSERT_EQ(::chown(model.c_str(), kSomebody, kSomebodyElse), 0);
+  ASSERT_EQ(::chmod(model.c_str(), 0640), 0);
+  std::unique_ptr<File> file;
+  ASSERT_TRUE(MakeBeside(SystemFiles(), model, path, file).ok());
+  EXPECT_EQ(Info(path).st_uid, kSomebody);
+  EXPECT_EQ(Info(path).st_gid, kSomebodyElse);
+  EXPECT_EQ(Info(path).st_mode & 07777, 0640U);
+}
+
 // A member of the group may write into the file, but not give a new one to its owner.
 TEST(RewrittenFile, OfSomebodyElseStaysTheirs) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can be somebody else";

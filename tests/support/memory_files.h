@@ -55,8 +55,14 @@ class MemoryFiles final : public FileSystem {
   FileStatus Rename(const std::string& from, const std::string& to) override;
   FileStatus RenameToNew(const std::string& from, const std::string& to) override;
   FileStatus SyncFolderOf(const std::string& path) override;
-  FileStatus CopyRights(const std::string&, const std::string&) override { return {}; }
+  FileStatus CopyRights(const std::string& model, const std::string& path) override {
+    rights_like[path] = model;
+    return {};
+  }
   bool IsReplaceable(const std::string& path) override { return !irreplaceable_.contains(path); }
+
+  /// The file that a path was given the rights of.
+  std::map<std::string, std::string> rights_like;
 
   // For the open files.
   FileStatus Write(Node& node, std::uint64_t offset, std::string_view bytes);
