@@ -17,9 +17,10 @@ ExitCode SettleGate(const SessionOptions& options, const Settings& job_settings,
   ReadGateLimits(job_settings.Text(), gate);
   for (const auto& [key, value] : options.gates) {
     if (value.empty() || SetGateLimit(key, value, gate)) continue;
-    return program.Misuse(
-        "\"" + value + "\" is not a value for the limit " + key + ": " +
-        (key == "gate_solution" ? "fixed, float, dgps or autonomous." : "a number of 0 or more."));
+    return program.Misuse("\"" + value + "\" is not a value for the limit " + key + ": " +
+                          (key == "gate_solution"     ? "fixed, float, dgps or autonomous."
+                           : key == "gate_satellites" ? "a whole number of 0 or more."
+                                                      : "a number of 0 or more."));
   }
   return ExitCode::Done;
 }

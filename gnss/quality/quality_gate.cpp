@@ -1,6 +1,7 @@
 #include "gnss/quality/quality_gate.h"
 
 #include <array>
+#include <cmath>
 
 #include "core/number_text.h"
 #include "core/string_table.h"
@@ -121,7 +122,7 @@ bool SetGateLimit(std::string_view key, std::string_view value, GateLimits& limi
   if (!number || *number < 0.0) return false;
   if (key == "gate_satellites") {
     constexpr double kMost = 1000.0;
-    if (*number > kMost) return false;
+    if (*number > kMost || *number != std::floor(*number)) return false;
     limits.satellites = static_cast<int>(*number);
     return true;
   }

@@ -31,7 +31,8 @@ TEST(QualityGate, NamesTheLimitThatRefuses) {
   EXPECT_FALSE(CheckGate(limits, {}, 1'000'000).has_value()) << "no limit, no refusal";
   ReadGateLimits(
       "gate_solution=fixed\ngate_hrms=0.05\ngate_vrms=0.1\ngate_pdop=4\ngate_satellites=6\n"
-      "gate_age=5\ngate_stale=2\ngate_hrms=wrong\n",
+      "gate_age=5\ngate_stale=2\ngate_hrms=wrong\n"
+      "gate_satellites=99.5\n",
       limits);
   EXPECT_FALSE(CheckGate(limits, Good(), 6000).has_value());
   const std::pair<void (*)(GnssPositionState&), const char*> cases[] = {
