@@ -201,14 +201,18 @@ void WaitForPoints(const ProgramFolder& folder, int points) {
   }
 }
 
-TEST(Collect, LeavesAWholeJobWhenInterrupted) {
+// By Ctrl-C, by another program, and when the terminal is closed.
+class CollectInterrupted : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Signals, CollectInterrupted, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_P(CollectInterrupted, LeavesAWholeJob) {
   ProgramFolder folder;
   MakeSite(folder);
   LoopbackReceiver receiver(Epoch(1) + Epoch(2));
   const pid_t process =
       folder.Start("collect site.crd --count 50 --receiver " + receiver.address() + kPlain);
   WaitForPoints(folder, 2);
-  ::kill(process, SIGINT);
+  ::kill(process, GetParam());
   const auto before = std::chrono::steady_clock::now();
   const ProgramResult result = folder.Finish(process);
   EXPECT_LT(std::chrono::steady_clock::now() - before, 3s);

@@ -111,7 +111,8 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
   if (end == SessionEnd::RecordingEnded && staking.shown() == 0) {
     return program.Fail("The receiver gave no position to stake from.");
   }
-  return TellSessionEnd(program, staking, plan, end, plan.count == 0);
+  const bool done = !plan.store || staking.stored() > 0;
+  return TellSessionEnd(program, staking, plan, end, plan.count == 0 && done);
 }
 
 // The position that was entered, or the point of the job: what was typed is stored as typed.
