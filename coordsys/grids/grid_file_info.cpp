@@ -88,7 +88,7 @@ GridStatus ReadGridFileInfo(FileSystem& files, const std::string& path, LoadProg
   const auto kind =
       KindOf(bytes.view(), dot == std::string::npos ? "" : LowerCase(path.substr(dot)));
   if (!kind)
-    return {GridProblem::NotThisFormat, path, "its first bytes and its ending say nothing"};
+    return {GridProblem::NotThisFormat, path, "neither its first bytes nor its name tell of which"};
   info = {.kind = *kind, .parts = {}, .from_system = "", .to_system = ""};
   switch (*kind) {
     case GridFileKind::SurfaceText:
