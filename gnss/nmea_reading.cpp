@@ -88,8 +88,9 @@ class NmeaReading {
         case LineSource::Outcome::Failed:
           return GnssReadResult::PortReadFailed;
         case LineSource::Outcome::Abandoned:
-        case LineSource::Outcome::OutOfTime:
           return GnssReadResult::NoPositionSentence;
+        case LineSource::Outcome::OutOfTime:
+          return IsSilent() ? GnssReadResult::PortReadFailed : GnssReadResult::NoPositionSentence;
       }
       GnssReadResult result{};
       if (Take(text, result)) return result;
@@ -98,6 +99,12 @@ class NmeaReading {
   }
 
  private:
+  // No line of any kind has come for as long as one is waited for.
+  bool IsSilent() const {
+    constexpr std::int64_t kSilenceMs = 1000;
+    return connection_.clock.SteadyMilliseconds() - state_.sentence_read_at_ms >= kSilenceMs;
+  }
+
   // True when the reading is over, with `result`.
   bool Take(std::string_view line, GnssReadResult& result) {
     switch (TakeLine(line)) {

@@ -279,5 +279,15 @@ TEST_F(Collecting, SaysWhatAReceiverThatSendsNoPositionLacks) {
   EXPECT_EQ(told.front().result, GnssReadResult::NoPositionSentence);
 }
 
+TEST_F(Collecting, CallsASilentReceiverSilent) {
+  connections.push_back({.input = Epoch(1)});
+  plan.count = 2;
+  plan.patience_ms = 8'500;
+  EXPECT_EQ(Run(), SessionEnd::NoPosition);
+  const std::vector<NoPosition> told = listener.Of<NoPosition>();
+  ASSERT_FALSE(told.empty());
+  for (const NoPosition& none : told) EXPECT_EQ(none.result, GnssReadResult::PortReadFailed);
+}
+
 }  // namespace
 }  // namespace tarvex

@@ -120,6 +120,9 @@ class ScriptedLine final : public ByteDevice {
     got = std::min(out.size(), LineIsDue());
     now_.input.copy(out.data(), got);
     now_.input.erase(0, got);
+    if (got > 0 && out[got - 1] == '\n') {
+      next_line_ms_ = clock_.SteadyMilliseconds() + now_.line_ms;
+    }
     if (got > 0 || !now_.input.empty()) return {};
     if (now_.hangs_up) return {DeviceStatus::kHungUp};
     clock_.SleepMilliseconds(std::max<std::int64_t>(1, timeouts_.read.constant_ms));
@@ -143,7 +146,6 @@ class ScriptedLine final : public ByteDevice {
     const auto timeout_ms = std::max<std::int64_t>(1, timeouts_.read.constant_ms);
     if (wait_ms > 0) clock_.SleepMilliseconds(std::min(wait_ms, timeout_ms));
     if (wait_ms > timeout_ms) return 0;
-    next_line_ms_ = clock_.SteadyMilliseconds() + now_.line_ms;
     return now_.input.find('\n') + 1;
   }
 
