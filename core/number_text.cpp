@@ -76,7 +76,7 @@ std::optional<std::uint64_t> QuickUnits(double magnitude, int decimals) {
   const double shifted = magnitude * 134217729.0;  // 2^27 + 1
   const double high = shifted - (shifted - magnitude);
   const double low = magnitude - high;
-  const auto units = static_cast<std::uint64_t>(product + 0.5);
+  const auto units = static_cast<std::uint64_t>(std::floor(product + 0.5));
   const double rest = (high * scale - static_cast<double>(units)) + low * scale;
   constexpr double kHair = 1e-6;
   if (std::fabs(std::fabs(rest) - 0.5) < kHair) return std::nullopt;

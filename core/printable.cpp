@@ -39,15 +39,15 @@ Character FirstCharacter(std::string_view text) {
 void TakeShown(std::string_view& rest, bool one_line, std::string& shown) {
   const char c = rest.front();
   std::size_t taken = 1;
-  if (!one_line && (c == '\n' || c == '\t')) {
+  const bool layout = !one_line && (c == '\n' || c == '\t');
+  const bool plain = !IsControl(c) && static_cast<unsigned char>(c) < 0x80;
+  if (layout || plain) {
     shown += c;
   } else if (!one_line && rest.starts_with("\r\n")) {
     shown += "\r\n";
     taken = 2;
   } else if (IsControl(c)) {
     shown += ' ';
-  } else if (static_cast<unsigned char>(c) < 0x80) {
-    shown += c;
   } else if (const Character character = FirstCharacter(rest); character.length > 1) {
     taken = character.length;
     if (character.code < 0xA0) {

@@ -132,8 +132,10 @@ class SectionPainter {
   // Away from the road, above the ground.
   static void CatchText(SvgPicture& picture, int side, const DrawingPoint& at,
                         const std::string& text, double up) {
+    constexpr int kPlaces = 6;
     std::vector<SvgPicture::Place> places;
-    for (int step = 0; step < 6; ++step) {
+    places.reserve(kPlaces);
+    for (int step = 0; step < kPlaces; ++step) {
       places.push_back({at,
                         {.size = 11.0,
                          .color = kSlopeColor,

@@ -143,6 +143,7 @@ std::string_view SettingValues(std::string_view key) {
 
 std::vector<std::string_view> SettingKeys() {
   std::vector<std::string_view> keys;
+  keys.reserve(std::size(kSettings));
   for (const Setting& setting : kSettings) keys.push_back(setting.key);
   return keys;
 }

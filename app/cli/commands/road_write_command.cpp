@@ -1,5 +1,7 @@
 // tarvex road write: the centerline back into a file, as it was or restationed.
+#include <algorithm>
 #include <map>
+#include <vector>
 
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/road_commands.h"
@@ -33,11 +35,12 @@ std::string Restationed(const OpenedRoad& road) {
   }
   // Backward: what a record was merged into may have been merged later.
   const auto& merged = road.road.centerline->merged;
-  for (auto gone = merged.rbegin(); gone != merged.rend(); ++gone) {
-    const auto kept = by_line.find(gone->into);
-    if (kept != by_line.end() && gone->line > 0) by_line[gone->line] = kept->second;
-  }
+  std::for_each(merged.rbegin(), merged.rend(), [&by_line](const auto& gone) {
+    const auto kept = by_line.find(gone.into);
+    if (kept != by_line.end() && gone.line > 0) by_line[gone.line] = kept->second;
+  });
   std::vector<LineStation> lines;
+  lines.reserve(by_line.size());
   for (const auto& [line, station] : by_line) lines.push_back({line, station});
   return WithStations(road.road.centerline->text, lines, kStationDecimals);
 }
