@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <random>
 
 #include "core/change_entry.h"
@@ -226,9 +227,40 @@ bool Belong(const std::vector<const FileChange*>& changes, std::uint64_t size) {
   return size >= least && size <= most;
 }
 
-// A text file that somebody worked on meanwhile: what was to be appended still is, once.
-FileStatus AppendWhatIsMissing(File& file, const std::vector<const FileChange*>& changes,
-                               std::uint64_t size) {
+// What the changes append to a text file, in one piece; nothing when they do more than that.
+std::optional<std::string> Appended(const std::vector<const FileChange*>& changes) {
+  std::string appended;
+  std::uint64_t end = changes.front()->old_size;
+  for (const FileChange* change : changes) {
+    const bool appends = change->old_size == end && change->writes.size() == 1 &&
+                         change->writes[0].offset == end && change->writes[0].repeat == 1;
+    if (!appends) return std::nullopt;
+    appended += change->writes[0].bytes;
+    end += change->writes[0].bytes.size();
+  }
+  return appended;
+}
+
+// Whether somebody else wrote behind the place where the changes append. Their own bytes may have
+// been cut short, and zeros stand for those that did not reach the disk.
+FileStatus LookForForeignEnd(File& file, const std::vector<const FileChange*>& changes,
+                             std::uint64_t size, bool& foreign) {
+  const std::uint64_t begin = changes.front()->old_size;
+  const auto appended = Appended(changes);
+  if (!appended || size <= begin) return {};
+  std::string end(static_cast<std::size_t>(size - begin), '\0');
+  std::size_t got = 0;
+  if (FileStatus status = file.ReadAt(begin, end, got); !status.ok()) return status;
+  for (std::size_t i = 0; i < std::min(end.size(), appended->size()); ++i) {
+    foreign = foreign || (end[i] != (*appended)[i] && end[i] != '\0');
+  }
+  return {};
+}
+
+// A text file that somebody worked on meanwhile: what was to be appended still is, once, in lines
+// of its own.
+FileStatus AppendWhatIsMissing(File& file, JobFile which,
+                               const std::vector<const FileChange*>& changes, std::uint64_t size) {
   std::string bytes(static_cast<std::size_t>(size), '\0');
   std::size_t got = 0;
   if (FileStatus status = file.ReadAt(0, bytes, got); !status.ok()) return status;
@@ -236,8 +268,10 @@ FileStatus AppendWhatIsMissing(File& file, const std::vector<const FileChange*>&
     for (const FileWrite& write : change->writes) {
       if (write.offset != change->old_size || bytes.find(write.bytes) != std::string::npos)
         continue;
-      if (FileStatus status = file.WriteAt(bytes.size(), write.bytes); !status.ok()) return status;
-      bytes += write.bytes;
+      const bool cut = which == JobFile::Notes && !bytes.empty() && bytes.back() != '\n';
+      const std::string missing = (cut ? "\n" : "") + write.bytes;
+      if (FileStatus status = file.WriteAt(bytes.size(), missing); !status.ok()) return status;
+      bytes += missing;
     }
   }
   return file.Sync();
@@ -246,8 +280,13 @@ FileStatus AppendWhatIsMissing(File& file, const std::vector<const FileChange*>&
 FileStatus CarryOutAgain(File& file, JobFile which, const std::vector<const FileChange*>& changes) {
   std::uint64_t size = 0;
   if (FileStatus status = file.Size(size); !status.ok()) return status;
-  if (!Belong(changes, size)) {
-    return which == JobFile::Coordinates ? FileStatus{} : AppendWhatIsMissing(file, changes, size);
+  bool foreign = !Belong(changes, size);
+  if (which == JobFile::Coordinates) {
+    if (foreign) return {};
+  } else {
+    if (FileStatus status = LookForForeignEnd(file, changes, size, foreign); !status.ok())
+      return status;
+    if (foreign) return AppendWhatIsMissing(file, which, changes, size);
   }
   for (const FileChange* change : changes) {
     if (FileStatus status = Grow(file, *change); !status.ok()) return status;

@@ -306,26 +306,44 @@ TEST(JobUnit, LeavesTheEntriesOfAnotherProgram) {
   }
 }
 
-// Somebody edited the raw file between the interruption and the next start: the records still come,
-// once, behind what was added.
+// Somebody edited the text files between the interruption and the next start: what the unit says
+// still comes, once, behind what was added.
 TEST(JobUnit, IsFinishedBehindWhatSomebodyAdded) {
+  const std::string records = "\nGPS,PN50\n--GS,PN50";
+  const std::string block = "PT_ID:50\nHRMS,0.010\nSTATUS,FIXED\n";
   TestHost host;
   Prepare(host, true);
+  const std::string raw = host.memory.Bytes(kRawPath);
+  const std::string notes = host.memory.Bytes(kNotesPath);
   Job job = MakeJob(host, true);
   ASSERT_TRUE(Measure(job, "50", 5.0, Settling::Later));
   const std::string journal = host.memory.Bytes(kJournalPath);
   ASSERT_TRUE(CloseJob(job).ok());
-  const std::string raw = host.memory.Bytes(kRawPath);
-  const std::string records = "\nGPS,PN50\n--GS,PN50";
-  ASSERT_TRUE(raw.ends_with(records));
-  const std::string longer =
-      raw.substr(0, raw.size() - records.size()) + "\n--a long remark of somebody";
-  for (const std::string& found : {longer, raw + "\n--later"}) {
+  ASSERT_EQ(host.memory.Bytes(kRawPath), raw + records);
+  ASSERT_EQ(host.memory.Bytes(kNotesPath), notes + block);
+  const struct {
+    std::string raw;
+    std::string finished_raw;
+    std::string notes;
+    std::string finished_notes;
+  } cases[] = {
+      {raw, raw + records, notes, notes + block},
+      {raw + records.substr(0, 5), raw + records, notes + block.substr(0, 9), notes + block},
+      {raw + std::string(7, '\0'), raw + records, notes, notes + block},  // lost with the power
+      {raw + records + "\n--later", raw + records + "\n--later", notes + block + "PT_ID:7\n",
+       notes + block + "PT_ID:7\n"},
+      {raw + "\n--a", raw + "\n--a" + records, notes + "PT_ID:7", notes + "PT_ID:7\n" + block},
+      {raw + "\n--a long remark of somebody", raw + "\n--a long remark of somebody" + records,
+       notes + "PT_ID:7\nNOTE1,a long remark of somebody\n",
+       notes + "PT_ID:7\nNOTE1,a long remark of somebody\n" + block}};
+  for (const auto& c : cases) {
     host.memory.Put(kJournalPath, journal);
-    host.memory.Put(kRawPath, found);
+    host.memory.Put(kRawPath, c.raw);
+    host.memory.Put(kNotesPath, c.notes);
     Job again = MakeJob(host, true);
     ASSERT_NE(OpenCoordinateFile(again), nullptr);
-    EXPECT_EQ(host.memory.Bytes(kRawPath), found == longer ? longer + records : found);
+    EXPECT_EQ(host.memory.Bytes(kRawPath), c.finished_raw);
+    EXPECT_EQ(host.memory.Bytes(kNotesPath), c.finished_notes);
   }
 }
 
