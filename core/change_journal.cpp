@@ -66,6 +66,7 @@ FileStatus Overwrite(File& file, const FileChange& change) {
 
 // The series of the first entry, and whether there is one.
 struct JournalHead {
+  FileStatus status = {};  // of reading the journal; one that is missing or empty is read
   bool entry = false;
   bool old = false;
   std::uint64_t series = 0;
@@ -76,8 +77,10 @@ JournalHead ReadHead(FileSystem& files, const std::string& path) {
   std::unique_ptr<File> journal;
   char bytes[16] = {};
   std::size_t got = 0;
-  if (!files.Open(JournalPath(path), FileAccess::Read, journal).ok()) return head;
-  if (!journal->ReadAt(0, bytes, got).ok() || got < sizeof bytes) return head;
+  head.status = files.Open(JournalPath(path), FileAccess::Read, journal);
+  if (head.status.ok()) head.status = journal->ReadAt(0, bytes, got);
+  if (head.status.not_found()) head.status = {};
+  if (got < sizeof bytes) return head;
   const std::string_view text(bytes, sizeof bytes);
   head.old = text.starts_with(kOldChangeMagic);
   head.entry = text.starts_with(kChangeMagic);
@@ -135,10 +138,12 @@ bool TakeBackEntry(FileSystem& files, const std::string& path, JournalPlace& pla
   return true;
 }
 
-FileStatus GrowAll(const JobChange& change, const OpenJobFiles& open) {
+FilesStatus GrowAll(const std::string& path, const JobChange& change, const OpenJobFiles& open) {
   for (const FileChange& one : change) {
     if (one.replaced) continue;
-    if (FileStatus status = Grow(*open.of(one.file), one); !status.ok()) return status;
+    if (FileStatus status = Grow(*open.of(one.file), one); !status.ok()) {
+      return {status, JobFilePath(path, one.file)};
+    }
   }
   return {};
 }
@@ -155,13 +160,13 @@ bool ShrinkAllBack(const JobChange& change, const OpenJobFiles& open) {
   return all;
 }
 
-FileStatus OverwriteAll(FileSystem& files, const std::string& path, const JobChange& change,
-                        const OpenJobFiles& open) {
+FilesStatus OverwriteAll(FileSystem& files, const std::string& path, const JobChange& change,
+                         const OpenJobFiles& open) {
   for (const FileChange& one : change) {
     const std::string name = JobFilePath(path, one.file);
     const FileStatus status = one.replaced ? files.Rename(ReplacementPath(name), name)
                                            : Overwrite(*open.of(one.file), one);
-    if (!status.ok()) return status;
+    if (!status.ok()) return {status, name};
   }
   return {};
 }
@@ -330,11 +335,11 @@ File* OpenJobFiles::of(JobFile file) const {
 }
 
 ChangeResult CarryOut(FileSystem& files, const std::string& path, JournalPlace& place,
-                      const JobChange& change, const OpenJobFiles& open, FileStatus& status) {
+                      const JobChange& change, const OpenJobFiles& open, FilesStatus& status) {
   const std::uint64_t start = place.entries == 0 ? 0 : place.end;
-  status = AppendEntry(files, path, place, change);
+  status = {AppendEntry(files, path, place, change), JournalPath(path)};
   if (!status.ok()) return ChangeResult::Nothing;
-  status = GrowAll(change, open);
+  status = GrowAll(path, change, open);
   if (!status.ok() && ShrinkAllBack(change, open) && TakeBackEntry(files, path, place, start)) {
     return ChangeResult::Nothing;
   }
@@ -379,10 +384,10 @@ FileStatus CloseJournal(FileSystem& files, const std::string& path, JournalPlace
 FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
                       const FileChange& change) {
   JournalPlace place;
-  FileStatus status;
+  FilesStatus carried;
   const ChangeResult result =
-      CarryOut(files, path, place, {change}, {.coordinates = &file}, status);
-  if (result == ChangeResult::Done) status = file.Sync();
+      CarryOut(files, path, place, {change}, {.coordinates = &file}, carried);
+  FileStatus status = result == ChangeResult::Done ? file.Sync() : carried.status;
   if (!status.ok()) {
     if (result != ChangeResult::Nothing) status.effect = FileEffect::Pending;
     return status;
@@ -392,33 +397,35 @@ FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
   return {};
 }
 
-FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file) {
+FilesStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file) {
   JournalPlace none;
   return FinishInterruptedChange(files, path, file, none);
 }
 
-FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
-                                   JournalPlace& place) {
+FilesStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
+                                    JournalPlace& place) {
   const JournalHead head = ReadHead(files, path);
+  if (!head.status.ok()) return {head.status, JournalPath(path)};
   if (head.entry && head.series == place.series) return {};
   place = {};
   if (!head.old && !head.entry) return {};
   std::string bytes;
   if (FileStatus status = ReadWholeFile(files, JournalPath(path), kLargestJournal, bytes);
       !status.ok()) {
-    return status;
+    return {status, JournalPath(path)};
   }
   const std::vector<JobChange> changes = ReadEntries(bytes);
   for (const JobFile which : kJobFiles) {
     const auto of_file = ChangesOf(changes, which);
     if (of_file.empty()) continue;
-    if (FileStatus status = FinishFile(files, path, file, which, of_file); !status.ok())
-      return status;
+    if (FileStatus status = FinishFile(files, path, file, which, of_file); !status.ok()) {
+      return {status, JobFilePath(path, which)};
+    }
   }
   if (!changes.empty()) {
-    if (FileStatus status = files.SyncFolderOf(path); !status.ok()) return status;
+    if (FileStatus status = files.SyncFolderOf(path); !status.ok()) return {status, path};
   }
-  return RemoveJournal(files, path);
+  return {RemoveJournal(files, path), JournalPath(path)};
 }
 
 bool HasJournal(FileSystem& files, const std::string& path) {
@@ -427,7 +434,7 @@ bool HasJournal(FileSystem& files, const std::string& path) {
 
 bool HasInterruptedChange(FileSystem& files, const std::string& path, const JournalPlace& place) {
   const JournalHead head = ReadHead(files, path);
-  return head.old || (head.entry && head.series != place.series);
+  return !head.status.ok() || head.old || (head.entry && head.series != place.series);
 }
 
 }  // namespace tarvex

@@ -42,6 +42,16 @@ enum class [[nodiscard]] ChangeResult{
     Pending   ///< durable in the journal: comes into the files when the job is opened again
 };
 
+/// What came of work on several files: the first failure, and the file at which it happened.
+struct [[nodiscard]] FilesStatus {
+  FileStatus status = {};
+  std::string path = {};
+
+  bool ok() const { return status.ok(); }
+  /// "site.rw5: Permission denied".
+  std::string Text() const { return path + ": " + status.Text(); }
+};
+
 /// The files of a job while one change is carried out. A file that the change does not touch may be
 /// missing here.
 struct OpenJobFiles {
@@ -56,7 +66,7 @@ struct OpenJobFiles {
 /// the coordinate file's, `place` where the journal's entries of this program end; `status` is why
 /// it was not Done.
 ChangeResult CarryOut(FileSystem& files, const std::string& path, JournalPlace& place,
-                      const JobChange& change, const OpenJobFiles& open, FileStatus& status);
+                      const JobChange& change, const OpenJobFiles& open, FilesStatus& status);
 
 /// Makes the files of all entries durable and empties the journal. When that fails, the entries are
 /// finished like another program's: a system that could not write something has forgotten it, and
@@ -79,14 +89,15 @@ FileStatus ChangeFile(FileSystem& files, const std::string& path, File& file,
 /// the coordinate file was opened and locked for writing and before anything is read from it; it
 /// may have been replaced afterwards (File::IsNamed). `place` is forgotten when its entries are no
 /// longer there, because another program has settled them.
-FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
-                                   JournalPlace& place);
-FileStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file);
+FilesStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file,
+                                    JournalPlace& place);
+FilesStatus FinishInterruptedChange(FileSystem& files, const std::string& path, File& file);
 
 /// There is a journal, with entries or without.
 bool HasJournal(FileSystem& files, const std::string& path);
 
-/// True when FinishInterruptedChange has something to look at: entries that are not this program's.
+/// True when FinishInterruptedChange has something to look at: entries that are not this program's,
+/// or a journal that cannot be read.
 bool HasInterruptedChange(FileSystem& files, const std::string& path,
                           const JournalPlace& place = {});
 

@@ -26,7 +26,8 @@ enum Message : int {
   kCreatedNotDurable = 1007,
 };
 
-void Tell(Job& job, Message message, const FileStatus& status) {
+template <typename Status>
+void Tell(Job& job, Message message, const Status& status) {
   job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
 }
 
@@ -132,8 +133,9 @@ std::unique_ptr<CoordinateFile> OpenExisting(Job& job) {
   Opened opened;
   FileStatus status = OpenLocked(job.host.files(), job.path, FileAccess::ReadWrite, opened.file);
   if (!status.ok()) return Tell(job, kCannotOpen, status), nullptr;
-  status = FinishInterruptedChange(job.host.files(), job.path, *opened.file, job.journal);
-  if (!status.ok()) return Tell(job, kCannotFinish, status), nullptr;
+  const FilesStatus finished =
+      FinishInterruptedChange(job.host.files(), job.path, *opened.file, job.journal);
+  if (!finished.ok()) return Tell(job, kCannotFinish, finished), nullptr;
   if (!opened.file->IsNamed(job.path)) return OpenExisting(job);  // finished by replacing it
   if (status = ReadHeader(opened); !status.ok()) return Tell(job, kCannotOpen, status), nullptr;
   if (opened.signature != Signature::Older) return MakeStream(job, std::move(opened));

@@ -20,7 +20,7 @@ FileStatus FinishRewrite(FileSystem& files, const std::string& path) {
   if (!HasInterruptedChange(files, path)) return {};
   std::unique_ptr<File> file;
   const FileStatus status = OpenLocked(files, path, FileAccess::ReadWrite, file);
-  return status.ok() ? FinishInterruptedChange(files, path, *file) : status;
+  return status.ok() ? FinishInterruptedChange(files, path, *file).status : status;
 }
 
 }  // namespace tarvex

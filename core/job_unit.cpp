@@ -52,7 +52,6 @@ struct JobUnit::Opened {
   std::unique_ptr<File> notes;
   std::unique_ptr<File> replacement;  // of the coordinate file
   NotesChange notes_change;
-  std::string refused;  // the path of a file beside that cannot be opened
 };
 
 std::unique_ptr<JobUnit> JobUnit::Begin(Job& job) {
@@ -92,10 +91,7 @@ void JobUnit::EditNote(std::string_view point_id, NoteEdit edit) {
 FileStatus JobUnit::GatherRaw(Opened& opened, JobChange& change) {
   if (raw_.empty()) return {};
   std::uint64_t size = 0;
-  if (FileStatus status = OpenRawFile(job_, opened.raw, size); !status.ok()) {
-    opened.refused = RawFilePath(job_);
-    return status;
-  }
+  if (FileStatus status = OpenRawFile(job_, opened.raw, size); !status.ok()) return status;
   const std::string text = RawFileAddition(job_, size, raw_);
   change.push_back({.file = JobFile::Raw,
                     .old_size = size,
@@ -106,10 +102,7 @@ FileStatus JobUnit::GatherRaw(Opened& opened, JobChange& change) {
 
 FileStatus JobUnit::GatherNotes(Opened& opened, JobChange& change) {
   if (notes_.empty()) return {};
-  if (FileStatus status = OpenNotes(job_, notes_, opened.notes); !status.ok()) {
-    opened.refused = PointNotesPath(job_);
-    return status;
-  }
+  if (FileStatus status = OpenNotes(job_, notes_, opened.notes); !status.ok()) return status;
   if (!opened.notes) return {};  // nothing to take out of a file that does not exist
   FileStatus status = MakeNotesChange(job_, *opened.notes, notes_, opened.notes_change);
   if (status.ok() && opened.notes_change.change) change.push_back(*opened.notes_change.change);
@@ -130,39 +123,42 @@ FileStatus JobUnit::PrepareReplacement(Opened& opened) {
   return status.ok() ? files.SyncFolderOf(path) : status;
 }
 
-FileStatus JobUnit::Gather(Opened& opened, JobChange& change) {
-  FileStatus status;
+FilesStatus JobUnit::Gather(Opened& opened, JobChange& change) {
+  FilesStatus status;
   if (stream_->gathered()) {
     change.push_back(*stream_->gathered());
-    if (change.back().replaced) status = PrepareReplacement(opened);
+    if (change.back().replaced) {
+      status = {PrepareReplacement(opened), ReplacementPath(job_.path)};
+    }
   }
-  if (status.ok()) status = GatherRaw(opened, change);
-  if (status.ok()) status = GatherNotes(opened, change);
+  if (status.ok()) status = {GatherRaw(opened, change), RawFilePath(job_)};
+  if (status.ok()) status = {GatherNotes(opened, change), PointNotesPath(job_)};
   return status;
 }
 
-FileStatus JobUnit::MakeDurable(Opened& opened, const JobChange& change) {
+FilesStatus JobUnit::MakeDurable(Opened& opened, const JobChange& change) {
   FileSystem& files = job_.host.files();
-  if (job_.journal.entries > 1) return SettleChanges(files, job_.path, job_.journal);
-  FileStatus status;
+  if (job_.journal.entries > 1) {
+    return {SettleChanges(files, job_.path, job_.journal), job_.path};
+  }
+  FilesStatus status;
   for (const FileChange& one : change) {
     File* file = one.file == JobFile::Raw     ? opened.raw.get()
                  : one.file == JobFile::Notes ? opened.notes.get()
                                               : &stream_->file();
-    if (status.ok()) status = file->Sync();
+    if (status.ok()) status = {file->Sync(), JobFilePath(job_.path, one.file)};
   }
-  if (status.ok() && job_.journal.new_names) status = files.SyncFolderOf(job_.path);
-  if (status.ok()) return ForgetChanges(files, job_.path, job_.journal);
+  if (status.ok() && job_.journal.new_names) status = {files.SyncFolderOf(job_.path), job_.path};
+  if (status.ok()) return {ForgetChanges(files, job_.path, job_.journal), job_.path};
   job_.journal = {};  // as SettleChanges does
   return status;
 }
 
-ChangeResult JobUnit::Refuse(const Opened& opened, const FileStatus& status) {
+ChangeResult JobUnit::Refuse(const Opened& opened, const FilesStatus& status) {
   if (opened.replacement) (void)job_.host.files().Remove(ReplacementPath(job_.path));
   TakeBackJobState();
   done_ = true;
-  const std::string which = opened.refused.empty() ? "" : opened.refused + ": ";
-  job_.host.ShowMessage(Strings().Text(kNothingChanged, {job_.path, which + status.Text()}));
+  job_.host.ShowMessage(Strings().Text(kNothingChanged, {job_.path, status.Text()}));
   return ChangeResult::Nothing;
 }
 
@@ -170,7 +166,7 @@ ChangeResult JobUnit::Commit(Settling settling) {
   Opened opened;
   JobChange change;
   FileSystem& files = job_.host.files();
-  FileStatus status = Gather(opened, change);
+  FilesStatus status = Gather(opened, change);
   if (!status.ok()) return Refuse(opened, status);
   if (change.empty()) return done_ = true, ChangeResult::Done;
   const bool replaced = change.front().replaced;
@@ -186,17 +182,17 @@ ChangeResult JobUnit::Commit(Settling settling) {
     const bool settle = settling == Settling::Now || replaced ||
                         job_.journal.entries >= kMostUnsettled ||
                         job_.journal.end >= kLargestUnsettled;
-    status = settle ? MakeDurable(opened, change) : FileStatus{};
+    status = settle ? MakeDurable(opened, change) : FilesStatus{};
     if (status.ok()) return result;
   }
   job_.host.ShowMessage(Strings().Text(kFinishedLater, {job_.path, status.Text()}));
   return ChangeResult::Pending;
 }
 
-bool FinishJob(Job& job) {
+FinishJobResult FinishJob(Job& job) {
   FileSystem& files = job.host.files();
   const bool interrupted = HasInterruptedChange(files, job.path, job.journal);
-  if (interrupted && !OpenCoordinateFile(job)) return false;
+  if (interrupted && !OpenCoordinateFile(job)) return FinishJobResult::Failed;
   const std::string left[] = {ReplacementPath(job.path), job.path + ".tmp",
                               JobFilePath(job.path, JobFile::Notes) + ".tmp"};
   for (const std::string& path : left) {
@@ -205,7 +201,7 @@ bool FinishJob(Job& job) {
     if (!LockAtOnce(job, locked).ok()) break;
     (void)files.Remove(path);
   }
-  return interrupted;
+  return interrupted ? FinishJobResult::Finished : FinishJobResult::Nothing;
 }
 
 FileStatus SettleJob(Job& job) {

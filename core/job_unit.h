@@ -54,12 +54,12 @@ class JobUnit {
   struct Opened;
   JobUnit(Job& job, std::unique_ptr<CoordinateFile> stream);
 
-  FileStatus Gather(Opened& opened, JobChange& change);
+  FilesStatus Gather(Opened& opened, JobChange& change);
   FileStatus GatherRaw(Opened& opened, JobChange& change);
   FileStatus GatherNotes(Opened& opened, JobChange& change);
   FileStatus PrepareReplacement(Opened& opened);
-  FileStatus MakeDurable(Opened& opened, const JobChange& change);
-  ChangeResult Refuse(const Opened& opened, const FileStatus& status);
+  FilesStatus MakeDurable(Opened& opened, const JobChange& change);
+  ChangeResult Refuse(const Opened& opened, const FilesStatus& status);
   void TakeBackJobState();
 
   Job& job_;
@@ -75,9 +75,15 @@ class JobUnit {
   Point last_stored_point_;
 };
 
-/// Finishes what an interruption left of earlier work, and removes what it left beside the files.
-/// True when there was work to finish. A job that cannot be opened for writing is left as it is.
-bool FinishJob(Job& job);
+enum class [[nodiscard]] FinishJobResult{
+    Nothing,   ///< no work was interrupted
+    Finished,  ///< what an interruption left is done
+    Failed  ///< it cannot be done; the person was told, and what the files hold is not to be shown
+};
+
+/// Finishes what an interruption left of earlier work, and removes what it left beside the files. A
+/// job that cannot be opened for writing is left as it is.
+FinishJobResult FinishJob(Job& job);
 
 /// Makes durable in the files what units that settle later left in the journal.
 FileStatus SettleJob(Job& job);

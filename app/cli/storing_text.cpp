@@ -19,7 +19,8 @@ ExitCode TellStored(Program& program, JobSession& session, const TypedPointResul
     case StoringResult::NoFreeId:
       return program.Fail("No free point id was found behind " + wanted + ".");
     case StoringResult::Failed:
-      return program.Fail("Point " + wanted + " was not stored.");
+      return program.Fail(wanted.empty() ? "Nothing was stored."
+                                         : "Point " + wanted + " was not stored.");
   }
   const std::string told = "Stored point " + result.stored.point.id.str() +
                            (result.stored.replaced ? " over the one that existed.\n" : ".\n");

@@ -106,8 +106,9 @@ bool JobSession::LoadExisting() {
           " are missing: metres, azimuths from north and no coordinate system are "
           "assumed.");
     }
-    was_interrupted_ = FinishJob(job_);
-    if (!Load()) return false;
+    const FinishJobResult finished = FinishJob(job_);
+    if (finished == FinishJobResult::Failed || !Load()) return false;
+    was_interrupted_ = finished == FinishJobResult::Finished;
     for (const std::string& sentence : UnknownSettings(settings_)) {
       work_.observer.OnWarning(settings_path() + ": " + sentence);
     }

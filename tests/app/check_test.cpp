@@ -168,7 +168,7 @@ TEST(Check, TellsAnInterruptedChange) {
   std::uint64_t size = 0;
   ASSERT_TRUE(file->Size(size).ok());
   JournalPlace place;
-  FileStatus status;
+  FilesStatus status;
   ASSERT_EQ(CarryOut(SystemFiles(), path, place, {{.old_size = size, .new_size = size}},
                      {.coordinates = file.get()}, status),
             ChangeResult::Done);

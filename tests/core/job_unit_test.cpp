@@ -469,6 +469,39 @@ TEST(JobUnit, WritesAgainWhatCouldNotBeMadeDurable) {
   }
 }
 
+TEST(JobUnit, SaysWhichFileRefuses) {
+  const std::pair<const char*, const char*> files[] = {
+      {kRawPath, "/jobs/site.crd was not changed: /jobs/site.rw5: Permission denied."},
+      {kNotesPath, "/jobs/site.crd was not changed: /jobs/site.not: Permission denied."},
+      {kJournalPath, "/jobs/site.crd was not changed: /jobs/site.crd.redo: Permission denied."}};
+  for (const auto& [path, message] : files) {
+    TestHost host;
+    Prepare(host, true);
+    const std::string before = State(host);
+    if (path == kJournalPath) host.memory.Put(kJournalPath, std::string(16, '\0'));
+    host.memory.MakeReadOnly(path);
+    Job job = MakeJob(host, true);
+    EXPECT_FALSE(Measure(job, "50", 5.0));
+    EXPECT_EQ(host.messages, std::vector<std::string>{message});
+    EXPECT_EQ(State(host), before);
+  }
+}
+
+TEST(JobUnit, SaysWhichFileKeepsItFromBeingFinished) {
+  TestHost host;
+  Prepare(host, true);
+  Job job = MakeJob(host, true);
+  ASSERT_TRUE(Measure(job, "50", 5.0, Settling::Later));
+  host.memory.MakeReadOnly(kRawPath);
+  Job again = MakeJob(host, true);
+  EXPECT_EQ(OpenCoordinateFile(again), nullptr);
+  ASSERT_EQ(host.messages.size(), 1U);
+  EXPECT_NE(host.messages[0].find("cannot be completed: /jobs/site.rw5: Permission denied."),
+            std::string::npos);
+  host.memory.MakeReadOnly("");
+  EXPECT_NE(OpenCoordinateFile(again), nullptr);
+}
+
 TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
   TestHost host;
   Prepare(host, true);
@@ -496,19 +529,6 @@ TEST(JobUnit, GivesFilesItMakesTheRightsOfTheCoordinateFile) {
   const std::map<std::string, std::string> expected = {
       {kRawPath, kJobPath}, {kNotesPath, kJobPath}, {kJournalPath, kJobPath}};
   EXPECT_EQ(host.memory.rights_like, expected);
-}
-
-TEST(JobUnit, NamesTheFileThatCannotBeWritten) {
-  for (const char* path : {kRawPath, kNotesPath}) {
-    TestHost host;
-    Prepare(host, true);
-    host.memory.MakeReadOnly(path);
-    Job job = MakeJob(host, true);
-    EXPECT_FALSE(Measure(job, "50", 5.0));
-    ASSERT_EQ(host.messages.size(), 1U);
-    EXPECT_EQ(host.messages[0],
-              "/jobs/site.crd was not changed: " + std::string(path) + ": Permission denied.");
-  }
 }
 
 }  // namespace
