@@ -8,8 +8,6 @@
 namespace tarvex {
 namespace {
 
-constexpr const char* kNoHeight =
-    "The receiver sends no height with its position; the elevation is that of height 0.";
 constexpr const char* kNoPrecision =
     "The receiver sends no precision; HRMS and VRMS are unknown and written as 0.";
 
@@ -70,8 +68,7 @@ std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool e
   if (std::string origin = OriginSentence(state.origin); !origin.empty()) {
     warnings.push_back(std::move(origin));
   }
-  if (!state.height_known) warnings.emplace_back(kNoHeight);
-  if (std::string height = HeightSentence(state); state.height_known && !height.empty()) {
+  if (std::string height = HeightSentence(state); !height.empty()) {
     warnings.push_back(std::move(height));
   }
   if (!state.precision_known && expects_precision) warnings.emplace_back(kNoPrecision);
