@@ -1,29 +1,26 @@
 #include "core/total_station.h"
 
-#include <vector>
-
 #include "core/job_unit.h"
 #include "core/raw_records.h"
 
 namespace tarvex {
 
 RawFileResult OccupyAndBacksight(Job& job, const SetupEntry& entry) {
-  std::vector<std::string> records;
-  Point occupied;
-  const auto stream = OpenCoordinateFile(job);
-  if (ReadPoint(job, entry.occupied_id, stream.get(), occupied) == ReadPointResult::Found) {
-    records.push_back(OccupyRecord(occupied));
-  }
-  records.push_back(HeightsRecord(entry.instrument_height, entry.rod_height));
-  records.push_back(BacksightRecord(job, {.occupied_id = entry.occupied_id,
-                                          .backsight_id = entry.backsight_id,
-                                          .azimuth_degrees = entry.azimuth_degrees,
-                                          .circle_degrees = entry.circle_degrees}));
-  const RawFileResult written = AppendRawRecords(job, records);
   job.setup = {.occupied_id = entry.occupied_id,
                .backsight_id = entry.backsight_id,
                .circle_degrees = entry.circle_degrees};
-  return written;
+  const auto unit = JobUnit::Begin(job);
+  if (!unit) return RawFileResult::Dropped;
+  Point occupied;
+  if (ReadPoint(job, entry.occupied_id, &unit->coordinates(), occupied) == ReadPointResult::Found) {
+    unit->AppendRaw(OccupyRecord(occupied));
+  }
+  unit->AppendRaw(HeightsRecord(entry.instrument_height, entry.rod_height));
+  unit->AppendRaw(BacksightRecord(job, {.occupied_id = entry.occupied_id,
+                                        .backsight_id = entry.backsight_id,
+                                        .azimuth_degrees = entry.azimuth_degrees,
+                                        .circle_degrees = entry.circle_degrees}));
+  return unit->Commit() == ChangeResult::Nothing ? RawFileResult::Dropped : RawFileResult::Written;
 }
 
 ShotResult StoreShot(Job& job, ShotKind kind, const Shot& shot, const GridPoint& at,

@@ -1,6 +1,5 @@
 // A total station's work on the job's files: setting up over a point, and storing shots. The shots'
-// coordinates are computed above; here they are stored and journaled, in this order and only so far
-// as each step succeeds.
+// coordinates are computed above; here they are stored and journaled, each as one unit.
 #pragma once
 
 #include <string>
@@ -36,7 +35,7 @@ struct ShotResult {
   RawFileResult record = RawFileResult::Dropped;
 };
 
-/// Stores the foresight point under the shot's id, then writes its SS or TR record.
+/// Stores the foresight point under the shot's id together with its SS or TR record.
 ShotResult StoreShot(Job& job, ShotKind kind, const Shot& shot, const GridPoint& at,
                      bool check_existing);
 
