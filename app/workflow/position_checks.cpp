@@ -62,8 +62,9 @@ std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculato
   const double stretch = Stretch(calculator, state, at, job.unit);
   if (!calculator.steps().localization && std::fabs(stretch - 1.0) > OddStretch(calculator)) {
     warnings.push_back(
-        "The grid makes distances here " + FixedNumber((stretch - 1.0) * 100.0, 1) +
-        " % longer than they are: the position is far outside the zone of the job's coordinate "
+        "The grid makes distances here " + FixedNumber(std::fabs(stretch - 1.0) * 100.0, 1) +
+        (stretch > 1.0 ? " % longer" : " % shorter") +
+        " than they are: the position is far outside the zone of the job's coordinate "
         "system. Is it the right one?");
   }
   const auto stream = OpenForReading(job);
