@@ -91,7 +91,12 @@ void CollectView::Show(const ReceiverBack&) {
 
 // A change of the corrections is part of the text, so that it is known afterwards as well.
 void CollectView::Show(const CorrectionsChanged& changed) {
-  program_.console.PrintError(CorrectionSentence(changed.status) + "\n");
+  const CorrectionState state = changed.status.state;
+  const bool waits_for_a_word =
+      state == CorrectionState::Refused || state == CorrectionState::UnknownMountpoint;
+  program_.console.PrintError(
+      CorrectionSentence(changed.status) +
+      (waits_for_a_word && program_.console.IsTyped() ? " r and Enter ask it again.\n" : "\n"));
 }
 
 void CollectView::TellOnce(const std::string& sentence) {

@@ -81,4 +81,11 @@ ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settin
   return ExitCode::Done;
 }
 
+void TellBadChecksums(Program& program, std::uint64_t count) {
+  if (count == 0) return;
+  program.console.PrintError(std::to_string(count) + (count == 1 ? " sentence" : " sentences") +
+                             " with a wrong checksum " + (count == 1 ? "was" : "were") +
+                             " left out.\n");
+}
+
 }  // namespace tarvex

@@ -31,4 +31,7 @@ CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice);
 ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settings,
                         Program& program, ChosenReceiver& receiver);
 
+/// Says how many sentences were left out for their checksum, if there were any.
+void TellBadChecksums(Program& program, std::uint64_t count);
+
 }  // namespace tarvex

@@ -15,6 +15,12 @@ std::string Shown(double value) {
   return FixedNumber(std::fabs(value), kShownDecimals);
 }
 
+// What is shown as nothing has no sign.
+std::string Difference(double value) {
+  const std::string text = FixedNumber(value, kRoadDecimals);
+  return text == FixedNumber(-0.0, kRoadDecimals) ? text.substr(1) : text;
+}
+
 }  // namespace
 
 RoadStakeGuide::RoadStakeGuide(Program& program, const OpenedRoad& road, RoadStakePlan plan)
@@ -131,11 +137,10 @@ std::vector<std::string> RoadStakeGuide::Records() const {
       FixedNumber(last_->northing, kRoadDecimals) + ", E " +
       FixedNumber(last_->easting, kRoadDecimals) +
       (last_->elevation ? ", EL " + FixedNumber(*last_->elevation, kRoadDecimals) : "");
-  std::string difference = "Stake: difference N " +
-                           FixedNumber(-last_stake_->deltas.go_north, kRoadDecimals) + ", E " +
-                           FixedNumber(-last_stake_->deltas.go_east, kRoadDecimals) +
-                           ", distance " + FixedNumber(last_stake_->deltas.distance, kRoadDecimals);
-  if (last_stake_->cut) difference += ", EL " + FixedNumber(*last_stake_->cut, kRoadDecimals);
+  std::string difference = "Stake: difference N " + Difference(-last_stake_->deltas.go_north) +
+                           ", E " + Difference(-last_stake_->deltas.go_east) + ", distance " +
+                           FixedNumber(last_stake_->deltas.distance, kRoadDecimals);
+  if (last_stake_->cut) difference += ", EL " + Difference(*last_stake_->cut);
   return {CommentRecord(text), CommentRecord(found), CommentRecord(difference)};
 }
 

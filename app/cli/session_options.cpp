@@ -68,13 +68,6 @@ std::string Seconds(std::int64_t milliseconds) {
   return std::to_string(milliseconds / 1000) + " s";
 }
 
-void TellBadChecksums(Program& program, std::uint64_t count) {
-  if (count == 0) return;
-  program.console.PrintError(std::to_string(count) + (count == 1 ? " sentence" : " sentences") +
-                             " with a wrong checksum " + (count == 1 ? "was" : "were") +
-                             " left out.\n");
-}
-
 }  // namespace
 
 CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options) {

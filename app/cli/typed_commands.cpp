@@ -14,6 +14,13 @@ namespace {
 constexpr int kLookAgainMs = 100;
 constexpr std::size_t kLongestLine = 1000;
 
+// A program in the background that reads the terminal would be stopped; what is typed there is for
+// another.
+bool IsInBackground() {
+  const pid_t holder = ::tcgetpgrp(STDIN_FILENO);
+  return holder >= 0 && holder != ::getpgrp();
+}
+
 }  // namespace
 
 bool TakeTypedCommand(std::string_view line, SessionCommands& commands) {
@@ -49,6 +56,10 @@ void TypedCommands::Read() {
   while (!ends_) {
     pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
     if (::poll(&input, 1, kLookAgainMs) <= 0) continue;
+    if (IsInBackground()) {
+      ::poll(nullptr, 0, kLookAgainMs);
+      continue;
+    }
     char byte = 0;
     const ssize_t got = ::read(STDIN_FILENO, &byte, 1);
     if (got <= 0) return;

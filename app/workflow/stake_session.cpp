@@ -1,6 +1,13 @@
 #include "app/workflow/stake_session.h"
 
+#include "core/number_text.h"
+
 namespace tarvex {
+namespace {
+
+constexpr int kShownDecimals = 3;
+
+}  // namespace
 
 StakeSession::StakeSession(const Workplace& work, JobSession& session,
                            const CTrgCalculator& calculator, const StakePlan& plan,
@@ -24,11 +31,14 @@ StakeView StakeSession::ShowPosition() {
     return StakeView::NotRelated;
   }
   // A stake goes in on a fixed position only, precise to half the tolerance where that is known.
-  const bool precise = !state().precision_known || state().precision_carried_over ||
-                       state().hrms <= guide_.PreciseHrms();
+  const bool fixed = state().solutionType == SolutionType::Fixed;
+  const bool precise = !state().precision_known || state().hrms <= guide_.PreciseHrms();
+  if (fixed && !precise) {
+    WarnOnce("The HRMS is above " + FixedNumber(guide_.PreciseHrms(), kShownDecimals) +
+             ", half of the tolerance: until it is better no position counts as on the stake.");
+  }
   const auto elevation = state().height_known ? std::optional(position.at.elevation) : std::nullopt;
-  return guide_.Show({position.at.northing, position.at.easting, elevation},
-                     state().solutionType == SolutionType::Fixed && precise,
+  return guide_.Show({position.at.northing, position.at.easting, elevation}, fixed && precise,
                      std::string(SolutionText(state().solutionType)));
 }
 

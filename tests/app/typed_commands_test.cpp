@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <vector>
 
+#include "tests/app/program_run.h"
+
 namespace tarvex {
 namespace {
 
@@ -113,6 +115,29 @@ TEST(TypedCommands, EndWithTheirSessionWhenNothingIsTyped) {
   { const TypedCommands typed(program, commands); }
   EXPECT_LT(SystemClock().SteadyMilliseconds() - before, 1000);
   EXPECT_FALSE(commands.Take());
+}
+
+// A receiver that says nothing: only the typed q ends the session before its patience does.
+TEST(TypedCommands, ReachCollectAndStake) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  folder.Write("road.cl", "0,0,L,520401.5,5184299.4\n0,200,L,520401.5,5184499.4\n0,0,L,0,0\n");
+  const int receiver = ::posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_EQ(::grantpt(receiver), 0);
+  ASSERT_EQ(::unlockpt(receiver), 0);
+  const std::string port = std::string(" --receiver serial:") + ::ptsname(receiver);
+  for (const std::string line :
+       {"collect site.crd", "road stake road.cl 50 --level --job site.crd"}) {
+    Terminal terminal;
+    terminal.Type("p\nq\n");
+    const std::string command = "cd " + folder.Path("") +
+                                " && TARVEX_DATA=data " TARVEX_PROGRAM " " + line + port +
+                                " --patience 5 > OUT";
+    EXPECT_NE(std::system(command.c_str()), -1);
+    terminal.Look();
+    EXPECT_THAT(terminal.shown, testing::HasSubstr("Stopped; the job is whole.")) << line;
+  }
+  ::close(receiver);
 }
 
 }  // namespace

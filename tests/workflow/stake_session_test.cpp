@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "tests/workflow/field_site.h"
@@ -21,7 +22,7 @@ class PlainGuide final : public StakeGuide {
     good_shown += good ? 1 : 0;
     return good && shown >= on_stake_from ? StakeView::OnTheStake : StakeView::Shown;
   }
-  double PreciseHrms() const override { return 0.015; }
+  double PreciseHrms() const override { return precise_hrms; }
   void TakeStored(const StakePosition& at) override { stored = at; }
   std::string Description() const override { return "stake " + std::to_string(shown); }
   std::vector<std::string> Records() const override { return {"\n--Stake: design here"}; }
@@ -29,6 +30,7 @@ class PlainGuide final : public StakeGuide {
   int shown = 0;
   int good_shown = 0;
   int on_stake_from = 1000;
+  double precise_hrms = 0.015;
   StakePosition last;
   StakePosition stored;
 };
@@ -131,6 +133,33 @@ TEST_F(Staking, KeepsTheLimitsAndTheToleranceForTheWord) {
   EXPECT_EQ(guide.shown, 9);  // eight DGPS positions are shown and not stored
   EXPECT_EQ(guide.good_shown, 1);
   EXPECT_EQ(listener.Of<PointStored>().size(), 1U);
+}
+
+// The epochs have an HRMS of 0.010; that of the first also holds while no other comes.
+TEST_F(Staking, SaysWhyAFixedPositionIsNotOnTheStake) {
+  guide.on_stake_from = 1;
+  guide.precise_hrms = 0.009;
+  plan.store_on_stake = true;
+  std::string positions_alone = Epoch(10);
+  for (int second = 11; second < 18; ++second) {
+    const std::string epoch = Epoch(second);
+    positions_alone += epoch.substr(epoch.find("$GNGGA"));
+  }
+  for (const std::string& input : {Epochs(0, 8), positions_alone}) {
+    connections = {{input, true}};
+    plan.patience_ms = 5000;
+    listener.events.clear();
+    EXPECT_EQ(Run(), SessionEnd::NoPosition);
+    EXPECT_TRUE(listener.Of<PointStored>().empty());
+    EXPECT_GT(guide.shown, 5);
+    EXPECT_EQ(guide.good_shown, 0);
+    const auto warnings = listener.Of<SessionWarning>();
+    EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(),
+                            [](const SessionWarning& warning) {
+                              return warning.sentence.starts_with("The HRMS is above 0.009");
+                            }),
+              1);
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/cli/session_options.h"
+#include "app/cli/typed_commands.h"
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_calculator.h"
 #include "app/workflow/job_localization.h"
@@ -46,6 +47,8 @@ ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program)
   if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
   CollectView view(program);
   SessionCommands commands;
+  std::optional<TypedCommands> typed;
+  if (program.console.IsTyped()) typed.emplace(program, commands);
   CollectSession collecting(program, session, calculator, plan, view, commands, InterruptRequested);
   const SessionEnd end = collecting.Run();
   const ExitCode code = TellSessionEnd(program, collecting, plan, end, plan.count == 0);
@@ -94,7 +97,10 @@ void AddCollectCommand(CLI::App& app, Program& program) {
   sub.footer(
       "Receivers: serial:/dev/ttyUSB0@115200, tcp:192.168.1.20:9001, file:LOG, simulated\n"
       "Each point is stored in the coordinate file, its observation in the raw file and its\n"
-      "quality in the notes. Ctrl-C ends the session between two points.");
+      "quality in the notes. Ctrl-C ends the session between two points.\n"
+      "While it runs, a line typed in the terminal is a command: d TEXT, h HEIGHT (description\n"
+      "and antenna height of the next points), p (pause), c (continue), r (ask the caster for\n"
+      "corrections again), q (end).");
   sub.add_option("JOB.crd", options.job, "The job's coordinate file")->required();
   AddSessionOptions(sub, options.session)->required();
   sub.add_option("--count", options.count,

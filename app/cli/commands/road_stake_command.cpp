@@ -103,7 +103,8 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
       program, options.road.json ? CollectView::Stored::OnErrors : CollectView::Stored::InAWord);
   SessionCommands commands;
   std::optional<TypedCommands> typed;
-  if (plan.store && !plan.store_on_stake) typed.emplace(program, commands);
+  const bool enter_stores = plan.store && !plan.store_on_stake;
+  if (enter_stores || program.console.IsTyped()) typed.emplace(program, commands);
   StakeSession staking(program, session, calculator, plan, guide, view, commands,
                        InterruptRequested);
   const SessionEnd end = staking.Run();

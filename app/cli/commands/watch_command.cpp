@@ -97,6 +97,7 @@ class Watch {
   }
 
   ExitCode Ending() {
+    TellBadChecksums(program_, receiver_.state().bad_checksums);
     if (const std::string& problem = receiver_.tap().log_problem(); !problem.empty()) {
       return program_.Fail(problem);
     }
