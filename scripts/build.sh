@@ -3,7 +3,7 @@
 set -eu
 
 root=$(cd "$(dirname "$0")/.." && pwd)
-preset=$1
+preset=${1:?"give a preset: dev, asan, tsan, release, bench or fuzz"}
 log=$root/build/$preset.log
 mkdir -p "$root/build"
 cd "$root"
