@@ -95,9 +95,9 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
 // probably its value.
 std::string UnknownWords(const CLI::App& command, const std::vector<std::string>& unknown) {
   std::string text;
-  bool behind_option = false;
+  bool behindOption = false;
   for (const std::string& word : unknown) {
-    const bool value = std::exchange(behind_option, word.starts_with("--"));
+    const bool value = std::exchange(behindOption, word.starts_with("--"));
     if (value && !word.starts_with('-')) continue;
     text += (text.empty() ? "" : "\n");
     if (word.starts_with("--")) {
@@ -165,7 +165,7 @@ int Run(int argc, char** argv) {
   AddCommands(app, program);
   AddHelpCommands(app, program);
   WatchForInterrupt();
-  program.files.when_waiting = [&program](const std::string& path) {
+  program.files.whenWaiting = [&program](const std::string& path) {
     program.console.PrintError("Waiting for another program that works on " + path + " ...\n");
   };
   try {
@@ -173,12 +173,12 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::WrongUse);
   } catch (const std::bad_alloc&) {
-    program.exit_code = program.Fail("There is not enough memory for this.");
+    program.exitCode = program.Fail("There is not enough memory for this.");
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    program.exit_code = program.Fail("The output could not be written.");
+    program.exitCode = program.Fail("The output could not be written.");
   }
-  return static_cast<int>(program.exit_code);
+  return static_cast<int>(program.exitCode);
 }
 
 }  // namespace

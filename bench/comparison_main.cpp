@@ -59,15 +59,15 @@ class ComparingReporter final : public benchmark::BenchmarkReporter {
 
   void Finalize() override {
     std::printf("\n%-34s %9s   %s\n", "", "tarvex", "peers (their time / ours)");
-    std::string line_of;
+    std::string lineOf;
     for (const auto& [index, median] : medians_) {
       const std::size_t slash = std::min(median.name.rfind('/'), median.name.size());
       const std::string job = median.name.substr(0, slash);
-      if (job != line_of)
+      if (job != lineOf)
         StartLine(job, median.nanoseconds);
       else
         PrintPeer(median.name.substr(slash + 1), median.nanoseconds);
-      line_of = job;
+      lineOf = job;
     }
     std::printf("\n");
   }

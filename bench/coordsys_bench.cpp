@@ -106,8 +106,8 @@ ProjectionRecord RecordOf(const Job& job) {
           R"(PROJCS["",GEOGCS["",DATUM["",SPHEROID["",6377397.155,299.1528128]]],PROJECTION[")") +
       job.projection + "\"]," + job.parameters + "]";
   ProjectionRecord record;
-  std::string compound_name;
-  ReadDefinition(definition, record, compound_name, nullptr);
+  std::string compoundName;
+  ReadDefinition(definition, record, compoundName, nullptr);
   return record;
 }
 

@@ -69,12 +69,12 @@ std::string ToolInput(int port) {
 }
 
 struct Cost {
-  double wall_s = 0.0;
-  double processor_s = 0.0;
+  double wallS = 0.0;
+  double processorS = 0.0;
 };
 
 std::unique_ptr<LoopbackCaster> FullSpeedCaster() {
-  CasterContent content{.data = Capture(), .bytes_per_second = 0};
+  CasterContent content{.data = Capture(), .bytesPerSecond = 0};
   content.stream.mountpoint.Assign("MNT");
   auto caster = std::make_unique<LoopbackCaster>(std::move(content), SystemClock());
   return caster->Start(0).ok() ? std::move(caster) : nullptr;
@@ -98,15 +98,15 @@ Cost OurMegabytes(LoopbackCaster& caster) {
 }
 
 Cost ToolMegabytes(LoopbackCaster& caster) {
-  const std::uint64_t before = caster.bytes_sent();
+  const std::uint64_t before = caster.bytesSent();
   PeerProcess tool({"str2str", "-in", ToolInput(caster.port()), "-out", "file:///dev/null"});
-  while (caster.bytes_sent() == before) std::this_thread::sleep_for(std::chrono::microseconds(100));
+  while (caster.bytesSent() == before) std::this_thread::sleep_for(std::chrono::microseconds(100));
   const auto start = Clock_::now();
-  while (caster.bytes_sent() < before + kBytes && SecondsSince(start) < 60.0) {
+  while (caster.bytesSent() < before + kBytes && SecondsSince(start) < 60.0) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  const double wall_s = SecondsSince(start);
-  return {wall_s, tool.End()};
+  const double wallS = SecondsSince(start);
+  return {wallS, tool.End()};
 }
 
 using Measure = Cost (*)(LoopbackCaster&);
@@ -128,7 +128,7 @@ class MessageCaster {
     if (!client_) return false;
     accepted = Clock_::now();
     std::string request;
-    (void)client_->SetTimeouts({.read = {.constant_ms = 1000}}).ok();
+    (void)client_->SetTimeouts({.read = {.constantMs = 1000}}).ok();
     while (!request.ends_with("\r\n\r\n")) {
       char byte = 0;
       std::size_t got = 0;
@@ -139,7 +139,7 @@ class MessageCaster {
   }
   bool Send(std::string_view bytes) {
     std::size_t written = 0;
-    return client_->Write(bytes, {.constant_ms = 1000}, written).ok();
+    return client_->Write(bytes, {.constantMs = 1000}, written).ok();
   }
 
   Clock_::time_point accepted;
@@ -202,7 +202,7 @@ class ToolPath {
     for (int i = 0; i < 200 && !device_->Open("127.0.0.1:" + std::to_string(out_)).ok(); ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    (void)device_->SetTimeouts({.read = {.constant_ms = 50}}).ok();
+    (void)device_->SetTimeouts({.read = {.constantMs = 50}}).ok();
     thread_ = std::jthread([this, &arrival](const std::stop_token& stop) {
       while (!stop.stop_requested()) {
         char byte = 0;
@@ -274,8 +274,8 @@ const bool kRegistered = [] {
           [what](benchmark::State& state) { MegabyteTime(state, ToolMegabytes, what); }, 1);
     }
   };
-  megabyte("a megabyte of corrections", &Cost::wall_s);
-  megabyte("its processor time", &Cost::processor_s);
+  megabyte("a megabyte of corrections", &Cost::wallS);
+  megabyte("its processor time", &Cost::processorS);
   add("a message passed on/tarvex", Latency<OurPath>, 50);
   if (tool) add("a message passed on/str2str", Latency<ToolPath>, 50);
   add("connected to first byte/tarvex", FirstByte<OurPath>, 5);

@@ -23,9 +23,9 @@ constexpr Ellipsoid kBessel = {6377397.155, 0.00334277318217};
 constexpr SevenParameters kGerman = {598.1, 73.7, 418.2, -0.202, -0.045, 2.455, 6.7};
 
 struct Points {
-  std::vector<double> latitude_rad;
-  std::vector<double> longitude_rad;
-  std::vector<double> height_m;
+  std::vector<double> latitudeRad;
+  std::vector<double> longitudeRad;
+  std::vector<double> heightM;
 };
 
 Points RandomPoints(double south, double north, double west, double east) {
@@ -33,9 +33,9 @@ Points RandomPoints(double south, double north, double west, double east) {
   std::uniform_real_distribution<double> unit(0.0, 1.0);
   Points points;
   for (std::size_t i = 0; i < kPoints; ++i) {
-    points.latitude_rad.push_back((south + (north - south) * unit(random)) * kRadiansPerDegree);
-    points.longitude_rad.push_back((west + (east - west) * unit(random)) * kRadiansPerDegree);
-    points.height_m.push_back(1000.0 * unit(random));
+    points.latitudeRad.push_back((south + (north - south) * unit(random)) * kRadiansPerDegree);
+    points.longitudeRad.push_back((west + (east - west) * unit(random)) * kRadiansPerDegree);
+    points.heightM.push_back(1000.0 * unit(random));
   }
   return points;
 }
@@ -44,7 +44,7 @@ std::vector<PJ_COORD> InProj(const Points& points) {
   std::vector<PJ_COORD> list;
   for (std::size_t i = 0; i < kPoints; ++i) {
     list.push_back(
-        proj_coord(points.longitude_rad[i], points.latitude_rad[i], points.height_m[i], 0.0));
+        proj_coord(points.longitudeRad[i], points.latitudeRad[i], points.heightM[i], 0.0));
   }
   return list;
 }
@@ -90,12 +90,12 @@ GeodeticMap LocalMap() {
 
 std::unique_ptr<const Projection> GermanGrid() {
   ProjectionRecord record;
-  record.projection_type = static_cast<int>(ProjectionType::TransverseMercator);
-  record.semi_major_m = kBessel.semi_major_m;
+  record.projectionType = static_cast<int>(ProjectionType::TransverseMercator);
+  record.semiMajorM = kBessel.semiMajorM;
   record.flattening = kBessel.flattening;
-  record.central_meridian = 9.0;
-  record.scale_factor = 1.0;
-  record.false_easting = 3'500'000.0;
+  record.centralMeridian = 9.0;
+  record.scaleFactor = 1.0;
+  record.falseEasting = 3'500'000.0;
   return MakeProjection(record).projection;
 }
 
@@ -104,8 +104,8 @@ void SevenParametersOurs(benchmark::State& state) {
   Points points = GermanPoints();
   for (auto _ : state) {
     points = GermanPoints();
-    map.Apply(points.latitude_rad, points.longitude_rad, points.height_m);
-    benchmark::DoNotOptimize(points.height_m.data());
+    map.Apply(points.latitudeRad, points.longitudeRad, points.heightM);
+    benchmark::DoNotOptimize(points.heightM.data());
   }
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
 }
@@ -122,9 +122,9 @@ void ToGridOurs(benchmark::State& state) {
   std::vector<double> easting(kPoints);
   for (auto _ : state) {
     points = GermanPoints();
-    map.Apply(points.latitude_rad, points.longitude_rad, points.height_m);
+    map.Apply(points.latitudeRad, points.longitudeRad, points.heightM);
     benchmark::DoNotOptimize(
-        grid->Forward(points.latitude_rad, points.longitude_rad, northing, easting));
+        grid->Forward(points.latitudeRad, points.longitudeRad, northing, easting));
   }
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
 }
@@ -159,8 +159,8 @@ void TimeNtv2(benchmark::State& state, Ntv2Arrays shift) {
   Points points;
   for (auto _ : state) {
     points = ParisPoints();
-    benchmark::DoNotOptimize((grid.*shift)(points.latitude_rad, points.longitude_rad));
-    benchmark::DoNotOptimize(points.height_m.data());
+    benchmark::DoNotOptimize((grid.*shift)(points.latitudeRad, points.longitudeRad));
+    benchmark::DoNotOptimize(points.heightM.data());
   }
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));
 }
@@ -170,7 +170,7 @@ void TimeSingleNtv2(benchmark::State& state, Ntv2Single shift) {
   const Points& points = ParisPoints();
   std::vector<Geodetic> start;
   for (std::size_t i = 0; i < kPoints; ++i) {
-    start.push_back({points.latitude_rad[i], points.longitude_rad[i], points.height_m[i]});
+    start.push_back({points.latitudeRad[i], points.longitudeRad[i], points.heightM[i]});
   }
   std::vector<Geodetic> list;
   for (auto _ : state) {
@@ -214,7 +214,7 @@ void GeoidOurs(benchmark::State& state) {
   const Points& points = BavarianPoints();
   for (auto _ : state) {
     for (std::size_t i = 0; i < kPoints; ++i) {
-      benchmark::DoNotOptimize(grid.Undulation(points.latitude_rad[i], points.longitude_rad[i]));
+      benchmark::DoNotOptimize(grid.Undulation(points.latitudeRad[i], points.longitudeRad[i]));
     }
   }
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPoints));

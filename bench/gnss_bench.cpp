@@ -130,7 +130,7 @@ BENCHMARK(FrameCorrections)->Name("framing 11.7 kB of corrections/tarvex");
 // One receive of corrections from a caster that sends as fast as they are taken.
 void ReceiveCorrections(benchmark::State& state) {
   LastErrorRecord errors;
-  CasterContent content{.data = Data("ntrip/ublox-zed-f9t-rtcm3.log"), .bytes_per_second = 0};
+  CasterContent content{.data = Data("ntrip/ublox-zed-f9t-rtcm3.log"), .bytesPerSecond = 0};
   content.stream.mountpoint.Assign("MNT");
   LoopbackCaster caster(std::move(content), SystemClock());
   if (!caster.Start(0).ok()) return state.SkipWithError("no loopback port");
@@ -159,7 +159,7 @@ BENCHMARK(ReceiveCorrections)->Name("one receive of corrections/tarvex")->UseRea
 // From nothing to the first byte of the stream.
 void FirstByte(benchmark::State& state) {
   LastErrorRecord errors;
-  CasterContent content{.data = Data("ntrip/rtcm3.bndm.log"), .bytes_per_second = 0};
+  CasterContent content{.data = Data("ntrip/rtcm3.bndm.log"), .bytesPerSecond = 0};
   content.stream.mountpoint.Assign("MNT");
   LoopbackCaster caster(std::move(content), SystemClock());
   if (!caster.Start(0).ok()) return state.SkipWithError("no loopback port");

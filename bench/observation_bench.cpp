@@ -35,9 +35,9 @@ Point ObservedPoint(long long number) {
 
 std::array<std::string, 5> RawRecords(const Point& point, const LocalTime& now) {
   return {TimeStampRecord(now), RodHeightRecord(2.0),
-          GnssRecord({.point_id = point.id.str(),
-                      .latitude_degrees = 47.2852,
-                      .longitude_degrees = 8.2652,
+          GnssRecord({.pointId = point.id.str(),
+                      .latitudeDegrees = 47.2852,
+                      .longitudeDegrees = 8.2652,
                       .height = 547.6,
                       .description = kDescription}),
           GnssGridRecord(point, kDescription),
@@ -47,10 +47,10 @@ std::array<std::string, 5> RawRecords(const Point& point, const LocalTime& now) 
 
 NoteEdit Note(const Point& point) {
   return {.kind = NoteEdit::Kind::SetQuality,
-          .note = {.point_id = point.id.str(),
+          .note = {.pointId = point.id.str(),
                    .lines = {},
-                   .quality_lines = "HRMS,0.010\nVRMS,0.016\nSTATUS,FIXED\nSATS,12\nPDOP,1.4\n"
-                                    "DATE,11-21-2026\nTIME,06:51:40\n"}};
+                   .qualityLines = "HRMS,0.010\nVRMS,0.016\nSTATUS,FIXED\nSATS,12\nPDOP,1.4\n"
+                                   "DATE,11-21-2026\nTIME,06:51:40\n"}};
 }
 
 // A job that has `points` observations already.
@@ -76,7 +76,7 @@ class ObservedJob {
 
   void Store(const Point& point, Settling settling) {
     const auto unit = JobUnit::Begin(job_);
-    job_.current_point_id = point.id.str();
+    job_.currentPointId = point.id.str();
     if (StorePoint(job_, point.at, point.description.view(), true, &unit->coordinates()) !=
         StorePointResult::Stored) {
       std::exit(1);

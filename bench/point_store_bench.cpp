@@ -67,7 +67,7 @@ struct BenchJob {
 
   void Store(const Point& point) {
     const auto stream = OpenCoordinateFile(job);
-    job.current_point_id = point.id.str();
+    job.currentPointId = point.id.str();
     if (StorePoint(job, point.at, point.description.view(), true, stream.get()) !=
         StorePointResult::Stored) {
       std::exit(1);
@@ -96,13 +96,13 @@ enum class Place { End, Front, Over };
 
 class NextPoint {
  public:
-  NextPoint(Place place, long long job_points)
-      : place_(place), job_points_(job_points), point_(Million().back()) {}
+  NextPoint(Place place, long long jobPoints)
+      : place_(place), jobPoints_(jobPoints), point_(Million().back()) {}
 
   const Point& operator()() {
     ++count_;
-    long long id = kFirstId + (count_ * 7919) % job_points_;
-    if (place_ == Place::End) id = kFirstId + job_points_ + count_;
+    long long id = kFirstId + (count_ * 7919) % jobPoints_;
+    if (place_ == Place::End) id = kFirstId + jobPoints_ + count_;
     if (place_ == Place::Front) id = kFirstId - count_;
     point_.id = NumberedId(id);
     point_.at.northing += 1.0;
@@ -111,21 +111,20 @@ class NextPoint {
 
  private:
   Place place_;
-  long long job_points_;
+  long long jobPoints_;
   Point point_;
   long long count_ = 0;
 };
 
-void Store(benchmark::State& state, Place place, long long job_points) {
-  BenchJob ours("store", JobPoints(job_points));
-  NextPoint next(place, job_points);
+void Store(benchmark::State& state, Place place, long long jobPoints) {
+  BenchJob ours("store", JobPoints(jobPoints));
+  NextPoint next(place, jobPoints);
   for (auto _ : state) ours.Store(next());
 }
 
-void SqliteStore(benchmark::State& state, Place place, long long job_points,
-                 SqliteJournal journal) {
-  const auto peer = MakeSqlite("store", journal, JobPoints(job_points));
-  NextPoint next(place, job_points);
+void SqliteStore(benchmark::State& state, Place place, long long jobPoints, SqliteJournal journal) {
+  const auto peer = MakeSqlite("store", journal, JobPoints(jobPoints));
+  NextPoint next(place, jobPoints);
   for (auto _ : state) peer->Store(next());
 }
 

@@ -47,8 +47,8 @@ class RoadWalk {
     for (std::size_t i = first; i < first + 2; ++i) {
       CenterlineElement& e = centerline_.elements[i];
       e.angle = k * kArc;
-      e.center_northing = at_.northing + kRadius * std::cos(across);
-      e.center_easting = at_.easting + kRadius * std::sin(across);
+      e.centerNorthing = at_.northing + kRadius * std::cos(across);
+      e.centerEasting = at_.easting + kRadius * std::sin(across);
     }
     Go(k, k, kArc);
     Add(KeyPointKind::CurveSpiral);
@@ -104,7 +104,7 @@ std::vector<PlanPoint> PointsBeside(const Alignment& road) {
   std::vector<PlanPoint> points;
   for (int i = 0; i < 4096; ++i) {
     const double station =
-        road.start_station() + part(random) * (road.end_station() - road.start_station());
+        road.startStation() + part(random) * (road.endStation() - road.startStation());
     points.push_back(road.PointAt(station, 40.0 * (part(random) - 0.5))->at);
   }
   return points;
@@ -129,8 +129,8 @@ template <std::int64_t kElements>
 void PointAtStation(benchmark::State& state) {
   const RoadGeometry road = MakeRoad(kElements);
   std::mt19937_64 random(6);
-  std::uniform_real_distribution<double> station(road.alignment.start_station(),
-                                                 road.alignment.end_station());
+  std::uniform_real_distribution<double> station(road.alignment.startStation(),
+                                                 road.alignment.endStation());
   std::vector<double> stations(4096);
   for (double& s : stations) s = station(random);
   std::size_t i = 0;
@@ -169,11 +169,11 @@ void GeosProjectOnChords(benchmark::State& state) {
   const auto points = PointsBeside(road.alignment);
   const double chord = kElements == 8 ? 0.1 : 1.0;
   initGEOS(IgnoreNotice, IgnoreNotice);
-  const double length = road.alignment.end_station() - road.alignment.start_station();
+  const double length = road.alignment.endStation() - road.alignment.startStation();
   const auto count = static_cast<unsigned>(length / chord) + 1;
   GEOSCoordSequence* sequence = GEOSCoordSeq_create(count, 2);
   for (unsigned k = 0; k < count; ++k) {
-    const auto at = road.alignment.PointAt(road.alignment.start_station() + k * chord)->at;
+    const auto at = road.alignment.PointAt(road.alignment.startStation() + k * chord)->at;
     GEOSCoordSeq_setXY(sequence, k, at.easting, at.northing);
   }
   GEOSGeometry* line = GEOSGeom_createLineString(sequence);

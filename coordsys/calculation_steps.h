@@ -22,17 +22,17 @@ namespace tarvex {
 
 /// A point on the plane of projection, metres.
 struct PlanePoint {
-  double northing_m = 0.0;
-  double easting_m = 0.0;
+  double northingM = 0.0;
+  double eastingM = 0.0;
 
   bool operator==(const PlanePoint&) const = default;
 };
 
 /// A plane point with its elevation, metres.
 struct GridMetres {
-  double northing_m = 0.0;
-  double easting_m = 0.0;
-  double elevation_m = 0.0;
+  double northingM = 0.0;
+  double eastingM = 0.0;
+  double elevationM = 0.0;
 
   bool operator==(const GridMetres&) const = default;
 };
@@ -54,9 +54,9 @@ struct [[nodiscard]] StepOutcome {
 
 /// Positions in arrays of one length, changed in place.
 struct PositionArrays {
-  std::span<double> latitude_rad;
-  std::span<double> longitude_rad;
-  std::span<double> height_m;
+  std::span<double> latitudeRad;
+  std::span<double> longitudeRad;
+  std::span<double> heightM;
 };
 
 /// Between WGS84 and the system's datum. Positions are changed in place, and only when Done.
@@ -85,11 +85,11 @@ class GeoidModel {
  public:
   virtual ~GeoidModel() = default;
   /// The undulation in metres at a WGS84 position.
-  virtual StepOutcome Undulation(double latitude_rad, double longitude_rad,
-                                 double& undulation_m) const = 0;
-  virtual void Undulations(std::span<const double> latitude_rad,
-                           std::span<const double> longitude_rad,
-                           std::span<double> undulation_m) const;
+  virtual StepOutcome Undulation(double latitudeRad, double longitudeRad,
+                                 double& undulationM) const = 0;
+  virtual void Undulations(std::span<const double> latitudeRad,
+                           std::span<const double> longitudeRad,
+                           std::span<double> undulationM) const;
   virtual std::string Describe() const = 0;
 };
 

@@ -80,23 +80,23 @@ std::string CalculationText(CalculationResult result, const CalculationReport& r
 
 int CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
   ProjectionRecord record = record_;
-  compound_name_.clear();
-  ReadDefinition(text, record, compound_name_, messages);
+  compoundName_.clear();
+  ReadDefinition(text, record, compoundName_, messages);
   SetRecord(record);
   // A projection that is unknown, or not named, leaves the record's type as it was: it is not ours
   // to compute with.
-  if (!ProjectionCode(record.projection_name.view())) {
+  if (!ProjectionCode(record.projectionName.view())) {
     projection_.reset();
     fault_ = ProjectionFault::UnknownType;
   }
-  gives_shift_ = text.substr(0, kDefinitionLimit).find("TOWGS84[") != std::string_view::npos;
+  givesShift_ = text.substr(0, kDefinitionLimit).find("TOWGS84[") != std::string_view::npos;
   return 1;
 }
 
 void CTrgCalculator::SetRecord(const ProjectionRecord& record) {
   record_ = record;
-  has_system_ = true;
-  gives_shift_ = HasDatumShift(record_);
+  hasSystem_ = true;
+  givesShift_ = HasDatumShift(record_);
   MadeProjection made = MakeProjection(record_);
   projection_ = std::move(made.projection);
   fault_ = made.fault;
@@ -107,21 +107,21 @@ ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view
   const auto zone = ZoneOfGroup(datum, group, number);
   if (!zone) return ZoneSelection::Rejected;
   SetRecord(zone->record);
-  compound_name_ = zone->name;
+  compoundName_ = zone->name;
   return ZoneSelection::Selected;
 }
 
 bool CTrgCalculator::IsBritish() const {
-  return record_.projection_type == static_cast<int>(ProjectionType::TransverseMercatorOstn02);
+  return record_.projectionType == static_cast<int>(ProjectionType::TransverseMercatorOstn02);
 }
 
 // True for a national projection whose grid nobody has handed in.
 bool CTrgCalculator::LacksNationalGrid() const {
-  switch (static_cast<ProjectionType>(record_.projection_type)) {
+  switch (static_cast<ProjectionType>(record_.projectionType)) {
     case ProjectionType::TransverseMercatorOstn02:
     case ProjectionType::ObliqueStereographicRd2000:
     case ProjectionType::ObliqueStereographicRd2004:
-      return !steps_.grid_correction;
+      return !steps_.gridCorrection;
     default:
       return false;
   }
@@ -133,13 +133,13 @@ bool CTrgCalculator::NeedsDatumShift() const {
 }
 
 bool CTrgCalculator::ShiftsDatum() const {
-  return steps_.datum_shift && !projection_->TakesWgs84();
+  return steps_.datumShift && !projection_->TakesWgs84();
 }
 
 CalculationResult CTrgCalculator::State() const {
-  if (!has_system_) return CalculationResult::NoSystem;
+  if (!hasSystem_) return CalculationResult::NoSystem;
   if (!projection_) return CalculationResult::NotAvailable;
-  if (NeedsDatumShift() && !steps_.datum_shift) return CalculationResult::NoDatumShift;
+  if (NeedsDatumShift() && !steps_.datumShift) return CalculationResult::NoDatumShift;
   if (IsBritish() && LacksNationalGrid()) return CalculationResult::NoGridCorrection;
   return CalculationResult::Done;
 }
@@ -159,16 +159,16 @@ std::string CTrgCalculator::StateText() const {
 
 CalculationResult CTrgCalculator::ToSystemDatum(Geodetic& position, Run& run) const {
   if (!ShiftsDatum()) return CalculationResult::Done;
-  const StepOutcome outcome = steps_.datum_shift->ToSystem(position);
+  const StepOutcome outcome = steps_.datumShift->ToSystem(position);
   run.Note(CalculationStep::DatumShift, position);
-  return run.Take(*steps_.datum_shift, outcome);
+  return run.Take(*steps_.datumShift, outcome);
 }
 
 CalculationResult CTrgCalculator::FromSystemDatum(Geodetic& position, Run& run) const {
   if (!ShiftsDatum()) return CalculationResult::Done;
-  const StepOutcome outcome = steps_.datum_shift->ToWgs84(position);
+  const StepOutcome outcome = steps_.datumShift->ToWgs84(position);
   run.Note(CalculationStep::DatumShift, position);
-  return run.Take(*steps_.datum_shift, outcome);
+  return run.Take(*steps_.datumShift, outcome);
 }
 
 // The national grid, one way or the other. Without it the Dutch plane is 25 cm off, which is said;
@@ -176,13 +176,13 @@ CalculationResult CTrgCalculator::FromSystemDatum(Geodetic& position, Run& run) 
 CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
                                               StepOutcome (GridCorrection::*way)(GridMetres&) const,
                                               Run& run) const {
-  if (!steps_.grid_correction) {
+  if (!steps_.gridCorrection) {
     if (LacksNationalGrid()) run.LeaveUndone(CalculationStep::GridCorrection, at, kNoNationalGrid);
     return CalculationResult::Done;
   }
-  const StepOutcome outcome = (*steps_.grid_correction.*way)(at);
+  const StepOutcome outcome = (*steps_.gridCorrection.*way)(at);
   run.Note(CalculationStep::GridCorrection, at);
-  const CalculationResult result = run.Take(*steps_.grid_correction, outcome);
+  const CalculationResult result = run.Take(*steps_.gridCorrection, outcome);
   if (result != CalculationResult::Done) return result;
   const bool uncorrected = outcome.status == StepStatus::LeftUndone;
   return uncorrected && IsBritish() ? CalculationResult::StepRefused : CalculationResult::Done;
@@ -190,23 +190,23 @@ CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
 
 // A WGS84 position on the system's datum, and its elevation.
 CalculationResult CTrgCalculator::OnDatum(const Geodetic& wgs84, Geodetic& position,
-                                          double& elevation_m, Run& run) const {
-  if (!IsNumber(wgs84.latitude_rad, wgs84.longitude_rad, wgs84.height_m)) {
+                                          double& elevationM, Run& run) const {
+  if (!IsNumber(wgs84.latitudeRad, wgs84.longitudeRad, wgs84.heightM)) {
     return CalculationResult::NotANumber;
   }
   run.Note(CalculationStep::Wgs84, wgs84);
   position = wgs84;
-  position.longitude_rad = WithinHalfTurns(position.longitude_rad);
+  position.longitudeRad = WithinHalfTurns(position.longitudeRad);
   const CalculationResult shifted = ToSystemDatum(position, run);
   if (shifted != CalculationResult::Done) return shifted;
-  elevation_m = position.height_m;
+  elevationM = position.heightM;
   if (!steps_.geoid) return CalculationResult::Done;
-  double undulation_m = 0.0;
+  double undulationM = 0.0;
   const StepOutcome outcome =
-      steps_.geoid->Undulation(wgs84.latitude_rad, wgs84.longitude_rad, undulation_m);
-  run.Note(CalculationStep::Geoid, undulation_m, 0.0, 0.0);
+      steps_.geoid->Undulation(wgs84.latitudeRad, wgs84.longitudeRad, undulationM);
+  run.Note(CalculationStep::Geoid, undulationM, 0.0, 0.0);
   const CalculationResult result = run.Take(*steps_.geoid, outcome);
-  if (outcome.status == StepStatus::Done) elevation_m = wgs84.height_m - undulation_m;
+  if (outcome.status == StepStatus::Done) elevationM = wgs84.heightM - undulationM;
   return result;
 }
 
@@ -246,7 +246,7 @@ CalculationResult CTrgCalculator::FromDatum(Geodetic position, Geodetic& wgs84, 
   CalculationResult result = CalculationResult::Done;
   if (steps_.geoid) {
     Geodetic settled;
-    result = SettleHeight(position, position.height_m, settled, run);
+    result = SettleHeight(position, position.heightM, settled, run);
     position = settled;
   } else {
     result = FromSystemDatum(position, run);
@@ -257,29 +257,29 @@ CalculationResult CTrgCalculator::FromDatum(Geodetic position, Geodetic& wgs84, 
   return run.End();
 }
 
-// The WGS84 position whose height above the geoid is `elevation_m`: the height on the system's
+// The WGS84 position whose height above the geoid is `elevationM`: the height on the system's
 // datum is not known beforehand, and moves until the two agree.
-CalculationResult CTrgCalculator::SettleHeight(Geodetic on_datum, double elevation_m,
-                                               Geodetic& wgs84, Run& run) const {
-  on_datum.height_m = elevation_m;
+CalculationResult CTrgCalculator::SettleHeight(Geodetic onDatum, double elevationM, Geodetic& wgs84,
+                                               Run& run) const {
+  onDatum.heightM = elevationM;
   for (int pass = 0; pass < kHeightPasses; ++pass) {
     Run silent;
-    wgs84 = on_datum;
+    wgs84 = onDatum;
     CalculationResult result = FromSystemDatum(wgs84, silent);
     if (result != CalculationResult::Done) return result;
-    double undulation_m = 0.0;
+    double undulationM = 0.0;
     const StepOutcome outcome =
-        steps_.geoid->Undulation(wgs84.latitude_rad, wgs84.longitude_rad, undulation_m);
-    const double change_m = elevation_m + undulation_m - wgs84.height_m;
-    const bool settled = std::fabs(change_m) < kHeightSettled_m;
+        steps_.geoid->Undulation(wgs84.latitudeRad, wgs84.longitudeRad, undulationM);
+    const double changeM = elevationM + undulationM - wgs84.heightM;
+    const bool settled = std::fabs(changeM) < kHeightSettledM;
     if (settled || outcome.status != StepStatus::Done) {
-      Geodetic shown = on_datum;
+      Geodetic shown = onDatum;
       result = FromSystemDatum(shown, run);
       if (result != CalculationResult::Done) return result;
-      run.Note(CalculationStep::Geoid, undulation_m, 0.0, 0.0);
+      run.Note(CalculationStep::Geoid, undulationM, 0.0, 0.0);
       return run.Take(*steps_.geoid, outcome);
     }
-    on_datum.height_m += change_m;
+    onDatum.heightM += changeM;
   }
   return CalculationResult::NotConverging;
 }
@@ -290,8 +290,8 @@ GridMetres CTrgCalculator::InMetres(const GridPoint& point) const {
 }
 
 GridPoint CTrgCalculator::InJobUnit(const GridMetres& metres) const {
-  return {FromMetres(metres.northing_m, unit_), FromMetres(metres.easting_m, unit_),
-          FromMetres(metres.elevation_m, unit_)};
+  return {FromMetres(metres.northingM, unit_), FromMetres(metres.eastingM, unit_),
+          FromMetres(metres.elevationM, unit_)};
 }
 
 CalculationResult CTrgCalculator::ToGrid(const Geodetic& wgs84, GridPoint& point,
@@ -301,14 +301,14 @@ CalculationResult CTrgCalculator::ToGrid(const Geodetic& wgs84, GridPoint& point
   Run run{report};
   Geodetic position;
   GridMetres metres;
-  const CalculationResult entered = OnDatum(wgs84, position, metres.elevation_m, run);
+  const CalculationResult entered = OnDatum(wgs84, position, metres.elevationM, run);
   if (entered != CalculationResult::Done) return entered;
-  const LatLon at{position.latitude_rad, position.longitude_rad};
+  const LatLon at{position.latitudeRad, position.longitudeRad};
   PlanePoint plane;
   const CalculationResult projected = ResultOf(projection_->Forward(at, plane));
   if (projected != CalculationResult::Done) return projected;
-  metres.northing_m = plane.northing_m;
-  metres.easting_m = plane.easting_m;
+  metres.northingM = plane.northingM;
+  metres.eastingM = plane.eastingM;
   run.Note(CalculationStep::Projection, metres);
   run.NoteScale(*projection_, at);
   return FromPlane(metres, point, run);
@@ -323,9 +323,9 @@ CalculationResult CTrgCalculator::ToWgs84(const GridPoint& point, Geodetic& wgs8
   const CalculationResult entered = ToPlane(point, plane, run);
   if (entered != CalculationResult::Done) return entered;
   LatLon at;
-  const auto unprojected = ResultOf(projection_->Inverse({plane.northing_m, plane.easting_m}, at));
+  const auto unprojected = ResultOf(projection_->Inverse({plane.northingM, plane.eastingM}, at));
   if (unprojected != CalculationResult::Done) return unprojected;
-  const Geodetic position{at.latitude_rad, at.longitude_rad, plane.elevation_m};
+  const Geodetic position{at.latitudeRad, at.longitudeRad, plane.elevationM};
   run.Note(CalculationStep::Projection, position);
   run.NoteScale(*projection_, at);
   return FromDatum(position, wgs84, run);

@@ -64,7 +64,7 @@ struct ExplainedStep {
   double values[3] = {0.0, 0.0, 0.0};
   std::string description;  ///< parameters, grid or geoid in words
   StepOutcome outcome;
-  std::optional<double> point_scale;  ///< of the projection, where its family gives one
+  std::optional<double> pointScale;  ///< of the projection, where its family gives one
 };
 
 /// What a caller can have beside the result.
@@ -74,8 +74,8 @@ struct CalculationReport {
 
 /// The steps handed in; one that is not there is not made.
 struct CalculationSteps {
-  std::shared_ptr<const DatumShift> datum_shift = nullptr;
-  std::shared_ptr<const GridCorrection> grid_correction = nullptr;
+  std::shared_ptr<const DatumShift> datumShift = nullptr;
+  std::shared_ptr<const GridCorrection> gridCorrection = nullptr;
   std::shared_ptr<const GeoidModel> geoid = nullptr;
   std::shared_ptr<const SiteLocalization> localization = nullptr;
 };
@@ -102,16 +102,16 @@ class CTrgCalculator {
 
   /// Whether the text said how its datum lies against WGS84 (TOWGS84). Without it the record's
   /// shift is what it was before, and a step made of those numbers would be a guess.
-  bool definition_gives_shift() const { return gives_shift_; }
+  bool definitionGivesShift() const { return givesShift_; }
 
   const ProjectionRecord& record() const { return record_; }
-  const std::string& compound_name() const { return compound_name_; }
+  const std::string& compoundName() const { return compoundName_; }
 
   void SetSteps(CalculationSteps steps) { steps_ = std::move(steps); }
   const CalculationSteps& steps() const { return steps_; }
 
   void SetDistanceUnit(DistanceUnit unit) { unit_ = unit; }
-  DistanceUnit distance_unit() const { return unit_; }
+  DistanceUnit distanceUnit() const { return unit_; }
 
   /// Whether points can be converted: Done, NoSystem, NotAvailable, NoDatumShift or
   /// NoGridCorrection.
@@ -142,7 +142,7 @@ class CTrgCalculator {
   bool IsBritish() const;
   CalculationResult ToSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult FromSystemDatum(Geodetic& position, Run& run) const;
-  CalculationResult OnDatum(const Geodetic& wgs84, Geodetic& position, double& elevation_m,
+  CalculationResult OnDatum(const Geodetic& wgs84, Geodetic& position, double& elevationM,
                             Run& run) const;
   CalculationResult FromPlane(GridMetres metres, GridPoint& point, Run& run) const;
   CalculationResult ToPlane(const GridPoint& point, GridMetres& at, Run& run) const;
@@ -153,15 +153,15 @@ class CTrgCalculator {
   CalculationResult CorrectGrid(GridMetres& at,
                                 StepOutcome (GridCorrection::*way)(GridMetres&) const,
                                 Run& run) const;
-  CalculationResult SettleHeight(Geodetic on_datum, double elevation_m, Geodetic& wgs84,
+  CalculationResult SettleHeight(Geodetic onDatum, double elevationM, Geodetic& wgs84,
                                  Run& run) const;
   GridMetres InMetres(const GridPoint& point) const;
   GridPoint InJobUnit(const GridMetres& metres) const;
 
-  bool has_system_ = false;
-  bool gives_shift_ = false;
+  bool hasSystem_ = false;
+  bool givesShift_ = false;
   ProjectionRecord record_;
-  std::string compound_name_;
+  std::string compoundName_;
   std::shared_ptr<const Projection> projection_;
   ProjectionFault fault_ = ProjectionFault::None;
   CalculationSteps steps_;

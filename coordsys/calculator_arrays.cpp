@@ -66,18 +66,18 @@ void CTrgCalculator::BlockOnDatum(std::span<const Geodetic> wgs84, Block& block)
   Values longitude;
   for (std::size_t i = 0; i < block.size; ++i) {
     const Geodetic& at = wgs84[i];
-    const bool number = IsNumber(at.latitude_rad, at.longitude_rad, at.height_m);
-    latitude[i] = number ? at.latitude_rad : kNaN;
-    longitude[i] = number ? at.longitude_rad : kNaN;
-    block.Set(i, latitude[i], number ? WithinHalfTurns(longitude[i]) : kNaN, at.height_m);
+    const bool number = IsNumber(at.latitudeRad, at.longitudeRad, at.heightM);
+    latitude[i] = number ? at.latitudeRad : kNaN;
+    longitude[i] = number ? at.longitudeRad : kNaN;
+    block.Set(i, latitude[i], number ? WithinHalfTurns(longitude[i]) : kNaN, at.heightM);
   }
-  if (ShiftsDatum()) steps_.datum_shift->AllToSystem(block.Positions());
+  if (ShiftsDatum()) steps_.datumShift->AllToSystem(block.Positions());
   if (!steps_.geoid) return;
-  Values undulation_m;
+  Values undulationM;
   const std::size_t size = block.size;
   steps_.geoid->Undulations(std::span(latitude).first(size), std::span(longitude).first(size),
-                            std::span(undulation_m).first(size));
-  for (std::size_t i = 0; i < size; ++i) block.third[i] = wgs84[i].height_m - undulation_m[i];
+                            std::span(undulationM).first(size));
+  for (std::size_t i = 0; i < size; ++i) block.third[i] = wgs84[i].heightM - undulationM[i];
 }
 
 void CTrgCalculator::ToWgs84(std::span<const GridPoint> points, std::span<Geodetic> wgs84,
@@ -93,7 +93,7 @@ void CTrgCalculator::ToWgs84(std::span<const GridPoint> points, std::span<Geodet
       block.runs[i] = {};
       const auto result = ToPlane(points[begin + i], plane, block.runs[i]);
       const bool done = result == CalculationResult::Done;
-      block.Set(i, done ? plane.northing_m : kNaN, plane.easting_m, plane.elevation_m);
+      block.Set(i, done ? plane.northingM : kNaN, plane.eastingM, plane.elevationM);
     }
     (void)projection_->Inverse(block.First(), block.Second(), block.First(), block.Second());
     BlockFromDatum(block);
@@ -111,16 +111,16 @@ void CTrgCalculator::ToWgs84(std::span<const GridPoint> points, std::span<Geodet
 // Positions on the system's datum, the heights still elevations, to WGS84.
 void CTrgCalculator::BlockFromDatum(Block& block) const {
   if (steps_.geoid) return SettleHeights(block);
-  if (ShiftsDatum()) steps_.datum_shift->AllToWgs84(block.Positions());
+  if (ShiftsDatum()) steps_.datumShift->AllToWgs84(block.Positions());
 }
 
 // As SettleHeight does for a single point: a point that has settled stays, the others go on.
 void CTrgCalculator::SettleHeights(Block& block) const {
   const Values latitude = block.first;
   const Values longitude = block.second;
-  const Values elevation_m = block.third;
-  Values height_m = elevation_m;
-  Values undulation_m;
+  const Values elevationM = block.third;
+  Values heightM = elevationM;
+  Values undulationM;
   std::array<bool, kBlock> settled = {};
   Block passing;
   passing.size = block.size;
@@ -129,20 +129,20 @@ void CTrgCalculator::SettleHeights(Block& block) const {
   for (int pass = 0; pass < kHeightPasses && !all; ++pass) {
     passing.first = latitude;
     passing.second = longitude;
-    passing.third = height_m;
-    if (ShiftsDatum()) steps_.datum_shift->AllToWgs84(passing.Positions());
+    passing.third = heightM;
+    if (ShiftsDatum()) steps_.datumShift->AllToWgs84(passing.Positions());
     steps_.geoid->Undulations(passing.First(), passing.Second(),
-                              std::span(undulation_m).first(block.size));
+                              std::span(undulationM).first(block.size));
     all = true;
     for (std::size_t i = 0; i < block.size; ++i) {
       if (settled[i]) continue;
-      const double change_m = elevation_m[i] + undulation_m[i] - passing.third[i];
-      const bool moves = std::fabs(change_m) >= kHeightSettled_m;
+      const double changeM = elevationM[i] + undulationM[i] - passing.third[i];
+      const bool moves = std::fabs(changeM) >= kHeightSettledM;
       settled[i] = !moves;  // what is not-a-number goes nowhere either
-      if (!std::isnan(change_m) && !moves) {
+      if (!std::isnan(changeM) && !moves) {
         block.Set(i, passing.first[i], passing.second[i], passing.third[i]);
       }
-      if (moves) height_m[i] += change_m;
+      if (moves) heightM[i] += changeM;
       all = all && !moves;
     }
   }

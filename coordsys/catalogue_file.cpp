@@ -99,26 +99,26 @@ bool IsCatalogueName(std::string_view name) {
 CatalogueResult AddToCatalogue(std::string& bytes, std::string_view name,
                                std::string_view definition) {
   if (!IsCatalogueName(name)) return CatalogueResult::BadName;
-  const std::string one_line = OneLineDefinition(definition);
-  if (one_line.empty() || one_line.size() > kDefinitionLimit || HasControlCharacter(one_line)) {
+  const std::string oneLine = OneLineDefinition(definition);
+  if (oneLine.empty() || oneLine.size() > kDefinitionLimit || HasControlCharacter(oneLine)) {
     return CatalogueResult::BadDefinition;
   }
   if (PlaceOf(bytes, name)) return CatalogueResult::NameTaken;
   if (!bytes.empty() && bytes.back() != '\n') bytes += '\n';
-  bytes += LineOf({name, one_line});
+  bytes += LineOf({name, oneLine});
   return CatalogueResult::Done;
 }
 
 CatalogueResult RenameInCatalogue(std::string& bytes, std::string_view name,
-                                  std::string_view new_name) {
-  if (!IsCatalogueName(new_name)) return CatalogueResult::BadName;
+                                  std::string_view newName) {
+  if (!IsCatalogueName(newName)) return CatalogueResult::BadName;
   const auto place = PlaceOf(bytes, name);
   if (!place) return CatalogueResult::NotFound;
-  const auto taken = PlaceOf(bytes, new_name);
+  const auto taken = PlaceOf(bytes, newName);
   if (taken && taken->begin != place->begin) return CatalogueResult::NameTaken;
   std::string_view line = std::string_view(bytes).substr(place->begin, place->end - place->begin);
   CatalogueLine system = ReadCatalogueLine(TakeLine(line).value_or("")).value_or(CatalogueLine{});
-  system.name = new_name;
+  system.name = newName;
   const std::string renamed = LineOf(system);
   bytes.replace(place->begin, place->end - place->begin, renamed);
   return CatalogueResult::Done;

@@ -51,7 +51,7 @@ enum class [[nodiscard]] CatalogueResult : int{
 CatalogueResult AddToCatalogue(std::string& bytes, std::string_view name,
                                std::string_view definition);
 CatalogueResult RenameInCatalogue(std::string& bytes, std::string_view name,
-                                  std::string_view new_name);
+                                  std::string_view newName);
 CatalogueResult RemoveFromCatalogue(std::string& bytes, std::string_view name);
 
 /// A result in a sentence.

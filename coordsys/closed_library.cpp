@@ -24,15 +24,15 @@ bool ClosedLibrary::Loaded() {
   return false;
 }
 
-void* ClosedLibrary::Address(const char* entry_name) {
+void* ClosedLibrary::Address(const char* entryName) {
   const std::lock_guard lock(mutex_);
-  if (const auto known = entries_.find(entry_name); known != entries_.end()) return known->second;
+  if (const auto known = entries_.find(entryName); known != entries_.end()) return known->second;
   if (!Loaded()) return nullptr;
-  void* const address = library_->Find(entry_name);
+  void* const address = library_->Find(entryName);
   if (!address && messages_) {
-    messages_->Show(Strings().Text(141), Strings().Text(2208, {name_, entry_name}));
+    messages_->Show(Strings().Text(141), Strings().Text(2208, {name_, entryName}));
   }
-  return entries_[entry_name] = address;
+  return entries_[entryName] = address;
 }
 
 void ClosedLibrary::Close() {

@@ -25,14 +25,14 @@ class ClosedLibrary {
 
   /// The entry point as a function of type F; null when the library or the entry is missing.
   template <typename F>
-  F* Entry(const char* entry_name) {
-    return reinterpret_cast<F*>(Address(entry_name));
+  F* Entry(const char* entryName) {
+    return reinterpret_cast<F*>(Address(entryName));
   }
 
   /// The same of a library that is loaded; null, and no load, for one that is not.
   template <typename F>
-  F* EntryIfLoaded(const char* entry_name) {
-    return IsLoaded() ? Entry<F>(entry_name) : nullptr;
+  F* EntryIfLoaded(const char* entryName) {
+    return IsLoaded() ? Entry<F>(entryName) : nullptr;
   }
 
   /// Unloads the library and forgets its entry points: the next use loads it afresh. A remembered
@@ -48,7 +48,7 @@ class ClosedLibrary {
   const std::string& name() const { return name_; }
 
  private:
-  void* Address(const char* entry_name);
+  void* Address(const char* entryName);
   bool IsLoaded();
   bool Loaded();
 

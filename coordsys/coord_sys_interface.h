@@ -29,20 +29,20 @@ extern "C" {
 
 /* Angles in radians, lengths in metres. */
 struct CoordSysParameters {
-  double semi_major;
+  double semiMajor;
   double flattening;
-  double latitude_of_origin; /* or of the centre */
-  double central_meridian;   /* or longitude of the centre */
+  double latitudeOfOrigin; /* or of the centre */
+  double centralMeridian;  /* or longitude of the centre */
   double azimuth;
-  double rectified_angle; /* 0 stands for the azimuth */
-  double scale_factor;
-  double false_easting;
-  double false_northing;
+  double rectifiedAngle; /* 0 stands for the azimuth */
+  double scaleFactor;
+  double falseEasting;
+  double falseNorthing;
   double shift[7]; /* dX dY dZ, rX rY rZ (seconds of arc, coordinate frame), scale (ppm) */
 };
 
 /* NOLINTNEXTLINE(modernize-use-using): C reads this header too */
-typedef int CoordSysConversion(double first, double second, double* first_out, double* second_out,
+typedef int CoordSysConversion(double first, double second, double* firstOut, double* secondOut,
                                const struct CoordSysParameters* parameters);
 
 #ifdef __cplusplus

@@ -177,9 +177,9 @@ void CheckProjection(const DefinitionNode& system, Issues& issues) {
 
 void CheckDatumShift(const DefinitionNode& system, std::string_view text, Issues& issues) {
   ProjectionRecord record;
-  std::string compound_name;
-  ReadDefinition(text, record, compound_name, nullptr);
-  if (record.semi_major_m == 0.0) return;  // nothing is known about the datum, which was told
+  std::string compoundName;
+  ReadDefinition(text, record, compoundName, nullptr);
+  if (record.semiMajorM == 0.0) return;  // nothing is known about the datum, which was told
   const bool given = system.Find("TOWGS84") != nullptr;
   if (!ShiftIsKnown(record, given)) issues.push_back({Kind::NoDatumShift, ""});
 }
@@ -213,13 +213,12 @@ std::vector<DefinitionIssue> CheckDefinition(std::string_view text) {
   const std::string line = OneLineDefinition(text);
   Issues issues;
   if (line.size() > kDefinitionLimit) issues.push_back({Kind::TooLong, ""});
-  std::size_t stopped_at = 0;
-  const auto root = ReadDefinitionTree(line, stopped_at);
+  std::size_t stoppedAt = 0;
+  const auto root = ReadDefinitionTree(line, stoppedAt);
   if (!root) {
     constexpr std::size_t kShown = 30;
-    const std::size_t begin = stopped_at > kShown ? stopped_at - kShown : 0;
-    issues.insert(issues.begin(),
-                  {Kind::NotWellFormed, line.substr(begin, stopped_at - begin + 1)});
+    const std::size_t begin = stoppedAt > kShown ? stoppedAt - kShown : 0;
+    issues.insert(issues.begin(), {Kind::NotWellFormed, line.substr(begin, stoppedAt - begin + 1)});
     return issues;
   }
   const DefinitionNode* system = root->keyword == "PROJCS" ? &*root : root->Find("PROJCS");

@@ -19,16 +19,16 @@ std::string_view WithoutOuterQuotes(std::string_view text) {
   return text;
 }
 
-void ReadCompoundName(DefinitionScanner& scanner, std::string& compound_name) {
+void ReadCompoundName(DefinitionScanner& scanner, std::string& compoundName) {
   if (!scanner.AtStartOf("COMPD_CS") || !scanner.Pass('[')) return;
-  if (const auto name = scanner.Take(',')) compound_name = WithoutOuterQuotes(*name);
+  if (const auto name = scanner.Take(',')) compoundName = WithoutOuterQuotes(*name);
 }
 
 // At "DATUM": its name.
 void ReadDatum(DefinitionScanner& scanner, ProjectionRecord& record) {
   if (!scanner.Pass('[')) return;
   if (const auto item = scanner.Before(',', kNameLimit)) {
-    if (const auto name = DefinitionScanner(*item).TakeQuoted()) record.datum_name.Assign(*name);
+    if (const auto name = DefinitionScanner(*item).TakeQuoted()) record.datumName.Assign(*name);
   }
   scanner.Pass(',');
 }
@@ -39,13 +39,13 @@ void ReadSpheroid(DefinitionScanner& scanner, ProjectionRecord& record) {
   const auto name = scanner.Take(',');
   if (!name) return;
   if (const auto quoted = DefinitionScanner(*name).TakeQuoted()) {
-    record.ellipsoid_name.Assign(*quoted);
+    record.ellipsoidName.Assign(*quoted);
   }
-  const auto semi_major = scanner.Take(',');
-  if (!semi_major) return;
-  record.semi_major_m = LeadingDouble(*semi_major);
-  const auto inverse_flattening = scanner.Take(']');
-  if (inverse_flattening) record.flattening = 1.0 / LeadingDouble(*inverse_flattening);
+  const auto semiMajor = scanner.Take(',');
+  if (!semiMajor) return;
+  record.semiMajorM = LeadingDouble(*semiMajor);
+  const auto inverseFlattening = scanner.Take(']');
+  if (inverseFlattening) record.flattening = 1.0 / LeadingDouble(*inverseFlattening);
 }
 
 void ReadToWgs84(std::string_view rest, ProjectionRecord& record) {
@@ -56,9 +56,8 @@ void ReadToWgs84(std::string_view rest, ProjectionRecord& record) {
   const auto list = scanner.Take(']');
   if (!list) return;
 
-  double* const fields[] = {&record.shift_dx,   &record.shift_dy, &record.shift_dz,
-                            &record.shift_rx,   &record.shift_ry, &record.shift_rz,
-                            &record.shift_scale};
+  double* const fields[] = {&record.shiftDx, &record.shiftDy, &record.shiftDz,   &record.shiftRx,
+                            &record.shiftRy, &record.shiftRz, &record.shiftScale};
   std::string_view numbers = *list;
   for (std::size_t i = 0; i < std::size(fields) && !numbers.empty(); ++i) {
     const std::size_t comma = numbers.find(',');
@@ -74,7 +73,7 @@ bool ReadProjectionName(DefinitionScanner scanner, ProjectionRecord& record) {
   do {
     if (!scanner.AtStartOf("PROJECTION")) continue;
     scanner.Pass('[');
-    if (const auto name = scanner.TakeQuoted()) record.projection_name.Assign(*name);
+    if (const auto name = scanner.TakeQuoted()) record.projectionName.Assign(*name);
     return true;
   } while (scanner.Pass(','));
   return false;
@@ -92,7 +91,7 @@ void ReadVerticalDatum(DefinitionScanner scanner, ProjectionRecord& record) {
   if (at == std::string_view::npos) return;
   const auto name = DefinitionScanner(scanner.rest().substr(at)).TakeQuoted();
   if (!name) return;
-  record.vertical_datum_name.Assign(EqualsIgnoringCase(*name, "Ellipsoid") ? "" : *name);
+  record.verticalDatumName.Assign(EqualsIgnoringCase(*name, "Ellipsoid") ? "" : *name);
 }
 
 void ReadParameters(DefinitionScanner scanner, ProjectionRecord& record) {
@@ -105,35 +104,35 @@ void ReadParameters(DefinitionScanner scanner, ProjectionRecord& record) {
 void TellUnknownProjection(const ProjectionRecord& record, MessageBox* messages) {
   if (!messages) return;
   const std::string text =
-      Strings().Text(2205) + record.projection_name.str() + Strings().Text(2206);
+      Strings().Text(2205) + record.projectionName.str() + Strings().Text(2206);
   messages->Show(Strings().Text(141), text);
 }
 
 }  // namespace
 
-int ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compound_name,
+int ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compoundName,
                    MessageBox* messages) {
   DefinitionScanner scanner(text.substr(0, kDefinitionLimit));
-  ReadCompoundName(scanner, compound_name);
+  ReadCompoundName(scanner, compoundName);
   if (!scanner.WalkInto("PROJCS") || !scanner.WalkInto("DATUM")) return 1;
   ReadDatum(scanner, record);
   if (!scanner.WalkInto("SPHEROID")) return 1;
   ReadSpheroid(scanner, record);
   ReadToWgs84(scanner.rest(), record);
 
-  const bool projection_seen = ReadProjectionName(scanner, record);
+  const bool projectionSeen = ReadProjectionName(scanner, record);
   ReadParameters(scanner, record);
-  if (!projection_seen) return 1;
+  if (!projectionSeen) return 1;
 
-  const auto type = ProjectionCode(record.projection_name.view());
+  const auto type = ProjectionCode(record.projectionName.view());
   if (type) {
-    record.projection_type = static_cast<int>(*type);
+    record.projectionType = static_cast<int>(*type);
   } else {
     TellUnknownProjection(record, messages);
   }
   constexpr int kAlaska = static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
-  if (record.projection_type == kAlaska) record.coefficients[0] = record.coefficients[2];
-  record.ellipsoid_code = kUserEllipsoid;
+  if (record.projectionType == kAlaska) record.coefficients[0] = record.coefficients[2];
+  record.ellipsoidCode = kUserEllipsoid;
   return 1;
 }
 

@@ -69,17 +69,17 @@ class TreeReader {
 
 }  // namespace
 
-const DefinitionNode* DefinitionNode::Child(std::string_view child_keyword) const {
+const DefinitionNode* DefinitionNode::Child(std::string_view childKeyword) const {
   for (const DefinitionNode& node : nodes) {
-    if (node.keyword == child_keyword) return &node;
+    if (node.keyword == childKeyword) return &node;
   }
   return nullptr;
 }
 
-const DefinitionNode* DefinitionNode::Find(std::string_view below_keyword) const {
+const DefinitionNode* DefinitionNode::Find(std::string_view belowKeyword) const {
   for (const DefinitionNode& node : nodes) {
-    if (node.keyword == below_keyword) return &node;
-    if (const DefinitionNode* below = node.Find(below_keyword)) return below;
+    if (node.keyword == belowKeyword) return &node;
+    if (const DefinitionNode* below = node.Find(belowKeyword)) return below;
   }
   return nullptr;
 }
@@ -88,11 +88,11 @@ std::string_view DefinitionNode::Value(std::size_t index) const {
   return index < values.size() ? values[index] : std::string_view();
 }
 
-std::optional<DefinitionNode> ReadDefinitionTree(std::string_view text, std::size_t& stopped_at) {
+std::optional<DefinitionNode> ReadDefinitionTree(std::string_view text, std::size_t& stoppedAt) {
   TreeReader reader(text);
   DefinitionNode root;
   const bool whole = reader.ReadNode(root, 0) && reader.AtEnd();
-  stopped_at = reader.position();
+  stoppedAt = reader.position();
   return whole ? std::optional(std::move(root)) : std::nullopt;
 }
 

@@ -15,15 +15,15 @@ struct DefinitionNode {
   std::vector<DefinitionNode> nodes;
 
   /// The first child of a keyword; null when there is none.
-  const DefinitionNode* Child(std::string_view child_keyword) const;
+  const DefinitionNode* Child(std::string_view childKeyword) const;
   /// The first node of a keyword anywhere below; null when there is none.
-  const DefinitionNode* Find(std::string_view below_keyword) const;
+  const DefinitionNode* Find(std::string_view belowKeyword) const;
   /// The value at `index`; empty when there are fewer.
   std::string_view Value(std::size_t index) const;
 };
 
 /// The tree of a text on one line; nothing when brackets, quotes or commas do not match.
-/// `stopped_at` is then where.
-std::optional<DefinitionNode> ReadDefinitionTree(std::string_view text, std::size_t& stopped_at);
+/// `stoppedAt` is then where.
+std::optional<DefinitionNode> ReadDefinitionTree(std::string_view text, std::size_t& stoppedAt);
 
 }  // namespace tarvex

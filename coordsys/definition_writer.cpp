@@ -51,14 +51,14 @@ std::string InverseFlattening(double flattening) {
 
 std::string Datum(const ProjectionRecord& record) {
   const Ellipsoid ellipsoid = EllipsoidOf(record);
-  std::string text = "DATUM[" + Quoted(record.datum_name.view(), kDatumNameLimit);
-  text += ",SPHEROID[" + Quoted(record.ellipsoid_name.view());
-  text += ',' + Number(ellipsoid.semi_major_m);
+  std::string text = "DATUM[" + Quoted(record.datumName.view(), kDatumNameLimit);
+  text += ",SPHEROID[" + Quoted(record.ellipsoidName.view());
+  text += ',' + Number(ellipsoid.semiMajorM);
   text += ',' + InverseFlattening(ellipsoid.flattening) + ']';
   if (!HasDatumShift(record) && !StandsOnWgs84(record)) return text + ']';
-  text += ",TOWGS84[" + Number(record.shift_dx);
-  for (const double value : {record.shift_dy, record.shift_dz, -record.shift_rx, -record.shift_ry,
-                             -record.shift_rz, record.shift_scale}) {
+  text += ",TOWGS84[" + Number(record.shiftDx);
+  for (const double value : {record.shiftDy, record.shiftDz, -record.shiftRx, -record.shiftRy,
+                             -record.shiftRz, record.shiftScale}) {
     text += ',' + Number(value);
   }
   return text + "]]";
@@ -75,8 +75,8 @@ void AppendUnlessZero(std::string& out, std::string_view keyword, double value) 
 }
 
 // "azimuth" where the shared field means one.
-std::string_view SecondParallelKeyword(int projection_type) {
-  switch (static_cast<ProjectionType>(projection_type)) {
+std::string_view SecondParallelKeyword(int projectionType) {
+  switch (static_cast<ProjectionType>(projectionType)) {
     case ProjectionType::ObliqueMercator83:
     case ProjectionType::ObliqueMercator27:
     case ProjectionType::ObliqueMercator:
@@ -89,32 +89,31 @@ std::string_view SecondParallelKeyword(int projection_type) {
 
 std::string Parameters(const ProjectionRecord& record) {
   std::string text;
-  AppendParameter(text, "latitude_of_origin", record.latitude_of_origin);
-  AppendParameter(text, "central_meridian", record.central_meridian);
-  AppendUnlessZero(text, "standard_parallel_1", record.standard_parallel_1);
-  AppendUnlessZero(text, SecondParallelKeyword(record.projection_type),
-                   record.standard_parallel_2_or_azimuth);
-  AppendUnlessZero(text, "rectified_grid_angle", record.rectified_grid_angle);
-  AppendUnlessZero(text, "scale_factor", record.scale_factor);
-  AppendParameter(text, "false_easting", record.false_easting);
-  AppendParameter(text, "false_northing", record.false_northing);
-  AppendUnlessZero(text, "zone_width", record.zone_width);
+  AppendParameter(text, "latitude_of_origin", record.latitudeOfOrigin);
+  AppendParameter(text, "central_meridian", record.centralMeridian);
+  AppendUnlessZero(text, "standard_parallel_1", record.standardParallel1);
+  AppendUnlessZero(text, SecondParallelKeyword(record.projectionType),
+                   record.standardParallel2OrAzimuth);
+  AppendUnlessZero(text, "rectified_grid_angle", record.rectifiedGridAngle);
+  AppendUnlessZero(text, "scale_factor", record.scaleFactor);
+  AppendParameter(text, "false_easting", record.falseEasting);
+  AppendParameter(text, "false_northing", record.falseNorthing);
+  AppendUnlessZero(text, "zone_width", record.zoneWidth);
   for (std::size_t i = 0; i < record.coefficients.size(); ++i) {
     AppendUnlessZero(text, "T" + std::to_string(i + 1), record.coefficients[i]);
   }
-  AppendUnlessZero(text, "denmark_area", record.denmark_area);
+  AppendUnlessZero(text, "denmark_area", record.denmarkArea);
   return text;
 }
 
 bool IsFinite(const ProjectionRecord& record) {
   const Ellipsoid ellipsoid = EllipsoidOf(record);
-  double sum = ellipsoid.semi_major_m + 1.0 / ellipsoid.flattening;
-  for (const double value :
-       {record.shift_dx, record.shift_dy, record.shift_dz, record.shift_rx, record.shift_ry,
-        record.shift_rz, record.shift_scale, record.false_easting, record.false_northing,
-        record.central_meridian, record.standard_parallel_1, record.latitude_of_origin,
-        record.standard_parallel_2_or_azimuth, record.zone_width, record.scale_factor,
-        record.rectified_grid_angle}) {
+  double sum = ellipsoid.semiMajorM + 1.0 / ellipsoid.flattening;
+  for (const double value : {record.shiftDx, record.shiftDy, record.shiftDz, record.shiftRx,
+                             record.shiftRy, record.shiftRz, record.shiftScale, record.falseEasting,
+                             record.falseNorthing, record.centralMeridian, record.standardParallel1,
+                             record.latitudeOfOrigin, record.standardParallel2OrAzimuth,
+                             record.zoneWidth, record.scaleFactor, record.rectifiedGridAngle}) {
     sum += value * 0.0;
   }
   for (const double value : record.coefficients) sum += value * 0.0;
@@ -124,20 +123,20 @@ bool IsFinite(const ProjectionRecord& record) {
 }  // namespace
 
 std::optional<std::string> WriteDefinition(const ProjectionRecord& record, std::string_view name,
-                                           std::string_view compound_name) {
-  const auto projection = ProjectionName(record.projection_type);
+                                           std::string_view compoundName) {
+  const auto projection = ProjectionName(record.projectionType);
   if (!projection || !IsFinite(record)) return std::nullopt;
-  std::string text = "PROJCS[" + Quoted(name) + ",GEOGCS[" + Quoted(record.datum_name.view());
+  std::string text = "PROJCS[" + Quoted(name) + ",GEOGCS[" + Quoted(record.datumName.view());
   text += ',' + Datum(record);
   text += R"(,PRIMEM["Greenwich",0],UNIT["degree",0.017453292519943295]])";
   text += ",PROJECTION[\"";
   text += *projection;
   text += "\"]" + Parameters(record) + R"(,UNIT["metre",1]])";
-  if (!compound_name.empty() || !record.vertical_datum_name.empty()) {
-    const bool ellipsoid = record.vertical_datum_name.empty();
+  if (!compoundName.empty() || !record.verticalDatumName.empty()) {
+    const bool ellipsoid = record.verticalDatumName.empty();
     const std::string vertical =
-        ellipsoid ? "\"Ellipsoid\"" : Quoted(record.vertical_datum_name.view());
-    text = "COMPD_CS[" + Quoted(compound_name.empty() ? name : compound_name) + ',' + text;
+        ellipsoid ? "\"Ellipsoid\"" : Quoted(record.verticalDatumName.view());
+    text = "COMPD_CS[" + Quoted(compoundName.empty() ? name : compoundName) + ',' + text;
     text += ",VERT_CS[" + vertical + ",VERT_DATUM[" + vertical;
     text += ellipsoid ? ",2002]" : ",2005]";
     text += R"(,UNIT["metre",1]]])";

@@ -19,6 +19,6 @@ namespace tarvex {
 /// Nothing when the projection type has no name, a number is not finite, or the text would be
 /// longer than a reader takes.
 std::optional<std::string> WriteDefinition(const ProjectionRecord& record, std::string_view name,
-                                           std::string_view compound_name = {});
+                                           std::string_view compoundName = {});
 
 }  // namespace tarvex

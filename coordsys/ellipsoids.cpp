@@ -26,11 +26,11 @@ constexpr Ellipsoid kTable[] = {
 
 }  // namespace
 
-void LookUpEllipsoid(int code, double& semi_major_m, double& flattening) {
+void LookUpEllipsoid(int code, double& semiMajorM, double& flattening) {
   if (code == kUserEllipsoid) return;
   const bool listed = code >= 0 && code < static_cast<int>(std::size(kTable));
   const Ellipsoid& found = listed ? kTable[static_cast<std::size_t>(code)] : kWgs84;
-  semi_major_m = found.semi_major_m;
+  semiMajorM = found.semiMajorM;
   flattening = found.flattening;
 }
 

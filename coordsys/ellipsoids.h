@@ -8,7 +8,7 @@ namespace tarvex {
 
 /// An ellipsoid of revolution.
 struct Ellipsoid {
-  double semi_major_m = 0.0;
+  double semiMajorM = 0.0;
   double flattening = 0.0;
 
   bool operator==(const Ellipsoid&) const = default;
@@ -23,6 +23,6 @@ inline constexpr Ellipsoid kClarke1866 = {6378206.4, 0.00339007530409};
 
 /// Writes the ellipsoid of `code`, 0 to 14, into the two fields. Code 999 writes nothing: the
 /// fields keep what the definition gave. Any other code is WGS 84.
-void LookUpEllipsoid(int code, double& semi_major_m, double& flattening);
+void LookUpEllipsoid(int code, double& semiMajorM, double& flattening);
 
 }  // namespace tarvex

@@ -14,38 +14,38 @@ enum class LetterCase { Ignored, Kept };
 
 struct NumberKeyword {
   std::string_view name;
-  LetterCase letter_case;
+  LetterCase letterCase;
   void (*set)(ProjectionRecord&, double);
 };
 
 void SetCentralMeridian(ProjectionRecord& record, double value) {
-  record.central_meridian = value;
-  record.longitude_of_center = value;
+  record.centralMeridian = value;
+  record.longitudeOfCenter = value;
 }
 void SetLatitudeOfOrigin(ProjectionRecord& record, double value) {
-  record.latitude_of_origin = value;
-  record.latitude_of_center = value;
+  record.latitudeOfOrigin = value;
+  record.latitudeOfCenter = value;
 }
 void SetParallel1(ProjectionRecord& record, double value) {
-  record.standard_parallel_1 = value;
+  record.standardParallel1 = value;
 }
 void SetParallel2(ProjectionRecord& record, double value) {
-  record.standard_parallel_2_or_azimuth = value;
+  record.standardParallel2OrAzimuth = value;
 }
 
 constexpr NumberKeyword kKeywords[] = {
     {"false_easting", LetterCase::Ignored,
-     [](ProjectionRecord& record, double value) { record.false_easting = value; }},
+     [](ProjectionRecord& record, double value) { record.falseEasting = value; }},
     {"false_northing", LetterCase::Ignored,
-     [](ProjectionRecord& record, double value) { record.false_northing = value; }},
+     [](ProjectionRecord& record, double value) { record.falseNorthing = value; }},
     {"central_meridian", LetterCase::Ignored, SetCentralMeridian},
     {"longitude_of_center", LetterCase::Ignored, SetCentralMeridian},
     {"latitude_of_origin", LetterCase::Ignored, SetLatitudeOfOrigin},
     {"latitude_of_center", LetterCase::Ignored, SetLatitudeOfOrigin},
     {"scale_factor", LetterCase::Ignored,
-     [](ProjectionRecord& record, double value) { record.scale_factor = value; }},
+     [](ProjectionRecord& record, double value) { record.scaleFactor = value; }},
     {"zone_width", LetterCase::Ignored,
-     [](ProjectionRecord& record, double value) { record.zone_width = value; }},
+     [](ProjectionRecord& record, double value) { record.zoneWidth = value; }},
     {"standard_parallel_1", LetterCase::Ignored, SetParallel1},
     {"standard_parallel1", LetterCase::Ignored, SetParallel1},
     {"standard_parallel_2", LetterCase::Ignored, SetParallel2},
@@ -53,13 +53,13 @@ constexpr NumberKeyword kKeywords[] = {
     {"axis", LetterCase::Ignored, SetParallel2},
     {"azimuth", LetterCase::Ignored, SetParallel2},
     {"rectified_grid_angle", LetterCase::Kept,
-     [](ProjectionRecord& record, double value) { record.rectified_grid_angle = value; }},
+     [](ProjectionRecord& record, double value) { record.rectifiedGridAngle = value; }},
 };
 
 struct CoefficientKeyword {
   std::string_view name;
   std::size_t number;
-  LetterCase letter_case = LetterCase::Kept;
+  LetterCase letterCase = LetterCase::Kept;
 };
 
 // There is no "E": "F" follows "D". "CM" is a coefficient, not the central meridian.
@@ -100,8 +100,8 @@ constexpr CoefficientKeyword kCoefficients[] = {
     {"lambda0", 11, LetterCase::Ignored},
 };
 
-bool Matches(std::string_view keyword, std::string_view name, LetterCase letter_case) {
-  return letter_case == LetterCase::Ignored ? EqualsIgnoringCase(keyword, name) : keyword == name;
+bool Matches(std::string_view keyword, std::string_view name, LetterCase letterCase) {
+  return letterCase == LetterCase::Ignored ? EqualsIgnoringCase(keyword, name) : keyword == name;
 }
 
 int AsInt(long long value) {
@@ -114,16 +114,16 @@ int AsInt(long long value) {
 
 bool SetParameter(ProjectionRecord& record, std::string_view keyword, std::string_view number) {
   if (keyword == "denmark_area") {
-    record.denmark_area = AsInt(LeadingInteger(number));
+    record.denmarkArea = AsInt(LeadingInteger(number));
     return true;
   }
   for (const NumberKeyword& known : kKeywords) {
-    if (!Matches(keyword, known.name, known.letter_case)) continue;
+    if (!Matches(keyword, known.name, known.letterCase)) continue;
     known.set(record, LeadingDouble(number));
     return true;
   }
   for (const CoefficientKeyword& known : kCoefficients) {
-    if (!Matches(keyword, known.name, known.letter_case)) continue;
+    if (!Matches(keyword, known.name, known.letterCase)) continue;
     record.coefficients[known.number - 1] = LeadingDouble(number);
     return true;
   }

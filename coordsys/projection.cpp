@@ -27,9 +27,9 @@ using MakeClosed = MadeProjection(const ProjectionParameters&, const Library&);
 // Type 6 is computed on GRS 1980, where positions of WGS84 stand as they are; its national grid
 // carries the plane to the record's datum.
 MadeProjection MakeTransverseMercatorOstn02(const ProjectionParameters& parameters) {
-  ProjectionParameters on_grs80 = parameters;
-  on_grs80.ellipsoid = kGrs80;
-  return MakeTransverseMercatorOfWgs84(on_grs80);
+  ProjectionParameters onGrs80 = parameters;
+  onGrs80.ellipsoid = kGrs80;
+  return MakeTransverseMercatorOfWgs84(onGrs80);
 }
 
 // One row a family; the families of the closed library stand in the second column.
@@ -37,7 +37,7 @@ struct Family {
   ProjectionType type;
   Scale scale;
   Make* make;
-  MakeClosed* make_closed = nullptr;
+  MakeClosed* makeClosed = nullptr;
 };
 
 using enum ProjectionType;
@@ -73,20 +73,20 @@ static_assert(
 
 constexpr double kSmallestScale = 0.5;
 constexpr double kLargestScale = 2.0;
-constexpr double kFarthestOrigin_m = 1e8;
+constexpr double kFarthestOriginM = 1e8;
 
 // What every family asks of its parameters.
 ProjectionFault CommonFault(const ProjectionParameters& parameters, Scale scale) {
   if (!IsEarthEllipsoid(parameters.ellipsoid)) return ProjectionFault::Ellipsoid;
-  const double k0 = parameters.scale_factor;
+  const double k0 = parameters.scaleFactor;
   if (scale == Scale::Needed && !(k0 >= kSmallestScale && k0 <= kLargestScale)) {
     return ProjectionFault::ScaleFactor;
   }
-  if (!(std::fabs(parameters.central_meridian_rad) <= 360.0 * kRadiansPerDegree)) {
+  if (!(std::fabs(parameters.centralMeridianRad) <= 360.0 * kRadiansPerDegree)) {
     return ProjectionFault::CentralMeridian;
   }
-  if (!(std::fabs(parameters.false_easting_m) <= kFarthestOrigin_m &&
-        std::fabs(parameters.false_northing_m) <= kFarthestOrigin_m)) {
+  if (!(std::fabs(parameters.falseEastingM) <= kFarthestOriginM &&
+        std::fabs(parameters.falseNorthingM) <= kFarthestOriginM)) {
     return ProjectionFault::FalseOrigin;
   }
   return ProjectionFault::None;
@@ -110,31 +110,31 @@ bool HasCentre(int type) {
 ProjectionParameters ParametersOf(const ProjectionRecord& record) {
   ProjectionParameters parameters;
   parameters.ellipsoid = EllipsoidOf(record);
-  parameters.false_easting_m = record.false_easting;
-  parameters.false_northing_m = record.false_northing;
-  const bool centre = HasCentre(record.projection_type);
-  const double latitude = centre ? record.latitude_of_center : record.latitude_of_origin;
-  const double longitude = centre ? record.longitude_of_center : record.central_meridian;
-  parameters.latitude_of_origin_rad = latitude * kRadiansPerDegree;
-  parameters.central_meridian_rad = longitude * kRadiansPerDegree;
-  parameters.scale_factor = record.scale_factor;
-  parameters.parallel_1_rad = record.standard_parallel_1 * kRadiansPerDegree;
-  parameters.parallel_2_or_azimuth_rad = record.standard_parallel_2_or_azimuth * kRadiansPerDegree;
-  parameters.rectified_angle_rad = record.rectified_grid_angle * kRadiansPerDegree;
+  parameters.falseEastingM = record.falseEasting;
+  parameters.falseNorthingM = record.falseNorthing;
+  const bool centre = HasCentre(record.projectionType);
+  const double latitude = centre ? record.latitudeOfCenter : record.latitudeOfOrigin;
+  const double longitude = centre ? record.longitudeOfCenter : record.centralMeridian;
+  parameters.latitudeOfOriginRad = latitude * kRadiansPerDegree;
+  parameters.centralMeridianRad = longitude * kRadiansPerDegree;
+  parameters.scaleFactor = record.scaleFactor;
+  parameters.parallel1Rad = record.standardParallel1 * kRadiansPerDegree;
+  parameters.parallel2OrAzimuthRad = record.standardParallel2OrAzimuth * kRadiansPerDegree;
+  parameters.rectifiedAngleRad = record.rectifiedGridAngle * kRadiansPerDegree;
   parameters.coefficients = record.coefficients;
-  parameters.denmark_area = record.denmark_area;
-  parameters.shift = {record.shift_dx, record.shift_dy, record.shift_dz,   record.shift_rx,
-                      record.shift_ry, record.shift_rz, record.shift_scale};
+  parameters.denmarkArea = record.denmarkArea;
+  parameters.shift = {record.shiftDx, record.shiftDy, record.shiftDz,   record.shiftRx,
+                      record.shiftRy, record.shiftRz, record.shiftScale};
   return parameters;
 }
 
-MadeProjection MakeProjection(const ProjectionRecord& record, const Library& coord_sys) {
-  if (!ProjectionName(record.projection_type)) return {nullptr, ProjectionFault::UnknownType};
-  const Family& family = kFamilies[static_cast<std::size_t>(record.projection_type)];
+MadeProjection MakeProjection(const ProjectionRecord& record, const Library& coordSys) {
+  if (!ProjectionName(record.projectionType)) return {nullptr, ProjectionFault::UnknownType};
+  const Family& family = kFamilies[static_cast<std::size_t>(record.projectionType)];
   const ProjectionParameters parameters = ParametersOf(record);
   const ProjectionFault fault = CommonFault(parameters, family.scale);
   if (fault != ProjectionFault::None) return {nullptr, fault};
-  return family.make ? family.make(parameters) : family.make_closed(parameters, coord_sys);
+  return family.make ? family.make(parameters) : family.makeClosed(parameters, coordSys);
 }
 
 MadeProjection MakeProjection(const ProjectionRecord& record) {

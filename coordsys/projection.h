@@ -20,8 +20,8 @@ namespace tarvex {
 
 /// A position on the system's ellipsoid, radians.
 struct LatLon {
-  double latitude_rad = 0.0;
-  double longitude_rad = 0.0;
+  double latitudeRad = 0.0;
+  double longitudeRad = 0.0;
 
   bool operator==(const LatLon&) const = default;
 };
@@ -34,16 +34,16 @@ enum class [[nodiscard]] ProjectionResult : int{
 /// What a conversion starts from: the record's parameters with angles in radians.
 struct ProjectionParameters {
   Ellipsoid ellipsoid;
-  double false_easting_m = 0.0;
-  double false_northing_m = 0.0;
-  double central_meridian_rad = 0.0;
-  double latitude_of_origin_rad = 0.0;
-  double scale_factor = 0.0;
-  double parallel_1_rad = 0.0;
-  double parallel_2_or_azimuth_rad = 0.0;
-  double rectified_angle_rad = 0.0;
+  double falseEastingM = 0.0;
+  double falseNorthingM = 0.0;
+  double centralMeridianRad = 0.0;
+  double latitudeOfOriginRad = 0.0;
+  double scaleFactor = 0.0;
+  double parallel1Rad = 0.0;
+  double parallel2OrAzimuthRad = 0.0;
+  double rectifiedAngleRad = 0.0;
   std::array<double, 11> coefficients = {};
-  int denmark_area = 0;
+  int denmarkArea = 0;
   std::array<double, 7> shift = {};  ///< dX, dY, dZ, rX, rY, rZ, scale as the record holds them
 };
 
@@ -74,12 +74,12 @@ class Projection {
 
   /// Whole arrays, all of one length; in and out may be the same arrays, crossed or not. A point
   /// that is refused comes out as not-a-number in both; returns how many were.
-  virtual std::size_t Forward(std::span<const double> latitude_rad,
-                              std::span<const double> longitude_rad, std::span<double> northing_m,
-                              std::span<double> easting_m) const noexcept = 0;
-  virtual std::size_t Inverse(std::span<const double> northing_m, std::span<const double> easting_m,
-                              std::span<double> latitude_rad,
-                              std::span<double> longitude_rad) const noexcept = 0;
+  virtual std::size_t Forward(std::span<const double> latitudeRad,
+                              std::span<const double> longitudeRad, std::span<double> northingM,
+                              std::span<double> eastingM) const noexcept = 0;
+  virtual std::size_t Inverse(std::span<const double> northingM, std::span<const double> eastingM,
+                              std::span<double> latitudeRad,
+                              std::span<double> longitudeRad) const noexcept = 0;
 
   /// The point scale factor, of the families that give one: every transverse Mercator.
   virtual std::optional<double> PointScale(LatLon) const noexcept { return std::nullopt; }
@@ -95,9 +95,9 @@ struct [[nodiscard]] MadeProjection {
 };
 
 /// The projection of a record: the dispatch on its type. Types 12 to 15 are computed by
-/// `coord_sys`, which is loaded when the first point is converted.
+/// `coordSys`, which is loaded when the first point is converted.
 MadeProjection MakeProjection(const ProjectionRecord& record,
-                              const std::shared_ptr<ClosedLibrary>& coord_sys);
+                              const std::shared_ptr<ClosedLibrary>& coordSys);
 /// The same with the system's own "CoordSys.dll".
 MadeProjection MakeProjection(const ProjectionRecord& record);
 

@@ -15,53 +15,53 @@
 namespace tarvex {
 
 struct ProjectionRecord {
-  int ellipsoid_code = kUserEllipsoid;
-  FixedText<100> datum_name;
-  FixedText<100> ellipsoid_name;
-  double semi_major_m = 0.0;
+  int ellipsoidCode = kUserEllipsoid;
+  FixedText<100> datumName;
+  FixedText<100> ellipsoidName;
+  double semiMajorM = 0.0;
   double flattening = 0.0;
 
-  double shift_scale = 0.0;
-  double shift_dx = 0.0;
-  double shift_dy = 0.0;
-  double shift_dz = 0.0;
-  double shift_rx = 0.0;
-  double shift_ry = 0.0;
-  double shift_rz = 0.0;
+  double shiftScale = 0.0;
+  double shiftDx = 0.0;
+  double shiftDy = 0.0;
+  double shiftDz = 0.0;
+  double shiftRx = 0.0;
+  double shiftRy = 0.0;
+  double shiftRz = 0.0;
 
-  int projection_type = 0;
-  FixedText<100> projection_name;
-  double false_easting = 0.0;
-  double false_northing = 0.0;
-  double central_meridian = 0.0;
-  double longitude_of_center = 0.0;
-  double standard_parallel_1 = 0.0;
-  double latitude_of_origin = 0.0;
-  double latitude_of_center = 0.0;
-  double standard_parallel_2_or_azimuth = 0.0;
-  double zone_width = 0.0;
-  double scale_factor = 0.0;
+  int projectionType = 0;
+  FixedText<100> projectionName;
+  double falseEasting = 0.0;
+  double falseNorthing = 0.0;
+  double centralMeridian = 0.0;
+  double longitudeOfCenter = 0.0;
+  double standardParallel1 = 0.0;
+  double latitudeOfOrigin = 0.0;
+  double latitudeOfCenter = 0.0;
+  double standardParallel2OrAzimuth = 0.0;
+  double zoneWidth = 0.0;
+  double scaleFactor = 0.0;
   std::array<double, 11> coefficients = {};  ///< coefficient 1 is [0]
-  int denmark_area = 0;
-  double rectified_grid_angle = 0.0;
+  int denmarkArea = 0;
+  double rectifiedGridAngle = 0.0;
 
-  FixedText<100> vertical_datum_name;
+  FixedText<100> verticalDatumName;
 
   bool operator==(const ProjectionRecord&) const = default;
 };
 
 /// The ellipsoid that the record's code stands for.
 inline Ellipsoid EllipsoidOf(const ProjectionRecord& record) {
-  Ellipsoid ellipsoid{record.semi_major_m, record.flattening};
-  LookUpEllipsoid(record.ellipsoid_code, ellipsoid.semi_major_m, ellipsoid.flattening);
+  Ellipsoid ellipsoid{record.semiMajorM, record.flattening};
+  LookUpEllipsoid(record.ellipsoidCode, ellipsoid.semiMajorM, ellipsoid.flattening);
   return ellipsoid;
 }
 
 /// True when the record shifts its datum against WGS84.
 constexpr bool HasDatumShift(const ProjectionRecord& record) {
-  return record.shift_dx != 0.0 || record.shift_dy != 0.0 || record.shift_dz != 0.0 ||
-         record.shift_rx != 0.0 || record.shift_ry != 0.0 || record.shift_rz != 0.0 ||
-         record.shift_scale != 0.0;
+  return record.shiftDx != 0.0 || record.shiftDy != 0.0 || record.shiftDz != 0.0 ||
+         record.shiftRx != 0.0 || record.shiftRy != 0.0 || record.shiftRz != 0.0 ||
+         record.shiftScale != 0.0;
 }
 
 }  // namespace tarvex

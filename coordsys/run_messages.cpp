@@ -4,11 +4,11 @@
 
 namespace tarvex {
 
-void RunMessages::ShowOnce(int text_number) {
+void RunMessages::ShowOnce(int textNumber) {
   constexpr int kTitle = 141;
   const std::lock_guard lock(mutex_);
-  if (!shown_.insert(text_number).second || box_ == nullptr) return;
-  box_->Show(Strings().Text(kTitle), Strings().Text(text_number));
+  if (!shown_.insert(textNumber).second || box_ == nullptr) return;
+  box_->Show(Strings().Text(kTitle), Strings().Text(textNumber));
 }
 
 }  // namespace tarvex

@@ -15,7 +15,7 @@ class RunMessages {
   explicit RunMessages(MessageBox* box) : box_(box) {}
 
   /// Shows a text of the string table under the title of the coordinate system, the first time.
-  void ShowOnce(int text_number);
+  void ShowOnce(int textNumber);
 
  private:
   std::mutex mutex_;

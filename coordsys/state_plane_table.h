@@ -10,19 +10,19 @@ namespace tarvex {
 /// easting in US survey feet and its central meridian in seconds of arc, west positive.
 struct StatePlaneRow {
   int fips;  ///< state times 100 plus zone
-  int projection_type;
+  int projectionType;
   const char* state;
   const char* name;
-  double latitude_of_origin;
-  double central_meridian;
-  double standard_parallel_1;
-  double standard_parallel_2_or_azimuth;
-  double rectified_grid_angle;
-  double scale_factor;
-  double false_easting;
-  double false_northing;
-  double series_false_easting_ft;
-  double series_central_meridian_s;
+  double latitudeOfOrigin;
+  double centralMeridian;
+  double standardParallel1;
+  double standardParallel2OrAzimuth;
+  double rectifiedGridAngle;
+  double scaleFactor;
+  double falseEasting;
+  double falseNorthing;
+  double seriesFalseEastingFt;
+  double seriesCentralMeridianS;
 };
 
 extern const std::span<const StatePlaneRow> kNad83StatePlane;

@@ -30,7 +30,7 @@ bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
 // Canadian readjustments ("NAD27(76)", "... (CGQ77)") are other datums.
 bool IsNad27(const ProjectionRecord& record) {
   std::string name;
-  for (const char c : record.datum_name.view()) {
+  for (const char c : record.datumName.view()) {
     if (c != '_' && c != ' ') name += UpperCase(c);
   }
   for (const std::string_view known :
@@ -42,8 +42,8 @@ bool IsNad27(const ProjectionRecord& record) {
 }
 
 bool IsNad27Family(const ProjectionRecord& record) {
-  return record.projection_type >= static_cast<int>(ProjectionType::ObliqueMercator27) &&
-         record.projection_type <= static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
+  return record.projectionType >= static_cast<int>(ProjectionType::ObliqueMercator27) &&
+         record.projectionType <= static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
 }
 
 // NAD27 goes by the converter on the zones of its own families, and wherever its definition gives
@@ -55,7 +55,7 @@ bool TakesNadConverter(const ProjectionRecord& record) {
 // These families take WGS84 positions: the closed library shifts the datum, or the national grid
 // does.
 bool ShiftsInside(const ProjectionRecord& record) {
-  switch (static_cast<ProjectionType>(record.projection_type)) {
+  switch (static_cast<ProjectionType>(record.projectionType)) {
     case ProjectionType::TransverseMercatorOstn02:
     case ProjectionType::TransverseMercator34:
     case ProjectionType::ObliqueMercatorEov:
@@ -86,16 +86,16 @@ class StepPreparer {
       : record_(record), choice_(choice), sources_(sources) {}
 
   PreparedSteps Prepare() {
-    prepared_.steps.datum_shift = ChooseShift();
-    prepared_.steps.grid_correction = ChooseCorrection();
+    prepared_.steps.datumShift = ChooseShift();
+    prepared_.steps.gridCorrection = ChooseCorrection();
     prepared_.steps.geoid = ChooseGeoid();
     return std::move(prepared_);
   }
 
  private:
   std::string PathOf(const std::string& file) const {
-    const bool has_path = file.find('/') != std::string::npos;
-    return has_path ? file : sources_.data_folder + file;
+    const bool hasPath = file.find('/') != std::string::npos;
+    return hasPath ? file : sources_.dataFolder + file;
   }
 
   std::string Note(std::string problem) {
@@ -105,18 +105,18 @@ class StepPreparer {
 
   // A shift that no file could bring: the choice itself is wrong.
   std::shared_ptr<const DatumShift> WrongChoice(std::string problem) {
-    prepared_.wrong_choice = problem;
+    prepared_.wrongChoice = problem;
     return std::make_shared<MissingShift>(std::move(problem));
   }
 
   std::shared_ptr<const DatumShift> SevenParameter(const SevenParameters& parameters) const {
     return std::make_shared<SevenParameterShift>(parameters, EllipsoidOf(record_),
-                                                 sources_.coord_sys);
+                                                 sources_.coordSys);
   }
 
   // The national projections have one grid each, or none.
   bool TakesCorrection(const std::string& label) const {
-    switch (static_cast<ProjectionType>(record_.projection_type)) {
+    switch (static_cast<ProjectionType>(record_.projectionType)) {
       case ProjectionType::TransverseMercatorOstn02:
       case ProjectionType::TransverseMercator34:
         return false;
@@ -132,16 +132,16 @@ class StepPreparer {
 
   std::shared_ptr<const DatumShift> ChooseShift() {
     const std::string& shift = choice_.shift;
-    const bool is_correction =
+    const bool isCorrection =
         shift == kDutchGridLabel || shift == kHungarianGridLabel || shift == kBelgianGridLabel;
-    if (!shift.empty() && !is_correction && ShiftsInside(record_)) {
+    if (!shift.empty() && !isCorrection && ShiftsInside(record_)) {
       return WrongChoice(Strings().Text(kShiftsItself));
     }
-    if (is_correction && !TakesCorrection(shift)) {
+    if (isCorrection && !TakesCorrection(shift)) {
       return WrongChoice(Strings().Text(kOtherGrid, {shift}));
     }
-    const bool from_old_datum = shift == kFrenchGridLabel || shift == kNadConverterLabel;
-    if (from_old_datum && StandsOnWgs84(record_)) {
+    const bool fromOldDatum = shift == kFrenchGridLabel || shift == kNadConverterLabel;
+    if (fromOldDatum && StandsOnWgs84(record_)) {
       return WrongChoice(Strings().Text(kNothingToShift, {shift}));
     }
     if (shift == kFrenchGridLabel) return FrenchShift();
@@ -149,19 +149,19 @@ class StepPreparer {
     if (shift == kNoShiftLabel) return std::make_shared<ChosenIdentity>();
     if (shift.starts_with(kSevenParameterLabel)) return ChosenSevenParameter();
     if (EndsWithIgnoringCase(shift, ".gsb")) return Ntv2();
-    if (!shift.empty() && !is_correction) {
+    if (!shift.empty() && !isCorrection) {
       return WrongChoice(Strings().Text(4163, {shift}));
     }
     if (TakesNadConverter(record_)) return NadGrids();
     if (HasDatumShift(record_)) return SevenParameter(SevenParametersOf(record_));
-    if (StandsOnWgs84(record_) || !choice_.definition_gives_shift) return nullptr;
+    if (StandsOnWgs84(record_) || !choice_.definitionGivesShift) return nullptr;
     return SevenParameter(SevenParametersOf(record_));
   }
 
   // "TOWGS84" takes the definition's own numbers, "TOWGS84=..." the ones behind it.
   std::shared_ptr<const DatumShift> ChosenSevenParameter() {
     if (choice_.shift == kSevenParameterLabel) {
-      if (choice_.definition_gives_shift || HasDatumShift(record_)) {
+      if (choice_.definitionGivesShift || HasDatumShift(record_)) {
         return SevenParameter(SevenParametersOf(record_));
       }
       return WrongChoice(Strings().Text(kDefinitionWithoutShift));
@@ -175,7 +175,7 @@ class StepPreparer {
 
   // Whatever grids there are: which of them holds a position is the library's to find.
   std::shared_ptr<const DatumShift> NadGrids() {
-    const std::string& folder = sources_.nad_converter->grid_folder();
+    const std::string& folder = sources_.nadConverter->gridFolder();
     std::string grids;
     for (const std::string_view name : kNadconGrids) {
       const std::string base = folder + std::string(name);
@@ -186,7 +186,7 @@ class StepPreparer {
       Note(Strings().Text(kNoNadconGrids, {folder}));
       grids = Strings().Text(kNone);
     }
-    return std::make_shared<NadShift>(sources_.nad_converter, std::move(grids));
+    return std::make_shared<NadShift>(sources_.nadConverter, std::move(grids));
   }
 
   std::shared_ptr<const DatumShift> FrenchShift() {
@@ -212,7 +212,7 @@ class StepPreparer {
     if (choice_.shift == kBelgianGridLabel) {
       return Surfaces(kBelgianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kCorrectionMissing);
     }
-    const auto type = static_cast<ProjectionType>(record_.projection_type);
+    const auto type = static_cast<ProjectionType>(record_.projectionType);
     if (choice_.shift == kDutchGridLabel || type == ProjectionType::ObliqueStereographicRd2000 ||
         type == ProjectionType::ObliqueStereographicRd2004) {
       return Surfaces(kDutchGrid, SurfaceSign::TakenOff, SurfaceCurve::Cubic, kCorrectionMissing);
@@ -223,13 +223,13 @@ class StepPreparer {
 
   // East, north and, when there is a third file, height.
   std::shared_ptr<const GridCorrection> Surfaces(const NationalGrid& grid, SurfaceSign sign,
-                                                 SurfaceCurve curve, int missing_reason) {
+                                                 SurfaceCurve curve, int missingReason) {
     const std::vector<std::string> files = FilesOf(grid);
     GridSurface surfaces[3];
     for (std::size_t i = 0; i < files.size(); ++i) {
       const GridStatus status =
           GridSurface::Load(sources_.files, PathOf(files[i]), sources_.progress, surfaces[i]);
-      if (!status.ok()) return Missing(status, missing_reason);
+      if (!status.ok()) return Missing(status, missingReason);
     }
     std::optional<GridSurface> height;
     if (files.size() == 3) height = std::move(surfaces[2]);
@@ -271,8 +271,8 @@ class StepPreparer {
 
 }  // namespace
 
-bool ShiftIsKnown(const ProjectionRecord& record, bool definition_gives_shift) {
-  return definition_gives_shift || HasDatumShift(record) || StandsOnWgs84(record) ||
+bool ShiftIsKnown(const ProjectionRecord& record, bool definitionGivesShift) {
+  return definitionGivesShift || HasDatumShift(record) || StandsOnWgs84(record) ||
          TakesNadConverter(record) || ShiftsInside(record);
 }
 

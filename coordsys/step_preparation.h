@@ -45,7 +45,7 @@ struct StepChoice {
   std::string shift;  ///< a label, or the name of an NTv2 file
   std::string geoid;  ///< the name of a geoid file
   /// The definition holds a TOWGS84, even one of zeros: its datum lies where these say.
-  bool definition_gives_shift = false;
+  bool definitionGivesShift = false;
 
   bool operator==(const StepChoice&) const = default;
 };
@@ -53,9 +53,9 @@ struct StepChoice {
 /// Where steps come from. All references outlive the steps.
 struct StepSources {
   FileSystem& files;
-  std::string data_folder;  ///< with its trailing separator
-  std::shared_ptr<ClosedLibrary> coord_sys;
-  std::shared_ptr<const NadConverter> nad_converter;
+  std::string dataFolder;  ///< with its trailing separator
+  std::shared_ptr<ClosedLibrary> coordSys;
+  std::shared_ptr<const NadConverter> nadConverter;
   RunMessages* messages = nullptr;
   LoadProgress* progress = nullptr;
 };
@@ -63,12 +63,12 @@ struct StepSources {
 struct PreparedSteps {
   CalculationSteps steps;
   std::vector<std::string> problems;  ///< sentences; empty when every file was found
-  std::string wrong_choice;           ///< why the shift that was named is none; a sentence
+  std::string wrongChoice;            ///< why the shift that was named is none; a sentence
 };
 
 /// True when positions find from WGS84 to the record's datum without a shift being named: it stands
 /// on WGS84, its definition gives the shift, or a library knows it.
-bool ShiftIsKnown(const ProjectionRecord& record, bool definition_gives_shift);
+bool ShiftIsKnown(const ProjectionRecord& record, bool definitionGivesShift);
 
 PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,
                            const StepSources& sources);

@@ -71,7 +71,7 @@ bool AreaHelps(const CatalogueLine& system, std::string_view words) {
 class SystemSearch {
  public:
   explicit SystemSearch(std::string_view part)
-      : part_(part), first_word_(part.substr(0, part.find(' '))), authority_(AuthorityOf(part)) {}
+      : part_(part), firstWord_(part.substr(0, part.find(' '))), authority_(AuthorityOf(part)) {}
 
   // Returns how many systems there are in all.
   std::size_t Take(std::string_view bytes) {
@@ -97,11 +97,11 @@ class SystemSearch {
   }
 
   std::vector<NamedSystem> Found() {
-    std::vector<NamedSystem> found = std::move(by_code_);
-    std::move(by_name_.begin(), by_name_.end(), std::back_inserter(found));
+    std::vector<NamedSystem> found = std::move(byCode_);
+    std::move(byName_.begin(), byName_.end(), std::back_inserter(found));
     const bool named = !found.empty();
-    for (ByWords& other : by_words_) {
-      if (other.area_helps || !named) found.push_back(std::move(other.system));
+    for (ByWords& other : byWords_) {
+      if (other.areaHelps || !named) found.push_back(std::move(other.system));
     }
     return found;
   }
@@ -109,29 +109,29 @@ class SystemSearch {
  private:
   struct ByWords {
     NamedSystem system;
-    bool area_helps;
+    bool areaHelps;
   };
 
   void Take(const CatalogueLine& system) {
     // A name without the first word has neither the part nor every word of it.
-    const bool begins = Contains(system.name, first_word_);
+    const bool begins = Contains(system.name, firstWord_);
     if (!authority_.empty() && IsCode(system.definition, authority_)) {
-      by_code_.push_back(SystemOf(system));
+      byCode_.push_back(SystemOf(system));
     } else if (begins && Contains(system.name, part_)) {
-      by_name_.push_back(SystemOf(system));
+      byName_.push_back(SystemOf(system));
     } else if (!system.area.empty() && AreaHelps(system, part_)) {
-      by_words_.push_back({SystemOf(system), true});
+      byWords_.push_back({SystemOf(system), true});
     } else if (begins && HasEveryWord(system.name, part_)) {
-      by_words_.push_back({SystemOf(system), false});
+      byWords_.push_back({SystemOf(system), false});
     }
   }
 
   std::string_view part_;
-  std::string_view first_word_;
+  std::string_view firstWord_;
   std::string authority_;
-  std::vector<NamedSystem> by_code_;
-  std::vector<NamedSystem> by_name_;
-  std::vector<ByWords> by_words_;  // of the area, or of the name where no name contains them all
+  std::vector<NamedSystem> byCode_;
+  std::vector<NamedSystem> byName_;
+  std::vector<ByWords> byWords_;  // of the area, or of the name where no name contains them all
 };
 
 std::optional<NamedSystem> FindIn(std::string_view bytes, std::string_view name) {
@@ -180,8 +180,8 @@ std::string WriteSystemChoice(const SystemChoice& choice) {
   return text;
 }
 
-SystemCatalogue::SystemCatalogue(FileSystem& files, std::string data_folder)
-    : files_(&files), data_folder_(std::move(data_folder)) {}
+SystemCatalogue::SystemCatalogue(FileSystem& files, std::string dataFolder)
+    : files_(&files), dataFolder_(std::move(dataFolder)) {}
 
 const SystemCatalogue::Loaded& SystemCatalogue::Files() const {
   if (!loaded_) {
@@ -191,7 +191,7 @@ const SystemCatalogue::Loaded& SystemCatalogue::Files() const {
         const FileStatus status = LoadFileBytes(*files_, path, bytes);
         if (status.ok()) return;
         bytes = {};
-        if (!status.not_found()) loaded.problems.push_back(Unreadable(path, status));
+        if (!status.notFound()) loaded.problems.push_back(Unreadable(path, status));
       };
       load(UserPath(), loaded.user);
       load(PredefinedPath(), loaded.predefined);
@@ -232,15 +232,15 @@ template <typename Edit>
 CatalogueResult SystemCatalogue::EditUserFile(const Edit& edit) {
   if (!files_) return CatalogueResult::FileFailed;
   std::unique_ptr<File> file;
-  file_status_ = OpenLocked(*files_, UserPath(), FileAccess::CreateOrKeep, file);
+  fileStatus_ = OpenLocked(*files_, UserPath(), FileAccess::CreateOrKeep, file);
   std::string bytes;
-  if (file_status_.ok()) file_status_ = ReadWholeFile(*files_, UserPath(), kLargestFile, bytes);
-  if (!file_status_.ok()) return CatalogueResult::FileFailed;
+  if (fileStatus_.ok()) fileStatus_ = ReadWholeFile(*files_, UserPath(), kLargestFile, bytes);
+  if (!fileStatus_.ok()) return CatalogueResult::FileFailed;
   const CatalogueResult result = edit(bytes);
   if (result != CatalogueResult::Done) return result;
-  file_status_ = ReplaceWholeFile(*files_, UserPath(), bytes, file);
+  fileStatus_ = ReplaceWholeFile(*files_, UserPath(), bytes, file);
   loaded_.reset();
-  return file_status_.ok() ? CatalogueResult::Done : CatalogueResult::FileFailed;
+  return fileStatus_.ok() ? CatalogueResult::Done : CatalogueResult::FileFailed;
 }
 
 CatalogueResult SystemCatalogue::Add(std::string_view name, std::string_view definition) {
@@ -260,8 +260,8 @@ CatalogueResult SystemCatalogue::AddAll(const std::vector<NamedSystem>& systems,
   });
 }
 
-CatalogueResult SystemCatalogue::Rename(std::string_view name, std::string_view new_name) {
-  return EditUserFile([&](std::string& bytes) { return RenameInCatalogue(bytes, name, new_name); });
+CatalogueResult SystemCatalogue::Rename(std::string_view name, std::string_view newName) {
+  return EditUserFile([&](std::string& bytes) { return RenameInCatalogue(bytes, name, newName); });
 }
 
 CatalogueResult SystemCatalogue::Remove(std::string_view name) {

@@ -40,8 +40,8 @@ class SystemCatalogue {
  public:
   /// Only the systems built in.
   SystemCatalogue() = default;
-  /// `data_folder` ends with its separator; a file that is not there holds no systems.
-  SystemCatalogue(FileSystem& files, std::string data_folder);
+  /// `dataFolder` ends with its separator; a file that is not there holds no systems.
+  SystemCatalogue(FileSystem& files, std::string dataFolder);
 
   /// All systems whose name contains `part`, letter case ignored, and those for which the area
   /// where they are used says a word that their name does not ("switzerland"); where no name
@@ -67,11 +67,11 @@ class SystemCatalogue {
   /// catalogue already holds under its name is NameTaken. FileFailed when nothing was changed.
   CatalogueResult AddAll(const std::vector<NamedSystem>& systems,
                          std::vector<CatalogueResult>& results);
-  CatalogueResult Rename(std::string_view name, std::string_view new_name);
+  CatalogueResult Rename(std::string_view name, std::string_view newName);
   CatalogueResult Remove(std::string_view name);
 
   /// Why the last edit was FileFailed.
-  const FileStatus& file_status() const { return file_status_; }
+  const FileStatus& fileStatus() const { return fileStatus_; }
 
  private:
   struct Loaded {
@@ -80,16 +80,16 @@ class SystemCatalogue {
     std::vector<std::string> problems;
   };
 
-  std::string UserPath() const { return data_folder_ + "tarvex.csl"; }
-  std::string PredefinedPath() const { return data_folder_ + "Predef1.csl"; }
+  std::string UserPath() const { return dataFolder_ + "tarvex.csl"; }
+  std::string PredefinedPath() const { return dataFolder_ + "Predef1.csl"; }
   const Loaded& Files() const;
   template <typename Edit>
   CatalogueResult EditUserFile(const Edit& edit);
 
   FileSystem* files_ = nullptr;
-  std::string data_folder_;
+  std::string dataFolder_;
   mutable std::optional<Loaded> loaded_;
-  FileStatus file_status_;
+  FileStatus fileStatus_;
 };
 
 }  // namespace tarvex

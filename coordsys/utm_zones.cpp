@@ -12,17 +12,17 @@ constexpr std::string_view kSouth = " South";
 
 ProjectionRecord UtmRecord(UtmZone zone) {
   ProjectionRecord record;
-  record.datum_name.Assign("WGS_1984");
-  record.ellipsoid_name.Assign("WGS 84");
-  record.semi_major_m = kWgs84.semi_major_m;
+  record.datumName.Assign("WGS_1984");
+  record.ellipsoidName.Assign("WGS 84");
+  record.semiMajorM = kWgs84.semiMajorM;
   record.flattening = 1.0 / 298.257223563;
-  record.projection_type = static_cast<int>(ProjectionType::TransverseMercator);
-  record.false_easting = 500000.0;
-  record.false_northing = zone.hemisphere == Hemisphere::South ? 10000000.0 : 0.0;
-  record.central_meridian = 6.0 * zone.number - 183.0;
-  record.longitude_of_center = record.central_meridian;
-  record.scale_factor = 0.9996;
-  record.zone_width = 6.0;
+  record.projectionType = static_cast<int>(ProjectionType::TransverseMercator);
+  record.falseEasting = 500000.0;
+  record.falseNorthing = zone.hemisphere == Hemisphere::South ? 10000000.0 : 0.0;
+  record.centralMeridian = 6.0 * zone.number - 183.0;
+  record.longitudeOfCenter = record.centralMeridian;
+  record.scaleFactor = 0.9996;
+  record.zoneWidth = 6.0;
   return record;
 }
 

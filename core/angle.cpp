@@ -40,20 +40,20 @@ struct Sexagesimal {
 std::optional<Sexagesimal> Split(double degrees, int decimals) {
   if (IsNoValue(degrees)) return std::nullopt;
   const double circle = degrees >= 360.0 ? std::fmod(degrees, 360.0) : degrees;
-  const std::int64_t per_second = PowerOfTen(decimals < 0 ? 0 : decimals);
+  const std::int64_t perSecond = PowerOfTen(decimals < 0 ? 0 : decimals);
   const std::int64_t step = decimals < 0 ? 10 : 1;
   double whole = 0.0;
   const double fraction = std::modf(std::fabs(circle), &whole);
-  const double scaled = fraction * 3600.0 * static_cast<double>(per_second);
+  const double scaled = fraction * 3600.0 * static_cast<double>(perSecond);
   const std::int64_t units = std::llround(scaled / static_cast<double>(step)) * step;
-  const std::int64_t seconds = units / per_second;
-  std::int64_t whole_degrees = static_cast<std::int64_t>(whole) + seconds / 3600;
-  if (circle >= 0.0 && whole_degrees >= 360) whole_degrees -= 360;
-  return Sexagesimal{.negative = circle < 0.0 && (units > 0 || whole_degrees > 0),
-                     .degrees = whole_degrees,
+  const std::int64_t seconds = units / perSecond;
+  std::int64_t wholeDegrees = static_cast<std::int64_t>(whole) + seconds / 3600;
+  if (circle >= 0.0 && wholeDegrees >= 360) wholeDegrees -= 360;
+  return Sexagesimal{.negative = circle < 0.0 && (units > 0 || wholeDegrees > 0),
+                     .degrees = wholeDegrees,
                      .minutes = seconds / 60 % 60,
                      .seconds = seconds % 60,
-                     .fraction = units % per_second};
+                     .fraction = units % perSecond};
 }
 
 // The number of `text` up to its decimal point.
@@ -64,11 +64,11 @@ double CutAtPoint(const std::string& text) {
 // Where the angle stands once the degrees and minutes, taken through text, are subtracted. Less
 // than nothing is left when they were rounded up: that is the binary error of the angle, or else
 // seconds that belong to the minute before.
-double SecondsLeft(double magnitude, double whole_degrees, double& minutes) {
-  const double seconds = (magnitude - whole_degrees - minutes * kDegreesPerMinute) * 3600.0;
-  const double binary_error = magnitude * std::numeric_limits<double>::epsilon() * 3600.0;
+double SecondsLeft(double magnitude, double wholeDegrees, double& minutes) {
+  const double seconds = (magnitude - wholeDegrees - minutes * kDegreesPerMinute) * 3600.0;
+  const double binaryError = magnitude * std::numeric_limits<double>::epsilon() * 3600.0;
   if (seconds >= 0.0) return seconds;
-  if (seconds >= -binary_error || minutes == 0.0) return 0.0;
+  if (seconds >= -binaryError || minutes == 0.0) return 0.0;
   minutes -= 1.0;
   return seconds + 60.0;
 }
@@ -78,13 +78,13 @@ double SecondsLeft(double magnitude, double whole_degrees, double& minutes) {
 std::optional<Sexagesimal> SplitThroughText(double degrees) {
   if (IsNoValue(degrees)) return std::nullopt;
   const double magnitude = std::fabs(degrees >= 360.0 ? std::fmod(degrees, 360.0) : degrees);
-  double whole_degrees = CutAtPoint(FixedNumber(magnitude, kDegreeTextDecimals));
-  double minutes = CutAtPoint(FixedNumber((magnitude - whole_degrees) * 60.0, kMinuteTextDecimals));
+  double wholeDegrees = CutAtPoint(FixedNumber(magnitude, kDegreeTextDecimals));
+  double minutes = CutAtPoint(FixedNumber((magnitude - wholeDegrees) * 60.0, kMinuteTextDecimals));
   const std::string seconds =
-      FixedNumber(SecondsLeft(magnitude, whole_degrees, minutes), kSecondDecimals);
+      FixedNumber(SecondsLeft(magnitude, wholeDegrees, minutes), kSecondDecimals);
   const std::size_t point = seconds.find('.');
   Sexagesimal angle{.negative = false,
-                    .degrees = static_cast<std::int64_t>(whole_degrees),
+                    .degrees = static_cast<std::int64_t>(wholeDegrees),
                     .minutes = static_cast<std::int64_t>(minutes),
                     .seconds = LeadingInteger(seconds),
                     .fraction = LeadingInteger(std::string_view(seconds).substr(point + 1))};
@@ -96,14 +96,14 @@ std::optional<Sexagesimal> SplitThroughText(double degrees) {
   return angle;
 }
 
-std::string PackedDigits(const Sexagesimal& angle, int second_decimals) {
+std::string PackedDigits(const Sexagesimal& angle, int secondDecimals) {
   std::string text;
   if (angle.negative) text += '-';
   AppendInteger(text, angle.degrees);
   text += '.';
   AppendInteger(text, angle.minutes, 2);
   AppendInteger(text, angle.seconds, 2);
-  if (second_decimals > 0) AppendInteger(text, angle.fraction, second_decimals);
+  if (secondDecimals > 0) AppendInteger(text, angle.fraction, secondDecimals);
   return text;
 }
 
@@ -112,9 +112,9 @@ std::string PackedDigits(const Sexagesimal& angle, int second_decimals) {
 double PackedToDegrees(double packed) {
   if (IsNoValue(packed)) return 0.0;
   const double degrees = CutAtPoint(FixedNumber(packed, 12));
-  const double minutes_and_rest = (packed - degrees) * 100.0;
-  const double minutes = CutAtPoint(FixedNumber(minutes_and_rest, 10));
-  const double seconds = LeadingDouble(FixedNumber((minutes_and_rest - minutes) * 100.0, 8));
+  const double minutesAndRest = (packed - degrees) * 100.0;
+  const double minutes = CutAtPoint(FixedNumber(minutesAndRest, 10));
+  const double seconds = LeadingDouble(FixedNumber((minutesAndRest - minutes) * 100.0, 8));
   return seconds * kDegreesPerSecond + (minutes * kDegreesPerMinute + degrees);
 }
 
@@ -142,9 +142,9 @@ double DegreesToPacked(double degrees) {
   return LeadingDouble(packed);
 }
 
-std::string DegreesToDmsText(double degrees, int second_decimals) {
-  const auto angle = second_decimals < kSecondDecimals ? Split(degrees, second_decimals)
-                                                       : SplitThroughText(degrees);
+std::string DegreesToDmsText(double degrees, int secondDecimals) {
+  const auto angle =
+      secondDecimals < kSecondDecimals ? Split(degrees, secondDecimals) : SplitThroughText(degrees);
   if (!angle) return {};
   std::string text = angle->negative ? "-" : "";
   AppendInteger(text, angle->degrees);
@@ -154,7 +154,7 @@ std::string DegreesToDmsText(double degrees, int second_decimals) {
   AppendInteger(text, angle->seconds, 2);
   if (angle->fraction > 0) {
     text += '.';
-    AppendInteger(text, angle->fraction, second_decimals);
+    AppendInteger(text, angle->fraction, secondDecimals);
     while (text.back() == '0') text.pop_back();
   }
   return text + '"';

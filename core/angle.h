@@ -30,9 +30,9 @@ double DegreesToPacked(double degrees);
 /// The most decimals of the seconds that a text has.
 inline constexpr int kSecondDecimals = 12;
 
-/// Display text 12°34'56.7" (UTF-8); at most `second_decimals` decimals of the seconds, trailing
+/// Display text 12°34'56.7" (UTF-8); at most `secondDecimals` decimals of the seconds, trailing
 /// zeros dropped. Rounded in seconds; with kSecondDecimals the digits are those of
 /// DegreesToPackedText. Empty for no value.
-std::string DegreesToDmsText(double degrees, int second_decimals = 9);
+std::string DegreesToDmsText(double degrees, int secondDecimals = 9);
 
 }  // namespace tarvex

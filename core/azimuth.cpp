@@ -6,11 +6,11 @@
 
 namespace tarvex {
 
-double GridAzimuth(double delta_northing, double delta_easting) {
-  const double distance = std::hypot(delta_northing, delta_easting);
+double GridAzimuth(double deltaNorthing, double deltaEasting) {
+  const double distance = std::hypot(deltaNorthing, deltaEasting);
   if (!(distance > 0.0) || std::isinf(distance)) return 0.0;
-  const double azimuth = std::acos(std::clamp(delta_northing / distance, -1.0, 1.0));
-  return delta_easting < 0.0 ? 2.0 * std::numbers::pi - azimuth : azimuth;
+  const double azimuth = std::acos(std::clamp(deltaNorthing / distance, -1.0, 1.0));
+  return deltaEasting < 0.0 ? 2.0 * std::numbers::pi - azimuth : azimuth;
 }
 
 }  // namespace tarvex

@@ -13,11 +13,11 @@ constexpr double NormaliseAzimuth(double degrees) {
 
 /// The azimuth in degrees as the job's files carry it: counted from south where the job says so.
 constexpr double RecordedAzimuth(const Job& job, double degrees) {
-  return job.azimuths_from_south ? NormaliseAzimuth(degrees - 180.0) : degrees;
+  return job.azimuthsFromSouth ? NormaliseAzimuth(degrees - 180.0) : degrees;
 }
 
 /// Azimuth in radians from one point to another by its cosine, 0 to 2 pi; 0 for coincident points.
 /// Rounding costs up to 1.2e-8 radians near north and south: geometry uses the arctangent instead.
-double GridAzimuth(double delta_northing, double delta_easting);
+double GridAzimuth(double deltaNorthing, double deltaEasting);
 
 }  // namespace tarvex

@@ -75,14 +75,14 @@ bool Fits(const FileWrite& write, std::uint64_t size) {
 
 // Sizes and writes, the same in both kinds of journal.
 std::optional<FileChange> DecodeFileChange(EntryReader& reader) {
-  const auto old_size = reader.Number();
-  const auto new_size = reader.Number();
+  const auto oldSize = reader.Number();
+  const auto newSize = reader.Number();
   const auto count = reader.Number();
-  if (!old_size || !new_size || !count) return std::nullopt;
-  FileChange change{.old_size = *old_size, .new_size = *new_size};
+  if (!oldSize || !newSize || !count) return std::nullopt;
+  FileChange change{.oldSize = *oldSize, .newSize = *newSize};
   for (std::uint64_t i = 0; i < *count; ++i) {
     auto write = DecodeWrite(reader);
-    if (!write || !Fits(*write, std::max(*old_size, *new_size))) return std::nullopt;
+    if (!write || !Fits(*write, std::max(*oldSize, *newSize))) return std::nullopt;
     change.writes.push_back(std::move(*write));
   }
   return change;
@@ -111,8 +111,8 @@ void AppendChange(std::string& bytes, const JobChange& change) {
   for (const FileChange& one : change) {
     AppendNumber(bytes, static_cast<std::uint64_t>(one.file));
     AppendNumber(bytes, one.replaced ? 1 : 0);
-    AppendNumber(bytes, one.old_size);
-    AppendNumber(bytes, one.new_size);
+    AppendNumber(bytes, one.oldSize);
+    AppendNumber(bytes, one.newSize);
     AppendNumber(bytes, one.writes.size());
     for (const FileWrite& write : one.writes) {
       AppendNumber(bytes, write.offset);

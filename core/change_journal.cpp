@@ -36,9 +36,9 @@ FileStatus WritePart(File& file, const FileWrite& write, std::uint64_t from, std
   const std::string_view source = write.repeat > 1 ? std::string_view(block) : write.bytes;
   const std::uint64_t end = write.offset + write.bytes.size() * write.repeat;
   for (std::uint64_t at = write.offset; at < end; at += source.size()) {
-    const std::uint64_t piece_end = std::min<std::uint64_t>(at + source.size(), end);
+    const std::uint64_t pieceEnd = std::min<std::uint64_t>(at + source.size(), end);
     const std::uint64_t first = std::max(at, from);
-    const std::uint64_t last = std::min(piece_end, to);
+    const std::uint64_t last = std::min(pieceEnd, to);
     if (first >= last) continue;
     const auto part =
         source.substr(static_cast<std::size_t>(first - at), static_cast<std::size_t>(last - first));
@@ -56,12 +56,12 @@ FileStatus WriteParts(File& file, const FileChange& change, std::uint64_t from, 
 
 // Growing needs room on the disk and can fail harmlessly; what is there is overwritten afterwards.
 FileStatus Grow(File& file, const FileChange& change) {
-  return WriteParts(file, change, change.old_size, std::numeric_limits<std::uint64_t>::max());
+  return WriteParts(file, change, change.oldSize, std::numeric_limits<std::uint64_t>::max());
 }
 
 FileStatus Overwrite(File& file, const FileChange& change) {
-  if (FileStatus status = WriteParts(file, change, 0, change.old_size); !status.ok()) return status;
-  return change.new_size < change.old_size ? file.Resize(change.new_size) : FileStatus{};
+  if (FileStatus status = WriteParts(file, change, 0, change.oldSize); !status.ok()) return status;
+  return change.newSize < change.oldSize ? file.Resize(change.newSize) : FileStatus{};
 }
 
 // The series of the first entry, and whether there is one.
@@ -79,7 +79,7 @@ JournalHead ReadHead(FileSystem& files, const std::string& path) {
   std::size_t got = 0;
   head.status = files.Open(JournalPath(path), FileAccess::Read, journal);
   if (head.status.ok()) head.status = journal->ReadAt(0, bytes, got);
-  if (head.status.not_found()) head.status = {};
+  if (head.status.notFound()) head.status = {};
   if (got < sizeof bytes) return head;
   const std::string_view text(bytes, sizeof bytes);
   head.old = text.starts_with(kOldChangeMagic);
@@ -109,7 +109,7 @@ FileStatus AppendEntry(FileSystem& files, const std::string& path, JournalPlace&
       {.series = place.series, .number = std::uint64_t(place.entries), .change = change});
   const std::uint64_t end = place.end + bytes.size();
   FileStatus status = files.Open(name, FileAccess::ReadWrite, journal);
-  const bool created = status.not_found();
+  const bool created = status.notFound();
   if (created) status = MakeBeside(files, path, name, journal);
   if (status.ok()) status = journal->Size(size);
   if (end > size) bytes.resize(bytes.size() + (kJournalPiece - end % kJournalPiece), '\0');
@@ -154,8 +154,8 @@ bool ShrinkAllBack(const JobChange& change, const OpenJobFiles& open) {
     std::uint64_t size = 0;
     if (one.replaced) continue;
     File& file = *open.of(one.file);
-    if (file.Size(size).ok() && size <= one.old_size) continue;
-    all = file.Resize(one.old_size).ok() && all;
+    if (file.Size(size).ok() && size <= one.oldSize) continue;
+    all = file.Resize(one.oldSize).ok() && all;
   }
   return all;
 }
@@ -174,14 +174,14 @@ FilesStatus OverwriteAll(FileSystem& files, const std::string& path, const JobCh
 FileStatus SyncIfThere(FileSystem& files, const std::string& path) {
   std::unique_ptr<File> file;
   const FileStatus status = files.Open(path, FileAccess::ReadWrite, file);
-  if (status.not_found()) return {};
+  if (status.notFound()) return {};
   return status.ok() ? file->Sync() : status;
 }
 
 FileStatus EmptyJournal(FileSystem& files, const std::string& path, bool durable) {
   std::unique_ptr<File> journal;
   FileStatus status = files.Open(JournalPath(path), FileAccess::ReadWrite, journal);
-  if (status.not_found()) return {};
+  if (status.notFound()) return {};
   if (status.ok()) status = journal->WriteAt(0, kNoMagic);
   if (status.ok() && durable) status = journal->Sync();
   return status;
@@ -191,7 +191,7 @@ FileStatus RemoveJournal(FileSystem& files, const std::string& path) {
   // Emptied durably first: should the removal be lost with the power, nothing comes back.
   if (FileStatus status = EmptyJournal(files, path, true); !status.ok()) return status;
   const FileStatus status = files.Remove(JournalPath(path));
-  return status.not_found() ? FileStatus{} : status;
+  return status.notFound() ? FileStatus{} : status;
 }
 
 // All entries of the journal that are whole and belong together.
@@ -212,13 +212,13 @@ std::vector<JobChange> ReadEntries(std::string_view bytes) {
 
 // What the entries say of one file, in their order.
 std::vector<const FileChange*> ChangesOf(const std::vector<JobChange>& changes, JobFile file) {
-  std::vector<const FileChange*> of_file;
+  std::vector<const FileChange*> ofFile;
   for (const JobChange& change : changes) {
     for (const FileChange& one : change) {
-      if (one.file == file) of_file.push_back(&one);
+      if (one.file == file) ofFile.push_back(&one);
     }
   }
-  return of_file;
+  return ofFile;
 }
 
 // The changes belong to the file only while its size is one that they pass through.
@@ -226,8 +226,8 @@ bool Belong(const std::vector<const FileChange*>& changes, std::uint64_t size) {
   std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
   std::uint64_t most = 0;
   for (const FileChange* change : changes) {
-    least = std::min({least, change->old_size, change->new_size});
-    most = std::max({most, change->old_size, change->new_size});
+    least = std::min({least, change->oldSize, change->newSize});
+    most = std::max({most, change->oldSize, change->newSize});
   }
   return size >= least && size <= most;
 }
@@ -235,9 +235,9 @@ bool Belong(const std::vector<const FileChange*>& changes, std::uint64_t size) {
 // What the changes append to a text file, in one piece; nothing when they do more than that.
 std::optional<std::string> Appended(const std::vector<const FileChange*>& changes) {
   std::string appended;
-  std::uint64_t end = changes.front()->old_size;
+  std::uint64_t end = changes.front()->oldSize;
   for (const FileChange* change : changes) {
-    const bool appends = change->old_size == end && change->writes.size() == 1 &&
+    const bool appends = change->oldSize == end && change->writes.size() == 1 &&
                          change->writes[0].offset == end && change->writes[0].repeat == 1;
     if (!appends) return std::nullopt;
     appended += change->writes[0].bytes;
@@ -250,7 +250,7 @@ std::optional<std::string> Appended(const std::vector<const FileChange*>& change
 // been cut short, and zeros stand for those that did not reach the disk.
 FileStatus LookForForeignEnd(File& file, const std::vector<const FileChange*>& changes,
                              std::uint64_t size, bool& foreign) {
-  const std::uint64_t begin = changes.front()->old_size;
+  const std::uint64_t begin = changes.front()->oldSize;
   const auto appended = Appended(changes);
   if (!appended || size <= begin) return {};
   std::string end(static_cast<std::size_t>(size - begin), '\0');
@@ -271,8 +271,7 @@ FileStatus AppendWhatIsMissing(File& file, JobFile which,
   if (FileStatus status = file.ReadAt(0, bytes, got); !status.ok()) return status;
   for (const FileChange* change : changes) {
     for (const FileWrite& write : change->writes) {
-      if (write.offset != change->old_size || bytes.find(write.bytes) != std::string::npos)
-        continue;
+      if (write.offset != change->oldSize || bytes.find(write.bytes) != std::string::npos) continue;
       const bool cut = which == JobFile::Notes && !bytes.empty() && bytes.back() != '\n';
       const std::string missing = (cut ? "\n" : "") + write.bytes;
       if (FileStatus status = file.WriteAt(bytes.size(), missing); !status.ok()) return status;
@@ -298,8 +297,8 @@ FileStatus CarryOutAgain(File& file, JobFile which, const std::vector<const File
     if (FileStatus status = Overwrite(file, *change); !status.ok()) return status;
   }
   if (FileStatus status = file.Size(size); !status.ok()) return status;
-  if (size != changes.back()->new_size) {
-    if (FileStatus status = file.Resize(changes.back()->new_size); !status.ok()) return status;
+  if (size != changes.back()->newSize) {
+    if (FileStatus status = file.Resize(changes.back()->newSize); !status.ok()) return status;
   }
   return file.Sync();
 }
@@ -313,10 +312,10 @@ FileStatus FinishFile(FileSystem& files, const std::string& path, File& coordina
   }
   if (which == JobFile::Coordinates) return CarryOutAgain(coordinates, which, changes);
   std::unique_ptr<File> file;
-  const bool began = changes.front()->old_size == 0;
+  const bool began = changes.front()->oldSize == 0;
   FileStatus status = files.Open(name, FileAccess::ReadWrite, file);
-  if (status.not_found() && began) status = MakeBeside(files, path, name, file);
-  if (status.not_found()) return {};
+  if (status.notFound() && began) status = MakeBeside(files, path, name, file);
+  if (status.notFound()) return {};
   return status.ok() ? CarryOutAgain(*file, which, changes) : status;
 }
 
@@ -345,7 +344,7 @@ ChangeResult CarryOut(FileSystem& files, const std::string& path, JournalPlace& 
   }
   if (status.ok()) status = OverwriteAll(files, path, change, open);
   for (const FileChange& one : change) {
-    place.new_names = place.new_names || one.replaced || one.old_size == 0;
+    place.newNames = place.newNames || one.replaced || one.oldSize == 0;
   }
   if (status.ok()) return ChangeResult::Done;
   place = {};  // what the journal holds is finished like another program's
@@ -358,7 +357,7 @@ FileStatus SettleChanges(FileSystem& files, const std::string& path, JournalPlac
   for (const JobFile file : kJobFiles) {
     if (status.ok()) status = SyncIfThere(files, JobFilePath(path, file));
   }
-  if (status.ok() && place.new_names) status = files.SyncFolderOf(path);
+  if (status.ok() && place.newNames) status = files.SyncFolderOf(path);
   if (status.ok()) return ForgetChanges(files, path, place);
   place = {};
   return status;
@@ -416,9 +415,9 @@ FilesStatus FinishInterruptedChange(FileSystem& files, const std::string& path, 
   }
   const std::vector<JobChange> changes = ReadEntries(bytes);
   for (const JobFile which : kJobFiles) {
-    const auto of_file = ChangesOf(changes, which);
-    if (of_file.empty()) continue;
-    if (FileStatus status = FinishFile(files, path, file, which, of_file); !status.ok()) {
+    const auto ofFile = ChangesOf(changes, which);
+    if (ofFile.empty()) continue;
+    if (FileStatus status = FinishFile(files, path, file, which, ofFile); !status.ok()) {
       return {status, JobFilePath(path, which)};
     }
   }

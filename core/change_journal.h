@@ -28,8 +28,8 @@ struct FileWrite {
 /// What becomes of one file.
 struct FileChange {
   JobFile file = JobFile::Coordinates;
-  std::uint64_t old_size = 0;
-  std::uint64_t new_size = 0;
+  std::uint64_t oldSize = 0;
+  std::uint64_t newSize = 0;
   std::vector<FileWrite> writes = {};
   bool replaced = false;  ///< by FILE.tmp, which is durable already; there are no writes then
 };

@@ -32,7 +32,7 @@ std::uint64_t WrittenBytes(const FileChange& change) {
 bool ReplacingIsFaster(const FileChange& change) {
   std::uint64_t journaled = WrittenBytes(change);
   for (const FileWrite& write : change.writes) journaled += write.bytes.size();
-  return change.new_size <= std::min(kReplacedForAnyChange + journaled, kLargestReplaced);
+  return change.newSize <= std::min(kReplacedForAnyChange + journaled, kLargestReplaced);
 }
 
 // A gathered change that is larger is not written twice: the file is replaced.
@@ -40,7 +40,7 @@ constexpr std::uint64_t kLargestGathered = std::uint64_t{256} << 10U;
 
 // What the file holds after the change, made from what it held before.
 void Apply(const FileChange& change, std::string& bytes) {
-  bytes.resize(static_cast<std::size_t>(change.new_size));
+  bytes.resize(static_cast<std::size_t>(change.newSize));
   for (const FileWrite& write : change.writes) {
     auto at = static_cast<std::size_t>(write.offset);
     for (std::uint64_t i = 0; i < write.repeat; ++i, at += write.bytes.size()) {
@@ -89,28 +89,28 @@ CoordinateFile::CoordinateFile(Job& job, std::unique_ptr<File> file, bool alphan
       alphanumeric_(alphanumeric),
       size_(size) {}
 
-std::uint64_t CoordinateFile::record_size() const {
+std::uint64_t CoordinateFile::recordSize() const {
   return alphanumeric_ ? alphanumeric_layout::kRecordSize : numeric_layout::kRecordSize;
 }
 
 std::uint64_t CoordinateFile::RecordOffset(std::uint64_t index) const {
   const std::uint64_t header =
       alphanumeric_ ? alphanumeric_layout::kHeaderSize : numeric_layout::kRecordSize;
-  return header + record_size() * index;
+  return header + recordSize() * index;
 }
 
-std::uint64_t CoordinateFile::record_count() const {
+std::uint64_t CoordinateFile::recordCount() const {
   const std::uint64_t header = RecordOffset(0);
-  return size_ <= header ? 0 : (size_ - header) / record_size();
+  return size_ <= header ? 0 : (size_ - header) / recordSize();
 }
 
-std::uint64_t CoordinateFile::trailing_bytes() const {
-  return size_ <= RecordOffset(0) ? 0 : (size_ - RecordOffset(0)) % record_size();
+std::uint64_t CoordinateFile::trailingBytes() const {
+  return size_ <= RecordOffset(0) ? 0 : (size_ - RecordOffset(0)) % recordSize();
 }
 
 FileStatus CoordinateFile::ReadRecords(std::uint64_t first, std::uint64_t count,
                                        std::string& bytes) {
-  bytes.resize(static_cast<std::size_t>(count * record_size()));
+  bytes.resize(static_cast<std::size_t>(count * recordSize()));
   std::size_t got = 0;
   if (FileStatus status = ReadBytes(RecordOffset(first), bytes, got); !status.ok()) return status;
   return got == bytes.size() ? FileStatus{} : FileStatus{EIO};
@@ -159,7 +159,7 @@ FileStatus CoordinateFile::FindInBlock(std::string_view id, std::uint64_t low, s
   if (FileStatus status = ReadRecords(first, high - first, block); !status.ok()) return status;
   while (high - low > 1) {
     const std::uint64_t middle = (low + high) / 2;
-    const char* record = block.data() + (middle - first) * record_size();
+    const char* record = block.data() + (middle - first) * recordSize();
     const int order = ComparePointIds(alphanumeric_layout::DecodeId(record).view(), id);
     if (order == 0) {
       position = {.index = middle, .found = true};
@@ -172,7 +172,7 @@ FileStatus CoordinateFile::FindInBlock(std::string_view id, std::uint64_t low, s
 }
 
 FileStatus CoordinateFile::Find(std::string_view id, RecordPosition& position) {
-  const std::uint64_t count = record_count();
+  const std::uint64_t count = recordCount();
   if (count == 0) {
     position = {};
     return {};
@@ -209,7 +209,7 @@ FileStatus CoordinateFile::Find(std::string_view id, RecordPosition& position) {
 
 FileStatus CoordinateFile::ReadBytes(std::uint64_t offset, std::span<char> out, std::size_t& got) {
   if (!gathered_) return file_->ReadAt(offset, out, got);
-  const std::uint64_t size = gathered_->new_size;
+  const std::uint64_t size = gathered_->newSize;
   const std::uint64_t there =
       offset >= size ? 0 : std::min<std::uint64_t>(out.size(), size - offset);
   const std::span<char> part = out.first(static_cast<std::size_t>(there));
@@ -224,15 +224,15 @@ FileStatus CoordinateFile::ReadBytes(std::uint64_t offset, std::span<char> out, 
   return {};
 }
 
-void CoordinateFile::Gather(std::vector<FileWrite> writes, std::uint64_t new_size) {
+void CoordinateFile::Gather(std::vector<FileWrite> writes, std::uint64_t newSize) {
   probes_.clear();
-  if (!gathered_) gathered_ = FileChange{.old_size = size_};
-  gathered_->new_size = size_ = new_size;
+  if (!gathered_) gathered_ = FileChange{.oldSize = size_};
+  gathered_->newSize = size_ = newSize;
   if (gathered_->replaced) {
-    Apply({.new_size = new_size, .writes = std::move(writes)}, replacement_);
+    Apply({.newSize = newSize, .writes = std::move(writes)}, replacement_);
     return;
   }
-  CutAt(new_size, gathered_->writes);
+  CutAt(newSize, gathered_->writes);
   for (FileWrite& write : writes) gathered_->writes.push_back(std::move(write));
 }
 
@@ -245,7 +245,7 @@ FileStatus CoordinateFile::BeginChange() {
 }
 
 FileStatus CoordinateFile::BytesAfter(const FileChange& change, std::string& bytes) {
-  bytes.assign(static_cast<std::size_t>(std::min(change.old_size, change.new_size)), '\0');
+  bytes.assign(static_cast<std::size_t>(std::min(change.oldSize, change.newSize)), '\0');
   std::size_t got = 0;
   if (FileStatus status = file_->ReadAt(0, bytes, got); !status.ok()) return status;
   if (got != bytes.size()) return {EIO};
@@ -254,10 +254,10 @@ FileStatus CoordinateFile::BytesAfter(const FileChange& change, std::string& byt
 }
 
 FileStatus CoordinateFile::Append(std::string_view bytes) {
-  const std::uint64_t end = RecordOffset(record_count());
-  const std::uint64_t new_size = std::max(size_, end + bytes.size());
+  const std::uint64_t end = RecordOffset(recordCount());
+  const std::uint64_t newSize = std::max(size_, end + bytes.size());
   if (gathers_) {
-    Gather({{.offset = end, .bytes = std::string(bytes)}}, new_size);
+    Gather({{.offset = end, .bytes = std::string(bytes)}}, newSize);
     return {};
   }
   FileStatus status = BeginChange();
@@ -268,7 +268,7 @@ FileStatus CoordinateFile::Append(std::string_view bytes) {
     (void)file_->Resize(end);
     return status;
   }
-  size_ = new_size;
+  size_ = newSize;
   return {};
 }
 
@@ -295,11 +295,11 @@ FileStatus CoordinateFile::Shorten(std::uint64_t size) {
   return status;
 }
 
-FileStatus CoordinateFile::Change(std::vector<FileWrite> writes, std::uint64_t new_size) {
-  FileChange change{.old_size = size_, .new_size = new_size, .writes = std::move(writes)};
+FileStatus CoordinateFile::Change(std::vector<FileWrite> writes, std::uint64_t newSize) {
+  FileChange change{.oldSize = size_, .newSize = newSize, .writes = std::move(writes)};
   const bool replaceable = files_.IsReplaceable(path_);
   if (gathers_ && (gathered_ || !replaceable || WrittenBytes(change) <= kLargestGathered)) {
-    Gather(std::move(change.writes), new_size);
+    Gather(std::move(change.writes), newSize);
     return {};
   }
   std::string bytes;
@@ -324,8 +324,8 @@ FileStatus CoordinateFile::ReplaceWith(std::string bytes) {
   if (!files_.IsReplaceable(path_)) return ChangeInPlace(std::move(bytes));
   if (gathers_) {
     probes_.clear();
-    gathered_ = FileChange{.old_size = gathered_ ? gathered_->old_size : size_,
-                           .new_size = bytes.size(),
+    gathered_ = FileChange{.oldSize = gathered_ ? gathered_->oldSize : size_,
+                           .newSize = bytes.size(),
                            .replaced = true};
     size_ = bytes.size();
     replacement_ = std::move(bytes);
@@ -339,18 +339,18 @@ FileStatus CoordinateFile::ReplaceWith(std::string bytes) {
 
 // The same for a file that stays the file that it is.
 FileStatus CoordinateFile::ChangeInPlace(std::string bytes) {
-  const std::uint64_t new_size = bytes.size();
+  const std::uint64_t newSize = bytes.size();
   std::vector<FileWrite> whole;
   whole.push_back({.offset = 0, .bytes = std::move(bytes)});
   if (gathers_) {
-    Gather(std::move(whole), new_size);
+    Gather(std::move(whole), newSize);
     return {};
   }
   FileStatus status = BeginChange();
   if (!status.ok()) return status;
   status = ChangeFile(files_, path_, *file_,
-                      {.old_size = size_, .new_size = new_size, .writes = std::move(whole)});
-  if (status.ok()) size_ = new_size;
+                      {.oldSize = size_, .newSize = newSize, .writes = std::move(whole)});
+  if (status.ok()) size_ = newSize;
   return status;
 }
 

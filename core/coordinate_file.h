@@ -33,10 +33,10 @@ class CoordinateFile {
   bool alphanumeric() const { return alphanumeric_; }
   std::uint64_t size() const { return size_; }
   /// Whole records behind the header; a record cut short at the end does not count.
-  std::uint64_t record_count() const;
-  std::uint64_t record_size() const;
+  std::uint64_t recordCount() const;
+  std::uint64_t recordSize() const;
   /// Bytes behind the last whole record: more than 0 in a file that was cut short.
-  std::uint64_t trailing_bytes() const;
+  std::uint64_t trailingBytes() const;
   /// Record 0 is the first behind the header; in a numeric file it holds point number 1.
   std::uint64_t RecordOffset(std::uint64_t index) const;
 
@@ -59,7 +59,7 @@ class CoordinateFile {
   /// Shortens the file durably.
   FileStatus Shorten(std::uint64_t size);
   /// Carries out a change as a whole or not at all; its sizes are filled in here.
-  FileStatus Change(std::vector<FileWrite> writes, std::uint64_t new_size);
+  FileStatus Change(std::vector<FileWrite> writes, std::uint64_t newSize);
   /// Gives the file these bytes as a whole or not at all.
   FileStatus ReplaceWith(std::string bytes);
 
@@ -75,7 +75,7 @@ class CoordinateFile {
   void Follow(std::unique_ptr<File> file) { file_ = std::move(file); }
 
  private:
-  void Gather(std::vector<FileWrite> writes, std::uint64_t new_size);
+  void Gather(std::vector<FileWrite> writes, std::uint64_t newSize);
   FileStatus IdAt(std::uint64_t index, PointId& id);
   FileStatus ProbeAt(std::size_t node, std::uint64_t index, PointId& id);
   FileStatus FindInBlock(std::string_view id, std::uint64_t low, std::uint64_t high,
@@ -102,10 +102,10 @@ class CoordinateFile {
 };
 
 /// Opens the job's coordinate file, creating it when it is missing (in the layout that the job asks
-/// for; `creating_job` leaves the job's information texts alone). The job's layout, last point id
+/// for; `creatingJob` leaves the job's information texts alone). The job's layout, last point id
 /// and last point number are set from the file. Nothing when that fails: the person has been told
 /// why, with the path.
-std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job = false);
+std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creatingJob = false);
 
 /// Sets the job's last point id and number from the file as it is now.
 FileStatus TakeLastPoint(Job& job, CoordinateFile& stream);

@@ -37,9 +37,9 @@ double DecodeDouble(const char* bytes) {
   return std::bit_cast<double>(bits);
 }
 
-void AppendText(std::string& bytes, std::string_view text, std::size_t field_size) {
+void AppendText(std::string& bytes, std::string_view text, std::size_t fieldSize) {
   bytes += text;
-  AppendZeros(bytes, field_size - text.size());
+  AppendZeros(bytes, fieldSize - text.size());
 }
 
 void AppendCoordinates(std::string& bytes, const GridPoint& at, const Description& description) {
@@ -75,14 +75,14 @@ double PackedDate(const LocalTime& date) {
 
 }  // namespace
 
-std::string EncodeHighestNumber(long long highest_number) {
+std::string EncodeHighestNumber(long long highestNumber) {
   std::string bytes;
-  AppendDouble(bytes, static_cast<double>(highest_number));
+  AppendDouble(bytes, static_cast<double>(highestNumber));
   return bytes;
 }
 
-std::string EncodeHeader(long long highest_number, const LocalTime& created) {
-  std::string bytes = EncodeHighestNumber(highest_number);
+std::string EncodeHeader(long long highestNumber, const LocalTime& created) {
+  std::string bytes = EncodeHighestNumber(highestNumber);
   AppendDouble(bytes, 0.0);
   AppendDouble(bytes, PackedDate(created));
   AppendZeros(bytes, kRecordSize - bytes.size());

@@ -18,9 +18,9 @@ namespace numeric_layout {
 inline constexpr std::size_t kRecordSize = 56;
 
 /// The header of a file: highest point number and creation date as YYYY.MMDD.
-std::string EncodeHeader(long long highest_number, const LocalTime& created);
+std::string EncodeHeader(long long highestNumber, const LocalTime& created);
 /// The first 8 bytes of the header, which hold the highest point number.
-std::string EncodeHighestNumber(long long highest_number);
+std::string EncodeHighestNumber(long long highestNumber);
 /// The highest point number; -1 when the bytes hold no count that a file of points can have.
 long long DecodeHighestNumber(std::string_view header);
 

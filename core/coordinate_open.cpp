@@ -108,9 +108,9 @@ bool LooksNumeric(const Opened& opened) {
   if (opened.size == 0) return true;
   if (opened.header.size() < numeric_layout::kRecordSize) return false;
   if (numeric_layout::DecodeHighestNumber(opened.header) < 0) return false;
-  const bool short_file = opened.size < alphanumeric_layout::kHeaderSize;
-  const std::string_view zero_field = std::string_view(opened.header).substr(8, 8);
-  return !short_file || zero_field.find_first_not_of('\0') == std::string_view::npos;
+  const bool shortFile = opened.size < alphanumeric_layout::kHeaderSize;
+  const std::string_view zeroField = std::string_view(opened.header).substr(8, 8);
+  return !shortFile || zeroField.find_first_not_of('\0') == std::string_view::npos;
 }
 
 // The stream over a file whose header was read, with the job's state taken from it.
@@ -146,48 +146,48 @@ std::unique_ptr<CoordinateFile> OpenExisting(Job& job) {
 }
 
 void SetInformation(Job& job, const LocalTime& now) {
-  job.information = {.start_date = "Start Date: " + DateText(now),
-                     .start_time = "Start Time: " + TimeText(now),
-                     .last_modified_date = "Last Modified Date: " + DateText(now),
-                     .last_modified_time = "Last Modified Time: " + TimeText(now)};
+  job.information = {.startDate = "Start Date: " + DateText(now),
+                     .startTime = "Start Time: " + TimeText(now),
+                     .lastModifiedDate = "Last Modified Date: " + DateText(now),
+                     .lastModifiedTime = "Last Modified Time: " + TimeText(now)};
 }
 
-FileStatus Create(Job& job, bool creating_job) {
+FileStatus Create(Job& job, bool creatingJob) {
   const LocalTime now = job.host.clock().Now();
-  if (!creating_job) SetInformation(job, now);
-  const std::string header = job.alphanumeric_new_files ? alphanumeric_layout::EncodeHeader(now)
-                                                        : numeric_layout::EncodeHeader(0, now);
+  if (!creatingJob) SetInformation(job, now);
+  const std::string header = job.alphanumericNewFiles ? alphanumeric_layout::EncodeHeader(now)
+                                                      : numeric_layout::EncodeHeader(0, now);
   return CreateWholeFile(job.host.files(), job.path, header);
 }
 
 }  // namespace
 
 FileStatus TakeLastPoint(Job& job, CoordinateFile& stream) {
-  job.last_point_id = "0";
-  job.last_point_number = 0;
+  job.lastPointId = "0";
+  job.lastPointNumber = 0;
   if (!stream.alphanumeric()) {
     std::string header(numeric_layout::kRecordSize, '\0');
     std::size_t got = 0;
     if (FileStatus status = stream.ReadBytes(0, header, got); !status.ok()) return status;
     const long long claimed = got == 0 ? 0 : numeric_layout::DecodeHighestNumber(header);
-    job.last_point_number = std::min(claimed, static_cast<long long>(stream.record_count()));
-    job.last_point_id = std::to_string(job.last_point_number);
+    job.lastPointNumber = std::min(claimed, static_cast<long long>(stream.recordCount()));
+    job.lastPointId = std::to_string(job.lastPointNumber);
     return {};
   }
-  if (stream.record_count() == 0) return {};
+  if (stream.recordCount() == 0) return {};
   Point last;
-  const FileStatus status = stream.ReadRecord(stream.record_count() - 1, last);
+  const FileStatus status = stream.ReadRecord(stream.recordCount() - 1, last);
   if (!status.ok()) return status;
-  job.last_point_id = last.id.str();
-  job.last_point_number = PointIdNumber(job.last_point_id);
+  job.lastPointId = last.id.str();
+  job.lastPointNumber = PointIdNumber(job.lastPointId);
   return {};
 }
 
-std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creating_job) {
+std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creatingJob) {
   if (!job.host.files().Exists(job.path)) {
-    const FileStatus status = Create(job, creating_job);
-    const bool exists_by_now = status.code == EEXIST && !creating_job;
-    if (!status.done() && !exists_by_now) return Tell(job, kCannotCreate, status), nullptr;
+    const FileStatus status = Create(job, creatingJob);
+    const bool existsByNow = status.code == EEXIST && !creatingJob;
+    if (!status.done() && !existsByNow) return Tell(job, kCannotCreate, status), nullptr;
     if (status.effect == FileEffect::NotDurable) Tell(job, kCreatedNotDurable, status);
   }
   return OpenExisting(job);

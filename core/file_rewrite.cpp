@@ -10,8 +10,8 @@ FileStatus RewriteWholeFile(FileSystem& files, const std::string& path, std::str
   if (FileStatus status = files.Open(path, FileAccess::ReadWrite, file); !status.ok()) {
     return status;
   }
-  FileChange change{.old_size = 0, .new_size = bytes.size(), .writes = {}};
-  if (FileStatus status = file->Size(change.old_size); !status.ok()) return status;
+  FileChange change{.oldSize = 0, .newSize = bytes.size(), .writes = {}};
+  if (FileStatus status = file->Size(change.oldSize); !status.ok()) return status;
   change.writes.push_back({.offset = 0, .bytes = std::string(bytes)});
   return ChangeFile(files, path, *file, change);
 }

@@ -7,10 +7,10 @@ namespace tarvex {
 
 void AdvanceCurrentPoint(Job& job) {
   if (job.alphanumeric) {
-    job.current_point_id = NextPointId(PointId(job.current_point_id), job.point_increment).str();
+    job.currentPointId = NextPointId(PointId(job.currentPointId), job.pointIncrement).str();
     return;
   }
-  job.current_point_id = std::to_string(LeadingInteger(job.current_point_id) + job.point_increment);
+  job.currentPointId = std::to_string(LeadingInteger(job.currentPointId) + job.pointIncrement);
 }
 
 std::string DateText(const LocalTime& time) {

@@ -17,7 +17,7 @@ namespace tarvex {
 struct ExistingPointAnswer {
   enum class Choice { Overwrite, UseOtherId, UseNextFreeId, Cancel, Failed };
   Choice choice = Choice::Overwrite;
-  std::string other_id = {};  ///< with UseOtherId
+  std::string otherId = {};  ///< with UseOtherId
 };
 
 /// What a job needs from the program around it.
@@ -36,47 +36,47 @@ class JobHost {
 
 /// Texts that a job carries about itself.
 struct JobInformation {
-  std::string start_date;
-  std::string start_time;
-  std::string last_modified_date;
-  std::string last_modified_time;
+  std::string startDate;
+  std::string startTime;
+  std::string lastModifiedDate;
+  std::string lastModifiedTime;
 };
 
 /// Where the instrument stands and what it was sighted to.
 struct InstrumentSetup {
-  std::string occupied_id;
-  std::string backsight_id;
-  double circle_degrees = 0.0;
+  std::string occupiedId;
+  std::string backsightId;
+  double circleDegrees = 0.0;
 
   bool operator==(const InstrumentSetup&) const = default;
 };
 
 struct Job {
-  explicit Job(JobHost& job_host) : host(job_host) {}
+  explicit Job(JobHost& jobHost) : host(jobHost) {}
 
   JobHost& host;
   std::string path;  ///< of the coordinate file
   std::string name;  ///< written into the raw file; empty for a job without a name
-  bool alphanumeric_new_files = true;
+  bool alphanumericNewFiles = true;
 
   // As the file was when it was last opened or stored into.
   bool alphanumeric = true;
-  std::string last_point_id = "0";
-  long long last_point_number = 0;
+  std::string lastPointId = "0";
+  long long lastPointNumber = 0;
 
-  std::string current_point_id;  ///< the next store uses it: a number in a numeric file
-  long long point_increment = 1;
-  std::uint64_t found_record_position = 0;  ///< of the last lookup in an alphanumeric file
-  Point last_stored_point;
+  std::string currentPointId;  ///< the next store uses it: a number in a numeric file
+  long long pointIncrement = 1;
+  std::uint64_t foundRecordPosition = 0;  ///< of the last lookup in an alphanumeric file
+  Point lastStoredPoint;
   JobInformation information;
   InstrumentSetup setup;
   JournalPlace journal;  ///< what this program has not yet settled
   NoteIndex noted;       ///< the points that have a block in the notes
 
   DistanceUnit unit = DistanceUnit::Metres;
-  bool azimuths_from_south = false;
-  double scale_factor = 1.0;
-  bool curvature_correction = false;
+  bool azimuthsFromSouth = false;
+  double scaleFactor = 1.0;
+  bool curvatureCorrection = false;
   std::string collector = "Tarvex";  ///< identification line of the raw file
 };
 

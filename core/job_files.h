@@ -20,7 +20,7 @@ inline constexpr JobFile kJobFiles[] = {JobFile::Coordinates, JobFile::Raw, JobF
 std::string PathWithExtension(const std::string& path, std::string_view extension);
 
 /// The path of a job's file beside its coordinate file.
-std::string JobFilePath(const std::string& coordinate_path, JobFile file);
+std::string JobFilePath(const std::string& coordinatePath, JobFile file);
 
 /// Where the entries end that this program has in a job's journal: which series of entries is its
 /// own, and where the next one goes.
@@ -28,7 +28,7 @@ struct JournalPlace {
   std::uint64_t series = 0;  ///< 0: none
   std::uint64_t end = 0;     ///< bytes
   int entries = 0;           ///< not yet settled
-  bool new_names = false;    ///< a file was created since the folder was last made durable
+  bool newNames = false;     ///< a file was created since the folder was last made durable
 };
 
 /// The points that have a block in the notes, as of a file of this size with this end.

@@ -41,7 +41,7 @@ FileStatus WithLock(Job& job, FileStatus (*work)(FileSystem&, const std::string&
     job.host.clock().SleepMilliseconds(kPauseMs);
     status = LockAtOnce(job, locked);
   }
-  if (status.not_found()) return {};
+  if (status.notFound()) return {};
   return status.ok() ? work(job.host.files(), job.path, job.journal) : status;
 }
 
@@ -51,7 +51,7 @@ struct JobUnit::Opened {
   std::unique_ptr<File> raw;
   std::unique_ptr<File> notes;
   std::unique_ptr<File> replacement;  // of the coordinate file
-  NotesChange notes_change;
+  NotesChange notesChange;
 };
 
 std::unique_ptr<JobUnit> JobUnit::Begin(Job& job) {
@@ -64,28 +64,28 @@ std::unique_ptr<JobUnit> JobUnit::Begin(Job& job) {
 JobUnit::JobUnit(Job& job, std::unique_ptr<CoordinateFile> stream)
     : job_(job),
       stream_(std::move(stream)),
-      last_point_id_(job.last_point_id),
-      last_point_number_(job.last_point_number),
-      current_point_id_(job.current_point_id),
-      last_stored_point_(job.last_stored_point) {}
+      lastPointId_(job.lastPointId),
+      lastPointNumber_(job.lastPointNumber),
+      currentPointId_(job.currentPointId),
+      lastStoredPoint_(job.lastStoredPoint) {}
 
 JobUnit::~JobUnit() {
   if (!done_) TakeBackJobState();
 }
 
 void JobUnit::TakeBackJobState() {
-  job_.last_point_id = last_point_id_;
-  job_.last_point_number = last_point_number_;
-  job_.current_point_id = current_point_id_;
-  job_.last_stored_point = last_stored_point_;
+  job_.lastPointId = lastPointId_;
+  job_.lastPointNumber = lastPointNumber_;
+  job_.currentPointId = currentPointId_;
+  job_.lastStoredPoint = lastStoredPoint_;
 }
 
 void JobUnit::AppendRaw(std::span<const std::string> records) {
   for (const std::string& record : records) raw_ += record;
 }
 
-void JobUnit::EditNote(std::string_view point_id, NoteEdit edit) {
-  notes_[NoteKey(point_id)] = std::move(edit);
+void JobUnit::EditNote(std::string_view pointId, NoteEdit edit) {
+  notes_[NoteKey(pointId)] = std::move(edit);
 }
 
 FileStatus JobUnit::GatherRaw(Opened& opened, JobChange& change) {
@@ -94,8 +94,8 @@ FileStatus JobUnit::GatherRaw(Opened& opened, JobChange& change) {
   if (FileStatus status = OpenRawFile(job_, opened.raw, size); !status.ok()) return status;
   const std::string text = RawFileAddition(job_, size, raw_);
   change.push_back({.file = JobFile::Raw,
-                    .old_size = size,
-                    .new_size = size + text.size(),
+                    .oldSize = size,
+                    .newSize = size + text.size(),
                     .writes = {{.offset = size, .bytes = text}}});
   return {};
 }
@@ -104,8 +104,8 @@ FileStatus JobUnit::GatherNotes(Opened& opened, JobChange& change) {
   if (notes_.empty()) return {};
   if (FileStatus status = OpenNotes(job_, notes_, opened.notes); !status.ok()) return status;
   if (!opened.notes) return {};  // nothing to take out of a file that does not exist
-  FileStatus status = MakeNotesChange(job_, *opened.notes, notes_, opened.notes_change);
-  if (status.ok() && opened.notes_change.change) change.push_back(*opened.notes_change.change);
+  FileStatus status = MakeNotesChange(job_, *opened.notes, notes_, opened.notesChange);
+  if (status.ok() && opened.notesChange.change) change.push_back(*opened.notesChange.change);
   return status;
 }
 
@@ -148,7 +148,7 @@ FilesStatus JobUnit::MakeDurable(Opened& opened, const JobChange& change) {
                                               : &stream_->file();
     if (status.ok()) status = {file->Sync(), JobFilePath(job_.path, one.file)};
   }
-  if (status.ok() && job_.journal.new_names) status = {files.SyncFolderOf(job_.path), job_.path};
+  if (status.ok() && job_.journal.newNames) status = {files.SyncFolderOf(job_.path), job_.path};
   if (status.ok()) return {ForgetChanges(files, job_.path, job_.journal), job_.path};
   job_.journal = {};  // as SettleChanges does
   return status;
@@ -178,7 +178,7 @@ ChangeResult JobUnit::Commit(Settling settling) {
   done_ = true;
   if (result == ChangeResult::Done) {
     if (replaced) stream_->Follow(std::move(opened.replacement));
-    TakeNoteIndex(job_, opened.notes_change);
+    TakeNoteIndex(job_, opened.notesChange);
     const bool settle = settling == Settling::Now || replaced ||
                         job_.journal.entries >= kMostUnsettled ||
                         job_.journal.end >= kLargestUnsettled;

@@ -44,7 +44,7 @@ class JobUnit {
   void AppendRaw(std::span<const std::string> records);
   void AppendRaw(std::string_view record) { raw_ += record; }
   /// A note that is wanted for a point; of several for one point the last counts.
-  void EditNote(std::string_view point_id, NoteEdit edit);
+  void EditNote(std::string_view pointId, NoteEdit edit);
 
   /// Carries everything out. Anything but Done was told to the person; with Nothing the job is as
   /// before.
@@ -69,10 +69,10 @@ class JobUnit {
   bool done_ = false;
 
   // What a store changes in the job, as it was before.
-  std::string last_point_id_;
-  long long last_point_number_;
-  std::string current_point_id_;
-  Point last_stored_point_;
+  std::string lastPointId_;
+  long long lastPointNumber_;
+  std::string currentPointId_;
+  Point lastStoredPoint_;
 };
 
 enum class [[nodiscard]] FinishJobResult{

@@ -17,10 +17,10 @@ std::string_view TakeLastLine(std::string_view& text) {
   return line;
 }
 
-std::optional<std::string> LastUsed(std::string_view raw_file) {
+std::optional<std::string> LastUsed(std::string_view rawFile) {
   std::optional<std::string> stored;
-  while (!raw_file.empty()) {
-    const std::string_view line = TakeLastLine(raw_file);
+  while (!rawFile.empty()) {
+    const std::string_view line = TakeLastLine(rawFile);
     if (stored && !IsMeasured(line)) continue;
     const auto id = StoredPointId(line);
     if (!id || id->empty()) continue;
@@ -31,23 +31,23 @@ std::optional<std::string> LastUsed(std::string_view raw_file) {
 }
 
 std::optional<std::string> NextNumber(Job& job, CoordinateFile& stream) {
-  const long long last = ParseInteger(job.current_point_id).value_or(0);
+  const long long last = ParseInteger(job.currentPointId).value_or(0);
   if (last < 1) return NextFreePointId(job, stream);
-  for (long long number = last + 1; number <= job.last_point_number; ++number) {
+  for (long long number = last + 1; number <= job.lastPointNumber; ++number) {
     Point point;
     if (ReadPoint(job, std::to_string(number), &stream, point) != ReadPointResult::Found) {
       return std::to_string(number);
     }
   }
-  return last >= job.last_point_number ? std::to_string(last + 1) : NextFreePointId(job, stream);
+  return last >= job.lastPointNumber ? std::to_string(last + 1) : NextFreePointId(job, stream);
 }
 
 }  // namespace
 
 std::optional<std::string> NextIdToUse(Job& job, CoordinateFile& stream) {
-  FileBytes raw_file;
-  (void)LoadFileBytes(job.host.files(), RawFilePath(job), raw_file);
-  job.current_point_id = LastUsed(raw_file.view()).value_or(job.last_point_id);
+  FileBytes rawFile;
+  (void)LoadFileBytes(job.host.files(), RawFilePath(job), rawFile);
+  job.currentPointId = LastUsed(rawFile.view()).value_or(job.lastPointId);
   return job.alphanumeric ? NextFreePointId(job, stream) : NextNumber(job, stream);
 }
 

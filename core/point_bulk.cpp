@@ -126,13 +126,13 @@ std::vector<std::uint32_t> PlacesByComparison(const std::string& batch) {
   std::iota(places.begin(), places.end(), 0U);
   std::stable_sort(places.begin(), places.end(),
                    [&](std::uint32_t a, std::uint32_t b) { return compare(a, b) < 0; });
-  std::vector<std::uint32_t> last_of_equals;
-  last_of_equals.reserve(places.size());
+  std::vector<std::uint32_t> lastOfEquals;
+  lastOfEquals.reserve(places.size());
   for (std::size_t i = 0; i < places.size(); ++i) {
     const bool replaced = i + 1 < places.size() && compare(places[i], places[i + 1]) == 0;
-    if (!replaced) last_of_equals.push_back(places[i]);
+    if (!replaced) lastOfEquals.push_back(places[i]);
   }
-  return last_of_equals;
+  return lastOfEquals;
 }
 
 // The batch in the order of the file, as places in it; of equal ids the last.
@@ -144,8 +144,8 @@ std::vector<std::uint32_t> PlacesInFileOrder(const std::string& batch) {
 // Merges the records of the batch into those of the file.
 class RecordMerger {
  public:
-  RecordMerger(const std::string& old_file, const std::string& batch)
-      : old_(old_file), batch_(batch) {
+  RecordMerger(const std::string& oldFile, const std::string& batch)
+      : old_(oldFile), batch_(batch) {
     merged_.reserve(old_.size() + batch_.size());
     PreferLargePages(merged_.data(), merged_.capacity());
     merged_.append(old_, 0, at_);
@@ -192,19 +192,19 @@ class RecordMerger {
   std::string merged_;
 };
 
-std::string MergeNamed(const std::string& old_file, std::span<const Point> points) {
-  std::string batch = EncodeBatch(std::string_view(old_file).substr(0, kHeaderSize), points);
+std::string MergeNamed(const std::string& oldFile, std::span<const Point> points) {
+  std::string batch = EncodeBatch(std::string_view(oldFile).substr(0, kHeaderSize), points);
   const std::vector<std::uint32_t> places = PlacesInFileOrder(batch);
-  const bool in_order =
+  const bool inOrder =
       places.size() == points.size() && std::is_sorted(places.begin(), places.end());
-  if (in_order && RecordCount(old_file) == 0) return batch;  // an import into a new job
-  return RecordMerger(old_file, batch).Merge(places);
+  if (inOrder && RecordCount(oldFile) == 0) return batch;  // an import into a new job
+  return RecordMerger(oldFile, batch).Merge(places);
 }
 
-std::string MergeNumbered(std::string file, std::span<const Point> points, long long last_number,
+std::string MergeNumbered(std::string file, std::span<const Point> points, long long lastNumber,
                           const LocalTime& now) {
   if (file.empty()) file = numeric_layout::EncodeHeader(0, now);
-  long long highest = last_number;
+  long long highest = lastNumber;
   for (const Point& point : points) highest = std::max(highest, LeadingInteger(point.id.view()));
   constexpr std::size_t kSize = numeric_layout::kRecordSize;
   const std::string filler = numeric_layout::FillerRecord();
@@ -222,31 +222,31 @@ std::string MergeNumbered(std::string file, std::span<const Point> points, long 
 
 }  // namespace
 
-StorePointsResult StorePoints(Job& job, std::span<const Point> points, std::size_t* bad_point) {
+StorePointsResult StorePoints(Job& job, std::span<const Point> points, std::size_t* badPoint) {
   const auto stream = OpenCoordinateFile(job);
   if (!stream) return StorePointsResult::NoStream;
-  return StorePoints(job, points, *stream, bad_point);
+  return StorePoints(job, points, *stream, badPoint);
 }
 
 StorePointsResult StorePoints(Job& job, std::span<const Point> points, CoordinateFile& stream,
-                              std::size_t* bad_point) {
+                              std::size_t* badPoint) {
   const auto refused = std::find_if_not(points.begin(), points.end(), [&](const Point& point) {
     return IsStorable(point, job.alphanumeric);
   });
   const auto bad = static_cast<std::size_t>(refused - points.begin());
   if (bad < points.size()) {
-    if (bad_point != nullptr) *bad_point = bad;
+    if (badPoint != nullptr) *badPoint = bad;
     return StorePointsResult::BadPoint;
   }
   if (points.empty()) return StorePointsResult::Stored;
-  std::string old_file(static_cast<std::size_t>(stream.size()), '\0');
+  std::string oldFile(static_cast<std::size_t>(stream.size()), '\0');
   std::size_t got = 0;
-  FileStatus status = stream.ReadBytes(0, old_file, got);
-  old_file.resize(got);
+  FileStatus status = stream.ReadBytes(0, oldFile, got);
+  oldFile.resize(got);
   if (status.ok()) {
     std::string merged = job.alphanumeric
-                             ? MergeNamed(old_file, points)
-                             : MergeNumbered(std::move(old_file), points, job.last_point_number,
+                             ? MergeNamed(oldFile, points)
+                             : MergeNumbered(std::move(oldFile), points, job.lastPointNumber,
                                              job.host.clock().Now());
     status = stream.ReplaceWith(std::move(merged));
   }
@@ -255,7 +255,7 @@ StorePointsResult StorePoints(Job& job, std::span<const Point> points, Coordinat
     job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
   }
   if (!status.done()) return StorePointsResult::Nothing;
-  job.last_stored_point = points.back();
+  job.lastStoredPoint = points.back();
   if (!TakeLastPoint(job, stream).ok()) return StorePointsResult::NoStream;
   return status.ok() ? StorePointsResult::Stored : StorePointsResult::StoredNotDurable;
 }

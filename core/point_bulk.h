@@ -20,12 +20,12 @@ enum class [[nodiscard]] StorePointsResult : int{
 };
 
 /// Stores all points, each under its own id, over those that exist; of equal ids the last one wins.
-/// `bad_point`, when given, receives the index of the point that was refused.
+/// `badPoint`, when given, receives the index of the point that was refused.
 StorePointsResult StorePoints(Job& job, std::span<const Point> points,
-                              std::size_t* bad_point = nullptr);
+                              std::size_t* badPoint = nullptr);
 
 /// The same in a file that is open, as part of a unit of the job where it gathers changes.
 StorePointsResult StorePoints(Job& job, std::span<const Point> points, CoordinateFile& stream,
-                              std::size_t* bad_point = nullptr);
+                              std::size_t* badPoint = nullptr);
 
 }  // namespace tarvex

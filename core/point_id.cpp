@@ -122,8 +122,8 @@ long long PointIdNumber(std::string_view id) {
 
 PointId NextPointId(const PointId& id, long long increment) {
   const std::string_view text = id.view();
-  const bool has_digits = FindDigit(text) < text.size();
-  return PointId(has_digits ? Advanced(text, increment) : WithoutDigitsAdvanced(text, increment));
+  const bool hasDigits = FindDigit(text) < text.size();
+  return PointId(hasDigits ? Advanced(text, increment) : WithoutDigitsAdvanced(text, increment));
 }
 
 // A digit run becomes its length as a digit character, which still sorts between "/" and ":"

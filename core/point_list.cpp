@@ -18,11 +18,11 @@ constexpr std::uint64_t kProgressParts = 100;
 // Appends the points of a block of records; false when one is not where the other list has it.
 class BlockDecoder {
  public:
-  BlockDecoder(bool alphanumeric, PointList& points, const PointList* verify_against)
-      : alphanumeric_(alphanumeric), points_(points), verify_against_(verify_against) {}
+  BlockDecoder(bool alphanumeric, PointList& points, const PointList* verifyAgainst)
+      : alphanumeric_(alphanumeric), points_(points), verifyAgainst_(verifyAgainst) {}
 
-  bool Take(const std::string& block, std::uint64_t first, std::size_t record_size) {
-    for (std::size_t at = 0; at + record_size <= block.size(); at += record_size, ++first) {
+  bool Take(const std::string& block, std::uint64_t first, std::size_t recordSize) {
+    for (std::size_t at = 0; at + recordSize <= block.size(); at += recordSize, ++first) {
       Point& point = points_.emplace_back();
       Decode(block.data() + at, first, point);
       if (IsEmptySlot(point)) {
@@ -41,28 +41,28 @@ class BlockDecoder {
       return;
     }
     numeric_layout::DecodeRecord(record, point);
-    id_text_.clear();
-    AppendInteger(id_text_, static_cast<long long>(index) + 1);
-    point.id.Assign(id_text_);
+    idText_.clear();
+    AppendInteger(idText_, static_cast<long long>(index) + 1);
+    point.id.Assign(idText_);
   }
 
   bool Verifies(const Point& point) const {
-    if (verify_against_ == nullptr) return true;
+    if (verifyAgainst_ == nullptr) return true;
     const std::size_t place = points_.size() - 1;
-    return place < verify_against_->size() && (*verify_against_)[place].id == point.id;
+    return place < verifyAgainst_->size() && (*verifyAgainst_)[place].id == point.id;
   }
 
   bool alphanumeric_;
   PointList& points_;
-  const PointList* verify_against_;
-  mutable std::string id_text_;
+  const PointList* verifyAgainst_;
+  mutable std::string idText_;
 };
 
 LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList& points,
-                          const PointList* verify_against, const ProgressWindow& progress) {
+                          const PointList* verifyAgainst, const ProgressWindow& progress) {
   points.reserve(static_cast<std::size_t>(count));
   PreferLargePages(points.data(), points.capacity() * sizeof(Point));
-  BlockDecoder decoder(stream.alphanumeric(), points, verify_against);
+  BlockDecoder decoder(stream.alphanumeric(), points, verifyAgainst);
   std::string block;
   std::uint64_t first = 0;
   for (std::uint64_t part = 1; part <= kProgressParts; ++part) {
@@ -71,7 +71,7 @@ LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList
     while (first < end) {
       const std::uint64_t some = std::min(kBlockRecords, end - first);
       if (!stream.ReadRecords(first, some, block).ok()) return LoadPointsResult::CannotOpen;
-      if (!decoder.Take(block, first, static_cast<std::size_t>(stream.record_size()))) {
+      if (!decoder.Take(block, first, static_cast<std::size_t>(stream.recordSize()))) {
         return LoadPointsResult::Mismatch;
       }
       first += some;
@@ -83,14 +83,14 @@ LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList
 
 }  // namespace
 
-LoadPointsResult LoadAllPoints(Job& job, PointList& points, const PointList* verify_against,
+LoadPointsResult LoadAllPoints(Job& job, PointList& points, const PointList* verifyAgainst,
                                const ProgressWindow& progress) {
   const auto stream = OpenForReading(job);
   if (!stream) return LoadPointsResult::CannotOpen;
   try {
     PointList loaded;
     const LoadPointsResult result =
-        LoadFrom(*stream, stream->record_count(), loaded, verify_against, progress);
+        LoadFrom(*stream, stream->recordCount(), loaded, verifyAgainst, progress);
     if (result == LoadPointsResult::Loaded) points.swap(loaded);
     return result;
   } catch (const std::bad_alloc&) {

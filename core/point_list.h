@@ -24,11 +24,11 @@ enum class [[nodiscard]] LoadPointsResult : int{
 using ProgressWindow = std::function<void(std::string_view)>;
 
 /// Reads every whole record that is not an empty slot, in a numeric file those behind the count of
-/// the header too. With `verify_against`, each record's id must be that of the list's point at the
+/// the header too. With `verifyAgainst`, each record's id must be that of the list's point at the
 /// same place. `points` is written only on success. The file is not changed, but an interrupted
 /// change is finished first and an older file converted, where it may be written.
 LoadPointsResult LoadAllPoints(Job& job, PointList& points,
-                               const PointList* verify_against = nullptr,
+                               const PointList* verifyAgainst = nullptr,
                                const ProgressWindow& progress = {});
 
 }  // namespace tarvex

@@ -19,7 +19,7 @@ constexpr std::uint64_t kComparedEnd = 64;
 FileStatus ReadNotes(Job& job, std::string& bytes) {
   const FileStatus status =
       ReadWholeFile(job.host.files(), PointNotesPath(job), kLargestFile, bytes);
-  return status.not_found() ? FileStatus{} : status;
+  return status.notFound() ? FileStatus{} : status;
 }
 
 // The next block of `rest`, from its PT_ID line up to the next one; lines before the first block
@@ -93,12 +93,12 @@ std::optional<std::string_view> NoteText(std::string_view line) {
 
 PointNote ParseBlock(std::string_view block) {
   PointNote note;
-  note.point_id = TakeLine(block).value_or("").substr(kBlockStart.size());
+  note.pointId = TakeLine(block).value_or("").substr(kBlockStart.size());
   while (const auto line = TakeLine(block)) {
     if (const auto text = NoteText(*line)) {
       note.lines.emplace_back(*text);
     } else {
-      note.quality_lines.append(*line).append("\n");
+      note.qualityLines.append(*line).append("\n");
     }
   }
   return note;
@@ -113,7 +113,7 @@ void TakeBlockInto(std::string_view block, std::optional<PointNote>& note) {
     return;
   }
   note->lines.insert(note->lines.end(), later.lines.begin(), later.lines.end());
-  if (!later.quality_lines.empty()) note->quality_lines = std::move(later.quality_lines);
+  if (!later.qualityLines.empty()) note->qualityLines = std::move(later.qualityLines);
 }
 
 // The block that an edit leaves, from the one that the point had; nothing when there is none.
@@ -127,7 +127,7 @@ std::string EditedBlock(const NoteEdit& edit, const std::optional<PointNote>& ol
       break;
     case NoteEdit::Kind::DropQuality:
       if (!old || old->lines.empty()) return {};
-      note = {.point_id = old->point_id, .lines = old->lines, .quality_lines = ""};
+      note = {.pointId = old->pointId, .lines = old->lines, .qualityLines = ""};
       break;
     case NoteEdit::Kind::Replace:
       break;
@@ -137,40 +137,40 @@ std::string EditedBlock(const NoteEdit& edit, const std::optional<PointNote>& ol
 
 // The whole file after the edits: blocks that they concern leave their place, what remains of them
 // comes to the end.
-std::string EditedNotes(std::string_view old_file, const NoteEdits& edits) {
-  std::string new_file;
+std::string EditedNotes(std::string_view oldFile, const NoteEdits& edits) {
+  std::string newFile;
   std::map<std::string, std::optional<PointNote>> taken;
-  while (!old_file.empty()) {
-    const std::string_view block = TakeBlock(old_file);
+  while (!oldFile.empty()) {
+    const std::string_view block = TakeBlock(oldFile);
     const auto id = BlockId(block);
     const std::string key = id ? NoteKey(*id) : std::string();
     if (id && edits.contains(key)) {
       TakeBlockInto(block, taken[key]);
     } else {
-      new_file += block;
+      newFile += block;
     }
   }
-  if (!new_file.empty() && new_file.back() != '\n') new_file += '\n';
-  for (const auto& [key, edit] : edits) new_file += EditedBlock(edit, taken[key]);
-  return new_file;
+  if (!newFile.empty() && newFile.back() != '\n') newFile += '\n';
+  for (const auto& [key, edit] : edits) newFile += EditedBlock(edit, taken[key]);
+  return newFile;
 }
 
 // The change from one text to another: what follows their common beginning.
-FileChange ChangeBetween(std::string_view old_file, std::string_view new_file) {
-  const std::size_t some = std::min(old_file.size(), new_file.size());
+FileChange ChangeBetween(std::string_view oldFile, std::string_view newFile) {
+  const std::size_t some = std::min(oldFile.size(), newFile.size());
   const auto differs =
-      std::mismatch(old_file.begin(), old_file.begin() + std::ptrdiff_t(some), new_file.begin());
-  const auto same = static_cast<std::size_t>(differs.first - old_file.begin());
+      std::mismatch(oldFile.begin(), oldFile.begin() + std::ptrdiff_t(some), newFile.begin());
+  const auto same = static_cast<std::size_t>(differs.first - oldFile.begin());
   return {.file = JobFile::Notes,
-          .old_size = old_file.size(),
-          .new_size = new_file.size(),
-          .writes = {{.offset = same, .bytes = std::string(new_file.substr(same))}}};
+          .oldSize = oldFile.size(),
+          .newSize = newFile.size(),
+          .writes = {{.offset = same, .bytes = std::string(newFile.substr(same))}}};
 }
 
 }  // namespace
 
-std::string NoteKey(std::string_view point_id) {
-  std::string key(point_id);
+std::string NoteKey(std::string_view pointId) {
+  std::string key(pointId);
   for (char& c : key) c = UpperCase(c);
   return key;
 }
@@ -181,7 +181,7 @@ FileStatus OpenNotes(Job& job, const NoteEdits& edits, std::unique_ptr<File>& fi
   FileSystem& files = job.host.files();
   const std::string path = PointNotesPath(job);
   FileStatus status = OpenLocked(files, path, FileAccess::ReadWrite, file);
-  if (!status.not_found()) return status;
+  if (!status.notFound()) return status;
   if (!writes) return {};
   std::unique_ptr<File> made;
   status = MakeBeside(files, job.path, path, made);
@@ -204,17 +204,17 @@ FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesCh
   if (appends) {
     if (change.added.empty()) return {};
     change.change = {.file = JobFile::Notes,
-                     .old_size = size,
-                     .new_size = size + text.size(),
+                     .oldSize = size,
+                     .newSize = size + text.size(),
                      .writes = {{.offset = size, .bytes = text}}};
     change.end = EndOf(job.noted.end + text);
     return {};
   }
-  std::string old_file;
-  if (FileStatus status = ReadAll(file, size, old_file); !status.ok()) return status;
-  const std::string new_file = EditedNotes(old_file, edits);
-  if (new_file != old_file) change.change = ChangeBetween(old_file, new_file);
-  change.end = EndOf(new_file);
+  std::string oldFile;
+  if (FileStatus status = ReadAll(file, size, oldFile); !status.ok()) return status;
+  const std::string newFile = EditedNotes(oldFile, edits);
+  if (newFile != oldFile) change.change = ChangeBetween(oldFile, newFile);
+  change.end = EndOf(newFile);
   return {};
 }
 
@@ -223,7 +223,7 @@ void TakeNoteIndex(Job& job, const NotesChange& change) {
   NoteIndex& index = job.noted;
   for (const std::string& key : change.removed) index.ids.erase(key);
   index.ids.insert(change.added.begin(), change.added.end());
-  index.size = change.change->new_size;
+  index.size = change.change->newSize;
   index.end = change.end;
 }
 
@@ -233,7 +233,7 @@ std::string PointNotesPath(const Job& job) {
 
 std::string PointNoteBlock(const PointNote& note) {
   std::string block(kBlockStart);
-  block += OneLine(note.point_id) + "\n";
+  block += OneLine(note.pointId) + "\n";
   long long number = 0;
   for (const std::string& lines : note.lines) {
     std::string_view rest = lines;
@@ -243,7 +243,7 @@ std::string PointNoteBlock(const PointNote& note) {
       block += "," + OneLine(TakeLine(rest).value_or("")) + "\n";
     } while (!rest.empty());
   }
-  return block + note.quality_lines;
+  return block + note.qualityLines;
 }
 
 std::unordered_set<std::string> MeasuredPoints(Job& job) {
@@ -259,14 +259,14 @@ std::unordered_set<std::string> MeasuredPoints(Job& job) {
   return measured;
 }
 
-std::optional<PointNote> ReadPointNote(Job& job, std::string_view point_id, FileStatus& status) {
+std::optional<PointNote> ReadPointNote(Job& job, std::string_view pointId, FileStatus& status) {
   std::string bytes;
   status = ReadNotes(job, bytes);
   std::optional<PointNote> note;
   std::string_view rest = bytes;
   while (status.ok() && !rest.empty()) {
     const std::string_view block = TakeBlock(rest);
-    if (IsBlockOf(block, point_id)) TakeBlockInto(block, note);
+    if (IsBlockOf(block, pointId)) TakeBlockInto(block, note);
   }
   return note;
 }

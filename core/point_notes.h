@@ -16,15 +16,14 @@
 namespace tarvex {
 
 struct PointNote {
-  std::string point_id;
+  std::string pointId;
   std::vector<std::string> lines;  ///< the user's notes, one line each
-  std::string
-      quality_lines;  ///< "HRMS,0.012\n..." as the receiver's state gives them; may be empty
+  std::string qualityLines;  ///< "HRMS,0.012\n..." as the receiver's state gives them; may be empty
 };
 
 /// What the file says of a point; nothing when the file or the block does not exist. `status` tells
 /// a file that cannot be read.
-std::optional<PointNote> ReadPointNote(Job& job, std::string_view point_id, FileStatus& status);
+std::optional<PointNote> ReadPointNote(Job& job, std::string_view pointId, FileStatus& status);
 
 /// What becomes of a point's block.
 struct NoteEdit {
@@ -42,7 +41,7 @@ struct NoteEdit {
 using NoteEdits = std::map<std::string, NoteEdit>;
 
 /// Equal for ids that name the same point.
-std::string NoteKey(std::string_view point_id);
+std::string NoteKey(std::string_view pointId);
 
 /// How edits change the notes and their index.
 struct NotesChange {

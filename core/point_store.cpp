@@ -35,7 +35,7 @@ class WaitCursor {
 };
 
 ReadPointResult ReadNumbered(Job& job, long long number, CoordinateFile& stream, Point& point) {
-  if (number > job.last_point_number) return ReadPointResult::AboveLast;
+  if (number > job.lastPointNumber) return ReadPointResult::AboveLast;
   if (number < 1) return ReadPointResult::BelowFirst;
   Point read;
   if (!stream.ReadRecord(static_cast<std::uint64_t>(number - 1), read).ok()) {
@@ -53,9 +53,9 @@ FileStatus FindNamed(std::string_view id, CoordinateFile& stream, RecordPosition
   const PointId key = NormalisePointId(id);
   if (key.empty()) return {};
   if (FileStatus status = stream.Find(key.view(), position); !status.ok()) return status;
-  const PointId as_typed(WithoutLeadingBlanks(id));
-  if (position.found || ComparePointIds(as_typed.view(), key.view()) == 0) return {};
-  return stream.Find(as_typed.view(), position);
+  const PointId asTyped(WithoutLeadingBlanks(id));
+  if (position.found || ComparePointIds(asTyped.view(), key.view()) == 0) return {};
+  return stream.Find(asTyped.view(), position);
 }
 
 ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateFile& stream, Point& point) {
@@ -63,7 +63,7 @@ ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateFile& stream,
   Point read;
   if (!FindNamed(id, stream, position).ok() || !position.found) return ReadPointResult::NotFound;
   if (!stream.ReadRecord(position.index, read).ok()) return ReadPointResult::NotFound;
-  job.found_record_position = stream.RecordOffset(position.index);
+  job.foundRecordPosition = stream.RecordOffset(position.index);
   if (IsEmptySlot(read)) return ReadPointResult::EmptySlot;
   point = read;
   return ReadPointResult::Found;
@@ -72,7 +72,7 @@ ReadPointResult ReadNamed(Job& job, std::string_view id, CoordinateFile& stream,
 // The number behind which a numeric file holds nothing: that of its header, or of the last record
 // where another program or a damaged header left records behind it.
 long long HighestNumber(const Job& job, const CoordinateFile& stream) {
-  return std::max(job.last_point_number, static_cast<long long>(stream.record_count()));
+  return std::max(job.lastPointNumber, static_cast<long long>(stream.recordCount()));
 }
 
 // The start of a numeric header with this count; all of it in a file that has none.
@@ -85,13 +85,13 @@ FileStatus StoreInSlot(Job& job, const Point& point, long long number, Coordinat
   std::string record;
   numeric_layout::AppendRecord(record, point.at, point.description);
   const auto slot = static_cast<std::uint64_t>(number - 1);
-  if (number <= job.last_point_number) {
+  if (number <= job.lastPointNumber) {
     return stream.Change({{.offset = stream.RecordOffset(slot), .bytes = record}}, stream.size());
   }
   const auto last = static_cast<std::uint64_t>(HighestNumber(job, stream));
   const std::uint64_t gap = slot > last ? slot - last : 0;
   const WaitCursor wait(job.host, gap * numeric_layout::kRecordSize >= kNoticeableGapBytes);
-  const std::uint64_t new_size = std::max(stream.size(), stream.RecordOffset(slot + 1));
+  const std::uint64_t newSize = std::max(stream.size(), stream.RecordOffset(slot + 1));
   std::vector<FileWrite> writes;
   writes.push_back({.offset = 0, .bytes = CountBytes(job, stream, number)});
   if (gap > 0) {
@@ -100,7 +100,7 @@ FileStatus StoreInSlot(Job& job, const Point& point, long long number, Coordinat
                       .repeat = gap});
   }
   writes.push_back({.offset = stream.RecordOffset(slot), .bytes = record});
-  return stream.Change(std::move(writes), new_size);
+  return stream.Change(std::move(writes), newSize);
 }
 
 // The usual store, one number beyond the last, needs no journal: until the record is there the
@@ -117,20 +117,20 @@ FileStatus StoreNextNumber(const Point& point, long long number, CoordinateFile&
 }
 
 FileStatus StoreNumbered(Job& job, const Point& point, long long number, CoordinateFile& stream) {
-  const bool next = number == job.last_point_number + 1 &&
-                    stream.record_count() == static_cast<std::uint64_t>(job.last_point_number);
+  const bool next = number == job.lastPointNumber + 1 &&
+                    stream.recordCount() == static_cast<std::uint64_t>(job.lastPointNumber);
   const FileStatus status = next && stream.size() > 0 ? StoreNextNumber(point, number, stream)
                                                       : StoreInSlot(job, point, number, stream);
-  if (status.done() && number > job.last_point_number) {
-    job.last_point_number = number;
-    job.last_point_id = std::to_string(number);
+  if (status.done() && number > job.lastPointNumber) {
+    job.lastPointNumber = number;
+    job.lastPointId = std::to_string(number);
   }
   return status;
 }
 
 // Inserting shifts every record from the place of insertion one record towards the end.
 FileStatus InsertRecord(const std::string& record, std::uint64_t index, CoordinateFile& stream) {
-  const std::uint64_t count = stream.record_count();
+  const std::uint64_t count = stream.recordCount();
   if (index == count) return stream.Append(record);
   std::string tail;
   if (FileStatus status = stream.ReadRecords(index, count - index, tail); !status.ok()) {
@@ -151,9 +151,9 @@ FileStatus StoreNamed(Job& job, const Point& point, CoordinateFile& stream) {
           ? stream.Change({{.offset = stream.RecordOffset(position.index), .bytes = record}},
                           stream.size())
           : InsertRecord(record, position.index, stream);
-  if (status.done() && !position.found && position.index + 1 == stream.record_count()) {
-    job.last_point_id = point.id.str();
-    job.last_point_number = PointIdNumber(job.last_point_id);
+  if (status.done() && !position.found && position.index + 1 == stream.recordCount()) {
+    job.lastPointId = point.id.str();
+    job.lastPointNumber = PointIdNumber(job.lastPointId);
   }
   return status;
 }
@@ -169,14 +169,14 @@ bool IsFinite(const GridPoint& at) {
 
 bool MayExist(const Job& job, const CoordinateFile& stream, std::string_view id) {
   if (!job.alphanumeric) return PointNumber(id) <= HighestNumber(job, stream);
-  return ComparePointIds(NormalisePointId(id).view(), job.last_point_id) <= 0;
+  return ComparePointIds(NormalisePointId(id).view(), job.lastPointId) <= 0;
 }
 
 bool IsStorable(const Job& job, std::string_view id) {
   if (job.alphanumeric) return !NormalisePointId(id).empty();
   const long long number = PointNumber(id);
   return number >= 1 && number <= kHighestPointNumber &&
-         number - job.last_point_number <= kLargestGap;
+         number - job.lastPointNumber <= kLargestGap;
 }
 
 // Also a record behind the header's count, which a list shows and a store would write over.
@@ -184,7 +184,7 @@ bool Exists(Job& job, CoordinateFile& stream, std::string_view id) {
   Point existing;
   if (ReadPoint(job, id, &stream, existing) == ReadPointResult::Found) return true;
   const long long number = job.alphanumeric ? 0 : PointNumber(id);
-  return number > job.last_point_number && number <= HighestNumber(job, stream) &&
+  return number > job.lastPointNumber && number <= HighestNumber(job, stream) &&
          stream.ReadRecord(static_cast<std::uint64_t>(number - 1), existing).ok() &&
          !IsEmptySlot(existing);
 }
@@ -206,7 +206,7 @@ StorePointResult SettleId(Job& job, CoordinateFile& stream, std::string& id) {
       return StorePointResult::Stored;
     }
     case ExistingPointAnswer::Choice::UseOtherId:
-      id = answer.other_id;
+      id = answer.otherId;
       return IsStorable(job, id) ? StorePointResult::Stored : StorePointResult::Nothing;
     case ExistingPointAnswer::Choice::Overwrite:
       break;
@@ -215,15 +215,14 @@ StorePointResult SettleId(Job& job, CoordinateFile& stream, std::string& id) {
 }
 
 FileStatus RemoveRecord(std::uint64_t index, CoordinateFile& stream) {
-  const std::uint64_t count = stream.record_count();
-  const std::uint64_t new_size = stream.RecordOffset(count - 1);
-  if (index + 1 == count) return stream.Shorten(new_size);
+  const std::uint64_t count = stream.recordCount();
+  const std::uint64_t newSize = stream.RecordOffset(count - 1);
+  if (index + 1 == count) return stream.Shorten(newSize);
   std::string tail;
   if (FileStatus status = stream.ReadRecords(index + 1, count - index - 1, tail); !status.ok()) {
     return status;
   }
-  return stream.Change({{.offset = stream.RecordOffset(index), .bytes = std::move(tail)}},
-                       new_size);
+  return stream.Change({{.offset = stream.RecordOffset(index), .bytes = std::move(tail)}}, newSize);
 }
 
 FileStatus DeleteStored(Job& job, std::string_view id, CoordinateFile& stream) {
@@ -254,11 +253,11 @@ ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateFile* stream,
 }
 
 StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view description,
-                            bool check_existing, CoordinateFile* stream) {
+                            bool checkExisting, CoordinateFile* stream) {
   if (stream == nullptr) return StorePointResult::NoStream;
-  std::string id = job.current_point_id;
+  std::string id = job.currentPointId;
   if (!IsStorable(job, id) || !IsFinite(at)) return StorePointResult::Nothing;
-  if (check_existing) {
+  if (checkExisting) {
     const StorePointResult settled = SettleId(job, *stream, id);
     if (settled != StorePointResult::Stored) return settled;
   }
@@ -274,8 +273,8 @@ StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view desc
   }
   if (!status.ok()) TellFailure(job, kStoreFailedMessage, id, status);
   if (!status.done()) return StorePointResult::Nothing;
-  job.current_point_id = id;
-  job.last_stored_point = point;
+  job.currentPointId = id;
+  job.lastStoredPoint = point;
   return status.ok() ? StorePointResult::Stored : StorePointResult::StoredNotDurable;
 }
 
@@ -293,9 +292,9 @@ DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* str
 
 std::optional<std::string> NextFreePointId(Job& job, CoordinateFile& stream) {
   if (!job.alphanumeric) return std::to_string(HighestNumber(job, stream) + 1);
-  PointId id = NormalisePointId(job.current_point_id);
-  for (std::uint64_t tried = 0; tried <= stream.record_count(); ++tried) {
-    const PointId next = NormalisePointId(NextPointId(id, job.point_increment).view());
+  PointId id = NormalisePointId(job.currentPointId);
+  for (std::uint64_t tried = 0; tried <= stream.recordCount(); ++tried) {
+    const PointId next = NormalisePointId(NextPointId(id, job.pointIncrement).view());
     if (ComparePointIds(next.view(), id.view()) <= 0) return std::nullopt;
     RecordPosition position;
     if (!stream.Find(next.view(), position).ok()) return std::nullopt;

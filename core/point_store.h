@@ -44,10 +44,10 @@ enum class [[nodiscard]] DeletePointResult : int{
 ReadPointResult ReadPoint(Job& job, std::string_view id, CoordinateFile* stream, Point& point);
 
 /// Stores under the job's current point id and remembers it as the last stored point. Coordinates
-/// are in the job's distance unit. With `check_existing` the person is asked when the id is not
+/// are in the job's distance unit. With `checkExisting` the person is asked when the id is not
 /// beyond the last one.
 StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view description,
-                            bool check_existing, CoordinateFile* stream);
+                            bool checkExisting, CoordinateFile* stream);
 
 /// Numeric file: leaves an empty slot. Alphanumeric file: removes the record and closes the gap.
 DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* stream);

@@ -36,14 +36,14 @@ Character FirstCharacter(std::string_view text) {
 }
 
 // Appends what is shown for the character at the front of `rest` and takes it off.
-void TakeShown(std::string_view& rest, bool one_line, std::string& shown) {
+void TakeShown(std::string_view& rest, bool oneLine, std::string& shown) {
   const char c = rest.front();
   std::size_t taken = 1;
-  const bool layout = !one_line && (c == '\n' || c == '\t');
+  const bool layout = !oneLine && (c == '\n' || c == '\t');
   const bool plain = !IsControl(c) && static_cast<unsigned char>(c) < 0x80;
   if (layout || plain) {
     shown += c;
-  } else if (!one_line && rest.starts_with("\r\n")) {
+  } else if (!oneLine && rest.starts_with("\r\n")) {
     shown += "\r\n";
     taken = 2;
   } else if (IsControl(c)) {
@@ -61,10 +61,10 @@ void TakeShown(std::string_view& rest, bool one_line, std::string& shown) {
   rest.remove_prefix(taken);
 }
 
-std::string Shown(std::string_view text, bool one_line) {
+std::string Shown(std::string_view text, bool oneLine) {
   std::string shown;
   shown.reserve(text.size());
-  while (!text.empty()) TakeShown(text, one_line, shown);
+  while (!text.empty()) TakeShown(text, oneLine, shown);
   return shown;
 }
 

@@ -61,13 +61,13 @@ std::string WarningComment(std::string_view text) {
   return Comment("Warning: ").Text(text).str();
 }
 
-std::string RotationComment(double northing, double easting, double angle_degrees) {
+std::string RotationComment(double northing, double easting, double angleDegrees) {
   return Comment("Rotated around N")
       .Number(northing, kDecimals)
       .Text(",E")
       .Number(easting, kDecimals)
       .Text(" by ")
-      .Text(PackedField(angle_degrees, kDecimals))
+      .Text(PackedField(angleDegrees, kDecimals))
       .str();
 }
 

@@ -23,7 +23,7 @@ std::string BacksightWarning(double difference, std::string_view unit);
 std::string WarningComment(std::string_view text);
 
 /// "--Rotated around N%.4lf,E%.4lf by %.4lf": the angle in decimal degrees is written packed.
-std::string RotationComment(double northing, double easting, double angle_degrees);
+std::string RotationComment(double northing, double easting, double angleDegrees);
 /// "--Translate: dy=%.4lf, dx=%.4lf, dz=%.4lf": northing, easting, elevation.
 std::string TranslationComment(const GridPoint& shift);
 /// "--Scaled from base N%.4lf,E%.4lf by a factor of %.10lf".

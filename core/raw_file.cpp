@@ -18,7 +18,7 @@ FileStatus OpenAtEnd(Job& job, RawEnd& end) {
   FileSystem& files = job.host.files();
   const std::string path = RawFilePath(job);
   FileStatus status = files.Open(path, FileAccess::ReadWrite, end.file);
-  if (status.not_found()) status = MakeBeside(files, job.path, path, end.file);
+  if (status.notFound()) status = MakeBeside(files, job.path, path, end.file);
   if (status.ok()) status = end.file->Lock();
   if (status.ok()) status = end.file->Size(end.size);
   return status;
@@ -89,7 +89,7 @@ RawFileResult ResumeRawFile(Job& job) {
 std::string RawOpeningRecords(Job& job) {
   std::string bytes;
   const FileStatus read = ReadWholeFile(job.host.files(), RawFilePath(job), kLargestScan, bytes);
-  if (read.not_found() || (read.ok() && bytes.empty())) return {};
+  if (read.notFound() || (read.ok() && bytes.empty())) return {};
   std::string stamp = TimeStampRecord(job.host.clock().Now());
   if (!HasLineBeginning(bytes, "--" + job.collector)) stamp.insert(0, CommentRecord(job.collector));
   return stamp;

@@ -17,12 +17,12 @@ RawMode TakeMode(std::string_view record) {
     return field ? ParseNumber(*field) : std::nullopt;
   };
   const auto direction = number("AD");
-  if (direction == 0.0 || direction == 1.0) mode.azimuths_from_south = *direction == 1.0;
+  if (direction == 0.0 || direction == 1.0) mode.azimuthsFromSouth = *direction == 1.0;
   const auto unit = number("UN");
   if (unit == 0.0 || unit == 1.0 || unit == 2.0) {
     mode.unit = static_cast<DistanceUnit>(2 - static_cast<int>(*unit));
   }
-  mode.scale_factor = number("SF");
+  mode.scaleFactor = number("SF");
   return mode;
 }
 

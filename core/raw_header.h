@@ -11,9 +11,9 @@ namespace tarvex {
 
 /// The mode record, MO; a value that makes no sense is not there.
 struct RawMode {
-  std::optional<bool> azimuths_from_south;
+  std::optional<bool> azimuthsFromSouth;
   std::optional<DistanceUnit> unit;
-  std::optional<double> scale_factor;
+  std::optional<double> scaleFactor;
 };
 
 /// The mode record among these lines; nothing when there is none.

@@ -10,10 +10,10 @@ constexpr int kPackedDecimals = 4;
 constexpr int kPositionDecimals = 12;
 
 RecordText& Coordinates(RecordText& record, const GridPoint& at, int decimals,
-                        int elevation_decimals) {
+                        int elevationDecimals) {
   return record.Number("N ", at.northing, decimals)
       .Number("E ", at.easting, decimals)
-      .Number("EL", at.elevation, elevation_decimals);
+      .Number("EL", at.elevation, elevationDecimals);
 }
 
 }  // namespace
@@ -27,10 +27,10 @@ std::string RawHeader(const Job& job, const LocalTime& now) {
                          .str()
                          .substr(1);
   text += RecordText("MO")
-              .Number("AD", job.azimuths_from_south ? 1 : 0, 0)
+              .Number("AD", job.azimuthsFromSouth ? 1 : 0, 0)
               .Number("UN", 2 - static_cast<int>(job.unit), 0)
-              .Number("SF", job.scale_factor, 8)
-              .Number("EC", job.curvature_correction ? 1 : 0, 0)
+              .Number("SF", job.scaleFactor, 8)
+              .Number("EC", job.curvatureCorrection ? 1 : 0, 0)
               .Text("EO", "0.0")
               .Text("AU", "0")
               .str();
@@ -58,20 +58,20 @@ std::string OccupyRecord(const Point& occupied) {
   return Coordinates(record, occupied.at, 5, 3).Description(occupied.description.view()).str();
 }
 
-std::string HeightsRecord(double instrument_height, double rod_height) {
-  return RecordText("LS").Number("HI", instrument_height, 4).Number("HR", rod_height, 4).str();
+std::string HeightsRecord(double instrumentHeight, double rodHeight) {
+  return RecordText("LS").Number("HI", instrumentHeight, 4).Number("HR", rodHeight, 4).str();
 }
 
-std::string RodHeightRecord(double rod_height) {
-  return RecordText("LS").Number("HR", rod_height, 4).str();
+std::string RodHeightRecord(double rodHeight) {
+  return RecordText("LS").Number("HR", rodHeight, 4).str();
 }
 
 std::string BacksightRecord(const Job& job, const Backsight& backsight) {
   return RecordText("BK")
-      .Text("OP", backsight.occupied_id)
-      .Text("BP", backsight.backsight_id)
-      .Angle("BS", RecordedAzimuth(job, backsight.azimuth_degrees), kPackedDecimals)
-      .Angle("BC", backsight.circle_degrees, kPackedDecimals)
+      .Text("OP", backsight.occupiedId)
+      .Text("BP", backsight.backsightId)
+      .Angle("BS", RecordedAzimuth(job, backsight.azimuthDegrees), kPackedDecimals)
+      .Angle("BC", backsight.circleDegrees, kPackedDecimals)
       .str();
 }
 
@@ -93,9 +93,9 @@ std::string DeletedPointRecord(const Point& point) {
 
 std::string GnssRecord(const GnssRecordFields& fields) {
   return RecordText("GPS")
-      .Text("PN", fields.point_id)
-      .Angle("LA", fields.latitude_degrees, kPositionDecimals)
-      .Angle("LN", fields.longitude_degrees, kPositionDecimals)
+      .Text("PN", fields.pointId)
+      .Angle("LA", fields.latitudeDegrees, kPositionDecimals)
+      .Angle("LN", fields.longitudeDegrees, kPositionDecimals)
       .Number("EL", fields.height, 6)
       .Description(fields.description)
       .str();
@@ -107,17 +107,17 @@ std::string GnssGridRecord(const Point& point, std::string_view description) {
   return Coordinates(record, point.at, 4, 4).Description(description).str();
 }
 
-std::string GnssBaseRecord(double latitude_degrees, double longitude_degrees, double height) {
+std::string GnssBaseRecord(double latitudeDegrees, double longitudeDegrees, double height) {
   return RecordText("BP")
       .Text("PN", "")
-      .Angle("LA", latitude_degrees, kPositionDecimals)
-      .Angle("LN", longitude_degrees, kPositionDecimals)
+      .Angle("LA", latitudeDegrees, kPositionDecimals)
+      .Angle("LN", longitudeDegrees, kPositionDecimals)
       .Number("EL", height, 4)
       .str();
 }
 
-std::string AntennaRecord(std::string_view antenna_type, HeightKind kind) {
-  return CommentRecord("Antenna Type: " + OneLine(antenna_type) + ", " +
+std::string AntennaRecord(std::string_view antennaType, HeightKind kind) {
+  return CommentRecord("Antenna Type: " + OneLine(antennaType) + ", " +
                        (kind == HeightKind::Slant ? "Slant" : "Vertical"));
 }
 
@@ -125,8 +125,8 @@ std::string EdmModeRecord(std::string_view mode) {
   return CommentRecord("EDM Mode: " + OneLine(mode));
 }
 
-std::string ElevationModeRecord(bool three_dimensional) {
-  return CommentRecord(three_dimensional ? "Elevation: 3D" : "Elevation: 2D");
+std::string ElevationModeRecord(bool threeDimensional) {
+  return CommentRecord(threeDimensional ? "Elevation: 3D" : "Elevation: 2D");
 }
 
 std::string Wgs84ShiftRecord(bool shifted) {
@@ -143,9 +143,9 @@ std::string ShiftParametersRecord(const ShiftParameters& shift) {
   add("dX: ", shift.dx, 8);
   add(", dY: ", shift.dy, 8);
   add(", dZ: ", shift.dz, 8);
-  add(", rotX: ", shift.rotation_x, 10);
-  add(", rotY: ", shift.rotation_y, 10);
-  add(", rotZ: ", shift.rotation_z, 10);
+  add(", rotX: ", shift.rotationX, 10);
+  add(", rotY: ", shift.rotationY, 10);
+  add(", rotZ: ", shift.rotationZ, 10);
   add(", scale: ", shift.scale, 10);
   return text;
 }

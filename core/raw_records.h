@@ -26,14 +26,14 @@ std::string CommentRecord(std::string_view text);
 std::string TimeStampRecord(const LocalTime& now);
 
 std::string OccupyRecord(const Point& occupied);
-std::string HeightsRecord(double instrument_height, double rod_height);
-std::string RodHeightRecord(double rod_height);
+std::string HeightsRecord(double instrumentHeight, double rodHeight);
+std::string RodHeightRecord(double rodHeight);
 
 struct Backsight {
-  std::string occupied_id;
-  std::string backsight_id;  ///< empty for an entered azimuth
-  double azimuth_degrees = 0.0;
-  double circle_degrees = 0.0;
+  std::string occupiedId;
+  std::string backsightId;  ///< empty for an entered azimuth
+  double azimuthDegrees = 0.0;
+  double circleDegrees = 0.0;
 };
 std::string BacksightRecord(const Job& job, const Backsight& backsight);
 
@@ -45,26 +45,26 @@ std::string ReplacedPointRecord(const Point& point);
 std::string DeletedPointRecord(const Point& point);
 
 struct GnssRecordFields {
-  std::string point_id;
-  double latitude_degrees = 0.0;
-  double longitude_degrees = 0.0;
+  std::string pointId;
+  double latitudeDegrees = 0.0;
+  double longitudeDegrees = 0.0;
   double height = 0.0;  ///< as received
   std::string description;
 };
 std::string GnssRecord(const GnssRecordFields& fields);
 /// The "--GS" comment: the grid coordinates computed from a GPS record.
 std::string GnssGridRecord(const Point& point, std::string_view description);
-std::string GnssBaseRecord(double latitude_degrees, double longitude_degrees, double height);
+std::string GnssBaseRecord(double latitudeDegrees, double longitudeDegrees, double height);
 
 enum class HeightKind { Slant, Vertical };
-std::string AntennaRecord(std::string_view antenna_type, HeightKind kind);
+std::string AntennaRecord(std::string_view antennaType, HeightKind kind);
 std::string EdmModeRecord(std::string_view mode);
-std::string ElevationModeRecord(bool three_dimensional);
+std::string ElevationModeRecord(bool threeDimensional);
 std::string Wgs84ShiftRecord(bool shifted);
 
 struct ShiftParameters {
   double dx = 0.0, dy = 0.0, dz = 0.0;
-  double rotation_x = 0.0, rotation_y = 0.0, rotation_z = 0.0;
+  double rotationX = 0.0, rotationY = 0.0, rotationZ = 0.0;
   double scale = 0.0;
 };
 std::string ShiftParametersRecord(const ShiftParameters& shift);

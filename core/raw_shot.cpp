@@ -19,7 +19,7 @@ void AddBearing(RecordText& record, std::string_view from, double bearing, std::
 }
 
 void AddHorizontal(RecordText& record, const Job& job, const Shot& shot) {
-  switch (shot.horizontal_mode) {
+  switch (shot.horizontalMode) {
     case HorizontalMode::AngleRight:
       record.Angle("AR", shot.horizontal, kPackedDecimals);
       return;
@@ -41,7 +41,7 @@ void AddHorizontal(RecordText& record, const Job& job, const Shot& shot) {
 }
 
 void AddVerticalAndDistance(RecordText& record, const Shot& shot) {
-  switch (shot.vertical_mode) {
+  switch (shot.verticalMode) {
     case VerticalMode::None:
       record.Angle("ZE", kHorizontalLine, kPackedDecimals);
       break;
@@ -61,7 +61,7 @@ void AddVerticalAndDistance(RecordText& record, const Shot& shot) {
 
 std::string ShotRecord(std::string_view code, const Job& job, const Shot& shot) {
   RecordText record(code);
-  record.Text("OP", shot.occupied_id).Text("FP", shot.foresight_id);
+  record.Text("OP", shot.occupiedId).Text("FP", shot.foresightId);
   AddHorizontal(record, job, shot);
   AddVerticalAndDistance(record, shot);
   return record.Description(shot.description).str();
@@ -81,10 +81,10 @@ std::string_view SetReadingCode(SetReading kind) {
   return "FR";
 }
 
-RecordText& AddReading(RecordText& record, const Reading& reading, int distance_decimals) {
-  return record.Angle("AR", reading.angle_right_degrees, kPackedDecimals)
-      .Angle("ZE", reading.zenith_degrees, kPackedDecimals)
-      .Number("SD", reading.slope_distance, distance_decimals);
+RecordText& AddReading(RecordText& record, const Reading& reading, int distanceDecimals) {
+  return record.Angle("AR", reading.angleRightDegrees, kPackedDecimals)
+      .Angle("ZE", reading.zenithDegrees, kPackedDecimals)
+      .Number("SD", reading.slopeDistance, distanceDecimals);
 }
 
 }  // namespace
@@ -97,26 +97,26 @@ std::string TraverseRecord(const Job& job, const Shot& shot) {
   return ShotRecord("TR", job, shot);
 }
 
-std::string SetReadingRecord(SetReading kind, std::string_view occupied_id,
-                             std::string_view foresight_id, const Reading& reading,
+std::string SetReadingRecord(SetReading kind, std::string_view occupiedId,
+                             std::string_view foresightId, const Reading& reading,
                              std::string_view description) {
   RecordText record(SetReadingCode(kind));
-  record.Text("OP", occupied_id).Text("FP", foresight_id);
+  record.Text("OP", occupiedId).Text("FP", foresightId);
   return AddReading(record, reading, kFloatDecimals).Description(description).str();
 }
 
 // The first field follows a colon instead of a comma, and the description is not the last one.
-std::string SetReadingComment(int number, bool direct, std::string_view foresight_id,
+std::string SetReadingComment(int number, bool direct, std::string_view foresightId,
                               const Reading& reading, std::string_view description,
-                              double rod_height) {
+                              double rodHeight) {
   RecordText fields("");
-  fields.Text("FP", foresight_id);
+  fields.Text("FP", foresightId);
   std::string text = "\n--Reading ";
   AppendInteger(text, number);
   text += direct ? "(D):" : "(R):";
   text += AddReading(fields, reading, kPackedDecimals).str().substr(2);
   text += "--" + OneLine(description) + ",HR";
-  AppendFixed(text, rod_height, 3);
+  AppendFixed(text, rodHeight, 3);
   return text;
 }
 
@@ -125,12 +125,12 @@ std::string OffsetRecord(const Reading& reading) {
   return AddReading(record, reading, kFloatDecimals).str();
 }
 
-std::string LaserOffsetRecord(double azimuth_degrees, double change_in_elevation,
-                              double horizontal_distance) {
+std::string LaserOffsetRecord(double azimuthDegrees, double changeInElevation,
+                              double horizontalDistance) {
   return RecordText("OF")
-      .Angle("AZ", azimuth_degrees, 3)
-      .Number("CE", change_in_elevation, 4)
-      .Number("HD", horizontal_distance, 4)
+      .Angle("AZ", azimuthDegrees, 3)
+      .Number("CE", changeInElevation, 4)
+      .Number("HD", horizontalDistance, 4)
       .str();
 }
 

@@ -19,11 +19,11 @@ enum class HorizontalMode {
 enum class VerticalMode { None, Zenith, VerticalAngle, ChangeInElevation };
 
 struct Shot {
-  std::string occupied_id;
-  std::string foresight_id;
-  HorizontalMode horizontal_mode = HorizontalMode::AngleRight;
+  std::string occupiedId;
+  std::string foresightId;
+  HorizontalMode horizontalMode = HorizontalMode::AngleRight;
   double horizontal = 0.0;  ///< decimal degrees; a bearing is the value as entered
-  VerticalMode vertical_mode = VerticalMode::Zenith;
+  VerticalMode verticalMode = VerticalMode::Zenith;
   double vertical = 0.0;  ///< decimal degrees, or the change in elevation
   double distance = 0.0;  ///< slope distance, horizontal with a change in elevation
   std::string description;
@@ -36,22 +36,22 @@ std::string TraverseRecord(const Job& job, const Shot& shot);
 enum class SetReading { BacksightDirect, BacksightReverse, ForesightDirect, ForesightReverse };
 
 struct Reading {
-  double angle_right_degrees = 0.0;
-  double zenith_degrees = 0.0;
-  double slope_distance = 0.0;
+  double angleRightDegrees = 0.0;
+  double zenithDegrees = 0.0;
+  double slopeDistance = 0.0;
 };
 
 /// BD, BR, FD and FR.
-std::string SetReadingRecord(SetReading kind, std::string_view occupied_id,
-                             std::string_view foresight_id, const Reading& reading,
+std::string SetReadingRecord(SetReading kind, std::string_view occupiedId,
+                             std::string_view foresightId, const Reading& reading,
                              std::string_view description);
 /// "--Reading %d(D)" or "(R)": one reading of a set, with the rod height.
-std::string SetReadingComment(int number, bool direct, std::string_view foresight_id,
+std::string SetReadingComment(int number, bool direct, std::string_view foresightId,
                               const Reading& reading, std::string_view description,
-                              double rod_height);
+                              double rodHeight);
 /// OF of an offset taken with the instrument, and with a laser range finder.
 std::string OffsetRecord(const Reading& reading);
-std::string LaserOffsetRecord(double azimuth_degrees, double change_in_elevation,
-                              double horizontal_distance);
+std::string LaserOffsetRecord(double azimuthDegrees, double changeInElevation,
+                              double horizontalDistance);
 
 }  // namespace tarvex

@@ -29,8 +29,8 @@ std::string PlusText(double magnitude, double interval, std::size_t digits, int 
     number += 1.0;
     rest = FixedNumber(0.0, decimals);
   }
-  const std::size_t before_point = std::min(rest.find('.'), rest.size());
-  return FixedNumber(number, 0) + "+" + std::string(digits - std::min(digits, before_point), '0') +
+  const std::size_t beforePoint = std::min(rest.find('.'), rest.size());
+  return FixedNumber(number, 0) + "+" + std::string(digits - std::min(digits, beforePoint), '0') +
          rest;
 }
 

@@ -396,8 +396,8 @@ std::string StringTable::Text(int number, std::initializer_list<std::string_view
   return text;
 }
 
-void StringTable::Override(std::string_view language_file) {
-  while (const auto line = TakeLine(language_file)) {
+void StringTable::Override(std::string_view languageFile) {
+  while (const auto line = TakeLine(languageFile)) {
     const std::size_t equals = line->find('=');
     if (!line->starts_with(kKeyPrefix) || equals == std::string_view::npos) continue;
     const auto number = ParseInteger(line->substr(kKeyPrefix.size(), equals - kKeyPrefix.size()));

@@ -16,7 +16,7 @@ class StringTable {
   /// The text with each %s replaced by the next argument.
   std::string Text(int number, std::initializer_list<std::string_view> arguments) const;
   /// Takes the lines of a language file; lines of any other form are skipped.
-  void Override(std::string_view language_file);
+  void Override(std::string_view languageFile);
 
  private:
   std::map<int, std::string> overridden_;

@@ -14,12 +14,12 @@ namespace tarvex {
 
 /// The instrument over a point, sighted to its backsight.
 struct SetupEntry {
-  std::string occupied_id;
-  std::string backsight_id = {};  ///< empty for an entered azimuth
-  double azimuth_degrees = 0.0;   ///< to the backsight, from north
-  double circle_degrees = 0.0;    ///< circle reading on the backsight
-  double instrument_height = 0.0;
-  double rod_height = 0.0;
+  std::string occupiedId;
+  std::string backsightId = {};  ///< empty for an entered azimuth
+  double azimuthDegrees = 0.0;   ///< to the backsight, from north
+  double circleDegrees = 0.0;    ///< circle reading on the backsight
+  double instrumentHeight = 0.0;
+  double rodHeight = 0.0;
 };
 
 /// Journals the setup (OC with the coordinates of the occupied point when the file holds it, LS,
@@ -37,6 +37,6 @@ struct ShotResult {
 
 /// Stores the foresight point under the shot's id together with its SS or TR record.
 ShotResult StoreShot(Job& job, ShotKind kind, const Shot& shot, const GridPoint& at,
-                     bool check_existing);
+                     bool checkExisting);
 
 }  // namespace tarvex

@@ -29,28 +29,28 @@ constexpr double ToMetres(double value, DistanceUnit unit) {
   return value;
 }
 
-constexpr double FromMetres(double value_m, DistanceUnit unit) {
+constexpr double FromMetres(double valueM, DistanceUnit unit) {
   switch (unit) {
     case DistanceUnit::UsSurveyFeet:
-      return value_m * kMetresToUsFeet;
+      return valueM * kMetresToUsFeet;
     case DistanceUnit::InternationalFeet:
-      return value_m * kMetresToInternationalFeet;
+      return valueM * kMetresToInternationalFeet;
     case DistanceUnit::Metres:
       break;
   }
-  return value_m;
+  return valueM;
 }
 
-constexpr double FromUsFeet(double value_us_feet, DistanceUnit unit) {
+constexpr double FromUsFeet(double valueUsFeet, DistanceUnit unit) {
   switch (unit) {
     case DistanceUnit::Metres:
-      return value_us_feet * kUsFeetToMetres;
+      return valueUsFeet * kUsFeetToMetres;
     case DistanceUnit::InternationalFeet:
-      return value_us_feet * kUsFeetToMetres * kMetresToInternationalFeet;
+      return valueUsFeet * kUsFeetToMetres * kMetresToInternationalFeet;
     case DistanceUnit::UsSurveyFeet:
       break;
   }
-  return value_us_feet;
+  return valueUsFeet;
 }
 
 /// "Feet", "Meters" or "Intl Feet".

@@ -84,12 +84,12 @@ class AlignmentPainter {
   std::vector<DrawingPoint> Trace(std::size_t index) const {
     const AlignmentElement& e = alignment_.elements()[index];
     const double turning =
-        std::max(std::fabs(e.curvature_start), std::fabs(e.curvature_end)) * e.length;
+        std::max(std::fabs(e.curvatureStart), std::fabs(e.curvatureEnd)) * e.length;
     const auto most = static_cast<int>(kMostPoints / alignment_.elements().size()) + 1;
     const int wanted = static_cast<int>(std::min(turning / kTurnPerPoint, 1e6)) + 1;
     const int parts = std::min({wanted, most, kMostPointsAnElement});
-    const PlanPoint from = NodeAt(e.from_node);
-    const PlanPoint to = NodeAt(e.to_node);
+    const PlanPoint from = NodeAt(e.fromNode);
+    const PlanPoint to = NodeAt(e.toNode);
     std::vector<DrawingPoint> line{OnDrawing(from)};
     for (int i = 1; i < parts; ++i) {
       const auto at = alignment_.PointOnElement(index, e.length * i / parts);
@@ -116,7 +116,7 @@ class AlignmentPainter {
   struct TickStyle {
     double pixels = 0.0;  ///< half its length
     std::string_view color;
-    double text_size = 0.0;
+    double textSize = 0.0;
     bool right = true;  ///< the side of the road that its text is tried on first
     int asides = 0;     ///< how far along the road the text may be put
   };
@@ -137,7 +137,7 @@ class AlignmentPainter {
         for (const double sign : {1.0, -1.0}) {
           if (step == 0 && sign < 0.0) continue;
           places.push_back(BesideTick(at, across, azimuth, right, style));
-          places.back().aside = sign * step * 1.15 * style.text_size;
+          places.back().aside = sign * step * 1.15 * style.textSize;
         }
       }
     }
@@ -155,11 +155,11 @@ class AlignmentPainter {
     const double side = (right ? 1.0 : -1.0) * 1.6;
     SvgPicture::Place place;
     place.at = {at.easting + across.x * side, at.northing + across.y * side};
-    place.style = {.size = style.text_size,
+    place.style = {.size = style.textSize,
                    .color = style.color,
                    .anchor = away ? TextStyle::Anchor::Start : TextStyle::Anchor::End,
                    .rotation = rotation};
-    place.dy = style.text_size * 0.35;
+    place.dy = style.textSize * 0.35;
     return place;
   }
 
@@ -198,11 +198,11 @@ class AlignmentPainter {
   }
 
   void RoundStations(SvgPicture& picture) const {
-    const double length = alignment_.end_station() - alignment_.start_station();
+    const double length = alignment_.endStation() - alignment_.startStation();
     if (!(length > 0.0)) return;
     const double interval = RoundStep(std::max(length / 25.0, 35.0 / picture.PixelsPerUnit()));
-    const auto stations = StakeStations(road_, nullptr, interval, alignment_.start_station(),
-                                        alignment_.end_station());
+    const auto stations =
+        StakeStations(road_, nullptr, interval, alignment_.startStation(), alignment_.endStation());
     for (const double station : stations) {
       const double shown = road_.equations.Displayed(station).station;
       if (std::fabs(std::remainder(shown, interval)) > 1e-3) continue;
@@ -217,11 +217,11 @@ class AlignmentPainter {
     for (std::size_t i = 0; i <= elements.size(); ++i) {
       const bool last = i == elements.size();
       const AlignmentElement& e = elements[last ? i - 1 : i];
-      const std::size_t node = last ? e.to_node : e.from_node;
+      const std::size_t node = last ? e.toNode : e.fromNode;
       const std::string text =
           std::string(RecordName(road_.chain[node])) + " " +
           road_.equations.Text(road_.chain[node].station, style_.mode, style_.decimals);
-      Tick(picture, NodeAt(node), last ? e.azimuth_end : e.azimuth_start,
+      Tick(picture, NodeAt(node), last ? e.azimuthEnd : e.azimuthStart,
            elements.size() <= kMostNamedElements ? text : std::string(),
            {kTickPixels * 1.8, kTangentColor, 11.0, false, 6});
       picture.Dot(OnDrawing(NodeAt(node)), 2.5, kTangentColor);

@@ -28,7 +28,7 @@ struct LandXmlAlignment {
   Centerline centerline;
   std::vector<StationEquation> equations;
   std::optional<Profile> profile;
-  std::string profile_name;
+  std::string profileName;
 };
 
 enum class [[nodiscard]] LandXmlResult : int{
@@ -63,7 +63,7 @@ struct LandXmlProfileReading {
   DistanceUnit unit = DistanceUnit::Metres;
   std::string alignment;
   std::optional<Profile> profile;
-  std::string profile_name;
+  std::string profileName;
   std::vector<std::string> warnings;
 };
 

@@ -82,25 +82,25 @@ class GeometryReader {
     } else {
       arc.center = CenterOfArc(arc, source_.NeedNumber(node, "radius"), length);
     }
-    arc.radius_start = arc.radius_end = DistanceBetween(arc.start, arc.center);
-    arc.length = length.value_or(arc.radius_start * SweepOf(arc));
-    if (radius) Compare(node, "radius", *radius, arc.radius_start);
-    if (length) Compare(node, "length", *length, arc.radius_start * SweepOf(arc));
+    arc.radiusStart = arc.radiusEnd = DistanceBetween(arc.start, arc.center);
+    arc.length = length.value_or(arc.radiusStart * SweepOf(arc));
+    if (radius) Compare(node, "radius", *radius, arc.radiusStart);
+    if (length) Compare(node, "length", *length, arc.radiusStart * SweepOf(arc));
     return arc;
   }
 
   // Of the two arcs of a radius the one whose length is the stated one; without it the short one.
   static PlanPoint CenterOfArc(const PlanElement& arc, double radius,
                                const std::optional<double>& length) {
-    const PlanPoint on_turn = CenterOfShortArc(arc.start, arc.end, radius, arc.turn);
-    const bool long_way = length && *length > std::numbers::pi * std::fabs(radius);
-    return long_way ? CenterOfShortArc(arc.start, arc.end, radius, -arc.turn) : on_turn;
+    const PlanPoint onTurn = CenterOfShortArc(arc.start, arc.end, radius, arc.turn);
+    const bool longWay = length && *length > std::numbers::pi * std::fabs(radius);
+    return longWay ? CenterOfShortArc(arc.start, arc.end, radius, -arc.turn) : onTurn;
   }
 
-  void Compare(const pugi::xml_node& node, const char* what, double stated, double by_points) {
-    if (std::fabs(std::fabs(stated) - by_points) <= kLargestGap) return;
+  void Compare(const pugi::xml_node& node, const char* what, double stated, double byPoints) {
+    if (std::fabs(std::fabs(stated) - byPoints) <= kLargestGap) return;
     source_.Warn("Line " + std::to_string(source_.LineOf(node)) + ": the " + what +
-                 " of the curve is " + FixedNumber(by_points, 3) + " by its points, but says " +
+                 " of the curve is " + FixedNumber(byPoints, 3) + " by its points, but says " +
                  FixedNumber(stated, 3) + ".");
   }
 
@@ -116,13 +116,13 @@ class GeometryReader {
     spiral.start = source_.NeedPoint(node, "Start");
     spiral.end = source_.NeedPoint(node, "End");
     spiral.turn = Turn(node);
-    spiral.radius_start = Radius(node, "radiusStart");
-    spiral.radius_end = Radius(node, "radiusEnd");
+    spiral.radiusStart = Radius(node, "radiusStart");
+    spiral.radiusEnd = Radius(node, "radiusEnd");
     spiral.length = source_.NeedNumber(node, "length");
-    const double difference = std::fabs(spiral.radius_start - spiral.radius_end);
-    if (spiral.radius_start > 0.0 && difference <= kSameRadius * spiral.radius_start) {
+    const double difference = std::fabs(spiral.radiusStart - spiral.radiusEnd);
+    if (spiral.radiusStart > 0.0 && difference <= kSameRadius * spiral.radiusStart) {
       spiral.shape = PlanShape::Curve;  // an arc that is called a spiral
-      spiral.center = CenterOfShortArc(spiral.start, spiral.end, spiral.radius_start, spiral.turn);
+      spiral.center = CenterOfShortArc(spiral.start, spiral.end, spiral.radiusStart, spiral.turn);
     } else if (difference == 0.0) {
       spiral.shape = PlanShape::Line;
     }

@@ -33,7 +33,7 @@ class ProfileReader {
       if (alignment.profile) {
         source_.Warn("The further profile \"" + std::string(line.attribute("name").value()) +
                      "\" of alignment \"" + alignment.name + "\" was left out; \"" +
-                     alignment.profile_name + "\" was taken.");
+                     alignment.profileName + "\" was taken.");
         continue;
       }
       TakeVerticalPoints(line, alignment);
@@ -46,11 +46,11 @@ class ProfileReader {
     VerticalPoint point;
     if (name == "ParaCurve") {
       point.curve = VerticalCurveKind::Parabola;
-      point.length_in = point.length_out = 0.5 * source_.NeedNumber(node, "length");
+      point.lengthIn = point.lengthOut = 0.5 * source_.NeedNumber(node, "length");
     } else if (name == "UnsymParaCurve") {
       point.curve = VerticalCurveKind::Parabola;
-      point.length_in = source_.NeedNumber(node, "lengthIn");
-      point.length_out = source_.NeedNumber(node, "lengthOut");
+      point.lengthIn = source_.NeedNumber(node, "lengthIn");
+      point.lengthOut = source_.NeedNumber(node, "lengthOut");
     } else if (name == "CircCurve") {
       // Its length is along the arc and its sign has no fixed meaning: the grades tell the sense.
       point.curve = VerticalCurveKind::Circle;
@@ -89,7 +89,7 @@ class ProfileReader {
                             ProfileProblem(making.result));
     }
     alignment.profile = std::move(making.profile);
-    alignment.profile_name = line.attribute("name").value();
+    alignment.profileName = line.attribute("name").value();
   }
 
   LandXmlSource& source_;

@@ -17,7 +17,7 @@ Centerline MakeCenterline(const std::vector<PlanElement>& elements) {
   Centerline centerline;
   centerline.elements = KeyPointsOf(elements);
   centerline.elements = ReadChain(CenterlineText(centerline, {}), false).elements;
-  if (!centerline.elements.empty()) centerline.start_station = centerline.elements.front().station;
+  if (!centerline.elements.empty()) centerline.startStation = centerline.elements.front().station;
   return centerline;
 }
 
@@ -58,7 +58,7 @@ class LandXmlReader {
       }
       found.alignment = std::move(alignment.name);
       found.profile = std::move(alignment.profile);
-      found.profile_name = std::move(alignment.profile_name);
+      found.profileName = std::move(alignment.profileName);
     }
     found.result = source_.result();
     found.problem = source_.problem();

@@ -109,23 +109,23 @@ class LandXmlWriter {
   }
 
   static void SetDirections(pugi::xml_node node, const AlignmentElement& element) {
-    SetAngle(node, "dirStart", element.azimuth_start);
-    SetAngle(node, "dirEnd", element.azimuth_end);
+    SetAngle(node, "dirStart", element.azimuthStart);
+    SetAngle(node, "dirEnd", element.azimuthEnd);
   }
 
   void AppendElement(pugi::xml_node geometry, const AlignmentElement& element) {
-    const PlanPoint start = NodeAt(element.from_node);
-    const PlanPoint end = NodeAt(element.to_node);
+    const PlanPoint start = NodeAt(element.fromNode);
+    const PlanPoint end = NodeAt(element.toNode);
     if (element.shape == ElementShape::Tangent) {
       pugi::xml_node line = Begin(geometry, "Line", element);
-      SetAngle(line, "dir", element.azimuth_start);
+      SetAngle(line, "dir", element.azimuthStart);
       AppendPoint(line, "Start", start);
       AppendPoint(line, "End", end);
       return;
     }
     const bool arc = element.shape == ElementShape::Arc;
     pugi::xml_node node = Begin(geometry, arc ? "Curve" : "Spiral", element);
-    const double turning = element.curvature_start + element.curvature_end;
+    const double turning = element.curvatureStart + element.curvatureEnd;
     node.append_attribute("rot") = turning > 0.0 ? "cw" : "ccw";
     if (arc) {
       AppendArc(node, element, start, end);
@@ -137,9 +137,9 @@ class LandXmlWriter {
   static void AppendArc(pugi::xml_node node, const AlignmentElement& element,
                         const PlanPoint& start, const PlanPoint& end) {
     node.append_attribute("crvType") = "arc";
-    const double radius = 1.0 / std::fabs(element.curvature_start);
+    const double radius = 1.0 / std::fabs(element.curvatureStart);
     const double across =
-        element.azimuth_start + std::copysign(0.5 * std::numbers::pi, element.curvature_start);
+        element.azimuthStart + std::copysign(0.5 * std::numbers::pi, element.curvatureStart);
     SetLength(node, "radius", radius);
     SetAngle(node, "delta", element.length / radius);
     SetDirections(node, element);
@@ -160,25 +160,25 @@ class LandXmlWriter {
 
   void AppendSpiral(pugi::xml_node node, const AlignmentElement& element, const PlanPoint& start,
                     const PlanPoint& end) {
-    SetRadius(node, "radiusStart", element.curvature_start);
-    SetRadius(node, "radiusEnd", element.curvature_end);
+    SetRadius(node, "radiusStart", element.curvatureStart);
+    SetRadius(node, "radiusEnd", element.curvatureEnd);
     node.append_attribute("spiType") = "clothoid";
     SetLength(node, "constant", element.SpiralParameter());
     const double theta =
-        0.5 * std::fabs(element.curvature_start + element.curvature_end) * element.length;
+        0.5 * std::fabs(element.curvatureStart + element.curvatureEnd) * element.length;
     SetAngle(node, "theta", theta);
     SetDirections(node, element);
     AppendPoint(node, "Start", start);
     // Where the tangents at both ends meet.
     const double dn = end.northing - start.northing;
     const double de = end.easting - start.easting;
-    const double x = dn * std::cos(element.azimuth_start) + de * std::sin(element.azimuth_start);
+    const double x = dn * std::cos(element.azimuthStart) + de * std::sin(element.azimuthStart);
     const double y =
-        std::fabs(de * std::cos(element.azimuth_start) - dn * std::sin(element.azimuth_start));
+        std::fabs(de * std::cos(element.azimuthStart) - dn * std::sin(element.azimuthStart));
     const double along = theta > 0.0 ? x - y / std::tan(theta) : 0.5 * x;
     AppendPoint(node, "PI",
-                {start.northing + along * std::cos(element.azimuth_start),
-                 start.easting + along * std::sin(element.azimuth_start)});
+                {start.northing + along * std::cos(element.azimuthStart),
+                 start.easting + along * std::sin(element.azimuthStart)});
     AppendPoint(node, "End", end);
   }
 
@@ -186,8 +186,8 @@ class LandXmlWriter {
     pugi::xml_node node = alignments.append_child("Alignment");
     node.append_attribute("name") = what_.name.c_str();
     SetLength(node, "length", alignment_.length());
-    SetLength(node, "staStart", alignment_.start_station());
-    station_ = alignment_.start_station();
+    SetLength(node, "staStart", alignment_.startStation());
+    station_ = alignment_.startStation();
     pugi::xml_node geometry = node.append_child("CoordGeom");
     for (const AlignmentElement& element : alignment_.elements()) {
       if (element.length >= kLeastLength) AppendElement(geometry, element);
@@ -219,7 +219,7 @@ class LandXmlWriter {
     const VerticalPoint& point = what_.profile->points()[index];
     const bool circle = point.curve == VerticalCurveKind::Circle;
     const bool parabola = point.curve == VerticalCurveKind::Parabola;
-    const bool symmetric = point.length_in == point.length_out;
+    const bool symmetric = point.lengthIn == point.lengthOut;
     AppendPair(line,
                circle                   ? "CircCurve"
                : parabola && !symmetric ? "UnsymParaCurve"
@@ -235,10 +235,10 @@ class LandXmlWriter {
       SetLength(node, "length", point.radius * turn);
       SetLength(node, "radius", point.radius);
     } else if (parabola && symmetric) {
-      SetLength(node, "length", point.length_in + point.length_out);
+      SetLength(node, "length", point.lengthIn + point.lengthOut);
     } else if (parabola) {
-      SetLength(node, "lengthIn", point.length_in);
-      SetLength(node, "lengthOut", point.length_out);
+      SetLength(node, "lengthIn", point.lengthIn);
+      SetLength(node, "lengthOut", point.lengthOut);
     }
   }
 
@@ -254,8 +254,8 @@ std::optional<std::string> WriteLandXml(const LandXmlExport& what, std::size_t* 
   const auto& elements = what.road->alignment.elements();
   for (std::size_t i = 0; i < elements.size(); ++i) {
     // One rot for a spiral: it cannot turn to both sides.
-    const bool both_sides = elements[i].curvature_start * elements[i].curvature_end < 0.0;
-    if (elements[i].fault == ElementFault::None && !both_sides) continue;
+    const bool bothSides = elements[i].curvatureStart * elements[i].curvatureEnd < 0.0;
+    if (elements[i].fault == ElementFault::None && !bothSides) continue;
     if (refused != nullptr) *refused = i;
     return std::nullopt;
   }

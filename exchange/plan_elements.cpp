@@ -63,8 +63,8 @@ class KeyPointList {
   void AddCurve(KeyPointKind kind, const PlanElement& at, const PlanElement& arc) {
     CenterlineElement& element = Add(kind, at.start, at.station);
     element.angle = arc.turn * SweepOf(arc);
-    element.center_northing = arc.center.northing;
-    element.center_easting = arc.center.easting;
+    element.centerNorthing = arc.center.northing;
+    element.centerEasting = arc.center.easting;
   }
 
   // INF to R, the arc (or none), R to INF, all of one radius and turn.
@@ -72,14 +72,14 @@ class KeyPointList {
     if (exit >= elements_.size()) return false;
     const PlanElement& entry = elements_[i];
     const PlanElement& out = elements_[exit];
-    const double radius = entry.radius_end;
+    const double radius = entry.radiusEnd;
     const auto same = [&](double other) {
       return std::fabs(other - radius) <= std::max(1e-3, kSameRadius * radius);
     };
-    return entry.IsEntry() && out.IsExit() && entry.turn == out.turn && same(out.radius_start) &&
+    return entry.IsEntry() && out.IsExit() && entry.turn == out.turn && same(out.radiusStart) &&
            (exit == i + 1 ||
             (elements_[i + 1].shape == PlanShape::Curve && elements_[i + 1].turn == entry.turn &&
-             same(elements_[i + 1].radius_start)));
+             same(elements_[i + 1].radiusStart)));
   }
 
   std::size_t Take(std::size_t i) {
@@ -108,7 +108,7 @@ class KeyPointList {
 
   std::size_t TakeGroup(std::size_t i, const PlanElement& arc, std::size_t exit) {
     AddCurve(KeyPointKind::TangentSpiral, elements_[i], arc);
-    list_.back().tangent_azimuth.reset();
+    list_.back().tangentAzimuth.reset();
     AddCurve(KeyPointKind::SpiralCurve, arc, arc);
     Add(KeyPointKind::CurveSpiral, elements_[exit].start, elements_[exit].station);
     behind_ = KeyPointKind::SpiralTangent;
@@ -117,21 +117,21 @@ class KeyPointList {
 
   // The centre at the end of an entry spiral, from its own shape between its end points.
   static PlanPoint CenterAtTop(const PlanElement& entry) {
-    const double curvature = entry.turn / entry.radius_end;
+    const double curvature = entry.turn / entry.radiusEnd;
     const LocalFrame end = SpiralEnd(0.0, curvature, entry.length);
     const double azimuth = Azimuth(entry.start, entry.end) - std::atan2(end.y, end.x) +
                            0.5 * curvature * entry.length + entry.turn * 0.5 * kPi;
-    return {entry.end.northing + entry.radius_end * std::cos(azimuth),
-            entry.end.easting + entry.radius_end * std::sin(azimuth)};
+    return {entry.end.northing + entry.radiusEnd * std::cos(azimuth),
+            entry.end.easting + entry.radiusEnd * std::sin(azimuth)};
   }
 
   void AddSpiral(const PlanElement& spiral) {
     const auto curvature = [](double radius) { return radius > 0.0 ? 1.0 / radius : 0.0; };
-    const double k0 = curvature(spiral.radius_start);
-    const double k1 = curvature(spiral.radius_end);
+    const double k0 = curvature(spiral.radiusStart);
+    const double k1 = curvature(spiral.radiusEnd);
     CenterlineElement& element = Add(KeyPointKind::Spiral, spiral.start, spiral.station);
-    element.radius = spiral.radius_start;
-    element.spiral_parameter = std::sqrt(spiral.length / std::fabs(k1 - k0));
+    element.radius = spiral.radiusStart;
+    element.spiralParameter = std::sqrt(spiral.length / std::fabs(k1 - k0));
     element.angle = spiral.turn * (k1 > k0 ? 1.0 : 2.0);
   }
 

@@ -17,17 +17,17 @@ struct PlanElement {
   PlanPoint start;
   PlanPoint end;
   PlanPoint center;
-  double turn = 1.0;          ///< +1 right, clockwise
-  double radius_start = 0.0;  ///< 0 for a straight end
-  double radius_end = 0.0;
+  double turn = 1.0;         ///< +1 right, clockwise
+  double radiusStart = 0.0;  ///< 0 for a straight end
+  double radiusEnd = 0.0;
   double length = 0.0;
   double station = 0.0;
 
   bool IsEntry() const {
-    return shape == PlanShape::Spiral && radius_start == 0.0 && radius_end > 0.0;
+    return shape == PlanShape::Spiral && radiusStart == 0.0 && radiusEnd > 0.0;
   }
   bool IsExit() const {
-    return shape == PlanShape::Spiral && radius_start > 0.0 && radius_end == 0.0;
+    return shape == PlanShape::Spiral && radiusStart > 0.0 && radiusEnd == 0.0;
   }
 };
 

@@ -59,7 +59,7 @@ class SectionPainter {
   static std::vector<DrawingPoint> Slope(const SectionSide& side, double sign) {
     if (!side.caught || side.caught->result != CatchResult::Caught) return {};
     const CatchPoint& caught = *side.caught;
-    std::vector<DrawingPoint> line{{sign * caught.hinge_offset, caught.hinge_elevation}};
+    std::vector<DrawingPoint> line{{sign * caught.hingeOffset, caught.hingeElevation}};
     for (const SectionPoint& p : caught.between) line.push_back({sign * p.offset, p.elevation});
     for (const SectionPoint& p : caught.breaks) line.push_back({sign * p.offset, p.elevation});
     line.push_back({sign * caught.offset, caught.elevation});

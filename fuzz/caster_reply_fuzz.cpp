@@ -28,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tarvex::LastErrorRecord errors;
   tarvex::NoProgress progress;
   tarvex::ScriptedCaster caster(clock);
-  if (data[1] % 2 == 1) caster.at_end = tarvex::PortError::ReadFailed;
+  if (data[1] % 2 == 1) caster.atEnd = tarvex::PortError::ReadFailed;
   tarvex::NtripClient client(&caster, "fuzz", {.clock = clock, .files = files, .errors = errors});
   const std::size_t piece = 1 + data[0];
   Script(caster, bytes, piece);

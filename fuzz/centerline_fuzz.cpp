@@ -18,8 +18,8 @@ void Require(bool holds) {
 }
 
 void AskGeometry(const tarvex::RoadGeometry& road) {
-  const double start = road.alignment.start_station();
-  const double end = road.alignment.end_station();
+  const double start = road.alignment.startStation();
+  const double end = road.alignment.endStation();
   for (const double station : {start, 0.5 * (start + end), end, end + 10.0}) {
     const auto point = road.alignment.PointAt(station, 3.0);
     Require(point && std::isfinite(point->at.northing) && std::isfinite(point->at.easting));
@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (reading.result != tarvex::ReadChainResult::Read) return 0;
   tarvex::Centerline centerline;
   centerline.elements = reading.elements;
-  centerline.start_point = reading.start_point;
+  centerline.startPoint = reading.startPoint;
   if (tarvex::IsWritable(centerline, equations)) {
     const auto again = tarvex::ReadChain(tarvex::CenterlineText(centerline, equations), false);
     Require(again.result == tarvex::ReadChainResult::Read);

@@ -70,7 +70,7 @@ std::string Encoded(const JobChange& change) {
 
 bool HasLargeFile(const JobChange& change) {
   for (const FileChange& one : change) {
-    if (one.old_size > kLargestFile || one.new_size > kLargestFile) return true;
+    if (one.oldSize > kLargestFile || one.newSize > kLargestFile) return true;
   }
   return false;
 }
@@ -84,7 +84,7 @@ void RequireSound(const JobChange& change) {
   Require(Encoded(again->change) == bytes);
   for (const FileChange& one : change) {
     for (const FileWrite& write : one.writes) {
-      const std::uint64_t end = std::max(one.old_size, one.new_size);
+      const std::uint64_t end = std::max(one.oldSize, one.newSize);
       Require(write.offset <= end);
       Require(write.bytes.empty() || write.repeat <= (end - write.offset) / write.bytes.size());
     }

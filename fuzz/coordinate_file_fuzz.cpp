@@ -69,16 +69,16 @@ class Session {
   }
 
   void Store(const Operation& operation, std::unique_ptr<CoordinateFile> stream) {
-    job_.current_point_id = operation.id;
+    job_.currentPointId = operation.id;
     const bool check = operation.choice >= 128;
     if (StorePoint(job_, At(operation), operation.id, check, stream.get()) !=
         StorePointResult::Stored) {
       return;
     }
-    job_.current_point_id = job_.last_stored_point.id.str();
+    job_.currentPointId = job_.lastStoredPoint.id.str();
     (void)NextFreePointId(job_, *stream);
     stream.reset();  // looking at the file waits for its lock
-    RequireStored(job_.last_stored_point);
+    RequireStored(job_.lastStoredPoint);
   }
 
   // A file that is not in order, as only a damaged one is, may hide a point; its record is there.

@@ -10,28 +10,28 @@
 namespace tarvex {
 namespace {
 
-ProjectionRecord Read(std::string_view text, std::string& compound_name) {
+ProjectionRecord Read(std::string_view text, std::string& compoundName) {
   ProjectionRecord record;
-  ReadDefinition(text, record, compound_name, nullptr);
+  ReadDefinition(text, record, compoundName, nullptr);
   return record;
 }
 
 void Run(std::string_view text) {
-  std::string compound_name;
-  (void)Read(text, compound_name);
+  std::string compoundName;
+  (void)Read(text, compoundName);
   (void)CheckDefinition(text);
   const std::string line = OneLineDefinition(text);
-  const ProjectionRecord record = Read(line, compound_name);
-  const auto written = WriteDefinition(record, "name", compound_name);
+  const ProjectionRecord record = Read(line, compoundName);
+  const auto written = WriteDefinition(record, "name", compoundName);
   if (!written) return;
-  std::string compound_again;
-  const ProjectionRecord again = Read(*written, compound_again);
-  const auto written_again = WriteDefinition(again, "name", compound_again);
-  if (!written_again) std::abort();
-  if (again.projection_type != record.projection_type) std::abort();
-  std::string compound_third;
-  const ProjectionRecord third = Read(*written_again, compound_third);
-  if (!(WriteDefinition(third, "name", compound_third) == written_again)) std::abort();
+  std::string compoundAgain;
+  const ProjectionRecord again = Read(*written, compoundAgain);
+  const auto writtenAgain = WriteDefinition(again, "name", compoundAgain);
+  if (!writtenAgain) std::abort();
+  if (again.projectionType != record.projectionType) std::abort();
+  std::string compoundThird;
+  const ProjectionRecord third = Read(*writtenAgain, compoundThird);
+  if (!(WriteDefinition(third, "name", compoundThird) == writtenAgain)) std::abort();
 }
 
 }  // namespace

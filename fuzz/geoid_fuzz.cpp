@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (status.Text().empty()) std::abort();
     return 0;
   }
-  AskAround(grid.stored_geometry(), [&](double longitude, double latitude) {
+  AskAround(grid.storedGeometry(), [&](double longitude, double latitude) {
     const auto undulation =
         grid.Undulation(latitude * kRadiansPerDegree, longitude * kRadiansPerDegree);
     if (undulation) MustBeFinite(*undulation);

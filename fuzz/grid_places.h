@@ -14,8 +14,8 @@ void AskAround(const GridGeometry& grid, const Ask& ask) {
   constexpr double kAlong[] = {-0.5, 0.0, 1e-9, 0.31, 0.5, 1.0, 1.5};
   for (const double x : kAlong) {
     for (const double y : kAlong) {
-      ask(grid.first_x() + x * (grid.last_x() - grid.first_x()),
-          grid.first_y() + y * (grid.last_y() - grid.first_y()));
+      ask(grid.firstX() + x * (grid.lastX() - grid.firstX()),
+          grid.firstY() + y * (grid.lastY() - grid.firstY()));
     }
   }
   ask(std::numeric_limits<double>::quiet_NaN(), 0.0);

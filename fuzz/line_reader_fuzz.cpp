@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tarvex::LastErrorRecord errors;
   auto device = std::make_unique<tarvex::ScriptedDevice>();
   device->input.assign(reinterpret_cast<const char*>(data) + 2, size - 2);
-  device->when_empty = {tarvex::DeviceStatus::kEndOfData};
+  device->whenEmpty = {tarvex::DeviceStatus::kEndOfData};
   tarvex::Port port("fuzz", std::move(device), errors);
   (void)port.Open();
   std::array<char, 300> buffer;

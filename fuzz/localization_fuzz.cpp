@@ -15,11 +15,11 @@ bool Near(double a, double b) {
 }
 
 bool Same(const LocalizationPoint& a, const LocalizationPoint& b) {
-  return Near(a.gnss.latitude_rad, b.gnss.latitude_rad) &&
-         Near(a.gnss.longitude_rad, b.gnss.longitude_rad) && Near(a.local_x, b.local_x) &&
-         Near(a.local_y, b.local_y) && Near(a.local_z, b.local_z) && a.hrms == b.hrms &&
-         a.vrms == b.vrms && a.use_horizontal == b.use_horizontal &&
-         a.use_vertical == b.use_vertical && a.description.empty() == b.description.empty();
+  return Near(a.gnss.latitudeRad, b.gnss.latitudeRad) &&
+         Near(a.gnss.longitudeRad, b.gnss.longitudeRad) && Near(a.localX, b.localX) &&
+         Near(a.localY, b.localY) && Near(a.localZ, b.localZ) && a.hrms == b.hrms &&
+         a.vrms == b.vrms && a.useHorizontal == b.useHorizontal && a.useVertical == b.useVertical &&
+         a.description.empty() == b.description.empty();
 }
 
 void Run(std::string_view document) {

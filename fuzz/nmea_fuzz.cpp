@@ -21,13 +21,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tarvex::ManualClock clock;
   auto device = std::make_unique<tarvex::ScriptedDevice>();
   device->input.assign(reinterpret_cast<const char*>(data) + 2, size - 2);
-  device->when_empty = {tarvex::DeviceStatus::kEndOfData};
+  device->whenEmpty = {tarvex::DeviceStatus::kEndOfData};
   tarvex::Port port("fuzz", std::move(device), errors);
   (void)port.Open();
   tarvex::GnssConnection connection{.port = &port, .clock = clock, .settings = make.settings};
   constexpr int kPositions[] = {1, 2, 4, 8, 16, 32};
   connection.settings.position = static_cast<tarvex::PositionSentence>(kPositions[data[1] % 6]);
-  connection.settings.ashtech_model = data[1] % 7;
+  connection.settings.ashtechModel = data[1] % 7;
   tarvex::GnssPositionState state;
   for (int reading = 0; reading < 50 && !connection.ended(); ++reading) {
     if (tarvex::ReadGnssPosition(state, connection, make.code) ==

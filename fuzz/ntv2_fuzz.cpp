@@ -17,16 +17,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (status.Text().empty()) std::abort();
     return 0;
   }
-  for (std::size_t i = 0; i < grid.grid_count() && i < 4; ++i) {
+  for (std::size_t i = 0; i < grid.gridCount() && i < 4; ++i) {
     AskAround(grid.Part(i).geometry, [&](double longitude, double latitude) {
       const Geodetic at = {latitude * kRadiansPerDegree, longitude * kRadiansPerDegree, 1.0};
       Geodetic forward = at;
       if (grid.Forward(forward) == GridShiftResult::Done) {
-        MustBeFinite(forward.latitude_rad + forward.longitude_rad);
+        MustBeFinite(forward.latitudeRad + forward.longitudeRad);
       }
       Geodetic inverse = at;
       if (grid.Inverse(inverse) == GridShiftResult::Done) {
-        MustBeFinite(inverse.latitude_rad + inverse.longitude_rad);
+        MustBeFinite(inverse.latitudeRad + inverse.longitudeRad);
       } else if (std::memcmp(&inverse, &at, sizeof at) != 0) {
         std::abort();  // a refusal changes nothing
       }

@@ -28,7 +28,7 @@ void French(const std::string& bytes) {
   if (!status.ok()) return Told(status);
   AskAround(grid.geometry(), [&](double longitude, double latitude) {
     const auto t = grid.Translation(latitude * kRadiansPerDegree, longitude * kRadiansPerDegree);
-    if (t) MustBeFinite(t->x_m + t->y_m + t->z_m);
+    if (t) MustBeFinite(t->xM + t->yM + t->zM);
   });
 }
 

@@ -24,13 +24,13 @@ void Run(std::string_view input) {
   FileStatus status;
   const auto before = ReadPointNote(job, other, status);
   Require(status.ok());
-  const PointNote note{.point_id = id,
+  const PointNote note{.pointId = id,
                        .lines = {"first", std::string(input.substr(0, 40))},
-                       .quality_lines = "HRMS,0.012\n"};
+                       .qualityLines = "HRMS,0.012\n"};
   Require(WriteNote(job, note));
   const auto written = ReadPointNote(job, id, status);
   Require(status.ok() && written && !written->lines.empty() && written->lines[0] == "first");
-  Require(written->quality_lines == note.quality_lines);
+  Require(written->qualityLines == note.qualityLines);
   const std::string bytes = host.memory.Bytes(PointNotesPath(job));
   Require(WriteNote(job, note));
   Require(host.memory.Bytes(PointNotesPath(job)) == bytes);

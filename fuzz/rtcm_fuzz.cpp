@@ -32,6 +32,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t at = 0; at < stream.size(); at += piece) {
     framer.Feed(stream.substr(at, piece), count);
   }
-  if (count.bytes + framer.skipped_bytes() + framer.waiting_bytes() != stream.size()) std::abort();
+  if (count.bytes + framer.skippedBytes() + framer.waitingBytes() != stream.size()) std::abort();
   return 0;
 }

@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   // From its fields: what is written is read again without a line that is not known.
-  if (section.line_out_of_range == 0) {
+  if (section.lineOutOfRange == 0) {
     const tarvex::RoadTemplate again = tarvex::ReadTemplate(tarvex::TemplateText(section));
     if (!again.notes.empty()) std::abort();
   }

@@ -41,15 +41,15 @@ constexpr std::array<Table, kBlock> MakeTables() {
 constexpr std::array<Table, kBlock> kTables = MakeTables();
 
 std::uint32_t TakeBlock(std::uint32_t crc, const unsigned char* at) {
-  const std::uint32_t with_crc = kTables[15][at[0] ^ (crc >> 24)] ^
-                                 kTables[14][at[1] ^ ((crc >> 16) & 0xFFU)] ^
-                                 kTables[13][at[2] ^ ((crc >> 8) & 0xFFU)];
+  const std::uint32_t withCrc = kTables[15][at[0] ^ (crc >> 24)] ^
+                                kTables[14][at[1] ^ ((crc >> 16) & 0xFFU)] ^
+                                kTables[13][at[2] ^ ((crc >> 8) & 0xFFU)];
   const std::uint32_t middle = kTables[12][at[3]] ^ kTables[11][at[4]] ^ kTables[10][at[5]] ^
                                kTables[9][at[6]] ^ kTables[8][at[7]] ^ kTables[7][at[8]];
   const std::uint32_t rest = kTables[6][at[9]] ^ kTables[5][at[10]] ^ kTables[4][at[11]] ^
                              kTables[3][at[12]] ^ kTables[2][at[13]] ^ kTables[1][at[14]] ^
                              kTables[0][at[15]];
-  return with_crc ^ middle ^ rest;
+  return withCrc ^ middle ^ rest;
 }
 
 std::uint32_t FromTables(const unsigned char* at, std::size_t left) {
@@ -95,22 +95,21 @@ constexpr long long PowerOfX(int exponent) {
 // Folding (Gopal and others, "Fast CRC computation for generic polynomials using PCLMULQDQ",
 // Intel 2009); `size` is at least one block. The 128 bits that are left have the same remainder.
 [[gnu::target("pclmul,ssse3")]] std::uint32_t ByFolding(const unsigned char* at, std::size_t size) {
-  const __m128i by_one = _mm_set_epi64x(PowerOfX(128 + 64), PowerOfX(128));
-  const __m128i by_four = _mm_set_epi64x(PowerOfX(512 + 64), PowerOfX(512));
+  const __m128i byOne = _mm_set_epi64x(PowerOfX(128 + 64), PowerOfX(128));
+  const __m128i byFour = _mm_set_epi64x(PowerOfX(512 + 64), PowerOfX(512));
   const std::size_t first = size % kBlock;
   __m128i folded = LoadFirst(at, first);
   at += first;
   std::size_t blocks = size / kBlock;
   if (blocks >= 8) {
-    __m128i lanes[4] = {Fold(folded, by_one, Load(at)), Load(at + 16), Load(at + 32),
-                        Load(at + 48)};
+    __m128i lanes[4] = {Fold(folded, byOne, Load(at)), Load(at + 16), Load(at + 32), Load(at + 48)};
     for (at += 64, blocks -= 4; blocks >= 4; at += 64, blocks -= 4) {
-      for (std::size_t i = 0; i < 4; ++i) lanes[i] = Fold(lanes[i], by_four, Load(at + 16 * i));
+      for (std::size_t i = 0; i < 4; ++i) lanes[i] = Fold(lanes[i], byFour, Load(at + 16 * i));
     }
     folded = lanes[0];
-    for (std::size_t i = 1; i < 4; ++i) folded = Fold(folded, by_one, lanes[i]);
+    for (std::size_t i = 1; i < 4; ++i) folded = Fold(folded, byOne, lanes[i]);
   }
-  for (; blocks > 0; --blocks, at += kBlock) folded = Fold(folded, by_one, Load(at));
+  for (; blocks > 0; --blocks, at += kBlock) folded = Fold(folded, byOne, Load(at));
   alignas(16) unsigned char left[kBlock];
   const __m128i reversed = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
   _mm_store_si128(reinterpret_cast<__m128i*>(left), _mm_shuffle_epi8(folded, reversed));
@@ -122,8 +121,8 @@ bool HasCarryLess() {
 }
 
 std::uint32_t Remainder(const unsigned char* at, std::size_t size) {
-  static const bool carry_less = HasCarryLess();
-  return carry_less && size >= kBlock ? ByFolding(at, size) : FromTables(at, size);
+  static const bool carryLess = HasCarryLess();
+  return carryLess && size >= kBlock ? ByFolding(at, size) : FromTables(at, size);
 }
 
 #else

@@ -35,37 +35,36 @@ struct GnssConnection {
   StopRequest* stop = nullptr;       ///< not owned; asks a reading to end early
   LineListener* listener = nullptr;  ///< not owned
   /// Steady clock: a reading is back half a second behind it at the latest, whatever comes in.
-  std::int64_t deadline_ms = kNoDeadline;
+  std::int64_t deadlineMs = kNoDeadline;
   SimulatedReceiver simulated{};
 
   // What a reading leaves for the next one.
-  std::int32_t accepted_epoch_ms = kNoEpoch;
-  std::int64_t last_read_at_ms = -1;
-  std::int64_t last_request_at_ms = -1;
-  std::int64_t no_dop_request_before_ms = 0;
-  PrecisionOrder precision_order = PrecisionOrder::Unknown;
-  bool reconfigured = false;       ///< the last reading had to set the receiver up: read again
-  std::string returned_line = {};  ///< read, and given back for the next reading; empty: none
-  std::string stream_text =
-      {};  ///< received and not yet made into lines, of a stream-buffered make
+  std::int32_t acceptedEpochMs = kNoEpoch;
+  std::int64_t lastReadAtMs = -1;
+  std::int64_t lastRequestAtMs = -1;
+  std::int64_t noDopRequestBeforeMs = 0;
+  PrecisionOrder precisionOrder = PrecisionOrder::Unknown;
+  bool reconfigured = false;      ///< the last reading had to set the receiver up: read again
+  std::string returnedLine = {};  ///< read, and given back for the next reading; empty: none
+  std::string streamText = {};  ///< received and not yet made into lines, of a stream-buffered make
 
-  /// `at_ms`, or the deadline when that is sooner; none when neither is one.
-  ReadDeadline DeadlineBy(std::int64_t at_ms = kNoDeadline) const {
-    const std::int64_t sooner = std::min(at_ms, deadline_ms);
+  /// `atMs`, or the deadline when that is sooner; none when neither is one.
+  ReadDeadline DeadlineBy(std::int64_t atMs = kNoDeadline) const {
+    const std::int64_t sooner = std::min(atMs, deadlineMs);
     return sooner == kNoDeadline ? ReadDeadline() : ReadDeadline(clock, sooner);
   }
 
-  bool ready() const { return port != nullptr && port->is_open(); }
+  bool ready() const { return port != nullptr && port->isOpen(); }
   /// Nothing more comes: a recording is at its end, or the link is lost.
   bool ended() const { return port != nullptr && port->end() != PortEnd::None; }
   /// The far end closed the connection, or the device is gone. The port can be closed and opened
   /// again; Reconnected() then forgets what belongs to the old link.
-  bool link_lost() const { return port != nullptr && port->end() == PortEnd::LinkLost; }
+  bool linkLost() const { return port != nullptr && port->end() == PortEnd::LinkLost; }
   void Reconnected() {
-    last_read_at_ms = last_request_at_ms = -1;
-    stream_text.clear();
-    returned_line.clear();
-    precision_order = PrecisionOrder::Unknown;
+    lastReadAtMs = lastRequestAtMs = -1;
+    streamText.clear();
+    returnedLine.clear();
+    precisionOrder = PrecisionOrder::Unknown;
   }
 };
 

@@ -95,9 +95,9 @@ ReadLineResult ReadInto(Port& port, LineBuffer& line, Framing framing,
     const ReadLineStatus status =
         deadline.LongPassed() ? ReadLineStatus::TimedOut : ReadByte(port, line);
     if (status != ReadLineStatus::Line) {
-      const bool last_line = port.end() == PortEnd::RecordingEnded && !line.empty();
-      if (last_line) line.DropCarriageReturn();
-      return {last_line ? ReadLineStatus::Line : status, line.Finish(), false};
+      const bool lastLine = port.end() == PortEnd::RecordingEnded && !line.empty();
+      if (lastLine) line.DropCarriageReturn();
+      return {lastLine ? ReadLineStatus::Line : status, line.Finish(), false};
     }
     if (line.Accept()) return {ReadLineStatus::Line, line.Finish(), true};
   }

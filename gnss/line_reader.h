@@ -43,27 +43,27 @@ class ReadDeadline {
  public:
   /// None.
   ReadDeadline() = default;
-  /// `at_ms` is of the steady clock.
-  ReadDeadline(Clock& clock, std::int64_t at_ms) : clock_(&clock), at_ms_(at_ms) {}
+  /// `atMs` is of the steady clock.
+  ReadDeadline(Clock& clock, std::int64_t atMs) : clock_(&clock), atMs_(atMs) {}
 
   /// Whether nothing should be begun any more.
-  bool Passed() const { return clock_ != nullptr && clock_->SteadyMilliseconds() >= at_ms_; }
+  bool Passed() const { return clock_ != nullptr && clock_->SteadyMilliseconds() >= atMs_; }
   /// Whether a line that was begun in time should not be waited for either.
   bool LongPassed() const {
     constexpr std::int64_t kLineMs = 500;
-    return clock_ != nullptr && clock_->SteadyMilliseconds() >= at_ms_ + kLineMs;
+    return clock_ != nullptr && clock_->SteadyMilliseconds() >= atMs_ + kLineMs;
   }
   /// A time-out that keeps the deadline, and leaves the bytes of a line time to follow each other.
   int Within(int timeoutMs) const {
     constexpr std::int64_t kShortestMs = 100;
     if (clock_ == nullptr) return timeoutMs;
-    const std::int64_t left = std::max(at_ms_ - clock_->SteadyMilliseconds(), kShortestMs);
+    const std::int64_t left = std::max(atMs_ - clock_->SteadyMilliseconds(), kShortestMs);
     return static_cast<int>(std::min<std::int64_t>(left, timeoutMs));
   }
 
  private:
   Clock* clock_ = nullptr;
-  std::int64_t at_ms_ = 0;
+  std::int64_t atMs_ = 0;
 };
 
 /// Reads one line or frame of at most buffer.size() - 1 characters; a longer one is handed out in

@@ -29,7 +29,7 @@ LineSource::Outcome LineSource::Next(std::string_view& line) {
 }
 
 bool LineSource::Returned(std::string_view& line) {
-  std::string& returned = connection_.returned_line;
+  std::string& returned = connection_.returnedLine;
   if (returned.empty()) return false;
   std::copy(returned.begin(), returned.end(), buffer_.begin());
   line = {buffer_.data(), returned.size()};
@@ -42,7 +42,7 @@ LineSource::Outcome LineSource::Read(std::string_view& line) {
 }
 
 std::string_view LineSource::LookAhead(std::string_view prefix) const {
-  std::string_view rest = connection_.stream_text;
+  std::string_view rest = connection_.streamText;
   rest = rest.substr(0, rest.rfind('\n') + 1);
   while (const auto line = TakeLine(rest)) {
     if (line->size() >= kShortestStreamLine && line->starts_with(prefix)) return *line;
@@ -66,7 +66,7 @@ LineSource::Outcome LineSource::FromPort(std::string_view& line) {
 
 // The line is copied out of the text before it is taken.
 LineSource::Outcome LineSource::FromStream(std::string_view& line) {
-  std::string& text = connection_.stream_text;
+  std::string& text = connection_.streamText;
   std::size_t end = text.find('\n');
   if (end == std::string::npos) {
     const Outcome pass = StreamPass();
@@ -94,7 +94,7 @@ LineSource::Outcome LineSource::StreamPass() {
   std::array<char, kStreamChunk> chunk;
   const PortError error = connection_.port->Read(chunk, kReturnAtOnce);
   if (error != PortError::None) return Outcome::Failed;
-  std::string& text = connection_.stream_text;
+  std::string& text = connection_.streamText;
   text.append(chunk.data(), connection_.port->lastCount());
   if (text.size() > kStreamLimit) text.clear();  // no line end in all of it: not text
   return Outcome::Line;

@@ -28,7 +28,7 @@ class LineSource {
   Outcome Next(std::string_view& line);
 
   /// Leaves a line to the next reading.
-  void GiveBack(std::string_view line) { connection_.returned_line = line; }
+  void GiveBack(std::string_view line) { connection_.returnedLine = line; }
 
   /// The next whole line of the stream text that starts with `prefix`, looked up without taking it.
   std::string_view LookAhead(std::string_view prefix) const;

@@ -14,13 +14,13 @@ class LinkRetry {
 
   /// The next wait: 1 s, doubling to 30 s.
   std::int64_t NextMs() {
-    const std::int64_t due = due_ms_;
-    due_ms_ = std::min(due_ms_ * 2, kLongestMs);
+    const std::int64_t due = dueMs_;
+    dueMs_ = std::min(dueMs_ * 2, kLongestMs);
     return due;
   }
 
  private:
-  std::int64_t due_ms_ = kShortestMs;
+  std::int64_t dueMs_ = kShortestMs;
 };
 
 }  // namespace tarvex

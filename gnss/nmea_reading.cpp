@@ -8,7 +8,7 @@ namespace {
 
 // The kind of the sentence that stands in a line.
 SentenceKind KindOfLine(std::string_view line, const ReceiverSettings& settings) {
-  return KindOf(settings.resync ? SentenceIn(line) : line, settings.any_talker);
+  return KindOf(settings.resync ? SentenceIn(line) : line, settings.anyTalker);
 }
 
 // Whether the sentence that carries the position is the one that the settings chose.
@@ -36,8 +36,8 @@ SentenceResult ReadByKind(SentenceKind kind, std::string_view line, SentenceKind
                           const SentenceContext& context, GnssPositionState& state) {
   switch (kind) {
     case SentenceKind::Gsa: {
-      const bool joins = context.settings.any_talker && previous == SentenceKind::Gsa;
-      state.dop_carried_over = false;
+      const bool joins = context.settings.anyTalker && previous == SentenceKind::Gsa;
+      state.dopCarriedOver = false;
       return ReadGsa(line, joins, context, state);
     }
     case SentenceKind::Gga:
@@ -55,7 +55,7 @@ SentenceResult ReadByKind(SentenceKind kind, std::string_view line, SentenceKind
     case SentenceKind::Rre:
       return ReadRre(line, context, state);
     case SentenceKind::Rd1:
-      if (!context.make.hemisphere_family || context.settings.differential_choice != kReadRd1) {
+      if (!context.make.hemisphereFamily || context.settings.differentialChoice != kReadRd1) {
         return SentenceResult::Read;
       }
       return ReadRd1(line, state);
@@ -73,12 +73,12 @@ class NmeaReading {
         connection_(connection),
         context_{.settings = connection.settings, .make = make},
         source_(connection, make, deadline),
-        lines_left_(connection.settings.line_budget > 0 ? connection.settings.line_budget
-                                                        : make.line_budget) {}
+        linesLeft_(connection.settings.lineBudget > 0 ? connection.settings.lineBudget
+                                                      : make.lineBudget) {}
 
   GnssReadResult Run() {
-    state_.dop_carried_over = true;
-    for (; lines_left_ > 0; --lines_left_) {
+    state_.dopCarriedOver = true;
+    for (; linesLeft_ > 0; --linesLeft_) {
       std::string_view text;
       switch (source_.Next(text)) {
         case LineSource::Outcome::Line:
@@ -102,7 +102,7 @@ class NmeaReading {
   // No line of any kind has come for as long as one is waited for.
   bool IsSilent() const {
     constexpr std::int64_t kSilenceMs = 1000;
-    return connection_.clock.SteadyMilliseconds() - state_.sentence_read_at_ms >= kSilenceMs;
+    return connection_.clock.SteadyMilliseconds() - state_.sentenceReadAtMs >= kSilenceMs;
   }
 
   // True when the reading is over, with `result`.
@@ -128,10 +128,10 @@ class NmeaReading {
   }
 
   SentenceResult TakeLine(std::string_view line) {
-    state_.sentence_read_at_ms = connection_.clock.SteadyMilliseconds();
+    state_.sentenceReadAtMs = connection_.clock.SteadyMilliseconds();
     const SentenceResult result = TakeNmeaLine(line, context_, state_, previous_);
-    if (previous_ == SentenceKind::Gst && PrecisionIsOf(connection_.accepted_epoch_ms)) {
-      connection_.precision_order = PrecisionOrder::Behind;
+    if (previous_ == SentenceKind::Gst && PrecisionIsOf(connection_.acceptedEpochMs)) {
+      connection_.precisionOrder = PrecisionOrder::Behind;
     }
     return result;
   }
@@ -144,25 +144,25 @@ class NmeaReading {
     (void)ReadGst(line, context_, state_);
   }
 
-  bool PrecisionIsOf(std::int32_t epoch_ms) const {
-    return epoch_ms != kNoEpoch && state_.precision_epoch_ms == epoch_ms;
+  bool PrecisionIsOf(std::int32_t epochMs) const {
+    return epochMs != kNoEpoch && state_.precisionEpochMs == epochMs;
   }
 
   // What the position that has come says of the order of the sentences.
   void NoteOrder() {
-    const std::int32_t before = connection_.accepted_epoch_ms;
-    if (PrecisionIsOf(state_.epoch_ms)) {
-      connection_.precision_order = PrecisionOrder::Before;
-    } else if (connection_.precision_order == PrecisionOrder::Unknown && before != kNoEpoch &&
-               before != state_.epoch_ms) {
-      connection_.precision_order = PrecisionOrder::None;
+    const std::int32_t before = connection_.acceptedEpochMs;
+    if (PrecisionIsOf(state_.epochMs)) {
+      connection_.precisionOrder = PrecisionOrder::Before;
+    } else if (connection_.precisionOrder == PrecisionOrder::Unknown && before != kNoEpoch &&
+               before != state_.epochMs) {
+      connection_.precisionOrder = PrecisionOrder::None;
     }
   }
 
   // Reads the epoch on to its precision, as far as the next position at most.
   void AwaitPrecision() {
-    PrecisionOrder& order = connection_.precision_order;
-    if (!context_.settings.await_precision || context_.settings.no_rms) return;
+    PrecisionOrder& order = connection_.precisionOrder;
+    if (!context_.settings.awaitPrecision || context_.settings.noRms) return;
     if (order != PrecisionOrder::Unknown && order != PrecisionOrder::Behind) return;
     const std::int32_t satellites = state_.satellites;  // those of the position stay
     order = ReadOnToPrecision() ? PrecisionOrder::Behind : PrecisionOrder::None;
@@ -170,7 +170,7 @@ class NmeaReading {
   }
 
   bool ReadOnToPrecision() {
-    for (; lines_left_ > 0; --lines_left_) {
+    for (; linesLeft_ > 0; --linesLeft_) {
       std::string_view text;
       const LineSource::Outcome outcome = source_.Next(text);
       if (outcome == LineSource::Outcome::Nothing) continue;
@@ -191,16 +191,16 @@ class NmeaReading {
   GnssConnection& connection_;
   SentenceContext context_;
   LineSource source_;
-  int lines_left_;
+  int linesLeft_;
   SentenceKind previous_ = SentenceKind::Other;
 };
 
 ReadDeadline DeadlineOf(const GnssConnection& connection, const ReceiverMake& make) {
-  const int budget = connection.settings.time_budget_ms > 0 ? connection.settings.time_budget_ms
-                                                            : make.time_budget_ms;
-  const std::int64_t by_budget =
+  const int budget =
+      connection.settings.timeBudgetMs > 0 ? connection.settings.timeBudgetMs : make.timeBudgetMs;
+  const std::int64_t byBudget =
       budget > 0 ? connection.clock.SteadyMilliseconds() + budget : kNoDeadline;
-  return connection.DeadlineBy(by_budget);
+  return connection.DeadlineBy(byBudget);
 }
 
 }  // namespace
@@ -208,12 +208,12 @@ ReadDeadline DeadlineOf(const GnssConnection& connection, const ReceiverMake& ma
 SentenceResult TakeNmeaLine(std::string_view line, const SentenceContext& context,
                             GnssPositionState& state, SentenceKind& previous) {
   if (context.settings.resync) line = SentenceIn(line);
-  const SentenceKind kind = KindOf(line, context.settings.any_talker);
+  const SentenceKind kind = KindOf(line, context.settings.anyTalker);
   const SentenceKind before = previous;
   previous = kind;
   if (kind == SentenceKind::Other || !Selected(kind, context)) return SentenceResult::Read;
   if (context.settings.checksum && !ChecksumHolds(line)) {
-    ++state.bad_checksums;
+    ++state.badChecksums;
     return SentenceResult::Read;
   }
   return ReadByKind(kind, line, before, context, state);

@@ -10,9 +10,9 @@ constexpr int kDopDecimals = 1;
 
 // One labelled value of a text: what stands before it, the label and its separator, the value.
 struct Form {
-  std::string_view before_horizontal;
-  std::string_view before_vertical;
-  std::string_view before_other;
+  std::string_view beforeHorizontal;
+  std::string_view beforeVertical;
+  std::string_view beforeOther;
   char separator;
   std::string_view after;
 };
@@ -29,40 +29,40 @@ void AppendValue(std::string& out, std::string_view before, std::string_view lab
   out += form.after;
 }
 
-void AppendQuality(std::string& out, const GnssPositionState& state, bool quality_instead_of_rms,
+void AppendQuality(std::string& out, const GnssPositionState& state, bool qualityInsteadOfRms,
                    const Form& form) {
-  AppendValue(out, form.before_horizontal, quality_instead_of_rms ? "HQ" : "HRMS",
+  AppendValue(out, form.beforeHorizontal, qualityInsteadOfRms ? "HQ" : "HRMS",
               FixedNumber(state.hrms, kRmsDecimals), form);
-  AppendValue(out, form.before_vertical, quality_instead_of_rms ? "VQ" : "VRMS",
+  AppendValue(out, form.beforeVertical, qualityInsteadOfRms ? "VQ" : "VRMS",
               FixedNumber(state.vrms, kRmsDecimals), form);
-  AppendValue(out, form.before_other, "STATUS", SolutionText(state.solutionType), form);
+  AppendValue(out, form.beforeOther, "STATUS", SolutionText(state.solutionType), form);
   if (state.satellites > 0) {
-    AppendValue(out, form.before_other, "SATS", std::to_string(state.satellites), form);
+    AppendValue(out, form.beforeOther, "SATS", std::to_string(state.satellites), form);
   }
   if (state.pdop > 0.0) {
-    AppendValue(out, form.before_other, "PDOP", FixedNumber(state.pdop, kDopDecimals), form);
+    AppendValue(out, form.beforeOther, "PDOP", FixedNumber(state.pdop, kDopDecimals), form);
   }
 }
 
 }  // namespace
 
-std::string QualityComment(const GnssPositionState& state, bool quality_instead_of_rms,
+std::string QualityComment(const GnssPositionState& state, bool qualityInsteadOfRms,
                            const std::optional<QualityStamp>& stamp) {
   std::string text;
-  AppendQuality(text, state, quality_instead_of_rms, kComment);
+  AppendQuality(text, state, qualityInsteadOfRms, kComment);
   if (stamp) text.append("\n--DT").append(stamp->date).append("\n--TM").append(stamp->time);
   return text;
 }
 
-std::string QualityBlockLines(const GnssPositionState& state, bool quality_instead_of_rms,
+std::string QualityBlockLines(const GnssPositionState& state, bool qualityInsteadOfRms,
                               const std::optional<QualityStamp>& stamp) {
   std::string text;
-  AppendQuality(text, state, quality_instead_of_rms, kBlock);
+  AppendQuality(text, state, qualityInsteadOfRms, kBlock);
   if (stamp) {
     AppendValue(text, "", "DATE", stamp->date, kBlock);
     AppendValue(text, "", "TIME", stamp->time, kBlock);
   }
-  if (!state.precision_known) AppendValue(text, "", "PRECISION", "UNKNOWN", kBlock);
+  if (!state.precisionKnown) AppendValue(text, "", "PRECISION", "UNKNOWN", kBlock);
   return text;
 }
 

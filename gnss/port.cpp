@@ -15,13 +15,13 @@ std::uint32_t Milliseconds(int value) {
 }
 
 ReadTimeouts ReadTimeoutsOf(int total, int interval, int multiplier) {
-  if (total == kReturnAtOnce) return {.interval_ms = ReadTimeouts::kAtOnce};
+  if (total == kReturnAtOnce) return {.intervalMs = ReadTimeouts::kAtOnce};
   if (total == kLongTimeout) {
-    return {.multiplier_ms = Milliseconds(multiplier), .constant_ms = kLongReadConstant};
+    return {.multiplierMs = Milliseconds(multiplier), .constantMs = kLongReadConstant};
   }
-  return {.interval_ms = Milliseconds(interval),
-          .multiplier_ms = Milliseconds(multiplier),
-          .constant_ms = Milliseconds(total)};
+  return {.intervalMs = Milliseconds(interval),
+          .multiplierMs = Milliseconds(multiplier),
+          .constantMs = Milliseconds(total)};
 }
 
 }  // namespace
@@ -45,7 +45,7 @@ PortError Port::Open() {
     return error;
   }
   const std::scoped_lock lock(beside_);
-  open_beside_ = true;
+  openBeside_ = true;
   return PortError::None;
 }
 
@@ -67,10 +67,10 @@ PortError Port::SetDefaultTimeouts() {
 }
 
 PortError Port::Close() {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   {
     const std::scoped_lock lock(beside_);
-    open_beside_ = false;
+    openBeside_ = false;
     (void)device_->Close();
   }
   lastCount_ = 0;
@@ -88,7 +88,7 @@ PortError Port::ChangeTimeouts(const ReadTimeouts* read, const WriteTimeouts* wr
 }
 
 PortError Port::SetReadTimeouts(int total, int interval, int multiplier) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   if (total == kKeepTimeouts) return PortError::None;
   const ReadTimeouts timeouts = ReadTimeoutsOf(total, interval, multiplier);
   const PortError error = ChangeTimeouts(&timeouts, nullptr);
@@ -97,19 +97,19 @@ PortError Port::SetReadTimeouts(int total, int interval, int multiplier) {
 }
 
 PortError Port::SetWriteTimeouts(int total, int multiplier) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   if (total == kKeepTimeouts) return PortError::None;
   WriteTimeouts timeouts;
   if (total != kNoWriteTimeout) {
-    timeouts = {.multiplier_ms = Milliseconds(multiplier), .constant_ms = Milliseconds(total)};
+    timeouts = {.multiplierMs = Milliseconds(multiplier), .constantMs = Milliseconds(total)};
   }
   const PortError error = ChangeTimeouts(nullptr, &timeouts);
-  if (error == PortError::None) write_timeouts_ = timeouts;
+  if (error == PortError::None) writeTimeouts_ = timeouts;
   return error;
 }
 
 PortError Port::Read(std::span<char> out, int total, StopRequest* stop) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   lastCount_ = 0;
   if (total != kKeepTimeouts && total != readTotalTimeout_) {
     if (const auto error = SetReadTimeouts(total, 0, kDefaultMultiplier);
@@ -123,21 +123,21 @@ PortError Port::Read(std::span<char> out, int total, StopRequest* stop) {
   lastCount_ = static_cast<std::uint32_t>(got);
   end_ = PortEnd::None;
   if (!status.ok()) return Fail(PortError::ReadFailed, status);
-  const bool total_set = readTotalTimeout_ != kReturnAtOnce && readTotalTimeout_ != kKeepTimeouts;
-  if (!total_set || got == out.size()) return PortError::None;
+  const bool totalSet = readTotalTimeout_ != kReturnAtOnce && readTotalTimeout_ != kKeepTimeouts;
+  if (!totalSet || got == out.size()) return PortError::None;
   return Report(
       errors_, PortError::FewerBytesRead,
       {std::to_string(got), std::to_string(out.size()), std::to_string(readTotalTimeout_)});
 }
 
 PortError Port::Write(std::string_view bytes, int timeout) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   lastCount_ = 0;
   if (const auto error = SetWriteTimeouts(timeout, kDefaultMultiplier); error != PortError::None) {
     return error;
   }
   std::size_t written = 0;
-  const DeviceStatus status = device_->Write(bytes, write_timeouts_, written);
+  const DeviceStatus status = device_->Write(bytes, writeTimeouts_, written);
   lastCount_ = static_cast<std::uint32_t>(written);
   if (!status.ok() || written < bytes.size()) return Fail(PortError::WriteFailed, status);
   return PortError::None;
@@ -147,19 +147,19 @@ PortError Port::WriteBeside(std::string_view bytes, const WriteTimeouts& timeout
                             std::size_t& written) {
   written = 0;
   const std::scoped_lock lock(beside_);
-  if (!open_beside_) return Fail(PortError::NotOpen);
+  if (!openBeside_) return Fail(PortError::NotOpen);
   return device_->Write(bytes, timeouts, written).ok() ? PortError::None
                                                        : Fail(PortError::WriteFailed);
 }
 
 PortError Port::BytesWaiting(std::size_t& count) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   const DeviceStatus status = device_->BytesWaiting(count);
   return status.ok() ? PortError::None : Fail(PortError::BytesWaitingFailed, status);
 }
 
 PortError Port::PurgeInput() {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   const DeviceStatus status = device_->PurgeInput();
   return status.ok() ? PortError::None : Fail(PortError::PurgeInputFailed, status);
 }

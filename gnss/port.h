@@ -76,8 +76,8 @@ class Port {
   std::string_view Held() const { return device_->Held(); }
   void Skip(std::size_t count) { device_->Skip(count); }
 
-  bool is_open() const { return device_->is_open(); }
-  bool is_recording() const { return device_->is_recording(); }
+  bool isOpen() const { return device_->isOpen(); }
+  bool isRecording() const { return device_->isRecording(); }
   /// What the last operation of the reading side found.
   PortEnd end() const { return end_; }
   const std::string& name() const { return name_; }
@@ -87,7 +87,7 @@ class Port {
   LastErrorRecord& errors() { return errors_; }
 
  protected:
-  void set_name(std::string name) { name_ = std::move(name); }
+  void setName(std::string name) { name_ = std::move(name); }
   /// What an opened device needs before it is used.
   virtual PortError ConfigureOpened() { return PortError::None; }
   /// The last step of opening.
@@ -106,12 +106,12 @@ class Port {
   std::unique_ptr<ByteDevice> device_;
   LastErrorRecord& errors_;
   std::uint32_t lastCount_ = 0;
-  WriteTimeouts write_timeouts_;
+  WriteTimeouts writeTimeouts_;
   int readTotalTimeout_ = kKeepTimeouts;
   PortEnd end_ = PortEnd::None;
   std::atomic_flag busy_;
   std::mutex beside_;  // held while a second thread writes and while the device is closed
-  bool open_beside_ = false;
+  bool openBeside_ = false;
 };
 
 /// Holds the port's busy flag; false when another reader has it.

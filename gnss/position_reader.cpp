@@ -20,13 +20,13 @@ constexpr std::int64_t kBetweenUnansweredMs = 10'000;
 
 // What came in while nobody read is a position of the past.
 PortError DropWhatPiledUp(GnssConnection& connection) {
-  const std::int64_t last = connection.last_read_at_ms;
-  if (connection.port->is_recording() || last < 0 ||
+  const std::int64_t last = connection.lastReadAtMs;
+  if (connection.port->isRecording() || last < 0 ||
       connection.clock.SteadyMilliseconds() - last <= kPiledUpAfterMs) {
     return PortError::None;
   }
-  connection.stream_text.clear();
-  connection.returned_line.clear();
+  connection.streamText.clear();
+  connection.returnedLine.clear();
   return connection.port->PurgeInput();
 }
 
@@ -38,21 +38,20 @@ GnssReadResult Validate(const GnssPositionState& state) {
 }
 
 GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int receiverType) {
-  AcceptUsable accept_usable;
-  PositionFinish* const finish = connection.finish != nullptr ? connection.finish : &accept_usable;
-  state.repeated_epoch =
-      state.epoch_ms != kNoEpoch && state.epoch_ms == connection.accepted_epoch_ms;
-  state.precision_carried_over =
-      state.precision_epoch_ms != kNoEpoch && state.precision_epoch_ms != state.epoch_ms;
+  AcceptUsable acceptUsable;
+  PositionFinish* const finish = connection.finish != nullptr ? connection.finish : &acceptUsable;
+  state.repeatedEpoch = state.epochMs != kNoEpoch && state.epochMs == connection.acceptedEpochMs;
+  state.precisionCarriedOver =
+      state.precisionEpochMs != kNoEpoch && state.precisionEpochMs != state.epochMs;
   if (finish->Finish(state, receiverType) == FinishResult::Declined) {
     return GnssReadResult::Declined;
   }
-  connection.accepted_epoch_ms = state.epoch_ms;
-  const std::int64_t now_ms = connection.clock.SteadyMilliseconds();
-  if (state.positions > 0 && !state.repeated_epoch) {
-    state.position_interval_ms = now_ms - state.position_read_at_ms;
+  connection.acceptedEpochMs = state.epochMs;
+  const std::int64_t nowMs = connection.clock.SteadyMilliseconds();
+  if (state.positions > 0 && !state.repeatedEpoch) {
+    state.positionIntervalMs = nowMs - state.positionReadAtMs;
   }
-  state.position_read_at_ms = now_ms;
+  state.positionReadAtMs = nowMs;
   ++state.positions;
   return GnssReadResult::Accepted;
 }
@@ -75,7 +74,7 @@ GnssReadResult ReadFromPort(GnssPositionState& state, GnssConnection& connection
   const PortUse use(*connection.port);
   if (!use || DropWhatPiledUp(connection) != PortError::None) return GnssReadResult::NotPrepared;
   const GnssReadResult result = ReadHolding(state, connection, make);
-  connection.last_read_at_ms = connection.clock.SteadyMilliseconds();
+  connection.lastReadAtMs = connection.clock.SteadyMilliseconds();
   return result;
 }
 
@@ -83,23 +82,21 @@ GnssReadResult ReadByMake(GnssPositionState& state, GnssConnection& connection,
                           const ReceiverMake& make) {
   if (make.reader != ReaderKind::Simulated) return ReadFromPort(state, connection, make);
   connection.simulated.Step(connection.clock, connection.settings.unit, state);
-  state.sentence_read_at_ms = connection.clock.SteadyMilliseconds();
+  state.sentenceReadAtMs = connection.clock.SteadyMilliseconds();
   return GnssReadResult::Accepted;
 }
 
 // A receiver that does not answer is left alone for a while.
 void AskForDop(GnssPositionState& state, GnssConnection& connection, const ReceiverMake& make) {
-  if (!connection.settings.request_dop || make.dop == DopSource::Streamed ||
-      !state.dop_carried_over ||
-      connection.clock.SteadyMilliseconds() < connection.no_dop_request_before_ms) {
+  if (!connection.settings.requestDop || make.dop == DopSource::Streamed || !state.dopCarriedOver ||
+      connection.clock.SteadyMilliseconds() < connection.noDopRequestBeforeMs) {
     return;
   }
   const std::int32_t satellites = state.satellites;  // those of the position stay
   if (RequestDop(state, connection, make.code) == GnssReadResult::Accepted) {
-    state.dop_carried_over = false;
+    state.dopCarriedOver = false;
   } else {
-    connection.no_dop_request_before_ms =
-        connection.clock.SteadyMilliseconds() + kBetweenUnansweredMs;
+    connection.noDopRequestBeforeMs = connection.clock.SteadyMilliseconds() + kBetweenUnansweredMs;
   }
   state.satellites = satellites;
 }
@@ -134,7 +131,7 @@ std::string ResultSentence(GnssReadResult result, const GnssConnection& connecti
     return Strings().Text(kEllipsoidHeightsText);
   }
   if (result == GnssReadResult::PortReadFailed && connection.ended()) {
-    return Strings().Text(connection.link_lost() ? kLinkLostText : kLogEndedText);
+    return Strings().Text(connection.linkLost() ? kLinkLostText : kLogEndedText);
   }
   return ResultSentence(result);
 }
@@ -148,34 +145,34 @@ std::string OriginSentence(PositionOrigin origin) {
 std::string HeightSentence(const GnssPositionState& state) {
   constexpr int kNoHeightText = 3434;
   constexpr int kNoSeparationText = 3435;
-  if (!state.height_known) return Strings().Text(kNoHeightText);
-  return state.separation_known ? std::string() : Strings().Text(kNoSeparationText);
+  if (!state.heightKnown) return Strings().Text(kNoHeightText);
+  return state.separationKnown ? std::string() : Strings().Text(kNoSeparationText);
 }
 
 bool PrecisionMayFollow(const GnssPositionState& state, const GnssConnection& connection,
                         int receiverType) {
   const ReaderKind reader = FindMake(receiverType).reader;
   return (reader == ReaderKind::Nmea || reader == ReaderKind::StreamBuffered) &&
-         !connection.settings.no_rms && !state.precision_known &&
-         connection.precision_order == PrecisionOrder::Unknown;
+         !connection.settings.noRms && !state.precisionKnown &&
+         connection.precisionOrder == PrecisionOrder::Unknown;
 }
 
 std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock) {
-  if (state.sentence_read_at_ms == 0) return -1;
-  return clock.SteadyMilliseconds() - state.sentence_read_at_ms;
+  if (state.sentenceReadAtMs == 0) return -1;
+  return clock.SteadyMilliseconds() - state.sentenceReadAtMs;
 }
 
 bool NextSentenceIsDue(GnssReadResult result, const GnssPositionState& state, Clock& clock) {
   constexpr std::int64_t kSilenceMs = 3000;
   constexpr std::int64_t kLongestMs = 90'000;
-  const std::int64_t due_ms =
-      std::min(std::max(kSilenceMs, state.position_interval_ms * 3 / 2), kLongestMs);
+  const std::int64_t dueMs =
+      std::min(std::max(kSilenceMs, state.positionIntervalMs * 3 / 2), kLongestMs);
   if (result == GnssReadResult::PortReadFailed) {
-    const std::int64_t silent_ms = SilentForMs(state, clock);
-    return silent_ms >= 0 && silent_ms < due_ms;
+    const std::int64_t silentMs = SilentForMs(state, clock);
+    return silentMs >= 0 && silentMs < dueMs;
   }
-  return result == GnssReadResult::NoPositionSentence && state.position_read_at_ms != 0 &&
-         clock.SteadyMilliseconds() - state.position_read_at_ms < due_ms;
+  return result == GnssReadResult::NoPositionSentence && state.positionReadAtMs != 0 &&
+         clock.SteadyMilliseconds() - state.positionReadAtMs < dueMs;
 }
 
 }  // namespace tarvex

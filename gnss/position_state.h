@@ -12,7 +12,7 @@ namespace tarvex {
 
 struct UsedSatellite {
   std::int32_t prn = 0;
-  std::int32_t in_use = 0;
+  std::int32_t inUse = 0;
 
   bool operator==(const UsedSatellite&) const = default;
 };
@@ -40,31 +40,31 @@ struct GnssPositionState {
   double vdop = 0.0;
   double hdop = 0.0;
   double tdop = 0.0;
-  double latitude = 0.0;             ///< decimal degrees, north positive
-  double longitude = 0.0;            ///< decimal degrees, east positive
-  double height = 0.0;               ///< above the ellipsoid, metres
-  bool height_known = false;         ///< the position came with a height; without one it reads as 0
-  bool separation_known = true;      ///< a height above the geoid came with its separation
-  double geoid_separation = 0.0;     ///< as the receiver gave it with the position, metres
-  double correctionAge = 0.0;        ///< seconds; of the makes that are read for it
-  double age_of_corrections = -1.0;  ///< seconds, of any make that tells it; negative: not told
+  double latitude = 0.0;           ///< decimal degrees, north positive
+  double longitude = 0.0;          ///< decimal degrees, east positive
+  double height = 0.0;             ///< above the ellipsoid, metres
+  bool heightKnown = false;        ///< the position came with a height; without one it reads as 0
+  bool separationKnown = true;     ///< a height above the geoid came with its separation
+  double geoidSeparation = 0.0;    ///< as the receiver gave it with the position, metres
+  double correctionAge = 0.0;      ///< seconds; of the makes that are read for it
+  double ageOfCorrections = -1.0;  ///< seconds, of any make that tells it; negative: not told
   std::int32_t differentialStatus = 0;
   std::int32_t differentialSource = 0;
   std::array<UsedSatellite, kSatelliteSlots> usedSatellites{};
 
   // How fresh all this is. An epoch is the UTC time of day in milliseconds; kNoEpoch when the
   // sentence carried none.
-  std::int32_t epoch_ms = kNoEpoch;            ///< of the position
-  std::int32_t precision_epoch_ms = kNoEpoch;  ///< of hrms and vrms
-  bool repeated_epoch = false;            ///< this reading has the epoch of the one accepted before
-  bool precision_known = false;           ///< the last precision sentence carried numbers
-  bool precision_carried_over = false;    ///< hrms and vrms are of another epoch than the position
-  bool dop_carried_over = false;          ///< no satellite sentence since the position before
-  std::int64_t position_read_at_ms = 0;   ///< steady clock; 0 before the first position
-  std::int64_t position_interval_ms = 0;  ///< between the last two epochs; 0 before the second
-  std::int64_t sentence_read_at_ms = 0;   ///< steady clock, any line at all; 0 before the first
-  std::uint64_t positions = 0;            ///< accepted so far
-  std::uint64_t bad_checksums = 0;        ///< sentences left out because of their checksum
+  std::int32_t epochMs = kNoEpoch;           ///< of the position
+  std::int32_t precisionEpochMs = kNoEpoch;  ///< of hrms and vrms
+  bool repeatedEpoch = false;           ///< this reading has the epoch of the one accepted before
+  bool precisionKnown = false;          ///< the last precision sentence carried numbers
+  bool precisionCarriedOver = false;    ///< hrms and vrms are of another epoch than the position
+  bool dopCarriedOver = false;          ///< no satellite sentence since the position before
+  std::int64_t positionReadAtMs = 0;    ///< steady clock; 0 before the first position
+  std::int64_t positionIntervalMs = 0;  ///< between the last two epochs; 0 before the second
+  std::int64_t sentenceReadAtMs = 0;    ///< steady clock, any line at all; 0 before the first
+  std::uint64_t positions = 0;          ///< accepted so far
+  std::uint64_t badChecksums = 0;       ///< sentences left out because of their checksum
 };
 
 }  // namespace tarvex

@@ -8,30 +8,30 @@ namespace tarvex {
 namespace {
 
 // Everything that receivers of today send.
-constexpr ReceiverSettings kAnyNmea = {.any_talker = true,
-                                       .skip_empty = true,
-                                       .gll_status = true,
-                                       .ggk_published_layout = true,
-                                       .ggk_published_quality = true,
-                                       .gns_best_mode = true,
+constexpr ReceiverSettings kAnyNmea = {.anyTalker = true,
+                                       .skipEmpty = true,
+                                       .gllStatus = true,
+                                       .ggkPublishedLayout = true,
+                                       .ggkPublishedQuality = true,
+                                       .gnsBestMode = true,
                                        .checksum = true,
                                        .resync = true,
-                                       .await_precision = true};
+                                       .awaitPrecision = true};
 
 // An epoch of a receiver with four satellite systems is about 35 lines; two of them are the budget.
 constexpr int kAnyNmeaLines = 80;
 constexpr int kAnyNmeaMs = 3000;
 constexpr int kStreamLines = 30;
 
-constexpr ReceiverSettings kAsksForDop = {.request_dop = true};
+constexpr ReceiverSettings kAsksForDop = {.requestDop = true};
 
 constexpr std::array kMakes = {
     ReceiverMake{.code = kMakeNmea, .name = "nmea", .description = "NMEA receiver ($GP sentences)"},
     ReceiverMake{.code = kMakeAnyNmea,
                  .name = "any-nmea",
                  .description = "NMEA receiver of today (any talker, checksums verified)",
-                 .line_budget = kAnyNmeaLines,
-                 .time_budget_ms = kAnyNmeaMs,
+                 .lineBudget = kAnyNmeaLines,
+                 .timeBudgetMs = kAnyNmeaMs,
                  .settings = kAnyNmea},
     ReceiverMake{.code = kMakeSimulated,
                  .name = "simulated",
@@ -40,21 +40,21 @@ constexpr std::array kMakes = {
     ReceiverMake{.code = kMakeEllipsoidHeight,
                  .name = "nmea-ellipsoid",
                  .description = "NMEA receiver that sends ellipsoid heights",
-                 .ellipsoid_height = true},
+                 .ellipsoidHeight = true},
     ReceiverMake{.code = kMakeHemisphere,
                  .name = "hemisphere",
                  .description = "Hemisphere family",
-                 .hemisphere_family = true},
+                 .hemisphereFamily = true},
     ReceiverMake{.code = kMakeHemisphereEtx,
                  .name = "hemisphere-etx",
                  .description = "Hemisphere family, frames ended by ETX",
                  .framing = Framing::EtxFrames,
-                 .hemisphere_family = true},
+                 .hemisphereFamily = true},
     ReceiverMake{.code = kMakeStreamBuffered,
                  .name = "stream",
                  .description = "NMEA through a stream buffer",
                  .reader = ReaderKind::StreamBuffered,
-                 .line_budget = kStreamLines},
+                 .lineBudget = kStreamLines},
     ReceiverMake{.code = kMakeNovAtel,
                  .name = "novatel",
                  .description = "NovAtel (BESTPOSA on request)",
@@ -82,7 +82,7 @@ constexpr std::array kMakes = {
     ReceiverMake{.code = kMakeQuality,
                  .name = "nmea-quality",
                  .description = "NMEA receiver that reports quality instead of RMS",
-                 .quality_instead_of_rms = true},
+                 .qualityInsteadOfRms = true},
     ReceiverMake{.code = kMakeBinaryPackets,
                  .name = "nmea-packets",
                  .description = "NMEA receiver that sends binary packets between",

@@ -23,12 +23,12 @@ struct ReceiverMake {
   ReaderKind reader = ReaderKind::Nmea;
   DopSource dop = DopSource::Streamed;
   Framing framing = Framing::TextLines;
-  bool hemisphere_family = false;       ///< correction age in GGA, $RD1, GSA field 17 up to the '*'
-  bool ellipsoid_height = false;        ///< heights are ellipsoidal already: no separation is added
-  bool quality_instead_of_rms = false;  ///< notes say HQ and VQ
-  int line_budget = 15;                 ///< lines read for one position before giving up
-  int time_budget_ms = 0;               ///< milliseconds of the same; 0: the lines alone count
-  ReceiverSettings settings = {};       ///< where the make starts from
+  bool hemisphereFamily = false;     ///< correction age in GGA, $RD1, GSA field 17 up to the '*'
+  bool ellipsoidHeight = false;      ///< heights are ellipsoidal already: no separation is added
+  bool qualityInsteadOfRms = false;  ///< notes say HQ and VQ
+  int lineBudget = 15;               ///< lines read for one position before giving up
+  int timeBudgetMs = 0;              ///< milliseconds of the same; 0: the lines alone count
+  ReceiverSettings settings = {};    ///< where the make starts from
 };
 
 inline constexpr int kMakeNmea = 0;

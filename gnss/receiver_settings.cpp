@@ -66,54 +66,53 @@ bool SetGgaInterval(std::string_view text, ReceiverSettings& settings) {
   constexpr long long kLongest = 3600;
   const auto value = ParseInteger(text);
   if (!value || *value < 1 || *value > kLongest) return false;
-  settings.gga_interval_s = static_cast<int>(*value);
+  settings.ggaIntervalS = static_cast<int>(*value);
   return true;
 }
 
 bool SetReceiverPort(std::string_view text, ReceiverSettings& settings) {
   text = WithoutOuterBlanks(text);
-  if (text.empty() || text.size() > settings.receiver_port.kCapacity) return false;
-  settings.receiver_port.Assign(text);
+  if (text.empty() || text.size() > settings.receiverPort.kCapacity) return false;
+  settings.receiverPort.Assign(text);
   return true;
 }
 
 bool SetAshtechPort(std::string_view text, ReceiverSettings& settings) {
   text = WithoutOuterBlanks(text);
   if (text.size() != 1 || UpperCase(text[0]) < 'A' || UpperCase(text[0]) > 'Z') return false;
-  settings.ashtech_port = UpperCase(text[0]);
+  settings.ashtechPort = UpperCase(text[0]);
   return true;
 }
 
 constexpr std::array kSettings = {
     Setting{"nmea_pos", "1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ or 32 PTNL,GGK", SetPosition},
     Setting{"nmea_sat", "0, or the sum of 1 GPS, 2 GLONASS, 4 Galileo, 8 BeiDou, 16 QZSS, 32 NavIC",
-            SetUpTo<&ReceiverSettings::satellite_family, kEverySystem>},
-    Setting{"bNMEA_noRMS", kSwitch, SetSwitch<&ReceiverSettings::no_rms>},
-    Setting{"sokAx3DiffChoice", kNumber, SetNumber<&ReceiverSettings::differential_choice>},
-    Setting{"nmea_any_talker", kSwitch, SetSwitch<&ReceiverSettings::any_talker>},
-    Setting{"nmea_skip_empty", kSwitch, SetSwitch<&ReceiverSettings::skip_empty>},
-    Setting{"gll_status", kSwitch, SetSwitch<&ReceiverSettings::gll_status>},
-    Setting{"ggk_published_layout", kSwitch, SetSwitch<&ReceiverSettings::ggk_published_layout>},
-    Setting{"ggk_published_quality", kSwitch, SetSwitch<&ReceiverSettings::ggk_published_quality>},
-    Setting{"gns_best_mode", kSwitch, SetSwitch<&ReceiverSettings::gns_best_mode>},
+            SetUpTo<&ReceiverSettings::satelliteFamily, kEverySystem>},
+    Setting{"bNMEA_noRMS", kSwitch, SetSwitch<&ReceiverSettings::noRms>},
+    Setting{"sokAx3DiffChoice", kNumber, SetNumber<&ReceiverSettings::differentialChoice>},
+    Setting{"nmea_any_talker", kSwitch, SetSwitch<&ReceiverSettings::anyTalker>},
+    Setting{"nmea_skip_empty", kSwitch, SetSwitch<&ReceiverSettings::skipEmpty>},
+    Setting{"gll_status", kSwitch, SetSwitch<&ReceiverSettings::gllStatus>},
+    Setting{"ggk_published_layout", kSwitch, SetSwitch<&ReceiverSettings::ggkPublishedLayout>},
+    Setting{"ggk_published_quality", kSwitch, SetSwitch<&ReceiverSettings::ggkPublishedQuality>},
+    Setting{"gns_best_mode", kSwitch, SetSwitch<&ReceiverSettings::gnsBestMode>},
     Setting{"nmea_checksum", kSwitch, SetSwitch<&ReceiverSettings::checksum>},
     Setting{"nmea_resync", kSwitch, SetSwitch<&ReceiverSettings::resync>},
-    Setting{"nmea_await_precision", kSwitch, SetSwitch<&ReceiverSettings::await_precision>},
+    Setting{"nmea_await_precision", kSwitch, SetSwitch<&ReceiverSettings::awaitPrecision>},
     Setting{"nmea_line_budget", "0 to 1000 lines",
-            SetUpTo<&ReceiverSettings::line_budget, kMostLines>},
+            SetUpTo<&ReceiverSettings::lineBudget, kMostLines>},
     Setting{"nmea_time_budget", "0 to 60000 milliseconds",
-            SetUpTo<&ReceiverSettings::time_budget_ms, kLongestReadingMs>},
-    Setting{"novatel_zero_undulation", kSwitch, SetSwitch<&ReceiverSettings::zero_undulation>},
-    Setting{"novatel_user_datum", kSwitch, SetSwitch<&ReceiverSettings::omnistar_user_datum>},
+            SetUpTo<&ReceiverSettings::timeBudgetMs, kLongestReadingMs>},
+    Setting{"novatel_zero_undulation", kSwitch, SetSwitch<&ReceiverSettings::zeroUndulation>},
+    Setting{"novatel_user_datum", kSwitch, SetSwitch<&ReceiverSettings::omnistarUserDatum>},
     Setting{"receiver_port", "a name of 1 to 15 letters", SetReceiverPort},
-    Setting{"dop_on_request", kSwitch, SetSwitch<&ReceiverSettings::request_dop>},
-    Setting{"ashtech_model", "0 to 6",
-            SetUpTo<&ReceiverSettings::ashtech_model, kLastAshtechModel>},
-    Setting{"ashtech_variant", "0 or 1", SetUpTo<&ReceiverSettings::ashtech_variant, 1>},
+    Setting{"dop_on_request", kSwitch, SetSwitch<&ReceiverSettings::requestDop>},
+    Setting{"ashtech_model", "0 to 6", SetUpTo<&ReceiverSettings::ashtechModel, kLastAshtechModel>},
+    Setting{"ashtech_variant", "0 or 1", SetUpTo<&ReceiverSettings::ashtechVariant, 1>},
     Setting{"ashtech_port", "a letter", SetAshtechPort},
-    Setting{"ashtech_skip_retry", kSwitch, SetSwitch<&ReceiverSettings::ashtech_skip_retry>},
-    Setting{"bSendGGA", kSwitch, SetSwitch<&ReceiverSettings::send_gga>},
-    Setting{"bGPSRover_SendGGA", kSwitch, SetSwitch<&ReceiverSettings::rover_send_gga>},
+    Setting{"ashtech_skip_retry", kSwitch, SetSwitch<&ReceiverSettings::ashtechSkipRetry>},
+    Setting{"bSendGGA", kSwitch, SetSwitch<&ReceiverSettings::sendGga>},
+    Setting{"bGPSRover_SendGGA", kSwitch, SetSwitch<&ReceiverSettings::roverSendGga>},
     Setting{"gga_interval", "1 to 3600 seconds", SetGgaInterval},
 };
 

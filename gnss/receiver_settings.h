@@ -59,35 +59,35 @@ inline constexpr int kReadRd1 = 4;  ///< sokAx3DiffChoice
 
 struct ReceiverSettings {
   PositionSentence position = PositionSentence::Gga;
-  int satellite_family = 0;
-  bool no_rms = false;
-  int differential_choice = 0;
-  bool any_talker = false;
-  bool skip_empty = false;
-  bool gll_status = false;
-  bool ggk_published_layout = false;
-  bool ggk_published_quality = false;
-  bool gns_best_mode = false;
+  int satelliteFamily = 0;
+  bool noRms = false;
+  int differentialChoice = 0;
+  bool anyTalker = false;
+  bool skipEmpty = false;
+  bool gllStatus = false;
+  bool ggkPublishedLayout = false;
+  bool ggkPublishedQuality = false;
+  bool gnsBestMode = false;
   bool checksum = false;
   bool resync = false;
-  bool await_precision = false;
-  bool request_dop = false;
-  int line_budget = 0;     ///< 0: the make's
-  int time_budget_ms = 0;  ///< 0: the make's
-  bool zero_undulation = true;
-  bool omnistar_user_datum = false;
-  FixedText<15> receiver_port = {};  ///< empty: THISPORT
-  int ashtech_model = 0;
-  int ashtech_variant = 0;
-  char ashtech_port = 'A';
-  bool ashtech_skip_retry = false;
-  bool send_gga = true;
-  bool rover_send_gga = false;
-  int gga_interval_s = 10;
+  bool awaitPrecision = false;
+  bool requestDop = false;
+  int lineBudget = 0;    ///< 0: the make's
+  int timeBudgetMs = 0;  ///< 0: the make's
+  bool zeroUndulation = true;
+  bool omnistarUserDatum = false;
+  FixedText<15> receiverPort = {};  ///< empty: THISPORT
+  int ashtechModel = 0;
+  int ashtechVariant = 0;
+  char ashtechPort = 'A';
+  bool ashtechSkipRetry = false;
+  bool sendGga = true;
+  bool roverSendGga = false;
+  int ggaIntervalS = 10;
   DistanceUnit unit = DistanceUnit::Metres;  ///< the job's; not a key of the file
 
   std::string_view ReceiverPort() const {
-    return receiver_port.empty() ? std::string_view("THISPORT") : receiver_port.view();
+    return receiverPort.empty() ? std::string_view("THISPORT") : receiverPort.view();
   }
   bool operator==(const ReceiverSettings&) const = default;
 };

@@ -23,8 +23,8 @@ class ReplayDevice final : public ByteDevice {
     begin_ = end_ = 0;
     return {};
   }
-  bool is_open() const override { return file_ != nullptr; }
-  bool is_recording() const override { return true; }
+  bool isOpen() const override { return file_ != nullptr; }
+  bool isRecording() const override { return true; }
 
   DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
     timeouts = timeouts_;

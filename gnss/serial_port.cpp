@@ -52,15 +52,15 @@ PortError SerialPort::SetLine(int portNumber, std::uint32_t baudRate, std::uint3
   return SetLine("COM" + std::to_string(portNumber) + ":", baudRate, dataBits, parity, stopBits);
 }
 
-PortError SerialPort::SetLine(std::string_view device_name, std::uint32_t baudRate,
+PortError SerialPort::SetLine(std::string_view deviceName, std::uint32_t baudRate,
                               std::uint32_t dataBits, std::uint32_t parity,
                               std::uint32_t stopBits) {
-  set_name(std::string(device_name));
+  setName(std::string(deviceName));
   baudRate_ = baudRate;
   dataBits_ = dataBits;
   parity_ = parity;
   stopBits_ = stopBits;
-  return is_open() ? Configure() : PortError::None;
+  return isOpen() ? Configure() : PortError::None;
 }
 
 SerialLine SerialPort::StoredLine() const {
@@ -71,7 +71,7 @@ SerialLine SerialPort::StoredLine() const {
 }
 
 PortError SerialPort::Configure() {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   SerialLine line;
   if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
   if (!device_->SetLine(StoredLine()).ok()) {
@@ -82,7 +82,7 @@ PortError SerialPort::Configure() {
 }
 
 PortError SerialPort::SetBaudRate(std::uint32_t baud) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   if (baud < kLowestBaud || baud >= kAboveHighestBaud) return Fail(PortError::ConfigureFailed);
   SerialLine line;
   if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
@@ -93,22 +93,22 @@ PortError SerialPort::SetBaudRate(std::uint32_t baud) {
 }
 
 PortError SerialPort::GetBaudRate(std::uint32_t& baud) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   SerialLine line;
   if (!device_->GetLine(line).ok()) return Fail(PortError::ConfigureFailed);
   baud = line.baudRate;
   return PortError::None;
 }
 
-PortError SerialPort::SendBreak(int duration_ms) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+PortError SerialPort::SendBreak(int durationMs) {
+  if (!isOpen()) return Fail(PortError::NotOpen);
   if (!device_->SetBreak().ok()) return Fail(PortError::BreakFailed);
-  clock_.SleepMilliseconds(std::max(duration_ms, kShortestBreakMs));
+  clock_.SleepMilliseconds(std::max(durationMs, kShortestBreakMs));
   return device_->ClearBreak().ok() ? PortError::None : Fail(PortError::BreakFailed);
 }
 
 PortError SerialPort::Checked(DeviceStatus (SerialDevice::*operation)(), PortError failure) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   return (device_->*operation)().ok() ? PortError::None : Fail(failure);
 }
 
@@ -125,13 +125,13 @@ PortError SerialPort::Flush() {
 }
 
 PortError SerialPort::SetQueueSizes(std::uint32_t in, std::uint32_t out) {
-  if (!is_open()) return Fail(PortError::NotOpen);
+  if (!isOpen()) return Fail(PortError::NotOpen);
   return device_->SetQueueSizes(in, out).ok() ? PortError::None : Fail(PortError::QueueSizesFailed);
 }
 
 bool SerialPort::DsrOn() {
   bool on = false;
-  return is_open() && device_->GetDsr(on).ok() && on;
+  return isOpen() && device_->GetDsr(on).ok() && on;
 }
 
 }  // namespace tarvex

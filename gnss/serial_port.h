@@ -28,7 +28,7 @@ class SerialPort final : public Port {
   PortError SetLine(int portNumber, std::uint32_t baudRate, std::uint32_t dataBits,
                     std::uint32_t parity, std::uint32_t stopBits);
   /// The same by device name ("/dev/ttyUSB0"), as systems without port numbers have them.
-  PortError SetLine(std::string_view device_name, std::uint32_t baudRate, std::uint32_t dataBits,
+  PortError SetLine(std::string_view deviceName, std::uint32_t baudRate, std::uint32_t dataBits,
                     std::uint32_t parity, std::uint32_t stopBits);
 
   /// Sets the line to the stored settings: no flow control, DTR and RTS on.
@@ -37,8 +37,8 @@ class SerialPort final : public Port {
   PortError SetBaudRate(std::uint32_t baud);
   PortError GetBaudRate(std::uint32_t& baud);
 
-  /// Holds the break for `duration_ms`, at least 10 ms.
-  PortError SendBreak(int duration_ms);
+  /// Holds the break for `durationMs`, at least 10 ms.
+  PortError SendBreak(int durationMs);
   PortError ClearErrors();
   PortError PurgeOutput();
   PortError Flush();

@@ -30,30 +30,30 @@ void SimulatedReceiver::Begin(const LocalTime& now, GnssPositionState& state) {
   const int seconds = (now.hour * 60 + now.minute) * 60 + now.second;
   random_ = static_cast<std::uint64_t>(((now.year * 12 + now.month) * 31 + now.day)) * 86400U +
             static_cast<std::uint64_t>(seconds);
-  state.epoch_ms = seconds * 1000 - kEpochStepMs;
+  state.epochMs = seconds * 1000 - kEpochStepMs;
   if (state.latitude != 0.0 || state.longitude != 0.0) return;
-  state.latitude = start_latitude;
-  state.longitude = start_longitude;
-  state.height = start_height;
-  state.height_known = true;
+  state.latitude = startLatitude;
+  state.longitude = startLongitude;
+  state.height = startHeight;
+  state.heightKnown = true;
 }
 
 void SimulatedReceiver::Step(Clock& clock, DistanceUnit unit, GnssPositionState& state) {
   if (!begun_) Begin(clock.Now(), state);
-  state.epoch_ms = (state.epoch_ms + kEpochStepMs + kDayMs) % kDayMs;
+  state.epochMs = (state.epochMs + kEpochStepMs + kDayMs) % kDayMs;
   state.latitude += Random() * kStepDegrees;
   state.longitude += Random() * kStepDegrees;
   state.height += Random() * kStepHeight;
-  hrms_m_ = std::clamp(hrms_m_ + Random() * kStepPrecision, 0.005, 0.020);
-  vrms_m_ = std::clamp(vrms_m_ + Random() * kStepPrecision, 0.008, 0.035);
-  state.hrms = FromMetres(hrms_m_, unit);
-  state.vrms = FromMetres(vrms_m_, unit);
-  state.precision_epoch_ms = state.epoch_ms;
-  state.precision_known = true;
+  hrmsM_ = std::clamp(hrmsM_ + Random() * kStepPrecision, 0.005, 0.020);
+  vrmsM_ = std::clamp(vrmsM_ + Random() * kStepPrecision, 0.008, 0.035);
+  state.hrms = FromMetres(hrmsM_, unit);
+  state.vrms = FromMetres(vrmsM_, unit);
+  state.precisionEpochMs = state.epochMs;
+  state.precisionKnown = true;
   state.solutionType = SolutionType::Fixed;
   state.satellites = static_cast<std::int32_t>(kSatellites.size());
   for (std::size_t i = 0; i < kSatellites.size(); ++i) {
-    state.usedSatellites[i] = {.prn = kSatellites[i], .in_use = 1};
+    state.usedSatellites[i] = {.prn = kSatellites[i], .inUse = 1};
   }
   state.pdop = 1.4;
   state.hdop = 0.8;

@@ -13,9 +13,9 @@ namespace tarvex {
 class SimulatedReceiver {
  public:
   /// Where the walk begins when the state has no position yet.
-  double start_latitude = 46.815172;
-  double start_longitude = 9.267419;
-  double start_height = 1101.4;
+  double startLatitude = 46.815172;
+  double startLongitude = 9.267419;
+  double startHeight = 1101.4;
 
   /// Moves the state on by one epoch: at most some centimetres, FIXED, HRMS 0.005 to 0.020 m, VRMS
   /// 0.008 to 0.035 m. The first step takes its seed and its epoch from the clock.
@@ -26,8 +26,8 @@ class SimulatedReceiver {
   double Random();  // -1 to 1
 
   std::uint64_t random_ = 0;
-  double hrms_m_ = 0.010;
-  double vrms_m_ = 0.016;
+  double hrmsM_ = 0.010;
+  double vrmsM_ = 0.016;
   bool begun_ = false;
 };
 

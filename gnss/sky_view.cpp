@@ -17,7 +17,7 @@ constexpr std::size_t kTypeAt = 3;
 struct System {
   std::string_view talker;
   SatelliteSystem bit;
-  char gsa_id;
+  char gsaId;
 };
 
 constexpr System kSystems[] = {{"GP", kSatelliteGps, '1'},     {"GL", kSatelliteGlonass, '2'},
@@ -39,10 +39,10 @@ bool IsType(std::string_view line, std::string_view type) {
 
 }  // namespace
 
-void SkyView::OnLine(std::string_view line, std::int64_t now_ms) {
+void SkyView::OnLine(std::string_view line, std::int64_t nowMs) {
   const bool gsv = IsType(line, "GSV,");
   if ((!gsv && !IsType(line, "GSA,")) || !ChecksumHolds(line)) return;
-  gsv ? TakeGsv(line, now_ms) : TakeGsa(line, now_ms);
+  gsv ? TakeGsv(line, nowMs) : TakeGsa(line, nowMs);
 }
 
 bool SkyView::Shows(std::string_view system) const {
@@ -53,13 +53,13 @@ bool SkyView::Shows(std::string_view system) const {
   return true;
 }
 
-void SkyView::TakeGsa(std::string_view line, std::int64_t now_ms) {
+void SkyView::TakeGsa(std::string_view line, std::int64_t nowMs) {
   constexpr int kPrns = 12;
   const std::string_view talker = line.substr(1, 2);
   FieldCursor fields(FirstField(line, '*'));
-  FieldCursor id_at = fields;
+  FieldCursor idAt = fields;
   std::string_view id;
-  const bool has_id = id_at.Skip(18) && id_at.Take(id) && !id.empty();
+  const bool hasId = idAt.Skip(18) && idAt.Take(id) && !id.empty();
   if (!fields.Skip(3)) return;
   std::string_view field;
   for (int i = 0; i < kPrns && fields.Take(field); ++i) {
@@ -67,22 +67,22 @@ void SkyView::TakeGsa(std::string_view line, std::int64_t now_ms) {
     const int prn = NmeaInteger(field);
     std::string_view system = talker == "GN" ? SystemOfNumber(prn) : talker;
     for (const System& known : kSystems) {
-      if (talker == "GN" && has_id && known.gsa_id == id[0] && known.talker != "BD" &&
+      if (talker == "GN" && hasId && known.gsaId == id[0] && known.talker != "BD" &&
           known.talker != "QZ") {
         system = known.talker;
       }
     }
     if (used_.size() >= kMostSatellites) used_.clear();
-    used_[{std::string(system), prn}] = now_ms;
+    used_[{std::string(system), prn}] = nowMs;
   }
 }
 
-std::vector<SystemCount> SkyView::Counts(std::int64_t now_ms) const {
+std::vector<SystemCount> SkyView::Counts(std::int64_t nowMs) const {
   std::map<std::string, SystemCount> counts;
-  for (const SatelliteInView& satellite : InView(now_ms)) ++counts[satellite.system].in_view;
-  for (const auto& [satellite, told_at_ms] : used_) {
-    if (now_ms - told_at_ms <= kUnusedAfterMs && Shows(satellite.first)) {
-      ++counts[satellite.first].in_use;
+  for (const SatelliteInView& satellite : InView(nowMs)) ++counts[satellite.system].inView;
+  for (const auto& [satellite, toldAtMs] : used_) {
+    if (nowMs - toldAtMs <= kUnusedAfterMs && Shows(satellite.first)) {
+      ++counts[satellite.first].inUse;
     }
   }
   std::vector<SystemCount> list;
@@ -93,7 +93,7 @@ std::vector<SystemCount> SkyView::Counts(std::int64_t now_ms) const {
   return list;
 }
 
-void SkyView::TakeGsv(std::string_view line, std::int64_t now_ms) {
+void SkyView::TakeGsv(std::string_view line, std::int64_t nowMs) {
   FieldCursor fields(FirstField(line, '*'));
   if (!fields.Skip(4)) return;
   const std::string system(line.substr(1, 2));
@@ -107,17 +107,17 @@ void SkyView::TakeGsv(std::string_view line, std::int64_t now_ms) {
     if (seen_.size() >= kMostSatellites) seen_.clear();
     seen_[{system, number}] = {.satellite = {.system = system,
                                              .prn = number,
-                                             .elevation_deg = NmeaInteger(elevation),
-                                             .azimuth_deg = NmeaInteger(azimuth),
+                                             .elevationDeg = NmeaInteger(elevation),
+                                             .azimuthDeg = NmeaInteger(azimuth),
                                              .snr = snr.empty() ? -1 : NmeaInteger(snr)},
-                               .at_ms = now_ms};
+                               .atMs = nowMs};
   }
 }
 
-std::vector<SatelliteInView> SkyView::InView(std::int64_t now_ms) const {
+std::vector<SatelliteInView> SkyView::InView(std::int64_t nowMs) const {
   std::vector<SatelliteInView> satellites;
   for (const auto& [key, seen] : seen_) {
-    if (now_ms - seen.at_ms <= kForgottenAfterMs && Shows(key.first))
+    if (nowMs - seen.atMs <= kForgottenAfterMs && Shows(key.first))
       satellites.push_back(seen.satellite);
   }
   return satellites;

@@ -14,16 +14,16 @@ namespace tarvex {
 struct SatelliteInView {
   std::string system;  ///< talker: "GP", "GL", "GA", "GB", ...
   int prn = 0;
-  int elevation_deg = 0;
-  int azimuth_deg = 0;
+  int elevationDeg = 0;
+  int azimuthDeg = 0;
   int snr = -1;  ///< dB-Hz; -1 when it is not tracked
 };
 
 /// The satellites of one system.
 struct SystemCount {
   std::string system;  ///< talker
-  int in_use = 0;
-  int in_view = 0;
+  int inUse = 0;
+  int inView = 0;
 };
 
 class SkyView {
@@ -31,25 +31,25 @@ class SkyView {
   /// Leaves out all systems but these (SatelliteSystem); 0: none is left out.
   void ShowOnly(int systems) { systems_ = systems; }
 
-  /// Takes a GSV or GSA sentence; leaves out everything else. `now_ms` is the steady clock.
-  void OnLine(std::string_view line, std::int64_t now_ms);
+  /// Takes a GSV or GSA sentence; leaves out everything else. `nowMs` is the steady clock.
+  void OnLine(std::string_view line, std::int64_t nowMs);
 
   /// What was told in the last few seconds, by system and number.
-  std::vector<SatelliteInView> InView(std::int64_t now_ms) const;
+  std::vector<SatelliteInView> InView(std::int64_t nowMs) const;
 
   /// How many of each system are in view and in use, by system.
-  std::vector<SystemCount> Counts(std::int64_t now_ms) const;
+  std::vector<SystemCount> Counts(std::int64_t nowMs) const;
 
  private:
   using Satellite = std::pair<std::string, int>;  // talker and number
 
-  void TakeGsv(std::string_view line, std::int64_t now_ms);
-  void TakeGsa(std::string_view line, std::int64_t now_ms);
+  void TakeGsv(std::string_view line, std::int64_t nowMs);
+  void TakeGsa(std::string_view line, std::int64_t nowMs);
   bool Shows(std::string_view system) const;
 
   struct Seen {
     SatelliteInView satellite;
-    std::int64_t at_ms = 0;
+    std::int64_t atMs = 0;
   };
   std::map<Satellite, Seen> seen_;
   std::map<Satellite, std::int64_t> used_;  // and when that was told

@@ -28,17 +28,17 @@ class FieldCursor {
 
   /// The next field, which may be empty; false when there are no more.
   constexpr bool Take(std::string_view& field) {
-    if (at_end_) return false;
+    if (atEnd_) return false;
     std::size_t length = 0;
     while (length < rest_.size() && rest_[length] != ',') ++length;
     field = rest_.substr(0, length);
-    at_end_ = length == rest_.size();
-    rest_.remove_prefix(at_end_ ? length : length + 1);
+    atEnd_ = length == rest_.size();
+    rest_.remove_prefix(atEnd_ ? length : length + 1);
     return true;
   }
 
   /// Whether the next field is there and empty.
-  constexpr bool NextIsEmpty() const { return !at_end_ && (rest_.empty() || rest_.front() == ','); }
+  constexpr bool NextIsEmpty() const { return !atEnd_ && (rest_.empty() || rest_.front() == ','); }
 
   constexpr bool Skip(int count) {
     std::string_view skipped;
@@ -48,7 +48,7 @@ class FieldCursor {
 
  private:
   std::string_view rest_;
-  bool at_end_ = false;
+  bool atEnd_ = false;
 };
 
 }  // namespace tarvex

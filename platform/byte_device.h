@@ -39,18 +39,18 @@ struct [[nodiscard]] DeviceStatus {
 struct ReadTimeouts {
   static constexpr std::uint32_t kAtOnce = std::numeric_limits<std::uint32_t>::max();
 
-  std::uint32_t interval_ms = 0;
-  std::uint32_t multiplier_ms = 0;
-  std::uint32_t constant_ms = 0;
+  std::uint32_t intervalMs = 0;
+  std::uint32_t multiplierMs = 0;
+  std::uint32_t constantMs = 0;
 
-  bool at_once() const { return interval_ms == kAtOnce && multiplier_ms == 0 && constant_ms == 0; }
+  bool atOnce() const { return intervalMs == kAtOnce && multiplierMs == 0 && constantMs == 0; }
   bool operator==(const ReadTimeouts&) const = default;
 };
 
 /// How long a write waits: multiplier for each byte plus constant; both 0 is no limit.
 struct WriteTimeouts {
-  std::uint32_t multiplier_ms = 0;
-  std::uint32_t constant_ms = 0;
+  std::uint32_t multiplierMs = 0;
+  std::uint32_t constantMs = 0;
 
   bool operator==(const WriteTimeouts&) const = default;
 };
@@ -72,9 +72,9 @@ class ByteDevice {
 
   virtual DeviceStatus Open(const std::string& name) = 0;
   virtual DeviceStatus Close() = 0;
-  virtual bool is_open() const = 0;
+  virtual bool isOpen() const = 0;
   /// What it has to say waits for whoever reads it: nothing of it grows old.
-  virtual bool is_recording() const { return false; }
+  virtual bool isRecording() const { return false; }
 
   virtual DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) = 0;
   virtual DeviceStatus SetTimeouts(const DeviceTimeouts& timeouts) = 0;

@@ -26,7 +26,7 @@ class Clock {
   virtual LocalTime Now() = 0;
   /// Milliseconds since an arbitrary start; never goes back.
   virtual std::int64_t SteadyMilliseconds() = 0;
-  virtual void SleepMilliseconds(std::int64_t duration_ms) = 0;
+  virtual void SleepMilliseconds(std::int64_t durationMs) = 0;
 };
 
 /// The clock of this machine.

@@ -28,8 +28,8 @@ class PosixClock final : public Clock {
         .count();
   }
 
-  void SleepMilliseconds(std::int64_t duration_ms) override {
-    std::this_thread::sleep_for(std::chrono::milliseconds(duration_ms));
+  void SleepMilliseconds(std::int64_t durationMs) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(durationMs));
   }
 };
 

@@ -14,7 +14,7 @@ namespace tarvex {
 template <typename Base>
 class DescriptorDevice : public Base {
  public:
-  bool is_open() const override { return descriptor_ >= 0; }
+  bool isOpen() const override { return descriptor_ >= 0; }
 
   DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
     timeouts = timeouts_;
@@ -45,8 +45,8 @@ class DescriptorDevice : public Base {
   void Skip(std::size_t count) override { reader_.Skip(count); }
 
  protected:
-  DescriptorDevice(DescriptorKind kind, std::size_t read_ahead, StopAsked stop = {})
-      : stop_(std::move(stop)), reader_(read_ahead), kind_(kind) {}
+  DescriptorDevice(DescriptorKind kind, std::size_t readAhead, StopAsked stop = {})
+      : stop_(std::move(stop)), reader_(readAhead), kind_(kind) {}
 
   int descriptor_ = -1;
   StopAsked stop_;

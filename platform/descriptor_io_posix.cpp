@@ -15,13 +15,12 @@ namespace {
 constexpr std::int64_t kForEver = -1;
 constexpr std::int64_t kStopStepUs = 50'000;
 
-std::int64_t Deadline(std::int64_t start_us, std::uint32_t multiplier_ms, std::uint32_t constant_ms,
+std::int64_t Deadline(std::int64_t startUs, std::uint32_t multiplierMs, std::uint32_t constantMs,
                       std::size_t count) {
-  if (multiplier_ms == 0 && constant_ms == 0) return kForEver;
-  const auto total_ms =
-      static_cast<std::int64_t>(multiplier_ms) * static_cast<std::int64_t>(count) +
-      static_cast<std::int64_t>(constant_ms);
-  return start_us + total_ms * 1000;
+  if (multiplierMs == 0 && constantMs == 0) return kForEver;
+  const auto totalMs = static_cast<std::int64_t>(multiplierMs) * static_cast<std::int64_t>(count) +
+                       static_cast<std::int64_t>(constantMs);
+  return startUs + totalMs * 1000;
 }
 
 std::int64_t Sooner(std::int64_t a, std::int64_t b) {
@@ -31,11 +30,11 @@ std::int64_t Sooner(std::int64_t a, std::int64_t b) {
 }
 
 // Rounded up: a wait that is cut short would spin through its last millisecond.
-int PollTimeout(std::int64_t until_us) {
-  if (until_us == kForEver) return -1;
-  const std::int64_t left_us = until_us - SteadyMicroseconds();
-  if (left_us <= 0) return 0;
-  return static_cast<int>(std::min<std::int64_t>((left_us + 999) / 1000, 1'000'000'000));
+int PollTimeout(std::int64_t untilUs) {
+  if (untilUs == kForEver) return -1;
+  const std::int64_t leftUs = untilUs - SteadyMicroseconds();
+  if (leftUs <= 0) return 0;
+  return static_cast<int>(std::min<std::int64_t>((leftUs + 999) / 1000, 1'000'000'000));
 }
 
 // A socket whose far end is gone must fail the call, not end the program with a signal.
@@ -53,19 +52,19 @@ std::int64_t SteadyMicroseconds() {
       .count();
 }
 
-DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& ready,
+DeviceStatus WaitFor(int descriptor, short events, std::int64_t untilUs, bool& ready,
                      const StopAsked& stop) {
   ready = false;
   for (;;) {
     if (stop && stop()) return {ECANCELED};
     pollfd wanted{.fd = descriptor, .events = events, .revents = 0};
-    const std::int64_t step_us = stop ? SteadyMicroseconds() + kStopStepUs : kForEver;
-    const int timeout_ms = PollTimeout(Sooner(until_us, step_us));
-    const int count = ::poll(&wanted, 1, timeout_ms);
+    const std::int64_t stepUs = stop ? SteadyMicroseconds() + kStopStepUs : kForEver;
+    const int timeoutMs = PollTimeout(Sooner(untilUs, stepUs));
+    const int count = ::poll(&wanted, 1, timeoutMs);
     if (count < 0 && errno != EINTR) return {errno};
     ready = count > 0;
-    if (ready || timeout_ms == 0) return {};
-    if (until_us != kForEver && SteadyMicroseconds() >= until_us) return {};
+    if (ready || timeoutMs == 0) return {};
+    if (untilUs != kForEver && SteadyMicroseconds() >= untilUs) return {};
   }
 }
 
@@ -94,30 +93,28 @@ DeviceStatus DescriptorReader::Read(int descriptor, const ReadTimeouts& timeouts
                                     std::span<char> out, std::size_t& got, const StopAsked& stop) {
   got = TakeHeld(out);
   if (got == out.size()) return {};
-  const std::int64_t start_us = SteadyMicroseconds();
-  const std::int64_t total_us =
-      Deadline(start_us, timeouts.multiplier_ms, timeouts.constant_ms, out.size());
-  const bool interval_set =
-      timeouts.interval_ms != 0 && timeouts.interval_ms != ReadTimeouts::kAtOnce;
-  std::int64_t last_byte_us = start_us;
+  const std::int64_t startUs = SteadyMicroseconds();
+  const std::int64_t totalUs =
+      Deadline(startUs, timeouts.multiplierMs, timeouts.constantMs, out.size());
+  const bool intervalSet = timeouts.intervalMs != 0 && timeouts.intervalMs != ReadTimeouts::kAtOnce;
+  std::int64_t lastByteUs = startUs;
   for (;;) {
     if (const DeviceStatus status = Refill(descriptor); !status.ok()) {
       return got > 0 ? DeviceStatus{} : status;
     }
     if (const std::size_t count = TakeHeld(out.subspan(got)); count > 0) {
       got += count;
-      last_byte_us = SteadyMicroseconds();
+      lastByteUs = SteadyMicroseconds();
       if (got == out.size()) return {};
       continue;
     }
-    if (timeouts.at_once()) return {};
-    const std::int64_t interval_us =
-        interval_set && got > 0
-            ? last_byte_us + static_cast<std::int64_t>(timeouts.interval_ms) * 1000
-            : kForEver;
+    if (timeouts.atOnce()) return {};
+    const std::int64_t intervalUs =
+        intervalSet && got > 0 ? lastByteUs + static_cast<std::int64_t>(timeouts.intervalMs) * 1000
+                               : kForEver;
     bool ready = false;
     const DeviceStatus status =
-        WaitFor(descriptor, POLLIN, Sooner(total_us, interval_us), ready, stop);
+        WaitFor(descriptor, POLLIN, Sooner(totalUs, intervalUs), ready, stop);
     if (!status.ok()) return status;
     if (!ready) return {};
   }
@@ -126,8 +123,8 @@ DeviceStatus DescriptorReader::Read(int descriptor, const ReadTimeouts& timeouts
 DeviceStatus WriteWithin(int descriptor, DescriptorKind kind, const WriteTimeouts& timeouts,
                          std::string_view bytes, std::size_t& written, const StopAsked& stop) {
   written = 0;
-  const std::int64_t until_us =
-      Deadline(SteadyMicroseconds(), timeouts.multiplier_ms, timeouts.constant_ms, bytes.size());
+  const std::int64_t untilUs =
+      Deadline(SteadyMicroseconds(), timeouts.multiplierMs, timeouts.constantMs, bytes.size());
   while (written < bytes.size()) {
     const ssize_t n = WriteSome(descriptor, kind, bytes.substr(written));
     if (n > 0) {
@@ -137,7 +134,7 @@ DeviceStatus WriteWithin(int descriptor, DescriptorKind kind, const WriteTimeout
     if (n < 0 && errno == EINTR) continue;
     if (n < 0 && errno != EAGAIN) return {errno};
     bool ready = false;
-    if (const DeviceStatus status = WaitFor(descriptor, POLLOUT, until_us, ready, stop);
+    if (const DeviceStatus status = WaitFor(descriptor, POLLOUT, untilUs, ready, stop);
         !status.ok()) {
       return status;
     }

@@ -37,9 +37,9 @@ enum class DescriptorKind { Device, Socket };
 DeviceStatus WriteWithin(int descriptor, DescriptorKind kind, const WriteTimeouts& timeouts,
                          std::string_view bytes, std::size_t& written, const StopAsked& stop = {});
 
-/// Waits until `events` (POLLIN, POLLOUT) come or `until_us` of SteadyMicroseconds has passed;
+/// Waits until `events` (POLLIN, POLLOUT) come or `untilUs` of SteadyMicroseconds has passed;
 /// negative waits for ever. `ready` is false when the time ran out. ECANCELED when `stop` said so.
-DeviceStatus WaitFor(int descriptor, short events, std::int64_t until_us, bool& ready,
+DeviceStatus WaitFor(int descriptor, short events, std::int64_t untilUs, bool& ready,
                      const StopAsked& stop = {});
 
 /// Microseconds since an arbitrary start; never goes back.

@@ -5,7 +5,7 @@
 
 namespace tarvex {
 
-bool FileStatus::not_found() const {
+bool FileStatus::notFound() const {
   return code == ENOENT;
 }
 
@@ -43,7 +43,7 @@ FileStatus OpenLocked(FileSystem& files, const std::string& path, FileAccess acc
     std::unique_ptr<File> opened;
     if (FileStatus status = files.Open(path, access, opened); !status.ok()) return status;
     if (!opened->LockAtOnce()) {
-      if (attempt == 0 && files.when_waiting) files.when_waiting(path);
+      if (attempt == 0 && files.whenWaiting) files.whenWaiting(path);
       if (FileStatus status = opened->Lock(); !status.ok()) return status;
     }
     if (opened->IsNamed(path)) {
@@ -70,12 +70,12 @@ class StagedFile {
     return status;
   }
   /// The end of `status`, the way here: what was staged goes when it failed.
-  FileStatus Settle(FileStatus status, const std::string& folder_of) {
+  FileStatus Settle(FileStatus status, const std::string& folderOf) {
     if (!status.ok()) {
       if (file_) (void)files_.Remove(path_);
       return status;
     }
-    status = files_.SyncFolderOf(folder_of);
+    status = files_.SyncFolderOf(folderOf);
     if (!status.ok()) status.effect = FileEffect::NotDurable;
     return status;
   }

@@ -29,7 +29,7 @@ struct [[nodiscard]] FileStatus {
   bool ok() const { return code == 0; }
   /// True when the change was made, be it without being durable.
   bool done() const { return ok() || effect == FileEffect::NotDurable; }
-  bool not_found() const;
+  bool notFound() const;
   /// The system's own text for the error ("No space left on device").
   std::string Text() const;
 
@@ -88,7 +88,7 @@ class FileSystem {
   virtual bool IsReplaceable(const std::string& path) = 0;
 
   /// Called with the path before OpenLocked waits for another program.
-  std::function<void(const std::string& path)> when_waiting;
+  std::function<void(const std::string& path)> whenWaiting;
 };
 
 /// Opens and locks. Another program may have replaced the file while we waited for its lock: then

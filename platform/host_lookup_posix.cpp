@@ -56,7 +56,7 @@ struct Lookup {
 
 }  // namespace
 
-DeviceStatus LookUpHost(const std::string& host, const std::string& port, std::uint32_t timeout_ms,
+DeviceStatus LookUpHost(const std::string& host, const std::string& port, std::uint32_t timeoutMs,
                         const StopAsked& stop, HostAddresses& addresses) {
   if (Ask(host, port, AI_NUMERICHOST, addresses).ok()) return {};
   const auto lookup = std::make_shared<Lookup>();
@@ -67,7 +67,7 @@ DeviceStatus LookUpHost(const std::string& host, const std::string& port, std::u
   } catch (const std::system_error& error) {
     return {error.code().value()};
   }
-  const auto until = steady_clock::now() + milliseconds(timeout_ms);
+  const auto until = steady_clock::now() + milliseconds(timeoutMs);
   std::unique_lock lock(lookup->mutex);
   while (!lookup->done) {
     const auto now = steady_clock::now();

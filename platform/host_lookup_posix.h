@@ -18,8 +18,8 @@ struct FreeAddresses {
 using HostAddresses = std::unique_ptr<addrinfo, FreeAddresses>;
 
 /// kUnknownHost when there is no such host, ETIMEDOUT when the answer takes longer than
-/// `timeout_ms`, ECANCELED when `stop` said so. A numeric address is never asked for.
-DeviceStatus LookUpHost(const std::string& host, const std::string& port, std::uint32_t timeout_ms,
+/// `timeoutMs`, ECANCELED when `stop` said so. A numeric address is never asked for.
+DeviceStatus LookUpHost(const std::string& host, const std::string& port, std::uint32_t timeoutMs,
                         const StopAsked& stop, HostAddresses& addresses);
 
 }  // namespace tarvex

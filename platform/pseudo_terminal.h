@@ -13,7 +13,7 @@ class PseudoTerminal {
   virtual ~PseudoTerminal() = default;
 
   /// The device that the other program opens; it passes raw bytes from the start.
-  virtual const std::string& device_name() const = 0;
+  virtual const std::string& deviceName() const = 0;
   /// Whether a program has the device open.
   virtual bool HasReader() = 0;
   /// Writes within `timeouts`; `written` says how far it came.

@@ -34,7 +34,7 @@ class Master final : public PseudoTerminal {
   Master& operator=(const Master&) = delete;
   ~Master() override { ::close(descriptor_); }
 
-  const std::string& device_name() const override { return name_; }
+  const std::string& deviceName() const override { return name_; }
 
   bool HasReader() override {
     pollfd wanted{.fd = descriptor_, .events = POLLOUT, .revents = 0};

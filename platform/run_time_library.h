@@ -13,7 +13,7 @@ class RunTimeLibrary {
  public:
   virtual ~RunTimeLibrary() = default;
   /// The address of an entry point; null when the library has none of that name.
-  virtual void* Find(const char* entry_name) = 0;
+  virtual void* Find(const char* entryName) = 0;
 };
 
 class RunTimeLibraries {

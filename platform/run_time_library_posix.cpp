@@ -16,7 +16,7 @@ class PosixLibrary final : public RunTimeLibrary {
   PosixLibrary(const PosixLibrary&) = delete;
   PosixLibrary& operator=(const PosixLibrary&) = delete;
 
-  void* Find(const char* entry_name) override { return dlsym(handle_, entry_name); }
+  void* Find(const char* entryName) override { return dlsym(handle_, entryName); }
 
  private:
   void* handle_;

@@ -166,8 +166,8 @@ class LinuxSerialDevice final : public DescriptorDevice<SerialDevice> {
       (void)::ioctl(descriptor_, TCSETS2, &before);
       return {EINVAL};
     }
-    int lines_on = TIOCM_DTR | TIOCM_RTS;
-    (void)::ioctl(descriptor_, TIOCMBIS, &lines_on);  // a pseudo-terminal has no such lines
+    int linesOn = TIOCM_DTR | TIOCM_RTS;
+    (void)::ioctl(descriptor_, TIOCMBIS, &linesOn);  // a pseudo-terminal has no such lines
     return {};
   }
 
@@ -182,12 +182,12 @@ class LinuxSerialDevice final : public DescriptorDevice<SerialDevice> {
 
   // Polled instead of tcdrain, which waits for ever on a line whose far end holds it up.
   DeviceStatus Flush() override {
-    const std::int64_t limit_us = SteadyMicroseconds() + kFlushLimitUs;
+    const std::int64_t limitUs = SteadyMicroseconds() + kFlushLimitUs;
     for (;;) {
       int queued = 0;
       if (::ioctl(descriptor_, TIOCOUTQ, &queued) != 0) return Failed();
       if (queued == 0) return {};
-      if (SteadyMicroseconds() > limit_us) return {ETIMEDOUT};
+      if (SteadyMicroseconds() > limitUs) return {ETIMEDOUT};
       bool ready = false;  // no event is asked for: this is a pause that ends on a hang-up
       const DeviceStatus status =
           WaitFor(descriptor_, 0, SteadyMicroseconds() + kFlushStepUs, ready);
@@ -198,7 +198,7 @@ class LinuxSerialDevice final : public DescriptorDevice<SerialDevice> {
 
   // The kernel sizes its own queues.
   DeviceStatus SetQueueSizes(std::uint32_t /*in*/, std::uint32_t /*out*/) override {
-    return is_open() ? DeviceStatus{} : DeviceStatus{EBADF};
+    return isOpen() ? DeviceStatus{} : DeviceStatus{EBADF};
   }
 
   DeviceStatus GetDsr(bool& on) override {

@@ -35,7 +35,7 @@ HostPort SplitHostPort(std::string_view name) {
   return {std::string(host), std::string(name.substr(colon + 1))};
 }
 
-DeviceStatus Connect(const addrinfo& address, std::uint32_t timeout_ms, const StopAsked& stop,
+DeviceStatus Connect(const addrinfo& address, std::uint32_t timeoutMs, const StopAsked& stop,
                      int& descriptor) {
   descriptor =
       ::socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, address.ai_protocol);
@@ -46,8 +46,8 @@ DeviceStatus Connect(const addrinfo& address, std::uint32_t timeout_ms, const St
       status = {errno};
     } else {
       bool ready = false;
-      const std::int64_t until_us = SteadyMicroseconds() + std::int64_t{timeout_ms} * 1000;
-      status = WaitFor(descriptor, POLLOUT, until_us, ready, stop);
+      const std::int64_t untilUs = SteadyMicroseconds() + std::int64_t{timeoutMs} * 1000;
+      status = WaitFor(descriptor, POLLOUT, untilUs, ready, stop);
       int error = 0;
       socklen_t size = sizeof error;
       if (status.ok() && !ready) status = {ETIMEDOUT};
@@ -83,9 +83,9 @@ void AskWhetherItLives(int descriptor) {
 
 class TcpDevice final : public DescriptorDevice<ByteDevice> {
  public:
-  TcpDevice(std::uint32_t connect_timeout_ms, StopAsked stop, int descriptor = -1)
+  TcpDevice(std::uint32_t connectTimeoutMs, StopAsked stop, int descriptor = -1)
       : DescriptorDevice(DescriptorKind::Socket, kReadAhead, std::move(stop)),
-        connect_timeout_ms_(connect_timeout_ms) {
+        connectTimeoutMs_(connectTimeoutMs) {
     descriptor_ = descriptor;
   }
   TcpDevice(const TcpDevice&) = delete;
@@ -96,10 +96,9 @@ class TcpDevice final : public DescriptorDevice<ByteDevice> {
     (void)CloseSocket();
     const HostPort target = SplitHostPort(name);
     HostAddresses addresses;
-    DeviceStatus status =
-        LookUpHost(target.host, target.port, connect_timeout_ms_, stop_, addresses);
+    DeviceStatus status = LookUpHost(target.host, target.port, connectTimeoutMs_, stop_, addresses);
     for (const addrinfo* at = addresses.get(); at != nullptr; at = at->ai_next) {
-      status = Connect(*at, connect_timeout_ms_, stop_, descriptor_);
+      status = Connect(*at, connectTimeoutMs_, stop_, descriptor_);
       if (status.ok()) SendWithoutDelay(descriptor_);
       if (status.ok()) AskWhetherItLives(descriptor_);
       if (status.ok() || status.code == ECANCELED) break;
@@ -131,7 +130,7 @@ class TcpDevice final : public DescriptorDevice<ByteDevice> {
     return {};
   }
 
-  std::uint32_t connect_timeout_ms_;
+  std::uint32_t connectTimeoutMs_;
 };
 
 class LoopbackListener final : public TcpListener {
@@ -143,10 +142,10 @@ class LoopbackListener final : public TcpListener {
 
   int port() const override { return port_; }
 
-  DeviceStatus Accept(int timeout_ms, std::unique_ptr<ByteDevice>& connection) override {
+  DeviceStatus Accept(int timeoutMs, std::unique_ptr<ByteDevice>& connection) override {
     bool ready = false;
-    const std::int64_t until_us = SteadyMicroseconds() + std::int64_t{timeout_ms} * 1000;
-    const DeviceStatus status = WaitFor(descriptor_, POLLIN, until_us, ready);
+    const std::int64_t untilUs = SteadyMicroseconds() + std::int64_t{timeoutMs} * 1000;
+    const DeviceStatus status = WaitFor(descriptor_, POLLIN, untilUs, ready);
     if (!status.ok() || !ready) return status;
     const int accepted = ::accept4(descriptor_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (accepted < 0) return {errno == EAGAIN ? 0 : errno};
@@ -186,8 +185,8 @@ std::unique_ptr<TcpListener> ListenOnLoopback(int port, DeviceStatus& status) {
   return std::make_unique<LoopbackListener>(descriptor, ntohs(address.sin_port));
 }
 
-std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connect_timeout_ms, StopAsked stop) {
-  return std::make_unique<TcpDevice>(connect_timeout_ms, std::move(stop));
+std::unique_ptr<ByteDevice> MakeTcpDevice(std::uint32_t connectTimeoutMs, StopAsked stop) {
+  return std::make_unique<TcpDevice>(connectTimeoutMs, std::move(stop));
 }
 
 }  // namespace tarvex

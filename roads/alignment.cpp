@@ -38,7 +38,7 @@ CheckLimits CheckLimits::For(DistanceUnit unit) {
 }
 
 double AlignmentElement::SpiralParameter() const {
-  const double change = std::fabs(curvature_end - curvature_start);
+  const double change = std::fabs(curvatureEnd - curvatureStart);
   return shape == ElementShape::Spiral && change > 0.0 ? std::sqrt(length / change) : 0.0;
 }
 
@@ -51,29 +51,29 @@ double Alignment::length() const {
 // The last element that starts at or before the station; where stations fall, the first element
 // that spans it.
 std::optional<std::size_t> Alignment::ElementAt(double station) const {
-  if (!stations_rise_) {
+  if (!stationsRise_) {
     for (std::size_t i = 0; i < elements_.size(); ++i) {
-      const auto [low, high] = std::minmax(elements_[i].station_start, elements_[i].station_end);
+      const auto [low, high] = std::minmax(elements_[i].stationStart, elements_[i].stationEnd);
       if (station >= low && station <= high) return i;
     }
     return std::nullopt;
   }
-  if (station < start_station() || station > end_station()) return std::nullopt;
+  if (station < startStation() || station > endStation()) return std::nullopt;
   const auto above = std::upper_bound(
       elements_.begin(), elements_.end(), station,
-      [](double value, const AlignmentElement& e) { return value < e.station_start; });
+      [](double value, const AlignmentElement& e) { return value < e.stationStart; });
   return static_cast<std::size_t>(above - elements_.begin()) - 1;
 }
 
 double Alignment::StationOn(std::size_t element, double along) const {
   const AlignmentElement& e = elements_[element];
-  return e.station_start + along * (e.StationLength() / e.length);
+  return e.stationStart + along * (e.StationLength() / e.length);
 }
 
 std::optional<AlignmentPoint> Alignment::PointAt(double station, double offset) const {
   if (!std::isfinite(station) || !std::isfinite(offset)) return std::nullopt;
   const auto found = ElementAt(station);
-  const bool before = !found && station < start_station();
+  const bool before = !found && station < startStation();
   const std::size_t i = found.value_or(before ? 0 : elements_.size() - 1);
   const AlignmentElement& element = elements_[i];
   const CurvePiece& piece = pieces_[i];
@@ -82,19 +82,19 @@ std::optional<AlignmentPoint> Alignment::PointAt(double station, double offset) 
   if (found) {
     const double stations = element.StationLength();
     const double along =
-        stations != 0.0 ? (station - element.station_start) * (piece.length / stations) : 0.0;
+        stations != 0.0 ? (station - element.stationStart) * (piece.length / stations) : 0.0;
     const double clamped = std::clamp(along, 0.0, piece.length);
     at = piece.At(clamped, panels_);
     point.curvature = piece.CurvatureAt(clamped);
   } else {
-    const double past = station - (before ? start_station() : end_station());
+    const double past = station - (before ? startStation() : endStation());
     if (!before) at = piece.end;
-    at.x += past * at.tangent_x;
-    at.y += past * at.tangent_y;
+    at.x += past * at.tangentX;
+    at.y += past * at.tangentY;
     point.place = before ? Place::BeforeStart : Place::AfterEnd;
   }
   const LocalFrame direction = piece.DirectionToGrid(at);
-  point.at = piece.ToGrid(at.x - offset * at.tangent_y, at.y + offset * at.tangent_x);
+  point.at = piece.ToGrid(at.x - offset * at.tangentY, at.y + offset * at.tangentX);
   point.azimuth = FullAngle(std::atan2(direction.y, direction.x));
   point.element = i;
   point.sound = element.sound;
@@ -110,21 +110,21 @@ PlanPoint Alignment::PointOnElement(std::size_t element, double along) const {
 StationOffset Alignment::FromFoot(const PlanPoint& point, const ElementFoot& foot) const {
   const NearestOnPiece& nearest = foot.nearest;
   if (nearest.perpendicular) {
-    return {StationOn(foot.element, nearest.distance_along),
+    return {StationOn(foot.element, nearest.distanceAlong),
             nearest.offset,
             std::fabs(nearest.offset),
             Place::On,
             foot.element,
             elements_[foot.element].sound};
   }
-  const bool at_end = nearest.distance_along > 0.0;
-  if (!at_end && foot.element == 0) {
+  const bool atEnd = nearest.distanceAlong > 0.0;
+  if (!atEnd && foot.element == 0) {
     if (const auto beyond = BeyondStart(point)) return *beyond;
   }
-  if (at_end && foot.element + 1 == elements_.size()) {
+  if (atEnd && foot.element + 1 == elements_.size()) {
     if (const auto beyond = BeyondEnd(point)) return *beyond;
   }
-  const std::size_t behind = at_end || foot.element == 0 ? foot.element : foot.element - 1;
+  const std::size_t behind = atEnd || foot.element == 0 ? foot.element : foot.element - 1;
   return AtNode(point, behind);
 }
 
@@ -139,17 +139,17 @@ StationOffset Alignment::AtNode(const PlanPoint& point, std::size_t behind) cons
   double turn = 0.0;
   if (!last) {
     const CurvePiece& after = pieces_[behind + 1];
-    turn = std::atan2(in.x * after.sin_azimuth - in.y * after.cos_azimuth,
-                      in.x * after.cos_azimuth + in.y * after.sin_azimuth);
-    north += after.cos_azimuth;
-    east += after.sin_azimuth;
+    turn = std::atan2(in.x * after.sinAzimuth - in.y * after.cosAzimuth,
+                      in.x * after.cosAzimuth + in.y * after.sinAzimuth);
+    north += after.cosAzimuth;
+    east += after.sinAzimuth;
   }
   const double dn = point.northing - node.northing;
   const double de = point.easting - node.easting;
   const double distance = std::hypot(dn, de);
   const double side = north * de - east * dn;
   StationOffset at;
-  at.station = elements_[behind].station_end;
+  at.station = elements_[behind].stationEnd;
   at.offset = side < 0.0 ? -distance : distance;
   at.distance = distance;
   at.place = std::fabs(turn) > kAngleBreak ? Place::AtVertex : Place::On;
@@ -161,8 +161,8 @@ StationOffset Alignment::AtNode(const PlanPoint& point, std::size_t behind) cons
 std::optional<StationOffset> Alignment::BeyondStart(const PlanPoint& point) const {
   const LocalFrame local = pieces_.front().ToLocal(point);
   if (local.x >= 0.0) return std::nullopt;
-  return StationOffset{start_station() + local.x, local.y, std::hypot(local.x, local.y),
-                       Place::BeforeStart,        0,       elements_.front().sound};
+  return StationOffset{startStation() + local.x, local.y, std::hypot(local.x, local.y),
+                       Place::BeforeStart,       0,       elements_.front().sound};
 }
 
 std::optional<StationOffset> Alignment::BeyondEnd(const PlanPoint& point) const {
@@ -170,10 +170,10 @@ std::optional<StationOffset> Alignment::BeyondEnd(const PlanPoint& point) const 
   const LocalFrame local = piece.ToLocal(point);
   const double dx = local.x - piece.end.x;
   const double dy = local.y - piece.end.y;
-  const double past = dx * piece.end.tangent_x + dy * piece.end.tangent_y;
+  const double past = dx * piece.end.tangentX + dy * piece.end.tangentY;
   if (past <= 0.0) return std::nullopt;
-  const double offset = dy * piece.end.tangent_x - dx * piece.end.tangent_y;
-  return StationOffset{end_station() + past, offset,
+  const double offset = dy * piece.end.tangentX - dx * piece.end.tangentY;
+  return StationOffset{endStation() + past,  offset,
                        std::hypot(dx, dy),   Place::AfterEnd,
                        elements_.size() - 1, elements_.back().sound};
 }
@@ -181,20 +181,20 @@ std::optional<StationOffset> Alignment::BeyondEnd(const PlanPoint& point) const 
 std::optional<StationOffset> Alignment::Closest(const PlanPoint& point) const {
   if (!IsFinite(point)) return std::nullopt;
   ElementFoot best;
-  double best_distance = std::numeric_limits<double>::infinity();
-  double reach = best_distance;
+  double bestDistance = std::numeric_limits<double>::infinity();
+  double reach = bestDistance;
   index_.Search(point, reach, [&](std::uint32_t i) {
     const NearestOnPiece nearest = pieces_[i].Nearest(point, panels_);
     const double distance = std::fabs(nearest.offset);
     // A tie goes to the perpendicular, then to the lower station.
-    const bool tie = std::fabs(distance - best_distance) <= kTie;
+    const bool tie = std::fabs(distance - bestDistance) <= kTie;
     const bool wins =
         tie ? (nearest.perpendicular != best.nearest.perpendicular ? nearest.perpendicular
                                                                    : i < best.element)
-            : distance < best_distance;
+            : distance < bestDistance;
     if (wins) {
       best = {i, nearest};
-      best_distance = distance;
+      bestDistance = distance;
       reach = (distance + kTie) * (distance + kTie);
     }
     return reach;
@@ -220,8 +220,8 @@ std::vector<StationOffset> Alignment::Candidates(const PlanPoint& point) const {
     if (i + 1 == pieces_.size()) break;
     const CurvePiece& piece = pieces_[i];
     const LocalFrame behind = piece.ToLocal(point);
-    const double past = (behind.x - piece.end.x) * piece.end.tangent_x +
-                        (behind.y - piece.end.y) * piece.end.tangent_y;
+    const double past = (behind.x - piece.end.x) * piece.end.tangentX +
+                        (behind.y - piece.end.y) * piece.end.tangentY;
     if (past > 0.0 && pieces_[i + 1].ToLocal(point).x < 0.0) add(AtNode(point, i));
   }
   if (const auto after = BeyondEnd(point)) add(*after);
@@ -229,16 +229,14 @@ std::vector<StationOffset> Alignment::Candidates(const PlanPoint& point) const {
   return found;
 }
 
-std::optional<StationOffset> Alignment::Follow(const PlanPoint& point,
-                                               double station_before) const {
+std::optional<StationOffset> Alignment::Follow(const PlanPoint& point, double stationBefore) const {
   const std::vector<StationOffset> candidates = Candidates(point);
   if (candidates.empty()) return Closest(point);
   const double reach = candidates.front().distance * kFollowFactor;
   const StationOffset* chosen = &candidates.front();
   for (const StationOffset& candidate : candidates) {
     if (candidate.distance > reach) break;
-    if (std::fabs(candidate.station - station_before) <
-        std::fabs(chosen->station - station_before)) {
+    if (std::fabs(candidate.station - stationBefore) < std::fabs(chosen->station - stationBefore)) {
       chosen = &candidate;
     }
   }
@@ -254,11 +252,11 @@ std::vector<StationOffset> Alignment::WorthOffering(std::vector<StationOffset> c
 }
 
 std::vector<double> Alignment::GeometricStations(std::span<const CenterlineElement> chain) const {
-  std::vector<double> stations(chain.size(), start_station());
+  std::vector<double> stations(chain.size(), startStation());
   std::size_t node = 0;
-  double station = start_station();
+  double station = startStation();
   for (const AlignmentElement& element : elements_) {
-    for (; node < element.to_node; ++node) stations[node] = station;
+    for (; node < element.toNode; ++node) stations[node] = station;
     station += element.length;
   }
   for (; node < stations.size(); ++node) stations[node] = station;

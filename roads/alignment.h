@@ -31,8 +31,8 @@ namespace tarvex {
 struct CheckLimits {
   double note = 0.001;
   double refuse = 0.02;
-  double spiral_record = 0.01;  ///< an "SP" whose chord misses by more is drawn as a chord
-  double straight = 5e-5;       ///< an "SP" whose end bends by less ends straight: rounded numbers
+  double spiralRecord = 0.01;  ///< an "SP" whose chord misses by more is drawn as a chord
+  double straight = 5e-5;      ///< an "SP" whose end bends by less ends straight: rounded numbers
 
   static CheckLimits For(DistanceUnit unit);
 };
@@ -54,13 +54,13 @@ enum class ElementFault : int {
 
 /// How far the numbers of the file miss each other; a residual that does not apply is missing.
 struct ElementResiduals {
-  std::optional<double> length;         ///< tangent, arc: by coordinates minus by stations
-  std::optional<double> end_radius;     ///< arc: distance end - centre minus radius
-  std::optional<double> angle;          ///< arc: sweep minus the angle of the R line
-  bool turn_against_sign = false;       ///< arc: the centre and the angle's sign disagree
-  std::optional<double> chord;          ///< spiral: by coordinates minus by radius and stations
-  std::optional<double> azimuth_field;  ///< the azimuth of "TS"/"ST" minus the spiral's own
-  std::optional<double> join;           ///< azimuth minus the end azimuth of the element before
+  std::optional<double> length;        ///< tangent, arc: by coordinates minus by stations
+  std::optional<double> endRadius;     ///< arc: distance end - centre minus radius
+  std::optional<double> angle;         ///< arc: sweep minus the angle of the R line
+  bool turnAgainstSign = false;        ///< arc: the centre and the angle's sign disagree
+  std::optional<double> chord;         ///< spiral: by coordinates minus by radius and stations
+  std::optional<double> azimuthField;  ///< the azimuth of "TS"/"ST" minus the spiral's own
+  std::optional<double> join;          ///< azimuth minus the end azimuth of the element before
 
   bool operator==(const ElementResiduals&) const = default;
 };
@@ -68,20 +68,20 @@ struct ElementResiduals {
 struct AlignmentElement {
   ElementShape shape = ElementShape::Tangent;
   ElementFault fault = ElementFault::None;
-  std::size_t from_node = 0;  ///< index in the chain of the key point that starts it
-  std::size_t to_node = 0;
-  double station_start = 0.0;
-  double station_end = 0.0;
+  std::size_t fromNode = 0;  ///< index in the chain of the key point that starts it
+  std::size_t toNode = 0;
+  double stationStart = 0.0;
+  double stationEnd = 0.0;
   double length = 0.0;  ///< by coordinates
-  double azimuth_start = 0.0;
-  double azimuth_end = 0.0;
-  double curvature_start = 0.0;
-  double curvature_end = 0.0;
+  double azimuthStart = 0.0;
+  double azimuthEnd = 0.0;
+  double curvatureStart = 0.0;
+  double curvatureEnd = 0.0;
   PlanPoint center;  ///< arcs
   ElementResiduals residuals;
   bool sound = true;  ///< no fault, no residual beyond the refuse limit, no broken join
 
-  double StationLength() const { return station_end - station_start; }
+  double StationLength() const { return stationEnd - stationStart; }
   /// Parameter A of a spiral: A^2 = length / change of curvature. 0 for other shapes.
   double SpiralParameter() const;
 };
@@ -126,8 +126,8 @@ class Alignment {
                                    const CheckLimits& limits = {});
 
   const std::vector<AlignmentElement>& elements() const { return elements_; }
-  double start_station() const { return elements_.front().station_start; }
-  double end_station() const { return elements_.back().station_end; }
+  double startStation() const { return elements_.front().stationStart; }
+  double endStation() const { return elements_.back().stationEnd; }
   /// Length by coordinates of the whole alignment.
   double length() const;
 
@@ -147,7 +147,7 @@ class Alignment {
 
   /// The candidate to follow from one position to the next: the one nearest to the station before,
   /// unless another is more than 10 % closer to the alignment.
-  std::optional<StationOffset> Follow(const PlanPoint& point, double station_before) const;
+  std::optional<StationOffset> Follow(const PlanPoint& point, double stationBefore) const;
 
   /// Of Candidates: those within twice the best distance or 30 units, the best one included.
   static std::vector<StationOffset> WorthOffering(std::vector<StationOffset> candidates);
@@ -174,7 +174,7 @@ class Alignment {
   std::vector<CurvePiece> pieces_;  // one an element
   std::vector<SpiralPanel> panels_;
   AlignmentIndex index_;
-  bool stations_rise_ = true;
+  bool stationsRise_ = true;
 };
 
 struct AlignmentMaking {

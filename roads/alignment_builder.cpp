@@ -32,7 +32,7 @@ PlanPoint At(const CenterlineElement& node) {
 }
 
 PlanPoint CenterOf(const CenterlineElement& node) {
-  return {node.center_northing, node.center_easting};
+  return {node.centerNorthing, node.centerEasting};
 }
 
 double Azimuth(const PlanPoint& from, const PlanPoint& to) {
@@ -53,9 +53,8 @@ bool IsFinite(const CenterlineElement& node) {
   // Beyond 1e12 the spacing of doubles is wider than what is staked.
   const auto usable = [](double value) { return std::fabs(value) < 1e12; };
   return usable(node.northing) && usable(node.easting) && usable(node.station) &&
-         usable(node.center_northing) && usable(node.center_easting) &&
-         std::isfinite(node.radius) && std::isfinite(node.spiral_parameter) &&
-         std::isfinite(node.angle);
+         usable(node.centerNorthing) && usable(node.centerEasting) && std::isfinite(node.radius) &&
+         std::isfinite(node.spiralParameter) && std::isfinite(node.angle);
 }
 
 }  // namespace
@@ -107,10 +106,10 @@ std::size_t AlignmentBuilder::TakeGroup(std::size_t node) {
     return node + 1;
   }
   const std::size_t exit = whole ? node + 2 : node + 1;
-  const Run entry_run = RunBetween(node, node + 1);
-  const Run exit_run = RunBetween(exit, exit + 1);
+  const Run entryRun = RunBetween(node, node + 1);
+  const Run exitRun = RunBetween(exit, exit + 1);
   auto circle =
-      CircleAt(node + 1, entry_run.chord >= kZeroLength ? entry_run : RunBetween(node + 1, exit));
+      CircleAt(node + 1, entryRun.chord >= kZeroLength ? entryRun : RunBetween(node + 1, exit));
   if (collapsed) {
     circle = CircleAt(node, RunBetween(node, exit + 1));
     if (circle) circle->radius = Distance(At(chain_[exit]), circle->center);
@@ -121,11 +120,11 @@ std::size_t AlignmentBuilder::TakeGroup(std::size_t node) {
     }
     return exit + 1;
   }
-  AddTransition(entry_run, *circle, true, chain_[node].tangent_azimuth.value_or(kNoValue));
+  AddTransition(entryRun, *circle, true, chain_[node].tangentAzimuth.value_or(kNoValue));
   if (whole) AddArc(RunBetween(node + 1, exit), chain_[node + 1]);
-  const bool azimuth_given = chain_[exit + 1].record == KeyPointKind::SpiralTangent;
-  const double field = azimuth_given ? chain_[exit + 1].angle : 0.0;
-  AddTransition(exit_run, *circle, false, field != 0.0 ? field : kNoValue);
+  const bool azimuthGiven = chain_[exit + 1].record == KeyPointKind::SpiralTangent;
+  const double field = azimuthGiven ? chain_[exit + 1].angle : 0.0;
+  AddTransition(exitRun, *circle, false, field != 0.0 ? field : kNoValue);
   return exit + 1;
 }
 
@@ -159,20 +158,20 @@ AlignmentElement AlignmentBuilder::Begin(const Run& run, ElementShape shape,
   AlignmentElement element;
   element.shape = shape;
   element.fault = fault;
-  element.from_node = run.from;
-  element.to_node = run.to;
-  element.station_start = chain_[run.from].station;
-  element.station_end = chain_[run.to].station;
+  element.fromNode = run.from;
+  element.toNode = run.to;
+  element.stationStart = chain_[run.from].station;
+  element.stationEnd = chain_[run.to].station;
   return element;
 }
 
 void AlignmentBuilder::Finish(AlignmentElement element, const CurvePiece& piece) {
   element.length = piece.length;
-  element.curvature_start = piece.curvature;
-  element.curvature_end = piece.curvature_end;
-  element.azimuth_start = FullAngle(std::atan2(piece.sin_azimuth, piece.cos_azimuth));
-  const double sweep = 0.5 * (element.curvature_start + element.curvature_end) * piece.length;
-  element.azimuth_end = FullAngle(element.azimuth_start + sweep);
+  element.curvatureStart = piece.curvature;
+  element.curvatureEnd = piece.curvatureEnd;
+  element.azimuthStart = FullAngle(std::atan2(piece.sinAzimuth, piece.cosAzimuth));
+  const double sweep = 0.5 * (element.curvatureStart + element.curvatureEnd) * piece.length;
+  element.azimuthEnd = FullAngle(element.azimuthStart + sweep);
   alignment_.elements_.push_back(element);
   alignment_.pieces_.push_back(piece);
 }
@@ -187,8 +186,8 @@ void AlignmentBuilder::AddTangent(const Run& run, ElementFault fault) {
 // The centre decides the turn; the sign of the angle only where the centre lies on the chord.
 double AlignmentBuilder::TurnOf(const Run& run, const CenterlineElement& curve, double side) const {
   const double angle = std::fabs(curve.angle);
-  const bool on_chord = std::fabs(side) <= 1e-6 * run.chord * curve.radius;
-  if (on_chord && std::fabs(angle - kPi) < kHalfCircle) return curve.angle < 0.0 ? -1.0 : 1.0;
+  const bool onChord = std::fabs(side) <= 1e-6 * run.chord * curve.radius;
+  if (onChord && std::fabs(angle - kPi) < kHalfCircle) return curve.angle < 0.0 ? -1.0 : 1.0;
   const double turn = side < 0.0 ? -1.0 : 1.0;
   return angle <= kPi ? turn : -turn;
 }
@@ -203,16 +202,16 @@ void AlignmentBuilder::AddArc(const Run& run, const CenterlineElement& curve) {
   }
   const double turn = TurnOf(run, curve, Side(from, to, center));
   const double sweep = FullAngle(turn * (Azimuth(center, to) - Azimuth(center, from)));
-  const double half_sine = std::sin(0.5 * sweep);
-  if (!(half_sine > 1e-9)) return AddTangent(run, ElementFault::NoCentre);
+  const double halfSine = std::sin(0.5 * sweep);
+  if (!(halfSine > 1e-9)) return AddTangent(run, ElementFault::NoCentre);
   AlignmentElement element = Begin(run, ElementShape::Arc, ElementFault::None);
   element.center = center;
   element.residuals.length = curve.radius * sweep - run.stations;
-  element.residuals.end_radius = Distance(to, center) - curve.radius;
+  element.residuals.endRadius = Distance(to, center) - curve.radius;
   if (curve.angle != 0.0) element.residuals.angle = sweep - std::fabs(curve.angle);
-  element.residuals.turn_against_sign = curve.angle * turn < 0.0;
+  element.residuals.turnAgainstSign = curve.angle * turn < 0.0;
   // The key points are held: the radius that fits them differs from the centre's by rounding.
-  const double radius = 0.5 * run.chord / half_sine;
+  const double radius = 0.5 * run.chord / halfSine;
   Finish(element,
          MakeArcPiece(from, run.azimuth - turn * 0.5 * sweep, turn / radius, radius * sweep));
 }
@@ -237,10 +236,10 @@ void AlignmentBuilder::AddTransition(const Run& run, const Circle& circle, bool 
     length = *fitted;
   }
   const double radial = Azimuth(circle.center, At(chain_[entry ? run.to : run.from]));
-  const double at_curve = radial + circle.turn * 0.5 * kPi;
+  const double atCurve = radial + circle.turn * 0.5 * kPi;
   const double sweep = circle.turn * 0.5 * length / circle.radius;
-  const double at_tangent = entry ? at_curve - sweep : at_curve + sweep;
-  if (!IsNoValue(field)) element.residuals.azimuth_field = WrapAngle(field - at_tangent);
+  const double atTangent = entry ? atCurve - sweep : atCurve + sweep;
+  if (!IsNoValue(field)) element.residuals.azimuthField = WrapAngle(field - atTangent);
   AddSpiral(run, element, k0, k1, length);
 }
 
@@ -267,7 +266,7 @@ void AlignmentBuilder::AddSpiralRecord(const Run& run) {
   const double turn = record.angle < 0.0 ? -1.0 : 1.0;
   const double kind = std::fabs(record.angle);
   const double k0 = straight ? 0.0 : 1.0 / std::fabs(record.radius);
-  const double a2 = record.spiral_parameter * record.spiral_parameter;
+  const double a2 = record.spiralParameter * record.spiralParameter;
   const bool readable = (kind == 1.0 || kind == 2.0) && a2 > 0.0 && std::isfinite(a2) &&
                         (straight || std::fabs(record.radius) >= kSmallestRadius);
   const double change = (kind == 1.0 ? 1.0 : -1.0) * run.stations / (readable ? a2 : 1.0);
@@ -280,7 +279,7 @@ void AlignmentBuilder::AddSpiralRecord(const Run& run) {
   }
   AlignmentElement element = Begin(run, ElementShape::Spiral, ElementFault::None);
   element.residuals.chord = run.chord - SpiralChord(k0, k1, run.stations);
-  if (std::fabs(*element.residuals.chord) > limits_.spiral_record) {
+  if (std::fabs(*element.residuals.chord) > limits_.spiralRecord) {
     AddTangent(run, ElementFault::SpiralUnknown);
     if (!alignment_.elements_.empty()) {
       alignment_.elements_.back().residuals.chord = element.residuals.chord;
@@ -293,10 +292,10 @@ void AlignmentBuilder::AddSpiralRecord(const Run& run) {
 void AlignmentBuilder::AddJoins() {
   auto& elements = alignment_.elements_;
   for (std::size_t i = 1; i < elements.size(); ++i) {
-    const bool angle_point = elements[i - 1].shape == ElementShape::Tangent &&
-                             elements[i].shape == ElementShape::Tangent;
-    if (angle_point) continue;
-    elements[i].residuals.join = WrapAngle(elements[i].azimuth_start - elements[i - 1].azimuth_end);
+    const bool anglePoint = elements[i - 1].shape == ElementShape::Tangent &&
+                            elements[i].shape == ElementShape::Tangent;
+    if (anglePoint) continue;
+    elements[i].residuals.join = WrapAngle(elements[i].azimuthStart - elements[i - 1].azimuthEnd);
   }
 }
 
@@ -308,12 +307,12 @@ void AlignmentBuilder::JudgeSoundness() {
   for (AlignmentElement& element : alignment_.elements_) {
     const ElementResiduals& r = element.residuals;
     element.sound = element.fault == ElementFault::None && !beyond(r.length) &&
-                    !beyond(r.end_radius) && !beyond(r.chord) &&
+                    !beyond(r.endRadius) && !beyond(r.chord) &&
                     std::fabs(r.join.value_or(0.0)) <= kBrokenJoin;
-    if (element.station_start < before || element.station_end < element.station_start) {
-      alignment_.stations_rise_ = false;
+    if (element.stationStart < before || element.stationEnd < element.stationStart) {
+      alignment_.stationsRise_ = false;
     }
-    before = element.station_start;
+    before = element.stationStart;
   }
 }
 

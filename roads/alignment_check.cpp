@@ -45,7 +45,7 @@ class Checker {
   std::vector<CheckFinding> Run() {
     WholeFile();
     for (std::size_t i = 0; i < elements_.size(); ++i) {
-      if (!stations_useless_ && i > 0) StationBetween(i - 1, i);
+      if (!stationsUseless_ && i > 0) StationBetween(i - 1, i);
       if (elements_[i].shape == ElementShape::Arc) MovedPointOrCentre(i);
     }
     for (std::size_t i = 0; i < elements_.size(); ++i) Element(i);
@@ -80,13 +80,13 @@ class Checker {
 
   void WholeFile() {
     if (road_.converted) Add(FindingKind::Note, {}, 0, kTextStationsConverted, {});
-    if (road_.refused_equation) {
+    if (road_.refusedEquation) {
       Add(FindingKind::Refused, {}, 0, kTextEquationRefused,
-          {std::to_string(*road_.refused_equation + 1)});
+          {std::to_string(*road_.refusedEquation + 1)});
     }
-    stations_useless_ = std::all_of(elements_.begin(), elements_.end(),
-                                    [](const auto& e) { return e.StationLength() == 0.0; });
-    if (stations_useless_) Add(FindingKind::Refused, {}, 0, kTextStationsAllSame, {});
+    stationsUseless_ = std::all_of(elements_.begin(), elements_.end(),
+                                   [](const auto& e) { return e.StationLength() == 0.0; });
+    if (stationsUseless_) Add(FindingKind::Refused, {}, 0, kTextStationsAllSame, {});
   }
 
   // Two neighbours that miss by the same amount in opposite directions: the station between them.
@@ -95,69 +95,69 @@ class Checker {
     const double b = Mismatch(elements_[ahead]);
     if (!Noted(a) || !Noted(b) || a * b > 0.0) return;
     if (std::fabs(a + b) > 0.05 * std::max(std::fabs(a), std::fabs(b))) return;
-    if (Noted(elements_[ahead].residuals.end_radius.value_or(0.0)) ||
-        Noted(elements_[behind].residuals.end_radius.value_or(0.0))) {
+    if (Noted(elements_[ahead].residuals.endRadius.value_or(0.0)) ||
+        Noted(elements_[behind].residuals.endRadius.value_or(0.0))) {
       return;
     }
-    const std::size_t node = elements_[ahead].from_node;
+    const std::size_t node = elements_[ahead].fromNode;
     explained_[behind] = explained_[ahead] = true;
     Add(Weight(ahead), ahead, node, kTextStationSuspect,
         {NodeName(node), Amount(std::fabs(b)), b > 0.0 ? "large" : "small"});
   }
 
   void MovedPointOrCentre(std::size_t i) {
-    const double radius = elements_[i].residuals.end_radius.value_or(0.0);
+    const double radius = elements_[i].residuals.endRadius.value_or(0.0);
     if (!Noted(radius)) return;
-    const bool next_misses = i + 1 < elements_.size() && Noted(Mismatch(elements_[i + 1]));
+    const bool nextMisses = i + 1 < elements_.size() && Noted(Mismatch(elements_[i + 1]));
     explained_[i] = true;
-    if (next_misses) {
+    if (nextMisses) {
       explained_[i + 1] = true;
-      Add(Weight(i), i, elements_[i].to_node, kTextPointSuspect,
-          {NodeName(elements_[i].to_node), Amount(radius)});
+      Add(Weight(i), i, elements_[i].toNode, kTextPointSuspect,
+          {NodeName(elements_[i].toNode), Amount(radius)});
     } else {
-      Add(Weight(i), i, elements_[i].from_node, kTextCentreSuspect,
-          {NodeName(elements_[i].from_node), Amount(radius)});
+      Add(Weight(i), i, elements_[i].fromNode, kTextCentreSuspect,
+          {NodeName(elements_[i].fromNode), Amount(radius)});
     }
   }
 
   void Element(std::size_t i) {
     const AlignmentElement& e = elements_[i];
     if (e.fault != ElementFault::None) {
-      Add(FindingKind::Refused, i, e.from_node, FaultText(e.fault), {NodeName(e.from_node)});
+      Add(FindingKind::Refused, i, e.fromNode, FaultText(e.fault), {NodeName(e.fromNode)});
       return;
     }
-    if (!stations_useless_ && !explained_[i] && Noted(Mismatch(e))) {
-      Add(Weight(i), i, e.from_node, kTextLengthMismatch,
-          {NodeName(e.from_node), NodeName(e.to_node), Amount(std::fabs(Mismatch(e))),
+    if (!stationsUseless_ && !explained_[i] && Noted(Mismatch(e))) {
+      Add(Weight(i), i, e.fromNode, kTextLengthMismatch,
+          {NodeName(e.fromNode), NodeName(e.toNode), Amount(std::fabs(Mismatch(e))),
            Mismatch(e) > 0.0 ? "longer" : "shorter"});
     }
     Angles(i);
-    if (!stations_useless_ && e.station_end < e.station_start - kFallingStation) {
-      Add(FindingKind::Note, i, e.to_node, kTextStationFalls, {NodeName(e.to_node)});
+    if (!stationsUseless_ && e.stationEnd < e.stationStart - kFallingStation) {
+      Add(FindingKind::Note, i, e.toNode, kTextStationFalls, {NodeName(e.toNode)});
     }
   }
 
   void Angles(std::size_t i) {
     const AlignmentElement& e = elements_[i];
     const ElementResiduals& r = e.residuals;
-    const double angle_limit = std::max(limits_.note * std::fabs(e.curvature_start), 1e-8);
-    if (r.angle && std::fabs(*r.angle) > angle_limit) {
-      Add(FindingKind::Note, i, e.from_node, kTextAngleMismatch,
-          {NodeName(e.from_node), AngleAmount(*r.angle)});
+    const double angleLimit = std::max(limits_.note * std::fabs(e.curvatureStart), 1e-8);
+    if (r.angle && std::fabs(*r.angle) > angleLimit) {
+      Add(FindingKind::Note, i, e.fromNode, kTextAngleMismatch,
+          {NodeName(e.fromNode), AngleAmount(*r.angle)});
     }
-    if (r.turn_against_sign) {
-      Add(FindingKind::Note, i, e.from_node, kTextTurnAgainstSign,
-          {NodeName(e.from_node), e.curvature_start > 0.0 ? "right" : "left"});
+    if (r.turnAgainstSign) {
+      Add(FindingKind::Note, i, e.fromNode, kTextTurnAgainstSign,
+          {NodeName(e.fromNode), e.curvatureStart > 0.0 ? "right" : "left"});
     }
-    if (r.azimuth_field && std::fabs(*r.azimuth_field) > limits_.note / e.length) {
-      const std::size_t node = e.curvature_start == 0.0 ? e.from_node : e.to_node;
+    if (r.azimuthField && std::fabs(*r.azimuthField) > limits_.note / e.length) {
+      const std::size_t node = e.curvatureStart == 0.0 ? e.fromNode : e.toNode;
       Add(FindingKind::Note, i, node, kTextAzimuthFieldSuspect,
-          {NodeName(node), AngleAmount(*r.azimuth_field)});
+          {NodeName(node), AngleAmount(*r.azimuthField)});
     }
     if (r.join && std::fabs(*r.join) > kJoinLimit) {
       const bool broken = std::fabs(*r.join) > kBrokenJoin;
-      Add(broken ? FindingKind::Refused : FindingKind::Note, i, e.from_node, kTextJoinBroken,
-          {NodeName(e.from_node), AngleAmount(*r.join)});
+      Add(broken ? FindingKind::Refused : FindingKind::Note, i, e.fromNode, kTextJoinBroken,
+          {NodeName(e.fromNode), AngleAmount(*r.join)});
     }
   }
 
@@ -179,7 +179,7 @@ class Checker {
   CheckLimits limits_;
   StationStyle style_;
   std::vector<bool> explained_;
-  bool stations_useless_ = false;
+  bool stationsUseless_ = false;
   std::vector<CheckFinding> findings_;
 };
 
@@ -195,7 +195,7 @@ LargestMismatch FindLargestMismatch(const Alignment& alignment) {
   for (std::size_t i = 0; i < alignment.elements().size(); ++i) {
     const AlignmentElement& e = alignment.elements()[i];
     const double amount =
-        std::max(std::fabs(Mismatch(e)), std::fabs(e.residuals.end_radius.value_or(0.0)));
+        std::max(std::fabs(Mismatch(e)), std::fabs(e.residuals.endRadius.value_or(0.0)));
     if (amount > largest.amount) largest = {amount, i};
   }
   return largest;

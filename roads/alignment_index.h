@@ -34,10 +34,10 @@ class AlignmentIndex {
         }
         continue;
       }
-      const bool left_first = nodes_[node.left].box.SquaredDistance(point) <=
-                              nodes_[node.left + 1].box.SquaredDistance(point);
-      open[count++] = left_first ? node.left + 1 : node.left;
-      open[count++] = left_first ? node.left : node.left + 1;
+      const bool leftFirst = nodes_[node.left].box.SquaredDistance(point) <=
+                             nodes_[node.left + 1].box.SquaredDistance(point);
+      open[count++] = leftFirst ? node.left + 1 : node.left;
+      open[count++] = leftFirst ? node.left : node.left + 1;
     }
   }
 

@@ -13,9 +13,9 @@ constexpr double kFarthestCatch = 10000.0;
 
 }  // namespace
 
-GroundLine GroundLine::Plane(double elevation_at_centerline, double slope) {
+GroundLine GroundLine::Plane(double elevationAtCenterline, double slope) {
   GroundLine ground;
-  ground.elevation_ = elevation_at_centerline;
+  ground.elevation_ = elevationAtCenterline;
   ground.slope_ = slope;
   return ground;
 }
@@ -51,10 +51,10 @@ std::optional<double> GroundLine::At(double offset) const {
 namespace {
 
 // Where a line meets one straight leg of the ground; both are known at `from`.
-std::optional<double> MeetingOnLeg(double gap, double slope_difference, double from, double to) {
+std::optional<double> MeetingOnLeg(double gap, double slopeDifference, double from, double to) {
   if (gap == 0.0) return from;
-  if (slope_difference == 0.0) return std::nullopt;
-  const double at = from + gap / slope_difference;
+  if (slopeDifference == 0.0) return std::nullopt;
+  const double at = from + gap / slopeDifference;
   return at >= from && at <= to ? std::optional(at) : std::nullopt;
 }
 
@@ -62,9 +62,9 @@ std::optional<double> MeetingOnLeg(double gap, double slope_difference, double f
 
 std::optional<GroundLine::Vertex> GroundLine::FirstMeeting(double from, double z, double slope,
                                                            double to) const {
-  const auto meeting = [&](double leg_from, double ground, double ground_slope, double leg_to) {
-    const double line = z + slope * (leg_from - from);
-    return MeetingOnLeg(ground - line, slope - ground_slope, leg_from, leg_to);
+  const auto meeting = [&](double legFrom, double ground, double groundSlope, double legTo) {
+    const double line = z + slope * (legFrom - from);
+    return MeetingOnLeg(ground - line, slope - groundSlope, legFrom, legTo);
   };
   if (plane_) {
     const auto at = meeting(from, elevation_ + slope_ * from, slope_, to);
@@ -75,10 +75,10 @@ std::optional<GroundLine::Vertex> GroundLine::FirstMeeting(double from, double z
     const Vertex& a = vertices_[i - 1];
     const Vertex& b = vertices_[i];
     if (b.offset < from || a.offset > to || a.offset == b.offset) continue;
-    const double ground_slope = (b.elevation - a.elevation) / (b.offset - a.offset);
-    const double leg_from = std::max(a.offset, from);
-    const double ground = a.elevation + ground_slope * (leg_from - a.offset);
-    const auto at = meeting(leg_from, ground, ground_slope, std::min(b.offset, to));
+    const double groundSlope = (b.elevation - a.elevation) / (b.offset - a.offset);
+    const double legFrom = std::max(a.offset, from);
+    const double ground = a.elevation + groundSlope * (legFrom - a.offset);
+    const auto at = meeting(legFrom, ground, groundSlope, std::min(b.offset, to));
     if (at) return Vertex{*at, z + slope * (*at - from)};
   }
   return std::nullopt;
@@ -92,8 +92,8 @@ class CatchFinder {
       : section_(section), side_(side), ground_(ground) {}
 
   CatchPoint Find(const SectionPoint& hinge) {
-    caught_.hinge_offset = hinge.offset;
-    caught_.hinge_elevation = hinge.elevation;
+    caught_.hingeOffset = hinge.offset;
+    caught_.hingeElevation = hinge.elevation;
     const auto ground = ground_.At(hinge.offset);
     if (!ground) return End(CatchResult::NoGround);
     if (std::fabs(*ground - hinge.elevation) <= kOnGrade) {
@@ -105,7 +105,7 @@ class CatchFinder {
     StartSlope();
     if (caught_.kind == EarthworkKind::Cut && Daylights()) {
       caught_.kind = EarthworkKind::Fill;
-      caught_.ditch_daylights = true;
+      caught_.ditchDaylights = true;
       StartSlope();
     }
     return End(RunSlope());
@@ -119,9 +119,9 @@ class CatchFinder {
 
   CatchPoint End(CatchResult result) {
     caught_.result = result;
-    const RightOfWay& limit = section_.right_of_way;
+    const RightOfWay& limit = section_.rightOfWay;
     const double width = side_ == Side::Left ? limit.left : limit.right;
-    caught_.beyond_right_of_way =
+    caught_.beyondRightOfWay =
         result == CatchResult::Caught && width > 0.0 && caught_.offset > width;
     return caught_;
   }
@@ -129,7 +129,7 @@ class CatchFinder {
   // The slope starts behind the ditch in cut, behind the berm in fill.
   void StartSlope() {
     caught_.between.clear();
-    SectionPoint at{caught_.hinge_offset, caught_.hinge_elevation, {}};
+    SectionPoint at{caught_.hingeOffset, caught_.hingeElevation, {}};
     const bool cut = caught_.kind == EarthworkKind::Cut;
     for (const SurfaceSegment& segment : cut ? section_.ditch : section_.berm) {
       at.offset += segment.width;
@@ -137,13 +137,13 @@ class CatchFinder {
       at.description = segment.description;
       caught_.between.push_back(at);
     }
-    caught_.slope_offset = at.offset;
-    caught_.slope_elevation = at.elevation;
+    caught_.slopeOffset = at.offset;
+    caught_.slopeElevation = at.elevation;
   }
 
   bool Daylights() const {
-    const auto ground = ground_.At(caught_.slope_offset);
-    return ground && *ground < caught_.slope_elevation;
+    const auto ground = ground_.At(caught_.slopeOffset);
+    return ground && *ground < caught_.slopeElevation;
   }
 
   CatchResult RunSlope() {
@@ -154,7 +154,7 @@ class CatchFinder {
       if (table[i].ratio > 0.0) rows.push_back({table[i], static_cast<int>(i) + 1});
     }
     if (rows.empty()) return CatchResult::NoSlopes;
-    const int series = cut ? section_.cut_settings.series : section_.fill_settings.series;
+    const int series = cut ? section_.cutSettings.series : section_.fillSettings.series;
     const bool caught = series == 1 ? RunSteps(rows, cut) : RunOneSlope(rows, cut);
     if (caught) return CatchResult::Caught;
     return ground_.Reach() ? CatchResult::GroundEnds : CatchResult::NoCatch;
@@ -165,19 +165,19 @@ class CatchFinder {
     caught_.row = row.number;
     caught_.offset = at.offset;
     caught_.elevation = at.elevation;
-    caught_.height = std::fabs(at.elevation - caught_.slope_elevation);
+    caught_.height = std::fabs(at.elevation - caught_.slopeElevation);
   }
 
-  double Farthest() const { return caught_.slope_offset + kFarthestCatch; }
+  double Farthest() const { return caught_.slopeOffset + kFarthestCatch; }
 
   // One slope over the whole height: the first row that meets the ground within its limit.
   bool RunOneSlope(const std::vector<NumberedRow>& rows, bool cut) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
       const double slope = (cut ? 1.0 : -1.0) / rows[i].ratio;
       const auto at =
-          ground_.FirstMeeting(caught_.slope_offset, caught_.slope_elevation, slope, Farthest());
+          ground_.FirstMeeting(caught_.slopeOffset, caught_.slopeElevation, slope, Farthest());
       if (!at) continue;
-      const double height = std::fabs(at->elevation - caught_.slope_elevation);
+      const double height = std::fabs(at->elevation - caught_.slopeElevation);
       if (height > rows[i].height && i + 1 < rows.size()) continue;
       Take(rows[i], *at);
       return true;
@@ -188,8 +188,8 @@ class CatchFinder {
   // Each row's slope through its own band of heights; the last one goes on.
   bool RunSteps(const std::vector<NumberedRow>& rows, bool cut) {
     const double sign = cut ? 1.0 : -1.0;
-    double offset = caught_.slope_offset;
-    double elevation = caught_.slope_elevation;
+    double offset = caught_.slopeOffset;
+    double elevation = caught_.slopeElevation;
     double height = 0.0;
     for (std::size_t i = 0; i < rows.size(); ++i) {
       const bool last = i + 1 == rows.size();

@@ -47,16 +47,16 @@ struct CenterlineElement {
   double angle = 0.0;
   /// Curves: distance from the key point to the centre; "SP": field 6.
   double radius = 0.0;
-  double center_northing = 0.0;
-  double center_easting = 0.0;
-  double spiral_parameter = 0.0;  ///< "SP": field 7
+  double centerNorthing = 0.0;
+  double centerEasting = 0.0;
+  double spiralParameter = 0.0;  ///< "SP": field 7
   CenterlineId id;
-  CenterlineId center_id;
+  CenterlineId centerId;
   ElementKind kind = ElementKind::Vertex;
 
   KeyPointKind record = KeyPointKind::Line;
-  std::optional<double> tangent_azimuth;  ///< "TS": field 6, as given
-  int line = 0;                           ///< line of the file, from 1; 0 for a lead-in
+  std::optional<double> tangentAzimuth;  ///< "TS": field 6, as given
+  int line = 0;                          ///< line of the file, from 1; 0 for a lead-in
 
   bool operator==(const CenterlineElement&) const = default;
 };
@@ -104,8 +104,8 @@ struct MergedLine {
 /// The alignment with everything that its file says.
 struct Centerline {
   std::vector<CenterlineElement> elements;
-  std::optional<CenterlineStartPoint> start_point;
-  double start_station = 0.0;
+  std::optional<CenterlineStartPoint> startPoint;
+  double startStation = 0.0;
   StationLimits limits;
   std::vector<LineNote> notes;  ///< at most kMostLineNotes, the first ones
   std::vector<MergedLine> merged;

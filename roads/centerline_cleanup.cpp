@@ -16,7 +16,7 @@ class CleanUpWalk {
               std::vector<MergedLine>* merged)
       : chain_(chain),
         removed_(chain.size()),
-        keep_tangent_points_(keepTangentPoints),
+        keepTangentPoints_(keepTangentPoints),
         merged_(merged) {}
 
   void Run() {
@@ -75,8 +75,8 @@ class CleanUpWalk {
     if (second.kind == ElementKind::Vertex) {
       return first.angle == 0.0 ? Duplicate::First : Duplicate::Second;
     }
-    const bool on_spiral = second.kind == ElementKind::SpiralGroup && first.angle == 0.0;
-    return on_spiral && !keep_tangent_points_ ? Duplicate::First : Duplicate::None;
+    const bool onSpiral = second.kind == ElementKind::SpiralGroup && first.angle == 0.0;
+    return onSpiral && !keepTangentPoints_ ? Duplicate::First : Duplicate::None;
   }
 
   // Past the rest of a spiral group, or past the end of a curve.
@@ -100,7 +100,7 @@ class CleanUpWalk {
   std::vector<CenterlineElement>& chain_;
   std::vector<bool> removed_;
   std::size_t head_ = 0;
-  bool keep_tangent_points_;
+  bool keepTangentPoints_;
   std::vector<MergedLine>* merged_;
 };
 

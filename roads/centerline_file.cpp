@@ -41,7 +41,7 @@ CenterlineLoad LoadCenterline(FileSystem& files, Road& road, const std::string& 
                               LoadCenterlineOptions options, const ShowMessage& show) {
   if (path.empty()) return {};
   Centerline loaded;
-  if (road.use_station_limits) loaded.limits = LoadStationLimits(files, path);
+  if (road.useStationLimits) loaded.limits = LoadStationLimits(files, path);
   std::string text;
   if (const FileStatus status = ReadWholeFile(files, path, kLargestRoadFile, text); !status.ok()) {
     if (status.code == EFBIG) return {LoadCenterlineResult::TooLarge};
@@ -50,15 +50,15 @@ CenterlineLoad LoadCenterline(FileSystem& files, Road& road, const std::string& 
   }
   ChainReading reading = ReadChain(text, options.keepTangentPoints);
   const LoadCenterlineResult result = ResultOf(reading.result);
-  if (result != LoadCenterlineResult::Loaded) return {result, reading.refused_line};
+  if (result != LoadCenterlineResult::Loaded) return {result, reading.refusedLine};
   loaded.elements = std::move(reading.elements);
-  loaded.start_point = reading.start_point;
+  loaded.startPoint = reading.startPoint;
   loaded.notes = std::move(reading.notes);
   loaded.merged = std::move(reading.merged);
   loaded.equations = ReadStationEquations(text);
   loaded.text = std::move(text);
   road.centerline = std::move(loaded);
-  road.centerline->start_station = StartStation(road);
+  road.centerline->startStation = StartStation(road);
   return {result};
 }
 

@@ -52,23 +52,23 @@ std::optional<KeyPointKind> KnownKind(std::string_view text) {
 
 // What an R line held last: a later R line without a value takes it from here.
 struct RadiusLine {
-  CenterlineId center_id;
+  CenterlineId centerId;
   double angle = 0.0;
-  double center_easting = 0.0;
-  double center_northing = 0.0;
+  double centerEasting = 0.0;
+  double centerNorthing = 0.0;
 };
 
 class ChainReader {
  public:
   ChainReader(std::string_view text, bool keepTangentPoints)
-      : lines_(text, kSignificantBytes), keep_tangent_points_(keepTangentPoints) {}
+      : lines_(text, kSignificantBytes), keepTangentPoints_(keepTangentPoints) {}
 
   ChainReading Read() {
     std::string_view line;
     while (!stopped_ && lines_.Next(line)) TakeRecord(line);
     if (reading_.result == ReadChainResult::TooLong) return std::move(reading_);
     if (chain_.size() > 1) DropTerminator();
-    CleanUpChain(chain_, keep_tangent_points_, &reading_.merged);
+    CleanUpChain(chain_, keepTangentPoints_, &reading_.merged);
     for (CenterlineElement& element : chain_) {
       if (element.kind == ElementKind::LeadIn) element.kind = ElementKind::Vertex;
     }
@@ -115,7 +115,7 @@ class ChainReader {
     if (!HoldsKeyPoint(line, fields)) return;
     if (chain_.size() == kMostCenterlineElements) {
       reading_.result = ReadChainResult::TooLong;
-      reading_.refused_line = lines_.number();
+      reading_.refusedLine = lines_.number();
       stopped_ = true;
       return;
     }
@@ -125,14 +125,14 @@ class ChainReader {
     element.easting = fields.Number(4);
     element.northing = fields.Number(5);
     element.line = lines_.number();
-    const std::string_view kind_text = KindText(fields[3]);
-    if (kind_text == "STARTPT") {
-      reading_.start_point = {element.id, element.station, element.northing, element.easting};
+    const std::string_view kindText = KindText(fields[3]);
+    if (kindText == "STARTPT") {
+      reading_.startPoint = {element.id, element.station, element.northing, element.easting};
       stopped_ = true;
       return;
     }
-    const auto kind = KnownKind(kind_text);
-    if (!kind) Note(kTextUnknownRecordKind, kind_text);
+    const auto kind = KnownKind(kindText);
+    if (!kind) Note(kTextUnknownRecordKind, kindText);
     if (!std::isfinite(element.station) || !std::isfinite(element.easting) ||
         !std::isfinite(element.northing)) {
       Note(kTextNumberOutOfRange, line);
@@ -170,7 +170,7 @@ class ChainReader {
     CenterlineElement& element = chain_.back();
     element.kind = ElementKind::Spiral;
     element.radius = fields.Given(6) ? fields.Number(6) : kNoValue;
-    element.spiral_parameter = fields.Number(7);
+    element.spiralParameter = fields.Number(7);
     element.angle = fields.Number(8);
   }
 
@@ -204,13 +204,13 @@ class ChainReader {
   }
 
   void TakeTangentSpiral(const CommaFields& fields) {
-    const CenterlineElement* previous = keep_tangent_points_ ? nullptr : CoincidentPrevious();
+    const CenterlineElement* previous = keepTangentPoints_ ? nullptr : CoincidentPrevious();
     if (previous != nullptr && previous->angle == 0.0) DropPrevious();
     if (!fields.Given(6) || IsNoValue(fields.Number(6))) return;
     double azimuth = fields.Number(6);
     if (azimuth < 0.0) azimuth += kFullCircle;
     if (azimuth > kFullCircle) azimuth -= kFullCircle;
-    chain_.back().tangent_azimuth = azimuth;
+    chain_.back().tangentAzimuth = azimuth;
     if (!ArrivesAt(azimuth)) InsertLeadIn(azimuth);
   }
 
@@ -225,13 +225,13 @@ class ChainReader {
 
   void InsertLeadIn(double azimuth) {
     const CenterlineElement& spiral = chain_.back();
-    CenterlineElement lead_in;
-    lead_in.kind = ElementKind::LeadIn;
-    lead_in.record = KeyPointKind::LeadIn;
-    lead_in.station = spiral.station - kLeadIn;
-    lead_in.northing = spiral.northing - std::cos(azimuth) * kLeadIn;
-    lead_in.easting = spiral.easting - std::sin(azimuth) * kLeadIn;
-    chain_.insert(chain_.end() - 1, lead_in);
+    CenterlineElement leadIn;
+    leadIn.kind = ElementKind::LeadIn;
+    leadIn.record = KeyPointKind::LeadIn;
+    leadIn.station = spiral.station - kLeadIn;
+    leadIn.northing = spiral.northing - std::cos(azimuth) * kLeadIn;
+    leadIn.easting = spiral.easting - std::sin(azimuth) * kLeadIn;
+    chain_.insert(chain_.end() - 1, leadIn);
   }
 
   // The line after a "PC", "TS" or "SC", whatever it holds.
@@ -244,24 +244,24 @@ class ChainReader {
     }
     const CommaFields fields(line);
     if (KindText(fields[3]) != "R") Note(kTextNotARadiusLine, line);
-    if (fields.Given(1)) radius_line_.center_id.Assign(fields[1]);
-    if (fields.Given(2)) radius_line_.angle = fields.PackedRadians(2);
-    if (fields.Given(4)) radius_line_.center_easting = fields.Number(4);
-    if (fields.Given(5)) radius_line_.center_northing = fields.Number(5);
+    if (fields.Given(1)) radiusLine_.centerId.Assign(fields[1]);
+    if (fields.Given(2)) radiusLine_.angle = fields.PackedRadians(2);
+    if (fields.Given(4)) radiusLine_.centerEasting = fields.Number(4);
+    if (fields.Given(5)) radiusLine_.centerNorthing = fields.Number(5);
     CenterlineElement& element = chain_.back();
-    element.center_id = radius_line_.center_id;
-    element.angle = radius_line_.angle;
-    element.center_easting = radius_line_.center_easting;
-    element.center_northing = radius_line_.center_northing;
-    element.radius = std::hypot(element.center_northing - element.northing,
-                                element.center_easting - element.easting);
+    element.centerId = radiusLine_.centerId;
+    element.angle = radiusLine_.angle;
+    element.centerEasting = radiusLine_.centerEasting;
+    element.centerNorthing = radiusLine_.centerNorthing;
+    element.radius = std::hypot(element.centerNorthing - element.northing,
+                                element.centerEasting - element.easting);
   }
 
   NumberedLines lines_;
-  bool keep_tangent_points_;
+  bool keepTangentPoints_;
   bool stopped_ = false;
   std::vector<CenterlineElement> chain_;
-  RadiusLine radius_line_;
+  RadiusLine radiusLine_;
   ChainReading reading_;
 };
 

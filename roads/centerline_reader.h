@@ -17,16 +17,16 @@ inline constexpr std::size_t kMostCenterlineElements = 100000;
 enum class [[nodiscard]] ReadChainResult : int{
     Read = 1,     ///< the chain has at least one element
     Nothing = 0,  ///< the text holds no key point
-    TooLong = -1  ///< more than kMostCenterlineElements; `refused_line` tells where
+    TooLong = -1  ///< more than kMostCenterlineElements; `refusedLine` tells where
 };
 
 struct ChainReading {
   ReadChainResult result = ReadChainResult::Nothing;
   std::vector<CenterlineElement> elements;
-  std::optional<CenterlineStartPoint> start_point;
+  std::optional<CenterlineStartPoint> startPoint;
   std::vector<LineNote> notes;
   std::vector<MergedLine> merged;
-  int refused_line = 0;
+  int refusedLine = 0;
 };
 
 /// `keepTangentPoints` keeps a tangent vertex that lies on a "TS" or "SC".

@@ -33,8 +33,8 @@ class RecordWriter {
   explicit RecordWriter(const CenterlineFormat& format) : format_(format) {}
 
   void KeyPoint(const CenterlineElement& element, std::string_view kind) {
-    text_ += IdField(element.id, format_.point_ids);
-    Number(element.station, format_.station_decimals);
+    text_ += IdField(element.id, format_.pointIds);
+    Number(element.station, format_.stationDecimals);
     text_ += ',';
     text_ += kind;
     const int decimals = Decimals(kind);
@@ -52,11 +52,11 @@ class RecordWriter {
   void EndRecord() { text_ += '\n'; }
 
   void RadiusLine(const CenterlineElement& curve) {
-    text_ += IdField(curve.center_id, format_.point_ids);
+    text_ += IdField(curve.centerId, format_.pointIds);
     PackedAngle(curve.angle);
     text_ += ",R";
-    Number(curve.center_easting, format_.coordinate_decimals);
-    Number(curve.center_northing, format_.coordinate_decimals);
+    Number(curve.centerEasting, format_.coordinateDecimals);
+    Number(curve.centerNorthing, format_.coordinateDecimals);
     EndRecord();
   }
 
@@ -64,8 +64,8 @@ class RecordWriter {
 
  private:
   int Decimals(std::string_view kind) const {
-    if (kind == "L" || kind == "PT") return format_.vertex_decimals;
-    return kind == "PC" ? format_.curve_start_decimals : format_.coordinate_decimals;
+    if (kind == "L" || kind == "PT") return format_.vertexDecimals;
+    return kind == "PC" ? format_.curveStartDecimals : format_.coordinateDecimals;
   }
 
   CenterlineFormat format_;
@@ -98,12 +98,12 @@ void WriteElement(RecordWriter& writer, const CenterlineElement& element) {
   const std::string_view kind = KindName(element);
   writer.KeyPoint(element, kind);
   if (kind == "ST" && element.angle != 0.0) writer.PackedAngle(element.angle);
-  if (element.record == KeyPointKind::TangentSpiral && element.tangent_azimuth) {
-    writer.Number(*element.tangent_azimuth, kTangentAzimuthDecimals);
+  if (element.record == KeyPointKind::TangentSpiral && element.tangentAzimuth) {
+    writer.Number(*element.tangentAzimuth, kTangentAzimuthDecimals);
   }
   if (element.record == KeyPointKind::Spiral) {
     writer.Number(element.radius, kSpiralRadiusDecimals);
-    writer.Number(element.spiral_parameter, kSpiralParameterDecimals);
+    writer.Number(element.spiralParameter, kSpiralParameterDecimals);
     writer.Number(element.angle, kSpiralDirectionDecimals);
   }
   writer.EndRecord();
@@ -117,9 +117,9 @@ std::string StartPointRecord(const CenterlineStartPoint& start) {
   element.station = start.station;
   element.easting = start.easting;
   element.northing = start.northing;
-  RecordWriter writer({.station_decimals = kEquationDecimals,
-                       .coordinate_decimals = kStartPointDecimals,
-                       .point_ids = true});
+  RecordWriter writer({.stationDecimals = kEquationDecimals,
+                       .coordinateDecimals = kStartPointDecimals,
+                       .pointIds = true});
   writer.KeyPoint(element, "STARTPT");
   writer.EndRecord();
   return writer.Take();
@@ -138,8 +138,8 @@ std::string CenterlineText(const Centerline& centerline, std::span<const Station
                            const CenterlineFormat& format) {
   std::string text = CenterlineRecords(centerline.elements, format);
   text += kTerminator;
-  if (centerline.start_point) {
-    text += StartPointRecord(*centerline.start_point);
+  if (centerline.startPoint) {
+    text += StartPointRecord(*centerline.startPoint);
     text += kTerminator;
   }
   for (const StationEquation& equation : equations) {
@@ -178,11 +178,11 @@ std::string WithStations(std::string_view text, std::span<const LineStation> sta
 bool IsWritable(const Centerline& centerline, std::span<const StationEquation> equations) {
   const auto finite = [](const CenterlineElement& e) {
     return std::isfinite(e.northing) && std::isfinite(e.easting) && std::isfinite(e.station) &&
-           std::isfinite(e.angle) && std::isfinite(e.radius) && std::isfinite(e.center_northing) &&
-           std::isfinite(e.center_easting) && std::isfinite(e.spiral_parameter) &&
-           std::isfinite(e.tangent_azimuth.value_or(0.0));
+           std::isfinite(e.angle) && std::isfinite(e.radius) && std::isfinite(e.centerNorthing) &&
+           std::isfinite(e.centerEasting) && std::isfinite(e.spiralParameter) &&
+           std::isfinite(e.tangentAzimuth.value_or(0.0));
   };
-  const auto& start = centerline.start_point;
+  const auto& start = centerline.startPoint;
   if (start && !(std::isfinite(start->station) && std::isfinite(start->northing) &&
                  std::isfinite(start->easting))) {
     return false;

@@ -19,11 +19,11 @@ namespace tarvex {
 /// Decimals of stations and coordinates, and whether point ids are written; "0" stands in for
 /// them. Files of the system have 3 to 6 decimals of stations and 5 to 12 of coordinates.
 struct CenterlineFormat {
-  int station_decimals = 5;
-  int coordinate_decimals = 6;
-  int vertex_decimals = 6;       ///< coordinates of "L" and "PT"
-  int curve_start_decimals = 6;  ///< coordinates of "PC"
-  bool point_ids = false;
+  int stationDecimals = 5;
+  int coordinateDecimals = 6;
+  int vertexDecimals = 6;      ///< coordinates of "L" and "PT"
+  int curveStartDecimals = 6;  ///< coordinates of "PC"
+  bool pointIds = false;
 };
 
 /// The two forms that the format's own writers use, and the one with the most digits.

@@ -28,10 +28,10 @@ LocalFrame OnPanel(const SpiralPanel& panel, double s) {
     return reciprocal;
   }();
   for (std::size_t n = SpiralPanel::kTerms; n-- > 0;) {
-    px = px * u + panel.direction_x[n] * kReciprocal[n];
-    py = py * u + panel.direction_y[n] * kReciprocal[n];
-    tx = tx * u + panel.direction_x[n];
-    ty = ty * u + panel.direction_y[n];
+    px = px * u + panel.directionX[n] * kReciprocal[n];
+    py = py * u + panel.directionY[n] * kReciprocal[n];
+    tx = tx * u + panel.directionX[n];
+    ty = ty * u + panel.directionY[n];
   }
   const double along = u * panel.half;
   return {panel.center.x + along * px, panel.center.y + along * py, tx, ty};
@@ -41,16 +41,16 @@ LocalFrame OnPanel(const SpiralPanel& panel, double s) {
 void FillSeries(double theta, double k, double sharpness, SpiralPanel& panel) {
   const double a = k * panel.half;
   const double b = sharpness * panel.half * panel.half;
-  auto& x = panel.direction_x;
-  auto& y = panel.direction_y;
+  auto& x = panel.directionX;
+  auto& y = panel.directionY;
   x[0] = std::cos(theta);
   y[0] = std::sin(theta);
   for (std::size_t n = 0; n + 1 < SpiralPanel::kTerms; ++n) {
-    const double before_x = n > 0 ? x[n - 1] : 0.0;
-    const double before_y = n > 0 ? y[n - 1] : 0.0;
+    const double beforeX = n > 0 ? x[n - 1] : 0.0;
+    const double beforeY = n > 0 ? y[n - 1] : 0.0;
     const double next = 1.0 / static_cast<double>(n + 1);
-    x[n + 1] = -(a * y[n] + b * before_y) * next;
-    y[n + 1] = (a * x[n] + b * before_x) * next;
+    x[n + 1] = -(a * y[n] + b * beforeY) * next;
+    y[n + 1] = (a * x[n] + b * beforeX) * next;
   }
 }
 
@@ -77,8 +77,8 @@ SpiralPanel MakePanel(double k0, const PanelPlan& plan, double length, std::size
   const double m = panel.middle;
   FillSeries(k0 * m + 0.5 * plan.sharpness * m * m, k0 + plan.sharpness * m, plan.sharpness, panel);
   const LocalFrame relative = OnPanel(panel, m - panel.half);  // the centre is still 0
-  panel.center = {from.x - relative.x, from.y - relative.y, panel.direction_x[0],
-                  panel.direction_y[0]};
+  panel.center = {from.x - relative.x, from.y - relative.y, panel.directionX[0],
+                  panel.directionY[0]};
   return panel;
 }
 
@@ -113,17 +113,17 @@ LocalFrame SpiralEnd(double k0, double k1, double length) {
 LocalFrame CurvePiece::ToLocal(const PlanPoint& point) const {
   const double dn = point.northing - start.northing;
   const double de = point.easting - start.easting;
-  return {dn * cos_azimuth + de * sin_azimuth, de * cos_azimuth - dn * sin_azimuth, 1.0, 0.0};
+  return {dn * cosAzimuth + de * sinAzimuth, de * cosAzimuth - dn * sinAzimuth, 1.0, 0.0};
 }
 
 PlanPoint CurvePiece::ToGrid(double x, double y) const {
-  return {start.northing + (x * cos_azimuth - y * sin_azimuth),
-          start.easting + (x * sin_azimuth + y * cos_azimuth)};
+  return {start.northing + (x * cosAzimuth - y * sinAzimuth),
+          start.easting + (x * sinAzimuth + y * cosAzimuth)};
 }
 
 LocalFrame CurvePiece::DirectionToGrid(const LocalFrame& at) const {
-  return {at.tangent_x * cos_azimuth - at.tangent_y * sin_azimuth,
-          at.tangent_x * sin_azimuth + at.tangent_y * cos_azimuth, 1.0, 0.0};
+  return {at.tangentX * cosAzimuth - at.tangentY * sinAzimuth,
+          at.tangentX * sinAzimuth + at.tangentY * cosAzimuth, 1.0, 0.0};
 }
 
 namespace {
@@ -158,20 +158,20 @@ OnCircle ProjectOnCircle(double curvature, double length, double x, double y) {
 }  // namespace
 
 LocalFrame CurvePiece::At(double s, std::span<const SpiralPanel> panels) const {
-  if (panel_count == 0) return OnArc(curvature, s);
-  const double width = length / static_cast<double>(panel_count);
-  const double index = std::clamp(std::floor(s / width), 0.0, static_cast<double>(panel_count - 1));
-  return OnPanel(panels[first_panel + static_cast<std::size_t>(index)], s);
+  if (panelCount == 0) return OnArc(curvature, s);
+  const double width = length / static_cast<double>(panelCount);
+  const double index = std::clamp(std::floor(s / width), 0.0, static_cast<double>(panelCount - 1));
+  return OnPanel(panels[firstPanel + static_cast<std::size_t>(index)], s);
 }
 
 namespace {
 
 double Along(const LocalFrame& at, double x, double y) {
-  return (x - at.x) * at.tangent_x + (y - at.y) * at.tangent_y;
+  return (x - at.x) * at.tangentX + (y - at.y) * at.tangentY;
 }
 
 double Offset(const LocalFrame& at, double x, double y) {
-  return (y - at.y) * at.tangent_x - (x - at.x) * at.tangent_y;
+  return (y - at.y) * at.tangentX - (x - at.x) * at.tangentY;
 }
 
 // A stretch of a panel at whose ends f, the distance that the point lies ahead, changes from + to
@@ -179,15 +179,15 @@ double Offset(const LocalFrame& at, double x, double y) {
 struct Bracket {
   double low = 0.0;
   double high = 0.0;
-  double f_low = 0.0;
-  double f_high = 0.0;
+  double fLow = 0.0;
+  double fHigh = 0.0;
 };
 
 // Newton's step ds = f / (1 - k*o) inside the bracket, bisection where it leaves it.
 NearestOnPiece Perpendicular(const CurvePiece& piece, const SpiralPanel& panel, Bracket bracket,
                              double x, double y) {
   double s =
-      bracket.low + (bracket.high - bracket.low) * bracket.f_low / (bracket.f_low - bracket.f_high);
+      bracket.low + (bracket.high - bracket.low) * bracket.fLow / (bracket.fLow - bracket.fHigh);
   LocalFrame at;
   for (int step = 0; step < kMostSteps; ++step) {
     at = OnPanel(panel, s);
@@ -209,7 +209,7 @@ NearestOnPiece Perpendicular(const CurvePiece& piece, const SpiralPanel& panel, 
 template <typename Take>
 void VisitSpiralFeet(const CurvePiece& piece, std::span<const SpiralPanel> panels, double x,
                      double y, Take take) {
-  const std::span<const SpiralPanel> own = panels.subspan(piece.first_panel, piece.panel_count);
+  const std::span<const SpiralPanel> own = panels.subspan(piece.firstPanel, piece.panelCount);
   double before = Along(own.front().from, x, y);
   if (std::fabs(before) <= kFootTolerance) {
     take(NearestOnPiece{0.0, Offset(own.front().from, x, y), true});
@@ -235,10 +235,10 @@ void VisitSpiralFeet(const CurvePiece& piece, std::span<const SpiralPanel> panel
 }
 
 NearestOnPiece NearerEnd(const CurvePiece& piece, double x, double y) {
-  const double to_start = std::hypot(x, y);
-  const double to_end = std::hypot(x - piece.end.x, y - piece.end.y);
-  return to_start <= to_end ? NearestOnPiece{0.0, to_start, false}
-                            : NearestOnPiece{piece.length, to_end, false};
+  const double toStart = std::hypot(x, y);
+  const double toEnd = std::hypot(x - piece.end.x, y - piece.end.y);
+  return toStart <= toEnd ? NearestOnPiece{0.0, toStart, false}
+                          : NearestOnPiece{piece.length, toEnd, false};
 }
 
 bool Inside(const CurvePiece& piece, double along) {
@@ -250,7 +250,7 @@ bool Inside(const CurvePiece& piece, double along) {
 NearestOnPiece CurvePiece::Nearest(const PlanPoint& point,
                                    std::span<const SpiralPanel> panels) const {
   const LocalFrame local = ToLocal(point);
-  if (panel_count == 0) {
+  if (panelCount == 0) {
     const OnCircle foot = ProjectOnCircle(curvature, length, local.x, local.y);
     if (!Inside(*this, foot.along)) return NearerEnd(*this, local.x, local.y);
     return {std::clamp(foot.along, 0.0, length), foot.offset, true};
@@ -265,7 +265,7 @@ NearestOnPiece CurvePiece::Nearest(const PlanPoint& point,
 void CurvePiece::AppendFeet(const PlanPoint& point, std::span<const SpiralPanel> panels,
                             std::vector<NearestOnPiece>& feet) const {
   const LocalFrame local = ToLocal(point);
-  if (panel_count == 0) {
+  if (panelCount == 0) {
     const OnCircle foot = ProjectOnCircle(curvature, length, local.x, local.y);
     if (Inside(*this, foot.along)) {
       feet.push_back({std::clamp(foot.along, 0.0, length), foot.offset, true});
@@ -279,10 +279,10 @@ void CurvePiece::AppendFeet(const PlanPoint& point, std::span<const SpiralPanel>
 CurvePiece MakeArcPiece(const PlanPoint& start, double azimuth, double curvature, double length) {
   CurvePiece piece;
   piece.start = start;
-  piece.cos_azimuth = std::cos(azimuth);
-  piece.sin_azimuth = std::sin(azimuth);
+  piece.cosAzimuth = std::cos(azimuth);
+  piece.sinAzimuth = std::sin(azimuth);
   piece.curvature = curvature;
-  piece.curvature_end = curvature;
+  piece.curvatureEnd = curvature;
   piece.length = length;
   piece.end = OnArc(curvature, length);
   return piece;
@@ -291,11 +291,11 @@ CurvePiece MakeArcPiece(const PlanPoint& start, double azimuth, double curvature
 CurvePiece MakeSpiralPiece(const PlanPoint& start, double azimuth, double k0, double k1,
                            double length, std::vector<SpiralPanel>& panels) {
   CurvePiece piece = MakeArcPiece(start, azimuth, k0, length);
-  piece.curvature_end = k1;
+  piece.curvatureEnd = k1;
   piece.sharpness = (k1 - k0) / length;
-  piece.first_panel = static_cast<std::uint32_t>(panels.size());
+  piece.firstPanel = static_cast<std::uint32_t>(panels.size());
   piece.end = AppendSpiralPanels(k0, k1, length, panels);
-  piece.panel_count = static_cast<std::uint32_t>(panels.size()) - piece.first_panel;
+  piece.panelCount = static_cast<std::uint32_t>(panels.size()) - piece.firstPanel;
   return piece;
 }
 

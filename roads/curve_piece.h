@@ -31,8 +31,8 @@ struct PlanPoint {
 struct LocalFrame {
   double x = 0.0;
   double y = 0.0;
-  double tangent_x = 1.0;
-  double tangent_y = 0.0;
+  double tangentX = 1.0;
+  double tangentY = 0.0;
 };
 
 struct SpiralPanel {
@@ -43,8 +43,8 @@ struct SpiralPanel {
   LocalFrame from;    ///< at the panel's start
   LocalFrame center;  ///< at its middle
   /// Coefficients of the direction in powers of (s - middle) / half.
-  std::array<double, kTerms> direction_x{};
-  std::array<double, kTerms> direction_y{};
+  std::array<double, kTerms> directionX{};
+  std::array<double, kTerms> directionY{};
 };
 
 /// More than a full turn is no transition curve that anybody builds.
@@ -63,24 +63,24 @@ double AbsoluteSweep(double k0, double k1, double length);
 
 /// A perpendicular from a point, or the end nearest to it.
 struct NearestOnPiece {
-  double distance_along = 0.0;
+  double distanceAlong = 0.0;
   double offset = 0.0;  ///< right positive; at an end the plain distance, unsigned
   bool perpendicular = false;
 };
 
 struct CurvePiece {
   PlanPoint start;
-  double cos_azimuth = 1.0;
-  double sin_azimuth = 0.0;
+  double cosAzimuth = 1.0;
+  double sinAzimuth = 0.0;
   double curvature = 0.0;  ///< at the start
   /// At the end, as the piece was made with: start and sharpness give it only to rounding, and a
   /// spiral that runs into a straight line ends at exactly 0.
-  double curvature_end = 0.0;
+  double curvatureEnd = 0.0;
   double sharpness = 0.0;  ///< change of curvature per length; 0 for tangents and arcs
   double length = 0.0;
   LocalFrame end;
-  std::uint32_t first_panel = 0;
-  std::uint32_t panel_count = 0;  ///< 0 for tangents and arcs
+  std::uint32_t firstPanel = 0;
+  std::uint32_t panelCount = 0;  ///< 0 for tangents and arcs
 
   double CurvatureAt(double s) const { return curvature + sharpness * s; }
   LocalFrame ToLocal(const PlanPoint& point) const;

@@ -12,8 +12,8 @@ constexpr double kEndTolerance = 1e-6;  // stations of a file that was written w
 
 bool IsUsable(const VerticalPoint& point) {
   return std::isfinite(point.station) && std::isfinite(point.elevation) &&
-         std::isfinite(point.radius) && point.length_in >= 0.0 && point.length_out >= 0.0 &&
-         std::isfinite(point.length_in + point.length_out) && point.radius >= 0.0;
+         std::isfinite(point.radius) && point.lengthIn >= 0.0 && point.lengthOut >= 0.0 &&
+         std::isfinite(point.lengthIn + point.lengthOut) && point.radius >= 0.0;
 }
 
 }  // namespace
@@ -47,7 +47,7 @@ double Profile::GradeAfter(std::size_t point) const {
 Profile::CurveSpan Profile::SpanOf(std::size_t point) const {
   const VerticalPoint& p = points_[point];
   if (p.curve == VerticalCurveKind::Parabola) {
-    return {p.station - p.length_in, p.station + p.length_out};
+    return {p.station - p.lengthIn, p.station + p.lengthOut};
   }
   if (p.curve == VerticalCurveKind::None) return {p.station, p.station};
   const double in = std::atan(GradeAfter(point - 1));
@@ -61,11 +61,11 @@ ProfileElevation Profile::OnParabola(std::size_t point, double station) const {
   const VerticalPoint& p = points_[point];
   const double g1 = GradeAfter(point - 1);
   const double g2 = GradeAfter(point);
-  const double sum = p.length_in + p.length_out;
+  const double sum = p.lengthIn + p.lengthOut;
   const bool before = station <= p.station;
   const double grade = before ? g1 : g2;
-  const double own = before ? p.length_in : p.length_out;
-  const double other = before ? p.length_out : p.length_in;
+  const double own = before ? p.lengthIn : p.lengthOut;
+  const double other = before ? p.lengthOut : p.lengthIn;
   const double rate = own > 0.0 ? (g2 - g1) * other / (own * sum) : 0.0;
   const double x = before ? station - (p.station - own) : station - (p.station + own);
   return {p.elevation + grade * (station - p.station) + 0.5 * rate * x * x, grade + rate * x, true};
@@ -78,18 +78,18 @@ ProfileElevation Profile::OnCircle(std::size_t point, double station) const {
   const double from = SpanOf(point).from;
   const double begin = p.elevation + std::tan(in) * (from - p.station);
   // Sine of the slope angle grows evenly along the station.
-  const double sine_in = std::sin(in);
-  const double sine = std::clamp(sine_in + bend * (station - from) / p.radius, -1.0, 1.0);
+  const double sineIn = std::sin(in);
+  const double sine = std::clamp(sineIn + bend * (station - from) / p.radius, -1.0, 1.0);
   const double cosine = std::sqrt(1.0 - sine * sine);
-  const double rise = (sine * sine - sine_in * sine_in) / (cosine + std::cos(in));
+  const double rise = (sine * sine - sineIn * sineIn) / (cosine + std::cos(in));
   return {begin + bend * p.radius * rise, sine / cosine, true};
 }
 
 std::optional<ProfileElevation> Profile::At(double station) const {
-  if (!(station >= start_station() - kEndTolerance && station <= end_station() + kEndTolerance)) {
+  if (!(station >= startStation() - kEndTolerance && station <= endStation() + kEndTolerance)) {
     return std::nullopt;
   }
-  station = std::clamp(station, start_station(), end_station());
+  station = std::clamp(station, startStation(), endStation());
   const auto above =
       std::upper_bound(points_.begin(), points_.end(), station,
                        [](double value, const VerticalPoint& p) { return value < p.station; });

@@ -20,9 +20,9 @@ struct VerticalPoint {
   double station = 0.0;
   double elevation = 0.0;
   VerticalCurveKind curve = VerticalCurveKind::None;
-  double length_in = 0.0;   ///< parabola: horizontal length before the PVI
-  double length_out = 0.0;  ///< and after it
-  double radius = 0.0;      ///< circle, positive; the grades tell crest from sag
+  double lengthIn = 0.0;   ///< parabola: horizontal length before the PVI
+  double lengthOut = 0.0;  ///< and after it
+  double radius = 0.0;     ///< circle, positive; the grades tell crest from sag
 
   bool operator==(const VerticalPoint&) const = default;
 };
@@ -30,7 +30,7 @@ struct VerticalPoint {
 struct ProfileElevation {
   double elevation = 0.0;
   double grade = 0.0;  ///< at a break of grade the one ahead
-  bool on_curve = false;
+  bool onCurve = false;
 };
 
 enum class [[nodiscard]] ProfileResult : int{
@@ -48,8 +48,8 @@ class Profile {
   static ProfileMaking Make(std::vector<VerticalPoint> points);
 
   const std::vector<VerticalPoint>& points() const { return points_; }
-  double start_station() const { return points_.front().station; }
-  double end_station() const { return points_.back().station; }
+  double startStation() const { return points_.front().station; }
+  double endStation() const { return points_.back().station; }
 
   /// Nothing outside the profile.
   std::optional<ProfileElevation> At(double station) const;

@@ -19,17 +19,17 @@ double StartStation(const Road& road, double offset) {
 std::optional<StationSpan> StationRange(const Road& road, double endOffset) {
   if (!road.centerline || road.centerline->elements.empty()) return std::nullopt;
   const Centerline& centerline = *road.centerline;
-  StationSpan span{.start = centerline.start_station,
+  StationSpan span{.start = centerline.startStation,
                    .end = centerline.elements.back().station - endOffset};
-  if (!road.use_station_limits) return span;
+  if (!road.useStationLimits) return span;
   const StationLimits& limits = centerline.limits;
   if (limits.start && *limits.start > span.start + kLimitTolerance) {
     span.start = *limits.start;
-    span.start_limited = true;
+    span.startLimited = true;
   }
   if (limits.end && *limits.end < span.end - kLimitTolerance) {
     span.end = *limits.end;
-    span.end_limited = true;
+    span.endLimited = true;
   }
   return span;
 }

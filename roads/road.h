@@ -9,7 +9,7 @@
 namespace tarvex {
 
 struct Road {
-  bool use_station_limits = false;
+  bool useStationLimits = false;
   std::optional<Centerline> centerline;
   std::optional<RoadTemplate> section;
 };
@@ -21,8 +21,8 @@ double StartStation(const Road& road, double offset = 0.0);
 struct StationSpan {
   double start = 0.0;
   double end = 0.0;
-  bool start_limited = false;
-  bool end_limited = false;
+  bool startLimited = false;
+  bool endLimited = false;
 
   bool operator==(const StationSpan&) const = default;
 };

@@ -17,7 +17,7 @@ std::optional<std::size_t> JumpingElement(const Alignment& alignment,
   for (std::size_t i = from; i < elements.size(); ++i) {
     const AlignmentElement& e = elements[i];
     const bool spans =
-        equation.back >= e.station_start - tolerance && equation.ahead <= e.station_end + tolerance;
+        equation.back >= e.stationStart - tolerance && equation.ahead <= e.stationEnd + tolerance;
     if (spans && std::fabs(e.StationLength() - e.length - jump) <= tolerance) return i;
   }
   return std::nullopt;
@@ -32,7 +32,7 @@ std::optional<std::vector<CenterlineElement>> WithInternalStations(
     const auto found = JumpingElement(alignment, equation, element, tolerance);
     if (!found) return std::nullopt;
     const double jump = equation.ahead - equation.back;
-    for (std::size_t node = alignment.elements()[*found].to_node; node < chain.size(); ++node) {
+    for (std::size_t node = alignment.elements()[*found].toNode; node < chain.size(); ++node) {
       chain[node].station -= jump;
     }
     element = *found + 1;
@@ -59,12 +59,12 @@ RoadGeometryMaking MakeRoadGeometry(const Centerline& centerline,
     geometry.converted = true;
   }
   std::size_t refused = 0;
-  auto made = StationEquations::Make(equations, geometry.alignment.start_station(),
-                                     geometry.alignment.end_station(), &refused);
+  auto made = StationEquations::Make(equations, geometry.alignment.startStation(),
+                                     geometry.alignment.endStation(), &refused);
   if (made) {
     geometry.equations = *std::move(made);
   } else {
-    geometry.refused_equation = refused;
+    geometry.refusedEquation = refused;
   }
   return {AlignmentResult::Made, std::move(geometry), 0};
 }

@@ -23,7 +23,7 @@ struct RoadGeometry {
   std::vector<CenterlineElement> chain;  ///< with internal stations
   bool converted = false;                ///< the file's stations were displayed ones
   /// The equation that falls back or lies outside; then none of them is used.
-  std::optional<std::size_t> refused_equation;
+  std::optional<std::size_t> refusedEquation;
 };
 
 struct RoadGeometryMaking {

@@ -42,7 +42,7 @@ struct SurfaceInsert {
   enum class Kind : int { Curb, Median };
   Kind kind = Kind::Curb;
   std::string name;
-  std::size_t before_segment = 0;  ///< it stands before this segment of its side
+  std::size_t beforeSegment = 0;  ///< it stands before this segment of its side
 
   bool operator==(const SurfaceInsert&) const = default;
 };
@@ -73,17 +73,17 @@ inline constexpr std::size_t kMostSlopeRows = 5;
 struct FillSide {
   std::vector<SlopeRow> slopes;
   double ditch = 0.0;
-  int ditch_kind = 0;
-  double guard_vertical = 0.0;
-  double guard_horizontal = 0.0;
+  int ditchKind = 0;
+  double guardVertical = 0.0;
+  double guardHorizontal = 0.0;
 
   bool operator==(const FillSide&) const = default;
 };
 
 struct CutSide {
   std::vector<SlopeRow> slopes;
-  double rock_slope = 1.0;
-  int rock_order = 0;
+  double rockSlope = 1.0;
+  int rockOrder = 0;
 
   bool operator==(const CutSide&) const = default;
 };
@@ -94,8 +94,8 @@ struct SlopeSettings {
   int smooth = 1;
   int series = 0;  ///< 0: one slope over the whole height; 1: a slope for each height band
   int pivot = 0;
-  int tie_existing = 0;
-  std::string existing_description;
+  int tieExisting = 0;
+  std::string existingDescription;
   int repeat = 0;
 
   bool operator==(const SlopeSettings&) const = default;
@@ -120,14 +120,14 @@ struct SubgradeSegment {
 
 struct Subgrade {
   std::string material;
-  std::string high_pivot;
-  int high_type = 0;
-  std::array<double, 3> high_slopes{};
-  std::array<double, 3> low_slopes{};
-  std::string low_pivot;
-  int low_type = 0;
+  std::string highPivot;
+  int highType = 0;
+  std::array<double, 3> highSlopes{};
+  std::array<double, 3> lowSlopes{};
+  std::string lowPivot;
+  int lowType = 0;
   int direction = 0;
-  double wrap_height = 0.0;
+  double wrapHeight = 0.0;
   double offset = 0.0;
   double elevation = 0.0;
   std::vector<SubgradeSegment> segments;
@@ -140,7 +140,7 @@ struct Curb {
   enum class Slope : int { Number, Flat, Match };
   double top = 0.0;
   double base = 0.0;
-  Slope slope_kind = Slope::Number;
+  Slope slopeKind = Slope::Number;
   double slope = 0.0;
   double taper = 0.0;
   double height1 = 0.0;
@@ -173,19 +173,19 @@ struct Median {
 };
 
 struct SuperelevationSettings {
-  int low_adjust = 0;
-  double largest_difference = 7.0;  ///< roll-over limit between lane and shoulder, percent
-  std::string low_point;
-  std::string high_point;
-  std::string low_point2;
-  std::string high_point2;
+  int lowAdjust = 0;
+  double largestDifference = 7.0;  ///< roll-over limit between lane and shoulder, percent
+  std::string lowPoint;
+  std::string highPoint;
+  std::string lowPoint2;
+  std::string highPoint2;
 
   bool operator==(const SuperelevationSettings&) const = default;
 };
 
 struct RightOfWay {
-  int retain_left = 0;
-  int retain_right = 0;
+  int retainLeft = 0;
+  int retainRight = 0;
   double left = 0.0;
   double right = 0.0;
 
@@ -197,21 +197,21 @@ struct RoadTemplate {
   std::array<std::vector<Subgrade>, 2> subgrade;
   std::array<FillSide, 2> fill;
   std::array<CutSide, 2> cut;
-  SlopeSettings fill_settings;
-  CutSettings cut_settings;
+  SlopeSettings fillSettings;
+  CutSettings cutSettings;
   std::vector<SurfaceSegment> ditch;
   std::vector<SurfaceSegment> berm;
-  double berm_depth = 0.0;
+  double bermDepth = 0.0;
   std::vector<Curb> curbs;
   std::vector<Median> medians;
   SuperelevationSettings super;
-  RightOfWay right_of_way;
+  RightOfWay rightOfWay;
 
   std::string text;             ///< the file, byte for byte
   std::vector<LineNote> notes;  ///< lines that were passed over
   /// The first line with a number beyond kLargestTemplateNumber, from 1; 0 for none. Such a
   /// template can be written back, but nothing is to be computed with it.
-  int line_out_of_range = 0;
+  int lineOutOfRange = 0;
 
   const Surface& SurfaceOf(Side side) const { return surface[static_cast<std::size_t>(side)]; }
   const FillSide& FillOf(Side side) const { return fill[static_cast<std::size_t>(side)]; }

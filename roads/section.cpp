@@ -29,14 +29,13 @@ std::vector<SurfaceSegment> Superelevated(const RoadTemplate& section, Side side
                                           bool high) {
   std::vector<SurfaceSegment> segments = section.SurfaceOf(side).segments;
   const SuperelevationSettings& super = section.super;
-  const std::size_t lanes = LaneCount(segments, high ? super.high_point : super.low_point);
+  const std::size_t lanes = LaneCount(segments, high ? super.highPoint : super.lowPoint);
   for (std::size_t i = 0; i < lanes; ++i) {
     if (segments[i].kind == SlopeKind::Grade) segments[i].value = lane;
   }
   for (std::size_t i = lanes; i < segments.size() && segments[i].kind == SlopeKind::Grade; ++i) {
     double& shoulder = segments[i].value;
-    shoulder =
-        high ? std::max(shoulder, lane - super.largest_difference) : std::min(shoulder, lane);
+    shoulder = high ? std::max(shoulder, lane - super.largestDifference) : std::min(shoulder, lane);
   }
   return segments;
 }
@@ -60,22 +59,22 @@ std::vector<SectionPoint> SidePoints(const Surface& surface,
 
 DesignSection BuildSection(const RoadTemplate& section, double elevation,
                            const std::optional<Superelevation>& superelevation) {
-  const auto side_points = [&](Side side) {
+  const auto sidePoints = [&](Side side) {
     const Surface& surface = section.SurfaceOf(side);
     if (!superelevation) return SidePoints(surface, surface.segments, elevation);
     const double own =
-        side == Side::Left ? superelevation->left_percent : superelevation->right_percent;
+        side == Side::Left ? superelevation->leftPercent : superelevation->rightPercent;
     const double other =
-        side == Side::Left ? superelevation->right_percent : superelevation->left_percent;
+        side == Side::Left ? superelevation->rightPercent : superelevation->leftPercent;
     return SidePoints(surface, Superelevated(section, side, own, own > other), elevation);
   };
   DesignSection design;
-  design.points = side_points(Side::Left);
+  design.points = sidePoints(Side::Left);
   std::reverse(design.points.begin(), design.points.end());
   for (SectionPoint& point : design.points) point.offset = -point.offset;
   design.centerline = design.points.size();
   design.points.push_back({0.0, elevation, "CL"});
-  const auto right = side_points(Side::Right);
+  const auto right = sidePoints(Side::Right);
   design.points.insert(design.points.end(), right.begin(), right.end());
   return design;
 }

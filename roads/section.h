@@ -18,8 +18,8 @@ namespace tarvex {
 
 /// Grades of the lanes, outward, that replace the template's own at this station.
 struct Superelevation {
-  double left_percent = 0.0;
-  double right_percent = 0.0;
+  double leftPercent = 0.0;
+  double rightPercent = 0.0;
 };
 
 struct SectionPoint {
@@ -65,7 +65,7 @@ class GroundLine {
     double elevation = 0.0;
   };
 
-  static GroundLine Plane(double elevation_at_centerline, double slope);
+  static GroundLine Plane(double elevationAtCenterline, double slope);
   /// Nothing when offsets fall or there are fewer than two vertices.
   static std::optional<GroundLine> Polyline(std::vector<Vertex> vertices);
 
@@ -100,19 +100,19 @@ enum class [[nodiscard]] CatchResult : int{
 struct CatchPoint {
   CatchResult result = CatchResult::NoCatch;
   EarthworkKind kind = EarthworkKind::None;
-  double hinge_offset = 0.0;  ///< last surface point
-  double hinge_elevation = 0.0;
-  double slope_offset = 0.0;  ///< where the slope starts: behind the ditch or berm
-  double slope_elevation = 0.0;
+  double hingeOffset = 0.0;  ///< last surface point
+  double hingeElevation = 0.0;
+  double slopeOffset = 0.0;  ///< where the slope starts: behind the ditch or berm
+  double slopeElevation = 0.0;
   std::vector<SectionPoint> between;  ///< ditch or berm points, outward offsets
   std::vector<SectionPoint> breaks;   ///< of a stepped slope, between its bands
   double ratio = 0.0;                 ///< n of n:1 of the (last) slope
   int row = 0;                        ///< row of the table, from 1
   double offset = 0.0;                ///< the catch point
   double elevation = 0.0;
-  double height = 0.0;           ///< between the start of the slope and the catch point
-  bool ditch_daylights = false;  ///< the ditch came out above ground: taken as fill
-  bool beyond_right_of_way = false;
+  double height = 0.0;          ///< between the start of the slope and the catch point
+  bool ditchDaylights = false;  ///< the ditch came out above ground: taken as fill
+  bool beyondRightOfWay = false;
 };
 
 CatchPoint FindCatchPoint(const RoadTemplate& section, const DesignSection& design, Side side,

@@ -23,14 +23,14 @@ std::optional<double> SpiralLengthOfChord(double k0, double k1, double chord) {
   double before = chord;
   double length = chord * 1.001;
   if (!IsSpiralBuildable(k0, k1, length)) return std::nullopt;
-  double missed_before = SpiralChord(k0, k1, before) - chord;
+  double missedBefore = SpiralChord(k0, k1, before) - chord;
   for (int step = 0; step < 50; ++step) {
     const double missed = SpiralChord(k0, k1, length) - chord;
-    if (std::fabs(missed) < 1e-12 * chord || missed == missed_before) return length;
-    const double next = length - missed * (length - before) / (missed - missed_before);
+    if (std::fabs(missed) < 1e-12 * chord || missed == missedBefore) return length;
+    const double next = length - missed * (length - before) / (missed - missedBefore);
     if (!IsSpiralBuildable(k0, k1, next) || next > 10.0 * chord) return std::nullopt;
     before = std::exchange(length, next);
-    missed_before = missed;
+    missedBefore = missed;
   }
   return std::nullopt;
 }

@@ -15,16 +15,16 @@ constexpr double kLongestStep = 5.0;  // widths of the section
 
 }  // namespace
 
-StakeDeltas DeltasTo(const GridPoint& current, const GridPoint& target, double reference_azimuth) {
+StakeDeltas DeltasTo(const GridPoint& current, const GridPoint& target, double referenceAzimuth) {
   StakeDeltas deltas;
-  deltas.go_north = target.northing - current.northing;
-  deltas.go_east = target.easting - current.easting;
-  const double cosine = std::cos(reference_azimuth);
-  const double sine = std::sin(reference_azimuth);
-  deltas.forward = deltas.go_north * cosine + deltas.go_east * sine;
-  deltas.right = deltas.go_east * cosine - deltas.go_north * sine;
-  deltas.distance = std::hypot(deltas.go_north, deltas.go_east);
-  deltas.azimuth = std::atan2(deltas.go_east, deltas.go_north);
+  deltas.goNorth = target.northing - current.northing;
+  deltas.goEast = target.easting - current.easting;
+  const double cosine = std::cos(referenceAzimuth);
+  const double sine = std::sin(referenceAzimuth);
+  deltas.forward = deltas.goNorth * cosine + deltas.goEast * sine;
+  deltas.right = deltas.goEast * cosine - deltas.goNorth * sine;
+  deltas.distance = std::hypot(deltas.goNorth, deltas.goEast);
+  deltas.azimuth = std::atan2(deltas.goEast, deltas.goNorth);
   if (deltas.azimuth < 0.0) deltas.azimuth += 2.0 * std::numbers::pi;
   deltas.cut = current.elevation - target.elevation;
   return deltas;
@@ -48,28 +48,28 @@ std::string OffsetText(double offset, int decimals) {
   return ShowsZero(digits) ? digits : digits + (offset > 0.0 ? " R" : " L");
 }
 
-bool ToleranceGate::Update(double distance, std::optional<double> vertical, bool good_position) {
+bool ToleranceGate::Update(double distance, std::optional<double> vertical, bool goodPosition) {
   const double factor = inside_ ? kHysteresis : 1.0;
-  inside_ = good_position && distance <= tolerance_.horizontal * factor &&
+  inside_ = goodPosition && distance <= tolerance_.horizontal * factor &&
             std::fabs(vertical.value_or(0.0)) <= tolerance_.vertical * factor;
   return inside_;
 }
 
 std::optional<RoadStake> StakeRoadPoint(const Alignment& alignment, const RoadTarget& target,
                                         const GridPoint& current,
-                                        std::optional<double> station_before) {
+                                        std::optional<double> stationBefore) {
   const auto design = alignment.PointAt(target.station, target.offset);
   const PlanPoint here{current.northing, current.easting};
   const auto found =
-      station_before ? alignment.Follow(here, *station_before) : alignment.Closest(here);
+      stationBefore ? alignment.Follow(here, *stationBefore) : alignment.Closest(here);
   if (!design || !found) return std::nullopt;
   RoadStake stake;
   stake.target = {design->at.northing, design->at.easting,
                   target.elevation.value_or(current.elevation)};
   stake.deltas = DeltasTo(current, stake.target, design->azimuth);
   stake.current = *found;
-  stake.station_to_go = target.station - found->station;
-  stake.offset_to_go = target.offset - found->offset;
+  stake.stationToGo = target.station - found->station;
+  stake.offsetToGo = target.offset - found->offset;
   if (target.elevation) stake.cut = stake.deltas.cut;
   stake.sound = design->sound;
   return stake;
@@ -108,8 +108,8 @@ std::vector<double> StakeStations(const RoadGeometry& road, const Profile* profi
   add(to);
   AppendRoundStations(road.equations, interval, from, to, stations);
   for (const AlignmentElement& element : road.alignment.elements()) {
-    add(element.station_start);
-    add(element.station_end);
+    add(element.stationStart);
+    add(element.stationEnd);
   }
   for (std::size_t i = 0; i < road.equations.equations().size(); ++i) add(road.equations.At(i));
   if (profile != nullptr) {
@@ -186,7 +186,7 @@ std::optional<SlopeStep> NextSlopeStep(const RoadTemplate& section, const Design
   const SlopeStart start = Behind(hinge, cut ? section.ditch : section.berm);
   const auto& rows = cut ? section.CutOf(side).slopes : section.FillOf(side).slopes;
   const double sign = cut ? 1.0 : -1.0;
-  const int series = cut ? section.cut_settings.series : section.fill_settings.series;
+  const int series = cut ? section.cutSettings.series : section.fillSettings.series;
   const auto line = series == 1 ? SteppedSlope(rows, start, sign, shot.offset)
                                 : OneSlope(rows, start, std::fabs(shot.ground - start.elevation));
   if (!line) return std::nullopt;
@@ -198,15 +198,15 @@ std::optional<SlopeStep> NextSlopeStep(const RoadTemplate& section, const Design
   step.design = line->from.elevation + slope * (shot.offset - line->from.offset);
   step.difference = shot.ground - step.design;
   step.caught = std::fabs(step.difference) <= tolerance;
-  double ground_slope = 0.0;
+  double groundSlope = 0.0;
   if (before && before->offset != shot.offset) {
-    ground_slope = (shot.ground - before->ground) / (shot.offset - before->offset);
+    groundSlope = (shot.ground - before->ground) / (shot.offset - before->offset);
   }
   // Ground as steep as the slope, or steeper, tells nothing about where they meet.
-  const bool meets = cut ? ground_slope < slope : ground_slope > slope;
+  const bool meets = cut ? groundSlope < slope : groundSlope > slope;
   const double longest = kLongestStep * std::max(hinge.offset, 1.0);
-  step.go_out =
-      std::clamp(step.difference / (meets ? slope - ground_slope : slope), -longest, longest);
+  step.goOut =
+      std::clamp(step.difference / (meets ? slope - groundSlope : slope), -longest, longest);
   return step;
 }
 

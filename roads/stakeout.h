@@ -18,8 +18,8 @@
 namespace tarvex {
 
 struct StakeDeltas {
-  double go_north = 0.0;
-  double go_east = 0.0;
+  double goNorth = 0.0;
+  double goEast = 0.0;
   double forward = 0.0;
   double right = 0.0;
   double distance = 0.0;
@@ -27,7 +27,7 @@ struct StakeDeltas {
   double cut = 0.0;      ///< current minus target elevation
 };
 
-StakeDeltas DeltasTo(const GridPoint& current, const GridPoint& target, double reference_azimuth);
+StakeDeltas DeltasTo(const GridPoint& current, const GridPoint& target, double referenceAzimuth);
 
 /// "C 0.20", "F 0.15", "0.00".
 std::string CutFillText(double cut, int decimals);
@@ -45,9 +45,9 @@ class ToleranceGate {
  public:
   explicit ToleranceGate(const StakeTolerance& tolerance) : tolerance_(tolerance) {}
 
-  /// `good_position` is false for a position that is not fixed or not precise enough: then the
+  /// `goodPosition` is false for a position that is not fixed or not precise enough: then the
   /// answer is never yes. Without `vertical` only the horizontal distance counts.
-  bool Update(double distance, std::optional<double> vertical, bool good_position);
+  bool Update(double distance, std::optional<double> vertical, bool goodPosition);
   bool inside() const { return inside_; }
 
  private:
@@ -66,16 +66,16 @@ struct RoadStake {
   GridPoint target;
   StakeDeltas deltas;  ///< the reference is the tangent at the target station
   StationOffset current;
-  double station_to_go = 0.0;
-  double offset_to_go = 0.0;
+  double stationToGo = 0.0;
+  double offsetToGo = 0.0;
   std::optional<double> cut;
   bool sound = true;  ///< false on an element that should not be staked
 };
 
-/// `station_before` follows the rover through inside corners, see Alignment::Follow.
+/// `stationBefore` follows the rover through inside corners, see Alignment::Follow.
 std::optional<RoadStake> StakeRoadPoint(const Alignment& alignment, const RoadTarget& target,
                                         const GridPoint& current,
-                                        std::optional<double> station_before = {});
+                                        std::optional<double> stationBefore = {});
 
 /// The stations to stake from `from` to `to` (internal): displayed stations that are whole
 /// multiples of `interval` inside each region, key points of the alignment and the profile,
@@ -95,7 +95,7 @@ struct SlopeShot {
 struct SlopeStep {
   double design = 0.0;      ///< elevation of the design slope above or below the rover
   double difference = 0.0;  ///< ground minus design
-  double go_out = 0.0;      ///< outward distance to where slope and ground should meet
+  double goOut = 0.0;       ///< outward distance to where slope and ground should meet
   double ratio = 0.0;       ///< n of n:1 of the row in use
   int row = 0;
   bool caught = false;  ///< |difference| is within the tolerance

@@ -16,9 +16,9 @@ constexpr double kSameStation = 1e-6;
 
 }  // namespace
 
-std::vector<StationEquation> ReadStationEquations(std::string_view centerline_text) {
+std::vector<StationEquation> ReadStationEquations(std::string_view centerlineText) {
   std::vector<StationEquation> equations;
-  NumberedLines lines(centerline_text, kSignificantBytes);
+  NumberedLines lines(centerlineText, kSignificantBytes);
   std::string_view line;
   while (equations.size() < kMostStationEquations && lines.Next(line)) {
     const CommaFields fields(line);

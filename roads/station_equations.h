@@ -26,7 +26,7 @@ inline constexpr std::size_t kMostStationEquations = 1000;
 
 /// The "EQ" records of a centerline text in file order, back station first. Records with a station
 /// that is missing or no number are passed over.
-std::vector<StationEquation> ReadStationEquations(std::string_view centerline_text);
+std::vector<StationEquation> ReadStationEquations(std::string_view centerlineText);
 
 /// Each equation with its two stations changed over, for files that hold them ahead first.
 std::vector<StationEquation> Swapped(std::vector<StationEquation> equations);

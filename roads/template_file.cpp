@@ -42,8 +42,8 @@ LoadTemplateResult LoadTemplate(FileSystem& files, Road& road, const std::string
 }
 
 FileStatus WriteTemplate(FileSystem& files, const std::string& path, const RoadTemplate& section) {
-  const bool as_read = !section.text.empty() && ReadTemplate(section.text) == section;
-  return ReplaceWholeFile(files, path, as_read ? section.text : TemplateText(section));
+  const bool asRead = !section.text.empty() && ReadTemplate(section.text) == section;
+  return ReplaceWholeFile(files, path, asRead ? section.text : TemplateText(section));
 }
 
 }  // namespace tarvex

@@ -13,7 +13,7 @@ double TemplateValues::Number() {
 }
 
 double TemplateValues::Noted(double number) {
-  if (!(std::fabs(number) <= kLargestTemplateNumber)) out_of_range_ = true;
+  if (!(std::fabs(number) <= kLargestTemplateNumber)) outOfRange_ = true;
   return number;
 }
 
@@ -100,27 +100,26 @@ void TakeSubgradeSegment(TemplateTarget& to, TemplateValues& values) {
 
 constexpr TemplateKey kSubgradeKeys[] = {
     {"MATERL", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().material = v.Word(); }},
-    {"HPIVOT", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_pivot = v.Word(); }},
-    {"HSTYPE",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_type = v.Integer(); }},
+    {"HPIVOT", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().highPivot = v.Word(); }},
+    {"HSTYPE", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().highType = v.Integer(); }},
     {"HSLOPE",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_slopes[0] = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().highSlopes[0] = v.Number(); }},
     {"HSLOP2",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_slopes[1] = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().highSlopes[1] = v.Number(); }},
     {"HSLOP3",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().high_slopes[2] = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().highSlopes[2] = v.Number(); }},
     {"LSLOPE",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_slopes[0] = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().lowSlopes[0] = v.Number(); }},
     {"LSLOP2",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_slopes[1] = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().lowSlopes[1] = v.Number(); }},
     {"LSLOP3",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_slopes[2] = v.Number(); }},
-    {"LPIVOT", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_pivot = v.Word(); }},
-    {"LSTYPE", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().low_type = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().lowSlopes[2] = v.Number(); }},
+    {"LPIVOT", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().lowPivot = v.Word(); }},
+    {"LSTYPE", [](TemplateTarget& to, TemplateValues& v) { to.subgrade().lowType = v.Integer(); }},
     {"SUBDIR",
      [](TemplateTarget& to, TemplateValues& v) { to.subgrade().direction = v.Integer(); }},
     {"WRAPHT",
-     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().wrap_height = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.subgrade().wrapHeight = v.Number(); }},
     {"OFFSET",
      [](TemplateTarget& to, TemplateValues& v) {
        to.subgrade().offset = v.Number();
@@ -132,87 +131,85 @@ constexpr TemplateKey kSubgradeKeys[] = {
 constexpr TemplateKey kFillKeys[] = {
     {"FILDSL", [](TemplateTarget& to, TemplateValues& v) { TakeRow(v, to.fill().slopes); }},
     {"RATIO ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.ratio = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fillSettings.ratio = v.Integer(); }},
     {"SMOOTH",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.smooth = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fillSettings.smooth = v.Integer(); }},
     {"SERIES",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.series = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fillSettings.series = v.Integer(); }},
     {"PIVOT ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.pivot = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fillSettings.pivot = v.Integer(); }},
     {"TIE_EX", [](TemplateTarget& to,
-                  TemplateValues& v) { to.section.fill_settings.tie_existing = v.Integer(); }},
+                  TemplateValues& v) { to.section.fillSettings.tieExisting = v.Integer(); }},
     {"EXDESC", [](TemplateTarget& to,
-                  TemplateValues& v) { to.section.fill_settings.existing_description = v.Word(); }},
+                  TemplateValues& v) { to.section.fillSettings.existingDescription = v.Word(); }},
     {"REPEAT",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.fill_settings.repeat = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.fillSettings.repeat = v.Integer(); }},
     {"FDITCH",
      [](TemplateTarget& to, TemplateValues& v) {
        to.fill().ditch = v.Number();
-       to.fill().ditch_kind = v.Integer();
+       to.fill().ditchKind = v.Integer();
      }},
-    {"GUARDV",
-     [](TemplateTarget& to, TemplateValues& v) { to.fill().guard_vertical = v.Number(); }},
+    {"GUARDV", [](TemplateTarget& to, TemplateValues& v) { to.fill().guardVertical = v.Number(); }},
     {"GUARDH",
-     [](TemplateTarget& to, TemplateValues& v) { to.fill().guard_horizontal = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.fill().guardHorizontal = v.Number(); }},
 };
 
 constexpr TemplateKey kCutKeys[] = {
     {"CUTUSL", [](TemplateTarget& to, TemplateValues& v) { TakeRow(v, to.cut().slopes); }},
-    {"ROCKSL", [](TemplateTarget& to, TemplateValues& v) { to.cut().rock_slope = v.Number(); }},
-    {"RORDER", [](TemplateTarget& to, TemplateValues& v) { to.cut().rock_order = v.Integer(); }},
+    {"ROCKSL", [](TemplateTarget& to, TemplateValues& v) { to.cut().rockSlope = v.Number(); }},
+    {"RORDER", [](TemplateTarget& to, TemplateValues& v) { to.cut().rockOrder = v.Integer(); }},
     {"RATIO ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.ratio = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.ratio = v.Integer(); }},
     {"SMOOTH",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.smooth = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.smooth = v.Integer(); }},
     {"SERIES",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.series = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.series = v.Integer(); }},
     {"DEPTH ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.depth = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.depth = v.Integer(); }},
     {"BENCH1",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.bench1 = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.bench1 = v.Integer(); }},
     {"BENCH2",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.bench2 = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.bench2 = v.Number(); }},
     {"BENCH3",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.bench3 = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.bench3 = v.Number(); }},
     {"PIVOT ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.pivot = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.pivot = v.Integer(); }},
     {"TIE_EX", [](TemplateTarget& to,
-                  TemplateValues& v) { to.section.cut_settings.tie_existing = v.Integer(); }},
+                  TemplateValues& v) { to.section.cutSettings.tieExisting = v.Integer(); }},
     {"EXDESC", [](TemplateTarget& to,
-                  TemplateValues& v) { to.section.cut_settings.existing_description = v.Word(); }},
+                  TemplateValues& v) { to.section.cutSettings.existingDescription = v.Word(); }},
     {"REPEAT",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cut_settings.repeat = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.repeat = v.Integer(); }},
 };
 
 constexpr TemplateKey kSuperKeys[] = {
     {"LOWADJ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.super.low_adjust = v.Integer(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.lowAdjust = v.Integer(); }},
     {"MAXDIF", [](TemplateTarget& to,
-                  TemplateValues& v) { to.section.super.largest_difference = v.Number(); }},
-    {"LOWPT ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.super.low_point = v.Word(); }},
+                  TemplateValues& v) { to.section.super.largestDifference = v.Number(); }},
+    {"LOWPT ", [](TemplateTarget& to, TemplateValues& v) { to.section.super.lowPoint = v.Word(); }},
     {"HIGHPT",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.super.high_point = v.Word(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.highPoint = v.Word(); }},
     {"LOWPT2",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.super.low_point2 = v.Word(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.lowPoint2 = v.Word(); }},
     {"HIGHP2",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.super.high_point2 = v.Word(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.super.highPoint2 = v.Word(); }},
     {"EDGESP", [](TemplateTarget&, TemplateValues&) {}},  // written as 0, never read back
 };
 
 constexpr TemplateKey kRowKeys[] = {
-    {"RTAINL", [](TemplateTarget& to,
-                  TemplateValues& v) { to.section.right_of_way.retain_left = v.Integer(); }},
+    {"RTAINL",
+     [](TemplateTarget& to, TemplateValues& v) { to.section.rightOfWay.retainLeft = v.Integer(); }},
     {"RTAINR", [](TemplateTarget& to,
-                  TemplateValues& v) { to.section.right_of_way.retain_right = v.Integer(); }},
+                  TemplateValues& v) { to.section.rightOfWay.retainRight = v.Integer(); }},
     {"ROWL  ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.right_of_way.left = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.rightOfWay.left = v.Number(); }},
     {"ROWR  ",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.right_of_way.right = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.rightOfWay.right = v.Number(); }},
 };
 
 constexpr TemplateKey kBermKeys[] = {
-    {"DEPTH ", [](TemplateTarget& to, TemplateValues& v) { to.section.berm_depth = v.Number(); }},
+    {"DEPTH ", [](TemplateTarget& to, TemplateValues& v) { to.section.bermDepth = v.Number(); }},
     {"MOVESL", [](TemplateTarget& to, TemplateValues& v) { TakeSegment(v, to.section.berm); }},
 };
 
@@ -222,9 +219,9 @@ constexpr TemplateKey kDitchKeys[] = {
 
 void TakeCurbSlope(TemplateTarget& to, TemplateValues& values) {
   const std::string word = values.Word();
-  to.curb().slope_kind = word == "FLAT"    ? Curb::Slope::Flat
-                         : word == "MATCH" ? Curb::Slope::Match
-                                           : Curb::Slope::Number;
+  to.curb().slopeKind = word == "FLAT"    ? Curb::Slope::Flat
+                        : word == "MATCH" ? Curb::Slope::Match
+                                          : Curb::Slope::Number;
   to.curb().slope = values.Noted(LeadingDouble(word));
 }
 

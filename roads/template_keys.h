@@ -24,11 +24,11 @@ class TemplateValues {
   /// The rest without the blanks around it.
   std::string Word() const;
   /// True once a number was beyond kLargestTemplateNumber.
-  bool out_of_range() const { return out_of_range_; }
+  bool out_of_range() const { return outOfRange_; }
 
  private:
   std::string_view rest_;
-  bool out_of_range_ = false;
+  bool outOfRange_ = false;
 };
 
 /// Where a section's lines go: the last subgrade, curb or median is the open one.

@@ -99,7 +99,7 @@ class TemplateReader {
     rule->take(target_, values);
     if (!values.out_of_range()) return;
     Note(kTextNumberOutOfRange, line);
-    if (section_.line_out_of_range == 0) section_.line_out_of_range = lines_.number();
+    if (section_.lineOutOfRange == 0) section_.lineOutOfRange = lines_.number();
   }
 
   NumberedLines lines_;

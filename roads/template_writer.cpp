@@ -64,7 +64,7 @@ class TemplateWriter {
     Pair("OFFSET", surface.offset, surface.elevation, kSegmentDecimals);
     auto insert = surface.inserts.begin();
     for (std::size_t i = 0; i <= surface.segments.size(); ++i) {
-      for (; insert != surface.inserts.end() && insert->before_segment <= i; ++insert) {
+      for (; insert != surface.inserts.end() && insert->beforeSegment <= i; ++insert) {
         Insert(*insert);
       }
       if (i < surface.segments.size()) {
@@ -80,7 +80,7 @@ class TemplateWriter {
 
   // Fill settings are one for both sides and are written once, on the left.
   void WriteFill() {
-    const SlopeSettings& both = section_.fill_settings;
+    const SlopeSettings& both = section_.fillSettings;
     Line("*FILL-L");
     FillOf(Side::Left);
     Integer("RATIO ", both.ratio);
@@ -88,8 +88,8 @@ class TemplateWriter {
     Integer("PIVOT ", both.pivot);
     Integer("SERIES", both.series);
     Integer("REPEAT", both.repeat);
-    Integer("TIE_EX", both.tie_existing);
-    Text("EXDESC", both.existing_description);
+    Integer("TIE_EX", both.tieExisting);
+    Text("EXDESC", both.existingDescription);
     Line("*FILL-R");
     FillOf(Side::Right);
   }
@@ -97,16 +97,16 @@ class TemplateWriter {
   void FillOf(Side side) {
     const FillSide& fill = section_.FillOf(side);
     Rows("FILDSL", fill.slopes);
-    if (fill.ditch != 0.0 || fill.ditch_kind != 0) {
+    if (fill.ditch != 0.0 || fill.ditchKind != 0) {
       Text("FDITCH",
-           FixedNumber(fill.ditch, kSlopeDecimals) + ',' + std::to_string(fill.ditch_kind));
+           FixedNumber(fill.ditch, kSlopeDecimals) + ',' + std::to_string(fill.ditchKind));
     }
-    if (fill.guard_vertical != 0.0) Number("GUARDV", fill.guard_vertical, kSlopeDecimals);
-    if (fill.guard_horizontal != 0.0) Number("GUARDH", fill.guard_horizontal, kSlopeDecimals);
+    if (fill.guardVertical != 0.0) Number("GUARDV", fill.guardVertical, kSlopeDecimals);
+    if (fill.guardHorizontal != 0.0) Number("GUARDH", fill.guardHorizontal, kSlopeDecimals);
   }
 
   void WriteCut() {
-    const CutSettings& both = section_.cut_settings;
+    const CutSettings& both = section_.cutSettings;
     Line("*CUT-L");
     Rows("CUTUSL", section_.CutOf(Side::Left).slopes);
     Integer("RATIO ", both.ratio);
@@ -119,35 +119,35 @@ class TemplateWriter {
     Number("BENCH3", both.bench3, kBench3Decimals);
     Integer("PIVOT ", both.pivot);
     Integer("REPEAT", both.repeat);
-    Integer("TIE_EX", both.tie_existing);
-    Text("EXDESC", both.existing_description);
+    Integer("TIE_EX", both.tieExisting);
+    Text("EXDESC", both.existingDescription);
     Line("*CUT-R");
     Rows("CUTUSL", section_.CutOf(Side::Right).slopes);
     RockOf(Side::Right);
   }
 
   void RockOf(Side side) {
-    Number("ROCKSL", section_.CutOf(side).rock_slope, kSlopeDecimals);
-    Integer("RORDER", section_.CutOf(side).rock_order);
+    Number("ROCKSL", section_.CutOf(side).rockSlope, kSlopeDecimals);
+    Integer("RORDER", section_.CutOf(side).rockOrder);
   }
 
   void WriteSuperelevation() {
     const SuperelevationSettings& super = section_.super;
     Line("*SUPER");
-    Integer("LOWADJ", super.low_adjust);
+    Integer("LOWADJ", super.lowAdjust);
     Integer("EDGESP", 0);
-    Number("MAXDIF", super.largest_difference, kGradeDecimals);
-    Text("LOWPT ", super.low_point);
-    Text("HIGHPT", super.high_point);
-    Text("LOWPT2", super.low_point2);
-    Text("HIGHP2", super.high_point2);
+    Number("MAXDIF", super.largestDifference, kGradeDecimals);
+    Text("LOWPT ", super.lowPoint);
+    Text("HIGHPT", super.highPoint);
+    Text("LOWPT2", super.lowPoint2);
+    Text("HIGHP2", super.highPoint2);
   }
 
   void WriteRightOfWay() {
-    const RightOfWay& row = section_.right_of_way;
+    const RightOfWay& row = section_.rightOfWay;
     Line("*ROW");
-    Integer("RTAINL", row.retain_left);
-    Integer("RTAINR", row.retain_right);
+    Integer("RTAINL", row.retainLeft);
+    Integer("RTAINR", row.retainRight);
     Number("ROWL  ", row.left, kSlopeDecimals);
     Number("ROWR  ", row.right, kSlopeDecimals);
   }
@@ -155,18 +155,18 @@ class TemplateWriter {
   void WriteSubgrade(std::string_view name, const Subgrade& subgrade) {
     Line(name);
     Text("MATERL", subgrade.material);
-    Text("HPIVOT", subgrade.high_pivot);
-    Integer("HSTYPE", subgrade.high_type);
-    Number("HSLOPE", subgrade.high_slopes[0], kSegmentDecimals);
-    Number("HSLOP2", subgrade.high_slopes[1], kSegmentDecimals);
-    Number("HSLOP3", subgrade.high_slopes[2], kSegmentDecimals);
-    Number("LSLOPE", subgrade.low_slopes[0], kSegmentDecimals);
-    Number("LSLOP2", subgrade.low_slopes[1], kSegmentDecimals);
-    Number("LSLOP3", subgrade.low_slopes[2], kSegmentDecimals);
-    Text("LPIVOT", subgrade.low_pivot);
-    Integer("LSTYPE", subgrade.low_type);
+    Text("HPIVOT", subgrade.highPivot);
+    Integer("HSTYPE", subgrade.highType);
+    Number("HSLOPE", subgrade.highSlopes[0], kSegmentDecimals);
+    Number("HSLOP2", subgrade.highSlopes[1], kSegmentDecimals);
+    Number("HSLOP3", subgrade.highSlopes[2], kSegmentDecimals);
+    Number("LSLOPE", subgrade.lowSlopes[0], kSegmentDecimals);
+    Number("LSLOP2", subgrade.lowSlopes[1], kSegmentDecimals);
+    Number("LSLOP3", subgrade.lowSlopes[2], kSegmentDecimals);
+    Text("LPIVOT", subgrade.lowPivot);
+    Integer("LSTYPE", subgrade.lowType);
     Integer("SUBDIR", subgrade.direction);
-    Number("WRAPHT", subgrade.wrap_height, kSegmentDecimals);
+    Number("WRAPHT", subgrade.wrapHeight, kSegmentDecimals);
     Pair("OFFSET", subgrade.offset, subgrade.elevation, kSegmentDecimals);
     for (const SubgradeSegment& segment : subgrade.segments) {
       std::string words = segment.segment.description;
@@ -177,9 +177,9 @@ class TemplateWriter {
   }
 
   void WriteBermAndDitch() {
-    if (!section_.berm.empty() || section_.berm_depth != 0.0) {
+    if (!section_.berm.empty() || section_.bermDepth != 0.0) {
       Line("*BERM");
-      Number("DEPTH ", section_.berm_depth, kSegmentDecimals);
+      Number("DEPTH ", section_.bermDepth, kSegmentDecimals);
       for (const SurfaceSegment& segment : section_.berm) Segment(segment, segment.description);
     }
     if (section_.ditch.empty()) return;
@@ -192,7 +192,7 @@ class TemplateWriter {
     Line("**CURBL" + OneLine(curb.name));
     Number("CBTOP ", curb.top, kSegmentDecimals);
     Number("CBBASE", curb.base, kSegmentDecimals);
-    switch (curb.slope_kind) {
+    switch (curb.slopeKind) {
       case Curb::Slope::Flat:
         Text("SLOPE ", "FLAT");
         break;

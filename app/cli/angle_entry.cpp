@@ -69,12 +69,12 @@ class EntryReader {
 
  private:
   void SkipBlanks() {
-    blank_before_ = false;
+    blankBefore_ = false;
     while (!rest_.empty() && std::string_view(" \t,;").find(rest_[0]) != std::string_view::npos) {
-      blank_before_ = true;
+      blankBefore_ = true;
       rest_.remove_prefix(1);
     }
-    if (blank_before_) joint_ = false;
+    if (blankBefore_) joint_ = false;
   }
 
   // A letter in front opens its angle, one behind closes it.
@@ -82,11 +82,11 @@ class EntryReader {
     const char letter = UpperCase(rest_.substr(0, 1))[0];
     if (letter != 'N' && letter != 'S' && letter != 'E' && letter != 'W') return false;
     rest_.remove_prefix(1);
-    const bool behind = !angles_.empty() && angles_.back().letter == 0 && !letters_in_front_;
+    const bool behind = !angles_.empty() && angles_.back().letter == 0 && !lettersInFront_;
     if (behind) {
       angles_.back().letter = letter;
     } else {
-      letters_in_front_ = true;
+      lettersInFront_ = true;
       angles_.push_back({{}, letter});
     }
     closed_ = behind;
@@ -106,7 +106,7 @@ class EntryReader {
   }
 
   void TakeMark(Part& part) {
-    const bool was_joint = joint_;
+    const bool wasJoint = joint_;
     joint_ = false;
     for (const MarkText& known : kMarks) {
       if (!rest_.starts_with(known.text)) continue;
@@ -115,7 +115,7 @@ class EntryReader {
       joint_ = known.mark == Mark::Joint;
       break;
     }
-    after_joint_ = was_joint;
+    afterJoint_ = wasJoint;
   }
 
   // To the angle that is open, or to a new one: after degrees come minutes, then seconds. A number
@@ -125,13 +125,13 @@ class EntryReader {
                        StandsApart(part, angles_.back()) ||
                        (part.mark == Mark::Degrees && !angles_.back().parts.empty());
     const bool opened = !angles_.empty() && angles_.back().parts.empty();
-    if (fresh && !after_joint_ && !(opened && !closed_)) angles_.push_back({});
+    if (fresh && !afterJoint_ && !(opened && !closed_)) angles_.push_back({});
     angles_.back().parts.push_back(part);
     closed_ = false;
   }
 
   bool StandsApart(const Part& part, const Angle& angle) const {
-    if (part.mark || !blank_before_ || angle.parts.empty()) return false;
+    if (part.mark || !blankBefore_ || angle.parts.empty()) return false;
     const Part& last = angle.parts.back();
     return last.mark && *last.mark != Mark::Joint;
   }
@@ -147,11 +147,11 @@ class EntryReader {
 
   std::string_view rest_;
   std::vector<Angle> angles_;
-  bool letters_in_front_ = false;
+  bool lettersInFront_ = false;
   bool closed_ = false;
   bool joint_ = false;
-  bool after_joint_ = false;
-  bool blank_before_ = false;
+  bool afterJoint_ = false;
+  bool blankBefore_ = false;
 };
 
 std::optional<double> DegreesOf(const Angle& angle) {
@@ -160,10 +160,10 @@ std::optional<double> DegreesOf(const Angle& angle) {
   double unit = 1.0;
   for (std::size_t i = 0; i < angle.parts.size(); ++i, unit /= 60.0) {
     const Part& part = angle.parts[i];
-    const bool wrong_mark =
+    const bool wrongMark =
         part.mark && part.mark != Mark::Joint && static_cast<std::size_t>(*part.mark) != i;
     const bool last = i + 1 == angle.parts.size();
-    if (wrong_mark || (part.decimals && !last) || (i > 0 && (part.negative || part.value >= 60.0)))
+    if (wrongMark || (part.decimals && !last) || (i > 0 && (part.negative || part.value >= 60.0)))
       return std::nullopt;
     degrees += part.value / std::round(1.0 / unit);
   }
@@ -222,7 +222,7 @@ std::optional<AngleEntry> ReadAngleEntry(std::string_view line, std::string& pro
   AngleEntry entry{*latitude, *longitude, std::nullopt};
   if (height) {
     const Part& part = angles[2].parts[0];
-    entry.height_m = part.negative ? -part.value : part.value;
+    entry.heightM = part.negative ? -part.value : part.value;
   }
   return entry;
 }

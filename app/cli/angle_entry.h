@@ -9,9 +9,9 @@
 namespace tarvex {
 
 struct AngleEntry {
-  double latitude_deg = 0.0;
-  double longitude_deg = 0.0;
-  std::optional<double> height_m;
+  double latitudeDeg = 0.0;
+  double longitudeDeg = 0.0;
+  std::optional<double> heightM;
 };
 
 /// Reads a line in degrees, minutes and seconds; seconds may be missing, and the last part of an

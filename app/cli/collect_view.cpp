@@ -11,10 +11,10 @@ constexpr int kPrecisionDecimals = 3;
 constexpr int kGridDecimals = 4;
 
 std::string PrecisionText(const GnssPositionState& state) {
-  if (!state.precision_known) return "HRMS and VRMS unknown";
+  if (!state.precisionKnown) return "HRMS and VRMS unknown";
   return "HRMS " + FixedNumber(state.hrms, kPrecisionDecimals) + ", VRMS " +
          FixedNumber(state.vrms, kPrecisionDecimals) +
-         (state.precision_carried_over ? " (of an earlier epoch)" : "");
+         (state.precisionCarriedOver ? " (of an earlier epoch)" : "");
 }
 
 std::string StateText(const GnssPositionState& state) {
@@ -54,8 +54,8 @@ void CollectView::Show(const PointStored& stored) {
   if (stored.mean) {
     const auto metres = [](double value) { return FixedNumber(value, kPrecisionDecimals) + " m"; };
     line += ", mean of " + std::to_string(stored.mean->epochs) + ": scatter N " +
-            metres(stored.mean->scatter_north) + ", E " + metres(stored.mean->scatter_east) +
-            ", EL " + metres(stored.mean->scatter_up) + ", farthest " +
+            metres(stored.mean->scatterNorth) + ", E " + metres(stored.mean->scatterEast) +
+            ", EL " + metres(stored.mean->scatterUp) + ", farthest " +
             metres(stored.mean->farthest);
   }
   line += ")";
@@ -82,7 +82,7 @@ void CollectView::Show(const PointExists& exists) {
 void CollectView::Show(const ReceiverLost& lost) {
   told_.clear();
   program_.console.PrintError("The receiver " + lost.why + " is lost; it is tried again in " +
-                              std::to_string((lost.next_try_ms + 999) / 1000) + " s.\n");
+                              std::to_string((lost.nextTryMs + 999) / 1000) + " s.\n");
 }
 
 void CollectView::Show(const ReceiverBack&) {
@@ -92,11 +92,11 @@ void CollectView::Show(const ReceiverBack&) {
 // A change of the corrections is part of the text, so that it is known afterwards as well.
 void CollectView::Show(const CorrectionsChanged& changed) {
   const CorrectionState state = changed.status.state;
-  const bool waits_for_a_word =
+  const bool waitsForAWord =
       state == CorrectionState::Refused || state == CorrectionState::UnknownMountpoint;
   program_.console.PrintError(
       CorrectionSentence(changed.status) +
-      (waits_for_a_word && program_.console.IsTyped() ? " r and Enter ask it again.\n" : "\n"));
+      (waitsForAWord && program_.console.IsTyped() ? " r and Enter ask it again.\n" : "\n"));
 }
 
 void CollectView::TellOnce(const std::string& sentence) {

@@ -40,7 +40,7 @@ std::string FittedLine(std::string line, int stream) {
 // Beside the thread that works, the one that reads typed commands says what it does not understand.
 class StandardStreams final : public Console {
  public:
-  StandardStreams() : progress_shown_(::isatty(STDERR_FILENO) != 0) {}
+  StandardStreams() : progressShown_(::isatty(STDERR_FILENO) != 0) {}
 
   void Print(std::string_view text) override {
     const std::lock_guard lock(mutex_);
@@ -70,13 +70,13 @@ class StandardStreams final : public Console {
   }
 
   void ShowProgress(std::string_view line) override {
-    if (!progress_shown_) return;
+    if (!progressShown_) return;
     const std::lock_guard lock(mutex_);
     std::fflush(stdout);
     std::fputs("\r\x1b[K", stderr);
     Write(FittedLine(PrintableLine(line), STDERR_FILENO), stderr);
     std::fflush(stderr);
-    progress_open_ = true;
+    progressOpen_ = true;
   }
 
   void EndProgress() override {
@@ -105,15 +105,15 @@ class StandardStreams final : public Console {
 
  private:
   void RemoveProgress() {
-    if (!progress_open_) return;
+    if (!progressOpen_) return;
     std::fputs("\r\x1b[K", stderr);
     std::fflush(stderr);
-    progress_open_ = false;
+    progressOpen_ = false;
   }
 
   std::mutex mutex_;
-  const bool progress_shown_;
-  bool progress_open_ = false;
+  const bool progressShown_;
+  bool progressOpen_ = false;
 };
 
 }  // namespace

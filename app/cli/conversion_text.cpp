@@ -91,7 +91,7 @@ std::string ExplanationText(const CalculationReport& report) {
     std::string line = "  " + std::string(StepName(step.step));
     line.resize(kNameWidth, ' ');
     line += HasValue(step) ? ValueText(step, backwards) : std::string("-");
-    if (step.point_scale) line += "  scale " + FixedNumber(*step.point_scale, kScaleDecimals);
+    if (step.pointScale) line += "  scale " + FixedNumber(*step.pointScale, kScaleDecimals);
     if (!step.description.empty()) line += "  [" + step.description + "]";
     if (step.outcome.reason != 0) line += "  NOT MADE: " + Strings().Text(step.outcome.reason);
     text += line + "\n";
@@ -106,7 +106,7 @@ Json ExplanationJson(const CalculationReport& report) {
   for (const ExplainedStep& step : report.steps) {
     Json json = {{"step", StepName(step.step)}, {"status", StatusKey(step.outcome.status)}};
     if (HasValue(step)) PutValue(step, backwards, json);
-    if (step.point_scale) json["point_scale"] = *step.point_scale;
+    if (step.pointScale) json["point_scale"] = *step.pointScale;
     if (!step.description.empty()) json["by"] = step.description;
     if (step.outcome.reason != 0) json["reason"] = Strings().Text(step.outcome.reason);
     steps.push_back(std::move(json));

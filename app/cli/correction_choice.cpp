@@ -44,9 +44,9 @@ bool ParseAddress(std::string_view text, CorrectionPlan& plan, std::string& prob
     problem = kBadMountpoint;
     return false;
   }
-  std::string caster_problem;
-  if (ParseCaster(text.substr(0, slash), plan.caster, caster_problem)) return true;
-  if (caster_problem == kNoPasswordHere) problem = caster_problem;
+  std::string casterProblem;
+  if (ParseCaster(text.substr(0, slash), plan.caster, casterProblem)) return true;
+  if (casterProblem == kNoPasswordHere) problem = casterProblem;
   return false;
 }
 
@@ -66,10 +66,10 @@ bool ParseHost(std::string_view text, CasterLogin& caster) {
 }
 
 GgaUpload UploadOf(const CorrectionChoice& choice, const ReceiverSettings& settings) {
-  if (choice.send_gga == "always") return GgaUpload::Always;
-  if (choice.send_gga == "never") return GgaUpload::Never;
-  if (choice.send_gga == "wanted") return GgaUpload::WhenWanted;
-  return settings.send_gga || settings.rover_send_gga ? GgaUpload::WhenWanted : GgaUpload::Never;
+  if (choice.sendGga == "always") return GgaUpload::Always;
+  if (choice.sendGga == "never") return GgaUpload::Never;
+  if (choice.sendGga == "wanted") return GgaUpload::WhenWanted;
+  return settings.sendGga || settings.roverSendGga ? GgaUpload::WhenWanted : GgaUpload::Never;
 }
 
 }  // namespace
@@ -87,18 +87,18 @@ bool ParseCaster(std::string_view text, CasterLogin& caster, std::string& proble
   return ParseHost(text, caster);
 }
 
-bool FindPassword(const std::string& password_file, CasterLogin& caster, std::string& problem) {
+bool FindPassword(const std::string& passwordFile, CasterLogin& caster, std::string& problem) {
   if (caster.user.empty()) return true;
-  if (!password_file.empty()) {
-    switch (ReadSecretFile(password_file, caster.password)) {
+  if (!passwordFile.empty()) {
+    switch (ReadSecretFile(passwordFile, caster.password)) {
       case SecretResult::Found:
         return true;
       case SecretResult::OpenToOthers:
-        problem = "The password file " + password_file +
+        problem = "The password file " + passwordFile +
                   " can be read by others; make it yours alone (chmod 600).";
         return false;
       case SecretResult::Missing:
-        problem = "The password file " + password_file + " cannot be read.";
+        problem = "The password file " + passwordFile + " cannot be read.";
         return false;
     }
   }
@@ -113,8 +113,8 @@ bool FindPassword(const std::string& password_file, CasterLogin& caster, std::st
   return false;
 }
 
-CLI::Option* AddPasswordOption(CLI::App& sub, std::string& password_file) {
-  return sub.add_option("--password-file", password_file,
+CLI::Option* AddPasswordOption(CLI::App& sub, std::string& passwordFile) {
+  return sub.add_option("--password-file", passwordFile,
                         "File with the password that its owner alone can read (mode 0600)");
 }
 
@@ -124,13 +124,13 @@ void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice) {
                  "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
                  "asked for, or taken from TARVEX_NTRIP_PASSWORD")
       ->group(kGroup);
-  AddPasswordOption(sub, choice.password_file)->group(kGroup);
-  sub.add_option("--send-gga", choice.send_gga,
+  AddPasswordOption(sub, choice.passwordFile)->group(kGroup);
+  sub.add_option("--send-gga", choice.sendGga,
                  "Send your position to the caster: wanted (when its list says that the stream\n"
                  "needs it; the default), always or never")
       ->check(CLI::IsMember({"wanted", "always", "never"}))
       ->group(kGroup);
-  sub.add_option("--gga-interval", choice.gga_interval_s,
+  sub.add_option("--gga-interval", choice.ggaIntervalS,
                  "Seconds between two positions sent (default: 10)")
       ->check(CLI::Range(1, 3600))
       ->group(kGroup);
@@ -142,13 +142,12 @@ ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSetting
   CorrectionPlan settled;
   std::string problem;
   if (!ParseAddress(choice.address, settled, problem) ||
-      !FindPassword(choice.password_file, settled.caster, problem)) {
+      !FindPassword(choice.passwordFile, settled.caster, problem)) {
     return program.Misuse(problem);
   }
   settled.gga = UploadOf(choice, settings);
-  const int interval_s =
-      choice.gga_interval_s > 0 ? choice.gga_interval_s : settings.gga_interval_s;
-  settled.gga_interval_ms = std::int64_t{interval_s} * 1000;
+  const int intervalS = choice.ggaIntervalS > 0 ? choice.ggaIntervalS : settings.ggaIntervalS;
+  settled.ggaIntervalMs = std::int64_t{intervalS} * 1000;
   plan = settled;
   return ExitCode::Done;
 }

@@ -20,9 +20,9 @@ namespace tarvex {
 /// As entered.
 struct CorrectionChoice {
   std::string address;  ///< "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT"; empty: no corrections
-  std::string password_file;
-  std::string send_gga;  ///< "wanted", "always", "never"; empty: what the settings say
-  int gga_interval_s = 0;
+  std::string passwordFile;
+  std::string sendGga;  ///< "wanted", "always", "never"; empty: what the settings say
+  int ggaIntervalS = 0;
 };
 
 /// Adds --corrections, --password-file, --send-gga and --gga-interval.
@@ -40,9 +40,9 @@ ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSetting
 /// The password of the caster's user: from a file of mode 0600 when one is named, else from the
 /// environment, else from the person at the terminal. Nothing is asked without a user. False with a
 /// sentence in `problem`.
-[[nodiscard]] bool FindPassword(const std::string& password_file, CasterLogin& caster,
+[[nodiscard]] bool FindPassword(const std::string& passwordFile, CasterLogin& caster,
                                 std::string& problem);
 
-CLI::Option* AddPasswordOption(CLI::App& sub, std::string& password_file);
+CLI::Option* AddPasswordOption(CLI::App& sub, std::string& passwordFile);
 
 }  // namespace tarvex

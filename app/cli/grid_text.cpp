@@ -81,8 +81,8 @@ std::string NamesThatWork(GridFileKind kind) {
 }
 
 std::string UseOf(const std::string& name, GridFileKind kind) {
-  const std::string chosen_by = ChosenBy(name, kind);
-  if (!chosen_by.empty()) return "chosen by " + chosen_by;
+  const std::string chosenBy = ChosenBy(name, kind);
+  if (!chosenBy.empty()) return "chosen by " + chosenBy;
   return "chosen by nothing under this name; names that are looked for: " + NamesThatWork(kind);
 }
 
@@ -98,9 +98,9 @@ std::string PartText(const GridFilePart& part, bool degrees) {
   std::string text = "  ";
   if (!part.name.empty()) text += part.name + ": ";
   text += degrees ? "longitude " : "easting ";
-  text += Range(g.first_x(), g.last_x(), g.step_x(), decimals, unit);
+  text += Range(g.firstX(), g.lastX(), g.stepX(), decimals, unit);
   text += degrees ? ", latitude " : ", northing ";
-  text += Range(g.first_y(), g.last_y(), g.step_y(), decimals, unit);
+  text += Range(g.firstY(), g.lastY(), g.stepY(), decimals, unit);
   text += ", " + std::to_string(g.columns()) + " x " + std::to_string(g.rows()) + " nodes";
   if (!part.parent.empty()) text += ", inside " + part.parent;
   return text + "\n";
@@ -117,9 +117,9 @@ Json PartJson(const GridFilePart& part, bool degrees) {
   if (!part.parent.empty()) json["parent"] = part.parent;
   json["unit"] = degrees ? "degrees" : "metres";
   json["first"] =
-      AxisJson(degrees ? "longitude" : "easting", g.first_x(), g.last_x(), g.step_x(), g.columns());
+      AxisJson(degrees ? "longitude" : "easting", g.firstX(), g.lastX(), g.stepX(), g.columns());
   json["second"] =
-      AxisJson(degrees ? "latitude" : "northing", g.first_y(), g.last_y(), g.step_y(), g.rows());
+      AxisJson(degrees ? "latitude" : "northing", g.firstY(), g.lastY(), g.stepY(), g.rows());
   return json;
 }
 
@@ -127,28 +127,28 @@ Json PartJson(const GridFilePart& part, bool degrees) {
 
 std::string GridFileText(const std::string& path, const GridFileInfo& info) {
   std::string text = path + ": " + TextOf(info.kind).words;
-  if (!info.from_system.empty()) text += ", " + info.from_system + " to " + info.to_system;
+  if (!info.fromSystem.empty()) text += ", " + info.fromSystem + " to " + info.toSystem;
   text += "\n  " + UseOf(NameOf(path), info.kind);
-  const bool is_wgs84 = info.to_system == "WGS84" || info.to_system == "WGS 84";
-  if (!info.to_system.empty() && !is_wgs84) {
-    text += ", which takes " + info.to_system + " for WGS84";
+  const bool isWgs84 = info.toSystem == "WGS84" || info.toSystem == "WGS 84";
+  if (!info.toSystem.empty() && !isWgs84) {
+    text += ", which takes " + info.toSystem + " for WGS84";
   }
   text += '\n';
-  for (const GridFilePart& part : info.parts) text += PartText(part, info.in_degrees());
+  for (const GridFilePart& part : info.parts) text += PartText(part, info.inDegrees());
   return text;
 }
 
 Json GridFileJson(const std::string& path, const GridFileInfo& info) {
-  const std::string chosen_by = ChosenBy(NameOf(path), info.kind);
+  const std::string chosenBy = ChosenBy(NameOf(path), info.kind);
   Json json = {{"file", path}, {"kind", TextOf(info.kind).key}};
-  json["chosen_by"] = chosen_by.empty() ? Json() : Json(chosen_by);
+  json["chosen_by"] = chosenBy.empty() ? Json() : Json(chosenBy);
   if (info.kind == GridFileKind::Ntv2) {
-    json["from"] = info.from_system;
-    json["to"] = info.to_system;
+    json["from"] = info.fromSystem;
+    json["to"] = info.toSystem;
   }
   json["grids"] = Json::array();
   for (const GridFilePart& part : info.parts) {
-    json["grids"].push_back(PartJson(part, info.in_degrees()));
+    json["grids"].push_back(PartJson(part, info.inDegrees()));
   }
   return json;
 }

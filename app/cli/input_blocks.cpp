@@ -22,7 +22,7 @@ std::size_t ReadStandardInput(std::span<char> out) {
   return got > 0 ? static_cast<std::size_t>(got) : 0;
 }
 
-InputBlocks::InputBlocks(ReadSome read_some) : read_some_(std::move(read_some)), bytes_(kBlock) {}
+InputBlocks::InputBlocks(ReadSome readSome) : readSome_(std::move(readSome)), bytes_(kBlock) {}
 
 // The whole lines of what is held; what follows the last of them stays.
 std::size_t InputBlocks::TakeLines(std::vector<std::string_view>& lines) {
@@ -44,7 +44,7 @@ bool InputBlocks::Next(std::vector<std::string_view>& lines) {
   while (true) {
     std::memmove(bytes_.data(), bytes_.data() + begin_, end_ - begin_);
     end_ -= std::exchange(begin_, 0);
-    const std::size_t got = read_some_(std::span(bytes_).subspan(end_));
+    const std::size_t got = readSome_(std::span(bytes_).subspan(end_));
     end_ += got;
     if (TakeLines(lines) > 0) return true;
     const bool full = end_ - begin_ == kBlock;

@@ -17,7 +17,7 @@ class InputBlocks {
   /// Fills part or all of `out`, waiting for at least one byte; returns how many, 0 at the end.
   using ReadSome = std::function<std::size_t(std::span<char> out)>;
 
-  explicit InputBlocks(ReadSome read_some);
+  explicit InputBlocks(ReadSome readSome);
 
   /// The next lines, without their ends (LF, CR LF), as views that hold until the next call; false
   /// when there are none left. Of a line longer than the block only the beginning comes.
@@ -28,7 +28,7 @@ class InputBlocks {
 
   static constexpr std::size_t kBlock = 256 * 1024;
 
-  ReadSome read_some_;
+  ReadSome readSome_;
   std::vector<char> bytes_;
   std::size_t begin_ = 0;  ///< of what has not been given out
   std::size_t end_ = 0;

@@ -60,8 +60,8 @@ std::optional<LineNumbers> ReadNumbers(std::string_view line, ConversionWay way,
   }
   const auto angles = ReadAngleEntry(line, problem);
   if (!angles) return std::nullopt;
-  numbers = {{angles->latitude_deg, angles->longitude_deg, angles->height_m.value_or(0.0)},
-             angles->height_m ? 3 : 2};
+  numbers = {{angles->latitudeDeg, angles->longitudeDeg, angles->heightM.value_or(0.0)},
+             angles->heightM ? 3 : 2};
   return numbers;
 }
 
@@ -76,9 +76,9 @@ bool OnEarth(const LineNumbers& numbers, std::string& problem) {
 }
 
 Geodetic PositionOf(const LineNumbers& numbers) {
-  return {.latitude_rad = numbers.values[0] * kRadiansPerDegree,
-          .longitude_rad = numbers.values[1] * kRadiansPerDegree,
-          .height_m = numbers.values[2]};
+  return {.latitudeRad = numbers.values[0] * kRadiansPerDegree,
+          .longitudeRad = numbers.values[1] * kRadiansPerDegree,
+          .heightM = numbers.values[2]};
 }
 
 GridPoint PointOf(const LineNumbers& numbers) {
@@ -93,9 +93,9 @@ void Put(const GridPoint& point, LineNumbers& numbers) {
 }
 
 void Put(const Geodetic& position, LineNumbers& numbers) {
-  numbers.values[0] = position.latitude_rad * kDegreesPerRadian;
-  numbers.values[1] = position.longitude_rad * kDegreesPerRadian;
-  numbers.values[2] = position.height_m;
+  numbers.values[0] = position.latitudeRad * kDegreesPerRadian;
+  numbers.values[1] = position.longitudeRad * kDegreesPerRadian;
+  numbers.values[2] = position.heightM;
 }
 
 CalculationResult Convert(const CTrgCalculator& calculator, ConversionWay way, LineNumbers& numbers,
@@ -117,9 +117,9 @@ void ConvertReported(const CTrgCalculator& calculator, ConversionWay way, bool s
                      ConvertedLine& converted) {
   const CalculationResult result = Convert(calculator, way, converted.numbers, converted.report);
   const std::string undone = UndoneText(converted.report);
-  const bool in_part = result == CalculationResult::DoneInPart;
-  if (in_part) converted.left_undone = undone;
-  if ((result != CalculationResult::Done && !in_part) || (in_part && strict)) {
+  const bool inPart = result == CalculationResult::DoneInPart;
+  if (inPart) converted.leftUndone = undone;
+  if ((result != CalculationResult::Done && !inPart) || (inPart && strict)) {
     converted.problem = CalculationText(result, converted.report);
   }
 }
@@ -194,16 +194,16 @@ void ConvertLines(const CTrgCalculator& calculator, ConversionWay way, bool stri
 
 void AppendConvertedText(const ConvertedLine& converted, ConversionWay way, int decimals,
                          std::string& text) {
-  const bool to_grid = way == ConversionWay::ToGrid;
-  const int length_decimals = to_grid && decimals >= 0 ? decimals : kGridDecimals;
-  if (decimals < 0) decimals = to_grid ? kGridDecimals : kDegreeDecimals;
+  const bool toGrid = way == ConversionWay::ToGrid;
+  const int lengthDecimals = toGrid && decimals >= 0 ? decimals : kGridDecimals;
+  if (decimals < 0) decimals = toGrid ? kGridDecimals : kDegreeDecimals;
   const LineNumbers& numbers = converted.numbers;
   AppendFixed(text, numbers.values[0], decimals);
   text += ' ';
   AppendFixed(text, numbers.values[1], decimals);
   if (numbers.count == 3) {
     text += ' ';
-    AppendFixed(text, numbers.values[2], length_decimals);
+    AppendFixed(text, numbers.values[2], lengthDecimals);
   }
 }
 
@@ -218,7 +218,7 @@ Json ConvertedJson(const ConvertedLine& converted, ConversionWay way, std::size_
   } else {
     json["error"] = converted.problem;
   }
-  if (!converted.left_undone.empty()) json["left_undone"] = converted.left_undone;
+  if (!converted.leftUndone.empty()) json["left_undone"] = converted.leftUndone;
   if (explain) json["steps"] = ExplanationJson(converted.report);
   return json;
 }

@@ -22,8 +22,8 @@ struct LineNumbers {
 struct ConvertedLine {
   LineNumbers numbers;  ///< of the other kind than the line's
   CalculationReport report;
-  std::string problem;      ///< why there are no numbers, in a sentence; empty when there are
-  std::string left_undone;  ///< which step they lack, in a sentence
+  std::string problem;     ///< why there are no numbers, in a sentence; empty when there are
+  std::string leftUndone;  ///< which step they lack, in a sentence
 };
 
 /// Two or three numbers, separated by blanks, commas or semicolons; on the way to the grid also

@@ -79,15 +79,15 @@ class ReportWriter {
 
   void Row(std::size_t number, const PointResidual& row) {
     text_ += Right(std::to_string(number), 4) + ' ' + NameColumn(row.name) + ' ';
-    text_ += std::string(row.in_horizontal ? "H" : "-") + (row.in_vertical ? "V" : "-") + ' ';
-    text_ += Residual(row.north_m, report_.fit.horizontal.result) +
-             Residual(row.east_m, report_.fit.horizontal.result) +
-             Residual(row.elevation_m, report_.fit.vertical.result);
-    if (row.left_out) {
-      const LeftOut& out = *row.left_out;
-      text_ += Length(std::hypot(out.miss_east_m, out.miss_north_m), 18);
-      text_ += Column(Number(out.scale_change_ppm, 2), 11);
-      text_ += Column(Number(-out.rotation_change_rad * kSecondsPerRadian, 2), 11);
+    text_ += std::string(row.inHorizontal ? "H" : "-") + (row.inVertical ? "V" : "-") + ' ';
+    text_ += Residual(row.northM, report_.fit.horizontal.result) +
+             Residual(row.eastM, report_.fit.horizontal.result) +
+             Residual(row.elevationM, report_.fit.vertical.result);
+    if (row.leftOut) {
+      const LeftOut& out = *row.leftOut;
+      text_ += Length(std::hypot(out.missEastM, out.missNorthM), 18);
+      text_ += Column(Number(out.scaleChangePpm, 2), 11);
+      text_ += Column(Number(-out.rotationChangeRad * kSecondsPerRadian, 2), 11);
     }
     text_ += "\n";
   }
@@ -100,34 +100,34 @@ class ReportWriter {
     const HorizontalFit& h = report_.fit.horizontal;
     Line("Horizontal fit", std::string(HorizontalMethodKey(h.method)) + ", " +
                                PointCount(h.points) + ", redundancy " +
-                               std::to_string(report_.horizontal_redundancy));
-    Line("  Scale", FixedNumber(h.similarity.scale(), 10) + " (" + Number(report_.scale_ppm, 3) +
+                               std::to_string(report_.horizontalRedundancy));
+    Line("  Scale", FixedNumber(h.similarity.scale(), 10) + " (" + Number(report_.scalePpm, 3) +
                         " ppm from 1)");
-    if (report_.ground_ppm) {
-      Line("  Ground distances", Number(*report_.ground_ppm, 1) + " ppm longer than on the grid");
+    if (report_.groundPpm) {
+      Line("  Ground distances", Number(*report_.groundPpm, 1) + " ppm longer than on the grid");
     }
     Line("  Rotation",
-         AngleText(report_.rotation_clockwise_rad) + " clockwise, added to grid azimuths");
-    Line("  Grid centre", "N " + Length(h.similarity.grid_northing_m, 0) + "  E " +
-                              Length(h.similarity.grid_easting_m, 0));
+         AngleText(report_.rotationClockwiseRad) + " clockwise, added to grid azimuths");
+    Line("  Grid centre", "N " + Length(h.similarity.gridNorthingM, 0) + "  E " +
+                              Length(h.similarity.gridEastingM, 0));
     Line("  Local centre",
-         "N " + Length(h.similarity.local_y_m, 0) + "  E " + Length(h.similarity.local_x_m, 0));
-    if (report_.sigma_horizontal_m) {
-      Line("  Standard deviation", Length(*report_.sigma_horizontal_m, 0) + " a coordinate");
+         "N " + Length(h.similarity.localYM, 0) + "  E " + Length(h.similarity.localXM, 0));
+    if (report_.sigmaHorizontalM) {
+      Line("  Standard deviation", Length(*report_.sigmaHorizontalM, 0) + " a coordinate");
     }
   }
 
   void Vertical() {
     const VerticalFit& v = report_.fit.vertical;
     Line("Vertical fit", std::string(VerticalMethodKey(v.method)) + ", " + PointCount(v.points) +
-                             ", redundancy " + std::to_string(report_.vertical_redundancy));
-    Line("  Shift", Length(v.plane.shift_m, 0) + " at the centre");
+                             ", redundancy " + std::to_string(report_.verticalRedundancy));
+    Line("  Shift", Length(v.plane.shiftM, 0) + " at the centre");
     if (v.method == VerticalMethod::InclinedPlane) {
-      Line("  Tilt", Number(v.plane.slope_north * 1e6, 2) + " ppm to the north, " +
-                         Number(v.plane.slope_east * 1e6, 2) + " ppm to the east");
+      Line("  Tilt", Number(v.plane.slopeNorth * 1e6, 2) + " ppm to the north, " +
+                         Number(v.plane.slopeEast * 1e6, 2) + " ppm to the east");
     }
-    if (report_.sigma_vertical_m) {
-      Line("  Standard deviation", Length(*report_.sigma_vertical_m, 0));
+    if (report_.sigmaVerticalM) {
+      Line("  Standard deviation", Length(*report_.sigmaVerticalM, 0));
     }
   }
 
@@ -145,20 +145,20 @@ Json PointRow(const PointResidual& row, const LocalizationFit& fit) {
     return of == FitResult::Fitted ? Json(metres) : Json(nullptr);
   };
   Json json = {{"name", row.name},
-               {"horizontal", row.in_horizontal},
-               {"vertical", row.in_vertical},
-               {"residual_east_m", residual(row.east_m, fit.horizontal.result)},
-               {"residual_north_m", residual(row.north_m, fit.horizontal.result)},
-               {"residual_elevation_m", residual(row.elevation_m, fit.vertical.result)},
+               {"horizontal", row.inHorizontal},
+               {"vertical", row.inVertical},
+               {"residual_east_m", residual(row.eastM, fit.horizontal.result)},
+               {"residual_north_m", residual(row.northM, fit.horizontal.result)},
+               {"residual_elevation_m", residual(row.elevationM, fit.vertical.result)},
                {"standardised", Optional(row.standardised)},
-               {"left_out_elevation_m", Optional(row.left_out_elevation_m)},
+               {"left_out_elevation_m", Optional(row.leftOutElevationM)},
                {"left_out", nullptr}};
-  if (row.left_out) {
-    json["left_out"] = {{"miss_east_m", row.left_out->miss_east_m},
-                        {"miss_north_m", row.left_out->miss_north_m},
-                        {"scale_change_ppm", row.left_out->scale_change_ppm},
-                        {"rotation_change_clockwise_arcsec",
-                         -row.left_out->rotation_change_rad * kSecondsPerRadian}};
+  if (row.leftOut) {
+    json["left_out"] = {
+        {"miss_east_m", row.leftOut->missEastM},
+        {"miss_north_m", row.leftOut->missNorthM},
+        {"scale_change_ppm", row.leftOut->scaleChangePpm},
+        {"rotation_change_clockwise_arcsec", -row.leftOut->rotationChangeRad * kSecondsPerRadian}};
   }
   return json;
 }
@@ -169,30 +169,29 @@ Json HorizontalJson(const LocalizationReport& report) {
   const PlaneSimilarity& s = h.similarity;
   return {{"method", HorizontalMethodKey(h.method)},
           {"points", h.points},
-          {"redundancy", report.horizontal_redundancy},
+          {"redundancy", report.horizontalRedundancy},
           {"scale", s.scale()},
-          {"scale_ppm", report.scale_ppm},
-          {"ground_ppm", Optional(report.ground_ppm)},
-          {"rotation_clockwise_deg", report.rotation_clockwise_rad * kDegreesPerRadian},
+          {"scale_ppm", report.scalePpm},
+          {"ground_ppm", Optional(report.groundPpm)},
+          {"rotation_clockwise_deg", report.rotationClockwiseRad * kDegreesPerRadian},
           {"a", s.a},
           {"b", s.b},
-          {"grid_northing_m", s.grid_northing_m},
-          {"grid_easting_m", s.grid_easting_m},
-          {"local_y_m", s.local_y_m},
-          {"local_x_m", s.local_x_m},
-          {"sigma_m", Optional(report.sigma_horizontal_m)},
-          {"rms_east_m", report.rms_east_m},
-          {"rms_north_m", report.rms_north_m}};
+          {"grid_northing_m", s.gridNorthingM},
+          {"grid_easting_m", s.gridEastingM},
+          {"local_y_m", s.localYM},
+          {"local_x_m", s.localXM},
+          {"sigma_m", Optional(report.sigmaHorizontalM)},
+          {"rms_east_m", report.rmsEastM},
+          {"rms_north_m", report.rmsNorthM}};
 }
 
 Json VerticalJson(const LocalizationReport& report) {
   const VerticalFit& v = report.fit.vertical;
   if (v.result != FitResult::Fitted) return nullptr;
-  return {
-      {"method", VerticalMethodKey(v.method)},        {"points", v.points},
-      {"redundancy", report.vertical_redundancy},     {"shift_m", v.plane.shift_m},
-      {"tilt_north_ppm", v.plane.slope_north * 1e6},  {"tilt_east_ppm", v.plane.slope_east * 1e6},
-      {"sigma_m", Optional(report.sigma_vertical_m)}, {"rms_m", report.rms_elevation_m}};
+  return {{"method", VerticalMethodKey(v.method)},      {"points", v.points},
+          {"redundancy", report.verticalRedundancy},    {"shift_m", v.plane.shiftM},
+          {"tilt_north_ppm", v.plane.slopeNorth * 1e6}, {"tilt_east_ppm", v.plane.slopeEast * 1e6},
+          {"sigma_m", Optional(report.sigmaVerticalM)}, {"rms_m", report.rmsElevationM}};
 }
 
 }  // namespace
@@ -205,13 +204,13 @@ std::string ControlListText(const LocalizationList& list) {
     if (!list[i]) continue;
     const LocalizationPoint& p = *list[i];
     text += Right(std::to_string(i + 1), 4) + ' ' + NameColumn(p.description) + ' ';
-    text += std::string(p.use_horizontal == 'Y' ? "H" : "-") + (p.use_vertical == 'Y' ? "V" : "-");
-    text += Right(FixedNumber(p.gnss.latitude_rad * kDegreesPerRadian, 9), 14) +
-            Right(FixedNumber(p.gnss.longitude_rad * kDegreesPerRadian, 9), 14) +
-            Right(FixedNumber(p.gnss.height_m, 3), 10);
-    for (const double value : {p.local_y, p.local_x})
+    text += std::string(p.useHorizontal == 'Y' ? "H" : "-") + (p.useVertical == 'Y' ? "V" : "-");
+    text += Right(FixedNumber(p.gnss.latitudeRad * kDegreesPerRadian, 9), 14) +
+            Right(FixedNumber(p.gnss.longitudeRad * kDegreesPerRadian, 9), 14) +
+            Right(FixedNumber(p.gnss.heightM, 3), 10);
+    for (const double value : {p.localY, p.localX})
       text += Right(FixedNumber(value, kDecimals), 17);
-    text += Right(FixedNumber(p.local_z, kDecimals), 16) + "\n";
+    text += Right(FixedNumber(p.localZ, kDecimals), 16) + "\n";
   }
   return text;
 }
@@ -221,16 +220,16 @@ Json ControlListJson(const LocalizationList& list) {
   for (const auto& point : list) {
     if (!point) continue;
     rows.push_back({{"description", point->description},
-                    {"latitude", Degrees(point->gnss.latitude_rad)},
-                    {"longitude", Degrees(point->gnss.longitude_rad)},
-                    {"ellipsoid_height_m", point->gnss.height_m},
-                    {"local_northing", point->local_y},
-                    {"local_easting", point->local_x},
-                    {"local_elevation", point->local_z},
+                    {"latitude", Degrees(point->gnss.latitudeRad)},
+                    {"longitude", Degrees(point->gnss.longitudeRad)},
+                    {"ellipsoid_height_m", point->gnss.heightM},
+                    {"local_northing", point->localY},
+                    {"local_easting", point->localX},
+                    {"local_elevation", point->localZ},
                     {"hrms", point->hrms},
                     {"vrms", point->vrms},
-                    {"horizontal", point->use_horizontal == 'Y'},
-                    {"vertical", point->use_vertical == 'Y'}});
+                    {"horizontal", point->useHorizontal == 'Y'},
+                    {"vertical", point->useVertical == 'Y'}});
   }
   return rows;
 }

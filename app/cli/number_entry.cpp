@@ -17,9 +17,9 @@ CLI::Option* AddNumber(CLI::App& sub, const std::string& name, double& value,
   const auto take = [&value, name, kind](const std::string& text) {
     const NumberEntry entry = ReadNumberEntry(text);
     if (!entry.problem.empty()) throw CLI::ValidationError(name, entry.problem + ".");
-    const bool in_range = kind == NumberKind::Any || entry.value > 0.0 ||
-                          (kind == NumberKind::NotNegative && entry.value == 0.0);
-    if (!in_range) {
+    const bool inRange = kind == NumberKind::Any || entry.value > 0.0 ||
+                         (kind == NumberKind::NotNegative && entry.value == 0.0);
+    if (!inRange) {
       throw CLI::ValidationError(
           name,
           "\"" + text + "\" is " + (kind == NumberKind::Positive ? "not above" : "below") + " 0.");

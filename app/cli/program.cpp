@@ -10,7 +10,7 @@ namespace tarvex {
 namespace {
 
 // Set by the signal's handler on any thread, asked by all of them.
-std::atomic<bool> interrupt_requested = false;
+std::atomic<bool> interruptRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 
 std::string PlaceText(const GridPoint& at) {
@@ -20,7 +20,7 @@ std::string PlaceText(const GridPoint& at) {
 }
 
 void NoteInterrupt(int) {
-  interrupt_requested = true;
+  interruptRequested = true;
 }
 
 }  // namespace
@@ -53,12 +53,12 @@ ExistingPointAnswer ConsoleObserver::AskExistingPoint(const ExistingPointQuestio
 
 ExitCode Program::Fail(std::string_view sentence) {
   observer.OnError(std::string(sentence));
-  return exit_code = ExitCode::Failed;
+  return exitCode = ExitCode::Failed;
 }
 
 ExitCode Program::Misuse(std::string_view sentence) {
   (void)Fail(sentence);
-  return exit_code = ExitCode::WrongUse;
+  return exitCode = ExitCode::WrongUse;
 }
 
 void Program::Warn(std::string_view sentence) {
@@ -66,7 +66,7 @@ void Program::Warn(std::string_view sentence) {
 }
 
 bool InterruptRequested() {
-  return interrupt_requested;
+  return interruptRequested;
 }
 
 void WatchForInterrupt() {

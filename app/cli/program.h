@@ -57,7 +57,7 @@ struct Program {
   FileSystem& files;
   Clock& clock;
   Console& console;
-  ExitCode exit_code = ExitCode::Done;
+  ExitCode exitCode = ExitCode::Done;
   ConsoleObserver observer{console};
 
   /// The place at which the workflow works for this program.

@@ -7,11 +7,11 @@ namespace tarvex {
 namespace {
 
 // A job may say which device stands for a numbered port, as in COM3=/dev/rfcomm0.
-void NameDevice(const Settings& job_settings, PortAddress& address) {
+void NameDevice(const Settings& jobSettings, PortAddress& address) {
   if (address.kind != PortKind::Serial || !address.target.starts_with("COM")) return;
   std::string key = address.target;
   if (key.ends_with(':')) key.pop_back();
-  address.target = job_settings.GetOr(key, address.target);
+  address.target = jobSettings.GetOr(key, address.target);
 }
 
 ExitCode TakeSetting(const std::string& entered, Program& program, ReceiverSettings& settings) {
@@ -49,29 +49,29 @@ CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice) {
   sub.add_option("--make", choice.make,
                  "Make of the receiver (default: any that sends NMEA sentences)");
   sub.add_option("--set", choice.settings, "A receiver setting KEY=VALUE; may be repeated");
-  sub.add_option("--nmea-pos", choice.position_sentence,
+  sub.add_option("--nmea-pos", choice.positionSentence,
                  "Sentence with the position: 1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ, 32 PTNL,GGK");
   return receiver;
 }
 
-ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settings,
-                        Program& program, ChosenReceiver& receiver) {
+ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& jobSettings, Program& program,
+                        ChosenReceiver& receiver) {
   std::string problem;
   if (!ParsePortAddress(choice.address, receiver.address, problem)) return program.Misuse(problem);
-  NameDevice(job_settings, receiver.address);
-  receiver.make_code = receiver.address.kind == PortKind::Simulated ? kMakeSimulated : kMakeAnyNmea;
-  const std::string make_name =
-      choice.make.empty() ? job_settings.GetOr("receiver_make", "") : choice.make;
-  if (!make_name.empty()) {
-    const ReceiverMake* const make = MakeOf(make_name, program);
+  NameDevice(jobSettings, receiver.address);
+  receiver.makeCode = receiver.address.kind == PortKind::Simulated ? kMakeSimulated : kMakeAnyNmea;
+  const std::string makeName =
+      choice.make.empty() ? jobSettings.GetOr("receiver_make", "") : choice.make;
+  if (!makeName.empty()) {
+    const ReceiverMake* const make = MakeOf(makeName, program);
     if (make == nullptr) return ExitCode::WrongUse;
-    if (receiver.address.kind != PortKind::Simulated) receiver.make_code = make->code;
+    if (receiver.address.kind != PortKind::Simulated) receiver.makeCode = make->code;
   }
-  receiver.settings = FindMake(receiver.make_code).settings;
-  ReadReceiverSettings(job_settings.Text(), receiver.settings);
+  receiver.settings = FindMake(receiver.makeCode).settings;
+  ReadReceiverSettings(jobSettings.Text(), receiver.settings);
   std::vector<std::string> entered = choice.settings;
-  if (choice.position_sentence != 0)
-    entered.push_back("nmea_pos=" + std::to_string(choice.position_sentence));
+  if (choice.positionSentence != 0)
+    entered.push_back("nmea_pos=" + std::to_string(choice.positionSentence));
   for (const std::string& setting : entered) {
     if (const ExitCode code = TakeSetting(setting, program, receiver.settings);
         code != ExitCode::Done) {

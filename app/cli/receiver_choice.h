@@ -20,7 +20,7 @@ struct ReceiverChoice {
   std::string address;
   std::string make;
   std::vector<std::string> settings;
-  int position_sentence = 0;
+  int positionSentence = 0;
 };
 
 /// Adds --receiver, --make, --set and --nmea-pos; returns --receiver.
@@ -28,8 +28,8 @@ CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice);
 
 /// The settings are the make's own, then the job's, then the command line's. Wrong use, after a
 /// message, when something of the choice is not known.
-ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& job_settings,
-                        Program& program, ChosenReceiver& receiver);
+ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& jobSettings, Program& program,
+                        ChosenReceiver& receiver);
 
 /// Says how many sentences were left out for their checksum, if there were any.
 void TellBadChecksums(Program& program, std::uint64_t count);

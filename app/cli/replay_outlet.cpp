@@ -10,15 +10,15 @@ namespace tarvex {
 namespace {
 
 constexpr int kPollMs = 50;
-constexpr WriteTimeouts kWrite = {.constant_ms = 5000};
-constexpr DeviceTimeouts kAtOnce = {.read = {.interval_ms = ReadTimeouts::kAtOnce}};
+constexpr WriteTimeouts kWrite = {.constantMs = 5000};
+constexpr DeviceTimeouts kAtOnce = {.read = {.intervalMs = ReadTimeouts::kAtOnce}};
 
 class PtyOutlet final : public ReplayOutlet {
  public:
   PtyOutlet(std::unique_ptr<PseudoTerminal> terminal, Clock& clock)
       : terminal_(std::move(terminal)), clock_(clock) {}
 
-  std::string Name() const override { return "serial:" + terminal_->device_name(); }
+  std::string Name() const override { return "serial:" + terminal_->deviceName(); }
 
   bool WaitForReader() override {
     while (!InterruptRequested() && !terminal_->HasReader()) clock_.SleepMilliseconds(kPollMs);

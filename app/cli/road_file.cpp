@@ -26,7 +26,7 @@ Json OpenedRoad::StationJson(double internal) const {
 }
 
 bool OpenedRoad::OutsideLimits(double internal) const {
-  return (span.start_limited && internal < span.start) || (span.end_limited && internal > span.end);
+  return (span.startLimited && internal < span.start) || (span.endLimited && internal > span.end);
 }
 
 std::string OpenedRoad::Picture(const std::string& title,
@@ -98,7 +98,7 @@ StationStyle DefaultStationStyle(DistanceUnit unit) {
 
 std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& options) {
   Road road;
-  road.use_station_limits = options.use_limits;
+  road.useStationLimits = options.useLimits;
   const CenterlineLoad load = LoadCenterline(program.files, road, options.file);
   if (load.result != LoadCenterlineResult::Loaded) {
     (void)program.Fail(LoadProblem(options, load));
@@ -106,7 +106,7 @@ std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& opti
   }
   const DistanceUnit unit = *ParseUnit(options.unit);
   Centerline& centerline = *road.centerline;
-  if (options.ahead_first) centerline.equations = Swapped(std::move(centerline.equations));
+  if (options.aheadFirst) centerline.equations = Swapped(std::move(centerline.equations));
   RoadGeometryMaking making =
       MakeRoadGeometry(centerline, centerline.equations, CheckLimits::For(unit));
   if (!making.geometry) {
@@ -151,9 +151,9 @@ void WarnAboutElevation(Program& program, const OpenedRoad& road, const DesignEl
                  FixedNumber(*design.step, kRoadDecimals) +
                  "; the side nearer to the centerline was taken.");
   }
-  const auto on_road = road.alignment().PointAt(station);
-  if (design.source == ElevationSource::Surface && !road.design.superelevation && on_road &&
-      on_road->curvature != 0.0) {
+  const auto onRoad = road.alignment().PointAt(station);
+  if (design.source == ElevationSource::Surface && !road.design.superelevation && onRoad &&
+      onRoad->curvature != 0.0) {
     program.Warn("the road curves at " + road.StationText(station) +
                  " and no --superelevation was given: the template's own grades hold.");
   }

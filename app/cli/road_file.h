@@ -34,8 +34,8 @@ struct RoadFileOptions {
   std::string unit = "metres";
   std::string stations;
   DesignOptions design;
-  bool use_limits = false;
-  bool ahead_first = false;
+  bool useLimits = false;
+  bool aheadFirst = false;
   bool json = false;
 };
 

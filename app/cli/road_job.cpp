@@ -9,7 +9,7 @@ std::unique_ptr<JobSession> OpenRoadJob(Program& program, const std::string& pat
                                         const OpenedRoad& road) {
   auto session = std::make_unique<JobSession>(program, path);
   if (!session->LoadExisting()) {
-    program.exit_code = ExitCode::Failed;
+    program.exitCode = ExitCode::Failed;
     return nullptr;
   }
   if (session->job().unit == road.unit) return session;
@@ -21,7 +21,7 @@ std::unique_ptr<JobSession> OpenRoadJob(Program& program, const std::string& pat
 std::optional<PointList> PointsOfJob(Program& program, JobSession& session,
                                      const std::vector<std::string>& ids) {
   Job& job = session.job();
-  program.exit_code = ExitCode::Failed;  // until it is done
+  program.exitCode = ExitCode::Failed;  // until it is done
   PointList points;
   if (ids.empty() && LoadAllPoints(job, points) != LoadPointsResult::Loaded) return std::nullopt;
   const auto stream = ids.empty() ? nullptr : OpenForReading(job);
@@ -34,7 +34,7 @@ std::optional<PointList> PointsOfJob(Program& program, JobSession& session,
     }
     points.push_back(point);
   }
-  program.exit_code = ExitCode::Done;
+  program.exitCode = ExitCode::Done;
   return points;
 }
 

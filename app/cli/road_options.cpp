@@ -10,7 +10,7 @@ void AddRoadFileOptions(CLI::App& sub, RoadFileOptions& options) {
   sub.add_option("FILE.cl", options.file, "The centerline file")->required();
   sub.add_option("--unit", options.unit, "Unit of the file (default: metres)")
       ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
-  sub.add_flag("--ahead-first", options.ahead_first,
+  sub.add_flag("--ahead-first", options.aheadFirst,
                "The file's EQ records hold the ahead station first");
 }
 
@@ -19,7 +19,7 @@ void AddRoadViewOptions(CLI::App& sub, RoadFileOptions& options) {
                  "How stations are shown: 100 (12+34.50), 1000 (1+234.500) or plain "
                  "(default: 1000 in metres, 100 in feet)")
       ->check(CLI::IsMember({"100", "1000", "plain"}));
-  sub.add_flag("--limits", options.use_limits, "Keep to the station limits of the .cle file");
+  sub.add_flag("--limits", options.useLimits, "Keep to the station limits of the .cle file");
   sub.add_flag("--json", options.json, "Print JSON");
 }
 

@@ -12,8 +12,8 @@ namespace {
 void WarnWhenBeside(Program& program, const LandXmlProfileReading& reading,
                     const StationSpan& road) {
   constexpr int kDecimals = 3;
-  const double from = reading.profile->start_station();
-  const double to = reading.profile->end_station();
+  const double from = reading.profile->startStation();
+  const double to = reading.profile->endStation();
   if (from <= road.end && to >= road.start) return;
   program.Warn("the profile of \"" + reading.alignment + "\" runs from " +
                FixedNumber(from, kDecimals) + " to " + FixedNumber(to, kDecimals) +
@@ -24,7 +24,7 @@ void WarnWhenBeside(Program& program, const LandXmlProfileReading& reading,
 }  // namespace
 
 std::optional<Profile> OpenProfile(Program& program, const ProfileChoice& choice,
-                                   DistanceUnit unit_of_road, const StationSpan& road) {
+                                   DistanceUnit unitOfRoad, const StationSpan& road) {
   std::string text;
   const FileStatus status = ReadWholeFile(program.files, choice.file, kLargestLandXml, text);
   if (!status.ok()) {
@@ -44,9 +44,9 @@ std::optional<Profile> OpenProfile(Program& program, const ProfileChoice& choice
     (void)program.Fail(choice.file + ": " + reading.problem);
     return std::nullopt;
   }
-  if (reading.unit != unit_of_road) {
+  if (reading.unit != unitOfRoad) {
     (void)program.Fail(choice.file + " is in " + std::string(UnitName(reading.unit)) +
-                       ", the centerline in " + std::string(UnitName(unit_of_road)) + ".");
+                       ", the centerline in " + std::string(UnitName(unitOfRoad)) + ".");
     return std::nullopt;
   }
   WarnWhenBeside(program, reading, road);

@@ -20,6 +20,6 @@ struct ProfileChoice {
 /// alignments and none is named. What the reader left out or assumed is told as warnings, and so is
 /// a profile that runs beside the stations of the road.
 std::optional<Profile> OpenProfile(Program& program, const ProfileChoice& choice,
-                                   DistanceUnit unit_of_road, const StationSpan& road);
+                                   DistanceUnit unitOfRoad, const StationSpan& road);
 
 }  // namespace tarvex

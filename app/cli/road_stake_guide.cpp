@@ -34,8 +34,8 @@ std::string RoadStakeGuide::StakeLine(const RoadStake& stake, bool inside) const
   if (road_.OutsideLimits(stake.current.station)) line += " (outside the station limits)";
   line += (stake.deltas.forward < 0.0 ? "  back " : "  forward ") + Shown(stake.deltas.forward) +
           (stake.deltas.right < 0.0 ? "  left " : "  right ") + Shown(stake.deltas.right) +
-          (stake.deltas.go_north < 0.0 ? "  S " : "  N ") + Shown(stake.deltas.go_north) +
-          (stake.deltas.go_east < 0.0 ? "  W " : "  E ") + Shown(stake.deltas.go_east);
+          (stake.deltas.goNorth < 0.0 ? "  S " : "  N ") + Shown(stake.deltas.goNorth) +
+          (stake.deltas.goEast < 0.0 ? "  W " : "  E ") + Shown(stake.deltas.goEast);
   if (stake.cut) line += "  " + CutFillText(*stake.cut, kShownDecimals);
   if (inside) line += "  ON THE STAKE";
   if (!stake.sound) line += "  (this element should not be staked)";
@@ -45,16 +45,16 @@ std::string RoadStakeGuide::StakeLine(const RoadStake& stake, bool inside) const
 Json RoadStakeGuide::StakeJson(const RoadStake& stake, bool inside) const {
   Json json = road_.StationJson(stake.current.station);
   json["offset"] = stake.current.offset;
-  json["station_to_go"] = stake.station_to_go;
-  json["offset_to_go"] = stake.offset_to_go;
+  json["station_to_go"] = stake.stationToGo;
+  json["offset_to_go"] = stake.offsetToGo;
   json["forward"] = stake.deltas.forward;
   json["right"] = stake.deltas.right;
-  json["go_north"] = stake.deltas.go_north;
-  json["go_east"] = stake.deltas.go_east;
+  json["go_north"] = stake.deltas.goNorth;
+  json["go_east"] = stake.deltas.goEast;
   json["distance"] = stake.deltas.distance;
   json["outside_limits"] = road_.OutsideLimits(stake.current.station);
   if (plan_.target.elevation) json["design_elevation"] = *plan_.target.elevation;
-  json["elevation_from"] = plan_.elevation_from;
+  json["elevation_from"] = plan_.elevationFrom;
   if (stake.cut) json["cut"] = *stake.cut;
   json["inside_tolerance"] = inside;
   json["sound"] = stake.sound;
@@ -64,12 +64,12 @@ Json RoadStakeGuide::StakeJson(const RoadStake& stake, bool inside) const {
 // The catch point is looked for where the position stands, whatever its station.
 std::optional<SlopeStep> RoadStakeGuide::NextSlope(const RoadStake& stake,
                                                    const StakePosition& at) {
-  if (!plan_.slope_side || !plan_.design || !at.elevation) return std::nullopt;
-  const double sign = *plan_.slope_side == Side::Right ? 1.0 : -1.0;
+  if (!plan_.slopeSide || !plan_.design || !at.elevation) return std::nullopt;
+  const double sign = *plan_.slopeSide == Side::Right ? 1.0 : -1.0;
   const SlopeShot shot{sign * stake.current.offset, *at.elevation};
   const auto step =
-      NextSlopeStep(*plan_.section, *plan_.design, *plan_.slope_side, shot, shot_before_);
-  shot_before_ = shot;
+      NextSlopeStep(*plan_.section, *plan_.design, *plan_.slopeSide, shot, shotBefore_);
+  shotBefore_ = shot;
   return step;
 }
 
@@ -78,11 +78,11 @@ bool RoadStakeGuide::Relate(const StakePosition& at) {
   if (!at.elevation) target.elevation.reset();
   const auto stake =
       StakeRoadPoint(road_.alignment(), target,
-                     {at.northing, at.easting, at.elevation.value_or(0.0)}, station_before_);
+                     {at.northing, at.easting, at.elevation.value_or(0.0)}, stationBefore_);
   if (!stake) return false;
-  station_before_ = stake->current.station;
+  stationBefore_ = stake->current.station;
   last_ = at;
-  last_stake_ = stake;
+  lastStake_ = stake;
   return true;
 }
 
@@ -92,7 +92,7 @@ void RoadStakeGuide::TakeStored(const StakePosition& at) {
 
 StakeView RoadStakeGuide::Show(const StakePosition& at, bool good, const std::string& name) {
   if (!Relate(at)) return StakeView::NotRelated;
-  const RoadStake& stake = *last_stake_;
+  const RoadStake& stake = *lastStake_;
   const bool inside = gate_.Update(stake.deltas.distance, stake.cut, good && stake.sound);
   PrintStake(stake, inside, NextSlope(stake, at), name);
   return inside ? StakeView::OnTheStake : StakeView::Shown;
@@ -107,7 +107,7 @@ void RoadStakeGuide::PrintStake(const RoadStake& stake, bool inside,
       json["slope"] = {{"kind", slope->kind == EarthworkKind::Cut ? "cut" : "fill"},
                        {"ratio", slope->ratio},
                        {"difference", slope->difference},
-                       {"go_out", slope->go_out},
+                       {"go_out", slope->goOut},
                        {"caught", slope->caught}};
     }
     program_.console.Print(JsonLine(json) + "\n");
@@ -118,37 +118,37 @@ void RoadStakeGuide::PrintStake(const RoadStake& stake, bool inside,
     line += slope->kind == EarthworkKind::Cut ? "  slope cut " : "  slope fill ";
     line += ShortestNumber(slope->ratio) + ":1 " + CutFillText(slope->difference, kShownDecimals);
     line += slope->caught ? "  CATCH POINT"
-                          : (slope->go_out < 0.0 ? "  go in " : "  go out ") + Shown(slope->go_out);
+                          : (slope->goOut < 0.0 ? "  go in " : "  go out ") + Shown(slope->goOut);
   }
   program_.console.Print(line + "\n");
 }
 
 // Design, found and difference, so that the raw file says how far off a stake was.
 std::vector<std::string> RoadStakeGuide::Records() const {
-  if (!last_stake_ || !last_) return {};
+  if (!lastStake_ || !last_) return {};
   std::string text = "Stake: design " + road_.StationText(plan_.target.station) + " " +
                      OffsetText(plan_.target.offset, kShownDecimals);
-  text += ", N " + FixedNumber(last_stake_->target.northing, kRoadDecimals) + ", E " +
-          FixedNumber(last_stake_->target.easting, kRoadDecimals);
+  text += ", N " + FixedNumber(lastStake_->target.northing, kRoadDecimals) + ", E " +
+          FixedNumber(lastStake_->target.easting, kRoadDecimals);
   if (plan_.target.elevation) text += ", EL " + FixedNumber(*plan_.target.elevation, kRoadDecimals);
   const std::string found =
-      "Stake: found " + road_.StationText(last_stake_->current.station) + " " +
-      OffsetText(last_stake_->current.offset, kShownDecimals) + ", N " +
+      "Stake: found " + road_.StationText(lastStake_->current.station) + " " +
+      OffsetText(lastStake_->current.offset, kShownDecimals) + ", N " +
       FixedNumber(last_->northing, kRoadDecimals) + ", E " +
       FixedNumber(last_->easting, kRoadDecimals) +
       (last_->elevation ? ", EL " + FixedNumber(*last_->elevation, kRoadDecimals) : "");
-  std::string difference = "Stake: difference N " + Difference(-last_stake_->deltas.go_north) +
-                           ", E " + Difference(-last_stake_->deltas.go_east) + ", distance " +
-                           FixedNumber(last_stake_->deltas.distance, kRoadDecimals);
-  if (last_stake_->cut) difference += ", EL " + Difference(*last_stake_->cut);
+  std::string difference = "Stake: difference N " + Difference(-lastStake_->deltas.goNorth) +
+                           ", E " + Difference(-lastStake_->deltas.goEast) + ", distance " +
+                           FixedNumber(lastStake_->deltas.distance, kRoadDecimals);
+  if (lastStake_->cut) difference += ", EL " + Difference(*lastStake_->cut);
   return {CommentRecord(text), CommentRecord(found), CommentRecord(difference)};
 }
 
 std::string RoadStakeGuide::Description() const {
-  if (!last_stake_) return {};
+  if (!lastStake_) return {};
   std::string text =
       road_.StationText(plan_.target.station) + " " + OffsetText(plan_.target.offset, 2);
-  if (last_stake_->cut) text += " " + CutFillText(*last_stake_->cut, 2);
+  if (lastStake_->cut) text += " " + CutFillText(*lastStake_->cut, 2);
   return text;
 }
 

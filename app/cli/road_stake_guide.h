@@ -15,13 +15,13 @@ namespace tarvex {
 
 struct RoadStakePlan {
   RoadTarget target;
-  std::string elevation_from;  ///< where the target's elevation comes from, or why it has none
+  std::string elevationFrom;  ///< where the target's elevation comes from, or why it has none
   StakeTolerance tolerance;
   bool json = false;
   /// Slope staking: the section whose catch point is looked for, and the side of it.
   std::optional<RoadTemplate> section;
   std::optional<DesignSection> design;
-  std::optional<Side> slope_side;
+  std::optional<Side> slopeSide;
 };
 
 class RoadStakeGuide final : public StakeGuide {
@@ -51,10 +51,10 @@ class RoadStakeGuide final : public StakeGuide {
   const OpenedRoad& road_;
   RoadStakePlan plan_;
   ToleranceGate gate_;
-  std::optional<double> station_before_;
-  std::optional<SlopeShot> shot_before_;
+  std::optional<double> stationBefore_;
+  std::optional<SlopeShot> shotBefore_;
   std::optional<StakePosition> last_;
-  std::optional<RoadStake> last_stake_;
+  std::optional<RoadStake> lastStake_;
 };
 
 }  // namespace tarvex

@@ -12,9 +12,9 @@ namespace {
 constexpr double kHighestAntenna = 1000.0;
 
 // What a position must keep: the job's limits, then the command line's.
-ExitCode SettleGate(const SessionOptions& options, const Settings& job_settings, Program& program,
+ExitCode SettleGate(const SessionOptions& options, const Settings& jobSettings, Program& program,
                     GateLimits& gate) {
-  ReadGateLimits(job_settings.Text(), gate);
+  ReadGateLimits(jobSettings.Text(), gate);
   for (const auto& [key, value] : options.gates) {
     if (value.empty() || SetGateLimit(key, value, gate)) continue;
     return program.Misuse("\"" + value + "\" is not a value for the limit " + key + ": " +
@@ -26,9 +26,9 @@ ExitCode SettleGate(const SessionOptions& options, const Settings& job_settings,
 }
 
 ExitCode SettleAntenna(const SessionOptions& options, Program& program, double& height) {
-  const auto antenna = ParseNumber(options.antenna_height);
+  const auto antenna = ParseNumber(options.antennaHeight);
   if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
-    return program.Misuse("The antenna height \"" + options.antenna_height +
+    return program.Misuse("The antenna height \"" + options.antennaHeight +
                           "\" is not a number from 0 to 1000.");
   }
   height = *antenna;
@@ -37,7 +37,7 @@ ExitCode SettleAntenna(const SessionOptions& options, Program& program, double& 
 
 // With corrections a point is meant to be an RTK point, whatever becomes of them.
 void DemandFixed(ReceiverPlan& plan, Program& program) {
-  if (!plan.corrections || plan.gate.solution || plan.override_gate) return;
+  if (!plan.corrections || plan.gate.solution || plan.overrideGate) return;
   plan.gate.solution = SolutionType::Fixed;
   program.console.PrintError(
       "With corrections only FIXED positions are stored (--gate-solution says otherwise).\n");
@@ -59,7 +59,7 @@ void AddGateOptions(CLI::App& sub, SessionOptions& options) {
         ->type_name(name == std::string_view("solution") ? "TEXT" : "NUMBER")
         ->group(kGroup);
   }
-  sub.add_flag("--override-gate", options.override_gate,
+  sub.add_flag("--override-gate", options.overrideGate,
                "Store all the same; the raw file says which limit was not kept")
       ->group(kGroup);
 }
@@ -72,65 +72,65 @@ std::string Seconds(std::int64_t milliseconds) {
 
 CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options) {
   CLI::Option* receiver = AddReceiverOptions(sub, options.receiver);
-  sub.add_option("--antenna-height", options.antenna_height,
+  sub.add_option("--antenna-height", options.antennaHeight,
                  "Height of the antenna above the point, in the job's unit")
       ->type_name("NUMBER");
   sub.add_option("--average", options.average,
                  "Distinct epochs whose mean is stored as one point (default: 1)")
       ->check(CLI::Range(1, 100000));
-  sub.add_option("--log-stream", options.stream_log, kStreamLogHelp);
+  sub.add_option("--log-stream", options.streamLog, kStreamLogHelp);
   AddGateOptions(sub, options);
   AddCorrectionOptions(sub, options.corrections);
   sub.add_option(
-         "--patience", options.patience_s,
+         "--patience", options.patienceS,
          "Seconds to wait for a new position, or for a receiver that was lost (default: 60)")
       ->check(CLI::Range(1LL, 86400LL));
   return receiver;
 }
 
-ExitCode SettleSession(const SessionOptions& options, const Settings& job_settings,
-                       Program& program, ReceiverPlan& plan) {
-  ExitCode code = SettleReceiver(options.receiver, job_settings, program, plan.receiver);
-  if (code == ExitCode::Done) code = SettleGate(options, job_settings, program, plan.gate);
+ExitCode SettleSession(const SessionOptions& options, const Settings& jobSettings, Program& program,
+                       ReceiverPlan& plan) {
+  ExitCode code = SettleReceiver(options.receiver, jobSettings, program, plan.receiver);
+  if (code == ExitCode::Done) code = SettleGate(options, jobSettings, program, plan.gate);
   if (code == ExitCode::Done) {
     code =
         SettleCorrections(options.corrections, plan.receiver.settings, program, plan.corrections);
   }
-  if (code == ExitCode::Done) code = SettleAntenna(options, program, plan.antenna_height);
+  if (code == ExitCode::Done) code = SettleAntenna(options, program, plan.antennaHeight);
   if (code != ExitCode::Done) return code;
-  if (plan.corrections && !plan.receiver.takes_corrections()) {
+  if (plan.corrections && !plan.receiver.takesCorrections()) {
     return program.Misuse("A recorded or simulated receiver takes no corrections.");
   }
   plan.average = options.average;
-  plan.override_gate = options.override_gate;
-  plan.stream_log = StreamLogName(options.stream_log, program.clock.Now());
-  plan.patience_ms = options.patience_s * 1000;
+  plan.overrideGate = options.overrideGate;
+  plan.streamLog = StreamLogName(options.streamLog, program.clock.Now());
+  plan.patienceMs = options.patienceS * 1000;
   DemandFixed(plan, program);
   return ExitCode::Done;
 }
 
 ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const ReceiverPlan& plan,
-                        SessionEnd end, bool until_stopped) {
+                        SessionEnd end, bool untilStopped) {
   program.console.EndProgress();
-  ExitCode code = program.exit_code;
+  ExitCode code = program.exitCode;
   switch (end) {
     case SessionEnd::Complete:
       break;
     case SessionEnd::Asked:
-      program.console.PrintError(session.receiver_lost()
+      program.console.PrintError(session.receiverLost()
                                      ? "Stopped while the receiver was lost; the job is whole.\n"
                                      : "Stopped; the job is whole.\n");
-      if (!until_stopped || session.receiver_lost()) code = ExitCode::Failed;
+      if (!untilStopped || session.receiverLost()) code = ExitCode::Failed;
       break;
     case SessionEnd::RecordingEnded:
-      TellBadChecksums(program, session.bad_checksums());
+      TellBadChecksums(program, session.badChecksums());
       code = program.Fail("The log ended before the points asked for were stored.");
       break;
     case SessionEnd::NoPosition:
-      code = program.Fail(session.receiver_lost()
+      code = program.Fail(session.receiverLost()
                               ? "The receiver was lost and did not come back within " +
-                                    Seconds(plan.patience_ms) + "."
-                              : "No new position came within " + Seconds(plan.patience_ms) + ".");
+                                    Seconds(plan.patienceMs) + "."
+                              : "No new position came within " + Seconds(plan.patienceMs) + ".");
       break;
     case SessionEnd::Failed:
       code = ExitCode::Failed;

@@ -14,13 +14,13 @@ namespace tarvex {
 /// As entered.
 struct SessionOptions {
   ReceiverChoice receiver;
-  std::string antenna_height = "0";
-  long long patience_s = 60;
+  std::string antennaHeight = "0";
+  long long patienceS = 60;
   std::size_t average = 1;
   CorrectionChoice corrections;
-  std::string stream_log;
+  std::string streamLog;
   std::map<std::string, std::string> gates;  ///< limits by their keys
-  bool override_gate = false;
+  bool overrideGate = false;
 };
 
 /// Adds all of them; returns --receiver.
@@ -28,12 +28,12 @@ CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options);
 
 /// The receiver, the job's limits and then the command line's. Wrong use, after a message, when
 /// something is not understood.
-ExitCode SettleSession(const SessionOptions& options, const Settings& job_settings,
-                       Program& program, ReceiverPlan& plan);
+ExitCode SettleSession(const SessionOptions& options, const Settings& jobSettings, Program& program,
+                       ReceiverPlan& plan);
 
-/// Tells how the session ended, and what became of its corrections. `until_stopped`: it was to go
+/// Tells how the session ended, and what became of its corrections. `untilStopped`: it was to go
 /// on until somebody ends it, so that its end is no failure.
 ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const ReceiverPlan& plan,
-                        SessionEnd end, bool until_stopped);
+                        SessionEnd end, bool untilStopped);
 
 }  // namespace tarvex

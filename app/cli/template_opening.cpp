@@ -19,8 +19,8 @@ std::optional<RoadTemplate> OpenTemplate(Program& program, const std::string& pa
       (void)program.Fail("The template " + path + " cannot be opened.");
       return std::nullopt;
   }
-  if (road.section->line_out_of_range > 0) {
-    (void)program.Fail(path + " line " + std::to_string(road.section->line_out_of_range) +
+  if (road.section->lineOutOfRange > 0) {
+    (void)program.Fail(path + " line " + std::to_string(road.section->lineOutOfRange) +
                        ": a number is out of range.");
     return std::nullopt;
   }

@@ -20,17 +20,17 @@ constexpr int kDegreeDecimals = 9;
 constexpr int kMetreDecimals = 3;
 constexpr std::size_t kSkyRow = 6;  // satellites on a line
 
-std::string EpochText(std::int32_t epoch_ms) {
-  if (epoch_ms == kNoEpoch) return "no time";
+std::string EpochText(std::int32_t epochMs) {
+  if (epochMs == kNoEpoch) return "no time";
   std::string text;
-  AppendInteger(text, epoch_ms / 3'600'000, 2);
+  AppendInteger(text, epochMs / 3'600'000, 2);
   text += ':';
-  AppendInteger(text, epoch_ms / 60'000 % 60, 2);
+  AppendInteger(text, epochMs / 60'000 % 60, 2);
   text += ':';
-  AppendInteger(text, epoch_ms / 1000 % 60, 2);
-  if (epoch_ms % 1000 != 0) {
+  AppendInteger(text, epochMs / 1000 % 60, 2);
+  if (epochMs % 1000 != 0) {
     text += '.';
-    AppendInteger(text, epoch_ms % 1000, 3);
+    AppendInteger(text, epochMs % 1000, 3);
   }
   return text;
 }
@@ -51,10 +51,10 @@ std::string OriginText(PositionOrigin origin) {
 }
 
 std::string PrecisionText(const GnssPositionState& state) {
-  if (!state.precision_known) return "HRMS and VRMS unknown";
+  if (!state.precisionKnown) return "HRMS and VRMS unknown";
   return "HRMS " + FixedNumber(state.hrms, kMetreDecimals) + " VRMS " +
          FixedNumber(state.vrms, kMetreDecimals) +
-         (state.precision_carried_over ? " (of an earlier epoch)" : "");
+         (state.precisionCarriedOver ? " (of an earlier epoch)" : "");
 }
 
 std::string DopText(const GnssPositionState& state) {
@@ -71,8 +71,8 @@ std::string SkyText(const std::vector<SatelliteInView>& satellites) {
     text += i % kSkyRow == 0 ? (i == 0 ? "sky       " : "\n          ") : "  ";
     text += satellite.system;
     AppendInteger(text, satellite.prn, 2);
-    text += " " + std::to_string(satellite.elevation_deg) + "/" +
-            std::to_string(satellite.azimuth_deg) +
+    text += " " + std::to_string(satellite.elevationDeg) + "/" +
+            std::to_string(satellite.azimuthDeg) +
             (satellite.snr >= 0 ? " " + std::to_string(satellite.snr) : " -");
   }
   return text.empty() ? text
@@ -83,23 +83,23 @@ std::string CountsText(const std::vector<SystemCount>& counts) {
   std::string text;
   for (const SystemCount& count : counts) {
     text += (text.empty() ? "in use    " : "  ") + count.system + " " +
-            std::to_string(count.in_use) + " of " + std::to_string(count.in_view);
+            std::to_string(count.inUse) + " of " + std::to_string(count.inView);
   }
   return text.empty() ? text : text + "\n";
 }
 
 std::string PositionText(const GnssPositionState& state, Clock& clock) {
   if (state.positions == 0) return "position  none yet\n";
-  const double age_s =
-      static_cast<double>(clock.SteadyMilliseconds() - state.position_read_at_ms) / 1000.0;
+  const double ageS =
+      static_cast<double>(clock.SteadyMilliseconds() - state.positionReadAtMs) / 1000.0;
   return "position  " + FixedNumber(state.latitude, kDegreeDecimals) + "  " +
          FixedNumber(state.longitude, kDegreeDecimals) + "  height " +
-         (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "unknown") +
+         (state.heightKnown ? FixedNumber(state.height, kMetreDecimals) : "unknown") +
          "\nsolution  " + std::string(SolutionText(state.solutionType)) + OriginText(state.origin) +
          "  " + std::to_string(state.satellites) + " satellites  " + PrecisionText(state) +
-         "\nquality   " + DopText(state) + "\ntime      " + EpochText(state.epoch_ms) +
-         " UTC, read " + FixedNumber(age_s, 1) + " s ago" +
-         (state.repeated_epoch ? "  REPEATED" : "") + "\n";
+         "\nquality   " + DopText(state) + "\ntime      " + EpochText(state.epochMs) +
+         " UTC, read " + FixedNumber(ageS, 1) + " s ago" +
+         (state.repeatedEpoch ? "  REPEATED" : "") + "\n";
 }
 
 struct TerminalSize {
@@ -138,9 +138,9 @@ std::vector<std::string> FittedLines(std::string_view text, std::size_t columns)
 std::string LinkText(const CorrectionStatus& status, const GnssPositionState& state) {
   std::string text = "link      " + CorrectionLine(status, state) + "\n          " +
                      std::to_string(status.bytes) + " bytes from the caster, " +
-                     std::to_string(status.bytes_to_receiver) + " to the receiver, " +
-                     std::to_string(status.ggas_sent) + " positions sent, " +
-                     std::to_string(status.bad_crcs) + " damaged\n";
+                     std::to_string(status.bytesToReceiver) + " to the receiver, " +
+                     std::to_string(status.ggasSent) + " positions sent, " +
+                     std::to_string(status.badCrcs) + " damaged\n";
   if (status.messages.empty()) return text;
   text += "          messages";
   for (const auto& [number, count] : status.messages) {
@@ -154,10 +154,10 @@ std::string LinkText(const CorrectionStatus& status, const GnssPositionState& st
 std::string PositionLine(const GnssPositionState& state) {
   return FixedNumber(state.latitude, kDegreeDecimals) + " " +
          FixedNumber(state.longitude, kDegreeDecimals) + " " +
-         (state.height_known ? FixedNumber(state.height, kMetreDecimals) : "-") + " " +
+         (state.heightKnown ? FixedNumber(state.height, kMetreDecimals) : "-") + " " +
          std::string(SolutionText(state.solutionType)) + OriginText(state.origin) + " " +
          std::to_string(state.satellites) + " satellites " + PrecisionText(state) + " " +
-         EpochText(state.epoch_ms);
+         EpochText(state.epochMs);
 }
 
 WatchView::WatchView(Console& console) : console_(console), drawn_(::isatty(STDOUT_FILENO) != 0) {}
@@ -171,22 +171,22 @@ std::string WatchView::Screen(const std::string& trouble, const GnssPositionStat
                               Clock& clock) const {
   std::string text = PositionText(state, clock);
   text += "receiver  " + std::to_string(tap.lines()) + " lines, " + std::to_string(tap.bytes()) +
-          " bytes, " + std::to_string(state.bad_checksums) + " damaged\n";
+          " bytes, " + std::to_string(state.badChecksums) + " damaged\n";
   const std::string height = state.positions > 0 ? HeightSentence(state) : std::string();
   for (const std::string& sentence : {trouble, OriginSentence(state.origin), height}) {
     if (!sentence.empty()) text += "          " + sentence + "\n";
   }
   if (link != nullptr) text += LinkText(link->Status(), state);
-  const std::int64_t now_ms = clock.SteadyMilliseconds();
-  return text + CountsText(tap.sky().Counts(now_ms)) + SkyText(tap.sky().InView(now_ms));
+  const std::int64_t nowMs = clock.SteadyMilliseconds();
+  return text + CountsText(tap.sky().Counts(nowMs)) + SkyText(tap.sky().InView(nowMs));
 }
 
 void WatchView::Show(const std::string& trouble, const GnssPositionState& state,
                      const ReceiverTap& tap, const CorrectionLink* link, Clock& clock) {
   if (!drawn_) return ShowLine(trouble, state, link);
   const TerminalSize size = SizeOfTerminal();
-  last_screen_ = Screen(trouble, state, tap, link, clock);
-  const std::vector<std::string> lines = FittedLines(last_screen_, size.columns);
+  lastScreen_ = Screen(trouble, state, tap, link, clock);
+  const std::vector<std::string> lines = FittedLines(lastScreen_, size.columns);
   std::string drawing = open_ ? "\x1b[H" : "\x1b[?1049h\x1b[?25l\x1b[H";
   open_ = true;
   const std::size_t shown = std::min(lines.size(), size.rows);
@@ -203,7 +203,7 @@ void WatchView::ShowLine(const std::string& trouble, const GnssPositionState& st
     return;
   }
   told_.clear();
-  console_.Print(PositionLine(state) + (state.repeated_epoch ? " REPEATED" : "") +
+  console_.Print(PositionLine(state) + (state.repeatedEpoch ? " REPEATED" : "") +
                  (link != nullptr ? "; " + CorrectionLine(link->Status(), state) : "") + "\n");
   std::fflush(stdout);
 }
@@ -212,7 +212,7 @@ void WatchView::ShowLine(const std::string& trouble, const GnssPositionState& st
 void WatchView::End() {
   if (!std::exchange(open_, false)) return;
   console_.Draw("\x1b[?25h\x1b[?1049l");
-  for (const std::string& line : FittedLines(last_screen_, SizeOfTerminal().columns)) {
+  for (const std::string& line : FittedLines(lastScreen_, SizeOfTerminal().columns)) {
     console_.Print(line + "\n");
   }
   std::fflush(stdout);

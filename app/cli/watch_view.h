@@ -33,7 +33,7 @@ class WatchView {
   Console& console_;
   bool drawn_ = false;
   bool open_ = false;
-  std::string last_screen_;
+  std::string lastScreen_;
   std::string told_;
 };
 

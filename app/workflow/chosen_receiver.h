@@ -9,12 +9,12 @@ namespace tarvex {
 
 struct ChosenReceiver {
   PortAddress address;
-  int make_code = kMakeAnyNmea;
+  int makeCode = kMakeAnyNmea;
   ReceiverSettings settings;
 
   /// Nothing of it comes from hardware: it ends, takes no corrections and is not waited for.
-  bool is_recorded() const { return address.kind == PortKind::File; }
-  bool takes_corrections() const {
+  bool isRecorded() const { return address.kind == PortKind::File; }
+  bool takesCorrections() const {
     return address.kind == PortKind::Serial || address.kind == PortKind::Tcp;
   }
 };

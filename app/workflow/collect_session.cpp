@@ -11,7 +11,7 @@ CollectSession::CollectSession(const Workplace& work, JobSession& session,
       count_(plan.count) {}
 
 bool CollectSession::TakeEpoch(const std::optional<GateRefusal>& refusal) {
-  const bool wanted = trigger_ == StoreTrigger::EveryEpoch || store_wanted();
+  const bool wanted = trigger_ == StoreTrigger::EveryEpoch || storeWanted();
   const bool complete = !refusal && !paused() && wanted && PointComplete();
   TellPosition(refusal);
   return !complete || StorePoint(plan().description);

@@ -19,10 +19,10 @@ struct CollectedPoint {
 };
 
 /// The comment records behind the quality of a stored point: how the receiver's height became the
-/// elevation, the scatter of an average, a limit that was overridden. `antenna_height` and
+/// elevation, the scatter of an average, a limit that was overridden. `antennaHeight` and
 /// `elevation` are in the job's unit; `steps` are the calculator's.
 std::vector<std::string> CollectionRecords(const CollectedPoint& point,
-                                           const CalculationReport& steps, double antenna_height,
+                                           const CalculationReport& steps, double antennaHeight,
                                            double elevation, DistanceUnit unit);
 
 }  // namespace tarvex

@@ -14,7 +14,7 @@ bool ControlFit::empty() const {
          fit.vertical.result == FitResult::NoPoints;
 }
 
-bool ControlFit::is_absurd() const {
+bool ControlFit::isAbsurd() const {
   return fit.horizontal.result == FitResult::Fitted &&
          std::abs(fit.horizontal.similarity.scale() - 1.0) > kAbsurdScale;
 }

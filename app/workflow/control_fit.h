@@ -16,7 +16,7 @@ struct ControlFit {
   /// No point takes part: there is nothing to use, and nothing is wrong.
   bool empty() const;
   /// A scale more than 1 % from 1: feet for metres, another zone, swapped axes.
-  bool is_absurd() const;
+  bool isAbsurd() const;
 };
 
 /// `calculator` is that of the job's system; a localization that it may hold is left out.

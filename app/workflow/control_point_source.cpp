@@ -16,13 +16,13 @@ bool TakePosition(const ControlPointSource& source, Job& job, LocalizationPoint&
   }
   std::string raw;
   if (!ReadRawFile(job, raw, problem)) return false;
-  const auto found = FindRawPosition(raw, NormalisePointId(source.gnss_id).view(), job.unit);
+  const auto found = FindRawPosition(raw, NormalisePointId(source.gnssId).view(), job.unit);
   if (!found) {
-    problem = "The raw file holds no GNSS position of point " + source.gnss_id + ".";
+    problem = "The raw file holds no GNSS position of point " + source.gnssId + ".";
     return false;
   }
   point.gnss = *found;
-  point.description = source.gnss_id;
+  point.description = source.gnssId;
   return true;
 }
 
@@ -34,16 +34,16 @@ bool TakeLocal(const ControlPointSource& source, Job& job, LocalizationPoint& po
   } else {
     const auto stream = OpenCoordinateFile(job);
     Point known;
-    if (!stream || ReadPoint(job, source.known_id, stream.get(), known) != ReadPointResult::Found) {
-      problem = "There is no point " + source.known_id + " in " + job.path + ".";
+    if (!stream || ReadPoint(job, source.knownId, stream.get(), known) != ReadPointResult::Found) {
+      problem = "There is no point " + source.knownId + " in " + job.path + ".";
       return false;
     }
     at = known.at;
     point.description = known.id.str();
   }
-  point.local_x = at.easting;
-  point.local_y = at.northing;
-  point.local_z = at.elevation;
+  point.localX = at.easting;
+  point.localY = at.northing;
+  point.localZ = at.elevation;
   return true;
 }
 
@@ -57,8 +57,8 @@ bool ReadControlPoint(const ControlPointSource& source, Job& job, LocalizationPo
   }
   made.hrms = source.hrms;
   made.vrms = source.vrms;
-  made.use_horizontal = source.use_horizontal ? 'Y' : 'N';
-  made.use_vertical = source.use_vertical ? 'Y' : 'N';
+  made.useHorizontal = source.useHorizontal ? 'Y' : 'N';
+  made.useVertical = source.useVertical ? 'Y' : 'N';
   if (!source.description.empty()) made.description = source.description;
   point = std::move(made);
   return true;

@@ -11,15 +11,15 @@
 namespace tarvex {
 
 struct ControlPointSource {
-  std::optional<Geodetic> position;  ///< WGS84; without it the last one of `gnss_id`
-  std::string gnss_id;
-  std::optional<GridPoint> local;  ///< in the job's unit; without it those of `known_id`
-  std::string known_id;
+  std::optional<Geodetic> position;  ///< WGS84; without it the last one of `gnssId`
+  std::string gnssId;
+  std::optional<GridPoint> local;  ///< in the job's unit; without it those of `knownId`
+  std::string knownId;
   std::string description;  ///< empty: the id of the point that it was taken from
   double hrms = 0.0;
   double vrms = 0.0;
-  bool use_horizontal = true;
-  bool use_vertical = true;
+  bool useHorizontal = true;
+  bool useVertical = true;
 };
 
 /// False with a sentence in `problem` when a point that was named is not there.

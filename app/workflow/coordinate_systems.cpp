@@ -25,22 +25,22 @@ std::string SeriousIssues(std::string_view definition) {
 SystemSource SystemOfSettings(const Settings& settings) {
   return {.name = settings.GetOr("system", ""),
           .definition = settings.GetOr("definition", ""),
-          .datum_shift = settings.GetOr("datum_shift", "")};
+          .datumShift = settings.GetOr("datum_shift", "")};
 }
 
 void PutSystemIntoSettings(const SystemSource& source, Settings& settings) {
   if (!source.name.empty()) settings.Set("system", source.name);
   if (!source.definition.empty()) settings.Set("definition", source.definition);
-  if (!source.datum_shift.empty()) settings.Set("datum_shift", source.datum_shift);
+  if (!source.datumShift.empty()) settings.Set("datum_shift", source.datumShift);
 }
 
 CoordinateSystems::CoordinateSystems(const Workplace& work)
     : work_(work),
-      data_folder_(DataFolder(work)),
-      catalogue_(work.files, data_folder_),
+      dataFolder_(DataFolder(work)),
+      catalogue_(work.files, dataFolder_),
       messages_(this),
-      nad_converter_(
-          std::make_shared<NadConverter>(SystemNadConvLibrary(), data_folder_, &messages_)) {
+      nadConverter_(
+          std::make_shared<NadConverter>(SystemNadConvLibrary(), dataFolder_, &messages_)) {
   SystemCoordSysLibrary()->SetMessages(this);
   SystemNadConvLibrary()->SetMessages(this);
 }
@@ -82,9 +82,9 @@ bool CoordinateSystems::ReadSystemOption(const std::string& name, SystemSource& 
 // A file that is named alone is one of the data folder, and only when it is not there, for
 // `anywhere`, one of the folder that the person works in.
 std::string CoordinateSystems::GeoidPath(const std::string& file, bool anywhere) const {
-  const bool has_folder = file.find('/') != std::string::npos;
-  if (!has_folder && (!anywhere || work_.files.Exists(data_folder_ + file))) {
-    return data_folder_ + file;
+  const bool hasFolder = file.find('/') != std::string::npos;
+  if (!hasFolder && (!anywhere || work_.files.Exists(dataFolder_ + file))) {
+    return dataFolder_ + file;
   }
   std::error_code error;
   const std::string whole = std::filesystem::absolute(file, error).lexically_normal().string();
@@ -107,17 +107,17 @@ bool CoordinateSystems::SettleGeoid(const std::string& file, SystemSource& sourc
   if (!status.ok() || info.kind != GridFileKind::Geoid) {
     problem = "The geoid model cannot be used. " +
               (status.ok() ? path + " is a shift grid (tarvex grid info tells more)."
-                           : status.Text() + " (It is looked for in " + data_folder_ +
+                           : status.Text() + " (It is looked for in " + dataFolder_ +
                                  " unless it is given with its path.)");
     return false;
   }
   if (file.empty()) return true;
   if (choice.name.empty()) {
-    CTrgCalculator named_by_definition;
-    named_by_definition.ParseDefinition(source.definition, nullptr);
-    choice.name = Title(source, named_by_definition);
+    CTrgCalculator namedByDefinition;
+    namedByDefinition.ParseDefinition(source.definition, nullptr);
+    choice.name = Title(source, namedByDefinition);
   }
-  choice.geoid = path == data_folder_ + file ? file : path;
+  choice.geoid = path == dataFolder_ + file ? file : path;
   source.name = WriteSystemChoice(choice);
   return true;
 }
@@ -163,18 +163,18 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
   calculator = CTrgCalculator();
   calculator.ParseDefinition(definition, this);
   calculator.SetDistanceUnit(unit);
-  const StepChoice choice{.shift = source.datum_shift,
+  const StepChoice choice{.shift = source.datumShift,
                           .geoid = ReadSystemChoice(source.name).geoid,
-                          .definition_gives_shift = calculator.definition_gives_shift()};
+                          .definitionGivesShift = calculator.definitionGivesShift()};
   PreparedSteps prepared = PrepareSteps(calculator.record(), choice,
                                         {.files = work_.files,
-                                         .data_folder = data_folder_,
-                                         .coord_sys = SystemCoordSysLibrary(),
-                                         .nad_converter = nad_converter_,
+                                         .dataFolder = dataFolder_,
+                                         .coordSys = SystemCoordSysLibrary(),
+                                         .nadConverter = nadConverter_,
                                          .messages = &messages_,
                                          .progress = this});
   work_.observer.OnProgressEnd();
-  problem = prepared.wrong_choice;
+  problem = prepared.wrongChoice;
   if (!problem.empty()) return false;
   for (const std::string& hampers : prepared.problems) Show("WARNING", hampers);
   calculator.SetSteps(std::move(prepared.steps));
@@ -192,8 +192,8 @@ bool CoordinateSystems::KnowsDatumShift(std::string_view definition) {
 
 std::string CoordinateSystems::Title(const SystemSource& source, const CTrgCalculator& calculator) {
   if (!source.name.empty()) return source.name;
-  const std::string& name = calculator.compound_name();
-  return name.empty() ? calculator.record().projection_name.str() : name;
+  const std::string& name = calculator.compoundName();
+  return name.empty() ? calculator.record().projectionName.str() : name;
 }
 
 void CoordinateSystems::Show(std::string_view title, std::string_view text) {

@@ -21,7 +21,7 @@ namespace tarvex {
 struct SystemSource {
   std::string name;
   std::string definition;
-  std::string datum_shift;
+  std::string datumShift;
 
   bool empty() const { return name.empty() && definition.empty(); }
 };
@@ -44,7 +44,7 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
   CoordinateSystems& operator=(const CoordinateSystems&) = delete;
 
   SystemCatalogue& catalogue() { return catalogue_; }
-  const std::string& data_folder() const { return data_folder_; }
+  const std::string& dataFolder() const { return dataFolder_; }
 
   /// Reads what `--system NAME` (a name or an EPSG code) and `--definition FILE` name; a definition
   /// that would give no coordinates or wrong ones is refused. False with a sentence in `problem`.
@@ -80,10 +80,10 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
   void Show(std::string_view text, std::size_t done, std::size_t total) override;
 
   Workplace work_;
-  std::string data_folder_;
+  std::string dataFolder_;
   SystemCatalogue catalogue_;
   RunMessages messages_;
-  std::shared_ptr<NadConverter> nad_converter_;
+  std::shared_ptr<NadConverter> nadConverter_;
 };
 
 }  // namespace tarvex

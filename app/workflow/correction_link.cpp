@@ -10,7 +10,7 @@ CorrectionLink::CorrectionLink(FileSystem& files, Clock& clock, StopAsked stop,
       connection_(MakeTcpNtripConnection(errors_, stop_)),
       sink_(receiver, stop_),
       session_(plan, *connection_,
-               {.clock = clock, .files = files, .errors = errors_, .work_folder = folder_.path()}),
+               {.clock = clock, .files = files, .errors = errors_, .workFolder = folder_.path()}),
       thread_((session_.Attach(&sink_, &gga), session_)) {}
 
 }  // namespace tarvex

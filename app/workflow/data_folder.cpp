@@ -104,10 +104,10 @@ std::string DataFolder(const Workplace& work) {
   // Two programs that start at once fill the folder one after the other.
   std::unique_ptr<File> lock;
   fs::create_directories(folder, error);
-  const std::string lock_path = (folder / ".filling").string();
-  const bool locked = OpenLocked(work.files, lock_path, FileAccess::CreateOrKeep, lock).ok();
+  const std::string lockPath = (folder / ".filling").string();
+  const bool locked = OpenLocked(work.files, lockPath, FileAccess::CreateOrKeep, lock).ok();
   const std::string problem = Seed(folder, installed, work.files);
-  if (locked) (void)work.files.Remove(lock_path);
+  if (locked) (void)work.files.Remove(lockPath);
   if (!problem.empty()) {
     work.observer.OnWarning("the data folder " + folder.string() + " could not be filled (" +
                             problem + "); the next start tries again.\n");

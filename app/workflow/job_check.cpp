@@ -47,21 +47,21 @@ class Checker {
 
   std::optional<JobCheck> Run() {
     CheckLeftovers();
-    if (!CheckFrame() || !LoadPoints() || !LoadText(RawFilePath(job_), raw_, raw_there_) ||
-        !LoadText(PointNotesPath(job_), notes_, notes_there_)) {
+    if (!CheckFrame() || !LoadPoints() || !LoadText(RawFilePath(job_), raw_, rawThere_) ||
+        !LoadText(PointNotesPath(job_), notes_, notesThere_)) {
       return std::nullopt;
     }
     CheckSettings();
     CheckRecordOrder();
     history_ = ReadRawHistory(raw_.view(), job_.alphanumeric);
-    check_.raw_records = history_.records;
+    check_.rawRecords = history_.records;
     CheckRawHeader();
     CheckBrokenRecords();
     CheckNotes();
-    if (raw_there_) CheckPoints();
-    if (raw_there_) CheckStoredPoints();
-    const auto by_kind = [](const JobFinding& a, const JobFinding& b) { return a.fault < b.fault; };
-    std::stable_sort(check_.findings.begin(), check_.findings.end(), by_kind);
+    if (rawThere_) CheckPoints();
+    if (rawThere_) CheckStoredPoints();
+    const auto byKind = [](const JobFinding& a, const JobFinding& b) { return a.fault < b.fault; };
+    std::stable_sort(check_.findings.begin(), check_.findings.end(), byKind);
     return std::move(check_);
   }
 
@@ -83,9 +83,9 @@ class Checker {
   bool CheckFrame() {
     const auto stream = OpenForReading(job_);
     if (!stream) return false;
-    if (stream->trailing_bytes() > 0) {
+    if (stream->trailingBytes() > 0) {
       Add({.fault = JobFault::TrailingBytes,
-           .arguments = {std::to_string(stream->trailing_bytes())}});
+           .arguments = {std::to_string(stream->trailingBytes())}});
     }
     if (!job_.alphanumeric) CheckCount(*stream);
     return true;
@@ -98,15 +98,15 @@ class Checker {
     std::size_t got = 0;
     if (!stream.ReadBytes(0, header, got).ok() || got < header.size()) return;
     const long long count = numeric_layout::DecodeHighestNumber(header);
-    if (count == static_cast<long long>(stream.record_count())) return;
+    if (count == static_cast<long long>(stream.recordCount())) return;
     Add({.fault = JobFault::CountContradicts,
-         .arguments = {std::to_string(count), std::to_string(stream.record_count())}});
+         .arguments = {std::to_string(count), std::to_string(stream.recordCount())}});
   }
 
   bool LoadText(const std::string& path, FileBytes& bytes, bool& there) {
     const FileStatus status = LoadFileBytes(job_.host.files(), path, bytes);
     there = status.ok();
-    if (status.ok() || status.not_found()) return true;
+    if (status.ok() || status.notFound()) return true;
     job_.host.ShowMessage(path + " cannot be read: " + status.Text() + ".");
     return false;
   }
@@ -130,17 +130,17 @@ class Checker {
       const int order = ComparePointIds(before, id);
       if (order < 0 || !MakePointIdKey(before) || !MakePointIdKey(id)) continue;
       if (order == 0) {
-        Add({.fault = JobFault::IdTwice, .point_id = std::string(id)});
+        Add({.fault = JobFault::IdTwice, .pointId = std::string(id)});
       } else {
         Add({.fault = JobFault::OutOfOrder,
-             .point_id = std::string(id),
+             .pointId = std::string(id),
              .arguments = {std::string(before)}});
       }
     }
   }
 
   void CheckRawHeader() {
-    if (!raw_there_) {
+    if (!rawThere_) {
       Add({.fault = JobFault::RawFileMissing});
       return;
     }
@@ -150,10 +150,10 @@ class Checker {
              .arguments = {std::string(UnitName(job_.unit)), std::string(UnitName(*mode->unit))}});
       }
       const auto direction = [](bool south) { return std::string(south ? "south" : "north"); };
-      const auto& south = mode->azimuths_from_south;
-      if (south && *south != job_.azimuths_from_south) {
+      const auto& south = mode->azimuthsFromSouth;
+      if (south && *south != job_.azimuthsFromSouth) {
         Add({.fault = JobFault::AzimuthsContradict,
-             .arguments = {direction(job_.azimuths_from_south), direction(*south)}});
+             .arguments = {direction(job_.azimuthsFromSouth), direction(*south)}});
       }
     }
     const std::string layout = job_.alphanumeric ? "Alphanumeric" : "Numeric";
@@ -191,12 +191,12 @@ class Checker {
   }
 
   Note* TakeNote(std::string_view id, std::size_t line) {
-    const auto [note, is_new] =
-        note_of_.emplace(HistoryKey(id, job_.alphanumeric), Note{.line = line});
-    if (is_new) {
+    const auto [note, isNew] =
+        noteOf_.emplace(HistoryKey(id, job_.alphanumeric), Note{.line = line});
+    if (isNew) {
       ++check_.notes;
     } else {
-      Add({.fault = JobFault::NoteTwice, .point_id = std::string(id), .line = line});
+      Add({.fault = JobFault::NoteTwice, .pointId = std::string(id), .line = line});
     }
     return &note->second;
   }
@@ -205,10 +205,10 @@ class Checker {
     for (const Point& point : points_) {
       const PointId key = HistoryKey(point.id.view(), job_.alphanumeric);
       const auto found = history_.points.find(key);
-      const auto note = note_of_.find(key);
-      const bool quality = note != note_of_.end() && note->second.quality;
+      const auto note = noteOf_.find(key);
+      const bool quality = note != noteOf_.end() && note->second.quality;
       if (found == history_.points.end()) {
-        Add({.fault = JobFault::NoObservation, .point_id = point.id.str()});
+        Add({.fault = JobFault::NoObservation, .pointId = point.id.str()});
       } else {
         CheckPoint(point, found->second, quality, quality ? note->second.line : 0);
       }
@@ -216,14 +216,13 @@ class Checker {
   }
 
   void CheckPoint(const Point& point, const PointHistory& history, bool quality,
-                  std::size_t note_line) {
+                  std::size_t noteLine) {
     const std::string id = point.id.str();
     if (history.last == Last::Deleted) {
-      Add({.fault = JobFault::StillThere, .point_id = id, .line = history.line});
+      Add({.fault = JobFault::StillThere, .pointId = id, .line = history.line});
     }
-    if (history.has_coordinates && !AgreesWith(history, point.at)) {
-      JobFinding finding{
-          .fault = JobFault::CoordinatesDiffer, .point_id = id, .line = history.line};
+    if (history.hasCoordinates && !AgreesWith(history, point.at)) {
+      JobFinding finding{.fault = JobFault::CoordinatesDiffer, .pointId = id, .line = history.line};
       for (const double value : {point.at.northing, point.at.easting, point.at.elevation}) {
         finding.arguments.push_back(FixedNumber(value, 4));
       }
@@ -231,10 +230,10 @@ class Checker {
       Add(std::move(finding));
     }
     if (history.last == Last::Typed && quality) {
-      Add({.fault = JobFault::QualityOnTyped, .point_id = id, .line = note_line});
+      Add({.fault = JobFault::QualityOnTyped, .pointId = id, .line = noteLine});
     }
     if (history.last == Last::Position && !quality) {
-      Add({.fault = JobFault::QualityMissing, .point_id = id});
+      Add({.fault = JobFault::QualityMissing, .pointId = id});
     }
   }
 
@@ -247,15 +246,15 @@ class Checker {
     for (const auto& [id, history] : history_.points) {
       if (history.last == Last::Deleted || there.contains(id)) continue;
       missing.push_back(
-          {.fault = JobFault::NoCoordinates, .point_id = id.str(), .line = history.line});
+          {.fault = JobFault::NoCoordinates, .pointId = id.str(), .line = history.line});
     }
-    for (const auto& [id, note] : note_of_) {
+    for (const auto& [id, note] : noteOf_) {
       if (there.contains(id) || history_.points.contains(id)) continue;
       missing.push_back(
-          {.fault = JobFault::NoteWithoutPoint, .point_id = id.str(), .line = note.line});
+          {.fault = JobFault::NoteWithoutPoint, .pointId = id.str(), .line = note.line});
     }
-    const auto by_line = [](const JobFinding& a, const JobFinding& b) { return a.line < b.line; };
-    std::sort(missing.begin(), missing.end(), by_line);
+    const auto byLine = [](const JobFinding& a, const JobFinding& b) { return a.line < b.line; };
+    std::sort(missing.begin(), missing.end(), byLine);
     for (JobFinding& finding : missing) Add(std::move(finding));
   }
 
@@ -265,10 +264,10 @@ class Checker {
   PointList points_;
   FileBytes raw_;
   FileBytes notes_;
-  bool raw_there_ = false;
-  bool notes_there_ = false;
+  bool rawThere_ = false;
+  bool notesThere_ = false;
   RawHistory history_;
-  std::unordered_map<PointId, Note, PointIdHash> note_of_;
+  std::unordered_map<PointId, Note, PointIdHash> noteOf_;
 };
 
 }  // namespace

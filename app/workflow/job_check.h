@@ -42,14 +42,14 @@ enum class JobFault {
 
 struct JobFinding {
   JobFault fault = JobFault::NoObservation;
-  std::string point_id = {};
+  std::string pointId = {};
   std::size_t line = 0;  ///< of the raw file or the notes, from 1; 0 when none is meant
   std::vector<std::string> arguments = {};
 };
 
 struct JobCheck {
   std::size_t points = 0;
-  std::size_t raw_records = 0;  ///< lines that are not comments
+  std::size_t rawRecords = 0;  ///< lines that are not comments
   std::size_t notes = 0;
   std::vector<JobFinding> findings;  ///< by kind, in the order of the files
 };

@@ -56,38 +56,38 @@ std::string_view VerticalMethodKey(VerticalMethod method) {
   return KeyOf(kVerticalMethods, method);
 }
 
-bool ReadJobLocalization(const Settings& settings, const std::string& job_path,
+bool ReadJobLocalization(const Settings& settings, const std::string& jobPath,
                          JobLocalization& localization, std::string& problem) {
   const std::string file = settings.GetOr("localization", "");
-  localization.path = file.empty() || file.starts_with('/') ? file : FolderOf(job_path) + file;
+  localization.path = file.empty() || file.starts_with('/') ? file : FolderOf(jobPath) + file;
   localization.on = !file.empty() && settings.GetOr("localization_on", "1") != "0";
   const std::string horizontal = settings.GetOr("localization_method", "similarity");
   const std::string vertical = settings.GetOr("localization_heights", "shift");
   const std::string scale = settings.GetOr("localization_scale", "1");
-  const auto horizontal_method = ParseHorizontalMethod(horizontal);
-  const auto vertical_method = ParseVerticalMethod(vertical);
-  const auto given_scale = ParseNumber(scale);
-  if (!horizontal_method || !vertical_method || !given_scale || *given_scale <= 0.0) {
-    const std::string wrong = !horizontal_method ? "localization_method=" + horizontal
-                              : !vertical_method ? "localization_heights=" + vertical
-                                                 : "localization_scale=" + scale;
+  const auto horizontalMethod = ParseHorizontalMethod(horizontal);
+  const auto verticalMethod = ParseVerticalMethod(vertical);
+  const auto givenScale = ParseNumber(scale);
+  if (!horizontalMethod || !verticalMethod || !givenScale || *givenScale <= 0.0) {
+    const std::string wrong = !horizontalMethod ? "localization_method=" + horizontal
+                              : !verticalMethod ? "localization_heights=" + vertical
+                                                : "localization_scale=" + scale;
     problem = "The job's setting " + wrong + " makes no sense.";
     return false;
   }
   localization.method = {
-      .horizontal = *horizontal_method, .given_scale = *given_scale, .vertical = *vertical_method};
+      .horizontal = *horizontalMethod, .givenScale = *givenScale, .vertical = *verticalMethod};
   return true;
 }
 
-void PutJobLocalization(const JobLocalization& localization, const std::string& job_path,
+void PutJobLocalization(const JobLocalization& localization, const std::string& jobPath,
                         Settings& settings) {
-  const std::string folder = FolderOf(job_path);
+  const std::string folder = FolderOf(jobPath);
   const bool beside = localization.path.starts_with(folder);
   settings.Set("localization",
                beside ? localization.path.substr(folder.size()) : localization.path);
   settings.Set("localization_on", localization.on ? "1" : "0");
   settings.Set("localization_method", HorizontalMethodKey(localization.method.horizontal));
-  settings.Set("localization_scale", ShortestNumber(localization.method.given_scale));
+  settings.Set("localization_scale", ShortestNumber(localization.method.givenScale));
   settings.Set("localization_heights", VerticalMethodKey(localization.method.vertical));
 }
 
@@ -98,8 +98,8 @@ std::string LocalizationOffNotice(Job& job, const Settings& settings) {
   if (localization.on || localization.path.empty()) return {};
   LocalizationFault fault;
   const auto read = LoadLocalization(job.host.files(), localization.path, job.unit, fault);
-  const bool has_none = read ? read->points.empty() : !job.host.files().Exists(localization.path);
-  if (has_none) return {};
+  const bool hasNone = read ? read->points.empty() : !job.host.files().Exists(localization.path);
+  if (hasNone) return {};
   return "The job's localization (" + localization.path +
          ") is off: coordinates are those of the system's grid. (tarvex localize " + job.path +
          " --on uses it.)";

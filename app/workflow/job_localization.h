@@ -23,9 +23,9 @@ struct JobLocalization {
 };
 
 /// Reads the settings; false with a sentence in `problem` for a value that makes no sense.
-[[nodiscard]] bool ReadJobLocalization(const Settings& settings, const std::string& job_path,
+[[nodiscard]] bool ReadJobLocalization(const Settings& settings, const std::string& jobPath,
                                        JobLocalization& localization, std::string& problem);
-void PutJobLocalization(const JobLocalization& localization, const std::string& job_path,
+void PutJobLocalization(const JobLocalization& localization, const std::string& jobPath,
                         Settings& settings);
 
 /// The names of the methods in settings and options; empty optionals for unknown ones.

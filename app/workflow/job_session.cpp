@@ -81,17 +81,16 @@ JobSession::~JobSession() {
                            ". It is finished when the job is opened again.");
 }
 
-std::string JobSession::settings_path() const {
+std::string JobSession::settingsPath() const {
   return PathWithExtension(job_.path, "job");
 }
 
 bool JobSession::Load() {
   std::string text;
-  FileStatus status = FinishRewrite(files(), settings_path());
-  if (status.ok()) status = ReadWholeFile(files(), settings_path(), kLargestSettings, text);
-  if (!status.ok() && !status.not_found()) {
-    ShowMessage("The job's settings " + settings_path() + " cannot be read: " + status.Text() +
-                ".");
+  FileStatus status = FinishRewrite(files(), settingsPath());
+  if (status.ok()) status = ReadWholeFile(files(), settingsPath(), kLargestSettings, text);
+  if (!status.ok() && !status.notFound()) {
+    ShowMessage("The job's settings " + settingsPath() + " cannot be read: " + status.Text() + ".");
     return false;
   }
   settings_ = Settings(text);
@@ -100,20 +99,20 @@ bool JobSession::Load() {
 
 bool JobSession::LoadExisting() {
   if (files().Exists(job_.path)) {
-    if (!files().Exists(settings_path())) {
+    if (!files().Exists(settingsPath())) {
       work_.observer.OnWarning(
-          "The job's settings " + settings_path() +
+          "The job's settings " + settingsPath() +
           " are missing: metres, azimuths from north and no coordinate system are "
           "assumed.");
     }
     const FinishJobResult finished = FinishJob(job_);
     if (finished == FinishJobResult::Failed || !Load()) return false;
-    was_interrupted_ = finished == FinishJobResult::Finished;
+    wasInterrupted_ = finished == FinishJobResult::Finished;
     for (const std::string& sentence : UnknownSettings(settings_)) {
-      work_.observer.OnWarning(settings_path() + ": " + sentence);
+      work_.observer.OnWarning(settingsPath() + ": " + sentence);
     }
-    storing_problem_ = UnitProblem(job_);
-    if (!storing_problem_.empty()) work_.observer.OnWarning(storing_problem_);
+    storingProblem_ = UnitProblem(job_);
+    if (!storingProblem_.empty()) work_.observer.OnWarning(storingProblem_);
     return true;
   }
   const std::string completed = job_.path + ".crd";
@@ -128,7 +127,7 @@ bool JobSession::LoadExisting() {
 bool JobSession::TakeSettings() {
   const auto refuse = [this](std::string_view key, std::string_view value,
                              std::string_view wanted) {
-    ShowMessage(settings_path() + ": " + std::string(key) + "=" + std::string(value) +
+    ShowMessage(settingsPath() + ": " + std::string(key) + "=" + std::string(value) +
                 " makes no sense (" + std::string(wanted) + "); the job was not opened.");
     return false;
   };
@@ -147,22 +146,22 @@ bool JobSession::TakeSettings() {
       return refuse(choice.key, value, Listed(choice.values));
     }
   }
-  const std::string scale_text = settings_.GetOr("scale_factor", "1");
-  const auto scale = ParseNumber(scale_text);
-  if (!scale || *scale <= 0.0) return refuse("scale_factor", scale_text, "a number above 0");
+  const std::string scaleText = settings_.GetOr("scale_factor", "1");
+  const auto scale = ParseNumber(scaleText);
+  if (!scale || *scale <= 0.0) return refuse("scale_factor", scaleText, "a number above 0");
   job_.unit = *ParseUnit(settings_.GetOr("units", "metres"));
-  job_.scale_factor = *scale;
+  job_.scaleFactor = *scale;
   job_.name = settings_.GetOr("name", job_.name);
-  job_.alphanumeric_new_files = settings_.GetOr("ids", "alphanumeric") != "numeric";
-  job_.azimuths_from_south = settings_.GetOr("azimuths", "north") == "south";
-  job_.curvature_correction = settings_.GetOr("curvature_correction", "0") == "1";
+  job_.alphanumericNewFiles = settings_.GetOr("ids", "alphanumeric") != "numeric";
+  job_.azimuthsFromSouth = settings_.GetOr("azimuths", "north") == "south";
+  job_.curvatureCorrection = settings_.GetOr("curvature_correction", "0") == "1";
   return true;
 }
 
 bool JobSession::Save() {
-  const FileStatus status = RewriteWholeFile(files(), settings_path(), settings_.Text());
+  const FileStatus status = RewriteWholeFile(files(), settingsPath(), settings_.Text());
   if (status.ok()) return true;
-  ShowMessage("The job's settings " + settings_path() + " cannot be written: " + status.Text() +
+  ShowMessage("The job's settings " + settingsPath() + " cannot be written: " + status.Text() +
               ".");
   return false;
 }

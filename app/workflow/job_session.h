@@ -34,18 +34,18 @@ class JobSession final : public JobHost {
 
   Job& job() { return job_; }
   Settings& settings() { return settings_; }
-  std::string settings_path() const;
+  std::string settingsPath() const;
   WorkObserver& observer() { return work_.observer; }
   /// Work that an interruption had left was finished when the job was opened.
-  bool was_interrupted() const { return was_interrupted_; }
+  bool wasInterrupted() const { return wasInterrupted_; }
   /// Why nothing may be stored in this job, in a sentence; empty when everything may.
-  const std::string& storing_problem() const { return storing_problem_; }
+  const std::string& storingProblem() const { return storingProblem_; }
 
   /// What opens the raw file for further work, to be written with the first unit of this session:
   /// the identification line where it is missing, date and time. Empty once it is written.
-  std::string RawOpening() { return raw_opened_ ? "" : RawOpeningRecords(job_); }
-  void RawIsOpened() { raw_opened_ = true; }
-  void set_policy(ExistingPolicy policy) { policy_ = policy; }
+  std::string RawOpening() { return rawOpened_ ? "" : RawOpeningRecords(job_); }
+  void RawIsOpened() { rawOpened_ = true; }
+  void setPolicy(ExistingPolicy policy) { policy_ = policy; }
   ExistingPolicy policy() const { return policy_; }
 
   // What the core asks for.
@@ -61,9 +61,9 @@ class JobSession final : public JobHost {
   Workplace work_;
   Settings settings_;
   Job job_;
-  bool raw_opened_ = false;
-  bool was_interrupted_ = false;
-  std::string storing_problem_;
+  bool rawOpened_ = false;
+  bool wasInterrupted_ = false;
+  std::string storingProblem_;
   ExistingPolicy policy_ = ExistingPolicy::Cancel;
 };
 

@@ -64,7 +64,7 @@ bool LocalizationWork::Open() {
   const bool expected = localization_.on || work_.files.Exists(localization_.path);
   if (!expected || !request_.from.empty() || LoadList(localization_.path)) return true;
   // A list that cannot be read can still be switched off, and only that.
-  if (!request_.off || request_.changes_list()) return false;
+  if (!request_.off || request_.changesList()) return false;
   work_.observer.OnWarning(problem_);
   problem_.clear();
   return true;
@@ -90,11 +90,11 @@ bool LocalizationWork::Change() {
     if (!LoadList(request_.from)) return false;
     changed_ = true;
   }
-  for (const std::size_t number : request_.toggle_horizontal) {
-    if (!Toggle(number, &LocalizationPoint::use_horizontal)) return false;
+  for (const std::size_t number : request_.toggleHorizontal) {
+    if (!Toggle(number, &LocalizationPoint::useHorizontal)) return false;
   }
-  for (const std::size_t number : request_.toggle_vertical) {
-    if (!Toggle(number, &LocalizationPoint::use_vertical)) return false;
+  for (const std::size_t number : request_.toggleVertical) {
+    if (!Toggle(number, &LocalizationPoint::useVertical)) return false;
   }
   if (!Remove()) return false;
   if (request_.add && !Add()) return false;
@@ -138,13 +138,13 @@ bool LocalizationWork::ChangeMethod() {
   LocalizationMethod& method = localization_.method;
   method.horizontal = request_.horizontal.value_or(method.horizontal);
   method.vertical = request_.vertical.value_or(method.vertical);
-  if (request_.scale) method.given_scale = *request_.scale;
-  if (!(method.given_scale > 0.5 && method.given_scale < 2.0)) {
+  if (request_.scale) method.givenScale = *request_.scale;
+  if (!(method.givenScale > 0.5 && method.givenScale < 2.0)) {
     return Misuse("A scale is a number near 1.");
   }
-  const bool takes_scale = method.horizontal == HorizontalMethod::FixedScale ||
-                           method.horizontal == HorizontalMethod::Translation;
-  if (request_.scale && !takes_scale) {
+  const bool takesScale = method.horizontal == HorizontalMethod::FixedScale ||
+                          method.horizontal == HorizontalMethod::Translation;
+  if (request_.scale && !takesScale) {
     work_.observer.OnWarning("A given scale is for the methods fixed-scale and translation; " +
                              std::string(HorizontalMethodKey(method.horizontal)) +
                              " does not use it.");
@@ -179,8 +179,8 @@ std::string LocalizationWork::FitFault() const {
   if (request_.off && FitProblem(control_).empty()) return {};
   if (control_.empty()) return changed_ && !request_.on ? "" : FitProblem(control_);
   if (std::string problem = FitProblem(control_); !problem.empty()) return problem;
-  if (!control_.is_absurd() || request_.on || !IsChanged()) return {};
-  return "The scale would be " + FixedNumber(report_.scale_ppm, 0) +
+  if (!control_.isAbsurd() || request_.on || !IsChanged()) return {};
+  return "The scale would be " + FixedNumber(report_.scalePpm, 0) +
          " ppm from 1, which is no site's: feet taken for metres, another zone?" +
          (SwapWouldFit() ? " With northing and easting of the new point swapped it would fit."
                          : "");
@@ -189,9 +189,9 @@ std::string LocalizationWork::FitFault() const {
 bool LocalizationWork::SwapWouldFit() const {
   if (!request_.add.has_value()) return false;
   LocalizationList swapped = list_;
-  std::swap(swapped.back()->local_x, swapped.back()->local_y);
+  std::swap(swapped.back()->localX, swapped.back()->localY);
   const ControlFit control = FitControl(calculator_, swapped, localization_.method);
-  return control.fit.usable() && !control.is_absurd();
+  return control.fit.usable() && !control.isAbsurd();
 }
 
 bool LocalizationWork::Save() {
@@ -245,9 +245,9 @@ std::vector<PlanePoint> LocalizationWork::JobPlaces(const LocalizationFit& fit) 
     const DistanceUnit unit = session_.job().unit;
     GridMetres at = {ToMetres(point.at.northing, unit), ToMetres(point.at.easting, unit), 0.0};
     (void)step.ToGrid(at);
-    if (std::hypot(at.northing_m - centre.grid_northing_m, at.easting_m - centre.grid_easting_m) <
+    if (std::hypot(at.northingM - centre.gridNorthingM, at.eastingM - centre.gridEastingM) <
         kElsewhereM) {
-      places.push_back({at.northing_m, at.easting_m});
+      places.push_back({at.northingM, at.eastingM});
     }
   }
   return places;

@@ -19,8 +19,8 @@ namespace tarvex {
 struct LocalizationRequest {
   std::optional<ControlPointSource> add;
   std::vector<std::size_t> remove;  ///< numbers in the list, from 1
-  std::vector<std::size_t> toggle_horizontal;
-  std::vector<std::size_t> toggle_vertical;
+  std::vector<std::size_t> toggleHorizontal;
+  std::vector<std::size_t> toggleVertical;
   std::string from;  ///< another ".loc" file whose list takes the place of the job's
   std::optional<HorizontalMethod> horizontal;
   std::optional<VerticalMethod> vertical;
@@ -28,8 +28,8 @@ struct LocalizationRequest {
   bool on = false;   ///< use it, whatever the scale of the fit
   bool off = false;  ///< do not use it
 
-  bool changes_list() const {
-    return add || !remove.empty() || !toggle_horizontal.empty() || !toggle_vertical.empty() ||
+  bool changesList() const {
+    return add || !remove.empty() || !toggleHorizontal.empty() || !toggleVertical.empty() ||
            !from.empty();
   }
 };
@@ -51,7 +51,7 @@ class LocalizationWork {
 
   const std::string& problem() const { return problem_; }
   /// The localization that the job had can still be used.
-  bool worked_before() const { return worked_; }
+  bool workedBefore() const { return worked_; }
   const JobLocalization& localization() const { return localization_; }
   const LocalizationList& list() const { return list_; }
   const ControlFit& control() const { return control_; }

@@ -17,21 +17,21 @@ std::vector<std::string> RawRecords(const Observation& observation, const Point&
   const GnssPositionState& state = observation.point.state;
   const std::string date = DateText(now);
   const std::string time = TimeText(now);
-  const bool quality = FindMake(observation.make_code).quality_instead_of_rms;
+  const bool quality = FindMake(observation.makeCode).qualityInsteadOfRms;
   std::vector<std::string> records{
-      TimeStampRecord(now), RodHeightRecord(observation.antenna_height),
-      GnssRecord({.point_id = stored.id.str(),
-                  .latitude_degrees = state.latitude,
-                  .longitude_degrees = state.longitude,
+      TimeStampRecord(now), RodHeightRecord(observation.antennaHeight),
+      GnssRecord({.pointId = stored.id.str(),
+                  .latitudeDegrees = state.latitude,
+                  .longitudeDegrees = state.longitude,
                   .height = state.height,
                   .description = observation.description}),
       GnssGridRecord(stored, observation.description),
       QualityComment(state, quality, QualityStamp{.date = date, .time = time})};
-  for (const std::string& warning : PositionWarnings(state, observation.expects_precision)) {
+  for (const std::string& warning : PositionWarnings(state, observation.expectsPrecision)) {
     records.push_back(CommentRecord("Warning: " + warning));
   }
   for (std::string& record :
-       CollectionRecords(observation.point, observation.position.steps, observation.antenna_height,
+       CollectionRecords(observation.point, observation.position.steps, observation.antennaHeight,
                          stored.at.elevation, unit)) {
     records.push_back(std::move(record));
   }
@@ -42,28 +42,27 @@ std::vector<std::string> RawRecords(const Observation& observation, const Point&
 NoteEdit QualityNote(const Observation& observation, const Point& stored, const LocalTime& now) {
   const std::string date = DateText(now);
   const std::string time = TimeText(now);
-  return {
-      .kind = NoteEdit::Kind::SetQuality,
-      .note = {.point_id = stored.id.str(),
-               .lines = {},
-               .quality_lines = QualityBlockLines(
-                   observation.point.state, FindMake(observation.make_code).quality_instead_of_rms,
-                   QualityStamp{.date = date, .time = time})}};
+  return {.kind = NoteEdit::Kind::SetQuality,
+          .note = {.pointId = stored.id.str(),
+                   .lines = {},
+                   .qualityLines = QualityBlockLines(
+                       observation.point.state, FindMake(observation.makeCode).qualityInsteadOfRms,
+                       QualityStamp{.date = date, .time = time})}};
 }
 
 }  // namespace
 
 GridPosition PlaceOnGrid(const GnssPositionState& state, const CTrgCalculator& calculator,
-                         double antenna_height, DistanceUnit unit) {
+                         double antennaHeight, DistanceUnit unit) {
   GridPosition position;
-  position.result = calculator.ToGrid({.latitude_rad = state.latitude * kRadiansPerDegree,
-                                       .longitude_rad = state.longitude * kRadiansPerDegree,
-                                       .height_m = state.height - ToMetres(antenna_height, unit)},
+  position.result = calculator.ToGrid({.latitudeRad = state.latitude * kRadiansPerDegree,
+                                       .longitudeRad = state.longitude * kRadiansPerDegree,
+                                       .heightM = state.height - ToMetres(antennaHeight, unit)},
                                       position.at, &position.steps);
   return position;
 }
 
-std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool expects_precision) {
+std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool expectsPrecision) {
   std::vector<std::string> warnings;
   if (std::string origin = OriginSentence(state.origin); !origin.empty()) {
     warnings.push_back(std::move(origin));
@@ -71,7 +70,7 @@ std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool e
   if (std::string height = HeightSentence(state); !height.empty()) {
     warnings.push_back(std::move(height));
   }
-  if (!state.precision_known && expects_precision) warnings.emplace_back(kNoPrecision);
+  if (!state.precisionKnown && expectsPrecision) warnings.emplace_back(kNoPrecision);
   return warnings;
 }
 

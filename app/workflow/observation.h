@@ -23,17 +23,17 @@ struct GridPosition {
   }
 };
 
-/// `antenna_height` is in the job's unit.
+/// `antennaHeight` is in the job's unit.
 GridPosition PlaceOnGrid(const GnssPositionState& state, const CTrgCalculator& calculator,
-                         double antenna_height, DistanceUnit unit);
+                         double antennaHeight, DistanceUnit unit);
 
 struct Observation {
   CollectedPoint point;
   GridPosition position;
   std::string description;
-  double antenna_height = 0.0;  ///< above the point, job's unit
-  int make_code = 0;
-  bool expects_precision = true;           ///< false for a receiver that is known to send none
+  double antennaHeight = 0.0;  ///< above the point, job's unit
+  int makeCode = 0;
+  bool expectsPrecision = true;            ///< false for a receiver that is known to send none
   std::vector<std::string> comments = {};  ///< further comment records behind the observation
 };
 
@@ -43,6 +43,6 @@ StoredPoint StoreObservation(JobSession& session, const Observation& observation
 
 /// What a person should know of a stored position: no height, not measured, and no precision where
 /// one is expected.
-std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool expects_precision);
+std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool expectsPrecision);
 
 }  // namespace tarvex

@@ -49,7 +49,7 @@ class ImportReader {
 
   void Take(std::string_view text, std::size_t number) {
     std::string problem = TakePoint(text, number);
-    if (!problem.empty()) import_.bad_lines.push_back({number, std::move(problem)});
+    if (!problem.empty()) import_.badLines.push_back({number, std::move(problem)});
   }
   PointImport Finish() { return std::move(import_); }
 
@@ -76,8 +76,8 @@ class ImportReader {
     if (IsEmptySlot(point)) return "a point at 0, 0, 0 without a description counts as no point.";
     point.id =
         job_.alphanumeric ? NormalisePointId(*id) : PointId(std::to_string(*ParseInteger(*id)));
-    const auto [before, is_new] = line_of_id_.emplace(point.id.view(), number);
-    if (!is_new) {
+    const auto [before, isNew] = lineOfId_.emplace(point.id.view(), number);
+    if (!isNew) {
       return "point " + point.id.str() + " is on line " + std::to_string(before->second) +
              " already.";
     }
@@ -88,25 +88,25 @@ class ImportReader {
 
   const Job& job_;
   PointImport import_;
-  std::unordered_map<std::string, std::size_t> line_of_id_;
+  std::unordered_map<std::string, std::size_t> lineOfId_;
 };
 
 // The rectangle that points lie in.
 struct Extent {
-  double north_min = std::numeric_limits<double>::infinity();
-  double north_max = -std::numeric_limits<double>::infinity();
-  double east_min = std::numeric_limits<double>::infinity();
-  double east_max = -std::numeric_limits<double>::infinity();
+  double northMin = std::numeric_limits<double>::infinity();
+  double northMax = -std::numeric_limits<double>::infinity();
+  double eastMin = std::numeric_limits<double>::infinity();
+  double eastMax = -std::numeric_limits<double>::infinity();
 
   void Take(const GridPoint& at) {
-    north_min = std::min(north_min, at.northing);
-    north_max = std::max(north_max, at.northing);
-    east_min = std::min(east_min, at.easting);
-    east_max = std::max(east_max, at.easting);
+    northMin = std::min(northMin, at.northing);
+    northMax = std::max(northMax, at.northing);
+    eastMin = std::min(eastMin, at.easting);
+    eastMax = std::max(eastMax, at.easting);
   }
   double DistanceTo(const Extent& other) const {
-    const double north = std::max({0.0, other.north_min - north_max, north_min - other.north_max});
-    const double east = std::max({0.0, other.east_min - east_max, east_min - other.east_max});
+    const double north = std::max({0.0, other.northMin - northMax, northMin - other.northMax});
+    const double east = std::max({0.0, other.eastMin - eastMax, eastMin - other.eastMax});
     return std::hypot(north, east);
   }
 };
@@ -117,10 +117,10 @@ using PointsById = std::unordered_map<std::string, Point>;
 std::optional<PointsById> LoadById(Job& job) {
   PointList points;
   if (LoadAllPoints(job, points) != LoadPointsResult::Loaded) return std::nullopt;
-  PointsById by_id;
-  by_id.reserve(points.size());
-  for (const Point& point : points) by_id.emplace(NoteKey(point.id.view()), point);
-  return by_id;
+  PointsById byId;
+  byId.reserve(points.size());
+  for (const Point& point : points) byId.emplace(NoteKey(point.id.view()), point);
+  return byId;
 }
 
 }  // namespace
@@ -139,12 +139,12 @@ std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const Po
   const auto existing = LoadById(session.job());
   if (!existing) return std::nullopt;
   ImportConflicts conflicts;
-  Extent of_job;
-  Extent of_import;
-  for (const auto& [key, point] : *existing) of_job.Take(point.at);
-  for (const Point& point : import.points) of_import.Take(point.at);
+  Extent ofJob;
+  Extent ofImport;
+  for (const auto& [key, point] : *existing) ofJob.Take(point.at);
+  for (const Point& point : import.points) ofImport.Take(point.at);
   if (!existing->empty() && !import.points.empty()) {
-    conflicts.away_m = ToMetres(of_job.DistanceTo(of_import), session.job().unit);
+    conflicts.awayM = ToMetres(ofJob.DistanceTo(ofImport), session.job().unit);
   }
   const std::unordered_set<std::string> measured = MeasuredPoints(session.job());
   for (const Point& point : import.points) {
@@ -160,8 +160,8 @@ ImportResult StorePointImport(JobSession& session, const PointImport& import,
                               ImportExisting existing, const std::string& source) {
   ImportResult result;
   Job& job = session.job();
-  if (!session.storing_problem().empty()) {
-    session.observer().OnError(session.storing_problem());
+  if (!session.storingProblem().empty()) {
+    session.observer().OnError(session.storingProblem());
     return result;
   }
   const auto before = LoadById(job);

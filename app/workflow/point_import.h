@@ -18,7 +18,7 @@ struct BadLine {
 struct PointImport {
   std::vector<Point> points;
   std::vector<std::string> descriptions;  ///< whole, beside the points
-  std::vector<BadLine> bad_lines;
+  std::vector<BadLine> badLines;
 };
 
 /// Lines "ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]"; empty lines and those that begin with # are
@@ -32,7 +32,7 @@ struct ImportConflicts {
   std::string example;       ///< the id of the first
   /// How far the points are from those of the job, metres: swapped columns or another zone make it
   /// thousands of kilometres. 0 where they overlap, and in a job without points.
-  double away_m = 0.0;
+  double awayM = 0.0;
 };
 /// Nothing when the job cannot be read; the person was told.
 std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const PointImport& import);

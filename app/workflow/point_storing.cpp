@@ -17,19 +17,19 @@ void AskAboutExisting(JobSession& session, const TypedPoint& point) {
   Point existing;
   {
     const auto stream = OpenForReading(job);
-    if (ReadPoint(job, job.current_point_id, stream.get(), existing) != ReadPointResult::Found) {
+    if (ReadPoint(job, job.currentPointId, stream.get(), existing) != ReadPointResult::Found) {
       return;
     }
   }
   const ExistingPointAnswer answer = session.observer().AskExistingPoint(
-      {.id = job.current_point_id, .existing = existing, .wanted = point.at});
+      {.id = job.currentPointId, .existing = existing, .wanted = point.at});
   switch (answer.choice) {
     case ExistingPointAnswer::Choice::Overwrite:
-      return session.set_policy(ExistingPolicy::Overwrite);
+      return session.setPolicy(ExistingPolicy::Overwrite);
     case ExistingPointAnswer::Choice::UseNextFreeId:
-      return session.set_policy(ExistingPolicy::Next);
+      return session.setPolicy(ExistingPolicy::Next);
     default:
-      return session.set_policy(ExistingPolicy::Cancel);
+      return session.setPolicy(ExistingPolicy::Cancel);
   }
 }
 
@@ -48,9 +48,9 @@ std::string PointIdProblem(const Job& job, std::string_view id) {
   if (!number || *number < 1 || *number > kHighestPointNumber) {
     return shown + " is not a point number: this job numbers its points 1 to 999999999.";
   }
-  if (*number - job.last_point_number <= kLargestGap) return "";
-  return "Point " + shown + " would leave " + std::to_string(*number - job.last_point_number - 1) +
-         " numbers empty behind point " + job.last_point_id + "; at most " +
+  if (*number - job.lastPointNumber <= kLargestGap) return "";
+  return "Point " + shown + " would leave " + std::to_string(*number - job.lastPointNumber - 1) +
+         " numbers empty behind point " + job.lastPointId + "; at most " +
          std::to_string(kLargestGap) + " may be jumped over.";
 }
 
@@ -63,7 +63,7 @@ bool TakePointId(JobSession& session, std::string_view id, std::string& problem)
     session.observer().OnWarning("the id \"" + OneLine(id) +
                                  "\" is longer than 9 characters and was cut.");
   }
-  job.current_point_id =
+  job.currentPointId =
       job.alphanumeric ? NormalisePointId(id).str() : std::to_string(*ParseInteger(id));
   return true;
 }

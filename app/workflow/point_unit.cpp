@@ -30,19 +30,19 @@ std::string DescriptionWarning(std::string_view description) {
 StoredPoint StorePointUnit(JobSession& session, const GridPoint& at, const std::string& description,
                            Settling settling, const PointRecords& records) {
   Job& job = session.job();
-  if (!session.storing_problem().empty()) {
-    session.observer().OnError(session.storing_problem());
+  if (!session.storingProblem().empty()) {
+    session.observer().OnError(session.storingProblem());
     return {};
   }
   const auto unit = JobUnit::Begin(job);
   if (!unit) return {};
   StoredPoint stored;
   Point existing;
-  const bool exists = ReadPoint(job, job.current_point_id, &unit->coordinates(), existing) ==
-                      ReadPointResult::Found;
+  const bool exists =
+      ReadPoint(job, job.currentPointId, &unit->coordinates(), existing) == ReadPointResult::Found;
   stored.result = Explained(StorePoint(job, at, description, true, &unit->coordinates()));
   if (stored.result != StoringResult::Stored) return stored;
-  stored.point = job.last_stored_point;
+  stored.point = job.lastStoredPoint;
   unit->AppendRaw(session.RawOpening());
   if (exists && existing.id == stored.point.id) {
     stored.replaced = existing;

@@ -16,10 +16,10 @@ constexpr double kOddStretch = 0.04;
 constexpr double kOddDistanceM = 50000.0;
 
 // The radius of curvature of the meridian on WGS84.
-double MeridianRadiusM(double latitude_rad) {
+double MeridianRadiusM(double latitudeRad) {
   const double e2 = kWgs84.flattening * (2.0 - kWgs84.flattening);
-  const double sine = std::sin(latitude_rad);
-  return kWgs84.semi_major_m * (1.0 - e2) / std::pow(1.0 - e2 * sine * sine, 1.5);
+  const double sine = std::sin(latitudeRad);
+  return kWgs84.semiMajorM * (1.0 - e2) / std::pow(1.0 - e2 * sine * sine, 1.5);
 }
 
 // How much longer a short line to the north is on the grid than on the ellipsoid, as a ratio.
@@ -28,9 +28,9 @@ double Stretch(const CTrgCalculator& calculator, const GnssPositionState& state,
   constexpr double kStepRad = 1e-5;  // 64 m
   GridPoint north;
   const CalculationResult result =
-      calculator.ToGrid({.latitude_rad = state.latitude * kRadiansPerDegree + kStepRad,
-                         .longitude_rad = state.longitude * kRadiansPerDegree,
-                         .height_m = state.height},
+      calculator.ToGrid({.latitudeRad = state.latitude * kRadiansPerDegree + kStepRad,
+                         .longitudeRad = state.longitude * kRadiansPerDegree,
+                         .heightM = state.height},
                         north);
   if (result != CalculationResult::Done && result != CalculationResult::DoneInPart) return 1.0;
   const double grid = std::hypot(north.northing - at.northing, north.easting - at.easting);
@@ -38,7 +38,7 @@ double Stretch(const CTrgCalculator& calculator, const GnssPositionState& state,
 }
 
 double OddStretch(const CTrgCalculator& calculator) {
-  const auto type = static_cast<ProjectionType>(calculator.record().projection_type);
+  const auto type = static_cast<ProjectionType>(calculator.record().projectionType);
   return type == ProjectionType::TransverseMercator || type == ProjectionType::TransverseMercator27
              ? kOddStretchOfZone
              : kOddStretch;
@@ -69,8 +69,8 @@ std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculato
   }
   const auto stream = OpenForReading(job);
   Point last;
-  if (!stream || stream->record_count() == 0 ||
-      !stream->ReadRecord(stream->record_count() - 1, last).ok() || IsEmptySlot(last)) {
+  if (!stream || stream->recordCount() == 0 ||
+      !stream->ReadRecord(stream->recordCount() - 1, last).ok() || IsEmptySlot(last)) {
     return warnings;
   }
   const double away =

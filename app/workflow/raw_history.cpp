@@ -75,7 +75,7 @@ class HistoryReader {
                      : code == "GPS" ? PointHistory::Last::Position
                                      : PointHistory::Last::Shot,
              .line = line_,
-             .has_coordinates = false,
+             .hasCoordinates = false,
              .coordinates = {}};
     if (code == "SP") TakeCoordinates(line, point);
   }
@@ -91,7 +91,7 @@ class HistoryReader {
       if (const auto id = StoredPointId(line.substr(kDeletedComment.size()))) {
         Point(*id) = {.last = PointHistory::Last::Deleted,
                       .line = line_,
-                      .has_coordinates = false,
+                      .hasCoordinates = false,
                       .coordinates = {}};
       }
     } else if (line.starts_with(kLayoutComment) && history_.layout.empty()) {
@@ -104,7 +104,7 @@ class HistoryReader {
   }
 
   static void TakeCoordinates(std::string_view record, PointHistory& point) {
-    point.has_coordinates = true;
+    point.hasCoordinates = true;
     for (std::size_t i = 0; i < kCoordinateTags.size(); ++i) {
       point.coordinates[i] = RawField(record, kCoordinateTags[i]).value_or("");
     }

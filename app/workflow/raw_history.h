@@ -26,7 +26,7 @@ struct PointHistory {
   };
   Last last = Last::Typed;
   std::size_t line = 0;
-  bool has_coordinates = false;
+  bool hasCoordinates = false;
   std::array<std::string_view, 3> coordinates;  ///< N, E, EL as the file has them
 };
 

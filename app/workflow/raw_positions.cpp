@@ -17,11 +17,11 @@ double Angle(std::string_view packed) {
 
 // Hands every point with a position to `visit`: its id as the record has it, and the position.
 template <typename Visit>
-void ForEachPosition(std::string_view raw_file, DistanceUnit unit, Visit visit) {
-  double rod_m = 0.0;
-  while (const auto line = TakeLine(raw_file)) {
+void ForEachPosition(std::string_view rawFile, DistanceUnit unit, Visit visit) {
+  double rodM = 0.0;
+  while (const auto line = TakeLine(rawFile)) {
     if (line->starts_with("LS,")) {
-      if (const auto rod = RawField(*line, "HR")) rod_m = ToMetres(LeadingDouble(*rod), unit);
+      if (const auto rod = RawField(*line, "HR")) rodM = ToMetres(LeadingDouble(*rod), unit);
     }
     if (!line->starts_with("GPS,")) continue;
     const auto id = RawField(*line, "PN");
@@ -29,7 +29,7 @@ void ForEachPosition(std::string_view raw_file, DistanceUnit unit, Visit visit) 
     const auto longitude = RawField(*line, "LN");
     const auto height = RawField(*line, "EL");
     if (!id || !latitude || !longitude || !height) continue;
-    visit(*id, Geodetic{Angle(*latitude), Angle(*longitude), LeadingDouble(*height) - rod_m});
+    visit(*id, Geodetic{Angle(*latitude), Angle(*longitude), LeadingDouble(*height) - rodM});
   }
 }
 
@@ -42,18 +42,18 @@ bool ReadRawFile(Job& job, std::string& bytes, std::string& problem) {
   return status.ok();
 }
 
-std::optional<Geodetic> FindRawPosition(std::string_view raw_file, std::string_view point_id,
+std::optional<Geodetic> FindRawPosition(std::string_view rawFile, std::string_view pointId,
                                         DistanceUnit unit) {
   std::optional<Geodetic> found;
-  ForEachPosition(raw_file, unit, [&](std::string_view id, const Geodetic& position) {
-    if (EqualsIgnoringCase(id, point_id)) found = position;
+  ForEachPosition(rawFile, unit, [&](std::string_view id, const Geodetic& position) {
+    if (EqualsIgnoringCase(id, pointId)) found = position;
   });
   return found;
 }
 
-RawPositions AllRawPositions(std::string_view raw_file, DistanceUnit unit) {
+RawPositions AllRawPositions(std::string_view rawFile, DistanceUnit unit) {
   RawPositions positions;
-  ForEachPosition(raw_file, unit, [&](std::string_view id, const Geodetic& position) {
+  ForEachPosition(rawFile, unit, [&](std::string_view id, const Geodetic& position) {
     std::string key(id);
     for (char& c : key) c = UpperCase(c);
     positions.insert_or_assign(std::move(key), position);

@@ -17,11 +17,11 @@ namespace tarvex {
 [[nodiscard]] bool ReadRawFile(Job& job, std::string& bytes, std::string& problem);
 
 /// The position of the last GPS record of a point. Nothing when there is no such record.
-std::optional<Geodetic> FindRawPosition(std::string_view raw_file, std::string_view point_id,
+std::optional<Geodetic> FindRawPosition(std::string_view rawFile, std::string_view pointId,
                                         DistanceUnit unit);
 
 /// The last position of every point that has one, by the id in upper case.
 using RawPositions = std::unordered_map<std::string, Geodetic>;
-RawPositions AllRawPositions(std::string_view raw_file, DistanceUnit unit);
+RawPositions AllRawPositions(std::string_view rawFile, DistanceUnit unit);
 
 }  // namespace tarvex

@@ -18,7 +18,7 @@ ReceiverLink::ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver
   connection_.settings.unit = unit;
   connection_.stop = this;
   connection_.listener = &tap_;
-  tap_.ShowSatellitesOf(receiver.settings.satellite_family);
+  tap_.ShowSatellitesOf(receiver.settings.satelliteFamily);
 }
 
 bool ReceiverLink::OpenPort() {
@@ -38,13 +38,13 @@ std::string ReceiverLink::Sentence(GnssReadResult result) const {
 }
 
 bool ReceiverLink::PrecisionMayFollow() const {
-  return tarvex::PrecisionMayFollow(state_, connection_, receiver_.make_code);
+  return tarvex::PrecisionMayFollow(state_, connection_, receiver_.makeCode);
 }
 
-GnssReadResult ReceiverLink::Read(std::int64_t deadline_ms) {
-  connection_.deadline_ms = deadline_ms;
-  const GnssReadResult result = ReadGnssPosition(state_, connection_, receiver_.make_code);
-  if (result != GnssReadResult::Accepted && connection_.link_lost()) NoteLost();
+GnssReadResult ReceiverLink::Read(std::int64_t deadlineMs) {
+  connection_.deadlineMs = deadlineMs;
+  const GnssReadResult result = ReadGnssPosition(state_, connection_, receiver_.makeCode);
+  if (result != GnssReadResult::Accepted && connection_.linkLost()) NoteLost();
   return result;
 }
 
@@ -52,12 +52,12 @@ void ReceiverLink::NoteLost() {
   if (lost_) return;
   lost_ = true;
   retry_ = {};
-  next_try_at_ms_ = clock_.SteadyMilliseconds() + retry_.NextMs();
+  nextTryAtMs_ = clock_.SteadyMilliseconds() + retry_.NextMs();
   (void)port_->Close();
 }
 
 std::int64_t ReceiverLink::NextTryMs() const {
-  return std::max<std::int64_t>(0, next_try_at_ms_ - clock_.SteadyMilliseconds());
+  return std::max<std::int64_t>(0, nextTryAtMs_ - clock_.SteadyMilliseconds());
 }
 
 bool ReceiverLink::TryAgain() {
@@ -67,7 +67,7 @@ bool ReceiverLink::TryAgain() {
     lost_ = false;
     return true;
   }
-  next_try_at_ms_ = clock_.SteadyMilliseconds() + retry_.NextMs();
+  nextTryAtMs_ = clock_.SteadyMilliseconds() + retry_.NextMs();
   return false;
 }
 

@@ -27,9 +27,9 @@ class ReceiverLink final : private StopRequest {
   /// False with a sentence in `problem`.
   [[nodiscard]] bool Open(std::string& problem);
 
-  /// One reading into state(); it is back half a second behind `deadline_ms` (steady clock) at the
+  /// One reading into state(); it is back half a second behind `deadlineMs` (steady clock) at the
   /// latest.
-  GnssReadResult Read(std::int64_t deadline_ms = kNoDeadline);
+  GnssReadResult Read(std::int64_t deadlineMs = kNoDeadline);
   /// The sentence for people about a reading that gave no position.
   std::string Sentence(GnssReadResult result) const;
   /// The precision of the position that was just read may still come with the next one.
@@ -39,7 +39,7 @@ class ReceiverLink final : private StopRequest {
   /// The recording is at its end.
   bool ended() const { return connection_.ended() && !lost(); }
   /// The far end closed the connection or the device is gone.
-  bool lost() const { return lost_ || connection_.link_lost(); }
+  bool lost() const { return lost_ || connection_.linkLost(); }
 
   /// The time from now to the next try to open a lost link: 1 s after it was lost, doubling to 30
   /// s.
@@ -65,7 +65,7 @@ class ReceiverLink final : private StopRequest {
   GnssPositionState state_;
   bool lost_ = false;
   LinkRetry retry_;
-  std::int64_t next_try_at_ms_ = 0;
+  std::int64_t nextTryAtMs_ = 0;
 };
 
 }  // namespace tarvex

@@ -59,10 +59,10 @@ void ReceiverSession::Settle() {
 
 bool ReceiverSession::Open() {
   std::string problem;
-  if (!plan_.stream_log.empty() && !link_.tap().StartLog(plan_.stream_log)) {
-    return Problem(link_.tap().log_problem()), false;
+  if (!plan_.streamLog.empty() && !link_.tap().StartLog(plan_.streamLog)) {
+    return Problem(link_.tap().logProblem()), false;
   }
-  if (!session_.storing_problem().empty()) return Problem(session_.storing_problem()), false;
+  if (!session_.storingProblem().empty()) return Problem(session_.storingProblem()), false;
   if (!link_.Open(problem)) return Problem(problem), false;
   if (OpenRawFile()) return session_.RawIsOpened(), true;
   return Problem("The raw file " + RawFilePath(job_) + " cannot be written; nothing was stored."),
@@ -73,10 +73,10 @@ bool ReceiverSession::Open() {
 bool ReceiverSession::OpenRawFile() {
   const SystemSource system = SystemOfSettings(session_.settings());
   std::vector<std::string> records = SetupComments(
-      {.system_title = system.empty() ? "" : CoordinateSystems::Title(system, calculator_),
+      {.systemTitle = system.empty() ? "" : CoordinateSystems::Title(system, calculator_),
        .calculator = &calculator_,
-       .uses_antenna = true,
-       .antenna_type = AntennaOfSettings(session_.settings())});
+       .usesAntenna = true,
+       .antennaType = AntennaOfSettings(session_.settings())});
   records.insert(records.begin(), RawOpeningRecords(job_));
   return AppendRawRecords(job_, records) == RawFileResult::Written;
 }
@@ -90,12 +90,12 @@ void ReceiverSession::StartCorrections() {
 
 void ReceiverSession::StopCorrections() {
   if (!corrections_) return;
-  correction_status_ = corrections_->Status();
+  correctionStatus_ = corrections_->Status();
   corrections_.reset();
 }
 
 SessionEnd ReceiverSession::ReadUntilDone() {
-  last_new_position_ms_ = work_.clock.SteadyMilliseconds();
+  lastNewPositionMs_ = work_.clock.SteadyMilliseconds();
   while (!Finished()) {
     TakeCommands();
     if (EndAsked()) return SessionEnd::Asked;
@@ -121,9 +121,9 @@ SessionEnd ReceiverSession::ReadUntilDone() {
 void ReceiverSession::TakeCommands() {
   while (auto command = commands_.Take()) {
     std::visit(
-        Take{[this](StoreNow) { store_wanted_ = true; },
+        Take{[this](StoreNow) { storeWanted_ = true; },
              [this](SetDescription& set) { plan_.description = set.description; },
-             [this](SetAntennaHeight set) { plan_.antenna_height = set.height; },
+             [this](SetAntennaHeight set) { plan_.antennaHeight = set.height; },
              [this](PauseStoring) { paused_ = true; }, [this](ResumeStoring) { paused_ = false; },
              [this](RetryCorrections) {
                if (corrections_) corrections_->Retry();
@@ -136,13 +136,13 @@ void ReceiverSession::TakeCommands() {
 void ReceiverSession::WatchCorrections() {
   if (!corrections_) return;
   const CorrectionStatus status = corrections_->Status();
-  const bool changed = !correction_status_ || status.state != correction_status_->state;
-  correction_status_ = status;
+  const bool changed = !correctionStatus_ || status.state != correctionStatus_->state;
+  correctionStatus_ = status;
   if (changed) Tell(CorrectionsChanged{status});
 }
 
 void ReceiverSession::WatchLog() {
-  const std::string& problem = link_.tap().log_problem();
+  const std::string& problem = link_.tap().logProblem();
   if (problem.empty() || !warned_.insert(problem).second) return;
   Problem(problem);
 }
@@ -164,12 +164,12 @@ bool ReceiverSession::WaitForReceiver() {
 }
 
 std::int64_t ReceiverSession::ReadDeadlineMs() const {
-  const bool waits = plan_.receiver.takes_corrections();
-  return waits ? last_new_position_ms_ + plan_.patience_ms : kNoDeadline;
+  const bool waits = plan_.receiver.takesCorrections();
+  return waits ? lastNewPositionMs_ + plan_.patienceMs : kNoDeadline;
 }
 
 bool ReceiverSession::OutOfPatience() const {
-  return work_.clock.SteadyMilliseconds() - last_new_position_ms_ >= plan_.patience_ms;
+  return work_.clock.SteadyMilliseconds() - lastNewPositionMs_ >= plan_.patienceMs;
 }
 
 bool ReceiverSession::TakeReading(GnssReadResult result) {
@@ -179,12 +179,12 @@ bool ReceiverSession::TakeReading(GnssReadResult result) {
     if (!expected) Tell(NoPosition{result, link_.Sentence(result)});
     return true;
   }
-  if (state().repeated_epoch) {
+  if (state().repeatedEpoch) {
     Tell(EpochRepeated{});
     return true;
   }
-  last_new_position_ms_ = work_.clock.SteadyMilliseconds();
-  if (plan_.recorded != nullptr) plan_.recorded->Follow(state().epoch_ms);
+  lastNewPositionMs_ = work_.clock.SteadyMilliseconds();
+  if (plan_.recorded != nullptr) plan_.recorded->Follow(state().epochMs);
   // Until a whole epoch was seen its precision may still come, and a point is stored as well
   // measured as it is.
   held_ = link_.PrecisionMayFollow();
@@ -196,13 +196,13 @@ bool ReceiverSession::TakeReading(GnssReadResult result) {
 std::optional<GateRefusal> ReceiverSession::Refusal() {
   auto refusal = CheckGate(plan_.gate, state(), work_.clock.SteadyMilliseconds());
   overridden_.clear();
-  if (refusal && plan_.override_gate && refusal->limit != Limit::RepeatedEpoch) {
+  if (refusal && plan_.overrideGate && refusal->limit != Limit::RepeatedEpoch) {
     overridden_ = RefusalSentence(*refusal);
     refusal.reset();
   }
   const std::optional<Limit> limit = refusal ? std::optional(refusal->limit) : std::nullopt;
-  if (limit != refused_by_) {
-    refused_by_ = limit;
+  if (limit != refusedBy_) {
+    refusedBy_ = limit;
     Tell(LimitRefuses{refusal});
   }
   return refusal;
@@ -219,7 +219,7 @@ bool ReceiverSession::PointComplete() {
 }
 
 GridPosition ReceiverSession::PlaceOf(const GnssPositionState& state) const {
-  return PlaceOnGrid(state, calculator_, plan_.antenna_height, job_.unit);
+  return PlaceOnGrid(state, calculator_, plan_.antennaHeight, job_.unit);
 }
 
 bool ReceiverSession::StorePoint(const std::string& description,
@@ -227,35 +227,35 @@ bool ReceiverSession::StorePoint(const std::string& description,
   const Observation observation{.point = point_,
                                 .position = PointPlace(),
                                 .description = description,
-                                .antenna_height = plan_.antenna_height,
-                                .make_code = plan_.receiver.make_code,
-                                .expects_precision = !plan_.receiver.settings.no_rms,
+                                .antennaHeight = plan_.antennaHeight,
+                                .makeCode = plan_.receiver.makeCode,
+                                .expectsPrecision = !plan_.receiver.settings.noRms,
                                 .comments = comments};
   average_ = {};
-  store_wanted_ = false;
+  storeWanted_ = false;
   const GridPosition& position = observation.position;
   if (position.result != CalculationResult::Done) {
     failed_ = failed_ || !position.usable();
     const char* what = position.usable() ? "" : "The position has no grid coordinates: ";
     WarnOnce(what + CalculationText(position.result, position.steps));
-    if (!position.usable()) return point_ = {}, plan_.receiver.is_recorded();
+    if (!position.usable()) return point_ = {}, plan_.receiver.isRecorded();
   }
-  for (const std::string& warning : PositionWarnings(point_.state, observation.expects_precision))
+  for (const std::string& warning : PositionWarnings(point_.state, observation.expectsPrecision))
     WarnOnce(warning);
   if (const std::string cut = DescriptionWarning(observation.description); !cut.empty()) {
     WarnOnce(cut);
   }
   CheckPlace(position.at);
-  const std::string wanted = job_.current_point_id;
+  const std::string wanted = job_.currentPointId;
   // What is recorded comes as fast as it can be read; with a receiver there is time between two
   // epochs to make the files durable.
-  const Settling settling = plan_.receiver.takes_corrections() ? Settling::Now : Settling::Later;
+  const Settling settling = plan_.receiver.takesCorrections() ? Settling::Now : Settling::Later;
   return TakeStored(StoreObservation(session_, observation, settling), wanted);
 }
 
 void ReceiverSession::CheckPlace(const GridPoint& at) {
-  if (place_checked_) return;
-  place_checked_ = true;
+  if (placeChecked_) return;
+  placeChecked_ = true;
   for (const std::string& warning : PlaceWarnings(job_, calculator_, point_.state, at)) {
     WarnOnce(warning);
   }
@@ -289,7 +289,7 @@ void ReceiverSession::TellPosition(const std::optional<GateRefusal>& refusal) {
                     .epochs = plan_.average,
                     .stored = stored_,
                     .paused = paused_,
-                    .corrections = correction_status_});
+                    .corrections = correctionStatus_});
 }
 
 void ReceiverSession::WarnOnce(const std::string& sentence) {

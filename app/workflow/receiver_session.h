@@ -25,15 +25,15 @@ namespace tarvex {
 struct ReceiverPlan {
   ChosenReceiver receiver = {};
   std::string description = {};  ///< of the points; what a person types takes its place
-  double antenna_height = 0.0;   ///< above the point, job's unit
-  std::int64_t patience_ms =
-      60000;                   ///< without a new position the session ends; recordings never wait
-  GateLimits gate = {};        ///< what a position must keep to be stored
-  bool override_gate = false;  ///< store it all the same, and journal that
-  std::size_t average = 1;     ///< distinct epochs that make one point
+  double antennaHeight = 0.0;    ///< above the point, job's unit
+  std::int64_t patienceMs =
+      60000;                  ///< without a new position the session ends; recordings never wait
+  GateLimits gate = {};       ///< what a position must keep to be stored
+  bool overrideGate = false;  ///< store it all the same, and journal that
+  std::size_t average = 1;    ///< distinct epochs that make one point
   std::optional<CorrectionPlan> corrections = {};
   RecordedClock* recorded = nullptr;  ///< follows the epochs of a recording; not owned
-  std::string stream_log = {};        ///< a new file for what the receiver sends; empty: none
+  std::string streamLog = {};         ///< a new file for what the receiver sends; empty: none
 };
 
 class ReceiverSession {
@@ -48,10 +48,10 @@ class ReceiverSession {
 
   long long stored() const { return stored_; }
   /// The receiver was lost and is not back.
-  bool receiver_lost() const { return link_.lost(); }
-  std::uint64_t bad_checksums() const { return link_.state().bad_checksums; }
+  bool receiverLost() const { return link_.lost(); }
+  std::uint64_t badChecksums() const { return link_.state().badChecksums; }
   /// What became of the corrections; nothing when there are none.
-  const std::optional<CorrectionStatus>& corrections() const { return correction_status_; }
+  const std::optional<CorrectionStatus>& corrections() const { return correctionStatus_; }
 
  protected:
   /// `stop` ends every waiting, like the command EndSession. `ports` is for tests.
@@ -80,8 +80,8 @@ class ReceiverSession {
   const ReceiverPlan& plan() const { return plan_; }
   bool paused() const { return paused_; }
   /// StoreNow was sent and nothing was stored since.
-  bool store_wanted() const { return store_wanted_; }
-  std::size_t epochs_taken() const { return average_.epochs(); }
+  bool storeWanted() const { return storeWanted_; }
+  std::size_t epochsTaken() const { return average_.epochs(); }
   void Tell(const SessionEvent& event) { listener_.On(event); }
   void TellPosition(const std::optional<GateRefusal>& refusal);
   void WarnOnce(const std::string& sentence);
@@ -118,18 +118,18 @@ class ReceiverSession {
   StopAsked stop_;
   ReceiverLink link_;
   std::unique_ptr<CorrectionLink> corrections_;
-  std::optional<CorrectionStatus> correction_status_;
+  std::optional<CorrectionStatus> correctionStatus_;
   CollectedPoint point_;
   PositionAverage average_;
   std::string overridden_;  ///< the limit that the last epoch did not keep
   long long stored_ = 0;
-  std::int64_t last_new_position_ms_ = 0;
-  std::optional<Limit> refused_by_;
+  std::int64_t lastNewPositionMs_ = 0;
+  std::optional<Limit> refusedBy_;
   std::set<std::string> warned_;
-  bool place_checked_ = false;
+  bool placeChecked_ = false;
   bool held_ = false;  ///< the last epoch waits for its precision
   bool paused_ = false;
-  bool store_wanted_ = false;
+  bool storeWanted_ = false;
   bool failed_ = false;
 };
 

@@ -12,9 +12,9 @@ constexpr int kTextNotWritten = 3461;
 }  // namespace
 
 bool ReceiverTap::StartLog(const std::string& path) {
-  log_path_ = path;
+  logPath_ = path;
   const FileStatus status = files_.Open(path, FileAccess::CreateNew, log_);
-  if (!status.ok()) log_problem_ = Strings().Text(kTextNotCreated, {path, status.Text()});
+  if (!status.ok()) logProblem_ = Strings().Text(kTextNotCreated, {path, status.Text()});
   return status.ok();
 }
 
@@ -25,12 +25,12 @@ void ReceiverTap::OnLine(std::string_view line) {
   const std::string_view sentence = SentenceIn(line);
   gga_.OnLine(sentence);
   sky_.OnLine(sentence, clock_.SteadyMilliseconds());
-  if (!log_ || !log_problem_.empty()) return;
+  if (!log_ || !logProblem_.empty()) return;
   std::string record(line);
   record += kLineEnd;
-  const FileStatus status = log_->WriteAt(log_size_, record);
-  log_size_ += record.size();
-  if (!status.ok()) log_problem_ = Strings().Text(kTextNotWritten, {log_path_, status.Text()});
+  const FileStatus status = log_->WriteAt(logSize_, record);
+  logSize_ += record.size();
+  if (!status.ok()) logProblem_ = Strings().Text(kTextNotWritten, {logPath_, status.Text()});
 }
 
 }  // namespace tarvex

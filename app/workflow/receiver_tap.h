@@ -21,7 +21,7 @@ class ReceiverTap final : public LineListener {
   [[nodiscard]] bool StartLog(const std::string& path);
   /// Why there is no log, or no longer one; empty while every line is logged. A first failure ends
   /// the log and stays here.
-  const std::string& log_problem() const { return log_problem_; }
+  const std::string& logProblem() const { return logProblem_; }
 
   /// The systems (SatelliteSystem) that the sky view shows; 0: all.
   void ShowSatellitesOf(int systems) { sky_.ShowOnly(systems); }
@@ -41,9 +41,9 @@ class ReceiverTap final : public LineListener {
   std::uint64_t bytes_ = 0;
   std::uint64_t lines_ = 0;
   std::unique_ptr<File> log_;
-  std::uint64_t log_size_ = 0;
-  std::string log_path_;
-  std::string log_problem_;
+  std::uint64_t logSize_ = 0;
+  std::string logPath_;
+  std::string logProblem_;
 };
 
 }  // namespace tarvex

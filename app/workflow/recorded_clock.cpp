@@ -24,37 +24,37 @@ std::int64_t SecondsOf(const LocalTime& time) {
 }
 
 LocalTime TimeOf(std::int64_t seconds) {
-  const auto of_day = static_cast<int>(((seconds % kDaySeconds) + kDaySeconds) % kDaySeconds);
+  const auto ofDay = static_cast<int>(((seconds % kDaySeconds) + kDaySeconds) % kDaySeconds);
   const chrono::year_month_day date{
-      chrono::sys_days(chrono::days((seconds - of_day) / kDaySeconds))};
+      chrono::sys_days(chrono::days((seconds - ofDay) / kDaySeconds))};
   return {.year = static_cast<int>(date.year()),
           .month = static_cast<int>(static_cast<unsigned>(date.month())),
           .day = static_cast<int>(static_cast<unsigned>(date.day())),
-          .hour = of_day / 3600,
-          .minute = of_day / 60 % 60,
-          .second = of_day % 60};
+          .hour = ofDay / 3600,
+          .minute = ofDay / 60 % 60,
+          .second = ofDay % 60};
 }
 
 // Forward over midnight, or back when that is not far: receivers settle, and logs are joined.
-std::int32_t StepBetween(std::int32_t before_ms, std::int32_t epoch_ms) {
+std::int32_t StepBetween(std::int32_t beforeMs, std::int32_t epochMs) {
   constexpr std::int32_t kFarthestBackMs = 3'600'000;
-  const std::int32_t step = (epoch_ms - before_ms + kDayMs) % kDayMs;
+  const std::int32_t step = (epochMs - beforeMs + kDayMs) % kDayMs;
   return step >= kDayMs - kFarthestBackMs ? step - kDayMs : step;
 }
 
 }  // namespace
 
 RecordedClock::RecordedClock(Clock& clock, const LocalTime& start)
-    : clock_(clock), start_s_(SecondsOf(start)), last_epoch_ms_(kNoEpoch) {}
+    : clock_(clock), startS_(SecondsOf(start)), lastEpochMs_(kNoEpoch) {}
 
-void RecordedClock::Follow(std::int32_t epoch_ms) {
-  if (epoch_ms == kNoEpoch) return;
-  if (last_epoch_ms_ != kNoEpoch) passed_ms_ += StepBetween(last_epoch_ms_, epoch_ms);
-  last_epoch_ms_ = epoch_ms;
+void RecordedClock::Follow(std::int32_t epochMs) {
+  if (epochMs == kNoEpoch) return;
+  if (lastEpochMs_ != kNoEpoch) passedMs_ += StepBetween(lastEpochMs_, epochMs);
+  lastEpochMs_ = epochMs;
 }
 
 LocalTime RecordedClock::Now() {
-  return TimeOf(start_s_ + passed_ms_ / 1000);
+  return TimeOf(startS_ + passedMs_ / 1000);
 }
 
 std::optional<LocalTime> ParseLocalTime(std::string_view text) {

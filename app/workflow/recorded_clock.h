@@ -18,19 +18,17 @@ class RecordedClock final : public Clock {
   /// Goes on to an epoch (UTC milliseconds of the day) of the recording; the first one is the
   /// start. A receiver's time that steps back by less than an hour steps back; by more, it is that
   /// of the next day.
-  void Follow(std::int32_t epoch_ms);
+  void Follow(std::int32_t epochMs);
 
   LocalTime Now() override;
   std::int64_t SteadyMilliseconds() override { return clock_.SteadyMilliseconds(); }
-  void SleepMilliseconds(std::int64_t duration_ms) override {
-    clock_.SleepMilliseconds(duration_ms);
-  }
+  void SleepMilliseconds(std::int64_t durationMs) override { clock_.SleepMilliseconds(durationMs); }
 
  private:
   Clock& clock_;
-  std::int64_t start_s_;  ///< since 1970, without regard to time zones
-  std::int64_t passed_ms_ = 0;
-  std::int32_t last_epoch_ms_;
+  std::int64_t startS_;  ///< since 1970, without regard to time zones
+  std::int64_t passedMs_ = 0;
+  std::int32_t lastEpochMs_;
 };
 
 /// "2026-11-21 10:15:30", also with a T between; nothing when it is no date and time.

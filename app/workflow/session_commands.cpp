@@ -4,7 +4,7 @@ namespace tarvex {
 
 void SessionCommands::Send(SessionCommand command) {
   const std::lock_guard lock(mutex_);
-  if (std::holds_alternative<EndSession>(command)) end_sent_ = true;
+  if (std::holds_alternative<EndSession>(command)) endSent_ = true;
   commands_.push_back(std::move(command));
 }
 

@@ -36,12 +36,12 @@ class SessionCommands {
   /// In the order in which they were sent; nothing when there is none.
   std::optional<SessionCommand> Take();
   /// True from the moment that EndSession was sent, so that a waiting can end for it.
-  bool EndSent() const { return end_sent_; }
+  bool EndSent() const { return endSent_; }
 
  private:
   std::mutex mutex_;
   std::deque<SessionCommand> commands_;
-  std::atomic<bool> end_sent_ = false;
+  std::atomic<bool> endSent_ = false;
 };
 
 }  // namespace tarvex

@@ -51,7 +51,7 @@ struct EpochRepeated {};
 
 struct ReceiverLost {
   std::string why;
-  std::int64_t next_try_ms = 0;  ///< from now
+  std::int64_t nextTryMs = 0;  ///< from now
 };
 struct ReceiverBack {};
 

@@ -12,7 +12,7 @@ constexpr const char* kUnknownAntenna = "unknown";
 const SevenParameters* ShiftOf(const CTrgCalculator* calculator) {
   if (calculator == nullptr) return nullptr;
   const auto* shift =
-      dynamic_cast<const SevenParameterShift*>(calculator->steps().datum_shift.get());
+      dynamic_cast<const SevenParameterShift*>(calculator->steps().datumShift.get());
   return shift == nullptr ? nullptr : &shift->parameters();
 }
 
@@ -24,22 +24,22 @@ std::string AntennaOfSettings(const Settings& settings) {
 
 std::vector<std::string> SetupComments(const SetupFacts& facts) {
   std::vector<std::string> records{CommentRecord(
-      "Coordinate System: " + (facts.system_title.empty() ? "none" : facts.system_title))};
+      "Coordinate System: " + (facts.systemTitle.empty() ? "none" : facts.systemTitle))};
   if (const SevenParameters* shift = ShiftOf(facts.calculator)) {
-    records.push_back(ShiftParametersRecord({.dx = shift->dx_m,
-                                             .dy = shift->dy_m,
-                                             .dz = shift->dz_m,
-                                             .rotation_x = shift->rx_arcsec,
-                                             .rotation_y = shift->ry_arcsec,
-                                             .rotation_z = shift->rz_arcsec,
-                                             .scale = shift->scale_ppm}));
+    records.push_back(ShiftParametersRecord({.dx = shift->dxM,
+                                             .dy = shift->dyM,
+                                             .dz = shift->dzM,
+                                             .rotationX = shift->rxArcsec,
+                                             .rotationY = shift->ryArcsec,
+                                             .rotationZ = shift->rzArcsec,
+                                             .scale = shift->scalePpm}));
     // GPS records hold positions as received: the shift is made on the way to the grid only.
     records.push_back(Wgs84ShiftRecord(false));
   }
   records.push_back(ElevationModeRecord(true));
-  if (facts.uses_antenna) {
-    const std::string& type = facts.antenna_type;
-    records.push_back(AntennaRecord(type.empty() ? kUnknownAntenna : type, facts.antenna_height));
+  if (facts.usesAntenna) {
+    const std::string& type = facts.antennaType;
+    records.push_back(AntennaRecord(type.empty() ? kUnknownAntenna : type, facts.antennaHeight));
   }
   return records;
 }

@@ -13,11 +13,11 @@ namespace tarvex {
 
 /// What the command that begins the work knows; what it does not know gets no line.
 struct SetupFacts {
-  std::string system_title;                    ///< empty: the job has no coordinate system
+  std::string systemTitle;                     ///< empty: the job has no coordinate system
   const CTrgCalculator* calculator = nullptr;  ///< with the job's steps; null without a system
-  bool uses_antenna = false;
-  std::string antenna_type = {};  ///< as the job's settings name it; empty: not known
-  HeightKind antenna_height = HeightKind::Vertical;
+  bool usesAntenna = false;
+  std::string antennaType = {};  ///< as the job's settings name it; empty: not known
+  HeightKind antennaHeight = HeightKind::Vertical;
 };
 
 /// The antenna that a job's settings name (`antenna`).

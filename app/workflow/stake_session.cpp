@@ -17,10 +17,10 @@ StakeSession::StakeSession(const Workplace& work, JobSession& session,
       guide_(guide),
       count_(plan.count),
       store_(plan.store),
-      store_on_stake_(plan.store_on_stake) {}
+      storeOnStake_(plan.storeOnStake) {}
 
 bool StakeSession::Finished() const {
-  return stored() > 0 || (count_ != 0 && shown_ >= count_ && !(store_ && store_wanted()));
+  return stored() > 0 || (count_ != 0 && shown_ >= count_ && !(store_ && storeWanted()));
 }
 
 StakeView StakeSession::ShowPosition() {
@@ -32,12 +32,12 @@ StakeView StakeSession::ShowPosition() {
   }
   // A stake goes in on a fixed position only, precise to half the tolerance where that is known.
   const bool fixed = state().solutionType == SolutionType::Fixed;
-  const bool precise = !state().precision_known || state().hrms <= guide_.PreciseHrms();
+  const bool precise = !state().precisionKnown || state().hrms <= guide_.PreciseHrms();
   if (fixed && !precise) {
     WarnOnce("The HRMS is above " + FixedNumber(guide_.PreciseHrms(), kShownDecimals) +
              ", half of the tolerance: until it is better no position counts as on the stake.");
   }
-  const auto elevation = state().height_known ? std::optional(position.at.elevation) : std::nullopt;
+  const auto elevation = state().heightKnown ? std::optional(position.at.elevation) : std::nullopt;
   return guide_.Show({position.at.northing, position.at.easting, elevation}, fixed && precise,
                      std::string(SolutionText(state().solutionType)));
 }
@@ -47,9 +47,9 @@ bool StakeSession::TakeEpoch(const std::optional<GateRefusal>& refusal) {
   const StakeView view = ShowPosition();
   if (view == StakeView::NotRelated) return true;
   ++shown_;
-  const bool wanted = store_wanted() || (store_on_stake_ && view == StakeView::OnTheStake);
+  const bool wanted = storeWanted() || (storeOnStake_ && view == StakeView::OnTheStake);
   if (!store_ || !wanted || refusal || paused()) return true;
-  if (!state().height_known) {
+  if (!state().heightKnown) {
     WarnOnce("The position has no elevation; it is not stored.");
     return true;
   }

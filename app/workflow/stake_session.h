@@ -38,9 +38,9 @@ class StakeGuide {
 };
 
 struct StakePlan : ReceiverPlan {
-  long long count = 0;  ///< positions to show; 0: until the receiver or the session ends
-  bool store = false;   ///< one point may be stored, after StoreNow; the session ends with it
-  bool store_on_stake = false;  ///< the first position on the stake counts as StoreNow
+  long long count = 0;        ///< positions to show; 0: until the receiver or the session ends
+  bool store = false;         ///< one point may be stored, after StoreNow; the session ends with it
+  bool storeOnStake = false;  ///< the first position on the stake counts as StoreNow
 };
 
 class StakeSession final : public ReceiverSession {
@@ -60,7 +60,7 @@ class StakeSession final : public ReceiverSession {
   StakeGuide& guide_;
   long long count_;
   bool store_;
-  bool store_on_stake_;
+  bool storeOnStake_;
   long long shown_ = 0;
 };
 

@@ -9,7 +9,7 @@
 namespace tarvex {
 namespace {
 
-constexpr double kElsewhere_m = 0.05;
+constexpr double kElsewhereM = 0.05;
 
 double MetresApart(const GridPoint& a, const GridPoint& b, DistanceUnit unit) {
   const double apart = std::max({std::abs(a.northing - b.northing), std::abs(a.easting - b.easting),
@@ -17,8 +17,8 @@ double MetresApart(const GridPoint& a, const GridPoint& b, DistanceUnit unit) {
   return ToMetres(apart, unit);
 }
 
-std::string Count(std::size_t count, const char* of_one, const char* of_many) {
-  return std::to_string(count) + (count == 1 ? of_one : of_many);
+std::string Count(std::size_t count, const char* ofOne, const char* ofMany) {
+  return std::to_string(count) + (count == 1 ? ofOne : ofMany);
 }
 
 }  // namespace
@@ -61,9 +61,9 @@ StoredCoordinates CompareStoredCoordinates(Job& job, const CTrgCalculator& now) 
     ++found.positions;
     GridPoint made;
     const CalculationResult result = now.ToGrid(position->second, made);
-    const bool is_made =
+    const bool isMade =
         result == CalculationResult::Done || result == CalculationResult::DoneInPart;
-    if (is_made && MetresApart(made, point.at, job.unit) < kElsewhere_m) continue;
+    if (isMade && MetresApart(made, point.at, job.unit) < kElsewhereM) continue;
     if (found.elsewhere++ == 0) found.example = point.id.str();
   }
   return found;

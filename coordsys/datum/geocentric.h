@@ -26,35 +26,34 @@ class GeocentricFrame {
   /// A direction of the normal given by its tangent and the plane's distance, as the kernels of
   /// datum shifts pass it on: the latitude is atan2(north, out).
   struct Meridian {
-    double north;     ///< proportional to the sine of the latitude
-    double out;       ///< proportional to its cosine
-    double height_m;  ///< above the ellipsoid
+    double north;    ///< proportional to the sine of the latitude
+    double out;      ///< proportional to its cosine
+    double heightM;  ///< above the ellipsoid
   };
 
   /// Earth-centred coordinates from the sines and cosines of latitude and longitude.
-  Geocentric FromDirection(double sin_lat, double cos_lat, double sin_lon, double cos_lon,
-                           double height_m) const noexcept {
-    const double nu = a_ / std::sqrt(1.0 - e2_ * sin_lat * sin_lat);
-    const double out = (nu + height_m) * cos_lat;
-    return {out * cos_lon, out * sin_lon, (nu * (1.0 - e2_) + height_m) * sin_lat};
+  Geocentric FromDirection(double sinLat, double cosLat, double sinLon, double cosLon,
+                           double heightM) const noexcept {
+    const double nu = a_ / std::sqrt(1.0 - e2_ * sinLat * sinLat);
+    const double out = (nu + heightM) * cosLat;
+    return {out * cosLon, out * sinLon, (nu * (1.0 - e2_) + heightM) * sinLat};
   }
 
-  /// Bowring's step in the meridian plane at `p_m` from the axis and `z_m` from the equator.
-  Meridian InMeridian(double p_m, double z_m) const noexcept {
-    const double r2 = p_m * p_m + z_m * z_m;
+  /// Bowring's step in the meridian plane at `pM` from the axis and `zM` from the equator.
+  Meridian InMeridian(double pM, double zM) const noexcept {
+    const double r2 = pM * pM + zM * zM;
     const double r = std::sqrt(r2);
-    const double radius = b_ * (1.0 + 0.5 * e2_ * p_m * p_m / r2);
-    double s = b_ * z_m * (r + ep2_ * radius);
-    double c = a_ * p_m * r;
+    const double radius = b_ * (1.0 + 0.5 * e2_ * pM * pM / r2);
+    double s = b_ * zM * (r + ep2_ * radius);
+    double c = a_ * pM * r;
     const double unit = 1.0 / std::sqrt(s * s + c * c);
     s *= unit;
     c *= unit;
-    const double north = z_m + ep2_ * b_ * s * s * s;
-    const double out = p_m - e2_ * a_ * c * c * c;
+    const double north = zM + ep2_ * b_ * s * s * s;
+    const double out = pM - e2_ * a_ * c * c * c;
     const double w = 1.0 / std::sqrt(north * north + out * out);
-    const double sin_lat = north * w;
-    const double height =
-        p_m * out * w + z_m * sin_lat - a_ * std::sqrt(1.0 - e2_ * sin_lat * sin_lat);
+    const double sinLat = north * w;
+    const double height = pM * out * w + zM * sinLat - a_ * std::sqrt(1.0 - e2_ * sinLat * sinLat);
     return {north, out, height};
   }
 

@@ -32,7 +32,7 @@ double InHalfTurns(double longitude) noexcept {
 }
 
 bool IsFinite(const Geocentric& p) {
-  return std::isfinite(p.x_m) && std::isfinite(p.y_m) && std::isfinite(p.z_m);
+  return std::isfinite(p.xM) && std::isfinite(p.yM) && std::isfinite(p.zM);
 }
 
 }  // namespace
@@ -44,116 +44,114 @@ std::optional<GeocentricMap> TakeGeocentricMap(const std::function<bool(Geocentr
   Geocentric check = at;
   if (!transform(origin) || !transform(check)) return std::nullopt;
   GeocentricMap map;
-  map.t_m[0] = origin.x_m;
-  map.t_m[1] = origin.y_m;
-  map.t_m[2] = origin.z_m;
+  map.tM[0] = origin.xM;
+  map.tM[1] = origin.yM;
+  map.tM[2] = origin.zM;
   for (int i = 0; i < 3; ++i) {
     if (!transform(axis[i])) return std::nullopt;
-    map.d[0][i] = (axis[i].x_m - (i == 0 ? kProbe : 0.0) - origin.x_m) / kProbe;
-    map.d[1][i] = (axis[i].y_m - (i == 1 ? kProbe : 0.0) - origin.y_m) / kProbe;
-    map.d[2][i] = (axis[i].z_m - (i == 2 ? kProbe : 0.0) - origin.z_m) / kProbe;
+    map.d[0][i] = (axis[i].xM - (i == 0 ? kProbe : 0.0) - origin.xM) / kProbe;
+    map.d[1][i] = (axis[i].yM - (i == 1 ? kProbe : 0.0) - origin.yM) / kProbe;
+    map.d[2][i] = (axis[i].zM - (i == 2 ? kProbe : 0.0) - origin.zM) / kProbe;
   }
   const Geocentric made = map.Apply(at);
-  const double off = std::abs(made.x_m - check.x_m) + std::abs(made.y_m - check.y_m) +
-                     std::abs(made.z_m - check.z_m);
+  const double off =
+      std::abs(made.xM - check.xM) + std::abs(made.yM - check.yM) + std::abs(made.zM - check.zM);
   if (!IsFinite(made) || !(off < 1e-5)) return std::nullopt;
   return map;
 }
 
 // The turned directions of latitude and longitude, as sine and cosine of the small angles.
 struct GeodeticMap::Turned {
-  double lat_sine;
-  double lat_cosine;
-  double lon_sine;
-  double lon_cosine;
-  double height_m;
+  double latSine;
+  double latCosine;
+  double lonSine;
+  double lonCosine;
+  double heightM;
 };
 
-[[gnu::always_inline]] inline GeodeticMap::Turned GeodeticMap::Turn(
-    double sin_lat, double cos_lat, double sin_lon, double cos_lon,
-    double height_m) const noexcept {
-  const Geocentric point =
-      map_.Apply(from_.FromDirection(sin_lat, cos_lat, sin_lon, cos_lon, height_m));
-  const double p = std::sqrt(point.x_m * point.x_m + point.y_m * point.y_m);
-  const auto [north, out, height] = to_.InMeridian(p, point.z_m);
-  return {.lat_sine = north * cos_lat - out * sin_lat,
-          .lat_cosine = out * cos_lat + north * sin_lat,
-          .lon_sine = point.y_m * cos_lon - point.x_m * sin_lon,
-          .lon_cosine = point.x_m * cos_lon + point.y_m * sin_lon,
-          .height_m = height};
+[[gnu::always_inline]] inline GeodeticMap::Turned GeodeticMap::Turn(double sinLat, double cosLat,
+                                                                    double sinLon, double cosLon,
+                                                                    double heightM) const noexcept {
+  const Geocentric point = map_.Apply(from_.FromDirection(sinLat, cosLat, sinLon, cosLon, heightM));
+  const double p = std::sqrt(point.xM * point.xM + point.yM * point.yM);
+  const auto [north, out, height] = to_.InMeridian(p, point.zM);
+  return {.latSine = north * cosLat - out * sinLat,
+          .latCosine = out * cosLat + north * sinLat,
+          .lonSine = point.yM * cosLon - point.xM * sinLon,
+          .lonCosine = point.xM * cosLon + point.yM * sinLon,
+          .heightM = height};
 }
 
 Geodetic GeodeticMap::Apply(const Geodetic& position) const noexcept {
   const Turned turned =
-      Turn(std::sin(position.latitude_rad), std::cos(position.latitude_rad),
-           std::sin(position.longitude_rad), std::cos(position.longitude_rad), position.height_m);
-  return {.latitude_rad = position.latitude_rad + SmallAngle(turned.lat_sine, turned.lat_cosine),
-          .longitude_rad =
-              InHalfTurns(position.longitude_rad + SmallAngle(turned.lon_sine, turned.lon_cosine)),
-          .height_m = turned.height_m};
+      Turn(std::sin(position.latitudeRad), std::cos(position.latitudeRad),
+           std::sin(position.longitudeRad), std::cos(position.longitudeRad), position.heightM);
+  return {.latitudeRad = position.latitudeRad + SmallAngle(turned.latSine, turned.latCosine),
+          .longitudeRad =
+              InHalfTurns(position.longitudeRad + SmallAngle(turned.lonSine, turned.lonCosine)),
+          .heightM = turned.heightM};
 }
 
 // A block of positions on its way through the map, value by value.
 struct GeodeticMap::Block {
   static constexpr std::size_t kSize = 64;
 
-  double sin_lat[kSize] = {};
-  double cos_lat[kSize] = {};
-  double sin_lon[kSize] = {};
-  double cos_lon[kSize] = {};
-  double height_m[kSize] = {};
-  double turn_lat[kSize];  // tangents of the small angles
-  double turn_lon[kSize];
-  double lat_cosine[kSize];
-  double lon_cosine[kSize];
+  double sinLat[kSize] = {};
+  double cosLat[kSize] = {};
+  double sinLon[kSize] = {};
+  double cosLon[kSize] = {};
+  double heightM[kSize] = {};
+  double turnLat[kSize];  // tangents of the small angles
+  double turnLon[kSize];
+  double latCosine[kSize];
+  double lonCosine[kSize];
 
   bool IsSmallTurn(std::size_t i) const noexcept {
-    return lat_cosine[i] > 0.0 && lon_cosine[i] > 0.0 && IsSmall(turn_lat[i]) &&
-           IsSmall(turn_lon[i]);
+    return latCosine[i] > 0.0 && lonCosine[i] > 0.0 && IsSmall(turnLat[i]) && IsSmall(turnLon[i]);
   }
 };
 
 void GeodeticMap::TurnBlock(Block& block) const noexcept {
   const GeodeticMap map = *this;  // a copy that the block cannot alias
   for (std::size_t i = 0; i < Block::kSize; ++i) {
-    const Turned turned = map.Turn(block.sin_lat[i], block.cos_lat[i], block.sin_lon[i],
-                                   block.cos_lon[i], block.height_m[i]);
-    block.turn_lat[i] = turned.lat_sine / turned.lat_cosine;
-    block.turn_lon[i] = turned.lon_sine / turned.lon_cosine;
-    block.lat_cosine[i] = turned.lat_cosine;
-    block.lon_cosine[i] = turned.lon_cosine;
-    block.height_m[i] = turned.height_m;
+    const Turned turned = map.Turn(block.sinLat[i], block.cosLat[i], block.sinLon[i],
+                                   block.cosLon[i], block.heightM[i]);
+    block.turnLat[i] = turned.latSine / turned.latCosine;
+    block.turnLon[i] = turned.lonSine / turned.lonCosine;
+    block.latCosine[i] = turned.latCosine;
+    block.lonCosine[i] = turned.lonCosine;
+    block.heightM[i] = turned.heightM;
   }
 }
 
 // In blocks, with the arithmetic in a loop without calls and branches, which the compiler makes two
 // positions at a time; to the last bit as one by one.
-void GeodeticMap::Apply(std::span<double> latitude_rad, std::span<double> longitude_rad,
-                        std::span<double> height_m) const noexcept {
+void GeodeticMap::Apply(std::span<double> latitudeRad, std::span<double> longitudeRad,
+                        std::span<double> heightM) const noexcept {
   Block block;
-  for (std::size_t done = 0; done < latitude_rad.size(); done += Block::kSize) {
-    const std::size_t count = std::min(Block::kSize, latitude_rad.size() - done);
+  for (std::size_t done = 0; done < latitudeRad.size(); done += Block::kSize) {
+    const std::size_t count = std::min(Block::kSize, latitudeRad.size() - done);
     for (std::size_t i = 0; i < count; ++i) {
-      block.sin_lat[i] = std::sin(latitude_rad[done + i]);
-      block.cos_lat[i] = std::cos(latitude_rad[done + i]);
-      block.sin_lon[i] = std::sin(longitude_rad[done + i]);
-      block.cos_lon[i] = std::cos(longitude_rad[done + i]);
-      block.height_m[i] = height_m[done + i];
+      block.sinLat[i] = std::sin(latitudeRad[done + i]);
+      block.cosLat[i] = std::cos(latitudeRad[done + i]);
+      block.sinLon[i] = std::sin(longitudeRad[done + i]);
+      block.cosLon[i] = std::cos(longitudeRad[done + i]);
+      block.heightM[i] = heightM[done + i];
     }
     TurnBlock(block);
     for (std::size_t i = 0; i < count; ++i) {
-      double& latitude = latitude_rad[done + i];
-      double& longitude = longitude_rad[done + i];
+      double& latitude = latitudeRad[done + i];
+      double& longitude = longitudeRad[done + i];
       if (!block.IsSmallTurn(i)) {
-        const Geodetic made = Apply({latitude, longitude, height_m[done + i]});
-        latitude = made.latitude_rad;
-        longitude = made.longitude_rad;
-        height_m[done + i] = made.height_m;
+        const Geodetic made = Apply({latitude, longitude, heightM[done + i]});
+        latitude = made.latitudeRad;
+        longitude = made.longitudeRad;
+        heightM[done + i] = made.heightM;
         continue;
       }
-      latitude += ArcTangentSeries(block.turn_lat[i]);
-      longitude = InHalfTurns(longitude + ArcTangentSeries(block.turn_lon[i]));
-      height_m[done + i] = block.height_m[i];
+      latitude += ArcTangentSeries(block.turnLat[i]);
+      longitude = InHalfTurns(longitude + ArcTangentSeries(block.turnLon[i]));
+      heightM[done + i] = block.heightM[i];
     }
   }
 }

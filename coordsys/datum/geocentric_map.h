@@ -16,12 +16,12 @@ namespace tarvex {
 
 struct GeocentricMap {
   double d[3][3] = {};  ///< matrix minus identity
-  double t_m[3] = {};
+  double tM[3] = {};
 
   Geocentric Apply(const Geocentric& p) const noexcept {
-    return {p.x_m + (d[0][0] * p.x_m + d[0][1] * p.y_m + d[0][2] * p.z_m + t_m[0]),
-            p.y_m + (d[1][0] * p.x_m + d[1][1] * p.y_m + d[1][2] * p.z_m + t_m[1]),
-            p.z_m + (d[2][0] * p.x_m + d[2][1] * p.y_m + d[2][2] * p.z_m + t_m[2])};
+    return {p.xM + (d[0][0] * p.xM + d[0][1] * p.yM + d[0][2] * p.zM + tM[0]),
+            p.yM + (d[1][0] * p.xM + d[1][1] * p.yM + d[1][2] * p.zM + tM[1]),
+            p.zM + (d[2][0] * p.xM + d[2][1] * p.yM + d[2][2] * p.zM + tM[2])};
   }
 };
 
@@ -40,15 +40,15 @@ class GeodeticMap {
   /// infinity comes back as a NaN.
   Geodetic Apply(const Geodetic& position) const noexcept;
   /// Whole arrays of one length, in place.
-  void Apply(std::span<double> latitude_rad, std::span<double> longitude_rad,
-             std::span<double> height_m) const noexcept;
+  void Apply(std::span<double> latitudeRad, std::span<double> longitudeRad,
+             std::span<double> heightM) const noexcept;
 
  private:
   struct Turned;
   struct Block;
 
-  Turned Turn(double sin_lat, double cos_lat, double sin_lon, double cos_lon,
-              double height_m) const noexcept;
+  Turned Turn(double sinLat, double cosLat, double sinLon, double cosLon,
+              double heightM) const noexcept;
   void TurnBlock(Block& block) const noexcept;
 
   GeocentricFrame from_;

@@ -35,22 +35,22 @@ StepOutcome Ntv2Shift::ToWgs84(Geodetic& position) const {
 }
 
 void Ntv2Shift::AllToSystem(PositionArrays positions) const {
-  (void)grid_.Inverse(positions.latitude_rad, positions.longitude_rad);
+  (void)grid_.Inverse(positions.latitudeRad, positions.longitudeRad);
 }
 
 void Ntv2Shift::AllToWgs84(PositionArrays positions) const {
-  (void)grid_.Forward(positions.latitude_rad, positions.longitude_rad);
+  (void)grid_.Forward(positions.latitudeRad, positions.longitudeRad);
 }
 
 std::string Ntv2Shift::Describe() const {
-  return Strings().Text(4157, {name_, grid_.from_system(), grid_.to_system()});
+  return Strings().Text(4157, {name_, grid_.fromSystem(), grid_.toSystem()});
 }
 
 StepOutcome Gr3df97aShift::ToSystem(Geodetic& position) const {
-  const auto t = grid_.Translation(position.latitude_rad, position.longitude_rad);
+  const auto t = grid_.Translation(position.latitudeRad, position.longitudeRad);
   if (!t) return {StepStatus::Refused, kOutside};
   const Geocentric at = rgf93_.ToGeocentric(position);
-  position = ntf_.ToGeodetic({at.x_m - t->x_m, at.y_m - t->y_m, at.z_m - t->z_m});
+  position = ntf_.ToGeodetic({at.xM - t->xM, at.yM - t->yM, at.zM - t->zM});
   return {};
 }
 
@@ -58,19 +58,19 @@ StepOutcome Gr3df97aShift::ToSystem(Geodetic& position) const {
 // one.
 StepOutcome Gr3df97aShift::ToWgs84(Geodetic& position) const {
   constexpr int kPasses = 6;
-  constexpr double kClosed_m = 1e-7;
+  constexpr double kClosedM = 1e-7;
   const Geocentric from = ntf_.ToGeocentric(position);
   Geocentric t = {-168.0, -60.0, 320.0};
   for (int pass = 0; pass < kPasses; ++pass) {
-    const Geodetic made = rgf93_.ToGeodetic({from.x_m + t.x_m, from.y_m + t.y_m, from.z_m + t.z_m});
-    const auto next = grid_.Translation(made.latitude_rad, made.longitude_rad);
+    const Geodetic made = rgf93_.ToGeodetic({from.xM + t.xM, from.yM + t.yM, from.zM + t.zM});
+    const auto next = grid_.Translation(made.latitudeRad, made.longitudeRad);
     if (!next) return {StepStatus::Refused, kOutside};
     const double change =
-        std::abs(next->x_m - t.x_m) + std::abs(next->y_m - t.y_m) + std::abs(next->z_m - t.z_m);
+        std::abs(next->xM - t.xM) + std::abs(next->yM - t.yM) + std::abs(next->zM - t.zM);
     t = *next;
-    if (change < kClosed_m) break;
+    if (change < kClosedM) break;
   }
-  position = rgf93_.ToGeodetic({from.x_m + t.x_m, from.y_m + t.y_m, from.z_m + t.z_m});
+  position = rgf93_.ToGeodetic({from.xM + t.xM, from.yM + t.yM, from.zM + t.zM});
   return {};
 }
 

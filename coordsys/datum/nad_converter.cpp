@@ -19,23 +19,23 @@ StepOutcome OutcomeOf(std::optional<int> result) {
 
 }  // namespace
 
-NadConverter::NadConverter(std::shared_ptr<ClosedLibrary> nadconv, std::string data_folder,
+NadConverter::NadConverter(std::shared_ptr<ClosedLibrary> nadconv, std::string dataFolder,
                            RunMessages* messages)
     : nadconv_(std::move(nadconv)),
-      grid_folder_(std::move(data_folder) + kFolder),
+      gridFolder_(std::move(dataFolder) + kFolder),
       messages_(messages) {}
 
-std::optional<int> NadConverter::Convert(const char* entry_name, Geodetic& position) const {
-  NadConversionEntry* const entry = nadconv_->Entry<NadConversionEntry>(entry_name);
+std::optional<int> NadConverter::Convert(const char* entryName, Geodetic& position) const {
+  NadConversionEntry* const entry = nadconv_->Entry<NadConversionEntry>(entryName);
   if (entry == nullptr) return std::nullopt;
   double latitude = 0.0;
   double longitude = 0.0;
   const int result =
-      entry(position.latitude_rad * kDegreesPerRadian, position.longitude_rad * kDegreesPerRadian,
-            &latitude, &longitude, grid_folder_.c_str());
+      entry(position.latitudeRad * kDegreesPerRadian, position.longitudeRad * kDegreesPerRadian,
+            &latitude, &longitude, gridFolder_.c_str());
   if (result == 1) {
-    position.latitude_rad = latitude * kRadiansPerDegree;
-    position.longitude_rad = longitude * kRadiansPerDegree;
+    position.latitudeRad = latitude * kRadiansPerDegree;
+    position.longitudeRad = longitude * kRadiansPerDegree;
   } else if (messages_ != nullptr) {
     messages_->ShowOnce(kNotConverted);
   }
@@ -65,7 +65,7 @@ StepOutcome NadShift::ToWgs84(Geodetic& position) const {
 }
 
 std::string NadShift::Describe() const {
-  return Strings().Text(4156, {grids_, converter_->grid_folder()});
+  return Strings().Text(4156, {grids_, converter_->gridFolder()});
 }
 
 std::shared_ptr<ClosedLibrary> SystemNadConvLibrary() {

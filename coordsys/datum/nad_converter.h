@@ -17,8 +17,8 @@ namespace tarvex {
 
 class NadConverter {
  public:
-  /// `data_folder` ends with its separator; `messages` may be null and outlives the converter.
-  NadConverter(std::shared_ptr<ClosedLibrary> nadconv, std::string data_folder,
+  /// `dataFolder` ends with its separator; `messages` may be null and outlives the converter.
+  NadConverter(std::shared_ptr<ClosedLibrary> nadconv, std::string dataFolder,
                RunMessages* messages);
 
   /// The library's result, 1 for success; nothing when the library or its entry point is missing.
@@ -30,13 +30,13 @@ class NadConverter {
   /// that was never used is not loaded for this.
   void Close() const;
 
-  const std::string& grid_folder() const { return grid_folder_; }
+  const std::string& gridFolder() const { return gridFolder_; }
 
  private:
-  std::optional<int> Convert(const char* entry_name, Geodetic& position) const;
+  std::optional<int> Convert(const char* entryName, Geodetic& position) const;
 
   std::shared_ptr<ClosedLibrary> nadconv_;
-  std::string grid_folder_;
+  std::string gridFolder_;
   RunMessages* messages_;
 };
 

@@ -4,7 +4,7 @@
  *   ConvertNAD83ToNAD27   the way back
  *   CloseNADConverter     gives back what the library holds
  *
- * Angles are decimal degrees, north and east positive. `data_folder` is the folder of the shift
+ * Angles are decimal degrees, north and east positive. `dataFolder` is the folder of the shift
  * grids, with its trailing separator. 1 is success; for any other result the outputs are untouched:
  * 0 when no grid of the folder can be loaded, -1 when the position lies outside of every grid.
  * May be called from any thread.
@@ -16,8 +16,8 @@
 extern "C" {
 #endif
 
-typedef int NadConversionEntry(double latitude, double longitude, double* latitude_out,
-                               double* longitude_out, const char* data_folder);
+typedef int NadConversionEntry(double latitude, double longitude, double* latitudeOut,
+                               double* longitudeOut, const char* dataFolder);
 typedef void NadCloseEntry(void);
 
 #ifdef __cplusplus

@@ -19,7 +19,7 @@ namespace tarvex {
 class SevenParameterShift final : public DatumShift {
  public:
   SevenParameterShift(const SevenParameters& parameters, const Ellipsoid& ellipsoid,
-                      std::shared_ptr<ClosedLibrary> coord_sys);
+                      std::shared_ptr<ClosedLibrary> coordSys);
 
   StepOutcome ToSystem(Geodetic& position) const override;
   StepOutcome ToWgs84(Geodetic& position) const override;
@@ -39,10 +39,10 @@ class SevenParameterShift final : public DatumShift {
 
   SevenParameters parameters_;
   Ellipsoid ellipsoid_;
-  std::shared_ptr<ClosedLibrary> coord_sys_;
+  std::shared_ptr<ClosedLibrary> coordSys_;
   mutable std::once_flag once_;
-  mutable std::optional<GeodeticMap> to_system_;
-  mutable std::optional<GeodeticMap> to_wgs84_;
+  mutable std::optional<GeodeticMap> toSystem_;
+  mutable std::optional<GeodeticMap> toWgs84_;
 };
 
 }  // namespace tarvex

@@ -15,20 +15,20 @@ double ArcsecondsToRadians(double seconds) {
 
 // X - r x X
 Geocentric MinusCross(const SevenParameterArguments& r, const Geocentric& p) {
-  return {p.x_m + r.rz_rad * p.y_m - r.ry_rad * p.z_m, p.y_m + r.rx_rad * p.z_m - r.rz_rad * p.x_m,
-          p.z_m + r.ry_rad * p.x_m - r.rx_rad * p.y_m};
+  return {p.xM + r.rzRad * p.yM - r.ryRad * p.zM, p.yM + r.rxRad * p.zM - r.rzRad * p.xM,
+          p.zM + r.ryRad * p.xM - r.rxRad * p.yM};
 }
 
 }  // namespace
 
 SevenParameters SevenParametersOf(const ProjectionRecord& record) {
-  return {.dx_m = record.shift_dx,
-          .dy_m = record.shift_dy,
-          .dz_m = record.shift_dz,
-          .rx_arcsec = record.shift_rx,
-          .ry_arcsec = record.shift_ry,
-          .rz_arcsec = record.shift_rz,
-          .scale_ppm = record.shift_scale};
+  return {.dxM = record.shiftDx,
+          .dyM = record.shiftDy,
+          .dzM = record.shiftDz,
+          .rxArcsec = record.shiftRx,
+          .ryArcsec = record.shiftRy,
+          .rzArcsec = record.shiftRz,
+          .scalePpm = record.shiftScale};
 }
 
 std::optional<SevenParameters> ParseSevenParameters(std::string_view text) {
@@ -48,53 +48,52 @@ std::optional<SevenParameters> ParseSevenParameters(std::string_view text) {
     if (more) text.remove_prefix(comma);
   }
   if (count != 3 && count != std::size(numbers)) return std::nullopt;
-  return SevenParameters{.dx_m = numbers[0],
-                         .dy_m = numbers[1],
-                         .dz_m = numbers[2],
-                         .rx_arcsec = 0.0 - numbers[3],
-                         .ry_arcsec = 0.0 - numbers[4],
-                         .rz_arcsec = 0.0 - numbers[5],
-                         .scale_ppm = numbers[6]};
+  return SevenParameters{.dxM = numbers[0],
+                         .dyM = numbers[1],
+                         .dzM = numbers[2],
+                         .rxArcsec = 0.0 - numbers[3],
+                         .ryArcsec = 0.0 - numbers[4],
+                         .rzArcsec = 0.0 - numbers[5],
+                         .scalePpm = numbers[6]};
 }
 
 SevenParameterArguments ForwardArguments(const SevenParameters& parameters) {
-  return {.dx_m = parameters.dx_m,
-          .dy_m = parameters.dy_m,
-          .dz_m = parameters.dz_m,
-          .rx_rad = ArcsecondsToRadians(parameters.rx_arcsec),
-          .ry_rad = ArcsecondsToRadians(parameters.ry_arcsec),
-          .rz_rad = ArcsecondsToRadians(parameters.rz_arcsec),
-          .scale = 1.0 + parameters.scale_ppm * 1e-6};
+  return {.dxM = parameters.dxM,
+          .dyM = parameters.dyM,
+          .dzM = parameters.dzM,
+          .rxRad = ArcsecondsToRadians(parameters.rxArcsec),
+          .ryRad = ArcsecondsToRadians(parameters.ryArcsec),
+          .rzRad = ArcsecondsToRadians(parameters.rzArcsec),
+          .scale = 1.0 + parameters.scalePpm * 1e-6};
 }
 
 SevenParameterArguments InverseArguments(const SevenParameters& parameters) {
   const SevenParameterArguments forward = ForwardArguments(parameters);
-  return {.dx_m = -forward.dx_m,
-          .dy_m = -forward.dy_m,
-          .dz_m = -forward.dz_m,
-          .rx_rad = -forward.rx_rad,
-          .ry_rad = -forward.ry_rad,
-          .rz_rad = -forward.rz_rad,
+  return {.dxM = -forward.dxM,
+          .dyM = -forward.dyM,
+          .dzM = -forward.dzM,
+          .rxRad = -forward.rxRad,
+          .ryRad = -forward.ryRad,
+          .rzRad = -forward.rzRad,
           .scale = 1.0 / forward.scale};
 }
 
 Geocentric RotateScaleTranslate(const SevenParameterArguments& arguments, const Geocentric& point) {
   const Geocentric rotated = MinusCross(arguments, point);
-  return {arguments.dx_m + arguments.scale * rotated.x_m,
-          arguments.dy_m + arguments.scale * rotated.y_m,
-          arguments.dz_m + arguments.scale * rotated.z_m};
+  return {arguments.dxM + arguments.scale * rotated.xM,
+          arguments.dyM + arguments.scale * rotated.yM,
+          arguments.dzM + arguments.scale * rotated.zM};
 }
 
 Geocentric TranslateUnrotateScale(const SevenParameterArguments& arguments,
                                   const Geocentric& point) {
   const SevenParameterArguments& r = arguments;
-  const Geocentric w = {point.x_m + r.dx_m, point.y_m + r.dy_m, point.z_m + r.dz_m};
+  const Geocentric w = {point.xM + r.dxM, point.yM + r.dyM, point.zM + r.dzM};
   const Geocentric turned = MinusCross(r, w);
-  const double along = r.rx_rad * w.x_m + r.ry_rad * w.y_m + r.rz_rad * w.z_m;
-  const double factor =
-      r.scale / (1.0 + r.rx_rad * r.rx_rad + r.ry_rad * r.ry_rad + r.rz_rad * r.rz_rad);
-  return {factor * (turned.x_m + r.rx_rad * along), factor * (turned.y_m + r.ry_rad * along),
-          factor * (turned.z_m + r.rz_rad * along)};
+  const double along = r.rxRad * w.xM + r.ryRad * w.yM + r.rzRad * w.zM;
+  const double factor = r.scale / (1.0 + r.rxRad * r.rxRad + r.ryRad * r.ryRad + r.rzRad * r.rzRad);
+  return {factor * (turned.xM + r.rxRad * along), factor * (turned.yM + r.ryRad * along),
+          factor * (turned.zM + r.rzRad * along)};
 }
 
 }  // namespace tarvex

@@ -24,13 +24,13 @@ namespace tarvex {
 
 /// As a record holds them.
 struct SevenParameters {
-  double dx_m = 0.0;
-  double dy_m = 0.0;
-  double dz_m = 0.0;
-  double rx_arcsec = 0.0;
-  double ry_arcsec = 0.0;
-  double rz_arcsec = 0.0;
-  double scale_ppm = 0.0;
+  double dxM = 0.0;
+  double dyM = 0.0;
+  double dzM = 0.0;
+  double rxArcsec = 0.0;
+  double ryArcsec = 0.0;
+  double rzArcsec = 0.0;
+  double scalePpm = 0.0;
 
   bool operator==(const SevenParameters&) const = default;
 };
@@ -44,12 +44,12 @@ std::optional<SevenParameters> ParseSevenParameters(std::string_view text);
 
 /// As the closed library takes them: metres, radians and the scale factor itself.
 struct SevenParameterArguments {
-  double dx_m = 0.0;
-  double dy_m = 0.0;
-  double dz_m = 0.0;
-  double rx_rad = 0.0;
-  double ry_rad = 0.0;
-  double rz_rad = 0.0;
+  double dxM = 0.0;
+  double dyM = 0.0;
+  double dzM = 0.0;
+  double rxRad = 0.0;
+  double ryRad = 0.0;
+  double rzRad = 0.0;
   double scale = 1.0;
 
   bool operator==(const SevenParameterArguments&) const = default;

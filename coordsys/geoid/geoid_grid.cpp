@@ -85,18 +85,18 @@ bool IsUndulation(double value) {
 }  // namespace
 
 double GeoidGrid::Node(int column, int row) const noexcept {
-  if (around_earth_) {
+  if (aroundEarth_) {
     // Beyond a pole the row is the same one on the other side of the earth.
     if (row < 0 || row >= geometry_.rows()) {
       row = row < 0 ? -row : 2 * (geometry_.rows() - 1) - row;
-      column += stored_columns_ / 2;
+      column += storedColumns_ / 2;
     }
-    column = (column % stored_columns_ + stored_columns_) % stored_columns_;
+    column = (column % storedColumns_ + storedColumns_) % storedColumns_;
   }
   const std::size_t size = layout_.kind == NodeKind::Float64   ? 8
                            : layout_.kind == NodeKind::Float32 ? 4
                                                                : 2;
-  const char* const at = bytes_.view().data() + layout_.first + layout_.row_stride * row +
+  const char* const at = bytes_.view().data() + layout_.first + layout_.rowStride * row +
                          static_cast<std::ptrdiff_t>(size) * column;
   double value = 0.0;
   switch (layout_.kind) {
@@ -107,13 +107,12 @@ double GeoidGrid::Node(int column, int row) const noexcept {
       value = NumberAt<double>(at, layout_.order);
       break;
     case NodeKind::Pixel16:
-      value = layout_.offset_m + layout_.scale_m * NumberAt<std::uint16_t>(at, layout_.order);
+      value = layout_.offsetM + layout_.scaleM * NumberAt<std::uint16_t>(at, layout_.order);
       break;
   }
-  const bool marked =
-      layout_.kind != NodeKind::Pixel16 && std::abs(value - layout_.no_data) <= 1e-3;
-  const bool has_value = IsUndulation(value) && !marked;
-  return has_value ? value : std::numeric_limits<double>::quiet_NaN();
+  const bool marked = layout_.kind != NodeKind::Pixel16 && std::abs(value - layout_.noData) <= 1e-3;
+  const bool hasValue = IsUndulation(value) && !marked;
+  return hasValue ? value : std::numeric_limits<double>::quiet_NaN();
 }
 
 double GeoidGrid::BilinearAt(const GridCell& cell) const noexcept {
@@ -131,16 +130,16 @@ double GeoidGrid::BilinearAt(const GridCell& cell) const noexcept {
 }
 
 double GeoidGrid::BiquadraticAt(double column, double row) const noexcept {
-  const int middle_column =
+  const int middleColumn =
       std::clamp(static_cast<int>(std::lround(column)), 1, geometry_.columns() - 2);
-  const int middle_row = std::clamp(static_cast<int>(std::lround(row)), 1, geometry_.rows() - 2);
-  const auto across = ParabolaWeights(column - middle_column);
-  const auto up = ParabolaWeights(row - middle_row);
+  const int middleRow = std::clamp(static_cast<int>(std::lround(row)), 1, geometry_.rows() - 2);
+  const auto across = ParabolaWeights(column - middleColumn);
+  const auto up = ParabolaWeights(row - middleRow);
   double value = 0.0;
   for (int j = 0; j < 3; ++j) {
     for (int i = 0; i < 3; ++i) {
       value += up[static_cast<std::size_t>(j)] * across[static_cast<std::size_t>(i)] *
-               Node(middle_column - 1 + i, middle_row - 1 + j);
+               Node(middleColumn - 1 + i, middleRow - 1 + j);
     }
   }
   return value;
@@ -158,14 +157,14 @@ double GeoidGrid::CubicAt(const GridCell& cell) const noexcept {
   return value;
 }
 
-std::optional<double> GeoidGrid::Undulation(double latitude_rad,
-                                            double longitude_rad) const noexcept {
-  if (bytes_.view().empty() || !std::isfinite(longitude_rad)) return std::nullopt;
-  const double latitude = latitude_rad * kDegreesPerRadian;
+std::optional<double> GeoidGrid::Undulation(double latitudeRad,
+                                            double longitudeRad) const noexcept {
+  if (bytes_.view().empty() || !std::isfinite(longitudeRad)) return std::nullopt;
+  const double latitude = latitudeRad * kDegreesPerRadian;
   // Whole turns are added until the longitude stands right of the first column.
-  double longitude = longitude_rad * kDegreesPerRadian - geometry_.first_x();
+  double longitude = longitudeRad * kDegreesPerRadian - geometry_.firstX();
   longitude -= 360.0 * std::floor((longitude + 1e-9) / 360.0);
-  longitude += geometry_.first_x();
+  longitude += geometry_.firstX();
   const auto cell = geometry_.CellAt(longitude, latitude);
   if (!cell) return std::nullopt;
   double undulation = 0.0;

@@ -30,12 +30,12 @@ class GeoidGrid {
   static GridStatus Parse(FileBytes bytes, const std::string& path, GeoidGrid& grid);
 
   /// Nothing outside of the grid and where a node around the point has no value.
-  std::optional<double> Undulation(double latitude_rad, double longitude_rad) const noexcept;
+  std::optional<double> Undulation(double latitudeRad, double longitudeRad) const noexcept;
 
   /// In degrees, longitudes east positive; the nodes as the file holds them.
-  GridGeometry stored_geometry() const {
-    return {geometry_.first_x(), geometry_.first_y(), geometry_.step_x(),
-            geometry_.step_y(),  stored_columns_,     geometry_.rows()};
+  GridGeometry storedGeometry() const {
+    return {geometry_.firstX(), geometry_.firstY(), geometry_.stepX(),
+            geometry_.stepY(),  storedColumns_,     geometry_.rows()};
   }
 
  private:
@@ -46,13 +46,13 @@ class GeoidGrid {
 
   // Where a node stands in the bytes and what its number means.
   struct Layout {
-    std::size_t first = 0;          // byte of the south-west node
-    std::ptrdiff_t row_stride = 0;  // bytes from a row to the next one north
+    std::size_t first = 0;         // byte of the south-west node
+    std::ptrdiff_t rowStride = 0;  // bytes from a row to the next one north
     NodeKind kind = NodeKind::Float32;
     ByteOrder order = ByteOrder::Little;
-    double offset_m = 0.0;  // of a pixel
-    double scale_m = 1.0;
-    double no_data = -88.8888;
+    double offsetM = 0.0;  // of a pixel
+    double scaleM = 1.0;
+    double noData = -88.8888;
     Between between = Between::Bilinear;
   };
 
@@ -64,8 +64,8 @@ class GeoidGrid {
   FileBytes bytes_;
   Layout layout_;
   GridGeometry geometry_;  // degrees; a grid around the earth has its first column twice
-  int stored_columns_ = 0;
-  bool around_earth_ = false;
+  int storedColumns_ = 0;
+  bool aroundEarth_ = false;
 };
 
 }  // namespace tarvex

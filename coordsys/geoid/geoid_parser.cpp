@@ -57,23 +57,23 @@ class GeoidParser {
   }
 
   // Takes the bounds; a grid around the earth gets its first column once more at its end.
-  static bool SetGeometry(GeoidGrid& grid, double west, double south, double step_lon,
-                          double step_lat, double columns, double rows) {
-    const bool around = std::abs(columns * step_lon - 360.0) < 1e-6;
-    const auto geometry = MakeGridGeometry(west, south, step_lon, step_lat,
+  static bool SetGeometry(GeoidGrid& grid, double west, double south, double stepLon,
+                          double stepLat, double columns, double rows) {
+    const bool around = std::abs(columns * stepLon - 360.0) < 1e-6;
+    const auto geometry = MakeGridGeometry(west, south, stepLon, stepLat,
                                            columns + (around ? 1.0 : 0.0), rows, kMostNodes);
-    if (!geometry || south < -90.001 || geometry->last_y() > 90.001 || std::abs(west) > 720.0 ||
-        geometry->last_x() - west > 360.001) {
+    if (!geometry || south < -90.001 || geometry->lastY() > 90.001 || std::abs(west) > 720.0 ||
+        geometry->lastX() - west > 360.001) {
       return false;
     }
     grid.geometry_ = *geometry;
-    grid.around_earth_ = around;
-    grid.stored_columns_ = static_cast<int>(columns);
+    grid.aroundEarth_ = around;
+    grid.storedColumns_ = static_cast<int>(columns);
     return true;
   }
 
   static std::size_t Nodes(const GeoidGrid& grid) {
-    return static_cast<std::size_t>(grid.stored_columns_) *
+    return static_cast<std::size_t>(grid.storedColumns_) *
            static_cast<std::size_t>(grid.geometry_.rows());
   }
 
@@ -89,7 +89,7 @@ class GeoidParser {
     const bool wide = bytes_.size() == kGtxHeader + 8 * Nodes(grid);
     const std::size_t size = wide ? 8 : 4;
     grid.layout_.first = kGtxHeader;
-    grid.layout_.row_stride = static_cast<std::ptrdiff_t>(size) * grid.stored_columns_;
+    grid.layout_.rowStride = static_cast<std::ptrdiff_t>(size) * grid.storedColumns_;
     grid.layout_.kind = wide ? GeoidGrid::NodeKind::Float64 : GeoidGrid::NodeKind::Float32;
     grid.layout_.order = order;
     return CheckSize(kGtxHeader + size * Nodes(grid));
@@ -107,11 +107,10 @@ class GeoidParser {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
     grid.layout_.first = kBinHeader;
-    grid.layout_.row_stride = std::ptrdiff_t{4} * grid.stored_columns_;
+    grid.layout_.rowStride = std::ptrdiff_t{4} * grid.storedColumns_;
     grid.layout_.order = order;
-    const bool has_nine = grid.geometry_.columns() >= 3 && grid.geometry_.rows() >= 3;
-    grid.layout_.between =
-        has_nine ? GeoidGrid::Between::Biquadratic : GeoidGrid::Between::Bilinear;
+    const bool hasNine = grid.geometry_.columns() >= 3 && grid.geometry_.rows() >= 3;
+    grid.layout_.between = hasNine ? GeoidGrid::Between::Biquadratic : GeoidGrid::Between::Bilinear;
     return CheckSize(kBinHeader + 4 * Nodes(grid));
   }
 
@@ -124,22 +123,22 @@ class GeoidParser {
         !SetGeometry(grid, 0.0, -90.0, 360.0 / columns, 180.0 / (rows - 1), columns, rows)) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
-    const std::size_t row = 2 * static_cast<std::size_t>(grid.stored_columns_);
+    const std::size_t row = 2 * static_cast<std::size_t>(grid.storedColumns_);
     grid.layout_.first =
-        header.pixels_at + row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
-    grid.layout_.row_stride = -static_cast<std::ptrdiff_t>(row);
+        header.pixelsAt + row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
+    grid.layout_.rowStride = -static_cast<std::ptrdiff_t>(row);
     grid.layout_.kind = GeoidGrid::NodeKind::Pixel16;
     grid.layout_.order = ByteOrder::Big;
-    grid.layout_.offset_m = header.offset_m;
-    grid.layout_.scale_m = header.scale_m;
+    grid.layout_.offsetM = header.offsetM;
+    grid.layout_.scaleM = header.scaleM;
     grid.layout_.between = GeoidGrid::Between::Cubic12;
-    return CheckSize(header.pixels_at + 2 * Nodes(grid));
+    return CheckSize(header.pixelsAt + 2 * Nodes(grid));
   }
 
   GridStatus Isg(GeoidGrid& grid) {
     IsgHeader header;
     if (GridStatus status = ReadIsgHeader(bytes_, path_, header); !status.ok()) return status;
-    if (!SetGeometry(grid, header.west, header.south, header.step_lon, header.step_lat,
+    if (!SetGeometry(grid, header.west, header.south, header.stepLon, header.stepLat,
                      header.columns, header.rows)) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
@@ -147,25 +146,25 @@ class GeoidParser {
     if (2 * Nodes(grid) > header.nodes.size() + 1) {
       return Wrong(GridProblem::CutShort, "the nodes");
     }
-    grid.layout_.no_data = header.no_data;
+    grid.layout_.noData = header.noData;
     return IsgNodes(grid, header.nodes, header.lines);
   }
 
   // The text's numbers become little-endian floats, which are held in place of the text.
-  GridStatus IsgNodes(GeoidGrid& grid, std::string_view rest, int line_number) {
+  GridStatus IsgNodes(GeoidGrid& grid, std::string_view rest, int lineNumber) {
     const std::size_t nodes = Nodes(grid);
     std::string packed;
     packed.reserve(4 * nodes);
     std::size_t seen = 0;
     while (const auto line = TakeLine(rest)) {
-      ++line_number;
+      ++lineNumber;
       for (std::string_view words = WithoutOuterBlanks(*line); !words.empty();
            words = WithoutLeadingBlanks(words)) {
         const std::size_t end = std::min(words.find_first_of(" \t"), words.size());
         const auto value = ParseNumber(words.substr(0, end));
-        if (!value) return Wrong(GridProblem::BadValue, "line " + std::to_string(line_number));
+        if (!value) return Wrong(GridProblem::BadValue, "line " + std::to_string(lineNumber));
         if (++seen > nodes)
-          return Wrong(GridProblem::TooLong, "line " + std::to_string(line_number));
+          return Wrong(GridProblem::TooLong, "line " + std::to_string(lineNumber));
         const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(*value));
         for (int i = 0; i < 4; ++i) packed += static_cast<char>(bits >> (8 * i) & 0xff);
         words.remove_prefix(end);
@@ -175,9 +174,9 @@ class GeoidParser {
       return Wrong(GridProblem::CutShort,
                    std::to_string(seen) + " of " + std::to_string(nodes) + " nodes");
     }
-    const std::size_t row = 4 * static_cast<std::size_t>(grid.stored_columns_);
+    const std::size_t row = 4 * static_cast<std::size_t>(grid.storedColumns_);
     grid.layout_.first = row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
-    grid.layout_.row_stride = -static_cast<std::ptrdiff_t>(row);
+    grid.layout_.rowStride = -static_cast<std::ptrdiff_t>(row);
     held_ = FileBytes(std::move(packed));
     return {};
   }

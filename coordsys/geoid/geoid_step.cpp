@@ -8,11 +8,11 @@ constexpr int kGeoidMissing = 4161;
 
 }  // namespace
 
-StepOutcome GridGeoid::Undulation(double latitude_rad, double longitude_rad,
-                                  double& undulation_m) const {
-  const auto undulation = grid_.Undulation(latitude_rad, longitude_rad);
+StepOutcome GridGeoid::Undulation(double latitudeRad, double longitudeRad,
+                                  double& undulationM) const {
+  const auto undulation = grid_.Undulation(latitudeRad, longitudeRad);
   if (!undulation) return {StepStatus::Refused, kOutsideGeoid};
-  undulation_m = *undulation;
+  undulationM = *undulation;
   return {};
 }
 

@@ -13,8 +13,8 @@ class GridGeoid final : public GeoidModel {
  public:
   GridGeoid(GeoidGrid grid, std::string name) : grid_(std::move(grid)), name_(std::move(name)) {}
 
-  StepOutcome Undulation(double latitude_rad, double longitude_rad,
-                         double& undulation_m) const override;
+  StepOutcome Undulation(double latitudeRad, double longitudeRad,
+                         double& undulationM) const override;
   std::string Describe() const override { return name_; }
 
  private:
@@ -27,8 +27,8 @@ class MissingGeoid final : public GeoidModel {
  public:
   explicit MissingGeoid(std::string why) : why_(std::move(why)) {}
 
-  StepOutcome Undulation(double latitude_rad, double longitude_rad,
-                         double& undulation_m) const override;
+  StepOutcome Undulation(double latitudeRad, double longitudeRad,
+                         double& undulationM) const override;
   std::string Describe() const override { return why_; }
 
  private:

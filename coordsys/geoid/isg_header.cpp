@@ -56,21 +56,21 @@ double FirstNode(double low, double high, double step, double nodes) {
 }
 
 bool TakeGeometry(Keys& keys, IsgHeader& header) {
-  const auto lat_min = Angle(keys["lat min"]);
-  const auto lat_max = Angle(keys["lat max"]);
-  const auto lon_min = Angle(keys["lon min"]);
-  const auto lon_max = Angle(keys["lon max"]);
-  const auto step_lat = Angle(keys["delta lat"]);
-  const auto step_lon = Angle(keys["delta lon"]);
+  const auto latMin = Angle(keys["lat min"]);
+  const auto latMax = Angle(keys["lat max"]);
+  const auto lonMin = Angle(keys["lon min"]);
+  const auto lonMax = Angle(keys["lon max"]);
+  const auto stepLat = Angle(keys["delta lat"]);
+  const auto stepLon = Angle(keys["delta lon"]);
   const auto rows = ParseNumber(keys["nrows"]);
   const auto columns = ParseNumber(keys["ncols"]);
-  if (!lat_min || !lat_max || !lon_min || !lon_max || !step_lat || !step_lon || !rows || !columns) {
+  if (!latMin || !latMax || !lonMin || !lonMax || !stepLat || !stepLon || !rows || !columns) {
     return false;
   }
-  header.south = FirstNode(*lat_min, *lat_max, *step_lat, *rows);
-  header.west = FirstNode(*lon_min, *lon_max, *step_lon, *columns);
-  header.step_lat = *step_lat;
-  header.step_lon = *step_lon;
+  header.south = FirstNode(*latMin, *latMax, *stepLat, *rows);
+  header.west = FirstNode(*lonMin, *lonMax, *stepLon, *columns);
+  header.stepLat = *stepLat;
+  header.stepLon = *stepLon;
   header.rows = *rows;
   header.columns = *columns;
   return true;
@@ -85,7 +85,7 @@ GridStatus ReadIsgHeader(std::string_view text, const std::string& path, IsgHead
     return {begun ? GridProblem::CutShort : GridProblem::NotThisFormat, path, "no end_of_head"};
   }
   if (!TakeGeometry(keys, header)) return {GridProblem::BadValue, path, "the header"};
-  if (keys.contains("nodata")) header.no_data = LeadingDouble(keys["nodata"]);
+  if (keys.contains("nodata")) header.noData = LeadingDouble(keys["nodata"]);
   header.nodes = text;
   return {};
 }

@@ -13,11 +13,11 @@ namespace tarvex {
 struct IsgHeader {
   double west = 0.0;  ///< of the first node, degrees
   double south = 0.0;
-  double step_lon = 0.0;
-  double step_lat = 0.0;
+  double stepLon = 0.0;
+  double stepLat = 0.0;
   double columns = 0.0;
   double rows = 0.0;
-  double no_data = -9999.0;
+  double noData = -9999.0;
   std::string_view nodes;  ///< the text behind the head
   int lines = 0;           ///< of the head
 };

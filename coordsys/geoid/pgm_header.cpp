@@ -26,12 +26,12 @@ class PgmHeaderReader {
     const auto depth = LineAfterRemarks();
     if (!depth) return Wrong(GridProblem::CutShort);
     if (LeadingDouble(*depth) != kDeepestPixel) return Wrong(GridProblem::BadValue);
-    if (!offset_m_ || !scale_m_) {
+    if (!offsetM_ || !scaleM_) {
       return {GridProblem::NotThisFormat, path_, "no Offset or Scale"};
     }
-    header.offset_m = *offset_m_;
-    header.scale_m = *scale_m_;
-    header.pixels_at = bytes_.size() - rest_.size();
+    header.offsetM = *offsetM_;
+    header.scaleM = *scaleM_;
+    header.pixelsAt = bytes_.size() - rest_.size();
     return {};
   }
 
@@ -55,8 +55,8 @@ class PgmHeaderReader {
     constexpr std::string_view kOffset = "Offset ";
     constexpr std::string_view kScale = "Scale ";
     remark = WithoutLeadingBlanks(remark);
-    if (remark.starts_with(kOffset)) offset_m_ = LeadingDouble(remark.substr(kOffset.size()));
-    if (remark.starts_with(kScale)) scale_m_ = LeadingDouble(remark.substr(kScale.size()));
+    if (remark.starts_with(kOffset)) offsetM_ = LeadingDouble(remark.substr(kOffset.size()));
+    if (remark.starts_with(kScale)) scaleM_ = LeadingDouble(remark.substr(kScale.size()));
   }
 
   // "width height"
@@ -73,8 +73,8 @@ class PgmHeaderReader {
   std::string_view rest_;
   const std::string& path_;
   int line_ = 0;
-  std::optional<double> offset_m_;
-  std::optional<double> scale_m_;
+  std::optional<double> offsetM_;
+  std::optional<double> scaleM_;
 };
 
 }  // namespace

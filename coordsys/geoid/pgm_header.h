@@ -11,11 +11,11 @@
 namespace tarvex {
 
 struct PgmHeader {
-  double offset_m = 0.0;  ///< the undulation is the offset and the scale times the pixel
-  double scale_m = 0.0;
+  double offsetM = 0.0;  ///< the undulation is the offset and the scale times the pixel
+  double scaleM = 0.0;
   double columns = 0.0;
   double rows = 0.0;
-  std::size_t pixels_at = 0;  ///< byte of the first pixel
+  std::size_t pixelsAt = 0;  ///< byte of the first pixel
 };
 
 GridStatus ReadPgmHeader(std::string_view bytes, const std::string& path, PgmHeader& header);

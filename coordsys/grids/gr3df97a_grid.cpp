@@ -101,8 +101,8 @@ class Gr3df97aText {
       v[i] = *number;
     }
     const auto cell = geometry_.CellAt(v[0], v[1]);
-    const bool is_code = v[5] >= 0.0 && v[5] <= 255.0;
-    if (!cell || !is_code) return false;
+    const bool isCode = v[5] >= 0.0 && v[5] <= 255.0;
+    if (!cell || !isCode) return false;
     const auto column = static_cast<std::size_t>(cell->column + std::lround(cell->across));
     const auto row = static_cast<std::size_t>(cell->row + std::lround(cell->up));
     NodeValues& node = nodes_[row * static_cast<std::size_t>(geometry_.columns()) + column];
@@ -122,7 +122,7 @@ class Gr3df97aText {
     Append(packed, static_cast<std::uint16_t>(geometry_.columns()));
     Append(packed, static_cast<std::uint16_t>(geometry_.rows()));
     for (const double value :
-         {geometry_.first_x(), geometry_.first_y(), geometry_.step_x(), geometry_.step_y()}) {
+         {geometry_.firstX(), geometry_.firstY(), geometry_.stepX(), geometry_.stepY()}) {
       Append(packed, value);
     }
     for (const NodeValues& node : nodes_) {
@@ -188,11 +188,11 @@ double Gr3df97aGrid::Micrometres(int column, int row, int axis) const noexcept {
                                 ByteOrder::Little);
 }
 
-std::optional<Geocentric> Gr3df97aGrid::Translation(double latitude_rad,
-                                                    double longitude_rad) const noexcept {
+std::optional<Geocentric> Gr3df97aGrid::Translation(double latitudeRad,
+                                                    double longitudeRad) const noexcept {
   if (bytes_.view().empty()) return std::nullopt;
   const auto cell =
-      geometry_.CellAt(longitude_rad * kDegreesPerRadian, latitude_rad * kDegreesPerRadian);
+      geometry_.CellAt(longitudeRad * kDegreesPerRadian, latitudeRad * kDegreesPerRadian);
   if (!cell) return std::nullopt;
   double t[3];
   for (int axis = 0; axis < 3; ++axis) {

@@ -22,7 +22,7 @@ class Gr3df97aGrid {
   static GridStatus Parse(FileBytes bytes, const std::string& path, Gr3df97aGrid& grid);
 
   /// The translation from NTF to RGF93; nothing outside of the grid.
-  std::optional<Geocentric> Translation(double latitude_rad, double longitude_rad) const noexcept;
+  std::optional<Geocentric> Translation(double latitudeRad, double longitudeRad) const noexcept;
 
   const GridGeometry& geometry() const { return geometry_; }
 

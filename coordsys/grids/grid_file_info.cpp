@@ -52,9 +52,9 @@ GridStatus ReadNtv2(FileBytes bytes, const std::string& path, GridFileInfo& info
   Ntv2Grid grid;
   GridStatus status = Ntv2Grid::Parse(std::move(bytes), path, grid);
   if (!status.ok()) return status;
-  info.from_system = grid.from_system();
-  info.to_system = grid.to_system();
-  for (std::size_t i = 0; i < grid.grid_count(); ++i) {
+  info.fromSystem = grid.fromSystem();
+  info.toSystem = grid.toSystem();
+  for (std::size_t i = 0; i < grid.gridCount(); ++i) {
     const Ntv2Part part = grid.Part(i);
     info.parts.push_back({.name = part.name, .parent = part.parent, .geometry = part.geometry});
   }
@@ -72,7 +72,7 @@ GridStatus ReadGeoid(FileBytes bytes, const std::string& path, GridFileInfo& inf
   GeoidGrid grid;
   GridStatus status = GeoidGrid::Parse(std::move(bytes), path, grid);
   if (!status.ok()) return status;
-  info.parts.push_back({.name = "", .parent = "", .geometry = grid.stored_geometry()});
+  info.parts.push_back({.name = "", .parent = "", .geometry = grid.storedGeometry()});
   return status;
 }
 
@@ -89,7 +89,7 @@ GridStatus ReadGridFileInfo(FileSystem& files, const std::string& path, LoadProg
       KindOf(bytes.view(), dot == std::string::npos ? "" : LowerCase(path.substr(dot)));
   if (!kind)
     return {GridProblem::NotThisFormat, path, "neither its first bytes nor its name tell of which"};
-  info = {.kind = *kind, .parts = {}, .from_system = "", .to_system = ""};
+  info = {.kind = *kind, .parts = {}, .fromSystem = "", .toSystem = ""};
   switch (*kind) {
     case GridFileKind::SurfaceText:
     case GridFileKind::SurfaceBinary:

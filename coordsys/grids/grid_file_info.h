@@ -32,10 +32,10 @@ struct GridFilePart {
 struct GridFileInfo {
   GridFileKind kind = GridFileKind::SurfaceText;
   std::vector<GridFilePart> parts;  ///< one, or those of an NTv2 file
-  std::string from_system;          ///< as an NTv2 file names it
-  std::string to_system;
+  std::string fromSystem;           ///< as an NTv2 file names it
+  std::string toSystem;
 
-  bool in_degrees() const {
+  bool inDegrees() const {
     return kind != GridFileKind::SurfaceText && kind != GridFileKind::SurfaceBinary &&
            kind != GridFileKind::British;
   }

@@ -21,30 +21,30 @@ class GridGeometry {
  public:
   GridGeometry() = default;
   /// Steps and counts as MakeGridGeometry accepts them.
-  GridGeometry(double first_x, double first_y, double step_x, double step_y, int columns, int rows)
-      : first_x_(first_x),
-        first_y_(first_y),
-        step_x_(step_x),
-        step_y_(step_y),
-        per_x_(1.0 / step_x),
-        per_y_(1.0 / step_y),
+  GridGeometry(double firstX, double firstY, double stepX, double stepY, int columns, int rows)
+      : firstX_(firstX),
+        firstY_(firstY),
+        stepX_(stepX),
+        stepY_(stepY),
+        perX_(1.0 / stepX),
+        perY_(1.0 / stepY),
         columns_(columns),
         rows_(rows) {}
 
-  double first_x() const { return first_x_; }
-  double first_y() const { return first_y_; }
-  double last_x() const { return first_x_ + step_x_ * (columns_ - 1); }
-  double last_y() const { return first_y_ + step_y_ * (rows_ - 1); }
-  double step_x() const { return step_x_; }
-  double step_y() const { return step_y_; }
+  double firstX() const { return firstX_; }
+  double firstY() const { return firstY_; }
+  double lastX() const { return firstX_ + stepX_ * (columns_ - 1); }
+  double lastY() const { return firstY_ + stepY_ * (rows_ - 1); }
+  double stepX() const { return stepX_; }
+  double stepY() const { return stepY_; }
   int columns() const { return columns_; }
   int rows() const { return rows_; }
 
   /// The cell that holds the point; the outer edges belong to the grid, and so does a point within
   /// a millionth of a cell of them. Nothing outside and for a NaN.
   std::optional<GridCell> CellAt(double x, double y) const noexcept {
-    const double u = (x - first_x_) * per_x_;
-    const double v = (y - first_y_) * per_y_;
+    const double u = (x - firstX_) * perX_;
+    const double v = (y - firstY_) * perY_;
     if (!(u >= -kEdge && v >= -kEdge && u <= columns_ - 1 + kEdge && v <= rows_ - 1 + kEdge)) {
       return std::nullopt;
     }
@@ -58,7 +58,7 @@ class GridGeometry {
   std::optional<GridCell> CellAround(double x, double y, double turn) const noexcept {
     const auto cell = CellAt(x, y);
     if (cell) return cell;
-    return CellAt(x < first_x_ ? x + turn : x - turn, y);
+    return CellAt(x < firstX_ ? x + turn : x - turn, y);
   }
 
   bool operator==(const GridGeometry&) const = default;
@@ -72,21 +72,21 @@ class GridGeometry {
     return cell < 0 ? 0 : cell;
   }
 
-  double first_x_ = 0.0;
-  double first_y_ = 0.0;
-  double step_x_ = 1.0;
-  double step_y_ = 1.0;
-  double per_x_ = 1.0;
-  double per_y_ = 1.0;
+  double firstX_ = 0.0;
+  double firstY_ = 0.0;
+  double stepX_ = 1.0;
+  double stepY_ = 1.0;
+  double perX_ = 1.0;
+  double perY_ = 1.0;
   int columns_ = 2;
   int rows_ = 2;
 };
 
 /// The geometry when it is one that a grid can have: finite bounds, steps above zero, at least two
-/// nodes along each coordinate, and at most `most_nodes` of them altogether.
-std::optional<GridGeometry> MakeGridGeometry(double first_x, double first_y, double step_x,
-                                             double step_y, double columns, double rows,
-                                             double most_nodes);
+/// nodes along each coordinate, and at most `mostNodes` of them altogether.
+std::optional<GridGeometry> MakeGridGeometry(double firstX, double firstY, double stepX,
+                                             double stepY, double columns, double rows,
+                                             double mostNodes);
 
 /// The bilinear value at a place in a cell whose corners are given south-west, south-east,
 /// north-west, north-east.

@@ -38,7 +38,7 @@ std::string GridStatus::Text() const {
 
 GridStatus FromFileStatus(const FileStatus& status, const std::string& path) {
   if (status.ok()) return {};
-  if (status.not_found()) return {GridProblem::Missing, path, {}};
+  if (status.notFound()) return {GridProblem::Missing, path, {}};
   return {GridProblem::Unreadable, path, status.Text()};
 }
 

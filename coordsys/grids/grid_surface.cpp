@@ -36,17 +36,17 @@ constexpr bool IsSpace(char c) {
 class NodeMarks {
  public:
   void See(float node) {
-    if (node == kNoCorrection) no_correction_ = true;
-    if (IsNoValue(static_cast<double>(node))) no_value_ = true;
+    if (node == kNoCorrection) noCorrection_ = true;
+    if (IsNoValue(static_cast<double>(node))) noValue_ = true;
   }
   SurfaceAnswer answer() const {
-    if (no_correction_) return SurfaceAnswer::NoCorrection;
-    return no_value_ ? SurfaceAnswer::NoValue : SurfaceAnswer::Value;
+    if (noCorrection_) return SurfaceAnswer::NoCorrection;
+    return noValue_ ? SurfaceAnswer::NoValue : SurfaceAnswer::Value;
   }
 
  private:
-  bool no_correction_ = false;
-  bool no_value_ = false;
+  bool noCorrection_ = false;
+  bool noValue_ = false;
 };
 
 }  // namespace
@@ -75,14 +75,14 @@ class GridSurfaceParser {
     for (double& value : header) {
       if (GridStatus status = HeaderLine(value); !status.ok()) return status;
     }
-    const double intervals_second = header[4];
-    const double intervals_first = header[5];
+    const double intervalsSecond = header[4];
+    const double intervalsFirst = header[5];
     // Every value takes two bytes at least, but for the last one.
     const double most = 0.5 * static_cast<double>(rest_.size() + 1);
     const auto geometry =
-        MakeGridGeometry(header[0], header[1], (header[2] - header[0]) / intervals_first,
-                         (header[3] - header[1]) / intervals_second, intervals_first + 1.0,
-                         intervals_second + 1.0, 1e9);
+        MakeGridGeometry(header[0], header[1], (header[2] - header[0]) / intervalsFirst,
+                         (header[3] - header[1]) / intervalsSecond, intervalsFirst + 1.0,
+                         intervalsSecond + 1.0, 1e9);
     if (!geometry) return Wrong(GridProblem::ImpossibleSize, "lines 1 to 6");
     surface.geometry_ = *geometry;
     const std::size_t nodes =

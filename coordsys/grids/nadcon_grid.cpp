@@ -62,12 +62,12 @@ GridStatus NadconGrid::Load(FileSystem& files, const std::string& base, NadconGr
 GridStatus NadconGrid::Parse(FileBytes las, FileBytes los, const std::string& base,
                              NadconGrid& grid) {
   NadconGrid made;
-  GridGeometry of_los;
+  GridGeometry ofLos;
   if (GridStatus status = ParseOne(las.view(), base + ".las", made.geometry_); !status.ok()) {
     return status;
   }
-  if (GridStatus status = ParseOne(los.view(), base + ".los", of_los); !status.ok()) return status;
-  if (!(made.geometry_ == of_los)) return {GridProblem::PartsDiffer, base + ".los", base + ".las"};
+  if (GridStatus status = ParseOne(los.view(), base + ".los", ofLos); !status.ok()) return status;
+  if (!(made.geometry_ == ofLos)) return {GridProblem::PartsDiffer, base + ".los", base + ".las"};
   made.las_ = std::move(las);
   made.los_ = std::move(los);
   grid = std::move(made);
@@ -108,11 +108,11 @@ std::optional<DegreePosition> NadconGrid::ToNad27(const DegreePosition& nad83) c
   for (int pass = 0; pass < kMostPasses; ++pass) {
     const auto shift = Shift(nad27);
     if (!shift) return std::nullopt;
-    const double off_latitude = nad83.latitude - shift->latitude - nad27.latitude;
-    const double off_longitude = nad83.longitude - shift->longitude - nad27.longitude;
-    nad27.latitude += off_latitude;
-    nad27.longitude += off_longitude;
-    if (std::abs(off_latitude) + std::abs(off_longitude) < kClosedDegrees) return nad27;
+    const double offLatitude = nad83.latitude - shift->latitude - nad27.latitude;
+    const double offLongitude = nad83.longitude - shift->longitude - nad27.longitude;
+    nad27.latitude += offLatitude;
+    nad27.longitude += offLongitude;
+    if (std::abs(offLatitude) + std::abs(offLongitude) < kClosedDegrees) return nad27;
   }
   return std::nullopt;
 }

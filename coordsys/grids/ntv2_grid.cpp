@@ -80,10 +80,10 @@ class Ntv2Parser {
     }
     grids = Integer(2);
     if (grids < 1 || grids > kMostGrids) return Wrong(GridProblem::ImpossibleSize, "NUM_FILE");
-    unit_rad_ = Unit(Field(Record(3)));
-    if (unit_rad_ == 0.0) return Wrong(GridProblem::BadValue, "GS_TYPE");
-    grid.from_system_ = Field(Record(5));
-    grid.to_system_ = Field(Record(6));
+    unitRad_ = Unit(Field(Record(3)));
+    if (unitRad_ == 0.0) return Wrong(GridProblem::BadValue, "GS_TYPE");
+    grid.fromSystem_ = Field(Record(5));
+    grid.toSystem_ = Field(Record(6));
     at_ = kHeader;
     return {};
   }
@@ -112,7 +112,7 @@ class Ntv2Parser {
     const auto geometry = Geometry();
     if (!geometry) return Wrong(GridProblem::ImpossibleSize, "grid " + sub.name);
     sub.geometry = *geometry;
-    sub.first_node = grid.nodes_.size();
+    sub.firstNode = grid.nodes_.size();
     const std::size_t nodes =
         static_cast<std::size_t>(geometry->columns()) * static_cast<std::size_t>(geometry->rows());
     at_ += kHeader;
@@ -135,8 +135,8 @@ class Ntv2Parser {
       }
       const bool none = north == 0.0F && west == 0.0F && NumberAt<float>(node + 8, order_) < 0.0F;
       grid.nodes_.push_back(none ? Ntv2Grid::Node{kNone, kNone}
-                                 : Ntv2Grid::Node{static_cast<float>(north * unit_rad_),
-                                                  static_cast<float>(west * unit_rad_)});
+                                 : Ntv2Grid::Node{static_cast<float>(north * unitRad_),
+                                                  static_cast<float>(west * unitRad_)});
     }
     return {};
   }
@@ -145,18 +145,18 @@ class Ntv2Parser {
   std::optional<GridGeometry> Geometry() const {
     const double south = Real(4);
     const double east = Real(6);
-    const double step_lat = Real(8);
-    const double step_lon = Real(9);
-    const double rows = (Real(5) - south) / step_lat + 1.0;
-    const double columns = (Real(7) - east) / step_lon + 1.0;
-    const double whole_rows = std::round(rows);
-    const double whole_columns = std::round(columns);
-    if (!(std::abs(rows - whole_rows) < 0.01 && std::abs(columns - whole_columns) < 0.01) ||
-        whole_rows * whole_columns != static_cast<double>(Integer(10))) {
+    const double stepLat = Real(8);
+    const double stepLon = Real(9);
+    const double rows = (Real(5) - south) / stepLat + 1.0;
+    const double columns = (Real(7) - east) / stepLon + 1.0;
+    const double wholeRows = std::round(rows);
+    const double wholeColumns = std::round(columns);
+    if (!(std::abs(rows - wholeRows) < 0.01 && std::abs(columns - wholeColumns) < 0.01) ||
+        wholeRows * wholeColumns != static_cast<double>(Integer(10))) {
       return std::nullopt;
     }
-    return MakeGridGeometry(east * unit_rad_, south * unit_rad_, step_lon * unit_rad_,
-                            step_lat * unit_rad_, whole_columns, whole_rows, 2147483647.0);
+    return MakeGridGeometry(east * unitRad_, south * unitRad_, stepLon * unitRad_,
+                            stepLat * unitRad_, wholeColumns, wholeRows, 2147483647.0);
   }
 
   // After the last node stands nothing, or a record that begins with "END".
@@ -207,7 +207,7 @@ class Ntv2Parser {
   std::string_view bytes_;
   const std::string& path_;
   ByteOrder order_ = ByteOrder::Little;
-  double unit_rad_ = 0.0;
+  double unitRad_ = 0.0;
   std::size_t at_ = 0;
 };
 
@@ -228,8 +228,8 @@ Ntv2Part Ntv2Grid::Part(std::size_t index) const {
   const GridGeometry& west = grid.geometry;
   return {.name = grid.name,
           .parent = grid.parent == "NONE" ? "" : grid.parent,
-          .geometry = {-west.last_x() * kDegreesPerRadian, west.first_y() * kDegreesPerRadian,
-                       west.step_x() * kDegreesPerRadian, west.step_y() * kDegreesPerRadian,
+          .geometry = {-west.lastX() * kDegreesPerRadian, west.firstY() * kDegreesPerRadian,
+                       west.stepX() * kDegreesPerRadian, west.stepY() * kDegreesPerRadian,
                        west.columns(), west.rows()}};
 }
 
@@ -256,15 +256,15 @@ const Ntv2Grid::SubGrid* Ntv2Grid::Densest(double latitude, double west,
 // Most files hold one grid, and most places lie in it as they are spelt.
 inline bool Ntv2Grid::FindAround(double latitude, double west, Around& around) const noexcept {
   const SubGrid* grid = grids_.size() == 1 ? grids_.data() : nullptr;
-  const auto in_only_one = grid ? grid->geometry.CellAt(west, latitude) : std::nullopt;
-  if (in_only_one) {
-    around.cell = *in_only_one;
+  const auto inOnlyOne = grid ? grid->geometry.CellAt(west, latitude) : std::nullopt;
+  if (inOnlyOne) {
+    around.cell = *inOnlyOne;
   } else {
     grid = Densest(latitude, west, around.cell);
     if (grid == nullptr) return false;
   }
   const auto columns = static_cast<std::size_t>(grid->geometry.columns());
-  around.south = nodes_.data() + grid->first_node +
+  around.south = nodes_.data() + grid->firstNode +
                  static_cast<std::size_t>(around.cell.row) * columns +
                  static_cast<std::size_t>(around.cell.column);
   around.north = around.south + columns;
@@ -279,7 +279,7 @@ inline Ntv2Grid::Shift Ntv2Grid::Interpolate(const GridCell& cell, const Node& s
   const TwoLanes south = lanes(se) + across * (lanes(sw) - lanes(se));
   const TwoLanes north = lanes(ne) + across * (lanes(nw) - lanes(ne));
   const TwoLanes shift = south + cell.up * (north - south);
-  return {.north_rad = shift[0], .west_rad = shift[1]};
+  return {.northRad = shift[0], .westRad = shift[1]};
 }
 
 // A node without a shift makes the sum a NaN, also one that has no part in it.
@@ -297,83 +297,83 @@ inline GridShiftResult Ntv2Grid::ShiftAt(double latitude, double west,
   if (!FindAround(latitude, west, around)) return GridShiftResult::Outside;
   shift =
       Interpolate(around.cell, around.south[0], around.south[1], around.north[0], around.north[1]);
-  if (!std::isnan(shift.north_rad)) return GridShiftResult::Done;
+  if (!std::isnan(shift.northRad)) return GridShiftResult::Done;
   shift = InterpolateBesideNone(around);
-  return std::isnan(shift.north_rad) ? GridShiftResult::NoCorrection : GridShiftResult::Done;
+  return std::isnan(shift.northRad) ? GridShiftResult::NoCorrection : GridShiftResult::Done;
 }
 
 // Each pass takes the shift at the place that the last one led to. Shifts change slowly: a change
 // of the place shrinks by the same small factor every pass, which tells when the next would be
 // nothing.
 inline GridShiftResult Ntv2Grid::InverseAt(double& latitude, double& west) const noexcept {
-  double from_latitude = latitude;
-  double from_west = west;
-  double last_change = 0.0;
+  double fromLatitude = latitude;
+  double fromWest = west;
+  double lastChange = 0.0;
   for (int pass = 0; pass < kMostPasses; ++pass) {
     Shift shift;
-    const GridShiftResult result = ShiftAt(from_latitude, from_west, shift);
+    const GridShiftResult result = ShiftAt(fromLatitude, fromWest, shift);
     if (result != GridShiftResult::Done) return result;
-    const double off_latitude = latitude - shift.north_rad - from_latitude;
-    const double off_west = west - shift.west_rad - from_west;
-    from_latitude += off_latitude;
-    from_west += off_west;
-    const double change = std::abs(off_latitude) + std::abs(off_west);
-    if (change < kClosedRad || change * change < kClosedRad * last_change) {
-      latitude = from_latitude;
-      west = from_west;
+    const double offLatitude = latitude - shift.northRad - fromLatitude;
+    const double offWest = west - shift.westRad - fromWest;
+    fromLatitude += offLatitude;
+    fromWest += offWest;
+    const double change = std::abs(offLatitude) + std::abs(offWest);
+    if (change < kClosedRad || change * change < kClosedRad * lastChange) {
+      latitude = fromLatitude;
+      west = fromWest;
       return GridShiftResult::Done;
     }
-    last_change = change;
+    lastChange = change;
   }
   return GridShiftResult::Outside;
 }
 
 GridShiftResult Ntv2Grid::Forward(Geodetic& position) const noexcept {
   Shift shift;
-  const GridShiftResult result = ShiftAt(position.latitude_rad, -position.longitude_rad, shift);
+  const GridShiftResult result = ShiftAt(position.latitudeRad, -position.longitudeRad, shift);
   if (result != GridShiftResult::Done) return result;
-  position.latitude_rad += shift.north_rad;
-  position.longitude_rad -= shift.west_rad;
+  position.latitudeRad += shift.northRad;
+  position.longitudeRad -= shift.westRad;
   return result;
 }
 
 GridShiftResult Ntv2Grid::Inverse(Geodetic& position) const noexcept {
-  double latitude = position.latitude_rad;
-  double west = -position.longitude_rad;
+  double latitude = position.latitudeRad;
+  double west = -position.longitudeRad;
   const GridShiftResult result = InverseAt(latitude, west);
   if (result != GridShiftResult::Done) return result;
-  position.latitude_rad = latitude;
-  position.longitude_rad = -west;
+  position.latitudeRad = latitude;
+  position.longitudeRad = -west;
   return result;
 }
 
-std::size_t Ntv2Grid::Forward(std::span<double> latitude_rad,
-                              std::span<double> longitude_rad) const noexcept {
+std::size_t Ntv2Grid::Forward(std::span<double> latitudeRad,
+                              std::span<double> longitudeRad) const noexcept {
   std::size_t refused = 0;
-  for (std::size_t i = 0; i < latitude_rad.size(); ++i) {
+  for (std::size_t i = 0; i < latitudeRad.size(); ++i) {
     Shift shift;
-    if (ShiftAt(latitude_rad[i], -longitude_rad[i], shift) != GridShiftResult::Done) {
+    if (ShiftAt(latitudeRad[i], -longitudeRad[i], shift) != GridShiftResult::Done) {
       shift = {kNaN, kNaN};
       ++refused;
     }
-    latitude_rad[i] += shift.north_rad;
-    longitude_rad[i] -= shift.west_rad;
+    latitudeRad[i] += shift.northRad;
+    longitudeRad[i] -= shift.westRad;
   }
   return refused;
 }
 
-std::size_t Ntv2Grid::Inverse(std::span<double> latitude_rad,
-                              std::span<double> longitude_rad) const noexcept {
+std::size_t Ntv2Grid::Inverse(std::span<double> latitudeRad,
+                              std::span<double> longitudeRad) const noexcept {
   std::size_t refused = 0;
-  for (std::size_t i = 0; i < latitude_rad.size(); ++i) {
-    double latitude = latitude_rad[i];
-    double west = -longitude_rad[i];
+  for (std::size_t i = 0; i < latitudeRad.size(); ++i) {
+    double latitude = latitudeRad[i];
+    double west = -longitudeRad[i];
     if (InverseAt(latitude, west) != GridShiftResult::Done) {
       latitude = west = kNaN;
       ++refused;
     }
-    latitude_rad[i] = latitude;
-    longitude_rad[i] = -west;
+    latitudeRad[i] = latitude;
+    longitudeRad[i] = -west;
   }
   return refused;
 }

@@ -49,15 +49,13 @@ class Ntv2Grid {
 
   /// Arrays of positions in place, of one length; NaN where the single position is refused. Returns
   /// how many were. Bit for bit what single positions give.
-  std::size_t Forward(std::span<double> latitude_rad,
-                      std::span<double> longitude_rad) const noexcept;
-  std::size_t Inverse(std::span<double> latitude_rad,
-                      std::span<double> longitude_rad) const noexcept;
+  std::size_t Forward(std::span<double> latitudeRad, std::span<double> longitudeRad) const noexcept;
+  std::size_t Inverse(std::span<double> latitudeRad, std::span<double> longitudeRad) const noexcept;
 
   /// The names of the two systems, as the file gives them.
-  const std::string& from_system() const { return from_system_; }
-  const std::string& to_system() const { return to_system_; }
-  std::size_t grid_count() const { return grids_.size(); }
+  const std::string& fromSystem() const { return fromSystem_; }
+  const std::string& toSystem() const { return toSystem_; }
+  std::size_t gridCount() const { return grids_.size(); }
   Ntv2Part Part(std::size_t index) const;
 
  private:
@@ -67,12 +65,12 @@ class Ntv2Grid {
     std::string name;
     std::string parent;
     GridGeometry geometry;  // radians; the first coordinate is the longitude, west positive
-    std::size_t first_node = 0;
+    std::size_t firstNode = 0;
     std::vector<int> children;
   };
   struct Shift {
-    double north_rad = 0.0;
-    double west_rad = 0.0;
+    double northRad = 0.0;
+    double westRad = 0.0;
   };
   // In radians; a node without a shift holds NaN.
   struct Node {
@@ -95,8 +93,8 @@ class Ntv2Grid {
   bool FindAround(double latitude, double west, Around& around) const noexcept;
   const SubGrid* Densest(double latitude, double west, GridCell& cell) const noexcept;
 
-  std::string from_system_;
-  std::string to_system_;
+  std::string fromSystem_;
+  std::string toSystem_;
   std::vector<SubGrid> grids_;
   std::vector<int> roots_;
   std::vector<Node> nodes_;  // of all grids

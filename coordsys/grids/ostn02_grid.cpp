@@ -57,8 +57,8 @@ bool Columns(std::string_view line, double (&columns)[7]) {
   return true;
 }
 
-bool Encode(double shift_m, std::int32_t base, std::uint16_t& node) {
-  const double above = std::round(shift_m / kMetresPerMillimetre) - base;
+bool Encode(double shiftM, std::int32_t base, std::uint16_t& node) {
+  const double above = std::round(shiftM / kMetresPerMillimetre) - base;
   if (!(above >= 0.0 && above < kNoData)) return false;
   node = static_cast<std::uint16_t>(above);
   return true;
@@ -72,20 +72,20 @@ bool IsNode(double coordinate, int nodes) {
 }  // namespace
 
 GridStatus PackOstn02(std::string_view text, const std::string& path, LoadProgress* progress,
-                      std::string& packed_x, std::string& packed_y) {
+                      std::string& packedX, std::string& packedY) {
   const std::size_t nodes = static_cast<std::size_t>(kColumns) * kRows;
   std::vector<std::uint16_t> east(nodes, kNoData);
   std::vector<std::uint16_t> north(nodes, kNoData);
-  std::size_t line_number = 0;
+  std::size_t lineNumber = 0;
   std::size_t seen = 0;
   const auto wrong = [&](GridProblem problem) {
-    return GridStatus{problem, path, "line " + std::to_string(line_number)};
+    return GridStatus{problem, path, "line " + std::to_string(lineNumber)};
   };
   while (const auto line = TakeLine(text)) {
-    ++line_number;
+    ++lineNumber;
     double c[7];
     if (!Columns(*line, c)) {
-      if (line_number == 1 || WithoutOuterBlanks(*line).empty()) continue;  // a heading, the end
+      if (lineNumber == 1 || WithoutOuterBlanks(*line).empty()) continue;  // a heading, the end
       return wrong(GridProblem::BadValue);
     }
     if (!IsNode(c[1], kColumns) || !IsNode(c[2], kRows)) return wrong(GridProblem::BadValue);
@@ -102,8 +102,8 @@ GridStatus PackOstn02(std::string_view text, const std::string& path, LoadProgre
   }
   if (seen == 0) return wrong(GridProblem::NotThisFormat);
   if (seen != nodes) return wrong(seen < nodes ? GridProblem::CutShort : GridProblem::TooLong);
-  packed_x = Packed(kBaseEast, east);
-  packed_y = Packed(kBaseNorth, north);
+  packedX = Packed(kBaseEast, east);
+  packedY = Packed(kBaseNorth, north);
   return {};
 }
 
@@ -137,7 +137,7 @@ GridStatus Ostn02Part::Parse(FileBytes bytes, const std::string& path, Ostn02Par
     return {view.size() < needed ? GridProblem::CutShort : GridProblem::TooLong, path,
             std::to_string(view.size()) + " of " + std::to_string(needed) + " bytes"};
   }
-  part.base_mm_ = NumberAt<std::int32_t>(at + 16, ByteOrder::Little);
+  part.baseMm_ = NumberAt<std::int32_t>(at + 16, ByteOrder::Little);
   part.geometry_ = *geometry;
   part.bytes_ = std::move(bytes);
   return {};
@@ -150,9 +150,9 @@ std::uint16_t Ostn02Part::Node(int column, int row) const noexcept {
   return NumberAt<std::uint16_t>(bytes_.view().data() + kHeader + 2 * node, ByteOrder::Little);
 }
 
-SurfaceValue Ostn02Part::At(double easting_m, double northing_m) const noexcept {
+SurfaceValue Ostn02Part::At(double eastingM, double northingM) const noexcept {
   if (bytes_.view().empty()) return {};
-  const auto cell = geometry_.CellAt(easting_m, northing_m);
+  const auto cell = geometry_.CellAt(eastingM, northingM);
   if (!cell) return {};
   std::uint16_t nodes[4] = {};
   for (int corner = 0; corner < 4; ++corner) {
@@ -160,7 +160,7 @@ SurfaceValue Ostn02Part::At(double easting_m, double northing_m) const noexcept 
     nodes[corner] = Node(cell->column + corner % 2, cell->row + corner / 2);
     if (nodes[corner] == kNoData) return {SurfaceAnswer::NoCorrection, 0.0};
   }
-  const double mm = Bilinear(*cell, nodes[0], nodes[1], nodes[2], nodes[3]) + base_mm_;
+  const double mm = Bilinear(*cell, nodes[0], nodes[1], nodes[2], nodes[3]) + baseMm_;
   return {SurfaceAnswer::Value, mm * kMetresPerMillimetre};
 }
 

@@ -25,7 +25,7 @@ class Ostn02Part {
   static GridStatus Parse(FileBytes bytes, const std::string& path, Ostn02Part& part);
 
   /// The shift in metres; NoCorrection where a node lies outside of the country.
-  SurfaceValue At(double easting_m, double northing_m) const noexcept;
+  SurfaceValue At(double eastingM, double northingM) const noexcept;
 
   const GridGeometry& geometry() const { return geometry_; }
 
@@ -34,13 +34,13 @@ class Ostn02Part {
 
   FileBytes bytes_;
   GridGeometry geometry_;
-  double base_mm_ = 0.0;
+  double baseMm_ = 0.0;
 };
 
 /// Makes the bytes of both files from the agency's text: comma-separated lines of record number,
 /// easting, northing, shift east, shift north, height shift, datum flag (0: no shift here).
 /// `progress` may be null.
 GridStatus PackOstn02(std::string_view text, const std::string& path, LoadProgress* progress,
-                      std::string& packed_x, std::string& packed_y);
+                      std::string& packedX, std::string& packedY);
 
 }  // namespace tarvex

@@ -10,7 +10,7 @@ constexpr int kNoCorrection = 4152;
 constexpr int kInPart = 4170;  // and 1 for east, 2 for north, 4 for height: what has no value
 constexpr int kNotClosing = 4177;
 constexpr int kMostPasses = 20;
-constexpr double kClosed_m = 1e-7;
+constexpr double kClosedM = 1e-7;
 
 bool HasNone(const SurfaceValue& value) {
   return value.answer == SurfaceAnswer::Outside || value.answer == SurfaceAnswer::NoValue;
@@ -25,13 +25,13 @@ PlaneShift Together(const SurfaceValue& east, const SurfaceValue& north, const S
       return {.reason = kNoCorrection};
     }
   }
-  const bool up_lacks = up != nullptr && HasNone(*up);
-  const int lacking = (HasNone(east) ? 1 : 0) + (HasNone(north) ? 2 : 0) + (up_lacks ? 4 : 0);
+  const bool upLacks = up != nullptr && HasNone(*up);
+  const int lacking = (HasNone(east) ? 1 : 0) + (HasNone(north) ? 2 : 0) + (upLacks ? 4 : 0);
   const bool all = lacking == (up != nullptr ? 7 : 3);
   const bool outside = east.answer == SurfaceAnswer::Outside;
-  return {.north_m = sign * north.value,
-          .east_m = sign * east.value,
-          .up_m = up != nullptr ? sign * up->value : 0.0,
+  return {.northM = sign * north.value,
+          .eastM = sign * east.value,
+          .upM = up != nullptr ? sign * up->value : 0.0,
           .reason = lacking == 0 ? 0
                     : !all       ? kInPart + lacking
                                  : (outside ? kOutside : kNoCorrection)};
@@ -45,10 +45,10 @@ StepOutcome OutcomeOf(const PlaneShift& shift) {
 }  // namespace
 
 StepOutcome PlaneCorrection::ToGrid(GridMetres& point) const {
-  const PlaneShift shift = ShiftAt(point.easting_m, point.northing_m);
-  point.northing_m += shift.north_m;
-  point.easting_m += shift.east_m;
-  point.elevation_m += shift.up_m;
+  const PlaneShift shift = ShiftAt(point.eastingM, point.northingM);
+  point.northingM += shift.northM;
+  point.eastingM += shift.eastM;
+  point.elevationM += shift.upM;
   return OutcomeOf(shift);
 }
 
@@ -56,13 +56,13 @@ StepOutcome PlaneCorrection::ToPlane(GridMetres& point) const {
   GridMetres at = point;
   int lacking = 0;
   for (int pass = 0; pass < kMostPasses; ++pass) {
-    const PlaneShift shift = ShiftAt(at.easting_m, at.northing_m);
-    const double off_north = point.northing_m - shift.north_m - at.northing_m;
-    const double off_east = point.easting_m - shift.east_m - at.easting_m;
-    at.northing_m += off_north;
-    at.easting_m += off_east;
-    at.elevation_m = point.elevation_m - shift.up_m;
-    if (std::abs(off_north) + std::abs(off_east) < kClosed_m) {
+    const PlaneShift shift = ShiftAt(at.eastingM, at.northingM);
+    const double offNorth = point.northingM - shift.northM - at.northingM;
+    const double offEast = point.eastingM - shift.eastM - at.eastingM;
+    at.northingM += offNorth;
+    at.eastingM += offEast;
+    at.elevationM = point.elevationM - shift.upM;
+    if (std::abs(offNorth) + std::abs(offEast) < kClosedM) {
       point = at;
       return OutcomeOf(shift);
     }
@@ -73,23 +73,23 @@ StepOutcome PlaneCorrection::ToPlane(GridMetres& point) const {
   return {StepStatus::Refused, kNotClosing};
 }
 
-SurfaceValue SurfaceCorrection::Value(const GridSurface& surface, double easting_m,
-                                      double northing_m) const {
-  return curve_ == SurfaceCurve::Cubic ? surface.CubicAt(easting_m, northing_m)
-                                       : surface.At(easting_m, northing_m);
+SurfaceValue SurfaceCorrection::Value(const GridSurface& surface, double eastingM,
+                                      double northingM) const {
+  return curve_ == SurfaceCurve::Cubic ? surface.CubicAt(eastingM, northingM)
+                                       : surface.At(eastingM, northingM);
 }
 
-PlaneShift SurfaceCorrection::ShiftAt(double easting_m, double northing_m) const {
-  const SurfaceValue east = Value(east_, easting_m, northing_m);
-  const SurfaceValue north = Value(north_, easting_m, northing_m);
-  const SurfaceValue up = height_ ? Value(*height_, easting_m, northing_m) : SurfaceValue{};
+PlaneShift SurfaceCorrection::ShiftAt(double eastingM, double northingM) const {
+  const SurfaceValue east = Value(east_, eastingM, northingM);
+  const SurfaceValue north = Value(north_, eastingM, northingM);
+  const SurfaceValue up = height_ ? Value(*height_, eastingM, northingM) : SurfaceValue{};
   const double sign = sign_ == SurfaceSign::Added ? 1.0 : -1.0;
   return Together(east, north, height_ ? &up : nullptr, sign);
 }
 
-PlaneShift Ostn02Correction::ShiftAt(double easting_m, double northing_m) const {
-  const SurfaceValue east = east_.At(easting_m, northing_m);
-  const SurfaceValue north = north_.At(easting_m, northing_m);
+PlaneShift Ostn02Correction::ShiftAt(double eastingM, double northingM) const {
+  const SurfaceValue east = east_.At(eastingM, northingM);
+  const SurfaceValue north = north_.At(eastingM, northingM);
   return Together(east, north, nullptr, 1.0);
 }
 

@@ -17,9 +17,9 @@ namespace tarvex {
 
 /// A correction at a place, metres; the reason is 0 where every grid gives its part.
 struct PlaneShift {
-  double north_m = 0.0;
-  double east_m = 0.0;
-  double up_m = 0.0;
+  double northM = 0.0;
+  double eastM = 0.0;
+  double upM = 0.0;
   int reason = 0;
 };
 
@@ -31,7 +31,7 @@ class PlaneCorrection : public GridCorrection {
 
  protected:
   /// What is added to a place on the plane.
-  virtual PlaneShift ShiftAt(double easting_m, double northing_m) const = 0;
+  virtual PlaneShift ShiftAt(double eastingM, double northingM) const = 0;
 };
 
 enum class SurfaceSign { Added, TakenOff };
@@ -52,10 +52,10 @@ class SurfaceCorrection final : public PlaneCorrection {
   std::string Describe() const override { return description_; }
 
  protected:
-  PlaneShift ShiftAt(double easting_m, double northing_m) const override;
+  PlaneShift ShiftAt(double eastingM, double northingM) const override;
 
  private:
-  SurfaceValue Value(const GridSurface& surface, double easting_m, double northing_m) const;
+  SurfaceValue Value(const GridSurface& surface, double eastingM, double northingM) const;
 
   GridSurface east_;
   GridSurface north_;
@@ -74,7 +74,7 @@ class Ostn02Correction final : public PlaneCorrection {
   std::string Describe() const override { return description_; }
 
  protected:
-  PlaneShift ShiftAt(double easting_m, double northing_m) const override;
+  PlaneShift ShiftAt(double eastingM, double northingM) const override;
 
  private:
   Ostn02Part east_;

@@ -9,22 +9,22 @@ namespace {
 
 // Twice the area of a, b, c: above 0 for a turn to the left.
 double Turn(const PlanePoint& a, const PlanePoint& b, const PlanePoint& c) {
-  return (b.easting_m - a.easting_m) * (c.northing_m - a.northing_m) -
-         (b.northing_m - a.northing_m) * (c.easting_m - a.easting_m);
+  return (b.eastingM - a.eastingM) * (c.northingM - a.northingM) -
+         (b.northingM - a.northingM) * (c.eastingM - a.eastingM);
 }
 
 double Distance(const PlanePoint& a, const PlanePoint& b) {
-  return std::hypot(a.easting_m - b.easting_m, a.northing_m - b.northing_m);
+  return std::hypot(a.eastingM - b.eastingM, a.northingM - b.northingM);
 }
 
 double DistanceToSegment(const PlanePoint& p, const PlanePoint& a, const PlanePoint& b) {
-  const double de = b.easting_m - a.easting_m;
-  const double dn = b.northing_m - a.northing_m;
+  const double de = b.eastingM - a.eastingM;
+  const double dn = b.northingM - a.northingM;
   const double square = de * de + dn * dn;
   if (square == 0.0) return Distance(p, a);
-  const double along = (p.easting_m - a.easting_m) * de + (p.northing_m - a.northing_m) * dn;
+  const double along = (p.eastingM - a.eastingM) * de + (p.northingM - a.northingM) * dn;
   const double t = std::clamp(along / square, 0.0, 1.0);
-  return Distance(p, {a.northing_m + t * dn, a.easting_m + t * de});
+  return Distance(p, {a.northingM + t * dn, a.eastingM + t * de});
 }
 
 // One side of the hull over points in order of easting.
@@ -44,7 +44,7 @@ void AppendSide(Iterator first, Iterator last, std::vector<PlanePoint>& hull) {
 
 ControlHull::ControlHull(std::vector<PlanePoint> points) {
   std::sort(points.begin(), points.end(), [](const PlanePoint& a, const PlanePoint& b) {
-    return a.easting_m != b.easting_m ? a.easting_m < b.easting_m : a.northing_m < b.northing_m;
+    return a.eastingM != b.eastingM ? a.eastingM < b.eastingM : a.northingM < b.northingM;
   });
   points.erase(std::unique(points.begin(), points.end()), points.end());
   if (points.size() < 3) {

@@ -16,9 +16,9 @@ struct ControlPoint {
   GridMetres local;  ///< as the site knows it
   /// How much longer a distance is on the ground than on the grid, from the projection's scale and
   /// the height at the point; nothing where the projection gives no scale.
-  std::optional<double> ground_scale = std::nullopt;
-  bool use_horizontal = true;
-  bool use_vertical = true;
+  std::optional<double> groundScale = std::nullopt;
+  bool useHorizontal = true;
+  bool useVertical = true;
 };
 
 using ControlPoints = std::vector<ControlPoint>;

@@ -6,7 +6,7 @@
 namespace tarvex {
 namespace {
 
-constexpr double kCoincide_m = 0.001;
+constexpr double kCoincideM = 0.001;
 
 // Means of the used points; two passes, so that the sums over 1e7 m lose nothing.
 struct Centroids {
@@ -18,7 +18,7 @@ struct Centroids {
 template <typename Visit>
 void ForEachUsed(const ControlPoints& points, Visit visit) {
   for (const ControlPoint& point : points) {
-    if (point.use_horizontal) visit(point);
+    if (point.useHorizontal) visit(point);
   }
 }
 
@@ -26,22 +26,22 @@ Centroids FindCentroids(const ControlPoints& points) {
   Centroids c;
   ForEachUsed(points, [&c](const ControlPoint& p) {
     if (c.points++ == 0) {
-      c.grid = {p.grid.northing_m, p.grid.easting_m};
-      c.local = {p.local.northing_m, p.local.easting_m};
+      c.grid = {p.grid.northingM, p.grid.eastingM};
+      c.local = {p.local.northingM, p.local.eastingM};
     }
   });
   if (c.points == 0) return c;
   double off[4] = {};
   ForEachUsed(points, [&](const ControlPoint& p) {
-    off[0] += p.grid.easting_m - c.grid.easting_m;
-    off[1] += p.grid.northing_m - c.grid.northing_m;
-    off[2] += p.local.easting_m - c.local.easting_m;
-    off[3] += p.local.northing_m - c.local.northing_m;
+    off[0] += p.grid.eastingM - c.grid.eastingM;
+    off[1] += p.grid.northingM - c.grid.northingM;
+    off[2] += p.local.eastingM - c.local.eastingM;
+    off[3] += p.local.northingM - c.local.northingM;
   });
-  c.grid.easting_m += off[0] / c.points;
-  c.grid.northing_m += off[1] / c.points;
-  c.local.easting_m += off[2] / c.points;
-  c.local.northing_m += off[3] / c.points;
+  c.grid.eastingM += off[0] / c.points;
+  c.grid.northingM += off[1] / c.points;
+  c.local.eastingM += off[2] / c.points;
+  c.local.northingM += off[3] / c.points;
   return c;
 }
 
@@ -56,10 +56,10 @@ struct Moments {
 Moments FindMoments(const ControlPoints& points, const Centroids& c) {
   Moments m;
   ForEachUsed(points, [&](const ControlPoint& point) {
-    const double de = point.grid.easting_m - c.grid.easting_m;
-    const double dn = point.grid.northing_m - c.grid.northing_m;
-    const double dx = point.local.easting_m - c.local.easting_m;
-    const double dy = point.local.northing_m - c.local.northing_m;
+    const double de = point.grid.eastingM - c.grid.eastingM;
+    const double dn = point.grid.northingM - c.grid.northingM;
+    const double dx = point.local.eastingM - c.local.eastingM;
+    const double dy = point.local.northingM - c.local.northingM;
     m.s += de * de + dn * dn;
     m.l += dx * dx + dy * dy;
     m.p += de * dx + dn * dy;
@@ -101,26 +101,26 @@ double PlaneSimilarity::scale() const {
   return std::hypot(a, b);
 }
 
-double PlaneSimilarity::rotation_rad() const {
+double PlaneSimilarity::rotationRad() const {
   return std::atan2(b, a);
 }
 
 PlanePoint PlaneSimilarity::ToLocal(const PlanePoint& grid) const noexcept {
-  const double de = grid.easting_m - grid_easting_m;
-  const double dn = grid.northing_m - grid_northing_m;
-  return {.northing_m = local_y_m + b * de + a * dn, .easting_m = local_x_m + a * de - b * dn};
+  const double de = grid.eastingM - gridEastingM;
+  const double dn = grid.northingM - gridNorthingM;
+  return {.northingM = localYM + b * de + a * dn, .eastingM = localXM + a * de - b * dn};
 }
 
 PlanePoint PlaneSimilarity::ToGrid(const PlanePoint& local) const noexcept {
-  const double dx = local.easting_m - local_x_m;
-  const double dy = local.northing_m - local_y_m;
-  const double per_square = 1.0 / (a * a + b * b);
-  return {.northing_m = grid_northing_m + (a * dy - b * dx) * per_square,
-          .easting_m = grid_easting_m + (a * dx + b * dy) * per_square};
+  const double dx = local.eastingM - localXM;
+  const double dy = local.northingM - localYM;
+  const double perSquare = 1.0 / (a * a + b * b);
+  return {.northingM = gridNorthingM + (a * dy - b * dx) * perSquare,
+          .eastingM = gridEastingM + (a * dx + b * dy) * perSquare};
 }
 
 HorizontalFit FitHorizontal(const ControlPoints& points, HorizontalMethod method,
-                            double given_scale) {
+                            double givenScale) {
   HorizontalFit fit;
   const Centroids c = FindCentroids(points);
   fit.points = c.points;
@@ -128,26 +128,26 @@ HorizontalFit FitHorizontal(const ControlPoints& points, HorizontalMethod method
   fit.unknowns = Unknowns(fit.method);
   if (c.points == 0) return fit;
   const Moments m = FindMoments(points, c);
-  if (!std::isfinite(m.s + m.l + m.p + m.q) || !(given_scale > 0.0)) {
+  if (!std::isfinite(m.s + m.l + m.p + m.q) || !(givenScale > 0.0)) {
     fit.result = FitResult::NotANumber;
     return fit;
   }
   const bool turns = fit.method != HorizontalMethod::Translation;
-  if (turns && std::sqrt(std::min(m.s, m.l) / c.points) < kCoincide_m) {
+  if (turns && std::sqrt(std::min(m.s, m.l) / c.points) < kCoincideM) {
     fit.result = FitResult::Coincide;
     return fit;
   }
-  if (turns && std::hypot(m.p, m.q) < kCoincide_m * std::sqrt(m.s)) {
+  if (turns && std::hypot(m.p, m.q) < kCoincideM * std::sqrt(m.s)) {
     fit.result = FitResult::Mirrored;
     return fit;
   }
-  fit.similarity = {.grid_easting_m = c.grid.easting_m,
-                    .grid_northing_m = c.grid.northing_m,
-                    .local_x_m = c.local.easting_m,
-                    .local_y_m = c.local.northing_m};
-  const bool is_given =
+  fit.similarity = {.gridEastingM = c.grid.eastingM,
+                    .gridNorthingM = c.grid.northingM,
+                    .localXM = c.local.eastingM,
+                    .localYM = c.local.northingM};
+  const bool isGiven =
       method == HorizontalMethod::FixedScale || method == HorizontalMethod::Translation;
-  SetTurn(fit.similarity, m, fit.method, is_given ? given_scale : 1.0);
+  SetTurn(fit.similarity, m, fit.method, isGiven ? givenScale : 1.0);
   fit.result = FitResult::Fitted;
   return fit;
 }

@@ -19,16 +19,16 @@
 namespace tarvex {
 
 struct PlaneSimilarity {
-  double grid_easting_m = 0.0;  ///< mE
-  double grid_northing_m = 0.0;
-  double local_x_m = 0.0;  ///< mx
-  double local_y_m = 0.0;
+  double gridEastingM = 0.0;  ///< mE
+  double gridNorthingM = 0.0;
+  double localXM = 0.0;  ///< mx
+  double localYM = 0.0;
   double a = 1.0;
   double b = 0.0;
 
   double scale() const;
   /// Counter-clockwise from grid to local; an azimuth grows by its negative.
-  double rotation_rad() const;
+  double rotationRad() const;
 
   PlanePoint ToLocal(const PlanePoint& grid) const noexcept;
   PlanePoint ToGrid(const PlanePoint& local) const noexcept;
@@ -60,9 +60,9 @@ struct HorizontalFit {
 };
 
 /// The fit to the points that are flagged for horizontal use; with one point, and whatever the
-/// method, a translation. `given_scale` is for FixedScale and Translation; the others, when one
+/// method, a translation. `givenScale` is for FixedScale and Translation; the others, when one
 /// point leaves nothing but a translation, keep the scale at 1.
 HorizontalFit FitHorizontal(const ControlPoints& points, HorizontalMethod method,
-                            double given_scale = 1.0);
+                            double givenScale = 1.0);
 
 }  // namespace tarvex

@@ -20,13 +20,13 @@ std::string Signed(double value, int decimals) {
 }
 
 // Seconds of arc below a minute, else degrees, minutes and seconds; ASCII, for the raw file.
-std::string TurnText(double turn_rad) {
+std::string TurnText(double turnRad) {
   constexpr long long kThousandths = 1000;
-  const double turn_sec = turn_rad * kDegreesPerRadian * 3600.0;
-  if (std::abs(turn_sec) < 60.0) return Signed(turn_sec, 3) + '"';
-  const long long whole = std::llround(std::abs(turn_sec) * kThousandths);
+  const double turnSec = turnRad * kDegreesPerRadian * 3600.0;
+  if (std::abs(turnSec) < 60.0) return Signed(turnSec, 3) + '"';
+  const long long whole = std::llround(std::abs(turnSec) * kThousandths);
   const long long minutes = whole / (60 * kThousandths);
-  std::string text = turn_sec < 0.0 ? "-" : "";
+  std::string text = turnSec < 0.0 ? "-" : "";
   AppendInteger(text, minutes / 60);
   text += " deg ";
   AppendInteger(text, minutes % 60, 2);
@@ -39,11 +39,11 @@ std::string TurnText(double turn_rad) {
 
 // Ground over grid: the distance on the grid is the ground's, taken down to the ellipsoid and drawn
 // at the point scale. The radius is that of the mean curvature at the place.
-double GroundScale(const Ellipsoid& ellipsoid, const Geodetic& at, double point_scale) {
+double GroundScale(const Ellipsoid& ellipsoid, const Geodetic& at, double pointScale) {
   const double e2 = ellipsoid.flattening * (2.0 - ellipsoid.flattening);
-  const double sine = std::sin(at.latitude_rad);
-  const double radius_m = ellipsoid.semi_major_m * std::sqrt(1.0 - e2) / (1.0 - e2 * sine * sine);
-  return (1.0 + at.height_m / radius_m) / point_scale;
+  const double sine = std::sin(at.latitudeRad);
+  const double radiusM = ellipsoid.semiMajorM * std::sqrt(1.0 - e2) / (1.0 - e2 * sine * sine);
+  return (1.0 + at.heightM / radiusM) / pointScale;
 }
 
 // What kept a point from being converted whole.
@@ -56,7 +56,7 @@ std::string WhyNot(CalculationResult result, const CalculationReport& report) {
 
 std::optional<double> PointScaleOf(const CalculationReport& report) {
   for (const ExplainedStep& step : report.steps) {
-    if (step.point_scale) return step.point_scale;
+    if (step.pointScale) return step.pointScale;
   }
   return std::nullopt;
 }
@@ -73,27 +73,27 @@ std::string PointCount(int points) {
 }
 
 LocalizationFit FitLocalization(const ControlPoints& points, const LocalizationMethod& method) {
-  return {.horizontal = FitHorizontal(points, method.horizontal, method.given_scale),
+  return {.horizontal = FitHorizontal(points, method.horizontal, method.givenScale),
           .vertical = FitVertical(points, method.vertical)};
 }
 
 StepOutcome FittedLocalization::ToLocal(GridMetres& point) const {
-  const PlanePoint grid = {point.northing_m, point.easting_m};
-  if (fit_.vertical.result == FitResult::Fitted) point.elevation_m += fit_.vertical.plane.At(grid);
+  const PlanePoint grid = {point.northingM, point.eastingM};
+  if (fit_.vertical.result == FitResult::Fitted) point.elevationM += fit_.vertical.plane.At(grid);
   if (fit_.horizontal.result == FitResult::Fitted) {
     const PlanePoint local = fit_.horizontal.similarity.ToLocal(grid);
-    point.northing_m = local.northing_m;
-    point.easting_m = local.easting_m;
+    point.northingM = local.northingM;
+    point.eastingM = local.eastingM;
   }
   return {};
 }
 
 StepOutcome FittedLocalization::ToGrid(GridMetres& point) const {
-  PlanePoint grid = {point.northing_m, point.easting_m};
+  PlanePoint grid = {point.northingM, point.eastingM};
   if (fit_.horizontal.result == FitResult::Fitted) grid = fit_.horizontal.similarity.ToGrid(grid);
-  if (fit_.vertical.result == FitResult::Fitted) point.elevation_m -= fit_.vertical.plane.At(grid);
-  point.northing_m = grid.northing_m;
-  point.easting_m = grid.easting_m;
+  if (fit_.vertical.result == FitResult::Fitted) point.elevationM -= fit_.vertical.plane.At(grid);
+  point.northingM = grid.northingM;
+  point.eastingM = grid.eastingM;
   return {};
 }
 
@@ -102,26 +102,26 @@ std::string FittedLocalization::Describe() const {
   std::string text;
   if (fit_.horizontal.result == FitResult::Fitted) {
     text = Strings().Text(4120, {PointCount(fit_.horizontal.points),
-                                 Signed((s.scale() - 1.0) * 1e6, 3), TurnText(-s.rotation_rad())});
+                                 Signed((s.scale() - 1.0) * 1e6, 3), TurnText(-s.rotationRad())});
   }
   if (fit_.vertical.result == FitResult::Fitted) {
     const VerticalPlane& plane = fit_.vertical.plane;
     if (!text.empty()) text += "; ";
-    text += Strings().Text(4121,
-                           {PointCount(fit_.vertical.points), Signed(plane.shift_m, 4),
-                            Signed(plane.slope_north * 1e6, 2), Signed(plane.slope_east * 1e6, 2)});
+    text +=
+        Strings().Text(4121, {PointCount(fit_.vertical.points), Signed(plane.shiftM, 4),
+                              Signed(plane.slopeNorth * 1e6, 2), Signed(plane.slopeEast * 1e6, 2)});
   }
   return text;
 }
 
 ControlPoints ProjectControl(const CTrgCalculator& calculator, const LocalizationList& list,
                              std::vector<UnusableControl>& unusable) {
-  CTrgCalculator to_grid = calculator;
+  CTrgCalculator toGrid = calculator;
   CalculationSteps steps = calculator.steps();
   steps.localization = nullptr;
-  to_grid.SetSteps(std::move(steps));
-  to_grid.SetDistanceUnit(DistanceUnit::Metres);
-  const DistanceUnit unit = calculator.distance_unit();
+  toGrid.SetSteps(std::move(steps));
+  toGrid.SetDistanceUnit(DistanceUnit::Metres);
+  const DistanceUnit unit = calculator.distanceUnit();
   const Ellipsoid ellipsoid = EllipsoidOf(calculator.record());
   ControlPoints points;
   for (std::size_t i = 0; i < list.size(); ++i) {
@@ -129,22 +129,22 @@ ControlPoints ProjectControl(const CTrgCalculator& calculator, const Localizatio
     const LocalizationPoint& from = *list[i];
     GridPoint grid;
     CalculationReport report;
-    const CalculationResult result = to_grid.ToGrid(from.gnss, grid, &report);
+    const CalculationResult result = toGrid.ToGrid(from.gnss, grid, &report);
     if (result != CalculationResult::Done) {
       unusable.push_back({i, result, WhyNot(result, report)});
       continue;
     }
-    const auto point_scale = PointScaleOf(report);
-    std::optional<double> ground_scale;
-    if (point_scale) ground_scale = GroundScale(ellipsoid, from.gnss, *point_scale);
+    const auto pointScale = PointScaleOf(report);
+    std::optional<double> groundScale;
+    if (pointScale) groundScale = GroundScale(ellipsoid, from.gnss, *pointScale);
     points.push_back(
         {.name = from.description.empty() ? "Point " + std::to_string(i + 1) : from.description,
          .grid = {grid.northing, grid.easting, grid.elevation},
-         .local = {ToMetres(from.local_y, unit), ToMetres(from.local_x, unit),
-                   ToMetres(from.local_z, unit)},
-         .ground_scale = ground_scale,
-         .use_horizontal = from.use_horizontal == 'Y',
-         .use_vertical = from.use_vertical == 'Y'});
+         .local = {ToMetres(from.localY, unit), ToMetres(from.localX, unit),
+                   ToMetres(from.localZ, unit)},
+         .groundScale = groundScale,
+         .useHorizontal = from.useHorizontal == 'Y',
+         .useVertical = from.useVertical == 'Y'});
   }
   return points;
 }
@@ -152,7 +152,7 @@ ControlPoints ProjectControl(const CTrgCalculator& calculator, const Localizatio
 ControlHull HullOf(const ControlPoints& points) {
   std::vector<PlanePoint> used;
   for (const ControlPoint& point : points) {
-    if (point.use_horizontal) used.push_back({point.grid.northing_m, point.grid.easting_m});
+    if (point.useHorizontal) used.push_back({point.grid.northingM, point.grid.eastingM});
   }
   return ControlHull(std::move(used));
 }

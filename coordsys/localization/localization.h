@@ -13,7 +13,7 @@ namespace tarvex {
 /// How a localization is to be fitted.
 struct LocalizationMethod {
   HorizontalMethod horizontal = HorizontalMethod::Similarity;
-  double given_scale = 1.0;  ///< for FixedScale and Translation
+  double givenScale = 1.0;  ///< for FixedScale and Translation
   VerticalMethod vertical = VerticalMethod::Shift;
 
   bool operator==(const LocalizationMethod&) const = default;

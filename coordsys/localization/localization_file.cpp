@@ -29,24 +29,24 @@ XmlRecord PointRecord(const LocalizationPoint& point, std::size_t position, Dist
   XmlRecord record;
   record.name = "Point " + std::to_string(position);
   record.values = {
-      Text("Lat", fixed(point.gnss.latitude_rad * kDegreesPerRadian)),
-      Text("Lon", fixed(point.gnss.longitude_rad * kDegreesPerRadian)),
-      Text("Ellipsoid_Elv", fixed(point.gnss.height_m)),
-      Text("Local_X", fixed(ToMetres(point.local_x, unit))),
-      Text("Local_Y", fixed(ToMetres(point.local_y, unit))),
-      Text("Local_Z", fixed(ToMetres(point.local_z, unit))),
+      Text("Lat", fixed(point.gnss.latitudeRad * kDegreesPerRadian)),
+      Text("Lon", fixed(point.gnss.longitudeRad * kDegreesPerRadian)),
+      Text("Ellipsoid_Elv", fixed(point.gnss.heightM)),
+      Text("Local_X", fixed(ToMetres(point.localX, unit))),
+      Text("Local_Y", fixed(ToMetres(point.localY, unit))),
+      Text("Local_Z", fixed(ToMetres(point.localZ, unit))),
       Number("HRMS", point.hrms),
       Number("VRMS", point.vrms),
-      Text("Use_Horizontal", point.use_horizontal == 'Y' ? "Yes" : "No"),
-      Text("Use_Vertical", point.use_vertical == 'Y' ? "Yes" : "No"),
+      Text("Use_Horizontal", point.useHorizontal == 'Y' ? "Yes" : "No"),
+      Text("Use_Vertical", point.useVertical == 'Y' ? "Yes" : "No"),
       Text("Description", point.description),
   };
   return record;
 }
 
 bool IsWritable(const LocalizationPoint& point) {
-  for (const double value : {point.gnss.latitude_rad, point.gnss.longitude_rad, point.gnss.height_m,
-                             point.local_x, point.local_y, point.local_z, point.hrms, point.vrms}) {
+  for (const double value : {point.gnss.latitudeRad, point.gnss.longitudeRad, point.gnss.heightM,
+                             point.localX, point.localY, point.localZ, point.hrms, point.vrms}) {
     if (!std::isfinite(value)) return false;
   }
   return true;
@@ -101,16 +101,16 @@ LocalizationPoint ReadPoint(const XmlRecord& record, DistanceUnit unit, Localiza
   constexpr double kFarthest = 1e9;
   PointReader reader(record, fault);
   LocalizationPoint point;
-  point.gnss.latitude_rad = reader.Needed("Lat", 90.0) * kRadiansPerDegree;
-  point.gnss.longitude_rad = reader.Needed("Lon", 360.0) * kRadiansPerDegree;
-  point.gnss.height_m = reader.Needed("Ellipsoid_Elv", kFarthest);
-  point.local_x = FromMetres(reader.Needed("Local_X", kFarthest), unit);
-  point.local_y = FromMetres(reader.Needed("Local_Y", kFarthest), unit);
-  point.local_z = FromMetres(reader.Needed("Local_Z", kFarthest), unit);
+  point.gnss.latitudeRad = reader.Needed("Lat", 90.0) * kRadiansPerDegree;
+  point.gnss.longitudeRad = reader.Needed("Lon", 360.0) * kRadiansPerDegree;
+  point.gnss.heightM = reader.Needed("Ellipsoid_Elv", kFarthest);
+  point.localX = FromMetres(reader.Needed("Local_X", kFarthest), unit);
+  point.localY = FromMetres(reader.Needed("Local_Y", kFarthest), unit);
+  point.localZ = FromMetres(reader.Needed("Local_Z", kFarthest), unit);
   point.hrms = reader.Optional("HRMS");
   point.vrms = reader.Optional("VRMS");
-  point.use_horizontal = reader.Flag("Use_Horizontal");
-  point.use_vertical = reader.Flag("Use_Vertical");
+  point.useHorizontal = reader.Flag("Use_Horizontal");
+  point.useVertical = reader.Flag("Use_Vertical");
   point.description = reader.Text("Description");
   return point;
 }
@@ -147,10 +147,10 @@ SaveLocalizationResult SaveLocalization(FileSystem& files, const std::string& pa
 std::optional<ReadLocalization> ParseLocalization(std::string_view document, DistanceUnit unit,
                                                   LocalizationFault& fault) {
   fault = {};
-  XmlFault xml_fault;
-  const auto root = ReadXmlRecord(document, xml_fault);
+  XmlFault xmlFault;
+  const auto root = ReadXmlRecord(document, xmlFault);
   if (!root) {
-    fault = {xml_fault.line, Strings().Text(4110, {xml_fault.text})};
+    fault = {xmlFault.line, Strings().Text(4110, {xmlFault.text})};
     return std::nullopt;
   }
   const XmlValue* const units = root->Find("Units");

@@ -11,14 +11,14 @@
 namespace tarvex {
 
 struct LocalizationPoint {
-  Geodetic gnss;         ///< WGS84
-  double local_x = 0.0;  ///< local easting, in the job's distance unit, as y and z
-  double local_y = 0.0;  ///< local northing
-  double local_z = 0.0;  ///< local elevation
-  double hrms = 0.0;     ///< of the GNSS position, in the unit it was observed in
+  Geodetic gnss;        ///< WGS84
+  double localX = 0.0;  ///< local easting, in the job's distance unit, as y and z
+  double localY = 0.0;  ///< local northing
+  double localZ = 0.0;  ///< local elevation
+  double hrms = 0.0;    ///< of the GNSS position, in the unit it was observed in
   double vrms = 0.0;
-  char use_horizontal = 'Y';  ///< 'Y': takes part in the horizontal fit; anything else does not
-  char use_vertical = 'Y';
+  char useHorizontal = 'Y';  ///< 'Y': takes part in the horizontal fit; anything else does not
+  char useVertical = 'Y';
   std::string description;
 
   bool operator==(const LocalizationPoint&) const = default;

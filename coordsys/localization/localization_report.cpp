@@ -9,25 +9,25 @@
 namespace tarvex {
 namespace {
 
-constexpr double kSmallExtent_m = 20.0;
-constexpr double kFarScale_ppm = 200.0;
+constexpr double kSmallExtentM = 20.0;
+constexpr double kFarScalePpm = 200.0;
 constexpr double kBlunderChance = 0.01;
-constexpr double kFinest_m = 0.001;  // no control is better than a millimetre
-constexpr double kBlunderAtLeast_m = 0.005;
-constexpr double kLargeHorizontal_m = 0.05;
-constexpr double kLargeVertical_m = 0.10;
+constexpr double kFinestM = 0.001;  // no control is better than a millimetre
+constexpr double kBlunderAtLeastM = 0.005;
+constexpr double kLargeHorizontalM = 0.05;
+constexpr double kLargeVerticalM = 0.10;
 constexpr double kThinnest = 0.02;
 
 PlanePoint OnGrid(const ControlPoint& point) {
-  return {point.grid.northing_m, point.grid.easting_m};
+  return {point.grid.northingM, point.grid.eastingM};
 }
 
 void SetResiduals(const ControlPoint& point, const LocalizationFit& fit, PointResidual& row) {
   GridMetres made = point.grid;
   (void)FittedLocalization(fit).ToLocal(made);
-  row.east_m = point.local.easting_m - made.easting_m;
-  row.north_m = point.local.northing_m - made.northing_m;
-  row.elevation_m = point.local.elevation_m - made.elevation_m;
+  row.eastM = point.local.eastingM - made.eastingM;
+  row.northM = point.local.northingM - made.northingM;
+  row.elevationM = point.local.elevationM - made.elevationM;
 }
 
 // Fits once more without the point.
@@ -38,20 +38,20 @@ void LeaveOut(const ControlPoints& points, std::size_t index, const Localization
   const LocalizationFit without = FitLocalization(others, method);
   PointResidual missed;
   SetResiduals(points[index], without, missed);
-  if (row.in_horizontal && fit.horizontal.result == FitResult::Fitted &&
+  if (row.inHorizontal && fit.horizontal.result == FitResult::Fitted &&
       without.horizontal.result == FitResult::Fitted &&
       without.horizontal.method == fit.horizontal.method) {
     const PlaneSimilarity& a = without.horizontal.similarity;
     const PlaneSimilarity& b = fit.horizontal.similarity;
-    row.left_out = LeftOut{
-        .miss_east_m = missed.east_m,
-        .miss_north_m = missed.north_m,
-        .scale_change_ppm = (a.scale() - b.scale()) * 1e6,
-        .rotation_change_rad = std::remainder(a.rotation_rad() - b.rotation_rad(), 2.0 * M_PI)};
+    row.leftOut =
+        LeftOut{.missEastM = missed.eastM,
+                .missNorthM = missed.northM,
+                .scaleChangePpm = (a.scale() - b.scale()) * 1e6,
+                .rotationChangeRad = std::remainder(a.rotationRad() - b.rotationRad(), 2.0 * M_PI)};
   }
-  if (row.in_vertical && without.vertical.result == FitResult::Fitted &&
+  if (row.inVertical && without.vertical.result == FitResult::Fitted &&
       without.vertical.method == fit.vertical.method) {
-    row.left_out_elevation_m = missed.elevation_m;
+    row.leftOutElevationM = missed.elevationM;
   }
 }
 
@@ -59,8 +59,8 @@ std::optional<double> MeanGround_ppm(const ControlPoints& points) {
   double sum = 0.0;
   int count = 0;
   for (const ControlPoint& point : points) {
-    if (!point.use_horizontal || !point.ground_scale) continue;
-    sum += *point.ground_scale - 1.0;
+    if (!point.useHorizontal || !point.groundScale) continue;
+    sum += *point.groundScale - 1.0;
     ++count;
   }
   if (count == 0) return std::nullopt;
@@ -71,8 +71,8 @@ std::optional<double> MeanGround_ppm(const ControlPoints& points) {
 double Leverage(const PlanePoint& at, const HorizontalFit& fit, double spread) {
   const double own = 1.0 / fit.points;
   if (fit.unknowns == 2 || spread == 0.0) return own;
-  const double de = at.easting_m - fit.similarity.grid_easting_m;
-  const double dn = at.northing_m - fit.similarity.grid_northing_m;
+  const double de = at.eastingM - fit.similarity.gridEastingM;
+  const double dn = at.northingM - fit.similarity.gridNorthingM;
   const double share = (de * de + dn * dn) / spread;
   return own + (fit.unknowns == 4 ? share : 0.5 * share);
 }
@@ -80,9 +80,9 @@ double Leverage(const PlanePoint& at, const HorizontalFit& fit, double spread) {
 double Spread(const ControlPoints& points, const HorizontalFit& fit) {
   double spread = 0.0;
   for (const ControlPoint& point : points) {
-    if (!point.use_horizontal) continue;
-    const double de = point.grid.easting_m - fit.similarity.grid_easting_m;
-    const double dn = point.grid.northing_m - fit.similarity.grid_northing_m;
+    if (!point.useHorizontal) continue;
+    const double de = point.grid.eastingM - fit.similarity.gridEastingM;
+    const double dn = point.grid.northingM - fit.similarity.gridNorthingM;
     spread += de * de + dn * dn;
   }
   return spread;
@@ -94,33 +94,33 @@ void SetStatistics(const ControlPoints& points, LocalizationReport& report) {
   double up = 0.0;
   const bool fitted = report.fit.horizontal.result == FitResult::Fitted;
   for (const PointResidual& row : report.points) {
-    if (row.in_horizontal && fitted) {
-      east += row.east_m * row.east_m;
-      north += row.north_m * row.north_m;
+    if (row.inHorizontal && fitted) {
+      east += row.eastM * row.eastM;
+      north += row.northM * row.northM;
     }
-    if (row.in_vertical) up += row.elevation_m * row.elevation_m;
+    if (row.inVertical) up += row.elevationM * row.elevationM;
   }
   const HorizontalFit& h = report.fit.horizontal;
   const VerticalFit& v = report.fit.vertical;
-  report.rms_east_m = h.points > 0 ? std::sqrt(east / h.points) : 0.0;
-  report.rms_north_m = h.points > 0 ? std::sqrt(north / h.points) : 0.0;
-  report.rms_elevation_m = v.points > 0 ? std::sqrt(up / v.points) : 0.0;
-  report.horizontal_redundancy = fitted ? std::max(0, h.redundancy()) : 0;
-  report.vertical_redundancy = std::max(0, v.redundancy());
-  if (report.horizontal_redundancy > 0) {
-    report.sigma_horizontal_m = std::sqrt((east + north) / report.horizontal_redundancy);
+  report.rmsEastM = h.points > 0 ? std::sqrt(east / h.points) : 0.0;
+  report.rmsNorthM = h.points > 0 ? std::sqrt(north / h.points) : 0.0;
+  report.rmsElevationM = v.points > 0 ? std::sqrt(up / v.points) : 0.0;
+  report.horizontalRedundancy = fitted ? std::max(0, h.redundancy()) : 0;
+  report.verticalRedundancy = std::max(0, v.redundancy());
+  if (report.horizontalRedundancy > 0) {
+    report.sigmaHorizontalM = std::sqrt((east + north) / report.horizontalRedundancy);
   }
-  if (report.vertical_redundancy > 0) {
-    report.sigma_vertical_m = std::sqrt(up / report.vertical_redundancy);
+  if (report.verticalRedundancy > 0) {
+    report.sigmaVerticalM = std::sqrt(up / report.verticalRedundancy);
   }
-  if (!report.sigma_horizontal_m || *report.sigma_horizontal_m <= 0.0) return;
+  if (!report.sigmaHorizontalM || *report.sigmaHorizontalM <= 0.0) return;
   const double spread = Spread(points, h);
   for (std::size_t i = 0; i < points.size(); ++i) {
-    if (!report.points[i].in_horizontal) continue;
+    if (!report.points[i].inHorizontal) continue;
     const double left = 1.0 - Leverage(OnGrid(points[i]), h, spread);
     if (left < 1e-6) continue;
     report.points[i].standardised =
-        report.points[i].horizontal_m() / (*report.sigma_horizontal_m * std::sqrt(2.0 * left));
+        report.points[i].horizontalM() / (*report.sigmaHorizontalM * std::sqrt(2.0 * left));
   }
 }
 
@@ -130,10 +130,10 @@ class WarningWriter {
   WarningWriter(const ControlPoints& points, DistanceUnit unit, LocalizationReport& report)
       : points_(points), unit_(unit), report_(report) {}
 
-  void Write(const std::vector<PlanePoint>& job_points) {
+  void Write(const std::vector<PlanePoint>& jobPoints) {
     const HorizontalFit& h = report_.fit.horizontal;
     const VerticalFit& v = report_.fit.vertical;
-    if (h.result == FitResult::Fitted) Horizontal(h, job_points);
+    if (h.result == FitResult::Fitted) Horizontal(h, jobPoints);
     if (v.result == FitResult::Fitted) Vertical(v);
     LargeResiduals(h.result == FitResult::Fitted, v.result == FitResult::Fitted);
   }
@@ -149,30 +149,30 @@ class WarningWriter {
            (unit_ == DistanceUnit::Metres ? " m" : " ft");
   }
 
-  void Horizontal(const HorizontalFit& h, const std::vector<PlanePoint>& job_points) {
-    if (report_.horizontal_redundancy == 0) {
+  void Horizontal(const HorizontalFit& h, const std::vector<PlanePoint>& jobPoints) {
+    if (report_.horizontalRedundancy == 0) {
       Add(LocalizationWarning::NoHorizontalCheck, 4130, {PointCount(h.points)});
     }
     const ControlHull hull = HullOf(points_);
     if (h.points >= 3 && IsThin()) Add(LocalizationWarning::CollinearControl, 4131);
-    if (h.points >= 2 && hull.Extent_m() < kSmallExtent_m) {
+    if (h.points >= 2 && hull.Extent_m() < kSmallExtentM) {
       Add(LocalizationWarning::SmallExtent, 4132, {Length(hull.Extent_m(), 1)});
     }
     FarScale();
     Blunder();
-    Outside(hull, job_points);
+    Outside(hull, jobPoints);
   }
 
   // Local coordinates lie on the grid or on the ground; a scale near neither is a mistake.
   void FarScale() {
-    const double from_grid = report_.scale_ppm;
-    if (std::abs(from_grid) <= kFarScale_ppm) return;
-    if (!report_.ground_ppm) {
-      return Add(LocalizationWarning::FarScale, 4133, {FixedNumber(from_grid, 1)});
+    const double fromGrid = report_.scalePpm;
+    if (std::abs(fromGrid) <= kFarScalePpm) return;
+    if (!report_.groundPpm) {
+      return Add(LocalizationWarning::FarScale, 4133, {FixedNumber(fromGrid, 1)});
     }
-    if (std::abs(from_grid - *report_.ground_ppm) <= kFarScale_ppm) return;
+    if (std::abs(fromGrid - *report_.groundPpm) <= kFarScalePpm) return;
     Add(LocalizationWarning::FarScale, 4141,
-        {FixedNumber(from_grid, 1), FixedNumber(*report_.ground_ppm, 1)});
+        {FixedNumber(fromGrid, 1), FixedNumber(*report_.groundPpm, 1)});
   }
 
   // By the eigenvalues of the spread of the used points.
@@ -182,9 +182,9 @@ class WarningWriter {
     double nn = 0.0;
     double en = 0.0;
     for (const ControlPoint& point : points_) {
-      if (!point.use_horizontal) continue;
-      const double de = point.grid.easting_m - s.grid_easting_m;
-      const double dn = point.grid.northing_m - s.grid_northing_m;
+      if (!point.useHorizontal) continue;
+      const double de = point.grid.eastingM - s.gridEastingM;
+      const double dn = point.grid.northingM - s.gridNorthingM;
       ee += de * de;
       nn += dn * dn;
       en += de * dn;
@@ -197,19 +197,19 @@ class WarningWriter {
   // The point that the others miss most, when that is far beyond what they miss themselves by.
   void Blunder() {
     const PointResidual* worst = nullptr;
-    double worst_miss = kBlunderAtLeast_m;
+    double worstMiss = kBlunderAtLeastM;
     for (const PointResidual& row : report_.points) {
-      if (!row.left_out) continue;
-      const double miss = std::hypot(row.left_out->miss_east_m, row.left_out->miss_north_m);
-      if (miss > worst_miss) {
+      if (!row.leftOut) continue;
+      const double miss = std::hypot(row.leftOut->missEastM, row.leftOut->missNorthM);
+      if (miss > worstMiss) {
         worst = &row;
-        worst_miss = miss;
+        worstMiss = miss;
       }
     }
     if (worst == nullptr) return;
     const double chance = Chance(*worst);
     if (chance * report_.fit.horizontal.points < kBlunderChance) {
-      Add(LocalizationWarning::LikelyBlunder, 4134, {worst->name, Length(worst_miss, 3)});
+      Add(LocalizationWarning::LikelyBlunder, 4134, {worst->name, Length(worstMiss, 3)});
     }
   }
 
@@ -221,19 +221,18 @@ class WarningWriter {
     if (redundancy <= 0) return 1.0;
     double squares = 0.0;
     for (const PointResidual& other : report_.points) {
-      if (other.in_horizontal) squares += other.horizontal_m() * other.horizontal_m();
+      if (other.inHorizontal) squares += other.horizontalM() * other.horizontalM();
     }
     // Leaving a point out takes the product of its residual and its miss off the squares.
-    const double share =
-        row.east_m * row.left_out->miss_east_m + row.north_m * row.left_out->miss_north_m;
-    const double left = std::max(squares - share, redundancy * kFinest_m * kFinest_m);
+    const double share = row.eastM * row.leftOut->missEastM + row.northM * row.leftOut->missNorthM;
+    const double left = std::max(squares - share, redundancy * kFinestM * kFinestM);
     return std::pow(1.0 + share / left, -0.5 * redundancy);
   }
 
-  void Outside(const ControlHull& hull, const std::vector<PlanePoint>& job_points) {
+  void Outside(const ControlHull& hull, const std::vector<PlanePoint>& jobPoints) {
     int outside = 0;
     double farthest = 0.0;
-    for (const PlanePoint& point : job_points) {
+    for (const PlanePoint& point : jobPoints) {
       const double beyond = hull.MetresOutside(point);
       if (beyond <= 0.1 * hull.Extent_m()) continue;
       ++outside;
@@ -241,14 +240,14 @@ class WarningWriter {
     }
     if (outside == 0) return;
     Add(LocalizationWarning::OutsideControl, 4135,
-        {std::to_string(outside), std::to_string(job_points.size()), Length(farthest, 0)});
+        {std::to_string(outside), std::to_string(jobPoints.size()), Length(farthest, 0)});
   }
 
   void Vertical(const VerticalFit& v) {
-    if (report_.vertical_redundancy == 0) {
+    if (report_.verticalRedundancy == 0) {
       Add(LocalizationWarning::NoVerticalCheck, 4136, {PointCount(v.points)});
     }
-    switch (v.fall_back) {
+    switch (v.fallBack) {
       case PlaneFallBack::TooFewPoints:
         return Add(LocalizationWarning::PlaneNotFitted, 4137);
       case PlaneFallBack::OnALine:
@@ -262,13 +261,13 @@ class WarningWriter {
 
   void LargeResiduals(bool horizontal, bool vertical) {
     for (const PointResidual& row : report_.points) {
-      const bool wide = horizontal && row.in_horizontal && row.horizontal_m() > kLargeHorizontal_m;
-      const bool high = vertical && row.in_vertical && std::abs(row.elevation_m) > kLargeVertical_m;
+      const bool wide = horizontal && row.inHorizontal && row.horizontalM() > kLargeHorizontalM;
+      const bool high = vertical && row.inVertical && std::abs(row.elevationM) > kLargeVerticalM;
       if (wide) {
-        Add(LocalizationWarning::LargeResidual, 4140, {row.name, Length(row.horizontal_m(), 3)});
+        Add(LocalizationWarning::LargeResidual, 4140, {row.name, Length(row.horizontalM(), 3)});
       }
       if (high) {
-        Add(LocalizationWarning::LargeResidual, 4142, {row.name, Length(row.elevation_m, 3)});
+        Add(LocalizationWarning::LargeResidual, 4142, {row.name, Length(row.elevationM, 3)});
       }
     }
   }
@@ -280,30 +279,29 @@ class WarningWriter {
 
 }  // namespace
 
-double PointResidual::horizontal_m() const {
-  return std::hypot(east_m, north_m);
+double PointResidual::horizontalM() const {
+  return std::hypot(eastM, northM);
 }
 
 LocalizationReport ReportLocalization(const ControlPoints& points, const LocalizationMethod& method,
-                                      const std::vector<PlanePoint>& job_points,
-                                      DistanceUnit unit) {
+                                      const std::vector<PlanePoint>& jobPoints, DistanceUnit unit) {
   LocalizationReport report;
   report.fit = FitLocalization(points, method);
   const PlaneSimilarity& similarity = report.fit.horizontal.similarity;
-  report.scale_ppm = (similarity.scale() - 1.0) * 1e6;
-  report.ground_ppm = MeanGround_ppm(points);
-  report.rotation_clockwise_rad = -similarity.rotation_rad();
+  report.scalePpm = (similarity.scale() - 1.0) * 1e6;
+  report.groundPpm = MeanGround_ppm(points);
+  report.rotationClockwiseRad = -similarity.rotationRad();
   for (std::size_t i = 0; i < points.size(); ++i) {
     PointResidual row;
     row.name = points[i].name;
-    row.in_horizontal = points[i].use_horizontal;
-    row.in_vertical = points[i].use_vertical;
+    row.inHorizontal = points[i].useHorizontal;
+    row.inVertical = points[i].useVertical;
     SetResiduals(points[i], report.fit, row);
     LeaveOut(points, i, method, report.fit, row);
     report.points.push_back(std::move(row));
   }
   SetStatistics(points, report);
-  WarningWriter(points, unit, report).Write(job_points);
+  WarningWriter(points, unit, report).Write(jobPoints);
   return report;
 }
 

@@ -15,26 +15,26 @@ namespace tarvex {
 
 /// What changes when a point is left out of the fit.
 struct LeftOut {
-  double miss_east_m = 0.0;  ///< by what the fit without the point misses it
-  double miss_north_m = 0.0;
-  double scale_change_ppm = 0.0;     ///< of the scale, without minus with
-  double rotation_change_rad = 0.0;  ///< counter-clockwise
+  double missEastM = 0.0;  ///< by what the fit without the point misses it
+  double missNorthM = 0.0;
+  double scaleChangePpm = 0.0;     ///< of the scale, without minus with
+  double rotationChangeRad = 0.0;  ///< counter-clockwise
 };
 
 /// Residuals of a part (horizontal, vertical) that was not fitted mean nothing.
 struct PointResidual {
   std::string name;
-  bool in_horizontal = false;
-  bool in_vertical = false;
-  double east_m = 0.0;
-  double north_m = 0.0;
-  double elevation_m = 0.0;
-  std::optional<LeftOut> left_out;             ///< for points of the horizontal fit with redundancy
-  std::optional<double> left_out_elevation_m;  ///< for points of the vertical fit with redundancy
+  bool inHorizontal = false;
+  bool inVertical = false;
+  double eastM = 0.0;
+  double northM = 0.0;
+  double elevationM = 0.0;
+  std::optional<LeftOut> leftOut;           ///< for points of the horizontal fit with redundancy
+  std::optional<double> leftOutElevationM;  ///< for points of the vertical fit with redundancy
   /// The residual over its own standard deviation in the fit; empty without redundancy.
   std::optional<double> standardised;
 
-  double horizontal_m() const;
+  double horizontalM() const;
 };
 
 enum class LocalizationWarning {
@@ -56,27 +56,27 @@ struct WarningText {
 
 struct LocalizationReport {
   LocalizationFit fit;
-  double scale_ppm = 0.0;  ///< scale minus 1
+  double scalePpm = 0.0;  ///< scale minus 1
   /// What the scale is, less 1, where local distances are those on the ground: the mean of the
   /// points of the horizontal fit.
-  std::optional<double> ground_ppm;
-  double rotation_clockwise_rad = 0.0;
-  int horizontal_redundancy = 0;
-  int vertical_redundancy = 0;
+  std::optional<double> groundPpm;
+  double rotationClockwiseRad = 0.0;
+  int horizontalRedundancy = 0;
+  int verticalRedundancy = 0;
   /// Standard deviation of a coordinate; empty without redundancy.
-  std::optional<double> sigma_horizontal_m;
-  std::optional<double> sigma_vertical_m;
-  double rms_east_m = 0.0;
-  double rms_north_m = 0.0;
-  double rms_elevation_m = 0.0;
+  std::optional<double> sigmaHorizontalM;
+  std::optional<double> sigmaVerticalM;
+  double rmsEastM = 0.0;
+  double rmsNorthM = 0.0;
+  double rmsElevationM = 0.0;
   std::vector<PointResidual> points;
   std::vector<WarningText> warnings;
 };
 
-/// The fit of `points` and everything about it. `job_points` are places on the grid that the
+/// The fit of `points` and everything about it. `jobPoints` are places on the grid that the
 /// localization is to serve; they may be none. Warnings give lengths in `unit`.
 LocalizationReport ReportLocalization(const ControlPoints& points, const LocalizationMethod& method,
-                                      const std::vector<PlanePoint>& job_points = {},
+                                      const std::vector<PlanePoint>& jobPoints = {},
                                       DistanceUnit unit = DistanceUnit::Metres);
 
 }  // namespace tarvex

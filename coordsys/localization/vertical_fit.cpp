@@ -28,9 +28,8 @@ struct Spread {
 std::vector<Sample> Centre(const ControlPoints& points, VerticalPlane& plane) {
   std::vector<Sample> samples;
   for (const ControlPoint& p : points) {
-    if (!p.use_vertical) continue;
-    samples.push_back(
-        {p.grid.easting_m, p.grid.northing_m, p.local.elevation_m - p.grid.elevation_m});
+    if (!p.useVertical) continue;
+    samples.push_back({p.grid.eastingM, p.grid.northingM, p.local.elevationM - p.grid.elevationM});
   }
   if (samples.empty()) return samples;
   const Sample first = samples.front();
@@ -43,11 +42,11 @@ std::vector<Sample> Centre(const ControlPoints& points, VerticalPlane& plane) {
     dz += s.dz - first.dz;
   }
   const auto count = static_cast<double>(samples.size());
-  plane.grid_easting_m = first.east + east / count;
-  plane.grid_northing_m = first.north + north / count;
-  plane.shift_m = first.dz + dz / count;
+  plane.gridEastingM = first.east + east / count;
+  plane.gridNorthingM = first.north + north / count;
+  plane.shiftM = first.dz + dz / count;
   for (Sample& s : samples) {
-    s = {s.east - plane.grid_easting_m, s.north - plane.grid_northing_m, s.dz - plane.shift_m};
+    s = {s.east - plane.gridEastingM, s.north - plane.gridNorthingM, s.dz - plane.shiftM};
   }
   return samples;
 }
@@ -76,11 +75,11 @@ PlaneFallBack Incline(const std::vector<Sample>& samples, VerticalPlane& plane) 
   const Spread m = SpreadOf(samples);
   if (IsOnALine(m)) return PlaneFallBack::OnALine;
   const double d = m.ee * m.nn - m.en * m.en;
-  const double slope_east = (m.ez * m.nn - m.nz * m.en) / d;
-  const double slope_north = (m.nz * m.ee - m.ez * m.en) / d;
-  if (std::hypot(slope_east, slope_north) > kSteepest) return PlaneFallBack::TooSteep;
-  plane.slope_east = slope_east;
-  plane.slope_north = slope_north;
+  const double slopeEast = (m.ez * m.nn - m.nz * m.en) / d;
+  const double slopeNorth = (m.nz * m.ee - m.ez * m.en) / d;
+  if (std::hypot(slopeEast, slopeNorth) > kSteepest) return PlaneFallBack::TooSteep;
+  plane.slopeEast = slopeEast;
+  plane.slopeNorth = slopeNorth;
   return PlaneFallBack::None;
 }
 
@@ -91,13 +90,13 @@ VerticalFit FitVertical(const ControlPoints& points, VerticalMethod method) {
   const std::vector<Sample> samples = Centre(points, fit.plane);
   fit.points = static_cast<int>(samples.size());
   if (samples.empty()) return fit;
-  if (!std::isfinite(fit.plane.shift_m + fit.plane.grid_easting_m + fit.plane.grid_northing_m)) {
+  if (!std::isfinite(fit.plane.shiftM + fit.plane.gridEastingM + fit.plane.gridNorthingM)) {
     fit.result = FitResult::NotANumber;
     return fit;
   }
   if (method == VerticalMethod::InclinedPlane) {
-    fit.fall_back = Incline(samples, fit.plane);
-    if (fit.fall_back == PlaneFallBack::None) fit.method = VerticalMethod::InclinedPlane;
+    fit.fallBack = Incline(samples, fit.plane);
+    if (fit.fallBack == PlaneFallBack::None) fit.method = VerticalMethod::InclinedPlane;
   }
   fit.unknowns = fit.method == VerticalMethod::InclinedPlane ? 3 : 1;
   fit.result = FitResult::Fitted;

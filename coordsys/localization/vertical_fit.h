@@ -11,16 +11,16 @@
 namespace tarvex {
 
 struct VerticalPlane {
-  double grid_easting_m = 0.0;
-  double grid_northing_m = 0.0;
-  double shift_m = 0.0;      ///< c0, at the centroid
-  double slope_east = 0.0;   ///< cE, metres a metre
-  double slope_north = 0.0;  ///< cN
+  double gridEastingM = 0.0;
+  double gridNorthingM = 0.0;
+  double shiftM = 0.0;      ///< c0, at the centroid
+  double slopeEast = 0.0;   ///< cE, metres a metre
+  double slopeNorth = 0.0;  ///< cN
 
   /// What is added to an elevation at a place on the grid.
   double At(const PlanePoint& grid) const noexcept {
-    return shift_m + slope_east * (grid.easting_m - grid_easting_m) +
-           slope_north * (grid.northing_m - grid_northing_m);
+    return shiftM + slopeEast * (grid.eastingM - gridEastingM) +
+           slopeNorth * (grid.northingM - gridNorthingM);
   }
 };
 
@@ -40,7 +40,7 @@ enum class PlaneFallBack {
 struct VerticalFit {
   FitResult result = FitResult::NoPoints;
   VerticalMethod method = VerticalMethod::Shift;  ///< the one that was fitted
-  PlaneFallBack fall_back = PlaneFallBack::None;
+  PlaneFallBack fallBack = PlaneFallBack::None;
   VerticalPlane plane;
   int points = 0;
   int unknowns = 0;

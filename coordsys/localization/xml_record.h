@@ -31,7 +31,7 @@ struct XmlRecord {
   int line = 0;  ///< where it was read
 
   /// The first value of a name; null when there is none.
-  const XmlValue* Find(std::string_view value_name) const;
+  const XmlValue* Find(std::string_view valueName) const;
 };
 
 std::string WriteXmlRecord(const XmlRecord& root);

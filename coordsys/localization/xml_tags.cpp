@@ -66,7 +66,7 @@ bool Reference(std::string_view name, std::string& text) {
   return true;
 }
 
-std::string Unescaped(std::string_view raw, bool latin_1) {
+std::string Unescaped(std::string_view raw, bool latin1) {
   std::string text;
   while (!raw.empty()) {
     const char c = raw[0];
@@ -77,7 +77,7 @@ std::string Unescaped(std::string_view raw, bool latin_1) {
         continue;
       }
     }
-    if (latin_1) {
+    if (latin1) {
       AppendUtf8(text, static_cast<unsigned char>(c));
     } else {
       text += IsSpace(c) ? ' ' : c;
@@ -151,7 +151,7 @@ bool XmlTagReader::Declaration() {
   const std::string_view head = rest_.substr(0, rest_.find("?>"));
   if (FindIgnoringCase(head, "8859-1") != std::string_view::npos ||
       FindIgnoringCase(head, "1252") != std::string_view::npos) {
-    latin_1_ = true;
+    latin1_ = true;
   }
   if (FindIgnoringCase(head, "utf-16") != std::string_view::npos) {
     Fail("the encoding is not known", line_);
@@ -201,19 +201,19 @@ bool XmlTagReader::TakeWrittenValue(XmlTag& tag) {
   const std::string_view line = WithoutOuterBlanks(rest_.substr(0, rest_.find('\n')));
   if (!line.starts_with(kName) || !line.ends_with(kEnd)) return false;
   std::string_view text = line.substr(kName.size(), line.size() - kName.size() - kEnd.size());
-  const auto take_quoted = [&text]() -> std::optional<std::string_view> {
+  const auto takeQuoted = [&text]() -> std::optional<std::string_view> {
     const std::size_t end = text.find("\" ");
     if (end == std::string_view::npos) return std::nullopt;
     const std::string_view taken = text.substr(0, end);
     text.remove_prefix(end + 2);
     return taken;
   };
-  const auto name = take_quoted();
+  const auto name = takeQuoted();
   if (!name) return false;
   std::optional<std::string_view> type;
   if (text.starts_with(kType)) {
     text.remove_prefix(kType.size());
-    type = take_quoted();
+    type = takeQuoted();
     if (!type) return false;
   }
   if (!text.starts_with(kValue)) return false;
@@ -223,9 +223,9 @@ bool XmlTagReader::TakeWrittenValue(XmlTag& tag) {
     if (text.find(other) != std::string_view::npos) return false;
   }
   tag.name = "value";
-  tag.attributes.emplace_back("name", Unescaped(*name, latin_1_));
-  if (type) tag.attributes.emplace_back("type", Unescaped(*type, latin_1_));
-  tag.attributes.emplace_back("value", Unescaped(text, latin_1_));
+  tag.attributes.emplace_back("name", Unescaped(*name, latin1_));
+  if (type) tag.attributes.emplace_back("type", Unescaped(*type, latin1_));
+  tag.attributes.emplace_back("value", Unescaped(text, latin1_));
   Advance(line.size() - kClose.size());
   return true;
 }
@@ -256,7 +256,7 @@ bool XmlTagReader::TakeAttribute(XmlTag& tag) {
     rest_ = {};
     return false;
   }
-  tag.attributes.emplace_back(std::move(name), Unescaped(rest_.substr(1, end - 1), latin_1_));
+  tag.attributes.emplace_back(std::move(name), Unescaped(rest_.substr(1, end - 1), latin1_));
   Advance(end + 1);
   return true;
 }

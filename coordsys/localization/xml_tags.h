@@ -53,7 +53,7 @@ class XmlTagReader {
   std::string_view rest_;
   XmlFault& fault_;
   int line_ = 1;
-  bool latin_1_ = false;
+  bool latin1_ = false;
 };
 
 }  // namespace tarvex

@@ -84,9 +84,9 @@ void AppendRecord(std::string& out, const XmlRecord& record) {
 
 }  // namespace
 
-const XmlValue* XmlRecord::Find(std::string_view value_name) const {
+const XmlValue* XmlRecord::Find(std::string_view valueName) const {
   for (const XmlValue& value : values) {
-    if (value.name == value_name) return &value;
+    if (value.name == valueName) return &value;
   }
   return nullptr;
 }

@@ -10,16 +10,16 @@ namespace {
 constexpr double kSecondsPerRadian = 206264.80624709636;
 constexpr double kSouthernmost = 48.0 * kRadiansPerDegree;
 constexpr double kNorthernmost = 75.0 * kRadiansPerDegree;
-constexpr double kWidest_s = 6.0 * 3600.0;
-constexpr double kFullCircle_s = 360.0 * 3600.0;
+constexpr double kWidestS = 6.0 * 3600.0;
+constexpr double kFullCircleS = 360.0 * 3600.0;
 constexpr int kMostPasses = 5;
-constexpr double kClosed_ft = 1e-8;
+constexpr double kClosedFt = 1e-8;
 
 // How the longitude is handed to the series: seconds of arc, west positive, near the zone.
-double WestSeconds(double longitude_rad, double central_meridian_s) {
-  double west = -longitude_rad * kSecondsPerRadian;
-  while (west - central_meridian_s > kFullCircle_s / 2.0) west -= kFullCircle_s;
-  while (west - central_meridian_s < -kFullCircle_s / 2.0) west += kFullCircle_s;
+double WestSeconds(double longitudeRad, double centralMeridianS) {
+  double west = -longitudeRad * kSecondsPerRadian;
+  while (west - centralMeridianS > kFullCircleS / 2.0) west -= kFullCircleS;
+  while (west - centralMeridianS < -kFullCircleS / 2.0) west += kFullCircleS;
   return west;
 }
 
@@ -29,23 +29,23 @@ struct Feet {
 };
 
 struct Kernel {
-  double false_easting_ft = 0.0;
-  double central_meridian_s = 0.0;
+  double falseEastingFt = 0.0;
+  double centralMeridianS = 0.0;
 
-  Feet Series(double latitude_rad, double west_s) const noexcept {
-    const double s = latitude_rad * kSecondsPerRadian;
-    const double c = std::cos(latitude_rad);
+  Feet Series(double latitudeRad, double westS) const noexcept {
+    const double s = latitudeRad * kSecondsPerRadian;
+    const double c = std::cos(latitudeRad);
     const double c2 = c * c;
     const double c4 = c2 * c2;
     const double t = std::sqrt(1.0 - c2);
-    const double l = (central_meridian_s - west_s) * 0.0001;
+    const double l = (centralMeridianS - westS) * 0.0001;
     const double l2 = l * l;
     const double w = 1.0 + 0.0068147849 * c2;
     const double r = std::sqrt(w);
 
     const double a = 1.0 - (1.0 - 2.0 * c2 - 0.00681478 * c4) * l2 * 0.000391740509;
     const double b = (1.0 - 20.0 * c2 + (0.4907 * c2 + 23.6047) * c4) * (l2 * l2) * 4.60382e-8;
-    const double easting = ((a + b) / r) * l * c * 1017862.15 + false_easting_ft;
+    const double easting = ((a + b) / r) * l * c * 1017862.15 + falseEastingFt;
 
     const double p = (1.0 - 60.0 * c2 + (4.089 * c2 + 117.75) * c4) * l2 * 1.5346e-8;
     const double q = (0.00018577 * c2 + 0.06133306) * c4 + 6.0 * c2 - 1.0;
@@ -54,21 +54,21 @@ struct Kernel {
     return {d + arc * 101.269278503, easting};
   }
 
-  bool Holds(double latitude_rad, double west_s) const noexcept {
-    return latitude_rad >= kSouthernmost && latitude_rad <= kNorthernmost &&
-           std::fabs(west_s - central_meridian_s) <= kWidest_s;
+  bool Holds(double latitudeRad, double westS) const noexcept {
+    return latitudeRad >= kSouthernmost && latitudeRad <= kNorthernmost &&
+           std::fabs(westS - centralMeridianS) <= kWidestS;
   }
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept {
-    const double west_s = WestSeconds(position.longitude_rad, central_meridian_s);
-    if (!Holds(position.latitude_rad, west_s)) return ProjectionResult::OutsideDomain;
-    const Feet feet = Series(position.latitude_rad, west_s);
+    const double westS = WestSeconds(position.longitudeRad, centralMeridianS);
+    if (!Holds(position.latitudeRad, westS)) return ProjectionResult::OutsideDomain;
+    const Feet feet = Series(position.latitudeRad, westS);
     point = {feet.northing * kUsFeetToMetres, feet.easting * kUsFeetToMetres};
     return ProjectionResult::Done;
   }
 
   // The publication's inverse series.
-  void Start(Feet at, double& latitude_rad, double& west_s) const noexcept {
+  void Start(Feet at, double& latitudeRad, double& westS) const noexcept {
     const double omega = (193900.05442 + 0.00987466302498 * at.northing) / kSecondsPerRadian;
     const Direction o = Toward(omega);
     const double o2 = o.cos * o.cos;
@@ -77,78 +77,78 @@ struct Kernel {
     const double c = std::cos(foot);
     const double c2 = c * c;
     const double c4 = c2 * c2;
-    const double x = (at.easting - false_easting_ft) * 1e-6;
+    const double x = (at.easting - falseEastingFt) * 1e-6;
     const double x2 = x * x;
     const double w = 1.0 + 0.0068147849 * c2;
-    latitude_rad =
+    latitudeRad =
         foot -
         233.973645 * x2 * w * w * std::sqrt(1.0 / c2 - 1.0) *
             (1.0 - 1.8905604e-4 * x2 * (1.9591113 + 3.0 / c2 + 0.081359 * c2 + 2.79e-4 * c4) +
              1.42969e-8 * x2 * x2 * w * (15.5 + 45.0 / c4 - 0.307 / c2 + 1.53 * c2)) /
             kSecondsPerRadian;
-    west_s = central_meridian_s -
-             9824.513072 * std::sqrt(w) * x / c *
-                 (1.0 - 3.7811208e-4 * w * x2 * (w - 2.0 + 2.0 / c2) +
-                  4.2890624e-8 * w * x2 * x2 * (1.054 + 24.0 / c4 - 20.0 / c2 - 0.0136 * c2));
+    westS = centralMeridianS -
+            9824.513072 * std::sqrt(w) * x / c *
+                (1.0 - 3.7811208e-4 * w * x2 * (w - 2.0 + 2.0 / c2) +
+                 4.2890624e-8 * w * x2 * x2 * (1.054 + 24.0 / c4 - 20.0 / c2 - 0.0136 * c2));
   }
 
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept {
-    const Feet at{point.northing_m * kMetresToUsFeet, point.easting_m * kMetresToUsFeet};
-    constexpr double kFarthest_ft = 1e7;
-    if (!(std::fabs(at.northing) < kFarthest_ft &&
-          std::fabs(at.easting - false_easting_ft) < kFarthest_ft)) {
+    const Feet at{point.northingM * kMetresToUsFeet, point.eastingM * kMetresToUsFeet};
+    constexpr double kFarthestFt = 1e7;
+    if (!(std::fabs(at.northing) < kFarthestFt &&
+          std::fabs(at.easting - falseEastingFt) < kFarthestFt)) {
       return ProjectionResult::OutsideDomain;
     }
-    double latitude_rad = 0.0;
-    double west_s = 0.0;
-    Start(at, latitude_rad, west_s);
-    constexpr double kRadius_ft = 6.38e6 * kMetresToUsFeet;
+    double latitudeRad = 0.0;
+    double westS = 0.0;
+    Start(at, latitudeRad, westS);
+    constexpr double kRadiusFt = 6.38e6 * kMetresToUsFeet;
     for (int pass = 0; pass < kMostPasses; ++pass) {
-      const Feet reached = Series(latitude_rad, west_s);
-      const double d_north = at.northing - reached.northing;
-      const double d_east = at.easting - reached.easting;
-      if (std::fabs(d_north) < kClosed_ft && std::fabs(d_east) < kClosed_ft) break;
-      latitude_rad += d_north / kRadius_ft;
-      west_s -= d_east / (kRadius_ft * std::cos(latitude_rad)) * kSecondsPerRadian;
+      const Feet reached = Series(latitudeRad, westS);
+      const double dNorth = at.northing - reached.northing;
+      const double dEast = at.easting - reached.easting;
+      if (std::fabs(dNorth) < kClosedFt && std::fabs(dEast) < kClosedFt) break;
+      latitudeRad += dNorth / kRadiusFt;
+      westS -= dEast / (kRadiusFt * std::cos(latitudeRad)) * kSecondsPerRadian;
     }
-    constexpr double kClosing_s = 1e-3;
-    if (!(latitude_rad >= kSouthernmost - 1e-9 && latitude_rad <= kNorthernmost + 1e-9 &&
-          std::fabs(west_s - central_meridian_s) <= kWidest_s + kClosing_s)) {
+    constexpr double kClosingS = 1e-3;
+    if (!(latitudeRad >= kSouthernmost - 1e-9 && latitudeRad <= kNorthernmost + 1e-9 &&
+          std::fabs(westS - centralMeridianS) <= kWidestS + kClosingS)) {
       return ProjectionResult::OutsideDomain;
     }
-    position.latitude_rad = latitude_rad;
-    position.longitude_rad = WrappedLongitude(-west_s / kSecondsPerRadian);
+    position.latitudeRad = latitudeRad;
+    position.longitudeRad = WrappedLongitude(-westS / kSecondsPerRadian);
     return ProjectionResult::Done;
   }
 
   std::optional<double> PointScale(LatLon position) const noexcept {
-    const double west_s = WestSeconds(position.longitude_rad, central_meridian_s);
-    return AlaskaPointScale(position.latitude_rad, west_s / kSecondsPerRadian, false_easting_ft);
+    const double westS = WestSeconds(position.longitudeRad, centralMeridianS);
+    return AlaskaPointScale(position.latitudeRad, westS / kSecondsPerRadian, falseEastingFt);
   }
 };
 
 }  // namespace
 
-double AlaskaPointScale(double latitude_rad, double longitude_rad, double false_easting_ft) {
-  const double c = std::cos(latitude_rad);
+double AlaskaPointScale(double latitudeRad, double longitudeRad, double falseEastingFt) {
+  const double c = std::cos(latitudeRad);
   const double w = 1.0 + 0.0068147849 * (c * c);
-  const double x = (longitude_rad - false_easting_ft) * 0.000001;
+  const double x = (longitudeRad - falseEastingFt) * 0.000001;
   return 0.9999 * (1.0 + 0.0011343362410670325 * (x * x) * (w * w));
 }
 
 MadeProjection MakeTransverseMercatorAlaska27(const ProjectionParameters& parameters) {
   Kernel kernel;
-  kernel.false_easting_ft = parameters.coefficients[0];
-  kernel.central_meridian_s = parameters.coefficients[1];
-  if (kernel.false_easting_ft == 0.0) {
-    kernel.false_easting_ft = parameters.false_easting_m * kMetresToUsFeet;
+  kernel.falseEastingFt = parameters.coefficients[0];
+  kernel.centralMeridianS = parameters.coefficients[1];
+  if (kernel.falseEastingFt == 0.0) {
+    kernel.falseEastingFt = parameters.falseEastingM * kMetresToUsFeet;
   }
-  if (kernel.central_meridian_s == 0.0) {
-    kernel.central_meridian_s = -parameters.central_meridian_rad * kSecondsPerRadian;
+  if (kernel.centralMeridianS == 0.0) {
+    kernel.centralMeridianS = -parameters.centralMeridianRad * kSecondsPerRadian;
   }
-  if (!(std::fabs(kernel.false_easting_ft) < 1e8 &&
-        std::fabs(kernel.central_meridian_s) > 100.0 * 3600.0 &&
-        std::fabs(kernel.central_meridian_s) <= kFullCircle_s)) {
+  if (!(std::fabs(kernel.falseEastingFt) < 1e8 &&
+        std::fabs(kernel.centralMeridianS) > 100.0 * 3600.0 &&
+        std::fabs(kernel.centralMeridianS) <= kFullCircleS)) {
     return {nullptr, ProjectionFault::Coefficients};
   }
   return MakeOfPoints(kernel);

@@ -18,6 +18,6 @@ MadeProjection MakeTransverseMercatorAlaska27(const ProjectionParameters& parame
 /// The series' own point scale factor: 0.9999 (1 + 0.00113433624... x^2 w^2) with
 /// x = (longitude - E0) 1e-6. It takes the longitude argument (radians) and not the easting: every
 /// file of the system was made so, and it is kept.
-double AlaskaPointScale(double latitude_rad, double longitude_rad, double false_easting_ft);
+double AlaskaPointScale(double latitudeRad, double longitudeRad, double falseEastingFt);
 
 }  // namespace tarvex

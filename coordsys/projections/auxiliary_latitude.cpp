@@ -5,30 +5,30 @@ namespace {
 
 // A polynomial in n; the first coefficient is that of the given lowest power.
 template <std::size_t N>
-double Polynomial(double n, int lowest_power, const double (&coefficients)[N]) {
+double Polynomial(double n, int lowestPower, const double (&coefficients)[N]) {
   double sum = 0.0;
   for (std::size_t i = N; i-- > 0;) sum = sum * n + coefficients[i];
-  for (int power = 0; power < lowest_power; ++power) sum *= n;
+  for (int power = 0; power < lowestPower; ++power) sum *= n;
   return sum;
 }
 
 }  // namespace
 
 bool IsEarthEllipsoid(const Ellipsoid& ellipsoid) {
-  return ellipsoid.semi_major_m > 6.3e6 && ellipsoid.semi_major_m < 6.45e6 &&
+  return ellipsoid.semiMajorM > 6.3e6 && ellipsoid.semiMajorM < 6.45e6 &&
          ellipsoid.flattening > 1.0 / 1000.0 && ellipsoid.flattening < 1.0 / 150.0;
 }
 
 EllipsoidConstants ConstantsOf(const Ellipsoid& ellipsoid) {
   EllipsoidConstants c;
-  c.a = ellipsoid.semi_major_m;
+  c.a = ellipsoid.semiMajorM;
   c.f = ellipsoid.flattening;
   c.e2 = c.f * (2.0 - c.f);
   c.e = std::sqrt(c.e2);
   c.ep2 = c.e2 / (1.0 - c.e2);
   c.n = c.f / (2.0 - c.f);
   const double n2 = c.n * c.n;
-  c.rectifying_radius =
+  c.rectifyingRadius =
       c.a / (1.0 + c.n) * (1.0 + n2 * (1.0 / 4.0 + n2 * (1.0 / 64.0 + n2 / 256.0)));
   c.delta = ConformalToGeodetic(c.n);
   return c;

@@ -20,8 +20,8 @@ using SineSeries = std::array<double, 6>;
 
 /// The sum of the series, from the sine and cosine of 2x (Clenshaw).
 template <typename T>
-inline T SumOf(const SineSeries& series, T sin_2x, T cos_2x) {
-  const T k = 2.0 * cos_2x;
+inline T SumOf(const SineSeries& series, T sin2x, T cos2x) {
+  const T k = 2.0 * cos2x;
   T u0 = {};
   T u1 = {};
 #pragma GCC unroll 6
@@ -30,7 +30,7 @@ inline T SumOf(const SineSeries& series, T sin_2x, T cos_2x) {
     u1 = u0;
     u0 = u;
   }
-  return u0 * sin_2x;
+  return u0 * sin2x;
 }
 
 /// exp(w) - 1 for |w| below 0.01 to the last bit of exp(w).
@@ -51,23 +51,23 @@ struct DirectionOf {
   T Cos2() const { return (cos - sin) * (cos + sin); }
 
   /// Turned by a small angle, below 0.01 rad, to the last bit.
-  DirectionOf Turned(T small_rad) const {
-    const T d2 = small_rad * small_rad;
-    const T sin_d =
-        small_rad - small_rad * d2 * (1.0 / 6.0 - d2 * (1.0 / 120.0 - d2 * (1.0 / 5040.0)));
-    const T cos_d_less_1 = -d2 * (1.0 / 2.0 - d2 * (1.0 / 24.0 - d2 * (1.0 / 720.0)));
-    return {sin + (cos * sin_d + sin * cos_d_less_1), cos + (cos * cos_d_less_1 - sin * sin_d)};
+  DirectionOf Turned(T smallRad) const {
+    const T d2 = smallRad * smallRad;
+    const T sinD =
+        smallRad - smallRad * d2 * (1.0 / 6.0 - d2 * (1.0 / 120.0 - d2 * (1.0 / 5040.0)));
+    const T cosDLess1 = -d2 * (1.0 / 2.0 - d2 * (1.0 / 24.0 - d2 * (1.0 / 720.0)));
+    return {sin + (cos * sinD + sin * cosDLess1), cos + (cos * cosDLess1 - sin * sinD)};
   }
 };
 
 using Direction = DirectionOf<double>;
 
-inline Direction Toward(double angle_rad) {
-  return {std::sin(angle_rad), std::cos(angle_rad)};
+inline Direction Toward(double angleRad) {
+  return {std::sin(angleRad), std::cos(angleRad)};
 }
 template <typename Lanes>
-inline DirectionOf<Lanes> Toward(Lanes angle_rad) {
-  const SineCosine<Lanes> both = SineCosineOf(angle_rad);
+inline DirectionOf<Lanes> Toward(Lanes angleRad) {
+  const SineCosine<Lanes> both = SineCosineOf(angleRad);
   return {both.sin, both.cos};
 }
 
@@ -75,36 +75,36 @@ inline DirectionOf<Lanes> Toward(Lanes angle_rad) {
 /// angles share the lanes of one computation; every lane gives the same bits either way.
 struct PointInEach {
   template <typename Lanes>
-  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& toward_a, DirectionOf<Lanes>& toward_b) {
-    toward_a = tarvex::Toward(a);
-    toward_b = tarvex::Toward(b);
+  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& towardA, DirectionOf<Lanes>& towardB) {
+    towardA = tarvex::Toward(a);
+    towardB = tarvex::Toward(b);
   }
   template <typename Lanes>
-  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angle_a, Lanes& angle_b) {
-    angle_a = AngleOf(a.sin, a.cos);
-    angle_b = AngleOf(b.sin, b.cos);
+  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angleA, Lanes& angleB) {
+    angleA = AngleOf(a.sin, a.cos);
+    angleB = AngleOf(b.sin, b.cos);
   }
 };
 
 struct OnePoint {
   using Lanes = TwoLanes;
-  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& toward_a, DirectionOf<Lanes>& toward_b) {
+  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& towardA, DirectionOf<Lanes>& towardB) {
     const SineCosine<Lanes> both = SineCosineOf(Lanes{a[0], b[0]});
-    toward_a = {InAll<Lanes>(both.sin[0]), InAll<Lanes>(both.cos[0])};
-    toward_b = {InAll<Lanes>(both.sin[1]), InAll<Lanes>(both.cos[1])};
+    towardA = {InAll<Lanes>(both.sin[0]), InAll<Lanes>(both.cos[0])};
+    towardB = {InAll<Lanes>(both.sin[1]), InAll<Lanes>(both.cos[1])};
   }
-  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angle_a, Lanes& angle_b) {
+  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angleA, Lanes& angleB) {
     const Lanes both = AngleOf(Lanes{a.sin[0], b.sin[0]}, Lanes{a.cos[0], b.cos[0]});
-    angle_a = InAll<Lanes>(both[0]);
-    angle_b = InAll<Lanes>(both[1]);
+    angleA = InAll<Lanes>(both[0]);
+    angleB = InAll<Lanes>(both[1]);
   }
 };
 
 /// An angle brought between -180 and +180 degrees from a few turns away.
 template <typename T>
-inline T WrappedLongitude(T longitude_rad) {
+inline T WrappedLongitude(T longitudeRad) {
   constexpr double kTurn = 2.0 * std::numbers::pi;
-  return longitude_rad - ((longitude_rad * (1.0 / kTurn) + kRounder) - kRounder) * kTurn;
+  return longitudeRad - ((longitudeRad * (1.0 / kTurn) + kRounder) - kRounder) * kTurn;
 }
 
 SineSeries ConformalToRectifying(double n);
@@ -121,23 +121,23 @@ struct EllipsoidConstants {
   double e = 0.0;    ///< first eccentricity
   double ep2 = 0.0;  ///< second eccentricity squared
   double n = 0.0;    ///< third flattening
-  double rectifying_radius = 0.0;
+  double rectifyingRadius = 0.0;
   SineSeries delta = {};  ///< conformal to geodetic
 
-  double RadiusOfPrimeVertical(double sin_phi) const {
-    return a / std::sqrt(1.0 - e2 * sin_phi * sin_phi);
+  double RadiusOfPrimeVertical(double sinPhi) const {
+    return a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
   }
-  double RadiusOfMeridian(double sin_phi) const {
-    const double w2 = 1.0 - e2 * sin_phi * sin_phi;
+  double RadiusOfMeridian(double sinPhi) const {
+    const double w2 = 1.0 - e2 * sinPhi * sinPhi;
     return a * (1.0 - e2) / (w2 * std::sqrt(w2));
   }
 
   /// e atanh(e sin phi): what the ellipsoid takes off the isometric latitude of the sphere.
   template <typename T>
-  T EccentricPart(T sin_phi) const {
-    const T z = e2 * sin_phi * sin_phi;
+  T EccentricPart(T sinPhi) const {
+    const T z = e2 * sinPhi * sinPhi;
     const T w = z * z;
-    return e2 * sin_phi *
+    return e2 * sinPhi *
            ((1.0 + z * (1.0 / 3.0)) + w * ((1.0 / 5.0 + z * (1.0 / 7.0)) +
                                            w * (1.0 / 9.0 + z * (1.0 / 11.0) + w * (1.0 / 13.0))));
   }
@@ -148,16 +148,16 @@ struct EllipsoidConstants {
     const Lanes sphere = LogarithmOf((1.0 + Absolute(phi.sin)) / phi.cos);
     return WithSignOf(sphere, phi.sin) - EccentricPart(phi.sin);
   }
-  double Isometric(double phi_rad) const { return Isometric(Toward(InAll<TwoLanes>(phi_rad)))[0]; }
+  double Isometric(double phiRad) const { return Isometric(Toward(InAll<TwoLanes>(phiRad)))[0]; }
 
   /// The conformal latitude of a geodetic one, of a length that is not 1.
   template <typename Lanes>
   DirectionOf<Lanes> ConformalOfAnyLength(DirectionOf<Lanes> phi) const {
     const Lanes w = EccentricPart(phi.sin);
     const Lanes w2 = w * w;
-    const Lanes sinh_w = w * (1.0 + w2 * (1.0 / 6.0 + w2 * (1.0 / 120.0)));
-    const Lanes cosh_less_1 = w2 * (0.5 + w2 * (1.0 / 24.0 + w2 * (1.0 / 720.0)));
-    return {phi.sin + (phi.sin * cosh_less_1 - sinh_w), phi.cos};
+    const Lanes sinhW = w * (1.0 + w2 * (1.0 / 6.0 + w2 * (1.0 / 120.0)));
+    const Lanes coshLess1 = w2 * (0.5 + w2 * (1.0 / 24.0 + w2 * (1.0 / 720.0)));
+    return {phi.sin + (phi.sin * coshLess1 - sinhW), phi.cos};
   }
 
   /// The conformal latitude of a geodetic one.
@@ -167,19 +167,19 @@ struct EllipsoidConstants {
     const Lanes norm = 1.0 / SquareRootOf(chi.sin * chi.sin + chi.cos * chi.cos);
     return {chi.sin * norm, chi.cos * norm};
   }
-  Direction Conformal(double phi_rad) const {
-    const DirectionOf<TwoLanes> chi = Conformal(Toward(InAll<TwoLanes>(phi_rad)));
+  Direction Conformal(double phiRad) const {
+    const DirectionOf<TwoLanes> chi = Conformal(Toward(InAll<TwoLanes>(phiRad)));
     return {chi.sin[0], chi.cos[0]};
   }
 
-  /// The conformal latitude whose isometric latitude is the logarithm of `exp_psi`; beyond 1e16 and
+  /// The conformal latitude whose isometric latitude is the logarithm of `expPsi`; beyond 1e16 and
   /// below 1e-16 it is a pole.
   template <typename Lanes>
-  DirectionOf<Lanes> ConformalFromExpIsometric(Lanes exp_psi) const {
-    exp_psi = Clamped(exp_psi, 1e-16, 1e16);
-    const Lanes square = exp_psi * exp_psi;
+  DirectionOf<Lanes> ConformalFromExpIsometric(Lanes expPsi) const {
+    expPsi = Clamped(expPsi, 1e-16, 1e16);
+    const Lanes square = expPsi * expPsi;
     const Lanes norm = 1.0 / (square + 1.0);
-    return {(square - 1.0) * norm, 2.0 * exp_psi * norm};
+    return {(square - 1.0) * norm, 2.0 * expPsi * norm};
   }
 
   /// The geodetic latitude of a conformal one, and the angle of another direction.

@@ -15,8 +15,8 @@ namespace tarvex {
 namespace {
 
 struct EntryNames {
-  const char* to_grid;
-  const char* to_geodetic;
+  const char* toGrid;
+  const char* toGeodetic;
 };
 
 // By Denmark area. The spellings are the library's own.
@@ -32,15 +32,15 @@ constexpr EntryNames kEov = {"latLongWGS84ToXY_EOV", "EOV_XYToLatLongWGS84"};
 
 CoordSysParameters LibraryParameters(const ProjectionParameters& parameters) {
   CoordSysParameters result{};
-  result.semi_major = parameters.ellipsoid.semi_major_m;
+  result.semiMajor = parameters.ellipsoid.semiMajorM;
   result.flattening = parameters.ellipsoid.flattening;
-  result.latitude_of_origin = parameters.latitude_of_origin_rad;
-  result.central_meridian = parameters.central_meridian_rad;
-  result.azimuth = parameters.parallel_2_or_azimuth_rad;
-  result.rectified_angle = parameters.rectified_angle_rad;
-  result.scale_factor = parameters.scale_factor;
-  result.false_easting = parameters.false_easting_m;
-  result.false_northing = parameters.false_northing_m;
+  result.latitudeOfOrigin = parameters.latitudeOfOriginRad;
+  result.centralMeridian = parameters.centralMeridianRad;
+  result.azimuth = parameters.parallel2OrAzimuthRad;
+  result.rectifiedAngle = parameters.rectifiedAngleRad;
+  result.scaleFactor = parameters.scaleFactor;
+  result.falseEasting = parameters.falseEastingM;
+  result.falseNorthing = parameters.falseNorthingM;
   for (std::size_t i = 0; i < parameters.shift.size(); ++i) result.shift[i] = parameters.shift[i];
   return result;
 }
@@ -52,39 +52,39 @@ class Entry {
 
   CoordSysConversion* In(ClosedLibrary& library) const {
     const std::uint64_t generation = library.generation();
-    if (found_in_.load(std::memory_order_acquire) == generation) return found_;
+    if (foundIn_.load(std::memory_order_acquire) == generation) return found_;
     CoordSysConversion* const entry = library.Entry<CoordSysConversion>(name_);
     found_.store(entry, std::memory_order_relaxed);
-    found_in_.store(generation, std::memory_order_release);
+    foundIn_.store(generation, std::memory_order_release);
     return entry;
   }
 
  private:
   const char* name_;
   mutable std::atomic<CoordSysConversion*> found_ = nullptr;
-  mutable std::atomic<std::uint64_t> found_in_ = std::numeric_limits<std::uint64_t>::max();
+  mutable std::atomic<std::uint64_t> foundIn_ = std::numeric_limits<std::uint64_t>::max();
 };
 
 class ClosedProjection final : public Projection {
  public:
   ClosedProjection(std::shared_ptr<ClosedLibrary> library, const EntryNames& names,
-                   const ProjectionParameters& parameters, bool takes_wgs84)
+                   const ProjectionParameters& parameters, bool takesWgs84)
       : library_(std::move(library)),
-        to_grid_(names.to_grid),
-        to_geodetic_(names.to_geodetic),
+        toGrid_(names.toGrid),
+        toGeodetic_(names.toGeodetic),
         parameters_(LibraryParameters(parameters)),
-        takes_wgs84_(takes_wgs84) {}
+        takesWgs84_(takesWgs84) {}
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
-    CoordSysConversion* entry = to_grid_.In(*library_);
+    CoordSysConversion* entry = toGrid_.In(*library_);
     if (!entry) return ProjectionResult::LibraryMissing;
-    const double latitude = position.latitude_rad;
-    const double longitude = position.longitude_rad;
+    const double latitude = position.latitudeRad;
+    const double longitude = position.longitudeRad;
     if (std::isnan(latitude) || std::isnan(longitude)) return ProjectionResult::NotANumber;
-    const bool on_earth = std::fabs(latitude) <= std::numbers::pi / 2.0 &&
-                          std::fabs(longitude) <= 2.0 * std::numbers::pi;
+    const bool onEarth = std::fabs(latitude) <= std::numbers::pi / 2.0 &&
+                         std::fabs(longitude) <= 2.0 * std::numbers::pi;
     PlanePoint out;
-    if (!on_earth || !Converts(entry, latitude, longitude, out.northing_m, out.easting_m)) {
+    if (!onEarth || !Converts(entry, latitude, longitude, out.northingM, out.eastingM)) {
       return ProjectionResult::OutsideDomain;
     }
     point = out;
@@ -92,75 +92,73 @@ class ClosedProjection final : public Projection {
   }
 
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept override {
-    CoordSysConversion* entry = to_geodetic_.In(*library_);
+    CoordSysConversion* entry = toGeodetic_.In(*library_);
     if (!entry) return ProjectionResult::LibraryMissing;
-    if (std::isnan(point.northing_m) || std::isnan(point.easting_m)) {
+    if (std::isnan(point.northingM) || std::isnan(point.eastingM)) {
       return ProjectionResult::NotANumber;
     }
-    constexpr double kFarthest_m = 1e9;
-    const bool on_plane =
-        std::fabs(point.northing_m) <= kFarthest_m && std::fabs(point.easting_m) <= kFarthest_m;
+    constexpr double kFarthestM = 1e9;
+    const bool onPlane =
+        std::fabs(point.northingM) <= kFarthestM && std::fabs(point.eastingM) <= kFarthestM;
     LatLon out;
-    if (!on_plane ||
-        !Converts(entry, point.northing_m, point.easting_m, out.latitude_rad, out.longitude_rad)) {
+    if (!onPlane ||
+        !Converts(entry, point.northingM, point.eastingM, out.latitudeRad, out.longitudeRad)) {
       return ProjectionResult::OutsideDomain;
     }
     position = out;
     return ProjectionResult::Done;
   }
 
-  std::size_t Forward(std::span<const double> latitude_rad, std::span<const double> longitude_rad,
-                      std::span<double> northing_m,
-                      std::span<double> easting_m) const noexcept override {
+  std::size_t Forward(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
+                      std::span<double> northingM,
+                      std::span<double> eastingM) const noexcept override {
     std::size_t refused = 0;
-    for (std::size_t i = 0; i < latitude_rad.size(); ++i) {
+    for (std::size_t i = 0; i < latitudeRad.size(); ++i) {
       PlanePoint point{kNaN, kNaN};
-      refused +=
-          Forward(LatLon{latitude_rad[i], longitude_rad[i]}, point) != ProjectionResult::Done;
-      northing_m[i] = point.northing_m;
-      easting_m[i] = point.easting_m;
+      refused += Forward(LatLon{latitudeRad[i], longitudeRad[i]}, point) != ProjectionResult::Done;
+      northingM[i] = point.northingM;
+      eastingM[i] = point.eastingM;
     }
     return refused;
   }
 
-  std::size_t Inverse(std::span<const double> northing_m, std::span<const double> easting_m,
-                      std::span<double> latitude_rad,
-                      std::span<double> longitude_rad) const noexcept override {
+  std::size_t Inverse(std::span<const double> northingM, std::span<const double> eastingM,
+                      std::span<double> latitudeRad,
+                      std::span<double> longitudeRad) const noexcept override {
     std::size_t refused = 0;
-    for (std::size_t i = 0; i < northing_m.size(); ++i) {
+    for (std::size_t i = 0; i < northingM.size(); ++i) {
       LatLon position{kNaN, kNaN};
-      refused +=
-          Inverse(PlanePoint{northing_m[i], easting_m[i]}, position) != ProjectionResult::Done;
-      latitude_rad[i] = position.latitude_rad;
-      longitude_rad[i] = position.longitude_rad;
+      refused += Inverse(PlanePoint{northingM[i], eastingM[i]}, position) != ProjectionResult::Done;
+      latitudeRad[i] = position.latitudeRad;
+      longitudeRad[i] = position.longitudeRad;
     }
     return refused;
   }
 
-  bool TakesWgs84() const noexcept override { return takes_wgs84_; }
+  bool TakesWgs84() const noexcept override { return takesWgs84_; }
 
  private:
   static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
   // What a library of another house answers is a number, or it is no answer.
-  bool Converts(CoordSysConversion* entry, double first, double second, double& first_out,
-                double& second_out) const noexcept {
-    return entry(first, second, &first_out, &second_out, &parameters_) == 1 &&
-           std::isfinite(first_out) && std::isfinite(second_out);
+  bool Converts(CoordSysConversion* entry, double first, double second, double& firstOut,
+                double& secondOut) const noexcept {
+    return entry(first, second, &firstOut, &secondOut, &parameters_) == 1 &&
+           std::isfinite(firstOut) && std::isfinite(secondOut);
   }
 
   std::shared_ptr<ClosedLibrary> library_;
-  Entry to_grid_;
-  Entry to_geodetic_;
+  Entry toGrid_;
+  Entry toGeodetic_;
   CoordSysParameters parameters_;
-  bool takes_wgs84_;
+  bool takesWgs84_;
 };
 
 }  // namespace
 
 MadeProjection MakeTransverseMercator34(const ProjectionParameters& parameters,
                                         const std::shared_ptr<ClosedLibrary>& library) {
-  const int area = parameters.denmark_area;
+  const int area = parameters.denmarkArea;
   if (area < 0 || area >= static_cast<int>(std::size(kDanish))) {
     return {nullptr, ProjectionFault::Area};
   }

@@ -154,23 +154,22 @@ inline SineCosine<Lanes> SineCosineOf(Lanes x) {
   const Lanes r = ((x - k * kPart1) - k * kPart2) - k * kPart3;
   const Lanes z = r * r;
   const Lanes w2 = z * z;  // pairs of terms, not one after the other: half the waiting
-  const Lanes sine_sum = (-1.66666666666666324348e-01 + z * 8.33333333332248946124e-03) +
-                         w2 * ((-1.98412698298579493134e-04 + z * 2.75573137070700676789e-06) +
-                               w2 * (-2.50507602534068634195e-08 + z * 1.58969099521155010221e-10));
-  const Lanes sine = r + r * z * sine_sum;
-  const Lanes cosine_sum =
-      (4.16666666666666019037e-02 - z * 1.38888888888741095749e-03) +
-      w2 * ((2.48015872894767294178e-05 - z * 2.75573143513906633035e-07) +
-            w2 * (2.08757232129817482790e-09 - z * 1.13596475577881948265e-11));
-  const Lanes tail = w2 * cosine_sum;
+  const Lanes sineSum = (-1.66666666666666324348e-01 + z * 8.33333333332248946124e-03) +
+                        w2 * ((-1.98412698298579493134e-04 + z * 2.75573137070700676789e-06) +
+                              w2 * (-2.50507602534068634195e-08 + z * 1.58969099521155010221e-10));
+  const Lanes sine = r + r * z * sineSum;
+  const Lanes cosineSum = (4.16666666666666019037e-02 - z * 1.38888888888741095749e-03) +
+                          w2 * ((2.48015872894767294178e-05 - z * 2.75573143513906633035e-07) +
+                                w2 * (2.08757232129817482790e-09 - z * 1.13596475577881948265e-11));
+  const Lanes tail = w2 * cosineSum;
   const Lanes half = 0.5 * z;
   const Lanes w = 1.0 - half;
   const Lanes cosine = w + (((1.0 - w) - half) + tail);
   const LaneMask<Lanes> odd = -(quadrant & 1);
-  const LaneMask<Lanes> sine_sign = (quadrant & 2) << 62;
-  const LaneMask<Lanes> cosine_sign = ((quadrant + 1) & 2) << 62;
-  return {FromBits<Lanes>(BitsOf(Select(odd, cosine, sine)) ^ sine_sign),
-          FromBits<Lanes>(BitsOf(Select(odd, sine, cosine)) ^ cosine_sign)};
+  const LaneMask<Lanes> sineSign = (quadrant & 2) << 62;
+  const LaneMask<Lanes> cosineSign = ((quadrant + 1) & 2) << 62;
+  return {FromBits<Lanes>(BitsOf(Select(odd, cosine, sine)) ^ sineSign),
+          FromBits<Lanes>(BitsOf(Select(odd, sine, cosine)) ^ cosineSign)};
 }
 
 /// atan2: the angle of the direction (x, y), -pi to pi; 0 for no direction at all.
@@ -206,10 +205,10 @@ inline Lanes AngleOf(Lanes y, Lanes x) {
   const Lanes eighth = Select(upper, InAll<Lanes>(0.25), 0.0);
   const LaneMask<Lanes> left = -(BitsOf(x) >> 63);
   Lanes multiple = Select(steep, 0.5 - eighth, eighth);
-  Lanes signed_arc = Select(steep, -arc, arc);
+  Lanes signedArc = Select(steep, -arc, arc);
   multiple = Select(left, 1.0 - multiple, multiple);
-  signed_arc = Select(left, -signed_arc, signed_arc);
-  const Lanes angle = multiple * kPi + (signed_arc + multiple * kPiLow);
+  signedArc = Select(left, -signedArc, signedArc);
+  const Lanes angle = multiple * kPi + (signedArc + multiple * kPiLow);
   return FromBits<Lanes>(BitsOf(angle) ^ (BitsOf(y) & kSignBit));
 }
 
@@ -233,8 +232,8 @@ inline Lanes LogarithmOf(Lanes x) {
   const Lanes t2 = z * (6.666666666666735130e-01 +
                         w * (2.857142874366239149e-01 +
                              w * (1.818357216161805012e-01 + w * 1.479819860511658591e-01)));
-  const Lanes half_square = 0.5 * f * f;
-  return s * (half_square + (t1 + t2)) + k * kLn2Low - half_square + f + k * kLn2High;
+  const Lanes halfSquare = 0.5 * f * f;
+  return s * (halfSquare + (t1 + t2)) + k * kLn2Low - halfSquare + f + k * kLn2High;
 }
 
 /// exp(x); x is taken between -700 and 700.

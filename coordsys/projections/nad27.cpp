@@ -16,37 +16,37 @@ class InUsSurveyFeet final : public Projection {
   explicit InUsSurveyFeet(std::unique_ptr<const Projection> feet) : feet_(std::move(feet)) {}
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
-    PlanePoint in_feet;
-    const ProjectionResult result = feet_->Forward(position, in_feet);
+    PlanePoint inFeet;
+    const ProjectionResult result = feet_->Forward(position, inFeet);
     if (result != ProjectionResult::Done) return result;
-    point = {in_feet.northing_m * kUsFeetToMetres, in_feet.easting_m * kUsFeetToMetres};
+    point = {inFeet.northingM * kUsFeetToMetres, inFeet.eastingM * kUsFeetToMetres};
     return result;
   }
 
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept override {
-    return feet_->Inverse({point.northing_m * kMetresToUsFeet, point.easting_m * kMetresToUsFeet},
+    return feet_->Inverse({point.northingM * kMetresToUsFeet, point.eastingM * kMetresToUsFeet},
                           position);
   }
 
-  std::size_t Forward(std::span<const double> latitude_rad, std::span<const double> longitude_rad,
-                      std::span<double> northing_m,
-                      std::span<double> easting_m) const noexcept override {
-    const std::size_t refused = feet_->Forward(latitude_rad, longitude_rad, northing_m, easting_m);
-    for (double& value : northing_m) value *= kUsFeetToMetres;
-    for (double& value : easting_m) value *= kUsFeetToMetres;
+  std::size_t Forward(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
+                      std::span<double> northingM,
+                      std::span<double> eastingM) const noexcept override {
+    const std::size_t refused = feet_->Forward(latitudeRad, longitudeRad, northingM, eastingM);
+    for (double& value : northingM) value *= kUsFeetToMetres;
+    for (double& value : eastingM) value *= kUsFeetToMetres;
     return refused;
   }
 
-  std::size_t Inverse(std::span<const double> northing_m, std::span<const double> easting_m,
-                      std::span<double> latitude_rad,
-                      std::span<double> longitude_rad) const noexcept override {
-    for (std::size_t i = 0; i < northing_m.size(); ++i) {
-      const double northing_ft = northing_m[i] * kMetresToUsFeet;
-      const double easting_ft = easting_m[i] * kMetresToUsFeet;
-      latitude_rad[i] = northing_ft;
-      longitude_rad[i] = easting_ft;
+  std::size_t Inverse(std::span<const double> northingM, std::span<const double> eastingM,
+                      std::span<double> latitudeRad,
+                      std::span<double> longitudeRad) const noexcept override {
+    for (std::size_t i = 0; i < northingM.size(); ++i) {
+      const double northingFt = northingM[i] * kMetresToUsFeet;
+      const double eastingFt = eastingM[i] * kMetresToUsFeet;
+      latitudeRad[i] = northingFt;
+      longitudeRad[i] = eastingFt;
     }
-    return feet_->Inverse(latitude_rad, longitude_rad, latitude_rad, longitude_rad);
+    return feet_->Inverse(latitudeRad, longitudeRad, latitudeRad, longitudeRad);
   }
 
   std::optional<double> PointScale(LatLon position) const noexcept override {
@@ -59,9 +59,9 @@ class InUsSurveyFeet final : public Projection {
 
 MadeProjection MakeInFeet(ProjectionParameters parameters,
                           MadeProjection (*make)(const ProjectionParameters&)) {
-  parameters.ellipsoid.semi_major_m *= kMetresToUsFeet;
-  parameters.false_easting_m *= kMetresToUsFeet;
-  parameters.false_northing_m *= kMetresToUsFeet;
+  parameters.ellipsoid.semiMajorM *= kMetresToUsFeet;
+  parameters.falseEastingM *= kMetresToUsFeet;
+  parameters.falseNorthingM *= kMetresToUsFeet;
   MadeProjection made = make(parameters);
   if (made.projection) {
     made.projection = std::make_unique<InUsSurveyFeet>(std::move(made.projection));

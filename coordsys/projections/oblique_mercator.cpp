@@ -21,120 +21,120 @@ constexpr double kAtPole = 1e-32;  // keeps the pole itself out of a division by
 struct Kernel {
   EllipsoidConstants ellipsoid;
   double b = 1.0;
-  double over_b = 1.0;
-  double radius_m = 0.0;
-  double over_radius = 0.0;
-  double ln_h = 0.0;
+  double overB = 1.0;
+  double radiusM = 0.0;
+  double overRadius = 0.0;
+  double lnH = 0.0;
   Direction g0;
   Direction gc;
-  double lambda0_rad = 0.0;
-  double centre_angle = 0.0;  ///< of the centre along the central line, from the natural origin
-  double origin_angle = 0.0;  ///< of the false origin: 0, or the centre's
-  double false_easting_m = 0.0;
-  double false_northing_m = 0.0;
+  double lambda0Rad = 0.0;
+  double centreAngle = 0.0;  ///< of the centre along the central line, from the natural origin
+  double originAngle = 0.0;  ///< of the false origin: 0, or the centre's
+  double falseEastingM = 0.0;
+  double falseNorthingM = 0.0;
 
   template <typename Points, typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
-    const Lanes turn = b * WrappedLongitude(position.longitude_rad - lambda0_rad);
+    const Lanes turn = b * WrappedLongitude(position.longitudeRad - lambda0Rad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> d;
-    Points::Toward(position.latitude_rad, turn, phi, d);
-    const Lanes exp_w = ExponentialOf(ln_h + b * ellipsoid.Isometric(phi));
+    Points::Toward(position.latitudeRad, turn, phi, d);
+    const Lanes expW = ExponentialOf(lnH + b * ellipsoid.Isometric(phi));
     // All times 2 e^w, so that a single division is left: cosh w, sinh w and 1 become these.
-    const Lanes square = exp_w * exp_w;
+    const Lanes square = expW * expW;
     const Lanes cosh = square + 1.0;
     const Lanes sinh = square - 1.0;
-    const Lanes one = 2.0 * exp_w;
+    const Lanes one = 2.0 * expW;
     const Lanes aside = d.sin * one;
     const Lanes across = sinh * g0.sin - aside * g0.cos;  // times cosh w
     const Lanes along =
-        WrappedLongitude(AngleOf(sinh * g0.cos + aside * g0.sin, d.cos * one) - centre_angle);
+        WrappedLongitude(AngleOf(sinh * g0.cos + aside * g0.sin, d.cos * one) - centreAngle);
 
-    const Lanes v = -0.5 * radius_m * LogarithmOf((cosh + across) / (cosh - across));
-    const Lanes u = radius_m * (along + centre_angle - origin_angle);
-    point.easting_m = false_easting_m + v * gc.cos + u * gc.sin;
-    point.northing_m = false_northing_m + u * gc.cos - v * gc.sin;
+    const Lanes v = -0.5 * radiusM * LogarithmOf((cosh + across) / (cosh - across));
+    const Lanes u = radiusM * (along + centreAngle - originAngle);
+    point.eastingM = falseEastingM + v * gc.cos + u * gc.sin;
+    point.northingM = falseNorthingM + u * gc.cos - v * gc.sin;
     return AtMost(Absolute(across), kFarthestAcross * cosh) & Within(along, kQuarter) &
            Within(turn, kHalfTurn);
   }
 
   template <typename Points, typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes x = (point.easting_m - false_easting_m) * over_radius;
-    const Lanes y = (point.northing_m - false_northing_m) * over_radius;
+    const Lanes x = (point.eastingM - falseEastingM) * overRadius;
+    const Lanes y = (point.northingM - falseNorthingM) * overRadius;
     const Lanes v = x * gc.cos - y * gc.sin;
-    const Lanes u = y * gc.cos + x * gc.sin + origin_angle;
+    const Lanes u = y * gc.cos + x * gc.sin + originAngle;
 
-    const Lanes exp_v = ExponentialOf(-v);
-    const Lanes over_exp_v = 1.0 / exp_v;
-    const Lanes sinh_v = 0.5 * (exp_v - over_exp_v);
+    const Lanes expV = ExponentialOf(-v);
+    const Lanes overExpV = 1.0 / expV;
+    const Lanes sinhV = 0.5 * (expV - overExpV);
     const DirectionOf<Lanes> z = Toward(u);
-    const Lanes to_pole = z.sin * g0.cos + sinh_v * g0.sin;
-    const Lanes aside = sinh_v * g0.cos - z.sin * g0.sin;
+    const Lanes toPole = z.sin * g0.cos + sinhV * g0.sin;
+    const Lanes aside = sinhV * g0.cos - z.sin * g0.sin;
     // The sphere's isometric latitude from both legs: the sine alone is blunt at a pole.
-    const Lanes from_axis = SquareRootOf(z.cos * z.cos + aside * aside + kAtPole);
-    const Lanes sphere = LogarithmOf((Absolute(to_pole) + 0.5 * (exp_v + over_exp_v)) / from_axis);
-    const Lanes psi = (WithSignOf(sphere, to_pole) - ln_h) * over_b;
+    const Lanes fromAxis = SquareRootOf(z.cos * z.cos + aside * aside + kAtPole);
+    const Lanes sphere = LogarithmOf((Absolute(toPole) + 0.5 * (expV + overExpV)) / fromAxis);
+    const Lanes psi = (WithSignOf(sphere, toPole) - lnH) * overB;
     const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
     Lanes turn;
-    ellipsoid.FromConformal<Points>(chi, {aside, z.cos}, position.latitude_rad, turn);
-    position.longitude_rad = WrappedLongitude(lambda0_rad - turn * over_b);
+    ellipsoid.FromConformal<Points>(chi, {aside, z.cos}, position.latitudeRad, turn);
+    position.longitudeRad = WrappedLongitude(lambda0Rad - turn * overB);
     return Within(v, kFarthestAcrossIsometric + kClosing) &
-           Within(u - centre_angle, kQuarter + kClosing);
+           Within(u - centreAngle, kQuarter + kClosing);
   }
 };
 
 // A line of azimuth 171.3 degrees is the line of azimuth -8.7 walked the other way: u, v and the
 // rectified angle turn by half a circle together, so that the grid is the same.
 struct CentralLine {
-  double azimuth_rad = 0.0;  ///< -90 to 90 degrees
-  double rectified_rad = 0.0;
+  double azimuthRad = 0.0;  ///< -90 to 90 degrees
+  double rectifiedRad = 0.0;
 };
 
 CentralLine CentralLineOf(const ProjectionParameters& parameters) {
   CentralLine line;
-  line.azimuth_rad = WrappedLongitude(parameters.parallel_2_or_azimuth_rad);
-  const bool rectified_given = parameters.rectified_angle_rad != 0.0;
-  line.rectified_rad = rectified_given ? parameters.rectified_angle_rad : line.azimuth_rad;
-  if (std::fabs(line.azimuth_rad) > kQuarter) {
-    line.azimuth_rad -= std::copysign(std::numbers::pi, line.azimuth_rad);
-    line.rectified_rad -= std::copysign(std::numbers::pi, line.rectified_rad);
+  line.azimuthRad = WrappedLongitude(parameters.parallel2OrAzimuthRad);
+  const bool rectifiedGiven = parameters.rectifiedAngleRad != 0.0;
+  line.rectifiedRad = rectifiedGiven ? parameters.rectifiedAngleRad : line.azimuthRad;
+  if (std::fabs(line.azimuthRad) > kQuarter) {
+    line.azimuthRad -= std::copysign(std::numbers::pi, line.azimuthRad);
+    line.rectifiedRad -= std::copysign(std::numbers::pi, line.rectifiedRad);
   }
   return line;
 }
 
-MadeProjection Make(const ProjectionParameters& parameters, bool false_origin_at_centre) {
-  const double phi = parameters.latitude_of_origin_rad;
+MadeProjection Make(const ProjectionParameters& parameters, bool falseOriginAtCentre) {
+  const double phi = parameters.latitudeOfOriginRad;
   const CentralLine line = CentralLineOf(parameters);
   if (!(std::fabs(phi) > 1e-6 && std::fabs(phi) < kQuarter * 0.99)) {
     return {nullptr, ProjectionFault::LatitudeOfOrigin};
   }
-  if (!(std::fabs(line.azimuth_rad) > 1e-6)) return {nullptr, ProjectionFault::Azimuth};
+  if (!(std::fabs(line.azimuthRad) > 1e-6)) return {nullptr, ProjectionFault::Azimuth};
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction centre = Toward(phi);
-  const Direction azimuth = Toward(line.azimuth_rad);
+  const Direction azimuth = Toward(line.azimuthRad);
   const double cos2 = centre.cos * centre.cos;
   const double w2 = 1.0 - c.e2 * centre.sin * centre.sin;
   Kernel kernel;
   kernel.ellipsoid = c;
   kernel.b = std::sqrt(1.0 + c.ep2 * cos2 * cos2);
-  kernel.over_b = 1.0 / kernel.b;
-  kernel.radius_m = c.a * parameters.scale_factor * std::sqrt(1.0 - c.e2) / w2;
-  kernel.over_radius = 1.0 / kernel.radius_m;
+  kernel.overB = 1.0 / kernel.b;
+  kernel.radiusM = c.a * parameters.scaleFactor * std::sqrt(1.0 - c.e2) / w2;
+  kernel.overRadius = 1.0 / kernel.radiusM;
   // sqrt(D^2 - 1) with the sign of the latitude, in closed form: where the azimuth is near 90
   // degrees, differences of nearly equal numbers would cost centimetres.
   const double root = centre.sin / centre.cos * std::sqrt((1.0 - c.e2) / w2);
   const double d = std::sqrt(1.0 + root * root);
-  kernel.ln_h = std::asinh(root) - kernel.b * c.Isometric(phi);
+  kernel.lnH = std::asinh(root) - kernel.b * c.Isometric(phi);
   kernel.g0.sin = azimuth.sin / d;
   kernel.g0.cos = std::hypot(root, azimuth.cos) / d;
-  kernel.lambda0_rad =
-      parameters.central_meridian_rad - std::atan2(root * azimuth.sin, d * azimuth.cos) / kernel.b;
-  kernel.gc = Toward(line.rectified_rad);
-  kernel.centre_angle = std::copysign(std::atan2(std::fabs(root), azimuth.cos), phi);
-  kernel.origin_angle = false_origin_at_centre ? kernel.centre_angle : 0.0;
-  kernel.false_easting_m = parameters.false_easting_m;
-  kernel.false_northing_m = parameters.false_northing_m;
+  kernel.lambda0Rad =
+      parameters.centralMeridianRad - std::atan2(root * azimuth.sin, d * azimuth.cos) / kernel.b;
+  kernel.gc = Toward(line.rectifiedRad);
+  kernel.centreAngle = std::copysign(std::atan2(std::fabs(root), azimuth.cos), phi);
+  kernel.originAngle = falseOriginAtCentre ? kernel.centreAngle : 0.0;
+  kernel.falseEastingM = parameters.falseEastingM;
+  kernel.falseNorthingM = parameters.falseNorthingM;
   return MakeOf(kernel);
 }
 

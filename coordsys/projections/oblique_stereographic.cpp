@@ -16,52 +16,52 @@ constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degre
 struct Kernel {
   EllipsoidConstants ellipsoid;
   double c = 1.0;  ///< exponent of the sphere
-  double over_c = 1.0;
-  double k = 0.0;           ///< constant of the isometric latitude on the sphere
-  Direction chi0;           ///< latitude of the origin on the sphere
-  double diameter_m = 0.0;  ///< 2 R k0
-  double over_diameter = 0.0;
-  double central_meridian_rad = 0.0;
-  double false_easting_m = 0.0;
-  double false_northing_m = 0.0;
+  double overC = 1.0;
+  double k = 0.0;          ///< constant of the isometric latitude on the sphere
+  Direction chi0;          ///< latitude of the origin on the sphere
+  double diameterM = 0.0;  ///< 2 R k0
+  double overDiameter = 0.0;
+  double centralMeridianRad = 0.0;
+  double falseEastingM = 0.0;
+  double falseNorthingM = 0.0;
 
   template <typename Points, typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
-    const Lanes turn = c * WrappedLongitude(position.longitude_rad - central_meridian_rad);
+    const Lanes turn = c * WrappedLongitude(position.longitudeRad - centralMeridianRad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> l;
-    Points::Toward(position.latitude_rad, turn, phi, l);
+    Points::Toward(position.latitudeRad, turn, phi, l);
     const Lanes w = c * ellipsoid.Isometric(phi) + k;
-    const Lanes exp_w = ExponentialOf(w);
-    const Lanes square = exp_w * exp_w;
+    const Lanes expW = ExponentialOf(w);
+    const Lanes square = expW * expW;
     // The latitude on the sphere of this length, so that a single division is left.
     const Lanes length = square + 1.0;
-    const DirectionOf<Lanes> chi{square - 1.0, 2.0 * exp_w};
+    const DirectionOf<Lanes> chi{square - 1.0, 2.0 * expW};
     const Lanes forth = chi.cos * l.cos;
     const Lanes b = length + chi.sin * chi0.sin + chi0.cos * forth;
-    const Lanes scale = diameter_m / b;
-    point.easting_m = false_easting_m + scale * chi.cos * l.sin;
-    point.northing_m = false_northing_m + scale * (chi.sin * chi0.cos - chi0.sin * forth);
+    const Lanes scale = diameterM / b;
+    point.eastingM = falseEastingM + scale * chi.cos * l.sin;
+    point.northingM = falseNorthingM + scale * (chi.sin * chi0.cos - chi0.sin * forth);
     return AtMost(kFarthestDenominator * length, b) & Within(turn, kHalfTurn);
   }
 
   template <typename Points, typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes x = (point.easting_m - false_easting_m) * over_diameter;
-    const Lanes y = (point.northing_m - false_northing_m) * over_diameter;
+    const Lanes x = (point.eastingM - falseEastingM) * overDiameter;
+    const Lanes y = (point.northingM - falseNorthingM) * overDiameter;
     const Lanes square = x * x + y * y;
     const Lanes g = 2.0 / (1.0 + square);
-    const Lanes cos_d = 1.0 - square * g;
-    const Lanes s = cos_d * chi0.sin + y * g * chi0.cos;
-    const Lanes p = chi0.cos * cos_d - y * g * chi0.sin;
+    const Lanes cosD = 1.0 - square * g;
+    const Lanes s = cosD * chi0.sin + y * g * chi0.cos;
+    const Lanes p = chi0.cos * cosD - y * g * chi0.sin;
     const Lanes v = x * g;
     const Lanes cos2 = p * p + v * v;
     const Lanes sphere = 0.5 * LogarithmOf((1.0 + Absolute(s)) * (1.0 + Absolute(s)) / cos2);
-    const Lanes psi = (WithSignOf(sphere, s) - k) * over_c;
+    const Lanes psi = (WithSignOf(sphere, s) - k) * overC;
     const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
     Lanes turn;
-    ellipsoid.FromConformal<Points>(chi, {v, p}, position.latitude_rad, turn);
-    position.longitude_rad = WrappedLongitude(central_meridian_rad + turn * over_c);
+    ellipsoid.FromConformal<Points>(chi, {v, p}, position.latitudeRad, turn);
+    position.longitudeRad = WrappedLongitude(centralMeridianRad + turn * overC);
     return AtMost(square, kFarthestRadius * kFarthestRadius);
   }
 };
@@ -69,7 +69,7 @@ struct Kernel {
 }  // namespace
 
 MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) {
-  const double phi0 = parameters.latitude_of_origin_rad;
+  const double phi0 = parameters.latitudeOfOriginRad;
   if (!(std::fabs(phi0) <= kQuarter)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction origin = Toward(phi0);
@@ -79,7 +79,7 @@ MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) 
   Kernel kernel;
   kernel.ellipsoid = c;
   kernel.c = std::sqrt(1.0 + c.ep2 * cos2 * cos2);
-  kernel.over_c = 1.0 / kernel.c;
+  kernel.overC = 1.0 / kernel.c;
   kernel.chi0.sin = origin.sin / kernel.c;
   // sqrt(1 - sin^2) without its cancellation
   kernel.chi0.cos = origin.cos * std::sqrt(1.0 + c.ep2 * cos2) / kernel.c;
@@ -87,11 +87,11 @@ MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) 
   kernel.k = origin.cos < kPoleCosine
                  ? c.EccentricPart(origin.sin)
                  : std::asinh(kernel.chi0.sin / kernel.chi0.cos) - kernel.c * c.Isometric(phi0);
-  kernel.diameter_m = 2.0 * radius * parameters.scale_factor;
-  kernel.over_diameter = 1.0 / kernel.diameter_m;
-  kernel.central_meridian_rad = parameters.central_meridian_rad;
-  kernel.false_easting_m = parameters.false_easting_m;
-  kernel.false_northing_m = parameters.false_northing_m;
+  kernel.diameterM = 2.0 * radius * parameters.scaleFactor;
+  kernel.overDiameter = 1.0 / kernel.diameterM;
+  kernel.centralMeridianRad = parameters.centralMeridianRad;
+  kernel.falseEastingM = parameters.falseEastingM;
+  kernel.falseNorthingM = parameters.falseNorthingM;
   return MakeOf(kernel);
 }
 

@@ -21,8 +21,8 @@ namespace tarvex {
 template <typename Kernel>
 class PointKernelProjection final : public Projection {
  public:
-  PointKernelProjection(const Kernel& kernel, bool takes_wgs84)
-      : kernel_(kernel), takes_wgs84_(takes_wgs84) {}
+  PointKernelProjection(const Kernel& kernel, bool takesWgs84)
+      : kernel_(kernel), takesWgs84_(takesWgs84) {}
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
     return ForwardOne(position, point);
@@ -31,33 +31,33 @@ class PointKernelProjection final : public Projection {
     return InverseOne(point, position);
   }
 
-  std::size_t Forward(std::span<const double> latitude_rad, std::span<const double> longitude_rad,
-                      std::span<double> northing_m,
-                      std::span<double> easting_m) const noexcept override {
+  std::size_t Forward(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
+                      std::span<double> northingM,
+                      std::span<double> eastingM) const noexcept override {
     std::size_t refused = 0;
-    for (std::size_t i = 0; i < latitude_rad.size(); ++i) {
+    for (std::size_t i = 0; i < latitudeRad.size(); ++i) {
       PlanePoint point{kNaN, kNaN};
-      refused += ForwardOne({latitude_rad[i], longitude_rad[i]}, point) != ProjectionResult::Done;
-      northing_m[i] = point.northing_m;
-      easting_m[i] = point.easting_m;
+      refused += ForwardOne({latitudeRad[i], longitudeRad[i]}, point) != ProjectionResult::Done;
+      northingM[i] = point.northingM;
+      eastingM[i] = point.eastingM;
     }
     return refused;
   }
 
-  std::size_t Inverse(std::span<const double> northing_m, std::span<const double> easting_m,
-                      std::span<double> latitude_rad,
-                      std::span<double> longitude_rad) const noexcept override {
+  std::size_t Inverse(std::span<const double> northingM, std::span<const double> eastingM,
+                      std::span<double> latitudeRad,
+                      std::span<double> longitudeRad) const noexcept override {
     std::size_t refused = 0;
-    for (std::size_t i = 0; i < northing_m.size(); ++i) {
+    for (std::size_t i = 0; i < northingM.size(); ++i) {
       LatLon position{kNaN, kNaN};
-      refused += InverseOne({northing_m[i], easting_m[i]}, position) != ProjectionResult::Done;
-      latitude_rad[i] = position.latitude_rad;
-      longitude_rad[i] = position.longitude_rad;
+      refused += InverseOne({northingM[i], eastingM[i]}, position) != ProjectionResult::Done;
+      latitudeRad[i] = position.latitudeRad;
+      longitudeRad[i] = position.longitudeRad;
     }
     return refused;
   }
 
-  bool TakesWgs84() const noexcept override { return takes_wgs84_; }
+  bool TakesWgs84() const noexcept override { return takesWgs84_; }
 
   std::optional<double> PointScale(LatLon position) const noexcept override {
     if constexpr (requires { kernel_.PointScale(position); }) {
@@ -72,29 +72,29 @@ class PointKernelProjection final : public Projection {
   static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
   ProjectionResult ForwardOne(LatLon position, PlanePoint& point) const noexcept {
-    const bool inside = std::fabs(position.latitude_rad) <= std::numbers::pi / 2.0 &&
-                        std::fabs(position.longitude_rad) <= 2.0 * std::numbers::pi;
+    const bool inside = std::fabs(position.latitudeRad) <= std::numbers::pi / 2.0 &&
+                        std::fabs(position.longitudeRad) <= 2.0 * std::numbers::pi;
     if (inside) return kernel_.Forward(position, point);
-    const bool numbers = !std::isnan(position.latitude_rad) && !std::isnan(position.longitude_rad);
+    const bool numbers = !std::isnan(position.latitudeRad) && !std::isnan(position.longitudeRad);
     return numbers ? ProjectionResult::OutsideDomain : ProjectionResult::NotANumber;
   }
 
   ProjectionResult InverseOne(PlanePoint point, LatLon& position) const noexcept {
-    constexpr double kFarthest_m = 1e9;
+    constexpr double kFarthestM = 1e9;
     const bool inside =
-        std::fabs(point.northing_m) <= kFarthest_m && std::fabs(point.easting_m) <= kFarthest_m;
+        std::fabs(point.northingM) <= kFarthestM && std::fabs(point.eastingM) <= kFarthestM;
     if (inside) return kernel_.Inverse(point, position);
-    const bool numbers = !std::isnan(point.northing_m) && !std::isnan(point.easting_m);
+    const bool numbers = !std::isnan(point.northingM) && !std::isnan(point.eastingM);
     return numbers ? ProjectionResult::OutsideDomain : ProjectionResult::NotANumber;
   }
 
   Kernel kernel_;
-  bool takes_wgs84_;
+  bool takesWgs84_;
 };
 
 template <typename Kernel>
-MadeProjection MakeOfPoints(const Kernel& kernel, bool takes_wgs84 = false) {
-  return {std::make_unique<PointKernelProjection<Kernel>>(kernel, takes_wgs84),
+MadeProjection MakeOfPoints(const Kernel& kernel, bool takesWgs84 = false) {
+  return {std::make_unique<PointKernelProjection<Kernel>>(kernel, takesWgs84),
           ProjectionFault::None};
 }
 

@@ -31,21 +31,21 @@ namespace tarvex {
 
 template <typename Lanes>
 struct LanePosition {
-  Lanes latitude_rad;
-  Lanes longitude_rad;
+  Lanes latitudeRad;
+  Lanes longitudeRad;
 };
 
 template <typename Lanes>
 struct LanePoint {
-  Lanes northing_m;
-  Lanes easting_m;
+  Lanes northingM;
+  Lanes eastingM;
 };
 
 template <typename Kernel>
 class KernelProjection : public Projection {
  public:
-  KernelProjection(const Kernel& kernel, bool takes_wgs84)
-      : kernel_(kernel), takes_wgs84_(takes_wgs84) {}
+  KernelProjection(const Kernel& kernel, bool takesWgs84)
+      : kernel_(kernel), takesWgs84_(takesWgs84) {}
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
     return ForwardOne(position, point);
@@ -53,18 +53,18 @@ class KernelProjection : public Projection {
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept override {
     return InverseOne(point, position);
   }
-  std::size_t Forward(std::span<const double> latitude_rad, std::span<const double> longitude_rad,
-                      std::span<double> northing_m,
-                      std::span<double> easting_m) const noexcept override {
-    return ForwardAll<TwoLanes>(latitude_rad, longitude_rad, northing_m, easting_m);
+  std::size_t Forward(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
+                      std::span<double> northingM,
+                      std::span<double> eastingM) const noexcept override {
+    return ForwardAll<TwoLanes>(latitudeRad, longitudeRad, northingM, eastingM);
   }
-  std::size_t Inverse(std::span<const double> northing_m, std::span<const double> easting_m,
-                      std::span<double> latitude_rad,
-                      std::span<double> longitude_rad) const noexcept override {
-    return InverseAll<TwoLanes>(northing_m, easting_m, latitude_rad, longitude_rad);
+  std::size_t Inverse(std::span<const double> northingM, std::span<const double> eastingM,
+                      std::span<double> latitudeRad,
+                      std::span<double> longitudeRad) const noexcept override {
+    return InverseAll<TwoLanes>(northingM, eastingM, latitudeRad, longitudeRad);
   }
 
-  bool TakesWgs84() const noexcept override { return takes_wgs84_; }
+  bool TakesWgs84() const noexcept override { return takesWgs84_; }
 
   std::optional<double> PointScale(LatLon position) const noexcept override {
     if constexpr (requires { kernel_.PointScale(position); }) {
@@ -78,47 +78,46 @@ class KernelProjection : public Projection {
   ProjectionResult ForwardOne(LatLon position, PlanePoint& point) const noexcept {
     LanePoint<TwoLanes> out;
     const auto inside = ForwardLanes<OnePoint, TwoLanes>(
-        {InAll<TwoLanes>(position.latitude_rad), InAll<TwoLanes>(position.longitude_rad)}, out);
-    if (!inside[0]) return Why(position.latitude_rad, position.longitude_rad);
-    point = {out.northing_m[0], out.easting_m[0]};
+        {InAll<TwoLanes>(position.latitudeRad), InAll<TwoLanes>(position.longitudeRad)}, out);
+    if (!inside[0]) return Why(position.latitudeRad, position.longitudeRad);
+    point = {out.northingM[0], out.eastingM[0]};
     return ProjectionResult::Done;
   }
 
   ProjectionResult InverseOne(PlanePoint point, LatLon& position) const noexcept {
     LanePosition<TwoLanes> out;
     const auto inside = InverseLanes<OnePoint, TwoLanes>(
-        {InAll<TwoLanes>(point.northing_m), InAll<TwoLanes>(point.easting_m)}, out);
-    if (!inside[0]) return Why(point.northing_m, point.easting_m);
-    position = {out.latitude_rad[0], out.longitude_rad[0]};
+        {InAll<TwoLanes>(point.northingM), InAll<TwoLanes>(point.eastingM)}, out);
+    if (!inside[0]) return Why(point.northingM, point.eastingM);
+    position = {out.latitudeRad[0], out.longitudeRad[0]};
     return ProjectionResult::Done;
   }
 
   template <typename Lanes>
-  std::size_t ForwardAll(std::span<const double> latitude_rad,
-                         std::span<const double> longitude_rad, std::span<double> northing_m,
-                         std::span<double> easting_m) const noexcept {
+  std::size_t ForwardAll(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
+                         std::span<double> northingM, std::span<double> eastingM) const noexcept {
     const auto convert = [this](Lanes latitude, Lanes longitude, Lanes& northing, Lanes& easting) {
       LanePoint<Lanes> point;
       const auto inside = ForwardLanes<PointInEach, Lanes>({latitude, longitude}, point);
-      northing = point.northing_m;
-      easting = point.easting_m;
+      northing = point.northingM;
+      easting = point.eastingM;
       return inside;
     };
-    return Convert<Lanes>(convert, latitude_rad, longitude_rad, northing_m, easting_m);
+    return Convert<Lanes>(convert, latitudeRad, longitudeRad, northingM, eastingM);
   }
 
   template <typename Lanes>
-  std::size_t InverseAll(std::span<const double> northing_m, std::span<const double> easting_m,
-                         std::span<double> latitude_rad,
-                         std::span<double> longitude_rad) const noexcept {
+  std::size_t InverseAll(std::span<const double> northingM, std::span<const double> eastingM,
+                         std::span<double> latitudeRad,
+                         std::span<double> longitudeRad) const noexcept {
     const auto convert = [this](Lanes northing, Lanes easting, Lanes& latitude, Lanes& longitude) {
       LanePosition<Lanes> position;
       const auto inside = InverseLanes<PointInEach, Lanes>({northing, easting}, position);
-      latitude = position.latitude_rad;
-      longitude = position.longitude_rad;
+      latitude = position.latitudeRad;
+      longitude = position.longitudeRad;
       return inside;
     };
-    return Convert<Lanes>(convert, northing_m, easting_m, latitude_rad, longitude_rad);
+    return Convert<Lanes>(convert, northingM, eastingM, latitudeRad, longitudeRad);
   }
 
  private:
@@ -127,18 +126,18 @@ class KernelProjection : public Projection {
   template <typename Points, typename Lanes>
   LaneMask<Lanes> ForwardLanes(LanePosition<Lanes> position,
                                LanePoint<Lanes>& point) const noexcept {
-    const LaneMask<Lanes> on_earth = Within(position.latitude_rad, std::numbers::pi / 2.0) &
-                                     Within(position.longitude_rad, 2.0 * std::numbers::pi);
-    return on_earth & kernel_.template Forward<Points>(position, point);
+    const LaneMask<Lanes> onEarth = Within(position.latitudeRad, std::numbers::pi / 2.0) &
+                                    Within(position.longitudeRad, 2.0 * std::numbers::pi);
+    return onEarth & kernel_.template Forward<Points>(position, point);
   }
 
   template <typename Points, typename Lanes>
   LaneMask<Lanes> InverseLanes(LanePoint<Lanes> point,
                                LanePosition<Lanes>& position) const noexcept {
-    constexpr double kFarthest_m = 1e9;
-    const LaneMask<Lanes> on_plane =
-        Within(point.northing_m, kFarthest_m) & Within(point.easting_m, kFarthest_m);
-    return on_plane & kernel_.template Inverse<Points>(point, position);
+    constexpr double kFarthestM = 1e9;
+    const LaneMask<Lanes> onPlane =
+        Within(point.northingM, kFarthestM) & Within(point.eastingM, kFarthestM);
+    return onPlane & kernel_.template Inverse<Points>(point, position);
   }
 
   static ProjectionResult Why(double a, double b) noexcept {
@@ -149,27 +148,27 @@ class KernelProjection : public Projection {
   // As many points at a time as there are lanes; the last ones leave lanes over, which take the
   // last point again.
   template <typename Lanes, typename ConvertLanes>
-  static std::size_t Convert(const ConvertLanes& convert, std::span<const double> in_a,
-                             std::span<const double> in_b, std::span<double> out_a,
-                             std::span<double> out_b) noexcept {
+  static std::size_t Convert(const ConvertLanes& convert, std::span<const double> inA,
+                             std::span<const double> inB, std::span<double> outA,
+                             std::span<double> outB) noexcept {
     std::size_t refused = 0;
-    const std::size_t size = in_a.size();
+    const std::size_t size = inA.size();
     for (std::size_t begin = 0; begin < size; begin += kLanes<Lanes>) {
       const std::size_t count = std::min(kLanes<Lanes>, size - begin);
       const bool full = count == kLanes<Lanes>;
-      Lanes a = full ? Loaded<Lanes>(in_a.data() + begin) : Filled<Lanes>(in_a.subspan(begin));
-      Lanes b = full ? Loaded<Lanes>(in_b.data() + begin) : Filled<Lanes>(in_b.subspan(begin));
+      Lanes a = full ? Loaded<Lanes>(inA.data() + begin) : Filled<Lanes>(inA.subspan(begin));
+      Lanes b = full ? Loaded<Lanes>(inB.data() + begin) : Filled<Lanes>(inB.subspan(begin));
       const LaneMask<Lanes> inside = convert(a, b, a, b);
       a = Select(inside, a, kNaN);
       b = Select(inside, b, kNaN);
       if (full) {
-        std::memcpy(out_a.data() + begin, &a, sizeof(Lanes));
-        std::memcpy(out_b.data() + begin, &b, sizeof(Lanes));
+        std::memcpy(outA.data() + begin, &a, sizeof(Lanes));
+        std::memcpy(outB.data() + begin, &b, sizeof(Lanes));
       }
       for (std::size_t i = 0; i < count; ++i) {
         if (!full) {
-          out_a[begin + i] = a[i];
-          out_b[begin + i] = b[i];
+          outA[begin + i] = a[i];
+          outB[begin + i] = b[i];
         }
         refused += static_cast<std::size_t>(inside[i] == 0);
       }
@@ -194,7 +193,7 @@ class KernelProjection : public Projection {
   }
 
   Kernel kernel_;
-  bool takes_wgs84_;
+  bool takesWgs84_;
 };
 
 #if defined(TARVEX_FOUR_LANES)
@@ -211,30 +210,30 @@ class FourLaneProjection final : public KernelProjection<Kernel> {
                                              LatLon& position) const noexcept override {
     return this->InverseOne(point, position);
   }
-  TARVEX_FOUR_LANES std::size_t Forward(std::span<const double> latitude_rad,
-                                        std::span<const double> longitude_rad,
-                                        std::span<double> northing_m,
-                                        std::span<double> easting_m) const noexcept override {
-    return this->template ForwardAll<FourLanes>(latitude_rad, longitude_rad, northing_m, easting_m);
+  TARVEX_FOUR_LANES std::size_t Forward(std::span<const double> latitudeRad,
+                                        std::span<const double> longitudeRad,
+                                        std::span<double> northingM,
+                                        std::span<double> eastingM) const noexcept override {
+    return this->template ForwardAll<FourLanes>(latitudeRad, longitudeRad, northingM, eastingM);
   }
-  TARVEX_FOUR_LANES std::size_t Inverse(std::span<const double> northing_m,
-                                        std::span<const double> easting_m,
-                                        std::span<double> latitude_rad,
-                                        std::span<double> longitude_rad) const noexcept override {
-    return this->template InverseAll<FourLanes>(northing_m, easting_m, latitude_rad, longitude_rad);
+  TARVEX_FOUR_LANES std::size_t Inverse(std::span<const double> northingM,
+                                        std::span<const double> eastingM,
+                                        std::span<double> latitudeRad,
+                                        std::span<double> longitudeRad) const noexcept override {
+    return this->template InverseAll<FourLanes>(northingM, eastingM, latitudeRad, longitudeRad);
   }
 };
 #endif
 
 template <typename Kernel>
-MadeProjection MakeOf(const Kernel& kernel, bool takes_wgs84 = false) {
+MadeProjection MakeOf(const Kernel& kernel, bool takesWgs84 = false) {
 #if defined(TARVEX_FOUR_LANES)
   if (__builtin_cpu_supports("avx2")) {
-    return {std::make_unique<FourLaneProjection<Kernel>>(kernel, takes_wgs84),
+    return {std::make_unique<FourLaneProjection<Kernel>>(kernel, takesWgs84),
             ProjectionFault::None};
   }
 #endif
-  return {std::make_unique<KernelProjection<Kernel>>(kernel, takes_wgs84), ProjectionFault::None};
+  return {std::make_unique<KernelProjection<Kernel>>(kernel, takesWgs84), ProjectionFault::None};
 }
 
 }  // namespace tarvex

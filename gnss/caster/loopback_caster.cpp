@@ -19,8 +19,8 @@ constexpr std::size_t kLongestUpload = 512;
 constexpr std::uint32_t kTickMs = 20;
 constexpr std::size_t kBlock = 65536;
 
-constexpr DeviceTimeouts kRequestTimeouts = {.read = {.constant_ms = 50}};
-constexpr WriteTimeouts kSendSlice = {.constant_ms = 100};
+constexpr DeviceTimeouts kRequestTimeouts = {.read = {.constantMs = 50}};
+constexpr WriteTimeouts kSendSlice = {.constantMs = 100};
 constexpr int kIdleSlices = 50;  // after which a client that takes nothing is left
 
 std::string_view MountpointOf(std::string_view request) {
@@ -102,9 +102,9 @@ void LoopbackCaster::AcceptUntilStopped(const std::stop_token& stop) {
     RemoveFinished();
     if (!device || clients_.size() == kMostClients) continue;
     Client& client = clients_.emplace_back();
-    client.thread = std::jthread(
-        [this, &client, owned = std::move(device)](const std::stop_token& client_stop) {
-          Serve(*owned, client_stop);
+    client.thread =
+        std::jthread([this, &client, owned = std::move(device)](const std::stop_token& clientStop) {
+          Serve(*owned, clientStop);
           (void)owned->Close();
           client.finished = true;
         });
@@ -158,27 +158,27 @@ void LoopbackCaster::TakeUpload(std::string_view bytes, std::string& line) {
 void LoopbackCaster::Stream(ByteDevice& device, const std::stop_token& stop) {
   ++streams_;
   const std::uint64_t generation = generation_;
-  const DeviceTimeouts at_once = {.read = {.interval_ms = ReadTimeouts::kAtOnce}};
-  if (!device.SetTimeouts(at_once).ok() || content_.data.empty()) return;
-  const std::int64_t since_ms = clock_.SteadyMilliseconds();
+  const DeviceTimeouts atOnce = {.read = {.intervalMs = ReadTimeouts::kAtOnce}};
+  if (!device.SetTimeouts(atOnce).ok() || content_.data.empty()) return;
+  const std::int64_t sinceMs = clock_.SteadyMilliseconds();
   std::uint64_t sent = 0;
   std::string line;
   while (!stop.stop_requested() && generation == generation_) {
     std::uint64_t due = kBlock;
-    if (content_.bytes_per_second > 0) {
-      const auto elapsed_ms = static_cast<std::uint64_t>(clock_.SteadyMilliseconds() - since_ms);
-      due = std::min<std::uint64_t>(kBlock, elapsed_ms * content_.bytes_per_second / 1000 - sent);
+    if (content_.bytesPerSecond > 0) {
+      const auto elapsedMs = static_cast<std::uint64_t>(clock_.SteadyMilliseconds() - sinceMs);
+      due = std::min<std::uint64_t>(kBlock, elapsedMs * content_.bytesPerSecond / 1000 - sent);
     }
     const std::string_view piece =
         std::string_view(content_.data).substr(sent % content_.data.size(), due);
     if (!SendAll(device, piece, stop)) return;
     sent += piece.size();
-    bytes_sent_ += piece.size();
+    bytesSent_ += piece.size();
     std::array<char, 1024> upload;
     std::size_t got = 0;
     if (!device.Read(upload, got).ok()) return;
     TakeUpload({upload.data(), got}, line);
-    if (content_.bytes_per_second > 0) clock_.SleepMilliseconds(kTickMs);
+    if (content_.bytesPerSecond > 0) clock_.SleepMilliseconds(kTickMs);
   }
 }
 

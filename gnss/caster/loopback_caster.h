@@ -21,8 +21,8 @@ struct CasterContent {
   StreamRecord stream = {};  ///< its mountpoint is the one that is served
   std::string user = {};     ///< empty: nobody is asked for a password
   std::string password = {};
-  std::string data = {};                  ///< what the stream sends, over and over
-  std::uint32_t bytes_per_second = 1000;  ///< 0: as fast as it is taken
+  std::string data = {};                ///< what the stream sends, over and over
+  std::uint32_t bytesPerSecond = 1000;  ///< 0: as fast as it is taken
 };
 
 class LoopbackCaster {
@@ -41,7 +41,7 @@ class LoopbackCaster {
 
   std::uint64_t requests() const { return requests_; }
   std::uint64_t streams() const { return streams_; }
-  std::uint64_t bytes_sent() const { return bytes_sent_; }
+  std::uint64_t bytesSent() const { return bytesSent_; }
   /// The lines that clients sent up since the last call.
   std::vector<std::string> TakeUploads();
 
@@ -65,7 +65,7 @@ class LoopbackCaster {
   std::atomic<std::uint64_t> generation_ = 0;
   std::atomic<std::uint64_t> requests_ = 0;
   std::atomic<std::uint64_t> streams_ = 0;
-  std::atomic<std::uint64_t> bytes_sent_ = 0;
+  std::atomic<std::uint64_t> bytesSent_ = 0;
   mutable std::mutex mutex_;
   std::vector<std::string> uploads_;  // guarded by mutex_
   std::list<Client> clients_;         // the accepting thread's own

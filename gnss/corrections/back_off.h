@@ -16,15 +16,15 @@ class BackOff {
 
   /// The next wait: at least the floor, at most a quarter above what is due.
   std::int64_t Next() {
-    const std::int64_t due = due_ms_;
-    due_ms_ = std::min(due_ms_ * 2, kCeilingMs);
+    const std::int64_t due = dueMs_;
+    dueMs_ = std::min(dueMs_ * 2, kCeilingMs);
     random_ = random_ * 6364136223846793005ULL + 1442695040888963407ULL;  // Knuth's MMIX
     return due + static_cast<std::int64_t>(random_ >> 33) % (due / 4 + 1);
   }
-  void Reset() { due_ms_ = kFloorMs; }
+  void Reset() { dueMs_ = kFloorMs; }
 
  private:
-  std::int64_t due_ms_ = kFloorMs;
+  std::int64_t dueMs_ = kFloorMs;
   std::uint64_t random_;
 };
 

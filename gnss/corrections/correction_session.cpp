@@ -16,21 +16,21 @@ constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kSilentUnknownMs = 5000;
 
 double Distance(const Geocentric& a, const Geocentric& b) {
-  return std::hypot(a.x_m - b.x_m, a.y_m - b.y_m, a.z_m - b.z_m);
+  return std::hypot(a.xM - b.xM, a.yM - b.yM, a.zM - b.zM);
 }
 
 }  // namespace
 
 bool PortSink::Write(std::string_view bytes) {
-  std::uint32_t idle_ms = 0;
+  std::uint32_t idleMs = 0;
   while (!bytes.empty()) {
-    if (idle_ms >= kPatienceMs || (stop_ && stop_())) return false;
+    if (idleMs >= kPatienceMs || (stop_ && stop_())) return false;
     std::size_t written = 0;
-    if (port_.WriteBeside(bytes, {.constant_ms = kSliceMs}, written) != PortError::None) {
+    if (port_.WriteBeside(bytes, {.constantMs = kSliceMs}, written) != PortError::None) {
       return false;
     }
     bytes.remove_prefix(written);
-    idle_ms = written > 0 ? 0 : idle_ms + kSliceMs;
+    idleMs = written > 0 ? 0 : idleMs + kSliceMs;
   }
   return true;
 }
@@ -38,29 +38,29 @@ bool PortSink::Write(std::string_view bytes) {
 // Passes on what the client tells, and ends what takes longer than it may.
 class CorrectionSession::Telling final : public NtripProgress {
  public:
-  Telling(CorrectionSession& session, NtripProgress& progress, std::int64_t limit_ms)
+  Telling(CorrectionSession& session, NtripProgress& progress, std::int64_t limitMs)
       : session_(session),
         progress_(progress),
-        until_ms_(limit_ms == kNoLimit ? kNoLimit : session.Now() + limit_ms) {}
+        untilMs_(limitMs == kNoLimit ? kNoLimit : session.Now() + limitMs) {}
 
-  int Progress(int value, int minimum, int elapsed_s) override {
-    if (const int cancelled = progress_.Progress(value, minimum, elapsed_s); cancelled != 0) {
+  int Progress(int value, int minimum, int elapsedS) override {
+    if (const int cancelled = progress_.Progress(value, minimum, elapsedS); cancelled != 0) {
       return cancelled;
     }
-    ran_out_ = ran_out_ || session_.Now() > until_ms_;
-    return ran_out_ ? 1 : 0;
+    ranOut_ = ranOut_ || session_.Now() > untilMs_;
+    return ranOut_ ? 1 : 0;
   }
   void Status(std::string_view text) override {
     session_.NoteDoing(text);
     progress_.Status(text);
   }
-  bool ran_out() const { return ran_out_; }
+  bool ranOut() const { return ranOut_; }
 
  private:
   CorrectionSession& session_;
   NtripProgress& progress_;
-  std::int64_t until_ms_;
-  bool ran_out_ = false;
+  std::int64_t untilMs_;
+  bool ranOut_ = false;
 };
 
 CorrectionSession::CorrectionSession(CorrectionPlan plan, NtripConnection& connection,
@@ -69,7 +69,7 @@ CorrectionSession::CorrectionSession(CorrectionPlan plan, NtripConnection& conne
       connection_(connection),
       surroundings_(std::move(surroundings)),
       client_(&connection, "corrections", surroundings_),
-      back_off_(static_cast<std::uint64_t>(surroundings_.clock.SteadyMilliseconds())) {
+      backOff_(static_cast<std::uint64_t>(surroundings_.clock.SteadyMilliseconds())) {
   status_.caster = CasterName(plan_.caster);
   status_.mountpoint = plan_.mountpoint;
 }
@@ -79,10 +79,10 @@ void CorrectionSession::Attach(CorrectionSink* sink, const LatestGga* gga) {
   gga_ = gga;
 }
 
-bool CorrectionSession::Step(int wait_ms, NtripProgress& progress) {
-  if (retry_requested_.exchange(false)) {
+bool CorrectionSession::Step(int waitMs, NtripProgress& progress) {
+  if (retryRequested_.exchange(false)) {
     connection_.Close();
-    back_off_.Reset();
+    backOff_.Reset();
     SetState(CorrectionState::Idle);
   }
   NotePosition();
@@ -92,22 +92,22 @@ bool CorrectionSession::Step(int wait_ms, NtripProgress& progress) {
       return true;
     case CorrectionState::Waiting:
     case CorrectionState::ReceiverFailed:
-      Wait(wait_ms, progress);
+      Wait(waitMs, progress);
       return true;
     case CorrectionState::Connecting:
     case CorrectionState::Receiving:
     case CorrectionState::Silent:
-      Pump(wait_ms);
+      Pump(waitMs);
       return true;
     default:
       return false;
   }
 }
 
-void CorrectionSession::Wait(int wait_ms, NtripProgress& progress) {
-  const std::int64_t left_ms = next_try_at_ms_ - Now();
-  if (left_ms <= 0) return Open(progress);
-  surroundings_.clock.SleepMilliseconds(std::min<std::int64_t>(left_ms, wait_ms));
+void CorrectionSession::Wait(int waitMs, NtripProgress& progress) {
+  const std::int64_t leftMs = nextTryAtMs_ - Now();
+  if (leftMs <= 0) return Open(progress);
+  surroundings_.clock.SleepMilliseconds(std::min<std::int64_t>(leftMs, waitMs));
 }
 
 // Stopping changes nothing about what flowed until then.
@@ -136,16 +136,16 @@ void CorrectionSession::Open(NtripProgress& progress) {
     if (state_ == CorrectionState::UnknownMountpoint) LookForMountpoint(progress);
     return;
   }
-  opened_at_ms_ = next_gga_at_ms_ = Now();
-  last_byte_at_ms_ = opened_at_ms_;
+  openedAtMs_ = nextGgaAtMs_ = Now();
+  lastByteAtMs_ = openedAtMs_;
   const std::lock_guard lock(mutex_);
   ++status_.connections;
-  status_.most_alike.clear();
+  status_.mostAlike.clear();
   status_.doing.clear();
 }
 
 void CorrectionSession::TryLater() {
-  next_try_at_ms_ = Now() + back_off_.Next();
+  nextTryAtMs_ = Now() + backOff_.Next();
 }
 
 // What never worked and is refused for good is not tried again, everything else is.
@@ -155,10 +155,10 @@ void CorrectionSession::Failed(PortError cause) {
   {
     const std::lock_guard lock(mutex_);
     status_.cause = cause;
-    status_.cause_detail = cause == client_.cause() ? client_.cause_detail() : std::string();
+    status_.causeDetail = cause == client_.cause() ? client_.causeDetail() : std::string();
   }
-  if (cause == PortError::NotAuthorized && !has_worked_) return SetState(CorrectionState::Refused);
-  if (cause == PortError::MountpointUnknown && !has_worked_) {
+  if (cause == PortError::NotAuthorized && !hasWorked_) return SetState(CorrectionState::Refused);
+  if (cause == PortError::MountpointUnknown && !hasWorked_) {
     return SetState(CorrectionState::UnknownMountpoint);
   }
   TryLater();
@@ -176,65 +176,65 @@ bool CorrectionSession::LoadTable(CasterList& list, NtripProgress& progress) {
 // before the stream, a slow one and none at all tell nothing: it is asked for again with the next
 // connection, unless the caster keeps it to itself.
 bool CorrectionSession::LearnWhatIsWanted(NtripProgress& progress) {
-  if (plan_.gga == GgaUpload::Always) gga_wanted_ = true;
-  if (plan_.gga != GgaUpload::WhenWanted || gga_ == nullptr || table_asked_) return true;
-  Telling telling(*this, progress, plan_.table_limit_ms);
+  if (plan_.gga == GgaUpload::Always) ggaWanted_ = true;
+  if (plan_.gga != GgaUpload::WhenWanted || gga_ == nullptr || tableAsked_) return true;
+  Telling telling(*this, progress, plan_.tableLimitMs);
   CasterList list;
   if (LoadTable(list, telling)) {
     const StreamRecord* const stream = list.Find(plan_.mountpoint);
-    gga_known_ = table_asked_ = stream != nullptr || list.complete;
-    if (gga_known_) gga_wanted_ = stream != nullptr && stream->nmea;
+    ggaKnown_ = tableAsked_ = stream != nullptr || list.complete;
+    if (ggaKnown_) ggaWanted_ = stream != nullptr && stream->nmea;
     return true;
   }
-  if (telling.ran_out()) return true;
-  table_asked_ = client_.cause() == PortError::NotAuthorized;
+  if (telling.ranOut()) return true;
+  tableAsked_ = client_.cause() == PortError::NotAuthorized;
   return client_.cause() != PortError::CasterNotOpened && client_.cause() != PortError::Cancelled;
 }
 
 // The caster does not know the mountpoint; perhaps it was mistyped.
 void CorrectionSession::LookForMountpoint(NtripProgress& progress) {
-  Telling telling(*this, progress, plan_.table_limit_ms);
+  Telling telling(*this, progress, plan_.tableLimitMs);
   CasterList list;
   if (!LoadTable(list, telling)) return;
   const std::lock_guard lock(mutex_);
-  status_.most_alike = list.MostAlike(plan_.mountpoint, kAlikeNames);
+  status_.mostAlike = list.MostAlike(plan_.mountpoint, kAlikeNames);
 }
 
-void CorrectionSession::Pump(int wait_ms) {
+void CorrectionSession::Pump(int waitMs) {
   SendGga();
   if (state_ == CorrectionState::Waiting) return;
   std::size_t count = 0;
-  const PortError error = client_.Receive(buffer_, count, wait_ms);
+  const PortError error = client_.Receive(buffer_, count, waitMs);
   if (error != PortError::None && error != PortError::FewerBytesRead) {
     return Failed(error == PortError::Cancelled ? error : PortError::Disconnected);
   }
   if (count > 0) return TakeBytes({buffer_.data(), count});
-  const std::int64_t silent_ms = Now() - last_byte_at_ms_;
-  if (silent_ms > kSilentUnknownMs && plan_.gga == GgaUpload::WhenWanted && !gga_known_) {
-    gga_wanted_ = true;
+  const std::int64_t silentMs = Now() - lastByteAtMs_;
+  if (silentMs > kSilentUnknownMs && plan_.gga == GgaUpload::WhenWanted && !ggaKnown_) {
+    ggaWanted_ = true;
   }
-  if (silent_ms > plan_.dead_after_ms) return Failed(PortError::NoAnswer);
-  if (silent_ms > plan_.silent_after_ms) SetState(CorrectionState::Silent);
+  if (silentMs > plan_.deadAfterMs) return Failed(PortError::NoAnswer);
+  if (silentMs > plan_.silentAfterMs) SetState(CorrectionState::Silent);
 }
 
 void CorrectionSession::TakeBytes(std::string_view bytes) {
   const std::int64_t now = Now();
-  last_byte_at_ms_ = now;
-  has_worked_ = true;
+  lastByteAtMs_ = now;
+  hasWorked_ = true;
   if (state_ != CorrectionState::Receiving) SetState(CorrectionState::Receiving);
-  if (now - opened_at_ms_ > kSteadyDataMs) back_off_.Reset();
+  if (now - openedAtMs_ > kSteadyDataMs) backOff_.Reset();
   const bool taken = sink_ == nullptr || sink_->Write(bytes);
-  const std::uint64_t frames_before = framer_.frames();
-  const std::uint64_t damaged_before = framer_.bad_crcs();
+  const std::uint64_t framesBefore = framer_.frames();
+  const std::uint64_t damagedBefore = framer_.badCrcs();
   framer_.Feed(bytes, *this);
-  const std::uint64_t frames = framer_.frames() - frames_before;
-  if (frames > 0) last_frame_at_ms_ = now;
+  const std::uint64_t frames = framer_.frames() - framesBefore;
+  if (frames > 0) lastFrameAtMs_ = now;
   {
     const std::lock_guard lock(mutex_);
     status_.frames += frames;
     status_.bytes += bytes.size();
-    if (taken && sink_ != nullptr) status_.bytes_to_receiver += bytes.size();
-    status_.bad_crcs += framer_.bad_crcs() - damaged_before;
+    if (taken && sink_ != nullptr) status_.bytesToReceiver += bytes.size();
+    status_.badCrcs += framer_.badCrcs() - damagedBefore;
     if (!taken) status_.cause = PortError::WriteFailed;
   }
   if (taken) return;
@@ -247,20 +247,19 @@ void CorrectionSession::TakeBytes(std::string_view bytes) {
 void CorrectionSession::NotePosition() {
   if (gga_ == nullptr || gga_->taken() == positions_) return;
   positions_ = gga_->taken();
-  position_at_ms_ = Now();
+  positionAtMs_ = Now();
 }
 
 void CorrectionSession::SendGga() {
-  if (!gga_wanted_ || gga_ == nullptr || Now() < next_gga_at_ms_) return;
-  if (Now() - position_at_ms_ > plan_.gga_limit_ms) return;
+  if (!ggaWanted_ || gga_ == nullptr || Now() < nextGgaAtMs_) return;
+  if (Now() - positionAtMs_ > plan_.ggaLimitMs) return;
   const std::string gga = gga_->Get();
   if (gga.empty()) return;
-  next_gga_at_ms_ = Now() + plan_.gga_interval_ms;
-  const PortError error =
-      client_.Send(plan_.gga_talker_gp ? WithGpTalker(gga) : gga, kGgaTimeoutMs);
+  nextGgaAtMs_ = Now() + plan_.ggaIntervalMs;
+  const PortError error = client_.Send(plan_.ggaTalkerGp ? WithGpTalker(gga) : gga, kGgaTimeoutMs);
   if (error != PortError::None) return Failed(PortError::Disconnected);
   const std::lock_guard lock(mutex_);
-  ++status_.ggas_sent;
+  ++status_.ggasSent;
 }
 
 void CorrectionSession::OnMessage(std::string_view message) {
@@ -276,9 +275,9 @@ void CorrectionSession::OnMessage(std::string_view message) {
 }
 
 void CorrectionSession::NoteBase(const BaseStation& station) {
-  if (!first_base_) first_base_ = station;
+  if (!firstBase_) firstBase_ = station;
   status_.base = station;
-  status_.base_moved_m = Distance(first_base_->position, station.position);
+  status_.baseMovedM = Distance(firstBase_->position, station.position);
 }
 
 void CorrectionSession::Stop() {
@@ -290,14 +289,14 @@ CorrectionStatus CorrectionSession::Status() const {
   const std::lock_guard lock(mutex_);
   CorrectionStatus status = status_;
   const std::int64_t now = surroundings_.clock.SteadyMilliseconds();
-  const std::int64_t last_frame = last_frame_at_ms_;
+  const std::int64_t lastFrame = lastFrameAtMs_;
   for (std::size_t number = 0; number < messages_.size(); ++number) {
     const std::uint32_t count = messages_[number].load(std::memory_order_relaxed);
     if (count > 0) status.messages[static_cast<int>(number)] = count;
   }
-  status.age_ms = last_frame < 0 ? -1 : now - last_frame;
-  status.silent_ms = now - last_byte_at_ms_;
-  status.next_try_in_ms = std::max<std::int64_t>(0, next_try_at_ms_ - now);
+  status.ageMs = lastFrame < 0 ? -1 : now - lastFrame;
+  status.silentMs = now - lastByteAtMs_;
+  status.nextTryInMs = std::max<std::int64_t>(0, nextTryAtMs_ - now);
   return status;
 }
 

@@ -60,12 +60,12 @@ struct CorrectionPlan {
   CasterLogin caster = {};
   std::string mountpoint = {};
   GgaUpload gga = GgaUpload::WhenWanted;
-  bool gga_talker_gp = true;  ///< rewrite the talker for casters that take GP alone
-  std::int64_t gga_interval_ms = 10'000;
-  std::int64_t gga_limit_ms = 30'000;     ///< a position that is older is not sent
-  std::int64_t table_limit_ms = 15'000;   ///< for asking what the stream wants
-  std::int64_t silent_after_ms = 15'000;  ///< told as silence
-  std::int64_t dead_after_ms = 60'000;    ///< the stream is opened anew
+  bool ggaTalkerGp = true;  ///< rewrite the talker for casters that take GP alone
+  std::int64_t ggaIntervalMs = 10'000;
+  std::int64_t ggaLimitMs = 30'000;     ///< a position that is older is not sent
+  std::int64_t tableLimitMs = 15'000;   ///< for asking what the stream wants
+  std::int64_t silentAfterMs = 15'000;  ///< told as silence
+  std::int64_t deadAfterMs = 60'000;    ///< the stream is opened anew
 };
 
 class CorrectionSession final : private RtcmFramer::Listener {
@@ -76,15 +76,15 @@ class CorrectionSession final : private RtcmFramer::Listener {
   /// Who receives the corrections, and whose GGA is sent; neither is owned, either may be missing.
   void Attach(CorrectionSink* sink, const LatestGga* gga);
 
-  /// One bounded piece of work: a try to connect, one receive (`wait_ms` at most), or nothing but
+  /// One bounded piece of work: a try to connect, one receive (`waitMs` at most), or nothing but
   /// the waiting for the next try. False when nothing is left to do until Retry.
-  bool Step(int wait_ms, NtripProgress& progress);
+  bool Step(int waitMs, NtripProgress& progress);
 
   /// Ends the stream; on the thread that calls Step.
   void Stop();
 
   /// Connects anew at once, also after a refusal. May be called from any thread.
-  void Retry() { retry_requested_ = true; }
+  void Retry() { retryRequested_ = true; }
   /// May be called from any thread.
   CorrectionStatus Status() const;
 
@@ -98,11 +98,11 @@ class CorrectionSession final : private RtcmFramer::Listener {
   bool LearnWhatIsWanted(NtripProgress& progress);
   void LookForMountpoint(NtripProgress& progress);
   bool LoadTable(CasterList& list, NtripProgress& progress);
-  void Pump(int wait_ms);
+  void Pump(int waitMs);
   void TakeBytes(std::string_view bytes);
   void NotePosition();
   void SendGga();
-  void Wait(int wait_ms, NtripProgress& progress);
+  void Wait(int waitMs, NtripProgress& progress);
   void TryLater();
   void NoteDoing(std::string_view text);
   void SetState(CorrectionState state);
@@ -115,21 +115,21 @@ class CorrectionSession final : private RtcmFramer::Listener {
   NtripClient client_;
   CorrectionSink* sink_ = nullptr;
   const LatestGga* gga_ = nullptr;
-  BackOff back_off_;
+  BackOff backOff_;
   RtcmFramer framer_;
-  std::optional<BaseStation> first_base_;
-  std::atomic<std::int64_t> next_try_at_ms_ = 0;
-  std::int64_t opened_at_ms_ = 0;
-  std::atomic<std::int64_t> last_byte_at_ms_ = 0;
-  std::atomic<std::int64_t> last_frame_at_ms_ = -1;
-  std::int64_t next_gga_at_ms_ = 0;
+  std::optional<BaseStation> firstBase_;
+  std::atomic<std::int64_t> nextTryAtMs_ = 0;
+  std::int64_t openedAtMs_ = 0;
+  std::atomic<std::int64_t> lastByteAtMs_ = 0;
+  std::atomic<std::int64_t> lastFrameAtMs_ = -1;
+  std::int64_t nextGgaAtMs_ = 0;
   std::uint64_t positions_ = 0;  // of the rover, as many as have been seen
-  std::int64_t position_at_ms_ = 0;
-  bool has_worked_ = false;   // data came in this session
-  bool table_asked_ = false;  // and need not be asked again
-  bool gga_known_ = false;    // the table has told whether the stream wants the position
-  bool gga_wanted_ = false;
-  std::atomic<bool> retry_requested_ = false;
+  std::int64_t positionAtMs_ = 0;
+  bool hasWorked_ = false;   // data came in this session
+  bool tableAsked_ = false;  // and need not be asked again
+  bool ggaKnown_ = false;    // the table has told whether the stream wants the position
+  bool ggaWanted_ = false;
+  std::atomic<bool> retryRequested_ = false;
   std::array<char, 65536> buffer_;
 
   static constexpr std::size_t kMessageNumbers = 4096;  // twelve bits

@@ -42,18 +42,18 @@ std::string CorrectionSentence(const CorrectionStatus& status) {
     case CorrectionState::Refused:
       return Strings().Text(text, {status.caster, status.mountpoint});
     case CorrectionState::Silent:
-      return Strings().Text(status.ggas_sent == 0 ? kSilentWithoutPosition : text,
-                            {status.caster, status.mountpoint, Seconds(status.silent_ms)});
+      return Strings().Text(status.ggasSent == 0 ? kSilentWithoutPosition : text,
+                            {status.caster, status.mountpoint, Seconds(status.silentMs)});
     case CorrectionState::Waiting:
-      return Strings().Text(
-          text, {CasterFailureSentence(status.caster, status.cause, status.cause_detail),
-                 Seconds(status.next_try_in_ms)});
+      return Strings().Text(text,
+                            {CasterFailureSentence(status.caster, status.cause, status.causeDetail),
+                             Seconds(status.nextTryInMs)});
     case CorrectionState::ReceiverFailed:
-      return Strings().Text(text, {Seconds(status.next_try_in_ms)});
+      return Strings().Text(text, {Seconds(status.nextTryInMs)});
     case CorrectionState::UnknownMountpoint: {
       constexpr int kWithNames = 3330;
-      return Strings().Text(status.most_alike.empty() ? text : kWithNames,
-                            {status.caster, status.mountpoint, Names(status.most_alike)});
+      return Strings().Text(status.mostAlike.empty() ? text : kWithNames,
+                            {status.caster, status.mountpoint, Names(status.mostAlike)});
     }
     default:
       return Strings().Text(text);
@@ -67,11 +67,11 @@ std::string CorrectionVerdict(const CorrectionStatus& status) {
   constexpr int kOthers = 3335;
   std::string why = status.cause == PortError::None
                         ? CorrectionSentence(status)
-                        : CasterFailureSentence(status.caster, status.cause, status.cause_detail);
-  if (!status.most_alike.empty()) {
-    why += " " + Strings().Text(kOthers, {Names(status.most_alike)});
+                        : CasterFailureSentence(status.caster, status.cause, status.causeDetail);
+  if (!status.mostAlike.empty()) {
+    why += " " + Strings().Text(kOthers, {Names(status.mostAlike)});
   }
-  return Strings().Text(status.nothing_came() ? kNoneCame : kEnded,
+  return Strings().Text(status.nothingCame() ? kNoneCame : kEnded,
                         {status.caster, status.mountpoint, why});
 }
 

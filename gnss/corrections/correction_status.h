@@ -29,26 +29,26 @@ struct CorrectionStatus {
   CorrectionState state = CorrectionState::Idle;
   std::string caster;  ///< "host:port"
   std::string mountpoint;
-  std::string doing;                    ///< Connecting: what the client says that it does
-  bool flowing = false;                 ///< data comes, or came until the session was stopped
-  PortError cause = PortError::None;    ///< of the last failure, until data comes
-  std::string cause_detail;             ///< what the caster or the system said to it
-  std::vector<std::string> most_alike;  ///< mountpoints that exist, when ours does not
-  std::int64_t next_try_in_ms = 0;      ///< Waiting
-  std::int64_t age_ms = -1;             ///< since the last good frame; -1 before the first
-  std::int64_t silent_ms = 0;           ///< since the last byte of this connection
+  std::string doing;                   ///< Connecting: what the client says that it does
+  bool flowing = false;                ///< data comes, or came until the session was stopped
+  PortError cause = PortError::None;   ///< of the last failure, until data comes
+  std::string causeDetail;             ///< what the caster or the system said to it
+  std::vector<std::string> mostAlike;  ///< mountpoints that exist, when ours does not
+  std::int64_t nextTryInMs = 0;        ///< Waiting
+  std::int64_t ageMs = -1;             ///< since the last good frame; -1 before the first
+  std::int64_t silentMs = 0;           ///< since the last byte of this connection
   std::uint64_t connections = 0;
   std::uint64_t bytes = 0;  ///< from the caster
-  std::uint64_t bytes_to_receiver = 0;
+  std::uint64_t bytesToReceiver = 0;
   std::uint64_t frames = 0;
-  std::uint64_t bad_crcs = 0;
-  std::uint64_t ggas_sent = 0;
+  std::uint64_t badCrcs = 0;
+  std::uint64_t ggasSent = 0;
   std::map<int, std::uint64_t> messages;  ///< count of each RTCM message number
   std::optional<BaseStation> base;
-  double base_moved_m = 0.0;  ///< from where it was first seen in this session
+  double baseMovedM = 0.0;  ///< from where it was first seen in this session
 
   /// Not one byte came in the whole session, over whatever connections.
-  bool nothing_came() const { return bytes == 0; }
+  bool nothingCame() const { return bytes == 0; }
 };
 
 /// A base that is this far, in metres, from where it was is another base.

@@ -11,7 +11,7 @@ constexpr int kStepMs = 100;
 class StopProgress final : public NtripProgress {
  public:
   explicit StopProgress(const std::stop_token& stop) : stop_(stop) {}
-  int Progress(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override {
+  int Progress(int /*value*/, int /*minimum*/, int /*elapsedS*/) override {
     return stop_.stop_requested() ? 1 : 0;
   }
   void Status(std::string_view /*text*/) override {}

@@ -36,14 +36,14 @@ std::size_t RtcmFramer::Scan(std::string_view bytes, Listener& listener) {
   for (;;) {
     const std::size_t begin = bytes.find(kPreamble, at);
     if (begin == std::string_view::npos) {
-      skipped_bytes_ += bytes.size() - at;
+      skippedBytes_ += bytes.size() - at;
       return bytes.size();
     }
-    skipped_bytes_ += begin - at;
+    skippedBytes_ += begin - at;
     at = begin;
     const std::string_view rest = bytes.substr(at);
     if (rest.size() >= 2 && !ReservedBitsClear(rest)) {
-      ++skipped_bytes_;
+      ++skippedBytes_;
       ++at;
       continue;
     }
@@ -54,8 +54,8 @@ std::size_t RtcmFramer::Scan(std::string_view bytes, Listener& listener) {
       listener.OnMessage(frame.substr(kHeader, frame.size() - kHeader - kCrc));
       at += frame.size();
     } else {
-      ++bad_crcs_;
-      ++skipped_bytes_;
+      ++badCrcs_;
+      ++skippedBytes_;
       ++at;
     }
   }

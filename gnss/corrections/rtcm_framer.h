@@ -21,10 +21,10 @@ class RtcmFramer {
   void Feed(std::string_view bytes, Listener& listener);
 
   std::uint64_t frames() const { return frames_; }
-  std::uint64_t bad_crcs() const { return bad_crcs_; }
+  std::uint64_t badCrcs() const { return badCrcs_; }
   /// Bytes outside of good frames, those still waiting for their frame's end not counted.
-  std::uint64_t skipped_bytes() const { return skipped_bytes_; }
-  std::size_t waiting_bytes() const { return held_.size(); }
+  std::uint64_t skippedBytes() const { return skippedBytes_; }
+  std::size_t waitingBytes() const { return held_.size(); }
 
  private:
   /// How much of `bytes` was used up; the rest is the start of a frame.
@@ -32,8 +32,8 @@ class RtcmFramer {
 
   std::string held_;  // at most one frame
   std::uint64_t frames_ = 0;
-  std::uint64_t bad_crcs_ = 0;
-  std::uint64_t skipped_bytes_ = 0;
+  std::uint64_t badCrcs_ = 0;
+  std::uint64_t skippedBytes_ = 0;
 };
 
 }  // namespace tarvex

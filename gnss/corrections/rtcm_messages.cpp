@@ -37,16 +37,15 @@ int RtcmMessageNumber(std::string_view message) {
 
 std::optional<BaseStation> ReadBaseStation(std::string_view message) {
   const int number = RtcmMessageNumber(message);
-  const bool with_height = number == 1006;
-  if (number != 1005 && !with_height) return std::nullopt;
-  if (message.size() < (with_height ? kBytesOf1006 : kBytesOf1005)) return std::nullopt;
+  const bool withHeight = number == 1006;
+  if (number != 1005 && !withHeight) return std::nullopt;
+  if (message.size() < (withHeight ? kBytesOf1006 : kBytesOf1005)) return std::nullopt;
   BaseStation station;
   station.id = static_cast<int>(Bits(message, 12, 12));
-  station.position = {.x_m = Coordinate(message, 34),
-                      .y_m = Coordinate(message, 74),
-                      .z_m = Coordinate(message, 114)};
-  if (with_height) {
-    station.antenna_height_m = static_cast<double>(Bits(message, 152, 16)) * kCoordinateStep;
+  station.position = {
+      .xM = Coordinate(message, 34), .yM = Coordinate(message, 74), .zM = Coordinate(message, 114)};
+  if (withHeight) {
+    station.antennaHeightM = static_cast<double>(Bits(message, 152, 16)) * kCoordinateStep;
   }
   return station;
 }

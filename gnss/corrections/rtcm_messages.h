@@ -12,7 +12,7 @@ namespace tarvex {
 struct BaseStation {
   int id = 0;
   Geocentric position;
-  double antenna_height_m = 0.0;  ///< 1006 only: of the reference point above the mark
+  double antennaHeightM = 0.0;  ///< 1006 only: of the reference point above the mark
 
   bool operator==(const BaseStation&) const = default;
 };

@@ -15,43 +15,43 @@ constexpr std::string_view kDigits = "0123456789";
 PortError InstrumentDriver::Missing(std::string_view what, std::string_view operation) {
   return Report(
       errors_, PortError::NothingGiven,
-      {std::string(what) + " in " + std::string(class_name_) + "::" + std::string(operation)});
+      {std::string(what) + " in " + std::string(className_) + "::" + std::string(operation)});
 }
 
 PortError InstrumentDriver::AssignProtocol(Protocol* prot) {
   if (prot == nullptr) return Missing("prot", "AssignProtocol");
-  m_protocol_ = prot;
+  mProtocol_ = prot;
   return PortError::None;
 }
 
 PortError InstrumentDriver::Assign(Port* con) {
-  if (m_protocol_ == nullptr) return Missing("m_protocol", "Assign");
+  if (mProtocol_ == nullptr) return Missing("m_protocol", "Assign");
   if (con == nullptr) return Missing("con", "Assign");
-  m_protocol_->set_connection(con);
+  mProtocol_->setConnection(con);
   return PortError::None;
 }
 
-PortError InstrumentDriver::Send(std::string_view command, int timeout_ms) {
-  if (m_protocol_ == nullptr) return Missing("m_protocol", "Send");
-  return m_protocol_->Send(command, timeout_ms, errors_);
+PortError InstrumentDriver::Send(std::string_view command, int timeoutMs) {
+  if (mProtocol_ == nullptr) return Missing("m_protocol", "Send");
+  return mProtocol_->Send(command, timeoutMs, errors_);
 }
 
 PortError InstrumentDriver::Receive(std::span<char> buffer, std::string_view& reply,
-                                    int timeout_ms) {
-  if (m_protocol_ == nullptr) return Missing("m_protocol", "Receive");
-  return m_protocol_->Receive(buffer, reply, timeout_ms, errors_);
+                                    int timeoutMs) {
+  if (mProtocol_ == nullptr) return Missing("m_protocol", "Receive");
+  return mProtocol_->Receive(buffer, reply, timeoutMs, errors_);
 }
 
 PortError RadioDriver::DoProcessCommand(RadioCommand /*command*/, const RadioModule* modul,
                                         long long& value) {
   if (modul == nullptr) return Missing("modul", "DoProcessCommand for CMD_GET_RADIO_AIR_BAUD");
-  if (const PortError error = Send(modul->air_baud_query, modul->timeout_ms);
+  if (const PortError error = Send(modul->airBaudQuery, modul->timeoutMs);
       error != PortError::None) {
     return error;
   }
   std::array<char, kReplyCapacity> buffer;
   std::string_view reply;
-  if (const PortError error = Receive(buffer, reply, modul->timeout_ms); error != PortError::None) {
+  if (const PortError error = Receive(buffer, reply, modul->timeoutMs); error != PortError::None) {
     return error;
   }
   return TakeNumber(reply, value) ? PortError::None : Report(errors(), PortError::NoAnswer);

@@ -20,22 +20,22 @@ class InstrumentDriver {
   PortError AssignProtocol(Protocol* prot);
   /// The port, which goes to the protocol; it is not owned.
   PortError Assign(Port* con);
-  PortError Send(std::string_view command, int timeout_ms);
-  PortError Receive(std::span<char> buffer, std::string_view& reply, int timeout_ms);
+  PortError Send(std::string_view command, int timeoutMs);
+  PortError Receive(std::span<char> buffer, std::string_view& reply, int timeoutMs);
 
  protected:
-  /// `class_name` stands in the texts of what is missing.
-  InstrumentDriver(std::string_view class_name, LastErrorRecord& errors)
-      : class_name_(class_name), errors_(errors) {}
+  /// `className` stands in the texts of what is missing.
+  InstrumentDriver(std::string_view className, LastErrorRecord& errors)
+      : className_(className), errors_(errors) {}
 
   /// Records "WHAT in CLASS::OPERATION".
   PortError Missing(std::string_view what, std::string_view operation);
   LastErrorRecord& errors() { return errors_; }
 
  private:
-  std::string_view class_name_;
+  std::string_view className_;
   LastErrorRecord& errors_;
-  Protocol* m_protocol_ = nullptr;
+  Protocol* mProtocol_ = nullptr;
 };
 
 /// A position source.
@@ -49,8 +49,8 @@ enum class RadioCommand { CMD_GET_RADIO_AIR_BAUD };
 
 /// What a radio module has to be asked for its rate over the air, and how long it takes to answer.
 struct RadioModule {
-  std::string air_baud_query;
-  int timeout_ms = 1000;
+  std::string airBaudQuery;
+  int timeoutMs = 1000;
 };
 
 /// A radio or modem.

@@ -36,28 +36,28 @@ const ProtocolRow* FindProtocol(std::string_view name) {
   return nullptr;
 }
 
-PortError Protocol::Send(std::string_view command, int timeout_ms, LastErrorRecord& errors) {
+PortError Protocol::Send(std::string_view command, int timeoutMs, LastErrorRecord& errors) {
   if (connection_ == nullptr) return Report(errors, PortError::NothingGiven);
-  return connection_->Write(std::string(command) + std::string(row_.command_end), timeout_ms);
+  return connection_->Write(std::string(command) + std::string(row_.commandEnd), timeoutMs);
 }
 
-PortError Protocol::Receive(std::span<char> buffer, std::string_view& reply, int timeout_ms,
+PortError Protocol::Receive(std::span<char> buffer, std::string_view& reply, int timeoutMs,
                             LastErrorRecord& errors) {
   reply = {};
   if (connection_ == nullptr) return Report(errors, PortError::NothingGiven);
-  if (row_.raw) return ReceiveRaw(buffer, reply, timeout_ms, errors);
-  const ReadLineResult read = ReadLine(*connection_, buffer, timeout_ms, row_.framing);
+  if (row_.raw) return ReceiveRaw(buffer, reply, timeoutMs, errors);
+  const ReadLineResult read = ReadLine(*connection_, buffer, timeoutMs, row_.framing);
   reply = read.text;
   if (read.ok()) return PortError::None;
   return read.status == ReadLineStatus::TimedOut ? PortError::FewerBytesRead
                                                  : Report(errors, PortError::ReadFailed);
 }
 
-PortError Protocol::ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeout_ms,
+PortError Protocol::ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeoutMs,
                                LastErrorRecord& errors) {
   const PortUse use(*connection_);
   if (!use || buffer.empty()) return Report(errors, PortError::ReadFailed);
-  if (const PortError error = connection_->Read(buffer.first(1), timeout_ms);
+  if (const PortError error = connection_->Read(buffer.first(1), timeoutMs);
       error != PortError::None) {
     return error;
   }

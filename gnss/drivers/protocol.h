@@ -13,9 +13,9 @@ namespace tarvex {
 
 struct ProtocolRow {
   std::string_view name;
-  std::string_view command_end;  ///< sent behind each command
-  Framing framing;               ///< of a reply
-  bool raw;                      ///< a reply is whatever bytes come
+  std::string_view commandEnd;  ///< sent behind each command
+  Framing framing;              ///< of a reply
+  bool raw;                     ///< a reply is whatever bytes come
 };
 
 /// The protocols that the system knows.
@@ -28,17 +28,17 @@ class Protocol {
 
   std::string_view name() const { return row_.name; }
   Port* connection() const { return connection_; }
-  void set_connection(Port* connection) { connection_ = connection; }
+  void setConnection(Port* connection) { connection_ = connection; }
 
   /// NothingGiven without a connection.
-  PortError Send(std::string_view command, int timeout_ms, LastErrorRecord& errors);
+  PortError Send(std::string_view command, int timeoutMs, LastErrorRecord& errors);
   /// One reply into `buffer`; `reply` is the part of it that was filled. FewerBytesRead when none
   /// came in time.
-  PortError Receive(std::span<char> buffer, std::string_view& reply, int timeout_ms,
+  PortError Receive(std::span<char> buffer, std::string_view& reply, int timeoutMs,
                     LastErrorRecord& errors);
 
  private:
-  PortError ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeout_ms,
+  PortError ReceiveRaw(std::span<char> buffer, std::string_view& reply, int timeoutMs,
                        LastErrorRecord& errors);
 
   const ProtocolRow& row_;

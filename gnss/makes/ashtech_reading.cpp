@@ -21,7 +21,7 @@ constexpr std::string_view kPos = "$PASHR,POS";
 constexpr std::string_view kPower = "$PASHR,POW";
 
 bool AnswersWithPos(const ReceiverSettings& settings) {
-  switch (settings.ashtech_model) {
+  switch (settings.ashtechModel) {
     case 0:
     case 3:
     case 4:
@@ -29,7 +29,7 @@ bool AnswersWithPos(const ReceiverSettings& settings) {
     case 6:
       return true;
     case 2:
-      return settings.ashtech_variant == 1;
+      return settings.ashtechVariant == 1;
     default:
       return false;
   }
@@ -42,7 +42,7 @@ class AshtechReading {
 
   GnssReadResult Run() {
     ClearInput();
-    state_.dop_carried_over = true;
+    state_.dopCarriedOver = true;
     return AnswersWithPos(connection_.settings) ? RunPos() : RunGga();
   }
 
@@ -57,23 +57,23 @@ class AshtechReading {
     } while (waiting > 0 && connection_.clock.SteadyMilliseconds() < until && --patience_ > 0);
   }
 
-  std::string_view Line(int timeout_ms) {
-    const ReadLineResult read = ReadLineHolding(*connection_.port, buffer_, timeout_ms,
+  std::string_view Line(int timeoutMs) {
+    const ReadLineResult read = ReadLineHolding(*connection_.port, buffer_, timeoutMs,
                                                 Framing::TextLines, connection_.DeadlineBy());
     if (!read.ok() || !read.whole) return {};
     if (connection_.listener != nullptr) connection_.listener->OnLine(read.text);
-    state_.sentence_read_at_ms = connection_.clock.SteadyMilliseconds();
+    state_.sentenceReadAtMs = connection_.clock.SteadyMilliseconds();
     return read.text;
   }
 
   std::string_view FirstLine() {
     const std::string_view line = Line(kFirstLineTimeoutMs);
-    if (!line.empty() || connection_.settings.ashtech_skip_retry) return line;
+    if (!line.empty() || connection_.settings.ashtechSkipRetry) return line;
     return Line(kFirstLineTimeoutMs);
   }
 
   std::string Command(std::string_view before, std::string_view after) const {
-    return std::string(before) + connection_.settings.ashtech_port + std::string(after);
+    return std::string(before) + connection_.settings.ashtechPort + std::string(after);
   }
 
   GnssReadResult RunGga() {
@@ -91,7 +91,7 @@ class AshtechReading {
     if (line.find(kGga) == std::string_view::npos) line = Line(kSecondGgaTimeoutMs);
     const std::size_t at = line.find(kGga);
     if (at == std::string_view::npos) return GnssReadResult::NoPositionSentence;
-    return ReadAshtechGga(line.substr(at), connection_.settings.unit, make_.ellipsoid_height,
+    return ReadAshtechGga(line.substr(at), connection_.settings.unit, make_.ellipsoidHeight,
                           state_);
   }
 
@@ -108,7 +108,7 @@ class AshtechReading {
     if (!line.starts_with(kPos)) return GnssReadResult::NoPositionSentence;
     constexpr std::size_t kMode = kPos.size() + 1;  // behind the comma
     if (line.size() > kMode && line[kMode] == ',') return GnssReadResult::NoFix;
-    return ReadPashrPos(line, connection_.settings.ashtech_model, state_);
+    return ReadPashrPos(line, connection_.settings.ashtechModel, state_);
   }
 
   GnssPositionState& state_;

@@ -75,37 +75,37 @@ GnssReadResult ReadPashrPos(std::string_view line, int model, GnssPositionState&
   if (tokens.count() < kTokensToHeight) return GnssReadResult::NoPositionSentence;
   state.solutionType = PosSolution(NmeaInteger(tokens[3]));
   state.satellites = NmeaInteger(tokens[4]);
-  state.epoch_ms = MillisecondsOfDay(tokens[5]);
+  state.epochMs = MillisecondsOfDay(tokens[5]);
   TakeAngles(tokens, 6, state);
   state.height = tokens.Number(10);
-  state.height_known = true;
-  state.separation_known = true;
-  state.geoid_separation = 0.0;
+  state.heightKnown = true;
+  state.separationKnown = true;
+  state.geoidSeparation = 0.0;
   const std::size_t dop = model == kModelWithVelocity ? 15 : 14;
   if (tokens.count() >= dop + 2) {
     state.pdop = tokens.Number(dop);
     state.hdop = tokens.Number(dop + 1);
     state.vdop = tokens.Number(dop + 2);
-    state.dop_carried_over = false;
+    state.dopCarriedOver = false;
   }
   return GnssReadResult::Accepted;
 }
 
-GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ellipsoid_height,
+GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ellipsoidHeight,
                               GnssPositionState& state) {
   constexpr std::size_t kTokens = 13;
   const Tokens tokens(line);
   if (tokens.count() < kTokens) return GnssReadResult::NoPositionSentence;
   if (!TakeGgaQuality(NmeaInteger(tokens[7]), state)) return GnssReadResult::NoPositionSentence;
-  state.epoch_ms = MillisecondsOfDay(tokens[2]);
+  state.epochMs = MillisecondsOfDay(tokens[2]);
   TakeAngles(tokens, 3, state);
   state.satellites = NmeaInteger(tokens[8]);
   state.hdop = tokens.Number(9);
   state.height = HeightInMetres(tokens, 10, unit);
-  state.height_known = true;
-  state.separation_known = true;
-  state.geoid_separation = HeightInMetres(tokens, 12, unit);
-  if (!ellipsoid_height) state.height += state.geoid_separation;
+  state.heightKnown = true;
+  state.separationKnown = true;
+  state.geoidSeparation = HeightInMetres(tokens, 12, unit);
+  if (!ellipsoidHeight) state.height += state.geoidSeparation;
   return GnssReadResult::Accepted;
 }
 

@@ -36,7 +36,7 @@ GnssReadResult ReadPashrPos(std::string_view line, int model, GnssPositionState&
 
 /// "$GPGGA,..." as this family sends it: quality 2 is FLOAT, 3 FIXED; heights not in metres are in
 /// the job's foot unit. NoPositionSentence for quality 0 and for fewer than 13 tokens.
-GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ellipsoid_height,
+GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ellipsoidHeight,
                               GnssPositionState& state);
 
 }  // namespace tarvex

@@ -44,8 +44,8 @@ std::int32_t EpochOf(std::string_view header) {
   FieldCursor fields(header);
   std::string_view seconds;
   if (!fields.Skip(kSecondsField) || !fields.Take(seconds)) return kNoEpoch;
-  const double of_day = std::fmod(NmeaNumber(seconds), kDaySeconds);
-  return of_day >= 0.0 ? static_cast<std::int32_t>(std::lround(of_day * 1000.0)) : kNoEpoch;
+  const double ofDay = std::fmod(NmeaNumber(seconds), kDaySeconds);
+  return ofDay >= 0.0 ? static_cast<std::int32_t>(std::lround(ofDay * 1000.0)) : kNoEpoch;
 }
 
 bool TakeNumber(FieldCursor& fields, double& value) {
@@ -58,31 +58,31 @@ bool TakeNumber(FieldCursor& fields, double& value) {
 // The thirteen fields behind status and type.
 bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, Bestpos& bestpos) {
   std::string_view field;
-  double sigma_latitude = 0.0;
-  double sigma_longitude = 0.0;
-  double sigma_height = 0.0;
+  double sigmaLatitude = 0.0;
+  double sigmaLongitude = 0.0;
+  double sigmaHeight = 0.0;
   if (!TakeNumber(fields, state.latitude) || !TakeNumber(fields, state.longitude) ||
-      !TakeNumber(fields, state.height) || !TakeNumber(fields, bestpos.undulation_m) ||
+      !TakeNumber(fields, state.height) || !TakeNumber(fields, bestpos.undulationM) ||
       !fields.Take(field)) {
     return false;
   }
   bestpos.datum.Assign(field);
-  if (!TakeNumber(fields, sigma_latitude) || !TakeNumber(fields, sigma_longitude) ||
-      !TakeNumber(fields, sigma_height)) {
+  if (!TakeNumber(fields, sigmaLatitude) || !TakeNumber(fields, sigmaLongitude) ||
+      !TakeNumber(fields, sigmaHeight)) {
     return false;
   }
   state.hrms = ToJobDistance(
-      std::sqrt(sigma_latitude * sigma_latitude + sigma_longitude * sigma_longitude), unit);
-  state.vrms = ToJobDistance(sigma_height, unit);
-  state.precision_known = true;
+      std::sqrt(sigmaLatitude * sigmaLatitude + sigmaLongitude * sigmaLongitude), unit);
+  state.vrms = ToJobDistance(sigmaHeight, unit);
+  state.precisionKnown = true;
   if (!fields.Skip(1) || !TakeNumber(fields, state.correctionAge) || !fields.Skip(2) ||
       !fields.Take(field)) {
     return false;
   }
   state.satellites = NmeaInteger(field);
-  state.age_of_corrections = state.correctionAge;
-  state.height_known = true;
-  state.separation_known = true;
+  state.ageOfCorrections = state.correctionAge;
+  state.heightKnown = true;
+  state.separationKnown = true;
   return true;
 }
 
@@ -90,9 +90,9 @@ bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, 
 
 GnssReadResult ReadBestpos(std::string_view log, DistanceUnit unit, GnssPositionState& state,
                            Bestpos& bestpos) {
-  const std::size_t header_end = log.find(';');
-  if (header_end == std::string_view::npos) return GnssReadResult::NoPositionSentence;
-  FieldCursor fields(log.substr(header_end + 1));
+  const std::size_t headerEnd = log.find(';');
+  if (headerEnd == std::string_view::npos) return GnssReadResult::NoPositionSentence;
+  FieldCursor fields(log.substr(headerEnd + 1));
   std::string_view status;
   std::string_view type;
   if (!fields.Take(status) || status != "SOL_COMPUTED") return GnssReadResult::NoFix;
@@ -101,11 +101,11 @@ GnssReadResult ReadBestpos(std::string_view log, DistanceUnit unit, GnssPosition
   const PositionType position = TypeOf(type);
   state.solutionType = position.solution;
   state.differentialSource = position.source;
-  bestpos.omnistar_hp = type == "OMNISTAR_HP";
+  bestpos.omnistarHp = type == "OMNISTAR_HP";
   if (!TakeBody(fields, unit, state, bestpos)) return GnssReadResult::NoPositionSentence;
-  state.geoid_separation = bestpos.undulation_m;
-  state.epoch_ms = EpochOf(log.substr(0, header_end));
-  state.precision_epoch_ms = state.epoch_ms;
+  state.geoidSeparation = bestpos.undulationM;
+  state.epochMs = EpochOf(log.substr(0, headerEnd));
+  state.precisionEpochMs = state.epochMs;
   return GnssReadResult::Accepted;
 }
 

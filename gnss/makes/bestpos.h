@@ -11,9 +11,9 @@ namespace tarvex {
 
 /// What of a log is not part of the position state.
 struct Bestpos {
-  double undulation_m = 0.0;
+  double undulationM = 0.0;
   FixedText<19> datum;
-  bool omnistar_hp = false;
+  bool omnistarHp = false;
 };
 
 /// Takes a log ("#BESTPOSA,...;body*crc") into the state. NoPositionSentence without a header or

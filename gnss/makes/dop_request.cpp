@@ -21,7 +21,7 @@ constexpr std::size_t kGsaCapacity = 200;
 struct DopRequest {
   std::string command;
   std::string_view wanted;
-  int timeout_ms = kReplyTimeoutMs;
+  int timeoutMs = kReplyTimeoutMs;
   std::size_t capacity = kReplyCapacity;
 };
 
@@ -34,7 +34,7 @@ DopRequest RequestOf(const ReceiverMake& make, const std::string& port) {
     case DopSource::GsaOnce:
       return {.command = "LOG GPGSA ONCE",
               .wanted = "$GPGSA",
-              .timeout_ms = kGsaTimeoutMs,
+              .timeoutMs = kGsaTimeoutMs,
               .capacity = kGsaCapacity};
     case DopSource::Pbn:
       return {.command = "$PASHQ,PBN", .wanted = "$PASHR,PBN"};
@@ -69,9 +69,9 @@ bool TakeDop(FieldCursor& fields, double& dop) {
 }  // namespace
 
 bool ReadPsrdop(std::string_view log, GnssPositionState& state) {
-  const std::size_t header_end = log.find(';');
-  if (header_end == std::string_view::npos) return false;
-  FieldCursor fields(log.substr(header_end + 1));
+  const std::size_t headerEnd = log.find(';');
+  if (headerEnd == std::string_view::npos) return false;
+  FieldCursor fields(log.substr(headerEnd + 1));
   return fields.Skip(1) && TakeDop(fields, state.pdop) && TakeDop(fields, state.hdop) &&
          fields.Skip(1) && TakeDop(fields, state.tdop);
 }
@@ -83,8 +83,8 @@ bool ReadPashrPbn(std::string_view line, GnssPositionState& state) {
          TakeDop(fields, state.vdop) && TakeDop(fields, state.tdop);
 }
 
-GnssReadResult RequestDop(GnssPositionState& state, GnssConnection& connection, int receiver_type) {
-  const ReceiverMake& make = FindMake(receiver_type);
+GnssReadResult RequestDop(GnssPositionState& state, GnssConnection& connection, int receiverType) {
+  const ReceiverMake& make = FindMake(receiverType);
   if (make.dop == DopSource::Streamed) return GnssReadResult::NoPositionSentence;
   if (!connection.ready()) return GnssReadResult::NoFix;
   const PortUse use(*connection.port);
@@ -93,7 +93,7 @@ GnssReadResult RequestDop(GnssPositionState& state, GnssConnection& connection, 
   if (!SendCommand(connection, request.command)) return GnssReadResult::PortReadFailed;
   std::array<char, kReplyCapacity> buffer;
   std::string_view reply;
-  const ReplyStatus status = AwaitReply(connection, request.wanted, request.timeout_ms,
+  const ReplyStatus status = AwaitReply(connection, request.wanted, request.timeoutMs,
                                         std::span(buffer).first(request.capacity), reply);
   if (status == ReplyStatus::PortFailed) return GnssReadResult::PortReadFailed;
   if (status == ReplyStatus::TimedOut) return GnssReadResult::NoPositionSentence;

@@ -10,7 +10,7 @@ namespace tarvex {
 
 /// Asks the make for its DOP values and takes them into the state. PortReadFailed when nothing can
 /// be sent, NoPositionSentence when no usable reply comes or the make cannot be asked.
-GnssReadResult RequestDop(GnssPositionState& state, GnssConnection& connection, int receiver_type);
+GnssReadResult RequestDop(GnssPositionState& state, GnssConnection& connection, int receiverType);
 
 /// "#PSRDOPA,...;gdop,pdop,hdop,htdop,tdop,...": false when a field is missing.
 [[nodiscard]] bool ReadPsrdop(std::string_view log, GnssPositionState& state);

@@ -18,7 +18,7 @@ constexpr std::string_view kUserDatum =
     ".0000000562335 -.00062";
 
 void WaitForNextRequest(GnssConnection& connection) {
-  std::int64_t& last = connection.last_request_at_ms;
+  std::int64_t& last = connection.lastRequestAtMs;
   if (last >= 0) {
     const std::int64_t passed = connection.clock.SteadyMilliseconds() - last;
     if (passed < kBetweenRequestsMs) {
@@ -55,7 +55,7 @@ GnssReadResult SetWgs84(GnssConnection& connection) {
 
 GnssReadResult CheckDatum(GnssConnection& connection, const Bestpos& bestpos) {
   const bool wgs84 = bestpos.datum.view() == "WGS84";
-  if (bestpos.omnistar_hp && connection.settings.omnistar_user_datum) {
+  if (bestpos.omnistarHp && connection.settings.omnistarUserDatum) {
     return wgs84 ? SetUserDatum(connection) : GnssReadResult::Accepted;
   }
   return wgs84 ? GnssReadResult::Accepted : SetWgs84(connection);
@@ -69,7 +69,7 @@ std::string LogRequest(const GnssConnection& connection) {
 
 GnssReadResult ReadNovAtelPosition(GnssPositionState& state, GnssConnection& connection,
                                    const ReceiverMake& make) {
-  state.dop_carried_over = true;
+  state.dopCarriedOver = true;
   WaitForNextRequest(connection);
   // An answer that came too late must not be taken for the next one.
   (void)connection.port->PurgeInput();
@@ -86,17 +86,17 @@ GnssReadResult ReadNovAtelPosition(GnssPositionState& state, GnssConnection& con
     case ReplyStatus::PortFailed:
       return GnssReadResult::PortReadFailed;
   }
-  state.sentence_read_at_ms = connection.clock.SteadyMilliseconds();
+  state.sentenceReadAtMs = connection.clock.SteadyMilliseconds();
   if (connection.settings.checksum && !LogCrcHolds(reply)) {
-    ++state.bad_checksums;
+    ++state.badChecksums;
     return GnssReadResult::NoPositionSentence;
   }
   Bestpos bestpos;
   const GnssReadResult result = ReadBestpos(reply, connection.settings.unit, state, bestpos);
   if (result != GnssReadResult::Accepted) return result;
-  if (bestpos.undulation_m != 0.0) {
-    if (connection.settings.zero_undulation) return SwitchUndulationOff(connection, make);
-    state.height += bestpos.undulation_m;
+  if (bestpos.undulationM != 0.0) {
+    if (connection.settings.zeroUndulation) return SwitchUndulationOff(connection, make);
+    state.height += bestpos.undulationM;
   }
   return CheckDatum(connection, bestpos);
 }

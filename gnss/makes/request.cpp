@@ -19,9 +19,9 @@ bool SendCommand(GnssConnection& connection, std::string_view command) {
   return connection.port->Write(std::string(command) + "\r\n", kSendTimeoutMs) == PortError::None;
 }
 
-ReplyStatus AwaitReply(GnssConnection& connection, std::string_view wanted, int timeout_ms,
+ReplyStatus AwaitReply(GnssConnection& connection, std::string_view wanted, int timeoutMs,
                        std::span<char> buffer, std::string_view& reply) {
-  const std::int64_t until = connection.clock.SteadyMilliseconds() + timeout_ms;
+  const std::int64_t until = connection.clock.SteadyMilliseconds() + timeoutMs;
   for (int line = 0; line < kMostLines; ++line) {
     const std::int64_t left = until - connection.clock.SteadyMilliseconds();
     if (left <= 0) break;

@@ -16,7 +16,7 @@ enum class [[nodiscard]] ReplyStatus{Found, TimedOut, PortFailed};
 
 /// Reads lines until one holds `wanted`; `reply` is that line from `wanted` on, and stands in
 /// `buffer`. Other lines (prompts, acknowledgements, data that streams by) are left out.
-ReplyStatus AwaitReply(GnssConnection& connection, std::string_view wanted, int timeout_ms,
+ReplyStatus AwaitReply(GnssConnection& connection, std::string_view wanted, int timeoutMs,
                        std::span<char> buffer, std::string_view& reply);
 
 /// Reads one line and leaves it out: the receiver's answer to a setting command.

@@ -19,16 +19,16 @@ constexpr std::string_view kEnd = "ENDSOURCETABLE";
 
 std::string CasterName(const CasterLogin& caster) {
   const std::string host = caster.host.str();
-  const bool bare_ipv6 = host.find(':') != std::string::npos;
-  return (bare_ipv6 ? "[" + host + "]" : host) + ":" + caster.port;
+  const bool bareIpv6 = host.find(':') != std::string::npos;
+  return (bareIpv6 ? "[" + host + "]" : host) + ":" + caster.port;
 }
 
 PortError CasterList::ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin,
                                 LastErrorRecord& errors) {
   std::string bytes;
   if (!ReadWholeFile(files, path, kLargestTable, bytes).ok()) return PortError::TableTooLarge;
-  std::vector<CasterRecord> read_casters;
-  std::vector<StreamRecord> read_streams;
+  std::vector<CasterRecord> readCasters;
+  std::vector<StreamRecord> readStreams;
   bool ended = false;
   std::string_view rest = bytes;
   while (const auto line = TakeLine(rest)) {
@@ -41,16 +41,16 @@ PortError CasterList::ReadTable(FileSystem& files, const std::string& path, Reco
     CasterRecord caster;
     if (line->starts_with("STR;") &&
         ParseStreamRecord(*line, origin, stream, errors) == PortError::None) {
-      if (read_streams.size() == kMostStreams) return PortError::TableTooLarge;
-      read_streams.push_back(stream);
-    } else if (line->starts_with("CAS;") && read_casters.size() < kMostStreams &&
+      if (readStreams.size() == kMostStreams) return PortError::TableTooLarge;
+      readStreams.push_back(stream);
+    } else if (line->starts_with("CAS;") && readCasters.size() < kMostStreams &&
                ParseCasterRecord(*line, origin, caster, errors) == PortError::None) {
-      read_casters.push_back(caster);
+      readCasters.push_back(caster);
     }
   }
   complete = ended;
-  casters = std::move(read_casters);
-  streams = std::move(read_streams);
+  casters = std::move(readCasters);
+  streams = std::move(readStreams);
   return PortError::None;
 }
 
@@ -86,11 +86,11 @@ std::vector<std::string> CasterList::MostAlike(std::string_view mountpoint,
 
 // Haversine formula.
 double DistanceKm(const StreamRecord& stream, double latitude, double longitude) {
-  const double phi_1 = stream.latitude * kRadiansPerDegree;
-  const double phi_2 = latitude * kRadiansPerDegree;
-  const double sin_phi = std::sin((phi_2 - phi_1) / 2.0);
-  const double sin_lambda = std::sin((longitude - stream.longitude) * kRadiansPerDegree / 2.0);
-  const double a = sin_phi * sin_phi + std::cos(phi_1) * std::cos(phi_2) * sin_lambda * sin_lambda;
+  const double phi1 = stream.latitude * kRadiansPerDegree;
+  const double phi2 = latitude * kRadiansPerDegree;
+  const double sinPhi = std::sin((phi2 - phi1) / 2.0);
+  const double sinLambda = std::sin((longitude - stream.longitude) * kRadiansPerDegree / 2.0);
+  const double a = sinPhi * sinPhi + std::cos(phi1) * std::cos(phi2) * sinLambda * sinLambda;
   return 2.0 * kEarthRadiusKm * std::asin(std::min(1.0, std::sqrt(a)));
 }
 

@@ -37,8 +37,8 @@ PortError MarkedRefusal(std::string_view text) {
 
 // What of the bytes is text, from the front on.
 std::string_view LeadingText(std::string_view bytes) {
-  const auto is_text = [](char c) { return (c >= ' ' && c <= '~') || (c >= '\t' && c <= '\r'); };
-  const auto end = std::find_if_not(bytes.begin(), bytes.end(), is_text);
+  const auto isText = [](char c) { return (c >= ' ' && c <= '~') || (c >= '\t' && c <= '\r'); };
+  const auto end = std::find_if_not(bytes.begin(), bytes.end(), isText);
   return bytes.substr(0, static_cast<std::size_t>(end - bytes.begin()));
 }
 
@@ -91,17 +91,17 @@ PortError NtripClient::Fail(PortError error) {
 // The operation's own error stands above its cause in the record; what the cause said is kept.
 PortError NtripClient::Caused(PortError error, PortError cause) {
   cause_ = cause;
-  cause_detail_.clear();
+  causeDetail_.clear();
   const int wanted =
       static_cast<int>(cause == PortError::CasterNotOpened ? PortError::System : cause);
   for (const LastError& entry : surroundings_.errors.History()) {
-    if (entry.code == wanted && !entry.arguments.empty()) cause_detail_ = entry.arguments.front();
+    if (entry.code == wanted && !entry.arguments.empty()) causeDetail_ = entry.arguments.front();
   }
   return Fail(error);
 }
 
-int NtripClient::ElapsedSeconds(std::int64_t since_ms) const {
-  return static_cast<int>((surroundings_.clock.SteadyMilliseconds() - since_ms) / 1000);
+int NtripClient::ElapsedSeconds(std::int64_t sinceMs) const {
+  return static_cast<int>((surroundings_.clock.SteadyMilliseconds() - sinceMs) / 1000);
 }
 
 PortError NtripClient::Connect(const std::string& host, const std::string& port,
@@ -117,10 +117,10 @@ PortError NtripClient::SendRequest(std::string_view mountpoint, std::string_view
   return connection_->Send(NtripRequest(mountpoint, user, password), kSendTimeoutMs);
 }
 
-PortError NtripClient::ReceiveText(std::string& received, std::uint32_t wait_ms) {
+PortError NtripClient::ReceiveText(std::string& received, std::uint32_t waitMs) {
   std::array<char, kReceiveSize> buffer;
   std::size_t count = 0;
-  const PortError error = connection_->Receive(buffer, count, static_cast<int>(wait_ms));
+  const PortError error = connection_->Receive(buffer, count, static_cast<int>(waitMs));
   received.assign(buffer.data(), error == PortError::None ? count : 0);
   return error;
 }
@@ -130,23 +130,23 @@ PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view 
   if (const PortError error = SendRequest(mountpoint, user, password); error != PortError::None) {
     return error;
   }
-  const std::int64_t since_ms = surroundings_.clock.SteadyMilliseconds();
+  const std::int64_t sinceMs = surroundings_.clock.SteadyMilliseconds();
   std::string received;
   if (const PortError error = ReceiveText(received, 2 * timeoutMs); error != PortError::None) {
     return Fail(error == PortError::Cancelled ? error : PortError::FirstReceiveFailed);
   }
   ForgetStream();
   if (TakeAnswer(received)) return BeginStream();
-  return AwaitStream(progress, since_ms);
+  return AwaitStream(progress, sinceMs);
 }
 
-PortError NtripClient::AwaitStream(NtripProgress& progress, std::int64_t since_ms) {
+PortError NtripClient::AwaitStream(NtripProgress& progress, std::int64_t sinceMs) {
   std::string received;
   do {
-    if (surroundings_.clock.SteadyMilliseconds() - since_ms > kAnswerLimitMs) {
+    if (surroundings_.clock.SteadyMilliseconds() - sinceMs > kAnswerLimitMs) {
       return Fail(PortError::NoAnswer);
     }
-    const int elapsed = ElapsedSeconds(since_ms);
+    const int elapsed = ElapsedSeconds(sinceMs);
     if (progress.Progress(elapsed + kOpenProgressBase, 0, elapsed) != 0) {
       return Fail(PortError::Cancelled);
     }
@@ -254,23 +254,22 @@ PortError NtripClient::LoadBases(CasterList& list, NtripProgress& progress) {
   if (connection_ == nullptr || !list.current) return Fail(PortError::NothingGiven);
   constexpr int kTextLoading = 3312;
   progress.Status(Strings().Text(kTextConnectingToBroadcaster));
-  const std::string file_name = surroundings_.work_folder + "tmp_sourcetable.txt";
-  PortError error = FetchTable(*list.current, file_name, progress);
+  const std::string fileName = surroundings_.workFolder + "tmp_sourcetable.txt";
+  PortError error = FetchTable(*list.current, fileName, progress);
   if (error != PortError::None) return Caused(PortError::BasesNotLoaded, error);
   progress.Status(Strings().Text(kTextLoading));
-  error =
-      list.ReadTable(surroundings_.files, file_name, RecordOrigin::Caster, surroundings_.errors);
+  error = list.ReadTable(surroundings_.files, fileName, RecordOrigin::Caster, surroundings_.errors);
   if (error == PortError::None) return PortError::None;
   (void)Fail(error);
   return Caused(PortError::BasesNotLoaded, error);
 }
 
-PortError NtripClient::FetchTable(const CasterLogin& caster, const std::string& file_name,
+PortError NtripClient::FetchTable(const CasterLogin& caster, const std::string& fileName,
                                   NtripProgress& progress) {
   if (connection_->Supports(NtripOperation::FetchTable)) {
     return connection_->Perform(
         NtripOperation::FetchTable,
-        {.host = caster.host.str(), .port = caster.port, .file_name = file_name}, progress);
+        {.host = caster.host.str(), .port = caster.port, .fileName = fileName}, progress);
   }
   const auto connect = [&] {
     const PortError error = Connect(caster.host.str(), caster.port, progress);
@@ -278,11 +277,11 @@ PortError NtripClient::FetchTable(const CasterLogin& caster, const std::string& 
     return told ? error : Fail(PortError::CasterNotOpened);
   };
   if (const PortError error = connect(); error != PortError::None) return error;
-  const PortError error = FetchSourceTable(file_name, progress);
+  const PortError error = FetchSourceTable(fileName, progress);
   if (error != PortError::NotAuthorized || caster.user.empty()) return error;
   connection_->Close();
   if (const PortError again = connect(); again != PortError::None) return again;
-  return FetchAs(caster.user, caster.password, file_name, progress);
+  return FetchAs(caster.user, caster.password, fileName, progress);
 }
 
 PortError NtripClient::ConnectMountpoint(const CasterLogin* caster, const StreamRecord* stream,
@@ -321,13 +320,13 @@ PortError NtripClient::OpenAt(const CasterLogin& caster, const std::string& moun
   return OpenStream(mountpoint, caster.user, caster.password, progress);
 }
 
-PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int wait_ms) {
+PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int waitMs) {
   count = 0;
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
   if (pending_.empty()) {
     if (chunked_ && chunks_.ended()) return Fail(PortError::Disconnected);
     std::size_t got = 0;
-    if (const PortError error = connection_->Receive(out, got, wait_ms); error != PortError::None) {
+    if (const PortError error = connection_->Receive(out, got, waitMs); error != PortError::None) {
       return error;
     }
     if (start_.done() && !chunked_) {
@@ -346,9 +345,9 @@ PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int wait
   return PortError::None;
 }
 
-PortError NtripClient::Send(std::string_view bytes, int wait_ms) {
+PortError NtripClient::Send(std::string_view bytes, int waitMs) {
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
-  return connection_->Send(bytes, wait_ms);
+  return connection_->Send(bytes, waitMs);
 }
 
 }  // namespace tarvex

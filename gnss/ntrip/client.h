@@ -36,7 +36,7 @@ struct NtripSurroundings {
   FileSystem& files;
   LastErrorRecord& errors;
   /// Where "tmp_sourcetable.txt" goes; with its separator, empty for the current folder.
-  std::string work_folder = {};
+  std::string workFolder = {};
 };
 
 class NtripClient {
@@ -52,7 +52,7 @@ class NtripClient {
   /// or page; what came behind the answer is handed out by the first Receive.
   PortError OpenStream(std::string_view mountpoint, std::string_view user,
                        std::string_view password, NtripProgress& progress);
-  PortError FetchSourceTable(const std::string& file_name, NtripProgress& progress);
+  PortError FetchSourceTable(const std::string& fileName, NtripProgress& progress);
   /// Fetches the table of the list's current caster and reads it into the list. It is asked for
   /// without the login, and again with it when the caster wants one. BasesNotLoaded for any
   /// failure; cause() says which.
@@ -65,12 +65,12 @@ class NtripClient {
                               NtripProgress& progress);
 
   /// The next bytes of the open stream; none of them when only a part of a chunk's head came.
-  PortError Receive(std::span<char> out, std::size_t& count, int wait_ms);
-  PortError Send(std::string_view bytes, int wait_ms);
+  PortError Receive(std::span<char> out, std::size_t& count, int waitMs);
+  PortError Send(std::string_view bytes, int waitMs);
 
   PortError cause() const { return cause_; }
   /// What the caster or the system said to the cause, for a sentence; often empty.
-  const std::string& cause_detail() const { return cause_detail_; }
+  const std::string& causeDetail() const { return causeDetail_; }
   const std::string& name() const { return name_; }
 
   /// How long a receive waits; the first one after a request twice as long.
@@ -79,8 +79,8 @@ class NtripClient {
  private:
   PortError Fail(PortError error);
   PortError Caused(PortError error, PortError cause);
-  int ElapsedSeconds(std::int64_t since_ms) const;
-  PortError AwaitStream(NtripProgress& progress, std::int64_t since_ms);
+  int ElapsedSeconds(std::int64_t sinceMs) const;
+  PortError AwaitStream(NtripProgress& progress, std::int64_t sinceMs);
   void ForgetStream();
   bool TakeAnswer(std::string_view received);
   void TakeBody(std::string_view received);
@@ -91,22 +91,22 @@ class NtripClient {
   PortError Refusal() const;
   PortError RefusalWhenClosed(PortError error) const;
   PortError Refused(PortError refusal);
-  PortError AwaitTable(std::string& table, NtripProgress& progress, std::int64_t since_ms);
+  PortError AwaitTable(std::string& table, NtripProgress& progress, std::int64_t sinceMs);
   PortError TableRefusal(std::string_view reply);
-  PortError StoreTable(std::string table, const std::string& file_name, NtripProgress& progress,
-                       std::int64_t since_ms);
-  PortError FetchAs(std::string_view user, std::string_view password, const std::string& file_name,
+  PortError StoreTable(std::string table, const std::string& fileName, NtripProgress& progress,
+                       std::int64_t sinceMs);
+  PortError FetchAs(std::string_view user, std::string_view password, const std::string& fileName,
                     NtripProgress& progress);
-  PortError FetchTable(const CasterLogin& caster, const std::string& file_name,
+  PortError FetchTable(const CasterLogin& caster, const std::string& fileName,
                        NtripProgress& progress);
   PortError OpenAt(const CasterLogin& caster, const std::string& mountpoint,
                    NtripProgress& progress);
-  PortError ReceiveText(std::string& received, std::uint32_t wait_ms);
+  PortError ReceiveText(std::string& received, std::uint32_t waitMs);
   NtripConnection* connection_;
   std::string name_;
   NtripSurroundings surroundings_;
   PortError cause_ = PortError::None;
-  std::string cause_detail_;
+  std::string causeDetail_;
   ReplyWindow reply_;
   HttpHead head_;
   StreamStart start_;

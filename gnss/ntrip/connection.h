@@ -16,7 +16,7 @@ namespace tarvex {
 enum class NtripOperation : int {
   OpenTcp = 106,         ///< host, port
   OpenMountpoint = 112,  ///< host, port, mountpoint, user, password
-  FetchTable = 113,      ///< host, port, file_name
+  FetchTable = 113,      ///< host, port, fileName
 };
 
 struct NtripTarget {
@@ -25,7 +25,7 @@ struct NtripTarget {
   std::string mountpoint = {};
   std::string user = {};
   std::string password = {};
-  std::string file_name = {};
+  std::string fileName = {};
 };
 
 class NtripConnection {

@@ -13,8 +13,8 @@ bool IsSame(const CasterRecord& a, const CasterRecord& b) {
 }
 
 bool IsOf(const StreamRecord& stream, const CasterRecord& caster) {
-  return EqualsIgnoringCase(stream.own_text_1.view(), caster.host.view()) &&
-         stream.own_text_2 == caster.port;
+  return EqualsIgnoringCase(stream.ownText1.view(), caster.host.view()) &&
+         stream.ownText2 == caster.port;
 }
 
 // What the caster's own table says about itself, if it does.
@@ -29,7 +29,7 @@ CasterRecord RecordOf(const CasterLogin& caster, const CasterList& offered) {
     record.host = reached.host;
     record.port = reached.port;
   }
-  record.own_text_1.Assign(caster.user);
+  record.ownText1.Assign(caster.user);
   return record;
 }
 
@@ -37,15 +37,15 @@ CasterRecord RecordOf(const CasterLogin& caster, const CasterList& offered) {
 
 bool RememberCaster(const CasterLogin& caster, const CasterList& offered, CasterList& known) {
   const CasterRecord record = RecordOf(caster, offered);
-  if (record.host.view() != caster.host.view() || record.own_text_1.view() != caster.user) {
+  if (record.host.view() != caster.host.view() || record.ownText1.view() != caster.user) {
     return false;
   }
   std::erase_if(known.casters, [&](const CasterRecord& one) { return IsSame(one, record); });
   std::erase_if(known.streams, [&](const StreamRecord& one) { return IsOf(one, record); });
   known.casters.push_back(record);
   for (StreamRecord stream : offered.streams) {
-    stream.own_text_1 = record.host;
-    stream.own_text_2 = record.port;
+    stream.ownText1 = record.host;
+    stream.ownText2 = record.port;
     known.streams.push_back(stream);
   }
   return true;
@@ -61,7 +61,7 @@ std::vector<StreamRecord> StreamsOf(const CasterList& known, const CasterRecord&
 CasterLogin LoginOf(const CasterRecord& caster) {
   return {.host = FixedText<128>(caster.host.view()),
           .port = caster.port.str(),
-          .user = caster.own_text_1.str()};
+          .user = caster.ownText1.str()};
 }
 
 }  // namespace tarvex

@@ -9,14 +9,14 @@ class NtripProgress {
  public:
   virtual ~NtripProgress() = default;
   /// Non-zero when the user cancels. Called once a receive.
-  virtual int Progress(int value, int minimum = 0, int elapsed_s = 0) = 0;
+  virtual int Progress(int value, int minimum = 0, int elapsedS = 0) = 0;
   virtual void Status(std::string_view text) = 0;
 };
 
 /// Shows nothing and never cancels.
 class NoProgress final : public NtripProgress {
  public:
-  int Progress(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override { return 0; }
+  int Progress(int /*value*/, int /*minimum*/, int /*elapsedS*/) override { return 0; }
   void Status(std::string_view /*text*/) override {}
 };
 

@@ -90,9 +90,9 @@ void PutStream(const StreamRecord& record, RecordLine& line) {
   line.Put(record.mountpoint);
   line.Put(record.identifier);
   line.Put(record.format);
-  line.Put(record.format_details);
+  line.Put(record.formatDetails);
   line.Put(record.carrier);
-  line.Put(record.nav_system);
+  line.Put(record.navSystem);
   line.Put(record.network);
   line.Put(record.country);
   line.Put(record.latitude);
@@ -120,16 +120,16 @@ PortError ParseCasterRecord(std::string_view line, RecordOrigin origin, CasterRe
   fields.Take(read.port);
   if (read.host.empty() || read.port.empty()) return Report(errors, PortError::NoHostOrPort);
   fields.Take(read.identifier);
-  fields.Take(read.operator_name);
+  fields.Take(read.operatorName);
   fields.Take(read.nmea);
   fields.Take(read.country);
   fields.Take(read.latitude);
   fields.Take(read.longitude);
-  fields.Take(read.fallback_host);
+  fields.Take(read.fallbackHost);
   if (origin == RecordOrigin::OwnList) {
-    fields.Take(read.fallback_port);
-    fields.Take(read.own_text_1);
-    fields.Take(read.own_text_2);
+    fields.Take(read.fallbackPort);
+    fields.Take(read.ownText1);
+    fields.Take(read.ownText2);
     fields.Take(read.flag);
   }
   record = read;
@@ -146,10 +146,10 @@ PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRe
   fields.Take(read.identifier);
   const std::string_view format = fields.Next();
   read.format.Assign(format);
-  read.format_code = CorrectionFormatCode(format);
-  fields.Take(read.format_details);
+  read.formatCode = CorrectionFormatCode(format);
+  fields.Take(read.formatDetails);
   fields.Take(read.carrier);
-  fields.Take(read.nav_system);
+  fields.Take(read.navSystem);
   fields.Take(read.network);
   fields.Take(read.country);
   fields.Take(read.latitude);
@@ -164,9 +164,9 @@ PortError ParseStreamRecord(std::string_view line, RecordOrigin origin, StreamRe
   read.fee = fee.starts_with('Y') || (origin == RecordOrigin::OwnList && fee == "1");
   fields.Take(read.bitrate);
   fields.Take(read.misc);
-  fields.Take(read.own_text_1);
-  fields.Take(read.own_text_2);
-  fields.Take(read.own_text_3);
+  fields.Take(read.ownText1);
+  fields.Take(read.ownText2);
+  fields.Take(read.ownText3);
   fields.Take(read.flag);
   record = read;
   return PortError::None;
@@ -177,15 +177,15 @@ std::string CasterRecordLine(const CasterRecord& record) {
   line.Put(record.host);
   line.Put(record.port);
   line.Put(record.identifier);
-  line.Put(record.operator_name);
+  line.Put(record.operatorName);
   line.Put(record.nmea);
   line.Put(record.country);
   line.Put(record.latitude);
   line.Put(record.longitude);
-  line.Put(record.fallback_host);
-  line.Put(record.fallback_port);
-  line.Put(record.own_text_1);
-  line.Put(record.own_text_2);
+  line.Put(record.fallbackHost);
+  line.Put(record.fallbackPort);
+  line.Put(record.ownText1);
+  line.Put(record.ownText2);
   line.Put(record.flag);
   return line.Finish();
 }
@@ -196,9 +196,9 @@ std::string StreamRecordLine(const StreamRecord& record) {
   line.Put(record.fee);
   line.Put(record.bitrate);
   line.Put(record.misc);
-  line.Put(record.own_text_1);
-  line.Put(record.own_text_2);
-  line.Put(record.own_text_3);
+  line.Put(record.ownText1);
+  line.Put(record.ownText2);
+  line.Put(record.ownText3);
   line.Put(record.flag);
   return line.Finish();
 }

@@ -18,15 +18,15 @@ struct CasterRecord {
   FixedText<32> host;
   FixedText<32> port;
   FixedText<64> identifier;
-  FixedText<64> operator_name;
+  FixedText<64> operatorName;
   bool nmea = false;  ///< the caster wants the rover's position
   FixedText<4> country;
   double latitude = 0.0;
   double longitude = 0.0;
-  FixedText<64> fallback_host;
-  FixedText<32> fallback_port;
-  FixedText<32> own_text_1;
-  FixedText<32> own_text_2;
+  FixedText<64> fallbackHost;
+  FixedText<32> fallbackPort;
+  FixedText<32> ownText1;
+  FixedText<32> ownText2;
   bool flag = false;
 
   /// The port as a number, by the leading-number rule.
@@ -37,9 +37,9 @@ struct StreamRecord {
   FixedText<32> mountpoint;
   FixedText<32> identifier;
   FixedText<32> format;
-  FixedText<32> format_details;
+  FixedText<32> formatDetails;
   std::int32_t carrier = 0;
-  FixedText<32> nav_system;
+  FixedText<32> navSystem;
   FixedText<32> network;
   FixedText<4> country;
   double latitude = 0.0;
@@ -52,11 +52,11 @@ struct StreamRecord {
   bool fee = false;
   std::int32_t bitrate = 0;
   FixedText<32> misc;
-  FixedText<32> own_text_1;
-  FixedText<32> own_text_2;
-  FixedText<32> own_text_3;
+  FixedText<32> ownText1;
+  FixedText<32> ownText2;
+  FixedText<32> ownText3;
   bool flag = false;
-  std::int32_t format_code = 47;  ///< CorrectionFormatCode of the format
+  std::int32_t formatCode = 47;  ///< CorrectionFormatCode of the format
 };
 
 /// One line, its line end taken off. NotARecord when it is no CAS line, NoHostOrPort when host or

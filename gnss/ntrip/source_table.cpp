@@ -120,33 +120,33 @@ class TableFile {
 
 }  // namespace
 
-PortError NtripClient::FetchSourceTable(const std::string& file_name, NtripProgress& progress) {
-  return FetchAs("", "", file_name, progress);
+PortError NtripClient::FetchSourceTable(const std::string& fileName, NtripProgress& progress) {
+  return FetchAs("", "", fileName, progress);
 }
 
 PortError NtripClient::FetchAs(std::string_view user, std::string_view password,
-                               const std::string& file_name, NtripProgress& progress) {
+                               const std::string& fileName, NtripProgress& progress) {
   if (const PortError error = SendRequest("", user, password); error != PortError::None) {
     return error;
   }
-  const std::int64_t since_ms = surroundings_.clock.SteadyMilliseconds();
+  const std::int64_t sinceMs = surroundings_.clock.SteadyMilliseconds();
   std::string table;
   if (const PortError error = ReceiveText(table, 2 * timeoutMs); error != PortError::None) {
     return error;
   }
-  if (const PortError error = AwaitTable(table, progress, since_ms); error != PortError::None) {
+  if (const PortError error = AwaitTable(table, progress, sinceMs); error != PortError::None) {
     return error;
   }
-  return StoreTable(std::move(table), file_name, progress, since_ms);
+  return StoreTable(std::move(table), fileName, progress, sinceMs);
 }
 
 PortError NtripClient::AwaitTable(std::string& table, NtripProgress& progress,
-                                  std::int64_t since_ms) {
+                                  std::int64_t sinceMs) {
   while (!Holds(table, "Content-Length:") && !Holds(table, "STR;") && !Holds(table, kEnd)) {
-    if (surroundings_.clock.SteadyMilliseconds() - since_ms > kAnswerLimitMs) {
+    if (surroundings_.clock.SteadyMilliseconds() - sinceMs > kAnswerLimitMs) {
       return Fail(PortError::NoAnswer);
     }
-    if (progress.Progress(ElapsedSeconds(since_ms) + kTableProgress) != 0) {
+    if (progress.Progress(ElapsedSeconds(sinceMs) + kTableProgress) != 0) {
       return Fail(PortError::Cancelled);
     }
     if (Holds(table, "401 Unauthorized")) return Fail(PortError::NotAuthorized);
@@ -172,10 +172,10 @@ PortError NtripClient::TableRefusal(std::string_view reply) {
   return refusal == PortError::None ? refusal : Fail(refusal);
 }
 
-PortError NtripClient::StoreTable(std::string table, const std::string& file_name,
-                                  NtripProgress& progress, std::int64_t since_ms) {
+PortError NtripClient::StoreTable(std::string table, const std::string& fileName,
+                                  NtripProgress& progress, std::int64_t sinceMs) {
   std::unique_ptr<File> opened;
-  if (!surroundings_.files.Open(file_name, FileAccess::CreateOrTruncate, opened).ok()) {
+  if (!surroundings_.files.Open(fileName, FileAccess::CreateOrTruncate, opened).ok()) {
     return Fail(PortError::FileNotCreated);
   }
   TableFile file(std::move(opened));
@@ -186,8 +186,8 @@ PortError NtripClient::StoreTable(std::string table, const std::string& file_nam
     }
     if (file.complete() || body.ended()) break;
     if (progress.Progress(n) != 0) return Fail(PortError::Cancelled);
-    const std::int64_t limit_ms = file.begun() ? kTableLimitMs : kAnswerLimitMs;
-    if (surroundings_.clock.SteadyMilliseconds() - since_ms > limit_ms) {
+    const std::int64_t limitMs = file.begun() ? kTableLimitMs : kAnswerLimitMs;
+    if (surroundings_.clock.SteadyMilliseconds() - sinceMs > limitMs) {
       return Fail(PortError::NoAnswer);
     }
     const PortError error = ReceiveText(table, timeoutMs);

@@ -21,10 +21,10 @@ class TcpNtripConnection final : public NtripConnection {
   PortError Perform(NtripOperation operation, const NtripTarget& target,
                     NtripProgress& progress) override {
     if (operation != NtripOperation::OpenTcp) return Report(errors_, PortError::NothingGiven);
-    const bool bare_ipv6 = target.host.find(':') != std::string::npos;
+    const bool bareIpv6 = target.host.find(':') != std::string::npos;
     port_ = std::make_unique<Port>(
-        (bare_ipv6 ? "[" + target.host + "]" : target.host) + ":" + target.port,
-        MakeTcpDevice(kConnectTimeoutMs, [this] { return StopAskedFor(); }), port_errors_);
+        (bareIpv6 ? "[" + target.host + "]" : target.host) + ":" + target.port,
+        MakeTcpDevice(kConnectTimeoutMs, [this] { return StopAskedFor(); }), portErrors_);
     stopped_ = false;
     progress_ = &progress;
     const PortError error = port_->Open();
@@ -61,8 +61,8 @@ class TcpNtripConnection final : public NtripConnection {
   PortError Told(PortError error) {
     if (error == PortError::None) return error;
     if (stopped_) error = PortError::Cancelled;
-    const std::vector<LastError> happened = port_errors_.History();
-    port_errors_.Clear();
+    const std::vector<LastError> happened = portErrors_.History();
+    portErrors_.Clear();
     if (error == PortError::Cancelled) return Report(errors_, error);
     if (error == PortError::FewerBytesRead) return error;
     for (const LastError& one : happened) errors_.Set(one.code, one.arguments);
@@ -76,7 +76,7 @@ class TcpNtripConnection final : public NtripConnection {
   }
 
   LastErrorRecord& errors_;
-  LastErrorRecord port_errors_;
+  LastErrorRecord portErrors_;
   StopAsked stop_;
   NtripProgress* progress_ = nullptr;  // while connecting
   bool stopped_ = false;

@@ -22,54 +22,54 @@ SolutionType Worse(SolutionType a, SolutionType b) {
   return SolutionType::Fixed;
 }
 
-double Weight(double precision_m) {
-  const double bounded = std::max(precision_m, kSmallestPrecision);
+double Weight(double precisionM) {
+  const double bounded = std::max(precisionM, kSmallestPrecision);
   return 1.0 / (bounded * bounded);
 }
 
 }  // namespace
 
 bool PositionAverage::Add(const GnssPositionState& state, DistanceUnit unit) {
-  if (state.epoch_ms != kNoEpoch &&
-      std::find(times_.begin(), times_.end(), state.epoch_ms) != times_.end()) {
+  if (state.epochMs != kNoEpoch &&
+      std::find(times_.begin(), times_.end(), state.epochMs) != times_.end()) {
     return false;
   }
   if (epochs_.empty()) {
     first_ = worst_ = state;
     const double sine = std::sin(state.latitude * kRadiansPerDegree);
     const double w2 = 1.0 - kSquaredEccentricity * sine * sine;
-    const double prime_vertical = kSemiMajor / std::sqrt(w2);
-    const double meridian = prime_vertical * (1.0 - kSquaredEccentricity) / w2;
-    metres_per_degree_north_ = (meridian + state.height) * kRadiansPerDegree;
-    metres_per_degree_east_ = (prime_vertical + state.height) *
-                              std::cos(state.latitude * kRadiansPerDegree) * kRadiansPerDegree;
+    const double primeVertical = kSemiMajor / std::sqrt(w2);
+    const double meridian = primeVertical * (1.0 - kSquaredEccentricity) / w2;
+    metresPerDegreeNorth_ = (meridian + state.height) * kRadiansPerDegree;
+    metresPerDegreeEast_ = (primeVertical + state.height) *
+                           std::cos(state.latitude * kRadiansPerDegree) * kRadiansPerDegree;
   }
-  times_.push_back(state.epoch_ms);
+  times_.push_back(state.epochMs);
   epochs_.push_back(
-      {.north_m = (state.latitude - first_.latitude) * metres_per_degree_north_,
-       .east_m = WrappedDegrees(state.longitude - first_.longitude) * metres_per_degree_east_,
-       .up_m = state.height - first_.height,
-       .hrms_m = ToMetres(state.hrms, unit),
-       .vrms_m = ToMetres(state.vrms, unit),
-       .precise = state.precision_known && state.hrms > 0.0 && state.vrms > 0.0});
+      {.northM = (state.latitude - first_.latitude) * metresPerDegreeNorth_,
+       .eastM = WrappedDegrees(state.longitude - first_.longitude) * metresPerDegreeEast_,
+       .upM = state.height - first_.height,
+       .hrmsM = ToMetres(state.hrms, unit),
+       .vrmsM = ToMetres(state.vrms, unit),
+       .precise = state.precisionKnown && state.hrms > 0.0 && state.vrms > 0.0});
   if (state.origin != PositionOrigin::Measured) worst_.origin = state.origin;
   worst_.solutionType = Worse(worst_.solutionType, state.solutionType);
   worst_.satellites = std::min(worst_.satellites, state.satellites);
   worst_.pdop = std::max(worst_.pdop, state.pdop);
-  worst_.height_known = worst_.height_known && state.height_known;
-  worst_.separation_known = worst_.separation_known && state.separation_known;
-  worst_.precision_carried_over = worst_.precision_carried_over || state.precision_carried_over;
-  worst_.epoch_ms = state.epoch_ms;
-  if (state.precision_known) {
-    ++precise_epochs_;
-    square_hrms_ += state.hrms * state.hrms;
-    square_vrms_ += state.vrms * state.vrms;
+  worst_.heightKnown = worst_.heightKnown && state.heightKnown;
+  worst_.separationKnown = worst_.separationKnown && state.separationKnown;
+  worst_.precisionCarriedOver = worst_.precisionCarriedOver || state.precisionCarriedOver;
+  worst_.epochMs = state.epochMs;
+  if (state.precisionKnown) {
+    ++preciseEpochs_;
+    squareHrms_ += state.hrms * state.hrms;
+    squareVrms_ += state.vrms * state.vrms;
   }
   return true;
 }
 
 AveragedPosition PositionAverage::Mean() const {
-  AveragedPosition mean{.epochs = epochs_.size(), .precise_epochs = precise_epochs_};
+  AveragedPosition mean{.epochs = epochs_.size(), .preciseEpochs = preciseEpochs_};
   if (epochs_.empty()) return mean;
   mean.weighted =
       std::all_of(epochs_.begin(), epochs_.end(), [](const Epoch& epoch) { return epoch.precise; });
@@ -79,31 +79,31 @@ AveragedPosition PositionAverage::Mean() const {
   double east = 0.0;
   double up = 0.0;
   for (const Epoch& epoch : epochs_) {
-    const double h = mean.weighted ? Weight(epoch.hrms_m) : 1.0;
-    const double v = mean.weighted ? Weight(epoch.vrms_m) : 1.0;
+    const double h = mean.weighted ? Weight(epoch.hrmsM) : 1.0;
+    const double v = mean.weighted ? Weight(epoch.vrmsM) : 1.0;
     horizontal += h;
     vertical += v;
-    north += h * epoch.north_m;
-    east += h * epoch.east_m;
-    up += v * epoch.up_m;
+    north += h * epoch.northM;
+    east += h * epoch.eastM;
+    up += v * epoch.upM;
   }
   north /= horizontal;
   east /= horizontal;
   up /= vertical;
   for (const Epoch& epoch : epochs_) {
-    const double dn = epoch.north_m - north;
-    const double de = epoch.east_m - east;
-    mean.scatter_north += dn * dn;
-    mean.scatter_east += de * de;
-    mean.scatter_up += (epoch.up_m - up) * (epoch.up_m - up);
+    const double dn = epoch.northM - north;
+    const double de = epoch.eastM - east;
+    mean.scatterNorth += dn * dn;
+    mean.scatterEast += de * de;
+    mean.scatterUp += (epoch.upM - up) * (epoch.upM - up);
     mean.farthest = std::max(mean.farthest, std::hypot(dn, de));
   }
   const double freedom = epochs_.size() > 1 ? static_cast<double>(epochs_.size() - 1) : 1.0;
-  mean.scatter_north = std::sqrt(mean.scatter_north / freedom);
-  mean.scatter_east = std::sqrt(mean.scatter_east / freedom);
-  mean.scatter_up = std::sqrt(mean.scatter_up / freedom);
-  mean.latitude = first_.latitude + north / metres_per_degree_north_;
-  mean.longitude = WrappedDegrees(first_.longitude + east / metres_per_degree_east_);
+  mean.scatterNorth = std::sqrt(mean.scatterNorth / freedom);
+  mean.scatterEast = std::sqrt(mean.scatterEast / freedom);
+  mean.scatterUp = std::sqrt(mean.scatterUp / freedom);
+  mean.latitude = first_.latitude + north / metresPerDegreeNorth_;
+  mean.longitude = WrappedDegrees(first_.longitude + east / metresPerDegreeEast_);
   mean.height = first_.height + up;
   return mean;
 }
@@ -112,14 +112,14 @@ GnssPositionState PositionAverage::State() const {
   GnssPositionState state = worst_;
   if (epochs_.empty()) return state;
   const AveragedPosition mean = Mean();
-  const auto count = static_cast<double>(std::max<std::size_t>(precise_epochs_, 1));
+  const auto count = static_cast<double>(std::max<std::size_t>(preciseEpochs_, 1));
   state.latitude = mean.latitude;
   state.longitude = mean.longitude;
   state.height = mean.height;
-  state.hrms = std::sqrt(square_hrms_ / count);
-  state.vrms = std::sqrt(square_vrms_ / count);
-  state.precision_known = precise_epochs_ > 0;
-  state.precision_epoch_ms = state.epoch_ms;
+  state.hrms = std::sqrt(squareHrms_ / count);
+  state.vrms = std::sqrt(squareVrms_ / count);
+  state.precisionKnown = preciseEpochs_ > 0;
+  state.precisionEpochMs = state.epochMs;
   return state;
 }
 

@@ -14,15 +14,15 @@ namespace tarvex {
 
 struct AveragedPosition {
   std::size_t epochs = 0;
-  double latitude = 0.0;       ///< decimal degrees
-  double longitude = 0.0;      ///< decimal degrees
-  double height = 0.0;         ///< metres
-  double scatter_north = 0.0;  ///< standard deviation of one epoch, metres; 0 for a single one
-  double scatter_east = 0.0;
-  double scatter_up = 0.0;
+  double latitude = 0.0;      ///< decimal degrees
+  double longitude = 0.0;     ///< decimal degrees
+  double height = 0.0;        ///< metres
+  double scatterNorth = 0.0;  ///< standard deviation of one epoch, metres; 0 for a single one
+  double scatterEast = 0.0;
+  double scatterUp = 0.0;
   double farthest = 0.0;  ///< greatest horizontal distance of an epoch from the mean, metres
   bool weighted = false;  ///< every epoch told its precision
-  std::size_t precise_epochs = 0;  ///< that told their precision
+  std::size_t preciseEpochs = 0;  ///< that told their precision
 };
 
 class PositionAverage {
@@ -42,11 +42,11 @@ class PositionAverage {
 
  private:
   struct Epoch {
-    double north_m;
-    double east_m;
-    double up_m;
-    double hrms_m;
-    double vrms_m;
+    double northM;
+    double eastM;
+    double upM;
+    double hrmsM;
+    double vrmsM;
     bool precise;
   };
 
@@ -54,11 +54,11 @@ class PositionAverage {
   std::vector<std::int32_t> times_;
   GnssPositionState first_;
   GnssPositionState worst_;
-  std::size_t precise_epochs_ = 0;
-  double square_hrms_ = 0.0;
-  double square_vrms_ = 0.0;
-  double metres_per_degree_north_ = 0.0;
-  double metres_per_degree_east_ = 0.0;
+  std::size_t preciseEpochs_ = 0;
+  double squareHrms_ = 0.0;
+  double squareVrms_ = 0.0;
+  double metresPerDegreeNorth_ = 0.0;
+  double metresPerDegreeEast_ = 0.0;
 };
 
 }  // namespace tarvex

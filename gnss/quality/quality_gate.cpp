@@ -70,8 +70,8 @@ constexpr std::array kNumbers = {
     NumberLimit{"gate_hrms", &GateLimits::hrms},
     NumberLimit{"gate_vrms", &GateLimits::vrms},
     NumberLimit{"gate_pdop", &GateLimits::pdop},
-    NumberLimit{"gate_age", &GateLimits::correction_age_s},
-    NumberLimit{"gate_stale", &GateLimits::stale_s},
+    NumberLimit{"gate_age", &GateLimits::correctionAgeS},
+    NumberLimit{"gate_stale", &GateLimits::staleS},
 };
 
 bool SetSolution(std::string_view value, GateLimits& limits) {
@@ -87,19 +87,19 @@ bool SetSolution(std::string_view value, GateLimits& limits) {
 }  // namespace
 
 std::optional<GateRefusal> CheckGate(const GateLimits& limits, const GnssPositionState& state,
-                                     std::int64_t now_ms) {
-  if (state.repeated_epoch) return GateRefusal{Limit::RepeatedEpoch, {}, {}};
-  const double stale_s = static_cast<double>(now_ms - state.position_read_at_ms) / 1000.0;
-  const bool precise = state.precision_known;
+                                     std::int64_t nowMs) {
+  if (state.repeatedEpoch) return GateRefusal{Limit::RepeatedEpoch, {}, {}};
+  const double staleS = static_cast<double>(nowMs - state.positionReadAtMs) / 1000.0;
+  const bool precise = state.precisionKnown;
   const std::optional<GateRefusal> checks[] = {
-      Above(Limit::Staleness, true, stale_s, limits.stale_s, kOtherDecimals),
+      Above(Limit::Staleness, true, staleS, limits.staleS, kOtherDecimals),
       CheckSolution(limits, state),
       CheckSatellites(limits, state),
       Above(Limit::Hrms, precise, state.hrms, limits.hrms, kPrecisionDecimals),
       Above(Limit::Vrms, precise, state.vrms, limits.vrms, kPrecisionDecimals),
       Above(Limit::Pdop, state.pdop > 0.0, state.pdop, limits.pdop, kOtherDecimals),
-      Above(Limit::CorrectionAge, state.age_of_corrections >= 0.0, state.age_of_corrections,
-            limits.correction_age_s, kOtherDecimals),
+      Above(Limit::CorrectionAge, state.ageOfCorrections >= 0.0, state.ageOfCorrections,
+            limits.correctionAgeS, kOtherDecimals),
   };
   for (const auto& refusal : checks) {
     if (refusal) return refusal;

@@ -18,8 +18,8 @@ struct GateLimits {
   std::optional<double> vrms;            ///< job's distance unit
   std::optional<double> pdop;
   std::optional<int> satellites;  ///< at least so many
-  std::optional<double> correction_age_s;
-  std::optional<double> stale_s;  ///< since the position was read
+  std::optional<double> correctionAgeS;
+  std::optional<double> staleS;  ///< since the position was read
 
   bool operator==(const GateLimits&) const = default;
 };
@@ -45,7 +45,7 @@ struct GateRefusal {
 /// The first limit that refuses; nothing when the position passes. A precision, DOP or age that the
 /// receiver does not send is refused when there is a limit for it.
 std::optional<GateRefusal> CheckGate(const GateLimits& limits, const GnssPositionState& state,
-                                     std::int64_t now_ms);
+                                     std::int64_t nowMs);
 
 /// The sentence for people and for the journal: "HRMS 0.120 is above the limit of 0.050."
 std::string RefusalSentence(const GateRefusal& refusal);

@@ -39,8 +39,8 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   FieldCursor fields(line);
   std::string_view field;
   if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
-  if (context.settings.skip_empty && PositionAndQualityEmpty(fields)) return SentenceResult::Read;
-  state.epoch_ms = MillisecondsOfDay(field);
+  if (context.settings.skipEmpty && PositionAndQualityEmpty(fields)) return SentenceResult::Read;
+  state.epochMs = MillisecondsOfDay(field);
   if (!TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
   if (!fields.Take(field)) return SentenceResult::RanOut;
   const int quality = NmeaInteger(field);
@@ -53,15 +53,15 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   state.hdop = NmeaNumber(field);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.height = NmeaNumber(field);
-  state.height_known = !field.empty();
+  state.heightKnown = !field.empty();
   if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
-  state.geoid_separation = NmeaNumber(field);
-  state.separation_known = !field.empty() || context.make.ellipsoid_height;
-  if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
-  const bool age_there = fields.Skip(1) && fields.Take(field);
-  state.age_of_corrections = age_there && !field.empty() ? NmeaNumber(field) : -1.0;
-  if (!context.make.hemisphere_family) return SentenceResult::Position;
-  if (!age_there) return SentenceResult::RanOut;
+  state.geoidSeparation = NmeaNumber(field);
+  state.separationKnown = !field.empty() || context.make.ellipsoidHeight;
+  if (!context.make.ellipsoidHeight) state.height += state.geoidSeparation;
+  const bool ageThere = fields.Skip(1) && fields.Take(field);
+  state.ageOfCorrections = ageThere && !field.empty() ? NmeaNumber(field) : -1.0;
+  if (!context.make.hemisphereFamily) return SentenceResult::Position;
+  if (!ageThere) return SentenceResult::RanOut;
   state.correctionAge = NmeaNumber(field);
   return SentenceResult::Position;
 }

@@ -48,18 +48,18 @@ SolutionType PublishedSolution(int quality) {
 SentenceResult ReadGgk(std::string_view line, SentenceKind kind, const SentenceContext& context,
                        GnssPositionState& state) {
   const bool ptnl = kind == SentenceKind::PtnlGgk;
-  const bool published = context.settings.ggk_published_layout;
+  const bool published = context.settings.ggkPublishedLayout;
   FieldCursor fields(line);
   std::string_view field;
   if (!fields.Skip(ptnl ? 2 : 1) || !fields.Take(field)) return SentenceResult::RanOut;
-  state.epoch_ms = MillisecondsOfDay(field);
+  state.epochMs = MillisecondsOfDay(field);
   if (!fields.Skip(1) || !TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
   if (!fields.Take(field)) return SentenceResult::RanOut;
   const int quality = NmeaInteger(field);
   if (quality == 0) return SentenceResult::NoFix;
   state.origin = PositionOrigin::Measured;
-  state.solutionType = ptnl && context.settings.ggk_published_quality ? PublishedSolution(quality)
-                                                                      : GgkSolution(quality);
+  state.solutionType = ptnl && context.settings.ggkPublishedQuality ? PublishedSolution(quality)
+                                                                    : GgkSolution(quality);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.satellites = NmeaInteger(field);
   if (ptnl || published) {
@@ -68,9 +68,9 @@ SentenceResult ReadGgk(std::string_view line, SentenceKind kind, const SentenceC
   }
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.height = NmeaNumber(ptnl || published ? WithoutHeightPrefix(field) : field);
-  state.height_known = !field.empty();
-  state.geoid_separation = 0.0;
-  state.separation_known = true;  // the height is ellipsoidal
+  state.heightKnown = !field.empty();
+  state.geoidSeparation = 0.0;
+  state.separationKnown = true;  // the height is ellipsoidal
   return SentenceResult::Position;
 }
 

@@ -10,14 +10,14 @@ SentenceResult ReadGll(std::string_view line, const SentenceContext& context,
   if (!fields.Skip(1) || !TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
   std::string_view time;
   std::string_view status;
-  state.epoch_ms = fields.Take(time) ? MillisecondsOfDay(time) : kNoEpoch;
+  state.epochMs = fields.Take(time) ? MillisecondsOfDay(time) : kNoEpoch;
   const bool told = fields.Take(status);
-  if (context.settings.gll_status && told && status.starts_with('V')) return SentenceResult::NoFix;
+  if (context.settings.gllStatus && told && status.starts_with('V')) return SentenceResult::NoFix;
   state.origin = PositionOrigin::Measured;
   state.height = 0.0;
-  state.height_known = false;
-  state.geoid_separation = 0.0;
-  state.separation_known = true;  // there is no height
+  state.heightKnown = false;
+  state.geoidSeparation = 0.0;
+  state.separationKnown = true;  // there is no height
   return SentenceResult::Position;
 }
 

@@ -46,13 +46,13 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   FieldCursor fields(line);
   std::string_view field;
   if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
-  if (context.settings.skip_empty && PositionAndQualityEmpty(fields)) return SentenceResult::Read;
-  state.epoch_ms = MillisecondsOfDay(field);
+  if (context.settings.skipEmpty && PositionAndQualityEmpty(fields)) return SentenceResult::Read;
+  state.epochMs = MillisecondsOfDay(field);
   if (!TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
   if (!fields.Take(field)) return SentenceResult::RanOut;
-  if (context.settings.gns_best_mode && NoSystemHasAFix(field)) return SentenceResult::NoFix;
+  if (context.settings.gnsBestMode && NoSystemHasAFix(field)) return SentenceResult::NoFix;
   state.origin = GnsOrigin(field);
-  state.solutionType = context.settings.gns_best_mode
+  state.solutionType = context.settings.gnsBestMode
                            ? BestGnsSolution(field)
                            : GnsSolution(field.empty() ? 'N' : field.front());
   if (!fields.Take(field)) return SentenceResult::RanOut;
@@ -61,13 +61,13 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   state.hdop = NmeaNumber(field);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.height = NmeaNumber(field);
-  state.height_known = !field.empty();
+  state.heightKnown = !field.empty();
   if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.geoid_separation = NmeaNumber(field);
-  state.separation_known = !field.empty() || context.make.ellipsoid_height;
-  if (!context.make.ellipsoid_height) state.height += state.geoid_separation;
-  const bool age_there = fields.Take(field);
-  state.age_of_corrections = age_there && !field.empty() ? NmeaNumber(field) : -1.0;
+  state.geoidSeparation = NmeaNumber(field);
+  state.separationKnown = !field.empty() || context.make.ellipsoidHeight;
+  if (!context.make.ellipsoidHeight) state.height += state.geoidSeparation;
+  const bool ageThere = fields.Take(field);
+  state.ageOfCorrections = ageThere && !field.empty() ? NmeaNumber(field) : -1.0;
   return SentenceResult::Position;
 }
 

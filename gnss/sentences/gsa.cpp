@@ -7,7 +7,7 @@ namespace {
 
 std::size_t SlotsInUse(const GnssPositionState& state) {
   std::size_t count = 0;
-  while (count < kSatelliteSlots && state.usedSatellites[count].in_use != 0) ++count;
+  while (count < kSatelliteSlots && state.usedSatellites[count].inUse != 0) ++count;
   return count;
 }
 
@@ -28,7 +28,7 @@ SentenceResult ReadGsa(std::string_view line, bool joins, const SentenceContext&
     if (!fields.Take(field)) return SentenceResult::RanOut;
     if (field.empty()) continue;
     if (slot < kSatelliteSlots) {
-      state.usedSatellites[slot++] = {.prn = NmeaInteger(field), .in_use = 1};
+      state.usedSatellites[slot++] = {.prn = NmeaInteger(field), .inUse = 1};
     }
     ++state.satellites;
   }
@@ -37,7 +37,7 @@ SentenceResult ReadGsa(std::string_view line, bool joins, const SentenceContext&
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.hdop = NmeaNumber(field);
   if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.vdop = NmeaNumber(context.make.hemisphere_family ? FirstField(field, '*') : field);
+  state.vdop = NmeaNumber(context.make.hemisphereFamily ? FirstField(field, '*') : field);
   return SentenceResult::Read;
 }
 

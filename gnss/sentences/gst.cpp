@@ -17,15 +17,15 @@ SentenceResult ReadGst(std::string_view line, const SentenceContext& context,
       !fields.Take(longitude)) {
     return SentenceResult::RanOut;
   }
-  const double sigma_latitude = NmeaNumber(latitude);
-  const double sigma_longitude = NmeaNumber(longitude);
+  const double sigmaLatitude = NmeaNumber(latitude);
+  const double sigmaLongitude = NmeaNumber(longitude);
   state.hrms =
-      ToJobDistance(std::sqrt(sigma_latitude * sigma_latitude + sigma_longitude * sigma_longitude),
+      ToJobDistance(std::sqrt(sigmaLatitude * sigmaLatitude + sigmaLongitude * sigmaLongitude),
                     context.settings.unit);
   if (!fields.Take(height)) return SentenceResult::RanOut;
   state.vrms = ToJobDistance(NmeaNumber(FirstField(height, '*')), context.settings.unit);
-  state.precision_epoch_ms = MillisecondsOfDay(time);
-  state.precision_known =
+  state.precisionEpochMs = MillisecondsOfDay(time);
+  state.precisionKnown =
       !latitude.empty() && !longitude.empty() && !FirstField(height, '*').empty();
   return SentenceResult::Read;
 }

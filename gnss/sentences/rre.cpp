@@ -13,7 +13,7 @@ constexpr int kMostSatellites = 256;  // more than a line holds
 
 SentenceResult ReadRre(std::string_view line, const SentenceContext& context,
                        GnssPositionState& state) {
-  if (context.make.hemisphere_family && std::count(line.begin(), line.end(), '$') > 1) {
+  if (context.make.hemisphereFamily && std::count(line.begin(), line.end(), '$') > 1) {
     return SentenceResult::InvalidData;
   }
   FieldCursor fields(line);
@@ -23,11 +23,11 @@ SentenceResult ReadRre(std::string_view line, const SentenceContext& context,
   if (residuals < 0 || residuals > kMostSatellites) return SentenceResult::RanOut;
   if (!fields.Skip(2 * residuals) || !fields.Take(field)) return SentenceResult::RanOut;
   state.hrms = ToJobDistance(NmeaNumber(field), context.settings.unit);
-  state.precision_known = false;
-  state.precision_epoch_ms = kNoEpoch;  // the sentence has no time
+  state.precisionKnown = false;
+  state.precisionEpochMs = kNoEpoch;  // the sentence has no time
   const bool horizontal = !field.empty();
   if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.precision_known = horizontal && !FirstField(field, '*').empty();
+  state.precisionKnown = horizontal && !FirstField(field, '*').empty();
   state.vrms = ToJobDistance(NmeaNumber(field), context.settings.unit);
   return SentenceResult::Read;
 }

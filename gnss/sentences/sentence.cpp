@@ -41,7 +41,7 @@ SentenceKind KindOfType(std::string_view type) {
   }
 }
 
-bool TalkerAllowed(SentenceKind kind, std::string_view talker, bool any_talker) {
+bool TalkerAllowed(SentenceKind kind, std::string_view talker, bool anyTalker) {
   if (talker == "GP") return true;
   switch (kind) {
     case SentenceKind::Gns:
@@ -51,7 +51,7 @@ bool TalkerAllowed(SentenceKind kind, std::string_view talker, bool any_talker) 
     case SentenceKind::Gll:
     case SentenceKind::Gst:
     case SentenceKind::Gsa:
-      return any_talker && IsUpper(talker[0]) && IsUpper(talker[1]);
+      return anyTalker && IsUpper(talker[0]) && IsUpper(talker[1]);
     default:
       return false;
   }
@@ -71,12 +71,12 @@ unsigned char ExclusiveOr(std::string_view text) {
 
 }  // namespace
 
-SentenceKind KindOf(std::string_view line, bool any_talker) {
+SentenceKind KindOf(std::string_view line, bool anyTalker) {
   if (line.size() < 4 || line[0] != '$') return SentenceKind::Other;
   if (line.size() >= kPrefixLength && line[kPrefixLength - 1] == ',') {
     const SentenceKind kind = KindOfType(line.substr(kTypeAt, 3));
     if (kind != SentenceKind::Other) {
-      return TalkerAllowed(kind, line.substr(1, 2), any_talker) ? kind : SentenceKind::Other;
+      return TalkerAllowed(kind, line.substr(1, 2), anyTalker) ? kind : SentenceKind::Other;
     }
   }
   if (line.starts_with("$PTNL,GGK,")) return SentenceKind::PtnlGgk;

@@ -11,9 +11,9 @@ namespace tarvex {
 
 enum class SentenceKind { Other, Gga, Gll, Gns, Ggk, Ggq, PtnlGgk, Gst, Gsa, Rre, Rd1 };
 
-/// The kind of a line by its prefix ("$GPGGA,"). With `any_talker` GGA, GLL, GNS, GST and GSA are
+/// The kind of a line by its prefix ("$GPGGA,"). With `anyTalker` GGA, GLL, GNS, GST and GSA are
 /// known behind any two letters.
-SentenceKind KindOf(std::string_view line, bool any_talker);
+SentenceKind KindOf(std::string_view line, bool anyTalker);
 
 /// The sentence that ends a line: from its last '$' on, without the blanks and carriage returns
 /// behind it. Receivers that send binary data between their sentences put no line end behind it.

@@ -17,37 +17,37 @@ constexpr int kNotDone = 0;
 
 int Give(const std::optional<PlanePoint>& point, double* northing, double* easting) {
   if (!point) return kNotDone;
-  *northing = point->northing_m;
-  *easting = point->easting_m;
+  *northing = point->northingM;
+  *easting = point->eastingM;
   return kDone;
 }
 
 int Give(const std::optional<LatLon>& position, double* latitude, double* longitude) {
   if (!position) return kNotDone;
-  *latitude = position->latitude_rad;
-  *longitude = position->longitude_rad;
+  *latitude = position->latitudeRad;
+  *longitude = position->longitudeRad;
   return kDone;
 }
 
 ProjectionParameters Parameters(const CoordSysParameters& given) {
   ProjectionParameters parameters;
-  parameters.ellipsoid = {given.semi_major, given.flattening};
-  parameters.latitude_of_origin_rad = given.latitude_of_origin;
-  parameters.central_meridian_rad = given.central_meridian;
-  parameters.parallel_2_or_azimuth_rad = given.azimuth;
-  parameters.rectified_angle_rad = given.rectified_angle;
-  parameters.scale_factor = given.scale_factor;
-  parameters.false_easting_m = given.false_easting;
-  parameters.false_northing_m = given.false_northing;
+  parameters.ellipsoid = {given.semiMajor, given.flattening};
+  parameters.latitudeOfOriginRad = given.latitudeOfOrigin;
+  parameters.centralMeridianRad = given.centralMeridian;
+  parameters.parallel2OrAzimuthRad = given.azimuth;
+  parameters.rectifiedAngleRad = given.rectifiedAngle;
+  parameters.scaleFactor = given.scaleFactor;
+  parameters.falseEastingM = given.falseEasting;
+  parameters.falseNorthingM = given.falseNorthing;
   return parameters;
 }
 
 bool Same(const CoordSysParameters& a, const CoordSysParameters& b) {
-  return a.semi_major == b.semi_major && a.flattening == b.flattening &&
-         a.latitude_of_origin == b.latitude_of_origin && a.central_meridian == b.central_meridian &&
-         a.azimuth == b.azimuth && a.rectified_angle == b.rectified_angle &&
-         a.scale_factor == b.scale_factor && a.false_easting == b.false_easting &&
-         a.false_northing == b.false_northing &&
+  return a.semiMajor == b.semiMajor && a.flattening == b.flattening &&
+         a.latitudeOfOrigin == b.latitudeOfOrigin && a.centralMeridian == b.centralMeridian &&
+         a.azimuth == b.azimuth && a.rectifiedAngle == b.rectifiedAngle &&
+         a.scaleFactor == b.scaleFactor && a.falseEasting == b.falseEasting &&
+         a.falseNorthing == b.falseNorthing &&
          std::equal(std::begin(a.shift), std::end(a.shift), std::begin(b.shift));
 }
 
@@ -87,8 +87,8 @@ int ToGrid(double latitude, double longitude, double* northing, double* easting,
   if (!projection || projection->Forward({latitude, longitude}, point) != ProjectionResult::Done) {
     return kNotDone;
   }
-  *northing = point.northing_m;
-  *easting = point.easting_m;
+  *northing = point.northingM;
+  *easting = point.eastingM;
   return kDone;
 }
 
@@ -100,8 +100,8 @@ int ToGeodetic(double northing, double easting, double* latitude, double* longit
   if (!projection || projection->Inverse({northing, easting}, position) != ProjectionResult::Done) {
     return kNotDone;
   }
-  *latitude = position.latitude_rad;
-  *longitude = position.longitude_rad;
+  *latitude = position.latitudeRad;
+  *longitude = position.longitudeRad;
   return kDone;
 }
 
@@ -111,79 +111,79 @@ int ToGeodetic(double northing, double easting, double* latitude, double* longit
 using namespace tarvex;
 
 extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys34Jylland(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(ToDanishSystem(DanishSystem::Jutland, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Jutland, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int XYSys34Jylland2latlongWGS84(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(FromDanishSystem(DanishSystem::Jutland, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Jutland, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys34Sjlland(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(ToDanishSystem(DanishSystem::Zealand, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Zealand, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int XYSys34Sjlland2latlongWGS84(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(FromDanishSystem(DanishSystem::Zealand, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Zealand, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys45Bornholm(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(ToDanishSystem(DanishSystem::Bornholm, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Bornholm, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int XYSys34Bornholm2latlongWGS84(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(FromDanishSystem(DanishSystem::Bornholm, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Bornholm, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int latlongWGS84ToXYSys34UTM32ED50(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(ToDanishSystem(DanishSystem::Utm32, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(ToDanishSystem(DanishSystem::Utm32, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int XYSys34UTM32ED502latlongWGS84(
-    double first, double second, double* first_out, double* second_out, const CoordSysParameters*) {
-  return Give(FromDanishSystem(DanishSystem::Utm32, {first, second}), first_out, second_out);
+    double first, double second, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  return Give(FromDanishSystem(DanishSystem::Utm32, {first, second}), firstOut, secondOut);
 }
 
 extern "C" [[gnu::visibility("default")]] int latLong2XY_CassiniSoldner(
-    double first, double second, double* first_out, double* second_out,
+    double first, double second, double* firstOut, double* secondOut,
     const CoordSysParameters* parameters) {
-  return ToGrid<MakeCassiniSoldner>(first, second, first_out, second_out, parameters);
+  return ToGrid<MakeCassiniSoldner>(first, second, firstOut, secondOut, parameters);
 }
 
 extern "C" [[gnu::visibility("default")]] int XY2latLong2_CassiniSoldner(
-    double first, double second, double* first_out, double* second_out,
+    double first, double second, double* firstOut, double* secondOut,
     const CoordSysParameters* parameters) {
-  return ToGeodetic<MakeCassiniSoldner>(first, second, first_out, second_out, parameters);
+  return ToGeodetic<MakeCassiniSoldner>(first, second, firstOut, secondOut, parameters);
 }
 
 extern "C" [[gnu::visibility("default")]] int latLong2XY_ObliqueMercator(
-    double first, double second, double* first_out, double* second_out,
+    double first, double second, double* firstOut, double* secondOut,
     const CoordSysParameters* parameters) {
-  return ToGrid<MakeObliqueMercatorB>(first, second, first_out, second_out, parameters);
+  return ToGrid<MakeObliqueMercatorB>(first, second, firstOut, secondOut, parameters);
 }
 
 extern "C" [[gnu::visibility("default")]] int XY2latLong_ObliqueMercator(
-    double first, double second, double* first_out, double* second_out,
+    double first, double second, double* firstOut, double* secondOut,
     const CoordSysParameters* parameters) {
-  return ToGeodetic<MakeObliqueMercatorB>(first, second, first_out, second_out, parameters);
+  return ToGeodetic<MakeObliqueMercatorB>(first, second, firstOut, secondOut, parameters);
 }
 
 extern "C" [[gnu::visibility("default")]] int latLongWGS84ToXY_EOV(
-    double first, double second, double* first_out, double* second_out,
+    double first, double second, double* firstOut, double* secondOut,
     const CoordSysParameters* parameters) {
   const Eov* eov = EovOf(parameters);
-  return eov ? Give(eov->FromWgs84({first, second}), first_out, second_out) : kNotDone;
+  return eov ? Give(eov->FromWgs84({first, second}), firstOut, secondOut) : kNotDone;
 }
 
 extern "C" [[gnu::visibility("default")]] int EOV_XYToLatLongWGS84(
-    double first, double second, double* first_out, double* second_out,
+    double first, double second, double* firstOut, double* secondOut,
     const CoordSysParameters* parameters) {
   const Eov* eov = EovOf(parameters);
-  return eov ? Give(eov->ToWgs84({first, second}), first_out, second_out) : kNotDone;
+  return eov ? Give(eov->ToWgs84({first, second}), firstOut, secondOut) : kNotDone;
 }

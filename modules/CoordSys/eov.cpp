@@ -26,33 +26,33 @@ SevenParameters Shift(const CoordSysParameters& parameters) {
 }  // namespace
 
 Eov::Eov(const CoordSysParameters& parameters)
-    : ellipsoid_{parameters.semi_major, parameters.flattening}, parameters_(parameters) {
+    : ellipsoid_{parameters.semiMajor, parameters.flattening}, parameters_(parameters) {
   if (!IsEarthEllipsoid(ellipsoid_)) ellipsoid_ = kGrs67;
   const bool unshifted = std::all_of(std::begin(parameters.shift), std::end(parameters.shift),
                                      [](double value) { return value == 0.0; });
   if (unshifted) std::copy(std::begin(kHd72), std::end(kHd72), std::begin(parameters_.shift));
   ProjectionParameters official;
   official.ellipsoid = ellipsoid_;
-  official.latitude_of_origin_rad =
-      Or(parameters.latitude_of_origin, (47.0 + 8.0 / 60.0 + 39.8174 / 3600.0) * kRadiansPerDegree);
-  official.central_meridian_rad =
-      Or(parameters.central_meridian, (19.0 + 2.0 / 60.0 + 54.8584 / 3600.0) * kRadiansPerDegree);
-  official.scale_factor = Or(parameters.scale_factor, 0.99993);
-  official.false_easting_m = Or(parameters.false_easting, 650000.0);
-  official.false_northing_m = Or(parameters.false_northing, 200000.0);
+  official.latitudeOfOriginRad =
+      Or(parameters.latitudeOfOrigin, (47.0 + 8.0 / 60.0 + 39.8174 / 3600.0) * kRadiansPerDegree);
+  official.centralMeridianRad =
+      Or(parameters.centralMeridian, (19.0 + 2.0 / 60.0 + 54.8584 / 3600.0) * kRadiansPerDegree);
+  official.scaleFactor = Or(parameters.scaleFactor, 0.99993);
+  official.falseEastingM = Or(parameters.falseEasting, 650000.0);
+  official.falseNorthingM = Or(parameters.falseNorthing, 200000.0);
   projection_ = MakeDoubleCylindrical(official);
 }
 
 std::optional<PlanePoint> Eov::FromWgs84(LatLon wgs84) const {
   static const GeocentricFrame earth(kWgs84);
   const GeocentricFrame hungary(ellipsoid_);
-  const Geocentric at = earth.ToGeocentric({wgs84.latitude_rad, wgs84.longitude_rad, 0.0});
+  const Geocentric at = earth.ToGeocentric({wgs84.latitudeRad, wgs84.longitudeRad, 0.0});
   const Geodetic hd72 =
       hungary.ToGeodetic(TranslateUnrotateScale(InverseArguments(Shift(parameters_)), at));
   PlanePoint point;
   if (!projection_.projection) return std::nullopt;
   const ProjectionResult result =
-      projection_.projection->Forward({hd72.latitude_rad, hd72.longitude_rad}, point);
+      projection_.projection->Forward({hd72.latitudeRad, hd72.longitudeRad}, point);
   return result == ProjectionResult::Done ? std::optional(point) : std::nullopt;
 }
 
@@ -64,14 +64,14 @@ std::optional<LatLon> Eov::ToWgs84(PlanePoint point) const {
       projection_.projection->Inverse(point, hd72) != ProjectionResult::Done) {
     return std::nullopt;
   }
-  Geodetic on_hd72{hd72.latitude_rad, hd72.longitude_rad, 0.0};
+  Geodetic onHd72{hd72.latitudeRad, hd72.longitudeRad, 0.0};
   Geodetic wgs84;
   for (int pass = 0; pass < 3; ++pass) {  // until the WGS84 height is 0
     wgs84 = earth.ToGeodetic(
-        RotateScaleTranslate(ForwardArguments(Shift(parameters_)), hungary.ToGeocentric(on_hd72)));
-    on_hd72.height_m -= wgs84.height_m;
+        RotateScaleTranslate(ForwardArguments(Shift(parameters_)), hungary.ToGeocentric(onHd72)));
+    onHd72.heightM -= wgs84.heightM;
   }
-  return LatLon{wgs84.latitude_rad, wgs84.longitude_rad};
+  return LatLon{wgs84.latitudeRad, wgs84.longitudeRad};
 }
 
 }  // namespace tarvex

@@ -11,10 +11,10 @@ namespace {
 using namespace tarvex;
 
 int Store(const Geocentric& made, double* x, double* y, double* z) {
-  if (!std::isfinite(made.x_m) || !std::isfinite(made.y_m) || !std::isfinite(made.z_m)) return 0;
-  *x = made.x_m;
-  *y = made.y_m;
-  *z = made.z_m;
+  if (!std::isfinite(made.xM) || !std::isfinite(made.yM) || !std::isfinite(made.zM)) return 0;
+  *x = made.xM;
+  *y = made.yM;
+  *z = made.zM;
   return 1;
 }
 

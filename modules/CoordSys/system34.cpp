@@ -16,12 +16,12 @@ constexpr Ellipsoid kInternational = {6378388.0, 1.0 / 297.0};
 constexpr SevenParameters kEd50 = {-81.0703, -89.3603, -115.7526, -0.48488,
                                    -0.02436, -0.41321, -0.540645};
 constexpr int kMostPasses = 6;
-constexpr double kClosed_m = 1e-7;
+constexpr double kClosedM = 1e-7;
 
 // The polynomials of one system and the part of TC32 that they hold in.
 struct Area {
-  const System34Polynomial& to_system;
-  const System34Polynomial& from_system;
+  const System34Polynomial& toSystem;
+  const System34Polynomial& fromSystem;
   std::span<const GridVertex> polygon;
 };
 
@@ -29,9 +29,9 @@ const Projection& Tc32() {
   static const MadeProjection made = [] {
     ProjectionParameters parameters;
     parameters.ellipsoid = kInternational;
-    parameters.central_meridian_rad = 9.0 * kRadiansPerDegree;
-    parameters.scale_factor = 0.9996;
-    parameters.false_easting_m = 500000.0;
+    parameters.centralMeridianRad = 9.0 * kRadiansPerDegree;
+    parameters.scaleFactor = 0.9996;
+    parameters.falseEastingM = 500000.0;
     return MakeTransverseMercator(parameters);
   }();
   return *made.projection;
@@ -52,8 +52,8 @@ double Sum(int degree, const double* coefficients, double outer, double inner) {
 }
 
 PlanePoint Apply(const System34Polynomial& polynomial, PlanePoint at) {
-  const double n = at.northing_m - polynomial.origin_north;
-  const double e = at.easting_m - polynomial.origin_east;
+  const double n = at.northingM - polynomial.originNorth;
+  const double e = at.eastingM - polynomial.originEast;
   return {Sum(polynomial.degree, polynomial.north, e, n),
           Sum(polynomial.degree, polynomial.east, n, e)};
 }
@@ -63,10 +63,10 @@ bool Holds(std::span<const GridVertex> polygon, PlanePoint at) {
   for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
     const GridVertex& a = polygon[i];
     const GridVertex& b = polygon[j];
-    if ((a.north > at.northing_m) == (b.north > at.northing_m)) continue;
+    if ((a.north > at.northingM) == (b.north > at.northingM)) continue;
     const double crossing =
-        a.east + (at.northing_m - a.north) / (b.north - a.north) * (b.east - a.east);
-    if (at.easting_m < crossing) inside = !inside;
+        a.east + (at.northingM - a.north) / (b.north - a.north) * (b.east - a.east);
+    if (at.eastingM < crossing) inside = !inside;
   }
   return inside;
 }
@@ -74,7 +74,7 @@ bool Holds(std::span<const GridVertex> polygon, PlanePoint at) {
 // UTM 32 has one polynomial for the land west of the Sound and another for Bornholm.
 constexpr double kWestOfBornholm = 775000.0;
 
-Area AreaOf(DanishSystem system, double easting_m) {
+Area AreaOf(DanishSystem system, double eastingM) {
   switch (system) {
     case DanishSystem::Jutland:
       return {kToJutland, kFromJutland, kJutlandArea};
@@ -85,30 +85,30 @@ Area AreaOf(DanishSystem system, double easting_m) {
     case DanishSystem::Utm32:
       break;
   }
-  if (easting_m < kWestOfBornholm) return {kToUtm32Land, kFromUtm32Land, kLandArea};
+  if (eastingM < kWestOfBornholm) return {kToUtm32Land, kFromUtm32Land, kLandArea};
   return {kToUtm32Bornholm, kFromUtm32Bornholm, kBornholmArea};
 }
 
 LatLon Wgs84ToEd50(LatLon wgs84) {
-  static const GeocentricFrame to_earth(kGrs80);
-  static const GeocentricFrame to_ed50(kInternational);
-  const Geocentric earth = to_earth.ToGeocentric({wgs84.latitude_rad, wgs84.longitude_rad, 0.0});
-  const Geodetic ed50 = to_ed50.ToGeodetic(TranslateUnrotateScale(InverseArguments(kEd50), earth));
-  return {ed50.latitude_rad, ed50.longitude_rad};
+  static const GeocentricFrame toEarth(kGrs80);
+  static const GeocentricFrame toEd50(kInternational);
+  const Geocentric earth = toEarth.ToGeocentric({wgs84.latitudeRad, wgs84.longitudeRad, 0.0});
+  const Geodetic ed50 = toEd50.ToGeodetic(TranslateUnrotateScale(InverseArguments(kEd50), earth));
+  return {ed50.latitudeRad, ed50.longitudeRad};
 }
 
 // The WGS84 position of height 0 that stands on this ED50 latitude and longitude.
 LatLon Ed50ToWgs84(LatLon ed50) {
-  static const GeocentricFrame to_earth(kGrs80);
-  static const GeocentricFrame to_ed50(kInternational);
-  Geodetic on_ed50{ed50.latitude_rad, ed50.longitude_rad, 0.0};
+  static const GeocentricFrame toEarth(kGrs80);
+  static const GeocentricFrame toEd50(kInternational);
+  Geodetic onEd50{ed50.latitudeRad, ed50.longitudeRad, 0.0};
   Geodetic wgs84;
   for (int pass = 0; pass < 3; ++pass) {
-    wgs84 = to_earth.ToGeodetic(
-        RotateScaleTranslate(ForwardArguments(kEd50), to_ed50.ToGeocentric(on_ed50)));
-    on_ed50.height_m -= wgs84.height_m;
+    wgs84 = toEarth.ToGeodetic(
+        RotateScaleTranslate(ForwardArguments(kEd50), toEd50.ToGeocentric(onEd50)));
+    onEd50.heightM -= wgs84.heightM;
   }
-  return {wgs84.latitude_rad, wgs84.longitude_rad};
+  return {wgs84.latitudeRad, wgs84.longitudeRad};
 }
 
 }  // namespace
@@ -116,27 +116,27 @@ LatLon Ed50ToWgs84(LatLon ed50) {
 std::optional<PlanePoint> ToDanishSystem(DanishSystem system, LatLon wgs84) {
   PlanePoint tc32;
   if (Tc32().Forward(Wgs84ToEd50(wgs84), tc32) != ProjectionResult::Done) return std::nullopt;
-  const Area area = AreaOf(system, tc32.easting_m);
+  const Area area = AreaOf(system, tc32.eastingM);
   if (!Holds(area.polygon, tc32)) return std::nullopt;
-  return Apply(area.to_system, tc32);
+  return Apply(area.toSystem, tc32);
 }
 
 std::optional<LatLon> FromDanishSystem(DanishSystem system, PlanePoint point) {
-  const Area area = AreaOf(system, point.easting_m);
-  PlanePoint tc32 = Apply(area.from_system, point);
+  const Area area = AreaOf(system, point.eastingM);
+  PlanePoint tc32 = Apply(area.fromSystem, point);
   for (int pass = 0; pass < kMostPasses; ++pass) {
     if (!Holds(area.polygon, tc32)) return std::nullopt;
-    const PlanePoint reached = Apply(area.to_system, tc32);
-    if (std::hypot(reached.northing_m - point.northing_m, reached.easting_m - point.easting_m) <
-        kClosed_m) {
+    const PlanePoint reached = Apply(area.toSystem, tc32);
+    if (std::hypot(reached.northingM - point.northingM, reached.eastingM - point.eastingM) <
+        kClosedM) {
       LatLon ed50;
       if (Tc32().Inverse(tc32, ed50) != ProjectionResult::Done) return std::nullopt;
       return Ed50ToWgs84(ed50);
     }
-    const PlanePoint wanted = Apply(area.from_system, point);
-    const PlanePoint given = Apply(area.from_system, reached);
-    tc32.northing_m += wanted.northing_m - given.northing_m;
-    tc32.easting_m += wanted.easting_m - given.easting_m;
+    const PlanePoint wanted = Apply(area.fromSystem, point);
+    const PlanePoint given = Apply(area.fromSystem, reached);
+    tc32.northingM += wanted.northingM - given.northingM;
+    tc32.eastingM += wanted.eastingM - given.eastingM;
   }
   return std::nullopt;
 }

@@ -9,8 +9,8 @@ namespace tarvex {
 /// n and e taken from the origin and i + j up to the degree; the coefficients stand row by row.
 struct System34Polynomial {
   int degree = 0;
-  double origin_north = 0.0;
-  double origin_east = 0.0;
+  double originNorth = 0.0;
+  double originEast = 0.0;
   const double* north = nullptr;
   const double* east = nullptr;
 };

@@ -85,16 +85,16 @@ __attribute__((visibility("default"))) NadConversionEntry ConvertNAD27ToNAD83;
 __attribute__((visibility("default"))) NadConversionEntry ConvertNAD83ToNAD27;
 __attribute__((visibility("default"))) NadCloseEntry CloseNADConverter;
 
-int ConvertNAD27ToNAD83(double latitude, double longitude, double* latitude_out,
-                        double* longitude_out, const char* data_folder) {
-  return Convert(&NadconGrid::ToNad83, {latitude, longitude}, latitude_out, longitude_out,
-                 data_folder);
+int ConvertNAD27ToNAD83(double latitude, double longitude, double* latitudeOut,
+                        double* longitudeOut, const char* dataFolder) {
+  return Convert(&NadconGrid::ToNad83, {latitude, longitude}, latitudeOut, longitudeOut,
+                 dataFolder);
 }
 
-int ConvertNAD83ToNAD27(double latitude, double longitude, double* latitude_out,
-                        double* longitude_out, const char* data_folder) {
-  return Convert(&NadconGrid::ToNad27, {latitude, longitude}, latitude_out, longitude_out,
-                 data_folder);
+int ConvertNAD83ToNAD27(double latitude, double longitude, double* latitudeOut,
+                        double* longitudeOut, const char* dataFolder) {
+  return Convert(&NadconGrid::ToNad27, {latitude, longitude}, latitudeOut, longitudeOut,
+                 dataFolder);
 }
 
 void CloseNADConverter(void) {

@@ -17,21 +17,21 @@ using Json = nlohmann::json;
 // A job with everything that the commands write: typed, imported, overwritten, deleted and received
 // points, notes, a localization's comment.
 void MakeWholeJob(ProgramFolder& folder, const std::string& options = "") {
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\" " + options).exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\" " + options).exitCode, 0);
   ASSERT_EQ(folder
                 .Run("collect site.crd --receiver simulated --count 4 --first 10 "
                      "--antenna-height 2 --description edge")
-                .exit_code,
+                .exitCode,
             0);
-  ASSERT_EQ(folder.Run("store site.crd 1 5184900.12345 520300 -1100.25 \"bench, mark\"").exit_code,
+  ASSERT_EQ(folder.Run("store site.crd 1 5184900.12345 520300 -1100.25 \"bench, mark\"").exitCode,
             0);
   folder.Write("more.csv", "2,1,2,3,two\n3,-0.00004,2.00005,3,three\n1,7,8,9\n");
-  ASSERT_EQ(folder.Run("import site.crd more.csv --existing overwrite").exit_code, 0);
-  ASSERT_EQ(folder.Run("store site.crd 2 4 5 6 again --existing overwrite").exit_code, 0);
-  ASSERT_EQ(folder.Run("store site.crd 4 4 5 6").exit_code, 0);
-  ASSERT_EQ(folder.Run("delete site.crd 4 13").exit_code, 0);
-  ASSERT_EQ(folder.Run("note site.crd 1 --add \"seen from north\"").exit_code, 0);
-  ASSERT_EQ(folder.Run("note site.crd 10 --add \"seen from south\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("import site.crd more.csv --existing overwrite").exitCode, 0);
+  ASSERT_EQ(folder.Run("store site.crd 2 4 5 6 again --existing overwrite").exitCode, 0);
+  ASSERT_EQ(folder.Run("store site.crd 4 4 5 6").exitCode, 0);
+  ASSERT_EQ(folder.Run("delete site.crd 4 13").exitCode, 0);
+  ASSERT_EQ(folder.Run("note site.crd 1 --add \"seen from north\"").exitCode, 0);
+  ASSERT_EQ(folder.Run("note site.crd 10 --add \"seen from south\"").exitCode, 0);
 }
 
 std::vector<std::string> Kinds(ProgramFolder& folder) {
@@ -39,7 +39,7 @@ std::vector<std::string> Kinds(ProgramFolder& folder) {
   const Json json = Json::parse(result.output);
   std::vector<std::string> kinds;
   for (const Json& finding : json["findings"]) kinds.push_back(finding["kind"]);
-  EXPECT_EQ(result.exit_code, kinds.empty() ? 0 : 1);
+  EXPECT_EQ(result.exitCode, kinds.empty() ? 0 : 1);
   EXPECT_EQ(json["ok"], kinds.empty());
   return kinds;
 }
@@ -49,19 +49,19 @@ TEST(Check, SaysNothingAboutAWholeJob) {
     ProgramFolder folder;
     MakeWholeJob(folder, options);
     const ProgramResult result = folder.Run("check site.crd");
-    EXPECT_EQ(result.exit_code, 0) << result.output;
+    EXPECT_EQ(result.exitCode, 0) << result.output;
     EXPECT_TRUE(result.output.starts_with("The job is whole: 6 points, ")) << result.output;
     EXPECT_EQ(result.errors, "");
   }
 }
 
-// Replaces the first `old_text` of a file of the job.
-void Edit(ProgramFolder& folder, const std::string& name, const std::string& old_text,
-          const std::string& new_text) {
+// Replaces the first `oldText` of a file of the job.
+void Edit(ProgramFolder& folder, const std::string& name, const std::string& oldText,
+          const std::string& newText) {
   std::string bytes = folder.Read(name);
-  const std::size_t at = bytes.find(old_text);
-  ASSERT_NE(at, std::string::npos) << name << " has no " << old_text;
-  folder.Write(name, bytes.replace(at, old_text.size(), new_text));
+  const std::size_t at = bytes.find(oldText);
+  ASSERT_NE(at, std::string::npos) << name << " has no " << oldText;
+  folder.Write(name, bytes.replace(at, oldText.size(), newText));
 }
 
 // Takes the block of a point out of the notes.
@@ -81,27 +81,27 @@ TEST(Check, FindsEachDamage) {
   const auto append = [](const char* name, const std::string& text) {
     return [=](ProgramFolder& folder) { folder.Write(name, folder.Read(name) + text); };
   };
-  const auto edit = [](const char* name, const char* old_text, const char* new_text) {
-    return [=](ProgramFolder& folder) { Edit(folder, name, old_text, new_text); };
+  const auto edit = [](const char* name, const char* oldText, const char* newText) {
+    return [=](ProgramFolder& folder) { Edit(folder, name, oldText, newText); };
   };
   const auto remove = [](const char* name) {
     return
         [=](ProgramFolder& folder) { ASSERT_TRUE(SystemFiles().Remove(folder.Path(name)).ok()); };
   };
-  const auto swap_first_records = [=](ProgramFolder& folder) {
+  const auto swapFirstRecords = [=](ProgramFolder& folder) {
     const std::string crd = folder.Read("site.crd");
     folder.Write("site.crd", crd.substr(0, kHeader) + crd.substr(kHeader + kRecord, kRecord) +
                                  crd.substr(kHeader, kRecord) + crd.substr(kHeader + 2 * kRecord));
   };
-  const auto first_record_twice = [=](ProgramFolder& folder) {
+  const auto firstRecordTwice = [=](ProgramFolder& folder) {
     const std::string crd = folder.Read("site.crd");
     folder.Write("site.crd", crd.substr(0, kHeader + kRecord) + crd.substr(kHeader));
   };
-  const auto without_first_record = [=](ProgramFolder& folder) {
+  const auto withoutFirstRecord = [=](ProgramFolder& folder) {
     const std::string crd = folder.Read("site.crd");
     folder.Write("site.crd", crd.substr(0, kHeader) + crd.substr(kHeader + kRecord));
   };
-  const auto cut_raw_file = [](ProgramFolder& folder) {
+  const auto cutRawFile = [](ProgramFolder& folder) {
     const std::string raw = folder.Read("site.rw5");
     folder.Write("site.rw5", raw + "\nSP,PN2,N 4.0000,E 5.00");
   };
@@ -115,10 +115,10 @@ TEST(Check, FindsEachDamage) {
       {"layout", edit("site.rw5", "--CRD: Alphanumeric", "--CRD: Numeric")},
       {"file-left", [](ProgramFolder& folder) { folder.Write("site.job.tmp", "x"); }},
       {"trailing-bytes", append("site.crd", "torn")},
-      {"order", swap_first_records},
-      {"id-twice", first_record_twice},
-      {"record-broken", cut_raw_file},
-      {"no-coordinates", without_first_record},
+      {"order", swapFirstRecords},
+      {"id-twice", firstRecordTwice},
+      {"record-broken", cutRawFile},
+      {"no-coordinates", withoutFirstRecord},
       {"no-observation", edit("site.rw5", "SP,PN3,", "SP,PN2,")},
       {"still-there", append("site.rw5", "\n--Deleted point:SP,PN2,N 4.0000,E 5.0000,EL6.0000,--")},
       {"coordinates", append("site.rw5", "\nSP,PN2,N 4.0000,E 5.0001,EL6.0000,--")},
@@ -169,11 +169,11 @@ TEST(Check, TellsAnInterruptedChange) {
   ASSERT_TRUE(file->Size(size).ok());
   JournalPlace place;
   FilesStatus status;
-  ASSERT_EQ(CarryOut(SystemFiles(), path, place, {{.old_size = size, .new_size = size}},
+  ASSERT_EQ(CarryOut(SystemFiles(), path, place, {{.oldSize = size, .newSize = size}},
                      {.coordinates = file.get()}, status),
             ChangeResult::Done);
   const ProgramResult first = folder.Run("check site.crd");
-  EXPECT_EQ(first.exit_code, 0);
+  EXPECT_EQ(first.exitCode, 0);
   EXPECT_TRUE(first.output.starts_with("The last work on the job was interrupted")) << first.output;
   EXPECT_TRUE(folder.Run("check site.crd").output.starts_with("The job is whole"));
 }

@@ -32,7 +32,7 @@ std::string Epoch(int second, const std::string& quality = "4") {
 constexpr const char* kPlain = " --make nmea";
 
 void MakeSite(ProgramFolder& folder) {
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
 }
 
 std::vector<std::string> Ids(ProgramFolder& folder) {
@@ -79,7 +79,7 @@ TEST(Collect, StoresAndJournalsEachPoint) {
       folder.Run(std::string("collect site.crd --receiver file:site.log --count 2 --first 7 "
                              "--description \"edge\" --antenna-height 2") +
                  kPlain);
-  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
   EXPECT_EQ(Ids(folder), (std::vector<std::string>{"7", "8"}));
   const std::string raw = folder.Read("site.rw5");
   // 47 17 06.8394, 8 33 54.954; height as received, elevation less the antenna.
@@ -98,13 +98,13 @@ TEST(Collect, StoresAndJournalsEachPoint) {
 TEST(Collect, GoesOnUnderTheNextId) {
   ProgramFolder folder;
   MakeSite(folder);
-  EXPECT_EQ(folder.Run("collect site.crd --receiver simulated --count 2").exit_code, 0);
-  EXPECT_EQ(folder.Run("collect site.crd --receiver simulated --first A9 --count 2").exit_code, 0);
-  EXPECT_EQ(folder.Run("collect site.crd --receiver simulated --first 1 --existing next").exit_code,
+  EXPECT_EQ(folder.Run("collect site.crd --receiver simulated --count 2").exitCode, 0);
+  EXPECT_EQ(folder.Run("collect site.crd --receiver simulated --first A9 --count 2").exitCode, 0);
+  EXPECT_EQ(folder.Run("collect site.crd --receiver simulated --first 1 --existing next").exitCode,
             0);
   EXPECT_EQ(Ids(folder), (std::vector<std::string>{"1", "2", "3", "A9", "A10"}));
   const ProgramResult refused = folder.Run("collect site.crd --receiver simulated --first 1");
-  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_EQ(refused.exitCode, 1);
   EXPECT_NE(refused.errors.find("Point 1 exists"), std::string::npos);
 }
 
@@ -114,7 +114,7 @@ TEST(Collect, NeverStoresARepeatedEpoch) {
   folder.Write("site.log", Epoch(1) + Epoch(1) + Epoch(1) + Epoch(2));
   const ProgramResult result =
       folder.Run(std::string("collect site.crd --receiver file:site.log --count 3") + kPlain);
-  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.exitCode, 1);
   EXPECT_NE(result.errors.find("The receiver repeats its last position"), std::string::npos);
   EXPECT_NE(result.errors.find("The log ended before the points asked for were stored"),
             std::string::npos);
@@ -136,11 +136,11 @@ TEST(Collect, SaysWhyNothingComes) {
     folder.Write("site.log", c.log);
     const ProgramResult result =
         folder.Run(std::string("collect site.crd --receiver file:site.log") + kPlain);
-    EXPECT_EQ(result.exit_code, 1);
+    EXPECT_EQ(result.exitCode, 1);
     EXPECT_NE(result.errors.find(c.says), std::string::npos) << result.errors;
   }
   const ProgramResult missing = folder.Run("collect site.crd --receiver serial:/dev/no-such-port");
-  EXPECT_EQ(missing.exit_code, 1);
+  EXPECT_EQ(missing.exitCode, 1);
   EXPECT_NE(missing.errors.find("/dev/no-such-port"), std::string::npos);
   EXPECT_NE(missing.errors.find("No such file or directory"), std::string::npos);
   const ProgramResult refused = folder.Run("collect site.crd --receiver tcp:127.0.0.1:1");
@@ -152,18 +152,18 @@ TEST(Collect, ReadsOverTcp) {
   MakeSite(folder);
   LoopbackReceiver receiver(Epoch(1) + Epoch(2));
   EXPECT_EQ(
-      folder.Run("collect site.crd --count 2 --receiver " + receiver.address() + kPlain).exit_code,
+      folder.Run("collect site.crd --count 2 --receiver " + receiver.address() + kPlain).exitCode,
       0);
   EXPECT_EQ(Ids(folder).size(), 2U);
   LoopbackReceiver closing(Epoch(3), true);
   const ProgramResult cut = folder.Run("collect site.crd --count 2 --patience 2 --receiver " +
                                        closing.address() + kPlain);
-  EXPECT_EQ(cut.exit_code, 1);
+  EXPECT_EQ(cut.exitCode, 1);
   EXPECT_EQ(Ids(folder).size(), 3U);
   LoopbackReceiver silent("");
   const ProgramResult quiet =
       folder.Run("collect site.crd --patience 1 --receiver " + silent.address() + kPlain);
-  EXPECT_EQ(quiet.exit_code, 1);
+  EXPECT_EQ(quiet.exitCode, 1);
   EXPECT_NE(quiet.errors.find("No new position came within 1 s"), std::string::npos)
       << quiet.errors;
 }
@@ -188,7 +188,7 @@ TEST(Collect, ReadsASerialLine) {
   done = true;
   talker.join();
   ::close(far);
-  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
   EXPECT_EQ(Ids(folder).size(), 3U);
 }
 
@@ -216,7 +216,7 @@ TEST_P(CollectInterrupted, LeavesAWholeJob) {
   const auto before = std::chrono::steady_clock::now();
   const ProgramResult result = folder.Finish(process);
   EXPECT_LT(std::chrono::steady_clock::now() - before, 3s);
-  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.exitCode, 1);
   EXPECT_NE(result.errors.find("Stopped; the job is whole."), std::string::npos);
   EXPECT_NE(result.output.find("Stored 2 points in site.crd."), std::string::npos);
   EXPECT_EQ(Ids(folder).size(), 2U);
@@ -233,7 +233,7 @@ TEST(Collect, KeepsWhatItReportedWhenKilled) {
     std::this_thread::sleep_for(std::chrono::milliseconds(3 * round));
     ::kill(process, SIGKILL);
     const ProgramResult killed = folder.Finish(process);
-    EXPECT_EQ(killed.exit_code, 128 + SIGKILL);
+    EXPECT_EQ(killed.exitCode, 128 + SIGKILL);
     const auto reported = std::count(killed.output.begin(), killed.output.end(), '\n');
     EXPECT_GE(reported, 1);
     EXPECT_GE(Ids(folder).size(), before + static_cast<std::size_t>(reported));

@@ -13,19 +13,19 @@ namespace {
 TEST(Commands, KeepAJobFromTheFirstPointToTheLast) {
   ProgramFolder folder;
   EXPECT_EQ(
-      folder.Run("new site.crd --units us-feet --scale-factor 0.9996 --south-azimuths").exit_code,
+      folder.Run("new site.crd --units us-feet --scale-factor 0.9996 --south-azimuths").exitCode,
       0);
   EXPECT_EQ(folder.Run("store site.crd a-1 5000.25 -100.5 99.125 \"corner, \u00E9\"").output,
             "Stored point A_1.\n");
-  EXPECT_EQ(folder.Run("store site.crd 2 1 2 3").exit_code, 0);
+  EXPECT_EQ(folder.Run("store site.crd 2 1 2 3").exitCode, 0);
   const ProgramResult again = folder.Run("store site.crd 2 9 9 9 --existing cancel");
-  EXPECT_EQ(again.exit_code, 1);
+  EXPECT_EQ(again.exitCode, 1);
   EXPECT_EQ(again.errors,
             "ERROR: Point 2 exists; nothing was stored. (--existing overwrite or next decides.)\n");
   EXPECT_EQ(folder.Run("store site.crd 2 9 9 9 --existing next").output, "Stored point 3.\n");
-  EXPECT_EQ(folder.Run("store site.crd 2 7 8 9 --existing overwrite").exit_code, 0);
+  EXPECT_EQ(folder.Run("store site.crd 2 7 8 9 --existing overwrite").exitCode, 0);
   EXPECT_EQ(folder.Run("delete site.crd 3").output, "Deleted point 3.\n");
-  EXPECT_EQ(folder.Run("delete site.crd 3").exit_code, 1);
+  EXPECT_EQ(folder.Run("delete site.crd 3").exitCode, 1);
 
   const auto listed = nlohmann::json::parse(folder.Run("points site.crd --json").output);
   EXPECT_EQ(listed["unit"], "us-feet");
@@ -58,12 +58,12 @@ TEST(Commands, KeepAJobFromTheFirstPointToTheLast) {
 // Each store in a small file replaces it, so that whoever waits for its lock has to look again.
 TEST(Commands, StoreInTurnWhenManyRunAtOnce) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
+  EXPECT_EQ(folder.Run("new site.crd").exitCode, 0);
   std::vector<pid_t> processes;
   for (int i = 0; i < 16; ++i) {
     processes.push_back(folder.Start("store site.crd P" + std::to_string(16 - i) + " 1 2 3"));
   }
-  for (const pid_t process : processes) EXPECT_EQ(folder.Finish(process).exit_code, 0);
+  for (const pid_t process : processes) EXPECT_EQ(folder.Finish(process).exitCode, 0);
   EXPECT_EQ(nlohmann::json::parse(folder.Run("points site.crd --json").output)["points"].size(),
             16U);
 }
@@ -75,9 +75,9 @@ TEST(Commands, MakeAJobOnceWhenManyWantIt) {
     std::vector<pid_t> processes;
     for (int i = 0; i < 6; ++i) processes.push_back(folder.Start("new " + job));
     int created = 0;
-    for (const pid_t process : processes) created += folder.Finish(process).exit_code == 0 ? 1 : 0;
+    for (const pid_t process : processes) created += folder.Finish(process).exitCode == 0 ? 1 : 0;
     EXPECT_EQ(created, 1);
-    EXPECT_EQ(folder.Run("store " + job + " 1 2 3 4").exit_code, 0);
+    EXPECT_EQ(folder.Run("store " + job + " 1 2 3 4").exitCode, 0);
     EXPECT_EQ(folder.Read("job" + std::to_string(round) + ".rw5").substr(0, 5), "JB,NM");
     EXPECT_FALSE(SystemFiles().Exists(folder.Path("job" + std::to_string(round) + ".job.tmp")));
   }
@@ -88,7 +88,7 @@ TEST(Commands, JournalWhatANewJobIsSetUpWith) {
   ASSERT_EQ(folder
                 .Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\" --datum-shift "
                      "TOWGS84=100,-50,20.5,1,2,-3,0.5")
-                .exit_code,
+                .exitCode,
             0);
   const std::string raw = folder.Read("site.rw5");
   EXPECT_NE(raw.find("\n--dX: 100.00000000, dY: -50.00000000, dZ: 20.50000000, rotX: "
@@ -97,13 +97,13 @@ TEST(Commands, JournalWhatANewJobIsSetUpWith) {
                      "--Elevation: 3D"),
             std::string::npos)
       << raw;
-  ASSERT_EQ(folder.Run("new plain.crd").exit_code, 0);
+  ASSERT_EQ(folder.Run("new plain.crd").exitCode, 0);
   EXPECT_TRUE(folder.Read("plain.rw5").ends_with("\n--Coordinate System: none\n--Elevation: 3D"));
 }
 
 TEST(Commands, SayWhatTheyWaitFor) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
+  EXPECT_EQ(folder.Run("new site.crd").exitCode, 0);
   std::unique_ptr<File> held;
   ASSERT_TRUE(OpenLocked(SystemFiles(), folder.Path("site.crd"), FileAccess::ReadWrite, held).ok());
   const pid_t process = folder.Start("store site.crd A 1 2 3");
@@ -111,13 +111,13 @@ TEST(Commands, SayWhatTheyWaitFor) {
   EXPECT_EQ(folder.Read("ERR"), "Waiting for another program that works on site.crd ...\n");
   held.reset();
   const ProgramResult stored = folder.Finish(process);
-  EXPECT_EQ(stored.exit_code, 0);
+  EXPECT_EQ(stored.exitCode, 0);
   EXPECT_EQ(stored.output, "Stored point A.\n");
 }
 
 TEST(Commands, NameWhatIsWrong) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run("new numbers.crd --numeric").exit_code, 0);
+  EXPECT_EQ(folder.Run("new numbers.crd --numeric").exitCode, 0);
   folder.Write(
       "feet.txt",
       "PROJCS[\"P\",GEOGCS[\"G\",DATUM[\"D\",SPHEROID[\"GRS 1980\",6378137,298.257222101],"
@@ -127,7 +127,7 @@ TEST(Commands, NameWhatIsWrong) {
       "UNIT[\"US survey foot\",0.304800609601219]]");
   struct Case {
     const char* line;
-    int exit_code;
+    int exitCode;
     const char* errors;  // a part of what is said
   };
   const Case cases[] = {
@@ -162,7 +162,7 @@ TEST(Commands, NameWhatIsWrong) {
   };
   for (const Case& c : cases) {
     const ProgramResult result = folder.Run(c.line);
-    EXPECT_EQ(result.exit_code, c.exit_code) << c.line;
+    EXPECT_EQ(result.exitCode, c.exitCode) << c.line;
     EXPECT_NE(result.errors.find(c.errors), std::string::npos) << c.line << "\n" << result.errors;
     EXPECT_EQ(result.output, "") << c.line;
   }
@@ -181,18 +181,18 @@ TEST(Commands, NameWhatIsWrong) {
 // What cannot be wrong with the points themselves, but should not go unseen.
 TEST(Commands, TellWhatIsMissing) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
-  EXPECT_EQ(folder.Run("store site.crd A 1 2 3").exit_code, 0);
+  EXPECT_EQ(folder.Run("new site.crd").exitCode, 0);
+  EXPECT_EQ(folder.Run("store site.crd A 1 2 3").exitCode, 0);
   EXPECT_EQ(folder.Run("points site.crd").errors, "");
   folder.Write("cut.crd", folder.Read("site.crd") + "torn");
   const ProgramResult cut = folder.Run("points cut.crd");
-  EXPECT_EQ(cut.exit_code, 0);
+  EXPECT_EQ(cut.exitCode, 0);
   EXPECT_EQ(cut.errors,
             "WARNING: The job's settings cut.job are missing: metres, azimuths from north and no "
             "coordinate system are assumed.\n"
             "WARNING: cut.crd ends in the middle of a record: its last 4 bytes are no point.\n");
-  EXPECT_EQ(folder.Run("new many.crd --numeric").exit_code, 0);
-  EXPECT_EQ(folder.Run("store many.crd 1 1 2 3").exit_code, 0);
+  EXPECT_EQ(folder.Run("new many.crd --numeric").exitCode, 0);
+  EXPECT_EQ(folder.Run("store many.crd 1 1 2 3").exitCode, 0);
   folder.Write("many.crd", std::string(8, '\0') + folder.Read("many.crd").substr(8));
   EXPECT_EQ(
       folder.Run("points many.crd").errors,
@@ -205,7 +205,7 @@ TEST(Commands, TeachTheirUse) {
   for (const char* command : {"new", "collect", "store", "import", "points", "delete", "raw",
                               "note", "convert", "systems", "demo"}) {
     const ProgramResult help = folder.Run(std::string(command) + " --help");
-    EXPECT_EQ(help.exit_code, 0) << command;
+    EXPECT_EQ(help.exitCode, 0) << command;
     EXPECT_NE(help.output.find("Usage: tarvex " + std::string(command)), std::string::npos)
         << help.output;
   }
@@ -214,12 +214,12 @@ TEST(Commands, TeachTheirUse) {
 
 TEST(Commands, ImportNamesTheBadLines) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run("new site.crd").exit_code, 0);
+  EXPECT_EQ(folder.Run("new site.crd").exitCode, 0);
   folder.Write("points.csv",
                "\xEF\xBB\xBF# exported\r\n10, 1.5 ,2,3,oak\r\nB2,1,2\nA2,1,x,3\n\n2,4,5,6\n"
                "1234567890,1,2,3\nx-1,1,2,3\nX_1,4,5,6\n");
   const ProgramResult refused = folder.Run("import site.crd points.csv");
-  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_EQ(refused.exitCode, 1);
   EXPECT_EQ(refused.errors,
             "ERROR: points.csv line 3: fewer than four fields.\n"
             "ERROR: points.csv line 4: the easting \"x\" is not a number.\n"
@@ -228,7 +228,7 @@ TEST(Commands, ImportNamesTheBadLines) {
             "ERROR: Nothing was stored. (--skip-bad-lines stores the other lines.)\n");
   EXPECT_EQ(folder.Run("points site.crd").output, "The job holds no points.\n");
   const ProgramResult stored = folder.Run("import site.crd points.csv --skip-bad-lines");
-  EXPECT_EQ(stored.exit_code, 1);
+  EXPECT_EQ(stored.exitCode, 1);
   EXPECT_EQ(stored.output, "Stored 3 points from points.csv.\n");
   const auto listed = nlohmann::json::parse(folder.Run("points site.crd --json").output);
   EXPECT_EQ(listed["points"][0]["id"], "2");
@@ -241,7 +241,7 @@ TEST(Commands, ConvertGoesOnAfterABadLine) {
   // 46.815172 N 9.267419 E: PROJ 9.1.1, EPSG:32632.
   const ProgramResult result = folder.Run(
       "convert " + system, "46.815172 9.267419 1101.4\nhere\n\n91 9\n46.815172,9.267419\n");
-  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(
       result.output,
       "5184659.8918 520400.6825 1101.4000\n"
@@ -252,7 +252,7 @@ TEST(Commands, ConvertGoesOnAfterABadLine) {
       "5184659.8918 520400.6825\n");
   const ProgramResult inverse =
       folder.Run("convert --inverse --decimals 6 " + system, "5184659.8918 520400.6825 1101.4\n");
-  EXPECT_EQ(inverse.exit_code, 0);
+  EXPECT_EQ(inverse.exitCode, 0);
   EXPECT_EQ(inverse.output, "46.815172 9.267419 1101.4000\n");
   const ProgramResult feet =
       folder.Run("convert --units us-feet --decimals 2 " + system, "46.815172 9.267419 0\n");

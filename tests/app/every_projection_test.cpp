@@ -20,7 +20,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr double kHeight_m = 200.0;
+constexpr double kHeightM = 200.0;
 
 struct Place {
   double latitude = 0.0;
@@ -38,7 +38,7 @@ struct Site {
   const char* system;
   Place place;
   std::optional<Grid> grid;
-  const char* datum_shift = "";
+  const char* datumShift = "";
 };
 
 void PrintTo(const Site& site, std::ostream* out) {
@@ -114,10 +114,10 @@ std::string Epoch(Place place) {
 // The national grids that the types 6, 7 and 16 need: the British one around its tower, the Dutch
 // one the same everywhere.
 void WriteNationalGrids(ProgramFolder& folder, ProjectionType type) {
-  ASSERT_EQ(folder.Run("systems rd2000").exit_code, 0);  // makes the data folder
+  ASSERT_EQ(folder.Run("systems rd2000").exitCode, 0);  // makes the data folder
   if (type == TransverseMercatorOstn02) {
     folder.Write("OSTN.txt", BritishText());
-    ASSERT_EQ(folder.Run("grid pack OSTN.txt").exit_code, 0);
+    ASSERT_EQ(folder.Run("grid pack OSTN.txt").exitCode, 0);
   }
   for (const auto& [name, value] : {std::pair{"X2c", "0.125\n"}, {"Y2c", "-0.250\n"}}) {
     std::string grid = "100000\n400000\n200000\n500000\n10\n10\n";
@@ -144,17 +144,17 @@ TEST_P(EveryProjection, StoresAPointAndGivesItBack) {
   ProgramFolder folder;
   WriteNationalGrids(folder, site.type);
   std::string made = "new site.crd --system " + Quoted(site.system);
-  if (*site.datum_shift != '\0') made += " --datum-shift " + std::string(site.datum_shift);
-  ASSERT_EQ(folder.Run(made).exit_code, 0);
+  if (*site.datumShift != '\0') made += " --datum-shift " + std::string(site.datumShift);
+  ASSERT_EQ(folder.Run(made).exitCode, 0);
   folder.Write("still.log", Epoch(site.place));
   const ProgramResult collected =
       folder.Run("collect site.crd --receiver file:still.log --make nmea --first P1");
-  ASSERT_EQ(collected.exit_code, 0) << collected.errors;
+  ASSERT_EQ(collected.exitCode, 0) << collected.errors;
   // Only what is true of every one of these jobs.
-  const std::string no_geoid =
+  const std::string noGeoid =
       "WARNING: Elevations are heights above the ellipsoid: the job has no geoid and no "
       "localization.\n";
-  EXPECT_THAT(collected.errors, testing::AnyOf("", no_geoid));
+  EXPECT_THAT(collected.errors, testing::AnyOf("", noGeoid));
 
   const auto point =
       nlohmann::json::parse(folder.Run("points site.crd --json").output)["points"][0];
@@ -172,7 +172,7 @@ TEST_P(EveryProjection, StoresAPointAndGivesItBack) {
   // 1e-9 degree is 0.1 mm.
   EXPECT_NEAR(back["latitude"].get<double>(), site.place.latitude, 1e-9);
   EXPECT_NEAR(back["longitude"].get<double>(), site.place.longitude, 1e-9);
-  EXPECT_NEAR(back["height"].get<double>(), kHeight_m, 1e-4);
+  EXPECT_NEAR(back["height"].get<double>(), kHeightM, 1e-4);
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, EveryProjection, testing::ValuesIn(kSites), [](const auto& site) {
@@ -213,26 +213,26 @@ TEST(Modules, CanBeTakenAwayInTheMiddleOfAJob) {
   Installation installation(folder);
   const Place berlin{52.52, 13.4};
   folder.Write("still.log", Epoch(berlin));
-  ASSERT_EQ(folder.Run("new site.crd --system \"GERMANY/DHDN/Soldner Berlin\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"GERMANY/DHDN/Soldner Berlin\"").exitCode, 0);
   const std::string collect = "collect site.crd --receiver file:still.log --make nmea";
-  ASSERT_EQ(folder.Run(collect).exit_code, 0);
+  ASSERT_EQ(folder.Run(collect).exitCode, 0);
   const std::string points = folder.Run("points site.crd").output;
 
   installation.Take("CoordSys.so");
   const ProgramResult refused = folder.Run(collect);
-  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_EQ(refused.exitCode, 1);
   EXPECT_THAT(refused.errors, HasSubstr("The library CoordSys.dll cannot be loaded"));
   EXPECT_EQ(folder.Run("points site.crd").output, points);
   const ProgramResult line = folder.Run("convert --job site.crd", "52.52 13.4 200\n52.5 13.4 1\n");
-  EXPECT_EQ(line.exit_code, 1);
+  EXPECT_EQ(line.exitCode, 1);
   EXPECT_THAT(line.output, HasSubstr("ERROR: line 1: The library"));
   EXPECT_THAT(line.output, HasSubstr("ERROR: line 2: The library"));
   EXPECT_THAT(line.errors, HasSubstr("The library CoordSys.dll cannot be loaded"));
-  EXPECT_EQ(folder.Run("convert --inverse --job site.crd", "21457 24698 0\n").exit_code, 1);
+  EXPECT_EQ(folder.Run("convert --inverse --job site.crd", "21457 24698 0\n").exitCode, 1);
   // A localization cannot be fitted either, and says why.
   const ProgramResult fit =
       folder.Run("localize site.crd --wgs84 52.52 13.4 200 --local 1000 1000 100");
-  EXPECT_EQ(fit.exit_code, 1);
+  EXPECT_EQ(fit.exitCode, 1);
   EXPECT_THAT(fit.errors, HasSubstr("Control point 1 has no grid coordinates"));
   // What needs no library goes on.
   EXPECT_EQ(
@@ -245,7 +245,7 @@ TEST(Modules, CanBeTakenAwayInTheMiddleOfAJob) {
               HasSubstr("ERROR: line 1: The library"));
   folder.Write("bin/CoordSys.so", "no library");
   const ProgramResult damaged = folder.Run("convert --job site.crd", "52.52 13.4 200\n");
-  EXPECT_EQ(damaged.exit_code, 1);
+  EXPECT_EQ(damaged.exitCode, 1);
   EXPECT_THAT(damaged.errors, HasSubstr("CoordSys.dll"));
 
   installation.PutBack("CoordSys.so");
@@ -263,17 +263,17 @@ TEST(Modules, WithoutTheNadConverterItsZonesAreRefused) {
   EXPECT_EQ(folder.Run(texas, "29.76 264.63 200\n").output, with);  // the same meridian
   installation.Take("nadconv.so");
   const ProgramResult without = folder.Run(texas, houston);
-  EXPECT_EQ(without.exit_code, 1);
+  EXPECT_EQ(without.exitCode, 1);
   EXPECT_THAT(without.output, HasSubstr("ERROR: line 1: The library that shifts the datum"));
   EXPECT_THAT(without.errors, HasSubstr("The library nadconv.dll cannot be loaded"));
   installation.PutBack("nadconv.so");
   EXPECT_EQ(folder.Run(texas, houston).output, with);
   // Its grids gone: the library is there, the shift is not.
   std::filesystem::rename(folder.Path("data/NADConv"), folder.Path("away/NADConv"));
-  const ProgramResult no_grids = folder.Run(texas, houston);
-  EXPECT_EQ(no_grids.exit_code, 1);
-  EXPECT_THAT(no_grids.output, HasSubstr("ERROR: line 1: "));
-  EXPECT_THAT(no_grids.output, Not(HasSubstr("960620")));
+  const ProgramResult noGrids = folder.Run(texas, houston);
+  EXPECT_EQ(noGrids.exitCode, 1);
+  EXPECT_THAT(noGrids.output, HasSubstr("ERROR: line 1: "));
+  EXPECT_THAT(noGrids.output, Not(HasSubstr("960620")));
 }
 
 }  // namespace

@@ -28,10 +28,10 @@ constexpr const char* kTower = "52.658007833 1.716073973 70\n";
 
 TEST(GridCommand, TheBritishTextBecomesTheGridThatConversionsUse) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run(kBritish, kTower).exit_code, 1);  // refused without its grid
+  EXPECT_EQ(folder.Run(kBritish, kTower).exitCode, 1);  // refused without its grid
   folder.Write("OSTN.txt", BritishText());
   const ProgramResult packed = folder.Run("grid pack OSTN.txt");
-  EXPECT_EQ(packed.exit_code, 0) << packed.errors;
+  EXPECT_EQ(packed.exitCode, 0) << packed.errors;
   EXPECT_THAT(packed.output, HasSubstr("data/ostn02_y.bin: one of the two parts of the British"));
   EXPECT_THAT(packed.output, HasSubstr("easting 0.0 to 700000.0 m every 1000 m"));
   EXPECT_EQ(folder.Read("data/ostn02_x.bin").size(), 1'753'934U);
@@ -40,25 +40,25 @@ TEST(GridCommand, TheBritishTextBecomesTheGridThatConversionsUse) {
   EXPECT_EQ(folder.Run(kBritish + std::string("--decimals 3"), kTower).output,
             "313177.458 651409.807 70.000\n");
   const ProgramResult sea = folder.Run(kBritish, "58 -12 0\n");
-  EXPECT_EQ(sea.exit_code, 1);
+  EXPECT_EQ(sea.exitCode, 1);
   EXPECT_THAT(sea.output, HasSubstr("ERROR: line 1: "));
 
   // A text that is cut short leaves the grid alone.
   folder.Write("OSTN.txt", BritishText().substr(0, 20'000'000));
   const ProgramResult cut = folder.Run("grid pack OSTN.txt");
-  EXPECT_EQ(cut.exit_code, 1);
+  EXPECT_EQ(cut.exitCode, 1);
   EXPECT_THAT(cut.errors, HasSubstr("OSTN.txt"));
   EXPECT_THAT(cut.errors, HasSubstr("Nothing was written."));
-  EXPECT_EQ(folder.Run(kBritish, kTower).exit_code, 0);
+  EXPECT_EQ(folder.Run(kBritish, kTower).exitCode, 0);
 }
 
 TEST(GridCommand, TheFrenchTextBecomesTheGridThatConversionsUse) {
   ProgramFolder folder;
   folder.Write("gr3df97a.txt", TestFile("datum/gr3df97a_paris.txt"));
-  EXPECT_EQ(folder.Run("grid pack gr3df97a.txt --folder data").exit_code, 1);  // no such folder
-  EXPECT_EQ(folder.Run("systems lambert-93").exit_code, 0);                    // makes it
+  EXPECT_EQ(folder.Run("grid pack gr3df97a.txt --folder data").exitCode, 1);  // no such folder
+  EXPECT_EQ(folder.Run("systems lambert-93").exitCode, 0);                    // makes it
   const ProgramResult packed = folder.Run("grid pack gr3df97a.txt --json");
-  ASSERT_EQ(packed.exit_code, 0) << packed.errors;
+  ASSERT_EQ(packed.exitCode, 0) << packed.errors;
   const json told = json::parse(packed.output)["files"][0];
   EXPECT_EQ(told["kind"], "french");
   EXPECT_EQ(told["chosen_by"], "--datum-shift GR3DF97A (France)");
@@ -69,7 +69,7 @@ TEST(GridCommand, TheFrenchTextBecomesTheGridThatConversionsUse) {
       "convert --system \"FRANCE/NTF (Paris)/Lambert zone II\" --datum-shift GR3DF97A --explain "
       "--json",
       "48.8444458333 2.4249711111 0\n");
-  ASSERT_EQ(explained.exit_code, 0) << explained.errors;
+  ASSERT_EQ(explained.exitCode, 0) << explained.errors;
   const json steps = json::parse(explained.output)["steps"];
   ASSERT_EQ(steps.size(), 4U);
   EXPECT_EQ(steps[1]["step"], "datum shift");
@@ -85,20 +85,20 @@ TEST(GridCommand, InfoTellsWhatAFileIsAndWhatIsWrongWithIt) {
   folder.Write("cut.gtx", TestFile("datum/bavaria.gtx").substr(0, 100));
   folder.Write("agency.txt", "1,0,0,0,0,0,0\n");
   const ProgramResult known = folder.Run("grid info paris.gsb X2c.grd");
-  EXPECT_EQ(known.exit_code, 0);
+  EXPECT_EQ(known.exitCode, 0);
   EXPECT_THAT(known.output, HasSubstr("paris.gsb: NTv2 shift grid over latitude and longitude, "));
   EXPECT_THAT(known.output, HasSubstr("chosen by --datum-shift NADCON (the Netherlands)"));
   EXPECT_THAT(known.output, HasSubstr("3 x 2 nodes"));
   const ProgramResult wrong = folder.Run("grid info --json cut.gtx none.grd agency.txt X2c.grd");
-  EXPECT_EQ(wrong.exit_code, 1);
+  EXPECT_EQ(wrong.exitCode, 1);
   EXPECT_EQ(json::parse(wrong.output)["files"].size(), 1U);
   EXPECT_THAT(wrong.errors, HasSubstr("cut.gtx is cut short: 100 of 184"));
   EXPECT_THAT(wrong.errors, HasSubstr("none.grd does not exist"));
   EXPECT_THAT(wrong.errors, HasSubstr("tarvex grid pack"));
   // Of the data folder, by its name alone.
   EXPECT_THAT(folder.Run("grid info NADConv/conus.las").errors, HasSubstr("does not exist"));
-  EXPECT_EQ(folder.Run("grid info data/NADConv/conus.las").exit_code, 0);
-  EXPECT_EQ(folder.Run("grid info").exit_code, 2);
+  EXPECT_EQ(folder.Run("grid info data/NADConv/conus.las").exitCode, 0);
+  EXPECT_EQ(folder.Run("grid info").exitCode, 2);
 }
 
 TEST(GridCommand, AFolderThatCannotBeWrittenIsNamed) {
@@ -106,7 +106,7 @@ TEST(GridCommand, AFolderThatCannotBeWrittenIsNamed) {
   folder.Write("gr3df97a.txt", TestFile("datum/gr3df97a_paris.txt"));
   folder.Write("file", "in the way");
   const ProgramResult result = folder.Run("grid pack gr3df97a.txt --folder file");
-  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors, HasSubstr("The grid could not be written to file/"));
   EXPECT_THAT(result.output, IsEmpty());
 }
@@ -121,23 +121,23 @@ TEST(NewCommand, AGeoidIsCheckedWhenTheJobIsMadeAndNamedWhereItDoesNotReach) {
   EXPECT_THAT(folder.Run(make + "--geoid none.gtx").errors, HasSubstr("none.gtx does not exist"));
   EXPECT_THAT(folder.Run(make + "--geoid cut.gtx").errors, HasSubstr("is cut short"));
   EXPECT_THAT(folder.Run(make + "--geoid paris.gsb").errors, HasSubstr("is a shift grid"));
-  EXPECT_EQ(folder.Run("new a.crd --geoid bavaria.gtx").exit_code, 2);
+  EXPECT_EQ(folder.Run("new a.crd --geoid bavaria.gtx").exitCode, 2);
   // What a system's own name brings is a file of the data folder.
-  const ProgramResult by_name =
+  const ProgramResult byName =
       folder.Run("new a.crd --system \"UTM/UTM WGS84 Zone 32,GEOID=bavaria.gtx\"");
-  EXPECT_EQ(by_name.exit_code, 1);
-  EXPECT_THAT(by_name.errors, HasSubstr("bavaria.gtx does not exist"));
+  EXPECT_EQ(byName.exitCode, 1);
+  EXPECT_THAT(byName.errors, HasSubstr("bavaria.gtx does not exist"));
   EXPECT_THAT(folder.Run("points a.crd").errors, HasSubstr("There is no job a.crd"));
 
   const ProgramResult made = folder.Run(make + "--geoid bavaria.gtx");
-  EXPECT_EQ(made.exit_code, 0) << made.errors;
+  EXPECT_EQ(made.exitCode, 0) << made.errors;
   EXPECT_THAT(made.output, HasSubstr("Geoid: "));
   const ProgramResult inside = folder.Run("convert --job a.crd --explain", "47.5 11.5 600\n");
-  EXPECT_EQ(inside.exit_code, 0) << inside.output;
+  EXPECT_EQ(inside.exitCode, 0) << inside.output;
   EXPECT_THAT(inside.output, HasSubstr("geoid"));
   // The simulated receiver walks at 9 degrees E.
   const ProgramResult outside = folder.Run("collect a.crd --receiver simulated");
-  EXPECT_EQ(outside.exit_code, 1);
+  EXPECT_EQ(outside.exitCode, 1);
   EXPECT_THAT(outside.errors, HasSubstr("The point lies outside of the geoid model. ("));
   EXPECT_THAT(outside.errors, HasSubstr("bavaria.gtx)"));
 }

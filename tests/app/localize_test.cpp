@@ -25,16 +25,16 @@ std::string CollectFromStillReceiver(ProgramFolder& folder) {
 // a few millimetres, and 50 m lower.
 TEST(LocalizeCommand, TiesAJobToItsControl) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   const ProgramResult none = folder.Run("localize site.crd");
-  EXPECT_EQ(none.exit_code, 0);
+  EXPECT_EQ(none.exitCode, 0);
   EXPECT_TRUE(Holds(none.output, "no control points")) << none.output;
 
   // The grid places of the control, from the program itself without a localization.
   const ProgramResult grid = folder.Run("convert --job site.crd",
                                         "46.8152 9.2674 1100\n46.8172 9.2694 1102\n"
                                         "46.8142 9.2704 1095\n46.8162 9.2664 1101\n");
-  ASSERT_EQ(grid.exit_code, 0) << grid.errors;
+  ASSERT_EQ(grid.exitCode, 0) << grid.errors;
   const char* const places[] = {"46.8152 9.2674 1100", "46.8172 9.2694 1102", "46.8142 9.2704 1095",
                                 "46.8162 9.2664 1101"};
   std::size_t at = 0;
@@ -53,7 +53,7 @@ TEST(LocalizeCommand, TiesAJobToItsControl) {
     const ProgramResult added =
         folder.Run("localize site.crd --wgs84 " + std::string(places[i]) + " --local " + local +
                    " --description \"P" + std::to_string(i + 1) + " \u00FC\"");
-    ASSERT_EQ(added.exit_code, 0) << added.errors;
+    ASSERT_EQ(added.exitCode, 0) << added.errors;
     EXPECT_TRUE(Holds(added.output, "The job uses the localization.")) << added.output;
   }
 
@@ -86,12 +86,12 @@ TEST(LocalizeCommand, TiesAJobToItsControl) {
 
 TEST(LocalizeCommand, CollectedPointsComeOutInLocalCoordinates) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
-  ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
+  ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exitCode, 0);
   const std::string collect = CollectFromStillReceiver(folder);
-  ASSERT_EQ(folder.Run(collect + "G1").exit_code, 0);
+  ASSERT_EQ(folder.Run(collect + "G1").exitCode, 0);
   const ProgramResult tied = folder.Run("localize site.crd --gnss g1 --known BM1");
-  EXPECT_EQ(tied.exit_code, 0) << tied.errors;
+  EXPECT_EQ(tied.exitCode, 0) << tied.errors;
   EXPECT_TRUE(Holds(tied.output, "translation, 1 point, redundancy 0")) << tied.output;
   const ProgramResult collected = folder.Run(collect + "L1");
   EXPECT_TRUE(Holds(collected.output, "Point L1: N 5000.0000  E 1000.0000  EL 471.2000"))
@@ -99,26 +99,26 @@ TEST(LocalizeCommand, CollectedPointsComeOutInLocalCoordinates) {
   // A job whose localization is lost does not go on without it.
   folder.Write("site.loc", "no longer XML");
   const ProgramResult lost = folder.Run("collect site.crd --receiver simulated");
-  EXPECT_EQ(lost.exit_code, 1);
+  EXPECT_EQ(lost.exitCode, 1);
   EXPECT_TRUE(Holds(lost.errors, "site.loc, line 1:")) << lost.errors;
   EXPECT_TRUE(Holds(lost.errors, "--off works without it")) << lost.errors;
-  EXPECT_EQ(folder.Run("localize site.crd").exit_code, 1);
-  EXPECT_EQ(folder.Run("localize site.crd --off --remove 1").exit_code, 1);
+  EXPECT_EQ(folder.Run("localize site.crd").exitCode, 1);
+  EXPECT_EQ(folder.Run("localize site.crd --off --remove 1").exitCode, 1);
   const ProgramResult off = folder.Run("localize site.crd --off");
-  EXPECT_EQ(off.exit_code, 0) << off.errors;
+  EXPECT_EQ(off.exitCode, 0) << off.errors;
   EXPECT_TRUE(Holds(off.output, "does not use a localization")) << off.output;
   EXPECT_EQ(folder.Read("site.loc"), "no longer XML");
   EXPECT_TRUE(Holds(folder.Run(collect + "L2").output, "Point L2: N 523"));
-  EXPECT_EQ(folder.Run("localize site.crd --on").exit_code, 1);
+  EXPECT_EQ(folder.Run("localize site.crd --on").exitCode, 1);
 }
 
 TEST(LocalizeCommand, NamesWhatIsWrong) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new plain.crd").exit_code, 0);
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new plain.crd").exitCode, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   struct Case {
     const char* line;
-    int exit_code;
+    int exitCode;
     const char* errors;
   };
   const Case cases[] = {
@@ -140,7 +140,7 @@ TEST(LocalizeCommand, NamesWhatIsWrong) {
   };
   for (const Case& c : cases) {
     const ProgramResult result = folder.Run(c.line);
-    EXPECT_EQ(result.exit_code, c.exit_code) << c.line << result.output << result.errors;
+    EXPECT_EQ(result.exitCode, c.exitCode) << c.line << result.output << result.errors;
     EXPECT_TRUE(Holds(result.errors, c.errors)) << c.line << ": " << result.errors;
   }
 }
@@ -149,9 +149,9 @@ TEST(LocalizeCommand, NamesWhatIsWrong) {
 class LocalSite : public testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_EQ(folder_.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
-    ASSERT_EQ(Add("46.8152 9.2674 1100", "5000 1000 471.2").exit_code, 0);
-    ASSERT_EQ(Add("46.8170 9.2674 1100", "5200.068 1000.71 471.2").exit_code, 0);
+    ASSERT_EQ(folder_.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
+    ASSERT_EQ(Add("46.8152 9.2674 1100", "5000 1000 471.2").exitCode, 0);
+    ASSERT_EQ(Add("46.8170 9.2674 1100", "5200.068 1000.71 471.2").exitCode, 0);
   }
   ProgramResult Add(const std::string& position, const std::string& local,
                     const std::string& more = "") {
@@ -183,7 +183,7 @@ TEST_F(LocalSite, APointThatSpoilsTheFitIsRefused) {
   };
   for (const Case& c : cases) {
     const ProgramResult refused = folder_.Run(std::string("localize site.crd ") + c.line);
-    EXPECT_EQ(refused.exit_code, 1) << c.line;
+    EXPECT_EQ(refused.exitCode, 1) << c.line;
     EXPECT_TRUE(Holds(refused.errors, c.errors)) << refused.errors;
     EXPECT_TRUE(Holds(refused.errors, "Nothing was changed; the job goes on")) << refused.errors;
     EXPECT_TRUE(Holds(refused.errors, "--no-horizontal --no-vertical")) << refused.errors;
@@ -194,12 +194,11 @@ TEST_F(LocalSite, APointThatSpoilsTheFitIsRefused) {
   }
   // The word how to keep it all the same.
   EXPECT_EQ(
-      Add("46.8152 9.2700 1100", "1198.5 5000 471.2", "--no-horizontal --no-vertical").exit_code,
-      0);
+      Add("46.8152 9.2700 1100", "1198.5 5000 471.2", "--no-horizontal --no-vertical").exitCode, 0);
   EXPECT_EQ(Converted(), before);
   const ProgramResult forced = folder_.Run("localize site.crd --toggle-horizontal 3");
-  EXPECT_EQ(forced.exit_code, 1);
-  EXPECT_EQ(folder_.Run("localize site.crd --toggle-horizontal 3 --on").exit_code, 0);
+  EXPECT_EQ(forced.exitCode, 1);
+  EXPECT_EQ(folder_.Run("localize site.crd --toggle-horizontal 3 --on").exitCode, 0);
   EXPECT_NE(Converted(), before);
 }
 
@@ -227,16 +226,16 @@ TEST_F(LocalSite, AListThatCannotBeUsedIsNot) {
       "<value name=\"Units\" value=\"WGS84, Decimal Degrees, Metric\"></value>\n</record>\n"
       "</table>\n</morwend_xml>\n";
   folder_.Write("other.loc", list);
-  EXPECT_EQ(folder_.Run("localize site.crd --from other.loc").exit_code, 1);
-  ASSERT_EQ(folder_.Run("new new.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  EXPECT_EQ(folder_.Run("localize site.crd --from other.loc").exitCode, 1);
+  ASSERT_EQ(folder_.Run("new new.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   const ProgramResult kept = folder_.Run("localize new.crd --from other.loc --list");
-  EXPECT_EQ(kept.exit_code, 1);
+  EXPECT_EQ(kept.exitCode, 1);
   EXPECT_TRUE(Holds(kept.errors, "The list is kept, but the job does not use it")) << kept.errors;
   EXPECT_FALSE(Holds(kept.output + kept.errors, "\x1b"));
   EXPECT_FALSE(Holds(kept.output, "large residual")) << kept.output;
   EXPECT_TRUE(Holds(folder_.Read("new.job"), "localization_on=0"));
   const ProgramResult again = folder_.Run("localize new.crd --json");
-  EXPECT_EQ(again.exit_code, 0);
+  EXPECT_EQ(again.exitCode, 0);
   const auto json = nlohmann::json::parse(again.output);
   EXPECT_FALSE(json["usable"]);
   EXPECT_TRUE(json["points"][0]["residual_north_m"].is_null());
@@ -246,19 +245,19 @@ TEST_F(LocalSite, NamesAFileThatIsGone) {
   (void)std::remove(folder_.Path("site.loc").c_str());
   for (const char* line : {"", " --json", " --remove 1", " --method rotation"}) {
     const ProgramResult gone = folder_.Run(std::string("localize site.crd") + line);
-    EXPECT_EQ(gone.exit_code, 1) << line;
+    EXPECT_EQ(gone.exitCode, 1) << line;
     EXPECT_TRUE(Holds(gone.errors, "site.loc: the file cannot be read")) << gone.errors;
   }
-  EXPECT_EQ(Add("46.81 9.26 1", "1 2 3").exit_code, 1);
-  EXPECT_EQ(folder_.Run("localize site.crd --off").exit_code, 0);
+  EXPECT_EQ(Add("46.81 9.26 1", "1 2 3").exitCode, 1);
+  EXPECT_EQ(folder_.Run("localize site.crd --off").exitCode, 0);
 }
 
 // On the edge of the grid a control point cannot be taken in; the reason is the step's own.
 TEST(LocalizeCommand, SaysWhyAPointHasNoGridCoordinates) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new nl.crd --system NETHERLANDS/Amersfoort/RD2004").exit_code, 0);
+  ASSERT_EQ(folder.Run("new nl.crd --system NETHERLANDS/Amersfoort/RD2004").exitCode, 0);
   const ProgramResult refused = folder.Run("localize nl.crd --wgs84 52.1 5.4 43 --local 1 2 3");
-  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_EQ(refused.exitCode, 1);
   EXPECT_TRUE(Holds(refused.errors, "no grid coordinates: The shift grid is missing"))
       << refused.errors;
   EXPECT_EQ(folder.Read("nl.loc"), "");
@@ -267,16 +266,16 @@ TEST(LocalizeCommand, SaysWhyAPointHasNoGridCoordinates) {
 // Points do not move with a localization: what the raw file tells of them is told.
 TEST(LocalizeCommand, SaysWhichStoredPointsLieInOtherCoordinates) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   const std::string collect = CollectFromStillReceiver(folder);
-  ASSERT_EQ(folder.Run(collect + "G1").exit_code, 0);
-  ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exit_code, 0);
+  ASSERT_EQ(folder.Run(collect + "G1").exitCode, 0);
+  ASSERT_EQ(folder.Run("store site.crd BM1 5000 1000 471.2").exitCode, 0);
   const ProgramResult tied = folder.Run("localize site.crd --gnss G1 --known BM1");
   EXPECT_TRUE(Holds(tied.errors,
                     "WARNING: 2 stored points keep their coordinates. By the raw file "
                     "1 of them lies elsewhere than the job would place it now (G1)."))
       << tied.errors;
-  ASSERT_EQ(folder.Run(collect + "L1").exit_code, 0);
+  ASSERT_EQ(folder.Run(collect + "L1").exitCode, 0);
   const ProgramResult off = folder.Run("localize site.crd --off");
   EXPECT_TRUE(Holds(off.errors,
                     "3 stored points keep their coordinates. By the raw file 1 of them "
@@ -292,13 +291,13 @@ TEST(ConvertCommand, ExplainsItsStepsAndRefusesIncompleteOnes) {
   ProgramFolder folder;
   const std::string dutch = "convert --system NETHERLANDS/Amersfoort/RD2004 ";
   const ProgramResult lenient = folder.Run(dutch + "--explain", "52.1 5.4 43\n52.2 5.4 43\n");
-  EXPECT_EQ(lenient.exit_code, 0);
+  EXPECT_EQ(lenient.exitCode, 0);
   EXPECT_TRUE(Holds(lenient.output, "X2c.grd does not exist")) << lenient.output;
   EXPECT_TRUE(Holds(lenient.output, "NOT MADE: ")) << lenient.output;
   EXPECT_TRUE(Holds(lenient.errors, "WARNING: line 1: ")) << lenient.errors;
   EXPECT_TRUE(Holds(lenient.errors, "WARNING: 2 lines: ")) << lenient.errors;
   const ProgramResult strict = folder.Run(dutch + "--strict", "52.1 5.4 43\n");
-  EXPECT_EQ(strict.exit_code, 1);
+  EXPECT_EQ(strict.exitCode, 1);
   EXPECT_TRUE(Holds(strict.output, "ERROR: line 1: The shift grid is missing")) << strict.output;
   const ProgramResult ed50 =
       folder.Run("convert --system \"UTM/UTM ED50 Zone 32\" --explain", "52 9 0\n");
@@ -306,12 +305,12 @@ TEST(ConvertCommand, ExplainsItsStepsAndRefusesIncompleteOnes) {
   // Houston through the grids that come with the program: 29.76 N to 29.759772 N.
   const ProgramResult texas = folder.Run(
       "convert --system \"USA/NAD27/Texas South Central\" --explain", "29.76 -95.37 0\n45 9 0\n");
-  EXPECT_EQ(texas.exit_code, 1);
+  EXPECT_EQ(texas.exitCode, 1);
   EXPECT_TRUE(Holds(texas.output, "29.75977187")) << texas.output;
   EXPECT_TRUE(Holds(texas.output, "ERROR: line 2: ")) << texas.output;
   const ProgramResult geoid =
       folder.Run("convert --system \"UTM/UTM WGS84 Zone 32,GEOID=none.gtx\"", "52 9 0\n");
-  EXPECT_EQ(geoid.exit_code, 1);
+  EXPECT_EQ(geoid.exitCode, 1);
   EXPECT_TRUE(Holds(geoid.output, "none.gtx does not exist")) << geoid.output;
 }
 

@@ -74,18 +74,18 @@ void Replace(std::string& text, std::string_view what, std::string_view by) {
 
 // A page in the program's source, each command run after the other in one folder.
 void RunPage(ProgramFolder& folder, const std::string& page,
-             const std::vector<std::pair<std::string, std::string>>& stand_ins) {
+             const std::vector<std::pair<std::string, std::string>>& standIns) {
   const std::vector<PrintedCommand> commands = CommandsOf(ReadSourceFile(page));
   ASSERT_GT(commands.size(), 5U);
   for (PrintedCommand command : commands) {
-    for (const auto& [printed, stand_in] : stand_ins) Replace(command.line, printed, stand_in);
+    for (const auto& [printed, standIn] : standIns) Replace(command.line, printed, standIn);
     const std::size_t file = command.line.find(" < ");
     if (file != std::string::npos) {
       command.input = folder.Read(command.line.substr(file + 3));
       command.line.resize(file);
     }
     const ProgramResult result = folder.Run(command.line, command.input);
-    EXPECT_EQ(result.exit_code, 0) << command.line << "\n" << result.errors;
+    EXPECT_EQ(result.exitCode, 0) << command.line << "\n" << result.errors;
     const std::string said = "\n" + result.output + "\n" + result.errors;
     for (const std::string& line : command.expected) {
       EXPECT_THAT(said, testing::HasSubstr("\n" + line + "\n")) << command.line;

@@ -62,7 +62,7 @@ pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
 ProgramResult ProgramFolder::Finish(pid_t process) {
   int status = 0;
   ::waitpid(process, &status, 0);
-  return {.exit_code = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status),
+  return {.exitCode = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status),
           .output = Read("OUT"),
           .errors = Read("ERR")};
 }

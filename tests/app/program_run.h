@@ -11,7 +11,7 @@
 namespace tarvex {
 
 struct ProgramResult {
-  int exit_code = -1;  ///< 128 + the signal when one ended it
+  int exitCode = -1;  ///< 128 + the signal when one ended it
   std::string output;
   std::string errors;
 };

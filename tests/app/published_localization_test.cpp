@@ -43,7 +43,7 @@ std::string Line(const char* format, double a, double b, double c) {
 // that lie there.
 class PublishedSite {
  public:
-  PublishedSite(double false_northing, double false_easting) {
+  PublishedSite(double falseNorthing, double falseEasting) {
     folder_.Write(
         "site.txt",
         "PROJCS[\"s\",GEOGCS[\"g\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
@@ -51,8 +51,8 @@ class PublishedSite {
         "PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\",47],"
         "PARAMETER[\"central_meridian\",9],PARAMETER[\"scale_factor\",1],PARAMETER[" +
             Line("\"false_northing\",%.1f],PARAMETER[\"false_easting\",%.1f],UNIT[\"metre\",%.0f]]",
-                 false_northing, false_easting, 1.0));
-    EXPECT_EQ(folder_.Run("new site.crd --definition site.txt").exit_code, 0);
+                 falseNorthing, falseEasting, 1.0));
+    EXPECT_EQ(folder_.Run("new site.crd --definition site.txt").exitCode, 0);
   }
 
   // Latitude, longitude and height of a place on the job's grid.
@@ -68,7 +68,7 @@ class PublishedSite {
   void AddControl(const std::string& position, const std::string& local) {
     const ProgramResult added =
         folder_.Run("localize site.crd --wgs84 " + position + " --local " + local);
-    EXPECT_EQ(added.exit_code, 0) << added.errors;
+    EXPECT_EQ(added.exitCode, 0) << added.errors;
   }
 
   nlohmann::json Report(const std::string& options = "") {

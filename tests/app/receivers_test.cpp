@@ -80,13 +80,13 @@ TEST(Watch, PrintsALineForEachPosition) {
   ProgramFolder folder;
   folder.Write("site.log", Epochs(3));
   const ProgramResult watched = folder.Run("watch file:site.log --make nmea");
-  EXPECT_EQ(watched.exit_code, 0) << watched.errors;
+  EXPECT_EQ(watched.exitCode, 0) << watched.errors;
   EXPECT_EQ(
       watched.output,
       "47.285233167 8.565265000 547.600 FIXED 12 satellites HRMS 0.050 VRMS 0.060 12:35:00\n"
       "47.285233167 8.565265000 547.600 FIXED 12 satellites HRMS 0.050 VRMS 0.060 12:35:01\n"
       "47.285233167 8.565265000 547.600 FIXED 12 satellites HRMS 0.050 VRMS 0.060 12:35:02\n");
-  EXPECT_EQ(folder.Run("watch file:site.log --make nmea --count 2 --log-stream kept").exit_code, 0);
+  EXPECT_EQ(folder.Run("watch file:site.log --make nmea --count 2 --log-stream kept").exitCode, 0);
   EXPECT_EQ(folder.Read("kept"), Epochs(2)) << "what was read, as it was sent";
 }
 
@@ -96,7 +96,7 @@ TEST(Watch, SaysWhatIsWrong) {
   folder.Write("empty.log", "");
   const struct {
     const char* line;
-    int exit_code;
+    int exitCode;
     const char* says;
   } cases[] = {
       {"watch file:short.log --make nmea --count 5", 1, "The receiver's data ended after 1"},
@@ -116,7 +116,7 @@ TEST(Watch, SaysWhatIsWrong) {
       {"watch serial:/dev/x --corrections ntrips://a/b", 2, "TLS"}};
   for (const auto& c : cases) {
     const ProgramResult result = folder.Run(c.line);
-    EXPECT_EQ(result.exit_code, c.exit_code) << c.line;
+    EXPECT_EQ(result.exitCode, c.exitCode) << c.line;
     EXPECT_NE(result.errors.find(c.says), std::string::npos) << c.line << "\n" << result.errors;
     EXPECT_EQ(result.errors.find("secret"), std::string::npos) << "no password is repeated";
   }
@@ -126,7 +126,7 @@ TEST(Watch, EndsAtOnceWhenInterrupted) {
   Running watch("watch simulated");
   (void)watch.Said("(FIXED)");
   const auto before = std::chrono::steady_clock::now();
-  EXPECT_EQ(watch.End(SIGINT).exit_code, 0);
+  EXPECT_EQ(watch.End(SIGINT).exitCode, 0);
   EXPECT_LT(std::chrono::steady_clock::now() - before, 3s);
 }
 
@@ -157,7 +157,7 @@ TEST(Watch, OpensALostLinkAgain) {
   receiver.Break();
   receiver.Say(Epoch(3));
   const ProgramResult watched = watch.Wait();
-  EXPECT_EQ(watched.exit_code, 0) << watched.errors;
+  EXPECT_EQ(watched.exitCode, 0) << watched.errors;
   EXPECT_NE(watched.output.find("12:35:03"), std::string::npos);
   EXPECT_EQ(watched.output.find("12:35:02"), std::string::npos) << "it was cut off";
   EXPECT_EQ(watched.errors,
@@ -175,7 +175,7 @@ TEST(Watch, FailsWhenALostLinkStaysLost) {
   const auto before = std::chrono::steady_clock::now();
   const ProgramResult ended = watch.End(SIGINT);
   EXPECT_LT(std::chrono::steady_clock::now() - before, 1s);
-  EXPECT_EQ(ended.exit_code, 1);
+  EXPECT_EQ(ended.exitCode, 1);
   EXPECT_NE(ended.errors.find("did not come back"), std::string::npos) << ended.errors;
 }
 
@@ -216,7 +216,7 @@ class SilentCaster {
 
 TEST(Watch, DoesNotWaitForASilentCasterWhenInterrupted) {
   const SilentCaster caster;
-  SilentCaster table_caster;
+  SilentCaster tableCaster;
   ProgramFolder site;
   site.Write("rover.log", Epochs(50));
   Running replay("replay " + site.Path("rover.log") + " --speed 5 --to tcp");
@@ -224,12 +224,12 @@ TEST(Watch, DoesNotWaitForASilentCasterWhenInterrupted) {
                 " --make nmea --send-gga always --corrections ntrip://" + caster.name() + "/SITE");
   (void)watch.Said("(; Connecting to 127.0.0.1)");
   const auto before = std::chrono::steady_clock::now();
-  EXPECT_EQ(watch.End(SIGINT).exit_code, 1);  // no corrections came
+  EXPECT_EQ(watch.End(SIGINT).exitCode, 1);  // no corrections came
   EXPECT_LT(std::chrono::steady_clock::now() - before, 2s) << "a first answer may take 4 s";
-  Running bases("bases " + table_caster.name());
-  ASSERT_TRUE(table_caster.WaitForARequest());
+  Running bases("bases " + tableCaster.name());
+  ASSERT_TRUE(tableCaster.WaitForARequest());
   const auto then = std::chrono::steady_clock::now();
-  EXPECT_EQ(bases.End(SIGINT).exit_code, 1);
+  EXPECT_EQ(bases.End(SIGINT).exitCode, 1);
   EXPECT_LT(std::chrono::steady_clock::now() - then, 2s);
 }
 
@@ -238,7 +238,7 @@ TEST(Bases, ListsWhatACasterOffers) {
   const std::string port = caster.Said("127.0.0.1:([0-9]+)/SITE");
   ProgramFolder folder;
   const ProgramResult listed = folder.Run("bases 127.0.0.1:" + port);
-  EXPECT_EQ(listed.exit_code, 0) << listed.errors;
+  EXPECT_EQ(listed.exitCode, 0) << listed.errors;
   EXPECT_EQ(listed.output,
             "SITE                 RTCM 3.2      0.00N 0.00E Trial, needs your position\n");
   const auto json =
@@ -253,13 +253,13 @@ TEST(Bases, ListsWhatACasterOffers) {
   EXPECT_EQ(json["complete"], true);
   EXPECT_NEAR(json["bases"][0]["distance_km"].get<double>(), 111.19, 0.01);
   const ProgramResult ended = caster.End(SIGTERM);
-  EXPECT_EQ(ended.exit_code, 0);
+  EXPECT_EQ(ended.exitCode, 0);
   EXPECT_NE(ended.output.find("Served 2 requests"), std::string::npos) << ended.output;
   const ProgramResult gone = folder.Run("bases 127.0.0.1:" + port);
-  EXPECT_EQ(gone.exit_code, 1);
+  EXPECT_EQ(gone.exitCode, 1);
   EXPECT_EQ(gone.errors, "ERROR: 127.0.0.1:" + port + " cannot be reached: Connection refused.\n");
-  EXPECT_EQ(folder.Run("bases /").exit_code, 2);
-  EXPECT_EQ(folder.Run("bases h --near 91,0").exit_code, 2);
+  EXPECT_EQ(folder.Run("bases /").exitCode, 2);
+  EXPECT_EQ(folder.Run("bases h --near 91,0").exitCode, 2);
 }
 
 // Somebody who gives each who connects the same answer and closes.
@@ -285,7 +285,7 @@ TEST(Bases, ShowNothingThatATerminalObeys) {
   ProgramFolder folder;
   for (const std::string json : {"", " --json"}) {
     const ProgramResult listed = folder.Run("bases " + caster.name() + json);
-    EXPECT_EQ(listed.exit_code, 0) << listed.errors;
+    EXPECT_EQ(listed.exitCode, 0) << listed.errors;
     EXPECT_NE(listed.output.find("EVIL"), std::string::npos);
     for (const char c : listed.output) {
       const auto code = static_cast<unsigned char>(c);
@@ -298,7 +298,7 @@ TEST(Bases, TellAListThatWasCut) {
   const AnsweringCaster caster("SOURCETABLE 200 OK\r\n\r\nSTR;A;x\r\nSTR;B;c;RTCM");
   ProgramFolder folder;
   const ProgramResult listed = folder.Run("bases " + caster.name());
-  EXPECT_EQ(listed.exit_code, 1);
+  EXPECT_EQ(listed.exitCode, 1);
   EXPECT_EQ(listed.output.substr(0, 2), "A ");
   EXPECT_EQ(listed.output.find("\nB"), std::string::npos) << "the line that was cut itself";
   EXPECT_NE(listed.errors.find("broke its list off"), std::string::npos);
@@ -312,11 +312,11 @@ TEST(Bases, AreKeptForWhereThereIsNoNetwork) {
   const char* const before = std::getenv("TARVEX_DATA");
   const std::string kept = before != nullptr ? before : "";
   ::setenv("TARVEX_DATA", data.c_str(), 1);
-  EXPECT_EQ(folder.Run("bases --known").exit_code, 1);
+  EXPECT_EQ(folder.Run("bases --known").exitCode, 1);
   for (int i = 0; i < 2; ++i) {  // a second time in place of the first
-    EXPECT_EQ(folder.Run("bases " + one.name() + " --save").exit_code, 0);
+    EXPECT_EQ(folder.Run("bases " + one.name() + " --save").exitCode, 0);
   }
-  EXPECT_EQ(folder.Run("bases " + other.name() + " --save").exit_code, 0);
+  EXPECT_EQ(folder.Run("bases " + other.name() + " --save").exitCode, 0);
   const auto all = nlohmann::json::parse(folder.Run("bases --known --json").output);
   const ProgramResult single = folder.Run("bases --known " + other.name());
   if (before != nullptr) {
@@ -342,7 +342,7 @@ TEST(Bases, RepeatNoPassword) {
   for (const std::string line :
        {"bases user:S3cretPw@host:2101", "bases user:S3cretPw@/", "bases S3cretPw@host:x"}) {
     const ProgramResult result = folder.Run(line);
-    EXPECT_EQ(result.exit_code, 2) << line;
+    EXPECT_EQ(result.exitCode, 2) << line;
     EXPECT_EQ(result.errors.find("S3cret"), std::string::npos) << result.errors;
   }
   folder.Write("secret", "S3cretPw\n");
@@ -366,7 +366,7 @@ TEST(Bases, LeaveNothingBehind) {
   } else {
     ::unsetenv("TMPDIR");
   }
-  EXPECT_EQ(listed.exit_code, 0) << listed.errors;
+  EXPECT_EQ(listed.exitCode, 0) << listed.errors;
   EXPECT_TRUE(std::filesystem::is_empty(passing));
 }
 
@@ -374,11 +374,11 @@ TEST(Caster, RefusesWhatMakesNoSense) {
   ProgramFolder folder;
   folder.Write("empty", "");
   const std::string file = kLogs + "ntrip/rtcm3.log";
-  EXPECT_EQ(folder.Run("caster none").exit_code, 1);
-  EXPECT_EQ(folder.Run("caster empty").exit_code, 1);
-  EXPECT_EQ(folder.Run("caster " + file + " --mountpoint \"A B\"").exit_code, 2);
+  EXPECT_EQ(folder.Run("caster none").exitCode, 1);
+  EXPECT_EQ(folder.Run("caster empty").exitCode, 1);
+  EXPECT_EQ(folder.Run("caster " + file + " --mountpoint \"A B\"").exitCode, 2);
   const ProgramResult bare = folder.Run("caster " + file + " --user u");
-  EXPECT_EQ(bare.exit_code, 2);
+  EXPECT_EQ(bare.exitCode, 2);
   EXPECT_NE(bare.errors.find("TARVEX_CASTER_PASSWORD"), std::string::npos);
 }
 
@@ -395,10 +395,10 @@ TEST(Replay, IsARoversSessionTogetherWithACaster) {
     const ProgramResult watched =
         site.Run("watch " + receiver + " --make nmea --count 20 --send-gga always --log-stream " +
                  to + ".log --corrections ntrip://127.0.0.1:" + port + "/SITE");
-    EXPECT_EQ(watched.exit_code, 0) << watched.errors;
+    EXPECT_EQ(watched.exitCode, 0) << watched.errors;
     EXPECT_EQ(site.Read(to + ".log"), Epochs(20));
     const ProgramResult sent = replay.Wait();
-    EXPECT_EQ(sent.exit_code, 0) << sent.errors;
+    EXPECT_EQ(sent.exitCode, 0) << sent.errors;
     const std::string taken = replay.folder.Read("taken");
     EXPECT_GT(taken.size(), 100U);
     std::string served;
@@ -413,13 +413,13 @@ TEST(Replay, IsARoversSessionTogetherWithACaster) {
 
 TEST(Replay, SaysWhatIsWrong) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run("replay none").exit_code, 1);
+  EXPECT_EQ(folder.Run("replay none").exitCode, 1);
   folder.Write("log", Epochs(1));
-  EXPECT_EQ(folder.Run("replay log --to file").exit_code, 2);
-  EXPECT_EQ(folder.Run("replay log --speed -1").exit_code, 2);
+  EXPECT_EQ(folder.Run("replay log --to file").exitCode, 2);
+  EXPECT_EQ(folder.Run("replay log --speed -1").exitCode, 2);
   Running waiting("replay " + folder.Path("log") + " --to tcp");
   (void)waiting.Said("(tcp:127)");
-  EXPECT_EQ(waiting.End(SIGINT).exit_code, 1) << "nothing was sent";
+  EXPECT_EQ(waiting.End(SIGINT).exitCode, 1) << "nothing was sent";
 }
 
 const char* const kJobFiles[] = {"site.crd", "site.rw5", "site.not"};
@@ -438,7 +438,7 @@ std::string WithoutTimes(const std::string& text) {
 
 TEST(RecordedSession, ComesToTheSameBytesEveryTime) {
   ProgramFolder field;
-  ASSERT_EQ(field.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(field.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   ProgramFolder office[2];
   for (const ProgramFolder& folder : office) CopyJob(field, folder);
   field.Write("rover.log", Epochs(30));
@@ -447,13 +447,13 @@ TEST(RecordedSession, ComesToTheSameBytesEveryTime) {
   const std::string receiver = replay.Said("--receiver ([^\n]+)");
   const ProgramResult live =
       field.Run("collect site.crd --log-stream kept --receiver " + receiver + options);
-  ASSERT_EQ(live.exit_code, 0) << live.errors;
+  ASSERT_EQ(live.exitCode, 0) << live.errors;
   ASSERT_EQ(field.Read("kept"), Epochs(30));
   for (ProgramFolder& folder : office) {
     const ProgramResult again =
         folder.Run("collect site.crd --receiver file:" + field.Path("kept") + options +
                    " --recorded-at \"2026-02-28 23:59:50\"");
-    ASSERT_EQ(again.exit_code, 0) << again.errors;
+    ASSERT_EQ(again.exitCode, 0) << again.errors;
     EXPECT_EQ(again.output, live.output);
   }
   for (const char* const name : kJobFiles) {
@@ -469,12 +469,12 @@ TEST(RecordedSession, ComesToTheSameBytesEveryTime) {
 
 TEST(RecordedSession, StepsBackWithItsReceiver) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   folder.Write("log", Epoch(20) + Epoch(19) + Epoch(21));
   ASSERT_EQ(folder
                 .Run("collect site.crd --receiver file:log --make nmea --count 3 --recorded-at "
                      "\"2027-01-01 12:00:00\"")
-                .exit_code,
+                .exitCode,
             0);
   const std::string notes = folder.Read("site.not");
   EXPECT_NE(notes.find("DATE,01-01-2027\nTIME,11:59:59\n"), std::string::npos) << notes;
@@ -483,18 +483,18 @@ TEST(RecordedSession, StepsBackWithItsReceiver) {
 
 TEST(RecordedSession, NeedsADateAndARecording) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   for (const char* const time : {"yesterday", "2026-02-30 10:00:00", "2026-02-28 24:00:00"}) {
     EXPECT_EQ(
         folder
             .Run("collect site.crd --receiver file:log --recorded-at \"" + std::string(time) + "\"")
-            .exit_code,
+            .exitCode,
         2)
         << time;
   }
   EXPECT_EQ(
       folder.Run("collect site.crd --receiver simulated --recorded-at \"2026-02-28 10:00:00\"")
-          .exit_code,
+          .exitCode,
       2);
 }
 

@@ -26,7 +26,7 @@ class RoadCommands : public testing::Test {
     for (const char* name : {"site.cl", "site.tpl", "site.xml", "rover.nmea"}) {
       folder_.Write(name, ReadFile(std::string(TARVEX_TEST_DATA) + "/../../docs/roads/" + name));
     }
-    EXPECT_EQ(folder_.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+    EXPECT_EQ(folder_.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   }
 
   void WriteVector(const std::string& name) {
@@ -38,7 +38,7 @@ class RoadCommands : public testing::Test {
 
 TEST_F(RoadCommands, CheckStakeAndWriteBack) {
   const ProgramResult check = folder_.Run("road check site.cl --svg road.svg");
-  EXPECT_EQ(check.exit_code, 0);
+  EXPECT_EQ(check.exitCode, 0);
   EXPECT_THAT(check.output, HasSubstr("5 elements, largest mismatch 0.0000"));
   EXPECT_THAT(check.output, HasSubstr("Equation 1+250.000 BK = 1+300.000 AH"));
   EXPECT_EQ(folder_.Read("road.svg").substr(0, 5), "<?xml");
@@ -46,7 +46,7 @@ TEST_F(RoadCommands, CheckStakeAndWriteBack) {
   const ProgramResult stake = folder_.Run(
       "road stake site.cl 1+210 -3.6 --profile site.xml --template site.tpl --job site.crd "
       "--receiver file:rover.nmea --store 10 --store-on-stake");
-  EXPECT_EQ(stake.exit_code, 0) << stake.errors;
+  EXPECT_EQ(stake.exitCode, 0) << stake.errors;
   const std::string raw = folder_.Read("site.rw5");
   EXPECT_THAT(raw, HasSubstr("\nGPS,PN10,"));
   EXPECT_THAT(raw, HasSubstr("\n--Stake: design 1+210.000 3.600 L, N "));
@@ -59,17 +59,17 @@ TEST_F(RoadCommands, CheckStakeAndWriteBack) {
             "FIXED: at 1+209.996 3.606 L  forward 0.004  right 0.006  S 0.006  E 0.004  C 0.005"
             "  ON THE STAKE\nStored point 10.\n");
 
-  EXPECT_EQ(folder_.Run("road write site.cl --out same.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road write site.cl --out same.cl").exitCode, 0);
   EXPECT_EQ(folder_.Read("same.cl"), folder_.Read("site.cl"));
-  EXPECT_EQ(folder_.Run("road write site.cl --out same.cl").exit_code, 1);  // it exists
-  EXPECT_EQ(folder_.Run("road section site.tpl --elevation 100 --out same.tpl").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road write site.cl --out same.cl").exitCode, 1);  // it exists
+  EXPECT_EQ(folder_.Run("road section site.tpl --elevation 100 --out same.tpl").exitCode, 0);
   EXPECT_EQ(folder_.Read("same.tpl"), folder_.Read("site.tpl"));
 }
 
 TEST_F(RoadCommands, PointsGoIntoTheJobAndComeBackAsStations) {
   const std::string design = " --profile site.xml --template site.tpl";
-  EXPECT_EQ(
-      folder_.Run("road point site.cl 1+210 -3.6 --store site.crd --id R1" + design).exit_code, 0);
+  EXPECT_EQ(folder_.Run("road point site.cl 1+210 -3.6 --store site.crd --id R1" + design).exitCode,
+            0);
   const auto found = json::parse(
       folder_.Run("road station site.cl --job site.crd --point R1 --json" + design).output);
   const json& answer = found["points"][0]["answers"][0];
@@ -82,11 +82,11 @@ TEST_F(RoadCommands, PointsGoIntoTheJobAndComeBackAsStations) {
       json::parse(folder_.Run("road list site.cl --interval 100 --profile site.xml --json").output);
   ASSERT_GE(listed["stations"].size(), 7U);
   EXPECT_EQ(listed["stations"][0]["elevation"], 1098.0);
-  EXPECT_EQ(folder_.Run("road point site.cl 1+210 --store site.crd --id R2").exit_code, 2);
+  EXPECT_EQ(folder_.Run("road point site.cl 1+210 --store site.crd --id R2").exitCode, 2);
   EXPECT_EQ(folder_
                 .Run("road point site.cl 1+210 --unit us-feet --elevation 1 --store site.crd "
                      "--id R2")
-                .exit_code,
+                .exitCode,
             2);
 }
 
@@ -97,7 +97,7 @@ TEST_F(RoadCommands, NeverShowTheCenterlinesElevationBesideIt) {
   EXPECT_THAT(bare.output, HasSubstr("no design elevation (an offset without a template)"));
   EXPECT_THAT(bare.errors, HasSubstr("--template FILE.tpl gives the surface"));
   const ProgramResult unstored = folder_.Run("road point" + target + " --store site.crd --id R1");
-  EXPECT_EQ(unstored.exit_code, 2);
+  EXPECT_EQ(unstored.exitCode, 2);
   EXPECT_EQ(json::parse(folder_.Run("points site.crd --json").output)["points"].size(), 0U);
   const json level = json::parse(folder_.Run("road point" + target + " --level --json").output);
   EXPECT_NEAR(level["elevation"].get<double>(), 1101.66, 1e-6);
@@ -137,7 +137,7 @@ TEST_F(RoadCommands, NeverShowTheCenterlinesElevationBesideIt) {
   EXPECT_EQ(folder_
                 .Run("store site.crd R5 " + point["northing"].dump() + " " +
                      point["easting"].dump() + " 1101.6")
-                .exit_code,
+                .exitCode,
             0);
   const std::string station = "road station site.cl --job site.crd --point R5";
   EXPECT_THAT(folder_.Run(station + design).output, HasSubstr("C 0.012"));
@@ -174,35 +174,35 @@ TEST_F(RoadCommands, TakeStationsBeyondTheEnds) {
 TEST_F(RoadCommands, FaultsAreNamedAndRestationed) {
   WriteVector("bad/all_stations_zero.cl");
   const ProgramResult check = folder_.Run("road check vector.cl");
-  EXPECT_EQ(check.exit_code, 1);
+  EXPECT_EQ(check.exitCode, 1);
   EXPECT_THAT(check.output, HasSubstr("FAULT  All key points carry the same station"));
-  EXPECT_EQ(folder_.Run("road write vector.cl --restation --out good.cl").exit_code, 0);
-  EXPECT_EQ(folder_.Run("road check good.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road write vector.cl --restation --out good.cl").exitCode, 0);
+  EXPECT_EQ(folder_.Run("road check good.cl").exitCode, 0);
   WriteVector("bad/no_terminator.cl");
   EXPECT_THAT(folder_.Run("road check vector.cl").output,
               HasSubstr("Line 5: the last key point was dropped"));
-  EXPECT_EQ(folder_.Run("road check none.cl").exit_code, 1);
+  EXPECT_EQ(folder_.Run("road check none.cl").exitCode, 1);
 }
 
 TEST_F(RoadCommands, WriteEveryFormAndGiveMergedRecordsTheirStation) {
   folder_.Write("dup.cl",
                 "1,0,L,0,10\n7,0,L,0,100\n0,0,PC,0,100\n0,90,R,50,100\n0,0,PT,50,150\n"
                 "0,0,L,150,150\n0,0,L,0,0\n");
-  EXPECT_EQ(folder_.Run("road write dup.cl --restation --out again.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road write dup.cl --restation --out again.cl").exitCode, 0);
   EXPECT_EQ(folder_.Read("again.cl"),
             "1,0.000000,L,0,10\n7,90.000000,L,0,100\n0,90.000000,PC,0,100\n0,90,R,50,100\n"
             "0,168.539816,PT,50,150\n0,268.539816,L,150,150\n0,0,L,0,0\n");
-  EXPECT_EQ(folder_.Run("road write again.cl --form plain --out plain.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road write again.cl --form plain --out plain.cl").exitCode, 0);
   EXPECT_EQ(folder_.Read("plain.cl"),
             "0,0.00000,L,0.000000,10.000000\n0,90.00000,PC,0.000000,100.000000\n"
             "0,90.000000000000,R,50.000000,100.000000\n0,168.53982,PT,50.000000,150.000000\n"
             "0,268.53982,L,150.000000,150.000000\n0,0,L,0,0\n");
-  EXPECT_EQ(folder_.Run("road write again.cl --form ids --out ids.cl").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road write again.cl --form ids --out ids.cl").exitCode, 0);
   EXPECT_EQ(folder_.Read("ids.cl"),
             "1,0.00000,L,0.00000,10.00000\n7,90.00000,PC,0.00000000,100.00000000\n"
             "0,90.000000000000,R,50.000000,100.000000\n0,168.53982,PT,50.00000,150.00000\n"
             "0,268.53982,L,150.00000,150.00000\n0,0,L,0,0\n");
-  EXPECT_EQ(folder_.Run("road write again.cl --restation --form ids --out no.cl").exit_code, 2);
+  EXPECT_EQ(folder_.Run("road write again.cl --restation --form ids --out no.cl").exitCode, 2);
 
   // Stations that jumped at the equation count through from now on, which is said.
   folder_.Write("jump.cl", "0,1000,L,0,1\n0,1450,L,0,401\n0,0,L,0,0\nEQ,1250,1300\n");
@@ -217,7 +217,7 @@ TEST_F(RoadCommands, MakeATemplate) {
   const ProgramResult made = folder_.Run(
       "road template new own.tpl --both 3.6,-2%,EP --left 1.8,-4%,ES --right 0,0.15,TC "
       "--right 2,-50:1,WALK --fill-left 1.5,6 --fill-left 99,4 --cut-right 99,2");
-  EXPECT_EQ(made.exit_code, 0) << made.errors;
+  EXPECT_EQ(made.exitCode, 0) << made.errors;
   EXPECT_THAT(made.output, HasSubstr("5.4000 L       -0.1440  ES\n"));
   const std::string text = folder_.Read("own.tpl");
   EXPECT_EQ(text.substr(0, text.find("RATIO ")),
@@ -226,14 +226,14 @@ TEST_F(RoadCommands, MakeATemplate) {
             "MOVESL,3.60000,-2.00000%%,EP\nMOVESL,0.00000,0.15000,TC\n"
             "MOVESL,2.00000,-0.04000,WALK\n*FILL-L\nFILDSL,1.500,6.000\nFILDSL,99.000,4.000\n");
   EXPECT_THAT(text, HasSubstr("*CUT-R\nCUTUSL,99.000,2.000\nROCKSL,1.000\n"));
-  EXPECT_EQ(folder_.Run("road section own.tpl --elevation 100").exit_code, 0);
-  EXPECT_EQ(folder_.Run("road template new own.tpl").exit_code, 1);  // it exists
+  EXPECT_EQ(folder_.Run("road section own.tpl --elevation 100").exitCode, 0);
+  EXPECT_EQ(folder_.Run("road template new own.tpl").exitCode, 1);  // it exists
 
   folder_.Write("curbs.tpl", "*SURFACEL\n**CURBLA1\nCBTOP ,0.15\n");
   EXPECT_EQ(folder_
                 .Run("road template new c.tpl --like curbs.tpl --left 3,-2%,EP --left "
                      "INSERT,CURBLA1")
-                .exit_code,
+                .exitCode,
             0);
   EXPECT_THAT(folder_.Read("c.tpl"), HasSubstr("%%,EP\nINSERT,CURBLA1\n*SURFACER\n"));
   EXPECT_THAT(folder_.Read("c.tpl"), HasSubstr("**CURBLA1\nCBTOP ,0.15000\n"));
@@ -243,8 +243,8 @@ TEST_F(RoadCommands, MakeATemplate) {
         "--left 3,-2%,ThisDescriptionIsFarTooLongForALineOfATemplateBecauseEverythingBehindThe"
         "HundredAndTwentyFirstByteIsNotReadByAnybody"}) {
     const ProgramResult result = folder_.Run("road template new w.tpl " + std::string(wrong));
-    EXPECT_EQ(result.exit_code, 2) << wrong;
-    EXPECT_EQ(folder_.Run("road section w.tpl --elevation 0").exit_code, 1) << wrong;
+    EXPECT_EQ(result.exitCode, 2) << wrong;
+    EXPECT_EQ(folder_.Run("road section w.tpl --elevation 0").exitCode, 1) << wrong;
   }
 }
 
@@ -257,9 +257,9 @@ TEST_F(RoadCommands, ImportTellsFaultsAndContradictions) {
   };
   // Three quarters of a circle without its centre: the length tells which arc it is.
   folder_.Write("long.xml", document("<Curve rot='ccw' radius='50' length='235.6194490'>"));
-  EXPECT_EQ(folder_.Run("road import long.xml --out long.cl").exit_code, 0);
-  const json long_way = json::parse(folder_.Run("road check long.cl --json").output);
-  EXPECT_NEAR(long_way["elements"][1]["length"].get<double>(), 235.6194490, 1e-5);
+  EXPECT_EQ(folder_.Run("road import long.xml --out long.cl").exitCode, 0);
+  const json longWay = json::parse(folder_.Run("road check long.cl --json").output);
+  EXPECT_NEAR(longWay["elements"][1]["length"].get<double>(), 235.6194490, 1e-5);
   // The stated radius contradicts the points; the stated length fits neither arc.
   folder_.Write("odd.xml", document("<Curve rot='cw' radius='49' length='120'>"
                                     "<Center>1000 1050</Center>"));
@@ -273,9 +273,9 @@ TEST_F(RoadCommands, ImportTellsFaultsAndContradictions) {
 
 TEST_F(RoadCommands, LandXmlGoesOutAndComesIn) {
   EXPECT_EQ(
-      folder_.Run("road export site.cl --profile site.xml --out out.xml --name Main").exit_code, 0);
+      folder_.Run("road export site.cl --profile site.xml --out out.xml --name Main").exitCode, 0);
   const ProgramResult import = folder_.Run("road import out.xml --out in.cl --json");
-  EXPECT_EQ(import.exit_code, 0) << import.errors;
+  EXPECT_EQ(import.exitCode, 0) << import.errors;
   EXPECT_EQ(json::parse(import.output)["alignment"], "Main");
   const auto there = json::parse(folder_.Run("road point site.cl 1+320 2 --json").output);
   const auto back = json::parse(folder_.Run("road point in.cl 1+320 2 --json").output);
@@ -293,7 +293,7 @@ TEST_F(RoadCommands, AskWhoseProfileIsMeant) {
                 "<Profile><ProfAlign name='M'><PVI>1000 500</PVI><PVI>1400 500</PVI></ProfAlign>"
                 "</Profile></Alignment></Alignments></LandXML>");
   const ProgramResult unnamed = folder_.Run("road point site.cl 1+050 --profile two.xml");
-  EXPECT_EQ(unnamed.exit_code, 2);
+  EXPECT_EQ(unnamed.exitCode, 2);
   EXPECT_EQ(unnamed.output, "");
   EXPECT_THAT(unnamed.errors, HasSubstr("\"Ramp\", \"Main\""));
   EXPECT_THAT(unnamed.errors, HasSubstr("--profile-alignment"));
@@ -314,8 +314,8 @@ TEST_F(RoadCommands, SectionsShowWhereTheyCatch) {
           .output);
   EXPECT_EQ(section["left"]["kind"], "fill");
   EXPECT_NEAR(section["left"]["offset"].get<double>(), 14.191667, 1e-6);
-  EXPECT_EQ(
-      folder_.Run("road section site.tpl --elevation 100 --ground-left \"5,9 3,9\"").exit_code, 2);
+  EXPECT_EQ(folder_.Run("road section site.tpl --elevation 100 --ground-left \"5,9 3,9\"").exitCode,
+            2);
 }
 
 TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
@@ -339,17 +339,17 @@ TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
   };
   for (const Case& c : cases) {
     const ProgramResult result = folder_.Run(c.line);
-    EXPECT_EQ(result.exit_code, 2) << c.line;
+    EXPECT_EQ(result.exitCode, 2) << c.line;
     EXPECT_THAT(result.errors, HasSubstr(c.errors)) << c.line;
     EXPECT_EQ(result.output, "") << c.line;
   }
-  const ProgramResult no_template = folder_.Run("road section site.cl --elevation 1");
-  EXPECT_EQ(no_template.exit_code, 1);
-  EXPECT_THAT(no_template.errors, HasSubstr("site.cl is not a template"));
+  const ProgramResult noTemplate = folder_.Run("road section site.cl --elevation 1");
+  EXPECT_EQ(noTemplate.exitCode, 1);
+  EXPECT_THAT(noTemplate.errors, HasSubstr("site.cl is not a template"));
   folder_.Write("far.tpl", "*SURFACEL\nMOVESL,1e999,-2%,EP\n");
   EXPECT_THAT(folder_.Run("road section far.tpl --elevation 1").errors,
               HasSubstr("far.tpl line 2: a number is out of range"));
-  EXPECT_EQ(folder_.Run("road list site.cl --interval 1e9 --json").exit_code, 0);
+  EXPECT_EQ(folder_.Run("road list site.cl --interval 1e9 --json").exitCode, 0);
   const ProgramResult south = folder_.Run("road station site.cl --json -- -5184676 -520440");
   EXPECT_EQ(json::parse(south.output)["points"][0]["northing"], -5184676.0) << south.errors;
 }
@@ -370,7 +370,7 @@ TEST_F(RoadCommands, PrintNothingBesideJson) {
   EXPECT_FALSE(json::parse(flat.output).contains("cut"));
   const ProgramResult refused = folder_.Run(
       "road stake site.cl 1+210 --elevation 99 --at 5184676 520440 --job site.crd --store R3");
-  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_EQ(refused.exitCode, 1);
   EXPECT_THAT(refused.errors, HasSubstr("no elevation; nothing was stored"));
 }
 

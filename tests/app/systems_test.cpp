@@ -24,17 +24,17 @@ TEST(Systems, AnUnknownDatumShiftMustBeNamed) {
               HasSubstr(system + "  [needs --datum-shift]\n"));
   EXPECT_THAT(folder.Run("systems EPSG:32633").output, Not(HasSubstr("[")));
   const ProgramResult refused = folder.Run("convert --system \"" + system + "\"", at);
-  EXPECT_EQ(refused.exit_code, 1);
+  EXPECT_EQ(refused.exitCode, 1);
   EXPECT_EQ(refused.output, "");
   EXPECT_THAT(refused.errors, HasSubstr("TOWGS84=dX,dY,dZ"));
-  EXPECT_EQ(folder.Run("new site.crd --system \"" + system + "\"").exit_code, 1);
-  EXPECT_EQ(folder.Run("new site.crd --datum-shift NONE").exit_code, 2);
+  EXPECT_EQ(folder.Run("new site.crd --system \"" + system + "\"").exitCode, 1);
+  EXPECT_EQ(folder.Run("new site.crd --datum-shift NONE").exitCode, 2);
 
   const std::string none = " --system \"" + system + "\" --datum-shift NONE";
   // By PROJ 9.1.1: the projection alone, and with +towgs84=10,20,30.
   EXPECT_EQ(folder.Run("convert --strict" + none, at).output, "3320535.9838 596488.7935 0.0000\n");
   const ProgramResult made = folder.Run("new site.crd" + none);
-  EXPECT_EQ(made.exit_code, 0);
+  EXPECT_EQ(made.exitCode, 0);
   EXPECT_THAT(made.errors, HasSubstr("hundreds of metres off"));
   EXPECT_THAT(folder.Run("raw site.crd").output, HasSubstr(system + ", datum shift NONE"));
   EXPECT_THAT(folder.Run("new alaska.crd --system \"USA/NAD27/Alaska zone 4\"").output,
@@ -44,7 +44,7 @@ TEST(Systems, AnUnknownDatumShiftMustBeNamed) {
                 .output.substr(0, 26),
             "3320518.7674 596503.1887 -");
   const ProgramResult wrong = folder.Run("new b.crd --system \"" + system + "\" --datum-shift X");
-  EXPECT_EQ(wrong.exit_code, 1);
+  EXPECT_EQ(wrong.exitCode, 1);
   EXPECT_THAT(wrong.errors, HasSubstr("There is no datum shift \"X\""));
 }
 
@@ -58,11 +58,11 @@ TEST(Systems, AreFoundByCodeAndByCountry) {
   EXPECT_EQ(folder.Run("systems EPSG:2056").output, swiss);
   EXPECT_THAT(folder.Run("systems 999999").errors, HasSubstr("EPSG code"));
   const ProgramResult made = folder.Run("new site.crd --system epsg:25832");
-  EXPECT_EQ(made.exit_code, 0) << made.errors;
+  EXPECT_EQ(made.exitCode, 0) << made.errors;
   EXPECT_THAT(folder.Read("site.job"), HasSubstr("system=UTM/UTM ETRS89 Zone 32\n"));
   EXPECT_EQ(folder.Run("convert --job site.crd", "50 9\n").output,
             folder.Run("convert --system EPSG:25832", "50 9\n").output);
-  EXPECT_EQ(folder.Run("new none.crd --system EPSG:1").exit_code, 1);
+  EXPECT_EQ(folder.Run("new none.crd --system EPSG:1").exitCode, 1);
   EXPECT_THAT(folder.Run("new feet.crd --system \"USA/NAD83(HARN)/Texas Central (ftUS)\"").errors,
               HasSubstr("--units us-feet"));
 }
@@ -72,7 +72,7 @@ TEST(Systems, NoEditOfTheCatalogueMovesAJob) {
   ProgramFolder folder;
   const std::string zone = "UTM/UTM WGS84 Zone 33";
   const std::string at = "50 15.2 0\n";
-  ASSERT_EQ(folder.Run("new site.crd --system \"" + zone + "\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"" + zone + "\"").exitCode, 0);
   const std::string before = folder.Run("convert --job site.crd", at).output;
   EXPECT_EQ(before, "5538649.8667 514333.4100 0.0000\n");
   const std::string job = folder.Read("site.job");
@@ -82,14 +82,14 @@ TEST(Systems, NoEditOfTheCatalogueMovesAJob) {
   other = other.substr(0, other.find('\n'));
   other.replace(other.find("central_meridian\",15"), 20, "central_meridian\",12");
   folder.Write("other.wkt", other);
-  ASSERT_EQ(folder.Run("systems --add \"utm/utm wgs84 zone 33\" --definition other.wkt").exit_code,
+  ASSERT_EQ(folder.Run("systems --add \"utm/utm wgs84 zone 33\" --definition other.wkt").exitCode,
             0);
   EXPECT_EQ(folder.Run("convert --job site.crd", at).output, before);
-  ASSERT_EQ(folder.Run("new own.crd --system \"" + zone + "\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new own.crd --system \"" + zone + "\"").exitCode, 0);
   const std::string own = folder.Run("convert --job own.crd", at).output;
   EXPECT_NE(own, before);
-  ASSERT_EQ(folder.Run("systems --rename \"" + zone + "\" SITE/Mine").exit_code, 0);
-  ASSERT_EQ(folder.Run("systems --remove SITE/Mine").exit_code, 0);
+  ASSERT_EQ(folder.Run("systems --rename \"" + zone + "\" SITE/Mine").exitCode, 0);
+  ASSERT_EQ(folder.Run("systems --remove SITE/Mine").exitCode, 0);
   EXPECT_EQ(folder.Run("convert --job own.crd", at).output, own);
   // A job of before, with the name alone, asks the catalogue.
   folder.Write("site.job", "system=" + zone + "\n");
@@ -99,7 +99,7 @@ TEST(Systems, NoEditOfTheCatalogueMovesAJob) {
 // The user's catalogue is a text that anyone may edit: what it says is checked when it is used.
 TEST(Systems, ADefinitionOfTheCatalogueIsCheckedWhenItIsUsed) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("systems zone 33").exit_code, 0);
+  ASSERT_EQ(folder.Run("systems zone 33").exitCode, 0);
   const std::string good = folder.Run("systems --json \"UTM WGS84 Zone 33\"").output;
   const std::string definition = nlohmann::json::parse(good)["systems"][0]["definition"];
   const auto changed = [&](const std::string& from, const std::string& to) {
@@ -114,12 +114,12 @@ TEST(Systems, ADefinitionOfTheCatalogueIsCheckedWhenItIsUsed) {
                    definition + "\nD\t" + definition + "\n");
   for (const char* name : {"A", "B", "C"}) {
     const ProgramResult result = folder.Run(std::string("convert --system ") + name, "50 15.2\n");
-    EXPECT_EQ(result.exit_code, 1) << name;
+    EXPECT_EQ(result.exitCode, 1) << name;
     EXPECT_EQ(result.output, "") << name;
-    EXPECT_EQ(folder.Run(std::string("new x.crd --system ") + name).exit_code, 1) << name;
+    EXPECT_EQ(folder.Run(std::string("new x.crd --system ") + name).exitCode, 1) << name;
     folder.Write("old.crd", "");
     folder.Write("old.job", std::string("system=") + name + "\n");
-    EXPECT_EQ(folder.Run("convert --job old.crd", "50 15.2\n").exit_code, 1) << name;
+    EXPECT_EQ(folder.Run("convert --job old.crd", "50 15.2\n").exitCode, 1) << name;
   }
   EXPECT_EQ(folder.Run("convert --system D", "50 15.2\n").output, "5538649.8667 514333.4100\n");
   EXPECT_THAT(folder.Run("systems --own").output, Not(HasSubstr("\x1b")));
@@ -136,12 +136,12 @@ TEST(Systems, TheDataFolderIsFilledWholeOrNotAtAll) {
   folder.UseProgram(program);
   EXPECT_FALSE(std::filesystem::exists(folder.Path("data/Predef1.csl")));
   EXPECT_FALSE(std::filesystem::exists(folder.Path("data/Predef1.csl.tmp")));
-  EXPECT_EQ(folder.Run("systems EPSG:2056").exit_code, 0);
+  EXPECT_EQ(folder.Run("systems EPSG:2056").exitCode, 0);
   EXPECT_TRUE(std::filesystem::exists(folder.Path("data/NADConv/conus.las")));
 
   const std::string whole = folder.Read("data/Predef1.csl");
-  const std::string cut_in = "PARAMETER[\"false_easting\",5";
-  for (const std::size_t size : {whole.find(cut_in) + cut_in.size(), whole.size() - 1,
+  const std::string cutIn = "PARAMETER[\"false_easting\",5";
+  for (const std::size_t size : {whole.find(cutIn) + cutIn.size(), whole.size() - 1,
                                  whole.rfind("\n", whole.size() - 10) + 1, std::size_t{0}}) {
     folder.Write("data/Predef1.csl", whole.substr(0, size));
     EXPECT_EQ(folder.Run("convert --system \"UTM/UTM WGS84 Zone 33\"", "50 15.2\n").output,
@@ -152,7 +152,7 @@ TEST(Systems, TheDataFolderIsFilledWholeOrNotAtAll) {
 
 TEST(Systems, EditsOfManyProgramsAreAllKept) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("systems zone 33").exit_code, 0);
+  ASSERT_EQ(folder.Run("systems zone 33").exitCode, 0);
   folder.Write("one.wkt",
                nlohmann::json::parse(
                    folder.Run("systems --json EPSG:2056").output)["systems"][0]["definition"]
@@ -162,13 +162,13 @@ TEST(Systems, EditsOfManyProgramsAreAllKept) {
   ASSERT_EQ(folder
                 .Run("-c \"for i in 1 2 3 4 5 6 7 8; do " + program +
                      " systems --add S$i --definition one.wkt & done; wait\"")
-                .exit_code,
+                .exitCode,
             0);
   folder.UseProgram(program);
   EXPECT_EQ(folder.Run("systems --own").output.size(), 8 * 3U);
-  EXPECT_EQ(folder.Run("systems --add \"\" --definition one.wkt").exit_code, 1);
-  EXPECT_EQ(folder.Run("systems --remove \"\"").exit_code, 1);
-  EXPECT_EQ(folder.Run("systems --add A --definition one.wkt --remove S1").exit_code, 2);
+  EXPECT_EQ(folder.Run("systems --add \"\" --definition one.wkt").exitCode, 1);
+  EXPECT_EQ(folder.Run("systems --remove \"\"").exitCode, 1);
+  EXPECT_EQ(folder.Run("systems --add A --definition one.wkt --remove S1").exitCode, 2);
   std::filesystem::remove(folder.Path("data/tarvex.csl"));
   std::filesystem::create_directory(folder.Path("data/tarvex.csl"));
   EXPECT_THAT(folder.Run("systems --own").errors, HasSubstr("cannot be read"));
@@ -177,23 +177,23 @@ TEST(Systems, EditsOfManyProgramsAreAllKept) {
 // Another catalogue's systems, with a bad one and one that is there already.
 TEST(Systems, TakesTheSystemsOfAnotherCatalogue) {
   ProgramFolder folder;
-  EXPECT_EQ(folder.Run("systems --own").exit_code, 1);
+  EXPECT_EQ(folder.Run("systems --own").exitCode, 1);
   const std::string all = folder.Run("systems --json \"UTM WGS84 Zone 32\"").output;
   const std::string definition = nlohmann::json::parse(all)["systems"][0]["definition"];
   folder.Write("office.sys", "# of the office\nSITE/North\t" + definition + "\nSITE/South\t" +
                                  definition + "\nSITE/Bad\tPROJCS[\"x\"]\nOTHER/One\t" +
                                  definition + "\n");
   const ProgramResult taken = folder.Run("systems --import office.sys site");
-  EXPECT_EQ(taken.exit_code, 1);
+  EXPECT_EQ(taken.exitCode, 1);
   EXPECT_THAT(taken.output, HasSubstr("Took 2 of 3 systems into your catalogue"));
   EXPECT_THAT(taken.errors, HasSubstr("SITE/Bad: The definition names no datum"));
   EXPECT_EQ(folder.Run("systems --own").output, "SITE/North\nSITE/South\n");
   const ProgramResult again = folder.Run("systems --import office.sys");
   EXPECT_THAT(again.errors, HasSubstr("SITE/North: The catalogue already holds"));
   EXPECT_THAT(again.output, HasSubstr("Took 1 of 4"));
-  EXPECT_EQ(folder.Run("convert --system \"site/south\"", "46.8 9.3\n").exit_code, 0);
-  EXPECT_EQ(folder.Run("systems --import none.csl").exit_code, 1);
-  EXPECT_EQ(folder.Run("systems --import office.sys nothing").exit_code, 1);
+  EXPECT_EQ(folder.Run("convert --system \"site/south\"", "46.8 9.3\n").exitCode, 0);
+  EXPECT_EQ(folder.Run("systems --import none.csl").exitCode, 1);
+  EXPECT_EQ(folder.Run("systems --import office.sys nothing").exitCode, 1);
 }
 
 // Angles as people write them; anything that could be read in two ways is refused.
@@ -222,7 +222,7 @@ TEST(Convert, TakesDegreesMinutesAndSeconds) {
        {"1 2 3 4", "46 30 9 20", "46°30' 9.5", "46°30'15\"N 9°20'30\"N", "46°61' 9°20'",
         "46 30.5 15 9 2 3", "46:30:15", "46°30' x", "46:30:15 9:20:30 5 6", "-46°30'N 9°20'E"}) {
     const ProgramResult result = folder.Run(utm, std::string(line) + "\n");
-    EXPECT_EQ(result.exit_code, 1) << line;
+    EXPECT_EQ(result.exitCode, 1) << line;
     EXPECT_THAT(result.output, HasSubstr("ERROR: line 1: ")) << line;
   }
   EXPECT_THAT(folder.Run(utm, "120.5 46.8\n").output, HasSubstr("swapped"));
@@ -252,7 +252,7 @@ TEST(Convert, BlocksGiveWhatLinesGive) {
   }
   input += std::string(600000, '7') + "\n" + lines[0];
   const ProgramResult piped = folder.Run(utm, input);
-  EXPECT_EQ(piped.exit_code, 1);
+  EXPECT_EQ(piped.exitCode, 1);
   ASSERT_GT(piped.output.size(), expected.size());
   EXPECT_EQ(piped.output.substr(0, expected.size()), expected);
   EXPECT_TRUE(piped.output.ends_with("\n" + answers[0] + "\n"));
@@ -266,7 +266,7 @@ TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
   ProgramFolder folder;
   const std::string dutch = "convert --system NETHERLANDS/Amersfoort/RD2004 --json";
   const ProgramResult result = folder.Run(dutch + " --explain", "52.1 5.4 43\n\nx 1\n52.2 5.4\n");
-  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.exitCode, 1);
   std::istringstream lines(result.output);
   std::vector<nlohmann::json> read;
   for (std::string line; std::getline(lines, line);) read.push_back(nlohmann::json::parse(line));
@@ -289,7 +289,7 @@ TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
   EXPECT_FALSE(read[2].contains("elevation"));
 
   const ProgramResult strict = folder.Run(dutch + " --strict", "52.1 5.4 43\n");
-  EXPECT_EQ(strict.exit_code, 1);
+  EXPECT_EQ(strict.exitCode, 1);
   EXPECT_FALSE(nlohmann::json::parse(strict.output).contains("northing"));
   // A step that is refused has no value.
   const auto refused = nlohmann::json::parse(

@@ -120,7 +120,7 @@ TEST(TypedCommands, EndWithTheirSessionWhenNothingIsTyped) {
 // A receiver that says nothing: only the typed q ends the session before its patience does.
 TEST(TypedCommands, ReachCollectAndStake) {
   ProgramFolder folder;
-  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exit_code, 0);
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
   folder.Write("road.cl", "0,0,L,520401.5,5184299.4\n0,200,L,520401.5,5184499.4\n0,0,L,0,0\n");
   const int receiver = ::posix_openpt(O_RDWR | O_NOCTTY);
   ASSERT_EQ(::grantpt(receiver), 0);

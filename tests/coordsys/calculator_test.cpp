@@ -25,13 +25,13 @@ CTrgCalculator Calculator(std::string_view name) {
 struct NorthShift : DatumShift {
   StepOutcome outcome;
   StepOutcome ToSystem(Geodetic& position) const override {
-    position.latitude_rad += 1e-5;
-    position.height_m += 10.0;
+    position.latitudeRad += 1e-5;
+    position.heightM += 10.0;
     return outcome;
   }
   StepOutcome ToWgs84(Geodetic& position) const override {
-    position.latitude_rad -= 1e-5;
-    position.height_m -= 10.0;
+    position.latitudeRad -= 1e-5;
+    position.heightM -= 10.0;
     return outcome;
   }
   std::string Describe() const override { return "north"; }
@@ -39,9 +39,9 @@ struct NorthShift : DatumShift {
 
 struct SlopingGeoid : GeoidModel {
   StepOutcome outcome;
-  StepOutcome Undulation(double latitude_rad, double longitude_rad,
-                         double& undulation_m) const override {
-    undulation_m = 40.0 + 10.0 * latitude_rad + longitude_rad;
+  StepOutcome Undulation(double latitudeRad, double longitudeRad,
+                         double& undulationM) const override {
+    undulationM = 40.0 + 10.0 * latitudeRad + longitudeRad;
     return outcome;
   }
   std::string Describe() const override { return "slope"; }
@@ -50,11 +50,11 @@ struct SlopingGeoid : GeoidModel {
 struct EastCorrection : GridCorrection {
   StepOutcome outcome;
   StepOutcome ToGrid(GridMetres& point) const override {
-    point.easting_m += 0.25;
+    point.eastingM += 0.25;
     return outcome;
   }
   StepOutcome ToPlane(GridMetres& point) const override {
-    point.easting_m -= 0.25;
+    point.eastingM -= 0.25;
     return outcome;
   }
   std::string Describe() const override { return "east"; }
@@ -76,9 +76,9 @@ TEST(Calculator, ConvertsToTheJobsUnitAndBack) {
   EXPECT_DOUBLE_EQ(feet.elevation, 560.25 * kMetresToUsFeet);
   Geodetic back;
   ASSERT_EQ(calculator.ToWgs84(feet, back), CalculationResult::Done);
-  EXPECT_NEAR(back.latitude_rad, munich.latitude_rad, 1e-14);
-  EXPECT_NEAR(back.longitude_rad, munich.longitude_rad, 1e-14);
-  EXPECT_NEAR(back.height_m, munich.height_m, 1e-9);
+  EXPECT_NEAR(back.latitudeRad, munich.latitudeRad, 1e-14);
+  EXPECT_NEAR(back.longitudeRad, munich.longitudeRad, 1e-14);
+  EXPECT_NEAR(back.heightM, munich.heightM, 1e-9);
 }
 
 TEST(Calculator, SaysWhyNothingComesOut) {
@@ -115,16 +115,16 @@ TEST(Calculator, ArraysGiveTheSameAsSinglePoints) {
     for (int i = 0; i < 1000; ++i) {
       positions.push_back({0.0013 * i - 0.4, 0.15 + 0.0007 * (i % 90), 0.1 * i});
     }
-    positions[7].latitude_rad = std::nan("");
-    positions[300].longitude_rad = 2.0;
-    positions[301].latitude_rad = 1.7;
+    positions[7].latitudeRad = std::nan("");
+    positions[300].longitudeRad = 2.0;
+    positions[301].latitudeRad = 1.7;
     std::vector<GridPoint> points(positions.size(), {1, 2, 3});
     std::vector<CalculationResult> results(positions.size());
     calculator.ToGrid(positions, points, results);
     std::vector<Geodetic> back(positions.size());
-    std::vector<CalculationResult> back_results(positions.size());
+    std::vector<CalculationResult> backResults(positions.size());
     points[12].easting = std::numeric_limits<double>::infinity();
-    calculator.ToWgs84(points, back, back_results);
+    calculator.ToWgs84(points, back, backResults);
     for (std::size_t i = 0; i < positions.size(); ++i) {
       GridPoint point{1, 2, 3};
       EXPECT_EQ(calculator.ToGrid(positions[i], point), results[i]) << i;
@@ -132,12 +132,12 @@ TEST(Calculator, ArraysGiveTheSameAsSinglePoints) {
         EXPECT_EQ(point, points[i]) << i;
       }
       Geodetic position;
-      EXPECT_EQ(calculator.ToWgs84(points[i], position), back_results[i]) << i;
+      EXPECT_EQ(calculator.ToWgs84(points[i], position), backResults[i]) << i;
       EXPECT_EQ(position, back[i]) << i;
     }
     EXPECT_EQ(results[7], CalculationResult::NotANumber);
     EXPECT_EQ(results[300], CalculationResult::OutsideDomain);
-    EXPECT_EQ(back_results[12], CalculationResult::NotANumber);
+    EXPECT_EQ(backResults[12], CalculationResult::NotANumber);
   }
   std::vector<GridPoint> points(1);
   std::vector<CalculationResult> results(1);
@@ -156,7 +156,7 @@ TEST(Calculator, NoDatumIsTakenForWgs84) {
     calculator.ParseDefinition(definition, nullptr);
     GridPoint point;
     EXPECT_EQ(calculator.ToGrid({0.8, 0.15, 0.0}, point), CalculationResult::NoDatumShift);
-    calculator.SetSteps({.datum_shift = std::make_shared<NorthShift>()});
+    calculator.SetSteps({.datumShift = std::make_shared<NorthShift>()});
     EXPECT_EQ(calculator.ToGrid({0.8, 0.15, 0.0}, point), CalculationResult::Done);
   }
 }
@@ -166,8 +166,8 @@ TEST(Calculator, EveryStepIsMadeAndUndone) {
   const Geodetic start{0.8, 0.15, 300.0};
   GridPoint plain;
   ASSERT_EQ(calculator.ToGrid({0.8 + 1e-5, 0.15, 310.0}, plain), CalculationResult::Done);
-  calculator.SetSteps({.datum_shift = std::make_shared<NorthShift>(),
-                       .grid_correction = std::make_shared<EastCorrection>(),
+  calculator.SetSteps({.datumShift = std::make_shared<NorthShift>(),
+                       .gridCorrection = std::make_shared<EastCorrection>(),
                        .geoid = std::make_shared<SlopingGeoid>()});
   GridPoint point;
   CalculationReport report;
@@ -181,15 +181,15 @@ TEST(Calculator, EveryStepIsMadeAndUndone) {
 
   Geodetic back;
   ASSERT_EQ(calculator.ToWgs84(point, back), CalculationResult::Done);
-  EXPECT_NEAR(back.latitude_rad, start.latitude_rad, 1e-13);
-  EXPECT_NEAR(back.longitude_rad, start.longitude_rad, 1e-13);
-  EXPECT_NEAR(back.height_m, start.height_m, 1e-6);
+  EXPECT_NEAR(back.latitudeRad, start.latitudeRad, 1e-13);
+  EXPECT_NEAR(back.longitudeRad, start.longitudeRad, 1e-13);
+  EXPECT_NEAR(back.heightM, start.heightM, 1e-6);
 }
 
 TEST(Calculator, AStepLeftUndoneIsPartOfTheResult) {
   CTrgCalculator calculator = Calculator("UTM/UTM WGS84 Zone 32");
   const auto correction = std::make_shared<EastCorrection>();
-  calculator.SetSteps({.grid_correction = correction});
+  calculator.SetSteps({.gridCorrection = correction});
   GridPoint point;
   Geodetic position;
   correction->outcome = {StepStatus::LeftUndone, 2236};
@@ -205,26 +205,26 @@ TEST(Calculator, AStepLeftUndoneIsPartOfTheResult) {
 
 TEST(Calculator, ANationalPlaneWithoutItsGridIsTold) {
   ProjectionRecord record;
-  record.semi_major_m = 6377563.396;
+  record.semiMajorM = 6377563.396;
   record.flattening = 1.0 / 299.3249646;
-  record.scale_factor = 0.9996012717;
-  record.latitude_of_origin = 49.0;
-  record.central_meridian = -2.0;
-  record.projection_type = static_cast<int>(ProjectionType::TransverseMercatorOstn02);
+  record.scaleFactor = 0.9996012717;
+  record.latitudeOfOrigin = 49.0;
+  record.centralMeridian = -2.0;
+  record.projectionType = static_cast<int>(ProjectionType::TransverseMercatorOstn02);
   CTrgCalculator british;
   british.SetRecord(record);
   GridPoint point;
   EXPECT_EQ(british.ToGrid({0.9, -0.03, 0.0}, point), CalculationResult::NoGridCorrection);
   const auto correction = std::make_shared<EastCorrection>();
-  british.SetSteps({.grid_correction = correction});
+  british.SetSteps({.gridCorrection = correction});
   EXPECT_EQ(british.ToGrid({0.9, -0.03, 0.0}, point), CalculationResult::Done);
   correction->outcome = {StepStatus::LeftUndone, 2236};
   EXPECT_EQ(british.ToGrid({0.9, -0.03, 0.0}, point), CalculationResult::StepRefused);
 
-  record.projection_type = static_cast<int>(ProjectionType::ObliqueStereographicRd2004);
+  record.projectionType = static_cast<int>(ProjectionType::ObliqueStereographicRd2004);
   CTrgCalculator dutch;
   dutch.SetRecord(record);
-  dutch.SetSteps({.datum_shift = std::make_shared<NorthShift>()});
+  dutch.SetSteps({.datumShift = std::make_shared<NorthShift>()});
   CalculationReport report;
   EXPECT_EQ(dutch.ToGrid({0.9, -0.03, 0.0}, point, &report), CalculationResult::DoneInPart);
   EXPECT_EQ(report.steps.at(3).outcome.status, StepStatus::LeftUndone);

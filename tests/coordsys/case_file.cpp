@@ -29,8 +29,8 @@ bool ReadTolerance(std::string_view text, GeodesyCase& c) {
   const auto parts = Split(text, ' ');
   const auto number = ParseNumber(parts[0]);
   if (!number || parts.size() != 2 || !kUnits.contains(parts[1])) return false;
-  c.metres_per_unit = kUnits.at(parts[1]);
-  c.tolerance_m = *number * c.metres_per_unit;
+  c.metresPerUnit = kUnits.at(parts[1]);
+  c.toleranceM = *number * c.metresPerUnit;
   return true;
 }
 
@@ -49,22 +49,22 @@ bool ReadCase(const std::vector<std::string_view>& fields, GeodesyCase& c) {
   if (fields.size() != 5) return false;
   c.forward = fields[0] != "inverse";
   c.inverse = fields[0] != "forward";
-  const bool grid_first = fields[0] == "inverse";
+  const bool gridFirst = fields[0] == "inverse";
   return ReadTolerance(fields[1], c) &&
-         ReadPair(fields[grid_first ? 3 : 2], c.latitude_deg, c.longitude_deg) &&
-         ReadPair(fields[grid_first ? 2 : 3], c.northing, c.easting);
+         ReadPair(fields[gridFirst ? 3 : 2], c.latitudeDeg, c.longitudeDeg) &&
+         ReadPair(fields[gridFirst ? 2 : 3], c.northing, c.easting);
 }
 
 }  // namespace
 
-std::vector<GeodesyCase> ReadCases(const std::string& file_name) {
-  const std::string path = std::string(TARVEX_TEST_DATA) + "/coordsys/" + file_name;
+std::vector<GeodesyCase> ReadCases(const std::string& fileName) {
+  const std::string path = std::string(TARVEX_TEST_DATA) + "/coordsys/" + fileName;
   std::string bytes;
   EXPECT_TRUE(ReadWholeFile(SystemFiles(), path, 100'000'000, bytes).ok()) << path;
   std::vector<GeodesyCase> cases;
   std::string definition;
   std::string_view rest = bytes;
-  for (int line_number = 1; const auto line = TakeLine(rest); ++line_number) {
+  for (int lineNumber = 1; const auto line = TakeLine(rest); ++lineNumber) {
     if (line->empty() || line->starts_with('#')) continue;
     const auto fields = Split(*line, '\t');
     if (fields[0] == "system") {
@@ -74,9 +74,9 @@ std::vector<GeodesyCase> ReadCases(const std::string& file_name) {
     GeodesyCase c;
     c.definition = definition;
     const bool whole = ReadCase(fields, c);
-    EXPECT_TRUE(whole) << file_name << ':' << line_number;
+    EXPECT_TRUE(whole) << fileName << ':' << lineNumber;
     if (!whole) continue;
-    c.where = file_name + ':' + std::to_string(line_number) + ' ' + std::string(fields.back());
+    c.where = fileName + ':' + std::to_string(lineNumber) + ' ' + std::string(fields.back());
     cases.push_back(std::move(c));
   }
   EXPECT_FALSE(cases.empty()) << path;

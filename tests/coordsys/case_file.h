@@ -11,16 +11,16 @@ struct GeodesyCase {
   std::string definition;
   bool forward = false;
   bool inverse = false;
-  double tolerance_m = 0.0;
-  double metres_per_unit = 1.0;
-  double latitude_deg = 0.0;
-  double longitude_deg = 0.0;
+  double toleranceM = 0.0;
+  double metresPerUnit = 1.0;
+  double latitudeDeg = 0.0;
+  double longitudeDeg = 0.0;
   double northing = 0.0;  ///< in the case's unit
   double easting = 0.0;
   std::string where;  ///< file:line and source
 };
 
 /// All cases of a file; a line that cannot be read is a failure of the test that asks.
-std::vector<GeodesyCase> ReadCases(const std::string& file_name);
+std::vector<GeodesyCase> ReadCases(const std::string& fileName);
 
 }  // namespace tarvex

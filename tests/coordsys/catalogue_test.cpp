@@ -101,7 +101,7 @@ TEST(SystemCatalogue, TheUsersSystemsComeFirstAndAreEditedOnDisk) {
   EXPECT_EQ(SystemCatalogue(SystemFiles(), folder.path()).UserSystems().size(), 1U);
   SystemCatalogue nowhere(SystemFiles(), folder.path() + "missing/");
   EXPECT_EQ(nowhere.Add("x", kDefinition), CatalogueResult::FileFailed);
-  EXPECT_FALSE(nowhere.file_status().ok());
+  EXPECT_FALSE(nowhere.fileStatus().ok());
 }
 
 TEST(SystemCatalogue, CodesAreTheSystemsOwnAndAreasHelpOnlyWithWords) {
@@ -135,11 +135,11 @@ TEST(PredefinedCatalogue, EverySystemCanBeMadeAndWrittenBack) {
   for (const NamedSystem& system : systems) {
     EXPECT_TRUE(names.insert(LowerCase(system.name)).second) << system.name << " twice";
     ProjectionRecord record;
-    std::string compound_name;
-    ReadDefinition(system.definition, record, compound_name, nullptr);
+    std::string compoundName;
+    ReadDefinition(system.definition, record, compoundName, nullptr);
     EXPECT_EQ(MakeProjection(record).fault, ProjectionFault::None) << system.name;
     ProjectionRecord back;
-    ReadDefinition(WriteDefinition(record, "x").value_or(""), back, compound_name, nullptr);
+    ReadDefinition(WriteDefinition(record, "x").value_or(""), back, compoundName, nullptr);
     EXPECT_EQ(back, record) << system.name;
   }
   for (const std::string_view name :
@@ -154,9 +154,9 @@ TEST(StatePlaneZones, AreChosenByNumberWithinTheirGroup) {
   const auto texas = ZoneOfGroup(StatePlaneDatum::Nad83, "texas", 3);
   ASSERT_TRUE(texas);
   EXPECT_EQ(texas->name, "USA/NAD83/Texas South Central");
-  EXPECT_EQ(texas->record.projection_type, 0);
-  EXPECT_EQ(texas->record.false_northing, 4000000.0);
-  EXPECT_EQ(texas->record.zone_width, 6.0);
+  EXPECT_EQ(texas->record.projectionType, 0);
+  EXPECT_EQ(texas->record.falseNorthing, 4000000.0);
+  EXPECT_EQ(texas->record.zoneWidth, 6.0);
   EXPECT_FALSE(ZoneOfGroup(StatePlaneDatum::Nad83, "Texas", 5));
   EXPECT_FALSE(ZoneOfGroup(StatePlaneDatum::Nad83, "Texas", 28));
   EXPECT_FALSE(ZoneOfGroup(StatePlaneDatum::Nad83, "Texas", -1));
@@ -167,7 +167,7 @@ TEST(StatePlaneZones, AreChosenByNumberWithinTheirGroup) {
   EXPECT_EQ(calculator.State(), CalculationResult::NoSystem);
   EXPECT_EQ(calculator.SelectZone(StatePlaneDatum::Nad83, "Alabama", 1), ZoneSelection::Selected);
   EXPECT_EQ(calculator.State(), CalculationResult::Done);
-  EXPECT_EQ(calculator.record().scale_factor, 1.0 - 1.0 / 15000.0);
+  EXPECT_EQ(calculator.record().scaleFactor, 1.0 - 1.0 / 15000.0);
 }
 
 TEST(StatePlaneZones, AgreeWithTheCatalogue) {
@@ -182,10 +182,10 @@ TEST(StatePlaneZones, AgreeWithTheCatalogue) {
         const auto listed = catalogue.Find(zone->name);
         ASSERT_TRUE(listed) << zone->name;
         ProjectionRecord record = zone->record;
-        std::string compound_name;
-        ReadDefinition(listed->definition, record, compound_name, nullptr);
-        record.datum_name = zone->record.datum_name;
-        record.shift_dx = record.shift_dy = record.shift_dz = 0.0;
+        std::string compoundName;
+        ReadDefinition(listed->definition, record, compoundName, nullptr);
+        record.datumName = zone->record.datumName;
+        record.shiftDx = record.shiftDy = record.shiftDz = 0.0;
         EXPECT_EQ(record, zone->record) << zone->name;
       }
     }
@@ -194,7 +194,7 @@ TEST(StatePlaneZones, AgreeWithTheCatalogue) {
 }
 
 TEST(StatePlaneZones, Nad27CodesLeadToTheirOwnRoutines) {
-  const auto type = [](int code) { return Nad27ZoneOfCode(code)->record.projection_type; };
+  const auto type = [](int code) { return Nad27ZoneOfCode(code)->record.projectionType; };
   EXPECT_EQ(Nad27ZoneOfCode(0)->name, "USA/NAD27/Alabama East");
   EXPECT_EQ(Nad27ZoneOfCode(119)->name, "USA/NAD27/Wyoming West");
   EXPECT_EQ(type(120), static_cast<int>(ProjectionType::ObliqueMercator27));

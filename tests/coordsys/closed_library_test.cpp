@@ -18,11 +18,11 @@
 namespace tarvex {
 namespace {
 
-int Doubled(double first, double second, double* first_out, double* second_out,
+int Doubled(double first, double second, double* firstOut, double* secondOut,
             const CoordSysParameters*) {
   if (first < 0.0) return 0;
-  *first_out = 2.0 * first;
-  *second_out = 2.0 * second;
+  *firstOut = 2.0 * first;
+  *secondOut = 2.0 * second;
   return 1;
 }
 
@@ -35,9 +35,9 @@ struct ScriptedLibraries : RunTimeLibraries {
   struct Library : RunTimeLibrary {
     ScriptedLibraries& all;
     explicit Library(ScriptedLibraries& libraries) : all(libraries) {}
-    void* Find(const char* entry_name) override {
-      all.asked.emplace_back(entry_name);
-      const auto at = all.entries.find(entry_name);
+    void* Find(const char* entryName) override {
+      all.asked.emplace_back(entryName);
+      const auto at = all.entries.find(entryName);
       return at == all.entries.end() ? nullptr : at->second;
     }
   };
@@ -56,14 +56,14 @@ struct CountedMessages : MessageBox {
 
 ProjectionRecord Record(ProjectionType type, int area = 0) {
   ProjectionRecord record;
-  record.semi_major_m = 6377397.155;
+  record.semiMajorM = 6377397.155;
   record.flattening = 1.0 / 299.1528128;
-  record.projection_type = static_cast<int>(type);
-  record.latitude_of_origin = record.latitude_of_center = 46.0;
-  record.central_meridian = record.longitude_of_center = 10.0;
-  record.standard_parallel_2_or_azimuth = 45.0;
-  record.scale_factor = 1.0;
-  record.denmark_area = area;
+  record.projectionType = static_cast<int>(type);
+  record.latitudeOfOrigin = record.latitudeOfCenter = 46.0;
+  record.centralMeridian = record.longitudeOfCenter = 10.0;
+  record.standardParallel2OrAzimuth = 45.0;
+  record.scaleFactor = 1.0;
+  record.denmarkArea = area;
   return record;
 }
 
@@ -104,9 +104,9 @@ TEST(ClosedLibrary, AFailedLoadIsRememberedAndToldOnce) {
   EXPECT_THAT(messages.texts, testing::ElementsAre(testing::HasSubstr("CoordSys.dll")));
 }
 
-int NoNumbers(double, double, double* first_out, double* second_out, const CoordSysParameters*) {
-  *first_out = std::numeric_limits<double>::quiet_NaN();
-  *second_out = std::numeric_limits<double>::infinity();
+int NoNumbers(double, double, double* firstOut, double* secondOut, const CoordSysParameters*) {
+  *firstOut = std::numeric_limits<double>::quiet_NaN();
+  *secondOut = std::numeric_limits<double>::infinity();
   return 1;
 }
 
@@ -144,8 +144,8 @@ TEST(ClosedLibrary, EveryFamilyAsksForItsOwnEntries) {
   struct Case {
     ProjectionType type;
     int area;
-    const char* to_grid;
-    const char* to_geodetic;
+    const char* toGrid;
+    const char* toGeodetic;
   };
   const Case cases[] = {
       {ProjectionType::TransverseMercator34, 0, "latlongWGS84ToXYSys34Jylland",
@@ -171,8 +171,8 @@ TEST(ClosedLibrary, EveryFamilyAsksForItsOwnEntries) {
     LatLon position;
     EXPECT_EQ(made.projection->Forward({0.8, 0.2}, point), ProjectionResult::LibraryMissing);
     EXPECT_EQ(made.projection->Inverse({0.8, 0.2}, position), ProjectionResult::LibraryMissing);
-    EXPECT_THAT(libraries.asked, testing::ElementsAre("CoordSys.dll", c.to_grid, c.to_geodetic));
-    for (const char* name : {c.to_grid, c.to_geodetic}) {  // and our own module has them
+    EXPECT_THAT(libraries.asked, testing::ElementsAre("CoordSys.dll", c.toGrid, c.toGeodetic));
+    for (const char* name : {c.toGrid, c.toGeodetic}) {  // and our own module has them
       EXPECT_NE(SystemCoordSysLibrary()->Entry<CoordSysConversion>(name), nullptr) << name;
     }
   }
@@ -184,10 +184,10 @@ TEST(ClosedLibrary, EveryFamilyAsksForItsOwnEntries) {
 TEST(CoordSysModule, DanishSystems) {
   struct Case {
     int area;
-    double latitude_deg;
-    double longitude_deg;
-    double northing_m;
-    double easting_m;
+    double latitudeDeg;
+    double longitudeDeg;
+    double northingM;
+    double eastingM;
   };
   const Case cases[] = {
       {0, 56.2000, 9.5000, 197007.7420, 264324.8428},
@@ -205,15 +205,15 @@ TEST(CoordSysModule, DanishSystems) {
   for (const Case& c : cases) {
     const auto made = MakeProjection(Record(ProjectionType::TransverseMercator34, c.area));
     ASSERT_TRUE(made.projection->TakesWgs84());
-    const LatLon position{c.latitude_deg * kRadiansPerDegree, c.longitude_deg * kRadiansPerDegree};
+    const LatLon position{c.latitudeDeg * kRadiansPerDegree, c.longitudeDeg * kRadiansPerDegree};
     PlanePoint point;
     ASSERT_EQ(made.projection->Forward(position, point), ProjectionResult::Done);
-    EXPECT_NEAR(point.northing_m, c.northing_m, 1e-3);
-    EXPECT_NEAR(point.easting_m, c.easting_m, 1e-3);
+    EXPECT_NEAR(point.northingM, c.northingM, 1e-3);
+    EXPECT_NEAR(point.eastingM, c.eastingM, 1e-3);
     LatLon back;
     ASSERT_EQ(made.projection->Inverse(point, back), ProjectionResult::Done);
-    EXPECT_NEAR(back.latitude_rad, position.latitude_rad, 1e-13);
-    EXPECT_NEAR(back.longitude_rad, position.longitude_rad, 1e-13);
+    EXPECT_NEAR(back.latitudeRad, position.latitudeRad, 1e-13);
+    EXPECT_NEAR(back.longitudeRad, position.longitudeRad, 1e-13);
     EXPECT_EQ(made.projection->Forward({0.8, 0.9}, point), ProjectionResult::OutsideDomain);
   }
 }

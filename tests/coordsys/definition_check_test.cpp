@@ -89,13 +89,13 @@ TEST(DefinitionCheck, RoundBracketsAndCommasInNamesAreMadeReadable) {
     EXPECT_THAT(Kinds(pasted), testing::IsEmpty());
     CTrgCalculator calculator;
     calculator.ParseDefinition(OneLineDefinition(pasted), nullptr);
-    EXPECT_EQ(calculator.record().semi_major_m, 6378137.0);
-    EXPECT_EQ(calculator.record().false_easting, 500000.0);
+    EXPECT_EQ(calculator.record().semiMajorM, 6378137.0);
+    EXPECT_EQ(calculator.record().falseEasting, 500000.0);
   }
   CTrgCalculator compound;
   compound.ParseDefinition(OneLineDefinition("COMPD_CS[\"a, (b)\"," + std::string(kGood) + "]"),
                            nullptr);
-  EXPECT_EQ(compound.compound_name(), "a; (b)");
+  EXPECT_EQ(compound.compoundName(), "a; (b)");
 }
 
 std::vector<std::string> Fields(std::string_view line) {
@@ -132,13 +132,13 @@ TEST(DefinitionCheck, TextsOfOtherPrograms) {
       continue;
     }
     const ProjectionRecord& record = calculator.record();
-    EXPECT_EQ(record.projection_type, LeadingInteger(fields[1]));
-    EXPECT_NEAR(record.latitude_of_origin, LeadingDouble(fields[2]), 1e-12);
-    EXPECT_NEAR(record.central_meridian, LeadingDouble(fields[3]), 1e-12);
+    EXPECT_EQ(record.projectionType, LeadingInteger(fields[1]));
+    EXPECT_NEAR(record.latitudeOfOrigin, LeadingDouble(fields[2]), 1e-12);
+    EXPECT_NEAR(record.centralMeridian, LeadingDouble(fields[3]), 1e-12);
     if (fields[4] == "-") {
       EXPECT_THAT(kinds, testing::Contains(Kind::LinearUnit));
     } else {
-      EXPECT_NEAR(record.false_easting, LeadingDouble(fields[4]), 1e-9);
+      EXPECT_NEAR(record.falseEasting, LeadingDouble(fields[4]), 1e-9);
       EXPECT_THAT(kinds, testing::Each(Kind::NoDatumShift));
     }
   }

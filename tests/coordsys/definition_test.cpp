@@ -25,8 +25,8 @@ constexpr std::string_view kTexas =
     R"(UNIT["metre",1]]])";
 
 ProjectionRecord Read(std::string_view text, ProjectionRecord record = {}) {
-  std::string compound_name;
-  ReadDefinition(text, record, compound_name, nullptr);
+  std::string compoundName;
+  ReadDefinition(text, record, compoundName, nullptr);
   return record;
 }
 
@@ -48,32 +48,32 @@ struct ShownMessages : MessageBox {
 
 TEST(DefinitionReader, ReadsEveryPartOfACompoundDefinition) {
   ProjectionRecord record;
-  record.ellipsoid_code = 4;
-  std::string compound_name;
-  ReadDefinition(kTexas, record, compound_name, nullptr);
-  EXPECT_EQ(compound_name, "Texas with heights");
-  EXPECT_EQ(record.datum_name.view(), "North_American_Datum_1983");
-  EXPECT_EQ(record.ellipsoid_name.view(), "GRS 1980");
-  EXPECT_EQ(record.ellipsoid_code, 999);
-  EXPECT_EQ(record.semi_major_m, 6378137.0);
+  record.ellipsoidCode = 4;
+  std::string compoundName;
+  ReadDefinition(kTexas, record, compoundName, nullptr);
+  EXPECT_EQ(compoundName, "Texas with heights");
+  EXPECT_EQ(record.datumName.view(), "North_American_Datum_1983");
+  EXPECT_EQ(record.ellipsoidName.view(), "GRS 1980");
+  EXPECT_EQ(record.ellipsoidCode, 999);
+  EXPECT_EQ(record.semiMajorM, 6378137.0);
   EXPECT_EQ(record.flattening, 1.0 / 298.257222101);
-  EXPECT_EQ(record.shift_dx, 0.5);
-  EXPECT_EQ(record.shift_dy, -1.25);
-  EXPECT_EQ(record.shift_rx, -1.0);
-  EXPECT_EQ(record.shift_ry, -2.0);
-  EXPECT_EQ(record.shift_rz, -3.0);
-  EXPECT_EQ(record.shift_scale, -0.06);
-  EXPECT_EQ(record.projection_type, 0);
-  EXPECT_EQ(record.projection_name.view(), "Lambert_Conformal_Conic_2SP");
-  EXPECT_EQ(record.latitude_of_origin, 27.8333333333333);
-  EXPECT_EQ(record.latitude_of_center, 27.8333333333333);
-  EXPECT_EQ(record.central_meridian, -99.0);
-  EXPECT_EQ(record.longitude_of_center, -99.0);
-  EXPECT_EQ(record.standard_parallel_1, 30.2833333333333);
-  EXPECT_EQ(record.standard_parallel_2_or_azimuth, 28.3833333333333);
-  EXPECT_EQ(record.false_easting, 600000.0);
-  EXPECT_EQ(record.false_northing, 4000000.0);
-  EXPECT_EQ(record.vertical_datum_name.view(), "North American Vertical Datum 1988");
+  EXPECT_EQ(record.shiftDx, 0.5);
+  EXPECT_EQ(record.shiftDy, -1.25);
+  EXPECT_EQ(record.shiftRx, -1.0);
+  EXPECT_EQ(record.shiftRy, -2.0);
+  EXPECT_EQ(record.shiftRz, -3.0);
+  EXPECT_EQ(record.shiftScale, -0.06);
+  EXPECT_EQ(record.projectionType, 0);
+  EXPECT_EQ(record.projectionName.view(), "Lambert_Conformal_Conic_2SP");
+  EXPECT_EQ(record.latitudeOfOrigin, 27.8333333333333);
+  EXPECT_EQ(record.latitudeOfCenter, 27.8333333333333);
+  EXPECT_EQ(record.centralMeridian, -99.0);
+  EXPECT_EQ(record.longitudeOfCenter, -99.0);
+  EXPECT_EQ(record.standardParallel1, 30.2833333333333);
+  EXPECT_EQ(record.standardParallel2OrAzimuth, 28.3833333333333);
+  EXPECT_EQ(record.falseEasting, 600000.0);
+  EXPECT_EQ(record.falseNorthing, 4000000.0);
+  EXPECT_EQ(record.verticalDatumName.view(), "North American Vertical Datum 1988");
 }
 
 TEST(DefinitionReader, ParameterNamesSetTheirFields) {
@@ -83,25 +83,25 @@ TEST(DefinitionReader, ParameterNamesSetTheirFields) {
     double value;
   };
   const Case cases[] = {
-      {R"(,PARAMETER["FALSE_EASTING",5])", &ProjectionRecord::false_easting, 5},
-      {R"(,PARAMETER["Longitude_Of_Center",5])", &ProjectionRecord::central_meridian, 5},
-      {R"(,PARAMETER["central_meridian",5])", &ProjectionRecord::longitude_of_center, 5},
-      {R"(,PARAMETER["latitude_of_center",5])", &ProjectionRecord::latitude_of_origin, 5},
-      {R"(,PARAMETER["CM",5])", &ProjectionRecord::central_meridian, 0},
-      {R"(,PARAMETER["standard_parallel1",5])", &ProjectionRecord::standard_parallel_1, 5},
-      {R"(,PARAMETER["axis",5])", &ProjectionRecord::standard_parallel_2_or_azimuth, 5},
+      {R"(,PARAMETER["FALSE_EASTING",5])", &ProjectionRecord::falseEasting, 5},
+      {R"(,PARAMETER["Longitude_Of_Center",5])", &ProjectionRecord::centralMeridian, 5},
+      {R"(,PARAMETER["central_meridian",5])", &ProjectionRecord::longitudeOfCenter, 5},
+      {R"(,PARAMETER["latitude_of_center",5])", &ProjectionRecord::latitudeOfOrigin, 5},
+      {R"(,PARAMETER["CM",5])", &ProjectionRecord::centralMeridian, 0},
+      {R"(,PARAMETER["standard_parallel1",5])", &ProjectionRecord::standardParallel1, 5},
+      {R"(,PARAMETER["axis",5])", &ProjectionRecord::standardParallel2OrAzimuth, 5},
       {R"(,PARAMETER["standard_parallel_2",4],PARAMETER["Azimuth",5])",
-       &ProjectionRecord::standard_parallel_2_or_azimuth, 5},
+       &ProjectionRecord::standardParallel2OrAzimuth, 5},
       {R"(,PARAMETER["azimuth",5],PARAMETER["standard_parallel2",4])",
-       &ProjectionRecord::standard_parallel_2_or_azimuth, 4},
-      {R"(,PARAMETER["Rectified_Grid_Angle",5])", &ProjectionRecord::rectified_grid_angle, 0},
+       &ProjectionRecord::standardParallel2OrAzimuth, 4},
+      {R"(,PARAMETER["Rectified_Grid_Angle",5])", &ProjectionRecord::rectifiedGridAngle, 0},
       {R"(,PARAMETER["rectified_grid_angle",5,AUTHORITY["a","b"]])",
-       &ProjectionRecord::rectified_grid_angle, 5},
-      {R"(,PARAMETER["zone_width", +6.5 deg])", &ProjectionRecord::zone_width, 6.5},
-      {R"(,UNIT["metre",1],PARAMETER["scale_factor",0.9996])", &ProjectionRecord::scale_factor,
+       &ProjectionRecord::rectifiedGridAngle, 5},
+      {R"(,PARAMETER["zone_width", +6.5 deg])", &ProjectionRecord::zoneWidth, 6.5},
+      {R"(,UNIT["metre",1],PARAMETER["scale_factor",0.9996])", &ProjectionRecord::scaleFactor,
        0.9996},
-      {R"(,PARAMETER["scale_factor",0.9996)", &ProjectionRecord::scale_factor, 0.9996},
-      {R"(,PARAMETER["scale_factor"])", &ProjectionRecord::scale_factor, 0.0},
+      {R"(,PARAMETER["scale_factor",0.9996)", &ProjectionRecord::scaleFactor, 0.9996},
+      {R"(,PARAMETER["scale_factor"])", &ProjectionRecord::scaleFactor, 0.0},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(Read(With("Stereographic", c.items)).*c.field, c.value) << c.items;
@@ -115,7 +115,7 @@ TEST(DefinitionReader, CoefficientLettersKeepTheirCaseAndSkipE) {
       R"(,PARAMETER["G",6],PARAMETER["H",7],PARAMETER["I",8],PARAMETER["e",9],PARAMETER["E",99])"
       R"(,PARAMETER["EPSILON",10],PARAMETER["Lambda0",11],PARAMETER["t1",99],PARAMETER["denmark_area",3.7])"));
   EXPECT_THAT(record.coefficients, testing::ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11));
-  EXPECT_EQ(record.denmark_area, 3);
+  EXPECT_EQ(record.denmarkArea, 3);
 }
 
 TEST(DefinitionReader, AlaskaTakesItsFalseEastingFromCoefficientThree) {
@@ -126,53 +126,53 @@ TEST(DefinitionReader, AlaskaTakesItsFalseEastingFromCoefficientThree) {
 
 TEST(DefinitionReader, WhatTheTextLacksKeepsItsValue) {
   ProjectionRecord earlier;
-  earlier.shift_rx = 7.0;
-  earlier.shift_scale = 8.0;
-  earlier.projection_type = 5;
-  earlier.ellipsoid_code = 4;
-  earlier.vertical_datum_name.Assign("NAVD88");
+  earlier.shiftRx = 7.0;
+  earlier.shiftScale = 8.0;
+  earlier.projectionType = 5;
+  earlier.ellipsoidCode = 4;
+  earlier.verticalDatumName.Assign("NAVD88");
   const std::string_view three =
       R"(PROJCS["x",GEOGCS["g",DATUM["d",SPHEROID["s",6378137,298],TOWGS84[1,2,3]]]])";
   const ProjectionRecord read = Read(three, earlier);
-  EXPECT_EQ(read.shift_dz, 3.0);
-  EXPECT_EQ(read.shift_rx, 7.0);
-  EXPECT_EQ(read.shift_scale, 8.0);
-  EXPECT_EQ(read.projection_type, 5);
-  EXPECT_EQ(read.ellipsoid_code, 4) << "no PROJECTION";
-  EXPECT_EQ(read.vertical_datum_name.view(), "NAVD88");
+  EXPECT_EQ(read.shiftDz, 3.0);
+  EXPECT_EQ(read.shiftRx, 7.0);
+  EXPECT_EQ(read.shiftScale, 8.0);
+  EXPECT_EQ(read.projectionType, 5);
+  EXPECT_EQ(read.ellipsoidCode, 4) << "no PROJECTION";
+  EXPECT_EQ(read.verticalDatumName.view(), "NAVD88");
 
   for (const std::string_view text :
        {"", "GEOGCS[\"g\",DATUM[\"d\",SPHEROID[\"s\",1,2]]]", "COMPD_CS[\"name\",", "PROJCS"}) {
     EXPECT_EQ(Read(text, earlier), earlier) << text;
   }
-  const std::string long_name =
+  const std::string longName =
       R"(PROJCS["x",DATUM[")" + std::string(99, 'd') + R"(",SPHEROID["s",5,2]]])";
-  EXPECT_TRUE(Read(long_name).datum_name.empty());
-  EXPECT_EQ(Read(long_name).semi_major_m, 5.0);
+  EXPECT_TRUE(Read(longName).datumName.empty());
+  EXPECT_EQ(Read(longName).semiMajorM, 5.0);
 }
 
 TEST(DefinitionReader, TheEllipsoidAsVerticalDatumClearsTheName) {
   ProjectionRecord earlier;
-  earlier.vertical_datum_name.Assign("NAVD88");
+  earlier.verticalDatumName.Assign("NAVD88");
   const auto text = With("Stereographic", R"(,VERT_CS["v",VERT_DATUM["ELLIPSOID",2002]])");
-  EXPECT_TRUE(Read(text, earlier).vertical_datum_name.empty());
+  EXPECT_TRUE(Read(text, earlier).verticalDatumName.empty());
 }
 
 TEST(DefinitionReader, AnUnknownProjectionIsToldAndChangesNoType) {
   ProjectionRecord record;
-  record.projection_type = 5;
-  std::string compound_name;
+  record.projectionType = 5;
+  std::string compoundName;
   ShownMessages messages;
   const std::string text = With("Krovak", R"(,PARAMETER["scale_factor",0.9])");
-  ReadDefinition(text, record, compound_name, &messages);
+  ReadDefinition(text, record, compoundName, &messages);
   ASSERT_EQ(messages.shown.size(), 1U);
   EXPECT_THAT(messages.shown[0].second, testing::HasSubstr("\"Krovak\""));
-  EXPECT_EQ(record.projection_type, 5);
-  EXPECT_EQ(record.scale_factor, 0.9);
-  EXPECT_EQ(record.ellipsoid_code, 999);
-  ReadDefinition(With("Double_Stereographic", ""), record, compound_name, &messages);
+  EXPECT_EQ(record.projectionType, 5);
+  EXPECT_EQ(record.scaleFactor, 0.9);
+  EXPECT_EQ(record.ellipsoidCode, 999);
+  ReadDefinition(With("Double_Stereographic", ""), record, compoundName, &messages);
   EXPECT_EQ(messages.shown.size(), 1U);
-  EXPECT_EQ(record.projection_type, 2);
+  EXPECT_EQ(record.projectionType, 2);
 }
 
 TEST(DefinitionReader, ReadsTwoThousandAndFortyEightCharacters) {
@@ -182,8 +182,8 @@ TEST(DefinitionReader, ReadsTwoThousandAndFortyEightCharacters) {
   text +=
       R"(,X[")" + std::string(kDefinitionLimit - text.size() - parameter.size() - 6, 'x') + "\"]";
   ASSERT_EQ((text + parameter).size(), kDefinitionLimit);
-  EXPECT_EQ(Read(text + parameter).scale_factor, 7.0);
-  EXPECT_EQ(Read(text + " " + parameter).scale_factor, 0.0) << "the bracket lies beyond";
+  EXPECT_EQ(Read(text + parameter).scaleFactor, 7.0);
+  EXPECT_EQ(Read(text + " " + parameter).scaleFactor, 0.0) << "the bracket lies beyond";
 }
 
 TEST(DefinitionReader, SurvivesATextCutAnywhere) {
@@ -192,8 +192,8 @@ TEST(DefinitionReader, SurvivesATextCutAnywhere) {
     const std::string cut(kTexas.substr(0, length));
     const ProjectionRecord record = Read(cut);
     for (const double ProjectionRecord::*field :
-         {&ProjectionRecord::false_easting, &ProjectionRecord::shift_dx,
-          &ProjectionRecord::latitude_of_origin, &ProjectionRecord::semi_major_m}) {
+         {&ProjectionRecord::falseEasting, &ProjectionRecord::shiftDx,
+          &ProjectionRecord::latitudeOfOrigin, &ProjectionRecord::semiMajorM}) {
       EXPECT_TRUE(record.*field == 0.0 || record.*field == whole.*field) << length;
     }
   }
@@ -209,10 +209,10 @@ TEST(DefinitionWriter, WhatItWritesReadsBackTheSame) {
   const auto text = WriteDefinition(texas, "Texas", "Texas, \"with\" heights");
   ASSERT_TRUE(text);
   ProjectionRecord back;
-  std::string compound_name;
-  ReadDefinition(*text, back, compound_name, nullptr);
+  std::string compoundName;
+  ReadDefinition(*text, back, compoundName, nullptr);
   EXPECT_EQ(back, texas);
-  EXPECT_EQ(compound_name, "Texas; 'with' heights");
+  EXPECT_EQ(compoundName, "Texas; 'with' heights");
   EXPECT_THAT(*text, testing::HasSubstr("6378137,298.257222101]"));
 }
 
@@ -221,31 +221,31 @@ TEST(DefinitionWriter, RandomRecordsReadBackTheSame) {
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
   std::uniform_real_distribution<double> number(-1e7, 1e7);
-  std::uniform_real_distribution<double> inverse_flattening(250.0, 350.0);
+  std::uniform_real_distribution<double> inverseFlattening(250.0, 350.0);
   for (int type = 0; type < kProjectionTypes; ++type) {
     for (int round = 0; round < 50; ++round) {
       ProjectionRecord record;
-      record.datum_name.Assign("Datum " + std::to_string(round));
-      record.ellipsoid_name.Assign("Ellipsoid");
-      record.semi_major_m = number(random);
-      record.flattening = 1.0 / inverse_flattening(random);
-      record.projection_type = type;
-      record.projection_name.Assign(*ProjectionName(type));
+      record.datumName.Assign("Datum " + std::to_string(round));
+      record.ellipsoidName.Assign("Ellipsoid");
+      record.semiMajorM = number(random);
+      record.flattening = 1.0 / inverseFlattening(random);
+      record.projectionType = type;
+      record.projectionName.Assign(*ProjectionName(type));
       for (double ProjectionRecord::*field :
-           {&ProjectionRecord::shift_dx, &ProjectionRecord::shift_dy, &ProjectionRecord::shift_dz,
-            &ProjectionRecord::shift_rx, &ProjectionRecord::shift_ry, &ProjectionRecord::shift_rz,
-            &ProjectionRecord::shift_scale, &ProjectionRecord::false_easting,
-            &ProjectionRecord::false_northing, &ProjectionRecord::central_meridian,
-            &ProjectionRecord::standard_parallel_1, &ProjectionRecord::latitude_of_origin,
-            &ProjectionRecord::standard_parallel_2_or_azimuth, &ProjectionRecord::scale_factor,
-            &ProjectionRecord::rectified_grid_angle, &ProjectionRecord::zone_width}) {
+           {&ProjectionRecord::shiftDx, &ProjectionRecord::shiftDy, &ProjectionRecord::shiftDz,
+            &ProjectionRecord::shiftRx, &ProjectionRecord::shiftRy, &ProjectionRecord::shiftRz,
+            &ProjectionRecord::shiftScale, &ProjectionRecord::falseEasting,
+            &ProjectionRecord::falseNorthing, &ProjectionRecord::centralMeridian,
+            &ProjectionRecord::standardParallel1, &ProjectionRecord::latitudeOfOrigin,
+            &ProjectionRecord::standardParallel2OrAzimuth, &ProjectionRecord::scaleFactor,
+            &ProjectionRecord::rectifiedGridAngle, &ProjectionRecord::zoneWidth}) {
         record.*field = round % 5 == 0 ? 0.0 : number(random);
       }
-      record.longitude_of_center = record.central_meridian;
-      record.latitude_of_center = record.latitude_of_origin;
+      record.longitudeOfCenter = record.centralMeridian;
+      record.latitudeOfCenter = record.latitudeOfOrigin;
       if (round % 2 == 0) record.coefficients.fill(number(random));
-      record.denmark_area = round % 4;
-      record.vertical_datum_name.Assign(round % 3 == 0 ? "" : "Sea level");
+      record.denmarkArea = round % 4;
+      record.verticalDatumName.Assign(round % 3 == 0 ? "" : "Sea level");
       const auto text = WriteDefinition(record, "name");
       ASSERT_TRUE(text);
       EXPECT_EQ(Read(*text), record) << *text;
@@ -255,11 +255,11 @@ TEST(DefinitionWriter, RandomRecordsReadBackTheSame) {
 
 TEST(DefinitionWriter, RefusesWhatTheFormCannotHold) {
   ProjectionRecord record = Read(kTexas);
-  record.projection_type = 17;
+  record.projectionType = 17;
   EXPECT_FALSE(WriteDefinition(record, "x"));
-  record.projection_type = 1;
+  record.projectionType = 1;
   EXPECT_TRUE(WriteDefinition(record, "x"));
-  record.false_easting = std::numeric_limits<double>::quiet_NaN();
+  record.falseEasting = std::numeric_limits<double>::quiet_NaN();
   EXPECT_FALSE(WriteDefinition(record, "x"));
 }
 

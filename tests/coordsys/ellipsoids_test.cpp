@@ -11,7 +11,7 @@ namespace {
 
 Ellipsoid LookUp(int code) {
   Ellipsoid found{1.0, 2.0};
-  LookUpEllipsoid(code, found.semi_major_m, found.flattening);
+  LookUpEllipsoid(code, found.semiMajorM, found.flattening);
   return found;
 }
 
@@ -25,8 +25,8 @@ TEST(Ellipsoids, CodesOutsideTheTableAreWgs84AndTheUsersOwnIsLeftAlone) {
 TEST(Ellipsoids, TableAgreesWithPublishedDefinitions) {
   struct Case {
     int code;
-    double semi_major_m;
-    double inverse_flattening;
+    double semiMajorM;
+    double inverseFlattening;
   };
   const Case cases[] = {
       {0, 6377563.396, 299.3249646}, {1, 6377340.189, 299.3249646},
@@ -39,8 +39,8 @@ TEST(Ellipsoids, TableAgreesWithPublishedDefinitions) {
       {14, 6378135.0, 298.26},       {20, 6378137.0, 298.257223563},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(LookUp(c.code).semi_major_m, c.semi_major_m) << c.code;
-    EXPECT_NEAR(LookUp(c.code).flattening, 1.0 / c.inverse_flattening, 1.5e-12) << c.code;
+    EXPECT_EQ(LookUp(c.code).semiMajorM, c.semiMajorM) << c.code;
+    EXPECT_NEAR(LookUp(c.code).flattening, 1.0 / c.inverseFlattening, 1.5e-12) << c.code;
   }
 }
 

@@ -16,21 +16,21 @@
 namespace tarvex {
 namespace {
 
-constexpr double kFoot_m = kUsFeetToMetres;
+constexpr double kFootM = kUsFeetToMetres;
 
 MadeProjection Catalogued(std::string_view name) {
   const SystemCatalogue catalogue(SystemFiles(), TARVEX_DATA_FOLDER);
   ProjectionRecord record;
-  std::string compound_name;
-  ReadDefinition(catalogue.Find(name).value_or(NamedSystem{}).definition, record, compound_name,
+  std::string compoundName;
+  ReadDefinition(catalogue.Find(name).value_or(NamedSystem{}).definition, record, compoundName,
                  nullptr);
   return MakeProjection(record);
 }
 
-PlanePoint Forward(const Projection& projection, double latitude_deg, double longitude_deg) {
+PlanePoint Forward(const Projection& projection, double latitudeDeg, double longitudeDeg) {
   PlanePoint point;
-  EXPECT_EQ(projection.Forward(
-                {latitude_deg * kRadiansPerDegree, longitude_deg * kRadiansPerDegree}, point),
+  EXPECT_EQ(projection.Forward({latitudeDeg * kRadiansPerDegree, longitudeDeg * kRadiansPerDegree},
+                               point),
             ProjectionResult::Done);
   return point;
 }
@@ -44,19 +44,19 @@ LatLon Inverse(const Projection& projection, PlanePoint point) {
 // Each constant of a zone is taken from its series coefficient, or else from the field that says
 // the same in metres and degrees.
 TEST(Alaska27, EachConstantMayComeInEitherForm) {
-  const auto zone = [](double false_easting_m, double longitude_deg, double e0_ft, double cm_s) {
+  const auto zone = [](double falseEastingM, double longitudeDeg, double e0Ft, double cmS) {
     ProjectionRecord record = Nad27ZoneOfCode(124)->record;
-    record.false_easting = false_easting_m;
-    record.central_meridian = record.longitude_of_center = longitude_deg;
-    record.coefficients = {e0_ft, cm_s, e0_ft};
+    record.falseEasting = falseEastingM;
+    record.centralMeridian = record.longitudeOfCenter = longitudeDeg;
+    record.coefficients = {e0Ft, cmS, e0Ft};
     return Forward(*MakeProjection(record).projection, 60.0, -150.5);
   };
   const PlanePoint whole = zone(0.0, 0.0, 500000.0, 540000.0);
   for (const PlanePoint& point :
        {zone(152400.3048, -150.0, 0.0, 0.0), zone(152400.3048, 0.0, 0.0, 540000.0),
         zone(0.0, -150.0, 500000.0, 0.0), zone(1.0, 1.0, 500000.0, 540000.0)}) {
-    EXPECT_NEAR(point.easting_m, whole.easting_m, 1e-4);
-    EXPECT_NEAR(point.northing_m, whole.northing_m, 1e-4);
+    EXPECT_NEAR(point.eastingM, whole.eastingM, 1e-4);
+    EXPECT_NEAR(point.northingM, whole.northingM, 1e-4);
   }
 }
 
@@ -64,11 +64,11 @@ TEST(Alaska27, EachConstantMayComeInEitherForm) {
 // Clarke 1866): the series is 0.00015 ft from it.
 TEST(Alaska27, MeetsTheExactProjectionOverItsZones) {
   struct Case {
-    int zone_code;
-    double latitude_deg;
-    double longitude_deg;
-    double northing_ft;
-    double easting_ft;
+    int zoneCode;
+    double latitudeDeg;
+    double longitudeDeg;
+    double northingFt;
+    double eastingFt;
   };
   const Case cases[] = {
       {121, 56, -140.5, 733734.86933, 807017.81726},
@@ -85,14 +85,14 @@ TEST(Alaska27, MeetsTheExactProjectionOverItsZones) {
       {128, 70.5, -168, 6036512.38623, 844502.52346},
   };
   for (const Case& c : cases) {
-    const auto zone = Nad27ZoneOfCode(c.zone_code);
+    const auto zone = Nad27ZoneOfCode(c.zoneCode);
     const auto made = MakeProjection(zone->record);
-    const PlanePoint point = Forward(*made.projection, c.latitude_deg, c.longitude_deg);
-    EXPECT_NEAR(point.northing_m / kFoot_m, c.northing_ft, 2e-4);
-    EXPECT_NEAR(point.easting_m / kFoot_m, c.easting_ft, 2e-4);
+    const PlanePoint point = Forward(*made.projection, c.latitudeDeg, c.longitudeDeg);
+    EXPECT_NEAR(point.northingM / kFootM, c.northingFt, 2e-4);
+    EXPECT_NEAR(point.eastingM / kFootM, c.eastingFt, 2e-4);
     const LatLon back = Inverse(*made.projection, point);
-    EXPECT_NEAR(back.latitude_rad, c.latitude_deg * kRadiansPerDegree, 1e-14);
-    EXPECT_NEAR(back.longitude_rad, c.longitude_deg * kRadiansPerDegree, 2e-14);
+    EXPECT_NEAR(back.latitudeRad, c.latitudeDeg * kRadiansPerDegree, 1e-14);
+    EXPECT_NEAR(back.longitudeRad, c.longitudeDeg * kRadiansPerDegree, 2e-14);
   }
 }
 
@@ -100,14 +100,14 @@ TEST(Alaska27, FollowsItsFormula) {
   const auto zone = Nad27ZoneOfCode(121);
   const auto made = MakeProjection(zone->record);
   // On the central meridian the easting is the false easting.
-  EXPECT_EQ(Forward(*made.projection, 61.5, -142.0).easting_m, 500000.0 * kFoot_m);
+  EXPECT_EQ(Forward(*made.projection, 61.5, -142.0).eastingM, 500000.0 * kFootM);
   // Coefficients win over the record's metres; without them the metres serve.
   ProjectionRecord metres = zone->record;
   metres.coefficients.fill(0.0);
   const PlanePoint a = Forward(*made.projection, 61.5, -140.0);
   const PlanePoint b = Forward(*MakeProjection(metres).projection, 61.5, -140.0);
-  EXPECT_NEAR(a.easting_m, b.easting_m, 1e-6);
-  EXPECT_NEAR(a.northing_m, b.northing_m, 1e-9);
+  EXPECT_NEAR(a.eastingM, b.eastingM, 1e-6);
+  EXPECT_NEAR(a.northingM, b.northingM, 1e-9);
   PlanePoint point;
   EXPECT_EQ(made.projection->Forward({0.5, -2.5}, point), ProjectionResult::OutsideDomain);
   EXPECT_EQ(made.projection->Forward({1.1, 2.5}, point), ProjectionResult::OutsideDomain);
@@ -117,11 +117,11 @@ TEST(Alaska27, FollowsItsFormula) {
 // easting of 500,000 feet it is the same at any distance from the central meridian.
 TEST(Alaska27, PointScaleTakesTheLongitudeArgument) {
   const auto made = MakeProjection(Nad27ZoneOfCode(121)->record);
-  for (const double longitude_deg : {-142.0, -140.0, -143.9}) {
+  for (const double longitudeDeg : {-142.0, -140.0, -143.9}) {
     const double c = std::cos(61.5 * kRadiansPerDegree);
     const double w = 1.0 + 0.0068147849 * c * c;
     const auto scale =
-        made.projection->PointScale({61.5 * kRadiansPerDegree, longitude_deg * kRadiansPerDegree});
+        made.projection->PointScale({61.5 * kRadiansPerDegree, longitudeDeg * kRadiansPerDegree});
     ASSERT_TRUE(scale);
     EXPECT_NEAR(*scale, 0.9999 * (1.0 + 0.0011343362410670325 * 0.25 * w * w), 1e-8);
   }
@@ -136,28 +136,28 @@ TEST(Alaska27, PointScaleTakesTheLongitudeArgument) {
 TEST(TransverseMercator27, GivesItsPointScale) {
   const auto made = Catalogued("USA/NAD27/Illinois East");
   struct Case {
-    double latitude_deg;
-    double longitude_deg;
+    double latitudeDeg;
+    double longitudeDeg;
     double scale;
   };
   for (const Case& c : {Case{41.8, -88.0, 0.999984}, {37.0, -90.0, 1.00025}, {-60, -70, 1.013}}) {
-    const LatLon at{c.latitude_deg * kRadiansPerDegree, c.longitude_deg * kRadiansPerDegree};
+    const LatLon at{c.latitudeDeg * kRadiansPerDegree, c.longitudeDeg * kRadiansPerDegree};
     const auto scale = made.projection->PointScale(at);
     ASSERT_TRUE(scale);
-    if (c.latitude_deg > 0) {
+    if (c.latitudeDeg > 0) {
       EXPECT_NEAR(*scale, c.scale, 5e-6);
     }
     constexpr double kStep = 1e-6;
     constexpr double kE2 = 0.006768657997291;  // Clarke 1866
-    const double w2 = 1.0 - kE2 * std::sin(at.latitude_rad) * std::sin(at.latitude_rad);
-    const double meridian_m = 6378206.4 * (1.0 - kE2) / (w2 * std::sqrt(w2));
+    const double w2 = 1.0 - kE2 * std::sin(at.latitudeRad) * std::sin(at.latitudeRad);
+    const double meridianM = 6378206.4 * (1.0 - kE2) / (w2 * std::sqrt(w2));
     const PlanePoint south =
-        Forward(*made.projection, c.latitude_deg - kStep / kRadiansPerDegree, c.longitude_deg);
+        Forward(*made.projection, c.latitudeDeg - kStep / kRadiansPerDegree, c.longitudeDeg);
     const PlanePoint north =
-        Forward(*made.projection, c.latitude_deg + kStep / kRadiansPerDegree, c.longitude_deg);
-    const double length_m =
-        std::hypot(north.northing_m - south.northing_m, north.easting_m - south.easting_m);
-    EXPECT_NEAR(*scale, length_m / (2.0 * kStep * meridian_m), 2e-9);
+        Forward(*made.projection, c.latitudeDeg + kStep / kRadiansPerDegree, c.longitudeDeg);
+    const double lengthM =
+        std::hypot(north.northingM - south.northingM, north.eastingM - south.eastingM);
+    EXPECT_NEAR(*scale, lengthM / (2.0 * kStep * meridianM), 2e-9);
   }
   EXPECT_FALSE(made.projection->PointScale({0.5, 3.0}));
 }
@@ -166,28 +166,28 @@ TEST(TransverseMercator27, GivesItsPointScale) {
 // digits, which leaves 4 thousandths of a foot.
 TEST(AlaskaZone1, MeetsThePublishedPoint) {
   const PlanePoint nad27 = Forward(*Catalogued("USA/NAD27/Alaska zone 1").projection, 58.5, -135.0);
-  EXPECT_NEAR(nad27.easting_m / kFoot_m, 2430571.0149, 5e-3);
-  EXPECT_NEAR(nad27.northing_m / kFoot_m, 2437747.1212, 5e-3);
+  EXPECT_NEAR(nad27.eastingM / kFootM, 2430571.0149, 5e-3);
+  EXPECT_NEAR(nad27.northingM / kFootM, 2437747.1212, 5e-3);
   const PlanePoint nad83 = Forward(*Catalogued("USA/NAD83/Alaska zone 1").projection, 58.5, -135.0);
-  EXPECT_NEAR(nad83.easting_m, 740933.6477, 1e-4);
-  EXPECT_NEAR(nad83.northing_m, 742902.5217, 1e-4);
+  EXPECT_NEAR(nad83.eastingM, 740933.6477, 1e-4);
+  EXPECT_NEAR(nad83.northingM, 742902.5217, 1e-4);
 }
 
 TEST(Nad27, WorksInUsSurveyFeet) {
   ProjectionRecord record = Nad27ZoneOfCode(0)->record;
-  ASSERT_EQ(record.projection_type, 9);
-  record.false_easting = 0.0;
-  record.false_northing = 0.0;
+  ASSERT_EQ(record.projectionType, 9);
+  record.falseEasting = 0.0;
+  record.falseNorthing = 0.0;
   const auto feet = MakeProjection(record);
   // The same projection written over feet: a point of 1000 m is its point of 3280.833333333.
-  record.projection_type = 1;
-  record.semi_major_m = 6378206.4;
+  record.projectionType = 1;
+  record.semiMajorM = 6378206.4;
   const auto metres = MakeProjection(record);
-  const LatLon from_feet = Inverse(*feet.projection, {1000.0, 1000.0});
-  const LatLon from_metres =
-      Inverse(*metres.projection, {3280.833333333 * kFoot_m, 3280.833333333 * kFoot_m});
-  EXPECT_NEAR(from_feet.latitude_rad, from_metres.latitude_rad, 1e-15);
-  EXPECT_NEAR(from_feet.longitude_rad, from_metres.longitude_rad, 1e-15);
+  const LatLon fromFeet = Inverse(*feet.projection, {1000.0, 1000.0});
+  const LatLon fromMetres =
+      Inverse(*metres.projection, {3280.833333333 * kFootM, 3280.833333333 * kFootM});
+  EXPECT_NEAR(fromFeet.latitudeRad, fromMetres.latitudeRad, 1e-15);
+  EXPECT_NEAR(fromFeet.longitudeRad, fromMetres.longitudeRad, 1e-15);
 
   const DegreesMinutesSeconds latitude{31, 30, 36};
   const DegreesMinutesSeconds longitude{-85, -50, -24};
@@ -196,16 +196,16 @@ TEST(Nad27, WorksInUsSurveyFeet) {
   ASSERT_EQ(ForwardFromEntry(*feet.projection, latitude, longitude, entered),
             ProjectionResult::Done);
   const PlanePoint typed = Forward(*feet.projection, 31.51, -85.84);
-  EXPECT_NEAR(entered.northing_m, typed.northing_m, 1e-8);
-  EXPECT_NEAR(entered.easting_m, typed.easting_m, 1e-8);
+  EXPECT_NEAR(entered.northingM, typed.northingM, 1e-8);
+  EXPECT_NEAR(entered.eastingM, typed.eastingM, 1e-8);
 }
 
 TEST(Ostn02, ProjectsOnGrs80) {  // the worked point of the Ordnance Survey's guide
   const auto made = Catalogued("GREAT BRITAIN/OSGB36/National Grid OSTN02");
   ASSERT_TRUE(made.projection->TakesWgs84());
   const PlanePoint point = Forward(*made.projection, 52.658007833, 1.716073973);
-  EXPECT_NEAR(point.easting_m, 651307.003, 2e-3);
-  EXPECT_NEAR(point.northing_m, 313255.686, 2e-3);
+  EXPECT_NEAR(point.eastingM, 651307.003, 2e-3);
+  EXPECT_NEAR(point.northingM, 313255.686, 2e-3);
 }
 
 // The closed library shifts WGS84 to HD72 itself; with a shift of a millionth of a millimetre the
@@ -213,30 +213,30 @@ TEST(Ostn02, ProjectsOnGrs80) {  // the worked point of the Ordnance Survey's gu
 TEST(Eov, MeetsThePublishedPoints) {
   RequireModules();
   ProjectionRecord record;
-  record.semi_major_m = 6378160.0;
+  record.semiMajorM = 6378160.0;
   record.flattening = 1.0 / 298.247167427;
-  record.projection_type = static_cast<int>(ProjectionType::ObliqueMercatorEov);
-  record.shift_dx = 1e-9;
+  record.projectionType = static_cast<int>(ProjectionType::ObliqueMercatorEov);
+  record.shiftDx = 1e-9;
   const auto made = MakeProjection(record);
   struct Case {
-    double latitude_deg, longitude_deg, easting_m, northing_m;
+    double latitudeDeg, longitudeDeg, eastingM, northingM;
   };
   for (const Case& c :
        {Case{47.5, 19.04, 649354.2021, 239532.9436}, Case{46.2, 16.4, 445598.9690, 98483.0072},
         Case{48.2, 22.5, 906511.3857, 323030.1092}}) {
     // WGS84 and HD72 ellipsoids differ: the position that stands on the HD72 one.
-    const LatLon there = Inverse(*made.projection, {c.northing_m, c.easting_m});
-    const PlanePoint again = Forward(*made.projection, there.latitude_rad * kDegreesPerRadian,
-                                     there.longitude_rad * kDegreesPerRadian);
-    EXPECT_NEAR(again.easting_m, c.easting_m, 1e-6);
-    EXPECT_NEAR(again.northing_m, c.northing_m, 1e-6);
-    EXPECT_NEAR(there.latitude_rad, c.latitude_deg * kRadiansPerDegree, 2e-6);
-    EXPECT_NEAR(there.longitude_rad, c.longitude_deg * kRadiansPerDegree, 2e-11);
+    const LatLon there = Inverse(*made.projection, {c.northingM, c.eastingM});
+    const PlanePoint again = Forward(*made.projection, there.latitudeRad * kDegreesPerRadian,
+                                     there.longitudeRad * kDegreesPerRadian);
+    EXPECT_NEAR(again.eastingM, c.eastingM, 1e-6);
+    EXPECT_NEAR(again.northingM, c.northingM, 1e-6);
+    EXPECT_NEAR(there.latitudeRad, c.latitudeDeg * kRadiansPerDegree, 2e-6);
+    EXPECT_NEAR(there.longitudeRad, c.longitudeDeg * kRadiansPerDegree, 2e-11);
   }
   const auto official = Catalogued("HUNGARY/HD72/EOV");
   const PlanePoint budapest = Forward(*official.projection, 47.5, 19.04);
-  EXPECT_NEAR(budapest.easting_m, 649439.0140, 1e-3);  // PROJ 9.1.1: EPSG 4326 to 23700 by 1448
-  EXPECT_NEAR(budapest.northing_m, 239562.8270, 1e-3);
+  EXPECT_NEAR(budapest.eastingM, 649439.0140, 1e-3);  // PROJ 9.1.1: EPSG 4326 to 23700 by 1448
+  EXPECT_NEAR(budapest.northingM, 239562.8270, 1e-3);
 }
 
 }  // namespace

@@ -21,8 +21,8 @@
 namespace tarvex {
 namespace {
 
-constexpr double kAgreement_m = 1e-4;
-constexpr double kRoundTrip_m = 1e-5;
+constexpr double kAgreementM = 1e-4;
+constexpr double kRoundTripM = 1e-5;
 
 struct Destroy {
   void operator()(PJ* pj) const { proj_destroy(pj); }
@@ -77,7 +77,7 @@ std::string CodeOf(std::string_view definition) {
 // A projected system of PROJ on its own geodetic one: degrees in, metres out.
 struct Oracle {
   Pj operation;
-  double metres_per_unit = 1.0;
+  double metresPerUnit = 1.0;
   bool usable = false;
 };
 
@@ -102,7 +102,7 @@ Oracle OracleOf(PJ_CONTEXT* context, const std::string& code) {
       proj_create_crs_to_crs_from_pj(context, geodetic.get(), crs.get(), nullptr, nullptr));
   if (!raw || longitude != 0.0 || !degrees) return oracle;
   oracle.operation.reset(proj_normalize_for_visualization(context, raw.get()));
-  oracle.metres_per_unit = AxisUnit(context, crs.get());
+  oracle.metresPerUnit = AxisUnit(context, crs.get());
   oracle.usable = oracle.operation != nullptr;
   return oracle;
 }
@@ -126,26 +126,26 @@ double GreatestDifference(const Projection& projection, const Oracle& oracle, co
   double greatest = 0.0;
   for (const LatLon& at : PointsIn(bounds)) {
     const PJ_COORD expected = proj_trans(oracle.operation.get(), PJ_FWD,
-                                         proj_coord(at.longitude_rad * kDegreesPerRadian,
-                                                    at.latitude_rad * kDegreesPerRadian, 0.0, 0.0));
+                                         proj_coord(at.longitudeRad * kDegreesPerRadian,
+                                                    at.latitudeRad * kDegreesPerRadian, 0.0, 0.0));
     PlanePoint point;
     const auto result = projection.Forward(at, point);
     EXPECT_EQ(result, ProjectionResult::Done) << name;
     if (result != ProjectionResult::Done) continue;
-    const double m = oracle.metres_per_unit;
+    const double m = oracle.metresPerUnit;
     // A polar system may list its axes either way round.
     const double straight =
-        std::hypot(point.easting_m - expected.xy.x * m, point.northing_m - expected.xy.y * m);
+        std::hypot(point.eastingM - expected.xy.x * m, point.northingM - expected.xy.y * m);
     const double swapped =
-        std::hypot(point.easting_m - expected.xy.y * m, point.northing_m - expected.xy.x * m);
+        std::hypot(point.eastingM - expected.xy.y * m, point.northingM - expected.xy.x * m);
     greatest = std::max(greatest,
-                        std::fabs(at.latitude_rad) > 1.0 ? std::min(straight, swapped) : straight);
+                        std::fabs(at.latitudeRad) > 1.0 ? std::min(straight, swapped) : straight);
     LatLon back;
     EXPECT_EQ(projection.Inverse(point, back), ProjectionResult::Done) << name;
-    const double east = std::remainder(back.longitude_rad - at.longitude_rad, 2.0 * M_PI);
+    const double east = std::remainder(back.longitudeRad - at.longitudeRad, 2.0 * M_PI);
     EXPECT_LT(
-        6.4e6 * std::hypot(back.latitude_rad - at.latitude_rad, east * std::cos(at.latitude_rad)),
-        kRoundTrip_m)
+        6.4e6 * std::hypot(back.latitudeRad - at.latitudeRad, east * std::cos(at.latitudeRad)),
+        kRoundTripM)
         << name;
   }
   return greatest;
@@ -153,8 +153,8 @@ double GreatestDifference(const Projection& projection, const Oracle& oracle, co
 
 MadeProjection Make(const std::string& definition) {
   ProjectionRecord record;
-  std::string compound_name;
-  ReadDefinition(definition, record, compound_name, nullptr);
+  std::string compoundName;
+  ReadDefinition(definition, record, compoundName, nullptr);
   return MakeProjection(record);
 }
 
@@ -168,7 +168,7 @@ class ProjCrosscheck : public testing::Test {
 TEST_F(ProjCrosscheck, EverySystemOfTheCatalogue) {
   const auto bounds = BoundsOf("epsg_systems.tsv");
   int compared = 0;
-  int left_out = 0;
+  int leftOut = 0;
   for (const NamedSystem& system : SystemCatalogue(SystemFiles(), TARVEX_DATA_FOLDER).Search("")) {
     const std::string code = CodeOf(system.definition);
     const auto made = Make(system.definition);
@@ -176,17 +176,17 @@ TEST_F(ProjCrosscheck, EverySystemOfTheCatalogue) {
     if (code.empty() || made.projection->TakesWgs84()) continue;
     const Oracle oracle = OracleOf(context_, code);
     if (!oracle.usable) {
-      ++left_out;  // another prime meridian or unit of angle
+      ++leftOut;  // another prime meridian or unit of angle
       continue;
     }
     ++compared;
     // 29333: PROJ shortens the ellipsoid's axis there by a rounded unit.
-    const double tolerance = code == "29333" ? 2e-4 : kAgreement_m;
+    const double tolerance = code == "29333" ? 2e-4 : kAgreementM;
     EXPECT_LT(GreatestDifference(*made.projection, oracle, bounds.at(code), system.name), tolerance)
         << system.name;
   }
   EXPECT_GT(compared, 4600);
-  EXPECT_LT(left_out, 60);
+  EXPECT_LT(leftOut, 60);
 }
 
 TEST_F(ProjCrosscheck, EveryStatePlaneZone) {
@@ -272,7 +272,7 @@ TEST_F(ProjCrosscheck, FamiliesByTheirParameters) {
         c.proj;
     oracle.operation.reset(proj_create(context_, pipeline.c_str()));
     ASSERT_TRUE(oracle.operation) << c.proj;
-    EXPECT_LT(GreatestDifference(*made.projection, oracle, c.bounds, c.proj), kAgreement_m)
+    EXPECT_LT(GreatestDifference(*made.projection, oracle, c.bounds, c.proj), kAgreementM)
         << c.proj;
   }
 }

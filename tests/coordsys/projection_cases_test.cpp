@@ -13,36 +13,36 @@
 namespace tarvex {
 namespace {
 
-constexpr double kEarthRadius_m = 6371000.0;
+constexpr double kEarthRadiusM = 6371000.0;
 
-double Distance(double latitude_deg, double longitude_deg, const LatLon& position) {
-  const double north = position.latitude_rad - latitude_deg * kRadiansPerDegree;
-  const double east = position.longitude_rad - longitude_deg * kRadiansPerDegree;
-  return kEarthRadius_m * std::hypot(north, east * std::cos(position.latitude_rad));
+double Distance(double latitudeDeg, double longitudeDeg, const LatLon& position) {
+  const double north = position.latitudeRad - latitudeDeg * kRadiansPerDegree;
+  const double east = position.longitudeRad - longitudeDeg * kRadiansPerDegree;
+  return kEarthRadiusM * std::hypot(north, east * std::cos(position.latitudeRad));
 }
 
 void Check(const GeodesyCase& c) {
   ProjectionRecord record;
-  std::string compound_name;
-  ReadDefinition(c.definition, record, compound_name, nullptr);
+  std::string compoundName;
+  ReadDefinition(c.definition, record, compoundName, nullptr);
   const MadeProjection made = MakeProjection(record);
   ASSERT_TRUE(made.projection) << c.where << ": fault " << static_cast<int>(made.fault);
   if (c.forward) {
     PlanePoint point;
     ASSERT_EQ(made.projection->Forward(
-                  {c.latitude_deg * kRadiansPerDegree, c.longitude_deg * kRadiansPerDegree}, point),
+                  {c.latitudeDeg * kRadiansPerDegree, c.longitudeDeg * kRadiansPerDegree}, point),
               ProjectionResult::Done)
         << c.where;
-    EXPECT_NEAR(point.northing_m, c.northing * c.metres_per_unit, c.tolerance_m) << c.where;
-    EXPECT_NEAR(point.easting_m, c.easting * c.metres_per_unit, c.tolerance_m) << c.where;
+    EXPECT_NEAR(point.northingM, c.northing * c.metresPerUnit, c.toleranceM) << c.where;
+    EXPECT_NEAR(point.eastingM, c.easting * c.metresPerUnit, c.toleranceM) << c.where;
   }
   if (c.inverse) {
     LatLon position;
-    ASSERT_EQ(made.projection->Inverse(
-                  {c.northing * c.metres_per_unit, c.easting * c.metres_per_unit}, position),
+    ASSERT_EQ(made.projection->Inverse({c.northing * c.metresPerUnit, c.easting * c.metresPerUnit},
+                                       position),
               ProjectionResult::Done)
         << c.where;
-    EXPECT_LT(Distance(c.latitude_deg, c.longitude_deg, position), 1.5 * c.tolerance_m) << c.where;
+    EXPECT_LT(Distance(c.latitudeDeg, c.longitudeDeg, position), 1.5 * c.toleranceM) << c.where;
   }
 }
 

@@ -17,16 +17,16 @@ namespace {
 
 ProjectionRecord Record(ProjectionType type) {
   ProjectionRecord record;
-  record.semi_major_m = 6378137.0;
+  record.semiMajorM = 6378137.0;
   record.flattening = 1.0 / 298.257222101;
-  record.projection_type = static_cast<int>(type);
-  record.central_meridian = record.longitude_of_center = 9.0;
-  record.latitude_of_origin = record.latitude_of_center = 40.0;
-  record.standard_parallel_1 = 45.0;
-  record.standard_parallel_2_or_azimuth = 49.0;
-  record.scale_factor = 0.9996;
-  record.false_easting = 500000.0;
-  record.false_northing = -1000000.0;
+  record.projectionType = static_cast<int>(type);
+  record.centralMeridian = record.longitudeOfCenter = 9.0;
+  record.latitudeOfOrigin = record.latitudeOfCenter = 40.0;
+  record.standardParallel1 = 45.0;
+  record.standardParallel2OrAzimuth = 49.0;
+  record.scaleFactor = 0.9996;
+  record.falseEasting = 500000.0;
+  record.falseNorthing = -1000000.0;
   return record;
 }
 
@@ -49,9 +49,9 @@ std::vector<Named> Shapes() {
   std::vector<Named> shapes;
   const auto add = [&](const char* name, ProjectionType type, double latitude, double azimuth) {
     ProjectionRecord record = Record(type);
-    record.latitude_of_origin = record.latitude_of_center = latitude;
-    record.standard_parallel_2_or_azimuth = azimuth;
-    record.standard_parallel_1 = std::copysign(45.0, azimuth);
+    record.latitudeOfOrigin = record.latitudeOfCenter = latitude;
+    record.standardParallel2OrAzimuth = azimuth;
+    record.standardParallel1 = std::copysign(45.0, azimuth);
     shapes.push_back({name, record});
   };
   using enum ProjectionType;
@@ -78,8 +78,8 @@ TEST(Projection, EveryPointOfTheDomainComesBack) {
   std::uniform_real_distribution<double> longitude(-180.0, 180.0);
   for (const Named& shape : Shapes()) {
     const ProjectionRecord& record = shape.record;
-    SCOPED_TRACE(testing::Message() << shape.name << ' ' << record.latitude_of_center << ' '
-                                    << record.standard_parallel_2_or_azimuth);
+    SCOPED_TRACE(testing::Message() << shape.name << ' ' << record.latitudeOfCenter << ' '
+                                    << record.standardParallel2OrAzimuth);
     const auto made = MakeProjection(record);
     ASSERT_TRUE(made.projection);
     std::vector<LatLon> starts = {Degrees(90, 9), Degrees(-90, 9), Degrees(89.999999, 100),
@@ -94,12 +94,12 @@ TEST(Projection, EveryPointOfTheDomainComesBack) {
       ++inside;
       LatLon back;
       ASSERT_EQ(made.projection->Inverse(point, back), ProjectionResult::Done)
-          << start.latitude_rad << ' ' << start.longitude_rad;
-      const double east = std::remainder(back.longitude_rad - start.longitude_rad, 2.0 * M_PI);
-      EXPECT_LT(6.4e6 * std::hypot(back.latitude_rad - start.latitude_rad,
-                                   east * std::cos(start.latitude_rad)),
+          << start.latitudeRad << ' ' << start.longitudeRad;
+      const double east = std::remainder(back.longitudeRad - start.longitudeRad, 2.0 * M_PI);
+      EXPECT_LT(6.4e6 * std::hypot(back.latitudeRad - start.latitudeRad,
+                                   east * std::cos(start.latitudeRad)),
                 1e-5)
-          << start.latitude_rad << ' ' << start.longitude_rad;
+          << start.latitudeRad << ' ' << start.longitudeRad;
     }
     EXPECT_GT(inside, 8000);
   }
@@ -129,18 +129,18 @@ TEST(Projection, PointsOutsideAreRefused) {
   LatLon gap;  // behind the pole, where the developed cone is open
   PlanePoint pole;
   ASSERT_EQ(lambert.projection->Forward(Degrees(90, 9), pole), ProjectionResult::Done);
-  EXPECT_EQ(lambert.projection->Inverse({pole.northing_m + 1e6, pole.easting_m}, gap),
+  EXPECT_EQ(lambert.projection->Inverse({pole.northingM + 1e6, pole.eastingM}, gap),
             ProjectionResult::OutsideDomain);
 }
 
 ProjectionRecord Oblique(double latitude, double longitude, double azimuth) {
   ProjectionRecord record = Record(ProjectionType::ObliqueMercator);
-  record.semi_major_m = 6377397.155;
+  record.semiMajorM = 6377397.155;
   record.flattening = 1.0 / 299.1528128;
-  record.latitude_of_center = latitude;
-  record.longitude_of_center = longitude;
-  record.standard_parallel_2_or_azimuth = azimuth;
-  record.false_northing = 500000.0;
+  record.latitudeOfCenter = latitude;
+  record.longitudeOfCenter = longitude;
+  record.standardParallel2OrAzimuth = azimuth;
+  record.falseNorthing = 500000.0;
   return record;
 }
 
@@ -159,13 +159,13 @@ TEST(ObliqueMercator, TheAzimuthMayPointAnywhere) {
         PlanePoint b;
         ASSERT_EQ(back.projection->Forward(Degrees(latitude, 17.88), centre),
                   ProjectionResult::Done);
-        EXPECT_NEAR(centre.northing_m, 500000.0, 1e-8);
-        EXPECT_NEAR(centre.easting_m, 500000.0, 1e-8);
+        EXPECT_NEAR(centre.northingM, 500000.0, 1e-8);
+        EXPECT_NEAR(centre.eastingM, 500000.0, 1e-8);
         ASSERT_EQ(there.projection->Forward(Degrees(latitude + 1, 18.5), a),
                   ProjectionResult::Done);
         ASSERT_EQ(back.projection->Forward(Degrees(latitude + 1, 18.5), b), ProjectionResult::Done);
-        EXPECT_NEAR(a.northing_m, b.northing_m, 2e-8);
-        EXPECT_NEAR(a.easting_m, b.easting_m, 2e-8);
+        EXPECT_NEAR(a.northingM, b.northingM, 2e-8);
+        EXPECT_NEAR(a.eastingM, b.eastingM, 2e-8);
       }
     }
   }
@@ -178,8 +178,8 @@ TEST(ObliqueMercator, TheCentreIsExactForLinesToTheEast) {
       const auto made = MakeProjection(Oblique(latitude, 7.4, azimuth));
       PlanePoint centre;
       ASSERT_EQ(made.projection->Forward(Degrees(latitude, 7.4), centre), ProjectionResult::Done);
-      EXPECT_NEAR(centre.northing_m, 500000.0, 1e-8) << latitude << ' ' << azimuth;
-      EXPECT_NEAR(centre.easting_m, 500000.0, 1e-8) << latitude << ' ' << azimuth;
+      EXPECT_NEAR(centre.northingM, 500000.0, 1e-8) << latitude << ' ' << azimuth;
+      EXPECT_NEAR(centre.eastingM, 500000.0, 1e-8) << latitude << ' ' << azimuth;
     }
   }
 }
@@ -189,28 +189,28 @@ TEST(Projection, FamiliesAroundACentreTakeTheCentre) {
        {ProjectionType::ObliqueMercator83, ProjectionType::Stereographic,
         ProjectionType::ObliqueMercator27, ProjectionType::ObliqueMercator}) {
     ProjectionRecord record = Record(type);
-    record.latitude_of_origin = record.central_meridian = 0.0;
+    record.latitudeOfOrigin = record.centralMeridian = 0.0;
     const ProjectionParameters parameters = ParametersOf(record);
-    EXPECT_EQ(parameters.latitude_of_origin_rad, 40.0 * kRadiansPerDegree);
-    EXPECT_EQ(parameters.central_meridian_rad, 9.0 * kRadiansPerDegree);
+    EXPECT_EQ(parameters.latitudeOfOriginRad, 40.0 * kRadiansPerDegree);
+    EXPECT_EQ(parameters.centralMeridianRad, 9.0 * kRadiansPerDegree);
   }
 }
 
 // Parallels 6 mm apart make the same cone as one parallel does, and so do all between.
 TEST(Lambert, ParallelsCloseTogetherLoseNothing) {
   ProjectionRecord record = Record(ProjectionType::LambertConformalConic2SP);
-  record.standard_parallel_1 = record.standard_parallel_2_or_azimuth = 45.0;
+  record.standardParallel1 = record.standardParallel2OrAzimuth = 45.0;
   PlanePoint one;
   ASSERT_EQ(MakeProjection(record).projection->Forward(Degrees(46, 12), one),
             ProjectionResult::Done);
   for (const double apart : {1e-8, 1e-7, 1e-6, 1e-5}) {
-    record.standard_parallel_2_or_azimuth = 45.0 + apart;
-    record.standard_parallel_1 = 45.0 - apart;
+    record.standardParallel2OrAzimuth = 45.0 + apart;
+    record.standardParallel1 = 45.0 - apart;
     PlanePoint two;
     ASSERT_EQ(MakeProjection(record).projection->Forward(Degrees(46, 12), two),
               ProjectionResult::Done);
-    EXPECT_NEAR(two.northing_m, one.northing_m, 2e-7) << apart;
-    EXPECT_NEAR(two.easting_m, one.easting_m, 2e-7) << apart;
+    EXPECT_NEAR(two.northingM, one.northingM, 2e-7) << apart;
+    EXPECT_NEAR(two.eastingM, one.eastingM, 2e-7) << apart;
   }
 }
 
@@ -224,12 +224,12 @@ TEST(Projection, ArraysGiveTheSameAsSinglePoints) {
   EXPECT_TRUE(std::isnan(northing[1]) && std::isnan(easting[1]));
   PlanePoint point;
   ASSERT_EQ(made.projection->Forward({0.8, 0.2}, point), ProjectionResult::Done);
-  EXPECT_EQ(northing[2], point.northing_m);
-  EXPECT_EQ(easting[2], point.easting_m);
-  std::vector<double> back_latitude(3);
-  std::vector<double> back_longitude(3);
-  EXPECT_EQ(made.projection->Inverse(northing, easting, back_latitude, back_longitude), 1U);
-  EXPECT_NEAR(back_latitude[0], 0.7, 1e-14);
+  EXPECT_EQ(northing[2], point.northingM);
+  EXPECT_EQ(easting[2], point.eastingM);
+  std::vector<double> backLatitude(3);
+  std::vector<double> backLongitude(3);
+  EXPECT_EQ(made.projection->Inverse(northing, easting, backLatitude, backLongitude), 1U);
+  EXPECT_NEAR(backLatitude[0], 0.7, 1e-14);
 }
 
 bool IsNan(double a, double b) {
@@ -240,8 +240,8 @@ void ExpectArraysLikeSinglePoints(const Projection& projection, std::vector<LatL
   const std::size_t size = positions.size();
   std::vector<double> first;
   std::vector<double> second;
-  for (const LatLon& at : positions) first.push_back(at.latitude_rad);
-  for (const LatLon& at : positions) second.push_back(at.longitude_rad);
+  for (const LatLon& at : positions) first.push_back(at.latitudeRad);
+  for (const LatLon& at : positions) second.push_back(at.longitudeRad);
   const double nan = std::nan("");
   std::vector<PlanePoint> points(size, {nan, nan});
   (void)projection.Forward(first, second, first, second);
@@ -287,35 +287,35 @@ TEST(Projection, ArraysMayBeCrossed) {
         ProjectionType::ObliqueMercator27, ProjectionType::LambertConformalConic27}) {
     const auto made = MakeProjection(Record(type));
     const LatLon start = Degrees(41, 9.5);
-    std::vector<double> first = {start.latitude_rad};
-    std::vector<double> second = {start.longitude_rad};
+    std::vector<double> first = {start.latitudeRad};
+    std::vector<double> second = {start.longitudeRad};
     ASSERT_EQ(made.projection->Forward(first, second, second, first), 0U);
     ASSERT_EQ(made.projection->Inverse(second, first, first, second), 0U);
-    EXPECT_NEAR(first[0], start.latitude_rad, 1e-13);
-    EXPECT_NEAR(second[0], start.longitude_rad, 1e-13);
+    EXPECT_NEAR(first[0], start.latitudeRad, 1e-13);
+    EXPECT_NEAR(second[0], start.longitudeRad, 1e-13);
     ASSERT_EQ(made.projection->Forward(first, second, first, second), 0U);
     ASSERT_EQ(made.projection->Inverse(first, second, second, first), 0U);
-    EXPECT_NEAR(second[0], start.latitude_rad, 1e-13);
-    EXPECT_NEAR(first[0], start.longitude_rad, 1e-13);
+    EXPECT_NEAR(second[0], start.latitudeRad, 1e-13);
+    EXPECT_NEAR(first[0], start.longitudeRad, 1e-13);
   }
 }
 
 TEST(Projection, PolarOriginOfALambertZone) {  // Belge 1972: values of EPSG 31370 by PROJ 9.1.1
   ProjectionRecord record = Record(ProjectionType::LambertConformalConic2SP);
-  record.semi_major_m = 6378388.0;
+  record.semiMajorM = 6378388.0;
   record.flattening = 1.0 / 297.0;
-  record.latitude_of_origin = 90.0;
-  record.central_meridian = 4.36748666666667;
-  record.standard_parallel_1 = 51.1666672333333;
-  record.standard_parallel_2_or_azimuth = 49.8333339;
-  record.scale_factor = 0.0;
-  record.false_easting = 150000.013;
-  record.false_northing = 5400088.438;
+  record.latitudeOfOrigin = 90.0;
+  record.centralMeridian = 4.36748666666667;
+  record.standardParallel1 = 51.1666672333333;
+  record.standardParallel2OrAzimuth = 49.8333339;
+  record.scaleFactor = 0.0;
+  record.falseEasting = 150000.013;
+  record.falseNorthing = 5400088.438;
   const auto made = MakeProjection(record);
   PlanePoint point;
   ASSERT_EQ(made.projection->Forward(Degrees(50.5, 4.5), point), ProjectionResult::Done);
-  EXPECT_NEAR(point.easting_m, 159401.569855966, 1e-6);
-  EXPECT_NEAR(point.northing_m, 132080.715357103, 1e-6);
+  EXPECT_NEAR(point.eastingM, 159401.569855966, 1e-6);
+  EXPECT_NEAR(point.northingM, 132080.715357103, 1e-6);
 }
 
 TEST(Projection, FaultsNameTheParameter) {
@@ -326,21 +326,21 @@ TEST(Projection, FaultsNameTheParameter) {
     ProjectionFault fault;
   };
   const Case cases[] = {
-      {ProjectionType::TransverseMercator, &ProjectionRecord::scale_factor, 0.0,
+      {ProjectionType::TransverseMercator, &ProjectionRecord::scaleFactor, 0.0,
        ProjectionFault::ScaleFactor},
       {ProjectionType::TransverseMercator, &ProjectionRecord::flattening,
        std::numeric_limits<double>::infinity(), ProjectionFault::Ellipsoid},
-      {ProjectionType::TransverseMercator, &ProjectionRecord::semi_major_m, 0.0,
+      {ProjectionType::TransverseMercator, &ProjectionRecord::semiMajorM, 0.0,
        ProjectionFault::Ellipsoid},
-      {ProjectionType::TransverseMercator, &ProjectionRecord::latitude_of_origin, 91.0,
+      {ProjectionType::TransverseMercator, &ProjectionRecord::latitudeOfOrigin, 91.0,
        ProjectionFault::LatitudeOfOrigin},
-      {ProjectionType::TransverseMercator, &ProjectionRecord::central_meridian, 1e6,
+      {ProjectionType::TransverseMercator, &ProjectionRecord::centralMeridian, 1e6,
        ProjectionFault::CentralMeridian},
-      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::standard_parallel_1, -49.0,
+      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::standardParallel1, -49.0,
        ProjectionFault::StandardParallels},
-      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::latitude_of_origin, -90.0,
+      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::latitudeOfOrigin, -90.0,
        ProjectionFault::LatitudeOfOrigin},
-      {ProjectionType::LambertConformalConic1SP, &ProjectionRecord::latitude_of_origin, 0.0,
+      {ProjectionType::LambertConformalConic1SP, &ProjectionRecord::latitudeOfOrigin, 0.0,
        ProjectionFault::LatitudeOfOrigin},
   };
   for (const Case& c : cases) {
@@ -351,7 +351,7 @@ TEST(Projection, FaultsNameTheParameter) {
     EXPECT_FALSE(made.projection);
   }
   ProjectionRecord record;
-  record.projection_type = 17;
+  record.projectionType = 17;
   EXPECT_EQ(MakeProjection(record).fault, ProjectionFault::UnknownType);
 }
 

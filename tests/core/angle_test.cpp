@@ -41,7 +41,7 @@ TEST(PackedAngle, FieldsRoundInSecondsAndCarry) {
     int decimals;
     const char* text;
   };
-  const double one_second = 1.0 / 3600;
+  const double oneSecond = 1.0 / 3600;
   const Case cases[] = {
       {359.0 + 59.0 / 60 + 59.9996 / 3600, 4, "0.0000"},
       {359.0 + 59.0 / 60 + 59.4 / 3600, 4, "359.5959"},
@@ -50,7 +50,7 @@ TEST(PackedAngle, FieldsRoundInSecondsAndCarry) {
       {12.0 + 29.0 / 60 + 59.99999999996 / 3600, 12, "12.300000000000"},
       {-12.0 - 29.0 / 60 - 59.6 / 3600, 4, "-12.3000"},
       {-97.5, 12, "-97.300000000000"},
-      {-0.1 * one_second, 4, "0.0000"},
+      {-0.1 * oneSecond, 4, "0.0000"},
       {-0.0, 4, "0.0000"},
       {725.0, 4, "5.0000"},
       {10.0 + 59.0 / 60 + 56.0 / 3600, 3, "11.000"},
@@ -80,8 +80,8 @@ TEST(PackedAngle, TextTakesDegreesAndMinutesThroughDecimals) {
   for (const Case& c : cases) EXPECT_EQ(DegreesToPackedText(c.degrees), c.text) << c.degrees;
   // 4e-8 of a minute short of 23 minutes: printed with 7 decimals it is 23, but no seconds are
   // lost.
-  const double short_of = 305.0 + (23.0 - 4e-8) / 60;
-  EXPECT_NEAR(PackedToDegrees(DegreesToPacked(short_of)), short_of, 1e-11);
+  const double shortOf = 305.0 + (23.0 - 4e-8) / 60;
+  EXPECT_NEAR(PackedToDegrees(DegreesToPacked(shortOf)), shortOf, 1e-11);
 }
 
 TEST(PackedAngle, TextReadBackIsThePackedNumber) {

@@ -34,7 +34,7 @@ std::string Padded(std::string_view text, std::size_t bytes) {
 
 void Store(Job& job, const std::string& id, const GridPoint& at, const std::string& description) {
   const auto stream = OpenCoordinateFile(job);
-  job.current_point_id = id;
+  job.currentPointId = id;
   ASSERT_EQ(StorePoint(job, at, description, false, stream.get()), StorePointResult::Stored);
 }
 
@@ -43,18 +43,18 @@ constexpr GridPoint kAt{.northing = 5000.25, .easting = -0.1, .elevation = 1.5};
 const std::string kAtBytes = "000000004088b3409a9999999999b9bf000000000000f83f";
 
 void ExpectGoldenBytes() {
-  TestHost numeric_host;
-  Job numeric = MakeJob(numeric_host, false);
+  TestHost numericHost;
+  Job numeric = MakeJob(numericHost, false);
   Store(numeric, "2", kAt, "IP");
-  EXPECT_EQ(Hex(numeric_host.memory.Bytes(kJobPath)),
+  EXPECT_EQ(Hex(numericHost.memory.Bytes(kJobPath)),
             "0000000000000040" + Zeros(8) + "ac1c5a647b609f40" + Zeros(32) +  // 2 points, 2008.1205
                 Zeros(24) + Padded(" ", 32) +  // the filler of point 1
                 kAtBytes + Padded("IP", 32));
 
-  TestHost named_host;
-  Job named = MakeJob(named_host, true);
+  TestHost namedHost;
+  Job named = MakeJob(namedHost, true);
   Store(named, "b-1", kAt, "a description of 31 bytes and \u00E9");
-  EXPECT_EQ(Hex(named_host.memory.Bytes(kJobPath)),
+  EXPECT_EQ(Hex(namedHost.memory.Bytes(kJobPath)),
             Zeros(8) + Padded("12-05-2008", 32) + Zeros(32) + Padded("New CRD Format2", 16) +
                 Zeros(16) + kAtBytes + Padded("a description of 31 bytes and ", 32) +
                 Padded("B_1", 10));
@@ -79,54 +79,54 @@ TEST(CoordinateFile, OpeningTellsTheJobWhatItHolds) {
   Job job = MakeJob(host, true);
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
   EXPECT_EQ(host.memory.Bytes(kJobPath).size(), 104U);
-  EXPECT_EQ(job.last_point_id, "0");
-  EXPECT_EQ(job.information.start_time, "Start Time: 14:03:09");
+  EXPECT_EQ(job.lastPointId, "0");
+  EXPECT_EQ(job.information.startTime, "Start Time: 14:03:09");
   Store(job, "12A", kAt, "");
-  job.alphanumeric_new_files = false;  // the file decides, not the setting
+  job.alphanumericNewFiles = false;  // the file decides, not the setting
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
   EXPECT_TRUE(job.alphanumeric);
-  EXPECT_EQ(job.last_point_id, "12A");
-  EXPECT_EQ(job.last_point_number, 12);
+  EXPECT_EQ(job.lastPointId, "12A");
+  EXPECT_EQ(job.lastPointNumber, 12);
 }
 
 TEST(CoordinateFile, ConvertsAnOlderFileOnOpening) {
   TestHost host;
-  std::string old_file = alphanumeric_layout::EncodeHeader(host.standing_clock.now);
-  old_file[86] = '\0';  // "New CRD Format"
-  old_file[100] = 'x';  // other header bytes stay
+  std::string oldFile = alphanumeric_layout::EncodeHeader(host.standingClock.now);
+  oldFile[86] = '\0';  // "New CRD Format"
+  oldFile[100] = 'x';  // other header bytes stay
   for (const char* id : {"10", "B", "2", "a10", "A2", "2"}) {
-    alphanumeric_layout::AppendRecord(old_file, {.at = {.northing = double(old_file.size())},
-                                                 .description = Description(id),
-                                                 .id = PointId(id)});
+    alphanumeric_layout::AppendRecord(oldFile, {.at = {.northing = double(oldFile.size())},
+                                                .description = Description(id),
+                                                .id = PointId(id)});
   }
-  host.memory.Put(kJobPath, old_file + "torn");
+  host.memory.Put(kJobPath, oldFile + "torn");
   Job job = MakeJob(host, true);
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
-  std::string expected = old_file.substr(0, 104);
+  std::string expected = oldFile.substr(0, 104);
   expected[86] = '2';
-  for (const int place : {5, 2, 0, 4, 3, 1}) expected += old_file.substr(104 + 66 * place, 66);
+  for (const int place : {5, 2, 0, 4, 3, 1}) expected += oldFile.substr(104 + 66 * place, 66);
   EXPECT_EQ(Hex(host.memory.Bytes(kJobPath)), Hex(expected));
-  EXPECT_EQ(job.last_point_id, "B");
+  EXPECT_EQ(job.lastPointId, "B");
   Point point;
   EXPECT_EQ(ReadPoint(job, "A10", OpenCoordinateFile(job).get(), point), ReadPointResult::Found);
 }
 
 TEST(CoordinateFile, ConvertsAnOlderFileThatIsOnlyLookedAt) {
   TestHost host;
-  std::string old_file = alphanumeric_layout::EncodeHeader(host.standing_clock.now);
-  old_file[86] = '\0';
+  std::string oldFile = alphanumeric_layout::EncodeHeader(host.standingClock.now);
+  oldFile[86] = '\0';
   for (const char* id : {"2", "1"}) {
-    alphanumeric_layout::AppendRecord(old_file, {.at = kAt, .description = {}, .id = PointId(id)});
+    alphanumeric_layout::AppendRecord(oldFile, {.at = kAt, .description = {}, .id = PointId(id)});
   }
   for (const bool writable : {false, true}) {
-    host.memory.Put(kJobPath, old_file);
+    host.memory.Put(kJobPath, oldFile);
     host.memory.MakeReadOnly(writable ? "" : kJobPath);
     Job job = MakeJob(host, true);
     PointList points;
     ASSERT_EQ(LoadAllPoints(job, points), LoadPointsResult::Loaded) << writable;
     EXPECT_EQ(points[0].id.view(), "1");
     EXPECT_EQ(ReadPoint(job, "2", OpenForReading(job).get(), points[0]), ReadPointResult::Found);
-    EXPECT_EQ(host.memory.Bytes(kJobPath) == old_file, !writable);
+    EXPECT_EQ(host.memory.Bytes(kJobPath) == oldFile, !writable);
     EXPECT_TRUE(host.messages.empty());
   }
 }

@@ -23,7 +23,7 @@ struct Operation {
 
 bool Store(Job& job, const std::string& id, double northing) {
   const auto stream = OpenCoordinateFile(job);
-  job.current_point_id = id;
+  job.currentPointId = id;
   return StorePoint(job, {.northing = northing}, "d", false, stream.get()) ==
          StorePointResult::Stored;
 }
@@ -113,10 +113,10 @@ bool Interrupt(const Operation& operation, const Interruption& interruption,
   Job again = MakeJob(host, operation.alphanumeric);
   EXPECT_NE(OpenCoordinateFile(again), nullptr);
   const std::string state = State(again);
-  const bool as_reported = reported ? state == after : state == before || state == after;
-  EXPECT_TRUE(as_reported) << operation.name << (operation.alphanumeric ? " by name" : " by number")
-                           << ", mishap " << int(mishap) << " at step " << step << " seed " << seed
-                           << (reported ? ", reported as done" : "") << "\nholds " << state;
+  const bool asReported = reported ? state == after : state == before || state == after;
+  EXPECT_TRUE(asReported) << operation.name << (operation.alphanumeric ? " by name" : " by number")
+                          << ", mishap " << int(mishap) << " at step " << step << " seed " << seed
+                          << (reported ? ", reported as done" : "") << "\nholds " << state;
   if (mishap == Mishap::Fails || mishap == Mishap::DiskFull) {
     ExpectToldTheTruth(host, reported, state, before, after);
   }
@@ -150,15 +150,15 @@ TEST(Interruption, LeavesTheOldStateOrTheNewOne) {
 
 // Small files are replaced as a whole; large ones are changed through the journal.
 TEST(Interruption, OfAJournaledChangeLeavesTheOldBytesOrTheNew) {
-  const std::string old_bytes = "0123456789abcdef";
+  const std::string oldBytes = "0123456789abcdef";
   const FileChange changes[] = {
-      {.old_size = 16, .new_size = 16, .writes = {{.offset = 4, .bytes = "WXYZ"}}},
-      {.old_size = 16,
-       .new_size = 24,
+      {.oldSize = 16, .newSize = 16, .writes = {{.offset = 4, .bytes = "WXYZ"}}},
+      {.oldSize = 16,
+       .newSize = 24,
        .writes = {{.offset = 0, .bytes = "N"}, {.offset = 10, .bytes = "FILLED.", .repeat = 2}}},
-      {.old_size = 16, .new_size = 12, .writes = {{.offset = 6, .bytes = "abcdef"}}},
+      {.oldSize = 16, .newSize = 12, .writes = {{.offset = 6, .bytes = "abcdef"}}},
   };
-  const std::string new_bytes[] = {"0123WXYZ89abcdef", "N123456789FILLED.FILLED.", "012345abcdef"};
+  const std::string newBytes[] = {"0123WXYZ89abcdef", "N123456789FILLED.FILLED.", "012345abcdef"};
   for (std::size_t i = 0; i < std::size(changes); ++i) {
     for (const Mishap mishap :
          {Mishap::None, Mishap::Fails, Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
@@ -166,7 +166,7 @@ TEST(Interruption, OfAJournaledChangeLeavesTheOldBytesOrTheNew) {
       for (int step = 1; happened; ++step) {
         for (unsigned seed = 0; seed < 40; ++seed) {
           MemoryFiles files;
-          files.Put(kJobPath, old_bytes);
+          files.Put(kJobPath, oldBytes);
           files.Expect(mishap, step);
           std::unique_ptr<File> file;
           ASSERT_TRUE(files.Open(kJobPath, FileAccess::ReadWrite, file).ok());
@@ -176,7 +176,7 @@ TEST(Interruption, OfAJournaledChangeLeavesTheOldBytesOrTheNew) {
           ASSERT_TRUE(files.Open(kJobPath, FileAccess::ReadWrite, file).ok());
           ASSERT_TRUE(FinishInterruptedChange(files, kJobPath, *file).ok());
           const std::string bytes = files.Bytes(kJobPath);
-          EXPECT_TRUE(bytes == new_bytes[i] || (!done && bytes == old_bytes))
+          EXPECT_TRUE(bytes == newBytes[i] || (!done && bytes == oldBytes))
               << "change " << i << " mishap " << int(mishap) << " step " << step << ": " << bytes;
           EXPECT_FALSE(HasInterruptedChange(files, kJobPath));
         }

@@ -22,13 +22,13 @@ constexpr const char* kJournalPath = "/jobs/site.crd.redo";
 
 NoteEdit Quality(const std::string& id) {
   return {.kind = NoteEdit::Kind::SetQuality,
-          .note = {.point_id = id, .lines = {}, .quality_lines = "HRMS,0.010\nSTATUS,FIXED\n"}};
+          .note = {.pointId = id, .lines = {}, .qualityLines = "HRMS,0.010\nSTATUS,FIXED\n"}};
 }
 
 bool Measure(Job& job, const std::string& id, double northing, Settling settling = Settling::Now) {
   const auto unit = JobUnit::Begin(job);
   if (!unit) return false;
-  job.current_point_id = id;
+  job.currentPointId = id;
   if (StorePoint(job, {.northing = northing}, "d", false, &unit->coordinates()) !=
       StorePointResult::Stored) {
     return false;
@@ -43,7 +43,7 @@ bool Measure(Job& job, const std::string& id, double northing, Settling settling
 bool Overtype(Job& job, const std::string& id) {
   const auto unit = JobUnit::Begin(job);
   if (!unit) return false;
-  job.current_point_id = id;
+  job.currentPointId = id;
   if (StorePoint(job, {.northing = 7.0}, "typed", false, &unit->coordinates()) !=
       StorePointResult::Stored) {
     return false;
@@ -99,7 +99,7 @@ void Prepare(TestHost& host, bool alphanumeric) {
   Job job = MakeJob(host, alphanumeric);
   for (const char* id : {"10", "20", "30", "40"}) ASSERT_TRUE(Measure(job, id, 1.0));
   ASSERT_TRUE(WriteNote(
-      job, {.point_id = "20", .lines = {"a tree"}, .quality_lines = "HRMS,0.010\nSTATUS,FIXED\n"}));
+      job, {.pointId = "20", .lines = {"a tree"}, .qualityLines = "HRMS,0.010\nSTATUS,FIXED\n"}));
   ASSERT_TRUE(CloseJob(job).ok());
   host.memory.Restart(0);
 }
@@ -217,7 +217,7 @@ TEST(JobUnit, SettlesByItselfBeforeTheJournalGrows) {
   host.memory.Restart(7);
   Job again = MakeJob(host, true);
   ASSERT_NE(OpenCoordinateFile(again), nullptr);
-  EXPECT_EQ(again.last_point_id, std::to_string(1000 + kPoints - 1));
+  EXPECT_EQ(again.lastPointId, std::to_string(1000 + kPoints - 1));
   const std::string raw = host.memory.Bytes(kRawPath);
   for (int i = 0; i < kPoints; ++i) {
     EXPECT_NE(raw.find("\n--GS,PN" + std::to_string(1000 + i)), std::string::npos);
@@ -323,9 +323,9 @@ TEST(JobUnit, IsFinishedBehindWhatSomebodyAdded) {
   ASSERT_EQ(host.memory.Bytes(kNotesPath), notes + block);
   const struct {
     std::string raw;
-    std::string finished_raw;
+    std::string finishedRaw;
     std::string notes;
-    std::string finished_notes;
+    std::string finishedNotes;
   } cases[] = {
       {raw, raw + records, notes, notes + block},
       {raw + records.substr(0, 5), raw + records, notes + block.substr(0, 9), notes + block},
@@ -342,31 +342,31 @@ TEST(JobUnit, IsFinishedBehindWhatSomebodyAdded) {
     host.memory.Put(kNotesPath, c.notes);
     Job again = MakeJob(host, true);
     ASSERT_NE(OpenCoordinateFile(again), nullptr);
-    EXPECT_EQ(host.memory.Bytes(kRawPath), c.finished_raw);
-    EXPECT_EQ(host.memory.Bytes(kNotesPath), c.finished_notes);
+    EXPECT_EQ(host.memory.Bytes(kRawPath), c.finishedRaw);
+    EXPECT_EQ(host.memory.Bytes(kNotesPath), c.finishedNotes);
   }
 }
 
 // A journal comes with the job's files from elsewhere, and may be anything.
 TEST(ChangeEntry, WritesWithinTheFileOnly) {
-  const auto is_read = [](const FileWrite& write) {
+  const auto isRead = [](const FileWrite& write) {
     const std::string bytes =
-        EncodeEntry({.change = {{.old_size = 16, .new_size = 24, .writes = {write}}}});
+        EncodeEntry({.change = {{.oldSize = 16, .newSize = 24, .writes = {write}}}});
     std::string_view rest = bytes;
     return TakeEntry(rest).has_value();
   };
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
-  EXPECT_TRUE(is_read({.offset = 16, .bytes = "0123", .repeat = 2}));
-  EXPECT_FALSE(is_read({.offset = 16, .bytes = "0123", .repeat = 3}));
-  EXPECT_FALSE(is_read({.offset = 0, .bytes = "0123", .repeat = kMost}));
-  EXPECT_FALSE(is_read({.offset = kMost - 1, .bytes = "0123"}));
+  EXPECT_TRUE(isRead({.offset = 16, .bytes = "0123", .repeat = 2}));
+  EXPECT_FALSE(isRead({.offset = 16, .bytes = "0123", .repeat = 3}));
+  EXPECT_FALSE(isRead({.offset = 0, .bytes = "0123", .repeat = kMost}));
+  EXPECT_FALSE(isRead({.offset = kMost - 1, .bytes = "0123"}));
 }
 
 using Change = std::function<void(Job&, JobUnit&)>;
 
 Change Storing(const char* id, double northing) {
   return [id, northing](Job& job, JobUnit& unit) {
-    job.current_point_id = id;
+    job.currentPointId = id;
     EXPECT_EQ(StorePoint(job, {.northing = northing}, "d", false, &unit.coordinates()),
               StorePointResult::Stored);
   };
@@ -510,14 +510,14 @@ TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
   {
     const auto unit = JobUnit::Begin(job);
-    job.current_point_id = "77";
+    job.currentPointId = "77";
     ASSERT_EQ(StorePoint(job, {.northing = 1.0}, "", false, &unit->coordinates()),
               StorePointResult::Stored);
     Point point;
     EXPECT_EQ(ReadPoint(job, "77", &unit->coordinates(), point), ReadPointResult::Found);
-    EXPECT_EQ(job.last_point_id, "77");
+    EXPECT_EQ(job.lastPointId, "77");
   }
-  EXPECT_EQ(job.last_point_id, "40");
+  EXPECT_EQ(job.lastPointId, "40");
   EXPECT_EQ(State(host), before);
 }
 
@@ -528,7 +528,7 @@ TEST(JobUnit, GivesFilesItMakesTheRightsOfTheCoordinateFile) {
   ASSERT_TRUE(Measure(job, "1", 1.0, Settling::Later));
   const std::map<std::string, std::string> expected = {
       {kRawPath, kJobPath}, {kNotesPath, kJobPath}, {kJournalPath, kJobPath}};
-  EXPECT_EQ(host.memory.rights_like, expected);
+  EXPECT_EQ(host.memory.rightsLike, expected);
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ namespace {
 StorePointResult Store(Job& job, const std::string& id, const GridPoint& at,
                        const std::string& description = "", bool check = false) {
   const auto stream = OpenCoordinateFile(job);
-  job.current_point_id = id;
+  job.currentPointId = id;
   return StorePoint(job, at, description, check, stream.get());
 }
 
@@ -42,9 +42,9 @@ TEST(NumericStore, FillsTheGapAndTellsWhatIsThere) {
   TestHost host;
   Job job = MakeJob(host, false);
   EXPECT_EQ(Store(job, "10", kAt), StorePointResult::Stored);
-  EXPECT_EQ(host.wait_cursor, "");  // 9 records are no noticeable time
+  EXPECT_EQ(host.waitCursor, "");  // 9 records are no noticeable time
   EXPECT_EQ(Store(job, "30", kAt), StorePointResult::Stored);
-  EXPECT_EQ(host.wait_cursor, "on off ");
+  EXPECT_EQ(host.waitCursor, "on off ");
   Point point;
   EXPECT_EQ(Read(job, "5", point), ReadPointResult::EmptySlot);
   EXPECT_EQ(Read(job, "31", point), ReadPointResult::AboveLast);
@@ -52,8 +52,8 @@ TEST(NumericStore, FillsTheGapAndTellsWhatIsThere) {
   EXPECT_EQ(Read(job, "x", point), ReadPointResult::NotFound);
   EXPECT_EQ(Read(job, "30", point), ReadPointResult::Found);
   EXPECT_EQ(point.id.view(), "30");
-  EXPECT_EQ(job.last_point_id, "30");
-  EXPECT_EQ(job.last_stored_point.id.view(), "30");
+  EXPECT_EQ(job.lastPointId, "30");
+  EXPECT_EQ(job.lastStoredPoint.id.view(), "30");
   for (const char* bad : {"0", "-3", "A", "", "5A", "1000000000", "1000031"}) {
     EXPECT_EQ(Store(job, bad, kAt), StorePointResult::Nothing) << bad;
   }
@@ -83,7 +83,7 @@ TEST(NumericStore, GivesAnEmptyFileItsHeader) {
   Job job = MakeJob(host, false);
   EXPECT_EQ(Store(job, "2", kAt), StorePointResult::Stored);
   EXPECT_EQ(host.memory.Bytes(kJobPath).substr(0, 56),
-            numeric_layout::EncodeHeader(2, host.standing_clock.now));
+            numeric_layout::EncodeHeader(2, host.standingClock.now));
 }
 
 TEST(NamedStore, KeepsTheOrderOfIds) {
@@ -98,7 +98,7 @@ TEST(NamedStore, KeepsTheOrderOfIds) {
   EXPECT_EQ(Read(job, " a-1", point), ReadPointResult::Found);
   EXPECT_EQ(point.id.view(), "A_1");
   EXPECT_EQ(Read(job, "2", point), ReadPointResult::Found);
-  EXPECT_EQ(job.found_record_position, 104U);
+  EXPECT_EQ(job.foundRecordPosition, 104U);
   EXPECT_EQ(Read(job, "", point), ReadPointResult::NotFound);
   EXPECT_EQ(ReadPoint(job, "2", nullptr, point), ReadPointResult::NoStream);
 }
@@ -124,14 +124,14 @@ TEST(PointStore, AsksBeforeAnExistingPoint) {
   host.answer.choice = ExistingPointAnswer::Choice::Failed;
   EXPECT_EQ(Store(job, "4", kAt, "second", true), StorePointResult::DialogFailed);
   EXPECT_EQ(host.asked, (std::vector<std::string>{"5 exists", "4 is free"}));
-  host.answer = {.choice = ExistingPointAnswer::Choice::UseOtherId, .other_id = "6"};
+  host.answer = {.choice = ExistingPointAnswer::Choice::UseOtherId, .otherId = "6"};
   EXPECT_EQ(Store(job, "5", kAt, "second", true), StorePointResult::Stored);
   EXPECT_EQ(Ids(job), (std::vector<std::string>{"5", "6"}));
-  EXPECT_EQ(job.current_point_id, "6");
+  EXPECT_EQ(job.currentPointId, "6");
   host.answer = {.choice = ExistingPointAnswer::Choice::UseNextFreeId};
   EXPECT_EQ(Store(job, "5", kAt, "third", true), StorePointResult::Stored);
-  EXPECT_EQ(job.current_point_id, "7");
-  job.current_point_id = "6";
+  EXPECT_EQ(job.currentPointId, "7");
+  job.currentPointId = "6";
   EXPECT_EQ(NextFreePointId(job, *OpenCoordinateFile(job)), "8");
   EXPECT_EQ(StorePoint(job, kAt, "", true, nullptr), StorePointResult::NoStream);
 }
@@ -147,7 +147,7 @@ TEST(PointStore, DeletesAPoint) {
       EXPECT_EQ(DeletePoint(job, id, stream.get()), DeletePointResult::NotFound);
     }
     EXPECT_EQ(Ids(job), (std::vector<std::string>{"1"}));
-    EXPECT_EQ(job.last_point_id, alphanumeric ? "1" : "3");
+    EXPECT_EQ(job.lastPointId, alphanumeric ? "1" : "3");
   }
 }
 
@@ -200,8 +200,8 @@ TEST(BulkStore, GivesTheBytesOfStoringOneAtATime) {
          {"AbZ_", "0A"}) {  // leading zeros take the other way to sort
       TestHost host;
       Job one = MakeJob(host, alphanumeric);
-      TestHost bulk_host;
-      Job bulk = MakeJob(bulk_host, alphanumeric);
+      TestHost bulkHost;
+      Job bulk = MakeJob(bulkHost, alphanumeric);
       for (int round = 0; round < 3; ++round) {
         std::vector<Point> batch(300);
         for (Point& point : batch) {
@@ -213,8 +213,8 @@ TEST(BulkStore, GivesTheBytesOfStoringOneAtATime) {
           EXPECT_EQ(Store(one, id, point.at, "line\nbreak"), StorePointResult::Stored);
         }
         ASSERT_EQ(StorePoints(bulk, batch), StorePointsResult::Stored);
-        ASSERT_EQ(bulk_host.memory.Bytes(kJobPath), host.memory.Bytes(kJobPath));
-        EXPECT_EQ(bulk.last_point_id, one.last_point_id);
+        ASSERT_EQ(bulkHost.memory.Bytes(kJobPath), host.memory.Bytes(kJobPath));
+        EXPECT_EQ(bulk.lastPointId, one.lastPointId);
       }
     }
   }
@@ -239,9 +239,9 @@ TEST(LoadingPoints, VerifiesAndTellsItsProgress) {
   std::string told;
   ASSERT_EQ(LoadAllPoints(job, points, nullptr, [&](std::string_view text) { told += text; }),
             LoadPointsResult::Loaded);
-  std::string every_hundredth;
-  for (int part = 1; part <= 100; ++part) every_hundredth += "\n" + std::to_string(part) + "%";
-  EXPECT_EQ(told, every_hundredth);
+  std::string everyHundredth;
+  for (int part = 1; part <= 100; ++part) everyHundredth += "\n" + std::to_string(part) + "%";
+  EXPECT_EQ(told, everyHundredth);
   EXPECT_EQ(LoadAllPoints(job, points, &batch), LoadPointsResult::Loaded);
   batch[7].id = PointId("x");
   EXPECT_EQ(LoadAllPoints(job, points, &batch), LoadPointsResult::Mismatch);

@@ -26,9 +26,9 @@ const Point kPoint{.at = {.northing = 5000.123456, .easting = -0.00004, .elevati
 TEST(RawFile, StartsWithItsHeader) {
   TestHost host;
   Job job = MakeJob(host, true);
-  job.scale_factor = 0.9996;
+  job.scaleFactor = 0.9996;
   job.unit = DistanceUnit::UsSurveyFeet;
-  job.azimuths_from_south = true;
+  job.azimuthsFromSouth = true;
   EXPECT_EQ(AppendRawRecord(job, StoredPointRecord(kPoint, kPoint.description.view())),
             RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath),
@@ -58,7 +58,7 @@ TEST(RawFile, IsResumedWithAStamp) {
   EXPECT_EQ(host.memory.Bytes(kRawPath), resumed + "\n--Tarvex 9\n--DT12-05-2008\n--TM14:03:09");
   host.memory.Put(kRawPath, "");  // an empty file is a new one: its header names the program once
   EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
-  EXPECT_EQ(host.memory.Bytes(kRawPath), RawHeader(job, host.standing_clock.now));
+  EXPECT_EQ(host.memory.Bytes(kRawPath), RawHeader(job, host.standingClock.now));
   host.memory.MakeReadOnly(kRawPath);
   EXPECT_EQ(AppendRawRecord(job, "\n--lost"), RawFileResult::Dropped);
 }
@@ -69,9 +69,9 @@ TEST(RawRecords, AreWrittenToTheByte) {
   EXPECT_EQ(OccupyRecord(kPoint), "\nOC,OPA1,N 5000.12346,E -0.00004,EL100.000,--IP, 1/2\" rebar");
   EXPECT_EQ(HeightsRecord(1.5, 2), "\nLS,HI1.5000,HR2.0000");
   EXPECT_EQ(RodHeightRecord(0), "\nLS,HR0.0000");
-  EXPECT_EQ(GnssRecord({.point_id = "7",
-                        .latitude_degrees = 12.0 + 29.0 / 60 + 59.99999999999 / 3600,
-                        .longitude_degrees = -97.5,
+  EXPECT_EQ(GnssRecord({.pointId = "7",
+                        .latitudeDegrees = 12.0 + 29.0 / 60 + 59.99999999999 / 3600,
+                        .longitudeDegrees = -97.5,
                         .height = 545.4,
                         .description = "two\nlines"}),
             "\nGPS,PN7,LA12.300000000000,LN-97.300000000000,EL545.400000,--two lines");
@@ -86,20 +86,20 @@ TEST(RawRecords, AreWrittenToTheByte) {
   EXPECT_EQ(ShiftParametersRecord({.dx = 1,
                                    .dy = -2,
                                    .dz = 3.5,
-                                   .rotation_x = 0.1,
-                                   .rotation_y = 0,
-                                   .rotation_z = 0,
+                                   .rotationX = 0.1,
+                                   .rotationY = 0,
+                                   .rotationZ = 0,
                                    .scale = 1}),
             "\n--dX: 1.00000000, dY: -2.00000000, dZ: 3.50000000, rotX: 0.1000000000, rotY: "
             "0.0000000000, "
             "rotZ: 0.0000000000, scale: 1.0000000000");
-  Backsight backsight{.occupied_id = "1",
-                      .backsight_id = "2",
-                      .azimuth_degrees = 200,
-                      .circle_degrees = 359 + 59.0 / 60 + 59.9996 * kSecond};
+  Backsight backsight{.occupiedId = "1",
+                      .backsightId = "2",
+                      .azimuthDegrees = 200,
+                      .circleDegrees = 359 + 59.0 / 60 + 59.9996 * kSecond};
   EXPECT_EQ(BacksightRecord(job, backsight), "\nBK,OP1,BP2,BS200.0000,BC0.0000");
-  job.azimuths_from_south = true;
-  backsight.backsight_id.clear();
+  job.azimuthsFromSouth = true;
+  backsight.backsightId.clear();
   EXPECT_EQ(BacksightRecord(job, backsight), "\nBK,OP1,BP,BS20.0000,BC0.0000");
 }
 
@@ -119,26 +119,26 @@ TEST(RawComments, TellResultsAndCommands) {
 TEST(RawShots, ChooseTheirFieldsByMode) {
   TestHost host;
   Job job = MakeJob(host, true);
-  Shot shot{.occupied_id = "1",
-            .foresight_id = "2",
+  Shot shot{.occupiedId = "1",
+            .foresightId = "2",
             .horizontal = 10.5,
             .vertical = 89.75,
             .distance = 100.25,
             .description = "TREE"};
   EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,AR10.3000,ZE89.4500,SD100.250000,--TREE");
-  shot.horizontal_mode = HorizontalMode::AngleLeft;
-  shot.vertical_mode = VerticalMode::None;
+  shot.horizontalMode = HorizontalMode::AngleLeft;
+  shot.verticalMode = VerticalMode::None;
   EXPECT_EQ(TraverseRecord(job, shot), "\nTR,OP1,FP2,AL10.3000,ZE90.0000,SD100.250000,--TREE");
-  shot.vertical_mode = VerticalMode::VerticalAngle;
+  shot.verticalMode = VerticalMode::VerticalAngle;
   shot.vertical = -0.25;
-  shot.horizontal_mode = HorizontalMode::BearingSW;
+  shot.horizontalMode = HorizontalMode::BearingSW;
   EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,BRS10.500000W,VA-0.1500,SD100.250000,--TREE");
-  shot.vertical_mode = VerticalMode::ChangeInElevation;
-  shot.horizontal_mode = HorizontalMode::Azimuth;
-  job.azimuths_from_south = true;
+  shot.verticalMode = VerticalMode::ChangeInElevation;
+  shot.horizontalMode = HorizontalMode::Azimuth;
+  job.azimuthsFromSouth = true;
   shot.horizontal = 10.0;
   EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,AZ190.0000,CE-0.250000,HD100.250000,--TREE");
-  const Reading reading{.angle_right_degrees = 180.5, .zenith_degrees = 90, .slope_distance = 12};
+  const Reading reading{.angleRightDegrees = 180.5, .zenithDegrees = 90, .slopeDistance = 12};
   EXPECT_EQ(SetReadingRecord(SetReading::ForesightReverse, "1", "2", reading, "x"),
             "\nFR,OP1,FP2,AR180.3000,ZE90.0000,SD12.000000,--x");
   EXPECT_EQ(SetReadingComment(3, false, "2", reading, "x", 1.5),
@@ -151,21 +151,21 @@ TEST(RawShots, ChooseTheirFieldsByMode) {
 TEST(TotalStation, JournalsASetupAndTheShotsThatWereStored) {
   TestHost host;
   Job job = MakeJob(host, true);
-  job.current_point_id = "1";
+  job.currentPointId = "1";
   ASSERT_EQ(StorePoint(job, kPoint.at, "BM", false, OpenCoordinateFile(job).get()),
             StorePointResult::Stored);
-  const std::size_t before = RawHeader(job, host.standing_clock.now).size();
+  const std::size_t before = RawHeader(job, host.standingClock.now).size();
   EXPECT_EQ(
       OccupyAndBacksight(
           job,
-          {.occupied_id = "1", .azimuth_degrees = 45.5, .instrument_height = 1.5, .rod_height = 2}),
+          {.occupiedId = "1", .azimuthDegrees = 45.5, .instrumentHeight = 1.5, .rodHeight = 2}),
       RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath).substr(before),
             "\nOC,OP1,N 5000.12346,E "
             "-0.00004,EL100.000,--BM\nLS,HI1.5000,HR2.0000\nBK,OP1,BP,BS45.3000,BC0.0000");
-  EXPECT_EQ(job.setup.occupied_id, "1");
-  const Shot shot{.occupied_id = "1",
-                  .foresight_id = "1",
+  EXPECT_EQ(job.setup.occupiedId, "1");
+  const Shot shot{.occupiedId = "1",
+                  .foresightId = "1",
                   .horizontal = 10,
                   .vertical = 90,
                   .distance = 5,
@@ -175,7 +175,7 @@ TEST(TotalStation, JournalsASetupAndTheShotsThatWereStored) {
   EXPECT_EQ(StoreShot(job, ShotKind::Sideshot, shot, kPoint.at, true).stored,
             StorePointResult::Cancelled);
   EXPECT_EQ(host.memory.Bytes(kRawPath), journal);  // a failed store writes nothing
-  host.answer = {.choice = ExistingPointAnswer::Choice::UseOtherId, .other_id = "2"};
+  host.answer = {.choice = ExistingPointAnswer::Choice::UseOtherId, .otherId = "2"};
   EXPECT_EQ(StoreShot(job, ShotKind::Traverse, shot, kPoint.at, true).record,
             RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath),
@@ -186,20 +186,20 @@ TEST(PointNotes, ReplaceTheBlockOfThePoint) {
   TestHost host;
   Job job = MakeJob(host, true);
   EXPECT_TRUE(WriteNote(
-      job, {.point_id = "A1", .lines = {"one\ntwo", "PT_ID:9"}, .quality_lines = "HRMS,0.010\n"}));
-  EXPECT_TRUE(WriteNote(job, {.point_id = "B", .lines = {}, .quality_lines = "HRMS,0.020\n"}));
+      job, {.pointId = "A1", .lines = {"one\ntwo", "PT_ID:9"}, .qualityLines = "HRMS,0.010\n"}));
+  EXPECT_TRUE(WriteNote(job, {.pointId = "B", .lines = {}, .qualityLines = "HRMS,0.020\n"}));
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"),
             "PT_ID:A1\nNOTE1,one\nNOTE2,two\nNOTE3,PT_ID:9\nHRMS,0.010\nPT_ID:B\nHRMS,0.020\n");
   FileStatus status;
   const auto note = ReadPointNote(job, "a1", status);
   ASSERT_TRUE(note && status.ok());
   EXPECT_EQ(note->lines, (std::vector<std::string>{"one", "two", "PT_ID:9"}));
-  EXPECT_EQ(note->quality_lines, "HRMS,0.010\n");
-  EXPECT_TRUE(WriteNote(job, {.point_id = "A1", .lines = {}, .quality_lines = "SATS,9\n"}));
+  EXPECT_EQ(note->qualityLines, "HRMS,0.010\n");
+  EXPECT_TRUE(WriteNote(job, {.pointId = "A1", .lines = {}, .qualityLines = "SATS,9\n"}));
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "PT_ID:B\nHRMS,0.020\nPT_ID:A1\nSATS,9\n");
   EXPECT_FALSE(ReadPointNote(job, "C", status));
   host.memory.Put("/jobs/site.not", "stray\nPT_ID:B\nHRMS,1");  // hand-edited, its end missing
-  EXPECT_TRUE(WriteNote(job, {.point_id = "C", .lines = {}, .quality_lines = ""}));
+  EXPECT_TRUE(WriteNote(job, {.pointId = "C", .lines = {}, .qualityLines = ""}));
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "stray\nPT_ID:B\nHRMS,1\nPT_ID:C\n");
 }
 
@@ -210,7 +210,7 @@ TEST(PointNotes, KeepTheLinesOfEveryBlockOfThePoint) {
       "HRMS,0.020\r\nSTATUS,FIXED";
   const std::string other = "PT_ID:B\r\nNOTE1,b\r\n";
   const auto edit = [](NoteEdit::Kind kind, const std::string& id, const std::string& quality) {
-    return NoteEdit{.kind = kind, .note = {.point_id = id, .lines = {}, .quality_lines = quality}};
+    return NoteEdit{.kind = kind, .note = {.pointId = id, .lines = {}, .qualityLines = quality}};
   };
   using Kind = NoteEdit::Kind;
   const std::string kept = other + "PT_ID:A1\nNOTE1,one\nNOTE2,two\n";
@@ -227,9 +227,9 @@ TEST(PointNotes, KeepTheLinesOfEveryBlockOfThePoint) {
     const auto note = ReadPointNote(job, "A1", status);
     ASSERT_TRUE(note);
     EXPECT_EQ(note->lines, (std::vector<std::string>{"one", "two"}));
-    EXPECT_EQ(note->quality_lines, "HRMS,0.020\nSTATUS,FIXED\n");
+    EXPECT_EQ(note->qualityLines, "HRMS,0.020\nSTATUS,FIXED\n");
     EXPECT_EQ(MeasuredPoints(job), std::unordered_set<std::string>{"A1"});
-    EXPECT_TRUE(EditNote(job, change.note.point_id, change));
+    EXPECT_TRUE(EditNote(job, change.note.pointId, change));
     EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), expected);
   }
 }
@@ -239,14 +239,14 @@ TEST(RawHeader, TellsTheModeOfTheJob) {
   Job job = MakeJob(host, true);
   EXPECT_FALSE(ReadRawMode(job));
   job.unit = DistanceUnit::InternationalFeet;
-  job.azimuths_from_south = true;
-  job.scale_factor = 0.9996;
+  job.azimuthsFromSouth = true;
+  job.scaleFactor = 0.9996;
   ASSERT_EQ(AppendRawRecords(job, {}), RawFileResult::Written);
   const auto mode = ReadRawMode(job);
   ASSERT_TRUE(mode);
   EXPECT_EQ(mode->unit, DistanceUnit::InternationalFeet);
-  EXPECT_EQ(mode->azimuths_from_south, true);
-  EXPECT_EQ(mode->scale_factor, 0.9996);
+  EXPECT_EQ(mode->azimuthsFromSouth, true);
+  EXPECT_EQ(mode->scaleFactor, 0.9996);
   EXPECT_FALSE(ParseRawMode("JB,NMx\nMO,AD7,UNx")->unit);
   EXPECT_FALSE(ParseRawMode("JB,NMx\n--MO,UN1"));
 }
@@ -271,7 +271,7 @@ TEST(NextId, IsTheOneBehindTheLastThatWasMeasured) {
     TestHost host;
     Job job = MakeJob(host, true);
     for (const char* id : c.points) {
-      job.current_point_id = id;
+      job.currentPointId = id;
       ASSERT_EQ(StorePoint(job, kPoint.at, "", false, OpenCoordinateFile(job).get()),
                 StorePointResult::Stored);
     }
@@ -283,7 +283,7 @@ TEST(NextId, IsTheOneBehindTheLastThatWasMeasured) {
   TestHost host;
   Job job = MakeJob(host, false);
   for (const char* id : {"5", "6", "100"}) {
-    job.current_point_id = id;
+    job.currentPointId = id;
     ASSERT_EQ(StorePoint(job, kPoint.at, "", false, OpenCoordinateFile(job).get()),
               StorePointResult::Stored);
   }

@@ -57,8 +57,8 @@ struct SlopingGeoid final : GeoidModel {
 };
 
 struct Place {
-  double latitude_deg;
-  double longitude_deg;
+  double latitudeDeg;
+  double longitudeDeg;
 };
 
 // Around a place and beyond the step's grid, with points that nothing takes among them.
@@ -67,14 +67,14 @@ std::vector<Geodetic> PositionsAround(Place place) {
   std::uniform_real_distribution<double> off(-1.4, 1.4);
   std::vector<Geodetic> positions;
   while (positions.size() < kPoints) {
-    positions.push_back({(place.latitude_deg + off(random)) * kRadiansPerDegree,
-                         (place.longitude_deg + off(random)) * kRadiansPerDegree,
+    positions.push_back({(place.latitudeDeg + off(random)) * kRadiansPerDegree,
+                         (place.longitudeDeg + off(random)) * kRadiansPerDegree,
                          100.0 * off(random)});
   }
-  positions[3].latitude_rad = std::nan("");
-  positions[256].height_m = std::numeric_limits<double>::infinity();
-  positions[257].latitude_rad = 1.7;
-  positions[300].longitude_rad += 2.0 * std::numbers::pi;
+  positions[3].latitudeRad = std::nan("");
+  positions[256].heightM = std::numeric_limits<double>::infinity();
+  positions[257].latitudeRad = 1.7;
+  positions[300].longitudeRad += 2.0 * std::numbers::pi;
   return positions;
 }
 
@@ -85,28 +85,28 @@ std::size_t ExpectSinglePointsBits(const CTrgCalculator& calculator,
   std::vector<CalculationResult> results(kPoints);
   calculator.ToGrid(positions, points, results);
   std::vector<Geodetic> back(kPoints);
-  std::vector<CalculationResult> back_results(kPoints);
-  calculator.ToWgs84(points, back, back_results);
+  std::vector<CalculationResult> backResults(kPoints);
+  calculator.ToWgs84(points, back, backResults);
   std::size_t came = 0;
   for (std::size_t i = 0; i < kPoints; ++i) {
     GridPoint point{1, 2, 3};
     EXPECT_EQ(calculator.ToGrid(positions[i], point), results[i]) << i;
     EXPECT_EQ(point, points[i]) << i;
     Geodetic position;
-    EXPECT_EQ(calculator.ToWgs84(points[i], position), back_results[i]) << i;
+    EXPECT_EQ(calculator.ToWgs84(points[i], position), backResults[i]) << i;
     EXPECT_EQ(position, back[i]) << i;
-    came += results[i] == CalculationResult::Done && back_results[i] == CalculationResult::Done;
+    came += results[i] == CalculationResult::Done && backResults[i] == CalculationResult::Done;
   }
   return came;
 }
 
 CTrgCalculator CalculatorAround(Place place, const CalculationSteps& steps) {
   ProjectionRecord record;
-  record.projection_type = static_cast<int>(ProjectionType::TransverseMercator);
-  record.semi_major_m = kBessel.semi_major_m;
+  record.projectionType = static_cast<int>(ProjectionType::TransverseMercator);
+  record.semiMajorM = kBessel.semiMajorM;
   record.flattening = kBessel.flattening;
-  record.central_meridian = std::round(place.longitude_deg);
-  record.scale_factor = 1.0;
+  record.centralMeridian = std::round(place.longitudeDeg);
+  record.scaleFactor = 1.0;
   CTrgCalculator calculator;
   calculator.SetRecord(record);
   calculator.SetSteps(steps);
@@ -123,19 +123,19 @@ TEST(DatumArrays, EveryStepGivesTheBitsOfSinglePoints) {
     std::size_t least;  // points that come through
   };
   const Case cases[] = {
-      {kMunich, {.datum_shift = SevenParameterStep("CoordSys.dll")}, 590},
-      {kMunich, {.datum_shift = SevenParameterStep("CoordSys.dll"), .geoid = BavarianGeoid()}, 300},
-      {kMunich, {.datum_shift = SevenParameterStep("CoordSys.dll"), .geoid = sloping}, 200},
-      {kMunich, {.datum_shift = SevenParameterStep("nowhere.dll")}, 0},
-      {kParis, {.datum_shift = Ntv2Step()}, 100},
-      {kParis, {.datum_shift = Ntv2Step(), .geoid = sloping}, 100},
-      {kParis, {.datum_shift = FrenchStep()}, 100},
-      {kParis, {.datum_shift = FrenchStep(), .geoid = sloping}, 100},
-      {kParis, {.datum_shift = std::make_shared<ChosenIdentity>(), .geoid = sloping}, 100},
-      {kParis, {.datum_shift = std::make_shared<MissingShift>("gone")}, 0},
+      {kMunich, {.datumShift = SevenParameterStep("CoordSys.dll")}, 590},
+      {kMunich, {.datumShift = SevenParameterStep("CoordSys.dll"), .geoid = BavarianGeoid()}, 300},
+      {kMunich, {.datumShift = SevenParameterStep("CoordSys.dll"), .geoid = sloping}, 200},
+      {kMunich, {.datumShift = SevenParameterStep("nowhere.dll")}, 0},
+      {kParis, {.datumShift = Ntv2Step()}, 100},
+      {kParis, {.datumShift = Ntv2Step(), .geoid = sloping}, 100},
+      {kParis, {.datumShift = FrenchStep()}, 100},
+      {kParis, {.datumShift = FrenchStep(), .geoid = sloping}, 100},
+      {kParis, {.datumShift = std::make_shared<ChosenIdentity>(), .geoid = sloping}, 100},
+      {kParis, {.datumShift = std::make_shared<MissingShift>("gone")}, 0},
   };
   for (const Case& one : cases) {
-    SCOPED_TRACE(one.steps.datum_shift->Describe());
+    SCOPED_TRACE(one.steps.datumShift->Describe());
     const std::size_t came =
         ExpectSinglePointsBits(CalculatorAround(one.place, one.steps), PositionsAround(one.place));
     EXPECT_GE(came, one.least);

@@ -30,8 +30,8 @@ struct ScriptedLibraries : RunTimeLibraries {
   struct Library : RunTimeLibrary {
     ScriptedLibraries& all;
     explicit Library(ScriptedLibraries& libraries) : all(libraries) {}
-    void* Find(const char* entry_name) override {
-      const auto at = all.entries.find(entry_name);
+    void* Find(const char* entryName) override {
+      const auto at = all.entries.find(entryName);
       return at == all.entries.end() ? nullptr : at->second;
     }
   };
@@ -64,12 +64,12 @@ TEST(SevenParameterShift, TheModuleComputesWhatItsInterfaceSays) {
   const Geocentric wgs84 = GeocentricFrame(kWgs84).ToGeocentric(kBerlin);
   const Geodetic expected =
       GeocentricFrame(kBessel).ToGeodetic(TranslateUnrotateScale(InverseArguments(kGerman), wgs84));
-  EXPECT_NEAR(at.latitude_rad, expected.latitude_rad, 1e-15);
-  EXPECT_NEAR(at.longitude_rad, expected.longitude_rad, 1e-15);
-  EXPECT_NEAR(at.height_m, expected.height_m, 5e-9);
+  EXPECT_NEAR(at.latitudeRad, expected.latitudeRad, 1e-15);
+  EXPECT_NEAR(at.longitudeRad, expected.longitudeRad, 1e-15);
+  EXPECT_NEAR(at.heightM, expected.heightM, 5e-9);
   ASSERT_EQ(shift.ToWgs84(at).status, StepStatus::Done);
-  EXPECT_NEAR(at.latitude_rad, kBerlin.latitude_rad, 1e-15);
-  EXPECT_NEAR(at.height_m, kBerlin.height_m, 5e-9);
+  EXPECT_NEAR(at.latitudeRad, kBerlin.latitudeRad, 1e-15);
+  EXPECT_NEAR(at.heightM, kBerlin.heightM, 5e-9);
   EXPECT_THAT(shift.Describe(), HasSubstr("598.1, 73.7, 418.2 m"));
 }
 
@@ -160,11 +160,11 @@ TEST(NadConverter, ConvertsThroughTheModule) {
     for (const CaseRow& row : ReadCases("datum/nadcon_points.tsv")) {
       Geodetic at = {row.Radians("lat_nad27"), row.Radians("lon_nad27"), 55.0};
       ASSERT_EQ(shift.ToWgs84(at).status, StepStatus::Done);
-      EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, row.Number("lat_nad83"), 1e-9);
-      EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, row.Number("lon_nad83"), 1e-9);
-      EXPECT_EQ(at.height_m, 55.0);
+      EXPECT_NEAR(at.latitudeRad * kDegreesPerRadian, row.Number("lat_nad83"), 1e-9);
+      EXPECT_NEAR(at.longitudeRad * kDegreesPerRadian, row.Number("lon_nad83"), 1e-9);
+      EXPECT_EQ(at.heightM, 55.0);
       ASSERT_EQ(shift.ToSystem(at).status, StepStatus::Done);
-      EXPECT_NEAR(at.latitude_rad, row.Radians("lat_nad27"), 1e-14);
+      EXPECT_NEAR(at.latitudeRad, row.Radians("lat_nad27"), 1e-14);
     }
     converter->Close();  // the next round loads it afresh
   }
@@ -222,9 +222,9 @@ struct Sources {
   PreparedSteps Prepare(const ProjectionRecord& record, const StepChoice& choice) {
     const StepSources sources = {
         .files = files,
-        .data_folder = "/data/",
-        .coord_sys = std::make_shared<ClosedLibrary>("CoordSys.dll", libraries),
-        .nad_converter = std::make_shared<NadConverter>(
+        .dataFolder = "/data/",
+        .coordSys = std::make_shared<ClosedLibrary>("CoordSys.dll", libraries),
+        .nadConverter = std::make_shared<NadConverter>(
             std::make_shared<ClosedLibrary>("nadconv.dll", libraries), "/data/", &messages),
         .messages = &messages};
     return PrepareSteps(record, choice, sources);
@@ -234,11 +234,11 @@ struct Sources {
 ProjectionRecord RecordOf(ProjectionType type, const char* datum, const Ellipsoid& ellipsoid,
                           double dx = 0.0) {
   ProjectionRecord record;
-  record.projection_type = static_cast<int>(type);
-  record.datum_name.Assign(datum);
-  record.semi_major_m = ellipsoid.semi_major_m;
+  record.projectionType = static_cast<int>(type);
+  record.datumName.Assign(datum);
+  record.semiMajorM = ellipsoid.semiMajorM;
   record.flattening = ellipsoid.flattening;
-  record.shift_dx = dx;
+  record.shiftDx = dx;
   return record;
 }
 
@@ -280,18 +280,18 @@ TEST(StepPreparation, ChoosesTheDatumShift) {
     const PreparedSteps made =
         sources.Prepare(RecordOf(ProjectionType::TransverseMercator, c.datum, c.ellipsoid, c.dx),
                         {.shift = c.choice, .geoid = ""});
-    ASSERT_EQ(made.steps.datum_shift != nullptr, *c.says != '\0') << c.datum << c.choice;
-    if (!made.steps.datum_shift) continue;
-    EXPECT_THAT(made.steps.datum_shift->Describe(), HasSubstr(c.says));
+    ASSERT_EQ(made.steps.datumShift != nullptr, *c.says != '\0') << c.datum << c.choice;
+    if (!made.steps.datumShift) continue;
+    EXPECT_THAT(made.steps.datumShift->Describe(), HasSubstr(c.says));
     const bool wrong = std::string_view(c.says).find("a datum shift") != std::string_view::npos ||
                        std::string_view(c.says).find("no datum shift") != std::string_view::npos ||
                        std::string_view(c.says).find("gives no") != std::string_view::npos;
-    EXPECT_EQ(!made.wrong_choice.empty(), wrong) << c.choice;
+    EXPECT_EQ(!made.wrongChoice.empty(), wrong) << c.choice;
     const bool missing = std::string_view(c.says).find("not exist") != std::string_view::npos;
     if (!missing) continue;
     EXPECT_EQ(made.problems.size(), 1U);
     Geodetic at = kBerlin;
-    EXPECT_EQ(made.steps.datum_shift->ToSystem(at).status, StepStatus::Refused);
+    EXPECT_EQ(made.steps.datumShift->ToSystem(at).status, StepStatus::Refused);
   }
 }
 
@@ -311,15 +311,15 @@ TEST(StepPreparation, KnowsWhichDatumsNeedAChoice) {
   const auto eov = ProjectionType::ObliqueMercatorEov;
   const PreparedSteps chosen =
       sources.Prepare(RecordOf(eov, "HD72", kBessel), {.shift = "TOWGS84=1,2,3", .geoid = ""});
-  EXPECT_THAT(chosen.wrong_choice, HasSubstr("shifts the datum itself"));
+  EXPECT_THAT(chosen.wrongChoice, HasSubstr("shifts the datum itself"));
   EXPECT_EQ(
-      sources.Prepare(RecordOf(eov, "HD72", kBessel), {.shift = "VITEL", .geoid = ""}).wrong_choice,
+      sources.Prepare(RecordOf(eov, "HD72", kBessel), {.shift = "VITEL", .geoid = ""}).wrongChoice,
       "");
   const PreparedSteps zeros =
       sources.Prepare(RecordOf(utm, "Some_Datum", kBessel),
-                      {.shift = "", .geoid = "", .definition_gives_shift = true});
-  ASSERT_TRUE(zeros.steps.datum_shift);
-  EXPECT_THAT(zeros.steps.datum_shift->Describe(), HasSubstr("seven parameters: 0, 0, 0 m"));
+                      {.shift = "", .geoid = "", .definitionGivesShift = true});
+  ASSERT_TRUE(zeros.steps.datumShift);
+  EXPECT_THAT(zeros.steps.datumShift->Describe(), HasSubstr("seven parameters: 0, 0, 0 m"));
 }
 
 // A shift that cannot belong to the system moves points by 100 m and more.
@@ -345,8 +345,8 @@ TEST(StepPreparation, RefusesAShiftOfAnotherCountry) {
     Sources sources;
     const PreparedSteps made = sources.Prepare(RecordOf(c.type, c.datum, c.ellipsoid, 1.0),
                                                {.shift = c.choice, .geoid = ""});
-    EXPECT_EQ(made.wrong_choice.empty(), *c.says == '\0') << c.choice << made.wrong_choice;
-    EXPECT_THAT(made.wrong_choice, HasSubstr(c.says));
+    EXPECT_EQ(made.wrongChoice.empty(), *c.says == '\0') << c.choice << made.wrongChoice;
+    EXPECT_THAT(made.wrongChoice, HasSubstr(c.says));
   }
 }
 
@@ -354,18 +354,18 @@ TEST(StepPreparation, StatePlaneZonesOf1927TakeTheConverter) {
   Sources sources;
   const ProjectionRecord zone = RecordOf(ProjectionType::LambertConformalConic27,
                                          "North American Datum 1927", kClarke1866, -8);
-  EXPECT_THAT(sources.Prepare(zone, {}).steps.datum_shift->Describe(), HasSubstr("nadconv"));
+  EXPECT_THAT(sources.Prepare(zone, {}).steps.datumShift->Describe(), HasSubstr("nadconv"));
   // The grids that are there are named; none at all is a problem that is told.
   EXPECT_EQ(sources.Prepare(zone, {}).problems.size(), 1U);
   for (const char* file : {"alaska.las", "alaska.los", "conus.las"}) {
     sources.files.Put("/data/NADConv/" + std::string(file), "");
   }
-  EXPECT_THAT(sources.Prepare(zone, {}).steps.datum_shift->Describe(),
+  EXPECT_THAT(sources.Prepare(zone, {}).steps.datumShift->Describe(),
               HasSubstr("grids alaska in /data/NADConv/"));
   EXPECT_EQ(sources.Prepare(zone, {}).problems.size(), 0U);
   const ProjectionRecord hawaii =
       RecordOf(ProjectionType::TransverseMercator27, "Old Hawaiian", kClarke1866, 61);
-  EXPECT_THAT(sources.Prepare(hawaii, {}).steps.datum_shift->Describe(), HasSubstr("seven"));
+  EXPECT_THAT(sources.Prepare(hawaii, {}).steps.datumShift->Describe(), HasSubstr("seven"));
 }
 
 TEST(StepPreparation, NamedGridsAreUsed) {
@@ -382,18 +382,18 @@ TEST(StepPreparation, NamedGridsAreUsed) {
   EXPECT_TRUE(ntv2.problems.empty());
   EXPECT_TRUE(french.problems.empty());
   // The published check point, NTF 48 50 40.2441 N, 2 25 32.4187 E.
-  const Geodetic ntf_point = {(48 + 50 / 60.0 + 40.2441 / 3600) * kRadiansPerDegree,
-                              (2 + 25 / 60.0 + 32.4187 / 3600) * kRadiansPerDegree, 0.0};
+  const Geodetic ntfPoint = {(48 + 50 / 60.0 + 40.2441 / 3600) * kRadiansPerDegree,
+                             (2 + 25 / 60.0 + 32.4187 / 3600) * kRadiansPerDegree, 0.0};
   for (const auto& steps : {ntv2.steps, french.steps}) {
-    Geodetic at = ntf_point;
-    ASSERT_EQ(steps.datum_shift->ToWgs84(at).status, StepStatus::Done);
-    EXPECT_NEAR(at.latitude_rad, (48 + 50 / 60.0 + 40.0050 / 3600) * kRadiansPerDegree, 3e-10);
-    EXPECT_NEAR(at.longitude_rad, (2 + 25 / 60.0 + 29.8960 / 3600) * kRadiansPerDegree, 3e-10);
-    ASSERT_EQ(steps.datum_shift->ToSystem(at).status, StepStatus::Done);
-    EXPECT_NEAR(at.latitude_rad, ntf_point.latitude_rad, 1e-13);
-    EXPECT_NEAR(at.longitude_rad, ntf_point.longitude_rad, 1e-13);
+    Geodetic at = ntfPoint;
+    ASSERT_EQ(steps.datumShift->ToWgs84(at).status, StepStatus::Done);
+    EXPECT_NEAR(at.latitudeRad, (48 + 50 / 60.0 + 40.0050 / 3600) * kRadiansPerDegree, 3e-10);
+    EXPECT_NEAR(at.longitudeRad, (2 + 25 / 60.0 + 29.8960 / 3600) * kRadiansPerDegree, 3e-10);
+    ASSERT_EQ(steps.datumShift->ToSystem(at).status, StepStatus::Done);
+    EXPECT_NEAR(at.latitudeRad, ntfPoint.latitudeRad, 1e-13);
+    EXPECT_NEAR(at.longitudeRad, ntfPoint.longitudeRad, 1e-13);
     at = kBerlin;
-    EXPECT_EQ(steps.datum_shift->ToSystem(at), (StepOutcome{StepStatus::Refused, 4151}));
+    EXPECT_EQ(steps.datumShift->ToSystem(at), (StepOutcome{StepStatus::Refused, 4151}));
   }
   double undulation = 0.0;
   EXPECT_EQ(
@@ -443,31 +443,31 @@ TEST(StepPreparation, CorrectsProjectedCoordinates) {
   for (const Case& c : cases) {
     const PreparedSteps made =
         sources.Prepare(RecordOf(c.type, "D", kBessel, 1.0), {.shift = c.choice, .geoid = ""});
-    ASSERT_NE(made.steps.grid_correction, nullptr);
+    ASSERT_NE(made.steps.gridCorrection, nullptr);
     GridMetres at = plane;
-    const StepOutcome outcome = made.steps.grid_correction->ToGrid(at);
+    const StepOutcome outcome = made.steps.gridCorrection->ToGrid(at);
     EXPECT_EQ(outcome.reason, c.reason);
     EXPECT_EQ(outcome.status, c.reason == 0 ? StepStatus::Done : StepStatus::LeftUndone);
     EXPECT_EQ(at, c.made);
     if (c.reason != 0) continue;
-    ASSERT_EQ(made.steps.grid_correction->ToPlane(at).status, StepStatus::Done);
-    EXPECT_NEAR(at.easting_m, plane.easting_m, 1e-7);
-    EXPECT_NEAR(at.elevation_m, plane.elevation_m, 1e-9);
+    ASSERT_EQ(made.steps.gridCorrection->ToPlane(at).status, StepStatus::Done);
+    EXPECT_NEAR(at.eastingM, plane.eastingM, 1e-7);
+    EXPECT_NEAR(at.elevationM, plane.elevationM, 1e-9);
     GridMetres far = {0, 0, 0};
-    EXPECT_EQ(made.steps.grid_correction->ToGrid(far), (StepOutcome{StepStatus::LeftUndone, 4151}));
+    EXPECT_EQ(made.steps.gridCorrection->ToGrid(far), (StepOutcome{StepStatus::LeftUndone, 4151}));
     EXPECT_EQ(far, GridMetres{});
   }
   EXPECT_EQ(
-      sources.Prepare(RecordOf(TransverseMercator, "D", kBessel, 1.0), {}).steps.grid_correction,
+      sources.Prepare(RecordOf(TransverseMercator, "D", kBessel, 1.0), {}).steps.gridCorrection,
       nullptr);
 }
 
 // 5 x 5 km from a corner with one value; a node may hold another.
-std::string SurfaceFrom(int east, const std::string& value, int marked_node = -1,
+std::string SurfaceFrom(int east, const std::string& value, int markedNode = -1,
                         const std::string& mark = "") {
   std::string text =
       std::to_string(east) + "\n200000\n" + std::to_string(east + 5000) + "\n205000\n5\n5\n";
-  for (int i = 0; i < 36; ++i) text += (i == marked_node ? mark : value) + '\n';
+  for (int i = 0; i < 36; ++i) text += (i == markedNode ? mark : value) + '\n';
   return text;
 }
 
@@ -482,18 +482,18 @@ TEST(StepPreparation, EachGridTurnsToZeroByItself) {
   };
   const std::string whole = SurfaceFrom(100000, "0.5");
   const std::string elsewhere = SurfaceFrom(300000, "0.5");
-  const std::string no_value = SurfaceFrom(100000, "0.5", 14, "-98765432.1");
-  const std::string no_value_either = SurfaceFrom(100000, "0.5", 14, "-765432.1");
+  const std::string noValue = SurfaceFrom(100000, "0.5", 14, "-98765432.1");
+  const std::string noValueEither = SurfaceFrom(100000, "0.5", 14, "-765432.1");
   const std::string marked = SurfaceFrom(100000, "0.5", 14, "999.999");
   const GridMetres plane = {202500, 102500, 10};
   const Case cases[] = {
       {whole, whole, whole, {202500.5, 102500.5, 10.5}, 0},
       {whole, whole, elsewhere, {202500.5, 102500.5, 10}, 4174},
-      {whole, no_value, whole, {202500, 102500.5, 10.5}, 4172},
-      {no_value_either, whole, whole, {202500.5, 102500, 10.5}, 4171},
-      {elsewhere, no_value, whole, {202500, 102500, 10.5}, 4173},
+      {whole, noValue, whole, {202500, 102500.5, 10.5}, 4172},
+      {noValueEither, whole, whole, {202500.5, 102500, 10.5}, 4171},
+      {elsewhere, noValue, whole, {202500, 102500, 10.5}, 4173},
       {elsewhere, elsewhere, elsewhere, plane, 4151},
-      {no_value, no_value, no_value, plane, 4152},
+      {noValue, noValue, noValue, plane, 4152},
       {whole, marked, whole, plane, 4152},
       {whole, elsewhere, marked, plane, 4152},
   };
@@ -506,14 +506,14 @@ TEST(StepPreparation, EachGridTurnsToZeroByItself) {
         sources.Prepare(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel),
                         {.shift = "VITEL", .geoid = ""});
     GridMetres at = plane;
-    const StepOutcome outcome = made.steps.grid_correction->ToGrid(at);
+    const StepOutcome outcome = made.steps.gridCorrection->ToGrid(at);
     EXPECT_EQ(outcome.reason, c.reason);
     EXPECT_EQ(outcome.status, c.reason == 0 ? StepStatus::Done : StepStatus::LeftUndone);
     EXPECT_EQ(at, c.made) << c.reason;
-    EXPECT_EQ(made.steps.grid_correction->ToPlane(at), outcome);
-    EXPECT_NEAR(at.northing_m, plane.northing_m, 1e-7);
-    EXPECT_NEAR(at.easting_m, plane.easting_m, 1e-7);
-    EXPECT_NEAR(at.elevation_m, plane.elevation_m, 1e-9);
+    EXPECT_EQ(made.steps.gridCorrection->ToPlane(at), outcome);
+    EXPECT_NEAR(at.northingM, plane.northingM, 1e-7);
+    EXPECT_NEAR(at.eastingM, plane.eastingM, 1e-7);
+    EXPECT_NEAR(at.elevationM, plane.elevationM, 1e-9);
   }
 }
 
@@ -531,14 +531,14 @@ TEST(StepPreparation, AWayBackThatDoesNotCloseIsRefused) {
   for (double easting = 102000; easting < 103000; easting += 37) {
     const GridMetres start = {202400, easting, 0};
     GridMetres at = start;
-    const StepOutcome outcome = made.steps.grid_correction->ToPlane(at);
+    const StepOutcome outcome = made.steps.gridCorrection->ToPlane(at);
     if (outcome.status == StepStatus::Refused) {
       EXPECT_EQ(outcome.reason, 4177);
       EXPECT_EQ(at, start);
       ++refused;
     } else if (outcome.status == StepStatus::Done) {
-      EXPECT_EQ(made.steps.grid_correction->ToGrid(at).status, StepStatus::Done);
-      EXPECT_NEAR(at.easting_m, easting, 1e-5);
+      EXPECT_EQ(made.steps.gridCorrection->ToGrid(at).status, StepStatus::Done);
+      EXPECT_NEAR(at.eastingM, easting, 1e-5);
     }
   }
   EXPECT_GT(refused, 0);
@@ -552,7 +552,7 @@ TEST(StepPreparation, MissingHungarianGridsAreToldOnceInTheRun) {
         sources.Prepare(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel),
                         {.shift = "VITEL", .geoid = ""});
     GridMetres at = {1, 2, 3};
-    EXPECT_EQ(made.steps.grid_correction->ToGrid(at), (StepOutcome{StepStatus::LeftUndone, 1703}));
+    EXPECT_EQ(made.steps.gridCorrection->ToGrid(at), (StepOutcome{StepStatus::LeftUndone, 1703}));
     EXPECT_EQ(at, (GridMetres{1, 2, 3}));
     EXPECT_THAT(made.problems,
                 testing::ElementsAre(HasSubstr("HungarianEOV_dNorth.grd does not exist")));
@@ -562,7 +562,7 @@ TEST(StepPreparation, MissingHungarianGridsAreToldOnceInTheRun) {
 
 TEST(StepPreparation, BritishShiftsComeFromTheTwoParts) {
   Sources sources;
-  const auto part = [](int base_mm, int above_mm) {
+  const auto part = [](int baseMm, int aboveMm) {
     std::string bytes = "OSG2";
     const auto append = [&bytes](auto value) {
       char raw[sizeof value];
@@ -573,9 +573,9 @@ TEST(StepPreparation, BritishShiftsComeFromTheTwoParts) {
     append(std::uint16_t{3});
     append(std::uint16_t{3});
     append(std::uint32_t{400'000});
-    append(std::int32_t{base_mm});
+    append(std::int32_t{baseMm});
     bytes.append(12, '\0');
-    for (int i = 0; i < 9; ++i) append(static_cast<std::uint16_t>(above_mm));
+    for (int i = 0; i < 9; ++i) append(static_cast<std::uint16_t>(aboveMm));
     return bytes;
   };
   // The worked example of the transformation's guide: ETRS89 651307.003, 313255.686 to the National
@@ -585,11 +585,11 @@ TEST(StepPreparation, BritishShiftsComeFromTheTwoParts) {
   const PreparedSteps made = sources.Prepare(
       RecordOf(ProjectionType::TransverseMercatorOstn02, "OSGB_1936", kBessel, 446), {});
   GridMetres at = {313255.686, 651307.003, 0};
-  ASSERT_EQ(made.steps.grid_correction->ToGrid(at).status, StepStatus::Done);
-  EXPECT_NEAR(at.easting_m, 651409.792, 1e-6);
-  EXPECT_NEAR(at.northing_m, 313177.448, 1e-6);
-  ASSERT_EQ(made.steps.grid_correction->ToPlane(at).status, StepStatus::Done);
-  EXPECT_NEAR(at.easting_m, 651307.003, 1e-6);
+  ASSERT_EQ(made.steps.gridCorrection->ToGrid(at).status, StepStatus::Done);
+  EXPECT_NEAR(at.eastingM, 651409.792, 1e-6);
+  EXPECT_NEAR(at.northingM, 313177.448, 1e-6);
+  ASSERT_EQ(made.steps.gridCorrection->ToPlane(at).status, StepStatus::Done);
+  EXPECT_NEAR(at.eastingM, 651307.003, 1e-6);
 }
 
 }  // namespace

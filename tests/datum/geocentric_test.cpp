@@ -12,10 +12,10 @@ namespace {
 
 // Metres on the ground for a difference of latitude and longitude.
 double Apart(const Geodetic& a, const Geodetic& b) {
-  const double north = (a.latitude_rad - b.latitude_rad) * 6.4e6;
-  const double east = std::remainder(a.longitude_rad - b.longitude_rad, 2 * M_PI) * 6.4e6 *
-                      std::cos(a.latitude_rad);
-  return std::hypot(north, east, a.height_m - b.height_m);
+  const double north = (a.latitudeRad - b.latitudeRad) * 6.4e6;
+  const double east =
+      std::remainder(a.longitudeRad - b.longitudeRad, 2 * M_PI) * 6.4e6 * std::cos(a.latitudeRad);
+  return std::hypot(north, east, a.heightM - b.heightM);
 }
 
 TEST(Geocentric, AgreesWithThePublishedGigsPoints) {
@@ -28,9 +28,9 @@ TEST(Geocentric, AgreesWithThePublishedGigsPoints) {
       EXPECT_LT(Apart(frame.ToGeodetic(xyz), position), tolerance) << row.Text("id");
     } else {
       const Geocentric made = frame.ToGeocentric(position);
-      EXPECT_NEAR(made.x_m, xyz.x_m, tolerance) << row.Text("id");
-      EXPECT_NEAR(made.y_m, xyz.y_m, tolerance) << row.Text("id");
-      EXPECT_NEAR(made.z_m, xyz.z_m, tolerance) << row.Text("id");
+      EXPECT_NEAR(made.xM, xyz.xM, tolerance) << row.Text("id");
+      EXPECT_NEAR(made.yM, xyz.yM, tolerance) << row.Text("id");
+      EXPECT_NEAR(made.zM, xyz.zM, tolerance) << row.Text("id");
     }
   }
 }
@@ -39,9 +39,9 @@ TEST(Geocentric, AgreesWithThePublishedGigsPoints) {
 // judge.
 TEST(Geocentric, ComesBackToTheStatedAccuracy) {
   struct Band {
-    double low_m;
-    double high_m;
-    double tolerance_m;
+    double lowM;
+    double highM;
+    double toleranceM;
   };
   const Band bands[] = {{-11e3, 100e3, 6e-9}, {100e3, 20'000e3, 3e-7}};
   std::mt19937_64 random(20261121);
@@ -51,9 +51,9 @@ TEST(Geocentric, ComesBackToTheStatedAccuracy) {
       for (int i = 0; i < 20'000; ++i) {
         std::uniform_real_distribution<double> unit(-1.0, 1.0);
         const Geodetic at = {unit(random) * M_PI / 2, unit(random) * M_PI,
-                             band.low_m + (band.high_m - band.low_m) * 0.5 * (unit(random) + 1)};
-        ASSERT_LT(Apart(frame.ToGeodetic(frame.ToGeocentric(at)), at), band.tolerance_m)
-            << at.latitude_rad << ' ' << at.height_m;
+                             band.lowM + (band.highM - band.lowM) * 0.5 * (unit(random) + 1)};
+        ASSERT_LT(Apart(frame.ToGeodetic(frame.ToGeocentric(at)), at), band.toleranceM)
+            << at.latitudeRad << ' ' << at.heightM;
       }
     }
   }
@@ -62,10 +62,10 @@ TEST(Geocentric, ComesBackToTheStatedAccuracy) {
 TEST(Geocentric, PolesAndEquatorAreOrdinaryPlaces) {
   const GeocentricFrame frame(kWgs84);
   const double b = 6378137.0 * (1.0 - kWgs84.flattening);
-  EXPECT_EQ(frame.ToGeodetic({0, 0, b}).latitude_rad, M_PI / 2);
-  EXPECT_NEAR(frame.ToGeodetic({0, 0, -b - 7}).height_m, 7.0, 1e-8);
-  EXPECT_EQ(frame.ToGeodetic({-6378137.0, 0, 0}).latitude_rad, 0.0);
-  EXPECT_NEAR(frame.ToGeodetic({0, 6378137.0, 0}).height_m, 0.0, 1e-8);
+  EXPECT_EQ(frame.ToGeodetic({0, 0, b}).latitudeRad, M_PI / 2);
+  EXPECT_NEAR(frame.ToGeodetic({0, 0, -b - 7}).heightM, 7.0, 1e-8);
+  EXPECT_EQ(frame.ToGeodetic({-6378137.0, 0, 0}).latitudeRad, 0.0);
+  EXPECT_NEAR(frame.ToGeodetic({0, 6378137.0, 0}).heightM, 0.0, 1e-8);
 }
 
 }  // namespace

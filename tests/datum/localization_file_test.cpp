@@ -15,13 +15,13 @@ namespace {
 
 LocalizationPoint SamplePoint() {
   return {.gnss = {48.0 * kRadiansPerDegree, -122.5 * kRadiansPerDegree, 312.25},
-          .local_x = 1000.5,
-          .local_y = 2000.25,
-          .local_z = 100.125,
+          .localX = 1000.5,
+          .localY = 2000.25,
+          .localZ = 100.125,
           .hrms = 0.012,
           .vrms = 0.02,
-          .use_horizontal = 'Y',
-          .use_vertical = 'N',
+          .useHorizontal = 'Y',
+          .useVertical = 'N',
           .description = "IRON PIN"};
 }
 
@@ -54,18 +54,18 @@ TEST(LocalizationFile, IsWrittenByteForByte) {
 
 TEST(LocalizationFile, LocalCoordinatesAreMetresInTheFile) {
   LocalizationPoint point = SamplePoint();
-  point.local_x = 3280.833333333;
+  point.localX = 3280.833333333;
   const std::string text = LocalizationText({point}, DistanceUnit::UsSurveyFeet);
   EXPECT_NE(text.find("\"Local_X\" value=\"1000.0000000000"), std::string::npos) << text;
   LocalizationFault fault;
   const auto read = ParseLocalization(text, DistanceUnit::UsSurveyFeet, fault);
   ASSERT_TRUE(read.has_value()) << fault.text;
-  EXPECT_NEAR(read->points[0]->local_x, 3280.833333333, 1e-8);
+  EXPECT_NEAR(read->points[0]->localX, 3280.833333333, 1e-8);
 }
 
 TEST(LocalizationFile, StopsAtTheFirstEmptySlotAndKnowsOnlyACapitalY) {
   LocalizationPoint point = SamplePoint();
-  point.use_horizontal = 'y';
+  point.useHorizontal = 'y';
   const std::string text =
       LocalizationText({point, std::nullopt, SamplePoint()}, DistanceUnit::Metres);
   EXPECT_NE(text.find("\"Use_Horizontal\" value=\"No\""), std::string::npos);
@@ -109,9 +109,9 @@ TEST(LocalizationFile, ReadsWhatOtherWritersMayMakeOfIt) {
   const auto read = ParseLocalization(other, DistanceUnit::Metres, fault);
   ASSERT_TRUE(read.has_value()) << fault.line << ": " << fault.text;
   ASSERT_EQ(read->points.size(), 1U);
-  EXPECT_EQ(read->points[0]->gnss.height_m, 100.0);
+  EXPECT_EQ(read->points[0]->gnss.heightM, 100.0);
   EXPECT_EQ(read->points[0]->description, "caf\xC3\xA9 \xC3\xA9 '");
-  EXPECT_EQ(read->points[0]->use_vertical, 'N');
+  EXPECT_EQ(read->points[0]->useVertical, 'N');
   ASSERT_EQ(read->settings.size(), 2U);
   EXPECT_EQ(read->settings[1], (std::pair<std::string, std::string>{"3TM", "Yes"}));
 }
@@ -215,7 +215,7 @@ TEST(LocalizationFile, IsSavedWholeOrNotAtAll) {
   LocalizationList list = {SamplePoint()};
   EXPECT_EQ(SaveLocalization(SystemFiles(), path, &list, DistanceUnit::Metres),
             SaveLocalizationResult::Saved);
-  list[0]->local_z = std::numeric_limits<double>::quiet_NaN();
+  list[0]->localZ = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(SaveLocalization(SystemFiles(), path, &list, DistanceUnit::Metres),
             SaveLocalizationResult::NothingWritten);
   EXPECT_EQ(SaveLocalization(SystemFiles(), "/nowhere/site.loc", &list, DistanceUnit::Metres),
@@ -236,8 +236,8 @@ TEST(LocalizationFile, ACrashWhileSavingLeavesTheOldFileOrTheNew) {
   const LocalizationList before = {SamplePoint()};
   LocalizationList after = before;
   after[0]->description = "MOVED";
-  const std::string old_text = LocalizationText(before, DistanceUnit::Metres);
-  const std::string new_text = LocalizationText(after, DistanceUnit::Metres);
+  const std::string oldText = LocalizationText(before, DistanceUnit::Metres);
+  const std::string newText = LocalizationText(after, DistanceUnit::Metres);
   for (const Mishap mishap : {Mishap::Fails, Mishap::DiskFull, Mishap::Killed, Mishap::PowerLoss}) {
     for (int step = 1;; ++step) {
       MemoryFiles files;
@@ -249,9 +249,9 @@ TEST(LocalizationFile, ACrashWhileSavingLeavesTheOldFileOrTheNew) {
       if (!files.happened()) break;
       files.Restart(static_cast<unsigned>(step));
       const std::string left = files.Bytes(path);
-      EXPECT_TRUE(left == old_text || left == new_text) << step;
+      EXPECT_TRUE(left == oldText || left == newText) << step;
       if (result == SaveLocalizationResult::Saved) {
-        EXPECT_EQ(left, new_text);
+        EXPECT_EQ(left, newText);
       }
       ASSERT_LT(step, 50);
     }

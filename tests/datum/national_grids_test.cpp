@@ -131,15 +131,14 @@ TEST(Gr3df97a, MeetsTheNtv2FormOfTheSameGrid) {
         {49.0, 2.8},
         {48.0 + 50 / 60.0 + 40.0050 / 3600, 2 + 25 / 60.0 + 29.8960 / 3600}}) {
     Geodetic at = {lat * kRadiansPerDegree, lon * kRadiansPerDegree, 0.0};
-    Geodetic by_ntv2 = at;
-    ASSERT_EQ(ntv2.Inverse(by_ntv2), GridShiftResult::Done);
+    Geodetic byNtv2 = at;
+    ASSERT_EQ(ntv2.Inverse(byNtv2), GridShiftResult::Done);
     Geocentric xyz = rgf93.ToGeocentric(at);
-    const auto t = grid.Translation(at.latitude_rad, at.longitude_rad);
+    const auto t = grid.Translation(at.latitudeRad, at.longitudeRad);
     ASSERT_TRUE(t.has_value());
-    const Geodetic by_translation =
-        ntf.ToGeodetic({xyz.x_m - t->x_m, xyz.y_m - t->y_m, xyz.z_m - t->z_m});
-    EXPECT_NEAR(by_translation.latitude_rad * 6.4e6, by_ntv2.latitude_rad * 6.4e6, 0.005);
-    EXPECT_NEAR(by_translation.longitude_rad * 6.4e6, by_ntv2.longitude_rad * 6.4e6, 0.005);
+    const Geodetic byTranslation = ntf.ToGeodetic({xyz.xM - t->xM, xyz.yM - t->yM, xyz.zM - t->zM});
+    EXPECT_NEAR(byTranslation.latitudeRad * 6.4e6, byNtv2.latitudeRad * 6.4e6, 0.005);
+    EXPECT_NEAR(byTranslation.longitudeRad * 6.4e6, byNtv2.longitudeRad * 6.4e6, 0.005);
   }
   EXPECT_FALSE(grid.Translation(0.9, 0.5).has_value());
 }
@@ -156,10 +155,9 @@ TEST(Gr3df97a, DamagedFilesAreNamed) {
   EXPECT_EQ(Gr3df97aGrid::Parse(FileBytes(packed + "x"), "t", grid).problem, GridProblem::TooLong);
   EXPECT_EQ(Gr3df97aGrid::Parse(FileBytes(text), "t", grid).problem, GridProblem::NotThisFormat);
 
-  const std::size_t last_line = text.rfind('\n', text.size() - 2) + 1;
-  EXPECT_EQ(PackGr3df97a(text.substr(0, last_line), "t", packed).problem, GridProblem::CutShort);
-  EXPECT_EQ(PackGr3df97a(text + text.substr(last_line), "t", packed).problem,
-            GridProblem::BadValue);
+  const std::size_t lastLine = text.rfind('\n', text.size() - 2) + 1;
+  EXPECT_EQ(PackGr3df97a(text.substr(0, lastLine), "t", packed).problem, GridProblem::CutShort);
+  EXPECT_EQ(PackGr3df97a(text + text.substr(lastLine), "t", packed).problem, GridProblem::BadValue);
   std::string code = text;
   code.replace(code.rfind("  01  "), 6, "  -1  ");
   EXPECT_EQ(PackGr3df97a(code, "t", packed).problem, GridProblem::BadValue);

@@ -16,8 +16,8 @@ Ntv2Grid LoadCut(const std::string& name) {
   return grid;
 }
 
-Geodetic At(double latitude_deg, double longitude_deg) {
-  return {latitude_deg * kRadiansPerDegree, longitude_deg * kRadiansPerDegree, 12.0};
+Geodetic At(double latitudeDeg, double longitudeDeg) {
+  return {latitudeDeg * kRadiansPerDegree, longitudeDeg * kRadiansPerDegree, 12.0};
 }
 
 // Writes NTv2 files for the cases that no public file shows.
@@ -37,7 +37,7 @@ class Ntv2Writer {
   // Degrees, east positive; shifts in seconds, that of the north growing by `slope` from node to
   // node.
   void Grid(const std::string& name, const std::string& parent, double south, double north,
-            double west, double east, double step, float shift_north, float shift_west,
+            double west, double east, double step, float shiftNorth, float shiftWest,
             float accuracy = 0.1F, float slope = 0.0F) {
     bytes += "SUB_NAME" + Padded(name) + "PARENT  " + Padded(parent) +
              "CREATED         UPDATED         ";
@@ -51,8 +51,8 @@ class Ntv2Writer {
                       static_cast<int>(std::lround((east - west) / step) + 1);
     Integer("GS_COUNT", nodes);
     for (int i = 0; i < nodes; ++i) {
-      const float north_here = shift_north + slope * static_cast<float>(i);
-      for (const float value : {north_here, shift_west, accuracy, accuracy}) Raw(value);
+      const float northHere = shiftNorth + slope * static_cast<float>(i);
+      for (const float value : {northHere, shiftWest, accuracy, accuracy}) Raw(value);
     }
   }
 
@@ -86,17 +86,17 @@ TEST(Ntv2, BothByteOrdersAgreeWithProj) {
     for (const CaseRow& row : ReadCases("datum/test_hgrid_points.tsv")) {
       Geodetic at = At(row.Number("lat_in"), row.Number("lon_in"));
       ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
-      EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, row.Number("lat_out"), 1e-9);
-      EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, row.Number("lon_out"), 1e-9);
-      EXPECT_EQ(at.height_m, 12.0);
+      EXPECT_NEAR(at.latitudeRad * kDegreesPerRadian, row.Number("lat_out"), 1e-9);
+      EXPECT_NEAR(at.longitudeRad * kDegreesPerRadian, row.Number("lon_out"), 1e-9);
+      EXPECT_EQ(at.heightM, 12.0);
     }
   }
 }
 
 TEST(Ntv2, RealGridAgreesWithProjBothWays) {
   const Ntv2Grid grid = LoadCut("paris.gsb");
-  EXPECT_EQ(grid.from_system(), "NTF");
-  EXPECT_EQ(grid.to_system(), "RGF93");
+  EXPECT_EQ(grid.fromSystem(), "NTF");
+  EXPECT_EQ(grid.toSystem(), "RGF93");
   int rows = 0;
   for (const CaseRow& row : ReadCases("datum/proj_grid_cases.tsv")) {
     if (row.Text("grid") != "paris.gsb") continue;
@@ -104,8 +104,8 @@ TEST(Ntv2, RealGridAgreesWithProjBothWays) {
     Geodetic at = At(row.Number("lat"), row.Number("lon"));
     const bool forward = row.Text("direction") == "forward";
     ASSERT_EQ(forward ? grid.Forward(at) : grid.Inverse(at), GridShiftResult::Done);
-    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, row.Number("lat_out"), 2e-11);
-    EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, row.Number("lon_out"), 2e-11);
+    EXPECT_NEAR(at.latitudeRad * kDegreesPerRadian, row.Number("lat_out"), 2e-11);
+    EXPECT_NEAR(at.longitudeRad * kDegreesPerRadian, row.Number("lon_out"), 2e-11);
   }
   EXPECT_EQ(rows, 12);
 }
@@ -123,8 +123,8 @@ TEST(Ntv2, InverseClosesEvenWhereShiftsAreSteep) {
       Geodetic at = start;
       ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
       ASSERT_EQ(grid.Inverse(at), GridShiftResult::Done);
-      EXPECT_NEAR(at.latitude_rad, start.latitude_rad, 2e-13);
-      EXPECT_NEAR(at.longitude_rad, start.longitude_rad, 2e-13);
+      EXPECT_NEAR(at.latitudeRad, start.latitudeRad, 2e-13);
+      EXPECT_NEAR(at.longitudeRad, start.longitudeRad, 2e-13);
     }
   }
 }
@@ -137,20 +137,20 @@ TEST(Ntv2, TheDensestGridThatHoldsThePointIsUsed) {
   file.Grid("OTHER", "NONE", 40, 50, 10, 20, 1, 4, 40);
   Ntv2Grid grid;
   ASSERT_TRUE(Ntv2Grid::Parse(FileBytes(file.bytes), "x.gsb", grid).ok());
-  EXPECT_EQ(grid.grid_count(), 4U);
+  EXPECT_EQ(grid.gridCount(), 4U);
   struct Case {
     double latitude;
     double longitude;
-    double seconds_north;
+    double secondsNorth;
   };
   for (const Case& c :
        {Case{41, -9, 1}, Case{44.2, -4.5, 2}, Case{44.7, -5.2, 3}, Case{45, 15, 4}}) {
     Geodetic at = At(c.latitude, c.longitude);
     ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
-    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, c.latitude + c.seconds_north / 3600, 1e-9);
-    EXPECT_NEAR(at.longitude_rad * kDegreesPerRadian, c.longitude - c.seconds_north / 360, 1e-9);
+    EXPECT_NEAR(at.latitudeRad * kDegreesPerRadian, c.latitude + c.secondsNorth / 3600, 1e-9);
+    EXPECT_NEAR(at.longitudeRad * kDegreesPerRadian, c.longitude - c.secondsNorth / 360, 1e-9);
     ASSERT_EQ(grid.Inverse(at), GridShiftResult::Done);
-    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, c.latitude, 1e-12);
+    EXPECT_NEAR(at.latitudeRad * kDegreesPerRadian, c.latitude, 1e-12);
   }
   Geodetic outside = At(45, 5);
   EXPECT_EQ(grid.Forward(outside), GridShiftResult::Outside);
@@ -180,7 +180,7 @@ TEST(Ntv2, AnEmptyNodeCountsOnlyWhereItHasAPart) {
   EXPECT_EQ(grid.Forward(beside), GridShiftResult::NoCorrection);
   Geodetic node = At(41, 1);
   ASSERT_EQ(grid.Forward(node), GridShiftResult::Done);
-  EXPECT_NEAR(node.latitude_rad * kDegreesPerRadian, 41 + 3.0 / 3600, 1e-9);
+  EXPECT_NEAR(node.latitudeRad * kDegreesPerRadian, 41 + 3.0 / 3600, 1e-9);
 }
 
 TEST(Ntv2, ArraysComeOutAsOneByOne) {
@@ -191,25 +191,25 @@ TEST(Ntv2, ArraysComeOutAsOneByOne) {
   ASSERT_TRUE(Ntv2Grid::Parse(FileBytes(nested.bytes), "x.gsb", two).ok());
   const Ntv2Grid paris = LoadCut("paris.gsb");
   for (const Ntv2Grid* grid : {static_cast<const Ntv2Grid*>(&two), &paris}) {
-    const bool is_two = grid == &two;
+    const bool isTwo = grid == &two;
     for (const bool forward : {true, false}) {
       std::vector<double> latitude;
       std::vector<double> longitude;
       for (int i = 0; i < 501; ++i) {
-        latitude.push_back((is_two ? 39.5 + 0.022 * i : 47.9 + 0.0034 * i) * kRadiansPerDegree);
-        longitude.push_back((is_two ? -10.5 + 0.0217 * i : 1.9 + 0.0024 * i) * kRadiansPerDegree);
+        latitude.push_back((isTwo ? 39.5 + 0.022 * i : 47.9 + 0.0034 * i) * kRadiansPerDegree);
+        longitude.push_back((isTwo ? -10.5 + 0.0217 * i : 1.9 + 0.0024 * i) * kRadiansPerDegree);
       }
       latitude[7] = std::nan("");
-      const std::vector<double> from_latitude = latitude;
-      const std::vector<double> from_longitude = longitude;
+      const std::vector<double> fromLatitude = latitude;
+      const std::vector<double> fromLongitude = longitude;
       const std::size_t refused =
           forward ? grid->Forward(latitude, longitude) : grid->Inverse(latitude, longitude);
       std::size_t expected = 0;
       for (std::size_t i = 0; i < latitude.size(); ++i) {
-        Geodetic at = {from_latitude[i], from_longitude[i], 0.0};
+        Geodetic at = {fromLatitude[i], fromLongitude[i], 0.0};
         if ((forward ? grid->Forward(at) : grid->Inverse(at)) == GridShiftResult::Done) {
-          EXPECT_EQ(latitude[i], at.latitude_rad);
-          EXPECT_EQ(longitude[i], at.longitude_rad);
+          EXPECT_EQ(latitude[i], at.latitudeRad);
+          EXPECT_EQ(longitude[i], at.longitudeRad);
         } else {
           EXPECT_TRUE(std::isnan(latitude[i]) && std::isnan(longitude[i]));
           ++expected;
@@ -229,9 +229,8 @@ TEST(Ntv2, EveryCutOfAFileIsNamed) {
     const GridStatus status = Ntv2Grid::Parse(FileBytes(bytes.substr(0, length)), "p.gsb", grid);
     ASSERT_EQ(status.problem, GridProblem::CutShort) << length;
   }
-  Ntv2Grid without_end;
-  EXPECT_TRUE(
-      Ntv2Grid::Parse(FileBytes(bytes.substr(0, bytes.size() - 16)), "p", without_end).ok());
+  Ntv2Grid withoutEnd;
+  EXPECT_TRUE(Ntv2Grid::Parse(FileBytes(bytes.substr(0, bytes.size() - 16)), "p", withoutEnd).ok());
 }
 
 // Every header value set to a few hostile ones: an error or a grid, never a crash.
@@ -245,8 +244,8 @@ TEST(Ntv2, HostileHeadersAreNamed) {
       const bool opened = Ntv2Grid::Parse(FileBytes(damaged), "p.gsb", grid).ok();
       Geodetic at = At(48.8, 2.4);
       if (opened) (void)grid.Inverse(at);
-      const bool is_size = record >= 15 || record == 2;
-      EXPECT_FALSE(opened && is_size) << record << ' ' << value;
+      const bool isSize = record >= 15 || record == 2;
+      EXPECT_FALSE(opened && isSize) << record << ' ' << value;
     }
   }
   Ntv2Grid grid;
@@ -281,7 +280,7 @@ TEST(Ntv2, AGridMayComeBeforeItsParent) {
   for (const auto& [latitude, seconds] : {std::pair{45.0, 2.0}, {47.0, 1.0}}) {
     Geodetic at = At(latitude, -5);
     ASSERT_EQ(grid.Forward(at), GridShiftResult::Done);
-    EXPECT_NEAR(at.latitude_rad * kDegreesPerRadian, latitude + seconds / 3600, 1e-9);
+    EXPECT_NEAR(at.latitudeRad * kDegreesPerRadian, latitude + seconds / 3600, 1e-9);
   }
 }
 
@@ -293,17 +292,17 @@ TEST(Ntv2, ReachesOverThe180thMeridian) {
   Ntv2Grid grid;
   ASSERT_EQ(Ntv2Grid::Parse(FileBytes(file.bytes), "fiji.gsb", grid).Text(), "");
   for (const double east : {175.5, 179.9, 180.0, 180.1, 181.75, 184.0, 185.0}) {
-    Geodetic as_stored = At(-17.3, east);
-    ASSERT_EQ(grid.Forward(as_stored), GridShiftResult::Done);
+    Geodetic asStored = At(-17.3, east);
+    ASSERT_EQ(grid.Forward(asStored), GridShiftResult::Done);
     for (const double turn : {-360.0, 360.0}) {
       const Geodetic start = At(-17.3, east + turn);
       Geodetic at = start;
       ASSERT_EQ(grid.Forward(at), GridShiftResult::Done) << east + turn;
-      EXPECT_NEAR(at.latitude_rad, as_stored.latitude_rad, 1e-15);
-      EXPECT_NEAR(at.longitude_rad, as_stored.longitude_rad + turn * kRadiansPerDegree, 2e-15);
+      EXPECT_NEAR(at.latitudeRad, asStored.latitudeRad, 1e-15);
+      EXPECT_NEAR(at.longitudeRad, asStored.longitudeRad + turn * kRadiansPerDegree, 2e-15);
       ASSERT_EQ(grid.Inverse(at), GridShiftResult::Done);
-      EXPECT_NEAR(at.latitude_rad, start.latitude_rad, 2e-13);
-      EXPECT_NEAR(at.longitude_rad, start.longitude_rad, 2e-13);
+      EXPECT_NEAR(at.latitudeRad, start.latitudeRad, 2e-13);
+      EXPECT_NEAR(at.longitudeRad, start.longitudeRad, 2e-13);
     }
   }
   for (const double east : {-174.0, 174.0, 0.0, 534.0}) {

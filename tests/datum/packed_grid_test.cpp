@@ -62,21 +62,21 @@ GridFileInfo InfoOf(const std::string& name) {
 TEST(GridFileInfo, SaysWhatEveryKindCovers) {
   const GridFileInfo paris = InfoOf("paris.gsb");
   EXPECT_EQ(paris.kind, GridFileKind::Ntv2);
-  EXPECT_EQ(paris.to_system, "RGF93");
+  EXPECT_EQ(paris.toSystem, "RGF93");
   ASSERT_EQ(paris.parts.size(), 1U);
   EXPECT_EQ(paris.parts[0].parent, "");
   const GridGeometry& g = paris.parts[0].geometry;  // 2 to 3 east, 48 to 49.5 north
-  EXPECT_NEAR(g.first_x(), 2.0, 1e-9);
-  EXPECT_NEAR(g.last_x(), 3.0, 1e-9);
-  EXPECT_NEAR(g.first_y(), 48.0, 1e-9);
+  EXPECT_NEAR(g.firstX(), 2.0, 1e-9);
+  EXPECT_NEAR(g.lastX(), 3.0, 1e-9);
+  EXPECT_NEAR(g.firstY(), 48.0, 1e-9);
   EXPECT_EQ(g.rows(), 16);
 
   const GridFileInfo texas = InfoOf("texas.los");
   EXPECT_EQ(texas.kind, GridFileKind::Nadcon);
-  EXPECT_EQ(texas.parts[0].geometry.last_x(), -94.0);
+  EXPECT_EQ(texas.parts[0].geometry.lastX(), -94.0);
   const GridFileInfo bavaria = InfoOf("bavaria.gtx");
   EXPECT_EQ(bavaria.kind, GridFileKind::Geoid);
-  EXPECT_NEAR(bavaria.parts[0].geometry.first_y(), 46.0, 1.0);
+  EXPECT_NEAR(bavaria.parts[0].geometry.firstY(), 46.0, 1.0);
 
   MemoryFiles files;
   std::vector<PackedFile> packed;
@@ -90,7 +90,7 @@ TEST(GridFileInfo, SaysWhatEveryKindCovers) {
   EXPECT_EQ(info.kind, GridFileKind::French);
   EXPECT_TRUE(ReadGridFileInfo(files, "/b.grd", nullptr, info).ok());
   EXPECT_EQ(info.parts[0].geometry, GridGeometry(0, 0, 1000, 1000, 3, 2));
-  EXPECT_FALSE(info.in_degrees());
+  EXPECT_FALSE(info.inDegrees());
   EXPECT_EQ(ReadGridFileInfo(files, "/c.grd", nullptr, info).problem, GridProblem::CutShort);
   EXPECT_EQ(ReadGridFileInfo(files, "/d.txt", nullptr, info).problem, GridProblem::NotThisFormat);
   EXPECT_EQ(ReadGridFileInfo(files, "/e.gsb", nullptr, info).problem, GridProblem::Missing);

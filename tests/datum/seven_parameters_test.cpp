@@ -28,9 +28,8 @@ GeocentricMap InverseMap(const SevenParameters& parameters) {
 // Metres between two positions.
 double Apart(const Geodetic& a, const Geodetic& b) {
   const double east =
-      std::remainder(a.longitude_rad - b.longitude_rad, 2 * M_PI) * std::cos(a.latitude_rad);
-  return std::hypot(6.4e6 * (a.latitude_rad - b.latitude_rad), 6.4e6 * east,
-                    a.height_m - b.height_m);
+      std::remainder(a.longitudeRad - b.longitudeRad, 2 * M_PI) * std::cos(a.latitudeRad);
+  return std::hypot(6.4e6 * (a.latitudeRad - b.latitudeRad), 6.4e6 * east, a.heightM - b.heightM);
 }
 
 TEST(SevenParameters, AgreeWithProjOnPublishedSets) {
@@ -53,7 +52,7 @@ TEST(SevenParameters, AgreeWithProjOnPublishedSets) {
 }
 
 TEST(SevenParameters, AgreeWithThePublishedGigsTranslations) {
-  const SevenParameters parameters = {.dx_m = 371, .dy_m = -112, .dz_m = 434};
+  const SevenParameters parameters = {.dxM = 371, .dyM = -112, .dzM = 434};
   for (const CaseRow& row : ReadCases("datum/gigs_datum_transformations.tsv")) {
     const Ellipsoid from = {row.Number("a_from"), 1.0 / row.Number("invf_from")};
     const Ellipsoid to = {row.Number("a_to"), 1.0 / row.Number("invf_to")};
@@ -68,21 +67,21 @@ TEST(SevenParameters, AgreeWithThePublishedGigsTranslations) {
       made = GeodeticMap(to, from, InverseMap(parameters)).Apply(end);
       expected = start;
     }
-    if (row.Text("h_from").empty()) made.height_m = expected.height_m;
+    if (row.Text("h_from").empty()) made.heightM = expected.heightM;
     EXPECT_LT(Apart(made, expected), row.Number("tol_m")) << row.Text("id");
   }
 }
 
 TEST(SevenParameters, UnitsAreSecondsAndPartsPerMillion) {
   const SevenParameterArguments forward =
-      ForwardArguments({.rx_arcsec = 3600.0, .ry_arcsec = -1.0, .scale_ppm = 20.0});
-  EXPECT_DOUBLE_EQ(forward.rx_rad, M_PI / 180.0);
-  EXPECT_DOUBLE_EQ(forward.ry_rad, -M_PI / 648000.0);
+      ForwardArguments({.rxArcsec = 3600.0, .ryArcsec = -1.0, .scalePpm = 20.0});
+  EXPECT_DOUBLE_EQ(forward.rxRad, M_PI / 180.0);
+  EXPECT_DOUBLE_EQ(forward.ryRad, -M_PI / 648000.0);
   EXPECT_DOUBLE_EQ(forward.scale, 1.00002);
   const SevenParameterArguments inverse =
-      InverseArguments({.dx_m = 5.0, .rz_arcsec = 2.0, .scale_ppm = 20.0});
-  EXPECT_EQ(inverse.dx_m, -5.0);
-  EXPECT_EQ(inverse.rz_rad, -2.0 * M_PI / 648000.0);
+      InverseArguments({.dxM = 5.0, .rzArcsec = 2.0, .scalePpm = 20.0});
+  EXPECT_EQ(inverse.dxM, -5.0);
+  EXPECT_EQ(inverse.rzRad, -2.0 * M_PI / 648000.0);
   EXPECT_EQ(inverse.scale, 1.0 / 1.00002);
 }
 
@@ -114,23 +113,23 @@ TEST(SevenParameters, ArraysComeOutAsOneByOne) {
     lon.push_back(M_PI * unit(random));
     height.push_back(1e4 * unit(random));
   }
-  std::vector<double> made_lat = lat;
-  std::vector<double> made_lon = lon;
-  std::vector<double> made_height = height;
-  map.Apply(made_lat, made_lon, made_height);
+  std::vector<double> madeLat = lat;
+  std::vector<double> madeLon = lon;
+  std::vector<double> madeHeight = height;
+  map.Apply(madeLat, madeLon, madeHeight);
   for (std::size_t i = 0; i < lat.size(); ++i) {
     const Geodetic one = map.Apply({lat[i], lon[i], height[i]});
     if (std::isnan(lat[i])) {
-      EXPECT_TRUE(std::isnan(made_lat[i]));
+      EXPECT_TRUE(std::isnan(madeLat[i]));
       continue;
     }
-    EXPECT_EQ((Geodetic{made_lat[i], made_lon[i], made_height[i]}), one) << i;
+    EXPECT_EQ((Geodetic{madeLat[i], madeLon[i], madeHeight[i]}), one) << i;
   }
 }
 
 TEST(SevenParameters, AMapThatIsNotLinearIsRefused) {
   const auto bent = [](Geocentric& p) {
-    p.x_m += 1e-12 * p.y_m * p.z_m;
+    p.xM += 1e-12 * p.yM * p.zM;
     return true;
   };
   EXPECT_FALSE(TakeGeocentricMap(bent).has_value());

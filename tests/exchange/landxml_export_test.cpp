@@ -50,8 +50,8 @@ struct Pen {
   void Draw(const Leg& leg) {
     constexpr int kSteps = 2000;
     const double step = leg.length / kSteps;
-    double to_north = 0.0;  // from the start: small numbers keep their digits
-    double to_east = 0.0;
+    double toNorth = 0.0;  // from the start: small numbers keep their digits
+    double toEast = 0.0;
     const auto direction = [&](double s) {
       return azimuth + leg.k0 * s + 0.5 * (leg.k1 - leg.k0) * s * s / leg.length;
     };
@@ -59,11 +59,11 @@ struct Pen {
       const double a = direction(i * step);
       const double b = direction((i + 0.5) * step);
       const double c = direction((i + 1) * step);
-      to_north += step / 6.0 * (std::cos(a) + 4.0 * std::cos(b) + std::cos(c));
-      to_east += step / 6.0 * (std::sin(a) + 4.0 * std::sin(b) + std::sin(c));
+      toNorth += step / 6.0 * (std::cos(a) + 4.0 * std::cos(b) + std::cos(c));
+      toEast += step / 6.0 * (std::sin(a) + 4.0 * std::sin(b) + std::sin(c));
     }
-    north += to_north;
-    east += to_east;
+    north += toNorth;
+    east += toEast;
     azimuth = direction(leg.length);
     station += leg.length;
   }
@@ -80,8 +80,8 @@ struct Pen {
 
 void SetCentre(CenterlineElement& element, const Pen& at, double k, double sweep) {
   const double across = at.azimuth + std::copysign(0.5 * std::numbers::pi, k);
-  element.center_northing = at.north + std::cos(across) / std::fabs(k);
-  element.center_easting = at.east + std::sin(across) / std::fabs(k);
+  element.centerNorthing = at.north + std::cos(across) / std::fabs(k);
+  element.centerEasting = at.east + std::sin(across) / std::fabs(k);
   element.angle = sweep;
 }
 
@@ -158,16 +158,16 @@ TEST(LandXmlExport, SpiralRecordsEndStraight) {
         Centerline centerline;
         CenterlineElement spiral = pen.KeyPoint(KeyPointKind::Spiral);
         spiral.radius = radius;
-        spiral.spiral_parameter = std::sqrt(radius * length);
+        spiral.spiralParameter = std::sqrt(radius * length);
         spiral.angle = checked % 2 == 0 ? 2.0 : -2.0;
         pen.Draw({(checked % 2 == 0 ? 1.0 : -1.0) / radius, 0.0, length});
         centerline.elements = {spiral, pen.KeyPoint(KeyPointKind::Line)};
         pen.Draw({0.0, 0.0, 50.0});
         centerline.elements.push_back(pen.KeyPoint(KeyPointKind::Line));
-        const RoadGeometry road = FromFile(centerline, {.station_decimals = decimals});
+        const RoadGeometry road = FromFile(centerline, {.stationDecimals = decimals});
         const AlignmentElement& element = road.alignment.elements().front();
         ASSERT_EQ(element.shape, ElementShape::Spiral) << radius << " " << length;
-        EXPECT_EQ(element.curvature_end, 0.0) << radius << " " << length;
+        EXPECT_EQ(element.curvatureEnd, 0.0) << radius << " " << length;
         EXPECT_THAT(FaultsOfLandXml(Exported(road)), IsEmpty());
         ++checked;
       }

@@ -229,8 +229,8 @@ class Judge {
       at.east += step / 6.0 * (std::sin(from) + 4.0 * std::sin(middle) + std::sin(to));
     }
     const Point start = PointOf(node, "Start");
-    const Point end_point = PointOf(node, "End");
-    const double miss = Between(at, {end_point.north - start.north, end_point.east - start.east});
+    const Point endPoint = PointOf(node, "End");
+    const double miss = Between(at, {endPoint.north - start.north, endPoint.east - start.east});
     if (!(miss <= kPoint)) Complain(node, "misses its End by " + std::to_string(miss));
     if (node.attribute("dirEnd")) {
       const double end = Number(node, "dirEnd") * kDegree;

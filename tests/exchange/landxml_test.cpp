@@ -35,7 +35,7 @@ RoadGeometry Geometry(const LandXmlAlignment& alignment) {
 }
 
 // Columns: element station [display] offset northing easting azimuth curvature [elevation grade].
-void ExpectStations(const std::string& xml, const std::string& table, bool display_column) {
+void ExpectStations(const std::string& xml, const std::string& table, bool displayColumn) {
   const LandXmlAlignment alignment = Import(ReadData(xml));
   const RoadGeometry road = Geometry(alignment);
   for (const AlignmentElement& element : road.alignment.elements()) EXPECT_TRUE(element.sound);
@@ -47,7 +47,7 @@ void ExpectStations(const std::string& xml, const std::string& table, bool displ
     std::vector<std::string> fields(1);
     for (const char c : *line) c == '\t' ? fields.emplace_back() : fields.back().append(1, c);
     const double station = LeadingDouble(fields[1]);
-    if (display_column) {
+    if (displayColumn) {
       // At the equation itself the table gives the back name, the road the ahead one.
       const double shown = road.equations.Displayed(station).station;
       EXPECT_NEAR(shown, station == 1400.0 ? 2000.0 : LeadingDouble(fields[2]), 1e-6);
@@ -96,8 +96,8 @@ TEST(LandXmlReader, EndsWhereTheFilesEnd) {
   for (const Case& c : cases) {
     EXPECT_EQ(ReadLandXml(ReadData(c.file)).unit, c.unit) << c.file;
     const RoadGeometry road = Geometry(Import(ReadData(c.file)));
-    EXPECT_NEAR(road.alignment.end_station(), c.station, 2e-6) << c.file;
-    const auto end = road.alignment.PointAt(road.alignment.end_station());
+    EXPECT_NEAR(road.alignment.endStation(), c.station, 2e-6) << c.file;
+    const auto end = road.alignment.PointAt(road.alignment.endStation());
     EXPECT_NEAR(end->at.northing, c.end.northing, 1e-9) << c.file;
     EXPECT_NEAR(end->at.easting, c.end.easting, 1e-9) << c.file;
   }
@@ -139,7 +139,7 @@ TEST(LandXmlWriter, RoundTripsToTheSameRoad) {
     }
     ASSERT_EQ(first.profile.has_value(), second.profile.has_value());
     if (!first.profile) continue;
-    for (double s = first.profile->start_station(); s < first.profile->end_station(); s += 7.3) {
+    for (double s = first.profile->startStation(); s < first.profile->endStation(); s += 7.3) {
       EXPECT_NEAR(first.profile->At(s)->elevation, second.profile->At(s)->elevation, 1e-7);
     }
   }
@@ -152,7 +152,7 @@ TEST(LandXmlWriter, RefusesSpiralsThatTurnToBothSides) {
   centerline.elements.resize(2);
   centerline.elements[0].record = KeyPointKind::Spiral;
   centerline.elements[0].radius = 100.0;
-  centerline.elements[0].spiral_parameter = 50.0;
+  centerline.elements[0].spiralParameter = 50.0;
   centerline.elements[0].angle = 2.0;
   centerline.elements[1].northing = end.x;
   centerline.elements[1].easting = end.y;
@@ -254,7 +254,7 @@ TEST(LandXmlReader, NeverTakesTheProfileOfAnotherAlignment) {
   const LandXmlProfileReading main = ReadLandXmlProfile(kTwoRoads, "Main");
   ASSERT_EQ(main.result, LandXmlResult::Read) << main.problem;
   EXPECT_EQ(main.profile->At(50.0)->elevation, 500.0);
-  EXPECT_EQ(main.profile_name, "M");
+  EXPECT_EQ(main.profileName, "M");
   EXPECT_THAT(main.warnings, testing::ElementsAre(HasSubstr("\"Ditch\"")));
   EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Ramp").profile->At(50.0)->elevation, 15.0);
   EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Side").result, LandXmlResult::NoAlignment);

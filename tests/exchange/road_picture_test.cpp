@@ -70,10 +70,10 @@ TEST(AlignmentPicture, LaysNoTextOnAnother) {
   const PictureMark marks[] = {{here, "R1"}, {here, "10"}, {here, "Rover 11"}};
   for (const char* file : {"cl/scs_right.cl", "cl/simple_right_eq.cl", "cl/compound_right.cl",
                            "cl/egg_sp.cl", "cl/angle_points.cl"}) {
-    const bool with_marks = std::string(file) == "cl/scs_right.cl";
+    const bool withMarks = std::string(file) == "cl/scs_right.cl";
     const std::string svg = AlignmentPicture(
         Geometry(file), file, {},
-        with_marks ? std::span<const PictureMark>(marks) : std::span<const PictureMark>());
+        withMarks ? std::span<const PictureMark>(marks) : std::span<const PictureMark>());
     const auto texts = TextsOf(svg);
     EXPECT_GT(texts.size(), 8U) << file;
     for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -82,7 +82,7 @@ TEST(AlignmentPicture, LaysNoTextOnAnother) {
             << file << ": " << texts[i].first << " on " << texts[k].first;
       }
     }
-    if (with_marks) {
+    if (withMarks) {
       EXPECT_THAT(svg,
                   testing::AllOf(HasSubstr(">R1<"), HasSubstr(">10<"), HasSubstr(">Rover 11<")));
     }

@@ -101,10 +101,10 @@ TEST(Captures, EverySentenceReadsAsAnIndependentReaderSays) {
 // What a whole log comes to when it is read as the receiver it came from.
 struct LogCase {
   std::string_view file;
-  int receiver_type;
+  int receiverType;
   PositionSentence position;
   std::size_t accepted;
-  std::size_t no_fix;
+  std::size_t noFix;
 };
 
 class CaptureLog : public testing::TestWithParam<LogCase> {};
@@ -117,25 +117,25 @@ TEST_P(CaptureLog, ReadsToItsEnd) {
                              clock, errors);
   ASSERT_EQ(port->Open(), PortError::None);
   GnssConnection connection{
-      .port = port.get(), .clock = clock, .settings = FindMake(log.receiver_type).settings};
+      .port = port.get(), .clock = clock, .settings = FindMake(log.receiverType).settings};
   connection.settings.position = log.position;
   GnssPositionState state;
   std::size_t accepted = 0;
-  std::size_t no_fix = 0;
+  std::size_t noFix = 0;
   for (int call = 0; call < 2000 && !connection.ended(); ++call) {
-    const GnssReadResult result = ReadGnssPosition(state, connection, log.receiver_type);
+    const GnssReadResult result = ReadGnssPosition(state, connection, log.receiverType);
     if (result == GnssReadResult::Accepted) ++accepted;
-    if (result == GnssReadResult::NoFix) ++no_fix;
+    if (result == GnssReadResult::NoFix) ++noFix;
   }
   EXPECT_TRUE(connection.ended());
   EXPECT_EQ(accepted, log.accepted);
-  EXPECT_EQ(no_fix, log.no_fix);
+  EXPECT_EQ(noFix, log.noFix);
 }
 
 std::string CaseName(const testing::TestParamInfo<LogCase>& info) {
   std::string name;
   for (const char c : info.param.file) name += IsDigit(c) || UpperCase(c) != LowerCase(c) ? c : '_';
-  return name + std::to_string(info.param.receiver_type) + "_" +
+  return name + std::to_string(info.param.receiverType) + "_" +
          std::to_string(static_cast<int>(info.param.position));
 }
 
@@ -175,10 +175,10 @@ TEST(Captures, EllipsoidHeightIsGgaHeightPlusSeparation) {
       continue;
     }
     if (settings.position == PositionSentence::Gga) {
-      gga[state.epoch_ms] = state.height;
+      gga[state.epochMs] = state.height;
     } else {
-      ASSERT_TRUE(gga.contains(state.epoch_ms));
-      EXPECT_NEAR(gga[state.epoch_ms], state.height, 0.0011);
+      ASSERT_TRUE(gga.contains(state.epochMs));
+      EXPECT_NEAR(gga[state.epochMs], state.height, 0.0011);
       ++compared;
       if (state.solutionType == SolutionType::Float) ++floating;
     }

@@ -92,7 +92,7 @@ TEST(RtcmFramer, FindsTheFramesOfCapturesInPiecesOfAnySize) {
       }
       EXPECT_EQ(framer.frames(), expected.frames) << expected.file << " by " << piece;
       EXPECT_EQ(messages.counts, expected.counts);
-      EXPECT_EQ(framer.skipped_bytes() + framer.waiting_bytes(), expected.skipped);
+      EXPECT_EQ(framer.skippedBytes() + framer.waitingBytes(), expected.skipped);
     }
   }
 }
@@ -106,8 +106,8 @@ TEST(RtcmFramer, GivesUpOneByteOfADamagedFrame) {
   const std::string behind(600, 'x');
   framer.Feed("\xD3" + damaged + kStationFrame + behind, messages);
   EXPECT_EQ(framer.frames(), 1U);
-  EXPECT_EQ(framer.bad_crcs(), 2U);
-  EXPECT_EQ(framer.skipped_bytes(), 1 + damaged.size() + behind.size());
+  EXPECT_EQ(framer.badCrcs(), 2U);
+  EXPECT_EQ(framer.skippedBytes(), 1 + damaged.size() + behind.size());
 }
 
 TEST(RtcmMessages, TellTheBaseStation) {
@@ -116,9 +116,9 @@ TEST(RtcmMessages, TellTheBaseStation) {
   framer.Feed(kStationFrame, messages);
   ASSERT_TRUE(messages.base.has_value());
   EXPECT_EQ(messages.base->id, 2003);
-  EXPECT_NEAR(messages.base->position.x_m, 1114104.5999, 1e-6);
-  EXPECT_NEAR(messages.base->position.y_m, -4850729.7108, 1e-6);
-  EXPECT_NEAR(messages.base->position.z_m, 3975521.4643, 1e-6);
+  EXPECT_NEAR(messages.base->position.xM, 1114104.5999, 1e-6);
+  EXPECT_NEAR(messages.base->position.yM, -4850729.7108, 1e-6);
+  EXPECT_NEAR(messages.base->position.zM, 3975521.4643, 1e-6);
   for (std::size_t length = 0; length < 19; ++length) {
     EXPECT_FALSE(ReadBaseStation(std::string_view(kStationFrame).substr(3, length)).has_value());
   }
@@ -146,13 +146,13 @@ TEST(PortSink, WritesOnWhileTheReceiverTakesSomething) {
   ASSERT_EQ(port.Open(), PortError::None);
   bool stopped = false;
   PortSink sink(port, [&stopped] { return stopped; });
-  device->write_limit = 7;
+  device->writeLimit = 7;
   const std::string bytes = Capture("rtcm3.log");
   EXPECT_TRUE(sink.Write(bytes));
   EXPECT_EQ(device->written, bytes);
-  device->write_limit = 0;
+  device->writeLimit = 0;
   EXPECT_FALSE(sink.Write(bytes)) << "nothing taken for so long is a failure";
-  device->write_limit = 7;
+  device->writeLimit = 7;
   stopped = true;
   EXPECT_FALSE(sink.Write(bytes));
   EXPECT_EQ(device->written, bytes);
@@ -197,14 +197,14 @@ TEST_F(Session, PumpsCorrectionsAndTellsWhatItHas) {
   const CorrectionStatus status = session.Status();
   EXPECT_EQ(status.state, CorrectionState::Receiving);
   EXPECT_EQ(status.bytes, kStationFrame.size() + 1);
-  EXPECT_EQ(status.bytes_to_receiver, status.bytes);
+  EXPECT_EQ(status.bytesToReceiver, status.bytes);
   EXPECT_THAT(status.messages, ElementsAre(std::pair(1005, 1U)));
   EXPECT_EQ(status.base->id, 2003);
-  EXPECT_EQ(status.ggas_sent, 1U);
+  EXPECT_EQ(status.ggasSent, 1U);
   EXPECT_THAT(caster.sent, HasSubstr("\r\n\r\n$GPGGA,123519"));
   EXPECT_EQ(CorrectionSentence(status), "Corrections flow from caster:2101, mountpoint MNT.");
   Steps(25);
-  EXPECT_EQ(session.Status().ggas_sent, 2U) << "again after ten seconds";
+  EXPECT_EQ(session.Status().ggasSent, 2U) << "again after ten seconds";
 }
 
 struct UploadCase {
@@ -218,12 +218,11 @@ struct UploadCase {
 TEST(GgaUploads, GoWhereTheTableWantsThem) {
   const std::string table = "SOURCETABLE 200 OK\r\nContent-Length: 1\r\n\r\n";
   const std::string wanting = "STR;MNT;;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;1;0;g;none;B;N;9600;\r\n";
-  const std::string not_wanting =
-      "STR;MNT;;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;0;0;g;none;B;N;9600;\r\n";
+  const std::string notWanting = "STR;MNT;;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;0;0;g;none;B;N;9600;\r\n";
   const std::string end = "ENDSOURCETABLE\r\n";
   const UploadCase cases[] = {
       {"wanted", GgaUpload::WhenWanted, table + wanting + end, true},
-      {"not wanted", GgaUpload::WhenWanted, table + not_wanting + end, false},
+      {"not wanted", GgaUpload::WhenWanted, table + notWanting + end, false},
       {"a name that a record cuts", GgaUpload::WhenWanted,
        table + "STR;MNT" + std::string(40, 'x') + ";;RTCM 3.2;;2;GPS;N;AUT;47.4;9.6;1;\r\n" + end,
        true, "MNT" + std::string(40, 'x')},
@@ -249,7 +248,7 @@ TEST(GgaUploads, GoWhereTheTableWantsThem) {
     caster.steps.emplace_back("ICY 200 OK\r\n" + kStationFrame);
     for (int i = 0; i < 3; ++i) (void)session.Step(500, progress);
     EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
-    EXPECT_EQ(session.Status().ggas_sent, upload.sent ? 1U : 0U);
+    EXPECT_EQ(session.Status().ggasSent, upload.sent ? 1U : 0U);
     EXPECT_EQ(caster.performed.size(), upload.table.empty() ? 1U : 2U);
     // A table is asked for once, not with every connection.
     caster.steps = {PortError::ReadFailed, "ICY 200 OK\r\n" + kStationFrame};
@@ -295,51 +294,51 @@ TEST_F(Wanting, ATableThatFailedIsAskedForAgain) {
     session.Retry();
     Steps(2);
     ASSERT_EQ(session.Status().state, CorrectionState::Receiving);
-    EXPECT_EQ(session.Status().ggas_sent, 0U);
+    EXPECT_EQ(session.Status().ggasSent, 0U);
   }
   caster.steps = {table + rest, "ICY 200 OK\r\n" + kStationFrame};
   session.Retry();
   Steps(2);
-  EXPECT_EQ(session.Status().ggas_sent, 1U);
+  EXPECT_EQ(session.Status().ggasSent, 1U);
 }
 
 TEST_F(Wanting, AStreamThatNoTableTellsOfAndThatIsSilentIsSentThePosition) {
   caster.steps = {PortError::ReadFailed, "ICY 200 OK\r\n"};
   Steps(8);
-  EXPECT_EQ(session.Status().ggas_sent, 0U);
+  EXPECT_EQ(session.Status().ggasSent, 0U);
   Steps(8);
-  EXPECT_EQ(session.Status().ggas_sent, 1U);
+  EXPECT_EQ(session.Status().ggasSent, 1U);
 }
 
 TEST_F(Wanting, ASlowTableDoesNotHoldTheCorrectionsUp) {
   caster.steps = {table};
-  caster.at_end = "STR;ANOTHER;\r\n";
-  const std::int64_t before_ms = clock.milliseconds;
+  caster.atEnd = "STR;ANOTHER;\r\n";
+  const std::int64_t beforeMs = clock.milliseconds;
   Steps(1);
-  EXPECT_LT(clock.milliseconds - before_ms, 80'000) << "a minute of it waits for the stream";
+  EXPECT_LT(clock.milliseconds - beforeMs, 80'000) << "a minute of it waits for the stream";
 }
 
 TEST_F(Wanting, AnOldPositionIsNotSent) {
   caster.steps = {table + rest, "ICY 200 OK\r\n" + kStationFrame};
-  caster.at_end = kStationFrame;
+  caster.atEnd = kStationFrame;
   Steps(20);
-  EXPECT_EQ(session.Status().ggas_sent, 1U);
+  EXPECT_EQ(session.Status().ggasSent, 1U);
   clock.milliseconds += 10'000;
   Steps(2);
-  EXPECT_EQ(session.Status().ggas_sent, 2U);
+  EXPECT_EQ(session.Status().ggasSent, 2U);
   clock.milliseconds += 30'000;
   Steps(2);
-  EXPECT_EQ(session.Status().ggas_sent, 2U) << "the receiver has said nothing since";
+  EXPECT_EQ(session.Status().ggasSent, 2U) << "the receiver has said nothing since";
   gga.OnLine("$GNGGA,123529,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*5A");
   Steps(2);
-  EXPECT_EQ(session.Status().ggas_sent, 3U);
+  EXPECT_EQ(session.Status().ggasSent, 3U);
 }
 
 TEST_F(Session, NoticesAMovedBase) {
   std::string moved = kStationFrame;
   caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
   Steps(2);
-  EXPECT_EQ(session.Status().base_moved_m, 0.0);
+  EXPECT_EQ(session.Status().baseMovedM, 0.0);
   moved[14] = static_cast<char>(moved[14] ^ 0x04);
   const std::uint32_t crc = Crc24qOf(std::string_view(moved).substr(0, 22));
   moved[22] = static_cast<char>(crc >> 16);
@@ -347,15 +346,15 @@ TEST_F(Session, NoticesAMovedBase) {
   moved[24] = static_cast<char>(crc);
   caster.steps = {moved};
   Steps(1);
-  EXPECT_GT(session.Status().base_moved_m, kBaseMovedAlarm);
+  EXPECT_GT(session.Status().baseMovedM, kBaseMovedAlarm);
 }
 
 TEST_F(Session, WaitsLongerAfterEachFailure) {
-  caster.open_result = PortError::OpenFailed;
+  caster.openResult = PortError::OpenFailed;
   std::vector<std::int64_t> waits;
   for (int i = 0; i < 8; ++i) {
     while (session.Status().state != CorrectionState::Waiting) Steps(1);
-    waits.push_back(session.Status().next_try_in_ms);
+    waits.push_back(session.Status().nextTryInMs);
     clock.milliseconds += waits.back();
     session.Step(500, progress);
   }
@@ -370,11 +369,11 @@ TEST_F(Session, WaitsLongerAfterEachFailure) {
 }
 
 TEST_F(Session, DoesNotHammerARefusal) {
-  caster.at_end = "HTTP/1.0 401 Unauthorized\r\n";
+  caster.atEnd = "HTTP/1.0 401 Unauthorized\r\n";
   Steps(50);
   EXPECT_EQ(caster.performed.size(), 1U);
   EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("does not accept the user"));
-  caster.at_end = PortError::FewerBytesRead;
+  caster.atEnd = PortError::FewerBytesRead;
   caster.steps = {"ICY 200 OK\r\n", kStationFrame};
   session.Retry();
   Steps(2);
@@ -388,15 +387,15 @@ TEST_F(Session, TriesAgainWhatHasWorkedBefore) {
     Steps(3);
     ASSERT_EQ(session.Status().state, CorrectionState::Waiting);
     caster.steps = {refusal};
-    clock.milliseconds += session.Status().next_try_in_ms;
+    clock.milliseconds += session.Status().nextTryInMs;
     Steps(1);
     EXPECT_EQ(session.Status().state, CorrectionState::Waiting) << refusal;
     EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("The next try is in"));
     EXPECT_THAT(CorrectionVerdict(session.Status()),
                 HasSubstr("caster:2101, mountpoint MNT, broke"));
-    EXPECT_GE(session.Status().next_try_in_ms, 10'000);
+    EXPECT_GE(session.Status().nextTryInMs, 10'000);
     caster.steps = {"ICY 200 OK\r\n", kStationFrame};
-    clock.milliseconds += session.Status().next_try_in_ms;
+    clock.milliseconds += session.Status().nextTryInMs;
     Steps(2);
     EXPECT_EQ(session.Status().state, CorrectionState::Receiving);
     EXPECT_EQ(CorrectionVerdict(session.Status()), "");
@@ -413,21 +412,21 @@ TEST_F(Session, CountsOverItsConnections) {
     session.Retry();
     Steps(3);
   }
-  EXPECT_EQ(session.Status().bad_crcs, 4U) << "the damaged frame holds the start of another";
+  EXPECT_EQ(session.Status().badCrcs, 4U) << "the damaged frame holds the start of another";
   EXPECT_EQ(session.Status().frames, 2U);
   EXPECT_EQ(session.Status().connections, 2U);
 }
 
 TEST_F(Session, SaysInTheEndWhyNothingCame) {
-  caster.at_end = "HTTP/1.0 401 Unauthorized\r\n";
+  caster.atEnd = "HTTP/1.0 401 Unauthorized\r\n";
   Steps(3);
   session.Stop();
-  EXPECT_TRUE(session.Status().nothing_came());
+  EXPECT_TRUE(session.Status().nothingCame());
   EXPECT_EQ(
       CorrectionVerdict(session.Status()),
       "caster:2101, mountpoint MNT, sent no corrections: The caster does not accept this user "
       "and password.");
-  caster.at_end = PortError::FewerBytesRead;
+  caster.atEnd = PortError::FewerBytesRead;
   caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
   session.Retry();
   Steps(2);
@@ -465,13 +464,13 @@ TEST_F(Session, TellsAReceiverThatDoesNotTakeThem) {
   EXPECT_EQ(session.Status().state, CorrectionState::ReceiverFailed);
   sink.works = true;
   caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
-  clock.milliseconds += session.Status().next_try_in_ms;
+  clock.milliseconds += session.Status().nextTryInMs;
   Steps(2);
   EXPECT_EQ(session.Status().state, CorrectionState::Receiving) << "it was only busy";
 }
 
 CasterContent Content(const std::string& data, std::uint32_t rate) {
-  CasterContent content{.user = "u", .password = "secret", .data = data, .bytes_per_second = rate};
+  CasterContent content{.user = "u", .password = "secret", .data = data, .bytesPerSecond = rate};
   content.stream.mountpoint.Assign("MNT");
   content.stream.nmea = true;
   content.stream.format.Assign("RTCM 3.2");
@@ -495,7 +494,7 @@ class Field : public testing::Test {
                        .user = "u",
                        .password = "secret"},
             .mountpoint = mountpoint,
-            .gga_interval_ms = 50};
+            .ggaIntervalMs = 50};
   }
 
   LastErrorRecord errors;
@@ -528,8 +527,8 @@ TEST_F(Field, CorrectionsFlowWhileTheReceiverIsRead) {
     EXPECT_EQ(port.Read(bytes, 0), PortError::None);
   }
   const CorrectionStatus status = session.Status();
-  EXPECT_EQ(status.bad_crcs, 0U);
-  EXPECT_EQ(status.bytes_to_receiver, device->written.size());
+  EXPECT_EQ(status.badCrcs, 0U);
+  EXPECT_EQ(status.bytesToReceiver, device->written.size());
   EXPECT_TRUE(device->written.starts_with(Capture("rtcm3.bndm.log"))) << "no byte lost";
   EXPECT_THAT(uploads.front(), HasSubstr("$GPGGA,123519"));
 }
@@ -553,7 +552,7 @@ TEST_F(Field, AReceiverThatTakesNothingHoldsNobodyUp) {
     // What the two sockets hold is taken, nothing behind it.
     std::uint64_t taken = 0;
     EXPECT_TRUE(Eventually([&] {
-      const std::uint64_t last = std::exchange(taken, session.Status().bytes_to_receiver);
+      const std::uint64_t last = std::exchange(taken, session.Status().bytesToReceiver);
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
       return taken > 0 && taken == last;
     }));
@@ -569,7 +568,7 @@ TEST_F(Field, AWrongMountpointIsToldWithOneThatExists) {
   const auto connection = MakeTcpNtripConnection(errors);
   CorrectionSession session(PlanFor(caster, "MNY"), *connection, surroundings);
   const CorrectionThread thread(session);
-  EXPECT_TRUE(Eventually([&] { return !session.Status().most_alike.empty(); }));
+  EXPECT_TRUE(Eventually([&] { return !session.Status().mostAlike.empty(); }));
   EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("it has MNT."));
 }
 

@@ -63,7 +63,7 @@ TEST_F(Drivers, ExchangeDataThroughTheirProtocol) {
 }
 
 TEST_F(Drivers, AskARadioForItsRate) {
-  const RadioModule module{.air_baud_query = "ATI?"};
+  const RadioModule module{.airBaudQuery = "ATI?"};
   Protocol protocol(*FindProtocol("SimpleProtocol"));
   RadioDriver radio(errors);
   JavadUHFRadio javad(errors);

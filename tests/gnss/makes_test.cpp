@@ -47,14 +47,14 @@ TEST(BestposLog, GivesPositionPrecisionAndType) {
   EXPECT_DOUBLE_EQ(state.latitude, 51.07899643518);
   EXPECT_DOUBLE_EQ(state.longitude, -114.13251416136);
   EXPECT_DOUBLE_EQ(state.height, 1114.2977);
-  EXPECT_DOUBLE_EQ(bestpos.undulation_m, -16.6);
+  EXPECT_DOUBLE_EQ(bestpos.undulationM, -16.6);
   EXPECT_EQ(bestpos.datum.view(), "WGS84");
   EXPECT_NEAR(state.hrms, 0.009683, 1e-6);
   EXPECT_DOUBLE_EQ(state.vrms, 0.0141);
   EXPECT_DOUBLE_EQ(state.correctionAge, 1.0);
   EXPECT_EQ(state.satellites, 31);
   EXPECT_EQ(state.solutionType, SolutionType::Fixed);
-  EXPECT_EQ(state.epoch_ms, (603797 % 86400) * 1000);
+  EXPECT_EQ(state.epochMs, (603797 % 86400) * 1000);
 }
 
 TEST(BestposLog, MapsTypesAndCuts) {
@@ -100,8 +100,8 @@ TEST_F(NovAtel, AsksAndTakesAnEllipsoidHeight) {
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\n");
   EXPECT_DOUBLE_EQ(state.height, 1114.2977);
   EXPECT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted);
-  EXPECT_EQ(clock.slept_ms, 400) << "requests are at least 400 ms apart";
-  EXPECT_TRUE(state.repeated_epoch);
+  EXPECT_EQ(clock.sleptMs, 400) << "requests are at least 400 ms apart";
+  EXPECT_TRUE(state.repeatedEpoch);
 }
 
 TEST_F(NovAtel, SwitchesAnUndulationOff) {
@@ -109,7 +109,7 @@ TEST_F(NovAtel, SwitchesAnUndulationOff) {
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\nUNDULATION 0.0\r\n");
   EXPECT_EQ(ResultSentence(GnssReadResult::InvalidData, connection),
             "The receiver was set to send heights above the ellipsoid; read again.");
-  connection.settings.zero_undulation = false;
+  connection.settings.zeroUndulation = false;
   EXPECT_EQ(Read(std::string(kFixed)), GnssReadResult::Accepted);
   EXPECT_NEAR(state.height, 1097.6977, 1e-9);
 }
@@ -119,7 +119,7 @@ TEST_F(NovAtel, SetsItsDatumBack) {
   log.replace(log.find("WGS84"), 5, "NAD27");
   EXPECT_EQ(Read(log), GnssReadResult::DatumReset);
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\nDATUM WGS84\r\nSAVECONFIG\r\n");
-  connection.settings.omnistar_user_datum = true;
+  connection.settings.omnistarUserDatum = true;
   log = With("-16.6000", "0.0000");
   log.replace(log.find("NARROW_INT"), 10, "OMNISTAR_HP");
   EXPECT_EQ(Read(log), GnssReadResult::DatumReset);
@@ -133,7 +133,7 @@ TEST_F(NovAtel, SetsItsDatumBack) {
 TEST_F(NovAtel, NamesWhatIsMissing) {
   EXPECT_EQ(Read(std::string(kNoObservations)), GnssReadResult::NoFix);
   EXPECT_EQ(Read(""), GnssReadResult::NoPositionSentence);
-  device->write_limit = 3;
+  device->writeLimit = 3;
   EXPECT_EQ(Read(std::string(kFixed)), GnssReadResult::PortReadFailed);
 }
 
@@ -163,10 +163,10 @@ TEST_F(NovAtel, AsksForTheDopsOfEachPosition) {
   ASSERT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted);
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\nLOG THISPORT PSRDOPA ONCE\r\n");
   EXPECT_DOUBLE_EQ(state.pdop, 10.221);
-  EXPECT_FALSE(state.dop_carried_over);
+  EXPECT_FALSE(state.dopCarriedOver);
   EXPECT_EQ(state.lastResult, 1);
   ASSERT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted) << "no answer this time";
-  EXPECT_TRUE(state.dop_carried_over);
+  EXPECT_TRUE(state.dopCarriedOver);
   ASSERT_EQ(Read(With("-16.6000", "0.0000")), GnssReadResult::Accepted);
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\n") << "left alone for a while";
   clock.milliseconds += 10'000;
@@ -175,7 +175,7 @@ TEST_F(NovAtel, AsksForTheDopsOfEachPosition) {
 }
 
 TEST_F(NovAtel, DoesNotTakeALateAnswerForTheNextOne) {
-  device->purge_drops = true;
+  device->purgeDrops = true;
   device->input = With("-16.6000,WGS84", "0.0000,WGS84") + "\r\n";
   device->replies = {{"BESTPOSA", With("51.07899643518,-114.13251416136,1114.2977,-16.6000",
                                        "51.5,-114.5,1000.0,0.0000") +
@@ -209,7 +209,7 @@ TEST_F(Ashtech, AnswersWithAPosition) {
   EXPECT_EQ(state.satellites, 3);
   EXPECT_EQ(state.solutionType, SolutionType::Autonomous);
   EXPECT_DOUBLE_EQ(state.pdop, 3.6) << "the empty field collapses";
-  connection.settings.ashtech_model = 6;
+  connection.settings.ashtechModel = 6;
   EXPECT_EQ(Read(std::string(kPos) + "\r\n"), GnssReadResult::Accepted);
   EXPECT_EQ(state.solutionType, SolutionType::Dgps);
   EXPECT_DOUBLE_EQ(state.pdop, 1.7);
@@ -232,8 +232,8 @@ TEST_F(Ashtech, NamesWhatIsMissing) {
 }
 
 TEST_F(Ashtech, SwitchesGgaOnAndOff) {
-  connection.settings.ashtech_model = 1;
-  connection.settings.ashtech_port = 'B';
+  connection.settings.ashtechModel = 1;
+  connection.settings.ashtechPort = 'B';
   const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,W,2,08,0.9,100.0,F,10.0,F,4,5\r\n";
   connection.settings.unit = DistanceUnit::UsSurveyFeet;
   EXPECT_EQ(Read("$GPZDA,1\r\nnoise" + gga), GnssReadResult::Accepted);
@@ -254,7 +254,7 @@ TEST_F(Ashtech, AsksForTheDopsThatDoNotComeWithAPosition) {
   connection.settings = FindMake(kMakeAshtech).settings;
   ASSERT_EQ(Read(std::string(kPosSouth) + "\r\n"), GnssReadResult::Accepted);
   EXPECT_EQ(device->written, "$PASHQ,POS,A\r\n") << "they came with it";
-  connection.settings.ashtech_model = 1;
+  connection.settings.ashtechModel = 1;
   device->replies = {{"PBN", "$PASHR,PBN,1,2,3,4,5,6,7,8,9,10,11,12,2.1,1.2,1.7,0.9\r\n"}};
   ASSERT_EQ(Read("$GPGGA,123519,4807.038,N,01131.000,W,2,08,0.9,100.0,M,10.0,M,4,5\r\n"),
             GnssReadResult::Accepted);
@@ -266,7 +266,7 @@ TEST_F(Ashtech, AsksForTheDopsThatDoNotComeWithAPosition) {
 TEST(BinaryPosition, IsCheckedForItsRange) {
   GnssPositionState state;
   EXPECT_EQ(
-      TakeBinaryPosition({.latitude_rad = 0.84, .longitude_rad = -1.99, .height_m = 100.0}, state),
+      TakeBinaryPosition({.latitudeRad = 0.84, .longitudeRad = -1.99, .heightM = 100.0}, state),
       GnssReadResult::Accepted);
   EXPECT_DOUBLE_EQ(state.latitude, 0.84 * 57.29577951308232);
   const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -39,13 +39,13 @@ TEST(NtripRequest, IsOneTextWithItsLogin) {
 
 class CountingProgress final : public NtripProgress {
  public:
-  int Progress(int value, int /*minimum*/, int /*elapsed_s*/) override {
+  int Progress(int value, int /*minimum*/, int /*elapsedS*/) override {
     values.push_back(value);
-    return static_cast<int>(values.size()) > cancel_after ? 1 : 0;
+    return static_cast<int>(values.size()) > cancelAfter ? 1 : 0;
   }
   void Status(std::string_view text) override { statuses.emplace_back(text); }
 
-  int cancel_after = 1'000'000;
+  int cancelAfter = 1'000'000;
   std::vector<int> values;
   std::vector<std::string> statuses;
 };
@@ -100,7 +100,7 @@ TEST_F(Client, KeepsTheBytesBehindTheAnswer) {
 TEST_F(Client, AsksTwiceTheTimeForTheFirstAnswer) {
   caster.steps = {PortError::FewerBytesRead};
   EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::FirstReceiveFailed);
-  EXPECT_THAT(caster.receive_timeouts, ElementsAre(4000));
+  EXPECT_THAT(caster.receiveTimeouts, ElementsAre(4000));
   EXPECT_EQ(errors.Get().code, 40);
 }
 
@@ -134,7 +134,7 @@ TEST_F(Client, NamesEveryRefusal) {
       {"no caster at all", PortError::ReadFailed}};
   for (const auto& [reply, error] : cases) {
     caster.steps = {reply};
-    caster.at_end = PortError::ReadFailed;
+    caster.atEnd = PortError::ReadFailed;
     EXPECT_EQ(client.OpenStream("MNT", "", "", progress), error) << reply;
   }
   for (const char* const mark : {"SOURCETABLE 200 OK", "401 Unauthorized", "DISCONNECT"}) {
@@ -152,7 +152,7 @@ TEST_F(Client, NamesEveryRefusal) {
 TEST_F(Client, OpensAStreamThatWaitsForThePosition) {
   for (const std::string type : {"", "Content-Type: gnss/data\r\n"}) {
     caster.steps = {"HTTP/1.1 200 OK\r\n" + type + "\r\n"};
-    caster.at_end = PortError::FewerBytesRead;
+    caster.atEnd = PortError::FewerBytesRead;
     EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::None) << type;
   }
 }
@@ -169,7 +169,7 @@ TEST_F(Client, SaysWhatACasterAnswered) {
   EXPECT_EQ(client.ConnectMountpoint({.host = FixedText<128>("h")}, "MNT", progress),
             PortError::MountpointNotConnected);
   EXPECT_EQ(client.cause(), PortError::CasterRefused);
-  EXPECT_EQ(client.cause_detail(), "HTTP/1.1 503 Full [2J  up") << "nothing for a terminal to obey";
+  EXPECT_EQ(client.causeDetail(), "HTTP/1.1 503 Full [2J  up") << "nothing for a terminal to obey";
 }
 
 // Data with everything in it that a head or a chunk could be mistaken for.
@@ -227,10 +227,10 @@ TEST_F(Client, EndsAChunkedStreamThatIsDamagedOrOver) {
 
 TEST_F(Client, HeadsWithoutEndAreBounded) {
   caster.steps = {"HTTP/1.1 200 OK\r\n"};
-  caster.at_end = "X-Header: " + std::string(1000, 'x') + "\r\n";
+  caster.atEnd = "X-Header: " + std::string(1000, 'x') + "\r\n";
   EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::NoAnswer);
   caster.steps = {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"};
-  caster.at_end = std::string(64, '1');
+  caster.atEnd = std::string(64, '1');
   ASSERT_EQ(client.OpenStream("MNT", "", "", progress), PortError::None);
   std::string bytes;
   for (int i = 0; i < 20 && bytes.empty(); ++i) bytes = NextBytes();
@@ -239,12 +239,12 @@ TEST_F(Client, HeadsWithoutEndAreBounded) {
 
 TEST_F(Client, GivesUpAfterAMinuteAndWhenCancelled) {
   caster.steps = {"garbage"};
-  caster.at_end = std::string(1000, 'x');
+  caster.atEnd = std::string(1000, 'x');
   EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::NoAnswer);
   EXPECT_GE(progress.values.front(), 25);
   EXPECT_EQ(progress.values.back(), 25 + 60);
   progress.values.clear();
-  progress.cancel_after = 2;
+  progress.cancelAfter = 2;
   EXPECT_EQ(client.OpenStream("MNT", "", "", progress), PortError::Cancelled);
 }
 
@@ -341,19 +341,19 @@ TEST_F(Client, NamesWhatHindersATable) {
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::ReadFailed);
   caster.steps = {"x"};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NoAnswer);
-  progress.cancel_after = static_cast<int>(progress.values.size());
+  progress.cancelAfter = static_cast<int>(progress.values.size());
   caster.steps = {kHeader + kRows};
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::Cancelled);
-  progress.cancel_after = 1'000'000;
+  progress.cancelAfter = 1'000'000;
   caster.steps.clear();
   caster.steps = {"ICY 200 OK\r\nContent-Length: 0\r\n\r\n"};
-  caster.at_end = "x";
-  const std::int64_t before_ms = clock.milliseconds;
+  caster.atEnd = "x";
+  const std::int64_t beforeMs = clock.milliseconds;
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::NoAnswer)
       << "corrections instead of a table";
-  EXPECT_LT(clock.milliseconds - before_ms, 70'000);
+  EXPECT_LT(clock.milliseconds - beforeMs, 70'000);
   caster.steps.clear();
-  caster.at_end = "STR;" + std::string(1000, 'x') + "\n";
+  caster.atEnd = "STR;" + std::string(1000, 'x') + "\n";
   EXPECT_EQ(client.FetchSourceTable("table.txt", progress), PortError::TableTooLarge)
       << "a table without end";
 }
@@ -367,11 +367,11 @@ TEST_F(Client, LoadsBases) {
   ASSERT_EQ(list.streams.size(), 2U);
   EXPECT_THAT(progress.statuses,
               ElementsAre("Connecting to broadcaster", "Connecting to Server", "Loading bases"));
-  EXPECT_EQ(list.streams[1].format_code, 15);
+  EXPECT_EQ(list.streams[1].formatCode, 15);
   EXPECT_THAT(list.MostAlike("tow", 1), ElementsAre("TWO"));
   EXPECT_NEAR(DistanceKm(list.streams[0], 47.4, 9.6), 0.0, 1e-9);
   EXPECT_NEAR(DistanceKm(list.streams[0], 48.4, 9.6), 111.19, 0.1);
-  caster.open_result = PortError::OpenFailed;
+  caster.openResult = PortError::OpenFailed;
   EXPECT_EQ(client.LoadBases(list, progress), PortError::BasesNotLoaded);
   EXPECT_EQ(client.cause(), PortError::CasterNotOpened);
   EXPECT_EQ(errors.Get().code, 367);
@@ -408,7 +408,7 @@ TEST(Records, AreReadAndWritten) {
                               "-9.60;1;1;GNSMART;none;B;Y;9600;misc;a;b;c;1\r\n",
                               RecordOrigin::Caster, stream, errors),
             PortError::None);
-  EXPECT_EQ(stream.format_code, 39);
+  EXPECT_EQ(stream.formatCode, 39);
   EXPECT_EQ(stream.carrier, 2);
   EXPECT_TRUE(stream.nmea && stream.solution && stream.fee && stream.flag);
   EXPECT_EQ(stream.authentication, 'B');
@@ -435,7 +435,7 @@ TEST(Records, AreReadAndWritten) {
   ASSERT_EQ(ParseCasterRecord("CAS;host;2101;Id;Op;1;DEU;50.1;8.6;fall;2102;t1;t2;1",
                               RecordOrigin::Caster, caster, errors),
             PortError::None);
-  EXPECT_TRUE(caster.fallback_port.empty() && !caster.flag);
+  EXPECT_TRUE(caster.fallbackPort.empty() && !caster.flag);
   EXPECT_EQ(ParseCasterRecord("CAS;host;;Id", RecordOrigin::Caster, caster, errors),
             PortError::NoHostOrPort);
   EXPECT_EQ(errors.Get().code, 39);

@@ -52,7 +52,7 @@ TEST_F(ScriptedPort, FailsWhenClosed) {
 }
 
 TEST_F(ScriptedPort, OpeningReportsTheSystemsMessageFirst) {
-  device->open_status = {ENOENT};
+  device->openStatus = {ENOENT};
   EXPECT_EQ(port->Open(), PortError::OpenFailed);
   ASSERT_EQ(errors.History().size(), 2U);
   EXPECT_EQ(errors.History()[0].code, 29);
@@ -62,23 +62,23 @@ TEST_F(ScriptedPort, OpeningReportsTheSystemsMessageFirst) {
 
 TEST_F(ScriptedPort, SetsTimeoutsByTheMeaningOfTheTotal) {
   ASSERT_EQ(port->Open(), PortError::None);
-  EXPECT_EQ(device->timeouts.read, (ReadTimeouts{.multiplier_ms = 2, .constant_ms = 1000}));
-  EXPECT_EQ(device->timeouts.write, (WriteTimeouts{.multiplier_ms = 2, .constant_ms = 200}));
+  EXPECT_EQ(device->timeouts.read, (ReadTimeouts{.multiplierMs = 2, .constantMs = 1000}));
+  EXPECT_EQ(device->timeouts.write, (WriteTimeouts{.multiplierMs = 2, .constantMs = 200}));
   (void)port->SetReadTimeouts(0, 7, 7);
-  EXPECT_TRUE(device->timeouts.read.at_once());
+  EXPECT_TRUE(device->timeouts.read.atOnce());
   (void)port->SetReadTimeouts(-1, 7, 3);
-  EXPECT_EQ(device->timeouts.read, (ReadTimeouts{.multiplier_ms = 3, .constant_ms = 30000}));
+  EXPECT_EQ(device->timeouts.read, (ReadTimeouts{.multiplierMs = 3, .constantMs = 30000}));
   (void)port->SetReadTimeouts(500, 50, 1);
   EXPECT_EQ(device->timeouts.read,
-            (ReadTimeouts{.interval_ms = 50, .multiplier_ms = 1, .constant_ms = 500}));
+            (ReadTimeouts{.intervalMs = 50, .multiplierMs = 1, .constantMs = 500}));
   (void)port->SetReadTimeouts(-2, 9, 9);
   EXPECT_EQ(port->readTotalTimeout(), 500);
   (void)port->SetWriteTimeouts(-1, 5);
   EXPECT_EQ(device->timeouts.write, WriteTimeouts{});
-  device->get_timeouts_status = {EIO};
+  device->getTimeoutsStatus = {EIO};
   EXPECT_EQ(port->SetReadTimeouts(1, 0, 0), PortError::GetTimeoutsFailed);
-  device->get_timeouts_status = {};
-  device->set_timeouts_status = {EIO};
+  device->getTimeoutsStatus = {};
+  device->setTimeoutsStatus = {EIO};
   EXPECT_EQ(port->SetReadTimeouts(1, 0, 0), PortError::SetTimeoutsFailed);
 }
 
@@ -100,9 +100,9 @@ TEST_F(ScriptedPort, ReadTellsWhatCameAndWhatWasMissing) {
   EXPECT_EQ(port->Read(bytes, 0, &stop), PortError::Cancelled);
   EXPECT_EQ(device->input, "kept");
   device->input.clear();
-  device->when_empty = {EIO};
+  device->whenEmpty = {EIO};
   EXPECT_EQ(port->Read(bytes, 0), PortError::ReadFailed);
-  device->write_limit = 3;
+  device->writeLimit = 3;
   EXPECT_EQ(port->Write("four", 100), PortError::WriteFailed);
   EXPECT_EQ(port->lastCount(), 3U);
 }
@@ -120,7 +120,7 @@ TEST_F(ScriptedPort, LinesEndAtLineFeed) {
   EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::TimedOut);
   EXPECT_STREQ(buffer, "last");
   device->input = "end";
-  device->when_empty = {DeviceStatus::kEndOfData};
+  device->whenEmpty = {DeviceStatus::kEndOfData};
   const ReadLineResult last = ReadLine(*port, buffer, 100);
   EXPECT_EQ(last.text, "end") << "the end of a recording ends its last line";
   EXPECT_TRUE(last.ok() && !last.whole);
@@ -128,7 +128,7 @@ TEST_F(ScriptedPort, LinesEndAtLineFeed) {
   EXPECT_EQ(port->end(), PortEnd::RecordingEnded);
   for (const int lost : {DeviceStatus::kHungUp, EIO}) {
     device->input = "$GPG";
-    device->when_empty = {lost};
+    device->whenEmpty = {lost};
     EXPECT_EQ(ReadLine(*port, buffer, 100).status, ReadLineStatus::PortFailed)
         << "what a lost link cut off is no line";
     EXPECT_EQ(port->end(), PortEnd::LinkLost);
@@ -210,16 +210,16 @@ class PseudoTerminal : public testing::Test {
 
 TEST_F(PseudoTerminal, CarriesRawBytesBothWays) {
   ASSERT_EQ(port.Open(), PortError::None) << ErrorSentences(errors);
-  std::string every_byte;
-  for (int i = 0; i < 256; ++i) every_byte += static_cast<char>(i);
-  Send(every_byte);
+  std::string everyByte;
+  for (int i = 0; i < 256; ++i) everyByte += static_cast<char>(i);
+  Send(everyByte);
   std::string got(256, '\0');
   ASSERT_EQ(port.Read(got, 1000), PortError::None);
-  EXPECT_EQ(got, every_byte);
-  ASSERT_EQ(port.Write(every_byte, 200), PortError::None);
+  EXPECT_EQ(got, everyByte);
+  ASSERT_EQ(port.Write(everyByte, 200), PortError::None);
   std::string back(256, '\0');
   ASSERT_EQ(::read(master, back.data(), back.size()), 256);
-  EXPECT_EQ(back, every_byte);
+  EXPECT_EQ(back, everyByte);
 }
 
 TEST_F(PseudoTerminal, KeepsItsTimeouts) {
@@ -295,7 +295,7 @@ TEST_F(PseudoTerminal, HoldsABreakForTenMilliseconds) {
   EXPECT_EQ(port.SendBreak(3), PortError::NotOpen);
   ASSERT_EQ(port.Open(), PortError::None);
   EXPECT_EQ(port.SendBreak(3), PortError::None);
-  EXPECT_EQ(clock.slept_ms, 10);
+  EXPECT_EQ(clock.sleptMs, 10);
   EXPECT_FALSE(port.DsrOn()) << "a pseudo-terminal has no such line";
 }
 
@@ -432,7 +432,7 @@ TEST_F(Loopback, StoppingEndsConnectingAndReading) {
   ASSERT_EQ(::fcntl(listener->descriptor(), F_SETFL, O_NONBLOCK), 0);
   while ((peer = listener->Accept()) >= 0) ::close(peer);
   ASSERT_TRUE(device->Open(target).ok());
-  ASSERT_TRUE(device->SetTimeouts({.read = {.constant_ms = 20'000}}).ok());
+  ASSERT_TRUE(device->SetTimeouts({.read = {.constantMs = 20'000}}).ok());
   char byte = 0;
   std::size_t got = 0;
   stop = true;

@@ -30,8 +30,8 @@ std::string Gst(int second, std::string_view sigma) {
 
 class PositionReader : public ScriptedReceiver {
  protected:
-  GnssReadResult Read(std::string_view input, int receiver_type = kMakeNmea) {
-    return ScriptedReceiver::Read(input, receiver_type);
+  GnssReadResult Read(std::string_view input, int receiverType = kMakeNmea) {
+    return ScriptedReceiver::Read(input, receiverType);
   }
 };
 
@@ -56,7 +56,7 @@ TEST_F(PositionReader, NamesEveryFailure) {
     EXPECT_EQ(Read(""), GnssReadResult::NotPrepared);
   }
   EXPECT_EQ(Read("$GPGST,1"), GnssReadResult::PortReadFailed) << "the line never ends";
-  device->when_empty = {5};
+  device->whenEmpty = {5};
   EXPECT_EQ(Read(""), GnssReadResult::PortReadFailed);
   std::string lines;
   for (int i = 0; i < 15; ++i) lines += "$GPGSV,1,1,00*79\r\n";
@@ -109,7 +109,7 @@ TEST_F(PositionReader, NeverTakesASentenceThatWasCutOff) {
         connection.settings = FindMake(make).settings;
         connection.Reconnected();
         device->input.clear();
-        device->when_empty = {end};
+        device->whenEmpty = {end};
         const bool checked =
             length >= sentence && end == DeviceStatus::kEndOfData && make != kMakeStreamBuffered;
         const bool taken = Read(kGga.substr(0, length), make) == GnssReadResult::Accepted;
@@ -122,21 +122,21 @@ TEST_F(PositionReader, NeverTakesASentenceThatWasCutOff) {
 
 TEST_F(PositionReader, TellsARepeatedEpoch) {
   ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
-  EXPECT_FALSE(state.repeated_epoch);
+  EXPECT_FALSE(state.repeatedEpoch);
   ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
-  EXPECT_TRUE(state.repeated_epoch);
+  EXPECT_TRUE(state.repeatedEpoch);
   ASSERT_EQ(Read(kNextGga), GnssReadResult::Accepted);
-  EXPECT_FALSE(state.repeated_epoch);
+  EXPECT_FALSE(state.repeatedEpoch);
 }
 
 TEST_F(PositionReader, MarksPrecisionOfAnotherEpoch) {
   ASSERT_EQ(Read(std::string("$GPGST,123519,1,1,1,0,0.03,0.04,0.1*00\r\n") + std::string(kGga)),
             GnssReadResult::Accepted);
-  EXPECT_FALSE(state.precision_carried_over);
+  EXPECT_FALSE(state.precisionCarriedOver);
   ASSERT_EQ(Read(kNextGga), GnssReadResult::Accepted);
-  EXPECT_TRUE(state.precision_carried_over);
+  EXPECT_TRUE(state.precisionCarriedOver);
   EXPECT_DOUBLE_EQ(state.hrms, 0.05);
-  EXPECT_TRUE(state.dop_carried_over);
+  EXPECT_TRUE(state.dopCarriedOver);
 }
 
 // GST and GSA behind GGA, as most receivers send them: each position has the precision of its own
@@ -152,9 +152,9 @@ TEST_F(PositionReader, ReadsAnEpochOnToThePrecisionBehindIt) {
   for (const auto& [second, vrms] : epochs) {
     SCOPED_TRACE(second);
     ASSERT_EQ(Read("", kMakeAnyNmea), GnssReadResult::Accepted);
-    EXPECT_EQ(state.epoch_ms, ((12 * 60 + 35) * 60 + second) * 1000);
+    EXPECT_EQ(state.epochMs, ((12 * 60 + 35) * 60 + second) * 1000);
     EXPECT_DOUBLE_EQ(state.vrms, vrms);
-    EXPECT_EQ(state.precision_carried_over, second == 12 || second == 13)
+    EXPECT_EQ(state.precisionCarriedOver, second == 12 || second == 13)
         << "the one without, and the one after which the receiver is known again";
     EXPECT_EQ(state.satellites, 18) << "of the position";
     EXPECT_DOUBLE_EQ(state.pdop, 2.5);
@@ -168,11 +168,11 @@ TEST_F(PositionReader, DoesNotAwaitAPrecisionThatNeverComes) {
   EXPECT_EQ(device->input, Gga(12) + Gga(13)) << "the first epoch was read to its end";
   for (int second = 11; second < 14; ++second) {
     ASSERT_EQ(Read("", kMakeAnyNmea), GnssReadResult::Accepted);
-    EXPECT_EQ(state.epoch_ms % 60000, second * 1000);
+    EXPECT_EQ(state.epochMs % 60000, second * 1000);
     EXPECT_FALSE(PrecisionMayFollow(state, connection, kMakeAnyNmea));
   }
   connection.Reconnected();
-  connection.settings.no_rms = true;
+  connection.settings.noRms = true;
   ASSERT_EQ(Read(Gga(20) + Gst(20, "0.1"), kMakeAnyNmea), GnssReadResult::Accepted);
   EXPECT_EQ(device->input, Gst(20, "0.1"));
 }
@@ -180,23 +180,23 @@ TEST_F(PositionReader, DoesNotAwaitAPrecisionThatNeverComes) {
 // The fixed reader takes nothing that comes behind the position; whoever wants it asks.
 TEST_F(PositionReader, KnowsThatThePrecisionOfTheFirstEpochMayFollow) {
   ASSERT_EQ(Read(Gga(10) + Gst(10, "0.10") + Gga(11) + Gga(12)), GnssReadResult::Accepted);
-  EXPECT_FALSE(state.precision_known);
+  EXPECT_FALSE(state.precisionKnown);
   EXPECT_TRUE(PrecisionMayFollow(state, connection, kMakeNmea));
   EXPECT_FALSE(PrecisionMayFollow(state, connection, kMakeNovAtel));
   ASSERT_EQ(Read(""), GnssReadResult::Accepted);
-  EXPECT_TRUE(state.precision_known && state.precision_carried_over);
+  EXPECT_TRUE(state.precisionKnown && state.precisionCarriedOver);
   EXPECT_FALSE(PrecisionMayFollow(state, connection, kMakeNmea));
 }
 
 // Each line takes the receiver a while.
 class SlowLines final : public LineListener {
  public:
-  SlowLines(ManualClock& clock, std::int64_t line_ms) : clock_(clock), line_ms_(line_ms) {}
-  void OnLine(std::string_view) override { clock_.milliseconds += line_ms_; }
+  SlowLines(ManualClock& clock, std::int64_t lineMs) : clock_(clock), lineMs_(lineMs) {}
+  void OnLine(std::string_view) override { clock_.milliseconds += lineMs_; }
 
  private:
   ManualClock& clock_;
-  std::int64_t line_ms_;
+  std::int64_t lineMs_;
 };
 
 TEST_F(PositionReader, ComesBackInTimeWhateverElseIsSent) {
@@ -204,10 +204,10 @@ TEST_F(PositionReader, ComesBackInTimeWhateverElseIsSent) {
   connection.listener = &lines;
   for (int i = 0; i < 200; ++i) device->input += "$GPRMC,123519,A,,,,,,,,,\r\n";
   const std::int64_t begun = clock.milliseconds;
-  connection.deadline_ms = begun + 1000;
+  connection.deadlineMs = begun + 1000;
   EXPECT_EQ(Read("", kMakeNmea), GnssReadResult::NoPositionSentence);
   EXPECT_EQ(clock.milliseconds - begun, 1000);
-  connection.deadline_ms = kNoDeadline;
+  connection.deadlineMs = kNoDeadline;
   EXPECT_EQ(Read("", kMakeNmea), GnssReadResult::NoPositionSentence);
   EXPECT_EQ(clock.milliseconds - begun, 1000 + 15 * 200) << "the fixed reader counts lines alone";
   connection.settings = FindMake(kMakeAnyNmea).settings;
@@ -221,7 +221,7 @@ class DrippingDevice final : public ByteDevice {
   explicit DrippingDevice(ManualClock& clock) : clock_(clock) {}
   DeviceStatus Open(const std::string& /*name*/) override { return {}; }
   DeviceStatus Close() override { return {}; }
-  bool is_open() const override { return true; }
+  bool isOpen() const override { return true; }
   DeviceStatus GetTimeouts(DeviceTimeouts& /*timeouts*/) override { return {}; }
   DeviceStatus SetTimeouts(const DeviceTimeouts& /*timeouts*/) override { return {}; }
   DeviceStatus Read(std::span<char> out, std::size_t& got) override {
@@ -253,25 +253,25 @@ TEST_F(PositionReader, ComesBackInTimeFromALineThatDripsIn) {
   for (const int make : {kMakeNmea, kMakeAnyNmea, kMakeNovAtel, kMakeAshtech}) {
     SCOPED_TRACE(make);
     const std::int64_t begun = clock.milliseconds;
-    connection.deadline_ms = begun + 4000;
-    connection.last_request_at_ms = -1;
+    connection.deadlineMs = begun + 4000;
+    connection.lastRequestAtMs = -1;
     EXPECT_NE(ReadGnssPosition(state, connection, make), GnssReadResult::Accepted);
     EXPECT_LE(clock.milliseconds - begun, 5000);
   }
 }
 
 TEST_F(PositionReader, KnowsThePaceOfASlowReceiver) {
-  const auto wait_and_read = [&](std::int64_t wait_ms, std::string_view input) {
-    clock.milliseconds += wait_ms;
+  const auto waitAndRead = [&](std::int64_t waitMs, std::string_view input) {
+    clock.milliseconds += waitMs;
     const GnssReadResult result = Read(input);
     return NextSentenceIsDue(result, state, clock);
   };
-  (void)wait_and_read(0, Gga(10));
-  EXPECT_FALSE(wait_and_read(4000, "")) << "told once, as its pace is not known";
-  (void)wait_and_read(1000, Gga(15));
-  EXPECT_TRUE(wait_and_read(4900, ""));
-  (void)wait_and_read(100, Gga(20));
-  EXPECT_FALSE(wait_and_read(8000, ""));
+  (void)waitAndRead(0, Gga(10));
+  EXPECT_FALSE(waitAndRead(4000, "")) << "told once, as its pace is not known";
+  (void)waitAndRead(1000, Gga(15));
+  EXPECT_TRUE(waitAndRead(4900, ""));
+  (void)waitAndRead(100, Gga(20));
+  EXPECT_FALSE(waitAndRead(8000, ""));
 }
 
 TEST_F(PositionReader, TellsWhatAHeightLacks) {
@@ -291,18 +291,18 @@ TEST_F(PositionReader, TellsWhatAHeightLacks) {
 }
 
 TEST_F(PositionReader, TellsALostLinkFromTheEndOfALog) {
-  device->when_empty = {DeviceStatus::kHungUp};
+  device->whenEmpty = {DeviceStatus::kHungUp};
   EXPECT_EQ(ResultSentence(Read(""), connection), "The link to the receiver is lost.");
-  EXPECT_TRUE(connection.link_lost());
-  device->when_empty = {DeviceStatus::kEndOfData};
+  EXPECT_TRUE(connection.linkLost());
+  device->whenEmpty = {DeviceStatus::kEndOfData};
   EXPECT_EQ(ResultSentence(Read(""), connection), "The recording has ended.");
-  EXPECT_TRUE(connection.ended() && !connection.link_lost());
-  device->when_empty = {};
+  EXPECT_TRUE(connection.ended() && !connection.linkLost());
+  device->whenEmpty = {};
   EXPECT_EQ(ResultSentence(Read(""), connection), ResultSentence(GnssReadResult::PortReadFailed));
 }
 
 TEST_F(PositionReader, DropsWhatPiledUpWhileNobodyRead) {
-  device->purge_drops = true;
+  device->purgeDrops = true;
   ASSERT_EQ(Read(kGga), GnssReadResult::Accepted);
   clock.milliseconds += 1500;
   ASSERT_EQ(Read(kGga), GnssReadResult::Accepted) << "read in time";
@@ -320,7 +320,7 @@ TEST_F(PositionReader, ReadsAStreamBufferWithItsPrecisionAhead) {
             GnssReadResult::Accepted);
   EXPECT_EQ(state.solutionType, SolutionType::Float);
   EXPECT_DOUBLE_EQ(state.hrms, 0.05);
-  EXPECT_EQ(clock.slept_ms, 100);
+  EXPECT_EQ(clock.sleptMs, 100);
 }
 
 TEST_F(PositionReader, LeavesAPrecisionThatHasNotComeWhole) {
@@ -328,7 +328,7 @@ TEST_F(PositionReader, LeavesAPrecisionThatHasNotComeWhole) {
   ASSERT_EQ(
       Read(std::string(kGga) + "$GPGST,123519,10,0.01,0.01,0,0.010,0.012,0", kMakeStreamBuffered),
       GnssReadResult::Accepted);
-  EXPECT_FALSE(state.precision_known);
+  EXPECT_FALSE(state.precisionKnown);
   ASSERT_EQ(Read(".345*55\r\n" + std::string(kNextGga), kMakeStreamBuffered),
             GnssReadResult::Accepted);
   EXPECT_DOUBLE_EQ(state.vrms, 0.345);
@@ -336,27 +336,27 @@ TEST_F(PositionReader, LeavesAPrecisionThatHasNotComeWhole) {
 
 TEST_F(PositionReader, GivesUpOnASilentStreamBuffer) {
   EXPECT_EQ(Read("", kMakeStreamBuffered), GnssReadResult::NoPositionSentence);
-  EXPECT_EQ(clock.slept_ms, 30 * 100);
+  EXPECT_EQ(clock.sleptMs, 30 * 100);
 }
 
 TEST_F(PositionReader, SimulatesTheSameWalkAtTheSameTime) {
   GnssConnection other{.clock = clock};
-  GnssPositionState other_state;
+  GnssPositionState otherState;
   connection.port = nullptr;
   for (int epoch = 0; epoch < 50; ++epoch) {
     ASSERT_EQ(ReadGnssPosition(state, connection, kMakeSimulated), GnssReadResult::Accepted);
-    ASSERT_EQ(ReadGnssPosition(other_state, other, kMakeSimulated), GnssReadResult::Accepted);
-    ASSERT_FALSE(state.repeated_epoch);
-    ASSERT_EQ(state.latitude, other_state.latitude);
+    ASSERT_EQ(ReadGnssPosition(otherState, other, kMakeSimulated), GnssReadResult::Accepted);
+    ASSERT_FALSE(state.repeatedEpoch);
+    ASSERT_EQ(state.latitude, otherState.latitude);
     ASSERT_GT(state.hrms, 0.0);
     ASSERT_LT(state.hrms, 0.021);
   }
-  EXPECT_EQ(state.epoch_ms, ((9 * 60 + 30) * 60 + 15 + 49) * 1000);
+  EXPECT_EQ(state.epochMs, ((9 * 60 + 30) * 60 + 15 + 49) * 1000);
   clock.now.second += 1;
   GnssConnection later{.clock = clock};
-  GnssPositionState later_state;
-  (void)ReadGnssPosition(later_state, later, kMakeSimulated);
-  EXPECT_NE(later_state.latitude, state.latitude);
+  GnssPositionState laterState;
+  (void)ReadGnssPosition(laterState, later, kMakeSimulated);
+  EXPECT_NE(laterState.latitude, state.latitude);
 }
 
 TEST(PointQuality, WritesNotesAndBlocks) {
@@ -365,7 +365,7 @@ TEST(PointQuality, WritesNotesAndBlocks) {
                           .hrms = 0.0125,
                           .vrms = 0.02,
                           .pdop = 1.44,
-                          .precision_known = true};
+                          .precisionKnown = true};
   EXPECT_EQ(QualityComment(state, false),
             "\n--HRMS:0.013, VRMS:0.020, STATUS:FIXED, SATS:12, PDOP:1.4");
   EXPECT_EQ(QualityBlockLines(state, true, QualityStamp{"06-01-2026", "09:30:15"}),

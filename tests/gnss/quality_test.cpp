@@ -20,10 +20,10 @@ GnssPositionState Good() {
           .latitude = 46.8,
           .longitude = 9.3,
           .height = 1100.0,
-          .age_of_corrections = 1.0,
-          .epoch_ms = 1000,
-          .precision_known = true,
-          .position_read_at_ms = 5000};
+          .ageOfCorrections = 1.0,
+          .epochMs = 1000,
+          .precisionKnown = true,
+          .positionReadAtMs = 5000};
 }
 
 TEST(QualityGate, NamesTheLimitThatRefuses) {
@@ -36,9 +36,9 @@ TEST(QualityGate, NamesTheLimitThatRefuses) {
       limits);
   EXPECT_FALSE(CheckGate(limits, Good(), 6000).has_value());
   const std::pair<void (*)(GnssPositionState&), const char*> cases[] = {
-      {[](GnssPositionState& s) { s.repeated_epoch = true; },
+      {[](GnssPositionState& s) { s.repeatedEpoch = true; },
        "The receiver repeats its last position."},
-      {[](GnssPositionState& s) { s.position_read_at_ms = 2500; },
+      {[](GnssPositionState& s) { s.positionReadAtMs = 2500; },
        "The position is 3.5 s old; the limit is 2.0 s."},
       {[](GnssPositionState& s) { s.solutionType = SolutionType::Float; },
        "The solution is FLOAT; it must be FIXED."},
@@ -47,11 +47,11 @@ TEST(QualityGate, NamesTheLimitThatRefuses) {
       {[](GnssPositionState& s) { s.hrms = 0.0501; }, "HRMS is 0.0501; the limit is 0.0500."},
       {[](GnssPositionState& s) { s.pdop = 4.0000001; },
        "PDOP is 4.0000001; the limit is 4.0000000."},
-      {[](GnssPositionState& s) { s.precision_known = false; },
+      {[](GnssPositionState& s) { s.precisionKnown = false; },
        "HRMS is unknown; the limit is 0.050."},
       {[](GnssPositionState& s) { s.vrms = std::nan(""); }, "VRMS is nan; the limit is 0.100."},
       {[](GnssPositionState& s) { s.pdop = 0.0; }, "PDOP is unknown; the limit is 4.0."},
-      {[](GnssPositionState& s) { s.age_of_corrections = 6.0; },
+      {[](GnssPositionState& s) { s.ageOfCorrections = 6.0; },
        "The age of the corrections is 6.0 s; the limit is 5.0 s."}};
   for (const auto& [spoil, sentence] : cases) {
     GnssPositionState state = Good();
@@ -77,7 +77,7 @@ TEST(PositionAverage, WeighsByPrecision) {
   state.hrms = 0.01;
   state.vrms = 0.01;
   ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
-  state.epoch_ms = 2000;
+  state.epochMs = 2000;
   state.hrms = 0.02;
   state.vrms = 0.02;
   state.latitude += 1e-6;
@@ -102,24 +102,24 @@ TEST(PositionAverage, WeighsByPrecision) {
 TEST(PositionAverage, LeavesEpochsWithoutPrecisionOutOfIt) {
   PositionAverage average;
   GnssPositionState state = Good();
-  state.precision_known = false;
+  state.precisionKnown = false;
   state.hrms = state.vrms = 0.0;
   ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
-  EXPECT_FALSE(average.State().precision_known);
+  EXPECT_FALSE(average.State().precisionKnown);
   for (const int epoch : {2000, 3000}) {
-    state.epoch_ms = epoch;
-    state.precision_known = true;
-    state.precision_carried_over = true;
+    state.epochMs = epoch;
+    state.precisionKnown = true;
+    state.precisionCarriedOver = true;
     state.hrms = 0.012;
     state.vrms = 0.015;
     ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
   }
   const GnssPositionState all = average.State();
-  EXPECT_TRUE(all.precision_known);
-  EXPECT_TRUE(all.precision_carried_over);
+  EXPECT_TRUE(all.precisionKnown);
+  EXPECT_TRUE(all.precisionCarriedOver);
   EXPECT_NEAR(all.hrms, 0.012, 1e-12);
   EXPECT_NEAR(all.vrms, 0.015, 1e-12);
-  EXPECT_EQ(average.Mean().precise_epochs, 2U);
+  EXPECT_EQ(average.Mean().preciseEpochs, 2U);
   EXPECT_FALSE(average.Mean().weighted);
 }
 
@@ -128,11 +128,11 @@ TEST(PositionAverage, FindsTheScatterOfANoisySeriesAcrossTheDateLine) {
   std::normal_distribution<double> noise(0.0, 1.0);
   PositionAverage average;
   GnssPositionState state = Good();
-  state.precision_known = false;
+  state.precisionKnown = false;
   constexpr double kPerDegreeNorth = 111167.0;  // at 46.8 degrees and 1100 m
   constexpr double kPerDegreeEast = 76361.0;
   for (int i = 0; i < 4000; ++i) {
-    state.epoch_ms = i * 1000;
+    state.epochMs = i * 1000;
     state.latitude = 46.8 + noise(random) * 0.010 / kPerDegreeNorth;
     state.longitude = std::remainder(180.0 + noise(random) * 0.020 / kPerDegreeEast, 360.0);
     state.height = 1100.0 + noise(random) * 0.030;
@@ -140,9 +140,9 @@ TEST(PositionAverage, FindsTheScatterOfANoisySeriesAcrossTheDateLine) {
   }
   const AveragedPosition mean = average.Mean();
   EXPECT_FALSE(mean.weighted);
-  EXPECT_NEAR(mean.scatter_north, 0.010, 0.0005);
-  EXPECT_NEAR(mean.scatter_east, 0.020, 0.001);
-  EXPECT_NEAR(mean.scatter_up, 0.030, 0.0015);
+  EXPECT_NEAR(mean.scatterNorth, 0.010, 0.0005);
+  EXPECT_NEAR(mean.scatterEast, 0.020, 0.001);
+  EXPECT_NEAR(mean.scatterUp, 0.030, 0.0015);
   EXPECT_NEAR(std::abs(std::remainder(mean.longitude - 180.0, 360.0)) * kPerDegreeEast, 0.0, 0.002);
 }
 

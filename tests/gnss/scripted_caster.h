@@ -17,15 +17,15 @@ class ScriptedCaster final : public NtripConnection {
  public:
   explicit ScriptedCaster(ManualClock& clock) : clock_(clock) {}
 
-  /// Bytes, or the error of a receive. Behind the last step `at_end` goes on for ever.
+  /// Bytes, or the error of a receive. Behind the last step `atEnd` goes on for ever.
   std::deque<std::variant<std::string, PortError>> steps;
-  std::variant<std::string, PortError> at_end = PortError::FewerBytesRead;
-  PortError open_result = PortError::None;
-  PortError send_result = PortError::None;
+  std::variant<std::string, PortError> atEnd = PortError::FewerBytesRead;
+  PortError openResult = PortError::None;
+  PortError sendResult = PortError::None;
   std::vector<NtripOperation> supported = {NtripOperation::OpenTcp};
   std::vector<NtripTarget> performed;
   std::string sent;
-  std::vector<int> receive_timeouts;
+  std::vector<int> receiveTimeouts;
   bool closed = false;
 
   bool Supports(NtripOperation operation) override {
@@ -35,22 +35,22 @@ class ScriptedCaster final : public NtripConnection {
                     NtripProgress& /*progress*/) override {
     performed.push_back(target);
     closed = false;
-    return open_result;
+    return openResult;
   }
-  PortError Send(std::string_view bytes, int /*timeout_ms*/) override {
+  PortError Send(std::string_view bytes, int /*timeoutMs*/) override {
     sent += bytes;
-    return send_result;
+    return sendResult;
   }
-  PortError Receive(std::span<char> out, std::size_t& count, int timeout_ms) override {
-    receive_timeouts.push_back(timeout_ms);
+  PortError Receive(std::span<char> out, std::size_t& count, int timeoutMs) override {
+    receiveTimeouts.push_back(timeoutMs);
     count = 0;
-    std::variant<std::string, PortError> step = at_end;
+    std::variant<std::string, PortError> step = atEnd;
     if (!steps.empty()) {
       step = std::move(steps.front());
       steps.pop_front();
     }
     if (const auto* error = std::get_if<PortError>(&step)) {
-      if (*error == PortError::FewerBytesRead) clock_.milliseconds += timeout_ms;
+      if (*error == PortError::FewerBytesRead) clock_.milliseconds += timeoutMs;
       return *error;
     }
     std::string& bytes = std::get<std::string>(step);

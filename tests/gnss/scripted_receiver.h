@@ -21,9 +21,9 @@ class ScriptedReceiver : public testing::Test {
     connection.port = port.get();
   }
 
-  GnssReadResult Read(std::string_view input, int receiver_type) {
+  GnssReadResult Read(std::string_view input, int receiverType) {
     device->input += input;
-    return ReadGnssPosition(state, connection, receiver_type);
+    return ReadGnssPosition(state, connection, receiverType);
   }
 
   LastErrorRecord errors;

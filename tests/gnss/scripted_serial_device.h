@@ -22,7 +22,7 @@ class ScriptedSerialDevice final : public SerialDevice {
     open_ = false;
     return Note("Close");
   }
-  bool is_open() const override { return open_; }
+  bool isOpen() const override { return open_; }
 
   DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) override {
     timeouts = {};

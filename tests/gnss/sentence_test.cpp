@@ -97,8 +97,8 @@ TEST(Gga, WithoutFixOrCutShortIsNoPosition) {
   EXPECT_EQ(reading.Take("$GPGGA,1,4807.038,N,01131.000,E,0,08,0.9,545.4,M,46.9,M,,*47"),
             SentenceResult::NoFix);
   // Cut at every length: never a position until the separation field has begun, never a crash.
-  const std::size_t separation_at = kMunich.find("46.9");
-  for (std::size_t length = 0; length < separation_at; ++length) {
+  const std::size_t separationAt = kMunich.find("46.9");
+  for (std::size_t length = 0; length < separationAt; ++length) {
     Reading cut;
     EXPECT_NE(cut.Take(kMunich.substr(0, length)), SentenceResult::Position) << length;
   }
@@ -116,14 +116,14 @@ TEST(Talkers, AreTakenWhenTheSettingSaysSo) {
       "$GNGGA,153412.00,4631.67305924,N,00836.42752370,E,4,20,0.9,1145.6315,M,50.3453,M,01,0*7E";
   Reading plain;
   EXPECT_EQ(plain.Take(kFixed), SentenceResult::Read);
-  Reading any{.settings = {.any_talker = true, .checksum = true}};
+  Reading any{.settings = {.anyTalker = true, .checksum = true}};
   ASSERT_EQ(any.Take(kFixed), SentenceResult::Position);
   EXPECT_EQ(any.state.solutionType, SolutionType::Fixed);
-  EXPECT_EQ(any.state.epoch_ms, ((15 * 60 + 34) * 60 + 12) * 1000);
+  EXPECT_EQ(any.state.epochMs, ((15 * 60 + 34) * 60 + 12) * 1000);
   EXPECT_EQ(any.Take("$GNGGA,153412.00,4631.67305925,N,00836.42752370,E,4,20,0.9,1145.6315,M,"
                      "50.3453,M,01,0*7E"),
             SentenceResult::Read);
-  EXPECT_EQ(any.state.bad_checksums, 1U);
+  EXPECT_EQ(any.state.badChecksums, 1U);
 }
 
 // What receivers put around a sentence on one port with binary data.
@@ -160,7 +160,7 @@ TEST(Gns, OfNoSystemIsNoFix) {
   Reading first{.settings = {.position = PositionSentence::Gns}};
   EXPECT_EQ(first.Take(line), SentenceResult::Position)
       << "as AUTONOMOUS, where the first letter counts";
-  Reading best{.settings = {.position = PositionSentence::Gns, .gns_best_mode = true}};
+  Reading best{.settings = {.position = PositionSentence::Gns, .gnsBestMode = true}};
   EXPECT_EQ(best.Take(line), SentenceResult::NoFix);
 }
 
@@ -182,7 +182,7 @@ TEST(Origin, OfAPositionThatIsNotMeasuredIsTold) {
                                                           {"ER", PositionOrigin::Measured},
                                                           {"MM", PositionOrigin::Entered},
                                                           {"S", PositionOrigin::Simulated}};
-  Reading gns{.settings = {.position = PositionSentence::Gns, .gns_best_mode = true}};
+  Reading gns{.settings = {.position = PositionSentence::Gns, .gnsBestMode = true}};
   for (const auto& [mode, origin] : modes) {
     ASSERT_EQ(gns.Take("$GNGNS,235647.00,3403.47,N,11711.80,W," + std::string(mode) +
                        ",10,1.2,403.6,-32.1,,"),
@@ -198,12 +198,12 @@ TEST(Gns, ReadsTheFirstModeLetterOrTheBest) {
   ASSERT_EQ(first.Take(kLine), SentenceResult::Position);
   EXPECT_EQ(first.state.solutionType, SolutionType::Autonomous);
   EXPECT_NEAR(first.state.height, 371.467, 1e-9);
-  Reading best{.settings = {.position = PositionSentence::Gns, .gns_best_mode = true}};
+  Reading best{.settings = {.position = PositionSentence::Gns, .gnsBestMode = true}};
   ASSERT_EQ(best.Take(kLine), SentenceResult::Position);
   EXPECT_EQ(best.state.solutionType, SolutionType::Fixed);
   constexpr std::string_view kEmpty = "$GPGNS,225817.00,,,,,,7,,,,4.6,138*49";
   EXPECT_EQ(first.Take(kEmpty), SentenceResult::Position) << "taken as 0/0, refused later";
-  best.settings.skip_empty = true;
+  best.settings.skipEmpty = true;
   EXPECT_EQ(best.Take(kEmpty), SentenceResult::Read);
   EXPECT_NEAR(best.state.height, 371.467, 1e-9);
 }
@@ -225,7 +225,7 @@ TEST(Ggk, OfThePublishedLayoutHasAFieldBeforeItsHeight) {
   Reading plain{.settings = {.position = PositionSentence::Ggk}};
   ASSERT_EQ(plain.Take(kLine), SentenceResult::Position);
   EXPECT_DOUBLE_EQ(plain.state.height, 1.7);
-  Reading published{.settings = {.position = PositionSentence::Ggk, .ggk_published_layout = true}};
+  Reading published{.settings = {.position = PositionSentence::Ggk, .ggkPublishedLayout = true}};
   ASSERT_EQ(published.Take(kLine), SentenceResult::Position);
   EXPECT_DOUBLE_EQ(published.state.height, 1171.742);
   EXPECT_DOUBLE_EQ(published.state.pdop, 1.7);
@@ -238,8 +238,8 @@ TEST(Gll, HasNoHeight) {
   ASSERT_EQ(reading.Take("$GPGLL,3751.65,S,14507.36,E,225444,A"), SentenceResult::Position);
   EXPECT_NEAR(reading.state.latitude, -37.860833333, 1e-8);
   EXPECT_EQ(reading.state.height, 0.0);
-  EXPECT_EQ(reading.state.epoch_ms, ((22 * 60 + 54) * 60 + 44) * 1000);
-  reading.settings.gll_status = true;
+  EXPECT_EQ(reading.state.epochMs, ((22 * 60 + 54) * 60 + 44) * 1000);
+  reading.settings.gllStatus = true;
   EXPECT_EQ(reading.Take("$GPGLL,3751.65,S,14507.36,E,225444,V"), SentenceResult::NoFix);
 }
 
@@ -248,20 +248,20 @@ TEST(Gst, GivesPrecisionInTheJobsUnit) {
   ASSERT_EQ(reading.Take("$GPGST,123519.00,1.0,,,,0.03,0.04,0.10*7E"), SentenceResult::Read);
   EXPECT_NEAR(reading.state.hrms, 0.05 * 3.280833333333, 1e-12);
   EXPECT_NEAR(reading.state.vrms, 0.3280833333333, 1e-12);
-  EXPECT_TRUE(reading.state.precision_known);
+  EXPECT_TRUE(reading.state.precisionKnown);
   for (const std::string_view part :
        {"$GPGST,123519.00,,,,,,,*7E", "$GPGST,123519.00,1.0,,,,0.03,0.04,*7E"}) {
     (void)reading.Take(part);
-    EXPECT_FALSE(reading.state.precision_known) << part;
+    EXPECT_FALSE(reading.state.precisionKnown) << part;
   }
 }
 
 TEST(Gsa, ListsSatellitesAndDops) {
-  Reading reading{.settings = {.any_talker = true}};
+  Reading reading{.settings = {.anyTalker = true}};
   (void)reading.Take("$GNGSA,A,3,13,16,21,15,10,29,27,20,,,,,1.05,0.64,0.83,1*03");
   EXPECT_EQ(reading.state.satellites, 8);
-  EXPECT_EQ(reading.state.usedSatellites[7], (UsedSatellite{.prn = 20, .in_use = 1}));
-  EXPECT_EQ(reading.state.usedSatellites[8].in_use, 0);
+  EXPECT_EQ(reading.state.usedSatellites[7], (UsedSatellite{.prn = 20, .inUse = 1}));
+  EXPECT_EQ(reading.state.usedSatellites[8].inUse, 0);
   EXPECT_DOUBLE_EQ(reading.state.pdop, 1.05);
   EXPECT_DOUBLE_EQ(reading.state.hdop, 0.64);
   EXPECT_DOUBLE_EQ(reading.state.vdop, 0.83);
@@ -287,10 +287,10 @@ TEST(Rre, HasItsRmsBehindTheResiduals) {
 
 TEST(Rd1, IsReadForOneDifferentialSource) {
   constexpr std::string_view kLine = "$RD1,469164,1515,1537.4400,1,10,83,76.9,0,1F,1F,0,99999";
-  Reading reading{.settings = {.differential_choice = kReadRd1}, .make = kMakeHemisphere};
+  Reading reading{.settings = {.differentialChoice = kReadRd1}, .make = kMakeHemisphere};
   (void)reading.Take(kLine);
   EXPECT_EQ(reading.state.differentialStatus, 10);
-  Reading other{.settings = {.differential_choice = 3}, .make = kMakeHemisphere};
+  Reading other{.settings = {.differentialChoice = 3}, .make = kMakeHemisphere};
   (void)other.Take(kLine);
   EXPECT_EQ(other.state.differentialStatus, 0);
 }
@@ -302,9 +302,9 @@ TEST(ReceiverSettings, AreReadByKey) {
       "nmea_pos=3\nbNMEA_noRMS=maybe\nno equals sign\n",
       settings);
   EXPECT_EQ(settings.position, PositionSentence::PtnlGgk);
-  EXPECT_EQ(settings.differential_choice, 4);
-  EXPECT_TRUE(settings.any_talker);
-  EXPECT_FALSE(settings.no_rms);
+  EXPECT_EQ(settings.differentialChoice, 4);
+  EXPECT_TRUE(settings.anyTalker);
+  EXPECT_FALSE(settings.noRms);
 }
 
 TEST(ReceiverSettings, TellAnUnknownKeyFromAValueThatIsNone) {

@@ -119,7 +119,7 @@ TEST_F(Serial, OpeningNamesWhatFailed) {
   EXPECT_EQ(port->Open(), PortError::ConfigureFailed);
   EXPECT_THAT(Codes(), ElementsAre(29, 9));
   EXPECT_EQ(errors.History().front().arguments, std::vector<std::string>{"SetCommState failed"});
-  EXPECT_FALSE(port->is_open());
+  EXPECT_FALSE(port->isOpen());
   errors.Clear();
   ASSERT_EQ((device->failing.clear(), port->Open()), PortError::None);
   device->failing = {{"SetLine", {EINVAL}}};
@@ -131,7 +131,7 @@ TEST_F(Serial, OpeningNamesWhatFailed) {
 TEST_F(Serial, BreakHoldsForTheTimeAsked) {
   ASSERT_EQ(port->Open(), PortError::None);
   ASSERT_EQ(port->SendBreak(250), PortError::None);
-  EXPECT_EQ(clock.slept_ms, 250);
+  EXPECT_EQ(clock.sleptMs, 250);
   EXPECT_TRUE(port->DsrOn());
   device->failing["GetDsr"] = {ENOTTY};
   EXPECT_FALSE(port->DsrOn());

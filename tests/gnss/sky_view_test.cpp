@@ -8,11 +8,11 @@
 namespace tarvex {
 namespace {
 
-std::string CountsOf(const SkyView& sky, std::int64_t now_ms) {
+std::string CountsOf(const SkyView& sky, std::int64_t nowMs) {
   std::string text;
-  for (const SystemCount& count : sky.Counts(now_ms)) {
-    text += count.system + " " + std::to_string(count.in_use) + "/" +
-            std::to_string(count.in_view) + " ";
+  for (const SystemCount& count : sky.Counts(nowMs)) {
+    text +=
+        count.system + " " + std::to_string(count.inUse) + "/" + std::to_string(count.inView) + " ";
   }
   return text;
 }

@@ -74,12 +74,12 @@ TEST(AlignmentCheck, TakesDisplayedStationsBack) {
   text = Changed(text, "1664.15926536", "1714.15926536");
   const RoadGeometry displayed = Geometry(text);
   EXPECT_TRUE(displayed.converted);
-  EXPECT_NEAR(displayed.alignment.end_station(), internal.alignment.end_station(), 1e-9);
+  EXPECT_NEAR(displayed.alignment.endStation(), internal.alignment.endStation(), 1e-9);
   EXPECT_EQ(displayed.equations.Displayed(1250.0), internal.equations.Displayed(1250.0));
   EXPECT_THAT(Findings(text), testing::ElementsAre(testing::HasSubstr("displayed stations")));
   const RoadGeometry refused =
       Geometry(Changed(text, "EQ,1100.00000,1200.00000", "EQ,9100.00000,1200.00000"));
-  EXPECT_EQ(refused.refused_equation, 0U);
+  EXPECT_EQ(refused.refusedEquation, 0U);
 }
 
 // A sentence names a place as the table and the plan do, and a kink that no road has is a fault.

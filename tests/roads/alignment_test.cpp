@@ -108,18 +108,18 @@ TEST(Alignment, HoldsAtCoordinatesOfTenMillion) {
        {"simple_right", "simple_left", "compound_right", "egg_sp", "scs_right"}) {
     const Road road = LoadRoad(std::string("cl/") + name + ".cl");
     auto chain = road.centerline->elements;
-    const double shift_n = 1e7 - chain[0].northing;
-    const double shift_e = 1e7 - chain[0].easting;
+    const double shiftN = 1e7 - chain[0].northing;
+    const double shiftE = 1e7 - chain[0].easting;
     for (auto& e : chain) {
-      e.northing += shift_n;
-      e.easting += shift_e;
-      e.center_northing += shift_n;
-      e.center_easting += shift_e;
+      e.northing += shiftN;
+      e.easting += shiftE;
+      e.centerNorthing += shiftN;
+      e.centerEasting += shiftE;
     }
     const Alignment moved = Alignment::FromChain(chain).alignment.value();
     for (int i = 0; i < 500; ++i) {
       const double station =
-          moved.start_station() + part(random) * (moved.end_station() - moved.start_station());
+          moved.startStation() + part(random) * (moved.endStation() - moved.startStation());
       const double offset = 40.0 * (part(random) - 0.5);
       const auto found = moved.Closest(moved.PointAt(station, offset)->at);
       EXPECT_NEAR(found->station, station, kTolerance) << name;
@@ -152,11 +152,11 @@ TEST(Alignment, FindsTheFaultsOfTheVectors) {
     const ElementResiduals entry = residuals(row[0].c_str(), 1);
     double found = 0.0;
     if (row[2].starts_with("entry spiral")) found = *entry.chord;
-    if (row[2].starts_with("arc: end")) found = *arc.end_radius;
+    if (row[2].starts_with("arc: end")) found = *arc.endRadius;
     if (row[2].starts_with("arc: sweep*R")) found = *arc.length;
     if (row[2].starts_with("arc: sweep -")) found = *arc.angle;
-    if (row[2].starts_with("arc: turn")) found = arc.turn_against_sign ? -1.0 : 1.0;
-    if (row[2].starts_with("TS azimuth")) found = *entry.azimuth_field;
+    if (row[2].starts_with("arc: turn")) found = arc.turnAgainstSign ? -1.0 : 1.0;
+    if (row[2].starts_with("TS azimuth")) found = *entry.azimuthField;
     if (row[2].starts_with("azimuth of the tangent")) found = -*entry.join;
     const double expected = LeadingDouble(row[3]);
     EXPECT_NEAR(found, expected, std::max(0.01 * std::fabs(expected), 1e-8)) << row[0] << row[2];
@@ -229,13 +229,13 @@ struct Walker {
   }
   void Group(double turn, double radius, double in, double arc, double out) {
     const double k = turn / radius;
-    Walker to_curve = *this;
-    to_curve.Go(0.0, k, in);
-    const double across = to_curve.azimuth + turn * kPi / 2;
+    Walker toCurve = *this;
+    toCurve.Go(0.0, k, in);
+    const double across = toCurve.azimuth + turn * kPi / 2;
     const std::string center =
         "0," + std::string(turn < 0 ? "-" : "") + "10.0,R," +
-        FixedNumber(to_curve.at.easting + radius * std::sin(across), 10) + "," +
-        FixedNumber(to_curve.at.northing + radius * std::cos(across), 10) + "\n";
+        FixedNumber(toCurve.at.easting + radius * std::sin(across), 10) + "," +
+        FixedNumber(toCurve.at.northing + radius * std::cos(across), 10) + "\n";
     Key("TS");
     text += center;
     Go(0.0, k, in);
@@ -266,7 +266,7 @@ TEST(Alignment, TakesSpiralsOfTwoLengthsAndReversingCurves) {
   }
   EXPECT_NEAR(road.elements()[1].length, 60.0, 1e-8);
   EXPECT_NEAR(road.elements()[3].length, 100.0, 1e-8);
-  EXPECT_NEAR(road.end_station(), walker.station, 1e-8);
+  EXPECT_NEAR(road.endStation(), walker.station, 1e-8);
   const auto end = road.Closest(walker.at);
   EXPECT_NEAR(end->station, walker.station, kTolerance);
 }
@@ -282,7 +282,7 @@ TEST(Alignment, TakesSpiralRecordsThatRelax) {
   back[0].station = 0.0;
   back[1].station = 60.0;
   back[0].radius = 120.0;
-  back[0].spiral_parameter = 109.544511501;
+  back[0].spiralParameter = 109.544511501;
   back[0].angle = -2.0;
   back[1].record = KeyPointKind::Line;
   const Alignment reversed = Alignment::FromChain(back).alignment.value();
@@ -294,7 +294,7 @@ TEST(Alignment, TakesSpiralRecordsThatRelax) {
     EXPECT_NEAR(here->at.easting, there->at.easting, 1e-7);
   }
   back[0].angle = 2.0;
-  back[0].spiral_parameter = 50.0;
+  back[0].spiralParameter = 50.0;
   const Alignment refused = Alignment::FromChain(back).alignment.value();
   EXPECT_EQ(refused.elements()[0].fault, ElementFault::SpiralUnknown);
   EXPECT_FALSE(refused.PointAt(30.0)->sound);

@@ -45,7 +45,7 @@ TEST(CenterlineReader, BuildsCurvesAndSpiralGroups) {
   const auto spiral = Chain(ReadRoadData("cl/egg_sp.cl"));
   EXPECT_EQ(Outline(spiral), "0 0; 0 50; 3 155; 0 215; 0 298; 0 348; ");
   EXPECT_EQ(spiral[2].radius, 300.0);
-  EXPECT_EQ(spiral[2].spiral_parameter, 109.544511501);
+  EXPECT_EQ(spiral[2].spiralParameter, 109.544511501);
   EXPECT_EQ(spiral[2].angle, 1.0);
 }
 
@@ -64,11 +64,11 @@ TEST(CenterlineReader, StopsAtTheStartPoint) {
   const auto reading = ReadChain(
       "0,10,L,1,1\n0,20,L,2,2\n0,0,L,0,0\n7,5.5,STARTPT,100.5,200.25\n0,30,L,3,3\n", false);
   EXPECT_EQ(Outline(reading.elements), "0 10; 0 20; ");
-  ASSERT_TRUE(reading.start_point);
-  EXPECT_EQ(reading.start_point->id.view(), "7");
-  EXPECT_EQ(reading.start_point->station, 5.5);
-  EXPECT_EQ(reading.start_point->easting, 100.5);
-  EXPECT_EQ(reading.start_point->northing, 200.25);
+  ASSERT_TRUE(reading.startPoint);
+  EXPECT_EQ(reading.startPoint->id.view(), "7");
+  EXPECT_EQ(reading.startPoint->station, 5.5);
+  EXPECT_EQ(reading.startPoint->easting, 100.5);
+  EXPECT_EQ(reading.startPoint->northing, 200.25);
 }
 
 TEST(CenterlineReader, SkipsWhatIsNoRecordAndSaysWhere) {
@@ -104,10 +104,10 @@ TEST(CenterlineReader, RadiusLinesRememberTheirCentre) {
       "0,0,L,0,0\n0,10,PC,0,10\nC1,90.0000,R,100,10\n0,20,PC,5,20\n0,-10.3000,R\n"
       "0,30,PC,9,40\n\n0,40,PT,50,50\n0,0,L,0,0\n");
   ASSERT_EQ(chain.size(), 5U);
-  EXPECT_EQ(chain[1].center_id.view(), "C1");
+  EXPECT_EQ(chain[1].centerId.view(), "C1");
   EXPECT_DOUBLE_EQ(chain[1].angle, kPi / 2);
   EXPECT_DOUBLE_EQ(chain[2].angle, -10.5 * kPi / 180);
-  EXPECT_EQ(chain[2].center_easting, 100.0);
+  EXPECT_EQ(chain[2].centerEasting, 100.0);
   EXPECT_DOUBLE_EQ(chain[2].radius, std::hypot(95.0, 10.0));
   EXPECT_DOUBLE_EQ(chain[3].angle, chain[2].angle);
   EXPECT_DOUBLE_EQ(chain[3].radius, std::hypot(91.0, 30.0));
@@ -163,9 +163,9 @@ TEST(CenterlineReader, LeadInVerticesCarryAnAzimuthOfTheirOwn) {
   ASSERT_EQ(chain.size(), 6U);
   EXPECT_EQ(chain[1].kind, ElementKind::Vertex);
   EXPECT_EQ(chain[1].station, 10.0 - 0.000001);
-  EXPECT_EQ(chain[1].northing, 10.0 - std::cos(*chain[2].tangent_azimuth) * 0.000001);
-  EXPECT_EQ(chain[1].easting, 0.0 - std::sin(*chain[2].tangent_azimuth) * 0.000001);
-  EXPECT_NEAR(*chain[2].tangent_azimuth, 0.1, 1e-7);
+  EXPECT_EQ(chain[1].northing, 10.0 - std::cos(*chain[2].tangentAzimuth) * 0.000001);
+  EXPECT_EQ(chain[1].easting, 0.0 - std::sin(*chain[2].tangentAzimuth) * 0.000001);
+  EXPECT_NEAR(*chain[2].tangentAzimuth, 0.1, 1e-7);
   // As the first record it becomes the head.
   const auto first =
       Chain("0,10,TS,0,10,1.5\n0,5.0,R,50,10\n0,20,SC,1,20\n0,5.0,R,50,10\n0,0,L,0,0\n");
@@ -177,7 +177,7 @@ TEST(CenterlineReader, RefusesMoreElementsThanARoadHas) {
   for (std::size_t i = 0; i <= kMostCenterlineElements; ++i) text += "0,1,L,1,1\n";
   const auto reading = ReadChain(text, false);
   EXPECT_EQ(reading.result, ReadChainResult::TooLong);
-  EXPECT_EQ(reading.refused_line, static_cast<int>(kMostCenterlineElements) + 1);
+  EXPECT_EQ(reading.refusedLine, static_cast<int>(kMostCenterlineElements) + 1);
 }
 
 TEST(StationLimits, ReadTheirTwoKeys) {
@@ -196,10 +196,10 @@ TEST(StationRange, IsOnlyEverNarrowed) {
   road.centerline->elements.resize(2);
   road.centerline->elements[0].station = 100.0;
   road.centerline->elements[1].station = 200.0;
-  road.centerline->start_station = StartStation(road);
+  road.centerline->startStation = StartStation(road);
   road.centerline->limits = {150.0, 180.0};
   EXPECT_EQ(*StationRange(road, 5.0), (StationSpan{100.0, 195.0, false, false}));
-  road.use_station_limits = true;
+  road.useStationLimits = true;
   EXPECT_EQ(*StationRange(road), (StationSpan{150.0, 180.0, true, true}));
   road.centerline->limits = {100.0000005, 250.0};
   EXPECT_EQ(*StationRange(road), (StationSpan{100.0, 200.0, false, false}));
@@ -223,7 +223,7 @@ TEST(LoadCenterline, TellsWhatItCouldNotDo) {
       LoadCenterlineResult::NotOpened);
   EXPECT_THAT(shown, testing::HasSubstr("none.cl"));
   EXPECT_EQ(road.centerline->elements.size(), 4U);  // the road that was open stays
-  EXPECT_EQ(road.centerline->start_station, 1000.0);
+  EXPECT_EQ(road.centerline->startStation, 1000.0);
 }
 
 TEST(LoadCenterline, ReadsTheLimitsBesideTheFile) {
@@ -234,7 +234,7 @@ TEST(LoadCenterline, ReadsTheLimitsBesideTheFile) {
       ReplaceWholeFile(SystemFiles(), StationLimitsPath(path), "START_STA=1100\nEND_STA=9e9\n")
           .ok());
   Road road;
-  road.use_station_limits = true;
+  road.useStationLimits = true;
   ASSERT_EQ(LoadCenterline(SystemFiles(), road, path).result, LoadCenterlineResult::Loaded);
   EXPECT_EQ(*StationRange(road), (StationSpan{1100.0, 1664.15926536, true, false}));
 }
@@ -263,9 +263,9 @@ TEST(CenterlineWriter, WritesEveryRecordForm) {
   e.station = 1234.5678951;
   e.easting = 10.25;
   e.northing = 20.123456789;
-  e.center_id.Assign("C7");
-  e.center_easting = 1.0;
-  e.center_northing = 2.0;
+  e.centerId.Assign("C7");
+  e.centerEasting = 1.0;
+  e.centerNorthing = 2.0;
   const auto text = [&](KeyPointKind kind, double angle, const CenterlineFormat& format) {
     e.record = kind;
     e.angle = angle;
@@ -291,12 +291,12 @@ TEST(CenterlineWriter, WritesEveryRecordForm) {
             "0,1234.56790,ST,10.250000,20.123457,127.300000000000\n");
   EXPECT_EQ(text(KeyPointKind::SpiralCurve, kPi / 2, kPlainCenterline),
             "0,1234.56790,SC,10.250000,20.123457\n0,90.000000000000,R,1.000000,2.000000\n");
-  e.tangent_azimuth = 1.26114583;
+  e.tangentAzimuth = 1.26114583;
   EXPECT_EQ(text(KeyPointKind::TangentSpiral, kPi / 2, kPlainCenterline),
             "0,1234.56790,TS,10.250000,20.123457,1.26114583\n"
             "0,90.000000000000,R,1.000000,2.000000\n");
   e.radius = 300.0;
-  e.spiral_parameter = 109.544511501;
+  e.spiralParameter = 109.544511501;
   EXPECT_EQ(text(KeyPointKind::Spiral, 1.0, kPlainCenterline),
             "0,1234.56790,SP,10.250000,20.123457,300.000000,109.544511501,1.0\n");
 }
@@ -304,7 +304,7 @@ TEST(CenterlineWriter, WritesEveryRecordForm) {
 TEST(CenterlineWriter, ClosesTheChainBeforeAStartPoint) {
   Centerline centerline;
   centerline.elements = Chain("0,10,L,1,1\n0,20,L,2,2\n0,0,L,0,0\n");
-  centerline.start_point = CenterlineStartPoint{CenterlineId("7"), 5.5, 200.25, 100.5};
+  centerline.startPoint = CenterlineStartPoint{CenterlineId("7"), 5.5, 200.25, 100.5};
   const std::string text =
       CenterlineText(centerline, std::vector<StationEquation>{{1200, 1300}}, kCenterlineWithIds);
   EXPECT_EQ(text,
@@ -315,7 +315,7 @@ TEST(CenterlineWriter, ClosesTheChainBeforeAStartPoint) {
               testing::HasSubstr("\n7,5.50000,STARTPT,100.50000000,200.25000000\n"));
   const auto again = ReadChain(text, false);
   EXPECT_EQ(Outline(again.elements), "0 10; 0 20; ");
-  EXPECT_EQ(again.start_point, centerline.start_point);
+  EXPECT_EQ(again.startPoint, centerline.startPoint);
   EXPECT_EQ(ReadStationEquations(text), (std::vector<StationEquation>{{1200, 1300}}));
 }
 
@@ -336,9 +336,9 @@ void ExpectSameChain(const std::vector<CenterlineElement>& a,
 // A lead-in whose "TS" was merged away: the one thing that no record can say again.
 bool HasOrphanLeadIn(const std::vector<CenterlineElement>& chain) {
   for (std::size_t i = 0; i < chain.size(); ++i) {
-    const bool before_spiral =
+    const bool beforeSpiral =
         i + 1 < chain.size() && chain[i + 1].record == KeyPointKind::TangentSpiral;
-    if (chain[i].record == KeyPointKind::LeadIn && !before_spiral) return true;
+    if (chain[i].record == KeyPointKind::LeadIn && !beforeSpiral) return true;
   }
   return false;
 }

@@ -66,8 +66,8 @@ TEST(CatchPoint, MeetsTheVectors) {
     }
     ASSERT_EQ(found.result, CatchResult::Caught) << row[0];
     EXPECT_EQ(found.kind, row[5] == "cut" ? EarthworkKind::Cut : EarthworkKind::Fill) << row[0];
-    EXPECT_NEAR(found.hinge_offset, LeadingDouble(row[3]), kTolerance) << row[0];
-    EXPECT_NEAR(found.hinge_elevation, LeadingDouble(row[4]), kTolerance) << row[0];
+    EXPECT_NEAR(found.hingeOffset, LeadingDouble(row[3]), kTolerance) << row[0];
+    EXPECT_NEAR(found.hingeElevation, LeadingDouble(row[4]), kTolerance) << row[0];
     EXPECT_EQ(found.ratio, LeadingDouble(row[6])) << row[0];
     EXPECT_NEAR(found.offset, LeadingDouble(row[7]), kTolerance) << row[0];
     EXPECT_NEAR(found.elevation, LeadingDouble(row[8]), kTolerance) << row[0];
@@ -93,11 +93,11 @@ TEST(CatchPoint, TellsWhyThereIsNone) {
   EXPECT_FALSE(GroundLine::Polyline({{5, 99}, {3, 99}}));
   // As steep as the last slope, but for the digits that were typed.
   EXPECT_EQ(on(GroundLine::Plane(90.0, -0.499999999)).result, CatchResult::NoCatch);
-  section.right_of_way.left = 9.0;
-  EXPECT_TRUE(on(GroundLine::Plane(99.2, -0.01)).beyond_right_of_way);
+  section.rightOfWay.left = 9.0;
+  EXPECT_TRUE(on(GroundLine::Plane(99.2, -0.01)).beyondRightOfWay);
   // The ground falls away under the ditch: no cut after all.
   const auto daylight = on(*GroundLine::Polyline({{0, 99.9}, {5.4, 99.9}, {6, 97}, {60, 97}}));
-  EXPECT_TRUE(daylight.ditch_daylights);
+  EXPECT_TRUE(daylight.ditchDaylights);
   EXPECT_EQ(daylight.kind, EarthworkKind::Fill);
   section.fill[0].slopes.clear();
   EXPECT_EQ(on(GroundLine::Plane(90.0, 0.0)).result, CatchResult::NoSlopes);
@@ -105,7 +105,7 @@ TEST(CatchPoint, TellsWhyThereIsNone) {
 
 TEST(CatchPoint, SteppedSlopesRunThroughTheirBands) {
   RoadTemplate section = Example();
-  section.fill_settings.series = 1;
+  section.fillSettings.series = 1;
   const DesignSection design = BuildSection(section, 100.0);
   // 1.5 high at 6:1, to 3 high at 4:1, the rest at 2:1, down to level ground 5 below the edge.
   const auto found = FindCatchPoint(section, design, Side::Left, GroundLine::Plane(94.856, 0.0));
@@ -129,7 +129,7 @@ TEST(CatchPoint, NamesTheRowOfTheTable) {
 
 TEST(SlopeStaking, FollowsASteppedSlopeThroughItsBands) {
   RoadTemplate section = Example();
-  section.fill_settings.series = 1;
+  section.fillSettings.series = 1;
   const DesignSection design = BuildSection(section, 100.0);
   const auto at = [&](double offset) {
     return NextSlopeStep(section, design, Side::Left, {offset, 94.856}, {}).value();
@@ -156,7 +156,7 @@ TEST(SlopeStaking, ComesToTheCatchPoint) {
       ASSERT_TRUE(step) << row[0];
       if (step->caught) break;
       before = shot;
-      shot.offset += step->go_out;
+      shot.offset += step->goOut;
       const auto level = ground.At(shot.offset);
       if (!level) shot.offset = 19.0;  // the rover stays on the ground that is known
       shot.ground = ground.At(shot.offset).value();

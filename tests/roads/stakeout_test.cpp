@@ -17,8 +17,8 @@ TEST(Stakeout, MeetsTheDeltasOfTheVectors) {
     for (const std::string& field : row) v.push_back(LeadingDouble(field));
     const StakeDeltas deltas =
         DeltasTo({v[0], v[1], v[2]}, {v[3], v[4], v[5]}, v[6] * std::numbers::pi / 180);
-    EXPECT_NEAR(deltas.go_north, v[7], 5e-5);
-    EXPECT_NEAR(deltas.go_east, v[8], 5e-5);
+    EXPECT_NEAR(deltas.goNorth, v[7], 5e-5);
+    EXPECT_NEAR(deltas.goEast, v[8], 5e-5);
     EXPECT_NEAR(deltas.forward, v[9], 5e-5);
     EXPECT_NEAR(deltas.right, v[10], 5e-5);
     EXPECT_NEAR(deltas.distance, v[11], 5e-5);
@@ -55,8 +55,8 @@ TEST(Stakeout, LeadsToAPlaceOfTheRoad) {
   const auto stake = StakeRoadPoint(road.alignment, {2225.0, -3.0, 50.0},
                                     {here->at.northing, here->at.easting, 50.25});
   ASSERT_TRUE(stake);
-  EXPECT_NEAR(stake->station_to_go, 5.0, 1e-7);
-  EXPECT_NEAR(stake->offset_to_go, -2.0, 1e-7);
+  EXPECT_NEAR(stake->stationToGo, 5.0, 1e-7);
+  EXPECT_NEAR(stake->offsetToGo, -2.0, 1e-7);
   EXPECT_NEAR(*stake->cut, 0.25, 1e-9);
   EXPECT_NEAR(stake->target.northing, there->at.northing, 1e-9);
   EXPECT_GT(stake->deltas.forward, 4.9);
@@ -65,8 +65,8 @@ TEST(Stakeout, LeadsToAPlaceOfTheRoad) {
 
 TEST(StakeStations, ListsRoundStationsAndKeyPoints) {
   const RoadGeometry road = Geometry("cl/simple_right_eq.cl");
-  const auto stations = StakeStations(road, nullptr, 100.0, road.alignment.start_station(),
-                                      road.alignment.end_station());
+  const auto stations = StakeStations(road, nullptr, 100.0, road.alignment.startStation(),
+                                      road.alignment.endStation());
   std::string text;
   for (const double station : stations) {
     text += road.equations.Text(station, StationMode::Plain, 2) + " ";

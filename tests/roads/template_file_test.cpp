@@ -34,19 +34,19 @@ TEST(TemplateReader, TellsSidesAndSharedSettings) {
       "*FILL-R\nFILDSL,1,6\nSERIES,1\nGUARDV,2.5\nFDITCH,1.5,2\n*FILL-L\nFILDSL,3,4\n"
       "*CUT-L\nSERIES,0\nBENCH2,7\n*CUT-R\nROCKSL,0.25\n");
   ASSERT_EQ(section.subgrade[1].size(), 1U);
-  EXPECT_EQ(section.subgrade[1][0].high_slopes[1], 2.5);
+  EXPECT_EQ(section.subgrade[1][0].highSlopes[1], 2.5);
   EXPECT_TRUE(section.subgrade[1][0].segments[0].up && section.subgrade[1][0].segments[0].wrap);
   ASSERT_EQ(section.subgrade[0].size(), 1U);  // the eleventh character is missing
   EXPECT_EQ(section.subgrade[0][0].material, "gravel");
   EXPECT_EQ(section.FillOf(Side::Right).slopes, (std::vector<SlopeRow>{{1, 6}}));
   EXPECT_EQ(section.FillOf(Side::Left).slopes, (std::vector<SlopeRow>{{3, 4}}));
-  EXPECT_EQ(section.FillOf(Side::Right).ditch_kind, 2);
-  EXPECT_EQ(section.FillOf(Side::Left).guard_vertical, 0.0);
-  EXPECT_EQ(section.fill_settings.series, 1);
-  EXPECT_EQ(section.cut_settings.series, 0);
-  EXPECT_EQ(section.cut_settings.bench2, 7.0);
-  EXPECT_EQ(section.CutOf(Side::Right).rock_slope, 0.25);
-  EXPECT_EQ(section.CutOf(Side::Left).rock_slope, 1.0);
+  EXPECT_EQ(section.FillOf(Side::Right).ditchKind, 2);
+  EXPECT_EQ(section.FillOf(Side::Left).guardVertical, 0.0);
+  EXPECT_EQ(section.fillSettings.series, 1);
+  EXPECT_EQ(section.cutSettings.series, 0);
+  EXPECT_EQ(section.cutSettings.bench2, 7.0);
+  EXPECT_EQ(section.CutOf(Side::Right).rockSlope, 0.25);
+  EXPECT_EQ(section.CutOf(Side::Left).rockSlope, 1.0);
 }
 
 TEST(TemplateReader, KeepsFiveRowsAnd121Bytes) {
@@ -71,7 +71,7 @@ TEST(TemplateReader, FindsCurbsAndMediansByName) {
   EXPECT_EQ(inserts[0], (SurfaceInsert{SurfaceInsert::Kind::Curb, "A1", 1}));
   EXPECT_EQ(inserts[1], (SurfaceInsert{SurfaceInsert::Kind::Median, "M 2", 1}));
   ASSERT_NE(section.FindCurb("A1"), nullptr);
-  EXPECT_EQ(section.FindCurb("A1")->slope_kind, Curb::Slope::Match);
+  EXPECT_EQ(section.FindCurb("A1")->slopeKind, Curb::Slope::Match);
   EXPECT_EQ(section.FindCurb("A1")->top, 0.15);
   ASSERT_NE(section.FindCurb("B2"), nullptr);
   EXPECT_EQ(section.FindCurb("B2")->slope, 2.5);
@@ -83,18 +83,18 @@ TEST(TemplateReader, FindsCurbsAndMediansByName) {
 TEST(TemplateReader, ComparesKeysWithTheirPadding) {
   const RoadTemplate section =
       ReadTemplate("*ROW\nROWL,5\nROWL  ,6\nROWR  , 7\nrowr  ,8\n*NEW\nMOVESL,1,1,1\n\n");
-  EXPECT_EQ(section.right_of_way.left, 6.0);
-  EXPECT_EQ(section.right_of_way.right, 7.0);
+  EXPECT_EQ(section.rightOfWay.left, 6.0);
+  EXPECT_EQ(section.rightOfWay.right, 7.0);
   std::vector<int> lines;
   for (const LineNote& note : section.notes) lines.push_back(note.line);
   EXPECT_THAT(lines, testing::ElementsAre(2, 5, 6, 7));
 }
 
 TEST(TemplateReader, RemembersNumbersThatNoRoadHas) {
-  EXPECT_EQ(ReadTemplate("*FILL-L\nFILDSL,99,3\n").line_out_of_range, 0);
-  EXPECT_EQ(ReadTemplate("*FILL-L\nFILDSL,99,3\nFILDSL,1e999,3\n").line_out_of_range, 3);
+  EXPECT_EQ(ReadTemplate("*FILL-L\nFILDSL,99,3\n").lineOutOfRange, 0);
+  EXPECT_EQ(ReadTemplate("*FILL-L\nFILDSL,99,3\nFILDSL,1e999,3\n").lineOutOfRange, 3);
   const RoadTemplate section = ReadTemplate("*SURFACEL\nMOVESL,3,-1e10:1,EP\nMOVESL,1e12,0,X\n");
-  EXPECT_EQ(section.line_out_of_range, 2);
+  EXPECT_EQ(section.lineOutOfRange, 2);
   EXPECT_EQ(section.notes.size(), 2U);
 }
 

@@ -9,13 +9,13 @@ class ManualClock final : public Clock {
  public:
   LocalTime now{.year = 2026, .month = 6, .day = 1, .hour = 9, .minute = 30, .second = 15};
   std::int64_t milliseconds = 1'000'000;
-  std::int64_t slept_ms = 0;
+  std::int64_t sleptMs = 0;
 
   LocalTime Now() override { return now; }
   std::int64_t SteadyMilliseconds() override { return milliseconds; }
-  void SleepMilliseconds(std::int64_t duration_ms) override {
-    milliseconds += duration_ms;
-    slept_ms += duration_ms;
+  void SleepMilliseconds(std::int64_t durationMs) override {
+    milliseconds += durationMs;
+    sleptMs += durationMs;
   }
 };
 

@@ -29,15 +29,15 @@ class MemoryFile final : public File {
     return {};
   }
   ~MemoryFile() override {
-    if (node_->locked_by == this) node_->locked_by = nullptr;
+    if (node_->lockedBy == this) node_->lockedBy = nullptr;
   }
   MemoryFile(const MemoryFile&) = delete;
   MemoryFile& operator=(const MemoryFile&) = delete;
 
   // Waiting for a lock that this very program holds would never end.
   FileStatus Lock() override {
-    if (node_->locked_by != nullptr && node_->locked_by != this) return {EDEADLK};
-    node_->locked_by = this;
+    if (node_->lockedBy != nullptr && node_->lockedBy != this) return {EDEADLK};
+    node_->lockedBy = this;
     return {};
   }
   bool IsNamed(const std::string& path) override { return files_.IsNamed(*node_, path); }
@@ -56,7 +56,7 @@ void Apply(std::string& data, std::uint64_t offset, std::string_view bytes) {
 
 void MemoryFiles::Expect(Mishap mishap, int step) {
   mishap_ = mishap;
-  mishap_step_ = step;
+  mishapStep_ = step;
   steps_ = 0;
 }
 
@@ -64,11 +64,11 @@ bool MemoryFiles::dead() const {
   return happened() && (mishap_ == Mishap::Killed || mishap_ == Mishap::PowerLoss);
 }
 
-FileStatus MemoryFiles::Step(bool needs_room) {
+FileStatus MemoryFiles::Step(bool needsRoom) {
   ++steps_;
   if (!happened()) return {};
-  if (mishap_ == Mishap::DiskFull) return needs_room ? FileStatus{ENOSPC} : FileStatus{};
-  if (mishap_ == Mishap::Fails) return steps_ == mishap_step_ ? FileStatus{EIO} : FileStatus{};
+  if (mishap_ == Mishap::DiskFull) return needsRoom ? FileStatus{ENOSPC} : FileStatus{};
+  if (mishap_ == Mishap::Fails) return steps_ == mishapStep_ ? FileStatus{EIO} : FileStatus{};
   return {EIO};
 }
 
@@ -90,23 +90,23 @@ std::string MemoryFiles::SurvivingData(const Node& node, unsigned seed) const {
 
 void MemoryFiles::Restart(unsigned seed) {
   if (mishap_ == Mishap::PowerLoss) {
-    const std::size_t kept = seed % (unsynced_names_.size() + 1);
-    names_ = kept == 0 ? durable_names_ : unsynced_names_[kept - 1];
+    const std::size_t kept = seed % (unsyncedNames_.size() + 1);
+    names_ = kept == 0 ? durableNames_ : unsyncedNames_[kept - 1];
     for (auto& [path, node] : names_) node->data = SurvivingData(*node, seed++);
   }
   for (auto& [path, node] : names_) {
     node->durable = node->data;
     node->unsynced.clear();
   }
-  durable_names_ = names_;
-  unsynced_names_.clear();
+  durableNames_ = names_;
+  unsyncedNames_.clear();
   mishap_ = Mishap::None;
 }
 
 void MemoryFiles::Put(const std::string& path, const std::string& bytes) {
   auto node = std::make_shared<Node>();
   node->data = node->durable = bytes;
-  names_[path] = durable_names_[path] = node;
+  names_[path] = durableNames_[path] = node;
 }
 
 std::string MemoryFiles::Bytes(const std::string& path) const {
@@ -126,11 +126,11 @@ FileStatus MemoryFiles::Open(const std::string& path, FileAccess access,
   const bool creates = access != FileAccess::Read && access != FileAccess::ReadWrite;
   if (!exists && !creates) return {ENOENT};
   if (exists && access == FileAccess::CreateNew) return {EEXIST};
-  if (path == read_only_ && access != FileAccess::Read) return {EACCES};
+  if (path == readOnly_ && access != FileAccess::Read) return {EACCES};
   if (!exists) {
     if (FileStatus status = Step(true); !status.ok()) return status;
     names_[path] = std::make_shared<Node>();
-    unsynced_names_.push_back(names_);
+    unsyncedNames_.push_back(names_);
   }
   std::shared_ptr<Node> node = names_[path];
   if (exists && access == FileAccess::CreateOrTruncate) {
@@ -144,7 +144,7 @@ FileStatus MemoryFiles::Remove(const std::string& path) {
   if (!names_.contains(path)) return {ENOENT};
   if (FileStatus status = Step(false); !status.ok()) return status;
   names_.erase(path);
-  unsynced_names_.push_back(names_);
+  unsyncedNames_.push_back(names_);
   return {};
 }
 
@@ -154,7 +154,7 @@ FileStatus MemoryFiles::Rename(const std::string& from, const std::string& to) {
   if (FileStatus status = Step(false); !status.ok()) return status;
   names_[to] = names_[from];
   names_.erase(from);
-  unsynced_names_.push_back(names_);
+  unsyncedNames_.push_back(names_);
   return {};
 }
 
@@ -164,8 +164,8 @@ FileStatus MemoryFiles::RenameToNew(const std::string& from, const std::string& 
 
 FileStatus MemoryFiles::SyncFolderOf(const std::string&) {
   if (FileStatus status = Step(false); !status.ok()) return status;
-  durable_names_ = names_;
-  unsynced_names_.clear();
+  durableNames_ = names_;
+  unsyncedNames_.clear();
   return {};
 }
 
@@ -190,8 +190,8 @@ FileStatus MemoryFiles::Resize(Node& node, std::uint64_t size) {
 
 FileStatus MemoryFiles::Sync(Node& node) {
   if (FileStatus status = Step(false); !status.ok()) return status;
-  if (node.loses_at_sync) {
-    node.loses_at_sync = false;
+  if (node.losesAtSync) {
+    node.losesAtSync = false;
     node.unsynced.clear();
     return {EIO};
   }

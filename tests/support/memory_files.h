@@ -28,14 +28,14 @@ class MemoryFiles final : public FileSystem {
     std::string data;
     std::string durable;
     std::vector<std::pair<std::uint64_t, std::string>> unsynced;  // writes; a resize has no bytes
-    const File* locked_by = nullptr;
-    bool loses_at_sync = false;
+    const File* lockedBy = nullptr;
+    bool losesAtSync = false;
   };
   using Names = std::map<std::string, std::shared_ptr<Node>>;
 
   /// The mishap happens at this step, counted from 1 over all that changes something.
   void Expect(Mishap mishap, int step);
-  bool happened() const { return mishap_ != Mishap::None && steps_ >= mishap_step_; }
+  bool happened() const { return mishap_ != Mishap::None && steps_ >= mishapStep_; }
   /// The machine starts again after the mishap; `seed` decides what a loss of power left.
   void Restart(unsigned seed);
 
@@ -44,8 +44,8 @@ class MemoryFiles final : public FileSystem {
   std::vector<std::string> Paths() const;
   /// The next Sync() of this file fails and its writes never reach the disk, though they are still
   /// read; later ones report success.
-  void LoseAtSync(const std::string& path) { names_.at(path)->loses_at_sync = true; }
-  void MakeReadOnly(const std::string& path) { read_only_ = path; }
+  void LoseAtSync(const std::string& path) { names_.at(path)->losesAtSync = true; }
+  void MakeReadOnly(const std::string& path) { readOnly_ = path; }
   /// The file belongs to somebody else: no new one may take its place.
   void MakeIrreplaceable(const std::string& path) { irreplaceable_.insert(path); }
 
@@ -56,13 +56,13 @@ class MemoryFiles final : public FileSystem {
   FileStatus RenameToNew(const std::string& from, const std::string& to) override;
   FileStatus SyncFolderOf(const std::string& path) override;
   FileStatus CopyRights(const std::string& model, const std::string& path) override {
-    rights_like[path] = model;
+    rightsLike[path] = model;
     return {};
   }
   bool IsReplaceable(const std::string& path) override { return !irreplaceable_.contains(path); }
 
   /// The file that a path was given the rights of.
-  std::map<std::string, std::string> rights_like;
+  std::map<std::string, std::string> rightsLike;
 
   // For the open files.
   FileStatus Write(Node& node, std::uint64_t offset, std::string_view bytes);
@@ -72,17 +72,17 @@ class MemoryFiles final : public FileSystem {
 
  private:
   /// Counts a step; what it comes to when it goes wrong.
-  FileStatus Step(bool needs_room);
+  FileStatus Step(bool needsRoom);
   bool dead() const;
   std::string SurvivingData(const Node& node, unsigned seed) const;
 
   Names names_;
-  Names durable_names_;
-  std::vector<Names> unsynced_names_;  // after each change of a name since the folder was synced
-  std::string read_only_;
+  Names durableNames_;
+  std::vector<Names> unsyncedNames_;  // after each change of a name since the folder was synced
+  std::string readOnly_;
   std::set<std::string> irreplaceable_;
   Mishap mishap_ = Mishap::None;
-  int mishap_step_ = 0;
+  int mishapStep_ = 0;
   int steps_ = 0;
 };
 

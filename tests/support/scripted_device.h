@@ -14,47 +14,47 @@ namespace tarvex {
 
 class ScriptedDevice final : public ByteDevice {
  public:
-  std::string input;        ///< what a read gets next
-  DeviceStatus when_empty;  ///< ok: the read times out; else it fails with this
-  std::string written;      ///< everything written so far
+  std::string input;       ///< what a read gets next
+  DeviceStatus whenEmpty;  ///< ok: the read times out; else it fails with this
+  std::string written;     ///< everything written so far
   std::deque<std::pair<std::string, std::string>> replies;  ///< written text, then input
   DeviceTimeouts timeouts;
-  DeviceStatus open_status;
-  DeviceStatus get_timeouts_status;
-  DeviceStatus set_timeouts_status;
-  std::size_t write_limit = std::string::npos;  ///< bytes that one write takes
+  DeviceStatus openStatus;
+  DeviceStatus getTimeoutsStatus;
+  DeviceStatus setTimeoutsStatus;
+  std::size_t writeLimit = std::string::npos;  ///< bytes that one write takes
   int purges = 0;
-  bool purge_drops = false;
+  bool purgeDrops = false;
 
   DeviceStatus Open(const std::string& /*name*/) override {
-    open_ = open_status.ok();
-    return open_status;
+    open_ = openStatus.ok();
+    return openStatus;
   }
   DeviceStatus Close() override {
     open_ = false;
     return {};
   }
-  bool is_open() const override { return open_; }
+  bool isOpen() const override { return open_; }
 
   DeviceStatus GetTimeouts(DeviceTimeouts& out) override {
     out = timeouts;
-    return get_timeouts_status;
+    return getTimeoutsStatus;
   }
   DeviceStatus SetTimeouts(const DeviceTimeouts& in) override {
-    if (set_timeouts_status.ok()) timeouts = in;
-    return set_timeouts_status;
+    if (setTimeoutsStatus.ok()) timeouts = in;
+    return setTimeoutsStatus;
   }
 
   DeviceStatus Read(std::span<char> out, std::size_t& got) override {
     got = std::min(out.size(), input.size());
     std::memcpy(out.data(), input.data(), got);
     input.erase(0, got);
-    return got > 0 || out.empty() ? DeviceStatus{} : when_empty;
+    return got > 0 || out.empty() ? DeviceStatus{} : whenEmpty;
   }
 
   DeviceStatus Write(std::string_view bytes, const WriteTimeouts& /*timeouts*/,
                      std::size_t& count) override {
-    count = std::min(bytes.size(), write_limit);
+    count = std::min(bytes.size(), writeLimit);
     written += bytes.substr(0, count);
     if (!replies.empty() && bytes.find(replies.front().first) != std::string_view::npos) {
       input += replies.front().second;
@@ -69,7 +69,7 @@ class ScriptedDevice final : public ByteDevice {
   }
   DeviceStatus PurgeInput() override {
     ++purges;
-    if (purge_drops) input.clear();
+    if (purgeDrops) input.clear();
     return {};
   }
 

@@ -13,30 +13,30 @@ namespace tarvex {
 class StandingClock final : public Clock {
  public:
   LocalTime Now() override { return now; }
-  std::int64_t SteadyMilliseconds() override { return steady_ms; }
-  void SleepMilliseconds(std::int64_t duration_ms) override { steady_ms += duration_ms; }
+  std::int64_t SteadyMilliseconds() override { return steadyMs; }
+  void SleepMilliseconds(std::int64_t durationMs) override { steadyMs += durationMs; }
 
   LocalTime now{.year = 2008, .month = 12, .day = 5, .hour = 14, .minute = 3, .second = 9};
-  std::int64_t steady_ms = 0;
+  std::int64_t steadyMs = 0;
 };
 
 class TestHost final : public JobHost {
  public:
   FileSystem& files() override { return memory; }
-  Clock& clock() override { return standing_clock; }
+  Clock& clock() override { return standingClock; }
   ExistingPointAnswer AskExistingPoint(const std::string& id, bool exists) override {
     asked.push_back(id + (exists ? " exists" : " is free"));
     return answer;
   }
   void ShowMessage(const std::string& text) override { messages.push_back(text); }
-  void ShowWaitCursor(bool shown) override { wait_cursor += shown ? "on " : "off "; }
+  void ShowWaitCursor(bool shown) override { waitCursor += shown ? "on " : "off "; }
 
   MemoryFiles memory;
-  StandingClock standing_clock;
+  StandingClock standingClock;
   ExistingPointAnswer answer;
   std::vector<std::string> asked;
   std::vector<std::string> messages;
-  std::string wait_cursor;
+  std::string waitCursor;
 };
 
 inline constexpr const char* kJobPath = "/jobs/site.crd";
@@ -44,7 +44,7 @@ inline constexpr const char* kJobPath = "/jobs/site.crd";
 inline Job MakeJob(TestHost& host, bool alphanumeric) {
   Job job(host);
   job.path = kJobPath;
-  job.alphanumeric_new_files = alphanumeric;
+  job.alphanumericNewFiles = alphanumeric;
   return job;
 }
 
@@ -57,7 +57,7 @@ inline bool EditNote(Job& job, std::string_view id, const NoteEdit& edit) {
 }
 
 inline bool WriteNote(Job& job, const PointNote& note) {
-  return EditNote(job, note.point_id, {.note = note});
+  return EditNote(job, note.pointId, {.note = note});
 }
 
 }  // namespace tarvex

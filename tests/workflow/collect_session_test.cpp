@@ -19,7 +19,7 @@ class Collecting : public FieldSite {
     CollectSession collecting(
         work, *session, calculator, plan, listener, commands, [this] { return stop; }, Ports());
     const SessionEnd end = collecting.Run();
-    lost = collecting.receiver_lost();
+    lost = collecting.receiverLost();
     return end;
   }
 
@@ -41,7 +41,7 @@ using Ids = std::vector<std::string>;
 TEST_F(Collecting, TellsAPointWhenAllThreeFilesHoldIt) {
   plan.count = 2;
   plan.description = "edge";
-  plan.antenna_height = 2.0;
+  plan.antennaHeight = 2.0;
   connections = {{Epoch(1) + Epoch(2) + Epoch(3)}};
   std::vector<bool> whole;
   listener.then = [&](const SessionEvent& event) {
@@ -62,13 +62,13 @@ TEST_F(Collecting, TellsAPointWhenAllThreeFilesHoldIt) {
 TEST_F(Collecting, GoesOnWhenALostReceiverIsBack) {
   plan.count = 0;
   connections = {{Epoch(1), true}, {"", false, true}, {Epoch(20) + Epoch(21), true}};
-  plan.patience_ms = 20'000;
+  plan.patienceMs = 20'000;
   EXPECT_EQ(Run(), SessionEnd::NoPosition);  // it does not return a second time
   EXPECT_TRUE(lost);
   EXPECT_EQ(StoredIds(), (Ids{"1", "2", "3"}));
   ASSERT_EQ(listener.Of<ReceiverLost>().size(), 2U);
   EXPECT_EQ(listener.Of<ReceiverBack>().size(), 1U);
-  EXPECT_EQ(listener.Of<ReceiverLost>()[0].next_try_ms, 1000);
+  EXPECT_EQ(listener.Of<ReceiverLost>()[0].nextTryMs, 1000);
 }
 
 TEST_F(Collecting, EndsWhenItIsToldToWhileTheReceiverIsLost) {
@@ -86,7 +86,7 @@ TEST_F(Collecting, EndsWhenItIsToldToWhileTheReceiverIsLost) {
 // Positions that a limit refuses do not end a session; a receiver that sends none does, on time.
 TEST_F(Collecting, WaitsForPositionsAndNotForLimits) {
   plan.gate.solution = SolutionType::Fixed;
-  plan.patience_ms = 3000;
+  plan.patienceMs = 3000;
   std::string minute;
   for (int second = 0; second < 40; ++second) minute += Epoch(second, 2);
   connections = {{minute + Epoch(50)}};
@@ -145,7 +145,7 @@ TEST_F(Collecting, StoresNothingBeforeThePrecisionCouldBeKnown) {
   connections = {{behind(1) + behind(2) + behind(3)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
   ASSERT_EQ(listener.Of<PointStored>().size(), 1U);
-  EXPECT_TRUE(listener.Of<PointStored>()[0].state.precision_known);
+  EXPECT_TRUE(listener.Of<PointStored>()[0].state.precisionKnown);
   EXPECT_THAT(Notes(), HasSubstr("HRMS,0.010\n"));
 }
 
@@ -153,7 +153,7 @@ TEST_F(Collecting, StoresNothingBeforeThePrecisionCouldBeKnown) {
 TEST_F(Collecting, SaysOfAPointOnlyWhichLimitItDidNotKeepItself) {
   plan.receiver.address.kind = PortKind::File;
   plan.gate.solution = SolutionType::Fixed;
-  plan.override_gate = true;
+  plan.overrideGate = true;
   std::string nowhere = Epoch(1, 2);  // where the projection ends
   const std::size_t gga = nowhere.find("$GNGGA");
   nowhere = nowhere.substr(0, gga) +
@@ -171,14 +171,14 @@ TEST_F(Collecting, AsksNobodyAboutAPointThatExistsAndReplacesNone) {
   plan.count = 1;
   connections = {{Epoch(1) + Epoch(2)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
-  session->job().current_point_id = "1";
+  session->job().currentPointId = "1";
   connections = {{Epoch(3) + Epoch(4)}};
   EXPECT_EQ(Run(), SessionEnd::Failed);
   ASSERT_EQ(listener.Of<PointExists>().size(), 1U);
   EXPECT_EQ(listener.Of<PointExists>()[0].id, "1");
 
-  session->job().current_point_id = "1";
-  session->set_policy(ExistingPolicy::Overwrite);
+  session->job().currentPointId = "1";
+  session->setPolicy(ExistingPolicy::Overwrite);
   connections = {{Epoch(5) + Epoch(6)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
   ASSERT_TRUE(listener.Of<PointStored>().back().replaced);
@@ -210,29 +210,29 @@ TEST_F(Collecting, WarnsOfAPlaceWhereTheJobCannotBe) {
 TEST_F(Collecting, TellsHowTheHeightBecameTheElevation) {
   class HeightShift final : public DatumShift {
     StepOutcome ToSystem(Geodetic& position) const override {
-      position.height_m -= 40.0;
+      position.heightM -= 40.0;
       return {};
     }
     StepOutcome ToWgs84(Geodetic& position) const override {
-      position.height_m += 40.0;
+      position.heightM += 40.0;
       return {};
     }
     std::string Describe() const override { return "40 m"; }
   };
   class SiteShift final : public SiteLocalization {
     StepOutcome ToLocal(GridMetres& point) const override {
-      point.elevation_m += 0.25;
+      point.elevationM += 0.25;
       return {};
     }
     StepOutcome ToGrid(GridMetres& point) const override {
-      point.elevation_m -= 0.25;
+      point.elevationM -= 0.25;
       return {};
     }
     std::string Describe() const override { return "0.25 m"; }
   };
-  calculator.SetSteps({.datum_shift = std::make_shared<HeightShift>(),
+  calculator.SetSteps({.datumShift = std::make_shared<HeightShift>(),
                        .localization = std::make_shared<SiteShift>()});
-  plan.antenna_height = 2.0;
+  plan.antennaHeight = 2.0;
   connections = {{Epoch(1) + Epoch(2)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
   EXPECT_THAT(Raw(), HasSubstr("\n--Heights: ellipsoid 547.6000, antenna 2.0000, datum shift "
@@ -248,7 +248,7 @@ TEST_F(Collecting, NeverTellsAPointThatAFullDiskRefused) {
     session.emplace(work, kSitePath);
     ASSERT_TRUE(session->Load());
     ASSERT_NE(OpenCoordinateFile(session->job(), true), nullptr);
-    session->job().current_point_id = "1";
+    session->job().currentPointId = "1";
     listener.events.clear();
     connections = {{Epoch(1) + Epoch(2) + Epoch(3) + Epoch(4)}};
     memory.Expect(Mishap::DiskFull, step);
@@ -271,8 +271,8 @@ TEST_F(Collecting, SaysWhatAReceiverThatSendsNoPositionLacks) {
   for (int line = 0; line < 100; ++line) {
     input += WithChecksum("GNRMC,093000.00,A,4717.112,N,00915.912,E,0.0,0.0,211126,,,A");
   }
-  connections.push_back({.input = input, .line_ms = 200});
-  plan.patience_ms = 12'000;
+  connections.push_back({.input = input, .lineMs = 200});
+  plan.patienceMs = 12'000;
   EXPECT_EQ(Run(), SessionEnd::NoPosition);
   const std::vector<NoPosition> told = listener.Of<NoPosition>();
   ASSERT_GE(told.size(), 3U);  // every 3 s
@@ -282,7 +282,7 @@ TEST_F(Collecting, SaysWhatAReceiverThatSendsNoPositionLacks) {
 TEST_F(Collecting, CallsASilentReceiverSilent) {
   connections.push_back({.input = Epoch(1)});
   plan.count = 2;
-  plan.patience_ms = 8'500;
+  plan.patienceMs = 8'500;
   EXPECT_EQ(Run(), SessionEnd::NoPosition);
   const std::vector<NoPosition> told = listener.Of<NoPosition>();
   ASSERT_FALSE(told.empty());

@@ -85,9 +85,9 @@ class RememberingListener final : public SessionListener {
 /// What a receiver does from one opening of its port to the next.
 struct Connection {
   std::string input;
-  bool hangs_up = false;     ///< behind the input; else it is silent
-  bool refused = false;      ///< it cannot be opened at all
-  std::int64_t line_ms = 0;  ///< between two lines; 0: all at once
+  bool hangsUp = false;     ///< behind the input; else it is silent
+  bool refused = false;     ///< it cannot be opened at all
+  std::int64_t lineMs = 0;  ///< between two lines; 0: all at once
 };
 
 /// Plays one connection after the other; an empty read lets its time-out pass on the clock.
@@ -107,7 +107,7 @@ class ScriptedLine final : public ByteDevice {
     open_ = false;
     return {};
   }
-  bool is_open() const override { return open_; }
+  bool isOpen() const override { return open_; }
   DeviceStatus GetTimeouts(DeviceTimeouts& out) override {
     out = timeouts_;
     return {};
@@ -121,11 +121,11 @@ class ScriptedLine final : public ByteDevice {
     now_.input.copy(out.data(), got);
     now_.input.erase(0, got);
     if (got > 0 && out[got - 1] == '\n') {
-      next_line_ms_ = clock_.SteadyMilliseconds() + now_.line_ms;
+      nextLineMs_ = clock_.SteadyMilliseconds() + now_.lineMs;
     }
     if (got > 0 || !now_.input.empty()) return {};
-    if (now_.hangs_up) return {DeviceStatus::kHungUp};
-    clock_.SleepMilliseconds(std::max<std::int64_t>(1, timeouts_.read.constant_ms));
+    if (now_.hangsUp) return {DeviceStatus::kHungUp};
+    clock_.SleepMilliseconds(std::max<std::int64_t>(1, timeouts_.read.constantMs));
     return {};
   }
   DeviceStatus Write(std::string_view bytes, const WriteTimeouts&, std::size_t& written) override {
@@ -141,15 +141,15 @@ class ScriptedLine final : public ByteDevice {
  private:
   // How many bytes there are to read within the time-out, which passes when there are none.
   std::size_t LineIsDue() {
-    if (now_.line_ms == 0 || now_.input.empty()) return now_.input.size();
-    const std::int64_t wait_ms = next_line_ms_ - clock_.SteadyMilliseconds();
-    const auto timeout_ms = std::max<std::int64_t>(1, timeouts_.read.constant_ms);
-    if (wait_ms > 0) clock_.SleepMilliseconds(std::min(wait_ms, timeout_ms));
-    if (wait_ms > timeout_ms) return 0;
+    if (now_.lineMs == 0 || now_.input.empty()) return now_.input.size();
+    const std::int64_t waitMs = nextLineMs_ - clock_.SteadyMilliseconds();
+    const auto timeoutMs = std::max<std::int64_t>(1, timeouts_.read.constantMs);
+    if (waitMs > 0) clock_.SleepMilliseconds(std::min(waitMs, timeoutMs));
+    if (waitMs > timeoutMs) return 0;
     return now_.input.find('\n') + 1;
   }
 
-  std::int64_t next_line_ms_ = 0;
+  std::int64_t nextLineMs_ = 0;
   Clock& clock_;
   std::deque<Connection>& connections_;
   Connection now_;
@@ -168,7 +168,7 @@ constexpr const char* kUtm32 =
 inline ChosenReceiver ConnectedReceiver() {
   ChosenReceiver receiver;
   receiver.address.kind = PortKind::Tcp;
-  receiver.settings = FindMake(receiver.make_code).settings;
+  receiver.settings = FindMake(receiver.makeCode).settings;
   return receiver;
 }
 
@@ -180,7 +180,7 @@ class FieldSite : public testing::Test {
     EXPECT_TRUE(session->Load());
     EXPECT_NE(OpenCoordinateFile(session->job(), true), nullptr);
     calculator.ParseDefinition(kUtm32, nullptr);
-    session->job().current_point_id = "1";
+    session->job().currentPointId = "1";
   }
 
   /// The ports of a session play `connections`.

@@ -24,9 +24,9 @@ class JobWork : public FieldSite {
   void Measure(const std::string& id) {
     const auto unit = JobUnit::Begin(session->job());
     unit->EditNote(id, {.kind = NoteEdit::Kind::SetQuality,
-                        .note = {.point_id = id,
+                        .note = {.pointId = id,
                                  .lines = {"seen from north"},
-                                 .quality_lines = "HRMS,0.010\nSTATUS,FIXED\n"}});
+                                 .qualityLines = "HRMS,0.010\nSTATUS,FIXED\n"}});
     ASSERT_EQ(unit->Commit(), ChangeResult::Done);
   }
 };
@@ -34,7 +34,7 @@ class JobWork : public FieldSite {
 TEST_F(JobWork, TypedOverMeasuredIsNoLongerMeasured) {
   ASSERT_EQ(Store("A", 1.0), StoringResult::Stored);
   Measure("A");
-  session->set_policy(ExistingPolicy::Overwrite);
+  session->setPolicy(ExistingPolicy::Overwrite);
   EXPECT_EQ(Store("A", 2.0), StoringResult::Stored);
   EXPECT_EQ(Notes(), "PT_ID:A\nNOTE1,seen from north\n");
   EXPECT_THAT(Raw(), HasSubstr("\n--Replaced point:SP,PNA,N 1.0000,"));
@@ -61,7 +61,7 @@ TEST_F(JobWork, TheRawFileIsStampedOnceASession) {
 
 TEST_F(JobWork, APersonIsAskedWithBothPlacesAndWithoutALock) {
   ASSERT_EQ(Store("A", 1.0), StoringResult::Stored);
-  session->set_policy(ExistingPolicy::Ask);
+  session->setPolicy(ExistingPolicy::Ask);
   observer.answer.choice = ExistingPointAnswer::Choice::Cancel;
   EXPECT_EQ(Store("A", 2.0), StoringResult::Exists);
   ASSERT_EQ(observer.asked.size(), 1U);
@@ -75,15 +75,15 @@ TEST_F(JobWork, AnImportTellsWhatItMeetsAndCanLeaveIt) {
   const PointImport import =
       ParsePointImport(session->job(), "1,10,20,30,a\n2,11,21,31,b\n# remark\n3,12,22,32\nbad,1\n");
   ASSERT_EQ(import.points.size(), 3U);
-  ASSERT_EQ(import.bad_lines.size(), 1U);
-  EXPECT_EQ(import.bad_lines[0].number, 5U);
+  ASSERT_EQ(import.badLines.size(), 1U);
+  EXPECT_EQ(import.badLines[0].number, 5U);
   const auto conflicts = FindImportConflicts(*session, import);
   ASSERT_TRUE(conflicts);
   EXPECT_EQ(conflicts->existing, 1U);
   EXPECT_EQ(conflicts->measured, 1U);
-  EXPECT_LT(conflicts->away_m, 100.0);
+  EXPECT_LT(conflicts->awayM, 100.0);
   const PointImport swapped = ParsePointImport(session->job(), "9,5184000,520000,30\n");
-  EXPECT_GT(FindImportConflicts(*session, swapped)->away_m, 5e6);
+  EXPECT_GT(FindImportConflicts(*session, swapped)->awayM, 5e6);
   const ImportResult left = StorePointImport(*session, import, ImportExisting::Skip, "office.csv");
   EXPECT_TRUE(left.done);
   EXPECT_EQ(left.stored, 2U);
@@ -114,7 +114,7 @@ TEST_F(JobWork, InterruptedAnywhereIsDoneOrNot) {
     session.emplace(work, kSitePath);
     ASSERT_TRUE(session->Load());
     ASSERT_NE(OpenCoordinateFile(session->job(), true), nullptr);
-    session->set_policy(ExistingPolicy::Overwrite);
+    session->setPolicy(ExistingPolicy::Overwrite);
     for (const char* id : {"1", "2", "3"}) ASSERT_EQ(Store(id, 1.0), StoringResult::Stored);
     Measure("2");
     ASSERT_TRUE(CloseJob(session->job()).ok());

@@ -72,7 +72,7 @@ TEST_F(SessionThreads, LetCorrectionsFlowUntilItEnds) {
       "\xD3\x00\x13\x3E\xD7\xD3\x02\x02\x98\x0E\xDE\xEF\x34\xB4\xBD\x62\xAC\x09\x41\x98\x6F\x33\x36"
       "\x0B\x98",
       25);
-  CasterContent content{.data = frame, .bytes_per_second = 25'000};
+  CasterContent content{.data = frame, .bytesPerSecond = 25'000};
   content.stream.mountpoint.Assign("MNT");
   content.stream.nmea = true;
   LoopbackCaster caster(content, SystemClock());
@@ -80,7 +80,7 @@ TEST_F(SessionThreads, LetCorrectionsFlowUntilItEnds) {
   plan.corrections = CorrectionPlan{
       .caster = {.host = FixedText<128>("127.0.0.1"), .port = std::to_string(caster.port())},
       .mountpoint = "MNT",
-      .gga_interval_ms = 20};
+      .ggaIntervalMs = 20};
   PlayEpochsOfAnHour();
   std::jthread person([&] {
     std::uint64_t uploads = 0;
@@ -97,7 +97,7 @@ TEST_F(SessionThreads, LetCorrectionsFlowUntilItEnds) {
   ASSERT_FALSE(seen.empty());
   ASSERT_TRUE(seen.back().corrections);
   EXPECT_GT(seen.back().corrections->frames, 0U);
-  EXPECT_GT(seen.back().corrections->bytes_to_receiver, 0U);
+  EXPECT_GT(seen.back().corrections->bytesToReceiver, 0U);
   EXPECT_GE(caster.streams(), 2U) << "opened anew";
 }
 

@@ -19,18 +19,18 @@ class PlainGuide final : public StakeGuide {
   StakeView Show(const StakePosition& at, bool good, const std::string&) override {
     ++shown;
     last = at;
-    good_shown += good ? 1 : 0;
-    return good && shown >= on_stake_from ? StakeView::OnTheStake : StakeView::Shown;
+    goodShown += good ? 1 : 0;
+    return good && shown >= onStakeFrom ? StakeView::OnTheStake : StakeView::Shown;
   }
-  double PreciseHrms() const override { return precise_hrms; }
+  double PreciseHrms() const override { return preciseHrms; }
   void TakeStored(const StakePosition& at) override { stored = at; }
   std::string Description() const override { return "stake " + std::to_string(shown); }
   std::vector<std::string> Records() const override { return {"\n--Stake: design here"}; }
 
   int shown = 0;
-  int good_shown = 0;
-  int on_stake_from = 1000;
-  double precise_hrms = 0.015;
+  int goodShown = 0;
+  int onStakeFrom = 1000;
+  double preciseHrms = 0.015;
   StakePosition last;
   StakePosition stored;
 };
@@ -40,7 +40,7 @@ class Staking : public FieldSite {
   Staking() {
     plan.receiver = ConnectedReceiver();
     plan.store = true;
-    session->job().current_point_id = "S1";
+    session->job().currentPointId = "S1";
   }
 
   SessionEnd Run() {
@@ -113,7 +113,7 @@ TEST_F(Staking, TakesTheDescriptionThatAPersonTyped) {
 
 TEST_F(Staking, StoresNothingWhenItEndsOrTheLinkIsLost) {
   connections = {{Epochs(0, 5), true}};
-  plan.patience_ms = 5000;
+  plan.patienceMs = 5000;
   EXPECT_EQ(Run(), SessionEnd::NoPosition);
   connections = {{Epochs(10, 5)}};
   listener.then = [&](const SessionEvent& event) {
@@ -126,33 +126,33 @@ TEST_F(Staking, StoresNothingWhenItEndsOrTheLinkIsLost) {
 
 TEST_F(Staking, KeepsTheLimitsAndTheToleranceForTheWord) {
   plan.gate.solution = SolutionType::Fixed;
-  guide.on_stake_from = 3;
-  plan.store_on_stake = true;
+  guide.onStakeFrom = 3;
+  plan.storeOnStake = true;
   connections = {{Epochs(0, 8, 2) + Epochs(8, 8)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
   EXPECT_EQ(guide.shown, 9);  // eight DGPS positions are shown and not stored
-  EXPECT_EQ(guide.good_shown, 1);
+  EXPECT_EQ(guide.goodShown, 1);
   EXPECT_EQ(listener.Of<PointStored>().size(), 1U);
 }
 
 // The epochs have an HRMS of 0.010; that of the first also holds while no other comes.
 TEST_F(Staking, SaysWhyAFixedPositionIsNotOnTheStake) {
-  guide.on_stake_from = 1;
-  guide.precise_hrms = 0.009;
-  plan.store_on_stake = true;
-  std::string positions_alone = Epoch(10);
+  guide.onStakeFrom = 1;
+  guide.preciseHrms = 0.009;
+  plan.storeOnStake = true;
+  std::string positionsAlone = Epoch(10);
   for (int second = 11; second < 18; ++second) {
     const std::string epoch = Epoch(second);
-    positions_alone += epoch.substr(epoch.find("$GNGGA"));
+    positionsAlone += epoch.substr(epoch.find("$GNGGA"));
   }
-  for (const std::string& input : {Epochs(0, 8), positions_alone}) {
+  for (const std::string& input : {Epochs(0, 8), positionsAlone}) {
     connections = {{input, true}};
-    plan.patience_ms = 5000;
+    plan.patienceMs = 5000;
     listener.events.clear();
     EXPECT_EQ(Run(), SessionEnd::NoPosition);
     EXPECT_TRUE(listener.Of<PointStored>().empty());
     EXPECT_GT(guide.shown, 5);
-    EXPECT_EQ(guide.good_shown, 0);
+    EXPECT_EQ(guide.goodShown, 0);
     const auto warnings = listener.Of<SessionWarning>();
     EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(),
                             [](const SessionWarning& warning) {

@@ -18,7 +18,7 @@ namespace {
 
 struct BasesOptions {
   std::string caster;
-  std::string password_file;
+  std::string passwordFile;
   std::string near;
   bool save = false;
   bool known = false;
@@ -34,7 +34,7 @@ struct Place {
 class ConsoleProgress final : public NtripProgress {
  public:
   explicit ConsoleProgress(Console& console) : console_(console) {}
-  int Progress(int /*value*/, int /*minimum*/, int /*elapsed_s*/) override {
+  int Progress(int /*value*/, int /*minimum*/, int /*elapsedS*/) override {
     return InterruptRequested() ? 1 : 0;
   }
   void Status(std::string_view text) override { console_.ShowProgress(text); }
@@ -70,10 +70,10 @@ Json StreamJson(const StreamRecord& stream, const std::optional<Place>& place) {
       {"mountpoint", stream.mountpoint.view()},
       {"identifier", stream.identifier.view()},
       {"format", stream.format.view()},
-      {"format_details", stream.format_details.view()},
-      {"format_code", stream.format_code},
+      {"format_details", stream.formatDetails.view()},
+      {"format_code", stream.formatCode},
       {"carrier", stream.carrier},
-      {"nav_system", stream.nav_system.view()},
+      {"nav_system", stream.navSystem.view()},
       {"network", stream.network.view()},
       {"country", stream.country.view()},
       {"latitude", stream.latitude},
@@ -113,14 +113,14 @@ ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& lis
                      {.clock = program.clock,
                       .files = program.files,
                       .errors = errors,
-                      .work_folder = folder.path()});
+                      .workFolder = folder.path()});
   list.current = caster;
   ConsoleProgress progress(program.console);
   const PortError error = client.LoadBases(list, progress);
   program.console.EndProgress();
   if (error == PortError::None) return ExitCode::Done;
   const std::string name = CasterName(caster);
-  const std::string sentence = CasterFailureSentence(name, client.cause(), client.cause_detail());
+  const std::string sentence = CasterFailureSentence(name, client.cause(), client.causeDetail());
   return program.Fail(sentence.starts_with(name) ? sentence : name + ": " + sentence);
 }
 
@@ -237,7 +237,7 @@ ExitCode RunBases(const BasesOptions& options, Program& program) {
                           "\" is not a position: give LATITUDE,LONGITUDE in decimal degrees.");
   }
   if (options.known) return ShowKnown(options, caster, place, program);
-  if (!FindPassword(options.password_file, caster, problem)) return program.Misuse(problem);
+  if (!FindPassword(options.passwordFile, caster, problem)) return program.Misuse(problem);
   return ShowOffered(options, caster, place, program);
 }
 
@@ -249,7 +249,7 @@ void AddBasesCommand(CLI::App& app, Program& program) {
   command.sub.footer("Example: tarvex bases caster.example:2101 --near 46.81,9.27");
   command.sub.add_option("CASTER", command.options->caster,
                          "[USER@]HOST[:PORT]: the caster (port 2101 by default)");
-  AddPasswordOption(command.sub, command.options->password_file);
+  AddPasswordOption(command.sub, command.options->passwordFile);
   command.sub.add_option("--near", command.options->near,
                          "LATITUDE,LONGITUDE: the nearest bases first, with their distance");
   command.sub.add_flag("--save", command.options->save,

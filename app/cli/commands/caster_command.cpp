@@ -20,7 +20,7 @@ struct CasterOptions {
   std::string user;
   int port = 2101;
   std::uint32_t rate = 1000;
-  bool wants_gga = false;
+  bool wantsGga = false;
 };
 
 ExitCode Content(const CasterOptions& options, Program& program, CasterContent& content) {
@@ -38,12 +38,12 @@ ExitCode Content(const CasterOptions& options, Program& program, CasterContent& 
   }
   content.stream.identifier.Assign("Trial");
   content.stream.format.Assign("RTCM 3.2");
-  content.stream.nmea = options.wants_gga;
-  content.stream.nav_system.Assign("GPS");
+  content.stream.nmea = options.wantsGga;
+  content.stream.navSystem.Assign("GPS");
   content.stream.generator.Assign("Tarvex");
   content.stream.compression.Assign("none");
   content.stream.authentication = options.user.empty() ? 'N' : 'B';
-  content.bytes_per_second = options.rate;
+  content.bytesPerSecond = options.rate;
   content.user = options.user;
   const char* const password = std::getenv(kPasswordVariable);
   if (!options.user.empty() && password == nullptr) {
@@ -74,11 +74,11 @@ ExitCode RunCaster(const CasterOptions& options, Program& program) {
     }
     std::fflush(stdout);
     program.console.ShowProgress(std::to_string(caster.requests()) + " requests, " +
-                                 std::to_string(caster.bytes_sent()) + " bytes sent");
+                                 std::to_string(caster.bytesSent()) + " bytes sent");
   }
   program.console.EndProgress();
   program.console.Print("Served " + std::to_string(caster.requests()) + " requests, " +
-                        std::to_string(caster.bytes_sent()) + " bytes.\n");
+                        std::to_string(caster.bytesSent()) + " bytes.\n");
   return ExitCode::Done;
 }
 
@@ -99,7 +99,7 @@ void AddCasterCommand(CLI::App& app, Program& program) {
   command.sub.add_option("--mountpoint", options.mountpoint, "Name of the stream (default: TEST)");
   command.sub.add_option("--port", options.port, "TCP port (default: 2101); 0: a free one")
       ->check(CLI::Range(0, 65535));
-  command.sub.add_flag("--wants-gga", options.wants_gga,
+  command.sub.add_flag("--wants-gga", options.wantsGga,
                        "Say in the list of streams that this one needs the rover's position");
   command.sub.add_option("--user", options.user,
                          "User that clients must give; password in TARVEX_CASTER_PASSWORD");

@@ -78,7 +78,7 @@ const FaultText& TextOf(JobFault fault) {
 std::string Placeholder(char letter, const JobFinding& finding, const Job& job) {
   switch (letter) {
     case 'p':
-      return OneLine(finding.point_id);
+      return OneLine(finding.pointId);
     case 'l':
       return std::to_string(finding.line);
     case 'c':
@@ -111,7 +111,7 @@ void PrintJson(const JobCheck& check, bool interrupted, const Job& job, Program&
   Json findings = Json::array();
   for (const JobFinding& finding : check.findings) {
     Json one{{"kind", TextOf(finding.fault).kind}, {"text", Sentence(finding, job)}};
-    if (!finding.point_id.empty()) one["id"] = finding.point_id;
+    if (!finding.pointId.empty()) one["id"] = finding.pointId;
     if (finding.line > 0) one["line"] = finding.line;
     findings.push_back(std::move(one));
   }
@@ -119,7 +119,7 @@ void PrintJson(const JobCheck& check, bool interrupted, const Job& job, Program&
                                   {"ok", check.findings.empty()},
                                   {"finished_an_interrupted_change", interrupted},
                                   {"points", check.points},
-                                  {"raw_records", check.raw_records},
+                                  {"raw_records", check.rawRecords},
                                   {"notes", check.notes},
                                   {"findings", std::move(findings)}}));
 }
@@ -131,12 +131,12 @@ std::string Counted(std::size_t count, std::string_view what) {
 void PrintSentences(const JobCheck& check, const Job& job, Program& program) {
   std::string text;
   for (const JobFinding& finding : check.findings) text += Sentence(finding, job) + "\n";
-  const std::string looked_at = Counted(check.points, "point") + ", " +
-                                Counted(check.raw_records, "raw record") + ", " +
-                                Counted(check.notes, "note");
+  const std::string lookedAt = Counted(check.points, "point") + ", " +
+                               Counted(check.rawRecords, "raw record") + ", " +
+                               Counted(check.notes, "note");
   const std::size_t count = check.findings.size();
-  text += count == 0 ? "The job is whole: " + looked_at + ".\n"
-                     : Counted(count, "fault") + " in " + looked_at + ".\n";
+  text += count == 0 ? "The job is whole: " + lookedAt + ".\n"
+                     : Counted(count, "fault") + " in " + lookedAt + ".\n";
   program.console.Print(text);
 }
 
@@ -146,9 +146,9 @@ ExitCode RunCheck(const CheckOptions& options, Program& program) {
   const auto check = CheckJob(session.job(), session.settings());
   if (!check) return ExitCode::Failed;
   if (options.json) {
-    PrintJson(*check, session.was_interrupted(), session.job(), program);
+    PrintJson(*check, session.wasInterrupted(), session.job(), program);
   } else {
-    if (session.was_interrupted()) program.console.Print(kFinished);
+    if (session.wasInterrupted()) program.console.Print(kFinished);
     PrintSentences(*check, session.job(), program);
   }
   return check->findings.empty() ? ExitCode::Done : ExitCode::Failed;

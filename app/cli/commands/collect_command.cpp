@@ -22,7 +22,7 @@ struct CollectOptions {
   std::string first;
   std::string description;
   std::string existing = "cancel";
-  std::string recorded_at;
+  std::string recordedAt;
 };
 
 // The first id to store under: the one asked for, or the one behind the last of the job.
@@ -35,8 +35,8 @@ ExitCode SettleFirstId(const CollectOptions& options, JobSession& session, Progr
     return TakePointId(session, options.first, problem) ? ExitCode::Done : program.Misuse(problem);
   }
   const auto next = NextIdToUse(job, *stream);
-  if (!next) return program.Fail("No free point id was found behind " + job.current_point_id + ".");
-  job.current_point_id = *next;
+  if (!next) return program.Fail("No free point id was found behind " + job.currentPointId + ".");
+  job.currentPointId = *next;
   return ExitCode::Done;
 }
 
@@ -61,7 +61,7 @@ ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program)
 ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedClock* recorded) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
-  session.set_policy(ParseExistingPolicy(options.existing));
+  session.setPolicy(ParseExistingPolicy(options.existing));
   CollectPlan plan;
   plan.recorded = recorded;
   plan.count = options.count;
@@ -73,10 +73,10 @@ ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedCl
 
 // A recording can be collected at the time of the field.
 ExitCode RunCollect(const CollectOptions& options, Program& program) {
-  if (options.recorded_at.empty()) return CollectInto(options, program, nullptr);
-  const auto start = ParseLocalTime(options.recorded_at);
+  if (options.recordedAt.empty()) return CollectInto(options, program, nullptr);
+  const auto start = ParseLocalTime(options.recordedAt);
   if (!start) {
-    return program.Misuse("\"" + options.recorded_at +
+    return program.Misuse("\"" + options.recordedAt +
                           "\" is not a date and time: give --recorded-at \"2026-11-21 10:15:30\".");
   }
   if (!options.session.receiver.address.starts_with("file:")) {
@@ -112,7 +112,7 @@ void AddCollectCommand(CLI::App& app, Program& program) {
          "--existing", options.existing,
          "When a point exists: overwrite it, use the next free id, or end (default: cancel)")
       ->check(CLI::IsMember({"overwrite", "next", "cancel"}));
-  sub.add_option("--recorded-at", options.recorded_at,
+  sub.add_option("--recorded-at", options.recordedAt,
                  "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
                  "job's files then bear the times of the field");
 }

@@ -16,7 +16,7 @@ struct Command {
   Command(CLI::App& app, Program& program, const std::string& name, const std::string& summary,
           ExitCode (*run)(const Options&, Program&))
       : options(std::make_shared<Options>()), sub(*app.add_subcommand(name, summary)) {
-    sub.callback([kept = options, &program, run] { program.exit_code = run(*kept, program); });
+    sub.callback([kept = options, &program, run] { program.exitCode = run(*kept, program); });
   }
 
   std::shared_ptr<Options> options;

@@ -25,7 +25,7 @@ struct ConvertOptions {
   std::string job;
   std::string system;
   std::string definition;
-  std::string datum_shift;
+  std::string datumShift;
   std::string units = "metres";
   bool inverse = false;
   bool explain = false;
@@ -71,16 +71,16 @@ ExitCode Prepare(const ConvertOptions& options, Program& program, CoordinateSyst
     const bool made = MakeJobCalculator(session, systems, calculator, problem);
     return made ? ExitCode::Done : program.Fail(problem);
   }
-  SystemSource source{.name = "", .definition = "", .datum_shift = options.datum_shift};
+  SystemSource source{.name = "", .definition = "", .datumShift = options.datumShift};
   const bool made = systems.ReadOptions(options.system, options.definition, source, problem) &&
                     systems.MakeCalculator(source, *ParseUnit(options.units), calculator, problem);
   return made ? ExitCode::Done : program.Fail(problem);
 }
 
 void TellWhatToType(ConversionWay way, Console& console) {
-  const bool to_grid = way == ConversionWay::ToGrid;
+  const bool toGrid = way == ConversionWay::ToGrid;
   console.PrintError(std::string("Type ") +
-                     (to_grid ? "latitude longitude [height]" : "northing easting [elevation]") +
+                     (toGrid ? "latitude longitude [height]" : "northing easting [elevation]") +
                      ", a point a line; Ctrl-D ends.\n");
 }
 
@@ -111,7 +111,7 @@ class LineStream {
 
   ExitCode End() {
     undone_.TellCounts();
-    return InterruptRequested() ? ExitCode::Failed : exit_code_;
+    return InterruptRequested() ? ExitCode::Failed : exitCode_;
   }
 
  private:
@@ -122,7 +122,7 @@ class LineStream {
       return;
     }
     const bool failed = !converted.problem.empty();
-    if (failed) exit_code_ = ExitCode::Failed;
+    if (failed) exitCode_ = ExitCode::Failed;
     if (options_.json) {
       const Json json = ConvertedJson(converted, way_, number_, options_.explain);
       text_ += JsonLine(json);
@@ -133,9 +133,9 @@ class LineStream {
     }
     text_ += '\n';
     if (options_.explain && !options_.json) text_ += ExplanationText(converted.report);
-    if (failed || converted.left_undone.empty()) return;
+    if (failed || converted.leftUndone.empty()) return;
     Write();
-    undone_.Note(converted.left_undone, number_);
+    undone_.Note(converted.leftUndone, number_);
   }
 
   void Write() {
@@ -151,7 +151,7 @@ class LineStream {
   std::vector<ConvertedLine> converted_;
   std::string text_;
   std::size_t number_ = 1;
-  ExitCode exit_code_ = ExitCode::Done;
+  ExitCode exitCode_ = ExitCode::Done;
 };
 
 // Bytes of the file that is named, or of the standard input. A failure to read is told and ends it.
@@ -202,8 +202,8 @@ ExitCode RunConvert(const ConvertOptions& options, Program& program) {
   LineStream stream(options, calculator, program);
   std::vector<std::string_view> lines;
   while (!InterruptRequested() && blocks.Next(lines)) stream.Convert(lines);
-  const ExitCode exit_code = stream.End();
-  return input.failed() ? ExitCode::Failed : exit_code;
+  const ExitCode exitCode = stream.End();
+  return input.failed() ? ExitCode::Failed : exitCode;
 }
 
 }  // namespace
@@ -231,7 +231,7 @@ void AddConvertCommand(CLI::App& app, Program& program) {
   sub.add_option("--system", options.system,
                  "Coordinate system by its name or EPSG code (see: tarvex systems)");
   sub.add_option("--definition", options.definition, "File with the definition text of the system");
-  sub.add_option("--datum-shift", options.datum_shift, kDatumShiftHelp)->excludes(job);
+  sub.add_option("--datum-shift", options.datumShift, kDatumShiftHelp)->excludes(job);
   sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")
       ->excludes(job)
       ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));

@@ -34,7 +34,7 @@ ExitCode RunLine(Program& program, const std::vector<std::string>& words) {
     return program.Misuse(error.what());
   }
   program.console.Print("\n");
-  return program.exit_code;
+  return program.exitCode;
 }
 
 // A job that does not exist yet: nothing of an earlier demonstration is touched.
@@ -66,7 +66,7 @@ ExitCode RunDemo(const DemoOptions& options, Program& program) {
   program.console.Print("The job's files:\n  coordinates  " + path + "\n  raw data     " +
                         RawFilePath(session.job()) + "\n  point notes  " +
                         PointNotesPath(session.job()) + "\n  settings     " +
-                        session.settings_path() + "\n");
+                        session.settingsPath() + "\n");
   return ExitCode::Done;
 }
 

@@ -24,9 +24,9 @@ struct GridPackOptions {
 };
 
 // Prints what the files are; the ones that cannot be read are named and fail the command.
-ExitCode TellFiles(const std::vector<std::string>& paths, bool as_json, Program& program) {
+ExitCode TellFiles(const std::vector<std::string>& paths, bool asJson, Program& program) {
   LoadBar bar(program.console);
-  ExitCode exit_code = ExitCode::Done;
+  ExitCode exitCode = ExitCode::Done;
   Json list = Json::array();
   for (const std::string& path : paths) {
     GridFileInfo info;
@@ -34,15 +34,15 @@ ExitCode TellFiles(const std::vector<std::string>& paths, bool as_json, Program&
     program.console.EndProgress();
     if (!status.ok()) {
       const bool text = status.problem == GridProblem::NotThisFormat && path.ends_with(".txt");
-      exit_code = program.Fail(status.Text() + (text ? kPackFirst : ""));
-    } else if (as_json) {
+      exitCode = program.Fail(status.Text() + (text ? kPackFirst : ""));
+    } else if (asJson) {
       list.push_back(GridFileJson(path, info));
     } else {
       program.console.Print(GridFileText(path, info));
     }
   }
-  if (as_json) program.console.Print(JsonText({{"files", std::move(list)}}));
-  return exit_code;
+  if (asJson) program.console.Print(JsonText({{"files", std::move(list)}}));
+  return exitCode;
 }
 
 // A name without a folder that is not here is looked for where the program looks for grids.
@@ -50,8 +50,8 @@ ExitCode RunGridInfo(const GridInfoOptions& options, Program& program) {
   std::vector<std::string> paths = options.files;
   for (std::string& path : paths) {
     if (path.find('/') == std::string::npos && !program.files.Exists(path)) {
-      const std::string in_data_folder = DataFolder(program) + path;
-      if (program.files.Exists(in_data_folder)) path = in_data_folder;
+      const std::string inDataFolder = DataFolder(program) + path;
+      if (program.files.Exists(inDataFolder)) path = inDataFolder;
     }
   }
   return TellFiles(paths, options.json, program);

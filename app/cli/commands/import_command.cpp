@@ -17,7 +17,7 @@ constexpr std::uint64_t kLargestImport = std::uint64_t{1} << 32U;
 struct ImportOptions {
   std::string job;
   std::string file;
-  bool skip_bad_lines = false;
+  bool skipBadLines = false;
   std::string existing = "ask";
 };
 
@@ -55,13 +55,13 @@ ExitCode StoreImport(const PointImport& import, const ImportOptions& options, Jo
                      Program& program) {
   const auto conflicts = FindImportConflicts(session, import);
   if (!conflicts) return ExitCode::Failed;
-  if (conflicts->away_m > kOddDistanceM) {
+  if (conflicts->awayM > kOddDistanceM) {
     program.Warn("The points of " + options.file + " are " +
-                 FixedNumber(conflicts->away_m / 1000.0, 0) +
+                 FixedNumber(conflicts->awayM / 1000.0, 0) +
                  " km from those of the job. Are northing and easting in their columns?");
   }
   const auto existing = SettleExisting(options, *conflicts, program);
-  if (!existing) return program.exit_code;
+  if (!existing) return program.exitCode;
   const ImportResult result = StorePointImport(session, import, *existing, options.file);
   if (!result.done) return ExitCode::Failed;
   std::string told = "Stored " + Count(result.stored, "point") + " from " + options.file;
@@ -69,7 +69,7 @@ ExitCode StoreImport(const PointImport& import, const ImportOptions& options, Jo
   if (result.skipped > 0)
     told += "; " + Count(result.skipped, "existing point") + " left as before";
   program.console.Print(told + ".\n");
-  return import.bad_lines.empty() ? ExitCode::Done : ExitCode::Failed;
+  return import.badLines.empty() ? ExitCode::Done : ExitCode::Failed;
 }
 
 ExitCode RunImport(const ImportOptions& options, Program& program) {
@@ -80,10 +80,10 @@ ExitCode RunImport(const ImportOptions& options, Program& program) {
   const FileStatus status = ReadWholeFile(program.files, options.file, kLargestImport, text);
   if (!status.ok()) return program.Fail(options.file + " cannot be read: " + status.Text() + ".");
   const PointImport import = ParsePointImport(session.job(), text);
-  for (const BadLine& bad : import.bad_lines) {
+  for (const BadLine& bad : import.badLines) {
     (void)program.Fail(options.file + " line " + std::to_string(bad.number) + ": " + bad.problem);
   }
-  if (!import.bad_lines.empty() && !options.skip_bad_lines) {
+  if (!import.badLines.empty() && !options.skipBadLines) {
     return program.Fail("Nothing was stored. (--skip-bad-lines stores the other lines.)");
   }
   if (import.points.empty()) return program.Fail(options.file + " holds no points.");
@@ -100,7 +100,7 @@ void AddImportCommand(CLI::App& app, Program& program) {
       .add_option("FILE", command.options->file,
                   "Lines ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]; # starts a comment line")
       ->required();
-  command.sub.add_flag("--skip-bad-lines", command.options->skip_bad_lines,
+  command.sub.add_flag("--skip-bad-lines", command.options->skipBadLines,
                        "Store the good lines although others are bad");
   command.sub
       .add_option("--existing", command.options->existing,

@@ -29,7 +29,7 @@ class Localize {
         return program_.Misuse(work_.problem());
       case LocalizationResult::Failed:
         (void)program_.Fail(work_.problem());
-        if (work_.report().points.empty()) return program_.exit_code;
+        if (work_.report().points.empty()) return program_.exitCode;
         break;
       case LocalizationResult::KeptUnused:
         (void)program_.Fail(work_.problem() + " The list is kept, but the job does not use it.");
@@ -40,13 +40,13 @@ class Localize {
         break;
     }
     Print(refused_ ? "The fit that was refused" : work_.localization().path);
-    return program_.exit_code;
+    return program_.exitCode;
   }
 
  private:
   std::string Refusal() const {
     std::string text = " Nothing was changed";
-    text += work_.worked_before() ? "; the job goes on with the localization that it has." : ".";
+    text += work_.workedBefore() ? "; the job goes on with the localization that it has." : ".";
     if (options_.adds()) text += " (--no-horizontal --no-vertical adds the point as unused.)";
     if (work_.control().fit.usable()) text += " (--on takes the fit all the same.)";
     return text;

@@ -9,7 +9,7 @@ namespace {
 
 void AddPointOptions(CLI::App& sub, LocalizeOptions& options) {
   const std::string group = "Adding a control point";
-  sub.add_option("--gnss", options.gnss_id,
+  sub.add_option("--gnss", options.gnssId,
                  "GNSS position: the last one of this point in the raw file")
       ->group(group);
   sub.add_option("--wgs84", options.wgs84,
@@ -17,7 +17,7 @@ void AddPointOptions(CLI::App& sub, LocalizeOptions& options) {
       ->expected(3)
       ->type_name("LAT LON HEIGHT")
       ->group(group);
-  sub.add_option("--known", options.known_id, "Local coordinates: those of this point of the job")
+  sub.add_option("--known", options.knownId, "Local coordinates: those of this point of the job")
       ->group(group);
   sub.add_option("--local", options.local, "Local coordinates in the job's unit")
       ->expected(3)
@@ -27,18 +27,18 @@ void AddPointOptions(CLI::App& sub, LocalizeOptions& options) {
       ->group(group);
   sub.add_option("--hrms", options.hrms, "Horizontal RMS of the GNSS position")->group(group);
   sub.add_option("--vrms", options.vrms, "Vertical RMS of the GNSS position")->group(group);
-  sub.add_flag("--no-horizontal", options.no_horizontal, "The point takes no part horizontally")
+  sub.add_flag("--no-horizontal", options.noHorizontal, "The point takes no part horizontally")
       ->group(group);
-  sub.add_flag("--no-vertical", options.no_vertical, "The point takes no part vertically")
+  sub.add_flag("--no-vertical", options.noVertical, "The point takes no part vertically")
       ->group(group);
 }
 
 void AddListOptions(CLI::App& sub, LocalizeOptions& options) {
   const std::string group = "Changing the list (points by their number in it)";
-  sub.add_option("--toggle-horizontal", options.toggle_horizontal,
+  sub.add_option("--toggle-horizontal", options.toggleHorizontal,
                  "Use them horizontally, or no longer")
       ->group(group);
-  sub.add_option("--toggle-vertical", options.toggle_vertical, "Use them vertically, or no longer")
+  sub.add_option("--toggle-vertical", options.toggleVertical, "Use them vertically, or no longer")
       ->group(group);
   sub.add_option("--remove", options.remove, "Take points off the list")->group(group);
   sub.add_option("--from", options.from, "Take the whole list from another .loc file")
@@ -68,11 +68,11 @@ bool AreNumbers(const std::vector<double>& values) {
 
 bool TakePosition(const LocalizeOptions& options, ControlPointSource& source,
                   std::string& problem) {
-  if (options.wgs84.empty() == options.gnss_id.empty()) {
+  if (options.wgs84.empty() == options.gnssId.empty()) {
     problem = "Give the GNSS position with --wgs84 LAT LON HEIGHT or --gnss ID.";
     return false;
   }
-  source.gnss_id = options.gnss_id;
+  source.gnssId = options.gnssId;
   if (options.wgs84.empty()) return true;
   const double latitude = options.wgs84[0];
   const double longitude = options.wgs84[1];
@@ -86,11 +86,11 @@ bool TakePosition(const LocalizeOptions& options, ControlPointSource& source,
 }
 
 bool TakeLocal(const LocalizeOptions& options, ControlPointSource& source, std::string& problem) {
-  if (options.local.empty() == options.known_id.empty()) {
+  if (options.local.empty() == options.knownId.empty()) {
     problem = "Give the local coordinates with --local N E EL or --known ID.";
     return false;
   }
-  source.known_id = options.known_id;
+  source.knownId = options.knownId;
   if (options.local.empty()) return true;
   if (!AreNumbers(options.local)) {
     problem = "--local takes northing, easting and elevation as numbers.";
@@ -112,8 +112,8 @@ bool TakeControlPoint(const LocalizeOptions& options, ControlPointSource& source
   source.description = options.description;
   source.hrms = options.hrms;
   source.vrms = options.vrms;
-  source.use_horizontal = !options.no_horizontal;
-  source.use_vertical = !options.no_vertical;
+  source.useHorizontal = !options.noHorizontal;
+  source.useVertical = !options.noVertical;
   return true;
 }
 
@@ -123,8 +123,8 @@ bool TakeLocalizationRequest(const LocalizeOptions& options, LocalizationRequest
                              std::string& problem) {
   if (options.adds() && !TakeControlPoint(options, request.add.emplace(), problem)) return false;
   request.remove = options.remove;
-  request.toggle_horizontal = options.toggle_horizontal;
-  request.toggle_vertical = options.toggle_vertical;
+  request.toggleHorizontal = options.toggleHorizontal;
+  request.toggleVertical = options.toggleVertical;
   request.from = options.from;
   request.horizontal = ParseHorizontalMethod(options.method);
   request.vertical = ParseVerticalMethod(options.heights);

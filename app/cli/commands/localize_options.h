@@ -16,19 +16,19 @@ namespace tarvex {
 struct LocalizeOptions {
   std::string job;
   // Adding a point
-  std::string gnss_id;
+  std::string gnssId;
   std::vector<double> wgs84;
-  std::string known_id;
+  std::string knownId;
   std::vector<double> local;
   std::string description;
   double hrms = 0.0;
   double vrms = 0.0;
-  bool no_horizontal = false;
-  bool no_vertical = false;
+  bool noHorizontal = false;
+  bool noVertical = false;
   // Changing the list
   std::vector<std::size_t> remove;
-  std::vector<std::size_t> toggle_horizontal;
-  std::vector<std::size_t> toggle_vertical;
+  std::vector<std::size_t> toggleHorizontal;
+  std::vector<std::size_t> toggleVertical;
   std::string from;
   // How to fit
   std::string method;
@@ -40,7 +40,7 @@ struct LocalizeOptions {
   bool json = false;
 
   bool adds() const {
-    return !gnss_id.empty() || !wgs84.empty() || !known_id.empty() || !local.empty();
+    return !gnssId.empty() || !wgs84.empty() || !knownId.empty() || !local.empty();
   }
 };
 

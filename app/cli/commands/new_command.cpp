@@ -23,20 +23,20 @@ struct NewOptions {
   std::string units = "metres";
   std::string system;
   std::string definition;
-  std::string datum_shift;
+  std::string datumShift;
   std::string geoid;
-  bool south_azimuths = false;
-  bool curvature_correction = false;
-  std::string scale_factor = "1";
+  bool southAzimuths = false;
+  bool curvatureCorrection = false;
+  std::string scaleFactor = "1";
   std::string name;
 };
 
 void FillSettings(const NewOptions& options, const SystemSource& source, Settings& settings) {
   settings.Set("ids", options.numeric ? "numeric" : "alphanumeric");
   settings.Set("units", options.units);
-  settings.Set("azimuths", options.south_azimuths ? "south" : "north");
-  settings.Set("scale_factor", options.scale_factor);
-  settings.Set("curvature_correction", options.curvature_correction ? "1" : "0");
+  settings.Set("azimuths", options.southAzimuths ? "south" : "north");
+  settings.Set("scale_factor", options.scaleFactor);
+  settings.Set("curvature_correction", options.curvatureCorrection ? "1" : "0");
   if (!options.name.empty()) settings.Set("name", options.name);
   PutSystemIntoSettings(source, settings);
 }
@@ -45,7 +45,7 @@ void FillSettings(const NewOptions& options, const SystemSource& source, Setting
 std::vector<std::string> JobPaths(JobSession& session) {
   const Job& job = session.job();
   return {job.path, job.path + ".redo", RawFilePath(job), PointNotesPath(job),
-          session.settings_path()};
+          session.settingsPath()};
 }
 
 // The first of these files that exists; empty when none does.
@@ -67,15 +67,15 @@ ExitCode CreateFiles(Program& program, JobSession& session, const SetupFacts& fa
   Job& job = session.job();
   const std::vector<std::string> paths = JobPaths(session);
   const FileStatus claimed =
-      CreateWholeFile(program.files, session.settings_path(), session.settings().Text());
-  if (claimed.code == EEXIST) return RefuseExisting(program, session.settings_path());
+      CreateWholeFile(program.files, session.settingsPath(), session.settings().Text());
+  if (claimed.code == EEXIST) return RefuseExisting(program, session.settingsPath());
   if (!claimed.done()) {
-    return program.Fail("The job's settings " + session.settings_path() +
+    return program.Fail("The job's settings " + session.settingsPath() +
                         " cannot be written: " + claimed.Text() + ".");
   }
   const std::string foreign = FirstThatExists(program, std::span(paths).first(paths.size() - 1));
   if (!foreign.empty()) {
-    (void)program.files.Remove(session.settings_path());
+    (void)program.files.Remove(session.settingsPath());
     return RefuseExisting(program, foreign);
   }
   const bool created = OpenCoordinateFile(job, true) &&
@@ -85,11 +85,11 @@ ExitCode CreateFiles(Program& program, JobSession& session, const SetupFacts& fa
   return program.Fail("The job " + job.path + " could not be created.");
 }
 
-void TellCreated(const Job& job, const std::string& system_title, Console& console) {
+void TellCreated(const Job& job, const std::string& systemTitle, Console& console) {
   console.Print("Created the job " + job.path + " (" +
                 (job.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
                 std::string(UnitName(job.unit)) +
-                ", coordinate system: " + (system_title.empty() ? "none" : system_title) + ").\n");
+                ", coordinate system: " + (systemTitle.empty() ? "none" : systemTitle) + ").\n");
 }
 
 // How positions come to the job's coordinates, so that it is read before the field. A step that
@@ -99,9 +99,8 @@ void TellStep(const char* name, const std::string& description, Console& console
 }
 
 void TellSteps(const CalculationSteps& steps, Console& console) {
-  if (steps.datum_shift) TellStep("Datum shift", steps.datum_shift->Describe(), console);
-  if (steps.grid_correction)
-    TellStep("Grid correction", steps.grid_correction->Describe(), console);
+  if (steps.datumShift) TellStep("Datum shift", steps.datumShift->Describe(), console);
+  if (steps.gridCorrection) TellStep("Grid correction", steps.gridCorrection->Describe(), console);
   if (steps.geoid) TellStep("Geoid", steps.geoid->Describe(), console);
 }
 
@@ -126,12 +125,12 @@ ExitCode CheckOptions(const NewOptions& options, Program& program) {
   if (options.job.ends_with("/.crd") || options.job == ".crd") {
     return program.Misuse("The job needs a name before .crd.");
   }
-  const auto scale = ParseNumber(options.scale_factor);
+  const auto scale = ParseNumber(options.scaleFactor);
   if (!scale || *scale < 0.5 || *scale > 2.0) {
-    return program.Misuse("The scale factor \"" + options.scale_factor +
+    return program.Misuse("The scale factor \"" + options.scaleFactor +
                           "\" is not a number from 0.5 to 2.");
   }
-  if (!options.datum_shift.empty() && options.system.empty() && options.definition.empty()) {
+  if (!options.datumShift.empty() && options.system.empty() && options.definition.empty()) {
     return program.Misuse("--datum-shift goes with --system or --definition.");
   }
   if (!options.geoid.empty() && options.system.empty() && options.definition.empty()) {
@@ -143,7 +142,7 @@ ExitCode CheckOptions(const NewOptions& options, Program& program) {
 // The coordinate system of the options; false after a message when it cannot be used.
 bool MakeSystem(const NewOptions& options, Program& program, SystemSource& source,
                 CTrgCalculator& calculator) {
-  source.datum_shift = options.datum_shift;
+  source.datumShift = options.datumShift;
   if (options.system.empty() && options.definition.empty()) return true;
   std::string problem;
   CoordinateSystems systems(program);
@@ -154,7 +153,7 @@ bool MakeSystem(const NewOptions& options, Program& program, SystemSource& sourc
     return false;
   }
   TellPublishedUnit(source.name, options.units, program);
-  if (source.datum_shift == kNoShiftLabel) {
+  if (source.datumShift == kNoShiftLabel) {
     program.console.PrintError(
         "WARNING: WGS84 latitude and longitude are taken for the system's own (--datum-shift "
         "NONE): coordinates can be hundreds of metres off until a localization ties the job to "
@@ -165,10 +164,10 @@ bool MakeSystem(const NewOptions& options, Program& program, SystemSource& sourc
 
 void FillJob(const NewOptions& options, Job& job) {
   job.unit = *ParseUnit(options.units);
-  job.alphanumeric_new_files = !options.numeric;
-  job.azimuths_from_south = options.south_azimuths;
-  job.scale_factor = *ParseNumber(options.scale_factor);
-  job.curvature_correction = options.curvature_correction;
+  job.alphanumericNewFiles = !options.numeric;
+  job.azimuthsFromSouth = options.southAzimuths;
+  job.scaleFactor = *ParseNumber(options.scaleFactor);
+  job.curvatureCorrection = options.curvatureCorrection;
   if (!options.name.empty()) job.name = options.name;
 }
 
@@ -184,13 +183,13 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
   FillSettings(options, source, session.settings());
   FillJob(options, session.job());
   std::string title = source.empty() ? "" : CoordinateSystems::Title(source, calculator);
-  if (!source.datum_shift.empty()) title += ", datum shift " + source.datum_shift;
-  const ExitCode exit_code =
-      CreateFiles(program, session, {.system_title = title, .calculator = &calculator});
-  if (exit_code != ExitCode::Done) return exit_code;
+  if (!source.datumShift.empty()) title += ", datum shift " + source.datumShift;
+  const ExitCode exitCode =
+      CreateFiles(program, session, {.systemTitle = title, .calculator = &calculator});
+  if (exitCode != ExitCode::Done) return exitCode;
   TellCreated(session.job(), title, program.console);
   TellSteps(calculator.steps(), program.console);
-  return exit_code;
+  return exitCode;
 }
 
 }  // namespace
@@ -210,15 +209,15 @@ void AddNewCommand(CLI::App& app, Program& program) {
   sub.add_option("--definition", options.definition,
                  "File with the definition text of the coordinate system")
       ->excludes(system);
-  sub.add_option("--datum-shift", options.datum_shift, kDatumShiftHelp);
+  sub.add_option("--datum-shift", options.datumShift, kDatumShiftHelp);
   sub.add_option(
       "--geoid", options.geoid,
       "Geoid model (.gtx, .bin, .pgm or .isg): elevations are heights above it; without\n"
       "one they are heights above the ellipsoid. A file of the data folder, or its path");
-  sub.add_flag("--south-azimuths", options.south_azimuths, "Azimuths are measured from south");
-  sub.add_flag("--curvature-correction", options.curvature_correction,
+  sub.add_flag("--south-azimuths", options.southAzimuths, "Azimuths are measured from south");
+  sub.add_flag("--curvature-correction", options.curvatureCorrection,
                "Earth curvature and refraction are corrected");
-  sub.add_option("--scale-factor", options.scale_factor,
+  sub.add_option("--scale-factor", options.scaleFactor,
                  "Grid scale factor of the raw file (default: 1)");
   sub.add_option("--name", options.name,
                  "Name written into the raw file (default: the file's name)");

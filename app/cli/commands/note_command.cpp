@@ -23,13 +23,13 @@ void PrintNote(const NoteOptions& options, const PointNote& note, Program& progr
     return;
   }
   Json quality = Json::object();
-  std::string_view rest = note.quality_lines;
+  std::string_view rest = note.qualityLines;
   while (const auto line = TakeLine(rest)) {
     const std::size_t comma = std::min(line->find(','), line->size());
     quality[std::string(line->substr(0, comma))] = line->substr(std::min(comma + 1, line->size()));
   }
   program.console.Print(
-      JsonText({{"id", note.point_id}, {"notes", note.lines}, {"quality", std::move(quality)}}));
+      JsonText({{"id", note.pointId}, {"notes", note.lines}, {"quality", std::move(quality)}}));
 }
 
 // The note of a point that the file holds; false after a message. A point without a block has an
@@ -43,7 +43,7 @@ bool FindNote(Program& program, Job& job, CoordinateFile& file, const std::strin
   }
   FileStatus status;
   note = ReadPointNote(job, point.id.view(), status)
-             .value_or(PointNote{.point_id = point.id.str(), .lines = {}, .quality_lines = ""});
+             .value_or(PointNote{.pointId = point.id.str(), .lines = {}, .qualityLines = ""});
   if (status.ok()) return true;
   (void)program.Fail(PointNotesPath(job) + " cannot be read: " + status.Text() + ".");
   return false;
@@ -53,7 +53,7 @@ bool AddLines(Program& program, Job& job, const NoteOptions& options, PointNote&
   const auto unit = JobUnit::Begin(job);
   if (!unit || !FindNote(program, job, unit->coordinates(), options.id, note)) return false;
   note.lines.insert(note.lines.end(), options.added.begin(), options.added.end());
-  unit->EditNote(note.point_id, {.kind = NoteEdit::Kind::Replace, .note = note});
+  unit->EditNote(note.pointId, {.kind = NoteEdit::Kind::Replace, .note = note});
   return unit->Commit() == ChangeResult::Done;
 }
 

@@ -56,13 +56,13 @@ void PrintJson(const Job& job, const PointList& points, Program& program) {
 void WarnAboutRemains(Job& job, Program& program) {
   const auto file = OpenForReading(job);
   if (!file) return;
-  if (file->trailing_bytes() > 0) {
+  if (file->trailingBytes() > 0) {
     program.Warn(job.path + " ends in the middle of a record: its last " +
-                 std::to_string(file->trailing_bytes()) + " bytes are no point.");
+                 std::to_string(file->trailingBytes()) + " bytes are no point.");
   }
-  const auto last = static_cast<std::uint64_t>(job.last_point_number);
-  if (!job.alphanumeric && file->record_count() > last) {
-    program.Warn(job.path + " has records up to number " + std::to_string(file->record_count()) +
+  const auto last = static_cast<std::uint64_t>(job.lastPointNumber);
+  if (!job.alphanumeric && file->recordCount() > last) {
+    program.Warn(job.path + " has records up to number " + std::to_string(file->recordCount()) +
                  ", but its header counts to " + std::to_string(last) +
                  ": those behind are listed, but not found by their number.");
   }

@@ -20,16 +20,16 @@ struct RawOptions {
 
 // Each record is on a line of its own, so that line tools can be used on it as well.
 std::string RawJson(const std::string& path, std::string_view bytes) {
-  const auto one_line = [](const Json& json) {
+  const auto oneLine = [](const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
   };
-  std::string text = "{\"raw\": " + one_line(path) + ",\n\"records\": [";
+  std::string text = "{\"raw\": " + oneLine(path) + ",\n\"records\": [";
   bool first = true;
   while (const auto line = TakeLine(bytes)) {
     const bool comment = line->starts_with("--");
     text += std::exchange(first, false) ? "\n" : ",\n";
     text +=
-        one_line({{"record", comment ? "--" : line->substr(0, line->find(','))}, {"text", *line}});
+        oneLine({{"record", comment ? "--" : line->substr(0, line->find(','))}, {"text", *line}});
   }
   return WithoutControls(text + "\n]}\n");
 }

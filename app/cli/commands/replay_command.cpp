@@ -26,7 +26,7 @@ struct ReplayOptions {
   std::string to = "pty";
   double speed = 1.0;
   int port = 0;
-  std::string keep_input;
+  std::string keepInput;
 };
 
 // The time of day of a position sentence; kNoEpoch for every other line.
@@ -90,8 +90,8 @@ class Replay {
   Replay(const ReplayOptions& options, ReplayOutlet& outlet, Program& program)
       : speed_(options.speed), outlet_(outlet), program_(program), input_(outlet, program) {}
 
-  ExitCode Run(std::string_view log, const std::string& keep_input) {
-    if (!keep_input.empty() && !input_.KeepIn(keep_input)) return ExitCode::Failed;
+  ExitCode Run(std::string_view log, const std::string& keepInput) {
+    if (!keepInput.empty() && !input_.KeepIn(keepInput)) return ExitCode::Failed;
     while (!log.empty() && !InterruptRequested()) {
       const std::size_t end = std::min(log.find('\n'), log.size() - 1) + 1;
       if (!SendLine(log.substr(0, end))) return ExitCode::Failed;
@@ -120,16 +120,16 @@ class Replay {
   }
 
   bool WaitForEpoch(std::int32_t epoch) {
-    if (speed_ <= 0.0 || epoch == kNoEpoch || epoch == last_epoch_) return true;
-    const std::int32_t before = std::exchange(last_epoch_, epoch);
+    if (speed_ <= 0.0 || epoch == kNoEpoch || epoch == lastEpoch_) return true;
+    const std::int32_t before = std::exchange(lastEpoch_, epoch);
     if (before == kNoEpoch || epoch < before) return true;
     const auto pause = static_cast<std::int64_t>(std::lround((epoch - before) / speed_));
     return Pause(std::min(pause, kLongestPauseMs));
   }
 
-  bool Pause(std::int64_t pause_ms) {
-    const std::int64_t until = program_.clock.SteadyMilliseconds() + pause_ms;
-    for (std::int64_t left = pause_ms; left > 0 && !InterruptRequested();
+  bool Pause(std::int64_t pauseMs) {
+    const std::int64_t until = program_.clock.SteadyMilliseconds() + pauseMs;
+    for (std::int64_t left = pauseMs; left > 0 && !InterruptRequested();
          left = until - program_.clock.SteadyMilliseconds()) {
       if (!input_.Take()) return false;
       program_.clock.SleepMilliseconds(std::min<std::int64_t>(left, kPollMs));
@@ -141,7 +141,7 @@ class Replay {
   ReplayOutlet& outlet_;
   Program& program_;
   ReaderInput input_;
-  std::int32_t last_epoch_ = kNoEpoch;
+  std::int32_t lastEpoch_ = kNoEpoch;
   std::uint64_t sent_ = 0;
 };
 
@@ -159,7 +159,7 @@ ExitCode RunReplay(const ReplayOptions& options, Program& program) {
   program.console.Print("Read it with --receiver " + outlet->Name() + "\n");
   std::fflush(stdout);
   if (!outlet->WaitForReader()) return ExitCode::Failed;
-  return Replay(options, *outlet, program).Run(log, options.keep_input);
+  return Replay(options, *outlet, program).Run(log, options.keepInput);
 }
 
 }  // namespace
@@ -181,7 +181,7 @@ void AddReplayCommand(CLI::App& app, Program& program) {
       ->check(CLI::NonNegativeNumber);
   command.sub.add_option("--port", options.port, "TCP port (default: a free one)")
       ->check(CLI::Range(0, 65535));
-  command.sub.add_option("--keep-input", options.keep_input,
+  command.sub.add_option("--keep-input", options.keepInput,
                          "Keep what the reader sends (commands, corrections) in a new file");
 }
 

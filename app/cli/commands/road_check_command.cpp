@@ -37,12 +37,12 @@ std::string RadiusText(double curvature) {
 }
 
 std::string ElementRow(const OpenedRoad& road, const AlignmentElement& e) {
-  const CenterlineElement& node = road.geometry.chain[e.from_node];
+  const CenterlineElement& node = road.geometry.chain[e.fromNode];
   return Left(std::string(RecordName(node)), 4) + Left(ShapeText(e), 9) +
-         Right(road.StationText(e.station_start), 16) + Right(FixedNumber(e.length, 4), 13) +
-         Right(RadiusText(e.curvature_start), 14) + Right(RadiusText(e.curvature_end), 14) +
+         Right(road.StationText(e.stationStart), 16) + Right(FixedNumber(e.length, 4), 13) +
+         Right(RadiusText(e.curvatureStart), 14) + Right(RadiusText(e.curvatureEnd), 14) +
          Right(e.shape == ElementShape::Spiral ? FixedNumber(e.SpiralParameter(), 3) : "", 11) +
-         Right(FixedNumber(e.azimuth_start * kDegreesPerRadian, 6), 13) +
+         Right(FixedNumber(e.azimuthStart * kDegreesPerRadian, 6), 13) +
          (e.sound ? "" : "  do not stake") + "\n";
 }
 
@@ -53,7 +53,7 @@ void PrintElements(Program& program, const OpenedRoad& road) {
   for (const AlignmentElement& e : road.alignment().elements()) {
     program.console.Print(ElementRow(road, e));
   }
-  program.console.Print("End " + road.StationText(road.alignment().end_station()) + ", length " +
+  program.console.Print("End " + road.StationText(road.alignment().endStation()) + ", length " +
                         FixedNumber(road.alignment().length(), kRoadDecimals) + " " +
                         std::string(UnitName(road.unit)) + "\n");
 }
@@ -63,26 +63,26 @@ void AddResidual(Json& json, const char* name, const std::optional<double>& valu
 }
 
 Json ElementJson(const OpenedRoad& road, const AlignmentElement& e) {
-  Json json{{"record", RecordName(road.geometry.chain[e.from_node])},
-            {"line", road.geometry.chain[e.from_node].line},
+  Json json{{"record", RecordName(road.geometry.chain[e.fromNode])},
+            {"line", road.geometry.chain[e.fromNode].line},
             {"element", ShapeText(e)}};
-  json.update(road.StationJson(e.station_start));
+  json.update(road.StationJson(e.stationStart));
   json["length"] = e.length;
   json["station_length"] = e.StationLength();
-  json["curvature_start"] = e.curvature_start;
-  json["curvature_end"] = e.curvature_end;
+  json["curvature_start"] = e.curvatureStart;
+  json["curvature_end"] = e.curvatureEnd;
   if (e.shape == ElementShape::Spiral) json["spiral_parameter"] = e.SpiralParameter();
-  json["azimuth_start_degrees"] = e.azimuth_start * kDegreesPerRadian;
-  json["azimuth_end_degrees"] = e.azimuth_end * kDegreesPerRadian;
+  json["azimuth_start_degrees"] = e.azimuthStart * kDegreesPerRadian;
+  json["azimuth_end_degrees"] = e.azimuthEnd * kDegreesPerRadian;
   json["sound"] = e.sound;
   Json residuals = Json::object();
   AddResidual(residuals, "length", e.residuals.length);
-  AddResidual(residuals, "end_radius", e.residuals.end_radius);
+  AddResidual(residuals, "end_radius", e.residuals.endRadius);
   AddResidual(residuals, "angle_rad", e.residuals.angle);
   AddResidual(residuals, "chord", e.residuals.chord);
-  AddResidual(residuals, "azimuth_field_rad", e.residuals.azimuth_field);
+  AddResidual(residuals, "azimuth_field_rad", e.residuals.azimuthField);
   AddResidual(residuals, "join_rad", e.residuals.join);
-  if (e.residuals.turn_against_sign) residuals["turn_against_sign"] = true;
+  if (e.residuals.turnAgainstSign) residuals["turn_against_sign"] = true;
   json["residuals"] = std::move(residuals);
   return json;
 }
@@ -139,14 +139,14 @@ void PrintFindings(Program& program, const OpenedRoad& road,
   const auto& elements = road.alignment().elements();
   program.console.Print(std::to_string(elements.size()) + " elements, largest mismatch " +
                         FixedNumber(largest.amount, 4) + " at " +
-                        road.StationText(elements[largest.element].station_start) + "\n");
+                        road.StationText(elements[largest.element].stationStart) + "\n");
 }
 
 void PrintCheck(Program& program, const OpenedRoad& road,
                 const std::vector<CheckFinding>& findings) {
   PrintElements(program, road);
   PrintEquations(program, road);
-  if (road.span.start_limited || road.span.end_limited) {
+  if (road.span.startLimited || road.span.endLimited) {
     program.console.Print("Station limits " + road.StationText(road.span.start) + " to " +
                           road.StationText(road.span.end) + "\n");
   }
@@ -155,7 +155,7 @@ void PrintCheck(Program& program, const OpenedRoad& road,
 
 ExitCode RunRoadCheck(const RoadCheckOptions& options, Program& program) {
   const auto road = OpenRoad(program, options.road);
-  if (!road) return program.exit_code;
+  if (!road) return program.exitCode;
   const auto findings = CheckAlignment(road->geometry, road->limits, road->style);
   if (options.road.json) {
     program.console.Print(JsonText(CheckJson(*road, options, findings)));

@@ -113,17 +113,17 @@ std::size_t TellFaults(const RoadImportOptions& options, Program& program,
 
 ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
   const auto reading = ReadOneAlignment(options, program);
-  if (!reading) return program.exit_code;
+  if (!reading) return program.exitCode;
   const LandXmlAlignment& alignment = reading->alignments.front();
   const std::string text =
       CenterlineText(alignment.centerline, alignment.equations, FormOf(options.form));
   const ExitCode written = WriteResultFile(program, options.out, text, options.overwrite);
   if (written != ExitCode::Done) return written;
   // The road that the file gives, with the digits of its form.
-  Centerline as_written;
-  as_written.elements = ReadChain(text, false).elements;
+  Centerline asWritten;
+  asWritten.elements = ReadChain(text, false).elements;
   const auto making =
-      MakeRoadGeometry(as_written, alignment.equations, CheckLimits::For(reading->unit));
+      MakeRoadGeometry(asWritten, alignment.equations, CheckLimits::For(reading->unit));
   if (!options.svg.empty() && making.geometry) {
     const std::string svg = AlignmentPicture(*making.geometry, alignment.name,
                                              {DefaultStationStyle(reading->unit), reading->unit});
@@ -149,7 +149,7 @@ std::string NameOf(const std::string& path) {
 
 ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
   const auto road = OpenRoad(program, options.road);
-  if (!road) return program.exit_code;
+  if (!road) return program.exitCode;
   std::size_t refused = 0;
   const auto text =
       WriteLandXml({.name = options.name.empty() ? NameOf(options.road.file) : options.name,
@@ -162,7 +162,7 @@ ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
   if (!text) {
     const AlignmentElement& element = road->alignment().elements()[refused];
     return program.Fail(
-        "The element at " + road->StationText(element.station_start) +
+        "The element at " + road->StationText(element.stationStart) +
         " has no form in LandXML (a chord in place of a faulty curve, or a spiral that "
         "turns to both sides); nothing was written. See: tarvex road check " +
         options.road.file);

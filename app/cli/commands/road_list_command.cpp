@@ -73,11 +73,11 @@ Json PlaceJson(const OpenedRoad& road, const KeyPointNames& names, double statio
 // Why stations have no elevation, each reason once, and what else must be known of those that do.
 void TellElevations(Program& program, const OpenedRoad& road, const std::vector<double>& stations,
                     double offset) {
-  std::map<ElevationSource, std::vector<double>> by_source;
+  std::map<ElevationSource, std::vector<double>> bySource;
   for (const double station : stations) {
-    by_source[road.design.At(station, offset).source].push_back(station);
+    bySource[road.design.At(station, offset).source].push_back(station);
   }
-  for (const auto& [source, those] : by_source) {
+  for (const auto& [source, those] : bySource) {
     WarnAboutElevation(program, road, road.design.At(those.front(), offset), those.front(), offset);
     if (source == ElevationSource::Level) {
       program.Warn("the elevations are " + ElevationSourceText(source) + ".");
@@ -106,9 +106,9 @@ std::optional<StationSpanEntry> SpanToList(const RoadListOptions& options, Progr
 
 ExitCode RunRoadList(const RoadListOptions& options, Program& program) {
   const auto road = OpenRoad(program, options.road);
-  if (!road) return program.exit_code;
+  if (!road) return program.exitCode;
   const auto span = SpanToList(options, program, *road);
-  if (!span) return program.exit_code;
+  if (!span) return program.exitCode;
   WarnAboutFaults(program, *road, options.road);
   const Profile* profile = road->design.profile ? &*road->design.profile : nullptr;
   const auto stations =

@@ -26,12 +26,12 @@ struct RoadPointOptions {
 // The point that was asked for.
 struct RoadPoint {
   double station = 0.0;
-  AlignmentPoint on_road;
+  AlignmentPoint onRoad;
   DesignElevation design;
   std::string where;  // station and offset
 
   GridPoint at() const {
-    return {on_road.at.northing, on_road.at.easting, design.elevation.value_or(0.0)};
+    return {onRoad.at.northing, onRoad.at.easting, design.elevation.value_or(0.0)};
   }
 };
 
@@ -41,8 +41,8 @@ std::optional<RoadPoint> FindPoint(const RoadPointOptions& options, Program& pro
   const auto station = FindStation(program, road, options.place.station);
   if (!station) return std::nullopt;
   const double offset = options.place.offset;
-  const auto on_road = road.alignment().PointAt(*station, offset);
-  if (!on_road) {
+  const auto onRoad = road.alignment().PointAt(*station, offset);
+  if (!onRoad) {
     (void)program.Misuse("The station or the offset is out of range.");
     return std::nullopt;
   }
@@ -55,13 +55,13 @@ std::optional<RoadPoint> FindPoint(const RoadPointOptions& options, Program& pro
     return std::nullopt;
   }
   return RoadPoint{.station = *station,
-                   .on_road = *on_road,
+                   .onRoad = *onRoad,
                    .design = design,
                    .where = road.StationText(*station) + " " + OffsetText(offset, kRoadDecimals)};
 }
 
 void WarnAbout(Program& program, const OpenedRoad& road, const RoadPoint& point, double offset) {
-  if (!point.on_road.sound) program.Warn("the element there should not be staked as it stands.");
+  if (!point.onRoad.sound) program.Warn("the element there should not be staked as it stands.");
   if (road.OutsideLimits(point.station)) program.Warn("the station is outside the station limits.");
   WarnAboutElevation(program, road, point.design, point.station, offset);
 }
@@ -72,28 +72,28 @@ std::string PointLine(const RoadPoint& point) {
                      FixedNumber(at.easting, kRoadDecimals);
   const std::string elevation = ElevationText(point.design);
   if (!elevation.empty()) line += "  " + elevation;
-  line += "  azimuth " + FixedNumber(point.on_road.azimuth * kDegreesPerRadian, 6);
-  const std::string place = PlaceText(point.on_road.place);
+  line += "  azimuth " + FixedNumber(point.onRoad.azimuth * kDegreesPerRadian, 6);
+  const std::string place = PlaceText(point.onRoad.place);
   return line + (place.empty() ? "" : "  (" + place + ")") + "\n";
 }
 
 Json RoadPointJson(const OpenedRoad& road, const RoadPoint& point, double offset) {
   Json json = road.StationJson(point.station);
   json["offset"] = offset;
-  json["northing"] = point.on_road.at.northing;
-  json["easting"] = point.on_road.at.easting;
+  json["northing"] = point.onRoad.at.northing;
+  json["easting"] = point.onRoad.at.easting;
   if (point.design.elevation) json["elevation"] = *point.design.elevation;
   AddElevationSource(json, point.design);
-  json["azimuth_degrees"] = point.on_road.azimuth * kDegreesPerRadian;
-  json["curvature"] = point.on_road.curvature;
-  json["place"] = PlaceName(point.on_road.place);
-  json["sound"] = point.on_road.sound;
+  json["azimuth_degrees"] = point.onRoad.azimuth * kDegreesPerRadian;
+  json["curvature"] = point.onRoad.curvature;
+  json["place"] = PlaceName(point.onRoad.place);
+  json["sound"] = point.onRoad.sound;
   return json;
 }
 
 ExitCode StorePoint(const RoadPointOptions& options, Program& program, JobSession& session,
                     const RoadPoint& point) {
-  session.set_policy(ParseExistingPolicy(options.existing));
+  session.setPolicy(ParseExistingPolicy(options.existing));
   return TellStored(
       program, session,
       StoreTypedPoint(session, {.id = options.id,
@@ -108,17 +108,17 @@ ExitCode RunRoadPoint(const RoadPointOptions& options, Program& program) {
     return program.Misuse("Storing needs both --store JOB.crd and --id ID.");
   }
   const auto road = OpenRoad(program, options.road);
-  if (!road) return program.exit_code;
+  if (!road) return program.exitCode;
   const auto point = FindPoint(options, program, *road);
-  if (!point) return program.exit_code;
+  if (!point) return program.exitCode;
   const auto session = options.job.empty() ? nullptr : OpenRoadJob(program, options.job, *road);
-  if (!options.job.empty() && !session) return program.exit_code;
+  if (!options.job.empty() && !session) return program.exitCode;
   WarnAbout(program, *road, *point, options.place.offset);
   program.console.Print(options.road.json
                             ? JsonText(RoadPointJson(*road, *point, options.place.offset))
                             : PointLine(*point));
   if (!options.svg.empty()) {
-    const PictureMark mark{point->on_road.at, point->where};
+    const PictureMark mark{point->onRoad.at, point->where};
     const std::string svg = road->Picture(options.road.file, {&mark, 1});
     if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
   }

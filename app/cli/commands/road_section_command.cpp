@@ -23,8 +23,8 @@ struct RoadSectionOptions {
   std::string file;
   std::string elevation;
   std::string superelevation;
-  std::string ground_left;
-  std::string ground_right;
+  std::string groundLeft;
+  std::string groundRight;
   std::string out;
   std::string svg;
   bool overwrite = false;
@@ -73,8 +73,8 @@ std::string CatchText(const CatchPoint& caught) {
                      FixedNumber(caught.offset, kRoadDecimals) + ", elevation " +
                      FixedNumber(caught.elevation, kRoadDecimals) + ", height " +
                      FixedNumber(caught.height, kRoadDecimals);
-  if (caught.ditch_daylights) text += "; the ditch daylights, so it is fill";
-  if (caught.beyond_right_of_way) text += "; beyond the right of way";
+  if (caught.ditchDaylights) text += "; the ditch daylights, so it is fill";
+  if (caught.beyondRightOfWay) text += "; beyond the right of way";
   return text;
 }
 
@@ -98,11 +98,11 @@ Json CatchJson(const CatchPoint& caught) {
                {"offset", caught.offset},
                {"elevation", caught.elevation},
                {"height", caught.height},
-               {"hinge_offset", caught.hinge_offset},
-               {"hinge_elevation", caught.hinge_elevation},
+               {"hinge_offset", caught.hingeOffset},
+               {"hinge_elevation", caught.hingeElevation},
                {"between", PointsJson(caught.between)},
                {"breaks", PointsJson(caught.breaks)},
-               {"beyond_right_of_way", caught.beyond_right_of_way}});
+               {"beyond_right_of_way", caught.beyondRightOfWay}});
   return json;
 }
 
@@ -167,14 +167,14 @@ void PrintResult(const RoadSectionOptions& options, Program& program, const Road
 
 ExitCode RunRoadSection(const RoadSectionOptions& options, Program& program) {
   const auto section = OpenTemplate(program, options.file);
-  if (!section) return program.exit_code;
+  if (!section) return program.exitCode;
   const auto design = DesignOf(options, program, *section);
-  if (!design) return program.exit_code;
+  if (!design) return program.exitCode;
   SectionSide left;
   SectionSide right;
-  if (!SettleSide(program, *section, *design, Side::Left, options.ground_left, left) ||
-      !SettleSide(program, *section, *design, Side::Right, options.ground_right, right)) {
-    return program.exit_code;
+  if (!SettleSide(program, *section, *design, Side::Left, options.groundLeft, left) ||
+      !SettleSide(program, *section, *design, Side::Right, options.groundRight, right)) {
+    return program.exitCode;
   }
   PrintResult(options, program, *section, *design, left, right);
   if (!options.svg.empty()) {
@@ -197,8 +197,8 @@ void AddRoadSectionCommand(CLI::App& road, Program& program) {
   sub.add_option("--elevation", options.elevation, "Finished grade on the centerline")->required();
   sub.add_option("--superelevation", options.superelevation,
                  "Grades of the lanes LEFT,RIGHT in percent, positive rising outward");
-  sub.add_option("--ground-left", options.ground_left, "Ground outward on the left side");
-  sub.add_option("--ground-right", options.ground_right, "Ground outward on the right side");
+  sub.add_option("--ground-left", options.groundLeft, "Ground outward on the left side");
+  sub.add_option("--ground-right", options.groundRight, "Ground outward on the right side");
   sub.add_option("--svg", options.svg, "Draw the section into this file");
   sub.add_option("--out", options.out, "Write the template to this file, nothing lost");
   sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");

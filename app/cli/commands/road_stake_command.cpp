@@ -24,8 +24,8 @@ struct RoadStakeOptions {
   SessionOptions session;
   long long count = 0;
   StakeTolerance tolerance;
-  std::string store_id;
-  bool store_on_stake = false;
+  std::string storeId;
+  bool storeOnStake = false;
   std::string existing = "ask";
 };
 
@@ -40,24 +40,24 @@ std::optional<RoadStakePlan> MakePlan(const RoadStakeOptions& options, Program& 
     program.Warn("the target " + road.StationText(*station) + " is outside the station limits.");
   }
   RoadStakePlan plan{.target = {*station, options.place.offset, design.elevation},
-                     .elevation_from = ElevationSourceText(design.source),
+                     .elevationFrom = ElevationSourceText(design.source),
                      .tolerance = options.tolerance,
                      .json = options.road.json,
                      .section = road.design.section,
                      .design = road.design.SectionAt(*station),
-                     .slope_side = {}};
-  if (!options.slope.empty()) plan.slope_side = options.slope == "left" ? Side::Left : Side::Right;
+                     .slopeSide = {}};
+  if (!options.slope.empty()) plan.slopeSide = options.slope == "left" ? Side::Left : Side::Right;
   return plan;
 }
 
 ExitCode ShowEntered(const RoadStakeOptions& options, Program& program, RoadStakeGuide& guide) {
   const auto northing = EnteredNumber(program, "The northing", options.at[0]);
   const auto easting = EnteredNumber(program, "The easting", options.at[1]);
-  if (!northing || !easting) return program.exit_code;
+  if (!northing || !easting) return program.exitCode;
   std::optional<double> elevation;
   if (options.at.size() > 2) {
     elevation = EnteredNumber(program, "The elevation", options.at[2]);
-    if (!elevation) return program.exit_code;
+    if (!elevation) return program.exitCode;
   }
   (void)guide.Show({*northing, *easting, elevation}, true, "Entered");
   return ExitCode::Done;
@@ -66,7 +66,7 @@ ExitCode ShowEntered(const RoadStakeOptions& options, Program& program, RoadStak
 ExitCode ShowJobPoints(const RoadStakeOptions& options, Program& program, JobSession& session,
                        RoadStakeGuide& guide) {
   const auto points = PointsOfJob(program, session, options.points);
-  if (!points) return program.exit_code;
+  if (!points) return program.exitCode;
   for (const Point& point : *points) {
     (void)guide.Show({point.at.northing, point.at.easting, point.at.elevation}, true,
                      "Point " + point.id.str());
@@ -79,22 +79,22 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
                         RoadStakeGuide& guide) {
   StakePlan plan;
   plan.count = options.count;
-  plan.store = !options.store_id.empty();
-  plan.store_on_stake = options.store_on_stake;
+  plan.store = !options.storeId.empty();
+  plan.storeOnStake = options.storeOnStake;
   if (const ExitCode code = SettleSession(options.session, session.settings(), program, plan);
       code != ExitCode::Done) {
     return code;
   }
-  session.set_policy(ParseExistingPolicy(options.existing));
+  session.setPolicy(ParseExistingPolicy(options.existing));
   std::string problem;
   if (plan.store) {
     if (!OpenForReading(session.job())) return ExitCode::Failed;
-    if (!TakePointId(session, options.store_id, problem)) return program.Misuse(problem);
+    if (!TakePointId(session, options.storeId, problem)) return program.Misuse(problem);
     program.console.PrintError(
-        (plan.store_on_stake
+        (plan.storeOnStake
              ? "The first position on the stake that keeps the limits is stored as point "
              : "Enter stores the next position that keeps the limits as point ") +
-        session.job().current_point_id + (plan.store_on_stake ? ".\n" : ", q ends.\n"));
+        session.job().currentPointId + (plan.storeOnStake ? ".\n" : ", q ends.\n"));
   }
   CTrgCalculator calculator;
   CoordinateSystems systems(program);
@@ -103,8 +103,8 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
       program, options.road.json ? CollectView::Stored::OnErrors : CollectView::Stored::InAWord);
   SessionCommands commands;
   std::optional<TypedCommands> typed;
-  const bool enter_stores = plan.store && !plan.store_on_stake;
-  if (enter_stores || program.console.IsTyped()) typed.emplace(program, commands);
+  const bool enterStores = plan.store && !plan.storeOnStake;
+  if (enterStores || program.console.IsTyped()) typed.emplace(program, commands);
   StakeSession staking(program, session, calculator, plan, guide, view, commands,
                        InterruptRequested);
   const SessionEnd end = staking.Run();
@@ -119,15 +119,15 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
 // The position that was entered, or the point of the job: what was typed is stored as typed.
 ExitCode StoreEntered(const RoadStakeOptions& options, Program& program, JobSession& session,
                       const RoadStakeGuide& guide) {
-  if (options.store_id.empty()) return ExitCode::Done;
+  if (options.storeId.empty()) return ExitCode::Done;
   if (!guide.last()) return program.Fail("There is no position to store.");
   const StakePosition& at = *guide.last();
   if (!at.elevation) {
     return program.Fail("The position has no elevation; nothing was stored.");
   }
-  session.set_policy(ParseExistingPolicy(options.existing));
+  session.setPolicy(ParseExistingPolicy(options.existing));
   return TellStored(program, session,
-                    StoreTypedPoint(session, {.id = options.store_id,
+                    StoreTypedPoint(session, {.id = options.storeId,
                                               .at = {at.northing, at.easting, *at.elevation},
                                               .description = guide.Description(),
                                               .comments = guide.Records()}),
@@ -138,8 +138,8 @@ ExitCode StoreEntered(const RoadStakeOptions& options, Program& program, JobSess
 bool SourceIsClear(const RoadStakeOptions& options) {
   const int sources = (options.at.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
                       (options.session.receiver.address.empty() ? 0 : 1);
-  const bool needs_job = options.at.empty() || !options.store_id.empty();
-  return sources == 1 && !(needs_job && options.job.empty());
+  const bool needsJob = options.at.empty() || !options.storeId.empty();
+  return sources == 1 && !(needsJob && options.job.empty());
 }
 
 ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
@@ -149,11 +149,11 @@ ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
         "[EL].");
   }
   const auto road = OpenRoad(program, options.road);
-  if (!road) return program.exit_code;
+  if (!road) return program.exitCode;
   const auto plan = MakePlan(options, program, *road);
-  if (!plan) return program.exit_code;
+  if (!plan) return program.exitCode;
   const auto session = options.job.empty() ? nullptr : OpenRoadJob(program, options.job, *road);
-  if (!options.job.empty() && !session) return program.exit_code;
+  if (!options.job.empty() && !session) return program.exitCode;
   WarnAboutFaults(program, *road, options.road);
   RoadStakeGuide guide(program, *road, *plan);
   if (options.at.empty() && options.points.empty()) {
@@ -190,10 +190,10 @@ void AddRoadStakeCommand(CLI::App& road, Program& program) {
             "Horizontal, for ON THE STAKE (default: 0.02)", NumberKind::Positive);
   AddNumber(sub, "--vertical-tolerance", options.tolerance.vertical, "Vertical (default: 0.01)",
             NumberKind::Positive);
-  sub.add_option("--store", options.store_id,
+  sub.add_option("--store", options.storeId,
                  "Store a position in the job under this id: with --receiver the next one that\n"
                  "keeps the limits after Enter was pressed, else the one that was named");
-  sub.add_flag("--store-on-stake", options.store_on_stake,
+  sub.add_flag("--store-on-stake", options.storeOnStake,
                "With --store: store the first position that is ON THE STAKE, without a key")
       ->needs("--store");
   AddExistingOption(sub, options.existing);

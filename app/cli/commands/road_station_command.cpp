@@ -127,9 +127,9 @@ ExitCode RunRoadStation(const RoadStationOptions& options, Program& program) {
     return program.Misuse("Give NORTHING EASTING, or points of a job with --job JOB.crd.");
   }
   const auto road = OpenRoad(program, options.road);
-  if (!road) return program.exit_code;
+  if (!road) return program.exitCode;
   const auto points = PointsToAsk(options, program, *road);
-  if (!points) return program.exit_code;
+  if (!points) return program.exitCode;
   if (options.road.json) {
     PrintJson(options, program, *road, *points);
   } else {

@@ -49,7 +49,7 @@ bool ParseSlope(std::string_view text, SurfaceSegment& segment) {
 bool TakeInsert(Program& program, const RoadTemplate& section, std::string_view entry,
                 Surface& surface) {
   SurfaceInsert insert;
-  insert.before_segment = surface.segments.size();
+  insert.beforeSegment = surface.segments.size();
   const bool curb = entry.starts_with("CURBL");
   insert.kind = curb ? SurfaceInsert::Kind::Curb : SurfaceInsert::Kind::Median;
   if (!curb && !entry.starts_with("MEDIAN,")) {
@@ -149,7 +149,7 @@ ExitCode RunNewTemplate(const NewTemplateOptions& options, Program& program) {
   RoadTemplate section;
   if (!options.like.empty()) {
     auto like = OpenTemplate(program, options.like);
-    if (!like) return program.exit_code;
+    if (!like) return program.exitCode;
     for (const LineNote& note : like->notes) {
       program.Warn(options.like + " line " + std::to_string(note.line) +
                    " is not known and is left out.");
@@ -161,10 +161,10 @@ ExitCode RunNewTemplate(const NewTemplateOptions& options, Program& program) {
     if (!TakeSurface(program, options, side, section) ||
         !TakeRows(program, options.fill[side], section.fill[side].slopes) ||
         !TakeRows(program, options.cut[side], section.cut[side].slopes)) {
-      return program.exit_code;
+      return program.exitCode;
     }
   }
-  if (!LinesFit(program, TemplateText(section))) return program.exit_code;
+  if (!LinesFit(program, TemplateText(section))) return program.exitCode;
   if (!options.overwrite && program.files.Exists(options.out)) {
     return program.Fail(options.out + " exists; nothing was written. (--overwrite replaces it.)");
   }

@@ -29,19 +29,19 @@ struct RoadWriteOptions {
 std::string Restationed(const OpenedRoad& road) {
   const auto& chain = road.geometry.chain;
   const auto stations = road.alignment().GeometricStations(chain);
-  std::map<int, double> by_line;
+  std::map<int, double> byLine;
   for (std::size_t i = 0; i < chain.size(); ++i) {
-    if (chain[i].line > 0) by_line[chain[i].line] = stations[i];
+    if (chain[i].line > 0) byLine[chain[i].line] = stations[i];
   }
   // Backward: what a record was merged into may have been merged later.
   const auto& merged = road.road.centerline->merged;
-  std::for_each(merged.rbegin(), merged.rend(), [&by_line](const auto& gone) {
-    const auto kept = by_line.find(gone.into);
-    if (kept != by_line.end() && gone.line > 0) by_line[gone.line] = kept->second;
+  std::for_each(merged.rbegin(), merged.rend(), [&byLine](const auto& gone) {
+    const auto kept = byLine.find(gone.into);
+    if (kept != byLine.end() && gone.line > 0) byLine[gone.line] = kept->second;
   });
   std::vector<LineStation> lines;
-  lines.reserve(by_line.size());
-  for (const auto& [line, station] : by_line) lines.push_back({line, station});
+  lines.reserve(byLine.size());
+  for (const auto& [line, station] : byLine) lines.push_back({line, station});
   return WithStations(road.road.centerline->text, lines, kStationDecimals);
 }
 
@@ -60,7 +60,7 @@ ExitCode RunRoadWrite(const RoadWriteOptions& options, Program& program) {
     return program.Misuse("Give --restation or --normalise (--form), not both.");
   }
   const auto road = OpenRoad(program, options.road);
-  if (!road) return program.exit_code;
+  if (!road) return program.exitCode;
   const Centerline& centerline = *road->road.centerline;
   std::string text = centerline.text;
   if (options.restation || anew) TellInternalStations(program, *road);

@@ -26,7 +26,7 @@ ExitCode RunStore(const StoreOptions& options, Program& program) {
   if (!northing || !easting || !elevation) return ExitCode::WrongUse;
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
-  session.set_policy(ParseExistingPolicy(options.existing));
+  session.setPolicy(ParseExistingPolicy(options.existing));
   return TellStored(
       program, session,
       StoreTypedPoint(session,

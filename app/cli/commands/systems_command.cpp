@@ -31,10 +31,10 @@ std::vector<NamedSystem> WithWords(std::vector<NamedSystem> systems, const std::
   return systems;
 }
 
-ExitCode PrintSystems(const SystemsOptions& options, CoordinateSystems& coordinate_systems,
+ExitCode PrintSystems(const SystemsOptions& options, CoordinateSystems& coordinateSystems,
                       Program& program) {
-  const SystemCatalogue& catalogue = coordinate_systems.catalogue();
-  coordinate_systems.TellCatalogueProblems();
+  const SystemCatalogue& catalogue = coordinateSystems.catalogue();
+  coordinateSystems.TellCatalogueProblems();
   const std::string part = SearchText(options);
   const std::vector<NamedSystem> systems =
       options.own ? WithWords(catalogue.UserSystems(), part) : catalogue.Search(part);
@@ -64,17 +64,16 @@ ExitCode PrintSystems(const SystemsOptions& options, CoordinateSystems& coordina
 ExitCode TellEdit(CatalogueResult result, const CoordinateSystems& systems,
                   const SystemCatalogue& catalogue, Program& program) {
   if (result == CatalogueResult::Done) {
-    program.console.Print("Your catalogue " + systems.data_folder() + "tarvex.csl was changed.\n");
+    program.console.Print("Your catalogue " + systems.dataFolder() + "tarvex.csl was changed.\n");
     return ExitCode::Done;
   }
   std::string sentence = CatalogueText(result);
-  if (result == CatalogueResult::FileFailed)
-    sentence += " (" + catalogue.file_status().Text() + ")";
+  if (result == CatalogueResult::FileFailed) sentence += " (" + catalogue.fileStatus().Text() + ")";
   return program.Fail(sentence);
 }
 
 SystemSource ForTrial(SystemSource source) {
-  if (!CoordinateSystems::KnowsDatumShift(source.definition)) source.datum_shift = kNoShiftLabel;
+  if (!CoordinateSystems::KnowsDatumShift(source.definition)) source.datumShift = kNoShiftLabel;
   return source;
 }
 
@@ -111,16 +110,16 @@ ExitCode ImportSystems(const SystemsOptions& options, const CoordinateSystems& s
     return program.Fail("The catalogue " + *options.imported + " cannot be read: " + status.Text() +
                         ".");
   }
-  ExitCode exit_code = ExitCode::Done;
+  ExitCode exitCode = ExitCode::Done;
   std::vector<NamedSystem> usable;
   const auto found = WithWords(ReadCatalogue(bytes), SearchText(options));
   if (found.empty()) return program.Fail(*options.imported + " holds no such coordinate systems.");
   for (const NamedSystem& system : found) {
-    const std::string why_not = WhyNot(system);
-    if (why_not.empty()) {
+    const std::string whyNot = WhyNot(system);
+    if (whyNot.empty()) {
       usable.push_back(system);
     } else {
-      exit_code = program.Fail(system.name + ": " + why_not);
+      exitCode = program.Fail(system.name + ": " + whyNot);
     }
   }
   std::vector<CatalogueResult> results;
@@ -131,12 +130,12 @@ ExitCode ImportSystems(const SystemsOptions& options, const CoordinateSystems& s
     if (results[i] == CatalogueResult::Done) {
       ++taken;
     } else {
-      exit_code = program.Fail(usable[i].name + ": " + CatalogueText(results[i]));
+      exitCode = program.Fail(usable[i].name + ": " + CatalogueText(results[i]));
     }
   }
   program.console.Print("Took " + std::to_string(taken) + " of " + std::to_string(found.size()) +
-                        " systems into your catalogue " + systems.data_folder() + "tarvex.csl.\n");
-  return exit_code;
+                        " systems into your catalogue " + systems.dataFolder() + "tarvex.csl.\n");
+  return exitCode;
 }
 
 ExitCode RunSystems(const SystemsOptions& options, Program& program) {

@@ -18,7 +18,7 @@ namespace {
 struct WatchOptions {
   ReceiverChoice receiver;
   CorrectionChoice corrections;
-  std::string stream_log;
+  std::string streamLog;
   long long count = 0;
 };
 
@@ -36,9 +36,9 @@ class Watch {
   ExitCode Run() {
     std::string problem;
     if (!receiver_.Open(problem)) return program_.Fail(problem);
-    if (!options_.stream_log.empty() &&
-        !receiver_.tap().StartLog(StreamLogName(options_.stream_log, program_.clock.Now()))) {
-      return program_.Fail(receiver_.tap().log_problem());
+    if (!options_.streamLog.empty() &&
+        !receiver_.tap().StartLog(StreamLogName(options_.streamLog, program_.clock.Now()))) {
+      return program_.Fail(receiver_.tap().logProblem());
     }
     StartCorrections();
     while (!InterruptRequested() && (options_.count == 0 || positions_ < options_.count)) {
@@ -63,7 +63,7 @@ class Watch {
     if (receiver_.lost()) return Reconnect();
     if (receiver_.ended() && result != GnssReadResult::Accepted) return false;
     const GnssPositionState& state = receiver_.state();
-    if (result == GnssReadResult::Accepted && !state.repeated_epoch) ++positions_;
+    if (result == GnssReadResult::Accepted && !state.repeatedEpoch) ++positions_;
     if (!NextSentenceIsDue(result, state, program_.clock)) {
       Show(result == GnssReadResult::Accepted ? "" : receiver_.Sentence(result));
     }
@@ -89,16 +89,16 @@ class Watch {
     return true;
   }
 
-  void Pause(std::int64_t pause_ms) {
-    const std::int64_t until = program_.clock.SteadyMilliseconds() + pause_ms;
+  void Pause(std::int64_t pauseMs) {
+    const std::int64_t until = program_.clock.SteadyMilliseconds() + pauseMs;
     while (!InterruptRequested() && program_.clock.SteadyMilliseconds() < until) {
       program_.clock.SleepMilliseconds(kStepMs);
     }
   }
 
   ExitCode Ending() {
-    TellBadChecksums(program_, receiver_.state().bad_checksums);
-    if (const std::string& problem = receiver_.tap().log_problem(); !problem.empty()) {
+    TellBadChecksums(program_, receiver_.state().badChecksums);
+    if (const std::string& problem = receiver_.tap().logProblem(); !problem.empty()) {
       return program_.Fail(problem);
     }
     if (receiver_.lost()) {
@@ -172,7 +172,7 @@ void AddWatchCommand(CLI::App& app, Program& program) {
                  "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
       ->required();
   AddCorrectionOptions(sub, options.corrections);
-  sub.add_option("--log-stream", options.stream_log, kStreamLogHelp);
+  sub.add_option("--log-stream", options.streamLog, kStreamLogHelp);
   sub.add_option("--count", options.count, "End after so many positions (default: never)")
       ->check(CLI::NonNegativeNumber);
 }

@@ -5,8 +5,7 @@
 
 int main() {
   const tarvex::CTrgCalculator calculator;
-  const bool no_system = calculator.State() == tarvex::CalculationResult::NoSystem;
-  const bool has_text = !tarvex::ResultSentence(tarvex::GnssReadResult::NoFix).empty();
-  return no_system && has_text && tarvex::PackedField(12.5, 4) == "12.3000" && kOwnUnits == 3 ? 0
-                                                                                              : 1;
+  const bool noSystem = calculator.State() == tarvex::CalculationResult::NoSystem;
+  const bool hasText = !tarvex::ResultSentence(tarvex::GnssReadResult::NoFix).empty();
+  return noSystem && hasText && tarvex::PackedField(12.5, 4) == "12.3000" && kOwnUnits == 3 ? 0 : 1;
 }
