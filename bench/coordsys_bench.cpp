@@ -9,12 +9,12 @@
 #include <string>
 #include <vector>
 
-#include "coordsys/definition_reader.h"
-#include "coordsys/projection.h"
+#include "coordsys/catalogue/system_catalogue.h"
+#include "coordsys/definition/definition_reader.h"
 #include "coordsys/projections/cassini_soldner.h"
 #include "coordsys/projections/double_cylindrical.h"
 #include "coordsys/projections/oblique_mercator.h"
-#include "coordsys/system_catalogue.h"
+#include "coordsys/projections/projection.h"
 #include "core/units.h"
 
 namespace tarvex {

@@ -12,7 +12,7 @@
 #include "coordsys/datum/seven_parameters.h"
 #include "coordsys/geoid/geoid_grid.h"
 #include "coordsys/grids/ntv2_grid.h"
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 #include "core/units.h"
 
 namespace tarvex {

@@ -1,5 +1,5 @@
 # find_package(Tarvex) for another CMake program: Tarvex::core, Tarvex::coordsys and so on. It includes
-# "tarvex/coordsys/calculator.h"; the installed headers include one another in the same way, so that a
+# "tarvex/coordsys/chain/calculator.h"; the installed headers include one another in the same way, so that a
 # folder core/ of its own is never taken for ours.
 include(CMakePackageConfigHelpers)
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "coordsys/catalogue_file.h"
+#include "coordsys/catalogue/catalogue_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tarvex;

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "coordsys/definition_check.h"
-#include "coordsys/definition_reader.h"
-#include "coordsys/definition_writer.h"
+#include "coordsys/definition/definition_check.h"
+#include "coordsys/definition/definition_reader.h"
+#include "coordsys/definition/definition_writer.h"
 
 namespace tarvex {
 namespace {

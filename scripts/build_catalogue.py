@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Builds data/Predef1.csl and coordsys/state_plane_table.cpp from the tables in data/tables.
+"""Builds data/Predef1.csl and coordsys/catalogue/state_plane_table.cpp from the tables in data/tables.
 
     scripts/build_catalogue.py            write both
     scripts/build_catalogue.py --check    fail when one of them is not what the tables give
@@ -12,7 +12,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TABLES = ROOT / "data" / "tables"
 CATALOGUE = ROOT / "data" / "Predef1.csl"
-ZONES = ROOT / "coordsys" / "state_plane_table.cpp"
+ZONES = ROOT / "coordsys" / "catalogue" / "state_plane_table.cpp"
 
 PROJECTIONS = [
     "Lambert_Conformal_Conic_2SP", "Transverse_Mercator", "Oblique_Stereographic",
@@ -255,7 +255,7 @@ def zone_line(row, nad27):
 
 def zones_text():
     out = ["// Built by scripts/build_catalogue.py from data/tables; edit those instead.",
-           '#include "coordsys/state_plane_table.h"', "", "namespace tarvex {", "namespace {", "",
+           '#include "coordsys/catalogue/state_plane_table.h"', "", "namespace tarvex {", "namespace {", "",
            "// clang-format off"]
     for nad27, name in ((False, "kNad83"), (True, "kNad27")):
         rows = rows_of("state_plane_nad27.tsv" if nad27 else "state_plane_nad83.tsv")

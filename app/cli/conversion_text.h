@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/cli/json_text.h"
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 
 namespace tarvex {
 

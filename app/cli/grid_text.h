@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/cli/json_text.h"
-#include "coordsys/grids/grid_file_info.h"
+#include "coordsys/catalogue/grid_file_info.h"
 
 namespace tarvex {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "app/cli/json_text.h"
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 
 namespace tarvex {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 #include "gnss/position_state.h"
 #include "gnss/quality/averaging.h"
 

@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
-#include "coordsys/definition_check.h"
-#include "coordsys/definition_reader.h"
-#include "coordsys/grids/grid_file_info.h"
+#include "coordsys/catalogue/grid_file_info.h"
+#include "coordsys/definition/definition_check.h"
+#include "coordsys/definition/definition_reader.h"
 
 namespace tarvex {
 namespace {

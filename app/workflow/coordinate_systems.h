@@ -7,9 +7,9 @@
 
 #include "app/workflow/data_folder.h"
 #include "app/workflow/workplace.h"
-#include "coordsys/calculator.h"
-#include "coordsys/step_preparation.h"
-#include "coordsys/system_catalogue.h"
+#include "coordsys/catalogue/system_catalogue.h"
+#include "coordsys/chain/calculator.h"
+#include "coordsys/chain/step_preparation.h"
 #include "core/settings.h"
 
 namespace tarvex {

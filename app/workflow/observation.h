@@ -8,7 +8,7 @@
 
 #include "app/workflow/collected_point.h"
 #include "app/workflow/point_unit.h"
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 
 namespace tarvex {
 

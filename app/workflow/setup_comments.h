@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 #include "core/raw_records.h"
 #include "core/settings.h"
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 #include "core/job.h"
 
 namespace tarvex {

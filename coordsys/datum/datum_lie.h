@@ -1,7 +1,7 @@
 // Whether a record's datum lies where WGS84 does, so that positions need no shift between the two.
 #pragma once
 
-#include "coordsys/projection_record.h"
+#include "coordsys/projections/projection_record.h"
 
 namespace tarvex {
 

@@ -1,6 +1,6 @@
 #include "coordsys/datum/nad_converter.h"
 
-#include "coordsys/datum/nad_converter_interface.h"
+#include "coordsys/closed/nad_converter_interface.h"
 #include "core/string_table.h"
 #include "core/units.h"
 

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "coordsys/calculation_steps.h"
-#include "coordsys/closed_library.h"
+#include "coordsys/closed/closed_library.h"
 #include "coordsys/run_messages.h"
 
 namespace tarvex {

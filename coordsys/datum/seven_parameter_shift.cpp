@@ -1,6 +1,6 @@
 #include "coordsys/datum/seven_parameter_shift.h"
 
-#include "coordsys/datum/seven_parameter_interface.h"
+#include "coordsys/closed/seven_parameter_interface.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 

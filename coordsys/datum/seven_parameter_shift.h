@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "coordsys/calculation_steps.h"
-#include "coordsys/closed_library.h"
+#include "coordsys/closed/closed_library.h"
 #include "coordsys/datum/geocentric_map.h"
 #include "coordsys/datum/seven_parameters.h"
 

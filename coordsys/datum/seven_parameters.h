@@ -18,7 +18,7 @@
 #include <string_view>
 
 #include "coordsys/coordinates.h"
-#include "coordsys/projection_record.h"
+#include "coordsys/projections/projection_record.h"
 
 namespace tarvex {
 

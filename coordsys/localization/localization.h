@@ -2,7 +2,7 @@
 // the site's local coordinates and back.
 #pragma once
 
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 #include "coordsys/localization/control_hull.h"
 #include "coordsys/localization/horizontal_fit.h"
 #include "coordsys/localization/localization_points.h"

@@ -9,7 +9,7 @@
 // series: 1e-8 m. Domain: 48 to 75 degrees north, 6 degrees to either side of the central meridian.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

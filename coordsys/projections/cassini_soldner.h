@@ -6,7 +6,7 @@
 // either side of the central meridian, 0.2 rad of longitude, and 89 degrees of latitude.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

@@ -7,7 +7,7 @@
 #include <numbers>
 #include <utility>
 
-#include "coordsys/coord_sys_interface.h"
+#include "coordsys/closed/coord_sys_interface.h"
 #include "coordsys/projections/cassini_soldner.h"
 #include "coordsys/projections/oblique_mercator.h"
 

@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "coordsys/closed_library.h"
-#include "coordsys/projection.h"
+#include "coordsys/closed/closed_library.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

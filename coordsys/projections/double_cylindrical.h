@@ -7,7 +7,7 @@
 // degrees along it.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

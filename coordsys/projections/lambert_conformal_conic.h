@@ -8,7 +8,7 @@
 // cone opens to; on the plane, all points within the fan of the developed cone.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

@@ -3,7 +3,7 @@
 // out, and so is the record's false origin.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

@@ -7,7 +7,7 @@
 // the centre, 71 degrees across it.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

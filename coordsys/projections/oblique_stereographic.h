@@ -5,7 +5,7 @@
 // from the origin; a pole may be its origin.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

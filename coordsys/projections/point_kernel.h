@@ -14,7 +14,7 @@
 #include <memory>
 #include <numbers>
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

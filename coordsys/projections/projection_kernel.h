@@ -23,9 +23,9 @@
 #include <memory>
 #include <numbers>
 
-#include "coordsys/projection.h"
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/lanes.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

@@ -7,7 +7,7 @@
 // 1e-8 m. Domain: up to 165 degrees of arc from the centre.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

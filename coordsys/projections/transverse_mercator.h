@@ -6,7 +6,7 @@
 // degrees of arc beyond a pole.
 #pragma once
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

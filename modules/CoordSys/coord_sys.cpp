@@ -1,9 +1,10 @@
-// The entry points of "CoordSys.dll" that project (coordsys/coord_sys_interface.h describes them).
+// The entry points of "CoordSys.dll" that project (coordsys/closed/coord_sys_interface.h describes
+// them).
 #include <algorithm>
 #include <iterator>
 #include <optional>
 
-#include "coordsys/coord_sys_interface.h"
+#include "coordsys/closed/coord_sys_interface.h"
 #include "coordsys/projections/cassini_soldner.h"
 #include "coordsys/projections/oblique_mercator.h"
 #include "modules/CoordSys/eov.h"

@@ -6,8 +6,8 @@
 
 #include <optional>
 
-#include "coordsys/coord_sys_interface.h"
-#include "coordsys/projection.h"
+#include "coordsys/closed/coord_sys_interface.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

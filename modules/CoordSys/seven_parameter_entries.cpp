@@ -1,6 +1,6 @@
 // The entry points of CoordSys that transform points between datums; the interface is described in
-// coordsys/datum/seven_parameter_interface.h.
-#include "coordsys/datum/seven_parameter_interface.h"
+// coordsys/closed/seven_parameter_interface.h.
+#include "coordsys/closed/seven_parameter_interface.h"
 
 #include <cmath>
 

@@ -9,7 +9,7 @@
 
 #include <optional>
 
-#include "coordsys/projection.h"
+#include "coordsys/projections/projection.h"
 
 namespace tarvex {
 

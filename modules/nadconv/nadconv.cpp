@@ -1,5 +1,5 @@
 // The library "nadconv": NAD27 to NAD83 and back over the NADCON grids of a folder; the interface
-// is described in coordsys/datum/nad_converter_interface.h.
+// is described in coordsys/closed/nad_converter_interface.h.
 //
 // The grids that the folder holds are loaded at the first call and kept until CloseNADConverter, or
 // until another folder is named. Where several hold a position, the most local one is used.
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "coordsys/datum/nad_converter_interface.h"
+#include "coordsys/closed/nad_converter_interface.h"
 #include "coordsys/grids/nadcon_grid.h"
 #include "coordsys/grids/national_grids.h"
 

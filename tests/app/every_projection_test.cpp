@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "coordsys/projection_types.h"
+#include "coordsys/projections/projection_types.h"
 #include "tests/app/program_run.h"
 #include "tests/support/british_text.h"
 

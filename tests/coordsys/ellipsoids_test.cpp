@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "coordsys/projection_types.h"
+#include "coordsys/projections/projection_types.h"
 
 namespace tarvex {
 namespace {

@@ -16,7 +16,7 @@
 #include "app/workflow/receiver_link.h"
 #include "app/workflow/session_commands.h"
 #include "app/workflow/session_events.h"
-#include "coordsys/calculator.h"
+#include "coordsys/chain/calculator.h"
 #include "core/coordinate_file.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/memory_files.h"

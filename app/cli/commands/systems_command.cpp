@@ -3,7 +3,7 @@
 #include "app/cli/commands/commands.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/coordinate_systems.h"
-#include "coordsys/definition_check.h"
+#include "coordsys/definition/definition_check.h"
 
 namespace tarvex {
 namespace {

@@ -1,5 +1,5 @@
 #include "core/units.h"  // its own
-#include "tarvex/coordsys/calculator.h"
+#include "tarvex/coordsys/chain/calculator.h"
 #include "tarvex/core/angle.h"
 #include "tarvex/gnss/position_reader.h"
 
