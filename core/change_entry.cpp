@@ -1,25 +1,12 @@
 #include "core/change_entry.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+
+#include "core/byte_codec.h"
 
 namespace tarvex {
 namespace {
-
-void AppendNumber(std::string& bytes, std::uint64_t value) {
-  char number[8];
-  for (char& byte : number) {
-    byte = static_cast<char>(value & 0xFFU);
-    value >>= 8U;
-  }
-  bytes.append(number, sizeof number);
-}
-
-std::uint64_t NumberAt(const char* bytes) {
-  std::uint64_t value = 0;
-  for (int i = 7; i >= 0; --i) value = value << 8U | static_cast<unsigned char>(bytes[i]);
-  return value;
-}
 
 // A check sum that notices an entry cut short or half written; eight bytes a step.
 std::uint64_t CheckSum(std::string_view bytes) {
@@ -29,42 +16,75 @@ std::uint64_t CheckSum(std::string_view bytes) {
     sum ^= sum >> 32U;
   };
   std::size_t at = 0;
-  for (; at + 8 <= bytes.size(); at += 8) mix(NumberAt(bytes.data() + at));
+  for (; at + 8 <= bytes.size(); at += 8) mix(NumberAt<std::uint64_t>(bytes.data() + at));
   for (; at < bytes.size(); ++at) mix(static_cast<unsigned char>(bytes[at]));
   return sum;
 }
 
-// Takes numbers and bytes off the front of text whose check sum is right.
-class EntryReader {
- public:
-  explicit EntryReader(std::string_view bytes) : rest_(bytes) {}
-
-  std::optional<std::uint64_t> Number() {
-    if (rest_.size() < 8) return std::nullopt;
-    const std::uint64_t value = NumberAt(rest_.data());
-    rest_.remove_prefix(8);
-    return value;
-  }
-
-  std::optional<std::string_view> Bytes(std::uint64_t count) {
-    if (count > rest_.size()) return std::nullopt;
-    const std::string_view taken = rest_.substr(0, static_cast<std::size_t>(count));
-    rest_.remove_prefix(taken.size());
-    return taken;
-  }
-
- private:
-  std::string_view rest_;
+// The numbers before the payload of an entry, behind the signature.
+struct EntryHead {
+  std::uint64_t series = 0;
+  std::uint64_t number = 0;
+  std::uint64_t payloadSize = 0;
 };
 
-std::optional<FileWrite> DecodeWrite(EntryReader& reader) {
-  const auto offset = reader.Number();
-  const auto repeat = reader.Number();
-  const auto length = reader.Number();
-  if (!offset || !repeat || !length) return std::nullopt;
-  const auto bytes = reader.Bytes(*length);
-  if (!bytes) return std::nullopt;
-  return FileWrite{.offset = *offset, .bytes = std::string(*bytes), .repeat = *repeat};
+template <typename Walker, typename Head>
+constexpr void WalkEntryHead(Walker& walker, Head& head) {
+  walker.Number(head.series);
+  walker.Number(head.number);
+  walker.Number(head.payloadSize);
+}
+
+static_assert(ByteCount([](auto& walker) {
+                const EntryHead head;
+                WalkEntryHead(walker, head);
+              }) == kChangeHeaderSize - kChangeMagic.size());
+
+// Which file a change is of, and whether it is replaced.
+struct FileHead {
+  std::uint64_t file = 0;
+  std::uint64_t replaced = 0;
+};
+
+template <typename Walker, typename Head>
+constexpr void WalkFileHead(Walker& walker, Head& head) {
+  walker.Number(head.file);
+  walker.Number(head.replaced);
+}
+
+// Sizes and count of writes, the same in both kinds of journal.
+struct ChangeHead {
+  std::uint64_t oldSize = 0;
+  std::uint64_t newSize = 0;
+  std::uint64_t writes = 0;
+};
+
+template <typename Walker, typename Head>
+constexpr void WalkChangeHead(Walker& walker, Head& head) {
+  walker.Number(head.oldSize);
+  walker.Number(head.newSize);
+  walker.Number(head.writes);
+}
+
+struct WriteHead {
+  std::uint64_t offset = 0;
+  std::uint64_t repeat = 0;
+  std::uint64_t length = 0;
+};
+
+template <typename Walker, typename Head>
+constexpr void WalkWriteHead(Walker& walker, Head& head) {
+  walker.Number(head.offset);
+  walker.Number(head.repeat);
+  walker.Number(head.length);
+}
+
+std::optional<FileWrite> DecodeWrite(ByteReader& reader) {
+  WriteHead head;
+  WalkWriteHead(reader, head);
+  const std::string_view bytes = reader.Bytes(head.length);
+  if (!reader.ok()) return std::nullopt;
+  return FileWrite{.offset = head.offset, .bytes = std::string(bytes), .repeat = head.repeat};
 }
 
 // A write lies within the file as it was or is to be.
@@ -73,53 +93,51 @@ bool Fits(const FileWrite& write, std::uint64_t size) {
   return write.bytes.empty() || write.repeat <= (size - write.offset) / write.bytes.size();
 }
 
-// Sizes and writes, the same in both kinds of journal.
-std::optional<FileChange> DecodeFileChange(EntryReader& reader) {
-  const auto oldSize = reader.Number();
-  const auto newSize = reader.Number();
-  const auto count = reader.Number();
-  if (!oldSize || !newSize || !count) return std::nullopt;
-  FileChange change{.oldSize = *oldSize, .newSize = *newSize};
-  for (std::uint64_t i = 0; i < *count; ++i) {
+std::optional<FileChange> DecodeFileChange(ByteReader& reader) {
+  ChangeHead head;
+  WalkChangeHead(reader, head);
+  if (!reader.ok()) return std::nullopt;
+  FileChange change{.oldSize = head.oldSize, .newSize = head.newSize};
+  for (std::uint64_t i = 0; i < head.writes; ++i) {
     auto write = DecodeWrite(reader);
-    if (!write || !Fits(*write, std::max(*oldSize, *newSize))) return std::nullopt;
+    if (!write || !Fits(*write, std::max(head.oldSize, head.newSize))) return std::nullopt;
     change.writes.push_back(std::move(*write));
   }
   return change;
 }
 
 std::optional<JobChange> DecodeChange(std::string_view payload) {
-  EntryReader reader(payload);
-  const auto count = reader.Number();
-  if (!count) return std::nullopt;
+  ByteReader reader(payload);
+  std::uint64_t count = 0;
+  reader.Number(count);
+  if (!reader.ok()) return std::nullopt;
   JobChange change;
-  for (std::uint64_t i = 0; i < *count; ++i) {
-    const auto file = reader.Number();
-    const auto replaced = reader.Number();
-    if (!file || *file >= std::size(kJobFiles) || !replaced) return std::nullopt;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    FileHead head;
+    WalkFileHead(reader, head);
+    if (!reader.ok() || head.file >= std::size(kJobFiles)) return std::nullopt;
     auto one = DecodeFileChange(reader);
     if (!one) return std::nullopt;
-    one->file = kJobFiles[*file];
-    one->replaced = *replaced != 0;
+    one->file = kJobFiles[head.file];
+    one->replaced = head.replaced != 0;
     change.push_back(std::move(*one));
   }
   return change;
 }
 
-void AppendChange(std::string& bytes, const JobChange& change) {
-  AppendNumber(bytes, change.size());
-  for (const FileChange& one : change) {
-    AppendNumber(bytes, static_cast<std::uint64_t>(one.file));
-    AppendNumber(bytes, one.replaced ? 1 : 0);
-    AppendNumber(bytes, one.oldSize);
-    AppendNumber(bytes, one.newSize);
-    AppendNumber(bytes, one.writes.size());
-    for (const FileWrite& write : one.writes) {
-      AppendNumber(bytes, write.offset);
-      AppendNumber(bytes, write.repeat);
-      AppendNumber(bytes, write.bytes.size());
-      bytes += write.bytes;
-    }
+void AppendFileChange(std::string& bytes, const FileChange& change) {
+  ByteWriter writer(bytes);
+  const FileHead file{.file = static_cast<std::uint64_t>(change.file),
+                      .replaced = change.replaced ? 1U : 0U};
+  WalkFileHead(writer, file);
+  const ChangeHead head{
+      .oldSize = change.oldSize, .newSize = change.newSize, .writes = change.writes.size()};
+  WalkChangeHead(writer, head);
+  for (const FileWrite& write : change.writes) {
+    const WriteHead place{
+        .offset = write.offset, .repeat = write.repeat, .length = write.bytes.size()};
+    WalkWriteHead(writer, place);
+    bytes += write.bytes;
   }
 }
 
@@ -127,29 +145,33 @@ void AppendChange(std::string& bytes, const JobChange& change) {
 
 std::string EncodeEntry(const ChangeEntry& entry) {
   std::string payload;
-  AppendChange(payload, entry.change);
+  AppendNumber<std::uint64_t>(payload, entry.change.size());
+  for (const FileChange& one : entry.change) AppendFileChange(payload, one);
   std::string bytes(kChangeMagic);
-  AppendNumber(bytes, entry.series);
-  AppendNumber(bytes, entry.number);
-  AppendNumber(bytes, payload.size());
+  const EntryHead head{
+      .series = entry.series, .number = entry.number, .payloadSize = payload.size()};
+  ByteWriter writer(bytes);
+  WalkEntryHead(writer, head);
   bytes += payload;
   AppendNumber(bytes, CheckSum(bytes));
   return bytes;
 }
 
 std::optional<ChangeEntry> TakeEntry(std::string_view& bytes) {
-  if (bytes.size() < kChangeHeaderSize + 8 || !bytes.starts_with(kChangeMagic)) return std::nullopt;
-  ChangeEntry entry{
-      .series = NumberAt(bytes.data() + 8), .number = NumberAt(bytes.data() + 16), .change = {}};
-  const std::uint64_t length = NumberAt(bytes.data() + 24);
-  if (length > bytes.size() - kChangeHeaderSize - 8) return std::nullopt;
-  const std::size_t checked = kChangeHeaderSize + static_cast<std::size_t>(length);
-  if (CheckSum(bytes.substr(0, checked)) != NumberAt(bytes.data() + checked)) return std::nullopt;
-  auto change = DecodeChange(bytes.substr(kChangeHeaderSize, static_cast<std::size_t>(length)));
+  if (!bytes.starts_with(kChangeMagic)) return std::nullopt;
+  ByteReader reader(bytes.substr(kChangeMagic.size()));
+  EntryHead head;
+  WalkEntryHead(reader, head);
+  const std::string_view payload = reader.Bytes(head.payloadSize);
+  std::uint64_t sum = 0;
+  reader.Number(sum);
+  if (!reader.ok() || CheckSum(bytes.substr(0, kChangeHeaderSize + payload.size())) != sum) {
+    return std::nullopt;
+  }
+  auto change = DecodeChange(payload);
   if (!change) return std::nullopt;
-  entry.change = std::move(*change);
-  bytes.remove_prefix(checked + 8);
-  return entry;
+  bytes = reader.rest();
+  return ChangeEntry{.series = head.series, .number = head.number, .change = std::move(*change)};
 }
 
 std::optional<JobChange> DecodeOldJournal(std::string_view bytes) {
@@ -157,8 +179,10 @@ std::optional<JobChange> DecodeOldJournal(std::string_view bytes) {
     return std::nullopt;
   }
   const std::string_view checked = bytes.substr(0, bytes.size() - 8);
-  if (CheckSum(checked) != NumberAt(bytes.data() + checked.size())) return std::nullopt;
-  EntryReader reader(checked.substr(kOldChangeMagic.size()));
+  if (CheckSum(checked) != NumberAt<std::uint64_t>(bytes.data() + checked.size())) {
+    return std::nullopt;
+  }
+  ByteReader reader(checked.substr(kOldChangeMagic.size()));
   auto change = DecodeFileChange(reader);
   if (!change) return std::nullopt;
   return JobChange{std::move(*change)};

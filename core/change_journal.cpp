@@ -5,6 +5,7 @@
 #include <optional>
 #include <random>
 
+#include "core/byte_codec.h"
 #include "core/change_entry.h"
 
 namespace tarvex {
@@ -84,8 +85,7 @@ JournalHead ReadHead(FileSystem& files, const std::string& path) {
   const std::string_view text(bytes, sizeof bytes);
   head.old = text.starts_with(kOldChangeMagic);
   head.entry = text.starts_with(kChangeMagic);
-  for (int i = 15; i >= 8; --i)
-    head.series = head.series << 8U | static_cast<unsigned char>(bytes[i]);
+  head.series = NumberAt<std::uint64_t>(bytes + kChangeMagic.size());
   return head;
 }
 

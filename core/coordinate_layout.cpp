@@ -1,59 +1,21 @@
 #include "core/coordinate_layout.h"
 
-#include <bit>
 #include <cmath>
-#include <cstring>
 
+#include "core/byte_codec.h"
+#include "core/date_text.h"
 #include "core/number_text.h"
 
 namespace tarvex {
 namespace {
 
-constexpr std::size_t kDescriptionSize = kDescriptionLength + 1;
-constexpr std::size_t kDescriptionOffset = 24;
-
-void AppendZeros(std::string& bytes, std::size_t count) {
-  bytes.append(count, '\0');
-}
-
-void AppendDouble(std::string& bytes, double value) {
-  char field[8];
-  auto bits = std::bit_cast<std::uint64_t>(value);
-  if constexpr (std::endian::native == std::endian::little) {
-    std::memcpy(field, &bits, sizeof field);
-  } else {
-    for (int i = 0; i < 8; ++i, bits >>= 8U) field[i] = static_cast<char>(bits & 0xFFU);
-  }
-  bytes.append(field, sizeof field);
-}
-
-double DecodeDouble(const char* bytes) {
-  std::uint64_t bits = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    std::memcpy(&bits, bytes, sizeof bits);
-  } else {
-    for (int i = 7; i >= 0; --i) bits = bits << 8U | static_cast<unsigned char>(bytes[i]);
-  }
-  return std::bit_cast<double>(bits);
-}
-
-void AppendText(std::string& bytes, std::string_view text, std::size_t fieldSize) {
-  bytes += text;
-  AppendZeros(bytes, fieldSize - text.size());
-}
-
-void AppendCoordinates(std::string& bytes, const GridPoint& at, const Description& description) {
-  AppendDouble(bytes, at.northing);
-  AppendDouble(bytes, at.easting);
-  AppendDouble(bytes, at.elevation);
-  AppendText(bytes, description.view(), kDescriptionSize);
-}
-
-void DecodeCoordinates(const char* bytes, Point& point) {
-  point.at = {.northing = DecodeDouble(bytes),
-              .easting = DecodeDouble(bytes + 8),
-              .elevation = DecodeDouble(bytes + 16)};
-  point.description.TakeField(bytes + kDescriptionOffset);
+// What a record of both layouts begins with.
+template <typename Walker, typename PointRecord>
+constexpr void WalkCoordinates(Walker& walker, PointRecord& point) {
+  walker.Number(point.at.northing);
+  walker.Number(point.at.easting);
+  walker.Number(point.at.elevation);
+  walker.Text(point.description);
 }
 
 }  // namespace
@@ -62,6 +24,28 @@ namespace numeric_layout {
 namespace {
 
 constexpr double kLargestNumber = 1e9;
+
+struct Header {
+  double highestNumber = 0.0;
+  double created = 0.0;  // YYYY.MMDD
+};
+
+template <typename Walker, typename HeaderRecord>
+constexpr void WalkHeader(Walker& walker, HeaderRecord& header) {
+  walker.Number(header.highestNumber);
+  walker.Zeros(8);
+  walker.Number(header.created);
+  walker.Zeros(32);
+}
+
+static_assert(ByteCount([](auto& walker) {
+                const Header header;
+                WalkHeader(walker, header);
+              }) == kRecordSize);
+static_assert(ByteCount([](auto& walker) {
+                const Point point;
+                WalkCoordinates(walker, point);
+              }) == kRecordSize);
 
 // 5 December 2008 is 2008.1205.
 double PackedDate(const LocalTime& date) {
@@ -77,35 +61,38 @@ double PackedDate(const LocalTime& date) {
 
 std::string EncodeHighestNumber(long long highestNumber) {
   std::string bytes;
-  AppendDouble(bytes, static_cast<double>(highestNumber));
+  AppendNumber(bytes, static_cast<double>(highestNumber));
   return bytes;
 }
 
 std::string EncodeHeader(long long highestNumber, const LocalTime& created) {
-  std::string bytes = EncodeHighestNumber(highestNumber);
-  AppendDouble(bytes, 0.0);
-  AppendDouble(bytes, PackedDate(created));
-  AppendZeros(bytes, kRecordSize - bytes.size());
+  const Header header{.highestNumber = static_cast<double>(highestNumber),
+                      .created = PackedDate(created)};
+  std::string bytes;
+  ByteWriter writer(bytes);
+  WalkHeader(writer, header);
   return bytes;
 }
 
 long long DecodeHighestNumber(std::string_view header) {
-  const double number = DecodeDouble(header.data());
+  const auto number = NumberAt<double>(header.data());
   if (!(number >= 0.0 && number <= kLargestNumber) || number != std::floor(number)) return -1;
   return static_cast<long long>(number);
 }
 
-void AppendRecord(std::string& bytes, const GridPoint& at, const Description& description) {
-  AppendCoordinates(bytes, at, description);
+void AppendRecord(std::string& bytes, const Point& point) {
+  ByteWriter writer(bytes);
+  WalkCoordinates(writer, point);
 }
 
 void DecodeRecord(const char* bytes, Point& point) {
-  DecodeCoordinates(bytes, point);
+  ByteReader reader({bytes, kRecordSize});
+  WalkCoordinates(reader, point);
 }
 
 std::string FillerRecord() {
   std::string bytes;
-  AppendRecord(bytes, {}, Description(" "));
+  AppendRecord(bytes, {.at = {}, .description = Description(" "), .id = {}});
   return bytes;
 }
 
@@ -114,49 +101,77 @@ std::string FillerRecord() {
 namespace alphanumeric_layout {
 namespace {
 
-constexpr std::size_t kDateOffset = 8;
 constexpr std::size_t kSignatureOffset = 72;
 constexpr std::size_t kSignatureSize = 16;
 constexpr std::string_view kOlderSignature = "New CRD Format";
 constexpr std::string_view kSortedSignature = "New CRD Format2";
 
+struct Header {
+  FixedText<31> created = {};  // MM-DD-YYYY
+  FixedText<kSignatureSize - 1> signature = {};
+};
+
+template <typename Walker, typename HeaderRecord>
+constexpr void WalkHeader(Walker& walker, HeaderRecord& header) {
+  walker.Zeros(8);
+  walker.Text(header.created);
+  walker.Zeros(32);
+  walker.Text(header.signature);
+  walker.Zeros(16);
+}
+
+static_assert(ByteCount([](auto& walker) {
+                const Header header;
+                WalkHeader(walker, header);
+              }) == kHeaderSize);
+static_assert(kSignatureOffset + kSignatureSize + 16 == kHeaderSize);
+
+template <typename Walker, typename PointRecord>
+constexpr void WalkRecord(Walker& walker, PointRecord& point) {
+  WalkCoordinates(walker, point);
+  walker.Text(point.id);
+}
+
+static_assert(ByteCount([](auto& walker) {
+                const Point point;
+                WalkRecord(walker, point);
+              }) == kRecordSize);
+static_assert(kIdOffset == numeric_layout::kRecordSize && kIdOffset + kIdSize == kRecordSize);
+
 }  // namespace
 
 std::string EncodeHeader(const LocalTime& created) {
+  const Header header{.created = FixedText<31>(DateText(created)),
+                      .signature = FixedText<kSignatureSize - 1>(kSortedSignature)};
   std::string bytes;
-  AppendZeros(bytes, kDateOffset);
-  AppendInteger(bytes, created.month, 2);
-  bytes += '-';
-  AppendInteger(bytes, created.day, 2);
-  bytes += '-';
-  AppendInteger(bytes, created.year, 4);
-  AppendZeros(bytes, kSignatureOffset - bytes.size());
-  AppendText(bytes, kSortedSignature, kSignatureSize);
-  AppendZeros(bytes, kHeaderSize - bytes.size());
+  ByteWriter writer(bytes);
+  WalkHeader(writer, header);
   return bytes;
 }
 
-Signature DecodeSignature(std::string_view header) {
-  if (header.size() < kHeaderSize) return Signature::None;
-  const std::string_view text = header.substr(kSignatureOffset);
-  if (!text.starts_with(kOlderSignature)) return Signature::None;
-  return text[kOlderSignature.size()] == '2' ? Signature::Sorted : Signature::Older;
+Signature DecodeSignature(std::string_view bytes) {
+  Header header;
+  ByteReader reader(bytes);
+  WalkHeader(reader, header);
+  const std::string_view signature = header.signature.view();
+  if (!reader.ok() || !signature.starts_with(kOlderSignature)) return Signature::None;
+  return signature.starts_with(kSortedSignature) ? Signature::Sorted : Signature::Older;
 }
 
 void MarkSorted(std::string& header) {
-  std::string signature(kSortedSignature);
-  AppendZeros(signature, kSignatureSize - signature.size());
+  std::string signature;
+  ByteWriter(signature).Text(FixedText<kSignatureSize - 1>(kSortedSignature));
   header.replace(kSignatureOffset, kSignatureSize, signature);
 }
 
 void AppendRecord(std::string& bytes, const Point& point) {
-  AppendCoordinates(bytes, point.at, point.description);
-  AppendText(bytes, point.id.view(), kIdSize);
+  ByteWriter writer(bytes);
+  WalkRecord(writer, point);
 }
 
 void DecodeRecord(const char* bytes, Point& point) {
-  DecodeCoordinates(bytes, point);
-  point.id.TakeField(bytes + kIdOffset);
+  ByteReader reader({bytes, kRecordSize});
+  WalkRecord(reader, point);
 }
 
 PointId DecodeId(const char* record) {

@@ -24,7 +24,8 @@ std::string EncodeHighestNumber(long long highestNumber);
 /// The highest point number; -1 when the bytes hold no count that a file of points can have.
 long long DecodeHighestNumber(std::string_view header);
 
-void AppendRecord(std::string& bytes, const GridPoint& at, const Description& description);
+/// Coordinates and description; the id is where the record is.
+void AppendRecord(std::string& bytes, const Point& point);
 /// Decodes coordinates and description; the id is left to the caller. `bytes` holds kRecordSize
 /// bytes.
 void DecodeRecord(const char* bytes, Point& point);

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "core/coordinate_layout.h"
+#include "core/date_text.h"
 #include "core/file_rewrite.h"
 #include "core/point_id.h"
 #include "core/string_table.h"

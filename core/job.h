@@ -83,8 +83,4 @@ struct Job {
 /// Moves the job's current point id on by its increment, after a store.
 void AdvanceCurrentPoint(Job& job);
 
-/// "12-05-2008" and "14:03:59", as files carry date and time.
-std::string DateText(const LocalTime& time);
-std::string TimeText(const LocalTime& time);
-
 }  // namespace tarvex

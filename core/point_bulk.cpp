@@ -213,7 +213,8 @@ std::string MergeNumbered(std::string file, std::span<const Point> points, long 
   std::string record;
   for (const Point& point : points) {
     record.clear();
-    numeric_layout::AppendRecord(record, point.at, OnOneLine(point.description));
+    numeric_layout::AppendRecord(
+        record, {.at = point.at, .description = OnOneLine(point.description), .id = {}});
     file.replace(static_cast<std::size_t>(LeadingInteger(point.id.view())) * kSize, kSize, record);
   }
   const std::string count = numeric_layout::EncodeHighestNumber(highest);

@@ -83,7 +83,7 @@ std::string CountBytes(Job& job, const CoordinateFile& stream, long long number)
 
 FileStatus StoreInSlot(Job& job, const Point& point, long long number, CoordinateFile& stream) {
   std::string record;
-  numeric_layout::AppendRecord(record, point.at, point.description);
+  numeric_layout::AppendRecord(record, point);
   const auto slot = static_cast<std::uint64_t>(number - 1);
   if (number <= job.lastPointNumber) {
     return stream.Change({{.offset = stream.RecordOffset(slot), .bytes = record}}, stream.size());
@@ -107,7 +107,7 @@ FileStatus StoreInSlot(Job& job, const Point& point, long long number, Coordinat
 // opening of the file lowers the count of the header to the records that exist.
 FileStatus StoreNextNumber(const Point& point, long long number, CoordinateFile& stream) {
   std::string record;
-  numeric_layout::AppendRecord(record, point.at, point.description);
+  numeric_layout::AppendRecord(record, point);
   FileStatus status = stream.Overwrite(0, numeric_layout::EncodeHighestNumber(number));
   if (status.ok()) status = stream.Append(record);
   if (!status.ok()) {

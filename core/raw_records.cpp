@@ -1,6 +1,7 @@
 #include "core/raw_records.h"
 
 #include "core/azimuth.h"
+#include "core/date_text.h"
 #include "core/record_text.h"
 
 namespace tarvex {

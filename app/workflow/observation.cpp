@@ -1,5 +1,6 @@
 #include "app/workflow/observation.h"
 
+#include "core/date_text.h"
 #include "core/raw_records.h"
 #include "gnss/point_quality.h"
 #include "gnss/position_reader.h"
