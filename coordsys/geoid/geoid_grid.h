@@ -16,9 +16,9 @@
 #include <optional>
 #include <string>
 
-#include "coordsys/grids/byte_order.h"
 #include "coordsys/grids/grid_geometry.h"
 #include "coordsys/grids/grid_status.h"
+#include "core/byte_codec.h"
 #include "platform/file_bytes.h"
 
 namespace tarvex {

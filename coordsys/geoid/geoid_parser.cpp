@@ -165,8 +165,7 @@ class GeoidParser {
         if (!value) return Wrong(GridProblem::BadValue, "line " + std::to_string(lineNumber));
         if (++seen > nodes)
           return Wrong(GridProblem::TooLong, "line " + std::to_string(lineNumber));
-        const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(*value));
-        for (int i = 0; i < 4; ++i) packed += static_cast<char>(bits >> (8 * i) & 0xff);
+        AppendNumber(packed, static_cast<float>(*value));
         words.remove_prefix(end);
       }
     }

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "coordsys/grids/byte_order.h"
+#include "core/byte_codec.h"
 #include "core/number_text.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -19,15 +19,6 @@ constexpr std::uint32_t kVersion = 1;
 constexpr std::size_t kHeader = 44;
 constexpr std::size_t kNode = 3 * sizeof(std::int32_t) + 1;
 constexpr double kMetresPerMicrometre = 1e-6;
-
-template <typename Number>
-void Append(std::string& out, Number value) {
-  char bytes[sizeof value];
-  // Written in the order of the file, little, whatever this machine's is.
-  const Number ordered = NumberAt<Number>(reinterpret_cast<const char*>(&value), ByteOrder::Little);
-  std::memcpy(bytes, &ordered, sizeof bytes);
-  out.append(bytes, sizeof bytes);
-}
 
 std::vector<std::string_view> Words(std::string_view line) {
   std::vector<std::string_view> words;
@@ -118,16 +109,16 @@ class Gr3df97aText {
 
   void Write(std::string& packed) const {
     packed.assign(kMark);
-    Append(packed, kVersion);
-    Append(packed, static_cast<std::uint16_t>(geometry_.columns()));
-    Append(packed, static_cast<std::uint16_t>(geometry_.rows()));
+    AppendNumber(packed, kVersion);
+    AppendNumber(packed, static_cast<std::uint16_t>(geometry_.columns()));
+    AppendNumber(packed, static_cast<std::uint16_t>(geometry_.rows()));
     for (const double value :
          {geometry_.firstX(), geometry_.firstY(), geometry_.stepX(), geometry_.stepY()}) {
-      Append(packed, value);
+      AppendNumber(packed, value);
     }
     for (const NodeValues& node : nodes_) {
-      for (const std::int32_t value : node.micrometres) Append(packed, value);
-      Append(packed, node.code);
+      for (const std::int32_t value : node.micrometres) AppendNumber(packed, value);
+      AppendNumber(packed, node.code);
     }
   }
 

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "coordsys/grids/byte_order.h"
+#include "core/byte_codec.h"
 #include "core/no_value.h"
 #include "core/number_text.h"
 #include "core/string_table.h"

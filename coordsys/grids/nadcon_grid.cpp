@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "coordsys/grids/byte_order.h"
+#include "core/byte_codec.h"
 
 namespace tarvex {
 namespace {

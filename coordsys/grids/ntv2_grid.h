@@ -17,9 +17,9 @@
 #include <vector>
 
 #include "coordsys/coordinates.h"
-#include "coordsys/grids/byte_order.h"
 #include "coordsys/grids/grid_geometry.h"
 #include "coordsys/grids/grid_status.h"
+#include "core/byte_codec.h"
 #include "platform/file_bytes.h"
 
 namespace tarvex {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "coordsys/grids/byte_order.h"
+#include "core/byte_codec.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "core/text.h"
@@ -28,20 +28,16 @@ constexpr std::uint32_t kCell = 1000;
 constexpr std::int32_t kBaseEast = 86000;
 constexpr std::int32_t kBaseNorth = -82000;
 
-void AppendLittle(std::string& out, std::uint32_t value, int bytes) {
-  for (int i = 0; i < bytes; ++i) out += static_cast<char>(value >> (8 * i) & 0xff);
-}
-
 std::string Packed(std::int32_t base, const std::vector<std::uint16_t>& nodes) {
   std::string out(kMark);
   out.reserve(kHeader + 2 * nodes.size());
-  AppendLittle(out, kVersion, 4);
-  AppendLittle(out, kColumns, 2);
-  AppendLittle(out, kRows, 2);
-  AppendLittle(out, kCell, 4);
-  AppendLittle(out, static_cast<std::uint32_t>(base), 4);
+  AppendNumber(out, kVersion);
+  AppendNumber(out, kColumns);
+  AppendNumber(out, kRows);
+  AppendNumber(out, kCell);
+  AppendNumber(out, base);
   out.append(kHeader - out.size(), '\0');
-  for (const std::uint16_t node : nodes) AppendLittle(out, node, 2);
+  for (const std::uint16_t node : nodes) AppendNumber(out, node);
   return out;
 }
 
