@@ -8,11 +8,14 @@ install(TARGETS ${libraries} EXPORT TarvexTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvex)
 install(EXPORT TarvexTargets NAMESPACE Tarvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
+set(TARVEX_MODULE_INSTALL_FOLDER ${CMAKE_INSTALL_LIBDIR}/tarvex)
 configure_package_config_file(cmake/TarvexConfig.cmake.in TarvexConfig.cmake
-                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
+                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex
+                              PATH_VARS TARVEX_MODULE_INSTALL_FOLDER)
 write_basic_package_version_file(TarvexConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfigVersion.cmake
+              ${PROJECT_SOURCE_DIR}/cmake/installed_modules.cpp
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
 
 install(CODE [[
