@@ -10,8 +10,8 @@
 #include "core/text.h"
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/corrections/rtcm_framer.h"
-#include "gnss/nmea_reading.h"
 #include "gnss/ntrip/client.h"
+#include "gnss/receivers/nmea_reading.h"
 
 namespace tarvex {
 namespace {

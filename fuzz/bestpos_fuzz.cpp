@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "gnss/makes/bestpos.h"
-#include "gnss/makes/dop_request.h"
+#include "gnss/receivers/bestpos.h"
+#include "gnss/receivers/dop_request.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 1) return 0;

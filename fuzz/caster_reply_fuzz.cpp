@@ -6,7 +6,7 @@
 #include <string>
 
 #include "gnss/ntrip/client.h"
-#include "tests/gnss/scripted_caster.h"
+#include "tests/gnss/ntrip/scripted_caster.h"
 #include "tests/support/memory_files.h"
 
 namespace {

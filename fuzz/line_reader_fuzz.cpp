@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "gnss/line_reader.h"
+#include "gnss/port/line_reader.h"
 #include "tests/support/scripted_device.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

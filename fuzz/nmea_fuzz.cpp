@@ -7,9 +7,9 @@
 #include <memory>
 #include <string_view>
 
-#include "gnss/makes/dop_request.h"
-#include "gnss/position_reader.h"
-#include "gnss/receiver_make.h"
+#include "gnss/receivers/dop_request.h"
+#include "gnss/receivers/position_reader.h"
+#include "gnss/receivers/receiver_make.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/scripted_device.h"
 

@@ -8,7 +8,7 @@
 
 #include "app/cli/program.h"
 #include "gnss/corrections/correction_session.h"
-#include "gnss/receiver_settings.h"
+#include "gnss/receivers/receiver_settings.h"
 
 namespace CLI {
 class App;

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "gnss/corrections/correction_status.h"
-#include "gnss/position_state.h"
+#include "gnss/position/position_state.h"
 
 namespace tarvex {
 

@@ -7,7 +7,7 @@
 #include "app/cli/program.h"
 #include "app/workflow/correction_link.h"
 #include "app/workflow/receiver_tap.h"
-#include "gnss/position_reader.h"
+#include "gnss/receivers/position_reader.h"
 
 namespace tarvex {
 

@@ -1,9 +1,9 @@
 // The receiver that a session works with.
 #pragma once
 
-#include "gnss/port_address.h"
-#include "gnss/receiver_make.h"
-#include "gnss/receiver_settings.h"
+#include "gnss/port/port_address.h"
+#include "gnss/receivers/receiver_make.h"
+#include "gnss/receivers/receiver_settings.h"
 
 namespace tarvex {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "coordsys/chain/calculator.h"
-#include "gnss/position_state.h"
+#include "gnss/position/position_state.h"
 #include "gnss/quality/averaging.h"
 
 namespace tarvex {

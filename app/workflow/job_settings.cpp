@@ -9,7 +9,7 @@
 #include "core/raw_header.h"
 #include "core/text.h"
 #include "gnss/quality/quality_gate.h"
-#include "gnss/receiver_settings.h"
+#include "gnss/receivers/receiver_settings.h"
 
 namespace tarvex {
 namespace {

@@ -2,9 +2,9 @@
 
 #include "core/date_text.h"
 #include "core/raw_records.h"
-#include "gnss/point_quality.h"
-#include "gnss/position_reader.h"
-#include "gnss/receiver_make.h"
+#include "gnss/quality/point_quality.h"
+#include "gnss/receivers/position_reader.h"
+#include "gnss/receivers/receiver_make.h"
 
 namespace tarvex {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "coordsys/chain/calculator.h"
 #include "core/job.h"
-#include "gnss/position_state.h"
+#include "gnss/position/position_state.h"
 
 namespace tarvex {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "gnss/port_error.h"
+#include "gnss/port/port_error.h"
 
 namespace tarvex {
 

@@ -9,9 +9,9 @@
 #include "app/workflow/chosen_receiver.h"
 #include "app/workflow/receiver_tap.h"
 #include "core/units.h"
-#include "gnss/gnss_connection.h"
-#include "gnss/link_retry.h"
-#include "gnss/position_reader.h"
+#include "gnss/port/link_retry.h"
+#include "gnss/receivers/gnss_connection.h"
+#include "gnss/receivers/position_reader.h"
 
 namespace tarvex {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "gnss/corrections/latest_gga.h"
-#include "gnss/gnss_connection.h"
-#include "gnss/sky_view.h"
+#include "gnss/nmea/sky_view.h"
+#include "gnss/receivers/gnss_connection.h"
 #include "platform/clock.h"
 #include "platform/file.h"
 

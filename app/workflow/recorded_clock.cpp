@@ -3,7 +3,7 @@
 #include <chrono>
 
 #include "core/number_text.h"
-#include "gnss/position_state.h"
+#include "gnss/position/position_state.h"
 
 namespace tarvex {
 namespace {

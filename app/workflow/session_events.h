@@ -9,10 +9,10 @@
 
 #include "core/point.h"
 #include "gnss/corrections/correction_status.h"
-#include "gnss/position_reader.h"
-#include "gnss/position_state.h"
+#include "gnss/position/position_state.h"
 #include "gnss/quality/averaging.h"
 #include "gnss/quality/quality_gate.h"
+#include "gnss/receivers/position_reader.h"
 
 namespace tarvex {
 

@@ -21,7 +21,7 @@
 #include "gnss/corrections/latest_gga.h"
 #include "gnss/corrections/rtcm_framer.h"
 #include "gnss/ntrip/client.h"
-#include "gnss/port.h"
+#include "gnss/port/port.h"
 
 namespace tarvex {
 

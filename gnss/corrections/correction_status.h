@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "gnss/corrections/rtcm_messages.h"
-#include "gnss/port_error.h"
+#include "gnss/port/port_error.h"
 
 namespace tarvex {
 

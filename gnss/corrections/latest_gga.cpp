@@ -1,8 +1,8 @@
 #include "gnss/corrections/latest_gga.h"
 
-#include "gnss/nmea_number.h"
-#include "gnss/sentences/sentence.h"
-#include "gnss/text_fields.h"
+#include "gnss/nmea/nmea_number.h"
+#include "gnss/nmea/sentence.h"
+#include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
 namespace {

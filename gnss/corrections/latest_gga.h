@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "gnss/gnss_connection.h"
+#include "gnss/receivers/gnss_connection.h"
 
 namespace tarvex {
 

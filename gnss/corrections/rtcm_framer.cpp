@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "gnss/crc.h"
+#include "gnss/corrections/crc24q.h"
 
 namespace tarvex {
 namespace {

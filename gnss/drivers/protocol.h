@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "gnss/line_reader.h"
-#include "gnss/port.h"
+#include "gnss/port/line_reader.h"
+#include "gnss/port/port.h"
 
 namespace tarvex {
 

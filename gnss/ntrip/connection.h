@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "gnss/ntrip/progress.h"
-#include "gnss/port.h"
+#include "gnss/port/port.h"
 
 namespace tarvex {
 

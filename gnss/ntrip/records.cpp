@@ -4,7 +4,7 @@
 
 #include "core/number_text.h"
 #include "core/text.h"
-#include "gnss/nmea_number.h"
+#include "gnss/nmea/nmea_number.h"
 
 namespace tarvex {
 namespace {

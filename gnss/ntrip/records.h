@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "core/fixed_text.h"
-#include "gnss/port_error.h"
+#include "gnss/port/port_error.h"
 
 namespace tarvex {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/units.h"
-#include "gnss/position_state.h"
+#include "gnss/position/position_state.h"
 
 namespace tarvex {
 

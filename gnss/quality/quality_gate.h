@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "gnss/position_state.h"
+#include "gnss/position/position_state.h"
 
 namespace tarvex {
 

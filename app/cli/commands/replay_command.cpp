@@ -9,9 +9,9 @@
 #include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/cli/replay_outlet.h"
-#include "gnss/nmea_number.h"
-#include "gnss/sentences/sentence.h"
-#include "gnss/text_fields.h"
+#include "gnss/nmea/nmea_number.h"
+#include "gnss/nmea/sentence.h"
+#include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
 namespace {

@@ -1,0 +1,22 @@
+// What position sentences have in common: four fields of latitude and longitude.
+#pragma once
+
+#include <string_view>
+
+#include "gnss/nmea/text_fields.h"
+#include "gnss/position/position_state.h"
+
+namespace tarvex {
+
+/// Takes latitude, N/S, longitude, E/W into the state; false when the fields ran out, with those
+/// before the end taken.
+[[nodiscard]] bool TakeLatitudeLongitude(FieldCursor& fields, GnssPositionState& state);
+
+/// True when the five fields from `fields` on (position and quality) are all empty, as receivers
+/// send them for a satellite system that has no part in the solution.
+bool PositionAndQualityEmpty(FieldCursor fields);
+
+/// A height of the published GGK layouts without the letters in front of it ("EHT371.467").
+std::string_view WithoutHeightPrefix(std::string_view field);
+
+}  // namespace tarvex

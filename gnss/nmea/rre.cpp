@@ -1,0 +1,35 @@
+#include <algorithm>
+
+#include "gnss/nmea/nmea_number.h"
+#include "gnss/nmea/sentences.h"
+#include "gnss/nmea/text_fields.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kMostSatellites = 256;  // more than a line holds
+
+}  // namespace
+
+SentenceResult ReadRre(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  if (context.make.hemisphereFamily && std::count(line.begin(), line.end(), '$') > 1) {
+    return SentenceResult::InvalidData;
+  }
+  FieldCursor fields(line);
+  std::string_view field;
+  if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
+  const int residuals = NmeaInteger(field);
+  if (residuals < 0 || residuals > kMostSatellites) return SentenceResult::RanOut;
+  if (!fields.Skip(2 * residuals) || !fields.Take(field)) return SentenceResult::RanOut;
+  state.hrms = ToJobDistance(NmeaNumber(field), context.settings.unit);
+  state.precisionKnown = false;
+  state.precisionEpochMs = kNoEpoch;  // the sentence has no time
+  const bool horizontal = !field.empty();
+  if (!fields.Take(field)) return SentenceResult::RanOut;
+  state.precisionKnown = horizontal && !FirstField(field, '*').empty();
+  state.vrms = ToJobDistance(NmeaNumber(field), context.settings.unit);
+  return SentenceResult::Read;
+}
+
+}  // namespace tarvex

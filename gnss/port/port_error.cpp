@@ -1,0 +1,37 @@
+#include "gnss/port/port_error.h"
+
+#include <array>
+#include <utility>
+
+#include "core/string_table.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kFirstText = 3000;
+
+}  // namespace
+
+PortError Report(LastErrorRecord& record, PortError error, std::vector<std::string> arguments) {
+  record.Set(static_cast<int>(error), std::move(arguments));
+  return error;
+}
+
+std::string ErrorSentence(const LastError& error) {
+  std::array<std::string_view, 3> given = {"", "", ""};
+  for (std::size_t i = 0; i < given.size() && i < error.arguments.size(); ++i) {
+    given[i] = error.arguments[i];
+  }
+  return Strings().Text(kFirstText + error.code, {given[0], given[1], given[2]});
+}
+
+std::string ErrorSentences(const LastErrorRecord& record) {
+  std::string text;
+  for (const LastError& error : record.History()) {
+    if (!text.empty()) text += ' ';
+    text += ErrorSentence(error);
+  }
+  return text;
+}
+
+}  // namespace tarvex

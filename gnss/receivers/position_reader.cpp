@@ -1,0 +1,178 @@
+#include "gnss/receivers/position_reader.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/string_table.h"
+#include "gnss/receivers/ashtech_reading.h"
+#include "gnss/receivers/dop_request.h"
+#include "gnss/receivers/nmea_reading.h"
+#include "gnss/receivers/novatel_reading.h"
+#include "gnss/receivers/receiver_make.h"
+
+namespace tarvex {
+namespace {
+
+constexpr int kFirstResultText = 3400;
+constexpr int kAcceptedText = 3420;
+constexpr std::int64_t kPiledUpAfterMs = 2000;
+constexpr std::int64_t kBetweenUnansweredMs = 10'000;
+
+// What came in while nobody read is a position of the past.
+PortError DropWhatPiledUp(GnssConnection& connection) {
+  const std::int64_t last = connection.lastReadAtMs;
+  if (connection.port->isRecording() || last < 0 ||
+      connection.clock.SteadyMilliseconds() - last <= kPiledUpAfterMs) {
+    return PortError::None;
+  }
+  connection.streamText.clear();
+  connection.returnedLine.clear();
+  return connection.port->PurgeInput();
+}
+
+GnssReadResult Validate(const GnssPositionState& state) {
+  if (state.latitude == 0.0 && state.longitude == 0.0) return GnssReadResult::NoFix;
+  if (!(std::abs(state.latitude) <= 90.0)) return GnssReadResult::InvalidData;
+  if (!(std::abs(state.longitude) <= 180.0)) return GnssReadResult::InvalidData;
+  return GnssReadResult::Accepted;
+}
+
+GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int receiverType) {
+  AcceptUsable acceptUsable;
+  PositionFinish* const finish = connection.finish != nullptr ? connection.finish : &acceptUsable;
+  state.repeatedEpoch = state.epochMs != kNoEpoch && state.epochMs == connection.acceptedEpochMs;
+  state.precisionCarriedOver =
+      state.precisionEpochMs != kNoEpoch && state.precisionEpochMs != state.epochMs;
+  if (finish->Finish(state, receiverType) == FinishResult::Declined) {
+    return GnssReadResult::Declined;
+  }
+  connection.acceptedEpochMs = state.epochMs;
+  const std::int64_t nowMs = connection.clock.SteadyMilliseconds();
+  if (state.positions > 0 && !state.repeatedEpoch) {
+    state.positionIntervalMs = nowMs - state.positionReadAtMs;
+  }
+  state.positionReadAtMs = nowMs;
+  ++state.positions;
+  return GnssReadResult::Accepted;
+}
+
+GnssReadResult ReadHolding(GnssPositionState& state, GnssConnection& connection,
+                           const ReceiverMake& make) {
+  switch (make.reader) {
+    case ReaderKind::NovAtel:
+      return ReadNovAtelPosition(state, connection, make);
+    case ReaderKind::Ashtech:
+      return ReadAshtechPosition(state, connection, make);
+    default:
+      return ReadNmeaPosition(state, connection, make);
+  }
+}
+
+GnssReadResult ReadFromPort(GnssPositionState& state, GnssConnection& connection,
+                            const ReceiverMake& make) {
+  if (!connection.ready()) return GnssReadResult::NoFix;
+  const PortUse use(*connection.port);
+  if (!use || DropWhatPiledUp(connection) != PortError::None) return GnssReadResult::NotPrepared;
+  const GnssReadResult result = ReadHolding(state, connection, make);
+  connection.lastReadAtMs = connection.clock.SteadyMilliseconds();
+  return result;
+}
+
+GnssReadResult ReadByMake(GnssPositionState& state, GnssConnection& connection,
+                          const ReceiverMake& make) {
+  if (make.reader != ReaderKind::Simulated) return ReadFromPort(state, connection, make);
+  connection.simulated.Step(connection.clock, connection.settings.unit, state);
+  state.sentenceReadAtMs = connection.clock.SteadyMilliseconds();
+  return GnssReadResult::Accepted;
+}
+
+// A receiver that does not answer is left alone for a while.
+void AskForDop(GnssPositionState& state, GnssConnection& connection, const ReceiverMake& make) {
+  if (!connection.settings.requestDop || make.dop == DopSource::Streamed || !state.dopCarriedOver ||
+      connection.clock.SteadyMilliseconds() < connection.noDopRequestBeforeMs) {
+    return;
+  }
+  const std::int32_t satellites = state.satellites;  // those of the position stay
+  if (RequestDop(state, connection, make.code) == GnssReadResult::Accepted) {
+    state.dopCarriedOver = false;
+  } else {
+    connection.noDopRequestBeforeMs = connection.clock.SteadyMilliseconds() + kBetweenUnansweredMs;
+  }
+  state.satellites = satellites;
+}
+
+}  // namespace
+
+GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connection,
+                                int receiverType) {
+  const ReceiverMake& make = FindMake(receiverType);
+  state.reading = 1;
+  connection.reconfigured = false;
+  GnssReadResult result = ReadByMake(state, connection, make);
+  if (result == GnssReadResult::Accepted) result = Validate(state);
+  if (result == GnssReadResult::Accepted) result = Finish(state, connection, receiverType);
+  if (result == GnssReadResult::Accepted) AskForDop(state, connection, make);
+  state.lastResult = static_cast<std::int32_t>(result);
+  state.reading = 0;
+  return result;
+}
+
+std::string ResultSentence(GnssReadResult result) {
+  const int text = result == GnssReadResult::Accepted ? kAcceptedText
+                                                      : kFirstResultText - static_cast<int>(result);
+  return Strings().Text(text);
+}
+
+std::string ResultSentence(GnssReadResult result, const GnssConnection& connection) {
+  constexpr int kEllipsoidHeightsText = 3410;
+  constexpr int kLinkLostText = 3411;
+  constexpr int kLogEndedText = 3412;
+  if (result == GnssReadResult::InvalidData && connection.reconfigured) {
+    return Strings().Text(kEllipsoidHeightsText);
+  }
+  if (result == GnssReadResult::PortReadFailed && connection.ended()) {
+    return Strings().Text(connection.linkLost() ? kLinkLostText : kLogEndedText);
+  }
+  return ResultSentence(result);
+}
+
+std::string OriginSentence(PositionOrigin origin) {
+  constexpr int kFirstOriginText = 3430;
+  if (origin == PositionOrigin::Measured) return {};
+  return Strings().Text(kFirstOriginText + static_cast<int>(origin));
+}
+
+std::string HeightSentence(const GnssPositionState& state) {
+  constexpr int kNoHeightText = 3434;
+  constexpr int kNoSeparationText = 3435;
+  if (!state.heightKnown) return Strings().Text(kNoHeightText);
+  return state.separationKnown ? std::string() : Strings().Text(kNoSeparationText);
+}
+
+bool PrecisionMayFollow(const GnssPositionState& state, const GnssConnection& connection,
+                        int receiverType) {
+  const ReaderKind reader = FindMake(receiverType).reader;
+  return (reader == ReaderKind::Nmea || reader == ReaderKind::StreamBuffered) &&
+         !connection.settings.noRms && !state.precisionKnown &&
+         connection.precisionOrder == PrecisionOrder::Unknown;
+}
+
+std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock) {
+  if (state.sentenceReadAtMs == 0) return -1;
+  return clock.SteadyMilliseconds() - state.sentenceReadAtMs;
+}
+
+bool NextSentenceIsDue(GnssReadResult result, const GnssPositionState& state, Clock& clock) {
+  constexpr std::int64_t kSilenceMs = 3000;
+  constexpr std::int64_t kLongestMs = 90'000;
+  const std::int64_t dueMs =
+      std::min(std::max(kSilenceMs, state.positionIntervalMs * 3 / 2), kLongestMs);
+  if (result == GnssReadResult::PortReadFailed) {
+    const std::int64_t silentMs = SilentForMs(state, clock);
+    return silentMs >= 0 && silentMs < dueMs;
+  }
+  return result == GnssReadResult::NoPositionSentence && state.positionReadAtMs != 0 &&
+         clock.SteadyMilliseconds() - state.positionReadAtMs < dueMs;
+}
+
+}  // namespace tarvex
