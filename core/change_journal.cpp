@@ -148,6 +148,7 @@ FilesStatus GrowAll(const std::string& path, const JobChange& change, const Open
   return {};
 }
 
+// Durably: once the journal has forgotten the change, nobody shortens the files again.
 bool ShrinkAllBack(const JobChange& change, const OpenJobFiles& open) {
   bool all = true;
   for (const FileChange& one : change) {
@@ -155,7 +156,7 @@ bool ShrinkAllBack(const JobChange& change, const OpenJobFiles& open) {
     if (one.replaced) continue;
     File& file = *open.of(one.file);
     if (file.Size(size).ok() && size <= one.oldSize) continue;
-    all = file.Resize(one.oldSize).ok() && all;
+    all = file.Resize(one.oldSize).ok() && file.Sync().ok() && all;
   }
   return all;
 }

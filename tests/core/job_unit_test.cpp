@@ -157,6 +157,40 @@ TEST(JobUnit, IsInAllThreeFilesOrInNone) {
   }
 }
 
+// Once a person was told that nothing was changed, a loss of power brings no part of it back.
+TEST(JobUnit, KeepsItsWordThatNothingWasChanged) {
+  int refusals = 0;
+  for (const Operation& operation : kOperations) {
+    const std::string before = StateAfter(operation, false);
+    for (const Mishap mishap : {Mishap::Fails, Mishap::DiskFull}) {
+      bool happened = true;
+      for (int step = 1; happened; ++step) {
+        for (unsigned seed = 0; seed < 6; ++seed) {
+          TestHost host;
+          Prepare(host, operation.alphanumeric);
+          Job job = MakeJob(host, operation.alphanumeric);
+          host.memory.Expect(mishap, step);
+          const bool reported = operation.run(job);
+          happened = host.memory.happened();
+          if (reported || host.messages.empty() ||
+              host.messages.back().find("was not changed") == std::string::npos) {
+            continue;
+          }
+          ++refusals;
+          host.memory.Expect(Mishap::PowerLoss, 1);
+          host.memory.Restart(seed);
+          Job again = MakeJob(host, operation.alphanumeric);
+          EXPECT_NE(OpenCoordinateFile(again), nullptr);
+          EXPECT_TRUE(State(host) == before)
+              << operation.name << ", mishap " << int(mishap) << " at step " << step << " seed "
+              << seed << "\nholds " << host.memory.Bytes(kRawPath);
+        }
+      }
+    }
+  }
+  EXPECT_GT(refusals, 100);
+}
+
 // Many points settled later: whatever is interrupted, every reported one is in all three files, and
 // at most one more.
 TEST(JobUnit, KeepsEveryReportedPointThatSettlesLater) {
@@ -360,6 +394,7 @@ TEST(ChangeEntry, WritesWithinTheFileOnly) {
   EXPECT_FALSE(isRead({.offset = 16, .bytes = "0123", .repeat = 3}));
   EXPECT_FALSE(isRead({.offset = 0, .bytes = "0123", .repeat = kMost}));
   EXPECT_FALSE(isRead({.offset = kMost - 1, .bytes = "0123"}));
+  EXPECT_FALSE(isRead({.offset = 25, .bytes = "0123"}));
 }
 
 using Change = std::function<void(Job&, JobUnit&)>;

@@ -136,6 +136,35 @@ TEST(ReplacedFile, IsDurableInAFolderThatCannotBeRead) {
   EXPECT_EQ(Read(path), "x");
 }
 
+TEST(NewFile, IsRefusedWhereOneIs) {
+  const ScratchFolder folder;
+  const std::string path = folder.Path("site.crd");
+  Write(path, "points");
+  std::unique_ptr<File> file;
+  EXPECT_EQ(SystemFiles().Open(path, FileAccess::CreateNew, file).code, EEXIST);
+  EXPECT_EQ(Read(path), "points");
+}
+
+// Who may not give the file to the model's group lets no other group have its rights.
+TEST(FileMadeBesideAnother, GivesAnotherGroupNoMoreThanEverybody) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can be somebody else";
+  const ScratchFolder folder;
+  const std::string model = folder.Path("site.crd");
+  const std::string path = folder.Path("site.not");
+  Write(model, "points");
+  ASSERT_EQ(::chown(model.c_str(), kSomebody, kSomebody), 0);
+  ASSERT_EQ(::chmod(model.c_str(), 0664), 0);
+  ASSERT_EQ(::chmod(folder.Path("").c_str(), 0777), 0);
+  EXPECT_EQ(AsUser(kSomebodyElse, kSomebodyElse,
+                   [&] {
+                     std::unique_ptr<File> file;
+                     return MakeBeside(SystemFiles(), model, path, file).ok();
+                   }),
+            0);
+  EXPECT_EQ(Info(path).st_gid, kSomebodyElse);
+  EXPECT_EQ(Info(path).st_mode & 07777, 0644U);
+}
+
 TEST(NewFile, IsMadeByExactlyOne) {
   constexpr int kRounds = 20;
   constexpr int kProcesses = 8;

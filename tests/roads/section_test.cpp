@@ -103,6 +103,15 @@ TEST(CatchPoint, TellsWhyThereIsNone) {
   EXPECT_EQ(on(GroundLine::Plane(90.0, 0.0)).result, CatchResult::NoSlopes);
 }
 
+// The slope begins at its hinge: where the ground crosses its line behind that, it does not catch.
+TEST(GroundLine, IsMetOnlyFromTheStartOfALine) {
+  const GroundLine ground = *GroundLine::Polyline({{0, 10}, {20, 30}, {40, 20}});
+  EXPECT_FALSE(ground.FirstMeeting(5.0, 8.0, -1.0, 40.0)) << "they cross at 1.5";
+  const auto met = ground.FirstMeeting(5.0, 25.0, 0.0, 40.0);
+  ASSERT_TRUE(met);
+  EXPECT_NEAR(met->offset, 15.0, 1e-12);
+}
+
 TEST(CatchPoint, SteppedSlopesRunThroughTheirBands) {
   RoadTemplate section = Example();
   section.fillSettings.series = 1;

@@ -149,6 +149,16 @@ TEST_F(Collecting, StoresNothingBeforeThePrecisionCouldBeKnown) {
   EXPECT_THAT(Notes(), HasSubstr("HRMS,0.010\n"));
 }
 
+// The last epoch of a recording whose precision never came is stored without one.
+TEST_F(Collecting, StoresTheEpochThatStillWaitedWhenTheRecordingEnded) {
+  plan.receiver.address.kind = PortKind::File;
+  const std::string epoch = Epoch(1);
+  connections = {{.input = epoch.substr(epoch.find("$GNGGA")), .recording = true}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  ASSERT_EQ(listener.Of<PointStored>().size(), 1U);
+  EXPECT_FALSE(listener.Of<PointStored>()[0].state.precisionKnown);
+}
+
 // A position that cannot be placed leaves nothing to the point that is stored behind it.
 TEST_F(Collecting, SaysOfAPointOnlyWhichLimitItDidNotKeepItself) {
   plan.receiver.address.kind = PortKind::File;
@@ -237,6 +247,9 @@ TEST_F(Collecting, TellsHowTheHeightBecameTheElevation) {
   EXPECT_EQ(Run(), SessionEnd::Complete);
   EXPECT_THAT(Raw(), HasSubstr("\n--Heights: ellipsoid 547.6000, antenna 2.0000, datum shift "
                                "-40.0000, geoid 0.0000, localization 0.2500, elevation 505.8500"));
+  for (const SessionWarning& warning : listener.Of<SessionWarning>()) {
+    EXPECT_THAT(warning.sentence, testing::Not(HasSubstr("no geoid")));
+  }
 }
 
 // Whatever step of the files fails, a point that was told is in all three of them.

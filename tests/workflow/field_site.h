@@ -88,6 +88,7 @@ struct Connection {
   bool hangsUp = false;     ///< behind the input; else it is silent
   bool refused = false;     ///< it cannot be opened at all
   std::int64_t lineMs = 0;  ///< between two lines; 0: all at once
+  bool recording = false;   ///< behind the input is its end
 };
 
 /// Plays one connection after the other; an empty read lets its time-out pass on the clock.
@@ -125,6 +126,7 @@ class ScriptedLine final : public ByteDevice {
     }
     if (got > 0 || !now_.input.empty()) return {};
     if (now_.hangsUp) return {DeviceStatus::kHungUp};
+    if (now_.recording) return {DeviceStatus::kEndOfData};
     clock_.SleepMilliseconds(std::max<std::int64_t>(1, timeouts_.read.constantMs));
     return {};
   }

@@ -40,6 +40,20 @@ TEST_F(JobWork, TypedOverMeasuredIsNoLongerMeasured) {
   EXPECT_THAT(Raw(), HasSubstr("\n--Replaced point:SP,PNA,N 1.0000,"));
 }
 
+TEST_F(JobWork, ADeletedPointTakesItsNoteAlong) {
+  for (const char* id : {"A", "B"}) ASSERT_EQ(Store(id, 1.0), StoringResult::Stored);
+  for (const char* id : {"A", "B"}) Measure(id);
+  Point deleted;
+  EXPECT_EQ(DeleteJobPoint(*session, "A", deleted), DeletionResult::Deleted);
+  EXPECT_EQ(deleted.at.northing, 1.0);
+  EXPECT_EQ(Notes(), "PT_ID:B\nNOTE1,seen from north\nHRMS,0.010\nSTATUS,FIXED\n");
+  EXPECT_THAT(Raw(), HasSubstr("\n--Deleted point:SP,PNA,N 1.0000,"));
+  PointList left;
+  ASSERT_EQ(LoadAllPoints(session->job(), left), LoadPointsResult::Loaded);
+  ASSERT_EQ(left.size(), 1U);
+  EXPECT_EQ(DeleteJobPoint(*session, "A", deleted), DeletionResult::NotFound);
+}
+
 TEST_F(JobWork, TheRawFileIsStampedOnceASession) {
   ASSERT_EQ(Store("A", 1.0), StoringResult::Stored);
   const auto stamps = [this] {

@@ -113,6 +113,26 @@ TEST(Geoid, PgmIsCubicFromTheNorth) {
   }
 }
 
+// A slope across the pole, level in the plane that touches it there: what reaches over the pole has
+// to be taken from the other side of the earth.
+TEST(Geoid, ReachesOverThePoleToItsOtherSide) {
+  const auto slope = [](double latitude, double longitude) {
+    return 60.0 * std::cos(latitude * kRadiansPerDegree) * std::cos(longitude * kRadiansPerDegree);
+  };
+  std::string bytes = "P5\n# Offset -108\n# Scale 0.003\n# Origin 90N 0E\n72 37\n65535\n";
+  for (int j = 0; j < 37; ++j) {
+    for (int i = 0; i < 72; ++i) {
+      const double value = slope(90 - 5 * j, 5 * i);
+      Append(bytes, static_cast<std::uint16_t>(std::lround((value + 108) / 0.003)), true);
+    }
+  }
+  const GeoidGrid grid = Parsed(bytes, "earth.pgm");
+  for (const double longitude : {0.0, 61.0, 180.0}) {
+    EXPECT_NEAR(At(grid, 88.0, longitude), slope(88.0, longitude), 0.02) << longitude;
+    EXPECT_NEAR(At(grid, -88.0, longitude), slope(-88.0, longitude), 0.02) << longitude;
+  }
+}
+
 // A scale that makes no geoid gives no undulation.
 TEST(Geoid, PixelsBeyondAnyGeoidAreNone) {
   std::string bytes = "P5\n# Offset -108\n# Scale 0.3\n4 3\n65535\n";

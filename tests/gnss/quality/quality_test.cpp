@@ -84,6 +84,7 @@ TEST(PositionAverage, WeighsByPrecision) {
   state.height += 1.0;
   state.solutionType = SolutionType::Float;
   state.satellites = 9;
+  state.pdop = 3.5;
   ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
   EXPECT_FALSE(average.Add(state, DistanceUnit::Metres)) << "an epoch counts once";
   const AveragedPosition mean = average.Mean();
@@ -95,6 +96,7 @@ TEST(PositionAverage, WeighsByPrecision) {
   const GnssPositionState all = average.State();
   EXPECT_EQ(all.solutionType, SolutionType::Float);
   EXPECT_EQ(all.satellites, 9);
+  EXPECT_EQ(all.pdop, 3.5);
   EXPECT_NEAR(all.hrms, std::sqrt((1e-4 + 4e-4) / 2.0), 1e-12);
 }
 
@@ -121,6 +123,17 @@ TEST(PositionAverage, LeavesEpochsWithoutPrecisionOutOfIt) {
   EXPECT_NEAR(all.vrms, 0.015, 1e-12);
   EXPECT_EQ(average.Mean().preciseEpochs, 2U);
   EXPECT_FALSE(average.Mean().weighted);
+}
+
+TEST(PositionAverage, KeepsTheLongitudeWithinTheCircle) {
+  PositionAverage average;
+  GnssPositionState state = Good();
+  state.longitude = 179.9999999;
+  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  state.epochMs += 1000;
+  state.longitude = -179.9999997;
+  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  EXPECT_NEAR(average.Mean().longitude, -179.9999999, 1e-11);
 }
 
 TEST(PositionAverage, FindsTheScatterOfANoisySeriesAcrossTheDateLine) {

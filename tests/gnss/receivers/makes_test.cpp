@@ -52,6 +52,15 @@ TEST(BestposLog, GivesPositionPrecisionAndType) {
   EXPECT_EQ(state.epochMs, (603797 % 86400) * 1000);
 }
 
+TEST(BestposLog, HasNoEpochWithoutATime) {
+  std::string log(kFixedPos);
+  log.replace(log.find("52077.000"), 9, "-1");
+  GnssPositionState state;
+  Bestpos bestpos;
+  ASSERT_EQ(ReadBestpos(log, DistanceUnit::Metres, state, bestpos), GnssReadResult::Accepted);
+  EXPECT_EQ(state.epochMs, kNoEpoch);
+}
+
 TEST(BestposLog, MapsTypesAndCuts) {
   const std::tuple<const char*, SolutionType, int> cases[] = {
       {"SINGLE", SolutionType::Autonomous, 0}, {"FIXEDHEIGHT", SolutionType::Autonomous, 0},
