@@ -100,7 +100,7 @@ std::string ExplanationText(const CalculationReport& report) {
 }
 
 Json ExplanationJson(const CalculationReport& report) {
-  Json steps = Json::array();
+  Json steps = Json::EmptyList();
   if (report.steps.empty()) return steps;
   const bool backwards = report.steps.front().step == CalculationStep::JobUnit;
   for (const ExplainedStep& step : report.steps) {
@@ -109,7 +109,7 @@ Json ExplanationJson(const CalculationReport& report) {
     if (step.pointScale) json["point_scale"] = *step.pointScale;
     if (!step.description.empty()) json["by"] = step.description;
     if (step.outcome.reason != 0) json["reason"] = Strings().Text(step.outcome.reason);
-    steps.push_back(std::move(json));
+    steps.Add(std::move(json));
   }
   return steps;
 }

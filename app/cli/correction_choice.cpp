@@ -1,6 +1,5 @@
 #include "app/cli/correction_choice.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
 
@@ -113,27 +112,30 @@ bool FindPassword(const std::string& passwordFile, CasterLogin& caster, std::str
   return false;
 }
 
-CLI::Option* AddPasswordOption(CLI::App& sub, std::string& passwordFile) {
-  return sub.add_option("--password-file", passwordFile,
-                        "File with the password that its owner alone can read (mode 0600)");
+Option AddPasswordOption(Command& command, std::string& passwordFile) {
+  return command.Add("--password-file", passwordFile,
+                     "File with the password that its owner alone can read (mode 0600)");
 }
 
-void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice) {
+void AddCorrectionOptions(Command& command, CorrectionChoice& choice) {
   constexpr const char* kGroup = "Corrections";
-  sub.add_option("--corrections", choice.address,
-                 "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
-                 "asked for, or taken from TARVEX_NTRIP_PASSWORD")
-      ->group(kGroup);
-  AddPasswordOption(sub, choice.passwordFile)->group(kGroup);
-  sub.add_option("--send-gga", choice.sendGga,
-                 "Send your position to the caster: wanted (when its list says that the stream\n"
-                 "needs it; the default), always or never")
-      ->check(CLI::IsMember({"wanted", "always", "never"}))
-      ->group(kGroup);
-  sub.add_option("--gga-interval", choice.ggaIntervalS,
-                 "Seconds between two positions sent (default: 10)")
-      ->check(CLI::Range(1, 3600))
-      ->group(kGroup);
+  command
+      .Add("--corrections", choice.address,
+           "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
+           "asked for, or taken from TARVEX_NTRIP_PASSWORD")
+      .InGroup(kGroup);
+  AddPasswordOption(command, choice.passwordFile).InGroup(kGroup);
+  command
+      .Add("--send-gga", choice.sendGga,
+           "Send your position to the caster: wanted (when its list says that the stream\n"
+           "needs it; the default), always or never")
+      .OneOf({"wanted", "always", "never"})
+      .InGroup(kGroup);
+  command
+      .Add("--gga-interval", choice.ggaIntervalS,
+           "Seconds between two positions sent (default: 10)")
+      .Between(1, 3600)
+      .InGroup(kGroup);
 }
 
 ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSettings& settings,

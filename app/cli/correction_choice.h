@@ -6,14 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "app/cli/program.h"
+#include "app/cli/command_line.h"
 #include "gnss/corrections/correction_session.h"
 #include "gnss/receivers/receiver_settings.h"
-
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
 
 namespace tarvex {
 
@@ -26,7 +21,7 @@ struct CorrectionChoice {
 };
 
 /// Adds --corrections, --password-file, --send-gga and --gga-interval.
-void AddCorrectionOptions(CLI::App& sub, CorrectionChoice& choice);
+void AddCorrectionOptions(Command& command, CorrectionChoice& choice);
 
 /// Nothing in `plan` when no corrections were asked for. Wrong use, after a message, when the
 /// address is not understood or there is no password.
@@ -43,6 +38,6 @@ ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSetting
 [[nodiscard]] bool FindPassword(const std::string& passwordFile, CasterLogin& caster,
                                 std::string& problem);
 
-CLI::Option* AddPasswordOption(CLI::App& sub, std::string& passwordFile);
+Option AddPasswordOption(Command& command, std::string& passwordFile);
 
 }  // namespace tarvex

@@ -112,7 +112,7 @@ Json AxisJson(const char* name, double low, double high, double step, int nodes)
 
 Json PartJson(const GridFilePart& part, bool degrees) {
   const GridGeometry& g = part.geometry;
-  Json json = Json::object();
+  Json json = Json::EmptyObject();
   if (!part.name.empty()) json["name"] = part.name;
   if (!part.parent.empty()) json["parent"] = part.parent;
   json["unit"] = degrees ? "degrees" : "metres";
@@ -146,9 +146,9 @@ Json GridFileJson(const std::string& path, const GridFileInfo& info) {
     json["from"] = info.fromSystem;
     json["to"] = info.toSystem;
   }
-  json["grids"] = Json::array();
+  json["grids"] = Json::EmptyList();
   for (const GridFilePart& part : info.parts) {
-    json["grids"].push_back(PartJson(part, info.inDegrees()));
+    json["grids"].Add(PartJson(part, info.inDegrees()));
   }
   return json;
 }

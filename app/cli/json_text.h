@@ -1,51 +1,71 @@
 // JSON output: what every command prints with --json.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <concepts>
+#include <cstdint>
+#include <initializer_list>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
 
 #include "core/point.h"
 
 namespace tarvex {
 
-using Json = nlohmann::ordered_json;
+/// A value that is to be written: null, true or false, a number, a text, a list, or an object whose
+/// members keep the order in which they were put into it.
+class Json {
+ public:
+  struct Member;
+  using List = std::vector<Json>;
+  using Object = std::vector<Member>;
+  using Value = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string,
+                             List, Object>;
 
-/// UTF-8 JSON with the control characters escaped that JSON lets pass (U+007F to U+009F): a
-/// terminal obeys them.
-inline std::string WithoutControls(const std::string& json) {
-  constexpr char kHex[] = "0123456789abcdef";
-  std::string text;
-  text.reserve(json.size() + 1);
-  for (std::size_t i = 0; i < json.size(); ++i) {
-    auto code = static_cast<unsigned char>(json[i]);
-    const bool control = code == 0xC2 && (static_cast<unsigned char>(json[i + 1]) & 0xE0U) == 0x80;
-    if (control) code = static_cast<unsigned char>(json[++i]);
-    if (control || code == 0x7F) {
-      text += std::string("\\u00") + kHex[code >> 4] + kHex[code & 15U];
-    } else {
-      text += json[i];
-    }
-  }
-  return text;
-}
+  Json() = default;  ///< null
+  Json(std::nullptr_t) {}
+  Json(bool value) : value_(value) {}
+  Json(double value) : value_(value) {}
+  Json(std::signed_integral auto value) : value_(std::int64_t{value}) {}
+  Json(std::unsigned_integral auto value) : value_(std::uint64_t{value}) {}
+  Json(std::string text) : value_(std::move(text)) {}
+  Json(std::string_view text) : value_(std::string(text)) {}
+  Json(const char* text) : value_(std::string(text)) {}
+  Json(const std::vector<std::string>& texts) : value_(List(texts.begin(), texts.end())) {}
+  /// An object, as in Json{{"id", id}, {"elevation", 12.5}}.
+  Json(std::initializer_list<Member> members);
 
-/// One line, without a line end; bytes that are not UTF-8 are replaced.
-inline std::string JsonLine(const Json& json) {
-  return WithoutControls(json.dump(-1, ' ', false, Json::error_handler_t::replace));
-}
+  static Json EmptyList();
+  static Json EmptyObject();
 
-/// Indented, one line end behind it; bytes that are not UTF-8 are replaced, so that it always
-/// parses.
-inline std::string JsonText(const Json& json) {
-  return WithoutControls(json.dump(2, ' ', false, Json::error_handler_t::replace)) + "\n";
-}
+  /// The member of an object, added as null when it has none of this name.
+  Json& operator[](std::string_view name);
+  /// Puts another object's members behind those of this one.
+  void Append(Json object);
+  /// Puts a value at the end of a list.
+  void Add(Json value);
 
-inline Json PointJson(const Point& point) {
-  return {{"id", point.id.view()},
-          {"northing", point.at.northing},
-          {"easting", point.at.easting},
-          {"elevation", point.at.elevation},
-          {"description", point.description.view()}};
-}
+  const Value& value() const { return value_; }
+
+ private:
+  Value value_;
+};
+
+struct Json::Member {
+  std::string name;
+  Json value;
+};
+
+/// One line, without a line end. Bytes that are not UTF-8 are replaced, so that it always parses,
+/// and control characters that JSON lets pass (U+007F to U+009F) are escaped: a terminal obeys
+/// them.
+std::string JsonLine(const Json& json);
+
+/// The same, indented, with a line end behind it.
+std::string JsonText(const Json& json);
+
+Json PointJson(const Point& point);
 
 }  // namespace tarvex

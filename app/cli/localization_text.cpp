@@ -216,20 +216,20 @@ std::string ControlListText(const LocalizationList& list) {
 }
 
 Json ControlListJson(const LocalizationList& list) {
-  Json rows = Json::array();
+  Json rows = Json::EmptyList();
   for (const auto& point : list) {
     if (!point) continue;
-    rows.push_back({{"description", point->description},
-                    {"latitude", Degrees(point->gnss.latitudeRad)},
-                    {"longitude", Degrees(point->gnss.longitudeRad)},
-                    {"ellipsoid_height_m", point->gnss.heightM},
-                    {"local_northing", point->localY},
-                    {"local_easting", point->localX},
-                    {"local_elevation", point->localZ},
-                    {"hrms", point->hrms},
-                    {"vrms", point->vrms},
-                    {"horizontal", point->useHorizontal == 'Y'},
-                    {"vertical", point->useVertical == 'Y'}});
+    rows.Add({{"description", point->description},
+              {"latitude", Degrees(point->gnss.latitudeRad)},
+              {"longitude", Degrees(point->gnss.longitudeRad)},
+              {"ellipsoid_height_m", point->gnss.heightM},
+              {"local_northing", point->localY},
+              {"local_easting", point->localX},
+              {"local_elevation", point->localZ},
+              {"hrms", point->hrms},
+              {"vrms", point->vrms},
+              {"horizontal", point->useHorizontal == 'Y'},
+              {"vertical", point->useVertical == 'Y'}});
   }
   return rows;
 }
@@ -239,10 +239,10 @@ std::string LocalizationReportText(const LocalizationReport& report, DistanceUni
 }
 
 Json LocalizationReportJson(const LocalizationReport& report) {
-  Json points = Json::array();
-  for (const PointResidual& row : report.points) points.push_back(PointRow(row, report.fit));
-  Json warnings = Json::array();
-  for (const WarningText& warning : report.warnings) warnings.push_back(warning.text);
+  Json points = Json::EmptyList();
+  for (const PointResidual& row : report.points) points.Add(PointRow(row, report.fit));
+  Json warnings = Json::EmptyList();
+  for (const WarningText& warning : report.warnings) warnings.Add(warning.text);
   return {{"usable", report.fit.usable()},
           {"horizontal", HorizontalJson(report)},
           {"vertical", VerticalJson(report)},

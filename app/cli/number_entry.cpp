@@ -1,7 +1,5 @@
 #include "app/cli/number_entry.h"
 
-#include <CLI/CLI.hpp>
-
 namespace tarvex {
 
 std::optional<double> EnteredNumber(Program& program, std::string_view name,
@@ -12,21 +10,21 @@ std::optional<double> EnteredNumber(Program& program, std::string_view name,
   return std::nullopt;
 }
 
-CLI::Option* AddNumber(CLI::App& sub, const std::string& name, double& value,
-                       const std::string& description, NumberKind kind) {
-  const auto take = [&value, name, kind](const std::string& text) {
+Option AddNumber(Command& command, const std::string& name, double& value,
+                 const std::string& description, NumberKind kind) {
+  const auto take = [&value, kind](const std::string& text) -> std::string {
     const NumberEntry entry = ReadNumberEntry(text);
-    if (!entry.problem.empty()) throw CLI::ValidationError(name, entry.problem + ".");
+    if (!entry.problem.empty()) return entry.problem + ".";
     const bool inRange = kind == NumberKind::Any || entry.value > 0.0 ||
                          (kind == NumberKind::NotNegative && entry.value == 0.0);
     if (!inRange) {
-      throw CLI::ValidationError(
-          name,
-          "\"" + text + "\" is " + (kind == NumberKind::Positive ? "not above" : "below") + " 0.");
+      return "\"" + text + "\" is " + (kind == NumberKind::Positive ? "not above" : "below") +
+             " 0.";
     }
     value = entry.value;
+    return "";
   };
-  return sub.add_option_function<std::string>(name, take, description)->type_name("NUMBER");
+  return command.AddRead(name, take, description).ValueName("NUMBER");
 }
 
 }  // namespace tarvex

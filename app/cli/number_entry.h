@@ -5,13 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/cli/program.h"
+#include "app/cli/command_line.h"
 #include "app/workflow/entered_number.h"
-
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
 
 namespace tarvex {
 
@@ -21,7 +16,7 @@ std::optional<double> EnteredNumber(Program& program, std::string_view name, std
 enum class NumberKind { Any, NotNegative, Positive };
 
 /// Adds an option or argument that is such a number; another entry is wrong use.
-CLI::Option* AddNumber(CLI::App& sub, const std::string& name, double& value,
-                       const std::string& description, NumberKind kind = NumberKind::Any);
+Option AddNumber(Command& command, const std::string& name, double& value,
+                 const std::string& description, NumberKind kind = NumberKind::Any);
 
 }  // namespace tarvex

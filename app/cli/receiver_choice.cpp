@@ -1,6 +1,5 @@
 #include "app/cli/receiver_choice.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace tarvex {
@@ -43,14 +42,18 @@ const ReceiverMake* MakeOf(const std::string& name, Program& program) {
 
 }  // namespace
 
-CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice) {
-  CLI::Option* receiver = sub.add_option(
-      "--receiver", choice.address, "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
-  sub.add_option("--make", choice.make,
-                 "Make of the receiver (default: any that sends NMEA sentences)");
-  sub.add_option("--set", choice.settings, "A receiver setting KEY=VALUE; may be repeated");
-  sub.add_option("--nmea-pos", choice.positionSentence,
-                 "Sentence with the position: 1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ, 32 PTNL,GGK");
+void AddReceiverSettings(Command& command, ReceiverChoice& choice) {
+  command.Add("--make", choice.make,
+              "Make of the receiver (default: any that sends NMEA sentences)");
+  command.Add("--set", choice.settings, "A receiver setting KEY=VALUE; may be repeated");
+  command.Add("--nmea-pos", choice.positionSentence,
+              "Sentence with the position: 1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ, 32 PTNL,GGK");
+}
+
+Option AddReceiverOptions(Command& command, ReceiverChoice& choice) {
+  const Option receiver = command.Add("--receiver", choice.address,
+                                      "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
+  AddReceiverSettings(command, choice);
   return receiver;
 }
 

@@ -4,14 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "app/cli/program.h"
+#include "app/cli/command_line.h"
 #include "app/workflow/chosen_receiver.h"
 #include "core/settings.h"
-
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
 
 namespace tarvex {
 
@@ -23,8 +18,10 @@ struct ReceiverChoice {
   int positionSentence = 0;
 };
 
-/// Adds --receiver, --make, --set and --nmea-pos; returns --receiver.
-CLI::Option* AddReceiverOptions(CLI::App& sub, ReceiverChoice& choice);
+/// Adds --receiver and the settings of it; returns --receiver.
+Option AddReceiverOptions(Command& command, ReceiverChoice& choice);
+/// Adds --make, --set and --nmea-pos.
+void AddReceiverSettings(Command& command, ReceiverChoice& choice);
 
 /// The settings are the make's own, then the job's, then the command line's. Wrong use, after a
 /// message, when something of the choice is not known.

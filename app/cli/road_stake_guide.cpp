@@ -102,7 +102,7 @@ void RoadStakeGuide::PrintStake(const RoadStake& stake, bool inside,
                                 const std::optional<SlopeStep>& slope, const std::string& name) {
   if (plan_.json) {
     Json json{{"position", name}};
-    json.update(StakeJson(stake, inside));
+    json.Append(StakeJson(stake, inside));
     if (slope) {
       json["slope"] = {{"kind", slope->kind == EarthworkKind::Cut ? "cut" : "fill"},
                        {"ratio", slope->ratio},

@@ -1,7 +1,5 @@
 #include "app/cli/session_options.h"
 
-#include <CLI/CLI.hpp>
-
 #include "app/cli/correction_text.h"
 #include "app/cli/stream_log_name.h"
 #include "core/number_text.h"
@@ -44,7 +42,7 @@ void DemandFixed(ReceiverPlan& plan, Program& program) {
 }
 
 // What a position must keep to be stored.
-void AddGateOptions(CLI::App& sub, SessionOptions& options) {
+void AddGateOptions(Command& command, SessionOptions& options) {
   constexpr const char* kGroup = "Limits (a position that does not keep one is not stored)";
   const std::pair<const char*, const char*> limits[] = {
       {"solution", "At least this good: fixed, float, dgps or autonomous"},
@@ -55,13 +53,14 @@ void AddGateOptions(CLI::App& sub, SessionOptions& options) {
       {"age", "Greatest age of the corrections, seconds"},
       {"stale", "Greatest age of the position, seconds"}};
   for (const auto& [name, help] : limits) {
-    sub.add_option(std::string("--gate-") + name, options.gates[std::string("gate_") + name], help)
-        ->type_name(name == std::string_view("solution") ? "TEXT" : "NUMBER")
-        ->group(kGroup);
+    command.Add(std::string("--gate-") + name, options.gates[std::string("gate_") + name], help)
+        .ValueName(name == std::string_view("solution") ? "TEXT" : "NUMBER")
+        .InGroup(kGroup);
   }
-  sub.add_flag("--override-gate", options.overrideGate,
+  command
+      .AddFlag("--override-gate", options.overrideGate,
                "Store all the same; the raw file says which limit was not kept")
-      ->group(kGroup);
+      .InGroup(kGroup);
 }
 
 std::string Seconds(std::int64_t milliseconds) {
@@ -70,21 +69,23 @@ std::string Seconds(std::int64_t milliseconds) {
 
 }  // namespace
 
-CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options) {
-  CLI::Option* receiver = AddReceiverOptions(sub, options.receiver);
-  sub.add_option("--antenna-height", options.antennaHeight,
-                 "Height of the antenna above the point, in the job's unit")
-      ->type_name("NUMBER");
-  sub.add_option("--average", options.average,
-                 "Distinct epochs whose mean is stored as one point (default: 1)")
-      ->check(CLI::Range(1, 100000));
-  sub.add_option("--log-stream", options.streamLog, kStreamLogHelp);
-  AddGateOptions(sub, options);
-  AddCorrectionOptions(sub, options.corrections);
-  sub.add_option(
-         "--patience", options.patienceS,
-         "Seconds to wait for a new position, or for a receiver that was lost (default: 60)")
-      ->check(CLI::Range(1LL, 86400LL));
+Option AddSessionOptions(Command& command, SessionOptions& options) {
+  Option receiver = AddReceiverOptions(command, options.receiver);
+  command
+      .Add("--antenna-height", options.antennaHeight,
+           "Height of the antenna above the point, in the job's unit")
+      .ValueName("NUMBER");
+  command
+      .Add("--average", options.average,
+           "Distinct epochs whose mean is stored as one point (default: 1)")
+      .Between(1, 100000);
+  command.Add("--log-stream", options.streamLog, kStreamLogHelp);
+  AddGateOptions(command, options);
+  AddCorrectionOptions(command, options.corrections);
+  command
+      .Add("--patience", options.patienceS,
+           "Seconds to wait for a new position, or for a receiver that was lost (default: 60)")
+      .Between(1, 86400);
   return receiver;
 }
 

@@ -24,7 +24,7 @@ struct SessionOptions {
 };
 
 /// Adds all of them; returns --receiver.
-CLI::Option* AddSessionOptions(CLI::App& sub, SessionOptions& options);
+Option AddSessionOptions(Command& command, SessionOptions& options);
 
 /// The receiver, the job's limits and then the command line's. Wrong use, after a message, when
 /// something is not understood.

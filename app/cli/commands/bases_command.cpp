@@ -1,8 +1,7 @@
 // tarvex bases: the streams that a caster offers.
 #include <algorithm>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/correction_choice.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/data_folder.h"
@@ -125,8 +124,8 @@ ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& lis
 }
 
 Json StreamsJson(const std::vector<StreamRecord>& streams, const std::optional<Place>& place) {
-  Json rows = Json::array();
-  for (const StreamRecord& stream : streams) rows.push_back(StreamJson(stream, place));
+  Json rows = Json::EmptyList();
+  for (const StreamRecord& stream : streams) rows.Add(StreamJson(stream, place));
   return rows;
 }
 
@@ -181,15 +180,17 @@ ExitCode ShowKnown(const BasesOptions& options, const CasterLogin& asked,
                    const std::optional<Place>& place, Program& program) {
   CasterList known;
   if (!ReadKnown(KnownPath(program), program, known)) return ExitCode::Failed;
-  Json list = Json::array();
+  Json list = Json::EmptyList();
+  bool found = false;
   for (const CasterRecord& caster : known.casters) {
     const CasterLogin login = LoginOf(caster);
     if (!IsAskedFor(login, asked)) continue;
+    found = true;
     std::vector<StreamRecord> streams = StreamsOf(known, caster);
     if (place) SortByDistance(streams, *place);
-    list.push_back({{"caster", CasterName(login)},
-                    {"user", login.user},
-                    {"bases", StreamsJson(streams, place)}});
+    list.Add({{"caster", CasterName(login)},
+              {"user", login.user},
+              {"bases", StreamsJson(streams, place)}});
     if (options.json) continue;
     program.console.Print(
         PrintableLine((login.user.empty() ? "" : login.user + "@") + CasterName(login)) + "\n");
@@ -197,7 +198,7 @@ ExitCode ShowKnown(const BasesOptions& options, const CasterLogin& asked,
   }
   if (options.json) {
     program.console.Print(JsonText({{"casters", list}}));
-  } else if (list.empty()) {
+  } else if (!found) {
     return program.Fail("Nothing of it is saved: bases CASTER --save keeps what a caster offers.");
   }
   return ExitCode::Done;
@@ -243,20 +244,18 @@ ExitCode RunBases(const BasesOptions& options, Program& program) {
 
 }  // namespace
 
-void AddBasesCommand(CLI::App& app, Program& program) {
-  Command<BasesOptions> command(app, program, "bases", "List the correction streams of a caster",
-                                RunBases);
-  command.sub.footer("Example: tarvex bases caster.example:2101 --near 46.81,9.27");
-  command.sub.add_option("CASTER", command.options->caster,
-                         "[USER@]HOST[:PORT]: the caster (port 2101 by default)");
-  AddPasswordOption(command.sub, command.options->passwordFile);
-  command.sub.add_option("--near", command.options->near,
-                         "LATITUDE,LONGITUDE: the nearest bases first, with their distance");
-  command.sub.add_flag("--save", command.options->save,
-                       "Keep what the caster offers, for where there is no network");
-  command.sub.add_flag("--known", command.options->known,
-                       "List what is kept, of this caster or of all, without a network");
-  command.sub.add_flag("--json", command.options->json, "Print JSON");
+void DeclareBasesCommand(Command& command) {
+  BasesOptions& options = command.Runs(RunBases);
+  command.Footer("Example: tarvex bases caster.example:2101 --near 46.81,9.27");
+  command.Add("CASTER", options.caster, "[USER@]HOST[:PORT]: the caster (port 2101 by default)");
+  AddPasswordOption(command, options.passwordFile);
+  command.Add("--near", options.near,
+              "LATITUDE,LONGITUDE: the nearest bases first, with their distance");
+  command.AddFlag("--save", options.save,
+                  "Keep what the caster offers, for where there is no network");
+  command.AddFlag("--known", options.known,
+                  "List what is kept, of this caster or of all, without a network");
+  command.AddFlag("--json", options.json, "Print JSON");
 }
 
 }  // namespace tarvex

@@ -1,8 +1,7 @@
 // tarvex caster: a small caster on this machine, for trials without a network.
 #include <cstdlib>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "core/printable.h"
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/ntrip/client.h"
@@ -84,27 +83,23 @@ ExitCode RunCaster(const CasterOptions& options, Program& program) {
 
 }  // namespace
 
-void AddCasterCommand(CLI::App& app, Program& program) {
-  Command<CasterOptions> command(
-      app, program, "caster", "Serve recorded corrections on this machine, for trials", RunCaster);
-  CasterOptions& options = *command.options;
-  command.sub.footer(
+void DeclareCasterCommand(Command& command) {
+  CasterOptions& options = command.Runs(RunCaster);
+  command.Footer(
       "It listens on the loopback address alone: other machines do not reach it. What rovers\n"
       "send up is printed.\n"
       "Example: tarvex caster corrections.rtcm --mountpoint TEST, then in another terminal\n"
       "  tarvex bases 127.0.0.1:2101\n"
       "  tarvex watch serial:/dev/ttyUSB0 --corrections ntrip://127.0.0.1:2101/TEST");
-  command.sub.add_option("FILE", options.file, "Recorded corrections, sent over and over")
-      ->required();
-  command.sub.add_option("--mountpoint", options.mountpoint, "Name of the stream (default: TEST)");
-  command.sub.add_option("--port", options.port, "TCP port (default: 2101); 0: a free one")
-      ->check(CLI::Range(0, 65535));
-  command.sub.add_flag("--wants-gga", options.wantsGga,
-                       "Say in the list of streams that this one needs the rover's position");
-  command.sub.add_option("--user", options.user,
-                         "User that clients must give; password in TARVEX_CASTER_PASSWORD");
-  command.sub.add_option("--rate", options.rate,
-                         "Bytes a second (default: 1000); 0: as fast as they are taken");
+  command.Add("FILE", options.file, "Recorded corrections, sent over and over").Required();
+  command.Add("--mountpoint", options.mountpoint, "Name of the stream (default: TEST)");
+  command.Add("--port", options.port, "TCP port (default: 2101); 0: a free one").Between(0, 65535);
+  command.AddFlag("--wants-gga", options.wantsGga,
+                  "Say in the list of streams that this one needs the rover's position");
+  command.Add("--user", options.user,
+              "User that clients must give; password in TARVEX_CASTER_PASSWORD");
+  command.Add("--rate", options.rate,
+              "Bytes a second (default: 1000); 0: as fast as they are taken");
 }
 
 }  // namespace tarvex

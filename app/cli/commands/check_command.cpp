@@ -1,8 +1,7 @@
 // tarvex check: whether the files of a job agree.
 #include <array>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/job_check.h"
 #include "app/workflow/job_session.h"
@@ -108,12 +107,12 @@ std::string Sentence(const JobFinding& finding, const Job& job) {
 }
 
 void PrintJson(const JobCheck& check, bool interrupted, const Job& job, Program& program) {
-  Json findings = Json::array();
+  Json findings = Json::EmptyList();
   for (const JobFinding& finding : check.findings) {
     Json one{{"kind", TextOf(finding.fault).kind}, {"text", Sentence(finding, job)}};
     if (!finding.pointId.empty()) one["id"] = finding.pointId;
     if (finding.line > 0) one["line"] = finding.line;
-    findings.push_back(std::move(one));
+    findings.Add(std::move(one));
   }
   program.console.Print(JsonText({{"job", job.path},
                                   {"ok", check.findings.empty()},
@@ -156,12 +155,11 @@ ExitCode RunCheck(const CheckOptions& options, Program& program) {
 
 }  // namespace
 
-void AddCheckCommand(CLI::App& app, Program& program) {
-  Command<CheckOptions> command(app, program, "check", "Hold the files of a job against each other",
-                                RunCheck);
-  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_flag("--json", command.options->json, "Print JSON");
-  command.sub.footer(
+void DeclareCheckCommand(Command& command) {
+  CheckOptions& options = command.Runs(RunCheck);
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  command.AddFlag("--json", options.json, "Print JSON");
+  command.Footer(
       "Says what is missing, double or contradictory in coordinates, raw data, notes and "
       "settings.\n"
       "The exit code is 0 when all is well, 1 when something is wrong. Example: tarvex check "

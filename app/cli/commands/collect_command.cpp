@@ -1,7 +1,6 @@
 // tarvex collect: points from a receiver.
 #include "app/cli/collect_view.h"
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/session_options.h"
 #include "app/cli/typed_commands.h"
 #include "app/workflow/collect_session.h"
@@ -89,32 +88,30 @@ ExitCode RunCollect(const CollectOptions& options, Program& program) {
 
 }  // namespace
 
-void AddCollectCommand(CLI::App& app, Program& program) {
-  Command<CollectOptions> command(app, program, "collect", "Store points from a receiver",
-                                  RunCollect);
-  CollectOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.footer(
+void DeclareCollectCommand(Command& command) {
+  CollectOptions& options = command.Runs(RunCollect);
+  command.Footer(
       "Receivers: serial:/dev/ttyUSB0@115200, tcp:192.168.1.20:9001, file:LOG, simulated\n"
       "Each point is stored in the coordinate file, its observation in the raw file and its\n"
       "quality in the notes. Ctrl-C ends the session between two points.\n"
       "While it runs, a line typed in the terminal is a command: d TEXT, h HEIGHT (description\n"
       "and antenna height of the next points), p (pause), c (continue), r (ask the caster for\n"
       "corrections again), q (end).");
-  sub.add_option("JOB.crd", options.job, "The job's coordinate file")->required();
-  AddSessionOptions(sub, options.session)->required();
-  sub.add_option("--count", options.count,
-                 "Points to store (default: 1); 0: until Ctrl-C or the end of a recording")
-      ->check(CLI::Range(0LL, 1000000000LL));
-  sub.add_option("--first", options.first, "Id of the first point (default: the next of the job)");
-  sub.add_option("--description", options.description, "Description of the points");
-  sub.add_option(
-         "--existing", options.existing,
-         "When a point exists: overwrite it, use the next free id, or end (default: cancel)")
-      ->check(CLI::IsMember({"overwrite", "next", "cancel"}));
-  sub.add_option("--recorded-at", options.recordedAt,
-                 "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
-                 "job's files then bear the times of the field");
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  AddSessionOptions(command, options.session).Required();
+  command
+      .Add("--count", options.count,
+           "Points to store (default: 1); 0: until Ctrl-C or the end of a recording")
+      .Between(0, 1000000000);
+  command.Add("--first", options.first, "Id of the first point (default: the next of the job)");
+  command.Add("--description", options.description, "Description of the points");
+  command
+      .Add("--existing", options.existing,
+           "When a point exists: overwrite it, use the next free id, or end (default: cancel)")
+      .OneOf({"overwrite", "next", "cancel"});
+  command.Add("--recorded-at", options.recordedAt,
+              "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
+              "job's files then bear the times of the field");
 }
 
 }  // namespace tarvex

@@ -1,33 +1,14 @@
-// The commands of the program, one file each. Adding one: a file here with its Add function, its
-// line below, and its call in app/main.cpp.
+// The commands of the program, each in a file of its own here. Adding one: its file, its row in
+// commands.cpp and its line in app/CMakeLists.txt.
 #pragma once
 
-#include "app/cli/program.h"
+#include <span>
 
-namespace CLI {
-class App;
-}  // namespace CLI
+#include "app/cli/command_line.h"
 
 namespace tarvex {
 
-void AddNewCommand(CLI::App& app, Program& program);
-void AddStoreCommand(CLI::App& app, Program& program);
-void AddImportCommand(CLI::App& app, Program& program);
-void AddPointsCommand(CLI::App& app, Program& program);
-void AddDeleteCommand(CLI::App& app, Program& program);
-void AddCheckCommand(CLI::App& app, Program& program);
-void AddRawCommand(CLI::App& app, Program& program);
-void AddNoteCommand(CLI::App& app, Program& program);
-void AddCollectCommand(CLI::App& app, Program& program);
-void AddLocalizeCommand(CLI::App& app, Program& program);
-void AddConvertCommand(CLI::App& app, Program& program);
-void AddSystemsCommand(CLI::App& app, Program& program);
-void AddGridCommand(CLI::App& app, Program& program);
-void AddRoadCommand(CLI::App& app, Program& program);
-void AddBasesCommand(CLI::App& app, Program& program);
-void AddCasterCommand(CLI::App& app, Program& program);
-void AddReplayCommand(CLI::App& app, Program& program);
-void AddWatchCommand(CLI::App& app, Program& program);
-void AddDemoCommand(CLI::App& app, Program& program);
+/// In the order of the help.
+std::span<const CommandRow> ProgramCommands();
 
 }  // namespace tarvex

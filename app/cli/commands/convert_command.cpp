@@ -5,8 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/conversion_text.h"
 #include "app/cli/input_blocks.h"
 #include "app/cli/line_conversion.h"
@@ -208,14 +207,9 @@ ExitCode RunConvert(const ConvertOptions& options, Program& program) {
 
 }  // namespace
 
-void AddConvertCommand(CLI::App& app, Program& program) {
-  Command<ConvertOptions> command(
-      app, program, "convert",
-      "Convert lines \"latitude longitude [height]\" to \"northing easting [elevation]\", or back",
-      RunConvert);
-  ConvertOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.footer(
+void DeclareConvertCommand(Command& command) {
+  ConvertOptions& options = command.Runs(RunConvert);
+  command.Footer(
       "Reads the file, or the standard input: WGS84 in decimal degrees or degrees, minutes and\n"
       "seconds (46\u00b030'15.5\"N 9\u00b020'30\"E, 46:30:15.5 9:20:30), height above the "
       "ellipsoid in metres,\n"
@@ -225,28 +219,30 @@ void AddConvertCommand(CLI::App& app, Program& program) {
       "         tarvex convert --inverse --job site.crd < grid.txt\n"
       "         echo 52.1 5.4 43 | tarvex convert --system NETHERLANDS/Amersfoort/RD2004 "
       "--explain");
-  sub.add_option("FILE", options.file, "File with the lines (default: the standard input)");
-  auto* job = sub.add_option("--job", options.job,
-                             "Job whose system, unit and localization are to be used");
-  sub.add_option("--system", options.system,
-                 "Coordinate system by its name or EPSG code (see: tarvex systems)");
-  sub.add_option("--definition", options.definition, "File with the definition text of the system");
-  sub.add_option("--datum-shift", options.datumShift, kDatumShiftHelp)->excludes(job);
-  sub.add_option("--units", options.units, "Unit of the grid coordinates (default: metres)")
-      ->excludes(job)
-      ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
-  sub.add_flag("--inverse", options.inverse, "From grid coordinates to latitude and longitude");
-  sub.add_flag("--explain", options.explain,
-               "Below every line the value after each step, with its parameters, grid or geoid");
-  sub.add_flag("--strict", options.strict,
-               "Refuse a line when a step was left undone (a grid missing, a point outside of it)");
-  auto* json =
-      sub.add_flag("--json", options.json,
-                   "Print a JSON object for each line, with its steps when --explain is given");
-  sub.add_option("--decimals", options.decimals,
-                 "Decimals written (default: 4 of grid coordinates, 10 of degrees)")
-      ->excludes(json)
-      ->check(CLI::Range(0, kMostDecimals));
+  command.Add("FILE", options.file, "File with the lines (default: the standard input)");
+  const Option job =
+      command.Add("--job", options.job, "Job whose system, unit and localization are to be used");
+  command.Add("--system", options.system,
+              "Coordinate system by its name or EPSG code (see: tarvex systems)");
+  command.Add("--definition", options.definition, "File with the definition text of the system");
+  command.Add("--datum-shift", options.datumShift, kDatumShiftHelp).Excludes(job);
+  command.Add("--units", options.units, "Unit of the grid coordinates (default: metres)")
+      .Excludes(job)
+      .OneOf({"us-feet", "metres", "intl-feet"});
+  command.AddFlag("--inverse", options.inverse, "From grid coordinates to latitude and longitude");
+  command.AddFlag("--explain", options.explain,
+                  "Below every line the value after each step, with its parameters, grid or geoid");
+  command.AddFlag(
+      "--strict", options.strict,
+      "Refuse a line when a step was left undone (a grid missing, a point outside of it)");
+  const Option json =
+      command.AddFlag("--json", options.json,
+                      "Print a JSON object for each line, with its steps when --explain is given");
+  command
+      .Add("--decimals", options.decimals,
+           "Decimals written (default: 4 of grid coordinates, 10 of degrees)")
+      .Excludes(json)
+      .Between(0, kMostDecimals);
 }
 
 }  // namespace tarvex

@@ -1,6 +1,5 @@
 // tarvex delete: removes points.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_deletion.h"
 
@@ -37,12 +36,11 @@ ExitCode RunDelete(const DeleteOptions& options, Program& program) {
 
 }  // namespace
 
-void AddDeleteCommand(CLI::App& app, Program& program) {
-  Command<DeleteOptions> command(app, program, "delete", "Delete points of a job", RunDelete);
-  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_option("ID", command.options->ids, "The points to delete")->required();
-  command.sub.footer(
-      "The raw file keeps what each point was. Example: tarvex delete site.crd 104 105");
+void DeclareDeleteCommand(Command& command) {
+  DeleteOptions& options = command.Runs(RunDelete);
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  command.Add("ID", options.ids, "The points to delete").Required();
+  command.Footer("The raw file keeps what each point was. Example: tarvex delete site.crd 104 105");
 }
 
 }  // namespace tarvex

@@ -1,7 +1,6 @@
 // tarvex demo: a whole field session on the simulated receiver.
 #include <filesystem>
 
-#include "app/cli/commands/command.h"
 #include "app/cli/commands/commands.h"
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_session.h"
@@ -22,19 +21,10 @@ ExitCode RunLine(Program& program, const std::vector<std::string>& words) {
     shown += word.find(' ') == std::string::npos ? " " + word : " \"" + word + "\"";
   }
   program.console.Print(shown + "\n");
-  CLI::App app("", "tarvex");
-  AddNewCommand(app, program);
-  AddCollectCommand(app, program);
-  AddStoreCommand(app, program);
-  AddPointsCommand(app, program);
-  std::vector<std::string> reversed(words.rbegin(), words.rend());
-  try {
-    app.parse(reversed);
-  } catch (const CLI::ParseError& error) {
-    return program.Misuse(error.what());
-  }
+  const ExitCode code = RunCommandLine({.name = "tarvex", .description = "", .version = ""},
+                                       ProgramCommands(), words, program);
   program.console.Print("\n");
-  return program.exitCode;
+  return code;
 }
 
 // A job that does not exist yet: nothing of an earlier demonstration is touched.
@@ -72,11 +62,9 @@ ExitCode RunDemo(const DemoOptions& options, Program& program) {
 
 }  // namespace
 
-void AddDemoCommand(CLI::App& app, Program& program) {
-  Command<DemoOptions> command(app, program, "demo",
-                               "Run a demonstration session on the simulated receiver", RunDemo);
-  command.sub.add_option("FOLDER", command.options->folder,
-                         "Where its job is created (default: demo)");
+void DeclareDemoCommand(Command& command) {
+  DemoOptions& options = command.Runs(RunDemo);
+  command.Add("FOLDER", options.folder, "Where its job is created (default: demo)");
 }
 
 }  // namespace tarvex

@@ -1,6 +1,5 @@
 // tarvex grid: what a shift grid or geoid file is, and agencies' grids into the program's own form.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/grid_text.h"
 #include "app/cli/load_bar.h"
 #include "app/workflow/data_folder.h"
@@ -27,7 +26,7 @@ struct GridPackOptions {
 ExitCode TellFiles(const std::vector<std::string>& paths, bool asJson, Program& program) {
   LoadBar bar(program.console);
   ExitCode exitCode = ExitCode::Done;
-  Json list = Json::array();
+  Json list = Json::EmptyList();
   for (const std::string& path : paths) {
     GridFileInfo info;
     const GridStatus status = ReadGridFileInfo(program.files, path, &bar, info);
@@ -36,7 +35,7 @@ ExitCode TellFiles(const std::vector<std::string>& paths, bool asJson, Program& 
       const bool text = status.problem == GridProblem::NotThisFormat && path.ends_with(".txt");
       exitCode = program.Fail(status.Text() + (text ? kPackFirst : ""));
     } else if (asJson) {
-      list.push_back(GridFileJson(path, info));
+      list.Add(GridFileJson(path, info));
     } else {
       program.console.Print(GridFileText(path, info));
     }
@@ -79,49 +78,44 @@ ExitCode RunGridPack(const GridPackOptions& options, Program& program) {
   return TellFiles(paths, options.json, program);
 }
 
-void AddGridInfoCommand(CLI::App& grid, Program& program) {
-  Command<GridInfoOptions> command(
-      grid, program, "info", "Say what grid and geoid files are and what they cover", RunGridInfo);
-  GridInfoOptions& options = *command.options;
-  command.sub
-      .add_option("FILE", options.files,
-                  ".grd, .gsb, .las or .los, .gtx, .bin, .pgm or .isg; a name without a folder "
-                  "is also looked for in the data folder")
-      ->required();
-  command.sub.add_flag("--json", options.json, "Print JSON");
-  command.sub.footer(
+void DeclareGridInfoCommand(Command& command) {
+  GridInfoOptions& options = command.Runs(RunGridInfo);
+  command
+      .Add("FILE", options.files,
+           ".grd, .gsb, .las or .los, .gtx, .bin, .pgm or .isg; a name without a folder "
+           "is also looked for in the data folder")
+      .Required();
+  command.AddFlag("--json", options.json, "Print JSON");
+  command.Footer(
       "Each file is read and checked whole: one that is listed can be used.\n"
       "Example: tarvex grid info X2c.grd Y2c.grd");
 }
 
-void AddGridPackCommand(CLI::App& grid, Program& program) {
-  Command<GridPackOptions> command(grid, program, "pack",
-                                   "Make the files that conversions use from an agency's text",
-                                   RunGridPack);
-  GridPackOptions& options = *command.options;
-  command.sub
-      .add_option("TEXT", options.text,
-                  "OSTN02_OSGM02_GB.txt (or that of 2015) of Great Britain, or gr3df97a.txt of "
-                  "France")
-      ->required();
-  command.sub.add_option("--folder", options.folder,
-                         "Where the files are put (default: the data folder)");
-  command.sub.add_flag("--json", options.json, "Print JSON about the files made");
-  command.sub.footer(
+void DeclareGridPackCommand(Command& command) {
+  GridPackOptions& options = command.Runs(RunGridPack);
+  command
+      .Add("TEXT", options.text,
+           "OSTN02_OSGM02_GB.txt (or that of 2015) of Great Britain, or gr3df97a.txt of "
+           "France")
+      .Required();
+  command.Add("--folder", options.folder, "Where the files are put (default: the data folder)");
+  command.AddFlag("--json", options.json, "Print JSON about the files made");
+  command.Footer(
       "Great Britain: ostn02_x.bin and ostn02_y.bin. France: gr3df97a.bin. Files that exist are\n"
       "replaced, both parts or none.\n"
       "Example: tarvex grid pack OSTN02_OSGM02_GB.txt");
 }
 
+constexpr CommandRow kGridCommands[] = {
+    {"info", "Say what grid and geoid files are and what they cover", DeclareGridInfoCommand},
+    {"pack", "Make the files that conversions use from an agency's text", DeclareGridPackCommand},
+};
+
 }  // namespace
 
-void AddGridCommand(CLI::App& app, Program& program) {
-  CLI::App& grid =
-      *app.add_subcommand("grid", "Shift grids and geoid models: what a file is, make the files");
-  grid.require_subcommand(1);
-  grid.footer("Start with: tarvex grid info FILE");
-  AddGridInfoCommand(grid, program);
-  AddGridPackCommand(grid, program);
+void DeclareGridCommand(Command& command) {
+  command.Footer("Start with: tarvex grid info FILE");
+  command.Commands(kGridCommands);
 }
 
 }  // namespace tarvex

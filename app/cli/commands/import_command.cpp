@@ -1,8 +1,7 @@
 // tarvex import: many points from a text file in one go.
 #include <optional>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_import.h"
 #include "core/coordinate_file.h"
@@ -92,22 +91,21 @@ ExitCode RunImport(const ImportOptions& options, Program& program) {
 
 }  // namespace
 
-void AddImportCommand(CLI::App& app, Program& program) {
-  Command<ImportOptions> command(app, program, "import", "Store the points of a text file",
-                                 RunImport);
-  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub
-      .add_option("FILE", command.options->file,
-                  "Lines ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]; # starts a comment line")
-      ->required();
-  command.sub.add_flag("--skip-bad-lines", command.options->skipBadLines,
-                       "Store the good lines although others are bad");
-  command.sub
-      .add_option("--existing", command.options->existing,
-                  "When points exist: overwrite them, skip them, or cancel (default: ask once for\n"
-                  "all, cancel when nobody is there to ask)")
-      ->check(CLI::IsMember({"ask", "overwrite", "skip", "cancel"}));
-  command.sub.footer(
+void DeclareImportCommand(Command& command) {
+  ImportOptions& options = command.Runs(RunImport);
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  command
+      .Add("FILE", options.file,
+           "Lines ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]; # starts a comment line")
+      .Required();
+  command.AddFlag("--skip-bad-lines", options.skipBadLines,
+                  "Store the good lines although others are bad");
+  command
+      .Add("--existing", options.existing,
+           "When points exist: overwrite them, skip them, or cancel (default: ask once for\n"
+           "all, cancel when nobody is there to ask)")
+      .OneOf({"ask", "overwrite", "skip", "cancel"});
+  command.Footer(
       "Each bad line is named, and then nothing is stored. A line: "
       "BM1,5184900,520300,1100.25,bench\n"
       "Example: tarvex import site.crd control.csv");

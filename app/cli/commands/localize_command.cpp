@@ -1,6 +1,5 @@
 // tarvex localize: ties a job to local control.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/commands/localize_options.h"
 #include "app/cli/localization_text.h"
 #include "app/workflow/localization_work.h"
@@ -105,22 +104,19 @@ ExitCode RunLocalize(const LocalizeOptions& options, Program& program) {
 
 }  // namespace
 
-void AddLocalizeCommand(CLI::App& app, Program& program) {
-  Command<LocalizeOptions> command(app, program, "localize",
-                                   "Tie a job to local control points and report the fit",
-                                   RunLocalize);
-  CLI::App& sub = command.sub;
-  sub.footer(
+void DeclareLocalizeCommand(Command& command) {
+  LocalizeOptions& options = command.Runs(RunLocalize);
+  command.Footer(
       "Without options the list is fitted and reported. A changed list is kept in the job's .loc\n"
       "file and used from then on: collected points come out in local coordinates. A change that\n"
       "leaves no fit to use, or a scale more than 1 % from 1, is refused.\n"
       "Example: tarvex localize site.crd --gnss 101 --known BM1\n"
       "         tarvex localize site.crd --wgs84 47.1 8.2 520.3 --local 1000 5000 471.2\n"
       "         tarvex localize site.crd --toggle-horizontal 3 --heights plane");
-  sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  AddLocalizeOptions(sub, *command.options);
-  sub.add_flag("--list", command.options->list, "Print the control points with their coordinates");
-  sub.add_flag("--json", command.options->json, "Print JSON (residuals in metres)");
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  AddLocalizeOptions(command, options);
+  command.AddFlag("--list", options.list, "Print the control points with their coordinates");
+  command.AddFlag("--json", options.json, "Print JSON (residuals in metres)");
 }
 
 }  // namespace tarvex

@@ -1,65 +1,62 @@
 #include "app/cli/commands/localize_options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 
 namespace tarvex {
 namespace {
 
-void AddPointOptions(CLI::App& sub, LocalizeOptions& options) {
+void AddPointOptions(Command& command, LocalizeOptions& options) {
   const std::string group = "Adding a control point";
-  sub.add_option("--gnss", options.gnssId,
-                 "GNSS position: the last one of this point in the raw file")
-      ->group(group);
-  sub.add_option("--wgs84", options.wgs84,
-                 "GNSS position: latitude, longitude (degrees), height (m)")
-      ->expected(3)
-      ->type_name("LAT LON HEIGHT")
-      ->group(group);
-  sub.add_option("--known", options.knownId, "Local coordinates: those of this point of the job")
-      ->group(group);
-  sub.add_option("--local", options.local, "Local coordinates in the job's unit")
-      ->expected(3)
-      ->type_name("N E EL")
-      ->group(group);
-  sub.add_option("--description", options.description, "Description (default: the point's id)")
-      ->group(group);
-  sub.add_option("--hrms", options.hrms, "Horizontal RMS of the GNSS position")->group(group);
-  sub.add_option("--vrms", options.vrms, "Vertical RMS of the GNSS position")->group(group);
-  sub.add_flag("--no-horizontal", options.noHorizontal, "The point takes no part horizontally")
-      ->group(group);
-  sub.add_flag("--no-vertical", options.noVertical, "The point takes no part vertically")
-      ->group(group);
+  command.Add("--gnss", options.gnssId, "GNSS position: the last one of this point in the raw file")
+      .InGroup(group);
+  command.Add("--wgs84", options.wgs84, "GNSS position: latitude, longitude (degrees), height (m)")
+      .Values(3)
+      .ValueName("LAT LON HEIGHT")
+      .InGroup(group);
+  command.Add("--known", options.knownId, "Local coordinates: those of this point of the job")
+      .InGroup(group);
+  command.Add("--local", options.local, "Local coordinates in the job's unit")
+      .Values(3)
+      .ValueName("N E EL")
+      .InGroup(group);
+  command.Add("--description", options.description, "Description (default: the point's id)")
+      .InGroup(group);
+  command.Add("--hrms", options.hrms, "Horizontal RMS of the GNSS position").InGroup(group);
+  command.Add("--vrms", options.vrms, "Vertical RMS of the GNSS position").InGroup(group);
+  command.AddFlag("--no-horizontal", options.noHorizontal, "The point takes no part horizontally")
+      .InGroup(group);
+  command.AddFlag("--no-vertical", options.noVertical, "The point takes no part vertically")
+      .InGroup(group);
 }
 
-void AddListOptions(CLI::App& sub, LocalizeOptions& options) {
+void AddListOptions(Command& command, LocalizeOptions& options) {
   const std::string group = "Changing the list (points by their number in it)";
-  sub.add_option("--toggle-horizontal", options.toggleHorizontal,
-                 "Use them horizontally, or no longer")
-      ->group(group);
-  sub.add_option("--toggle-vertical", options.toggleVertical, "Use them vertically, or no longer")
-      ->group(group);
-  sub.add_option("--remove", options.remove, "Take points off the list")->group(group);
-  sub.add_option("--from", options.from, "Take the whole list from another .loc file")
-      ->group(group);
+  command
+      .Add("--toggle-horizontal", options.toggleHorizontal, "Use them horizontally, or no longer")
+      .InGroup(group);
+  command.Add("--toggle-vertical", options.toggleVertical, "Use them vertically, or no longer")
+      .InGroup(group);
+  command.Add("--remove", options.remove, "Take points off the list").InGroup(group);
+  command.Add("--from", options.from, "Take the whole list from another .loc file").InGroup(group);
 }
 
-void AddFitOptions(CLI::App& sub, LocalizeOptions& options) {
+void AddFitOptions(Command& command, LocalizeOptions& options) {
   const std::string group = "Fitting";
-  sub.add_option("--method", options.method,
-                 "similarity (scale, rotation, translation), fixed-scale, rotation (scale 1) or "
-                 "translation")
-      ->check(CLI::IsMember({"similarity", "fixed-scale", "rotation", "translation"}))
-      ->group(group);
-  sub.add_option("--scale", options.scale, "The scale for fixed-scale and translation")
-      ->group(group);
-  sub.add_option("--heights", options.heights, "shift, or an inclined plane")
-      ->check(CLI::IsMember({"shift", "plane"}))
-      ->group(group);
-  auto* off = sub.add_flag("--off", options.off, "The job no longer uses the localization");
-  off->group(group);
-  sub.add_flag("--on", options.on, "The job uses it again")->excludes(off)->group(group);
+  command
+      .Add("--method", options.method,
+           "similarity (scale, rotation, translation), fixed-scale, rotation (scale 1) or "
+           "translation")
+      .OneOf({"similarity", "fixed-scale", "rotation", "translation"})
+      .InGroup(group);
+  command.Add("--scale", options.scale, "The scale for fixed-scale and translation").InGroup(group);
+  command.Add("--heights", options.heights, "shift, or an inclined plane")
+      .OneOf({"shift", "plane"})
+      .InGroup(group);
+  const Option off =
+      command.AddFlag("--off", options.off, "The job no longer uses the localization");
+  off.InGroup(group);
+  command.AddFlag("--on", options.on, "The job uses it again").Excludes(off).InGroup(group);
 }
 
 bool AreNumbers(const std::vector<double>& values) {
@@ -134,10 +131,10 @@ bool TakeLocalizationRequest(const LocalizeOptions& options, LocalizationRequest
   return true;
 }
 
-void AddLocalizeOptions(CLI::App& sub, LocalizeOptions& options) {
-  AddPointOptions(sub, options);
-  AddListOptions(sub, options);
-  AddFitOptions(sub, options);
+void AddLocalizeOptions(Command& command, LocalizeOptions& options) {
+  AddPointOptions(command, options);
+  AddListOptions(command, options);
+  AddFitOptions(command, options);
 }
 
 }  // namespace tarvex

@@ -5,11 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "app/cli/command_line.h"
 #include "app/workflow/localization_work.h"
-
-namespace CLI {
-class App;
-}  // namespace CLI
 
 namespace tarvex {
 
@@ -49,6 +46,6 @@ struct LocalizeOptions {
                                            LocalizationRequest& request, std::string& problem);
 
 /// All but the job and the two ways of printing.
-void AddLocalizeOptions(CLI::App& sub, LocalizeOptions& options);
+void AddLocalizeOptions(Command& command, LocalizeOptions& options);
 
 }  // namespace tarvex

@@ -3,8 +3,7 @@
 #include <cerrno>
 #include <span>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/setup_comments.h"
@@ -194,34 +193,31 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
 
 }  // namespace
 
-void AddNewCommand(CLI::App& app, Program& program) {
-  Command<NewOptions> command(app, program, "new",
-                              "Create a job: its coordinate file, settings and raw file", RunNew);
-  NewOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.add_option("JOB.crd", options.job, "The coordinate file to create")->required();
-  sub.add_flag("--numeric", options.numeric,
-               "Number the points 1, 2, 3 ... instead of naming them");
-  sub.add_option("--units", options.units, "The job's distance unit (default: metres)")
-      ->check(CLI::IsMember({"us-feet", "metres", "intl-feet"}));
-  auto* system = sub.add_option("--system", options.system,
-                                "Coordinate system by its name or EPSG code (see: tarvex systems)");
-  sub.add_option("--definition", options.definition,
-                 "File with the definition text of the coordinate system")
-      ->excludes(system);
-  sub.add_option("--datum-shift", options.datumShift, kDatumShiftHelp);
-  sub.add_option(
-      "--geoid", options.geoid,
-      "Geoid model (.gtx, .bin, .pgm or .isg): elevations are heights above it; without\n"
-      "one they are heights above the ellipsoid. A file of the data folder, or its path");
-  sub.add_flag("--south-azimuths", options.southAzimuths, "Azimuths are measured from south");
-  sub.add_flag("--curvature-correction", options.curvatureCorrection,
-               "Earth curvature and refraction are corrected");
-  sub.add_option("--scale-factor", options.scaleFactor,
-                 "Grid scale factor of the raw file (default: 1)");
-  sub.add_option("--name", options.name,
-                 "Name written into the raw file (default: the file's name)");
-  sub.footer(
+void DeclareNewCommand(Command& command) {
+  NewOptions& options = command.Runs(RunNew);
+  command.Add("JOB.crd", options.job, "The coordinate file to create").Required();
+  command.AddFlag("--numeric", options.numeric,
+                  "Number the points 1, 2, 3 ... instead of naming them");
+  command.Add("--units", options.units, "The job's distance unit (default: metres)")
+      .OneOf({"us-feet", "metres", "intl-feet"});
+  const Option system =
+      command.Add("--system", options.system,
+                  "Coordinate system by its name or EPSG code (see: tarvex systems)");
+  command
+      .Add("--definition", options.definition,
+           "File with the definition text of the coordinate system")
+      .Excludes(system);
+  command.Add("--datum-shift", options.datumShift, kDatumShiftHelp);
+  command.Add("--geoid", options.geoid,
+              "Geoid model (.gtx, .bin, .pgm or .isg): elevations are heights above it; without\n"
+              "one they are heights above the ellipsoid. A file of the data folder, or its path");
+  command.AddFlag("--south-azimuths", options.southAzimuths, "Azimuths are measured from south");
+  command.AddFlag("--curvature-correction", options.curvatureCorrection,
+                  "Earth curvature and refraction are corrected");
+  command.Add("--scale-factor", options.scaleFactor,
+              "Grid scale factor of the raw file (default: 1)");
+  command.Add("--name", options.name, "Name written into the raw file (default: the file's name)");
+  command.Footer(
       "Beside JOB.crd come JOB.job with the settings and JOB.rw5, the raw file.\n"
       "Example: tarvex new site.crd --units us-feet --system \"UTM/UTM WGS84 Zone 32\"\n"
       "         tarvex new site.crd --system EPSG:25832 --geoid egm2008.gtx");

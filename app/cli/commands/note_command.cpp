@@ -1,6 +1,5 @@
 // tarvex note: the notes and the GNSS quality of a point.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/job_session.h"
 #include "core/job_unit.h"
@@ -22,7 +21,7 @@ void PrintNote(const NoteOptions& options, const PointNote& note, Program& progr
     program.console.Print(PointNoteBlock(note));
     return;
   }
-  Json quality = Json::object();
+  Json quality = Json::EmptyObject();
   std::string_view rest = note.qualityLines;
   while (const auto line = TakeLine(rest)) {
     const std::size_t comma = std::min(line->find(','), line->size());
@@ -74,15 +73,13 @@ ExitCode RunNote(const NoteOptions& options, Program& program) {
 
 }  // namespace
 
-void AddNoteCommand(CLI::App& app, Program& program) {
-  Command<NoteOptions> command(app, program, "note",
-                               "Show a point's notes and GNSS quality, or add a note", RunNote);
-  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_option("ID", command.options->id, "The point")->required();
-  command.sub.add_option("--add", command.options->added,
-                         "Add this note; line breaks make further lines");
-  command.sub.add_flag("--json", command.options->json, "Print JSON");
-  command.sub.footer("Example: tarvex note site.crd 100 --add \"seen from north\"");
+void DeclareNoteCommand(Command& command) {
+  NoteOptions& options = command.Runs(RunNote);
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  command.Add("ID", options.id, "The point").Required();
+  command.Add("--add", options.added, "Add this note; line breaks make further lines");
+  command.AddFlag("--json", options.json, "Print JSON");
+  command.Footer("Example: tarvex note site.crd 100 --add \"seen from north\"");
 }
 
 }  // namespace tarvex

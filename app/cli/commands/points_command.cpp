@@ -1,6 +1,5 @@
 // tarvex points: the points of a job.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/cli/table_text.h"
 #include "app/workflow/job_session.h"
@@ -44,8 +43,8 @@ void PrintTable(const Job& job, const PointList& points, Program& program) {
 }
 
 void PrintJson(const Job& job, const PointList& points, Program& program) {
-  Json list = Json::array();
-  for (const Point& point : points) list.push_back(PointJson(point));
+  Json list = Json::EmptyList();
+  for (const Point& point : points) list.Add(PointJson(point));
   program.console.Print(JsonText({{"job", job.path},
                                   {"alphanumeric", job.alphanumeric},
                                   {"unit", UnitKey(job.unit)},
@@ -91,11 +90,11 @@ ExitCode RunPoints(const PointsOptions& options, Program& program) {
 
 }  // namespace
 
-void AddPointsCommand(CLI::App& app, Program& program) {
-  Command<PointsOptions> command(app, program, "points", "List the points of a job", RunPoints);
-  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_flag("--json", command.options->json, "Print JSON, coordinates in full");
-  command.sub.footer("Points come in the order of their ids. Example: tarvex points site.crd");
+void DeclarePointsCommand(Command& command) {
+  PointsOptions& options = command.Runs(RunPoints);
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  command.AddFlag("--json", options.json, "Print JSON, coordinates in full");
+  command.Footer("Points come in the order of their ids. Example: tarvex points site.crd");
 }
 
 }  // namespace tarvex

@@ -1,8 +1,7 @@
 // tarvex raw: the raw data file of a job.
 #include <utility>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/job_session.h"
 #include "core/raw_file.h"
@@ -20,18 +19,15 @@ struct RawOptions {
 
 // Each record is on a line of its own, so that line tools can be used on it as well.
 std::string RawJson(const std::string& path, std::string_view bytes) {
-  const auto oneLine = [](const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-  };
-  std::string text = "{\"raw\": " + oneLine(path) + ",\n\"records\": [";
+  std::string text = "{\"raw\": " + JsonLine(path) + ",\n\"records\": [";
   bool first = true;
   while (const auto line = TakeLine(bytes)) {
     const bool comment = line->starts_with("--");
     text += std::exchange(first, false) ? "\n" : ",\n";
     text +=
-        oneLine({{"record", comment ? "--" : line->substr(0, line->find(','))}, {"text", *line}});
+        JsonLine({{"record", comment ? "--" : line->substr(0, line->find(','))}, {"text", *line}});
   }
-  return WithoutControls(text + "\n]}\n");
+  return text + "\n]}\n";
 }
 
 ExitCode RunRaw(const RawOptions& options, Program& program) {
@@ -52,12 +48,11 @@ ExitCode RunRaw(const RawOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRawCommand(CLI::App& app, Program& program) {
-  Command<RawOptions> command(app, program, "raw", "Print the raw data file of a job", RunRaw);
-  command.sub.add_option("JOB.crd", command.options->job, "The job's coordinate file")->required();
-  command.sub.add_flag("--json", command.options->json,
-                       "Print JSON, each record on a line of its own");
-  command.sub.footer(
+void DeclareRawCommand(Command& command) {
+  RawOptions& options = command.Runs(RunRaw);
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  command.AddFlag("--json", options.json, "Print JSON, each record on a line of its own");
+  command.Footer(
       "Every setup, observation, stored and deleted point and comment, oldest first.\n"
       "Example: tarvex raw site.crd");
 }

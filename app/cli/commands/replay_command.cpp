@@ -6,8 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/replay_outlet.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentence.h"
@@ -164,25 +163,20 @@ ExitCode RunReplay(const ReplayOptions& options, Program& program) {
 
 }  // namespace
 
-void AddReplayCommand(CLI::App& app, Program& program) {
-  Command<ReplayOptions> command(app, program, "replay", "Send a recorded log as a receiver would",
-                                 RunReplay);
-  ReplayOptions& options = *command.options;
-  command.sub.footer(
+void DeclareReplayCommand(Command& command) {
+  ReplayOptions& options = command.Runs(RunReplay);
+  command.Footer(
       "It waits until a program opens the device or the TCP port, then sends the log at the\n"
       "times of its positions. Example: tarvex replay site.nmea --to pty --speed 10");
-  command.sub.add_option("LOG", options.log, "The recorded log")->required();
-  command.sub
-      .add_option("--to", options.to, "pty: a serial device (default); tcp: a loopback port")
-      ->check(CLI::IsMember({"pty", "tcp"}));
-  command.sub
-      .add_option("--speed", options.speed,
-                  "How many times faster than recorded (default: 1); 0: at once")
-      ->check(CLI::NonNegativeNumber);
-  command.sub.add_option("--port", options.port, "TCP port (default: a free one)")
-      ->check(CLI::Range(0, 65535));
-  command.sub.add_option("--keep-input", options.keepInput,
-                         "Keep what the reader sends (commands, corrections) in a new file");
+  command.Add("LOG", options.log, "The recorded log").Required();
+  command.Add("--to", options.to, "pty: a serial device (default); tcp: a loopback port")
+      .OneOf({"pty", "tcp"});
+  command
+      .Add("--speed", options.speed, "How many times faster than recorded (default: 1); 0: at once")
+      .NotNegative();
+  command.Add("--port", options.port, "TCP port (default: a free one)").Between(0, 65535);
+  command.Add("--keep-input", options.keepInput,
+              "Keep what the reader sends (commands, corrections) in a new file");
 }
 
 }  // namespace tarvex

@@ -2,8 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_options.h"
 #include "app/cli/table_text.h"
@@ -66,7 +65,7 @@ Json ElementJson(const OpenedRoad& road, const AlignmentElement& e) {
   Json json{{"record", RecordName(road.geometry.chain[e.fromNode])},
             {"line", road.geometry.chain[e.fromNode].line},
             {"element", ShapeText(e)}};
-  json.update(road.StationJson(e.stationStart));
+  json.Append(road.StationJson(e.stationStart));
   json["length"] = e.length;
   json["station_length"] = e.StationLength();
   json["curvature_start"] = e.curvatureStart;
@@ -75,7 +74,7 @@ Json ElementJson(const OpenedRoad& road, const AlignmentElement& e) {
   json["azimuth_start_degrees"] = e.azimuthStart * kDegreesPerRadian;
   json["azimuth_end_degrees"] = e.azimuthEnd * kDegreesPerRadian;
   json["sound"] = e.sound;
-  Json residuals = Json::object();
+  Json residuals = Json::EmptyObject();
   AddResidual(residuals, "length", e.residuals.length);
   AddResidual(residuals, "end_radius", e.residuals.endRadius);
   AddResidual(residuals, "angle_rad", e.residuals.angle);
@@ -90,24 +89,24 @@ Json ElementJson(const OpenedRoad& road, const AlignmentElement& e) {
 Json CheckJson(const OpenedRoad& road, const RoadCheckOptions& options,
                const std::vector<CheckFinding>& findings) {
   Json json{{"file", options.road.file}, {"unit", options.road.unit}};
-  json["elements"] = Json::array();
+  json["elements"] = Json::EmptyList();
   for (const AlignmentElement& e : road.alignment().elements()) {
-    json["elements"].push_back(ElementJson(road, e));
+    json["elements"].Add(ElementJson(road, e));
   }
-  json["findings"] = Json::array();
+  json["findings"] = Json::EmptyList();
   for (const CheckFinding& finding : findings) {
-    json["findings"].push_back({{"line", finding.line},
-                                {"refused", finding.kind == FindingKind::Refused},
-                                {"text", finding.text}});
+    json["findings"].Add({{"line", finding.line},
+                          {"refused", finding.kind == FindingKind::Refused},
+                          {"text", finding.text}});
   }
-  json["skipped_lines"] = Json::array();
+  json["skipped_lines"] = Json::EmptyList();
   for (const LineNote& note : road.road.centerline->notes) {
-    json["skipped_lines"].push_back(
+    json["skipped_lines"].Add(
         {{"line", note.line}, {"text", Strings().Text(note.text, {note.argument})}});
   }
-  json["equations"] = Json::array();
+  json["equations"] = Json::EmptyList();
   for (const StationEquation& equation : road.geometry.equations.equations()) {
-    json["equations"].push_back({{"back", equation.back}, {"ahead", equation.ahead}});
+    json["equations"].Add({{"back", equation.back}, {"ahead", equation.ahead}});
   }
   json["station_start"] = road.span.start;
   json["station_end"] = road.span.end;
@@ -175,14 +174,12 @@ ExitCode RunRoadCheck(const RoadCheckOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadCheckCommand(CLI::App& road, Program& program) {
-  Command<RoadCheckOptions> command(road, program, "check",
-                                    "Explain a centerline and say which of its numbers is wrong",
-                                    RunRoadCheck);
-  AddRoadFileOptions(command.sub, command.options->road);
-  AddRoadViewOptions(command.sub, command.options->road);
-  command.sub.add_option("--svg", command.options->svg, "Draw the alignment into this file");
-  command.sub.footer(
+void DeclareRoadCheckCommand(Command& command) {
+  RoadCheckOptions& options = command.Runs(RunRoadCheck);
+  AddRoadFileOptions(command, options.road);
+  AddRoadViewOptions(command, options.road);
+  command.Add("--svg", options.svg, "Draw the alignment into this file");
+  command.Footer(
       "A FAULT marks an element that should not be staked as it stands (exit code 1).\n"
       "Where coordinates and stations disagree, the coordinates win;\n"
       "tarvex road write --restation computes the stations anew.");

@@ -1,6 +1,5 @@
 // tarvex road import, tarvex road export: LandXML.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_options.h"
 #include "app/workflow/job_session.h"
@@ -173,33 +172,28 @@ ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadImportCommand(CLI::App& road, Program& program) {
-  Command<RoadImportOptions> command(
-      road, program, "import", "Make a centerline file from a LandXML alignment", RunRoadImport);
-  RoadImportOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.add_option("FILE.xml", options.file, "The LandXML file")->required();
-  sub.add_option("--out", options.out, "The centerline file to write")->required();
-  sub.add_option("--alignment", options.alignment, "Name of the alignment, when there are several");
-  AddFormOption(sub, options.form);
-  sub.add_option("--svg", options.svg, "Draw the alignment into this file");
-  sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
-  sub.add_flag("--json", options.json, "Print JSON");
-  sub.footer(
+void DeclareRoadImportCommand(Command& command) {
+  RoadImportOptions& options = command.Runs(RunRoadImport);
+  command.Add("FILE.xml", options.file, "The LandXML file").Required();
+  command.Add("--out", options.out, "The centerline file to write").Required();
+  command.Add("--alignment", options.alignment, "Name of the alignment, when there are several");
+  AddFormOption(command, options.form);
+  command.Add("--svg", options.svg, "Draw the alignment into this file");
+  command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
+  command.AddFlag("--json", options.json, "Print JSON");
+  command.Footer(
       "Lines, arcs, clothoids and station equations; anything else is refused by name.\n"
       "Example: tarvex road import design.xml --out road.cl");
 }
 
-void AddRoadExportCommand(CLI::App& road, Program& program) {
-  Command<RoadExportOptions> command(
-      road, program, "export", "Write the alignment (and a profile) as LandXML", RunRoadExport);
-  RoadExportOptions& options = *command.options;
-  AddRoadFileOptions(command.sub, options.road);
-  AddProfileOption(command.sub, options.road);
-  command.sub.add_option("--out", options.out, "The LandXML file to write")->required();
-  command.sub.add_option("--name", options.name, "Name of the alignment (default: of the file)");
-  command.sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
-  command.sub.footer("Example: tarvex road export road.cl --profile design.xml --out road.xml");
+void DeclareRoadExportCommand(Command& command) {
+  RoadExportOptions& options = command.Runs(RunRoadExport);
+  AddRoadFileOptions(command, options.road);
+  AddProfileOption(command, options.road);
+  command.Add("--out", options.out, "The LandXML file to write").Required();
+  command.Add("--name", options.name, "Name of the alignment (default: of the file)");
+  command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
+  command.Footer("Example: tarvex road export road.cl --profile design.xml --out road.xml");
 }
 
 }  // namespace tarvex

@@ -1,8 +1,7 @@
 // tarvex road list: what lies along the road.
 #include <map>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/road_options.h"
 #include "app/cli/table_text.h"
@@ -120,9 +119,9 @@ ExitCode RunRoadList(const RoadListOptions& options, Program& program) {
   TellElevations(program, *road, stations, options.offset);
   const KeyPointNames names(road->geometry.chain);
   if (options.road.json) {
-    Json list = Json::array();
+    Json list = Json::EmptyList();
     for (const double station : stations)
-      list.push_back(PlaceJson(*road, names, station, options.offset));
+      list.Add(PlaceJson(*road, names, station, options.offset));
     program.console.Print(JsonText({{"file", options.road.file}, {"stations", std::move(list)}}));
     return ExitCode::Done;
   }
@@ -134,21 +133,18 @@ ExitCode RunRoadList(const RoadListOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadListCommand(CLI::App& road, Program& program) {
-  Command<RoadListOptions> command(road, program, "list",
-                                   "List round stations and key points with their coordinates",
-                                   RunRoadList);
-  RoadListOptions& options = *command.options;
-  AddRoadFileOptions(command.sub, options.road);
-  AddRoadViewOptions(command.sub, options.road);
-  AddDesignOptions(command.sub, options.road);
-  AddNumber(command.sub, "--interval", options.interval, "Distance between round stations",
+void DeclareRoadListCommand(Command& command) {
+  RoadListOptions& options = command.Runs(RunRoadList);
+  AddRoadFileOptions(command, options.road);
+  AddRoadViewOptions(command, options.road);
+  AddDesignOptions(command, options.road);
+  AddNumber(command, "--interval", options.interval, "Distance between round stations",
             NumberKind::Positive)
-      ->required();
-  command.sub.add_option("--from", options.from, "First station (default: the start)");
-  command.sub.add_option("--to", options.to, "Last station (default: the end)");
-  AddNumber(command.sub, "--offset", options.offset, "Offset of the points, right positive");
-  command.sub.footer("Example: tarvex road list road.cl --interval 20 --offset -3.6");
+      .Required();
+  command.Add("--from", options.from, "First station (default: the start)");
+  command.Add("--to", options.to, "Last station (default: the end)");
+  AddNumber(command, "--offset", options.offset, "Offset of the points, right positive");
+  command.Footer("Example: tarvex road list road.cl --interval 20 --offset -3.6");
 }
 
 }  // namespace tarvex

@@ -1,6 +1,5 @@
 // tarvex road point: station and offset to coordinates.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_job.h"
@@ -127,23 +126,19 @@ ExitCode RunRoadPoint(const RoadPointOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadPointCommand(CLI::App& road, Program& program) {
-  Command<RoadPointOptions> command(road, program, "point",
-                                    "Coordinates of a station and offset, stored if wanted",
-                                    RunRoadPoint);
-  RoadPointOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  AddRoadFileOptions(sub, options.road);
-  AddRoadPlaceOptions(sub, options.place);
-  AddRoadViewOptions(sub, options.road);
-  AddDesignOptions(sub, options.road);
-  AddElevationOption(sub, options.road);
-  sub.add_option("--store", options.job, "Store the point in this job");
-  sub.add_option("--id", options.id, "Point id to store under");
-  sub.add_option("--description", options.description, "Default: station and offset");
-  AddExistingOption(sub, options.existing);
-  sub.add_option("--svg", options.svg, "Draw the point on the alignment into this file");
-  sub.footer(
+void DeclareRoadPointCommand(Command& command) {
+  RoadPointOptions& options = command.Runs(RunRoadPoint);
+  AddRoadFileOptions(command, options.road);
+  AddRoadPlaceOptions(command, options.place);
+  AddRoadViewOptions(command, options.road);
+  AddDesignOptions(command, options.road);
+  AddElevationOption(command, options.road);
+  command.Add("--store", options.job, "Store the point in this job");
+  command.Add("--id", options.id, "Point id to store under");
+  command.Add("--description", options.description, "Default: station and offset");
+  AddExistingOption(command, options.existing);
+  command.Add("--svg", options.svg, "Draw the point on the alignment into this file");
+  command.Footer(
       "Example: tarvex road point road.cl 1+210 -3.6 --elevation 1101.6 --store site.crd "
       "--id R1");
 }

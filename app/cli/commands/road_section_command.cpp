@@ -1,6 +1,5 @@
 // tarvex road section: the design section of a template, its catch points, its picture.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/result_file.h"
@@ -79,11 +78,11 @@ std::string CatchText(const CatchPoint& caught) {
 }
 
 Json PointsJson(const std::vector<SectionPoint>& points) {
-  Json list = Json::array();
+  Json list = Json::EmptyList();
   for (const SectionPoint& point : points) {
-    list.push_back({{"offset", point.offset},
-                    {"elevation", point.elevation},
-                    {"description", point.description}});
+    list.Add({{"offset", point.offset},
+              {"elevation", point.elevation},
+              {"description", point.description}});
   }
   return list;
 }
@@ -93,7 +92,7 @@ Json CatchJson(const CatchPoint& caught) {
             {"caught", caught.result == CatchResult::Caught},
             {"kind", KindText(caught.kind)}};
   if (caught.result != CatchResult::Caught) return json;
-  json.update({{"ratio", caught.ratio},
+  json.Append({{"ratio", caught.ratio},
                {"row", caught.row},
                {"offset", caught.offset},
                {"elevation", caught.elevation},
@@ -187,23 +186,19 @@ ExitCode RunRoadSection(const RoadSectionOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadSectionCommand(CLI::App& road, Program& program) {
-  Command<RoadSectionOptions> command(
-      road, program, "section", "The design section of a template and where it meets the ground",
-      RunRoadSection);
-  RoadSectionOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.add_option("FILE.tpl", options.file, "The template file")->required();
-  sub.add_option("--elevation", options.elevation, "Finished grade on the centerline")->required();
-  sub.add_option("--superelevation", options.superelevation,
-                 "Grades of the lanes LEFT,RIGHT in percent, positive rising outward");
-  sub.add_option("--ground-left", options.groundLeft, "Ground outward on the left side");
-  sub.add_option("--ground-right", options.groundRight, "Ground outward on the right side");
-  sub.add_option("--svg", options.svg, "Draw the section into this file");
-  sub.add_option("--out", options.out, "Write the template to this file, nothing lost");
-  sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
-  sub.add_flag("--json", options.json, "Print JSON");
-  sub.footer(
+void DeclareRoadSectionCommand(Command& command) {
+  RoadSectionOptions& options = command.Runs(RunRoadSection);
+  command.Add("FILE.tpl", options.file, "The template file").Required();
+  command.Add("--elevation", options.elevation, "Finished grade on the centerline").Required();
+  command.Add("--superelevation", options.superelevation,
+              "Grades of the lanes LEFT,RIGHT in percent, positive rising outward");
+  command.Add("--ground-left", options.groundLeft, "Ground outward on the left side");
+  command.Add("--ground-right", options.groundRight, "Ground outward on the right side");
+  command.Add("--svg", options.svg, "Draw the section into this file");
+  command.Add("--out", options.out, "Write the template to this file, nothing lost");
+  command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
+  command.AddFlag("--json", options.json, "Print JSON");
+  command.Footer(
       "Ground: \"plane 99.2,-0.01\" (elevation at the centerline, slope outward) or pairs of "
       "outward\n"
       "offset and elevation, \"0,99.0 6,98.8 10,97.9\".\n"

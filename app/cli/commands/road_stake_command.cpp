@@ -1,7 +1,6 @@
 // tarvex road stake: from where one stands to a station and offset of the road.
 #include "app/cli/collect_view.h"
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/road_job.h"
 #include "app/cli/road_options.h"
@@ -166,38 +165,36 @@ ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadStakeCommand(CLI::App& road, Program& program) {
-  Command<RoadStakeOptions> command(road, program, "stake",
-                                    "The way to a station and offset, from a receiver or a point",
-                                    RunRoadStake);
-  RoadStakeOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  AddRoadFileOptions(sub, options.road);
-  AddRoadPlaceOptions(sub, options.place);
-  AddRoadViewOptions(sub, options.road);
-  AddDesignOptions(sub, options.road);
-  AddElevationOption(sub, options.road);
-  sub.add_option("--slope", options.slope, "Stake the catch point of this side (with --template)")
-      ->check(CLI::IsMember({"left", "right"}))
-      ->needs(sub.get_option("--template"));
-  sub.add_option("--job", options.job, "The job: its points, coordinate system and unit");
-  sub.add_option("--point", options.points, "Stand on these points of the job");
-  sub.add_option("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]")->expected(2, 3);
-  AddSessionOptions(sub, options.session);
-  sub.add_option("--count", options.count, "Positions to show (default: until the receiver ends)")
-      ->check(CLI::NonNegativeNumber);
-  AddNumber(sub, "--tolerance", options.tolerance.horizontal,
+void DeclareRoadStakeCommand(Command& command) {
+  RoadStakeOptions& options = command.Runs(RunRoadStake);
+  AddRoadFileOptions(command, options.road);
+  AddRoadPlaceOptions(command, options.place);
+  AddRoadViewOptions(command, options.road);
+  const Option section = AddDesignOptions(command, options.road);
+  AddElevationOption(command, options.road);
+  command.Add("--slope", options.slope, "Stake the catch point of this side (with --template)")
+      .OneOf({"left", "right"})
+      .Needs(section);
+  command.Add("--job", options.job, "The job: its points, coordinate system and unit");
+  command.Add("--point", options.points, "Stand on these points of the job");
+  command.Add("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]").Values(2, 3);
+  AddSessionOptions(command, options.session);
+  command.Add("--count", options.count, "Positions to show (default: until the receiver ends)")
+      .NotNegative();
+  AddNumber(command, "--tolerance", options.tolerance.horizontal,
             "Horizontal, for ON THE STAKE (default: 0.02)", NumberKind::Positive);
-  AddNumber(sub, "--vertical-tolerance", options.tolerance.vertical, "Vertical (default: 0.01)",
+  AddNumber(command, "--vertical-tolerance", options.tolerance.vertical, "Vertical (default: 0.01)",
             NumberKind::Positive);
-  sub.add_option("--store", options.storeId,
-                 "Store a position in the job under this id: with --receiver the next one that\n"
-                 "keeps the limits after Enter was pressed, else the one that was named");
-  sub.add_flag("--store-on-stake", options.storeOnStake,
+  const Option store =
+      command.Add("--store", options.storeId,
+                  "Store a position in the job under this id: with --receiver the next one that\n"
+                  "keeps the limits after Enter was pressed, else the one that was named");
+  command
+      .AddFlag("--store-on-stake", options.storeOnStake,
                "With --store: store the first position that is ON THE STAKE, without a key")
-      ->needs("--store");
-  AddExistingOption(sub, options.existing);
-  sub.footer(
+      .Needs(store);
+  AddExistingOption(command, options.existing);
+  command.Footer(
       "One line per position: where it is, how to go forward and right along the road, north and "
       "east,\n"
       "cut (C) or fill (F). ON THE STAKE needs a FIXED position inside both tolerances.");

@@ -1,6 +1,5 @@
 // tarvex road station: coordinates, or points of a job, to station and offset.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_job.h"
@@ -108,16 +107,16 @@ void PrintLines(const RoadStationOptions& options, Program& program, const Opene
 
 void PrintJson(const RoadStationOptions& options, Program& program, const OpenedRoad& road,
                const PointList& points) {
-  Json list = Json::array();
+  Json list = Json::EmptyList();
   for (const Point& point : points) {
     Json json = options.job.empty()
                     ? Json{{"northing", point.at.northing}, {"easting", point.at.easting}}
                     : PointJson(point);
-    json["answers"] = Json::array();
+    json["answers"] = Json::EmptyList();
     for (const Answer& answer : AnswersTo(options, road, point.at)) {
-      json["answers"].push_back(AnswerJson(road, answer));
+      json["answers"].Add(AnswerJson(road, answer));
     }
-    list.push_back(std::move(json));
+    list.Add(std::move(json));
   }
   program.console.Print(JsonText({{"file", options.road.file}, {"points", std::move(list)}}));
 }
@@ -145,22 +144,18 @@ ExitCode RunRoadStation(const RoadStationOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadStationCommand(CLI::App& road, Program& program) {
-  Command<RoadStationOptions> command(road, program, "station",
-                                      "Station and offset of coordinates or of points of a job",
-                                      RunRoadStation);
-  RoadStationOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  AddRoadFileOptions(sub, options.road);
-  sub.add_option("NORTHING", options.northing, "In the file's unit");
-  sub.add_option("EASTING", options.easting, "In the file's unit");
-  AddRoadViewOptions(sub, options.road);
-  AddDesignOptions(sub, options.road);
-  auto* job = sub.add_option("--job", options.job, "Take points of this job");
-  sub.add_option("--point", options.ids, "Their ids (default: all points)")->needs(job);
-  sub.add_flag("--candidates", options.candidates, "Every place of the road that may be meant");
-  sub.add_option("--svg", options.svg, "Draw the points beside the alignment into this file");
-  sub.footer(
+void DeclareRoadStationCommand(Command& command) {
+  RoadStationOptions& options = command.Runs(RunRoadStation);
+  AddRoadFileOptions(command, options.road);
+  command.Add("NORTHING", options.northing, "In the file's unit");
+  command.Add("EASTING", options.easting, "In the file's unit");
+  AddRoadViewOptions(command, options.road);
+  AddDesignOptions(command, options.road);
+  const Option job = command.Add("--job", options.job, "Take points of this job");
+  command.Add("--point", options.ids, "Their ids (default: all points)").Needs(job);
+  command.AddFlag("--candidates", options.candidates, "Every place of the road that may be meant");
+  command.Add("--svg", options.svg, "Draw the points beside the alignment into this file");
+  command.Footer(
       "With --profile, and beside the centerline --template, points of a job show cut (C) or fill "
       "(F).\n"
       "Example: tarvex road station road.cl 5184687.8 520489.5");

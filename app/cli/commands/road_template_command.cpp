@@ -1,6 +1,5 @@
 // tarvex road template new: a template from segments and slopes that are typed.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_file.h"
@@ -177,15 +176,12 @@ ExitCode RunNewTemplate(const NewTemplateOptions& options, Program& program) {
   return ExitCode::Done;
 }
 
-void AddNewTemplateCommand(CLI::App& parent, Program& program) {
-  Command<NewTemplateOptions> command(parent, program, "new", "Make a template file",
-                                      RunNewTemplate);
-  NewTemplateOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.add_option("OUT.tpl", options.out, "The template file to write")->required();
-  const auto list = [&sub](const char* name, std::vector<std::string>& entries,
-                           const char* description) {
-    sub.add_option(name, entries, description)->expected(1)->take_all();
+void DeclareNewTemplateCommand(Command& command) {
+  NewTemplateOptions& options = command.Runs(RunNewTemplate);
+  command.Add("OUT.tpl", options.out, "The template file to write").Required();
+  const auto list = [&command](const char* name, std::vector<std::string>& entries,
+                               const char* description) {
+    command.Add(name, entries, description).Repeatable();
   };
   list("--both", options.both, "A segment of both sides, outward: WIDTH,SLOPE,DESCRIPTION");
   list("--left", options.surface[0], "A segment of the left side, behind those of --both");
@@ -194,9 +190,9 @@ void AddNewTemplateCommand(CLI::App& parent, Program& program) {
   list("--fill-right", options.fill[1], "The same on the right");
   list("--cut-left", options.cut[0], "A row of the cut slopes, HEIGHT,RATIO");
   list("--cut-right", options.cut[1], "The same on the right");
-  sub.add_option("--like", options.like, "Begin with what this template holds");
-  sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
-  sub.footer(
+  command.Add("--like", options.like, "Begin with what this template holds");
+  command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
+  command.Footer(
       "A slope is a grade (-2%), a ratio (4:1, positive rising outward) or an elevation change "
       "(0.15).\n"
       "INSERT,CURBLname and INSERT,MEDIAN,name in place of a segment name a curb or median of "
@@ -205,12 +201,14 @@ void AddNewTemplateCommand(CLI::App& parent, Program& program) {
       "             --fill-left 99,3 --fill-right 99,3");
 }
 
+constexpr CommandRow kTemplateCommands[] = {
+    {"new", "Make a template file", DeclareNewTemplateCommand},
+};
+
 }  // namespace
 
-void AddRoadTemplateCommand(CLI::App& road, Program& program) {
-  CLI::App& sub = *road.add_subcommand("template", "Templates: make a new one");
-  sub.require_subcommand(1);
-  AddNewTemplateCommand(sub, program);
+void DeclareRoadTemplateCommand(Command& command) {
+  command.Commands(kTemplateCommands);
 }
 
 }  // namespace tarvex

@@ -3,8 +3,7 @@
 #include <map>
 #include <vector>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/road_commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_options.h"
 #include "core/number_text.h"
@@ -76,19 +75,17 @@ ExitCode RunRoadWrite(const RoadWriteOptions& options, Program& program) {
 
 }  // namespace
 
-void AddRoadWriteCommand(CLI::App& road, Program& program) {
-  Command<RoadWriteOptions> command(road, program, "write", "Write the centerline to a file",
-                                    RunRoadWrite);
-  RoadWriteOptions& options = *command.options;
-  AddRoadFileOptions(command.sub, options.road);
-  command.sub.add_option("--out", options.out, "The file to write")->required();
-  command.sub.add_flag("--restation", options.restation,
-                       "Stations by the coordinates, counted through from the start station");
-  command.sub.add_flag("--normalise", options.normalise,
-                       "Write the loaded chain anew: merged points gone, equations kept");
-  AddFormOption(command.sub, command.options->form);
-  command.sub.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
-  command.sub.footer(
+void DeclareRoadWriteCommand(Command& command) {
+  RoadWriteOptions& options = command.Runs(RunRoadWrite);
+  AddRoadFileOptions(command, options.road);
+  command.Add("--out", options.out, "The file to write").Required();
+  command.AddFlag("--restation", options.restation,
+                  "Stations by the coordinates, counted through from the start station");
+  command.AddFlag("--normalise", options.normalise,
+                  "Write the loaded chain anew: merged points gone, equations kept");
+  AddFormOption(command, options.form);
+  command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
+  command.Footer(
       "Without --restation, --normalise or --form the file is written byte for byte as it is.\n"
       "Example: tarvex road write road.cl --restation --out restationed.cl");
 }

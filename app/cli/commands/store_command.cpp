@@ -1,6 +1,5 @@
 // tarvex store: a point from entered coordinates.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/storing_text.h"
 #include "app/workflow/job_session.h"
@@ -37,25 +36,22 @@ ExitCode RunStore(const StoreOptions& options, Program& program) {
 
 }  // namespace
 
-void AddStoreCommand(CLI::App& app, Program& program) {
-  Command<StoreOptions> command(app, program, "store", "Store a point from entered coordinates",
-                                RunStore);
-  StoreOptions& options = *command.options;
-  command.sub.add_option("JOB.crd", options.job, "The job's coordinate file")->required();
-  command.sub
-      .add_option("ID", options.id, "Point id, at most 9 characters (a number in a numeric job)")
-      ->required();
-  command.sub.add_option("NORTHING", options.northing, "In the job's unit")->required();
-  command.sub.add_option("EASTING", options.easting, "In the job's unit")->required();
-  command.sub.add_option("ELEVATION", options.elevation, "In the job's unit")->required();
-  command.sub.add_option("DESCRIPTION", options.description,
-                         "Free text, 31 bytes are kept in the coordinate file");
-  command.sub
-      .add_option("--existing", options.existing,
-                  "When the point exists: overwrite it, store under the next free id, or cancel "
-                  "(default: ask)")
-      ->check(CLI::IsMember({"ask", "overwrite", "next", "cancel"}));
-  command.sub.footer(
+void DeclareStoreCommand(Command& command) {
+  StoreOptions& options = command.Runs(RunStore);
+  command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
+  command.Add("ID", options.id, "Point id, at most 9 characters (a number in a numeric job)")
+      .Required();
+  command.Add("NORTHING", options.northing, "In the job's unit").Required();
+  command.Add("EASTING", options.easting, "In the job's unit").Required();
+  command.Add("ELEVATION", options.elevation, "In the job's unit").Required();
+  command.Add("DESCRIPTION", options.description,
+              "Free text, 31 bytes are kept in the coordinate file");
+  command
+      .Add("--existing", options.existing,
+           "When the point exists: overwrite it, store under the next free id, or cancel "
+           "(default: ask)")
+      .OneOf({"ask", "overwrite", "next", "cancel"});
+  command.Footer(
       "Ids are kept in upper case, with \"-\" and \",\" made \"_\". The point is journaled as SP.\n"
       "Example: tarvex store site.crd BM1 5184900 520300 1100.25 \"bench mark\"");
 }

@@ -1,6 +1,5 @@
 // tarvex systems: the coordinate systems to choose from, and the user's own.
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/coordinate_systems.h"
 #include "coordsys/definition/definition_check.h"
@@ -39,13 +38,13 @@ ExitCode PrintSystems(const SystemsOptions& options, CoordinateSystems& coordina
   const std::vector<NamedSystem> systems =
       options.own ? WithWords(catalogue.UserSystems(), part) : catalogue.Search(part);
   if (options.json) {
-    Json list = Json::array();
+    Json list = Json::EmptyList();
     for (const NamedSystem& system : systems) {
       Json item = {{"name", system.name},
                    {"definition", system.definition},
                    {"datum_shift_known", CoordinateSystems::KnowsDatumShift(system.definition)}};
       if (!system.area.empty()) item["area"] = system.area;
-      list.push_back(std::move(item));
+      list.Add(std::move(item));
     }
     program.console.Print(JsonText({{"systems", std::move(list)}}));
     return systems.empty() ? ExitCode::Failed : ExitCode::Done;
@@ -155,12 +154,9 @@ ExitCode RunSystems(const SystemsOptions& options, Program& program) {
 
 }  // namespace
 
-void AddSystemsCommand(CLI::App& app, Program& program) {
-  Command<SystemsOptions> command(app, program, "systems", "List coordinate systems, edit your own",
-                                  RunSystems);
-  SystemsOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.footer(
+void DeclareSystemsCommand(Command& command) {
+  SystemsOptions& options = command.Runs(RunSystems);
+  command.Footer(
       "Names are paths: COUNTRY/DATUM/ZONE. A system marked [needs --datum-shift] is on a "
       "datum\n"
       "whose way to WGS84 the catalogue does not know: name one when a job is made on it.\n"
@@ -168,29 +164,29 @@ void AddSystemsCommand(CLI::App& app, Program& program) {
       "         tarvex systems switzerland\n"
       "         tarvex systems EPSG:25832\n"
       "         tarvex systems --add \"SITE/Tunnel\" --definition tunnel.txt");
-  sub.add_option("TEXT", options.words,
-                 "Part of a name, words of a name or of the area where the system is used, or an "
-                 "EPSG code");
-  sub.add_flag("--own", options.own, "Only those of your own catalogue");
-  sub.add_flag("--json", options.json, "Print JSON, with the definition texts");
-  auto* add =
-      sub.add_option("--add", options.added, "Add a system under this name to your catalogue");
-  sub.add_option("--definition", options.definition, "File with its definition text")->needs(add);
-  auto* import =
-      sub.add_option(
-             "--import", options.imported,
-             "Take the systems of another catalogue (.csl, .sys), or those with TEXT in their "
-             "names, into yours")
-          ->excludes(add);
-  auto* rename =
-      sub.add_option("--rename", options.renamed, "Rename a system of your catalogue: OLD NEW")
-          ->expected(2)
-          ->excludes(add)
-          ->excludes(import);
-  sub.add_option("--remove", options.removed, "Remove a system from your catalogue")
-      ->excludes(add)
-      ->excludes(import)
-      ->excludes(rename);
+  command.Add("TEXT", options.words,
+              "Part of a name, words of a name or of the area where the system is used, or an "
+              "EPSG code");
+  command.AddFlag("--own", options.own, "Only those of your own catalogue");
+  command.AddFlag("--json", options.json, "Print JSON, with the definition texts");
+  const Option add =
+      command.Add("--add", options.added, "Add a system under this name to your catalogue");
+  command.Add("--definition", options.definition, "File with its definition text").Needs(add);
+  const Option import =
+      command
+          .Add("--import", options.imported,
+               "Take the systems of another catalogue (.csl, .sys), or those with TEXT in their "
+               "names, into yours")
+          .Excludes(add);
+  const Option rename =
+      command.Add("--rename", options.renamed, "Rename a system of your catalogue: OLD NEW")
+          .Values(2)
+          .Excludes(add)
+          .Excludes(import);
+  command.Add("--remove", options.removed, "Remove a system from your catalogue")
+      .Excludes(add)
+      .Excludes(import)
+      .Excludes(rename);
 }
 
 }  // namespace tarvex

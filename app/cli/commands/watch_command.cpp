@@ -3,8 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "app/cli/commands/command.h"
-#include "app/cli/commands/commands.h"
+#include "app/cli/command_line.h"
 #include "app/cli/correction_choice.h"
 #include "app/cli/receiver_choice.h"
 #include "app/cli/stream_log_name.h"
@@ -155,26 +154,24 @@ ExitCode RunWatch(const WatchOptions& options, Program& program) {
 
 }  // namespace
 
-void AddWatchCommand(CLI::App& app, Program& program) {
-  Command<WatchOptions> command(app, program, "watch", "Look at a receiver, live", RunWatch);
-  WatchOptions& options = *command.options;
-  CLI::App& sub = command.sub;
-  sub.footer(
+void DeclareWatchCommand(Command& command) {
+  WatchOptions& options = command.Runs(RunWatch);
+  command.Footer(
       "In a terminal the view is drawn anew with each position; otherwise each is a line.\n"
       "A link that is lost is opened again. Ctrl-C ends it. Precision is in metres.\n"
       "Examples:\n"
       "  tarvex watch serial:/dev/ttyUSB0@115200\n"
       "  tarvex watch file:site.nmea --count 10\n"
       "  tarvex watch tcp:192.168.1.20:9001 --corrections ntrip://me@caster.example:2101/MOUNT");
-  // The address is the one argument here, not an option.
-  sub.remove_option(AddReceiverOptions(sub, options.receiver));
-  sub.add_option("PORT", options.receiver.address,
-                 "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
-      ->required();
-  AddCorrectionOptions(sub, options.corrections);
-  sub.add_option("--log-stream", options.streamLog, kStreamLogHelp);
-  sub.add_option("--count", options.count, "End after so many positions (default: never)")
-      ->check(CLI::NonNegativeNumber);
+  AddReceiverSettings(command, options.receiver);
+  command
+      .Add("PORT", options.receiver.address,
+           "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
+      .Required();
+  AddCorrectionOptions(command, options.corrections);
+  command.Add("--log-stream", options.streamLog, kStreamLogHelp);
+  command.Add("--count", options.count, "End after so many positions (default: never)")
+      .NotNegative();
 }
 
 }  // namespace tarvex

@@ -1,0 +1,298 @@
+#include "app/cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <utility>
+
+#include "core/edit_distance.h"
+
+namespace tarvex {
+namespace {
+
+// The command whose words were read last: `tarvex road` is one, and `tarvex` itself.
+const CLI::App& Innermost(const CLI::App& app) {
+  const CLI::App* at = &app;
+  while (!at->get_subcommands().empty()) at = at->get_subcommands().back();
+  return *at;
+}
+
+// The help of one command, under the words that it is called by: App::help goes on to what was
+// read.
+std::string HelpOf(const CLI::App& command) {
+  std::string name = command.get_name();
+  for (const CLI::App* at = command.get_parent(); at != nullptr; at = at->get_parent()) {
+    name = at->get_name() + " " + name;
+  }
+  return command.get_formatter()->make_help(&command, name, CLI::AppFormatMode::Normal);
+}
+
+// " Did you mean collect?" of the name that is nearest to a word, when one is near.
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& names) {
+  std::string nearest;
+  std::size_t least = word.size() / 3 + 2;
+  for (const std::string& name : names) {
+    const std::size_t distance = EditDistance(word, name);
+    if (distance >= least) continue;
+    least = distance;
+    nearest = name;
+  }
+  return nearest.empty() ? "" : " Did you mean " + nearest + "?";
+}
+
+std::vector<CLI::App*> CommandsOf(CLI::App& app) {
+  return app.get_subcommands([](CLI::App*) { return true; });
+}
+
+std::vector<std::string> CommandNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(command->get_name());
+  }
+  return names;
+}
+
+CLI::App* FindCommand(CLI::App& app, const std::string& name) {
+  for (CLI::App* command : CommandsOf(app)) {
+    if (command->get_name() == name) return command;
+  }
+  return nullptr;
+}
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+// The words that a command does not know, in their order; what follows an unknown option is
+// probably its value.
+std::string UnknownWords(const CLI::App& command, const std::vector<std::string>& unknown) {
+  std::string text;
+  bool behindOption = false;
+  for (const std::string& word : unknown) {
+    const bool value = std::exchange(behindOption, word.starts_with("--"));
+    if (value && !word.starts_with('-')) continue;
+    text += (text.empty() ? "" : "\n");
+    if (word.starts_with("--")) {
+      text += "There is no option " + word + "." + DidYouMean(word, OptionNames(command));
+      continue;
+    }
+    text += "\"" + word + "\" is not expected here.";
+    if (word.starts_with('-')) {
+      text += " A value that begins with \"-\" and is not a number goes after \"--\".";
+    }
+  }
+  return text;
+}
+
+// What was wrong with the words of the command line, with what helps.
+std::string Explained(const CLI::App* app, const CLI::Error& error) {
+  constexpr const char* kMore = "\nRun with --help for more information.\n";
+  const std::vector<std::string> unknown = app->remaining(true);
+  const CLI::App& command = Innermost(*app);
+  const std::string what = error.what();
+  if (what == "A subcommand is required") {
+    if (unknown.empty()) return HelpOf(command) + "\nERROR: Say which of these commands.\n";
+    return "ERROR: There is no command \"" + unknown.front() + "\"." +
+           DidYouMean(unknown.front(), CommandNames(command)) + kMore;
+  }
+  return "ERROR: " + (unknown.empty() ? what : UnknownWords(command, unknown)) + kMore;
+}
+
+}  // namespace
+
+Option Option::Required() const {
+  option_->required();
+  return *this;
+}
+
+Option Option::InGroup(const std::string& heading) const {
+  option_->group(heading);
+  return *this;
+}
+
+Option Option::ValueName(const std::string& name) const {
+  option_->type_name(name);
+  return *this;
+}
+
+Option Option::OneOf(const std::vector<std::string>& words) const {
+  option_->check(CLI::IsMember(words));
+  return *this;
+}
+
+Option Option::Between(long long least, long long most) const {
+  option_->check(CLI::Range(least, most));
+  return *this;
+}
+
+Option Option::NotNegative() const {
+  option_->check(CLI::NonNegativeNumber);
+  return *this;
+}
+
+Option Option::Values(int least, int most) const {
+  option_->expected(least, most);
+  return *this;
+}
+
+Option Option::Repeatable() const {
+  option_->expected(1)->take_all();
+  return *this;
+}
+
+Option Option::Needs(Option other) const {
+  option_->needs(other.option_);
+  return *this;
+}
+
+Option Option::Excludes(Option other) const {
+  option_->excludes(other.option_);
+  return *this;
+}
+
+// The words of one run. A command is declared when its name was read, or its help is wanted: of
+// the twenty commands that there are, a run needs one.
+class CommandLine {
+ public:
+  CommandLine(const ProgramTitle& title, std::span<const CommandRow> commands, Program& program)
+      : app_(title.description, title.name), program_(program) {
+    app_.set_version_flag("-V,--version", title.version, "Show the version");
+    app_.set_help_flag("-h,--help", "Show this help");
+    app_.set_help_all_flag("--help-all", "Show the help of all commands");
+    app_.failure_message(Explained);
+    AddCommands(app_, commands);
+    AddHelpCommands(title.version);
+  }
+
+  ExitCode Run(const std::vector<std::string>& words) {
+    try {
+      app_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::ParseError& error) {
+      if (dynamic_cast<const CLI::CallForAllHelp*>(&error) != nullptr) DeclareAll(app_);
+      std::ostringstream output;
+      std::ostringstream errors;
+      const bool answered = app_.exit(error, output, errors) == 0;
+      program_.console.Print(output.str());
+      program_.console.PrintError(errors.str());
+      return answered ? ExitCode::Done : ExitCode::WrongUse;
+    }
+    return program_.exitCode;
+  }
+
+  void AddCommands(CLI::App& parent, std::span<const CommandRow> rows) {
+    parent.require_subcommand(1);
+    for (const CommandRow& row : rows) {
+      CLI::App* const app = parent.add_subcommand(row.name, row.summary);
+      toDeclare_[app] = &row;
+      app->preparse_callback([this, app](std::size_t) { Declare(*app); });
+    }
+  }
+
+  Program& program() { return program_; }
+
+ private:
+  void Declare(CLI::App& app) {
+    const auto row = toDeclare_.find(&app);
+    if (row == toDeclare_.end()) return;
+    const CommandRow& declared = *row->second;
+    toDeclare_.erase(row);
+    Command command(*this, app);
+    declared.declare(command);
+  }
+
+  void DeclareAll(CLI::App& app) {
+    Declare(app);
+    for (CLI::App* command : CommandsOf(app)) DeclareAll(*command);
+  }
+
+  // `tarvex help COMMAND`, `tarvex help` and `tarvex version`, as people type them elsewhere.
+  void AddHelpCommands(const std::string& version) {
+    CLI::App* const help = app_.add_subcommand("help", "Show the help of a command");
+    help->add_option("COMMAND", "The command, as in: tarvex help road stake");
+    help->allow_extras()->group("");
+    help->callback([this, help] {
+      std::vector<std::string> words = help->get_option("COMMAND")->results();
+      for (const std::string& word : help->remaining()) words.push_back(word);
+      PrintHelp(words);
+    });
+    CLI::App* const versionCommand = app_.add_subcommand("version", "Show the version");
+    versionCommand->group("");
+    versionCommand->callback([this, version] { program_.console.Print(version + "\n"); });
+  }
+
+  void PrintHelp(const std::vector<std::string>& words) {
+    CLI::App* of = &app_;
+    for (const std::string& word : words) {
+      CLI::App* const command = FindCommand(*of, word);
+      if (command == nullptr) {
+        (void)program_.Misuse("There is no command \"" + word + "\"." +
+                              DidYouMean(word, CommandNames(*of)));
+        return;
+      }
+      Declare(*command);
+      of = command;
+    }
+    program_.console.Print(HelpOf(*of));
+  }
+
+  CLI::App app_;
+  Program& program_;
+  std::map<CLI::App*, const CommandRow*> toDeclare_;
+};
+
+void Command::Commands(std::span<const CommandRow> rows) {
+  line_.AddCommands(app_, rows);
+}
+
+void Command::Footer(const std::string& text) {
+  app_.footer(text);
+}
+
+template <typename Value>
+Option Command::Add(const std::string& name, Value& value, const std::string& help) {
+  return Option(*app_.add_option(name, value, help));
+}
+
+template Option Command::Add(const std::string&, std::string&, const std::string&);
+template Option Command::Add(const std::string&, int&, const std::string&);
+template Option Command::Add(const std::string&, long long&, const std::string&);
+template Option Command::Add(const std::string&, std::uint32_t&, const std::string&);
+template Option Command::Add(const std::string&, std::size_t&, const std::string&);
+template Option Command::Add(const std::string&, double&, const std::string&);
+template Option Command::Add(const std::string&, std::optional<double>&, const std::string&);
+template Option Command::Add(const std::string&, std::optional<std::string>&, const std::string&);
+template Option Command::Add(const std::string&, std::vector<std::string>&, const std::string&);
+template Option Command::Add(const std::string&, std::vector<std::size_t>&, const std::string&);
+template Option Command::Add(const std::string&, std::vector<double>&, const std::string&);
+
+Option Command::AddFlag(const std::string& name, bool& value, const std::string& help) {
+  return Option(*app_.add_flag(name, value, help));
+}
+
+Option Command::AddRead(const std::string& name,
+                        std::function<std::string(const std::string& text)> take,
+                        const std::string& help) {
+  const auto read = [name, take = std::move(take)](const std::string& text) {
+    const std::string problem = take(text);
+    if (!problem.empty()) throw CLI::ValidationError(name, problem);
+  };
+  return Option(*app_.add_option_function<std::string>(name, read, help));
+}
+
+void Command::OnRun(std::function<ExitCode(Program&)> run) {
+  app_.callback(
+      [&program = line_.program(), run = std::move(run)] { program.exitCode = run(program); });
+}
+
+ExitCode RunCommandLine(const ProgramTitle& title, std::span<const CommandRow> commands,
+                        const std::vector<std::string>& words, Program& program) {
+  return CommandLine(title, commands, program).Run(words);
+}
+
+}  // namespace tarvex
