@@ -106,8 +106,8 @@ ProjectionRecord RecordOf(const Job& job) {
           R"(PROJCS["",GEOGCS["",DATUM["",SPHEROID["",6377397.155,299.1528128]]],PROJECTION[")") +
       job.projection + "\"]," + job.parameters + "]";
   ProjectionRecord record;
-  std::string compoundName;
-  ReadDefinition(definition, record, compoundName, nullptr);
+  DefinitionFacts facts;
+  ReadDefinition(definition, record, facts, nullptr);
   return record;
 }
 

@@ -10,28 +10,28 @@
 namespace tarvex {
 namespace {
 
-ProjectionRecord Read(std::string_view text, std::string& compoundName) {
+ProjectionRecord Read(std::string_view text, DefinitionFacts& facts) {
   ProjectionRecord record;
-  ReadDefinition(text, record, compoundName, nullptr);
+  ReadDefinition(text, record, facts, nullptr);
   return record;
 }
 
 void Run(std::string_view text) {
-  std::string compoundName;
-  (void)Read(text, compoundName);
+  DefinitionFacts facts;
+  (void)Read(text, facts);
   (void)CheckDefinition(text);
   const std::string line = OneLineDefinition(text);
-  const ProjectionRecord record = Read(line, compoundName);
-  const auto written = WriteDefinition(record, "name", compoundName);
+  const ProjectionRecord record = Read(line, facts);
+  const auto written = WriteDefinition(record, "name", facts.compoundName);
   if (!written) return;
-  std::string compoundAgain;
-  const ProjectionRecord again = Read(*written, compoundAgain);
-  const auto writtenAgain = WriteDefinition(again, "name", compoundAgain);
+  DefinitionFacts factsAgain;
+  const ProjectionRecord again = Read(*written, factsAgain);
+  const auto writtenAgain = WriteDefinition(again, "name", factsAgain.compoundName);
   if (!writtenAgain) std::abort();
   if (again.projectionType != record.projectionType) std::abort();
-  std::string compoundThird;
-  const ProjectionRecord third = Read(*writtenAgain, compoundThird);
-  if (!(WriteDefinition(third, "name", compoundThird) == writtenAgain)) std::abort();
+  DefinitionFacts factsThird;
+  const ProjectionRecord third = Read(*writtenAgain, factsThird);
+  if (!(WriteDefinition(third, "name", factsThird.compoundName) == writtenAgain)) std::abort();
 }
 
 }  // namespace

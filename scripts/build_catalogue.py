@@ -7,22 +7,30 @@
 
 import csv
 import pathlib
+import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TABLES = ROOT / "data" / "tables"
 CATALOGUE = ROOT / "data" / "Predef1.csl"
 ZONES = ROOT / "coordsys" / "catalogue" / "state_plane_table.cpp"
+FAMILIES = ROOT / "coordsys" / "projections" / "projection_families.cpp"
 
-PROJECTIONS = [
-    "Lambert_Conformal_Conic_2SP", "Transverse_Mercator", "Oblique_Stereographic",
-    "Lambert_Conformal_Conic_1SP", "Oblique_Mercator_83", "Stereographic",
-    "Transverse_Mercator_OSTN02", "Oblique_Stereographic_RD2000", "Oblique_Mercator_27",
-    "Transverse_Mercator_27", "Lambert_Conformal_Conic_27", "Transverse_Mercator_Alaska_27",
-    "Transverse_Mercator_34", "Cassini_Soldner", "Oblique_Mercator", "Oblique_Mercator_EOV",
-    "Oblique_Stereographic_RD2004",
-]
-LCC2, TM, STEREA, LCC1, HOM83, STERE, OSTN02, RD2000, HOM27, TM27, LCC27, ALASKA, S34, CASS, HOM, EOV, RD2004 = range(17)
+
+def projection_families():
+    """The rows of the program's table of families: its own name of a type to (number, definition name)."""
+    rows = re.findall(r'\{\.type = (\w+),\s+\.name = "([^"]+)"', FAMILIES.read_text(encoding="utf-8"))
+    return {family: (number, name) for number, (family, name) in enumerate(rows)}
+
+
+TYPES = projection_families()
+PROJECTIONS = [name for _, name in TYPES.values()]
+LCC2, LCC27, TM, TM27 = (TYPES[family][0] for family in (
+    "LambertConformalConic2SP", "LambertConformalConic27", "TransverseMercator", "TransverseMercator27"))
+LCC1, ALASKA, CASS, S34, OSTN02, RD2000, RD2004 = (TYPES[family][0] for family in (
+    "LambertConformalConic1SP", "TransverseMercatorAlaska27", "CassiniSoldner", "TransverseMercator34",
+    "TransverseMercatorOstn02", "ObliqueStereographicRd2000", "ObliqueStereographicRd2004"))
+HOM, HOM27, HOM83 = (TYPES[family][0] for family in ("ObliqueMercator", "ObliqueMercator27", "ObliqueMercator83"))
 
 # Datums that are realisations of ITRF to a metre or better, for which EPSG lists no shift to WGS 84.
 GEOCENTRIC = ("CGCS2000", "NAD83", "SRGI2013", "GDM2000", "CR-SIRGAS", "ONGD17", "REDGEOMIN", "SIRGAS")

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "coordsys/grids/national_grids.h"
+#include "coordsys/national_grids.h"
 #include "core/number_text.h"
 
 namespace tarvex {

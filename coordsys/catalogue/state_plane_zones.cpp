@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "coordsys/catalogue/state_plane_table.h"
+#include "coordsys/projections/projection_families.h"
 #include "core/text.h"
 
 namespace tarvex {
@@ -39,7 +40,7 @@ StatePlaneZone ZoneOf(StatePlaneDatum datum, const StatePlaneRow& row) {
   record.semiMajorM = nad83 ? 6378137.0 : 6378206.4;
   record.flattening = nad83 ? 1.0 / 298.257222101 : 1.0 / 294.978698213898;
   record.projectionType = row.projectionType;
-  record.projectionName.Assign(ProjectionName(row.projectionType).value_or(""));
+  record.projectionName.Assign(FamilyOf(row.projectionType).name);
   record.latitudeOfOrigin = record.latitudeOfCenter = row.latitudeOfOrigin;
   record.centralMeridian = record.longitudeOfCenter = row.centralMeridian;
   record.standardParallel1 = row.standardParallel1;

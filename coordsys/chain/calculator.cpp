@@ -80,16 +80,17 @@ std::string CalculationText(CalculationResult result, const CalculationReport& r
 
 int CTrgCalculator::ParseDefinition(std::string_view text, MessageBox* messages) {
   ProjectionRecord record = record_;
-  compoundName_.clear();
-  ReadDefinition(text, record, compoundName_, messages);
+  DefinitionFacts facts;
+  ReadDefinition(text, record, facts, messages);
   SetRecord(record);
+  compoundName_ = facts.compoundName;
+  givesShift_ = facts.givesShift;
   // A projection that is unknown, or not named, leaves the record's type as it was: it is not ours
   // to compute with.
   if (!ProjectionCode(record.projectionName.view())) {
     projection_.reset();
     fault_ = ProjectionFault::UnknownType;
   }
-  givesShift_ = text.substr(0, kDefinitionLimit).find("TOWGS84[") != std::string_view::npos;
   return 1;
 }
 
@@ -111,20 +112,14 @@ ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view
   return ZoneSelection::Selected;
 }
 
-bool CTrgCalculator::IsBritish() const {
-  return record_.projectionType == static_cast<int>(ProjectionType::TransverseMercatorOstn02);
+// True when the plane of projection stands for nothing without the family's national grid.
+bool CTrgCalculator::NeedsNationalGrid() const {
+  return FamilyOf(record_.projectionType).gridUse == NationalGridUse::OwnOrNone;
 }
 
 // True for a national projection whose grid nobody has handed in.
 bool CTrgCalculator::LacksNationalGrid() const {
-  switch (static_cast<ProjectionType>(record_.projectionType)) {
-    case ProjectionType::TransverseMercatorOstn02:
-    case ProjectionType::ObliqueStereographicRd2000:
-    case ProjectionType::ObliqueStereographicRd2004:
-      return !steps_.gridCorrection;
-    default:
-      return false;
-  }
+  return !steps_.gridCorrection && FamilyOf(record_.projectionType).TakesOwnGrid();
 }
 
 bool CTrgCalculator::NeedsDatumShift() const {
@@ -140,7 +135,7 @@ CalculationResult CTrgCalculator::State() const {
   if (!hasSystem_) return CalculationResult::NoSystem;
   if (!projection_) return CalculationResult::NotAvailable;
   if (NeedsDatumShift() && !steps_.datumShift) return CalculationResult::NoDatumShift;
-  if (IsBritish() && LacksNationalGrid()) return CalculationResult::NoGridCorrection;
+  if (NeedsNationalGrid() && !steps_.gridCorrection) return CalculationResult::NoGridCorrection;
   return CalculationResult::Done;
 }
 
@@ -171,8 +166,8 @@ CalculationResult CTrgCalculator::FromSystemDatum(Geodetic& position, Run& run) 
   return run.Take(*steps_.datumShift, outcome);
 }
 
-// The national grid, one way or the other. Without it the Dutch plane is 25 cm off, which is said;
-// the British plane is 100 m off and stands for nothing.
+// The national grid, one way or the other. A plane that is a little off without it is said to be
+// so; one that stands for nothing without it is refused.
 CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
                                               StepOutcome (GridCorrection::*way)(GridMetres&) const,
                                               Run& run) const {
@@ -185,7 +180,8 @@ CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
   const CalculationResult result = run.Take(*steps_.gridCorrection, outcome);
   if (result != CalculationResult::Done) return result;
   const bool uncorrected = outcome.status == StepStatus::LeftUndone;
-  return uncorrected && IsBritish() ? CalculationResult::StepRefused : CalculationResult::Done;
+  return uncorrected && NeedsNationalGrid() ? CalculationResult::StepRefused
+                                            : CalculationResult::Done;
 }
 
 // A WGS84 position on the system's datum, and its elevation.

@@ -23,6 +23,7 @@
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/message_box.h"
 #include "coordsys/projections/projection.h"
+#include "coordsys/projections/projection_families.h"
 #include "core/point.h"
 #include "core/units.h"
 
@@ -140,7 +141,7 @@ class CTrgCalculator {
   bool NeedsDatumShift() const;
   bool ShiftsDatum() const;
   bool LacksNationalGrid() const;
-  bool IsBritish() const;
+  bool NeedsNationalGrid() const;
   CalculationResult ToSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult FromSystemDatum(Geodetic& position, Run& run) const;
   CalculationResult OnDatum(const Geodetic& wgs84, Geodetic& position, double& elevationM,

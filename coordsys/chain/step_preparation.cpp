@@ -1,10 +1,12 @@
 #include "coordsys/chain/step_preparation.h"
 
 #include "coordsys/datum/datum_lie.h"
+#include "coordsys/datum/datum_route.h"
 #include "coordsys/datum/grid_shifts.h"
 #include "coordsys/datum/seven_parameter_shift.h"
 #include "coordsys/geoid/geoid_step.h"
 #include "coordsys/grids/plane_corrections.h"
+#include "coordsys/projections/projection_families.h"
 #include "core/string_table.h"
 #include "core/text.h"
 
@@ -13,6 +15,7 @@ namespace {
 
 constexpr int kCorrectionMissing = 4162;
 constexpr int kHungarianMissing = 1703;
+constexpr int kUnknownShift = 4163;
 constexpr int kDefinitionWithoutShift = 4164;
 constexpr int kBadParameters = 4165;
 constexpr int kShiftsItself = 4166;
@@ -26,43 +29,26 @@ bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
          EqualsIgnoringCase(text.substr(text.size() - end.size()), end);
 }
 
-// The names under which definitions of every origin carry the North American Datum of 1927; its
-// Canadian readjustments ("NAD27(76)", "... (CGQ77)") are other datums.
-bool IsNad27(const ProjectionRecord& record) {
-  std::string name;
-  for (const char c : record.datumName.view()) {
-    if (c != '_' && c != ' ') name += UpperCase(c);
-  }
-  for (const std::string_view known :
-       {"NAD27", "NAD1927", "NORTHAMERICANDATUM1927", "NORTHAMERICAN1927", "DNORTHAMERICAN1927",
-        "DNORTHAMERICANDATUM1927"}) {
-    if (name == known) return true;
-  }
-  return false;
-}
+// How the values of a correction's surfaces are taken.
+struct SurfaceGrid {
+  const NationalGrid* grid;
+  SurfaceSign sign;
+  SurfaceCurve curve;
+  int missingText;
+};
 
-bool IsNad27Family(const ProjectionRecord& record) {
-  return record.projectionType >= static_cast<int>(ProjectionType::ObliqueMercator27) &&
-         record.projectionType <= static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
-}
+constexpr SurfaceGrid kSurfaceGrids[] = {
+    {&kDutchGrid, SurfaceSign::TakenOff, SurfaceCurve::Cubic, kCorrectionMissing},
+    {&kHungarianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kHungarianMissing},
+    {&kBelgianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kCorrectionMissing},
+};
 
-// NAD27 goes by the converter on the zones of its own families, and wherever its definition gives
-// no numbers.
-bool TakesNadConverter(const ProjectionRecord& record) {
-  return IsNad27(record) && (IsNad27Family(record) || !HasDatumShift(record));
-}
-
-// These families take WGS84 positions: the closed library shifts the datum, or the national grid
-// does.
-bool ShiftsInside(const ProjectionRecord& record) {
-  switch (static_cast<ProjectionType>(record.projectionType)) {
-    case ProjectionType::TransverseMercatorOstn02:
-    case ProjectionType::TransverseMercator34:
-    case ProjectionType::ObliqueMercatorEov:
-      return true;
-    default:
-      return false;
+// The grid correction that a label stands for; null for another label.
+const NationalGrid* CorrectionOf(std::string_view label) {
+  for (const SurfaceGrid& known : kSurfaceGrids) {
+    if (known.grid->label == label) return known.grid;
   }
+  return nullptr;
 }
 
 // What the text of a correction calls its files.
@@ -83,7 +69,10 @@ std::vector<std::string> FilesOf(const NationalGrid& grid) {
 class StepPreparer {
  public:
   StepPreparer(const ProjectionRecord& record, const StepChoice& choice, const StepSources& sources)
-      : record_(record), choice_(choice), sources_(sources) {}
+      : record_(record),
+        family_(FamilyOf(record.projectionType)),
+        choice_(choice),
+        sources_(sources) {}
 
   PreparedSteps Prepare() {
     prepared_.steps.datumShift = ChooseShift();
@@ -114,32 +103,20 @@ class StepPreparer {
                                                  sources_.coordSys);
   }
 
-  // The national projections have one grid each, or none.
-  bool TakesCorrection(const std::string& label) const {
-    switch (static_cast<ProjectionType>(record_.projectionType)) {
-      case ProjectionType::TransverseMercatorOstn02:
-      case ProjectionType::TransverseMercator34:
-        return false;
-      case ProjectionType::ObliqueStereographicRd2000:
-      case ProjectionType::ObliqueStereographicRd2004:
-        return label == kDutchGridLabel;
-      case ProjectionType::ObliqueMercatorEov:
-        return label == kHungarianGridLabel;
-      default:
-        return true;
-    }
-  }
-
   std::shared_ptr<const DatumShift> ChooseShift() {
     const std::string& shift = choice_.shift;
-    const bool isCorrection =
-        shift == kDutchGridLabel || shift == kHungarianGridLabel || shift == kBelgianGridLabel;
-    if (!shift.empty() && !isCorrection && ShiftsInside(record_)) {
+    const NationalGrid* const correction = CorrectionOf(shift);
+    if (!shift.empty() && !correction && family_.datum == FamilyDatum::Wgs84) {
       return WrongChoice(Strings().Text(kShiftsItself));
     }
-    if (isCorrection && !TakesCorrection(shift)) {
+    if (correction && family_.Refuses(*correction)) {
       return WrongChoice(Strings().Text(kOtherGrid, {shift}));
     }
+    return shift.empty() || correction ? ShiftOfSystem() : NamedShift();
+  }
+
+  std::shared_ptr<const DatumShift> NamedShift() {
+    const std::string& shift = choice_.shift;
     const bool fromOldDatum = shift == kFrenchGridLabel || shift == kNadConverterLabel;
     if (fromOldDatum && StandsOnWgs84(record_)) {
       return WrongChoice(Strings().Text(kNothingToShift, {shift}));
@@ -149,13 +126,21 @@ class StepPreparer {
     if (shift == kNoShiftLabel) return std::make_shared<ChosenIdentity>();
     if (shift.starts_with(kSevenParameterLabel)) return ChosenSevenParameter();
     if (EndsWithIgnoringCase(shift, ".gsb")) return Ntv2();
-    if (!shift.empty() && !isCorrection) {
-      return WrongChoice(Strings().Text(4163, {shift}));
+    return WrongChoice(Strings().Text(kUnknownShift, {shift}));
+  }
+
+  std::shared_ptr<const DatumShift> ShiftOfSystem() {
+    switch (DatumRouteOf(record_, choice_.definitionGivesShift)) {
+      case DatumRoute::NadConverter:
+        return NadGrids();
+      case DatumRoute::SevenParameters:
+        return SevenParameter(SevenParametersOf(record_));
+      case DatumRoute::Coincident:
+      case DatumRoute::WithinProjection:
+      case DatumRoute::Unknown:
+        break;
     }
-    if (TakesNadConverter(record_)) return NadGrids();
-    if (HasDatumShift(record_)) return SevenParameter(SevenParametersOf(record_));
-    if (StandsOnWgs84(record_) || !choice_.definitionGivesShift) return nullptr;
-    return SevenParameter(SevenParametersOf(record_));
+    return nullptr;
   }
 
   // "TOWGS84" takes the definition's own numbers, "TOWGS84=..." the ones behind it.
@@ -205,36 +190,29 @@ class StepPreparer {
   }
 
   std::shared_ptr<const GridCorrection> ChooseCorrection() {
-    if (choice_.shift == kHungarianGridLabel) {
-      return Surfaces(kHungarianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear,
-                      kHungarianMissing);
+    const NationalGrid* grid = CorrectionOf(choice_.shift);
+    if (!grid && family_.TakesOwnGrid()) grid = family_.grid;
+    if (!grid) return nullptr;
+    for (const SurfaceGrid& surfaces : kSurfaceGrids) {
+      if (surfaces.grid == grid) return Surfaces(surfaces);
     }
-    if (choice_.shift == kBelgianGridLabel) {
-      return Surfaces(kBelgianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kCorrectionMissing);
-    }
-    const auto type = static_cast<ProjectionType>(record_.projectionType);
-    if (choice_.shift == kDutchGridLabel || type == ProjectionType::ObliqueStereographicRd2000 ||
-        type == ProjectionType::ObliqueStereographicRd2004) {
-      return Surfaces(kDutchGrid, SurfaceSign::TakenOff, SurfaceCurve::Cubic, kCorrectionMissing);
-    }
-    if (type == ProjectionType::TransverseMercatorOstn02) return British();
-    return nullptr;
+    return British();
   }
 
   // East, north and, when there is a third file, height.
-  std::shared_ptr<const GridCorrection> Surfaces(const NationalGrid& grid, SurfaceSign sign,
-                                                 SurfaceCurve curve, int missingReason) {
-    const std::vector<std::string> files = FilesOf(grid);
+  std::shared_ptr<const GridCorrection> Surfaces(const SurfaceGrid& how) {
+    const std::vector<std::string> files = FilesOf(*how.grid);
     GridSurface surfaces[3];
     for (std::size_t i = 0; i < files.size(); ++i) {
       const GridStatus status =
           GridSurface::Load(sources_.files, PathOf(files[i]), sources_.progress, surfaces[i]);
-      if (!status.ok()) return Missing(status, missingReason);
+      if (!status.ok()) return Missing(status, how.missingText);
     }
     std::optional<GridSurface> height;
     if (files.size() == 3) height = std::move(surfaces[2]);
     return std::make_shared<SurfaceCorrection>(std::move(surfaces[0]), std::move(surfaces[1]),
-                                               std::move(height), sign, curve, Names(files));
+                                               std::move(height), how.sign, how.curve,
+                                               Names(files));
   }
 
   std::shared_ptr<const GridCorrection> British() {
@@ -264,17 +242,13 @@ class StepPreparer {
   }
 
   const ProjectionRecord& record_;
+  const ProjectionFamily& family_;
   const StepChoice& choice_;
   const StepSources& sources_;
   PreparedSteps prepared_;
 };
 
 }  // namespace
-
-bool ShiftIsKnown(const ProjectionRecord& record, bool definitionGivesShift) {
-  return definitionGivesShift || HasDatumShift(record) || StandsOnWgs84(record) ||
-         TakesNadConverter(record) || ShiftsInside(record);
-}
 
 PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,
                            const StepSources& sources) {

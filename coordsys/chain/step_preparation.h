@@ -10,9 +10,9 @@
 //   a datum that stands on WGS84                         none is needed
 //   any other                                            none: the calculator refuses to convert
 //
-// The grid correction by projection type, or by the label that the job names:
-//   type 6                          "ostn02_x.bin", "ostn02_y.bin"
-//   types 7 and 16, "NADCON"        "X2c.grd", "Y2c.grd", cubic, taken off
+// The grid correction that the job names by its label, else the projection family's own:
+//   the British family              "ostn02_x.bin", "ostn02_y.bin"
+//   the Dutch families, "NADCON"    "X2c.grd", "Y2c.grd", cubic, taken off
 //   "VITEL"                         "HungarianEOV_dEast.grd", "..._dNorth.grd", "..._dHeight.grd"
 //   "Belge 1972 - xyGridLb72"       "Belgium72_dEast.grd", "Belgium72_dNorth.grd"
 //
@@ -28,13 +28,13 @@
 #include "coordsys/closed/closed_library.h"
 #include "coordsys/datum/nad_converter.h"
 #include "coordsys/grids/load_progress.h"
-#include "coordsys/grids/national_grids.h"
+#include "coordsys/national_grids.h"
 #include "coordsys/run_messages.h"
 #include "platform/file.h"
 
 namespace tarvex {
 
-/// The labels under which shifts are chosen, beside those of coordsys/grids/national_grids.h.
+/// The labels under which shifts are chosen, beside those of coordsys/national_grids.h.
 inline constexpr std::string_view kNadConverterLabel = "NAD27";
 inline constexpr std::string_view kSevenParameterLabel = "TOWGS84";
 inline constexpr std::string_view kNoShiftLabel = "NONE";
@@ -65,10 +65,6 @@ struct PreparedSteps {
   std::vector<std::string> problems;  ///< sentences; empty when every file was found
   std::string wrongChoice;            ///< why the shift that was named is none; a sentence
 };
-
-/// True when positions find from WGS84 to the record's datum without a shift being named: it stands
-/// on WGS84, its definition gives the shift, or a library knows it.
-bool ShiftIsKnown(const ProjectionRecord& record, bool definitionGivesShift);
 
 PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,
                            const StepSources& sources);

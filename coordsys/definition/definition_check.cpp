@@ -6,10 +6,11 @@
 #include <optional>
 #include <span>
 
-#include "coordsys/chain/step_preparation.h"
+#include "coordsys/datum/datum_route.h"
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/definition/definition_tree.h"
 #include "coordsys/definition/parameter_keywords.h"
+#include "coordsys/projections/projection_families.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "core/text.h"
@@ -21,44 +22,6 @@ using Kind = DefinitionIssueKind;
 using Issues = std::vector<DefinitionIssue>;
 
 constexpr int kFirstText = 4000;  // the texts stand in the order of the kinds
-
-// The names of which a projection needs one each; an alternative stands behind "|".
-constexpr std::string_view kOrigin[] = {"latitude_of_origin|latitude_of_center",
-                                        "central_meridian|longitude_of_center", "false_easting",
-                                        "false_northing"};
-constexpr std::string_view kScaled[] = {"scale_factor"};
-constexpr std::string_view kParallels[] = {"standard_parallel_1|standard_parallel1",
-                                           "standard_parallel_2|standard_parallel2"};
-constexpr std::string_view kOblique[] = {"azimuth", "scale_factor"};
-constexpr std::string_view kAlaska[] = {"C|T3|L3|false_easting", "CM|T2|L2|central_meridian"};
-constexpr std::string_view kDanish[] = {"denmark_area"};
-
-struct Needs {
-  std::span<const std::string_view> origin;
-  std::span<const std::string_view> others;
-};
-
-Needs NeedsOf(ProjectionType type) {
-  switch (type) {
-    case ProjectionType::LambertConformalConic2SP:
-    case ProjectionType::LambertConformalConic27:
-      return {kOrigin, kParallels};
-    case ProjectionType::ObliqueMercator83:
-    case ProjectionType::ObliqueMercator27:
-    case ProjectionType::ObliqueMercator:
-      return {kOrigin, kOblique};
-    case ProjectionType::TransverseMercatorAlaska27:
-      return {{}, kAlaska};
-    case ProjectionType::TransverseMercator34:
-      return {{}, kDanish};
-    case ProjectionType::CassiniSoldner:
-      return {kOrigin, {}};
-    case ProjectionType::ObliqueMercatorEov:
-      return {{}, {}};
-    default:
-      return {kOrigin, kScaled};
-  }
-}
 
 bool HasParameter(const DefinitionNode& system, std::string_view name) {
   for (const DefinitionNode& node : system.nodes) {
@@ -167,21 +130,18 @@ void CheckProjection(const DefinitionNode& system, Issues& issues) {
   }
   CheckUnits(system, issues);
   CheckAxes(system, issues);
-  if (type) {
-    const Needs needs = NeedsOf(*type);
-    CheckNeeds(system, needs.origin, issues);
-    CheckNeeds(system, needs.others, issues);
-  }
+  if (type) CheckNeeds(system, FamilyOf(static_cast<int>(*type)).parameters, issues);
   CheckParameters(system, issues);
 }
 
-void CheckDatumShift(const DefinitionNode& system, std::string_view text, Issues& issues) {
+void CheckDatumShift(std::string_view text, Issues& issues) {
   ProjectionRecord record;
-  std::string compoundName;
-  ReadDefinition(text, record, compoundName, nullptr);
+  DefinitionFacts facts;
+  ReadDefinition(text, record, facts, nullptr);
   if (record.semiMajorM == 0.0) return;  // nothing is known about the datum, which was told
-  const bool given = system.Find("TOWGS84") != nullptr;
-  if (!ShiftIsKnown(record, given)) issues.push_back({Kind::NoDatumShift, ""});
+  if (DatumRouteOf(record, facts.givesShift) == DatumRoute::Unknown) {
+    issues.push_back({Kind::NoDatumShift, ""});
+  }
 }
 
 void CheckShiftNumbers(const DefinitionNode& system, Issues& issues) {
@@ -196,6 +156,14 @@ void CheckShiftNumbers(const DefinitionNode& system, Issues& issues) {
   for (const std::string_view value : values)
     text += (text.empty() ? "" : ",") + std::string(value);
   issues.push_back({Kind::DatumShiftNumbers, "TOWGS84[" + text + "]"});
+}
+
+void CheckEastings(const DefinitionNode& system, Issues& issues) {
+  const DefinitionNode* projection = system.Child("PROJECTION");
+  const auto type = projection ? ProjectionCode(projection->Value(0)) : std::nullopt;
+  if (type && FamilyOf(static_cast<int>(*type)).eastingsGrowWest) {
+    issues.push_back({Kind::WestwardEastings, ""});
+  }
 }
 
 void CheckDatum(const DefinitionNode& system, Issues& issues) {
@@ -228,12 +196,9 @@ std::vector<DefinitionIssue> CheckDefinition(std::string_view text) {
   }
   CheckDatum(*system, issues);
   CheckProjection(*system, issues);
-  CheckDatumShift(*system, line, issues);
+  CheckDatumShift(line, issues);
   CheckShiftNumbers(*system, issues);
-  const DefinitionNode* projection = system->Child("PROJECTION");
-  if (projection && projection->Value(0) == "Transverse_Mercator_34") {
-    issues.push_back({Kind::WestwardEastings, ""});
-  }
+  CheckEastings(*system, issues);
   return issues;
 }
 

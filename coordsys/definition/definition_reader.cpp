@@ -4,6 +4,7 @@
 
 #include "coordsys/definition/definition_scanner.h"
 #include "coordsys/definition/parameter_keywords.h"
+#include "coordsys/projections/projection_families.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "core/text.h"
@@ -48,13 +49,15 @@ void ReadSpheroid(DefinitionScanner& scanner, ProjectionRecord& record) {
   if (inverseFlattening) record.flattening = 1.0 / LeadingDouble(*inverseFlattening);
 }
 
-void ReadToWgs84(std::string_view rest, ProjectionRecord& record) {
+// True when the list is there.
+bool ReadToWgs84(std::string_view rest, ProjectionRecord& record) {
   const std::size_t at = rest.find("TOWGS84");
-  if (at == std::string_view::npos) return;
+  if (at == std::string_view::npos) return false;
   DefinitionScanner scanner(rest.substr(at));
-  if (!scanner.Pass('[')) return;
+  const bool bracketed = scanner.AtStartOf("TOWGS84[");
+  if (!scanner.Pass('[')) return false;
   const auto list = scanner.Take(']');
-  if (!list) return;
+  if (!list) return false;
 
   double* const fields[] = {&record.shiftDx, &record.shiftDy, &record.shiftDz,   &record.shiftRx,
                             &record.shiftRy, &record.shiftRz, &record.shiftScale};
@@ -66,6 +69,7 @@ void ReadToWgs84(std::string_view rest, ProjectionRecord& record) {
     *fields[i] = rotation ? value * -1.0 : value;
     numbers.remove_prefix(comma == std::string_view::npos ? numbers.size() : comma + 1);
   }
+  return bracketed;
 }
 
 // Walks the comma-separated items to "PROJECTION" and reads its name; false when there is none.
@@ -110,15 +114,16 @@ void TellUnknownProjection(const ProjectionRecord& record, MessageBox* messages)
 
 }  // namespace
 
-int ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compoundName,
+int ReadDefinition(std::string_view text, ProjectionRecord& record, DefinitionFacts& facts,
                    MessageBox* messages) {
   DefinitionScanner scanner(text.substr(0, kDefinitionLimit));
-  ReadCompoundName(scanner, compoundName);
+  facts.givesShift = false;
+  ReadCompoundName(scanner, facts.compoundName);
   if (!scanner.WalkInto("PROJCS") || !scanner.WalkInto("DATUM")) return 1;
   ReadDatum(scanner, record);
   if (!scanner.WalkInto("SPHEROID")) return 1;
   ReadSpheroid(scanner, record);
-  ReadToWgs84(scanner.rest(), record);
+  facts.givesShift = ReadToWgs84(scanner.rest(), record);
 
   const bool projectionSeen = ReadProjectionName(scanner, record);
   ReadParameters(scanner, record);
@@ -130,8 +135,7 @@ int ReadDefinition(std::string_view text, ProjectionRecord& record, std::string&
   } else {
     TellUnknownProjection(record, messages);
   }
-  constexpr int kAlaska = static_cast<int>(ProjectionType::TransverseMercatorAlaska27);
-  if (record.projectionType == kAlaska) record.coefficients[0] = record.coefficients[2];
+  if (const auto settle = FamilyOf(record.projectionType).settle) settle(record);
   record.ellipsoidCode = kUserEllipsoid;
   return 1;
 }

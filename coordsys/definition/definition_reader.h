@@ -18,11 +18,19 @@ namespace tarvex {
 /// How much of a definition is read.
 inline constexpr std::size_t kDefinitionLimit = 2048;
 
-/// Fills `record` from the text, and `compoundName` when it is a COMPD_CS. The text is matched as
-/// it stands: line breaks and blanks between its items belong to OneLineDefinition. An unknown
-/// projection name leaves the projection type as it was and is told through `messages`, unless
-/// that is null. Returns 1, whatever the text gives.
-int ReadDefinition(std::string_view text, ProjectionRecord& record, std::string& compoundName,
+/// What a text says beside the record.
+struct DefinitionFacts {
+  std::string compoundName;  ///< of a COMPD_CS, else as it was
+  /// The text says how its datum lies against WGS84 (TOWGS84), be it with zeros. Without it the
+  /// record's shift is what it was before.
+  bool givesShift = false;
+};
+
+/// Fills `record` and `facts` from the text. The text is matched as it stands: line breaks and
+/// blanks between its items belong to OneLineDefinition. An unknown projection name leaves the
+/// projection type as it was and is told through `messages`, unless that is null. Returns 1,
+/// whatever the text gives.
+int ReadDefinition(std::string_view text, ProjectionRecord& record, DefinitionFacts& facts,
                    MessageBox* messages);
 
 /// A pasted text or a file as the reader takes it: without line breaks and blanks outside its

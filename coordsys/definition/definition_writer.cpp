@@ -7,6 +7,7 @@
 
 #include "coordsys/datum/datum_lie.h"
 #include "coordsys/definition/definition_reader.h"
+#include "coordsys/projections/projection_families.h"
 #include "core/number_text.h"
 #include "core/text.h"
 
@@ -74,25 +75,12 @@ void AppendUnlessZero(std::string& out, std::string_view keyword, double value) 
   if (value != 0.0) AppendParameter(out, keyword, value);
 }
 
-// "azimuth" where the shared field means one.
-std::string_view SecondParallelKeyword(int projectionType) {
-  switch (static_cast<ProjectionType>(projectionType)) {
-    case ProjectionType::ObliqueMercator83:
-    case ProjectionType::ObliqueMercator27:
-    case ProjectionType::ObliqueMercator:
-    case ProjectionType::ObliqueMercatorEov:
-      return "azimuth";
-    default:
-      return "standard_parallel_2";
-  }
-}
-
 std::string Parameters(const ProjectionRecord& record) {
   std::string text;
   AppendParameter(text, "latitude_of_origin", record.latitudeOfOrigin);
   AppendParameter(text, "central_meridian", record.centralMeridian);
   AppendUnlessZero(text, "standard_parallel_1", record.standardParallel1);
-  AppendUnlessZero(text, SecondParallelKeyword(record.projectionType),
+  AppendUnlessZero(text, FamilyOf(record.projectionType).parallel2Keyword,
                    record.standardParallel2OrAzimuth);
   AppendUnlessZero(text, "rectified_grid_angle", record.rectifiedGridAngle);
   AppendUnlessZero(text, "scale_factor", record.scaleFactor);

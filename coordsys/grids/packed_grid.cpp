@@ -1,8 +1,8 @@
 #include "coordsys/grids/packed_grid.h"
 
 #include "coordsys/grids/gr3df97a_grid.h"
-#include "coordsys/grids/national_grids.h"
 #include "coordsys/grids/ostn02_grid.h"
+#include "coordsys/national_grids.h"
 
 namespace tarvex {
 namespace {

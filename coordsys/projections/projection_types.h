@@ -1,8 +1,6 @@
-// The projection families: the code that a record stores and the name that a definition carries.
+// The numbers of the projection families, which a record stores. What a family is beside its number
+// is its row in projection_families.cpp.
 #pragma once
-
-#include <optional>
-#include <string_view>
 
 namespace tarvex {
 
@@ -25,14 +23,5 @@ enum class ProjectionType : int {
   ObliqueMercatorEov = 15,
   ObliqueStereographicRd2004 = 16,
 };
-
-inline constexpr int kProjectionTypes = 17;
-
-/// The name written into definitions; nothing for a code outside 0 to 16.
-std::optional<std::string_view> ProjectionName(int code);
-
-/// The type of a name, letter case kept; "Oblique_Stereographic (Double)" and
-/// "Double_Stereographic" are read as Oblique_Stereographic. Nothing for an unknown name.
-std::optional<ProjectionType> ProjectionCode(std::string_view name);
 
 }  // namespace tarvex

@@ -10,7 +10,7 @@
 
 #include "coordsys/closed/nad_converter_interface.h"
 #include "coordsys/grids/nadcon_grid.h"
-#include "coordsys/grids/national_grids.h"
+#include "coordsys/national_grids.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "coordsys/projections/projection_types.h"
+#include "coordsys/projections/projection_families.h"
 #include "tests/app/program_run.h"
 #include "tests/support/british_text.h"
 
@@ -95,7 +95,10 @@ const Site kSites[] = {
      {52.1, 5.4},
      {{456861.6151 + 0.25, 155876.8088 - 0.125}}},
 };
-static_assert(std::size(kSites) == kProjectionTypes);
+
+TEST(EveryProjectionFamily, HasASite) {
+  EXPECT_EQ(std::size(kSites), ProjectionFamilies().size());
+}
 
 // An epoch of a receiver that stands at the place, 200 m above the ellipsoid.
 std::string Epoch(Place place) {

@@ -4,8 +4,6 @@
 
 #include <cmath>
 
-#include "coordsys/projections/projection_types.h"
-
 namespace tarvex {
 namespace {
 
@@ -42,26 +40,6 @@ TEST(Ellipsoids, TableAgreesWithPublishedDefinitions) {
     EXPECT_EQ(LookUp(c.code).semiMajorM, c.semiMajorM) << c.code;
     EXPECT_NEAR(LookUp(c.code).flattening, 1.0 / c.inverseFlattening, 1.5e-12) << c.code;
   }
-}
-
-TEST(ProjectionTypes, NamesAndCodesAreEachOthersInverse) {
-  for (int code = 0; code < kProjectionTypes; ++code) {
-    const auto name = ProjectionName(code);
-    ASSERT_TRUE(name);
-    EXPECT_EQ(static_cast<int>(ProjectionCode(*name).value()), code);
-  }
-  EXPECT_FALSE(ProjectionName(-1));
-  EXPECT_FALSE(ProjectionName(17));
-}
-
-TEST(ProjectionTypes, AliasesAreReadAndLetterCaseCounts) {
-  EXPECT_EQ(ProjectionCode("Oblique_Stereographic (Double)"), ProjectionType::ObliqueStereographic);
-  EXPECT_EQ(ProjectionCode("Double_Stereographic"), ProjectionType::ObliqueStereographic);
-  EXPECT_EQ(ProjectionName(2), "Oblique_Stereographic");
-  EXPECT_EQ(static_cast<int>(ProjectionCode("Oblique_Stereographic_RD2004").value()), 16);
-  EXPECT_FALSE(ProjectionCode("transverse_mercator"));
-  EXPECT_FALSE(ProjectionCode("Transverse_Mercator "));
-  EXPECT_FALSE(ProjectionCode(""));
 }
 
 }  // namespace

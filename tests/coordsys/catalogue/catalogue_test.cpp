@@ -135,11 +135,11 @@ TEST(PredefinedCatalogue, EverySystemCanBeMadeAndWrittenBack) {
   for (const NamedSystem& system : systems) {
     EXPECT_TRUE(names.insert(LowerCase(system.name)).second) << system.name << " twice";
     ProjectionRecord record;
-    std::string compoundName;
-    ReadDefinition(system.definition, record, compoundName, nullptr);
+    DefinitionFacts facts;
+    ReadDefinition(system.definition, record, facts, nullptr);
     EXPECT_EQ(MakeProjection(record).fault, ProjectionFault::None) << system.name;
     ProjectionRecord back;
-    ReadDefinition(WriteDefinition(record, "x").value_or(""), back, compoundName, nullptr);
+    ReadDefinition(WriteDefinition(record, "x").value_or(""), back, facts, nullptr);
     EXPECT_EQ(back, record) << system.name;
   }
   for (const std::string_view name :
@@ -182,8 +182,8 @@ TEST(StatePlaneZones, AgreeWithTheCatalogue) {
         const auto listed = catalogue.Find(zone->name);
         ASSERT_TRUE(listed) << zone->name;
         ProjectionRecord record = zone->record;
-        std::string compoundName;
-        ReadDefinition(listed->definition, record, compoundName, nullptr);
+        DefinitionFacts facts;
+        ReadDefinition(listed->definition, record, facts, nullptr);
         record.datumName = zone->record.datumName;
         record.shiftDx = record.shiftDy = record.shiftDz = 0.0;
         EXPECT_EQ(record, zone->record) << zone->name;

@@ -9,6 +9,7 @@
 #include "coordsys/chain/step_preparation.h"
 #include "coordsys/closed/nad_converter_interface.h"
 #include "coordsys/closed/seven_parameter_interface.h"
+#include "coordsys/datum/datum_route.h"
 #include "coordsys/datum/seven_parameter_shift.h"
 #include "coordsys/grids/gr3df97a_grid.h"
 #include "core/string_table.h"
@@ -295,16 +296,20 @@ TEST(StepPreparation, ChoosesTheDatumShift) {
   }
 }
 
+bool KnowsShift(const ProjectionRecord& record, bool definitionGivesShift) {
+  return DatumRouteOf(record, definitionGivesShift) != DatumRoute::Unknown;
+}
+
 // Zeros in a definition are a shift; no numbers are none. An intermediate frame lies elsewhere than
 // its ellipsoid says.
 TEST(StepPreparation, KnowsWhichDatumsNeedAChoice) {
   const auto utm = ProjectionType::TransverseMercator;
-  EXPECT_TRUE(ShiftIsKnown(RecordOf(utm, "NAD83", kGrs80), false));
-  EXPECT_TRUE(ShiftIsKnown(RecordOf(utm, "NAD27", kClarke1866), false));
-  EXPECT_TRUE(ShiftIsKnown(RecordOf(utm, "Xian 1980", kBessel), true));
-  EXPECT_FALSE(ShiftIsKnown(RecordOf(utm, "Xian 1980", kBessel), false));
-  EXPECT_FALSE(ShiftIsKnown(RecordOf(utm, "IG05 Intermediate Datum", kGrs80), false));
-  EXPECT_TRUE(ShiftIsKnown(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel), false));
+  EXPECT_TRUE(KnowsShift(RecordOf(utm, "NAD83", kGrs80), false));
+  EXPECT_TRUE(KnowsShift(RecordOf(utm, "NAD27", kClarke1866), false));
+  EXPECT_TRUE(KnowsShift(RecordOf(utm, "Xian 1980", kBessel), true));
+  EXPECT_FALSE(KnowsShift(RecordOf(utm, "Xian 1980", kBessel), false));
+  EXPECT_FALSE(KnowsShift(RecordOf(utm, "IG05 Intermediate Datum", kGrs80), false));
+  EXPECT_TRUE(KnowsShift(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel), false));
 
   Sources sources;
   // Type 12 and 15 shift inside: a choice would do nothing, and is refused.

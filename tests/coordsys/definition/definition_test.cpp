@@ -6,6 +6,7 @@
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/definition/definition_writer.h"
 #include "coordsys/message_box.h"
+#include "coordsys/projections/projection_families.h"
 #include "core/text.h"
 
 namespace tarvex {
@@ -25,8 +26,8 @@ constexpr std::string_view kTexas =
     R"(UNIT["metre",1]]])";
 
 ProjectionRecord Read(std::string_view text, ProjectionRecord record = {}) {
-  std::string compoundName;
-  ReadDefinition(text, record, compoundName, nullptr);
+  DefinitionFacts facts;
+  ReadDefinition(text, record, facts, nullptr);
   return record;
 }
 
@@ -49,9 +50,9 @@ struct ShownMessages : MessageBox {
 TEST(DefinitionReader, ReadsEveryPartOfACompoundDefinition) {
   ProjectionRecord record;
   record.ellipsoidCode = 4;
-  std::string compoundName;
-  ReadDefinition(kTexas, record, compoundName, nullptr);
-  EXPECT_EQ(compoundName, "Texas with heights");
+  DefinitionFacts facts;
+  ReadDefinition(kTexas, record, facts, nullptr);
+  EXPECT_EQ(facts.compoundName, "Texas with heights");
   EXPECT_EQ(record.datumName.view(), "North_American_Datum_1983");
   EXPECT_EQ(record.ellipsoidName.view(), "GRS 1980");
   EXPECT_EQ(record.ellipsoidCode, 999);
@@ -161,16 +162,16 @@ TEST(DefinitionReader, TheEllipsoidAsVerticalDatumClearsTheName) {
 TEST(DefinitionReader, AnUnknownProjectionIsToldAndChangesNoType) {
   ProjectionRecord record;
   record.projectionType = 5;
-  std::string compoundName;
+  DefinitionFacts facts;
   ShownMessages messages;
   const std::string text = With("Krovak", R"(,PARAMETER["scale_factor",0.9])");
-  ReadDefinition(text, record, compoundName, &messages);
+  ReadDefinition(text, record, facts, &messages);
   ASSERT_EQ(messages.shown.size(), 1U);
   EXPECT_THAT(messages.shown[0].second, testing::HasSubstr("\"Krovak\""));
   EXPECT_EQ(record.projectionType, 5);
   EXPECT_EQ(record.scaleFactor, 0.9);
   EXPECT_EQ(record.ellipsoidCode, 999);
-  ReadDefinition(With("Double_Stereographic", ""), record, compoundName, &messages);
+  ReadDefinition(With("Double_Stereographic", ""), record, facts, &messages);
   EXPECT_EQ(messages.shown.size(), 1U);
   EXPECT_EQ(record.projectionType, 2);
 }
@@ -209,10 +210,10 @@ TEST(DefinitionWriter, WhatItWritesReadsBackTheSame) {
   const auto text = WriteDefinition(texas, "Texas", "Texas, \"with\" heights");
   ASSERT_TRUE(text);
   ProjectionRecord back;
-  std::string compoundName;
-  ReadDefinition(*text, back, compoundName, nullptr);
+  DefinitionFacts facts;
+  ReadDefinition(*text, back, facts, nullptr);
   EXPECT_EQ(back, texas);
-  EXPECT_EQ(compoundName, "Texas; 'with' heights");
+  EXPECT_EQ(facts.compoundName, "Texas; 'with' heights");
   EXPECT_THAT(*text, testing::HasSubstr("6378137,298.257222101]"));
 }
 
@@ -222,15 +223,15 @@ TEST(DefinitionWriter, RandomRecordsReadBackTheSame) {
   std::mt19937 random(seed);
   std::uniform_real_distribution<double> number(-1e7, 1e7);
   std::uniform_real_distribution<double> inverseFlattening(250.0, 350.0);
-  for (int type = 0; type < kProjectionTypes; ++type) {
+  for (const ProjectionFamily& family : ProjectionFamilies()) {
     for (int round = 0; round < 50; ++round) {
       ProjectionRecord record;
       record.datumName.Assign("Datum " + std::to_string(round));
       record.ellipsoidName.Assign("Ellipsoid");
       record.semiMajorM = number(random);
       record.flattening = 1.0 / inverseFlattening(random);
-      record.projectionType = type;
-      record.projectionName.Assign(*ProjectionName(type));
+      record.projectionType = static_cast<int>(family.type);
+      record.projectionName.Assign(family.name);
       for (double ProjectionRecord::*field :
            {&ProjectionRecord::shiftDx, &ProjectionRecord::shiftDy, &ProjectionRecord::shiftDz,
             &ProjectionRecord::shiftRx, &ProjectionRecord::shiftRy, &ProjectionRecord::shiftRz,

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "coordsys/catalogue/grid_file_info.h"
-#include "coordsys/grids/national_grids.h"
+#include "coordsys/national_grids.h"
 #include "tests/coordsys/case_table.h"
 #include "tests/support/memory_files.h"
 

@@ -21,9 +21,8 @@ constexpr double kFootM = kUsFeetToMetres;
 MadeProjection Catalogued(std::string_view name) {
   const SystemCatalogue catalogue(SystemFiles(), TARVEX_DATA_FOLDER);
   ProjectionRecord record;
-  std::string compoundName;
-  ReadDefinition(catalogue.Find(name).value_or(NamedSystem{}).definition, record, compoundName,
-                 nullptr);
+  DefinitionFacts facts;
+  ReadDefinition(catalogue.Find(name).value_or(NamedSystem{}).definition, record, facts, nullptr);
   return MakeProjection(record);
 }
 

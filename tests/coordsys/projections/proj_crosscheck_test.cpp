@@ -153,8 +153,8 @@ double GreatestDifference(const Projection& projection, const Oracle& oracle, co
 
 MadeProjection Make(const std::string& definition) {
   ProjectionRecord record;
-  std::string compoundName;
-  ReadDefinition(definition, record, compoundName, nullptr);
+  DefinitionFacts facts;
+  ReadDefinition(definition, record, facts, nullptr);
   return MakeProjection(record);
 }
 

@@ -23,8 +23,8 @@ double Distance(double latitudeDeg, double longitudeDeg, const LatLon& position)
 
 void Check(const GeodesyCase& c) {
   ProjectionRecord record;
-  std::string compoundName;
-  ReadDefinition(c.definition, record, compoundName, nullptr);
+  DefinitionFacts facts;
+  ReadDefinition(c.definition, record, facts, nullptr);
   const MadeProjection made = MakeProjection(record);
   ASSERT_TRUE(made.projection) << c.where << ": fault " << static_cast<int>(made.fault);
   if (c.forward) {
