@@ -12,6 +12,41 @@ double Polynomial(double n, int lowestPower, const double (&coefficients)[N]) {
   return sum;
 }
 
+PowerSeries ProductOf(const PowerSeries& a, const PowerSeries& b) {
+  PowerSeries product = {};
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    for (std::size_t j = 0; i + j < a.size(); ++j) product[i + j] += a[i] * b[j];
+  }
+  return product;
+}
+
+// With w = e atanh(e sin phi) the conformal latitude has the tangent (sin phi cosh w - sinh w) over
+// cos phi. Returned is cosh w - 1 - sinh w / sin phi, in powers of sin^2 phi.
+PowerSeries ConformalLessGeodetic(double e2) {
+  PowerSeries overSine = {};  // w / sin phi
+  double power = 1.0;
+  for (std::size_t i = 0; i < overSine.size(); ++i) {
+    power *= e2;
+    overSine[i] = power / static_cast<double>(2 * i + 1);
+  }
+  PowerSeries square = {};  // w^2
+  const PowerSeries product = ProductOf(overSine, overSine);
+  for (std::size_t i = 1; i < square.size(); ++i) square[i] = product[i - 1];
+  PowerSeries sum = {};
+  PowerSeries odd = overSine;  // the terms of sinh w / sin phi
+  PowerSeries even = {1.0};    // and those of cosh w
+  for (int term = 1; term < 20; term += 2) {
+    even = ProductOf(even, square);
+    for (std::size_t i = 0; i < sum.size(); ++i) {
+      even[i] /= term * (term + 1.0);
+      sum[i] += even[i] - odd[i];
+    }
+    odd = ProductOf(odd, square);
+    for (double& c : odd) c /= (term + 1.0) * (term + 2.0);
+  }
+  return sum;
+}
+
 }  // namespace
 
 bool IsEarthEllipsoid(const Ellipsoid& ellipsoid) {
@@ -30,7 +65,13 @@ EllipsoidConstants ConstantsOf(const Ellipsoid& ellipsoid) {
   const double n2 = c.n * c.n;
   c.rectifyingRadius =
       c.a / (1.0 + c.n) * (1.0 + n2 * (1.0 / 4.0 + n2 * (1.0 / 64.0 + n2 / 256.0)));
-  c.delta = ConformalToGeodetic(c.n);
+  c.delta = SinePolynomial(ConformalToGeodetic(c.n));
+  c.conformal = ConformalLessGeodetic(c.e2);
+  double power = 1.0;
+  for (std::size_t i = 0; i < c.eccentric.size(); ++i) {
+    power *= c.e2;
+    c.eccentric[i] = power / static_cast<double>(2 * i + 1);
+  }
   return c;
 }
 

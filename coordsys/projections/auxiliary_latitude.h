@@ -11,6 +11,7 @@
 #include <numbers>
 
 #include "coordsys/ellipsoids.h"
+#include "coordsys/projections/elementary.h"
 #include "coordsys/projections/lanes.h"
 
 namespace tarvex {
@@ -18,20 +19,30 @@ namespace tarvex {
 /// Coefficients c1 to c6 of sum c_j sin(2 j x).
 using SineSeries = std::array<double, 6>;
 
-/// The sum of the series, from the sine and cosine of 2x (Clenshaw).
-template <typename T>
-inline T SumOf(const SineSeries& series, T sin2x, T cos2x) {
-  const T k = 2.0 * cos2x;
-  T u0 = {};
-  T u1 = {};
-#pragma GCC unroll 6
-  for (int j = 5; j >= 0; --j) {
-    const T u = k * u0 - u1 + series[static_cast<std::size_t>(j)];
-    u1 = u0;
-    u0 = u;
+/// The same sum as sin 2x times a polynomial in cos 2x.
+class SinePolynomial {
+ public:
+  SinePolynomial() = default;
+  explicit SinePolynomial(const SineSeries& c)
+      : p_{c[0] - c[2] + c[4],
+           2.0 * c[1] - 4.0 * c[3] + 6.0 * c[5],
+           4.0 * c[2] - 12.0 * c[4],
+           8.0 * c[3] - 32.0 * c[5],
+           16.0 * c[4],
+           32.0 * c[5]} {}
+
+  const SineSeries& coefficients() const { return p_; }
+
+  template <typename T>
+  T Sum(T sin2x, T cos2x) const {
+    const T square = cos2x * cos2x;
+    return sin2x * ((p_[0] + p_[1] * cos2x) +
+                    square * ((p_[2] + p_[3] * cos2x) + square * (p_[4] + p_[5] * cos2x)));
   }
-  return u0 * sin2x;
-}
+
+ private:
+  SineSeries p_ = {};
+};
 
 /// exp(w) - 1 for |w| below 0.01 to the last bit of exp(w).
 template <typename T>
@@ -62,50 +73,58 @@ struct DirectionOf {
 
 using Direction = DirectionOf<double>;
 
-inline Direction Toward(double angleRad) {
-  return {std::sin(angleRad), std::cos(angleRad)};
-}
 template <typename Lanes>
 inline DirectionOf<Lanes> Toward(Lanes angleRad) {
   const SineCosine<Lanes> both = SineCosineOf(angleRad);
   return {both.sin, both.cos};
 }
 
-/// How a kernel takes its lanes: a point in each of them, or one point in all. With one point, two
-/// angles share the lanes of one computation; every lane gives the same bits either way.
-struct PointInEach {
-  template <typename Lanes>
-  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& towardA, DirectionOf<Lanes>& towardB) {
-    towardA = tarvex::Toward(a);
-    towardB = tarvex::Toward(b);
+/// Two directions at once: those of a single point share the lanes of one computation.
+template <typename Lanes>
+inline void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& towardA, DirectionOf<Lanes>& towardB) {
+  if constexpr (kLanes<Lanes> == 1) {
+    const SineCosine<TwoLanes> both = SineCosineOf(TwoLanes{a, b});
+    towardA = {both.sin[0], both.cos[0]};
+    towardB = {both.sin[1], both.cos[1]};
+  } else {
+    towardA = Toward(a);
+    towardB = Toward(b);
   }
-  template <typename Lanes>
-  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angleA, Lanes& angleB) {
+}
+
+/// Two angles at once, of directions of length 1.
+template <typename Lanes>
+inline void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angleA, Lanes& angleB) {
+  if constexpr (kLanes<Lanes> == 1) {
+    const TwoLanes both = AngleOf(TwoLanes{a.sin, b.sin}, TwoLanes{a.cos, b.cos});
+    angleA = both[0];
+    angleB = both[1];
+  } else {
     angleA = AngleOf(a.sin, a.cos);
     angleB = AngleOf(b.sin, b.cos);
   }
-};
-
-struct OnePoint {
-  using Lanes = TwoLanes;
-  static void Toward(Lanes a, Lanes b, DirectionOf<Lanes>& towardA, DirectionOf<Lanes>& towardB) {
-    const SineCosine<Lanes> both = SineCosineOf(Lanes{a[0], b[0]});
-    towardA = {InAll<Lanes>(both.sin[0]), InAll<Lanes>(both.cos[0])};
-    towardB = {InAll<Lanes>(both.sin[1]), InAll<Lanes>(both.cos[1])};
-  }
-  static void AnglesOf(DirectionOf<Lanes> a, DirectionOf<Lanes> b, Lanes& angleA, Lanes& angleB) {
-    const Lanes both = AngleOf(Lanes{a.sin[0], b.sin[0]}, Lanes{a.cos[0], b.cos[0]});
-    angleA = InAll<Lanes>(both[0]);
-    angleB = InAll<Lanes>(both[1]);
-  }
-};
-
-/// An angle brought between -180 and +180 degrees from a few turns away.
-template <typename T>
-inline T WrappedLongitude(T longitudeRad) {
-  constexpr double kTurn = 2.0 * std::numbers::pi;
-  return longitudeRad - ((longitudeRad * (1.0 / kTurn) + kRounder) - kRounder) * kTurn;
 }
+
+/// What a direction of this length is multiplied with to be of length 1; nothing stays nothing.
+template <typename Lanes>
+inline Lanes OverLength(Lanes length) {
+  constexpr double kNothing = 1e-150;
+  return 1.0 / GreaterOf(length, InAll<Lanes>(kNothing));
+}
+
+/// An angle brought between -180 and +180 degrees from a few turns away. Most are there already,
+/// and nothing then waits for the arithmetic.
+template <typename Lanes>
+inline Lanes WrappedLongitude(Lanes longitudeRad) {
+  constexpr double kTurn = 2.0 * std::numbers::pi;
+  const LaneMask<Lanes> outside = ~Within(longitudeRad, std::numbers::pi);
+  if (!AnyOf<Lanes>(outside)) return longitudeRad;
+  const Lanes turns = (longitudeRad * (1.0 / kTurn) + kRounder) - kRounder;
+  return Select(outside, longitudeRad - turns * kTurn, longitudeRad);
+}
+
+/// Coefficients of the powers 0 to 7.
+using PowerSeries = std::array<double, 8>;
 
 SineSeries ConformalToRectifying(double n);
 SineSeries RectifyingToConformal(double n);  ///< subtracted from the rectifying latitude
@@ -122,7 +141,9 @@ struct EllipsoidConstants {
   double ep2 = 0.0;  ///< second eccentricity squared
   double n = 0.0;    ///< third flattening
   double rectifyingRadius = 0.0;
-  SineSeries delta = {};  ///< conformal to geodetic
+  SinePolynomial delta;        ///< conformal to geodetic
+  PowerSeries conformal = {};  ///< powers of sin^2 phi from the geodetic sine to the conformal
+  std::array<double, 7> eccentric = {};  ///< powers of e2 over 1, 3, 5...
 
   double RadiusOfPrimeVertical(double sinPhi) const {
     return a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
@@ -135,11 +156,11 @@ struct EllipsoidConstants {
   /// e atanh(e sin phi): what the ellipsoid takes off the isometric latitude of the sphere.
   template <typename T>
   T EccentricPart(T sinPhi) const {
-    const T z = e2 * sinPhi * sinPhi;
+    const auto& c = eccentric;
+    const T z = sinPhi * sinPhi;
     const T w = z * z;
-    return e2 * sinPhi *
-           ((1.0 + z * (1.0 / 3.0)) + w * ((1.0 / 5.0 + z * (1.0 / 7.0)) +
-                                           w * (1.0 / 9.0 + z * (1.0 / 11.0) + w * (1.0 / 13.0))));
+    return sinPhi *
+           ((c[0] + z * c[1]) + w * ((c[2] + z * c[3]) + w * ((c[4] + z * c[5]) + w * c[6])));
   }
 
   /// Isometric latitude; its hyperbolic sine is the tangent of the conformal latitude.
@@ -148,16 +169,17 @@ struct EllipsoidConstants {
     const Lanes sphere = LogarithmOf((1.0 + Absolute(phi.sin)) / phi.cos);
     return WithSignOf(sphere, phi.sin) - EccentricPart(phi.sin);
   }
-  double Isometric(double phiRad) const { return Isometric(Toward(InAll<TwoLanes>(phiRad)))[0]; }
+  double Isometric(double phiRad) const { return Isometric(Toward(phiRad)); }
 
   /// The conformal latitude of a geodetic one, of a length that is not 1.
   template <typename Lanes>
   DirectionOf<Lanes> ConformalOfAnyLength(DirectionOf<Lanes> phi) const {
-    const Lanes w = EccentricPart(phi.sin);
-    const Lanes w2 = w * w;
-    const Lanes sinhW = w * (1.0 + w2 * (1.0 / 6.0 + w2 * (1.0 / 120.0)));
-    const Lanes coshLess1 = w2 * (0.5 + w2 * (1.0 / 24.0 + w2 * (1.0 / 720.0)));
-    return {phi.sin + (phi.sin * coshLess1 - sinhW), phi.cos};
+    const auto& c = conformal;
+    const Lanes z = phi.sin * phi.sin;
+    const Lanes w = z * z;
+    const Lanes low = (c[0] + z * c[1]) + w * (c[2] + z * c[3]);
+    const Lanes high = (c[4] + z * c[5]) + w * (c[6] + z * c[7]);
+    return {phi.sin + phi.sin * (low + w * w * high), phi.cos};
   }
 
   /// The conformal latitude of a geodetic one.
@@ -167,27 +189,23 @@ struct EllipsoidConstants {
     const Lanes norm = 1.0 / SquareRootOf(chi.sin * chi.sin + chi.cos * chi.cos);
     return {chi.sin * norm, chi.cos * norm};
   }
-  Direction Conformal(double phiRad) const {
-    const DirectionOf<TwoLanes> chi = Conformal(Toward(InAll<TwoLanes>(phiRad)));
-    return {chi.sin[0], chi.cos[0]};
-  }
+  Direction Conformal(double phiRad) const { return Conformal(Toward(phiRad)); }
 
-  /// The conformal latitude whose isometric latitude is the logarithm of `expPsi`; beyond 1e16 and
-  /// below 1e-16 it is a pole.
+  /// The conformal latitude of an isometric one; beyond 37 it is a pole.
   template <typename Lanes>
-  DirectionOf<Lanes> ConformalFromExpIsometric(Lanes expPsi) const {
-    expPsi = Clamped(expPsi, 1e-16, 1e16);
+  DirectionOf<Lanes> ConformalFromIsometric(Lanes psi) const {
+    const Lanes expPsi = ExponentialOf(Clamped(psi, -37.0, 37.0));
     const Lanes square = expPsi * expPsi;
     const Lanes norm = 1.0 / (square + 1.0);
     return {(square - 1.0) * norm, 2.0 * expPsi * norm};
   }
 
-  /// The geodetic latitude of a conformal one, and the angle of another direction.
-  template <typename Points, typename Lanes>
+  /// The geodetic latitude of a conformal one, and the angle of another direction of length 1.
+  template <typename Lanes>
   void FromConformal(DirectionOf<Lanes> chi, DirectionOf<Lanes> other, Lanes& phi,
                      Lanes& angle) const {
-    Points::AnglesOf(chi, other, phi, angle);
-    phi += SumOf(delta, chi.Sin2(), chi.Cos2());
+    AnglesOf(chi, other, phi, angle);
+    phi += delta.Sum(chi.Sin2(), chi.Cos2());
   }
 };
 

@@ -16,8 +16,8 @@ constexpr double kClosing = 1e-9;
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
-  SineSeries zeta = {};  ///< geodetic to rectifying
-  SineSeries eta = {};   ///< rectifying to geodetic
+  SinePolynomial zeta;  ///< geodetic to rectifying
+  SinePolynomial eta;   ///< rectifying to geodetic
   double overA = 0.0;
   double over1LessE2 = 0.0;
   double overRectifyingRadius = 0.0;
@@ -35,7 +35,7 @@ struct Kernel {
     const Lanes c = ellipsoid.ep2 * phi.cos * phi.cos;
     const Lanes a1 = lambda * phi.cos;
     const Lanes a2 = a1 * a1;
-    const Lanes mu = phiRad + SumOf(zeta, phi.Sin2(), phi.Cos2());
+    const Lanes mu = phiRad + zeta.Sum(phi.Sin2(), phi.Cos2());
     const Lanes east =
         nu * a1 * (1.0 - t * a2 * (1.0 / 6.0 + (8.0 - t + 8.0 * c) * a2 * (1.0 / 120.0)));
     const Lanes north = ellipsoid.rectifyingRadius * mu +
@@ -43,7 +43,7 @@ struct Kernel {
     return {north, east};
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes lambda = WrappedLongitude(position.longitudeRad - centralMeridianRad);
     const auto phi = Toward(position.latitudeRad);
@@ -54,7 +54,7 @@ struct Kernel {
     return Holds(position.latitudeRad, phi, lambda, 0.0);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes north = point.northingM - falseNorthingM + originArcM;
     const Lanes east = point.eastingM - falseEastingM;
@@ -62,7 +62,7 @@ struct Kernel {
     const LaneMask<Lanes> inReach =
         Within(mu, kQuarter) & Within(east, 1.1 * kWidest * ellipsoid.a);
     const DirectionOf<Lanes> atMu = Toward(mu);
-    const Lanes correction = SumOf(eta, atMu.Sin2(), atMu.Cos2());
+    const Lanes correction = eta.Sum(atMu.Sin2(), atMu.Cos2());
     DirectionOf<Lanes> at = atMu.Turned(correction);
     const Lanes overCos = 1.0 / at.cos;
     const Lanes t = at.sin * at.sin * overCos * overCos;
@@ -75,7 +75,7 @@ struct Kernel {
     Lanes lambda = d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 * (1.0 / 15.0))) * overCos;
     at = at.Turned(-drop);
     LaneMask<Lanes> open = ~LaneMask<Lanes>{};
-    for (int pass = 0; pass < kMostPasses && AnyOf(open); ++pass) {
+    for (int pass = 0; pass < kMostPasses && AnyOf<Lanes>(open); ++pass) {
       Improve(north, east, phi, at, lambda, open);
     }
     position.latitudeRad = phi;
@@ -109,7 +109,7 @@ struct Kernel {
     lambda = Select(open, lambda + dLambda, lambda);
     phi = Select(open, phi + dPhi, phi);
     open &= ~(Within(dNorth, kNearlyClosedM) & Within(dEast, kNearlyClosedM));
-    if (AnyOf(open)) at = at.Turned(Select(open, dPhi, 0.0));
+    if (AnyOf<Lanes>(open)) at = at.Turned(Select(open, dPhi, 0.0));
   }
 };
 
@@ -123,11 +123,11 @@ MadeProjection MakeCassiniSoldner(const ProjectionParameters& parameters) {
   kernel.overA = 1.0 / kernel.ellipsoid.a;
   kernel.over1LessE2 = 1.0 / (1.0 - kernel.ellipsoid.e2);
   kernel.overRectifyingRadius = 1.0 / kernel.ellipsoid.rectifyingRadius;
-  kernel.zeta = GeodeticToRectifying(kernel.ellipsoid.n);
-  kernel.eta = RectifyingToGeodetic(kernel.ellipsoid.n);
+  kernel.zeta = SinePolynomial(GeodeticToRectifying(kernel.ellipsoid.n));
+  kernel.eta = SinePolynomial(RectifyingToGeodetic(kernel.ellipsoid.n));
   const Direction origin = Toward(phi0);
   kernel.originArcM =
-      kernel.ellipsoid.rectifyingRadius * (phi0 + SumOf(kernel.zeta, origin.Sin2(), origin.Cos2()));
+      kernel.ellipsoid.rectifyingRadius * (phi0 + kernel.zeta.Sum(origin.Sin2(), origin.Cos2()));
   kernel.centralMeridianRad = parameters.centralMeridianRad;
   kernel.falseEastingM = parameters.falseEastingM;
   kernel.falseNorthingM = parameters.falseNorthingM;

@@ -25,12 +25,12 @@ struct Kernel {
   double falseEastingM = 0.0;
   double falseNorthingM = 0.0;
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes turn = c * WrappedLongitude(position.longitudeRad - centralMeridianRad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> l;
-    Points::Toward(position.latitudeRad, turn, phi, l);
+    Toward(position.latitudeRad, turn, phi, l);
     const Lanes expW = ExponentialOf(c * ellipsoid.Isometric(phi) + k);
     const Lanes square = expW * expW;
     // The latitude on the sphere of this length, so that a single division is left.
@@ -38,15 +38,15 @@ struct Kernel {
     const DirectionOf<Lanes> b{square - 1.0, 2.0 * expW};
     const Lanes forth = b.cos * l.cos;
     const Lanes across = b0.cos * b.sin - b0.sin * forth;
-    const Lanes along = AngleOf(b.cos * l.sin, b0.sin * b.sin + b0.cos * forth);
+    const Lanes over = 1.0 / SquareRootOf((length + across) * (length - across));
+    const Lanes along = AngleOf(b.cos * l.sin * over, (b0.sin * b.sin + b0.cos * forth) * over);
     point.eastingM = falseEastingM + radiusM * along;
-    point.northingM =
-        falseNorthingM + 0.5 * radiusM * LogarithmOf((length + across) / (length - across));
+    point.northingM = falseNorthingM + radiusM * LogarithmOf((length + across) * over);
     return AtMost(Absolute(across), kFarthestAcross * length) & Within(along, kQuarter) &
            Within(turn, kHalfTurn);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes along = (point.eastingM - falseEastingM) * overRadius;
     const Lanes across = (point.northingM - falseNorthingM) * overRadius;
@@ -59,12 +59,12 @@ struct Kernel {
     const Lanes east = onLine.cos * l.sin;
     const Lanes sine = b0.cos * onLine.sin + b0.sin * forth;
     const Lanes north = b0.cos * forth - b0.sin * onLine.sin;
-    const Lanes up = 1.0 + Absolute(sine);
-    const Lanes sphere = 0.5 * LogarithmOf(up * up / (east * east + north * north));
+    const Lanes over = OverLength(SquareRootOf(east * east + north * north));
+    const Lanes sphere = LogarithmOf((1.0 + Absolute(sine)) * over);
     const Lanes psi = (WithSignOf(sphere, sine) - k) * overC;
-    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes turn;
-    ellipsoid.FromConformal<Points>(chi, {east, north}, position.latitudeRad, turn);
+    ellipsoid.FromConformal(chi, {east * over, north * over}, position.latitudeRad, turn);
     position.longitudeRad = WrappedLongitude(centralMeridianRad + turn * overC);
     return Within(across, kFarthestAcrossIsometric + kClosing) & Within(along, kQuarter + kClosing);
   }

@@ -39,20 +39,21 @@ struct Kernel {
   EllipsoidConstants ellipsoid;
   double n = 0.0;
   double overN = 0.0;
-  double sign = 1.0;         ///< of n: towards the pole of the cone
-  double widestTheta = 0.0;  ///< beyond it lies the gap of the fan
-  double apexRadiusM = 0.0;  ///< radius where psi is 0; negative with n
+  double sign = 1.0;            ///< of n: towards the pole of the cone
+  double widestTheta = 0.0;     ///< beyond it lies the gap of the fan
+  double apexRadiusM = 0.0;     ///< radius where psi is 0; negative with n
+  double overApexRadius = 0.0;  ///< of its magnitude
   double centralMeridianRad = 0.0;
   double falseEastingM = 0.0;
   double apexNorthingM = 0.0;
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes phi = position.latitudeRad;
     const Lanes lambda = WrappedLongitude(position.longitudeRad - centralMeridianRad);
     DirectionOf<Lanes> toward;
     DirectionOf<Lanes> theta;
-    Points::Toward(phi, n * lambda, toward, theta);
+    Toward(phi, n * lambda, toward, theta);
     // The pole itself lies at the apex; on a flat cone the exponential gets there too slowly.
     const Lanes r = Select(AtMost(Absolute(toward.cos), kPoleCosine), InAll<Lanes>(0.0),
                            apexRadiusM * ExponentialOf(-n * ellipsoid.Isometric(toward)));
@@ -61,17 +62,18 @@ struct Kernel {
     return AtMost(-kFarthestLatitude, sign * phi);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     // A zero of either sign is +0, so that the apex of a southern cone has no direction either.
     const Lanes x = sign * (point.eastingM - falseEastingM) + 0.0;
     const Lanes y = sign * (apexNorthingM - point.northingM) + 0.0;
-    const Lanes square = (x * x + y * y) / (apexRadiusM * apexRadiusM);
-    const Lanes expPsi = ExponentialOf(-0.5 * overN * LogarithmOf(square));
-    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(expPsi);
+    const Lanes radius = SquareRootOf(x * x + y * y);
+    const Lanes over = OverLength(radius);
+    const Lanes psi = -overN * LogarithmOf(radius * overApexRadius);
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes phi;
     Lanes theta;
-    ellipsoid.FromConformal<Points>(chi, {x, y}, phi, theta);
+    ellipsoid.FromConformal(chi, {x * over, y * over}, phi, theta);
     position.latitudeRad = phi;
     position.longitudeRad = WrappedLongitude(centralMeridianRad + theta * overN);
     const LaneMask<Lanes> inFan = Within(theta, widestTheta);
@@ -93,6 +95,7 @@ Kernel ConeOf(const ProjectionParameters& parameters, const EllipsoidConstants& 
   kernel.sign = n < 0.0 ? -1.0 : 1.0;
   kernel.widestTheta = std::fabs(n) * std::numbers::pi * (1.0 + 1e-12);
   kernel.apexRadiusM = radius1 * std::exp(n * psi1);
+  kernel.overApexRadius = 1.0 / std::fabs(kernel.apexRadiusM);
   const double originRadius = polar ? 0.0 : kernel.apexRadiusM * std::exp(-n * c.Isometric(phi0));
   kernel.centralMeridianRad = parameters.centralMeridianRad;
   kernel.falseEastingM = parameters.falseEastingM;

@@ -29,16 +29,17 @@ struct Kernel {
   Direction gc;
   double lambda0Rad = 0.0;
   double centreAngle = 0.0;  ///< of the centre along the central line, from the natural origin
+  Direction centre;          ///< of this angle
   double originAngle = 0.0;  ///< of the false origin: 0, or the centre's
   double falseEastingM = 0.0;
   double falseNorthingM = 0.0;
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes turn = b * WrappedLongitude(position.longitudeRad - lambda0Rad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> d;
-    Points::Toward(position.latitudeRad, turn, phi, d);
+    Toward(position.latitudeRad, turn, phi, d);
     const Lanes expW = ExponentialOf(lnH + b * ellipsoid.Isometric(phi));
     // All times 2 e^w, so that a single division is left: cosh w, sinh w and 1 become these.
     const Lanes square = expW * expW;
@@ -47,10 +48,13 @@ struct Kernel {
     const Lanes one = 2.0 * expW;
     const Lanes aside = d.sin * one;
     const Lanes across = sinh * g0.sin - aside * g0.cos;  // times cosh w
-    const Lanes along =
-        WrappedLongitude(AngleOf(sinh * g0.cos + aside * g0.sin, d.cos * one) - centreAngle);
+    const Lanes over = 1.0 / SquareRootOf((cosh + across) * (cosh - across));
+    const Lanes ahead = sinh * g0.cos + aside * g0.sin;
+    const Lanes forth = d.cos * one;
+    const Lanes along = AngleOf((ahead * centre.cos - forth * centre.sin) * over,
+                                (forth * centre.cos + ahead * centre.sin) * over);
 
-    const Lanes v = -0.5 * radiusM * LogarithmOf((cosh + across) / (cosh - across));
+    const Lanes v = -radiusM * LogarithmOf((cosh + across) * over);
     const Lanes u = radiusM * (along + centreAngle - originAngle);
     point.eastingM = falseEastingM + v * gc.cos + u * gc.sin;
     point.northingM = falseNorthingM + u * gc.cos - v * gc.sin;
@@ -58,7 +62,7 @@ struct Kernel {
            Within(turn, kHalfTurn);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = (point.eastingM - falseEastingM) * overRadius;
     const Lanes y = (point.northingM - falseNorthingM) * overRadius;
@@ -73,11 +77,12 @@ struct Kernel {
     const Lanes aside = sinhV * g0.cos - z.sin * g0.sin;
     // The sphere's isometric latitude from both legs: the sine alone is blunt at a pole.
     const Lanes fromAxis = SquareRootOf(z.cos * z.cos + aside * aside + kAtPole);
-    const Lanes sphere = LogarithmOf((Absolute(toPole) + 0.5 * (expV + overExpV)) / fromAxis);
+    const Lanes over = 1.0 / fromAxis;
+    const Lanes sphere = LogarithmOf((Absolute(toPole) + 0.5 * (expV + overExpV)) * over);
     const Lanes psi = (WithSignOf(sphere, toPole) - lnH) * overB;
-    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes turn;
-    ellipsoid.FromConformal<Points>(chi, {aside, z.cos}, position.latitudeRad, turn);
+    ellipsoid.FromConformal(chi, {aside * over, z.cos * over}, position.latitudeRad, turn);
     position.longitudeRad = WrappedLongitude(lambda0Rad - turn * overB);
     return Within(v, kFarthestAcrossIsometric + kClosing) &
            Within(u - centreAngle, kQuarter + kClosing);
@@ -132,6 +137,7 @@ MadeProjection Make(const ProjectionParameters& parameters, bool falseOriginAtCe
       parameters.centralMeridianRad - std::atan2(root * azimuth.sin, d * azimuth.cos) / kernel.b;
   kernel.gc = Toward(line.rectifiedRad);
   kernel.centreAngle = std::copysign(std::atan2(std::fabs(root), azimuth.cos), phi);
+  kernel.centre = Toward(kernel.centreAngle);
   kernel.originAngle = falseOriginAtCentre ? kernel.centreAngle : 0.0;
   kernel.falseEastingM = parameters.falseEastingM;
   kernel.falseNorthingM = parameters.falseNorthingM;

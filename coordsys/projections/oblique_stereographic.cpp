@@ -25,12 +25,12 @@ struct Kernel {
   double falseEastingM = 0.0;
   double falseNorthingM = 0.0;
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes turn = c * WrappedLongitude(position.longitudeRad - centralMeridianRad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> l;
-    Points::Toward(position.latitudeRad, turn, phi, l);
+    Toward(position.latitudeRad, turn, phi, l);
     const Lanes w = c * ellipsoid.Isometric(phi) + k;
     const Lanes expW = ExponentialOf(w);
     const Lanes square = expW * expW;
@@ -45,7 +45,7 @@ struct Kernel {
     return AtMost(kFarthestDenominator * length, b) & Within(turn, kHalfTurn);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = (point.eastingM - falseEastingM) * overDiameter;
     const Lanes y = (point.northingM - falseNorthingM) * overDiameter;
@@ -55,12 +55,12 @@ struct Kernel {
     const Lanes s = cosD * chi0.sin + y * g * chi0.cos;
     const Lanes p = chi0.cos * cosD - y * g * chi0.sin;
     const Lanes v = x * g;
-    const Lanes cos2 = p * p + v * v;
-    const Lanes sphere = 0.5 * LogarithmOf((1.0 + Absolute(s)) * (1.0 + Absolute(s)) / cos2);
+    const Lanes over = OverLength(SquareRootOf(p * p + v * v));
+    const Lanes sphere = LogarithmOf((1.0 + Absolute(s)) * over);
     const Lanes psi = (WithSignOf(sphere, s) - k) * overC;
-    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromExpIsometric(ExponentialOf(psi));
+    const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes turn;
-    ellipsoid.FromConformal<Points>(chi, {v, p}, position.latitudeRad, turn);
+    ellipsoid.FromConformal(chi, {v * over, p * over}, position.latitudeRad, turn);
     position.longitudeRad = WrappedLongitude(centralMeridianRad + turn * overC);
     return AtMost(square, kFarthestRadius * kFarthestRadius);
   }

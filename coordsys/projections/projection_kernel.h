@@ -1,18 +1,16 @@
 // Makes a Projection of a family's kernel: a small value with its constants and two functions over
 // some points side by side (lanes.h),
 //
-//   template <typename Points, typename Lanes>
+//   template <typename Lanes>
 //   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept;
 //   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept;
 //
 // whose result is true in the lanes that lie in the family's domain; in the others the outputs may
-// be anything. `Points` says whether every lane is a point of its own, or two angles of a single
-// point can share the lanes (auxiliary_latitude.h). Both are inlined into the loops over arrays. A
-// position beyond 90 degrees of latitude or 360 of longitude, and a plane point beyond 1e9 m, are
-// refused here.
+// be anything. Both are inlined into the loops over arrays. A position beyond 90 degrees of
+// latitude or 360 of longitude, and a plane point beyond 1e9 m, are refused here.
 //
-// The same kernel is compiled twice where the compiler can: for two lanes, which every processor
-// has, and for four, taken where the processor at hand has 256-bit registers (AVX2). Every lane of
+// The same kernel is compiled for one lane, a single point, for two, which every processor has, and
+// for four, taken where the processor at hand has 256-bit registers (AVX2). Every lane of
 // either gives the same bits: the same operations in the same order, none of them contracted.
 #pragma once
 
@@ -47,11 +45,21 @@ class KernelProjection : public Projection {
   KernelProjection(const Kernel& kernel, bool takesWgs84)
       : kernel_(kernel), takesWgs84_(takesWgs84) {}
 
-  ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
-    return ForwardOne(position, point);
+  [[gnu::flatten]] ProjectionResult Forward(LatLon position,
+                                            PlanePoint& point) const noexcept override {
+    LanePoint<OneLane> out;
+    const auto inside = ForwardLanes<OneLane>({position.latitudeRad, position.longitudeRad}, out);
+    if (!inside) return Why(position.latitudeRad, position.longitudeRad);
+    point = {out.northingM, out.eastingM};
+    return ProjectionResult::Done;
   }
-  ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept override {
-    return InverseOne(point, position);
+  [[gnu::flatten]] ProjectionResult Inverse(PlanePoint point,
+                                            LatLon& position) const noexcept override {
+    LanePosition<OneLane> out;
+    const auto inside = InverseLanes<OneLane>({point.northingM, point.eastingM}, out);
+    if (!inside) return Why(point.northingM, point.eastingM);
+    position = {out.latitudeRad, out.longitudeRad};
+    return ProjectionResult::Done;
   }
   std::size_t Forward(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
                       std::span<double> northingM,
@@ -75,30 +83,12 @@ class KernelProjection : public Projection {
   }
 
  protected:
-  ProjectionResult ForwardOne(LatLon position, PlanePoint& point) const noexcept {
-    LanePoint<TwoLanes> out;
-    const auto inside = ForwardLanes<OnePoint, TwoLanes>(
-        {InAll<TwoLanes>(position.latitudeRad), InAll<TwoLanes>(position.longitudeRad)}, out);
-    if (!inside[0]) return Why(position.latitudeRad, position.longitudeRad);
-    point = {out.northingM[0], out.eastingM[0]};
-    return ProjectionResult::Done;
-  }
-
-  ProjectionResult InverseOne(PlanePoint point, LatLon& position) const noexcept {
-    LanePosition<TwoLanes> out;
-    const auto inside = InverseLanes<OnePoint, TwoLanes>(
-        {InAll<TwoLanes>(point.northingM), InAll<TwoLanes>(point.eastingM)}, out);
-    if (!inside[0]) return Why(point.northingM, point.eastingM);
-    position = {out.latitudeRad[0], out.longitudeRad[0]};
-    return ProjectionResult::Done;
-  }
-
   template <typename Lanes>
   std::size_t ForwardAll(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
                          std::span<double> northingM, std::span<double> eastingM) const noexcept {
     const auto convert = [this](Lanes latitude, Lanes longitude, Lanes& northing, Lanes& easting) {
       LanePoint<Lanes> point;
-      const auto inside = ForwardLanes<PointInEach, Lanes>({latitude, longitude}, point);
+      const auto inside = ForwardLanes<Lanes>({latitude, longitude}, point);
       northing = point.northingM;
       easting = point.eastingM;
       return inside;
@@ -112,7 +102,7 @@ class KernelProjection : public Projection {
                          std::span<double> longitudeRad) const noexcept {
     const auto convert = [this](Lanes northing, Lanes easting, Lanes& latitude, Lanes& longitude) {
       LanePosition<Lanes> position;
-      const auto inside = InverseLanes<PointInEach, Lanes>({northing, easting}, position);
+      const auto inside = InverseLanes<Lanes>({northing, easting}, position);
       latitude = position.latitudeRad;
       longitude = position.longitudeRad;
       return inside;
@@ -123,21 +113,21 @@ class KernelProjection : public Projection {
  private:
   static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> ForwardLanes(LanePosition<Lanes> position,
                                LanePoint<Lanes>& point) const noexcept {
     const LaneMask<Lanes> onEarth = Within(position.latitudeRad, std::numbers::pi / 2.0) &
                                     Within(position.longitudeRad, 2.0 * std::numbers::pi);
-    return onEarth & kernel_.template Forward<Points>(position, point);
+    return onEarth & kernel_.Forward(position, point);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> InverseLanes(LanePoint<Lanes> point,
                                LanePosition<Lanes>& position) const noexcept {
     constexpr double kFarthestM = 1e9;
     const LaneMask<Lanes> onPlane =
         Within(point.northingM, kFarthestM) & Within(point.eastingM, kFarthestM);
-    return onPlane & kernel_.template Inverse<Points>(point, position);
+    return onPlane & kernel_.Inverse(point, position);
   }
 
   static ProjectionResult Why(double a, double b) noexcept {
@@ -202,14 +192,6 @@ class FourLaneProjection final : public KernelProjection<Kernel> {
  public:
   using KernelProjection<Kernel>::KernelProjection;
 
-  TARVEX_FOUR_LANES ProjectionResult Forward(LatLon position,
-                                             PlanePoint& point) const noexcept override {
-    return this->ForwardOne(position, point);
-  }
-  TARVEX_FOUR_LANES ProjectionResult Inverse(PlanePoint point,
-                                             LatLon& position) const noexcept override {
-    return this->InverseOne(point, position);
-  }
   TARVEX_FOUR_LANES std::size_t Forward(std::span<const double> latitudeRad,
                                         std::span<const double> longitudeRad,
                                         std::span<double> northingM,
@@ -228,7 +210,7 @@ class FourLaneProjection final : public KernelProjection<Kernel> {
 template <typename Kernel>
 MadeProjection MakeOf(const Kernel& kernel, bool takesWgs84 = false) {
 #if defined(TARVEX_FOUR_LANES)
-  if (__builtin_cpu_supports("avx2")) {
+  if (HasFourLanes()) {
     return {std::make_unique<FourLaneProjection<Kernel>>(kernel, takesWgs84),
             ProjectionFault::None};
   }

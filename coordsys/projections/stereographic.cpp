@@ -21,12 +21,11 @@ struct ObliqueKernel {
   double falseEastingM = 0.0;
   double falseNorthingM = 0.0;
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> l;
-    Points::Toward(position.latitudeRad,
-                   WrappedLongitude(position.longitudeRad - centralMeridianRad), phi, l);
+    Toward(position.latitudeRad, position.longitudeRad - centralMeridianRad, phi, l);
     const DirectionOf<Lanes> chi = ellipsoid.Conformal(phi);
     const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
     const Lanes scale = diameterM / b;
@@ -35,7 +34,7 @@ struct ObliqueKernel {
     return AtMost(kFarthestDenominator, b);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = (point.eastingM - falseEastingM) * overDiameter;
     const Lanes y = (point.northingM - falseNorthingM) * overDiameter;
@@ -44,9 +43,11 @@ struct ObliqueKernel {
     const Lanes cosD = 1.0 - square * g;
     const Lanes p = chi0.cos * cosD - y * g * chi0.sin;
     const Lanes v = x * g;
-    const DirectionOf<Lanes> chi{cosD * chi0.sin + y * g * chi0.cos, SquareRootOf(p * p + v * v)};
+    const Lanes across = SquareRootOf(p * p + v * v);
+    const Lanes over = OverLength(across);
+    const DirectionOf<Lanes> chi{cosD * chi0.sin + y * g * chi0.cos, across};
     Lanes l;
-    ellipsoid.FromConformal<Points>(chi, {v, p}, position.latitudeRad, l);
+    ellipsoid.FromConformal(chi, {v * over, p * over}, position.latitudeRad, l);
     position.longitudeRad = WrappedLongitude(centralMeridianRad + l);
     return AtMost(square, kFarthestRadius * kFarthestRadius);
   }
@@ -57,15 +58,16 @@ struct PolarKernel {
   EllipsoidConstants ellipsoid;
   double pole = 1.0;  ///< 1 north, -1 south
   double cM = 0.0;
+  double overC = 0.0;
   double centralMeridianRad = 0.0;
   double falseEastingM = 0.0;
   double falseNorthingM = 0.0;
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> lambda;
-    Points::Toward(position.latitudeRad, position.longitudeRad - centralMeridianRad, phi, lambda);
+    Toward(position.latitudeRad, position.longitudeRad - centralMeridianRad, phi, lambda);
     phi.sin *= pole;
     const Lanes stretch = SmallExpm1(ellipsoid.EccentricPart(phi.sin));
     const Lanes r = cM * phi.cos / (1.0 + phi.sin) * (1.0 + stretch);
@@ -74,16 +76,18 @@ struct PolarKernel {
     return Less(kFarthestSine, phi.sin);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = point.eastingM - falseEastingM;
     const Lanes y = pole * (falseNorthingM - point.northingM);
-    const Lanes t = SquareRootOf(x * x + y * y) / cM;
+    const Lanes radius = SquareRootOf(x * x + y * y);
+    const Lanes over = OverLength(radius);
+    const Lanes t = radius * overC;
     const Lanes norm = 1.0 / (1.0 + t * t);
     const DirectionOf<Lanes> chi{(1.0 - t * t) * norm, 2.0 * t * norm};
     Lanes phi;
     Lanes lambda;
-    ellipsoid.FromConformal<Points>(chi, {x, y}, phi, lambda);
+    ellipsoid.FromConformal(chi, {x * over, y * over}, phi, lambda);
     position.latitudeRad = pole * phi;
     position.longitudeRad = WrappedLongitude(centralMeridianRad + lambda);
     return AtMost(t, kFarthestRadius);
@@ -96,6 +100,7 @@ MadeProjection MakePolar(const ProjectionParameters& parameters, const Ellipsoid
   kernel.pole = parameters.latitudeOfOriginRad < 0.0 ? -1.0 : 1.0;
   kernel.cM = 2.0 * c.a * parameters.scaleFactor /
               std::sqrt(std::pow(1.0 + c.e, 1.0 + c.e) * std::pow(1.0 - c.e, 1.0 - c.e));
+  kernel.overC = 1.0 / kernel.cM;
   kernel.centralMeridianRad = parameters.centralMeridianRad;
   kernel.falseEastingM = parameters.falseEastingM;
   kernel.falseNorthingM = parameters.falseNorthingM;

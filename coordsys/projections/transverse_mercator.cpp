@@ -18,24 +18,26 @@ struct Complex {
   Lanes im = {};
 };
 
-// sum c_j sin(2 j (xi + i eta)), from the (hyperbolic) sine and cosine of 2 xi and 2 eta.
+// sum c_j sin(2 j (xi + i eta)), from the (hyperbolic) sine and cosine of 2 xi and 2 eta. The
+// polynomial has real coefficients: it is divided by the square factor whose zeros are its argument
+// and the conjugate (Knuth, The Art of Computer Programming 2, 4.6.4).
 template <typename Lanes>
-inline Complex<Lanes> SumOf(const SineSeries& series, Lanes sin2, Lanes cos2, Lanes sinh2,
+inline Complex<Lanes> SumOf(const SinePolynomial& polynomial, Lanes sin2, Lanes cos2, Lanes sinh2,
                             Lanes cosh2) {
-  const Lanes kRe = 2.0 * cos2 * cosh2;
-  const Lanes kIm = -2.0 * sin2 * sinh2;
-  Complex<Lanes> u0;
-  Complex<Lanes> u1;
-#pragma GCC unroll 6
-  for (int j = 5; j >= 0; --j) {
-    const Complex<Lanes> u{kRe * u0.re - kIm * u0.im - u1.re + series[static_cast<std::size_t>(j)],
-                           kIm * u0.re + kRe * u0.im - u1.im};
-    u1 = u0;
-    u0 = u;
-  }
-  const Lanes sRe = sin2 * cosh2;
-  const Lanes sIm = cos2 * sinh2;
-  return {sRe * u0.re - sIm * u0.im, sRe * u0.im + sIm * u0.re};
+  const SineSeries& p = polynomial.coefficients();
+  const Lanes re = cos2 * cosh2;
+  const Lanes im = sin2 * sinh2;  // of the argument's conjugate
+  const Lanes sum = 2.0 * re;
+  const Lanes product = re * re + im * im;
+  const Lanes b4 = p[4] + p[5] * sum;
+  const Lanes b3 = (p[3] - p[5] * product) + sum * b4;
+  const Lanes b2 = (p[2] - product * b4) + sum * b3;
+  const Lanes b1 = (p[1] - product * b3) + sum * b2;
+  const Lanes valueRe = (p[0] - product * b2) + re * b1;
+  const Lanes valueIm = -im * b1;
+  const Lanes sinRe = sin2 * cosh2;
+  const Lanes sinIm = cos2 * sinh2;
+  return {sinRe * valueRe - sinIm * valueIm, sinRe * valueIm + sinIm * valueRe};
 }
 
 struct Kernel {
@@ -46,27 +48,28 @@ struct Kernel {
   double originXi = 0.0;
   double falseEastingM = 0.0;
   double falseNorthingM = 0.0;
-  SineSeries alpha = {};
-  SineSeries beta = {};
+  SinePolynomial alpha;
+  SinePolynomial beta;
+  SineSeries alphaSeries = {};
 
   // Everything comes from the conformal latitude chi and lambda by algebra: tanh eta' is v / length
   // with v = cos chi sin lambda, and q2 = length^2 - v^2 the square of cos chi cos lambda and sin
   // chi. Nothing needs chi at length 1.
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     DirectionOf<Lanes> lambda;
     DirectionOf<Lanes> phi;
-    Points::Toward(WrappedLongitude(position.longitudeRad - centralMeridianRad),
-                   position.latitudeRad, lambda, phi);
+    Toward(position.longitudeRad - centralMeridianRad, position.latitudeRad, lambda, phi);
     const DirectionOf<Lanes> chi = ellipsoid.ConformalOfAnyLength(phi);
     const Lanes length2 = chi.sin * chi.sin + chi.cos * chi.cos;
     const Lanes length = SquareRootOf(length2);
     const Lanes v = chi.cos * lambda.sin;
     const Lanes forth = chi.cos * lambda.cos;
     const Lanes q2 = chi.sin * chi.sin + forth * forth;
-    const Lanes overQ2 = 1.0 / q2;
-    const Lanes xi = AngleOf(chi.sin, forth);
-    const Lanes eta = 0.5 * LogarithmOf((length + v) * (length + v) * overQ2);
+    const Lanes overQ = 1.0 / SquareRootOf(q2);
+    const Lanes overQ2 = overQ * overQ;
+    const Lanes xi = AngleOf(chi.sin * overQ, forth * overQ);
+    const Lanes eta = LogarithmOf((length + v) * overQ);
 
     const Complex<Lanes> sum =
         SumOf(alpha, 2.0 * chi.sin * forth * overQ2, (forth - chi.sin) * (forth + chi.sin) * overQ2,
@@ -76,7 +79,7 @@ struct Kernel {
     return Within(eta, kWidestEta) & Within(xi, kFarthestXi);
   }
 
-  template <typename Points, typename Lanes>
+  template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes xi = (point.northingM - falseNorthingM) * overRadius + originXi;
     const Lanes eta = (point.eastingM - falseEastingM) * overRadius;
@@ -96,13 +99,16 @@ struct Kernel {
     const Lanes sinhEta = 0.5 * (expEtaC - overExpEtaC);
     const Lanes forth2 = sinhEta * sinhEta + xiC.cos * xiC.cos;
     const Lanes forth = SquareRootOf(forth2);
-    const Lanes norm2 = 1.0 / (1.0 + sinhEta * sinhEta);
+    const Lanes overForth = OverLength(forth);
+    const Lanes overLength = 2.0 / (expEtaC + overExpEtaC);  // 1 / cosh eta, of all three legs
+    const Lanes norm2 = overLength * overLength;
     const Lanes sin2chi = 2.0 * xiC.sin * forth * norm2;
     const Lanes cos2chi = (forth2 - xiC.sin * xiC.sin) * norm2;
     Lanes chi;
     Lanes lambda;
-    Points::AnglesOf(DirectionOf<Lanes>{xiC.sin, forth}, {sinhEta, xiC.cos}, chi, lambda);
-    position.latitudeRad = chi + tarvex::SumOf(ellipsoid.delta, sin2chi, cos2chi);
+    AnglesOf(DirectionOf<Lanes>{xiC.sin * overLength, forth * overLength},
+             {sinhEta * overForth, xiC.cos * overForth}, chi, lambda);
+    position.latitudeRad = chi + ellipsoid.delta.Sum(sin2chi, cos2chi);
     position.longitudeRad = WrappedLongitude(centralMeridianRad + lambda);
     return inReach & Within(etaC, kWidestEta + kClosing) &
            Within(xi - sum.re, kFarthestXi + kClosing);
@@ -110,16 +116,15 @@ struct Kernel {
 
   // Karney's formula: the scale of the sphere's projection times that of the series.
   double PointScale(LatLon position) const noexcept {
-    const Direction phi = tarvex::Toward(position.latitudeRad);
+    const Direction phi = Toward(position.latitudeRad);
     const Direction chi = ellipsoid.Conformal(position.latitudeRad);
-    const Direction lambda =
-        tarvex::Toward(WrappedLongitude(position.longitudeRad - centralMeridianRad));
+    const Direction lambda = Toward(position.longitudeRad - centralMeridianRad);
     const double forth = chi.cos * lambda.cos;
     const std::complex<double> zeta(std::atan2(chi.sin, forth), std::atanh(chi.cos * lambda.sin));
     std::complex<double> derivative = 1.0;
-    for (std::size_t j = 0; j < alpha.size(); ++j) {
+    for (std::size_t j = 0; j < alphaSeries.size(); ++j) {
       const double twice = 2.0 * static_cast<double>(j + 1);
-      derivative += twice * alpha[j] * std::cos(twice * zeta);
+      derivative += twice * alphaSeries[j] * std::cos(twice * zeta);
     }
     const double onSphere = chi.cos / (phi.cos * std::hypot(chi.sin, forth));
     return radiusM / ellipsoid.a * std::abs(derivative) * onSphere *
@@ -139,11 +144,13 @@ MadeProjection Make(const ProjectionParameters& parameters, bool takesWgs84) {
   kernel.overRadius = 1.0 / kernel.radiusM;
   const double phi0 = parameters.latitudeOfOriginRad;
   kernel.originXi =
-      phi0 + tarvex::SumOf(GeodeticToRectifying(c.n), std::sin(2.0 * phi0), std::cos(2.0 * phi0));
+      phi0 +
+      SinePolynomial(GeodeticToRectifying(c.n)).Sum(std::sin(2.0 * phi0), std::cos(2.0 * phi0));
   kernel.falseEastingM = parameters.falseEastingM;
   kernel.falseNorthingM = parameters.falseNorthingM;
-  kernel.alpha = ConformalToRectifying(c.n);
-  kernel.beta = RectifyingToConformal(c.n);
+  kernel.alphaSeries = ConformalToRectifying(c.n);
+  kernel.alpha = SinePolynomial(kernel.alphaSeries);
+  kernel.beta = SinePolynomial(RectifyingToConformal(c.n));
   return MakeOf(kernel, takesWgs84);
 }
 
