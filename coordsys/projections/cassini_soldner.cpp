@@ -10,8 +10,9 @@ constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kWidest = 0.1;
 constexpr double kWidestLongitude = 0.2;
 constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
+constexpr double kNarrowLongitude = 0.03;  // 1.7 degrees
 constexpr int kMostPasses = 5;
-constexpr double kNearlyClosedM = 1e-5;  // one more step then closes to 1e-7
+constexpr double kNearlyClosedM = 4e-6;  // one more step then closes to 1e-7
 constexpr double kClosing = 1e-9;
 
 struct Kernel {
@@ -64,23 +65,38 @@ struct Kernel {
     const DirectionOf<Lanes> atMu = Toward(mu);
     const Lanes correction = eta.Sum(atMu.Sin2(), atMu.Cos2());
     DirectionOf<Lanes> at = atMu.Turned(correction);
-    const Lanes overCos = 1.0 / at.cos;
-    const Lanes t = at.sin * at.sin * overCos * overCos;
-    const Lanes w2 = 1.0 - ellipsoid.e2 * at.sin * at.sin;
-    const Lanes d = east * SquareRootOf(w2) * overA;
-    const Lanes d2 = d * d;
-    const Lanes drop =
-        at.sin * overCos * w2 * over1LessE2 * d2 * (0.5 - (1.0 + 3.0 * t) * d2 * (1.0 / 24.0));
+    Lanes drop;
+    Lanes lambda;
+    FromFootpoint(east, at, drop, lambda);
     Lanes phi = mu + correction - drop;
-    Lanes lambda = d * (1.0 - t * d2 * (1.0 / 3.0 - (1.0 + 3.0 * t) * d2 * (1.0 / 15.0))) * overCos;
-    at = at.Turned(-drop);
-    LaneMask<Lanes> open = ~LaneMask<Lanes>{};
+    LaneMask<Lanes> open = ~Within(lambda, kNarrowLongitude);
+    if (AnyOf<Lanes>(open)) at = at.Turned(-drop);
     for (int pass = 0; pass < kMostPasses && AnyOf<Lanes>(open); ++pass) {
       Improve(north, east, phi, at, lambda, open);
     }
     position.latitudeRad = phi;
     position.longitudeRad = WrappedLongitude(centralMeridianRad + lambda);
     return inReach & Holds(phi, at, lambda, kClosing);
+  }
+
+  // How far the latitude lies below the footpoint, the point of the central meridian that has the
+  // same northing, and the longitude: the forward series solved for its powers of d, with t and c
+  // of the footpoint. What it leaves out is below 1e-7 m up to kNarrowLongitude.
+  template <typename Lanes>
+  void FromFootpoint(Lanes east, DirectionOf<Lanes> at, Lanes& drop, Lanes& lambda) const noexcept {
+    const Lanes overCos = 1.0 / at.cos;
+    const Lanes tangent = at.sin * overCos;
+    const Lanes t = tangent * tangent;
+    const Lanes c = ellipsoid.ep2 * at.cos * at.cos;
+    const Lanes d = east * SquareRootOf(1.0 - ellipsoid.e2 * at.sin * at.sin) * overA;
+    const Lanes d2 = d * d;
+    const Lanes drop4 = ((9.0 * c - 3.0) * t - 1.0) * (1.0 / 24.0);
+    const Lanes drop6 =
+        (((44.0 - 90.0 * c) * t + (88.0 + 138.0 * c)) * t - (60.0 + 150.0 * c)) * (1.0 / 720.0);
+    drop = tangent * (1.0 + c) * d2 * (0.5 + d2 * (drop4 + d2 * drop6));
+    const Lanes lambda5 = (8.0 + 24.0 * t + 3.0 * c) * (1.0 / 120.0);
+    const Lanes lambda7 = (37.0 - (114.0 + 102.0 * t) * t) * (1.0 / 720.0);
+    lambda = d * overCos * (1.0 - t * d2 * (1.0 / 3.0 - d2 * (lambda5 + d2 * lambda7)));
   }
 
   template <typename Lanes>
