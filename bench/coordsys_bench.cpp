@@ -4,6 +4,7 @@
 #include <proj.h>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -13,6 +14,7 @@
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/projections/cassini_soldner.h"
 #include "coordsys/projections/double_cylindrical.h"
+#include "coordsys/projections/lanes.h"
 #include "coordsys/projections/oblique_mercator.h"
 #include "coordsys/projections/projection.h"
 #include "core/units.h"
@@ -128,24 +130,44 @@ void Project(const Pj& pj, PJ_DIRECTION direction, std::vector<double>& x, std::
                      sizeof(double), y.size(), nullptr, 0, 0, nullptr, 0, 0);
 }
 
-void AddBatch(const Job& job, Maker maker) {
-  const std::string name = job.name;
-  const auto projection = ProjectionOf(job, maker);
-  const auto points = std::make_shared<Points>(job);
-  const auto pj = std::make_shared<Pj>(proj_create(nullptr, job.proj));
-  if (projection->Forward(points->latitude, points->longitude, points->northing, points->easting) !=
-      0) {
-    std::abort();
+using Ways = std::array<std::shared_ptr<const Projection>, 2>;
+
+// As this processor computes, and as one without 256-bit registers does.
+Ways WaysOf(const Job& job, Maker maker) {
+  Ways ways;
+  ways[0] = ProjectionOf(job, maker);
+  WithoutFourLanes(true);
+  ways[1] = ProjectionOf(job, maker);
+  WithoutFourLanes(false);
+  return ways;
+}
+
+void AddOurs(const std::string& job, const Ways& ways,
+             const std::function<void(benchmark::State&, const Projection&)>& run) {
+  const char* const names[] = {"/tarvex", "/two lanes"};
+  for (std::size_t i = 0; i < ways.size(); ++i) {
+    benchmark::RegisterBenchmark(
+        (job + names[i]).c_str(),
+        [run, projection = ways[i]](benchmark::State& state) { run(state, *projection); });
   }
-  benchmark::RegisterBenchmark((name + "_forward/tarvex").c_str(), [=](benchmark::State& state) {
+}
+
+void AddPeer(const std::string& job, const std::function<void(benchmark::State&)>& run) {
+  benchmark::RegisterBenchmark((job + "/PROJ").c_str(), run);
+}
+
+void AddBatch(const Job& job, const Ways& ways, const std::shared_ptr<Points>& points,
+              const std::shared_ptr<Pj>& pj) {
+  const std::string name = job.name;
+  AddOurs(name + "_forward", ways, [=](benchmark::State& state, const Projection& projection) {
     Points own = *points;
     for (auto _ : state) {
       benchmark::DoNotOptimize(
-          projection->Forward(own.latitude, own.longitude, own.northing, own.easting));
+          projection.Forward(own.latitude, own.longitude, own.northing, own.easting));
       benchmark::ClobberMemory();
     }
   });
-  benchmark::RegisterBenchmark((name + "_forward/PROJ").c_str(), [=](benchmark::State& state) {
+  AddPeer(name + "_forward", [=](benchmark::State& state) {
     Points own = *points;
     for (auto _ : state) {
       own.easting = points->longitude;
@@ -154,15 +176,15 @@ void AddBatch(const Job& job, Maker maker) {
       benchmark::ClobberMemory();
     }
   });
-  benchmark::RegisterBenchmark((name + "_inverse/tarvex").c_str(), [=](benchmark::State& state) {
+  AddOurs(name + "_inverse", ways, [=](benchmark::State& state, const Projection& projection) {
     Points own = *points;
     for (auto _ : state) {
       benchmark::DoNotOptimize(
-          projection->Inverse(own.northing, own.easting, own.latitude, own.longitude));
+          projection.Inverse(own.northing, own.easting, own.latitude, own.longitude));
       benchmark::ClobberMemory();
     }
   });
-  benchmark::RegisterBenchmark((name + "_inverse/PROJ").c_str(), [=](benchmark::State& state) {
+  AddPeer(name + "_inverse", [=](benchmark::State& state) {
     Points own = *points;
     for (auto _ : state) {
       own.longitude = points->easting;
@@ -173,26 +195,43 @@ void AddBatch(const Job& job, Maker maker) {
   });
 }
 
-void AddSingle(const Job& job) {
+// One position a call: what collecting and staking do.
+void AddSingle(const Job& job, const Ways& ways, const std::shared_ptr<Points>& points,
+               const std::shared_ptr<Pj>& pj) {
   const std::string name = std::string(job.name) + "_single";
-  const auto projection = ProjectionOf(job, nullptr);
-  const auto points = std::make_shared<Points>(job);
-  const auto pj = std::make_shared<Pj>(proj_create(nullptr, job.proj));
-  benchmark::RegisterBenchmark((name + "/tarvex").c_str(), [=](benchmark::State& state) {
+  AddOurs(name + "_forward", ways, [=](benchmark::State& state, const Projection& projection) {
     for (auto _ : state) {
       for (std::size_t i = 0; i < kPoints; ++i) {
         PlanePoint point;
         benchmark::DoNotOptimize(
-            projection->Forward(LatLon{points->latitude[i], points->longitude[i]}, point));
+            projection.Forward(LatLon{points->latitude[i], points->longitude[i]}, point));
         benchmark::DoNotOptimize(point);
       }
     }
   });
-  benchmark::RegisterBenchmark((name + "/PROJ").c_str(), [=](benchmark::State& state) {
+  AddPeer(name + "_forward", [=](benchmark::State& state) {
     for (auto _ : state) {
       for (std::size_t i = 0; i < kPoints; ++i) {
         benchmark::DoNotOptimize(proj_trans(
             pj->get(), PJ_FWD, proj_coord(points->longitude[i], points->latitude[i], 0.0, 0.0)));
+      }
+    }
+  });
+  AddOurs(name + "_inverse", ways, [=](benchmark::State& state, const Projection& projection) {
+    for (auto _ : state) {
+      for (std::size_t i = 0; i < kPoints; ++i) {
+        LatLon position;
+        benchmark::DoNotOptimize(
+            projection.Inverse(PlanePoint{points->northing[i], points->easting[i]}, position));
+        benchmark::DoNotOptimize(position);
+      }
+    }
+  });
+  AddPeer(name + "_inverse", [=](benchmark::State& state) {
+    for (auto _ : state) {
+      for (std::size_t i = 0; i < kPoints; ++i) {
+        benchmark::DoNotOptimize(proj_trans(
+            pj->get(), PJ_INV, proj_coord(points->easting[i], points->northing[i], 0.0, 0.0)));
       }
     }
   });
@@ -206,12 +245,22 @@ void SearchCatalogue(benchmark::State& state) {
 }
 BENCHMARK(SearchCatalogue)->Name("catalogue_open_and_search/tarvex")->Unit(benchmark::kMillisecond);
 
+void Add(const Job& job, Maker maker) {
+  const Ways ways = WaysOf(job, maker);
+  const auto points = std::make_shared<Points>(job);
+  const auto pj = std::make_shared<Pj>(proj_create(nullptr, job.proj));
+  if (ways[0]->Forward(points->latitude, points->longitude, points->northing, points->easting)) {
+    std::abort();
+  }
+  AddBatch(job, ways, points, pj);
+  AddSingle(job, ways, points, pj);
+}
+
 const bool kAdded = [] {
-  for (const Job& job : kJobs) AddBatch(job, nullptr);
-  AddBatch(kLibraryJobs[0], MakeCassiniSoldner);
-  AddBatch(kLibraryJobs[1], MakeObliqueMercatorB);
-  AddBatch(kLibraryJobs[2], MakeDoubleCylindrical);
-  for (const Job& job : kJobs) AddSingle(job);
+  for (const Job& job : kJobs) Add(job, nullptr);
+  Add(kLibraryJobs[0], MakeCassiniSoldner);
+  Add(kLibraryJobs[1], MakeObliqueMercatorB);
+  Add(kLibraryJobs[2], MakeDoubleCylindrical);
   return true;
 }();
 
