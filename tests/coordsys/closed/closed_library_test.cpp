@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "coordsys/projections/projection.h"
 #include "core/units.h"
 #include "tests/coordsys/modules.h"
+#include "tests/coordsys/scripted_libraries.h"
 
 namespace tarvex {
 namespace {
@@ -25,34 +25,6 @@ int Doubled(double first, double second, double* firstOut, double* secondOut,
   *secondOut = 2.0 * second;
   return 1;
 }
-
-// Libraries that exist only here, and what was asked of them.
-struct ScriptedLibraries : RunTimeLibraries {
-  bool loads = true;
-  std::map<std::string, void*> entries;
-  std::vector<std::string> asked;
-
-  struct Library : RunTimeLibrary {
-    ScriptedLibraries& all;
-    explicit Library(ScriptedLibraries& libraries) : all(libraries) {}
-    void* Find(const char* entryName) override {
-      all.asked.emplace_back(entryName);
-      const auto at = all.entries.find(entryName);
-      return at == all.entries.end() ? nullptr : at->second;
-    }
-  };
-
-  std::unique_ptr<RunTimeLibrary> Load(const std::string& name, std::string& why) override {
-    asked.push_back(name);
-    why = "not here";
-    return loads ? std::make_unique<Library>(*this) : nullptr;
-  }
-};
-
-struct CountedMessages : MessageBox {
-  std::vector<std::string> texts;
-  void Show(std::string_view, std::string_view text) override { texts.emplace_back(text); }
-};
 
 ProjectionRecord Record(ProjectionType type, int area = 0) {
   ProjectionRecord record;
