@@ -29,14 +29,14 @@ bool IsNad27(const ProjectionRecord& record) {
 
 DatumRoute DatumRouteOf(const ProjectionRecord& record, bool definitionGivesShift) {
   const FamilyDatum familyDatum = FamilyOf(record.projectionType).datum;
+  if (familyDatum == FamilyDatum::Wgs84) return DatumRoute::WithinProjection;
   const bool hasShift = HasDatumShift(record);
   if (IsNad27(record) && (familyDatum == FamilyDatum::Nad27Zone || !hasShift)) {
     return DatumRoute::NadConverter;
   }
   if (hasShift) return DatumRoute::SevenParameters;
   if (StandsOnWgs84(record)) return DatumRoute::Coincident;
-  if (definitionGivesShift) return DatumRoute::SevenParameters;
-  return familyDatum == FamilyDatum::Wgs84 ? DatumRoute::WithinProjection : DatumRoute::Unknown;
+  return definitionGivesShift ? DatumRoute::SevenParameters : DatumRoute::Unknown;
 }
 
 }  // namespace tarvex

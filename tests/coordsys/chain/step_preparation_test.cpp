@@ -120,7 +120,13 @@ TEST(StepPreparation, KnowsWhichDatumsNeedAChoice) {
   EXPECT_TRUE(KnowsShift(RecordOf(ProjectionType::ObliqueMercatorEov, "HD72", kBessel), false));
 
   Sources sources;
-  // Type 12 and 15 shift inside: a choice would do nothing, and is refused.
+  // Types 6, 12 and 15 shift inside: the definition's numbers make no step, and a choice, which
+  // would do nothing either, is refused.
+  for (const auto type :
+       {ProjectionType::TransverseMercatorOstn02, ProjectionType::TransverseMercator34,
+        ProjectionType::ObliqueMercatorEov}) {
+    EXPECT_EQ(sources.Prepare(RecordOf(type, "D", kBessel, 446.0), {}).steps.datumShift, nullptr);
+  }
   const auto eov = ProjectionType::ObliqueMercatorEov;
   const PreparedSteps chosen =
       sources.Prepare(RecordOf(eov, "HD72", kBessel), {.shift = "TOWGS84=1,2,3", .geoid = ""});
