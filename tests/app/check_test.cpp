@@ -71,13 +71,36 @@ std::string WithoutBlock(const std::string& notes, const std::string& id) {
   return notes.substr(0, start) + (end == std::string::npos ? "" : notes.substr(end));
 }
 
-TEST(Check, FindsEachDamage) {
-  constexpr std::size_t kHeader = 104;
-  constexpr std::size_t kRecord = 66;
-  struct Damage {
-    const char* kind;
-    std::function<void(ProgramFolder&)> make;
-  };
+constexpr std::size_t kHeader = 104;
+constexpr std::size_t kRecord = 66;
+
+void SwapFirstRecords(ProgramFolder& folder) {
+  const std::string crd = folder.Read("site.crd");
+  folder.Write("site.crd", crd.substr(0, kHeader) + crd.substr(kHeader + kRecord, kRecord) +
+                               crd.substr(kHeader, kRecord) + crd.substr(kHeader + 2 * kRecord));
+}
+
+void FirstRecordTwice(ProgramFolder& folder) {
+  const std::string crd = folder.Read("site.crd");
+  folder.Write("site.crd", crd.substr(0, kHeader + kRecord) + crd.substr(kHeader));
+}
+
+void WithoutFirstRecord(ProgramFolder& folder) {
+  const std::string crd = folder.Read("site.crd");
+  folder.Write("site.crd", crd.substr(0, kHeader) + crd.substr(kHeader + kRecord));
+}
+
+void CutRawFile(ProgramFolder& folder) {
+  const std::string raw = folder.Read("site.rw5");
+  folder.Write("site.rw5", raw + "\nSP,PN2,N 4.0000,E 5.00");
+}
+
+struct Damage {
+  const char* kind;
+  std::function<void(ProgramFolder&)> make;
+};
+
+std::vector<Damage> Damages() {
   const auto append = [](const char* name, const std::string& text) {
     return [=](ProgramFolder& folder) { folder.Write(name, folder.Read(name) + text); };
   };
@@ -88,24 +111,7 @@ TEST(Check, FindsEachDamage) {
     return
         [=](ProgramFolder& folder) { ASSERT_TRUE(SystemFiles().Remove(folder.Path(name)).ok()); };
   };
-  const auto swapFirstRecords = [=](ProgramFolder& folder) {
-    const std::string crd = folder.Read("site.crd");
-    folder.Write("site.crd", crd.substr(0, kHeader) + crd.substr(kHeader + kRecord, kRecord) +
-                                 crd.substr(kHeader, kRecord) + crd.substr(kHeader + 2 * kRecord));
-  };
-  const auto firstRecordTwice = [=](ProgramFolder& folder) {
-    const std::string crd = folder.Read("site.crd");
-    folder.Write("site.crd", crd.substr(0, kHeader + kRecord) + crd.substr(kHeader));
-  };
-  const auto withoutFirstRecord = [=](ProgramFolder& folder) {
-    const std::string crd = folder.Read("site.crd");
-    folder.Write("site.crd", crd.substr(0, kHeader) + crd.substr(kHeader + kRecord));
-  };
-  const auto cutRawFile = [](ProgramFolder& folder) {
-    const std::string raw = folder.Read("site.rw5");
-    folder.Write("site.rw5", raw + "\nSP,PN2,N 4.0000,E 5.00");
-  };
-  const Damage damages[] = {
+  return {
       {"settings-missing", remove("site.job")},
       {"setting-unused", append("site.job", "gate_hrm=0.02\n")},
       {"setting-unused", append("site.job", "gate_hrms=0,02\n")},
@@ -115,10 +121,10 @@ TEST(Check, FindsEachDamage) {
       {"layout", edit("site.rw5", "--CRD: Alphanumeric", "--CRD: Numeric")},
       {"file-left", [](ProgramFolder& folder) { folder.Write("site.job.tmp", "x"); }},
       {"trailing-bytes", append("site.crd", "torn")},
-      {"order", swapFirstRecords},
-      {"id-twice", firstRecordTwice},
-      {"record-broken", cutRawFile},
-      {"no-coordinates", withoutFirstRecord},
+      {"order", SwapFirstRecords},
+      {"id-twice", FirstRecordTwice},
+      {"record-broken", CutRawFile},
+      {"no-coordinates", WithoutFirstRecord},
       {"no-observation", edit("site.rw5", "SP,PN3,", "SP,PN2,")},
       {"still-there", append("site.rw5", "\n--Deleted point:SP,PN2,N 4.0000,E 5.0000,EL6.0000,--")},
       {"coordinates", append("site.rw5", "\nSP,PN2,N 4.0000,E 5.0001,EL6.0000,--")},
@@ -130,9 +136,12 @@ TEST(Check, FindsEachDamage) {
       {"note-twice", append("site.not", "PT_ID:1\nNOTE1,again\n")},
       {"note-without-point", append("site.not", "PT_ID:77\nNOTE1,what?\n")},
   };
+}
+
+TEST(Check, FindsEachDamage) {
   ProgramFolder whole;
   MakeWholeJob(whole);
-  for (const Damage& damage : damages) {
+  for (const Damage& damage : Damages()) {
     ProgramFolder folder;
     for (const char* name : {"site.crd", "site.job", "site.rw5", "site.not"}) {
       folder.Write(name, whole.Read(name));

@@ -117,6 +117,43 @@ TEST(Commands, SayWhatTheyWaitFor) {
   EXPECT_EQ(stored.output, "Stored point A.\n");
 }
 
+struct WrongUse {
+  const char* line;
+  int exitCode;
+  const char* errors;  // a part of what is said
+};
+
+const WrongUse kWrongUses[] = {
+    {"", 2, "Say which of these commands"},
+    {"collct", 2, "There is no command \"collct\". Did you mean collect?"},
+    {"points --jsn numbers.crd", 2, "There is no option --jsn. Did you mean --json?"},
+    {"frobnicate", 2, "There is no command \"frobnicate\""},
+    {"road frobnicate", 2, "There is no command \"frobnicate\""},
+    {"store numbers.crd 1 1 2 -x", 2, "goes after \"--\""},
+    {"new site", 2, "ends in .crd: site.crd?"},
+    {"new folder/", 2, "ends in .crd: folder/site.crd?"},
+    {"new folder/.crd", 2, "needs a name before .crd"},
+    {"new numbers.crd", 1, "numbers.crd exists; a new job overwrites nothing"},
+    {"new x.crd --scale-factor zero", 2, "\"zero\" is not a number from 0.5 to 2"},
+    {"new x.crd --system nowhere", 1, "There is no coordinate system \"nowhere\""},
+    {"new x.crd --definition none.txt", 1, "none.txt cannot be read: No such file"},
+    {"new x.crd --units furlongs", 2, "furlongs"},
+    {"points none.crd", 1, "There is no job none.crd"},
+    {"points numbers", 1, "There is no job numbers; there is numbers.crd."},
+    {"store numbers.crd A1 1 2 3", 2, "\"A1\" is not a point number"},
+    {"store numbers.crd 2000000 1 2 3", 2, "would leave 1999999 numbers empty"},
+    {"store numbers.crd 1 0 0 0", 2, "counts as no point"},
+    {"new x.crd --definition feet.txt", 1, "foot"},
+    {"store numbers.crd 1 1 2,5 3", 2, "The easting \"2,5\" is not a number"},
+    {"store numbers.crd 1 nan 2 3", 2, "The northing \"nan\" is not a number"},
+    {"store numbers.crd 1 1 2 1e300", 2, "The elevation \"1e300\" is out of range"},
+    {"note numbers.crd 9", 1, "There is no point 9"},
+    {"collect numbers.crd --receiver usb", 2, "usb"},
+    {"collect numbers.crd --receiver simulated", 1, "no coordinate system"},
+    {"convert", 2, "--system NAME, --definition FILE, or --job"},
+    {"systems xyzzy", 1, "\"xyzzy\""},
+};
+
 TEST(Commands, NameWhatIsWrong) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("new numbers.crd --numeric").exitCode, 0);
@@ -127,47 +164,17 @@ TEST(Commands, NameWhatIsWrong) {
       "PARAMETER[\"latitude_of_origin\",0],PARAMETER[\"scale_factor\",1],"
       "PARAMETER[\"false_easting\",0],PARAMETER[\"false_northing\",0],"
       "UNIT[\"US survey foot\",0.304800609601219]]");
-  struct Case {
-    const char* line;
-    int exitCode;
-    const char* errors;  // a part of what is said
-  };
-  const Case cases[] = {
-      {"", 2, "Say which of these commands"},
-      {"collct", 2, "There is no command \"collct\". Did you mean collect?"},
-      {"points --jsn numbers.crd", 2, "There is no option --jsn. Did you mean --json?"},
-      {"frobnicate", 2, "There is no command \"frobnicate\""},
-      {"road frobnicate", 2, "There is no command \"frobnicate\""},
-      {"store numbers.crd 1 1 2 -x", 2, "goes after \"--\""},
-      {"new site", 2, "ends in .crd: site.crd?"},
-      {"new folder/", 2, "ends in .crd: folder/site.crd?"},
-      {"new folder/.crd", 2, "needs a name before .crd"},
-      {"new numbers.crd", 1, "numbers.crd exists; a new job overwrites nothing"},
-      {"new x.crd --scale-factor zero", 2, "\"zero\" is not a number from 0.5 to 2"},
-      {"new x.crd --system nowhere", 1, "There is no coordinate system \"nowhere\""},
-      {"new x.crd --definition none.txt", 1, "none.txt cannot be read: No such file"},
-      {"new x.crd --units furlongs", 2, "furlongs"},
-      {"points none.crd", 1, "There is no job none.crd"},
-      {"points numbers", 1, "There is no job numbers; there is numbers.crd."},
-      {"store numbers.crd A1 1 2 3", 2, "\"A1\" is not a point number"},
-      {"store numbers.crd 2000000 1 2 3", 2, "would leave 1999999 numbers empty"},
-      {"store numbers.crd 1 0 0 0", 2, "counts as no point"},
-      {"new x.crd --definition feet.txt", 1, "foot"},
-      {"store numbers.crd 1 1 2,5 3", 2, "The easting \"2,5\" is not a number"},
-      {"store numbers.crd 1 nan 2 3", 2, "The northing \"nan\" is not a number"},
-      {"store numbers.crd 1 1 2 1e300", 2, "The elevation \"1e300\" is out of range"},
-      {"note numbers.crd 9", 1, "There is no point 9"},
-      {"collect numbers.crd --receiver usb", 2, "usb"},
-      {"collect numbers.crd --receiver simulated", 1, "no coordinate system"},
-      {"convert", 2, "--system NAME, --definition FILE, or --job"},
-      {"systems xyzzy", 1, "\"xyzzy\""},
-  };
-  for (const Case& c : cases) {
+  for (const WrongUse& c : kWrongUses) {
     const ProgramResult result = folder.Run(c.line);
     EXPECT_EQ(result.exitCode, c.exitCode) << c.line;
     EXPECT_NE(result.errors.find(c.errors), std::string::npos) << c.line << "\n" << result.errors;
     EXPECT_EQ(result.output, "") << c.line;
   }
+}
+
+TEST(Commands, NameTheFileThatIsWrong) {
+  ProgramFolder folder;
+  EXPECT_EQ(folder.Run("new numbers.crd --numeric").exitCode, 0);
   folder.Write("numbers.job", "units=metres\nscale_factor=-1\n");
   EXPECT_NE(folder.Run("points numbers.crd").errors.find("scale_factor=-1 makes no sense"),
             std::string::npos);
