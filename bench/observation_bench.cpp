@@ -76,7 +76,7 @@ class ObservedJob {
 
   void Store(const Point& point, Settling settling) {
     const auto unit = JobUnit::Begin(job_);
-    job_.currentPointId = point.id.str();
+    job_.ids.current = point.id.str();
     if (StorePoint(job_, point.at, point.description.view(), true, &unit->coordinates()) !=
         StorePointResult::Stored) {
       std::exit(1);

@@ -67,7 +67,7 @@ struct BenchJob {
 
   void Store(const Point& point) {
     const auto stream = OpenCoordinateFile(job);
-    job.currentPointId = point.id.str();
+    job.ids.current = point.id.str();
     if (StorePoint(job, point.at, point.description.view(), true, stream.get()) !=
         StorePointResult::Stored) {
       std::exit(1);

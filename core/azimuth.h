@@ -13,7 +13,7 @@ constexpr double NormaliseAzimuth(double degrees) {
 
 /// The azimuth in degrees as the job's files carry it: counted from south where the job says so.
 constexpr double RecordedAzimuth(const Job& job, double degrees) {
-  return job.azimuthsFromSouth ? NormaliseAzimuth(degrees - 180.0) : degrees;
+  return job.options.azimuthsFromSouth ? NormaliseAzimuth(degrees - 180.0) : degrees;
 }
 
 /// Azimuth in radians from one point to another by its cosine, 0 to 2 pi; 0 for coincident points.

@@ -12,10 +12,17 @@
 
 namespace tarvex {
 
+/// Where the records of a file are.
+struct RecordLayout {
+  std::uint64_t headerSize = 0;
+  std::uint64_t recordSize = 0;
+};
+
 /// Numeric layout: 56-byte records, record 0 is the header, record k is point number k.
 namespace numeric_layout {
 
 inline constexpr std::size_t kRecordSize = 56;
+inline constexpr RecordLayout kLayout{.headerSize = kRecordSize, .recordSize = kRecordSize};
 
 /// The header of a file: highest point number and creation date as YYYY.MMDD.
 std::string EncodeHeader(long long highestNumber, const LocalTime& created);
@@ -41,6 +48,7 @@ inline constexpr std::size_t kHeaderSize = 104;
 inline constexpr std::size_t kRecordSize = 66;
 inline constexpr std::size_t kIdOffset = 56;
 inline constexpr std::size_t kIdSize = 10;
+inline constexpr RecordLayout kLayout{.headerSize = kHeaderSize, .recordSize = kRecordSize};
 
 enum class Signature { None, Older, Sorted };
 

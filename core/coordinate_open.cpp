@@ -123,8 +123,8 @@ std::unique_ptr<CoordinateFile> MakeStream(Job& job, Opened opened) {
   }
   auto stream =
       std::make_unique<CoordinateFile>(job, std::move(opened.file), alphanumeric, opened.size);
-  job.alphanumeric = alphanumeric;
-  if (status = TakeLastPoint(job, *stream); !status.ok()) {
+  job.store.alphanumeric = alphanumeric;
+  if (status = stream->store().TakeLastPoint(); !status.ok()) {
     return Tell(job, kCannotOpen, status), nullptr;
   }
   return stream;
@@ -156,33 +156,13 @@ void SetInformation(Job& job, const LocalTime& now) {
 FileStatus Create(Job& job, bool creatingJob) {
   const LocalTime now = job.host.clock().Now();
   if (!creatingJob) SetInformation(job, now);
-  const std::string header = job.alphanumericNewFiles ? alphanumeric_layout::EncodeHeader(now)
-                                                      : numeric_layout::EncodeHeader(0, now);
+  const std::string header = job.options.alphanumericNewFiles
+                                 ? alphanumeric_layout::EncodeHeader(now)
+                                 : numeric_layout::EncodeHeader(0, now);
   return CreateWholeFile(job.host.files(), job.path, header);
 }
 
 }  // namespace
-
-FileStatus TakeLastPoint(Job& job, CoordinateFile& stream) {
-  job.lastPointId = "0";
-  job.lastPointNumber = 0;
-  if (!stream.alphanumeric()) {
-    std::string header(numeric_layout::kRecordSize, '\0');
-    std::size_t got = 0;
-    if (FileStatus status = stream.ReadBytes(0, header, got); !status.ok()) return status;
-    const long long claimed = got == 0 ? 0 : numeric_layout::DecodeHighestNumber(header);
-    job.lastPointNumber = std::min(claimed, static_cast<long long>(stream.recordCount()));
-    job.lastPointId = std::to_string(job.lastPointNumber);
-    return {};
-  }
-  if (stream.recordCount() == 0) return {};
-  Point last;
-  const FileStatus status = stream.ReadRecord(stream.recordCount() - 1, last);
-  if (!status.ok()) return status;
-  job.lastPointId = last.id.str();
-  job.lastPointNumber = PointIdNumber(job.lastPointId);
-  return {};
-}
 
 std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creatingJob) {
   if (!job.host.files().Exists(job.path)) {

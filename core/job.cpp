@@ -1,16 +1,11 @@
 #include "core/job.h"
 
-#include "core/number_text.h"
-#include "core/point_id.h"
+#include "core/point_key.h"
 
 namespace tarvex {
 
 void AdvanceCurrentPoint(Job& job) {
-  if (job.alphanumeric) {
-    job.currentPointId = NextPointId(PointId(job.currentPointId), job.pointIncrement).str();
-    return;
-  }
-  job.currentPointId = std::to_string(LeadingInteger(job.currentPointId) + job.pointIncrement);
+  job.ids.current = IdAfter(job.ids.current, job.ids.increment, job.store.alphanumeric);
 }
 
 }  // namespace tarvex

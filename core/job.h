@@ -2,8 +2,9 @@
 // Files are opened for each operation and closed again; the job never holds one open.
 #pragma once
 
+#include <cstdint>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "core/job_files.h"
 #include "core/point.h"
@@ -51,33 +52,51 @@ struct InstrumentSetup {
   bool operator==(const InstrumentSetup&) const = default;
 };
 
+/// The coordinate file as it was when it was last opened or stored into.
+struct StoreState {
+  bool alphanumeric = true;       ///< the layout; decided when the file is opened
+  std::string lastPointId = "0";  ///< "0" in an empty file
+  long long lastPointNumber = 0;  ///< numeric: the highest; alphanumeric: with which lastPointId
+                                  ///< begins, else 0
+  std::uint64_t foundRecordPosition = 0;  ///< of the last lookup in an alphanumeric file; bytes
+  Point lastStoredPoint;
+
+  /// "Alphanumeric" or "Numeric", as the raw file names it.
+  std::string_view layoutName() const { return alphanumeric ? "Alphanumeric" : "Numeric"; }
+};
+
+/// Which id the next store uses, and how it goes on from there.
+struct IdSequence {
+  std::string current;  ///< a number in a numeric file
+  long long increment = 1;
+};
+
+/// How the job counts and measures, and how it names what collects.
+struct JobOptions {
+  bool alphanumericNewFiles = true;
+  DistanceUnit unit = DistanceUnit::Metres;
+  bool azimuthsFromSouth = false;
+  double scaleFactor = 1.0;
+  bool curvatureCorrection = false;
+  std::string collector = "Tarvex";  ///< identification line of the raw file
+};
+
 struct Job {
   explicit Job(JobHost& jobHost) : host(jobHost) {}
 
   JobHost& host;
   std::string path;  ///< of the coordinate file
   std::string name;  ///< written into the raw file; empty for a job without a name
-  bool alphanumericNewFiles = true;
-
-  // As the file was when it was last opened or stored into.
-  bool alphanumeric = true;
-  std::string lastPointId = "0";
-  long long lastPointNumber = 0;
-
-  std::string currentPointId;  ///< the next store uses it: a number in a numeric file
-  long long pointIncrement = 1;
-  std::uint64_t foundRecordPosition = 0;  ///< of the last lookup in an alphanumeric file
-  Point lastStoredPoint;
+  JobOptions options;
   JobInformation information;
   InstrumentSetup setup;
+
+  StoreState store;
+  IdSequence ids;
+
+  // What is remembered between two operations, and checked against the files before it is used.
   JournalPlace journal;  ///< what this program has not yet settled
   NoteIndex noted;       ///< the points that have a block in the notes
-
-  DistanceUnit unit = DistanceUnit::Metres;
-  bool azimuthsFromSouth = false;
-  double scaleFactor = 1.0;
-  bool curvatureCorrection = false;
-  std::string collector = "Tarvex";  ///< identification line of the raw file
 };
 
 /// Moves the job's current point id on by its increment, after a store.

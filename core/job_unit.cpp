@@ -62,22 +62,15 @@ std::unique_ptr<JobUnit> JobUnit::Begin(Job& job) {
 }
 
 JobUnit::JobUnit(Job& job, std::unique_ptr<CoordinateFile> stream)
-    : job_(job),
-      stream_(std::move(stream)),
-      lastPointId_(job.lastPointId),
-      lastPointNumber_(job.lastPointNumber),
-      currentPointId_(job.currentPointId),
-      lastStoredPoint_(job.lastStoredPoint) {}
+    : job_(job), stream_(std::move(stream)), store_(job.store), ids_(job.ids) {}
 
 JobUnit::~JobUnit() {
   if (!done_) TakeBackJobState();
 }
 
 void JobUnit::TakeBackJobState() {
-  job_.lastPointId = lastPointId_;
-  job_.lastPointNumber = lastPointNumber_;
-  job_.currentPointId = currentPointId_;
-  job_.lastStoredPoint = lastStoredPoint_;
+  job_.store = store_;
+  job_.ids = ids_;
 }
 
 void JobUnit::AppendRaw(std::span<const std::string> records) {

@@ -69,10 +69,8 @@ class JobUnit {
   bool done_ = false;
 
   // What a store changes in the job, as it was before.
-  std::string lastPointId_;
-  long long lastPointNumber_;
-  std::string currentPointId_;
-  Point lastStoredPoint_;
+  StoreState store_;
+  IdSequence ids_;
 };
 
 enum class [[nodiscard]] FinishJobResult{

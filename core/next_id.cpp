@@ -1,7 +1,5 @@
 #include "core/next_id.h"
 
-#include "core/number_text.h"
-#include "core/point_store.h"
 #include "core/raw_fields.h"
 #include "core/raw_file.h"
 #include "platform/file_bytes.h"
@@ -30,25 +28,13 @@ std::optional<std::string> LastUsed(std::string_view rawFile) {
   return stored;
 }
 
-std::optional<std::string> NextNumber(Job& job, CoordinateFile& stream) {
-  const long long last = ParseInteger(job.currentPointId).value_or(0);
-  if (last < 1) return NextFreePointId(job, stream);
-  for (long long number = last + 1; number <= job.lastPointNumber; ++number) {
-    Point point;
-    if (ReadPoint(job, std::to_string(number), &stream, point) != ReadPointResult::Found) {
-      return std::to_string(number);
-    }
-  }
-  return last >= job.lastPointNumber ? std::to_string(last + 1) : NextFreePointId(job, stream);
-}
-
 }  // namespace
 
 std::optional<std::string> NextIdToUse(Job& job, CoordinateFile& stream) {
   FileBytes rawFile;
   (void)LoadFileBytes(job.host.files(), RawFilePath(job), rawFile);
-  job.currentPointId = LastUsed(rawFile.view()).value_or(job.lastPointId);
-  return job.alphanumeric ? NextFreePointId(job, stream) : NextNumber(job, stream);
+  job.ids.current = LastUsed(rawFile.view()).value_or(job.store.lastPointId);
+  return stream.store().NextUnused(job.ids);
 }
 
 }  // namespace tarvex

@@ -1,8 +1,21 @@
 #include "core/point.h"
 
+#include <algorithm>
 #include <cmath>
 
+#include "core/text.h"
+
 namespace tarvex {
+
+bool IsFinite(const GridPoint& at) {
+  return std::isfinite(at.northing) && std::isfinite(at.easting) && std::isfinite(at.elevation);
+}
+
+Description OnOneLine(const Description& description) {
+  const std::string_view text = description.view();
+  return std::none_of(text.begin(), text.end(), IsControl) ? description
+                                                           : Description(OneLine(text));
+}
 
 bool IsEmptySlot(const Point& point) {
   constexpr double kZero = 1e-6;

@@ -33,6 +33,12 @@ struct Point {
   bool operator==(const Point&) const = default;
 };
 
+/// The coordinates are numbers.
+bool IsFinite(const GridPoint& at);
+
+/// The description with its control characters as blanks, as files hold it.
+Description OnOneLine(const Description& description);
+
 /// True when the record stands for no point: a blank description and all three coordinates within
 /// 1e-6 of zero.
 bool IsEmptySlot(const Point& point);

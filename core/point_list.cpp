@@ -5,8 +5,6 @@
 
 #include "core/change_journal.h"
 #include "core/coordinate_file.h"
-#include "core/coordinate_layout.h"
-#include "core/number_text.h"
 #include "platform/memory.h"
 
 namespace tarvex {
@@ -15,54 +13,19 @@ namespace {
 constexpr std::uint64_t kBlockRecords = 8192;
 constexpr std::uint64_t kProgressParts = 100;
 
-// Appends the points of a block of records; false when one is not where the other list has it.
-class BlockDecoder {
- public:
-  BlockDecoder(bool alphanumeric, PointList& points, const PointList* verifyAgainst)
-      : alphanumeric_(alphanumeric), points_(points), verifyAgainst_(verifyAgainst) {}
-
-  bool Take(const std::string& block, std::uint64_t first, std::size_t recordSize) {
-    for (std::size_t at = 0; at + recordSize <= block.size(); at += recordSize, ++first) {
-      Point& point = points_.emplace_back();
-      Decode(block.data() + at, first, point);
-      if (IsEmptySlot(point)) {
-        points_.pop_back();
-      } else if (!Verifies(point)) {
-        return false;
-      }
-    }
-    return true;
+// Whether the points from `begin` on have the ids of the other list at the same places.
+bool AgreesFrom(std::size_t begin, const PointList& points, const PointList& other) {
+  if (points.size() > other.size()) return false;
+  for (std::size_t i = begin; i < points.size(); ++i) {
+    if (!(points[i].id == other[i].id)) return false;
   }
-
- private:
-  void Decode(const char* record, std::uint64_t index, Point& point) const {
-    if (alphanumeric_) {
-      alphanumeric_layout::DecodeRecord(record, point);
-      return;
-    }
-    numeric_layout::DecodeRecord(record, point);
-    idText_.clear();
-    AppendInteger(idText_, static_cast<long long>(index) + 1);
-    point.id.Assign(idText_);
-  }
-
-  bool Verifies(const Point& point) const {
-    if (verifyAgainst_ == nullptr) return true;
-    const std::size_t place = points_.size() - 1;
-    return place < verifyAgainst_->size() && (*verifyAgainst_)[place].id == point.id;
-  }
-
-  bool alphanumeric_;
-  PointList& points_;
-  const PointList* verifyAgainst_;
-  mutable std::string idText_;
-};
+  return true;
+}
 
 LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList& points,
                           const PointList* verifyAgainst, const ProgressWindow& progress) {
   points.reserve(static_cast<std::size_t>(count));
   PreferLargePages(points.data(), points.capacity() * sizeof(Point));
-  BlockDecoder decoder(stream.alphanumeric(), points, verifyAgainst);
   std::string block;
   std::uint64_t first = 0;
   for (std::uint64_t part = 1; part <= kProgressParts; ++part) {
@@ -71,7 +34,9 @@ LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList
     while (first < end) {
       const std::uint64_t some = std::min(kBlockRecords, end - first);
       if (!stream.ReadRecords(first, some, block).ok()) return LoadPointsResult::CannotOpen;
-      if (!decoder.Take(block, first, static_cast<std::size_t>(stream.recordSize()))) {
+      const std::size_t before = points.size();
+      stream.store().AppendPoints(block, first, points);
+      if (verifyAgainst != nullptr && !AgreesFrom(before, points, *verifyAgainst)) {
         return LoadPointsResult::Mismatch;
       }
       first += some;

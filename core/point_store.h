@@ -8,36 +8,9 @@
 
 #include "core/coordinate_file.h"
 #include "core/job.h"
+#include "core/point_results.h"
 
 namespace tarvex {
-
-enum class [[nodiscard]] ReadPointResult : int{
-    Found = 1,
-    NotFound = 0,  ///< also an empty id, and a file that cannot be read
-    NoStream = -1,
-    AboveLast = -2,   ///< a number above the highest point number
-    BelowFirst = -3,  ///< a number below 1
-    EmptySlot = -4};
-
-enum class [[nodiscard]] StorePointResult : int{
-    Stored = 1,
-    StoredNotDurable = 2,  ///< stored, but a loss of power may undo it (the person was told)
-    Nothing = 0,           ///< no id to store under, a number that leaves a gap beyond kLargestGap,
-                  ///< coordinates that are not numbers, or the file could not be written (the
-                  ///< person was told what became of it)
-    NoStream = -1, DialogFailed = -2, Cancelled = -55};
-
-/// True when the point is in the file.
-constexpr bool IsStored(StorePointResult result) {
-  return result == StorePointResult::Stored || result == StorePointResult::StoredNotDurable;
-}
-
-enum class [[nodiscard]] DeletePointResult : int{
-    Deleted = 1,
-    DeletedNotDurable = 2,  ///< deleted, but a loss of power may undo it (the person was told)
-    NotFound = 0, NoStream = -1,
-    Failed = -2  ///< the file could not be written (the person was told what became of it)
-};
 
 /// Reads the point with this id (in a numeric file: this number). `point` is written only when
 /// found.

@@ -91,7 +91,8 @@ std::string RawOpeningRecords(Job& job) {
   const FileStatus read = ReadWholeFile(job.host.files(), RawFilePath(job), kLargestScan, bytes);
   if (read.notFound() || (read.ok() && bytes.empty())) return {};
   std::string stamp = TimeStampRecord(job.host.clock().Now());
-  if (!HasLineBeginning(bytes, "--" + job.collector)) stamp.insert(0, CommentRecord(job.collector));
+  if (!HasLineBeginning(bytes, "--" + job.options.collector))
+    stamp.insert(0, CommentRecord(job.options.collector));
   return stamp;
 }
 

@@ -28,15 +28,15 @@ std::string RawHeader(const Job& job, const LocalTime& now) {
                          .str()
                          .substr(1);
   text += RecordText("MO")
-              .Number("AD", job.azimuthsFromSouth ? 1 : 0, 0)
-              .Number("UN", 2 - static_cast<int>(job.unit), 0)
-              .Number("SF", job.scaleFactor, 8)
-              .Number("EC", job.curvatureCorrection ? 1 : 0, 0)
+              .Number("AD", job.options.azimuthsFromSouth ? 1 : 0, 0)
+              .Number("UN", 2 - static_cast<int>(job.options.unit), 0)
+              .Number("SF", job.options.scaleFactor, 8)
+              .Number("EC", job.options.curvatureCorrection ? 1 : 0, 0)
               .Text("EO", "0.0")
               .Text("AU", "0")
               .str();
-  text += CommentRecord(job.collector);
-  return text + CommentRecord(job.alphanumeric ? "CRD: Alphanumeric" : "CRD: Numeric");
+  text += CommentRecord(job.options.collector);
+  return text + CommentRecord("CRD: " + std::string(job.store.layoutName()));
 }
 
 std::string CommentRecord(std::string_view text) {

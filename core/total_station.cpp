@@ -28,11 +28,11 @@ ShotResult StoreShot(Job& job, ShotKind kind, const Shot& shot, const GridPoint&
   ShotResult result;
   const auto unit = JobUnit::Begin(job);
   if (!unit) return {.stored = StorePointResult::NoStream};
-  job.currentPointId = shot.foresightId;
+  job.ids.current = shot.foresightId;
   result.stored = StorePoint(job, at, shot.description, checkExisting, &unit->coordinates());
   if (!IsStored(result.stored)) return result;
   Shot stored = shot;
-  stored.foresightId = job.lastStoredPoint.id.str();  // the person may have chosen another id
+  stored.foresightId = job.store.lastStoredPoint.id.str();  // the person may have chosen another id
   unit->AppendRaw(kind == ShotKind::Traverse ? TraverseRecord(job, stored)
                                              : SideshotRecord(job, stored));
   if (unit->Commit() == ChangeResult::Nothing) return {.stored = StorePointResult::Nothing};

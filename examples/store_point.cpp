@@ -31,13 +31,13 @@ int main(int argc, char** argv) {
   job.path = argv[1];
   const auto unit = tarvex::JobUnit::Begin(job);
   if (!unit) return 1;
-  job.currentPointId = "BM1";
+  job.ids.current = "BM1";
   const tarvex::GridPoint at{.northing = 5236374.1302, .easting = 466723.9302, .elevation = 402.55};
   const tarvex::StorePointResult stored =
       tarvex::StorePoint(job, at, "bench mark", true, &unit->coordinates());
   if (!tarvex::IsStored(stored)) return 1;
-  unit->AppendRaw(tarvex::StoredPointRecord(job.lastStoredPoint, "bench mark"));
+  unit->AppendRaw(tarvex::StoredPointRecord(job.store.lastStoredPoint, "bench mark"));
   unit->EditNote("BM1", {.note = {.pointId = "BM1", .lines = {"brass bolt"}, .qualityLines = {}}});
   if (unit->Commit() != tarvex::ChangeResult::Done) return 1;
-  std::printf("%s is in %s\n", job.lastPointId.c_str(), job.path.c_str());
+  std::printf("%s is in %s\n", job.store.lastPointId.c_str(), job.path.c_str());
 }

@@ -47,7 +47,7 @@ class Session {
   void Do(const Operation& operation) {
     auto stream = OpenCoordinateFile(job_);
     if (!stream) return;
-    if (!job_.alphanumeric && LeadingInteger(operation.id) > kHighestNumber) return;
+    if (!job_.store.alphanumeric && LeadingInteger(operation.id) > kHighestNumber) return;
     switch (operation.choice % 4) {
       case 0:
         return Store(operation, std::move(stream));
@@ -69,16 +69,16 @@ class Session {
   }
 
   void Store(const Operation& operation, std::unique_ptr<CoordinateFile> stream) {
-    job_.currentPointId = operation.id;
+    job_.ids.current = operation.id;
     const bool check = operation.choice >= 128;
     if (StorePoint(job_, At(operation), operation.id, check, stream.get()) !=
         StorePointResult::Stored) {
       return;
     }
-    job_.currentPointId = job_.lastStoredPoint.id.str();
+    job_.ids.current = job_.store.lastStoredPoint.id.str();
     (void)NextFreePointId(job_, *stream);
     stream.reset();  // looking at the file waits for its lock
-    RequireStored(job_.lastStoredPoint);
+    RequireStored(job_.store.lastStoredPoint);
   }
 
   // A file that is not in order, as only a damaged one is, may hide a point; its record is there.

@@ -12,8 +12,8 @@ std::unique_ptr<JobSession> OpenRoadJob(Program& program, const std::string& pat
     program.exitCode = ExitCode::Failed;
     return nullptr;
   }
-  if (session->job().unit == road.unit) return session;
-  (void)program.Misuse("The job is in " + std::string(UnitName(session->job().unit)) +
+  if (session->job().options.unit == road.unit) return session;
+  (void)program.Misuse("The job is in " + std::string(UnitName(session->job().options.unit)) +
                        ", the road in " + std::string(UnitName(road.unit)) + " (--unit).");
   return nullptr;
 }

@@ -9,7 +9,7 @@ std::string ExistsSentence(const std::string& id) {
 ExitCode TellStored(Program& program, JobSession& session, const TypedPointResult& result,
                     Announce announce) {
   if (!result.problem.empty()) return program.Misuse(result.problem);
-  const std::string& wanted = session.job().currentPointId;
+  const std::string& wanted = session.job().ids.current;
   switch (result.stored.result) {
     case StoringResult::Stored:
     case StoringResult::StoredLater:

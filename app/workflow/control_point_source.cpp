@@ -16,7 +16,7 @@ bool TakePosition(const ControlPointSource& source, Job& job, LocalizationPoint&
   }
   std::string raw;
   if (!ReadRawFile(job, raw, problem)) return false;
-  const auto found = FindRawPosition(raw, NormalisePointId(source.gnssId).view(), job.unit);
+  const auto found = FindRawPosition(raw, NormalisePointId(source.gnssId).view(), job.options.unit);
   if (!found) {
     problem = "The raw file holds no GNSS position of point " + source.gnssId + ".";
     return false;

@@ -6,8 +6,8 @@ namespace tarvex {
 
 bool MakeJobCalculator(JobSession& session, CoordinateSystems& systems, CTrgCalculator& calculator,
                        std::string& problem) {
-  if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().unit, calculator,
-                              problem) ||
+  if (!systems.MakeCalculator(SystemOfSettings(session.settings()), session.job().options.unit,
+                              calculator, problem) ||
       !ApplyJobLocalization(session.job(), session.settings(), calculator, problem)) {
     return false;
   }

@@ -53,7 +53,7 @@ class Checker {
     }
     CheckSettings();
     CheckRecordOrder();
-    history_ = ReadRawHistory(raw_.view(), job_.alphanumeric);
+    history_ = ReadRawHistory(raw_.view(), job_.store.alphanumeric);
     check_.rawRecords = history_.records;
     CheckRawHeader();
     CheckBrokenRecords();
@@ -87,7 +87,7 @@ class Checker {
       Add({.fault = JobFault::TrailingBytes,
            .arguments = {std::to_string(stream->trailingBytes())}});
     }
-    if (!job_.alphanumeric) CheckCount(*stream);
+    if (!job_.store.alphanumeric) CheckCount(*stream);
     return true;
   }
 
@@ -123,7 +123,7 @@ class Checker {
   // The order of the file; ids with needless zeros, which have none, are left out.
   void CheckRecordOrder() {
     check_.points = points_.size();
-    if (!job_.alphanumeric) return;
+    if (!job_.store.alphanumeric) return;
     for (std::size_t i = 1; i < points_.size(); ++i) {
       const std::string_view before = points_[i - 1].id.view();
       const std::string_view id = points_[i].id.view();
@@ -145,18 +145,19 @@ class Checker {
       return;
     }
     if (const auto mode = ParseRawMode(raw_.view())) {
-      if (mode->unit && *mode->unit != job_.unit) {
+      if (mode->unit && *mode->unit != job_.options.unit) {
         Add({.fault = JobFault::UnitContradicts,
-             .arguments = {std::string(UnitName(job_.unit)), std::string(UnitName(*mode->unit))}});
+             .arguments = {std::string(UnitName(job_.options.unit)),
+                           std::string(UnitName(*mode->unit))}});
       }
       const auto direction = [](bool south) { return std::string(south ? "south" : "north"); };
       const auto& south = mode->azimuthsFromSouth;
-      if (south && *south != job_.azimuthsFromSouth) {
+      if (south && *south != job_.options.azimuthsFromSouth) {
         Add({.fault = JobFault::AzimuthsContradict,
-             .arguments = {direction(job_.azimuthsFromSouth), direction(*south)}});
+             .arguments = {direction(job_.options.azimuthsFromSouth), direction(*south)}});
       }
     }
-    const std::string layout = job_.alphanumeric ? "Alphanumeric" : "Numeric";
+    const std::string layout(job_.store.layoutName());
     if (!history_.layout.empty() && history_.layout != layout) {
       Add({.fault = JobFault::LayoutContradicts,
            .arguments = {layout, std::string(history_.layout)}});
@@ -192,7 +193,7 @@ class Checker {
 
   Note* TakeNote(std::string_view id, std::size_t line) {
     const auto [note, isNew] =
-        noteOf_.emplace(HistoryKey(id, job_.alphanumeric), Note{.line = line});
+        noteOf_.emplace(HistoryKey(id, job_.store.alphanumeric), Note{.line = line});
     if (isNew) {
       ++check_.notes;
     } else {
@@ -203,7 +204,7 @@ class Checker {
 
   void CheckPoints() {
     for (const Point& point : points_) {
-      const PointId key = HistoryKey(point.id.view(), job_.alphanumeric);
+      const PointId key = HistoryKey(point.id.view(), job_.store.alphanumeric);
       const auto found = history_.points.find(key);
       const auto note = noteOf_.find(key);
       const bool quality = note != noteOf_.end() && note->second.quality;
@@ -241,7 +242,8 @@ class Checker {
   void CheckStoredPoints() {
     std::unordered_map<PointId, bool, PointIdHash> there;
     there.reserve(points_.size());
-    for (const Point& point : points_) there[HistoryKey(point.id.view(), job_.alphanumeric)] = true;
+    for (const Point& point : points_)
+      there[HistoryKey(point.id.view(), job_.store.alphanumeric)] = true;
     std::vector<JobFinding> missing;
     for (const auto& [id, history] : history_.points) {
       if (history.last == Last::Deleted || there.contains(id)) continue;

@@ -97,7 +97,7 @@ std::string LocalizationOffNotice(Job& job, const Settings& settings) {
   if (!ReadJobLocalization(settings, job.path, localization, problem)) return {};
   if (localization.on || localization.path.empty()) return {};
   LocalizationFault fault;
-  const auto read = LoadLocalization(job.host.files(), localization.path, job.unit, fault);
+  const auto read = LoadLocalization(job.host.files(), localization.path, job.options.unit, fault);
   const bool hasNone = read ? read->points.empty() : !job.host.files().Exists(localization.path);
   if (hasNone) return {};
   return "The job's localization (" + localization.path +
@@ -111,7 +111,7 @@ bool ApplyJobLocalization(Job& job, const Settings& settings, CTrgCalculator& ca
   if (!ReadJobLocalization(settings, job.path, localization, problem)) return false;
   if (!localization.on) return true;
   LocalizationFault fault;
-  const auto read = LoadLocalization(job.host.files(), localization.path, job.unit, fault);
+  const auto read = LoadLocalization(job.host.files(), localization.path, job.options.unit, fault);
   const std::string instead = " (tarvex localize " + job.path + " --off works without it.)";
   if (!read) {
     problem =

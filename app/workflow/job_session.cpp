@@ -70,7 +70,7 @@ std::string_view UnitKey(DistanceUnit unit) {
 JobSession::JobSession(const Workplace& work, const std::string& path) : work_(work), job_(*this) {
   job_.path = WithoutLink(path);
   job_.name = JobName(path);
-  job_.collector = ProgramIdentification();
+  job_.options.collector = ProgramIdentification();
 }
 
 JobSession::~JobSession() {
@@ -149,12 +149,12 @@ bool JobSession::TakeSettings() {
   const std::string scaleText = settings_.GetOr("scale_factor", "1");
   const auto scale = ParseNumber(scaleText);
   if (!scale || *scale <= 0.0) return refuse("scale_factor", scaleText, "a number above 0");
-  job_.unit = *ParseUnit(settings_.GetOr("units", "metres"));
-  job_.scaleFactor = *scale;
+  job_.options.unit = *ParseUnit(settings_.GetOr("units", "metres"));
+  job_.options.scaleFactor = *scale;
   job_.name = settings_.GetOr("name", job_.name);
-  job_.alphanumericNewFiles = settings_.GetOr("ids", "alphanumeric") != "numeric";
-  job_.azimuthsFromSouth = settings_.GetOr("azimuths", "north") == "south";
-  job_.curvatureCorrection = settings_.GetOr("curvature_correction", "0") == "1";
+  job_.options.alphanumericNewFiles = settings_.GetOr("ids", "alphanumeric") != "numeric";
+  job_.options.azimuthsFromSouth = settings_.GetOr("azimuths", "north") == "south";
+  job_.options.curvatureCorrection = settings_.GetOr("curvature_correction", "0") == "1";
   return true;
 }
 

@@ -89,8 +89,8 @@ std::vector<std::string> UnknownSettings(const Settings& settings) {
 
 std::string UnitProblem(Job& job) {
   const auto mode = ReadRawMode(job);
-  if (!mode || !mode->unit || *mode->unit == job.unit) return {};
-  return "The job's unit is " + std::string(UnitName(job.unit)) + ", but its raw file " +
+  if (!mode || !mode->unit || *mode->unit == job.options.unit) return {};
+  return "The job's unit is " + std::string(UnitName(job.options.unit)) + ", but its raw file " +
          RawFilePath(job) + " was begun in " + std::string(UnitName(*mode->unit)) +
          ": its settings were lost or changed. Put units=" + std::string(UnitKey(*mode->unit)) +
          " back into " + PathWithExtension(job.path, "job") + "; until then nothing is stored.";

@@ -28,7 +28,7 @@ LocalizationResult LocalizationWork::Run(const LocalizationRequest& request) {
   if (!Change()) return failure_;
   control_ = FitControl(calculator_, list_, localization_.method);
   report_ = ReportLocalization(control_.points, localization_.method, JobPlaces(control_.fit),
-                               session_.job().unit);
+                               session_.job().options.unit);
   const LocalizationResult judged = Judge();
   if (judged == LocalizationResult::Refused || judged == LocalizationResult::Failed) return judged;
   if (changed_ && !Save()) return failure_;
@@ -54,7 +54,7 @@ bool LocalizationWork::Misuse(std::string sentence) {
 bool LocalizationWork::Open() {
   Job& job = session_.job();
   std::string problem;
-  if (!systems_.MakeCalculator(SystemOfSettings(session_.settings()), job.unit, calculator_,
+  if (!systems_.MakeCalculator(SystemOfSettings(session_.settings()), job.options.unit, calculator_,
                                problem) ||
       !ReadJobLocalization(session_.settings(), job.path, localization_, problem)) {
     return Fail(problem);
@@ -73,7 +73,7 @@ bool LocalizationWork::Open() {
 // False with the problem set.
 bool LocalizationWork::LoadList(const std::string& path) {
   LocalizationFault fault;
-  auto read = LoadLocalization(work_.files, path, session_.job().unit, fault);
+  auto read = LoadLocalization(work_.files, path, session_.job().options.unit, fault);
   if (!read) {
     return Fail(PrintableLine(fault.Text(path)) + ".");
   }
@@ -195,7 +195,7 @@ bool LocalizationWork::SwapWouldFit() const {
 }
 
 bool LocalizationWork::Save() {
-  if (SaveLocalization(work_.files, localization_.path, &list_, session_.job().unit) ==
+  if (SaveLocalization(work_.files, localization_.path, &list_, session_.job().options.unit) ==
       SaveLocalizationResult::Saved) {
     return true;
   }
@@ -242,7 +242,7 @@ std::vector<PlanePoint> LocalizationWork::JobPlaces(const LocalizationFit& fit) 
   const FittedLocalization step(fit);
   const PlaneSimilarity& centre = fit.horizontal.similarity;
   for (const Point& point : points) {
-    const DistanceUnit unit = session_.job().unit;
+    const DistanceUnit unit = session_.job().options.unit;
     GridMetres at = {ToMetres(point.at.northing, unit), ToMetres(point.at.easting, unit), 0.0};
     (void)step.ToGrid(at);
     if (std::hypot(at.northingM - centre.gridNorthingM, at.eastingM - centre.gridEastingM) <

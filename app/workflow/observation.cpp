@@ -77,12 +77,13 @@ std::vector<std::string> PositionWarnings(const GnssPositionState& state, bool e
 
 StoredPoint StoreObservation(JobSession& session, const Observation& observation,
                              Settling settling) {
-  return StorePointUnit(session, observation.position.at, observation.description, settling,
-                        [&](JobUnit& unit, const Point& stored) {
-                          const LocalTime now = session.clock().Now();
-                          unit.AppendRaw(RawRecords(observation, stored, now, session.job().unit));
-                          unit.EditNote(stored.id.view(), QualityNote(observation, stored, now));
-                        });
+  return StorePointUnit(
+      session, observation.position.at, observation.description, settling,
+      [&](JobUnit& unit, const Point& stored) {
+        const LocalTime now = session.clock().Now();
+        unit.AppendRaw(RawRecords(observation, stored, now, session.job().options.unit));
+        unit.EditNote(stored.id.view(), QualityNote(observation, stored, now));
+      });
 }
 
 }  // namespace tarvex

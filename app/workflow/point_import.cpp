@@ -12,7 +12,7 @@
 #include "core/job_unit.h"
 #include "core/number_text.h"
 #include "core/point_bulk.h"
-#include "core/point_id.h"
+#include "core/point_key.h"
 #include "core/point_list.h"
 #include "core/point_store.h"
 #include "core/raw_records.h"
@@ -74,8 +74,7 @@ class ImportReader {
                 .description = Description(description),
                 .id = {}};
     if (IsEmptySlot(point)) return "a point at 0, 0, 0 without a description counts as no point.";
-    point.id =
-        job_.alphanumeric ? NormalisePointId(*id) : PointId(std::to_string(*ParseInteger(*id)));
+    point.id = MakePointKey(*id, job_.store.alphanumeric).value_or(PointKey{}).id;
     const auto [before, isNew] = lineOfId_.emplace(point.id.view(), number);
     if (!isNew) {
       return "point " + point.id.str() + " is on line " + std::to_string(before->second) +
@@ -144,7 +143,7 @@ std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const Po
   for (const auto& [key, point] : *existing) ofJob.Take(point.at);
   for (const Point& point : import.points) ofImport.Take(point.at);
   if (!existing->empty() && !import.points.empty()) {
-    conflicts.awayM = ToMetres(ofJob.DistanceTo(ofImport), session.job().unit);
+    conflicts.awayM = ToMetres(ofJob.DistanceTo(ofImport), session.job().options.unit);
   }
   const std::unordered_set<std::string> measured = MeasuredPoints(session.job());
   for (const Point& point : import.points) {

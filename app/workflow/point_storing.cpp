@@ -1,8 +1,7 @@
 #include "app/workflow/point_storing.h"
 
 #include "core/coordinate_file.h"
-#include "core/number_text.h"
-#include "core/point_id.h"
+#include "core/point_key.h"
 #include "core/point_store.h"
 #include "core/raw_records.h"
 #include "core/text.h"
@@ -17,12 +16,12 @@ void AskAboutExisting(JobSession& session, const TypedPoint& point) {
   Point existing;
   {
     const auto stream = OpenForReading(job);
-    if (ReadPoint(job, job.currentPointId, stream.get(), existing) != ReadPointResult::Found) {
+    if (ReadPoint(job, job.ids.current, stream.get(), existing) != ReadPointResult::Found) {
       return;
     }
   }
   const ExistingPointAnswer answer = session.observer().AskExistingPoint(
-      {.id = job.currentPointId, .existing = existing, .wanted = point.at});
+      {.id = job.ids.current, .existing = existing, .wanted = point.at});
   switch (answer.choice) {
     case ExistingPointAnswer::Choice::Overwrite:
       return session.setPolicy(ExistingPolicy::Overwrite);
@@ -43,14 +42,15 @@ ExistingPolicy ParseExistingPolicy(std::string_view name) {
 
 std::string PointIdProblem(const Job& job, std::string_view id) {
   const std::string shown = "\"" + OneLine(id) + "\"";
-  if (job.alphanumeric) return NormalisePointId(id).empty() ? "The point id is empty." : "";
-  const auto number = ParseInteger(id);
-  if (!number || *number < 1 || *number > kHighestPointNumber) {
+  const auto key = MakePointKey(id, job.store.alphanumeric);
+  if (job.store.alphanumeric) return key ? "" : "The point id is empty.";
+  if (!key || key->number < 1 || key->number > kHighestPointNumber) {
     return shown + " is not a point number: this job numbers its points 1 to 999999999.";
   }
-  if (*number - job.lastPointNumber <= kLargestGap) return "";
-  return "Point " + shown + " would leave " + std::to_string(*number - job.lastPointNumber - 1) +
-         " numbers empty behind point " + job.lastPointId + "; at most " +
+  const long long beyond = key->number - job.store.lastPointNumber;
+  if (beyond <= kLargestGap) return "";
+  return "Point " + shown + " would leave " + std::to_string(beyond - 1) +
+         " numbers empty behind point " + job.store.lastPointId + "; at most " +
          std::to_string(kLargestGap) + " may be jumped over.";
 }
 
@@ -59,12 +59,11 @@ bool TakePointId(JobSession& session, std::string_view id, std::string& problem)
   id = WithoutOuterBlanks(id);
   problem = PointIdProblem(job, id);
   if (!problem.empty()) return false;
-  if (job.alphanumeric && id.size() > kPointIdLength) {
+  if (job.store.alphanumeric && id.size() > kPointIdLength) {
     session.observer().OnWarning("the id \"" + OneLine(id) +
                                  "\" is longer than 9 characters and was cut.");
   }
-  job.currentPointId =
-      job.alphanumeric ? NormalisePointId(id).str() : std::to_string(*ParseInteger(id));
+  job.ids.current = MakePointKey(id, job.store.alphanumeric).value_or(PointKey{}).id.str();
   return true;
 }
 

@@ -39,10 +39,10 @@ StoredPoint StorePointUnit(JobSession& session, const GridPoint& at, const std::
   StoredPoint stored;
   Point existing;
   const bool exists =
-      ReadPoint(job, job.currentPointId, &unit->coordinates(), existing) == ReadPointResult::Found;
+      ReadPoint(job, job.ids.current, &unit->coordinates(), existing) == ReadPointResult::Found;
   stored.result = Explained(StorePoint(job, at, description, true, &unit->coordinates()));
   if (stored.result != StoringResult::Stored) return stored;
-  stored.point = job.lastStoredPoint;
+  stored.point = job.store.lastStoredPoint;
   unit->AppendRaw(session.RawOpening());
   if (exists && existing.id == stored.point.id) {
     stored.replaced = existing;

@@ -59,7 +59,7 @@ std::vector<std::string> SystemWarnings(const CTrgCalculator& calculator) {
 std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculator,
                                        const GnssPositionState& state, const GridPoint& at) {
   std::vector<std::string> warnings;
-  const double stretch = Stretch(calculator, state, at, job.unit);
+  const double stretch = Stretch(calculator, state, at, job.options.unit);
   if (!calculator.steps().localization && std::fabs(stretch - 1.0) > OddStretch(calculator)) {
     warnings.push_back(
         "The grid makes distances here " + FixedNumber(std::fabs(stretch - 1.0) * 100.0, 1) +
@@ -73,8 +73,8 @@ std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculato
       !stream->ReadRecord(stream->recordCount() - 1, last).ok() || IsEmptySlot(last)) {
     return warnings;
   }
-  const double away =
-      ToMetres(std::hypot(at.northing - last.at.northing, at.easting - last.at.easting), job.unit);
+  const double away = ToMetres(
+      std::hypot(at.northing - last.at.northing, at.easting - last.at.easting), job.options.unit);
   if (away > kOddDistanceM) {
     warnings.push_back("The position is " + Kilometres(away) + " from point " + last.id.str() +
                        " of the job. Are the job and its coordinate system the right ones?");

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/number_text.h"
-#include "core/point_id.h"
+#include "core/point_key.h"
 #include "core/raw_fields.h"
 #include "core/text.h"
 
@@ -118,9 +118,8 @@ class HistoryReader {
 }  // namespace
 
 PointId HistoryKey(std::string_view id, bool alphanumeric) {
-  if (alphanumeric) return NormalisePointId(id);
-  const auto number = ParseInteger(id);
-  return number ? PointId(std::to_string(*number)) : PointId(id);
+  const auto key = MakePointKey(id, alphanumeric);
+  return key ? key->id : PointId(WithoutLeadingBlanks(id));
 }
 
 RawHistory ReadRawHistory(std::string_view text, bool alphanumeric) {

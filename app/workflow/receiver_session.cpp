@@ -33,8 +33,8 @@ ReceiverSession::ReceiverSession(const Workplace& work, JobSession& session,
       commands_(commands),
       stop_(std::move(stop)),
       link_(
-          work.files, work.clock, plan_.receiver, job_.unit, [this] { return EndAsked(); }, ports) {
-}
+          work.files, work.clock, plan_.receiver, job_.options.unit, [this] { return EndAsked(); },
+          ports) {}
 
 bool ReceiverSession::EndAsked() const {
   return (stop_ && stop_()) || commands_.EndSent();
@@ -212,14 +212,14 @@ bool ReceiverSession::PointComplete() {
   point_.state = state();
   if (!overridden_.empty()) point_.overridden = overridden_;
   if (plan_.average <= 1) return true;
-  if (!average_.Add(state(), job_.unit) || average_.epochs() < plan_.average) return false;
+  if (!average_.Add(state(), job_.options.unit) || average_.epochs() < plan_.average) return false;
   point_.state = average_.State();
   point_.mean = average_.Mean();
   return true;
 }
 
 GridPosition ReceiverSession::PlaceOf(const GnssPositionState& state) const {
-  return PlaceOnGrid(state, calculator_, plan_.antennaHeight, job_.unit);
+  return PlaceOnGrid(state, calculator_, plan_.antennaHeight, job_.options.unit);
 }
 
 bool ReceiverSession::StorePoint(const std::string& description,
@@ -246,7 +246,7 @@ bool ReceiverSession::StorePoint(const std::string& description,
     WarnOnce(cut);
   }
   CheckPlace(position.at);
-  const std::string wanted = job_.currentPointId;
+  const std::string wanted = job_.ids.current;
   // What is recorded comes as fast as it can be read; with a receiver there is time between two
   // epochs to make the files durable.
   const Settling settling = plan_.receiver.takesCorrections() ? Settling::Now : Settling::Later;

@@ -54,7 +54,7 @@ StoredCoordinates CompareStoredCoordinates(Job& job, const CTrgCalculator& now) 
   std::string raw;
   std::string problem;
   if (points.empty() || !ReadRawFile(job, raw, problem)) return found;
-  const RawPositions positions = AllRawPositions(raw, job.unit);
+  const RawPositions positions = AllRawPositions(raw, job.options.unit);
   for (const Point& point : points) {
     const auto position = positions.find(point.id.str());
     if (position == positions.end()) continue;
@@ -63,7 +63,7 @@ StoredCoordinates CompareStoredCoordinates(Job& job, const CTrgCalculator& now) 
     const CalculationResult result = now.ToGrid(position->second, made);
     const bool isMade =
         result == CalculationResult::Done || result == CalculationResult::DoneInPart;
-    if (isMade && MetresApart(made, point.at, job.unit) < kElsewhereM) continue;
+    if (isMade && MetresApart(made, point.at, job.options.unit) < kElsewhereM) continue;
     if (found.elsewhere++ == 0) found.example = point.id.str();
   }
   return found;

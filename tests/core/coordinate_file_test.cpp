@@ -34,7 +34,7 @@ std::string Padded(std::string_view text, std::size_t bytes) {
 
 void Store(Job& job, const std::string& id, const GridPoint& at, const std::string& description) {
   const auto stream = OpenCoordinateFile(job);
-  job.currentPointId = id;
+  job.ids.current = id;
   ASSERT_EQ(StorePoint(job, at, description, false, stream.get()), StorePointResult::Stored);
 }
 
@@ -79,14 +79,14 @@ TEST(CoordinateFile, OpeningTellsTheJobWhatItHolds) {
   Job job = MakeJob(host, true);
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
   EXPECT_EQ(host.memory.Bytes(kJobPath).size(), 104U);
-  EXPECT_EQ(job.lastPointId, "0");
+  EXPECT_EQ(job.store.lastPointId, "0");
   EXPECT_EQ(job.information.startTime, "Start Time: 14:03:09");
   Store(job, "12A", kAt, "");
-  job.alphanumericNewFiles = false;  // the file decides, not the setting
+  job.options.alphanumericNewFiles = false;  // the file decides, not the setting
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
-  EXPECT_TRUE(job.alphanumeric);
-  EXPECT_EQ(job.lastPointId, "12A");
-  EXPECT_EQ(job.lastPointNumber, 12);
+  EXPECT_TRUE(job.store.alphanumeric);
+  EXPECT_EQ(job.store.lastPointId, "12A");
+  EXPECT_EQ(job.store.lastPointNumber, 12);
 }
 
 TEST(CoordinateFile, ConvertsAnOlderFileOnOpening) {
@@ -106,7 +106,7 @@ TEST(CoordinateFile, ConvertsAnOlderFileOnOpening) {
   expected[86] = '2';
   for (const int place : {5, 2, 0, 4, 3, 1}) expected += oldFile.substr(104 + 66 * place, 66);
   EXPECT_EQ(Hex(host.memory.Bytes(kJobPath)), Hex(expected));
-  EXPECT_EQ(job.lastPointId, "B");
+  EXPECT_EQ(job.store.lastPointId, "B");
   Point point;
   EXPECT_EQ(ReadPoint(job, "A10", OpenCoordinateFile(job).get(), point), ReadPointResult::Found);
 }

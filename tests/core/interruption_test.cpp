@@ -23,7 +23,7 @@ struct Operation {
 
 bool Store(Job& job, const std::string& id, double northing) {
   const auto stream = OpenCoordinateFile(job);
-  job.currentPointId = id;
+  job.ids.current = id;
   return StorePoint(job, {.northing = northing}, "d", false, stream.get()) ==
          StorePointResult::Stored;
 }
@@ -203,7 +203,7 @@ TEST(Interruption, OfCreationAndConversionLosesNothing) {
         host.memory.Restart(static_cast<unsigned>(step));
         Job again = MakeJob(host, true);
         ASSERT_NE(OpenCoordinateFile(again), nullptr) << step;
-        EXPECT_TRUE(again.alphanumeric);
+        EXPECT_TRUE(again.store.alphanumeric);
         EXPECT_EQ(State(again).empty(), !convert);
       }
     }

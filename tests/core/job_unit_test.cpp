@@ -28,7 +28,7 @@ NoteEdit Quality(const std::string& id) {
 bool Measure(Job& job, const std::string& id, double northing, Settling settling = Settling::Now) {
   const auto unit = JobUnit::Begin(job);
   if (!unit) return false;
-  job.currentPointId = id;
+  job.ids.current = id;
   if (StorePoint(job, {.northing = northing}, "d", false, &unit->coordinates()) !=
       StorePointResult::Stored) {
     return false;
@@ -43,7 +43,7 @@ bool Measure(Job& job, const std::string& id, double northing, Settling settling
 bool Overtype(Job& job, const std::string& id) {
   const auto unit = JobUnit::Begin(job);
   if (!unit) return false;
-  job.currentPointId = id;
+  job.ids.current = id;
   if (StorePoint(job, {.northing = 7.0}, "typed", false, &unit->coordinates()) !=
       StorePointResult::Stored) {
     return false;
@@ -251,7 +251,7 @@ TEST(JobUnit, SettlesByItselfBeforeTheJournalGrows) {
   host.memory.Restart(7);
   Job again = MakeJob(host, true);
   ASSERT_NE(OpenCoordinateFile(again), nullptr);
-  EXPECT_EQ(again.lastPointId, std::to_string(1000 + kPoints - 1));
+  EXPECT_EQ(again.store.lastPointId, std::to_string(1000 + kPoints - 1));
   const std::string raw = host.memory.Bytes(kRawPath);
   for (int i = 0; i < kPoints; ++i) {
     EXPECT_NE(raw.find("\n--GS,PN" + std::to_string(1000 + i)), std::string::npos);
@@ -401,7 +401,7 @@ using Change = std::function<void(Job&, JobUnit&)>;
 
 Change Storing(const char* id, double northing) {
   return [id, northing](Job& job, JobUnit& unit) {
-    job.currentPointId = id;
+    job.ids.current = id;
     EXPECT_EQ(StorePoint(job, {.northing = northing}, "d", false, &unit.coordinates()),
               StorePointResult::Stored);
   };
@@ -545,14 +545,14 @@ TEST(JobUnit, LeavesTheJobAsItWasWhenItIsGivenUp) {
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
   {
     const auto unit = JobUnit::Begin(job);
-    job.currentPointId = "77";
+    job.ids.current = "77";
     ASSERT_EQ(StorePoint(job, {.northing = 1.0}, "", false, &unit->coordinates()),
               StorePointResult::Stored);
     Point point;
     EXPECT_EQ(ReadPoint(job, "77", &unit->coordinates(), point), ReadPointResult::Found);
-    EXPECT_EQ(job.lastPointId, "77");
+    EXPECT_EQ(job.store.lastPointId, "77");
   }
-  EXPECT_EQ(job.lastPointId, "40");
+  EXPECT_EQ(job.store.lastPointId, "40");
   EXPECT_EQ(State(host), before);
 }
 

@@ -19,7 +19,7 @@ namespace {
 StorePointResult Store(Job& job, const std::string& id, const GridPoint& at,
                        const std::string& description = "", bool check = false) {
   const auto stream = OpenCoordinateFile(job);
-  job.currentPointId = id;
+  job.ids.current = id;
   return StorePoint(job, at, description, check, stream.get());
 }
 
@@ -52,8 +52,8 @@ TEST(NumericStore, FillsTheGapAndTellsWhatIsThere) {
   EXPECT_EQ(Read(job, "x", point), ReadPointResult::NotFound);
   EXPECT_EQ(Read(job, "30", point), ReadPointResult::Found);
   EXPECT_EQ(point.id.view(), "30");
-  EXPECT_EQ(job.lastPointId, "30");
-  EXPECT_EQ(job.lastStoredPoint.id.view(), "30");
+  EXPECT_EQ(job.store.lastPointId, "30");
+  EXPECT_EQ(job.store.lastStoredPoint.id.view(), "30");
   for (const char* bad : {"0", "-3", "A", "", "5A", "1000000000", "1000031"}) {
     EXPECT_EQ(Store(job, bad, kAt), StorePointResult::Nothing) << bad;
   }
@@ -98,7 +98,7 @@ TEST(NamedStore, KeepsTheOrderOfIds) {
   EXPECT_EQ(Read(job, " a-1", point), ReadPointResult::Found);
   EXPECT_EQ(point.id.view(), "A_1");
   EXPECT_EQ(Read(job, "2", point), ReadPointResult::Found);
-  EXPECT_EQ(job.foundRecordPosition, 104U);
+  EXPECT_EQ(job.store.foundRecordPosition, 104U);
   EXPECT_EQ(Read(job, "", point), ReadPointResult::NotFound);
   EXPECT_EQ(ReadPoint(job, "2", nullptr, point), ReadPointResult::NoStream);
 }
@@ -127,11 +127,11 @@ TEST(PointStore, AsksBeforeAnExistingPoint) {
   host.answer = {.choice = ExistingPointAnswer::Choice::UseOtherId, .otherId = "6"};
   EXPECT_EQ(Store(job, "5", kAt, "second", true), StorePointResult::Stored);
   EXPECT_EQ(Ids(job), (std::vector<std::string>{"5", "6"}));
-  EXPECT_EQ(job.currentPointId, "6");
+  EXPECT_EQ(job.ids.current, "6");
   host.answer = {.choice = ExistingPointAnswer::Choice::UseNextFreeId};
   EXPECT_EQ(Store(job, "5", kAt, "third", true), StorePointResult::Stored);
-  EXPECT_EQ(job.currentPointId, "7");
-  job.currentPointId = "6";
+  EXPECT_EQ(job.ids.current, "7");
+  job.ids.current = "6";
   EXPECT_EQ(NextFreePointId(job, *OpenCoordinateFile(job)), "8");
   EXPECT_EQ(StorePoint(job, kAt, "", true, nullptr), StorePointResult::NoStream);
 }
@@ -147,7 +147,7 @@ TEST(PointStore, DeletesAPoint) {
       EXPECT_EQ(DeletePoint(job, id, stream.get()), DeletePointResult::NotFound);
     }
     EXPECT_EQ(Ids(job), (std::vector<std::string>{"1"}));
-    EXPECT_EQ(job.lastPointId, alphanumeric ? "1" : "3");
+    EXPECT_EQ(job.store.lastPointId, alphanumeric ? "1" : "3");
   }
 }
 
@@ -214,7 +214,7 @@ TEST(BulkStore, GivesTheBytesOfStoringOneAtATime) {
         }
         ASSERT_EQ(StorePoints(bulk, batch), StorePointsResult::Stored);
         ASSERT_EQ(bulkHost.memory.Bytes(kJobPath), host.memory.Bytes(kJobPath));
-        EXPECT_EQ(bulk.lastPointId, one.lastPointId);
+        EXPECT_EQ(bulk.store.lastPointId, one.store.lastPointId);
       }
     }
   }

@@ -26,9 +26,9 @@ const Point kPoint{.at = {.northing = 5000.123456, .easting = -0.00004, .elevati
 TEST(RawFile, StartsWithItsHeader) {
   TestHost host;
   Job job = MakeJob(host, true);
-  job.scaleFactor = 0.9996;
-  job.unit = DistanceUnit::UsSurveyFeet;
-  job.azimuthsFromSouth = true;
+  job.options.scaleFactor = 0.9996;
+  job.options.unit = DistanceUnit::UsSurveyFeet;
+  job.options.azimuthsFromSouth = true;
   EXPECT_EQ(AppendRawRecord(job, StoredPointRecord(kPoint, kPoint.description.view())),
             RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath),
@@ -43,7 +43,7 @@ TEST(RawFile, IsResumedWithAStamp) {
   TestHost host;
   Job job = MakeJob(host, false);
   job.name = "site, north";
-  job.unit = DistanceUnit::InternationalFeet;
+  job.options.unit = DistanceUnit::InternationalFeet;
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
   EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
   const std::string header = host.memory.Bytes(kRawPath);
@@ -53,7 +53,7 @@ TEST(RawFile, IsResumedWithAStamp) {
   EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
   const std::string resumed = header + "\n--DT12-05-2008\n--TM14:03:09";
   EXPECT_EQ(host.memory.Bytes(kRawPath), resumed);
-  job.collector = "Tarvex 9";
+  job.options.collector = "Tarvex 9";
   EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath), resumed + "\n--Tarvex 9\n--DT12-05-2008\n--TM14:03:09");
   host.memory.Put(kRawPath, "");  // an empty file is a new one: its header names the program once
@@ -98,7 +98,7 @@ TEST(RawRecords, AreWrittenToTheByte) {
                       .azimuthDegrees = 200,
                       .circleDegrees = 359 + 59.0 / 60 + 59.9996 * kSecond};
   EXPECT_EQ(BacksightRecord(job, backsight), "\nBK,OP1,BP2,BS200.0000,BC0.0000");
-  job.azimuthsFromSouth = true;
+  job.options.azimuthsFromSouth = true;
   backsight.backsightId.clear();
   EXPECT_EQ(BacksightRecord(job, backsight), "\nBK,OP1,BP,BS20.0000,BC0.0000");
 }
@@ -135,7 +135,7 @@ TEST(RawShots, ChooseTheirFieldsByMode) {
   EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,BRS10.500000W,VA-0.1500,SD100.250000,--TREE");
   shot.verticalMode = VerticalMode::ChangeInElevation;
   shot.horizontalMode = HorizontalMode::Azimuth;
-  job.azimuthsFromSouth = true;
+  job.options.azimuthsFromSouth = true;
   shot.horizontal = 10.0;
   EXPECT_EQ(SideshotRecord(job, shot), "\nSS,OP1,FP2,AZ190.0000,CE-0.250000,HD100.250000,--TREE");
   const Reading reading{.angleRightDegrees = 180.5, .zenithDegrees = 90, .slopeDistance = 12};
@@ -151,7 +151,7 @@ TEST(RawShots, ChooseTheirFieldsByMode) {
 TEST(TotalStation, JournalsASetupAndTheShotsThatWereStored) {
   TestHost host;
   Job job = MakeJob(host, true);
-  job.currentPointId = "1";
+  job.ids.current = "1";
   ASSERT_EQ(StorePoint(job, kPoint.at, "BM", false, OpenCoordinateFile(job).get()),
             StorePointResult::Stored);
   const std::size_t before = RawHeader(job, host.standingClock.now).size();
@@ -238,9 +238,9 @@ TEST(RawHeader, TellsTheModeOfTheJob) {
   TestHost host;
   Job job = MakeJob(host, true);
   EXPECT_FALSE(ReadRawMode(job));
-  job.unit = DistanceUnit::InternationalFeet;
-  job.azimuthsFromSouth = true;
-  job.scaleFactor = 0.9996;
+  job.options.unit = DistanceUnit::InternationalFeet;
+  job.options.azimuthsFromSouth = true;
+  job.options.scaleFactor = 0.9996;
   ASSERT_EQ(AppendRawRecords(job, {}), RawFileResult::Written);
   const auto mode = ReadRawMode(job);
   ASSERT_TRUE(mode);
@@ -271,7 +271,7 @@ TEST(NextId, IsTheOneBehindTheLastThatWasMeasured) {
     TestHost host;
     Job job = MakeJob(host, true);
     for (const char* id : c.points) {
-      job.currentPointId = id;
+      job.ids.current = id;
       ASSERT_EQ(StorePoint(job, kPoint.at, "", false, OpenCoordinateFile(job).get()),
                 StorePointResult::Stored);
     }
@@ -283,7 +283,7 @@ TEST(NextId, IsTheOneBehindTheLastThatWasMeasured) {
   TestHost host;
   Job job = MakeJob(host, false);
   for (const char* id : {"5", "6", "100"}) {
-    job.currentPointId = id;
+    job.ids.current = id;
     ASSERT_EQ(StorePoint(job, kPoint.at, "", false, OpenCoordinateFile(job).get()),
               StorePointResult::Stored);
   }

@@ -44,7 +44,7 @@ inline constexpr const char* kJobPath = "/jobs/site.crd";
 inline Job MakeJob(TestHost& host, bool alphanumeric) {
   Job job(host);
   job.path = kJobPath;
-  job.alphanumericNewFiles = alphanumeric;
+  job.options.alphanumericNewFiles = alphanumeric;
   return job;
 }
 

@@ -181,13 +181,13 @@ TEST_F(Collecting, AsksNobodyAboutAPointThatExistsAndReplacesNone) {
   plan.count = 1;
   connections = {{Epoch(1) + Epoch(2)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
-  session->job().currentPointId = "1";
+  session->job().ids.current = "1";
   connections = {{Epoch(3) + Epoch(4)}};
   EXPECT_EQ(Run(), SessionEnd::Failed);
   ASSERT_EQ(listener.Of<PointExists>().size(), 1U);
   EXPECT_EQ(listener.Of<PointExists>()[0].id, "1");
 
-  session->job().currentPointId = "1";
+  session->job().ids.current = "1";
   session->setPolicy(ExistingPolicy::Overwrite);
   connections = {{Epoch(5) + Epoch(6)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
@@ -261,7 +261,7 @@ TEST_F(Collecting, NeverTellsAPointThatAFullDiskRefused) {
     session.emplace(work, kSitePath);
     ASSERT_TRUE(session->Load());
     ASSERT_NE(OpenCoordinateFile(session->job(), true), nullptr);
-    session->job().currentPointId = "1";
+    session->job().ids.current = "1";
     listener.events.clear();
     connections = {{Epoch(1) + Epoch(2) + Epoch(3) + Epoch(4)}};
     memory.Expect(Mishap::DiskFull, step);

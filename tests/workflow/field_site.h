@@ -182,7 +182,7 @@ class FieldSite : public testing::Test {
     EXPECT_TRUE(session->Load());
     EXPECT_NE(OpenCoordinateFile(session->job(), true), nullptr);
     calculator.ParseDefinition(kUtm32, nullptr);
-    session->job().currentPointId = "1";
+    session->job().ids.current = "1";
   }
 
   /// The ports of a session play `connections`.

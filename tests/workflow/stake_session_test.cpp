@@ -40,7 +40,7 @@ class Staking : public FieldSite {
   Staking() {
     plan.receiver = ConnectedReceiver();
     plan.store = true;
-    session->job().currentPointId = "S1";
+    session->job().ids.current = "S1";
   }
 
   SessionEnd Run() {

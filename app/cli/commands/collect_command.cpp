@@ -34,8 +34,8 @@ ExitCode SettleFirstId(const CollectOptions& options, JobSession& session, Progr
     return TakePointId(session, options.first, problem) ? ExitCode::Done : program.Misuse(problem);
   }
   const auto next = NextIdToUse(job, *stream);
-  if (!next) return program.Fail("No free point id was found behind " + job.currentPointId + ".");
-  job.currentPointId = *next;
+  if (!next) return program.Fail("No free point id was found behind " + job.ids.current + ".");
+  job.ids.current = *next;
   return ExitCode::Done;
 }
 

@@ -62,7 +62,7 @@ class Localize {
   void PrintJson() {
     Json json = LocalizationReportJson(work_.report());
     json["control"] = ControlListJson(work_.list());
-    json["unit"] = UnitKey(session_.job().unit);
+    json["unit"] = UnitKey(session_.job().options.unit);
     json["file"] = work_.localization().path;
     json["on"] = work_.localization().on;
     json["refused"] = refused_;
@@ -79,8 +79,9 @@ class Localize {
     }
     if (options_.list) program_.console.Print(ControlListText(work_.list()));
     program_.console.Print(heading + ": residuals in " +
-                           std::string(UnitName(session_.job().unit)) + ", local minus fitted\n" +
-                           LocalizationReportText(work_.report(), session_.job().unit));
+                           std::string(UnitName(session_.job().options.unit)) +
+                           ", local minus fitted\n" +
+                           LocalizationReportText(work_.report(), session_.job().options.unit));
     if (refused_) return;
     program_.console.Print(StateSentence() + "\n");
   }

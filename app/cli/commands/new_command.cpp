@@ -86,8 +86,8 @@ ExitCode CreateFiles(Program& program, JobSession& session, const SetupFacts& fa
 
 void TellCreated(const Job& job, const std::string& systemTitle, Console& console) {
   console.Print("Created the job " + job.path + " (" +
-                (job.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
-                std::string(UnitName(job.unit)) +
+                (job.store.alphanumeric ? "alphanumeric" : "numeric") + " ids, " +
+                std::string(UnitName(job.options.unit)) +
                 ", coordinate system: " + (systemTitle.empty() ? "none" : systemTitle) + ").\n");
 }
 
@@ -162,11 +162,11 @@ bool MakeSystem(const NewOptions& options, Program& program, SystemSource& sourc
 }
 
 void FillJob(const NewOptions& options, Job& job) {
-  job.unit = *ParseUnit(options.units);
-  job.alphanumericNewFiles = !options.numeric;
-  job.azimuthsFromSouth = options.southAzimuths;
-  job.scaleFactor = *ParseNumber(options.scaleFactor);
-  job.curvatureCorrection = options.curvatureCorrection;
+  job.options.unit = *ParseUnit(options.units);
+  job.options.alphanumericNewFiles = !options.numeric;
+  job.options.azimuthsFromSouth = options.southAzimuths;
+  job.options.scaleFactor = *ParseNumber(options.scaleFactor);
+  job.options.curvatureCorrection = options.curvatureCorrection;
   if (!options.name.empty()) job.name = options.name;
 }
 

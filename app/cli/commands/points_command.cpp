@@ -39,15 +39,15 @@ void PrintTable(const Job& job, const PointList& points, Program& program) {
   for (const Point& point : points) program.console.Print(Row(point));
   program.console.Print(std::to_string(points.size()) +
                         (points.size() == 1 ? " point, " : " points, ") +
-                        std::string(UnitName(job.unit)) + "\n");
+                        std::string(UnitName(job.options.unit)) + "\n");
 }
 
 void PrintJson(const Job& job, const PointList& points, Program& program) {
   Json list = Json::EmptyList();
   for (const Point& point : points) list.Add(PointJson(point));
   program.console.Print(JsonText({{"job", job.path},
-                                  {"alphanumeric", job.alphanumeric},
-                                  {"unit", UnitKey(job.unit)},
+                                  {"alphanumeric", job.store.alphanumeric},
+                                  {"unit", UnitKey(job.options.unit)},
                                   {"points", std::move(list)}}));
 }
 
@@ -59,8 +59,8 @@ void WarnAboutRemains(Job& job, Program& program) {
     program.Warn(job.path + " ends in the middle of a record: its last " +
                  std::to_string(file->trailingBytes()) + " bytes are no point.");
   }
-  const auto last = static_cast<std::uint64_t>(job.lastPointNumber);
-  if (!job.alphanumeric && file->recordCount() > last) {
+  const auto last = static_cast<std::uint64_t>(job.store.lastPointNumber);
+  if (!job.store.alphanumeric && file->recordCount() > last) {
     program.Warn(job.path + " has records up to number " + std::to_string(file->recordCount()) +
                  ", but its header counts to " + std::to_string(last) +
                  ": those behind are listed, but not found by their number.");

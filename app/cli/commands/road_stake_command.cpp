@@ -93,7 +93,7 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
         (plan.storeOnStake
              ? "The first position on the stake that keeps the limits is stored as point "
              : "Enter stores the next position that keeps the limits as point ") +
-        session.job().currentPointId + (plan.storeOnStake ? ".\n" : ", q ends.\n"));
+        session.job().ids.current + (plan.storeOnStake ? ".\n" : ", q ends.\n"));
   }
   CTrgCalculator calculator;
   CoordinateSystems systems(program);

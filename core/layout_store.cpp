@@ -1,0 +1,13 @@
+#include "core/layout_store.h"
+
+#include "core/alphanumeric_store.h"
+#include "core/numeric_store.h"
+
+namespace tarvex {
+
+std::unique_ptr<LayoutStore> MakeLayoutStore(Job& job, RecordFile& file, bool alphanumeric) {
+  if (alphanumeric) return std::make_unique<AlphanumericStore>(job, file);
+  return std::make_unique<NumericStore>(job, file);
+}
+
+}  // namespace tarvex
