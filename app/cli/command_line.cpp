@@ -1,6 +1,7 @@
 #include "app/cli/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -156,47 +157,76 @@ Option Option::Excludes(Option other) const {
   return *this;
 }
 
-// The words of one run. A command is declared when its name was read, or its help is wanted: of
-// the twenty commands that there are, a run needs one.
+// The words of one run. Of the thirty commands that there are a run needs one, and each costs time
+// before the first word is read: those are added whose names are among the words that are still to
+// be read, and declared when their turn comes. All are added when a person has to be told of them.
 class CommandLine {
  public:
-  CommandLine(const ProgramTitle& title, std::span<const CommandRow> commands, Program& program)
-      : app_(title.description, title.name), program_(program) {
+  CommandLine(const ProgramTitle& title, std::span<const CommandRow> commands,
+              const std::vector<std::string>& words, Program& program)
+      : app_(title.description, title.name),
+        version_(title.version),
+        words_(words),
+        program_(program) {
     app_.set_version_flag("-V,--version", title.version, "Show the version");
     app_.set_help_flag("-h,--help", "Show this help");
     app_.set_help_all_flag("--help-all", "Show the help of all commands");
     app_.failure_message(Explained);
+    if (IsNamed("help") || IsNamed("version")) left_ = 0;
     AddCommands(app_, commands);
-    AddHelpCommands(title.version);
+    if (left_ == 0) AddUnnamed();
+    left_ = words_.size();
   }
 
-  ExitCode Run(const std::vector<std::string>& words) {
+  ExitCode Run() {
     try {
-      app_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+      app_.parse(std::vector<std::string>(words_.rbegin(), words_.rend()));
+    } catch (const CLI::CallForVersion&) {
+      program_.console.Print(version_ + "\n");
     } catch (const CLI::ParseError& error) {
-      if (dynamic_cast<const CLI::CallForAllHelp*>(&error) != nullptr) DeclareAll(app_);
-      std::ostringstream output;
-      std::ostringstream errors;
-      const bool answered = app_.exit(error, output, errors) == 0;
-      program_.console.Print(output.str());
-      program_.console.PrintError(errors.str());
-      return answered ? ExitCode::Done : ExitCode::WrongUse;
+      return Explain(error);
     }
     return program_.exitCode;
   }
 
   void AddCommands(CLI::App& parent, std::span<const CommandRow> rows) {
     parent.require_subcommand(1);
+    bool named = false;
     for (const CommandRow& row : rows) {
-      CLI::App* const app = parent.add_subcommand(row.name, row.summary);
-      toDeclare_[app] = &row;
-      app->preparse_callback([this, app](std::size_t) { Declare(*app); });
+      if (!IsNamed(row.name)) continue;
+      AddCommand(parent, row);
+      named = true;
     }
+    if (!named) unnamed_.emplace_back(&parent, rows);
   }
 
   Program& program() { return program_; }
 
  private:
+  void AddCommand(CLI::App& parent, const CommandRow& row) {
+    CLI::App* const app = parent.add_subcommand(row.name, row.summary);
+    toDeclare_[app] = &row;
+    app->preparse_callback([this, app](std::size_t left) {
+      left_ = left;
+      Declare(*app);
+    });
+  }
+
+  // Behind "--" there are no commands.
+  bool IsNamed(std::string_view name) const {
+    const auto end = std::find(words_.begin(), words_.end(), "--");
+    const auto from = words_.end() - static_cast<std::ptrdiff_t>(std::min(left_, words_.size()));
+    return from < end && std::find(from, end, name) != end;
+  }
+
+  // The commands of those that none was named of.
+  void AddUnnamed() {
+    for (const auto& [parent, rows] : std::exchange(unnamed_, {})) {
+      for (const CommandRow& row : rows) AddCommand(*parent, row);
+      if (parent == &app_) AddHelpCommands();
+    }
+  }
+
   void Declare(CLI::App& app) {
     const auto row = toDeclare_.find(&app);
     if (row == toDeclare_.end()) return;
@@ -208,11 +238,25 @@ class CommandLine {
 
   void DeclareAll(CLI::App& app) {
     Declare(app);
+    AddUnnamed();
     for (CLI::App* command : CommandsOf(app)) DeclareAll(*command);
   }
 
+  // Help that was asked for, or what is wrong with the words.
+  ExitCode Explain(const CLI::ParseError& error) {
+    left_ = 0;
+    AddUnnamed();
+    if (dynamic_cast<const CLI::CallForAllHelp*>(&error) != nullptr) DeclareAll(app_);
+    std::ostringstream output;
+    std::ostringstream errors;
+    const bool answered = app_.exit(error, output, errors) == 0;
+    program_.console.Print(output.str());
+    program_.console.PrintError(errors.str());
+    return answered ? ExitCode::Done : ExitCode::WrongUse;
+  }
+
   // `tarvex help COMMAND`, `tarvex help` and `tarvex version`, as people type them elsewhere.
-  void AddHelpCommands(const std::string& version) {
+  void AddHelpCommands() {
     CLI::App* const help = app_.add_subcommand("help", "Show the help of a command");
     help->add_option("COMMAND", "The command, as in: tarvex help road stake");
     help->allow_extras()->group("");
@@ -221,12 +265,13 @@ class CommandLine {
       for (const std::string& word : help->remaining()) words.push_back(word);
       PrintHelp(words);
     });
-    CLI::App* const versionCommand = app_.add_subcommand("version", "Show the version");
-    versionCommand->group("");
-    versionCommand->callback([this, version] { program_.console.Print(version + "\n"); });
+    CLI::App* const version = app_.add_subcommand("version", "Show the version");
+    version->group("");
+    version->callback([this] { program_.console.Print(version_ + "\n"); });
   }
 
   void PrintHelp(const std::vector<std::string>& words) {
+    left_ = 0;
     CLI::App* of = &app_;
     for (const std::string& word : words) {
       CLI::App* const command = FindCommand(*of, word);
@@ -236,14 +281,19 @@ class CommandLine {
         return;
       }
       Declare(*command);
+      AddUnnamed();
       of = command;
     }
     program_.console.Print(HelpOf(*of));
   }
 
   CLI::App app_;
+  std::string version_;
+  const std::vector<std::string>& words_;
+  std::size_t left_ = words_.size();  // words that are still to be read
   Program& program_;
   std::map<CLI::App*, const CommandRow*> toDeclare_;
+  std::vector<std::pair<CLI::App*, std::span<const CommandRow>>> unnamed_;
 };
 
 void Command::Commands(std::span<const CommandRow> rows) {
@@ -292,7 +342,7 @@ void Command::OnRun(std::function<ExitCode(Program&)> run) {
 
 ExitCode RunCommandLine(const ProgramTitle& title, std::span<const CommandRow> commands,
                         const std::vector<std::string>& words, Program& program) {
-  return CommandLine(title, commands, program).Run(words);
+  return CommandLine(title, commands, words, program).Run();
 }
 
 }  // namespace tarvex
