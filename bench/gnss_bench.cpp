@@ -10,8 +10,10 @@
 #include "core/text.h"
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/corrections/rtcm_framer.h"
+#include "gnss/nmea/sentence_reader.h"
+#include "gnss/nmea/sentences.h"
 #include "gnss/ntrip/client.h"
-#include "gnss/receivers/nmea_reading.h"
+#include "gnss/receivers/receiver_make.h"
 
 namespace tarvex {
 namespace {
@@ -29,7 +31,8 @@ std::vector<std::string> PositionLines() {
   std::vector<std::string> lines;
   std::string_view rest = log;
   while (const auto line = TakeLine(rest)) {
-    if (KindOf(*line, true) == SentenceKind::Gga) lines.emplace_back(*line);
+    const Sentence* const sentence = FindSentence(*line, true);
+    if (sentence != nullptr && sentence->type == "GGA") lines.emplace_back(*line);
   }
   return lines;
 }
@@ -40,14 +43,13 @@ void PerLine(benchmark::State& state) {
 
 void ParseGga(benchmark::State& state, bool checksum) {
   const std::vector<std::string> lines = PositionLines();
-  ReceiverSettings settings = FindMake(kMakeAnyNmea).settings;
+  NmeaSettings settings = FindMake(kMakeAnyNmea).settings.nmea;
   settings.checksum = checksum;
-  const SentenceContext context{settings, FindMake(kMakeAnyNmea)};
+  SentenceReader reader(settings, FindMake(kMakeAnyNmea).nmea);
   GnssPositionState position;
-  SentenceKind previous = SentenceKind::Other;
   std::size_t at = 0;
   for (auto _ : state) {
-    benchmark::DoNotOptimize(TakeNmeaLine(lines[at], context, position, previous));
+    benchmark::DoNotOptimize(reader.Take(lines[at], position));
     benchmark::DoNotOptimize(position);
     if (++at == lines.size()) at = 0;
   }
@@ -85,14 +87,14 @@ BENCHMARK(ParseGgaChecked)->Name("position sentence with checksum/tarvex");
 
 void ParseLog(benchmark::State& state) {
   const std::string log = Data("gnss/r2_ptnl_ggk_part1.log");
-  const SentenceContext context{FindMake(kMakeAnyNmea).settings, FindMake(kMakeAnyNmea)};
+  const ReceiverMake& make = FindMake(kMakeAnyNmea);
   std::int64_t lines = 0;
   for (auto _ : state) {
     GnssPositionState position;
-    SentenceKind previous = SentenceKind::Other;
+    SentenceReader reader(make.settings.nmea, make.nmea);
     std::string_view rest = log;
     while (const auto line = TakeLine(rest)) {
-      benchmark::DoNotOptimize(TakeNmeaLine(*line, context, position, previous));
+      benchmark::DoNotOptimize(reader.Take(*line, position));
       ++lines;
     }
   }

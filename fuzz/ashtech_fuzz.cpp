@@ -11,7 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view line(reinterpret_cast<const char*>(data) + 1, size - 1);
   tarvex::GnssPositionState state;
   (void)tarvex::ReadPashrPos(line, data[0] % 7, state);
-  (void)tarvex::ReadAshtechGga(line, tarvex::DistanceUnit::UsSurveyFeet, false, state);
+  state.unit = tarvex::DistanceUnit::UsSurveyFeet;
+  (void)tarvex::ReadAshtechGga(line, false, state);
   (void)tarvex::ReadPashrPbn(line, state);
   return 0;
 }

@@ -12,7 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tarvex::GnssPositionState state;
   tarvex::Bestpos bestpos;
   if (!line.empty()) (void)tarvex::LogCrcHolds(line);
-  (void)tarvex::ReadBestpos(line, tarvex::DistanceUnit::UsSurveyFeet, state, bestpos);
+  state.unit = tarvex::DistanceUnit::UsSurveyFeet;
+  (void)tarvex::ReadBestpos(line, state, bestpos);
   (void)tarvex::ReadPsrdop(line, state);
   return 0;
 }

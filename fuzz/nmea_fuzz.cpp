@@ -26,8 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   (void)port.Open();
   tarvex::GnssConnection connection{.port = &port, .clock = clock, .settings = make.settings};
   constexpr int kPositions[] = {1, 2, 4, 8, 16, 32};
-  connection.settings.position = static_cast<tarvex::PositionSentence>(kPositions[data[1] % 6]);
-  connection.settings.ashtechModel = data[1] % 7;
+  connection.settings.nmea.position = kPositions[data[1] % 6];
+  connection.settings.ashtech.model = data[1] % 7;
   tarvex::GnssPositionState state;
   for (int reading = 0; reading < 50 && !connection.ended(); ++reading) {
     if (tarvex::ReadGnssPosition(state, connection, make.code) ==

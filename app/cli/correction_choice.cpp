@@ -68,7 +68,8 @@ GgaUpload UploadOf(const CorrectionChoice& choice, const ReceiverSettings& setti
   if (choice.sendGga == "always") return GgaUpload::Always;
   if (choice.sendGga == "never") return GgaUpload::Never;
   if (choice.sendGga == "wanted") return GgaUpload::WhenWanted;
-  return settings.sendGga || settings.roverSendGga ? GgaUpload::WhenWanted : GgaUpload::Never;
+  return settings.caster.sendGga || settings.caster.roverSendGga ? GgaUpload::WhenWanted
+                                                                 : GgaUpload::Never;
 }
 
 }  // namespace
@@ -148,7 +149,8 @@ ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSetting
     return program.Misuse(problem);
   }
   settled.gga = UploadOf(choice, settings);
-  const int intervalS = choice.ggaIntervalS > 0 ? choice.ggaIntervalS : settings.ggaIntervalS;
+  const int intervalS =
+      choice.ggaIntervalS > 0 ? choice.ggaIntervalS : settings.caster.ggaIntervalS;
   settled.ggaIntervalMs = std::int64_t{intervalS} * 1000;
   plan = settled;
   return ExitCode::Done;

@@ -15,7 +15,7 @@ ReceiverLink::ReceiverLink(FileSystem& files, Clock& clock, const ChosenReceiver
                   : MakePort(receiver.address, files, clock, SystemLastError(), stop_)),
       tap_(files, clock),
       connection_{.port = port_.get(), .clock = clock, .settings = receiver.settings} {
-  connection_.settings.unit = unit;
+  state_.unit = unit;
   connection_.stop = this;
   connection_.listener = &tap_;
   tap_.ShowSatellitesOf(receiver.settings.satelliteFamily);

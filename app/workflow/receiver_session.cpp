@@ -212,7 +212,7 @@ bool ReceiverSession::PointComplete() {
   point_.state = state();
   if (!overridden_.empty()) point_.overridden = overridden_;
   if (plan_.average <= 1) return true;
-  if (!average_.Add(state(), job_.options.unit) || average_.epochs() < plan_.average) return false;
+  if (!average_.Add(state()) || average_.epochs() < plan_.average) return false;
   point_.state = average_.State();
   point_.mean = average_.Mean();
   return true;

@@ -1,7 +1,7 @@
 #include "app/workflow/receiver_tap.h"
 
 #include "core/string_table.h"
-#include "gnss/nmea/sentence.h"
+#include "gnss/nmea/sentence_line.h"
 
 namespace tarvex {
 namespace {

@@ -1,7 +1,8 @@
 #include "gnss/corrections/latest_gga.h"
 
 #include "gnss/nmea/nmea_number.h"
-#include "gnss/nmea/sentence.h"
+#include "gnss/nmea/sentence_line.h"
+#include "gnss/nmea/sentences.h"
 #include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
@@ -13,7 +14,8 @@ constexpr int kQualityField = 6;
 }  // namespace
 
 void LatestGga::OnLine(std::string_view line) {
-  if (KindOf(line, true) != SentenceKind::Gga || line.size() > kLongest) return;
+  const Sentence* const sentence = FindSentence(line, true);
+  if (sentence == nullptr || sentence->read != ReadGga || line.size() > kLongest) return;
   if (!ChecksumHolds(line)) return;
   const bool fixed = NmeaInteger(FirstField(SkipFields(line, ',', kQualityField), ',')) != 0;
   const std::lock_guard lock(mutex_);

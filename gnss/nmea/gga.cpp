@@ -5,10 +5,10 @@
 namespace tarvex {
 namespace {
 
-SolutionType GgaSolution(int quality, const ReceiverMake& make) {
+SolutionType GgaSolution(int quality, const NmeaTraits& traits) {
   switch (quality) {
     case 2:
-      return make.reader == ReaderKind::StreamBuffered ? SolutionType::Float : SolutionType::Dgps;
+      return traits.streamBuffered ? SolutionType::Float : SolutionType::Dgps;
     case 3:
     case 4:
       return SolutionType::Fixed;
@@ -45,7 +45,7 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   if (!fields.Take(field)) return SentenceResult::RanOut;
   const int quality = NmeaInteger(field);
   if (quality == 0) return SentenceResult::NoFix;
-  state.solutionType = GgaSolution(quality, context.make);
+  state.solutionType = GgaSolution(quality, context.traits);
   state.origin = GgaOrigin(quality);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.satellites = NmeaInteger(field);
@@ -56,11 +56,11 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   state.heightKnown = !field.empty();
   if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
   state.geoidSeparation = NmeaNumber(field);
-  state.separationKnown = !field.empty() || context.make.ellipsoidHeight;
-  if (!context.make.ellipsoidHeight) state.height += state.geoidSeparation;
+  state.separationKnown = !field.empty() || context.traits.ellipsoidHeight;
+  if (!context.traits.ellipsoidHeight) state.height += state.geoidSeparation;
   const bool ageThere = fields.Skip(1) && fields.Take(field);
   state.ageOfCorrections = ageThere && !field.empty() ? NmeaNumber(field) : -1.0;
-  if (!context.make.hemisphereFamily) return SentenceResult::Position;
+  if (!context.traits.hemisphereFamily) return SentenceResult::Position;
   if (!ageThere) return SentenceResult::RanOut;
   state.correctionAge = NmeaNumber(field);
   return SentenceResult::Position;

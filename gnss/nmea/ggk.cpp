@@ -43,35 +43,76 @@ SolutionType PublishedSolution(int quality) {
   }
 }
 
-}  // namespace
+// What the three layouts differ in.
+struct Layout {
+  int beforeTime;        // fields
+  bool dopBeforeHeight;  // or a quality in metres
+  bool dopIsPdop;
+  bool prefixedHeight;  // letters in front of the number
+  SolutionType (*solution)(int quality);
+};
 
-SentenceResult ReadGgk(std::string_view line, SentenceKind kind, const SentenceContext& context,
-                       GnssPositionState& state) {
-  const bool ptnl = kind == SentenceKind::PtnlGgk;
-  const bool published = context.settings.ggkPublishedLayout;
+SentenceResult ReadLayout(std::string_view line, const Layout& layout, GnssPositionState& state) {
   FieldCursor fields(line);
   std::string_view field;
-  if (!fields.Skip(ptnl ? 2 : 1) || !fields.Take(field)) return SentenceResult::RanOut;
+  if (!fields.Skip(layout.beforeTime) || !fields.Take(field)) return SentenceResult::RanOut;
   state.epochMs = MillisecondsOfDay(field);
   if (!fields.Skip(1) || !TakeLatitudeLongitude(fields, state)) return SentenceResult::RanOut;
   if (!fields.Take(field)) return SentenceResult::RanOut;
   const int quality = NmeaInteger(field);
   if (quality == 0) return SentenceResult::NoFix;
   state.origin = PositionOrigin::Measured;
-  state.solutionType = ptnl && context.settings.ggkPublishedQuality ? PublishedSolution(quality)
-                                                                    : GgkSolution(quality);
+  state.solutionType = layout.solution(quality);
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.satellites = NmeaInteger(field);
-  if (ptnl || published) {
+  if (layout.dopBeforeHeight) {
     if (!fields.Take(field)) return SentenceResult::RanOut;
-    if (kind != SentenceKind::Ggq) state.pdop = NmeaNumber(field);  // GGQ: a quality in metres
+    if (layout.dopIsPdop) state.pdop = NmeaNumber(field);
   }
   if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.height = NmeaNumber(ptnl || published ? WithoutHeightPrefix(field) : field);
+  state.height = NmeaNumber(layout.prefixedHeight ? WithoutHeightPrefix(field) : field);
   state.heightKnown = !field.empty();
   state.geoidSeparation = 0.0;
   state.separationKnown = true;  // the height is ellipsoidal
   return SentenceResult::Position;
+}
+
+}  // namespace
+
+SentenceResult ReadGgk(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  const bool published = context.settings.ggkPublishedLayout;
+  return ReadLayout(line,
+                    {.beforeTime = 1,
+                     .dopBeforeHeight = published,
+                     .dopIsPdop = true,
+                     .prefixedHeight = published,
+                     .solution = GgkSolution},
+                    state);
+}
+
+SentenceResult ReadGgq(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  const bool published = context.settings.ggkPublishedLayout;
+  return ReadLayout(line,
+                    {.beforeTime = 1,
+                     .dopBeforeHeight = published,
+                     .dopIsPdop = false,
+                     .prefixedHeight = published,
+                     .solution = GgkSolution},
+                    state);
+}
+
+SentenceResult ReadPtnlGgk(std::string_view line, const SentenceContext& context,
+                           GnssPositionState& state) {
+  return ReadLayout(
+      line,
+      {.beforeTime = 2,
+       .dopBeforeHeight = true,
+       .dopIsPdop = true,
+       .prefixedHeight = true,
+       .solution = context.settings.ggkPublishedQuality ? PublishedSolution : GgkSolution},
+      state);
 }
 
 }  // namespace tarvex

@@ -64,8 +64,8 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   state.heightKnown = !field.empty();
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.geoidSeparation = NmeaNumber(field);
-  state.separationKnown = !field.empty() || context.make.ellipsoidHeight;
-  if (!context.make.ellipsoidHeight) state.height += state.geoidSeparation;
+  state.separationKnown = !field.empty() || context.traits.ellipsoidHeight;
+  if (!context.traits.ellipsoidHeight) state.height += state.geoidSeparation;
   const bool ageThere = fields.Take(field);
   state.ageOfCorrections = ageThere && !field.empty() ? NmeaNumber(field) : -1.0;
   return SentenceResult::Position;

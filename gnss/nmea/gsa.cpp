@@ -11,14 +11,20 @@ std::size_t SlotsInUse(const GnssPositionState& state) {
   return count;
 }
 
+// Receivers of several systems send one GSA a system.
+bool JoinsTheOneBefore(const SentenceContext& context) {
+  return context.settings.anyTalker && context.before != nullptr && context.before->read == ReadGsa;
+}
+
 }  // namespace
 
-SentenceResult ReadGsa(std::string_view line, bool joins, const SentenceContext& context,
+SentenceResult ReadGsa(std::string_view line, const SentenceContext& context,
                        GnssPositionState& state) {
   constexpr int kPrns = 12;
+  state.dopCarriedOver = false;
   FieldCursor fields(line);
   if (!fields.Skip(3)) return SentenceResult::RanOut;
-  if (!joins) {
+  if (!JoinsTheOneBefore(context)) {
     state.usedSatellites = {};
     state.satellites = 0;
   }
@@ -37,7 +43,7 @@ SentenceResult ReadGsa(std::string_view line, bool joins, const SentenceContext&
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.hdop = NmeaNumber(field);
   if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.vdop = NmeaNumber(context.make.hemisphereFamily ? FirstField(field, '*') : field);
+  state.vdop = NmeaNumber(context.traits.hemisphereFamily ? FirstField(field, '*') : field);
   return SentenceResult::Read;
 }
 

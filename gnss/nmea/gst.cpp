@@ -6,7 +6,7 @@
 
 namespace tarvex {
 
-SentenceResult ReadGst(std::string_view line, const SentenceContext& context,
+SentenceResult ReadGst(std::string_view line, const SentenceContext& /*context*/,
                        GnssPositionState& state) {
   FieldCursor fields(line);
   std::string_view time;
@@ -19,11 +19,10 @@ SentenceResult ReadGst(std::string_view line, const SentenceContext& context,
   }
   const double sigmaLatitude = NmeaNumber(latitude);
   const double sigmaLongitude = NmeaNumber(longitude);
-  state.hrms =
-      ToJobDistance(std::sqrt(sigmaLatitude * sigmaLatitude + sigmaLongitude * sigmaLongitude),
-                    context.settings.unit);
+  state.hrms = ToJobDistance(
+      std::sqrt(sigmaLatitude * sigmaLatitude + sigmaLongitude * sigmaLongitude), state.unit);
   if (!fields.Take(height)) return SentenceResult::RanOut;
-  state.vrms = ToJobDistance(NmeaNumber(FirstField(height, '*')), context.settings.unit);
+  state.vrms = ToJobDistance(NmeaNumber(FirstField(height, '*')), state.unit);
   state.precisionEpochMs = MillisecondsOfDay(time);
   state.precisionKnown =
       !latitude.empty() && !longitude.empty() && !FirstField(height, '*').empty();

@@ -4,7 +4,11 @@
 
 namespace tarvex {
 
-SentenceResult ReadRd1(std::string_view line, GnssPositionState& state) {
+SentenceResult ReadRd1(std::string_view line, const SentenceContext& context,
+                       GnssPositionState& state) {
+  if (!context.traits.hemisphereFamily || context.settings.differentialChoice != kReadRd1) {
+    return SentenceResult::Read;
+  }
   constexpr int kStatusField = 5;
   FieldCursor fields(line);
   std::string_view field;

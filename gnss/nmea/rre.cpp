@@ -13,7 +13,7 @@ constexpr int kMostSatellites = 256;  // more than a line holds
 
 SentenceResult ReadRre(std::string_view line, const SentenceContext& context,
                        GnssPositionState& state) {
-  if (context.make.hemisphereFamily && std::count(line.begin(), line.end(), '$') > 1) {
+  if (context.traits.hemisphereFamily && std::count(line.begin(), line.end(), '$') > 1) {
     return SentenceResult::InvalidData;
   }
   FieldCursor fields(line);
@@ -22,13 +22,13 @@ SentenceResult ReadRre(std::string_view line, const SentenceContext& context,
   const int residuals = NmeaInteger(field);
   if (residuals < 0 || residuals > kMostSatellites) return SentenceResult::RanOut;
   if (!fields.Skip(2 * residuals) || !fields.Take(field)) return SentenceResult::RanOut;
-  state.hrms = ToJobDistance(NmeaNumber(field), context.settings.unit);
+  state.hrms = ToJobDistance(NmeaNumber(field), state.unit);
   state.precisionKnown = false;
   state.precisionEpochMs = kNoEpoch;  // the sentence has no time
   const bool horizontal = !field.empty();
   if (!fields.Take(field)) return SentenceResult::RanOut;
   state.precisionKnown = horizontal && !FirstField(field, '*').empty();
-  state.vrms = ToJobDistance(NmeaNumber(field), context.settings.unit);
+  state.vrms = ToJobDistance(NmeaNumber(field), state.unit);
   return SentenceResult::Read;
 }
 

@@ -1,34 +1,12 @@
-// Which sentence a line is, whether it arrived whole, and what reading one comes to.
+// A sentence as the system knows it: how a line is recognised as one, and what reads it.
 #pragma once
 
 #include <string_view>
 
+#include "gnss/nmea/nmea_settings.h"
 #include "gnss/position/position_state.h"
-#include "gnss/receivers/receiver_make.h"
-#include "gnss/receivers/receiver_settings.h"
 
 namespace tarvex {
-
-enum class SentenceKind { Other, Gga, Gll, Gns, Ggk, Ggq, PtnlGgk, Gst, Gsa, Rre, Rd1 };
-
-/// The kind of a line by its prefix ("$GPGGA,"). With `anyTalker` GGA, GLL, GNS, GST and GSA are
-/// known behind any two letters.
-SentenceKind KindOf(std::string_view line, bool anyTalker);
-
-/// The sentence that ends a line: from its last '$' on, without the blanks and carriage returns
-/// behind it. Receivers that send binary data between their sentences put no line end behind it.
-std::string_view SentenceIn(std::string_view line);
-
-/// Whether the sentence of a kind can carry the position.
-bool CarriesPosition(SentenceKind kind);
-
-/// Whether a checksum stands at the end of a line, and is right: the mark of a sentence that came
-/// whole though its line end did not.
-bool ChecksumStands(std::string_view line);
-
-/// False when what follows the last '*' is not the exclusive-or of everything between '$' and it,
-/// as two hexadecimal digits. A line without checksum passes.
-bool ChecksumHolds(std::string_view line);
 
 enum class [[nodiscard]] SentenceResult{
     Read,         ///< values taken, the position is not complete
@@ -38,10 +16,37 @@ enum class [[nodiscard]] SentenceResult{
     InvalidData,  ///< two sentences run together
 };
 
-/// What the readers of sentences need to know about the receiver.
+struct Sentence;
+
+/// What the functions that read sentences need to know beside the line.
 struct SentenceContext {
-  const ReceiverSettings& settings;
-  const ReceiverMake& make;
+  const NmeaSettings& settings;
+  const NmeaTraits& traits;
+  const Sentence* before = nullptr;  ///< what the line before was; null: nothing that is known
+};
+
+/// What a sentence tells.
+enum class Carries {
+  Details,    ///< satellites, diagnostics
+  Precision,  ///< of the epoch
+  Position,
+};
+
+struct Sentence {
+  /// The three letters behind the talker ("GGA"); of a proprietary sentence all that its lines
+  /// start with behind the '$'.
+  std::string_view type;
+  /// The talkers that are always known, blanks between them; empty: proprietary, has none.
+  std::string_view talkers = "GP";
+  bool anyTalker = false;  ///< nmea_any_talker makes any two letters known
+  Carries carries = Carries::Details;
+  /// Takes the fields in their order into the state; where they run out it stops, and what was
+  /// taken stays.
+  SentenceResult (*read)(std::string_view line, const SentenceContext& context,
+                         GnssPositionState& state) = nullptr;
+  // Of a sentence that carries a position:
+  int nmeaPos = 0;    ///< the value of nmea_pos that selects it
+  int timeField = 0;  ///< where its UTC time is; the prefix is field 0
 };
 
 }  // namespace tarvex

@@ -1,9 +1,8 @@
 #include "gnss/nmea/sky_view.h"
 
 #include "gnss/nmea/nmea_number.h"
-#include "gnss/nmea/sentence.h"
+#include "gnss/nmea/sentence_line.h"
 #include "gnss/nmea/text_fields.h"
-#include "gnss/receivers/receiver_settings.h"
 
 namespace tarvex {
 namespace {

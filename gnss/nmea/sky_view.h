@@ -11,6 +11,16 @@
 
 namespace tarvex {
 
+/// The satellite systems of nmea_sat.
+enum SatelliteSystem : int {
+  kSatelliteGps = 1,
+  kSatelliteGlonass = 2,
+  kSatelliteGalileo = 4,
+  kSatelliteBeiDou = 8,
+  kSatelliteQzss = 16,
+  kSatelliteNavIc = 32,
+};
+
 struct SatelliteInView {
   std::string system;  ///< talker: "GP", "GL", "GA", "GB", ...
   int prn = 0;

@@ -5,7 +5,9 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
+#include "core/units.h"
 #include "gnss/position/solution_type.h"
 
 namespace tarvex {
@@ -34,8 +36,9 @@ struct GnssPositionState {
   std::int32_t satellites = 0;
   SolutionType solutionType = SolutionType::Autonomous;
   PositionOrigin origin = PositionOrigin::Measured;
-  double hrms = 0.0;  ///< horizontal precision, job's distance unit
-  double vrms = 0.0;  ///< vertical precision, job's distance unit
+  DistanceUnit unit = DistanceUnit::Metres;  ///< the job's: that of hrms and vrms; never changed
+  double hrms = 0.0;                         ///< horizontal precision
+  double vrms = 0.0;                         ///< vertical precision
   double pdop = 0.0;
   double vdop = 0.0;
   double hdop = 0.0;
@@ -66,5 +69,11 @@ struct GnssPositionState {
   std::uint64_t positions = 0;          ///< accepted so far
   std::uint64_t badChecksums = 0;       ///< sentences left out because of their checksum
 };
+
+/// What a person should know of a position that was not measured; empty when it was.
+std::string OriginSentence(PositionOrigin origin);
+
+/// What a person should know of a height that is not one above the ellipsoid; empty when it is.
+std::string HeightSentence(const GnssPositionState& state);
 
 }  // namespace tarvex

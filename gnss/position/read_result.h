@@ -1,6 +1,8 @@
 // What a reading of a position comes to; the numbers are fixed.
 #pragma once
 
+#include <string>
+
 namespace tarvex {
 
 enum class [[nodiscard]] GnssReadResult : int{
@@ -13,5 +15,8 @@ enum class [[nodiscard]] GnssReadResult : int{
     InvalidData = -8,
     DatumReset = -9,  ///< the receiver was reconfigured; read again
 };
+
+/// The sentence for people.
+std::string ResultSentence(GnssReadResult result);
 
 }  // namespace tarvex

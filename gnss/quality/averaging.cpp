@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "coordsys/ellipsoids.h"
+
 namespace tarvex {
 namespace {
 
-constexpr double kSemiMajor = 6378137.0;  // WGS84
-constexpr double kSquaredEccentricity = 0.00669437999014;
+constexpr double kSquaredEccentricity = kWgs84.flattening * (2.0 - kWgs84.flattening);
 constexpr double kSmallestPrecision = 0.001;  // a receiver that says less knows less
 
 double WrappedDegrees(double degrees) {
@@ -29,7 +30,7 @@ double Weight(double precisionM) {
 
 }  // namespace
 
-bool PositionAverage::Add(const GnssPositionState& state, DistanceUnit unit) {
+bool PositionAverage::Add(const GnssPositionState& state) {
   if (state.epochMs != kNoEpoch &&
       std::find(times_.begin(), times_.end(), state.epochMs) != times_.end()) {
     return false;
@@ -38,7 +39,7 @@ bool PositionAverage::Add(const GnssPositionState& state, DistanceUnit unit) {
     first_ = worst_ = state;
     const double sine = std::sin(state.latitude * kRadiansPerDegree);
     const double w2 = 1.0 - kSquaredEccentricity * sine * sine;
-    const double primeVertical = kSemiMajor / std::sqrt(w2);
+    const double primeVertical = kWgs84.semiMajorM / std::sqrt(w2);
     const double meridian = primeVertical * (1.0 - kSquaredEccentricity) / w2;
     metresPerDegreeNorth_ = (meridian + state.height) * kRadiansPerDegree;
     metresPerDegreeEast_ = (primeVertical + state.height) *
@@ -49,8 +50,8 @@ bool PositionAverage::Add(const GnssPositionState& state, DistanceUnit unit) {
       {.northM = (state.latitude - first_.latitude) * metresPerDegreeNorth_,
        .eastM = WrappedDegrees(state.longitude - first_.longitude) * metresPerDegreeEast_,
        .upM = state.height - first_.height,
-       .hrmsM = ToMetres(state.hrms, unit),
-       .vrmsM = ToMetres(state.vrms, unit),
+       .hrmsM = ToMetres(state.hrms, state.unit),
+       .vrmsM = ToMetres(state.vrms, state.unit),
        .precise = state.precisionKnown && state.hrms > 0.0 && state.vrms > 0.0});
   if (state.origin != PositionOrigin::Measured) worst_.origin = state.origin;
   worst_.solutionType = Worse(worst_.solutionType, state.solutionType);

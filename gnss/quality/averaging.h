@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <vector>
 
-#include "core/units.h"
 #include "gnss/position/position_state.h"
 
 namespace tarvex {
@@ -28,7 +27,7 @@ struct AveragedPosition {
 class PositionAverage {
  public:
   /// Takes an epoch; false, and nothing taken, when its epoch was taken before.
-  [[nodiscard]] bool Add(const GnssPositionState& state, DistanceUnit unit);
+  [[nodiscard]] bool Add(const GnssPositionState& state);
 
   std::size_t epochs() const { return epochs_.size(); }
   /// Weights 1/HRMS^2 and 1/VRMS^2 when every epoch has a precision of its own, else equal ones.

@@ -20,8 +20,8 @@ constexpr std::string_view kGga = "$GPGGA,";
 constexpr std::string_view kPos = "$PASHR,POS";
 constexpr std::string_view kPower = "$PASHR,POW";
 
-bool AnswersWithPos(const ReceiverSettings& settings) {
-  switch (settings.ashtechModel) {
+bool AnswersWithPos(const AshtechSettings& settings) {
+  switch (settings.model) {
     case 0:
     case 3:
     case 4:
@@ -29,7 +29,7 @@ bool AnswersWithPos(const ReceiverSettings& settings) {
     case 6:
       return true;
     case 2:
-      return settings.ashtechVariant == 1;
+      return settings.variant == 1;
     default:
       return false;
   }
@@ -43,7 +43,7 @@ class AshtechReading {
   GnssReadResult Run() {
     ClearInput();
     state_.dopCarriedOver = true;
-    return AnswersWithPos(connection_.settings) ? RunPos() : RunGga();
+    return AnswersWithPos(connection_.settings.ashtech) ? RunPos() : RunGga();
   }
 
  private:
@@ -68,12 +68,12 @@ class AshtechReading {
 
   std::string_view FirstLine() {
     const std::string_view line = Line(kFirstLineTimeoutMs);
-    if (!line.empty() || connection_.settings.ashtechSkipRetry) return line;
+    if (!line.empty() || connection_.settings.ashtech.skipRetry) return line;
     return Line(kFirstLineTimeoutMs);
   }
 
   std::string Command(std::string_view before, std::string_view after) const {
-    return std::string(before) + connection_.settings.ashtechPort + std::string(after);
+    return std::string(before) + connection_.settings.ashtech.port + std::string(after);
   }
 
   GnssReadResult RunGga() {
@@ -91,8 +91,7 @@ class AshtechReading {
     if (line.find(kGga) == std::string_view::npos) line = Line(kSecondGgaTimeoutMs);
     const std::size_t at = line.find(kGga);
     if (at == std::string_view::npos) return GnssReadResult::NoPositionSentence;
-    return ReadAshtechGga(line.substr(at), connection_.settings.unit, make_.ellipsoidHeight,
-                          state_);
+    return ReadAshtechGga(line.substr(at), make_.nmea.ellipsoidHeight, state_);
   }
 
   GnssReadResult RunPos() {
@@ -108,7 +107,7 @@ class AshtechReading {
     if (!line.starts_with(kPos)) return GnssReadResult::NoPositionSentence;
     constexpr std::size_t kMode = kPos.size() + 1;  // behind the comma
     if (line.size() > kMode && line[kMode] == ',') return GnssReadResult::NoFix;
-    return ReadPashrPos(line, connection_.settings.ashtechModel, state_);
+    return ReadPashrPos(line, connection_.settings.ashtech.model, state_);
   }
 
   GnssPositionState& state_;

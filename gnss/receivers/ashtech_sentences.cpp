@@ -91,7 +91,7 @@ GnssReadResult ReadPashrPos(std::string_view line, int model, GnssPositionState&
   return GnssReadResult::Accepted;
 }
 
-GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ellipsoidHeight,
+GnssReadResult ReadAshtechGga(std::string_view line, bool ellipsoidHeight,
                               GnssPositionState& state) {
   constexpr std::size_t kTokens = 13;
   const Tokens tokens(line);
@@ -101,10 +101,10 @@ GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ell
   TakeAngles(tokens, 3, state);
   state.satellites = NmeaInteger(tokens[8]);
   state.hdop = tokens.Number(9);
-  state.height = HeightInMetres(tokens, 10, unit);
+  state.height = HeightInMetres(tokens, 10, state.unit);
   state.heightKnown = true;
   state.separationKnown = true;
-  state.geoidSeparation = HeightInMetres(tokens, 12, unit);
+  state.geoidSeparation = HeightInMetres(tokens, 12, state.unit);
   if (!ellipsoidHeight) state.height += state.geoidSeparation;
   return GnssReadResult::Accepted;
 }

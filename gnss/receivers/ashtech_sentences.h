@@ -4,11 +4,8 @@
 
 #include <string_view>
 
-#include "core/units.h"
 #include "gnss/position/position_state.h"
 #include "gnss/position/read_result.h"
-#include "gnss/receivers/receiver_make.h"
-#include "gnss/receivers/receiver_settings.h"
 
 namespace tarvex {
 
@@ -36,8 +33,9 @@ class TokenCursor {
 GnssReadResult ReadPashrPos(std::string_view line, int model, GnssPositionState& state);
 
 /// "$GPGGA,..." as this family sends it: quality 2 is FLOAT, 3 FIXED; heights not in metres are in
-/// the job's foot unit. NoPositionSentence for quality 0 and for fewer than 13 tokens.
-GnssReadResult ReadAshtechGga(std::string_view line, DistanceUnit unit, bool ellipsoidHeight,
+/// the state's unit (the job's feet). NoPositionSentence for quality 0 and for fewer than 13
+/// tokens.
+GnssReadResult ReadAshtechGga(std::string_view line, bool ellipsoidHeight,
                               GnssPositionState& state);
 
 }  // namespace tarvex

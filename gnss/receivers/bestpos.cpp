@@ -56,7 +56,7 @@ bool TakeNumber(FieldCursor& fields, double& value) {
 }
 
 // The thirteen fields behind status and type.
-bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, Bestpos& bestpos) {
+bool TakeBody(FieldCursor& fields, GnssPositionState& state, Bestpos& bestpos) {
   std::string_view field;
   double sigmaLatitude = 0.0;
   double sigmaLongitude = 0.0;
@@ -72,8 +72,8 @@ bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, 
     return false;
   }
   state.hrms = ToJobDistance(
-      std::sqrt(sigmaLatitude * sigmaLatitude + sigmaLongitude * sigmaLongitude), unit);
-  state.vrms = ToJobDistance(sigmaHeight, unit);
+      std::sqrt(sigmaLatitude * sigmaLatitude + sigmaLongitude * sigmaLongitude), state.unit);
+  state.vrms = ToJobDistance(sigmaHeight, state.unit);
   state.precisionKnown = true;
   if (!fields.Skip(1) || !TakeNumber(fields, state.correctionAge) || !fields.Skip(2) ||
       !fields.Take(field)) {
@@ -88,8 +88,7 @@ bool TakeBody(FieldCursor& fields, DistanceUnit unit, GnssPositionState& state, 
 
 }  // namespace
 
-GnssReadResult ReadBestpos(std::string_view log, DistanceUnit unit, GnssPositionState& state,
-                           Bestpos& bestpos) {
+GnssReadResult ReadBestpos(std::string_view log, GnssPositionState& state, Bestpos& bestpos) {
   const std::size_t headerEnd = log.find(';');
   if (headerEnd == std::string_view::npos) return GnssReadResult::NoPositionSentence;
   FieldCursor fields(log.substr(headerEnd + 1));
@@ -102,7 +101,7 @@ GnssReadResult ReadBestpos(std::string_view log, DistanceUnit unit, GnssPosition
   state.solutionType = position.solution;
   state.differentialSource = position.source;
   bestpos.omnistarHp = type == "OMNISTAR_HP";
-  if (!TakeBody(fields, unit, state, bestpos)) return GnssReadResult::NoPositionSentence;
+  if (!TakeBody(fields, state, bestpos)) return GnssReadResult::NoPositionSentence;
   state.geoidSeparation = bestpos.undulationM;
   state.epochMs = EpochOf(log.substr(0, headerEnd));
   state.precisionEpochMs = state.epochMs;

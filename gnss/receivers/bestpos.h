@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "core/fixed_text.h"
-#include "core/units.h"
 #include "gnss/position/position_state.h"
 #include "gnss/position/read_result.h"
 
@@ -20,8 +19,7 @@ struct Bestpos {
 /// Takes a log ("#BESTPOSA,...;body*crc") into the state. NoPositionSentence without a header or
 /// when a field is missing, NoFix when the receiver has no position. The height is the one above
 /// the geoid as sent. The epoch is GPS time of day, not UTC.
-GnssReadResult ReadBestpos(std::string_view log, DistanceUnit unit, GnssPositionState& state,
-                           Bestpos& bestpos);
+GnssReadResult ReadBestpos(std::string_view log, GnssPositionState& state, Bestpos& bestpos);
 
 /// False when the log ends in "*" and eight hexadecimal digits that are not its CRC-32.
 bool LogCrcHolds(std::string_view log);

@@ -12,52 +12,7 @@
 namespace tarvex {
 namespace {
 
-constexpr int kReplyTimeoutMs = 1500;
-constexpr int kGsaTimeoutMs = 500;
-constexpr std::size_t kReplyCapacity = 500;
-constexpr std::size_t kGsaCapacity = 200;
-
-// What to send, what to look for in the reply, and what to make of it.
-struct DopRequest {
-  std::string command;
-  std::string_view wanted;
-  int timeoutMs = kReplyTimeoutMs;
-  std::size_t capacity = kReplyCapacity;
-};
-
-DopRequest RequestOf(const ReceiverMake& make, const std::string& port) {
-  switch (make.dop) {
-    case DopSource::Psrdop:
-      return {.command = "LOG " + port + " PSRDOPA ONCE", .wanted = "#PSRDOPA"};
-    case DopSource::Dop:
-      return {.command = "LOG " + port + " DOPA ONCE", .wanted = "#PSRDOPA"};
-    case DopSource::GsaOnce:
-      return {.command = "LOG GPGSA ONCE",
-              .wanted = "$GPGSA",
-              .timeoutMs = kGsaTimeoutMs,
-              .capacity = kGsaCapacity};
-    case DopSource::Pbn:
-      return {.command = "$PASHQ,PBN", .wanted = "$PASHR,PBN"};
-    case DopSource::Streamed:
-      break;
-  }
-  return {.command = {}, .wanted = {}};
-}
-
-bool TakeReply(std::string_view reply, const SentenceContext& context, GnssPositionState& state) {
-  switch (context.make.dop) {
-    case DopSource::Psrdop:
-    case DopSource::Dop:
-      return ReadPsrdop(reply, state);
-    case DopSource::GsaOnce:
-      return ReadGsa(reply, false, context, state) == SentenceResult::Read;
-    case DopSource::Pbn:
-      return ReadPashrPbn(reply, state);
-    case DopSource::Streamed:
-      break;
-  }
-  return false;
-}
+constexpr std::size_t kMostReply = 500;
 
 bool TakeDop(FieldCursor& fields, double& dop) {
   std::string_view field;
@@ -66,7 +21,40 @@ bool TakeDop(FieldCursor& fields, double& dop) {
   return true;
 }
 
+bool TakePsrdop(std::string_view reply, const SentenceContext& /*context*/,
+                GnssPositionState& state) {
+  return ReadPsrdop(reply, state);
+}
+
+bool TakeGsa(std::string_view reply, const SentenceContext& context, GnssPositionState& state) {
+  return ReadGsa(reply, context, state) == SentenceResult::Read;
+}
+
+bool TakePbn(std::string_view reply, const SentenceContext& /*context*/, GnssPositionState& state) {
+  return ReadPashrPbn(reply, state);
+}
+
+std::string CommandOf(const DopRequest& request, std::string_view port) {
+  constexpr std::string_view kPort = "%s";
+  std::string command(request.command);
+  if (const std::size_t at = command.find(kPort); at != std::string::npos) {
+    command.replace(at, kPort.size(), port);
+  }
+  return command;
+}
+
 }  // namespace
+
+const DopRequest kPsrdopRequest = {
+    .command = "LOG %s PSRDOPA ONCE", .wanted = "#PSRDOPA", .take = TakePsrdop};
+const DopRequest kDopRequest = {
+    .command = "LOG %s DOPA ONCE", .wanted = "#PSRDOPA", .take = TakePsrdop};
+const DopRequest kGsaRequest = {.command = "LOG GPGSA ONCE",
+                                .wanted = "$GPGSA",
+                                .take = TakeGsa,
+                                .timeoutMs = 500,
+                                .capacity = 200};
+const DopRequest kPbnRequest = {.command = "$PASHQ,PBN", .wanted = "$PASHR,PBN", .take = TakePbn};
 
 bool ReadPsrdop(std::string_view log, GnssPositionState& state) {
   const std::size_t headerEnd = log.find(';');
@@ -85,21 +73,23 @@ bool ReadPashrPbn(std::string_view line, GnssPositionState& state) {
 
 GnssReadResult RequestDop(GnssPositionState& state, GnssConnection& connection, int receiverType) {
   const ReceiverMake& make = FindMake(receiverType);
-  if (make.dop == DopSource::Streamed) return GnssReadResult::NoPositionSentence;
+  if (make.dop == nullptr) return GnssReadResult::NoPositionSentence;
+  const DopRequest& request = *make.dop;
   if (!connection.ready()) return GnssReadResult::NoFix;
   const PortUse use(*connection.port);
   if (!use) return GnssReadResult::NotPrepared;
-  const DopRequest request = RequestOf(make, std::string(connection.settings.ReceiverPort()));
-  if (!SendCommand(connection, request.command)) return GnssReadResult::PortReadFailed;
-  std::array<char, kReplyCapacity> buffer;
+  if (!SendCommand(connection, CommandOf(request, connection.settings.novatel.Port()))) {
+    return GnssReadResult::PortReadFailed;
+  }
+  std::array<char, kMostReply> buffer;
   std::string_view reply;
   const ReplyStatus status = AwaitReply(connection, request.wanted, request.timeoutMs,
                                         std::span(buffer).first(request.capacity), reply);
   if (status == ReplyStatus::PortFailed) return GnssReadResult::PortReadFailed;
   if (status == ReplyStatus::TimedOut) return GnssReadResult::NoPositionSentence;
-  const SentenceContext context{.settings = connection.settings, .make = make};
-  return TakeReply(reply, context, state) ? GnssReadResult::Accepted
-                                          : GnssReadResult::NoPositionSentence;
+  const SentenceContext context{.settings = connection.settings.nmea, .traits = make.nmea};
+  return request.take(reply, context, state) ? GnssReadResult::Accepted
+                                             : GnssReadResult::NoPositionSentence;
 }
 
 }  // namespace tarvex

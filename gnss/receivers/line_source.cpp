@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/text.h"
-#include "gnss/nmea/sentence.h"
+#include "gnss/nmea/sentence_line.h"
 
 namespace tarvex {
 namespace {
@@ -38,7 +38,7 @@ bool LineSource::Returned(std::string_view& line) {
 }
 
 LineSource::Outcome LineSource::Read(std::string_view& line) {
-  return make_.reader == ReaderKind::StreamBuffered ? FromStream(line) : FromPort(line);
+  return make_.nmea.streamBuffered ? FromStream(line) : FromPort(line);
 }
 
 std::string_view LineSource::LookAhead(std::string_view prefix) const {
@@ -60,7 +60,7 @@ LineSource::Outcome LineSource::FromPort(std::string_view& line) {
     return deadline_.Passed() && !connection_.ended() ? Outcome::OutOfTime : Outcome::Failed;
   }
   const bool whole =
-      read.whole || ChecksumStands(connection_.settings.resync ? SentenceIn(line) : line);
+      read.whole || HasGoodChecksum(connection_.settings.nmea.resync ? SentenceIn(line) : line);
   return whole ? Outcome::Line : Outcome::Nothing;
 }
 

@@ -1,69 +1,12 @@
 #include "gnss/receivers/nmea_reading.h"
 
+#include "gnss/nmea/sentence_line.h"
+#include "gnss/nmea/sentence_reader.h"
 #include "gnss/nmea/sentences.h"
 #include "gnss/receivers/line_source.h"
 
 namespace tarvex {
 namespace {
-
-// The kind of the sentence that stands in a line.
-SentenceKind KindOfLine(std::string_view line, const ReceiverSettings& settings) {
-  return KindOf(settings.resync ? SentenceIn(line) : line, settings.anyTalker);
-}
-
-// Whether the sentence that carries the position is the one that the settings chose.
-bool Selected(SentenceKind kind, const SentenceContext& context) {
-  const PositionSentence chosen = context.settings.position;
-  switch (kind) {
-    case SentenceKind::Gga:
-      return chosen == PositionSentence::Gga || context.make.reader == ReaderKind::StreamBuffered;
-    case SentenceKind::Gll:
-      return chosen == PositionSentence::Gll;
-    case SentenceKind::Gns:
-      return chosen == PositionSentence::Gns;
-    case SentenceKind::Ggk:
-      return chosen == PositionSentence::Ggk;
-    case SentenceKind::Ggq:
-      return chosen == PositionSentence::Ggq;
-    case SentenceKind::PtnlGgk:
-      return chosen == PositionSentence::PtnlGgk;
-    default:
-      return true;
-  }
-}
-
-SentenceResult ReadByKind(SentenceKind kind, std::string_view line, SentenceKind previous,
-                          const SentenceContext& context, GnssPositionState& state) {
-  switch (kind) {
-    case SentenceKind::Gsa: {
-      const bool joins = context.settings.anyTalker && previous == SentenceKind::Gsa;
-      state.dopCarriedOver = false;
-      return ReadGsa(line, joins, context, state);
-    }
-    case SentenceKind::Gga:
-      return ReadGga(line, context, state);
-    case SentenceKind::Gst:
-      return ReadGst(line, context, state);
-    case SentenceKind::Gll:
-      return ReadGll(line, context, state);
-    case SentenceKind::Gns:
-      return ReadGns(line, context, state);
-    case SentenceKind::Ggk:
-    case SentenceKind::Ggq:
-    case SentenceKind::PtnlGgk:
-      return ReadGgk(line, kind, context, state);
-    case SentenceKind::Rre:
-      return ReadRre(line, context, state);
-    case SentenceKind::Rd1:
-      if (!context.make.hemisphereFamily || context.settings.differentialChoice != kReadRd1) {
-        return SentenceResult::Read;
-      }
-      return ReadRd1(line, state);
-    case SentenceKind::Other:
-      break;
-  }
-  return SentenceResult::Read;
-}
 
 class NmeaReading {
  public:
@@ -71,7 +14,8 @@ class NmeaReading {
               const ReadDeadline& deadline)
       : state_(state),
         connection_(connection),
-        context_{.settings = connection.settings, .make = make},
+        make_(make),
+        reader_(connection.settings.nmea, make.nmea),
         source_(connection, make, deadline),
         linesLeft_(connection.settings.lineBudget > 0 ? connection.settings.lineBudget
                                                       : make.lineBudget) {}
@@ -129,8 +73,8 @@ class NmeaReading {
 
   SentenceResult TakeLine(std::string_view line) {
     state_.sentenceReadAtMs = connection_.clock.SteadyMilliseconds();
-    const SentenceResult result = TakeNmeaLine(line, context_, state_, previous_);
-    if (previous_ == SentenceKind::Gst && PrecisionIsOf(connection_.acceptedEpochMs)) {
+    const SentenceResult result = reader_.Take(line, state_);
+    if (CarriesPrecision(reader_.last()) && PrecisionIsOf(connection_.acceptedEpochMs)) {
       connection_.precisionOrder = PrecisionOrder::Behind;
     }
     return result;
@@ -138,10 +82,15 @@ class NmeaReading {
 
   // A stream-buffered make has the precision of this epoch already in its text.
   void TakePrecisionAhead() {
-    if (context_.make.reader != ReaderKind::StreamBuffered) return;
+    if (!make_.nmea.streamBuffered) return;
+    const NmeaSettings& settings = connection_.settings.nmea;
     const std::string_view line = source_.LookAhead("$GPGST");
-    if (line.empty() || (context_.settings.checksum && !ChecksumHolds(line))) return;
-    (void)ReadGst(line, context_, state_);
+    if (line.empty() || (settings.checksum && !ChecksumHolds(line))) return;
+    (void)ReadGst(line, {.settings = settings, .traits = make_.nmea}, state_);
+  }
+
+  static bool CarriesPrecision(const Sentence* sentence) {
+    return sentence != nullptr && sentence->carries == Carries::Precision;
   }
 
   bool PrecisionIsOf(std::int32_t epochMs) const {
@@ -162,7 +111,7 @@ class NmeaReading {
   // Reads the epoch on to its precision, as far as the next position at most.
   void AwaitPrecision() {
     PrecisionOrder& order = connection_.precisionOrder;
-    if (!context_.settings.awaitPrecision || context_.settings.noRms) return;
+    if (!connection_.settings.awaitPrecision || connection_.settings.noRms) return;
     if (order != PrecisionOrder::Unknown && order != PrecisionOrder::Behind) return;
     const std::int32_t satellites = state_.satellites;  // those of the position stay
     order = ReadOnToPrecision() ? PrecisionOrder::Behind : PrecisionOrder::None;
@@ -175,24 +124,23 @@ class NmeaReading {
       const LineSource::Outcome outcome = source_.Next(text);
       if (outcome == LineSource::Outcome::Nothing) continue;
       if (outcome != LineSource::Outcome::Line) return false;
-      const SentenceKind kind = KindOfLine(text, context_.settings);
-      if (CarriesPosition(kind) && Selected(kind, context_)) {
+      const Sentence* const sentence = reader_.Find(text);
+      if (sentence != nullptr && reader_.CarriesChosenPosition(*sentence)) {
         source_.GiveBack(text);
         return false;
       }
       const SentenceResult result = TakeLine(text);
-      const bool precision = kind == SentenceKind::Gst || kind == SentenceKind::Rre;
-      if (precision && result == SentenceResult::Read) return true;
+      if (CarriesPrecision(sentence) && result == SentenceResult::Read) return true;
     }
     return false;
   }
 
   GnssPositionState& state_;
   GnssConnection& connection_;
-  SentenceContext context_;
+  const ReceiverMake& make_;
+  SentenceReader reader_;
   LineSource source_;
   int linesLeft_;
-  SentenceKind previous_ = SentenceKind::Other;
 };
 
 ReadDeadline DeadlineOf(const GnssConnection& connection, const ReceiverMake& make) {
@@ -204,20 +152,6 @@ ReadDeadline DeadlineOf(const GnssConnection& connection, const ReceiverMake& ma
 }
 
 }  // namespace
-
-SentenceResult TakeNmeaLine(std::string_view line, const SentenceContext& context,
-                            GnssPositionState& state, SentenceKind& previous) {
-  if (context.settings.resync) line = SentenceIn(line);
-  const SentenceKind kind = KindOf(line, context.settings.anyTalker);
-  const SentenceKind before = previous;
-  previous = kind;
-  if (kind == SentenceKind::Other || !Selected(kind, context)) return SentenceResult::Read;
-  if (context.settings.checksum && !ChecksumHolds(line)) {
-    ++state.badChecksums;
-    return SentenceResult::Read;
-  }
-  return ReadByKind(kind, line, before, context, state);
-}
 
 GnssReadResult ReadNmeaPosition(GnssPositionState& state, GnssConnection& connection,
                                 const ReceiverMake& make) {

@@ -36,10 +36,9 @@ bool Set(GnssConnection& connection, std::string_view command) {
 
 // The receiver must deliver ellipsoid heights.
 GnssReadResult SwitchUndulationOff(GnssConnection& connection, const ReceiverMake& make) {
-  const std::string_view command =
-      make.code == kMakeNovAtelUser ? "UNDULATION USER 0.0" : "UNDULATION 0.0";
   connection.reconfigured = true;
-  return Set(connection, command) ? GnssReadResult::InvalidData : GnssReadResult::PortReadFailed;
+  return Set(connection, make.undulationOff) ? GnssReadResult::InvalidData
+                                             : GnssReadResult::PortReadFailed;
 }
 
 GnssReadResult SetUserDatum(GnssConnection& connection) {
@@ -55,14 +54,14 @@ GnssReadResult SetWgs84(GnssConnection& connection) {
 
 GnssReadResult CheckDatum(GnssConnection& connection, const Bestpos& bestpos) {
   const bool wgs84 = bestpos.datum.view() == "WGS84";
-  if (bestpos.omnistarHp && connection.settings.omnistarUserDatum) {
+  if (bestpos.omnistarHp && connection.settings.novatel.omnistarUserDatum) {
     return wgs84 ? SetUserDatum(connection) : GnssReadResult::Accepted;
   }
   return wgs84 ? GnssReadResult::Accepted : SetWgs84(connection);
 }
 
 std::string LogRequest(const GnssConnection& connection) {
-  return "LOG " + std::string(connection.settings.ReceiverPort()) + " BESTPOSA ONCE";
+  return "LOG " + std::string(connection.settings.novatel.Port()) + " BESTPOSA ONCE";
 }
 
 }  // namespace
@@ -87,15 +86,15 @@ GnssReadResult ReadNovAtelPosition(GnssPositionState& state, GnssConnection& con
       return GnssReadResult::PortReadFailed;
   }
   state.sentenceReadAtMs = connection.clock.SteadyMilliseconds();
-  if (connection.settings.checksum && !LogCrcHolds(reply)) {
+  if (connection.settings.nmea.checksum && !LogCrcHolds(reply)) {
     ++state.badChecksums;
     return GnssReadResult::NoPositionSentence;
   }
   Bestpos bestpos;
-  const GnssReadResult result = ReadBestpos(reply, connection.settings.unit, state, bestpos);
+  const GnssReadResult result = ReadBestpos(reply, state, bestpos);
   if (result != GnssReadResult::Accepted) return result;
   if (bestpos.undulationM != 0.0) {
-    if (connection.settings.zeroUndulation) return SwitchUndulationOff(connection, make);
+    if (connection.settings.novatel.zeroUndulation) return SwitchUndulationOff(connection, make);
     state.height += bestpos.undulationM;
   }
   return CheckDatum(connection, bestpos);

@@ -4,17 +4,13 @@
 #include <cmath>
 
 #include "core/string_table.h"
-#include "gnss/receivers/ashtech_reading.h"
 #include "gnss/receivers/dop_request.h"
 #include "gnss/receivers/nmea_reading.h"
-#include "gnss/receivers/novatel_reading.h"
 #include "gnss/receivers/receiver_make.h"
 
 namespace tarvex {
 namespace {
 
-constexpr int kFirstResultText = 3400;
-constexpr int kAcceptedText = 3420;
 constexpr std::int64_t kPiledUpAfterMs = 2000;
 constexpr std::int64_t kBetweenUnansweredMs = 10'000;
 
@@ -56,46 +52,25 @@ GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int 
   return GnssReadResult::Accepted;
 }
 
-GnssReadResult ReadHolding(GnssPositionState& state, GnssConnection& connection,
-                           const ReceiverMake& make) {
-  switch (make.reader) {
-    case ReaderKind::NovAtel:
-      return ReadNovAtelPosition(state, connection, make);
-    case ReaderKind::Ashtech:
-      return ReadAshtechPosition(state, connection, make);
-    default:
-      return ReadNmeaPosition(state, connection, make);
-  }
-}
-
 GnssReadResult ReadFromPort(GnssPositionState& state, GnssConnection& connection,
                             const ReceiverMake& make) {
   if (!connection.ready()) return GnssReadResult::NoFix;
   const PortUse use(*connection.port);
   if (!use || DropWhatPiledUp(connection) != PortError::None) return GnssReadResult::NotPrepared;
-  const GnssReadResult result = ReadHolding(state, connection, make);
+  const GnssReadResult result = make.read(state, connection, make);
   connection.lastReadAtMs = connection.clock.SteadyMilliseconds();
   return result;
 }
 
-GnssReadResult ReadByMake(GnssPositionState& state, GnssConnection& connection,
-                          const ReceiverMake& make) {
-  if (make.reader != ReaderKind::Simulated) return ReadFromPort(state, connection, make);
-  connection.simulated.Step(connection.clock, connection.settings.unit, state);
-  state.sentenceReadAtMs = connection.clock.SteadyMilliseconds();
-  return GnssReadResult::Accepted;
-}
-
 // A receiver that does not answer is left alone for a while.
 void AskForDop(GnssPositionState& state, GnssConnection& connection, const ReceiverMake& make) {
-  if (!connection.settings.requestDop || make.dop == DopSource::Streamed || !state.dopCarriedOver ||
+  if (!connection.settings.requestDop || make.dop == nullptr || !state.dopCarriedOver ||
       connection.clock.SteadyMilliseconds() < connection.noDopRequestBeforeMs) {
     return;
   }
   const std::int32_t satellites = state.satellites;  // those of the position stay
-  if (RequestDop(state, connection, make.code) == GnssReadResult::Accepted) {
-    state.dopCarriedOver = false;
-  } else {
+  state.dopCarriedOver = RequestDop(state, connection, make.code) != GnssReadResult::Accepted;
+  if (state.dopCarriedOver) {
     connection.noDopRequestBeforeMs = connection.clock.SteadyMilliseconds() + kBetweenUnansweredMs;
   }
   state.satellites = satellites;
@@ -108,19 +83,14 @@ GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connec
   const ReceiverMake& make = FindMake(receiverType);
   state.reading = 1;
   connection.reconfigured = false;
-  GnssReadResult result = ReadByMake(state, connection, make);
+  GnssReadResult result =
+      make.hasPort ? ReadFromPort(state, connection, make) : make.read(state, connection, make);
   if (result == GnssReadResult::Accepted) result = Validate(state);
   if (result == GnssReadResult::Accepted) result = Finish(state, connection, receiverType);
   if (result == GnssReadResult::Accepted) AskForDop(state, connection, make);
   state.lastResult = static_cast<std::int32_t>(result);
   state.reading = 0;
   return result;
-}
-
-std::string ResultSentence(GnssReadResult result) {
-  const int text = result == GnssReadResult::Accepted ? kAcceptedText
-                                                      : kFirstResultText - static_cast<int>(result);
-  return Strings().Text(text);
 }
 
 std::string ResultSentence(GnssReadResult result, const GnssConnection& connection) {
@@ -136,25 +106,10 @@ std::string ResultSentence(GnssReadResult result, const GnssConnection& connecti
   return ResultSentence(result);
 }
 
-std::string OriginSentence(PositionOrigin origin) {
-  constexpr int kFirstOriginText = 3430;
-  if (origin == PositionOrigin::Measured) return {};
-  return Strings().Text(kFirstOriginText + static_cast<int>(origin));
-}
-
-std::string HeightSentence(const GnssPositionState& state) {
-  constexpr int kNoHeightText = 3434;
-  constexpr int kNoSeparationText = 3435;
-  if (!state.heightKnown) return Strings().Text(kNoHeightText);
-  return state.separationKnown ? std::string() : Strings().Text(kNoSeparationText);
-}
-
 bool PrecisionMayFollow(const GnssPositionState& state, const GnssConnection& connection,
                         int receiverType) {
-  const ReaderKind reader = FindMake(receiverType).reader;
-  return (reader == ReaderKind::Nmea || reader == ReaderKind::StreamBuffered) &&
-         !connection.settings.noRms && !state.precisionKnown &&
-         connection.precisionOrder == PrecisionOrder::Unknown;
+  return FindMake(receiverType).read == ReadNmeaPosition && !connection.settings.noRms &&
+         !state.precisionKnown && connection.precisionOrder == PrecisionOrder::Unknown;
 }
 
 std::int64_t SilentForMs(const GnssPositionState& state, Clock& clock) {

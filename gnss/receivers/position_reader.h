@@ -17,16 +17,9 @@ namespace tarvex {
 GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connection,
                                 int receiverType);
 
-/// The sentence for people; with the connection it tells apart what a number does not: a link that
-/// is lost, a log that has ended, a receiver that was set up.
-std::string ResultSentence(GnssReadResult result);
+/// The sentence for people about a reading; the connection tells apart what a number does not: a
+/// link that is lost, a log that has ended, a receiver that was set up.
 std::string ResultSentence(GnssReadResult result, const GnssConnection& connection);
-
-/// What a person should know of a position that was not measured; empty when it was.
-std::string OriginSentence(PositionOrigin origin);
-
-/// What a person should know of a height that is not one above the ellipsoid; empty when it is.
-std::string HeightSentence(const GnssPositionState& state);
 
 /// Whether the precision of the position that was just read may still come: no whole epoch of this
 /// receiver has been seen yet, and many send GST behind their position. Whoever stores a point as

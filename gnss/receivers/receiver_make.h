@@ -1,34 +1,40 @@
 // The receiver makes that the program can be set to: one row a make, chosen by its code in the
-// receiver configuration or by its name on the command line. A new make is a new row.
+// receiver configuration or by its name on the command line. A new make is a new row; one that is
+// read in a way of its own brings the function that does it.
 #pragma once
 
 #include <span>
 #include <string_view>
 
+#include "gnss/nmea/nmea_settings.h"
 #include "gnss/port/line_reader.h"
+#include "gnss/position/position_state.h"
+#include "gnss/position/read_result.h"
 #include "gnss/receivers/receiver_settings.h"
 
 namespace tarvex {
 
-/// How positions are asked from a make.
-enum class ReaderKind { Nmea, StreamBuffered, NovAtel, Ashtech, Simulated };
-
-/// How a make is asked for its DOP values; most send GSA by themselves.
-enum class DopSource { Streamed, Psrdop, Dop, GsaOnce, Pbn };
+struct DopRequest;
+struct GnssConnection;
 
 struct ReceiverMake {
   int code = 0;
   std::string_view name;         ///< as a person types it
   std::string_view description;  ///< as lists show it
-  ReaderKind reader = ReaderKind::Nmea;
-  DopSource dop = DopSource::Streamed;
+  /// Reads one position into the state. The port's busy flag is held by the caller.
+  GnssReadResult (*read)(GnssPositionState& state, GnssConnection& connection,
+                         const ReceiverMake& make) = nullptr;
+  bool hasPort = true;  ///< false: there is no hardware behind it
+  const DopRequest* dop =
+      nullptr;  ///< how its DOP values are asked for; null: it sends GSA by itself
   Framing framing = Framing::TextLines;
-  bool hemisphereFamily = false;     ///< correction age in GGA, $RD1, GSA field 17 up to the '*'
-  bool ellipsoidHeight = false;      ///< heights are ellipsoidal already: no separation is added
+  NmeaTraits nmea = {};
   bool qualityInsteadOfRms = false;  ///< notes say HQ and VQ
-  int lineBudget = 15;               ///< lines read for one position before giving up
-  int timeBudgetMs = 0;              ///< milliseconds of the same; 0: the lines alone count
-  ReceiverSettings settings = {};    ///< where the make starts from
+  /// What tells a NovAtel to send ellipsoid heights.
+  std::string_view undulationOff = "UNDULATION 0.0";
+  int lineBudget = 15;             ///< lines read for one position before giving up
+  int timeBudgetMs = 0;            ///< milliseconds of the same; 0: the lines alone count
+  ReceiverSettings settings = {};  ///< where the make starts from
 };
 
 inline constexpr int kMakeNmea = 0;

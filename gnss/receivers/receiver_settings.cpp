@@ -4,18 +4,21 @@
 
 #include "core/number_text.h"
 #include "core/text.h"
+#include "gnss/nmea/sentences.h"
 
 namespace tarvex {
 namespace {
 
+constexpr long long kMostNumber = 100'000;
 constexpr long long kMostLines = 1000;
 constexpr long long kEverySystem = 63;
 constexpr long long kLastAshtechModel = 6;
 constexpr long long kLongestReadingMs = 60'000;
+constexpr long long kLongestGgaIntervalS = 3600;
 
 struct Setting {
   std::string_view key;
-  std::string_view values;
+  std::string_view values;  // empty: those of the position sentences
   bool (*set)(std::string_view value, ReceiverSettings& settings);
 };
 
@@ -24,96 +27,81 @@ constexpr std::string_view kNumber = "a whole number";
 
 bool SetPosition(std::string_view text, ReceiverSettings& settings) {
   const auto value = ParseInteger(text);
-  switch (value.value_or(0)) {
-    case 1:
-    case 2:
-    case 4:
-    case 8:
-    case 16:
-    case 32:
-      settings.position = static_cast<PositionSentence>(*value);
-      return true;
-    default:
-      return false;
-  }
+  if (!value || *value < 0 || *value > kMostNumber) return false;
+  settings.nmea.position = static_cast<int>(*value);
+  return IsPositionSentence(settings.nmea.position);
 }
 
-template <int ReceiverSettings::*kField>
+// A whole number from kLeast to kMost; the field is reached through the names of its groups.
+template <long long kLeast, long long kMost, auto... kNames>
 bool SetNumber(std::string_view text, ReceiverSettings& settings) {
-  constexpr long long kLimit = 100'000;
   const auto value = ParseInteger(text);
-  if (!value || *value < -kLimit || *value > kLimit) return false;
-  settings.*kField = static_cast<int>(*value);
+  if (!value || *value < kLeast || *value > kMost) return false;
+  (settings.*....*kNames) = static_cast<int>(*value);
   return true;
 }
 
-template <bool ReceiverSettings::*kField>
+template <auto... kNames>
 bool SetSwitch(std::string_view text, ReceiverSettings& settings) {
   const auto value = ParseInteger(text);
-  settings.*kField = value == 1;
+  (settings.*....*kNames) = value == 1;
   return value == 0 || value == 1;
-}
-
-template <int ReceiverSettings::*kField, long long kMost>
-bool SetUpTo(std::string_view text, ReceiverSettings& settings) {
-  const auto value = ParseInteger(text);
-  if (!value || *value < 0 || *value > kMost) return false;
-  settings.*kField = static_cast<int>(*value);
-  return true;
-}
-
-bool SetGgaInterval(std::string_view text, ReceiverSettings& settings) {
-  constexpr long long kLongest = 3600;
-  const auto value = ParseInteger(text);
-  if (!value || *value < 1 || *value > kLongest) return false;
-  settings.ggaIntervalS = static_cast<int>(*value);
-  return true;
 }
 
 bool SetReceiverPort(std::string_view text, ReceiverSettings& settings) {
   text = WithoutOuterBlanks(text);
-  if (text.empty() || text.size() > settings.receiverPort.kCapacity) return false;
-  settings.receiverPort.Assign(text);
+  if (text.empty() || text.size() > settings.novatel.port.kCapacity) return false;
+  settings.novatel.port.Assign(text);
   return true;
 }
 
 bool SetAshtechPort(std::string_view text, ReceiverSettings& settings) {
   text = WithoutOuterBlanks(text);
   if (text.size() != 1 || UpperCase(text[0]) < 'A' || UpperCase(text[0]) > 'Z') return false;
-  settings.ashtechPort = UpperCase(text[0]);
+  settings.ashtech.port = UpperCase(text[0]);
   return true;
 }
 
+using Settings = ReceiverSettings;
+constexpr auto kNmea = &Settings::nmea;
+constexpr auto kNovAtel = &Settings::novatel;
+constexpr auto kAshtech = &Settings::ashtech;
+constexpr auto kCaster = &Settings::caster;
+
 constexpr std::array kSettings = {
-    Setting{"nmea_pos", "1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ or 32 PTNL,GGK", SetPosition},
+    Setting{"nmea_pos", {}, SetPosition},
     Setting{"nmea_sat", "0, or the sum of 1 GPS, 2 GLONASS, 4 Galileo, 8 BeiDou, 16 QZSS, 32 NavIC",
-            SetUpTo<&ReceiverSettings::satelliteFamily, kEverySystem>},
-    Setting{"bNMEA_noRMS", kSwitch, SetSwitch<&ReceiverSettings::noRms>},
-    Setting{"sokAx3DiffChoice", kNumber, SetNumber<&ReceiverSettings::differentialChoice>},
-    Setting{"nmea_any_talker", kSwitch, SetSwitch<&ReceiverSettings::anyTalker>},
-    Setting{"nmea_skip_empty", kSwitch, SetSwitch<&ReceiverSettings::skipEmpty>},
-    Setting{"gll_status", kSwitch, SetSwitch<&ReceiverSettings::gllStatus>},
-    Setting{"ggk_published_layout", kSwitch, SetSwitch<&ReceiverSettings::ggkPublishedLayout>},
-    Setting{"ggk_published_quality", kSwitch, SetSwitch<&ReceiverSettings::ggkPublishedQuality>},
-    Setting{"gns_best_mode", kSwitch, SetSwitch<&ReceiverSettings::gnsBestMode>},
-    Setting{"nmea_checksum", kSwitch, SetSwitch<&ReceiverSettings::checksum>},
-    Setting{"nmea_resync", kSwitch, SetSwitch<&ReceiverSettings::resync>},
-    Setting{"nmea_await_precision", kSwitch, SetSwitch<&ReceiverSettings::awaitPrecision>},
-    Setting{"nmea_line_budget", "0 to 1000 lines",
-            SetUpTo<&ReceiverSettings::lineBudget, kMostLines>},
+            SetNumber<0, kEverySystem, &Settings::satelliteFamily>},
+    Setting{"bNMEA_noRMS", kSwitch, SetSwitch<&Settings::noRms>},
+    Setting{"sokAx3DiffChoice", kNumber,
+            SetNumber<-kMostNumber, kMostNumber, kNmea, &NmeaSettings::differentialChoice>},
+    Setting{"nmea_any_talker", kSwitch, SetSwitch<kNmea, &NmeaSettings::anyTalker>},
+    Setting{"nmea_skip_empty", kSwitch, SetSwitch<kNmea, &NmeaSettings::skipEmpty>},
+    Setting{"gll_status", kSwitch, SetSwitch<kNmea, &NmeaSettings::gllStatus>},
+    Setting{"ggk_published_layout", kSwitch, SetSwitch<kNmea, &NmeaSettings::ggkPublishedLayout>},
+    Setting{"ggk_published_quality", kSwitch, SetSwitch<kNmea, &NmeaSettings::ggkPublishedQuality>},
+    Setting{"gns_best_mode", kSwitch, SetSwitch<kNmea, &NmeaSettings::gnsBestMode>},
+    Setting{"nmea_checksum", kSwitch, SetSwitch<kNmea, &NmeaSettings::checksum>},
+    Setting{"nmea_resync", kSwitch, SetSwitch<kNmea, &NmeaSettings::resync>},
+    Setting{"nmea_await_precision", kSwitch, SetSwitch<&Settings::awaitPrecision>},
+    Setting{"nmea_line_budget", "0 to 1000 lines", SetNumber<0, kMostLines, &Settings::lineBudget>},
     Setting{"nmea_time_budget", "0 to 60000 milliseconds",
-            SetUpTo<&ReceiverSettings::timeBudgetMs, kLongestReadingMs>},
-    Setting{"novatel_zero_undulation", kSwitch, SetSwitch<&ReceiverSettings::zeroUndulation>},
-    Setting{"novatel_user_datum", kSwitch, SetSwitch<&ReceiverSettings::omnistarUserDatum>},
+            SetNumber<0, kLongestReadingMs, &Settings::timeBudgetMs>},
+    Setting{"novatel_zero_undulation", kSwitch,
+            SetSwitch<kNovAtel, &NovAtelSettings::zeroUndulation>},
+    Setting{"novatel_user_datum", kSwitch,
+            SetSwitch<kNovAtel, &NovAtelSettings::omnistarUserDatum>},
     Setting{"receiver_port", "a name of 1 to 15 letters", SetReceiverPort},
-    Setting{"dop_on_request", kSwitch, SetSwitch<&ReceiverSettings::requestDop>},
-    Setting{"ashtech_model", "0 to 6", SetUpTo<&ReceiverSettings::ashtechModel, kLastAshtechModel>},
-    Setting{"ashtech_variant", "0 or 1", SetUpTo<&ReceiverSettings::ashtechVariant, 1>},
+    Setting{"dop_on_request", kSwitch, SetSwitch<&Settings::requestDop>},
+    Setting{"ashtech_model", "0 to 6",
+            SetNumber<0, kLastAshtechModel, kAshtech, &AshtechSettings::model>},
+    Setting{"ashtech_variant", "0 or 1", SetNumber<0, 1, kAshtech, &AshtechSettings::variant>},
     Setting{"ashtech_port", "a letter", SetAshtechPort},
-    Setting{"ashtech_skip_retry", kSwitch, SetSwitch<&ReceiverSettings::ashtechSkipRetry>},
-    Setting{"bSendGGA", kSwitch, SetSwitch<&ReceiverSettings::sendGga>},
-    Setting{"bGPSRover_SendGGA", kSwitch, SetSwitch<&ReceiverSettings::roverSendGga>},
-    Setting{"gga_interval", "1 to 3600 seconds", SetGgaInterval},
+    Setting{"ashtech_skip_retry", kSwitch, SetSwitch<kAshtech, &AshtechSettings::skipRetry>},
+    Setting{"bSendGGA", kSwitch, SetSwitch<kCaster, &CasterSettings::sendGga>},
+    Setting{"bGPSRover_SendGGA", kSwitch, SetSwitch<kCaster, &CasterSettings::roverSendGga>},
+    Setting{"gga_interval", "1 to 3600 seconds",
+            SetNumber<1, kLongestGgaIntervalS, kCaster, &CasterSettings::ggaIntervalS>},
 };
 
 const Setting* Find(std::string_view key) {
@@ -135,9 +123,10 @@ SettingResult SetReceiverSetting(std::string_view key, std::string_view value,
   return SettingResult::Set;
 }
 
-std::string_view SettingValues(std::string_view key) {
+std::string SettingValues(std::string_view key) {
   const Setting* const setting = Find(key);
-  return setting == nullptr ? std::string_view() : setting->values;
+  if (setting == nullptr) return {};
+  return setting->values.empty() ? PositionSentenceChoices() : std::string(setting->values);
 }
 
 std::vector<std::string_view> SettingKeys() {

@@ -1,7 +1,8 @@
 // The settings of a receiver, one key=value line each in the GNSS settings file:
-//   nmea_pos               which sentence carries the position (PositionSentence)
-//   nmea_sat               satellite systems of the satellite view, added up (SatelliteSystem); 0:
-//   all bNMEA_noRMS            1: the receiver sends no precision sentence: none is waited for or
+//   nmea_pos               which sentence carries the position (gnss/nmea/sentences.cpp)
+//   nmea_sat               satellite systems of the satellite view, added up (SatelliteSystem);
+//                          0: all
+//   bNMEA_noRMS            1: the receiver sends no precision sentence: none is waited for or
 //   missed sokAx3DiffChoice       differential source of the Hemisphere family; 4 reads $RD1
 //   nmea_any_talker        1: any talker for GGA, GLL, GNS, GST and GSA ($GN, $GL, $GA, $GB ...)
 //   nmea_skip_empty        1: a GGA or GNS with empty position and quality is left out
@@ -28,67 +29,58 @@
 //   gga_interval           seconds between two positions for the caster
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/fixed_text.h"
-#include "core/units.h"
+#include "gnss/nmea/nmea_settings.h"
 
 namespace tarvex {
 
-enum class PositionSentence : int {
-  Gga = 1,
-  Gll = 2,
-  Gns = 4,
-  Ggk = 8,
-  Ggq = 16,
-  PtnlGgk = 32,
-};
-
-/// The satellite systems of nmea_sat.
-enum SatelliteSystem : int {
-  kSatelliteGps = 1,
-  kSatelliteGlonass = 2,
-  kSatelliteGalileo = 4,
-  kSatelliteBeiDou = 8,
-  kSatelliteQzss = 16,
-  kSatelliteNavIc = 32,
-};
-
-inline constexpr int kReadRd1 = 4;  ///< sokAx3DiffChoice
-
-struct ReceiverSettings {
-  PositionSentence position = PositionSentence::Gga;
-  int satelliteFamily = 0;
-  bool noRms = false;
-  int differentialChoice = 0;
-  bool anyTalker = false;
-  bool skipEmpty = false;
-  bool gllStatus = false;
-  bool ggkPublishedLayout = false;
-  bool ggkPublishedQuality = false;
-  bool gnsBestMode = false;
-  bool checksum = false;
-  bool resync = false;
-  bool awaitPrecision = false;
-  bool requestDop = false;
-  int lineBudget = 0;    ///< 0: the make's
-  int timeBudgetMs = 0;  ///< 0: the make's
+/// Of receivers that are asked with NovAtel commands.
+struct NovAtelSettings {
   bool zeroUndulation = true;
   bool omnistarUserDatum = false;
-  FixedText<15> receiverPort = {};  ///< empty: THISPORT
-  int ashtechModel = 0;
-  int ashtechVariant = 0;
-  char ashtechPort = 'A';
-  bool ashtechSkipRetry = false;
+  FixedText<15> port = {};  ///< empty: THISPORT
+
+  std::string_view Port() const {
+    return port.empty() ? std::string_view("THISPORT") : port.view();
+  }
+  bool operator==(const NovAtelSettings&) const = default;
+};
+
+/// Of receivers that are asked with Ashtech commands.
+struct AshtechSettings {
+  int model = 0;
+  int variant = 0;
+  char port = 'A';
+  bool skipRetry = false;
+
+  bool operator==(const AshtechSettings&) const = default;
+};
+
+/// What a caster gets of the position.
+struct CasterSettings {
   bool sendGga = true;
   bool roverSendGga = false;
   int ggaIntervalS = 10;
-  DistanceUnit unit = DistanceUnit::Metres;  ///< the job's; not a key of the file
 
-  std::string_view ReceiverPort() const {
-    return receiverPort.empty() ? std::string_view("THISPORT") : receiverPort.view();
-  }
+  bool operator==(const CasterSettings&) const = default;
+};
+
+struct ReceiverSettings {
+  NmeaSettings nmea = {};
+  int satelliteFamily = 0;
+  bool noRms = false;
+  bool awaitPrecision = false;
+  int lineBudget = 0;    ///< 0: the make's
+  int timeBudgetMs = 0;  ///< 0: the make's
+  bool requestDop = false;
+  NovAtelSettings novatel = {};
+  AshtechSettings ashtech = {};
+  CasterSettings caster = {};
+
   bool operator==(const ReceiverSettings&) const = default;
 };
 
@@ -102,7 +94,7 @@ SettingResult SetReceiverSetting(std::string_view key, std::string_view value,
                                  ReceiverSettings& settings);
 
 /// The values that a key takes, for people ("0 or 1"); empty when the key is unknown.
-std::string_view SettingValues(std::string_view key);
+std::string SettingValues(std::string_view key);
 
 /// Every key, in the order of the list above.
 std::vector<std::string_view> SettingKeys();

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "gnss/nmea/nmea_number.h"
+#include "gnss/receivers/gnss_connection.h"
+
 namespace tarvex {
 namespace {
 
@@ -38,7 +41,7 @@ void SimulatedReceiver::Begin(const LocalTime& now, GnssPositionState& state) {
   state.heightKnown = true;
 }
 
-void SimulatedReceiver::Step(Clock& clock, DistanceUnit unit, GnssPositionState& state) {
+void SimulatedReceiver::Step(Clock& clock, GnssPositionState& state) {
   if (!begun_) Begin(clock.Now(), state);
   state.epochMs = (state.epochMs + kEpochStepMs + kDayMs) % kDayMs;
   state.latitude += Random() * kStepDegrees;
@@ -46,8 +49,8 @@ void SimulatedReceiver::Step(Clock& clock, DistanceUnit unit, GnssPositionState&
   state.height += Random() * kStepHeight;
   hrmsM_ = std::clamp(hrmsM_ + Random() * kStepPrecision, 0.005, 0.020);
   vrmsM_ = std::clamp(vrmsM_ + Random() * kStepPrecision, 0.008, 0.035);
-  state.hrms = FromMetres(hrmsM_, unit);
-  state.vrms = FromMetres(vrmsM_, unit);
+  state.hrms = ToJobDistance(hrmsM_, state.unit);
+  state.vrms = ToJobDistance(vrmsM_, state.unit);
   state.precisionEpochMs = state.epochMs;
   state.precisionKnown = true;
   state.solutionType = SolutionType::Fixed;
@@ -58,6 +61,13 @@ void SimulatedReceiver::Step(Clock& clock, DistanceUnit unit, GnssPositionState&
   state.pdop = 1.4;
   state.hdop = 0.8;
   state.vdop = 1.1;
+}
+
+GnssReadResult ReadSimulatedPosition(GnssPositionState& state, GnssConnection& connection,
+                                     const ReceiverMake& /*make*/) {
+  connection.simulated.Step(connection.clock, state);
+  state.sentenceReadAtMs = connection.clock.SteadyMilliseconds();
+  return GnssReadResult::Accepted;
 }
 
 }  // namespace tarvex

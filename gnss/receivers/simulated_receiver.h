@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "core/units.h"
 #include "gnss/position/position_state.h"
+#include "gnss/position/read_result.h"
 #include "platform/clock.h"
 
 namespace tarvex {
@@ -19,7 +19,7 @@ class SimulatedReceiver {
 
   /// Moves the state on by one epoch: at most some centimetres, FIXED, HRMS 0.005 to 0.020 m, VRMS
   /// 0.008 to 0.035 m. The first step takes its seed and its epoch from the clock.
-  void Step(Clock& clock, DistanceUnit unit, GnssPositionState& state);
+  void Step(Clock& clock, GnssPositionState& state);
 
  private:
   void Begin(const LocalTime& now, GnssPositionState& state);
@@ -30,5 +30,12 @@ class SimulatedReceiver {
   double vrmsM_ = 0.016;
   bool begun_ = false;
 };
+
+struct GnssConnection;
+struct ReceiverMake;
+
+/// The next epoch of the connection's simulated receiver.
+GnssReadResult ReadSimulatedPosition(GnssPositionState& state, GnssConnection& connection,
+                                     const ReceiverMake& make);
 
 }  // namespace tarvex

@@ -8,9 +8,7 @@
 
 #include "app/cli/command_line.h"
 #include "app/cli/replay_outlet.h"
-#include "gnss/nmea/nmea_number.h"
-#include "gnss/nmea/sentence.h"
-#include "gnss/nmea/text_fields.h"
+#include "gnss/nmea/sentences.h"
 
 namespace tarvex {
 namespace {
@@ -27,23 +25,6 @@ struct ReplayOptions {
   int port = 0;
   std::string keepInput;
 };
-
-// The time of day of a position sentence; kNoEpoch for every other line.
-std::int32_t EpochOf(std::string_view line) {
-  switch (KindOf(line, true)) {
-    case SentenceKind::Gga:
-    case SentenceKind::Gns:
-    case SentenceKind::Ggk:
-    case SentenceKind::Ggq:
-      return MillisecondsOfDay(FirstField(SkipFields(line, ',', 1), ','));
-    case SentenceKind::PtnlGgk:
-      return MillisecondsOfDay(FirstField(SkipFields(line, ',', 2), ','));
-    case SentenceKind::Gll:
-      return MillisecondsOfDay(FirstField(SkipFields(line, ',', 5), ','));
-    default:
-      return kNoEpoch;
-  }
-}
 
 // What the reader sends while it is read to: counted, and kept in a file when one is asked for.
 class ReaderInput {
@@ -105,7 +86,7 @@ class Replay {
 
  private:
   bool SendLine(std::string_view line) {
-    if (!WaitForEpoch(EpochOf(line)) || !input_.Take()) return false;
+    if (!WaitForEpoch(EpochOfPosition(line)) || !input_.Take()) return false;
     std::size_t written = 0;
     if (!outlet_.Write(line, written).ok() || written < line.size()) {
       (void)program_.Fail("The reader has gone after " + std::to_string(sent_ + written) +

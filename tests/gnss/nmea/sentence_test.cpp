@@ -5,24 +5,22 @@
 
 #include "core/number_text.h"
 #include "gnss/nmea/nmea_number.h"
+#include "gnss/nmea/sentence_line.h"
+#include "gnss/nmea/sentence_reader.h"
 #include "gnss/nmea/sentences.h"
 #include "gnss/nmea/text_fields.h"
-#include "gnss/receivers/nmea_reading.h"
-#include "gnss/receivers/position_reader.h"
+#include "gnss/receivers/receiver_make.h"
 
 namespace tarvex {
 namespace {
 
 struct Reading {
   GnssPositionState state = {};
-  ReceiverSettings settings = {};
-  int make = kMakeNmea;
-  SentenceKind previous = SentenceKind::Other;
+  NmeaSettings settings = {};
+  NmeaTraits traits = {};
+  SentenceReader reader{settings, traits};
 
-  SentenceResult Take(std::string_view line) {
-    const SentenceContext context{settings, FindMake(make)};
-    return TakeNmeaLine(line, context, state, previous);
-  }
+  SentenceResult Take(std::string_view line) { return reader.Take(line, state); }
 };
 
 constexpr std::string_view kMunich =
@@ -68,7 +66,7 @@ TEST(Gga, GivesPositionQualityAndEllipsoidHeight) {
   EXPECT_EQ(reading.state.satellites, 8);
   EXPECT_DOUBLE_EQ(reading.state.hdop, 0.9);
   EXPECT_DOUBLE_EQ(reading.state.height, 592.3);
-  reading.make = kMakeEllipsoidHeight;
+  reading.traits.ellipsoidHeight = true;
   ASSERT_EQ(reading.Take(kMunich), SentenceResult::Position);
   EXPECT_DOUBLE_EQ(reading.state.height, 545.4);
 }
@@ -86,7 +84,7 @@ TEST(Gga, MapsQualityToSolution) {
     EXPECT_LT(reading.state.latitude, 0.0);
     EXPECT_LT(reading.state.longitude, 0.0);
   }
-  Reading stream{.make = kMakeStreamBuffered};
+  Reading stream{.traits = {.streamBuffered = true}};
   ASSERT_EQ(stream.Take("$GPGGA,1,4807.0,N,01131.0,E,2,08,0.9,1.0,M,2.0,M,,"),
             SentenceResult::Position);
   EXPECT_EQ(stream.state.solutionType, SolutionType::Float);
@@ -105,7 +103,7 @@ TEST(Gga, WithoutFixOrCutShortIsNoPosition) {
 }
 
 TEST(Gga, OfTheHemisphereFamilyCarriesTheCorrectionAge) {
-  Reading reading{.make = kMakeHemisphere};
+  Reading reading{.traits = {.hemisphereFamily = true}};
   ASSERT_EQ(reading.Take("$GPGGA,1,4807.0,N,01131.0,E,2,08,0.9,1.0,M,2.0,M,6.5,0133*5F"),
             SentenceResult::Position);
   EXPECT_DOUBLE_EQ(reading.state.correctionAge, 6.5);
@@ -143,24 +141,24 @@ TEST(Sentence, IsFoundBehindBinaryDataAndBeforeBlanks) {
       {"", false},
       {"  ", false}};
   Reading plain;
-  Reading any{.settings = FindMake(kMakeAnyNmea).settings, .make = kMakeAnyNmea};
+  Reading any{.settings = FindMake(kMakeAnyNmea).settings.nmea};
   for (const auto& [line, found] : lines) {
     EXPECT_EQ(any.Take(line) == SentenceResult::Position, found) << line;
     if (!found) continue;
     EXPECT_DOUBLE_EQ(any.state.height, 592.3);
-    EXPECT_EQ(ChecksumStands(SentenceIn(line)), found);
+    EXPECT_EQ(HasGoodChecksum(SentenceIn(line)), found);
   }
   EXPECT_NE(plain.Take(lines[1].first), SentenceResult::Position) << "the fixed reader";
-  EXPECT_FALSE(ChecksumStands("$GPGGA,123519"));
+  EXPECT_FALSE(HasGoodChecksum("$GPGGA,123519"));
 }
 
 TEST(Gns, OfNoSystemIsNoFix) {
   const std::string line =
       "$GNGNS,235647.00,3403.47162394,N,11711.80927093,W,NNNN,10,1.2,403.6,-32.1,,";
-  Reading first{.settings = {.position = PositionSentence::Gns}};
+  Reading first{.settings = {.position = 4}};
   EXPECT_EQ(first.Take(line), SentenceResult::Position)
       << "as AUTONOMOUS, where the first letter counts";
-  Reading best{.settings = {.position = PositionSentence::Gns, .gnsBestMode = true}};
+  Reading best{.settings = {.position = 4, .gnsBestMode = true}};
   EXPECT_EQ(best.Take(line), SentenceResult::NoFix);
 }
 
@@ -182,7 +180,7 @@ TEST(Origin, OfAPositionThatIsNotMeasuredIsTold) {
                                                           {"ER", PositionOrigin::Measured},
                                                           {"MM", PositionOrigin::Entered},
                                                           {"S", PositionOrigin::Simulated}};
-  Reading gns{.settings = {.position = PositionSentence::Gns, .gnsBestMode = true}};
+  Reading gns{.settings = {.position = 4, .gnsBestMode = true}};
   for (const auto& [mode, origin] : modes) {
     ASSERT_EQ(gns.Take("$GNGNS,235647.00,3403.47,N,11711.80,W," + std::string(mode) +
                        ",10,1.2,403.6,-32.1,,"),
@@ -194,11 +192,11 @@ TEST(Origin, OfAPositionThatIsNotMeasuredIsTold) {
 TEST(Gns, ReadsTheFirstModeLetterOrTheBest) {
   constexpr std::string_view kLine =
       "$GNGNS,235647.00,3403.47162394,N,11711.80927093,W,NRFNN,10,1.2,403.600,-32.133,,*2E";
-  Reading first{.settings = {.position = PositionSentence::Gns}};
+  Reading first{.settings = {.position = 4}};
   ASSERT_EQ(first.Take(kLine), SentenceResult::Position);
   EXPECT_EQ(first.state.solutionType, SolutionType::Autonomous);
   EXPECT_NEAR(first.state.height, 371.467, 1e-9);
-  Reading best{.settings = {.position = PositionSentence::Gns, .gnsBestMode = true}};
+  Reading best{.settings = {.position = 4, .gnsBestMode = true}};
   ASSERT_EQ(best.Take(kLine), SentenceResult::Position);
   EXPECT_EQ(best.state.solutionType, SolutionType::Fixed);
   constexpr std::string_view kEmpty = "$GPGNS,225817.00,,,,,,7,,,,4.6,138*49";
@@ -209,7 +207,7 @@ TEST(Gns, ReadsTheFirstModeLetterOrTheBest) {
 }
 
 TEST(Ggk, ReadsTheHeightWithItsPrefix) {
-  Reading reading{.settings = {.position = PositionSentence::PtnlGgk}};
+  Reading reading{.settings = {.position = 32}};
   ASSERT_EQ(reading.Take("$PTNL,GGK,225716.00,031016,3617.55899820,N,09718.50464538,W,3,06,4.4,"
                          "EHT288.689,M*67"),
             SentenceResult::Position);
@@ -222,17 +220,17 @@ TEST(Ggk, ReadsTheHeightWithItsPrefix) {
 TEST(Ggk, OfThePublishedLayoutHasAFieldBeforeItsHeight) {
   constexpr std::string_view kLine =
       "$GPGGK,113616.00,041006,4724.5248557,N,00937.1063064,E,3,12,1.7,EHT1171.742,M*6D";
-  Reading plain{.settings = {.position = PositionSentence::Ggk}};
+  Reading plain{.settings = {.position = 8}};
   ASSERT_EQ(plain.Take(kLine), SentenceResult::Position);
   EXPECT_DOUBLE_EQ(plain.state.height, 1.7);
-  Reading published{.settings = {.position = PositionSentence::Ggk, .ggkPublishedLayout = true}};
+  Reading published{.settings = {.position = 8, .ggkPublishedLayout = true}};
   ASSERT_EQ(published.Take(kLine), SentenceResult::Position);
   EXPECT_DOUBLE_EQ(published.state.height, 1171.742);
   EXPECT_DOUBLE_EQ(published.state.pdop, 1.7);
 }
 
 TEST(Gll, HasNoHeight) {
-  Reading reading{.settings = {.position = PositionSentence::Gll}};
+  Reading reading{.settings = {.position = 2}};
   EXPECT_EQ(reading.Take(kMunich), SentenceResult::Read);
   reading.state.height = 12.0;
   ASSERT_EQ(reading.Take("$GPGLL,3751.65,S,14507.36,E,225444,A"), SentenceResult::Position);
@@ -244,7 +242,7 @@ TEST(Gll, HasNoHeight) {
 }
 
 TEST(Gst, GivesPrecisionInTheJobsUnit) {
-  Reading reading{.settings = {.unit = DistanceUnit::UsSurveyFeet}};
+  Reading reading{.state = {.unit = DistanceUnit::UsSurveyFeet}};
   ASSERT_EQ(reading.Take("$GPGST,123519.00,1.0,,,,0.03,0.04,0.10*7E"), SentenceResult::Read);
   EXPECT_NEAR(reading.state.hrms, 0.05 * 3.280833333333, 1e-12);
   EXPECT_NEAR(reading.state.vrms, 0.3280833333333, 1e-12);
@@ -281,16 +279,17 @@ TEST(Rre, HasItsRmsBehindTheResiduals) {
   EXPECT_DOUBLE_EQ(reading.state.hrms, 0.240);
   EXPECT_DOUBLE_EQ(reading.state.vrms, 0.334);
   EXPECT_EQ(reading.Take("$GPRRE,99999999999,1,2"), SentenceResult::RanOut);
-  reading.make = kMakeHemisphere;
+  reading.traits = {.hemisphereFamily = true};
   EXPECT_EQ(reading.Take("$GPRRE,1,01,-0.1,0.2,0.3$GPGGA,1"), SentenceResult::InvalidData);
 }
 
 TEST(Rd1, IsReadForOneDifferentialSource) {
   constexpr std::string_view kLine = "$RD1,469164,1515,1537.4400,1,10,83,76.9,0,1F,1F,0,99999";
-  Reading reading{.settings = {.differentialChoice = kReadRd1}, .make = kMakeHemisphere};
+  Reading reading{.settings = {.differentialChoice = kReadRd1},
+                  .traits = {.hemisphereFamily = true}};
   (void)reading.Take(kLine);
   EXPECT_EQ(reading.state.differentialStatus, 10);
-  Reading other{.settings = {.differentialChoice = 3}, .make = kMakeHemisphere};
+  Reading other{.settings = {.differentialChoice = 3}, .traits = {.hemisphereFamily = true}};
   (void)other.Take(kLine);
   EXPECT_EQ(other.state.differentialStatus, 0);
 }
@@ -301,9 +300,9 @@ TEST(ReceiverSettings, AreReadByKey) {
       "nmea_pos=32\r\nunknown=1\nsokAx3DiffChoice=4\nnmea_any_talker=1\n"
       "nmea_pos=3\nbNMEA_noRMS=maybe\nno equals sign\n",
       settings);
-  EXPECT_EQ(settings.position, PositionSentence::PtnlGgk);
-  EXPECT_EQ(settings.differentialChoice, 4);
-  EXPECT_TRUE(settings.anyTalker);
+  EXPECT_EQ(settings.nmea.position, 32);
+  EXPECT_EQ(settings.nmea.differentialChoice, 4);
+  EXPECT_TRUE(settings.nmea.anyTalker);
   EXPECT_FALSE(settings.noRms);
 }
 

@@ -76,7 +76,7 @@ TEST(PositionAverage, WeighsByPrecision) {
   GnssPositionState state = Good();
   state.hrms = 0.01;
   state.vrms = 0.01;
-  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  ASSERT_TRUE(average.Add(state));
   state.epochMs = 2000;
   state.hrms = 0.02;
   state.vrms = 0.02;
@@ -85,8 +85,8 @@ TEST(PositionAverage, WeighsByPrecision) {
   state.solutionType = SolutionType::Float;
   state.satellites = 9;
   state.pdop = 3.5;
-  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
-  EXPECT_FALSE(average.Add(state, DistanceUnit::Metres)) << "an epoch counts once";
+  ASSERT_TRUE(average.Add(state));
+  EXPECT_FALSE(average.Add(state)) << "an epoch counts once";
   const AveragedPosition mean = average.Mean();
   EXPECT_EQ(mean.epochs, 2U);
   EXPECT_TRUE(mean.weighted);
@@ -106,7 +106,7 @@ TEST(PositionAverage, LeavesEpochsWithoutPrecisionOutOfIt) {
   GnssPositionState state = Good();
   state.precisionKnown = false;
   state.hrms = state.vrms = 0.0;
-  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  ASSERT_TRUE(average.Add(state));
   EXPECT_FALSE(average.State().precisionKnown);
   for (const int epoch : {2000, 3000}) {
     state.epochMs = epoch;
@@ -114,7 +114,7 @@ TEST(PositionAverage, LeavesEpochsWithoutPrecisionOutOfIt) {
     state.precisionCarriedOver = true;
     state.hrms = 0.012;
     state.vrms = 0.015;
-    ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+    ASSERT_TRUE(average.Add(state));
   }
   const GnssPositionState all = average.State();
   EXPECT_TRUE(all.precisionKnown);
@@ -129,10 +129,10 @@ TEST(PositionAverage, KeepsTheLongitudeWithinTheCircle) {
   PositionAverage average;
   GnssPositionState state = Good();
   state.longitude = 179.9999999;
-  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  ASSERT_TRUE(average.Add(state));
   state.epochMs += 1000;
   state.longitude = -179.9999997;
-  ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+  ASSERT_TRUE(average.Add(state));
   EXPECT_NEAR(average.Mean().longitude, -179.9999999, 1e-11);
 }
 
@@ -149,7 +149,7 @@ TEST(PositionAverage, FindsTheScatterOfANoisySeriesAcrossTheDateLine) {
     state.latitude = 46.8 + noise(random) * 0.010 / kPerDegreeNorth;
     state.longitude = std::remainder(180.0 + noise(random) * 0.020 / kPerDegreeEast, 360.0);
     state.height = 1100.0 + noise(random) * 0.030;
-    ASSERT_TRUE(average.Add(state, DistanceUnit::Metres));
+    ASSERT_TRUE(average.Add(state));
   }
   const AveragedPosition mean = average.Mean();
   EXPECT_FALSE(mean.weighted);

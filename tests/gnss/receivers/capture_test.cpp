@@ -7,10 +7,11 @@
 
 #include "core/number_text.h"
 #include "core/text.h"
+#include "gnss/nmea/sentence_reader.h"
 #include "gnss/nmea/text_fields.h"
 #include "gnss/port/port_address.h"
-#include "gnss/receivers/nmea_reading.h"
 #include "gnss/receivers/position_reader.h"
+#include "gnss/receivers/receiver_make.h"
 #include "tests/support/manual_clock.h"
 
 namespace tarvex {
@@ -54,10 +55,15 @@ std::vector<ExpectedPosition> ExpectedPositions() {
   return rows;
 }
 
-PositionSentence SentenceOf(std::string_view type) {
-  if (type == "PTNL,GGK") return PositionSentence::PtnlGgk;
-  if (type.ends_with("GLL")) return PositionSentence::Gll;
-  return type.ends_with("GNS") ? PositionSentence::Gns : PositionSentence::Gga;
+constexpr int kGga = 1;
+constexpr int kGll = 2;
+constexpr int kGns = 4;
+constexpr int kPtnlGgk = 32;
+
+int SentenceOf(std::string_view type) {
+  if (type == "PTNL,GGK") return kPtnlGgk;
+  if (type.ends_with("GLL")) return kGll;
+  return type.ends_with("GNS") ? kGns : kGga;
 }
 
 double Height(const ExpectedPosition& row) {
@@ -72,12 +78,10 @@ TEST(Captures, EverySentenceReadsAsAnIndependentReaderSays) {
     if (!files.contains(row.file)) files[row.file] = DataBytes(row.file);
     std::string_view rest = std::string_view(files[row.file]).substr(row.offset);
     const std::string_view line = TakeLine(rest).value_or("");
-    ReceiverSettings settings = FindMake(kMakeAnyNmea).settings;
+    NmeaSettings settings = FindMake(kMakeAnyNmea).settings.nmea;
     settings.position = SentenceOf(row.sentence);
-    const SentenceContext context{settings, FindMake(kMakeAnyNmea)};
     GnssPositionState state;
-    SentenceKind previous = SentenceKind::Other;
-    const SentenceResult result = TakeNmeaLine(line, context, state, previous);
+    const SentenceResult result = SentenceReader(settings, {}).Take(line, state);
     SCOPED_TRACE(std::string(line));
     if (row.quality == "0" || row.quality == "V") {
       EXPECT_EQ(result, SentenceResult::NoFix);
@@ -102,7 +106,7 @@ TEST(Captures, EverySentenceReadsAsAnIndependentReaderSays) {
 struct LogCase {
   std::string_view file;
   int receiverType;
-  PositionSentence position;
+  int position;
   std::size_t accepted;
   std::size_t noFix;
 };
@@ -118,7 +122,7 @@ TEST_P(CaptureLog, ReadsToItsEnd) {
   ASSERT_EQ(port->Open(), PortError::None);
   GnssConnection connection{
       .port = port.get(), .clock = clock, .settings = FindMake(log.receiverType).settings};
-  connection.settings.position = log.position;
+  connection.settings.nmea.position = log.position;
   GnssPositionState state;
   std::size_t accepted = 0;
   std::size_t noFix = 0;
@@ -140,19 +144,19 @@ std::string CaseName(const testing::TestParamInfo<LogCase>& info) {
 }
 
 constexpr LogCase kLogs[] = {
-    {"nmea-rtk.log", kMakeNmea, PositionSentence::Gga, 72, 0},
-    {"nmea-rtk.log", kMakeAnyNmea, PositionSentence::Gga, 122, 0},
-    {"r2_ptnl_ggk_part1.log", kMakeNmea, PositionSentence::Gns, 11, 22},
-    {"r2_ptnl_ggk_part1.log", kMakeAnyNmea, PositionSentence::Gns, 11, 0},
-    {"r2_ptnl_ggk_part1.log", kMakeNmea, PositionSentence::PtnlGgk, 11, 0},
-    {"ublox-f9p-hpnmea.log", kMakeNmea, PositionSentence::Gga, 0, 0},
-    {"ublox-f9p-hpnmea.log", kMakeAnyNmea, PositionSentence::Gga, 9, 0},
-    {"rst39.log", kMakeNmea, PositionSentence::Gga, 40, 0},
-    {"isync.log", kMakeNmea, PositionSentence::Gga, 12, 0},
-    {"saab-r4.log", kMakeNmea, PositionSentence::Gll, 12, 0},
-    {"humminbird-M37.log", kMakeAnyNmea, PositionSentence::Gga, 8, 0},
-    {"meinberg-gps164.log", kMakeAnyNmea, PositionSentence::Gga, 0, 0},
-    {"firefly-II.log", kMakeAnyNmea, PositionSentence::Gga, 0, 0},
+    {"nmea-rtk.log", kMakeNmea, kGga, 72, 0},
+    {"nmea-rtk.log", kMakeAnyNmea, kGga, 122, 0},
+    {"r2_ptnl_ggk_part1.log", kMakeNmea, kGns, 11, 22},
+    {"r2_ptnl_ggk_part1.log", kMakeAnyNmea, kGns, 11, 0},
+    {"r2_ptnl_ggk_part1.log", kMakeNmea, kPtnlGgk, 11, 0},
+    {"ublox-f9p-hpnmea.log", kMakeNmea, kGga, 0, 0},
+    {"ublox-f9p-hpnmea.log", kMakeAnyNmea, kGga, 9, 0},
+    {"rst39.log", kMakeNmea, kGga, 40, 0},
+    {"isync.log", kMakeNmea, kGga, 12, 0},
+    {"saab-r4.log", kMakeNmea, kGll, 12, 0},
+    {"humminbird-M37.log", kMakeAnyNmea, kGga, 8, 0},
+    {"meinberg-gps164.log", kMakeAnyNmea, kGga, 0, 0},
+    {"firefly-II.log", kMakeAnyNmea, kGga, 0, 0},
 };
 
 INSTANTIATE_TEST_SUITE_P(Logs, CaptureLog, testing::ValuesIn(kLogs), CaseName);
@@ -165,16 +169,13 @@ TEST(Captures, EllipsoidHeightIsGgaHeightPlusSeparation) {
   int floating = 0;  // quality 12, where GGA says 5
   std::string_view rest = bytes;
   while (const auto line = TakeLine(rest)) {
-    ReceiverSettings settings = FindMake(kMakeAnyNmea).settings;
-    settings.position =
-        line->starts_with("$PTNL") ? PositionSentence::PtnlGgk : PositionSentence::Gga;
+    NmeaSettings settings = FindMake(kMakeAnyNmea).settings.nmea;
+    settings.position = line->starts_with("$PTNL") ? kPtnlGgk : kGga;
     GnssPositionState state;
-    SentenceKind previous = SentenceKind::Other;
-    if (TakeNmeaLine(*line, {settings, FindMake(kMakeAnyNmea)}, state, previous) !=
-        SentenceResult::Position) {
+    if (SentenceReader(settings, {}).Take(*line, state) != SentenceResult::Position) {
       continue;
     }
-    if (settings.position == PositionSentence::Gga) {
+    if (settings.position == kGga) {
       gga[state.epochMs] = state.height;
     } else {
       ASSERT_TRUE(gga.contains(state.epochMs));

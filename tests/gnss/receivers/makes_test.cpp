@@ -38,7 +38,7 @@ TEST(LogCrc, HoldsForPublishedLogs) {
 TEST(BestposLog, GivesPositionPrecisionAndType) {
   GnssPositionState state;
   Bestpos bestpos;
-  ASSERT_EQ(ReadBestpos(kFixed, DistanceUnit::Metres, state, bestpos), GnssReadResult::Accepted);
+  ASSERT_EQ(ReadBestpos(kFixed, state, bestpos), GnssReadResult::Accepted);
   EXPECT_DOUBLE_EQ(state.latitude, 51.07899643518);
   EXPECT_DOUBLE_EQ(state.longitude, -114.13251416136);
   EXPECT_DOUBLE_EQ(state.height, 1114.2977);
@@ -57,7 +57,7 @@ TEST(BestposLog, HasNoEpochWithoutATime) {
   log.replace(log.find("52077.000"), 9, "-1");
   GnssPositionState state;
   Bestpos bestpos;
-  ASSERT_EQ(ReadBestpos(log, DistanceUnit::Metres, state, bestpos), GnssReadResult::Accepted);
+  ASSERT_EQ(ReadBestpos(log, state, bestpos), GnssReadResult::Accepted);
   EXPECT_EQ(state.epochMs, kNoEpoch);
 }
 
@@ -73,15 +73,14 @@ TEST(BestposLog, MapsTypesAndCuts) {
     log.replace(log.find("NARROW_INT"), 10, type);
     GnssPositionState state;
     Bestpos bestpos;
-    ASSERT_EQ(ReadBestpos(log, DistanceUnit::Metres, state, bestpos), GnssReadResult::Accepted);
+    ASSERT_EQ(ReadBestpos(log, state, bestpos), GnssReadResult::Accepted);
     EXPECT_EQ(state.solutionType, solution) << type;
     EXPECT_EQ(state.differentialSource, source) << type;
   }
   for (std::size_t length = 0; length < kFixed.find("31,31"); ++length) {
     GnssPositionState state;
     Bestpos bestpos;
-    EXPECT_NE(ReadBestpos(kFixed.substr(0, length), DistanceUnit::Metres, state, bestpos),
-              GnssReadResult::Accepted)
+    EXPECT_NE(ReadBestpos(kFixed.substr(0, length), state, bestpos), GnssReadResult::Accepted)
         << length;
   }
 }
@@ -113,7 +112,7 @@ TEST_F(NovAtel, SwitchesAnUndulationOff) {
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\nUNDULATION 0.0\r\n");
   EXPECT_EQ(ResultSentence(GnssReadResult::InvalidData, connection),
             "The receiver was set to send heights above the ellipsoid; read again.");
-  connection.settings.zeroUndulation = false;
+  connection.settings.novatel.zeroUndulation = false;
   EXPECT_EQ(Read(std::string(kFixed)), GnssReadResult::Accepted);
   EXPECT_NEAR(state.height, 1097.6977, 1e-9);
 }
@@ -123,7 +122,7 @@ TEST_F(NovAtel, SetsItsDatumBack) {
   log.replace(log.find("WGS84"), 5, "NAD27");
   EXPECT_EQ(Read(log), GnssReadResult::DatumReset);
   EXPECT_EQ(device->written, "LOG THISPORT BESTPOSA ONCE\r\nDATUM WGS84\r\nSAVECONFIG\r\n");
-  connection.settings.omnistarUserDatum = true;
+  connection.settings.novatel.omnistarUserDatum = true;
   log = With("-16.6000", "0.0000");
   log.replace(log.find("NARROW_INT"), 10, "OMNISTAR_HP");
   EXPECT_EQ(Read(log), GnssReadResult::DatumReset);
@@ -213,7 +212,7 @@ TEST_F(Ashtech, AnswersWithAPosition) {
   EXPECT_EQ(state.satellites, 3);
   EXPECT_EQ(state.solutionType, SolutionType::Autonomous);
   EXPECT_DOUBLE_EQ(state.pdop, 3.6) << "the empty field collapses";
-  connection.settings.ashtechModel = 6;
+  connection.settings.ashtech.model = 6;
   EXPECT_EQ(Read(std::string(kPos) + "\r\n"), GnssReadResult::Accepted);
   EXPECT_EQ(state.solutionType, SolutionType::Dgps);
   EXPECT_DOUBLE_EQ(state.pdop, 1.7);
@@ -236,10 +235,10 @@ TEST_F(Ashtech, NamesWhatIsMissing) {
 }
 
 TEST_F(Ashtech, SwitchesGgaOnAndOff) {
-  connection.settings.ashtechModel = 1;
-  connection.settings.ashtechPort = 'B';
+  connection.settings.ashtech.model = 1;
+  connection.settings.ashtech.port = 'B';
   const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,W,2,08,0.9,100.0,F,10.0,F,4,5\r\n";
-  connection.settings.unit = DistanceUnit::UsSurveyFeet;
+  state.unit = DistanceUnit::UsSurveyFeet;
   EXPECT_EQ(Read("$GPZDA,1\r\nnoise" + gga), GnssReadResult::Accepted);
   EXPECT_EQ(device->written, "$PASHS,NME,GGA,B,ON\r\n$PASHS,NME,GGA,B,OFF\r\n");
   EXPECT_EQ(state.solutionType, SolutionType::Float);
@@ -258,7 +257,7 @@ TEST_F(Ashtech, AsksForTheDopsThatDoNotComeWithAPosition) {
   connection.settings = FindMake(kMakeAshtech).settings;
   ASSERT_EQ(Read(std::string(kPosSouth) + "\r\n"), GnssReadResult::Accepted);
   EXPECT_EQ(device->written, "$PASHQ,POS,A\r\n") << "they came with it";
-  connection.settings.ashtechModel = 1;
+  connection.settings.ashtech.model = 1;
   device->replies = {{"PBN", "$PASHR,PBN,1,2,3,4,5,6,7,8,9,10,11,12,2.1,1.2,1.7,0.9\r\n"}};
   ASSERT_EQ(Read("$GPGGA,123519,4807.038,N,01131.000,W,2,08,0.9,100.0,M,10.0,M,4,5\r\n"),
             GnssReadResult::Accepted);

@@ -83,7 +83,7 @@ TEST_F(PositionReader, EveryResultHasASentence) {
 }
 
 TEST_F(PositionReader, SelectsTheSentenceOfTheSetting) {
-  connection.settings.position = PositionSentence::Gll;
+  connection.settings.nmea.position = 2;
   EXPECT_EQ(Read(std::string(kGga) + "$GPGLL,4916.45,N,12311.12,W,225444,A\r\n"),
             GnssReadResult::Accepted);
   EXPECT_NEAR(state.latitude, 49.2741666667, 1e-9);
@@ -313,7 +313,7 @@ TEST_F(PositionReader, DropsWhatPiledUpWhileNobodyRead) {
 
 TEST_F(PositionReader, ReadsAStreamBufferWithItsPrecisionAhead) {
   connection.settings = FindMake(kMakeStreamBuffered).settings;
-  connection.settings.position = PositionSentence::Gll;
+  connection.settings.nmea.position = 2;
   ASSERT_EQ(Read("$GPGGA,123519,4807.038,N,01131.000,E,2,08,0.9,545.4,M,46.9,M,,*47\r\n\r\n"
                  "$GPGSV,x\r\n$GPGST,123519,1,1,1,0,0.03,0.04,0.1*00\r\n",
                  kMakeStreamBuffered),

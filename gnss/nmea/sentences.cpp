@@ -1,0 +1,127 @@
+#include "gnss/nmea/sentences.h"
+
+#include <array>
+#include <cstdint>
+
+#include "gnss/nmea/nmea_number.h"
+#include "gnss/nmea/text_fields.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::array kSentences = {
+    Sentence{.type = "GSA", .anyTalker = true, .read = ReadGsa},
+    Sentence{.type = "GGA",
+             .anyTalker = true,
+             .carries = Carries::Position,
+             .read = ReadGga,
+             .nmeaPos = 1,
+             .timeField = 1},
+    Sentence{.type = "GST", .anyTalker = true, .carries = Carries::Precision, .read = ReadGst},
+    Sentence{.type = "GLL",
+             .anyTalker = true,
+             .carries = Carries::Position,
+             .read = ReadGll,
+             .nmeaPos = 2,
+             .timeField = 5},
+    Sentence{.type = "GNS",
+             .talkers = "GP GL GN",
+             .anyTalker = true,
+             .carries = Carries::Position,
+             .read = ReadGns,
+             .nmeaPos = 4,
+             .timeField = 1},
+    Sentence{
+        .type = "GGK", .carries = Carries::Position, .read = ReadGgk, .nmeaPos = 8, .timeField = 1},
+    Sentence{.type = "GGQ",
+             .carries = Carries::Position,
+             .read = ReadGgq,
+             .nmeaPos = 16,
+             .timeField = 1},
+    Sentence{.type = "PTNL,GGK,",
+             .talkers = "",
+             .carries = Carries::Position,
+             .read = ReadPtnlGgk,
+             .nmeaPos = 32,
+             .timeField = 2},
+    Sentence{.type = "RRE", .carries = Carries::Precision, .read = ReadRre},
+    Sentence{.type = "RD1", .talkers = "", .read = ReadRd1},
+};
+
+constexpr std::size_t kTalkerAt = 1;
+constexpr std::size_t kTypeAt = 3;
+constexpr std::size_t kCommaAt = 6;
+
+// Three letters as one number, which is never 0.
+constexpr std::uint32_t Letters(std::string_view three) {
+  return static_cast<std::uint32_t>(static_cast<unsigned char>(three[0])) << 16 |
+         static_cast<std::uint32_t>(static_cast<unsigned char>(three[1])) << 8 |
+         static_cast<unsigned char>(three[2]);
+}
+
+// The letters of each row; 0 for a proprietary sentence.
+constexpr auto kLetters = [] {
+  std::array<std::uint32_t, kSentences.size()> letters{};
+  for (std::size_t i = 0; i < letters.size(); ++i) {
+    if (!kSentences[i].talkers.empty()) letters[i] = Letters(kSentences[i].type);
+  }
+  return letters;
+}();
+
+constexpr bool IsUpper(char c) {
+  return c >= 'A' && c <= 'Z';
+}
+
+bool TalkerKnown(const Sentence& sentence, std::string_view talker, bool anyTalker) {
+  constexpr std::size_t kStep = 3;  // two letters and a blank
+  for (std::size_t at = 0; at < sentence.talkers.size(); at += kStep) {
+    if (sentence.talkers.substr(at, 2) == talker) return true;
+  }
+  return anyTalker && sentence.anyTalker && IsUpper(talker[0]) && IsUpper(talker[1]);
+}
+
+}  // namespace
+
+const Sentence* FindSentence(std::string_view line, bool anyTalker) {
+  if (line.size() <= kTypeAt || line[0] != '$') return nullptr;
+  if (line.size() > kCommaAt && line[kCommaAt] == ',') {
+    const std::uint32_t letters = Letters(line.substr(kTypeAt));
+    for (std::size_t i = 0; i < kLetters.size(); ++i) {
+      if (kLetters[i] != letters) continue;
+      const bool known = TalkerKnown(kSentences[i], line.substr(kTalkerAt, 2), anyTalker);
+      return known ? &kSentences[i] : nullptr;
+    }
+  }
+  for (std::size_t i = 0; i < kLetters.size(); ++i) {
+    if (kLetters[i] == 0 && line.substr(1).starts_with(kSentences[i].type)) return &kSentences[i];
+  }
+  return nullptr;
+}
+
+bool IsPositionSentence(int nmeaPos) {
+  for (const Sentence& sentence : kSentences) {
+    if (sentence.carries == Carries::Position && sentence.nmeaPos == nmeaPos) return true;
+  }
+  return false;
+}
+
+std::string PositionSentenceChoices() {
+  std::string choices;
+  std::string last;
+  for (const Sentence& sentence : kSentences) {
+    if (sentence.carries != Carries::Position) continue;
+    if (!last.empty()) choices += choices.empty() ? last : ", " + last;
+    const std::string_view type = sentence.type;
+    last = std::to_string(sentence.nmeaPos) + " " +
+           std::string(type.substr(0, type.size() - (type.ends_with(',') ? 1 : 0)));
+  }
+  return choices + " or " + last;
+}
+
+std::int32_t EpochOfPosition(std::string_view line) {
+  const Sentence* const sentence = FindSentence(line, true);
+  if (sentence == nullptr || sentence->carries != Carries::Position) return kNoEpoch;
+  return MillisecondsOfDay(FirstField(SkipFields(line, ',', sentence->timeField), ','));
+}
+
+}  // namespace tarvex
