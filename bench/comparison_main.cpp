@@ -1,5 +1,5 @@
 // The main program of every benchmark: each job of ours and its peers run interleaved, several
-// times, and one line a job tells the median of ours and how the peers stand beside it.
+// times, and one line a job gives our median and the ratio to each peer.
 //
 // Names are "job/who": the job first, then "tarvex" or the peer. Google Benchmark's own options
 // hold, and its table of all runs comes with --benchmark_display_aggregates_only=false.

@@ -172,7 +172,7 @@ class Arrival final : public CorrectionSink {
   std::atomic<Clock_::rep> at_ = 0;
 };
 
-// What stands between the caster and the arrival: our session, or the tool and a socket.
+// What is between the caster and the arrival: our session, or the tool and a socket.
 class OurPath {
  public:
   OurPath(int port, Arrival& arrival)

@@ -15,7 +15,7 @@ void BindText(sqlite3_stmt* statement, int at, std::string_view text) {
   (void)sqlite3_bind_text(statement, at, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
 }
 
-// Northing, easting, elevation and description stand in the columns from `first` on.
+// Northing, easting, elevation and description are in the columns from `first` on.
 void TakeColumns(sqlite3_stmt* row, int first, Point& point) {
   point.at = {.northing = sqlite3_column_double(row, first),
               .easting = sqlite3_column_double(row, first + 1),

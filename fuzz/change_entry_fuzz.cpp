@@ -47,7 +47,7 @@ std::string SealedEntry(std::uint64_t number, std::string_view payload) {
                       Number(payload.size()) + std::string(payload));
 }
 
-// The journal that the input stands for: itself, an old one, or one or two entries.
+// The journal that the input gives: itself, an old one, or one or two entries.
 std::string JournalOf(std::string_view input) {
   if (input.empty()) return {};
   const char how = input[0];

@@ -73,7 +73,7 @@ class ByteDevice {
   virtual DeviceStatus Open(const std::string& name) = 0;
   virtual DeviceStatus Close() = 0;
   virtual bool isOpen() const = 0;
-  /// What it has to say waits for whoever reads it: nothing of it grows old.
+  /// Its data waits for the reader: nothing of it grows old.
   virtual bool isRecording() const { return false; }
 
   virtual DeviceStatus GetTimeouts(DeviceTimeouts& timeouts) = 0;

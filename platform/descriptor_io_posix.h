@@ -14,7 +14,7 @@ class DescriptorReader {
  public:
   explicit DescriptorReader(std::size_t capacity) : buffer_(capacity) {}
 
-  /// `descriptor` must be non-blocking. With nothing read a hang-up is told as one.
+  /// `descriptor` must be non-blocking. With nothing read a hang-up is reported as one.
   DeviceStatus Read(int descriptor, const ReadTimeouts& timeouts, std::span<char> out,
                     std::size_t& got, const StopAsked& stop = {});
   std::string_view held() const { return {buffer_.data() + begin_, end_ - begin_}; }

@@ -63,7 +63,7 @@ enum class FileAccess {
   ReadWrite,         ///< must exist
   CreateNew,         ///< must not exist
   CreateOrTruncate,  ///< empty afterwards
-  CreateOrKeep,      ///< created when missing, else as it stands
+  CreateOrKeep,      ///< created when missing, else as it is
 };
 
 class FileSystem {
@@ -83,7 +83,7 @@ class FileSystem {
   /// Gives `path` the owner, group and access rights of `model`, as far as this user may; a group
   /// that cannot be kept gets the rights of everybody else.
   virtual FileStatus CopyRights(const std::string& model, const std::string& path) = 0;
-  /// True when a new file can take the place of `path` and nobody notices: this user may give it
+  /// True when a new file can take the place of `path` unnoticed: this user may give it
   /// the same owner and group, the old one has no other name (hard link) and no access list.
   virtual bool IsReplaceable(const std::string& path) = 0;
 

@@ -1,6 +1,6 @@
 // The addresses of a host. A name server that does not answer would hold the program up for a
-// minute: the question is asked on a thread of its own, which is left behind when nobody waits for
-// it any more.
+// minute: the question is asked on a thread of its own, which is left behind when no caller waits
+// for it any more.
 #pragma once
 
 #include <netdb.h>

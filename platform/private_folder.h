@@ -1,5 +1,5 @@
-// A folder for this program's passing files that nobody else can reach: made anew with a name that
-// cannot be foreseen and for this user alone, removed with what is in it.
+// A folder for this program's passing files that no other user can reach: made anew with a name
+// that cannot be foreseen and for this user alone, removed with what is in it.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace tarvex {
 class PrivateFolder {
  public:
   /// Made in the system's folder for such files. Where none can be made, path() is one below which
-  /// no file can be opened: whoever needs the folder fails there, whoever does not goes on.
+  /// no file can be opened: what needs the folder fails there, the rest goes on.
   PrivateFolder();
   PrivateFolder(const PrivateFolder&) = delete;
   PrivateFolder& operator=(const PrivateFolder&) = delete;

@@ -7,7 +7,7 @@ namespace tarvex {
 
 enum class [[nodiscard]] SecretResult{
     Found,
-    Missing,      ///< no such file, or nobody to ask
+    Missing,      ///< no such file, or no person to ask
     OpenToOthers  ///< the file can be read by other users
 };
 

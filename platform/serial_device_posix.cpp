@@ -72,7 +72,7 @@ void Apply(const SerialLine& line, termios2& settings) {
                       CharacterSize(line.dataBits) | ParityFlags(line.parity);
   if (line.stopBits != SerialStopBits::One) settings.c_cflag |= CSTOPB;
   settings.c_ispeed = settings.c_ospeed = line.baudRate;
-  settings.c_cc[VMIN] = 1;  // so that an idle line is told apart from one that hung up
+  settings.c_cc[VMIN] = 1;  // so that an idle line differs from one that hung up
   settings.c_cc[VTIME] = 0;
 }
 
@@ -95,7 +95,7 @@ SerialLine LineOf(const termios2& settings) {
 }
 
 // Drivers take what they cannot do without a word and keep something else. A rate may differ as far
-// as serial lines stand it: adapters divide a clock.
+// as serial lines allow: adapters divide a clock.
 bool Keeps(const SerialLine& kept, const SerialLine& wanted) {
   constexpr std::uint32_t kTolerated = 20;  // a twentieth
   const std::uint32_t difference = kept.baudRate > wanted.baudRate

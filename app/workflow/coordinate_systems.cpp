@@ -127,7 +127,7 @@ void CoordinateSystems::TellCatalogueProblems() {
 }
 
 // A definition that would give no coordinates or wrong ones is refused; what is merely worth
-// knowing is told.
+// knowing is reported.
 bool CoordinateSystems::CheckForUse(std::string_view text, const std::string& file,
                                     std::string& problem) {
   for (const DefinitionIssue& issue : CheckDefinition(text)) {
@@ -176,7 +176,7 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
   work_.observer.OnProgressEnd();
   problem = prepared.wrongChoice;
   if (!problem.empty()) return false;
-  for (const std::string& hampers : prepared.problems) Show("WARNING", hampers);
+  for (const std::string& limitation : prepared.problems) Show("WARNING", limitation);
   calculator.SetSteps(std::move(prepared.steps));
   if (calculator.State() == CalculationResult::Done) return true;
   problem = calculator.StateText();

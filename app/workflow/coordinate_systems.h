@@ -61,8 +61,8 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
   void TellCatalogueProblems();
 
   /// Makes the calculator with all its steps; false with a sentence in `problem` when the system
-  /// cannot be used. What only hampers it (a grid that is missing) is told as a warning, and every
-  /// conversion that it hampers says so in its result.
+  /// cannot be used. What only limits it (a grid that is missing) is given as a warning, and every
+  /// conversion that it affects says so in its result.
   [[nodiscard]] bool MakeCalculator(const SystemSource& source, DistanceUnit unit,
                                     CTrgCalculator& calculator, std::string& problem);
 

@@ -25,7 +25,7 @@ fs::path ChosenFolder() {
   return fs::path(home.empty() ? "." : home) / ".local" / "share" / "tarvex";
 }
 
-// What came with the program stands in ../share/tarvex, seen from the program itself.
+// What came with the program is in ../share/tarvex, seen from the program itself.
 fs::path InstalledFolder() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);

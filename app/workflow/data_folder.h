@@ -11,7 +11,7 @@ namespace tarvex {
 /// with its trailing separator. At first start, when the program's own files are newer, and when a
 /// copy of the predefined catalogue was cut short, it gets what came with the program: each file
 /// whole and durable or not at all, and the catalogue last, so that an interrupted start is made up
-/// for by the next. What cannot be copied is told as a warning.
+/// for by the next. What cannot be copied gives a warning.
 std::string DataFolder(const Workplace& work);
 
 }  // namespace tarvex

@@ -9,7 +9,7 @@
 namespace tarvex {
 
 /// False with a sentence in `problem` when the job has no way to its coordinates. A localization
-/// that the job has and does not use is told as a warning. `systems` is used for as long as the
+/// that the job has and does not use gives a warning. `systems` is used for as long as the
 /// calculator is.
 [[nodiscard]] bool MakeJobCalculator(JobSession& session, CoordinateSystems& systems,
                                      CTrgCalculator& calculator, std::string& problem);

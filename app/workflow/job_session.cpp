@@ -36,7 +36,7 @@ std::string Listed(std::span<const std::string_view> words) {
   return text;
 }
 
-// A link leads to the file itself, so that the job's other files stand beside it and a file that is
+// A link leads to the file itself, so that the job's other files are beside it and a file that is
 // replaced stays where it is.
 std::string WithoutLink(const std::string& path) {
   std::error_code error;

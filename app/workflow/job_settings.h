@@ -9,9 +9,9 @@
 
 namespace tarvex {
 
-/// What is wrong with a job's settings, a sentence each: keys that nobody reads, with the one that
-/// was probably meant, and values of receiver settings and limits that make no sense and are not
-/// used. They stay in the file.
+/// What is wrong with a job's settings, a sentence each: keys that the program does not know, with
+/// the one that was probably meant, and values of receiver settings and limits that make no sense
+/// and are not used. They stay in the file.
 std::vector<std::string> UnknownSettings(const Settings& settings);
 
 /// Why nothing may be stored: the job's unit is another than that in which its raw file was begun,

@@ -173,7 +173,7 @@ LocalizationResult LocalizationWork::Judge() {
   return LocalizationResult::Refused;
 }
 
-// Why the fit is not to be used; empty when it is, or when nobody wants to use it.
+// Why the fit is not to be used; empty when it is, or when it is not asked for.
 std::string LocalizationWork::FitFault() const {
   if (!localization_.on && !request_.add) return {};
   if (request_.off && FitProblem(control_).empty()) return {};
@@ -217,7 +217,7 @@ bool LocalizationWork::SaveSettings() {
               " could not be written.");
 }
 
-// Stored points do not move. Of a switch the person is told in any case, of another fit when it
+// Stored points do not move. A switch is always reported, another fit when it
 // would place points elsewhere.
 void LocalizationWork::WarnOfStoredPoints() {
   CTrgCalculator now = calculator_;

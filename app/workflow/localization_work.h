@@ -46,7 +46,7 @@ class LocalizationWork {
  public:
   LocalizationWork(const Workplace& work, JobSession& session);
 
-  /// The job was loaded. What is odd is told as warnings on the way.
+  /// The job was loaded. What is odd gives warnings on the way.
   LocalizationResult Run(const LocalizationRequest& request);
 
   const std::string& problem() const { return problem_; }

@@ -34,13 +34,13 @@ struct ImportConflicts {
   /// thousands of kilometres. 0 where they overlap, and in a job without points.
   double awayM = 0.0;
 };
-/// Nothing when the job cannot be read; the person was told.
+/// Nothing when the job cannot be read; the observer has the reason.
 std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const PointImport& import);
 
 enum class ImportExisting { Overwrite, Skip };
 
 struct ImportResult {
-  bool done = false;  ///< anything else was told
+  bool done = false;  ///< anything else was reported
   std::size_t stored = 0;
   std::size_t replaced = 0;  ///< of the stored ones
   std::size_t skipped = 0;

@@ -18,7 +18,7 @@ ExistingPolicy ParseExistingPolicy(std::string_view name);
 std::string PointIdProblem(const Job& job, std::string_view id);
 
 /// Makes an entered id the job's current one; false with a sentence in `problem`. An id that is cut
-/// is told as a warning.
+/// gives a warning.
 [[nodiscard]] bool TakePointId(JobSession& session, std::string_view id, std::string& problem);
 
 struct TypedPoint {

@@ -13,8 +13,8 @@ enum class [[nodiscard]] StoringResult{
     Stored,
     Exists,      ///< and it was decided that it stays
     NoFreeId,    ///< behind the one that was wanted
-    Failed,      ///< the files could not be written; the person was told
-    StoredLater  ///< durable in the journal; the person was told, and work should not go on
+    Failed,      ///< the files could not be written; reported
+    StoredLater  ///< durable in the journal; reported, and work should not go on
 };
 
 struct StoredPoint {

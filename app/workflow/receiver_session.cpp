@@ -147,7 +147,7 @@ void ReceiverSession::WatchLog() {
   Problem(problem);
 }
 
-// The receiver is gone: tries until it is back or nobody waits any longer.
+// The receiver is gone: tries until it is back or the wait is over.
 bool ReceiverSession::WaitForReceiver() {
   StopCorrections();
   Tell(ReceiverLost{link_.port()->name(), link_.NextTryMs()});

@@ -1,6 +1,6 @@
 // The time of a recording: the local date and time at which it began, as a person gives it, and
 // from then on the receiver's own seconds. What is journaled from a recording so bears the time of
-// the field, and the same recording always comes to the same bytes.
+// the field, and the same recording always gives the same bytes.
 #pragma once
 
 #include <cstdint>

@@ -55,7 +55,7 @@ struct ReceiverLost {
 };
 struct ReceiverBack {};
 
-/// A point of the id that comes next exists, and nobody said that it may be replaced.
+/// A point of the id that comes next exists, and may not be replaced without an answer.
 struct PointExists {
   std::string id;
 };

@@ -6,7 +6,7 @@
 
 namespace tarvex {
 
-/// Where one stands; without an elevation there is no cut or fill.
+/// The present position; without an elevation there is no cut or fill.
 struct StakePosition {
   double northing = 0.0;
   double easting = 0.0;

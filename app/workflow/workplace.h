@@ -1,4 +1,4 @@
-// Where work is done: the files, the clock, and whoever is told of it. A face (the command line, a
+// Where work is done: the files, the clock, and the observer of it. A face (the command line, a
 // screen, a test) hands it in; the workflow itself prints nothing and ends nothing.
 #pragma once
 
