@@ -13,8 +13,8 @@
 #include "coordsys/catalogue/system_catalogue.h"
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/projections/cassini_soldner.h"
-#include "coordsys/projections/double_cylindrical.h"
 #include "coordsys/projections/lanes.h"
+#include "coordsys/projections/oblique_cylindrical.h"
 #include "coordsys/projections/oblique_mercator.h"
 #include "coordsys/projections/projection.h"
 #include "core/units.h"
@@ -260,7 +260,7 @@ const bool kAdded = [] {
   for (const Job& job : kJobs) Add(job, nullptr);
   Add(kLibraryJobs[0], MakeCassiniSoldner);
   Add(kLibraryJobs[1], MakeObliqueMercatorB);
-  Add(kLibraryJobs[2], MakeDoubleCylindrical);
+  Add(kLibraryJobs[2], MakeObliqueCylindrical);
   return true;
 }();
 

@@ -8,6 +8,7 @@
 
 #include "core/units.h"
 #include "roads/alignment_check.h"
+#include "roads/catch_point.h"
 #include "roads/road_geometry.h"
 #include "roads/section.h"
 

@@ -4,6 +4,7 @@
 #include "core/number_text.h"
 #include "exchange/road_picture.h"
 #include "exchange/svg.h"
+#include "roads/catch_point.h"
 #include "roads/stakeout.h"
 
 namespace tarvex {

@@ -4,9 +4,11 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "roads/catch_point.h"
 #include "roads/section.h"
 #include "roads/stakeout.h"
 #include "roads/template_file.h"
+#include "roads/template_reader.h"
 #include "roads/template_writer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

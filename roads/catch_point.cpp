@@ -1,8 +1,7 @@
-// Where the cut or fill slope of a section meets the existing ground.
+#include "roads/catch_point.h"
+
 #include <algorithm>
 #include <cmath>
-
-#include "roads/section.h"
 
 namespace tarvex {
 namespace {

@@ -1,8 +1,7 @@
+#include "roads/centerline_cleanup.h"
+
 #include <cmath>
 #include <cstddef>
-#include <vector>
-
-#include "roads/centerline_reader.h"
 
 namespace tarvex {
 namespace {

@@ -8,6 +8,7 @@
 #include "core/no_value.h"
 #include "core/number_text.h"
 #include "core/text.h"
+#include "roads/centerline_cleanup.h"
 #include "roads/road_texts.h"
 #include "roads/text_fields.h"
 

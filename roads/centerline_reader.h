@@ -32,11 +32,6 @@ struct ChainReading {
 /// `keepTangentPoints` keeps a tangent vertex that lies on a "TS" or "SC".
 ChainReading ReadChain(std::string_view text, bool keepTangentPoints);
 
-/// The clean-up walk over a finished chain: duplicate vertices closer than 0.0005 go, ids are
-/// handed on; `merged`, when given, takes what went where. `ReadChain` ends with it.
-void CleanUpChain(std::vector<CenterlineElement>& chain, bool keepTangentPoints,
-                  std::vector<MergedLine>* merged = nullptr);
-
 /// The limits of a ".cle" text: lines START_STA=station and END_STA=station.
 StationLimits ReadStationLimits(std::string_view text);
 

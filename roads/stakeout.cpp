@@ -1,4 +1,5 @@
 #include "roads/stakeout.h"
+#include "roads/catch_point.h"
 
 #include <algorithm>
 #include <cmath>

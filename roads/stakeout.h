@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/point.h"
+#include "roads/catch_point.h"
 #include "roads/profile.h"
 #include "roads/road_geometry.h"
 #include "roads/section.h"

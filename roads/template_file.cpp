@@ -1,4 +1,5 @@
 #include "roads/template_file.h"
+#include "roads/template_reader.h"
 
 #include <cerrno>
 #include <utility>

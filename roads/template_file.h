@@ -19,9 +19,6 @@ inline constexpr std::uint64_t kLargestTemplate = 4U << 20U;
 /// Reads the template into the road; the road is left as it was unless the result is Loaded.
 LoadTemplateResult LoadTemplate(FileSystem& files, Road& road, const std::string& path);
 
-/// The template of a text. Every text is one; lines of an unknown key are passed over.
-RoadTemplate ReadTemplate(std::string_view text);
-
 /// Writes a template. One that is as it was read goes back byte for byte; a new one, and one whose
 /// fields were changed, is written from its fields (roads/template_writer.h).
 FileStatus WriteTemplate(FileSystem& files, const std::string& path, const RoadTemplate& section);

@@ -1,9 +1,9 @@
-// The lines of a template and its sections; what stands in a section is roads/template_keys.h.
+#include "roads/template_reader.h"
+
 #include <algorithm>
 
 #include "core/text.h"
 #include "roads/road_texts.h"
-#include "roads/template_file.h"
 #include "roads/template_keys.h"
 #include "roads/text_fields.h"
 

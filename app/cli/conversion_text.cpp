@@ -32,22 +32,26 @@ std::string_view StepName(CalculationStep step) {
   return "geoid";
 }
 
-bool IsPosition(const ExplainedStep& step, bool backwards) {
-  return step.step == CalculationStep::Wgs84 || step.step == CalculationStep::DatumShift ||
-         (backwards && step.step == CalculationStep::Projection);
+std::string Three(double a, double b, double c, int decimals) {
+  return FixedNumber(a, decimals) + ' ' + FixedNumber(b, decimals) + ' ' +
+         FixedNumber(c, kMetreDecimals);
 }
 
-std::string ValueText(const ExplainedStep& step, bool backwards) {
-  if (step.step == CalculationStep::Geoid) {
-    return "undulation " + FixedNumber(step.values[0], kMetreDecimals);
+struct InWords {
+  std::string operator()(const Geodetic& at) const {
+    return Three(at.latitudeRad * kDegreesPerRadian, at.longitudeRad * kDegreesPerRadian,
+                 at.heightM, kDegreeDecimals);
   }
-  const bool position = IsPosition(step, backwards);
-  const double factor = position ? kDegreesPerRadian : 1.0;
-  const int decimals = position ? kDegreeDecimals : kMetreDecimals;
-  return FixedNumber(step.values[0] * factor, decimals) + ' ' +
-         FixedNumber(step.values[1] * factor, decimals) + ' ' +
-         FixedNumber(step.values[2], kMetreDecimals);
-}
+  std::string operator()(const GridMetres& at) const {
+    return Three(at.northingM, at.eastingM, at.elevationM, kMetreDecimals);
+  }
+  std::string operator()(const GridPoint& at) const {
+    return Three(at.northing, at.easting, at.elevation, kMetreDecimals);
+  }
+  std::string operator()(const GeoidUndulation& geoid) const {
+    return "undulation " + FixedNumber(geoid.undulationM, kMetreDecimals);
+  }
+};
 
 const char* StatusKey(StepStatus status) {
   switch (status) {
@@ -67,30 +71,34 @@ bool HasValue(const ExplainedStep& step) {
   return step.outcome.status == StepStatus::Done || step.outcome.status == StepStatus::LeftUndone;
 }
 
-void PutValue(const ExplainedStep& step, bool backwards, Json& json) {
-  if (step.step == CalculationStep::Geoid) {
-    json["undulation"] = step.values[0];
-  } else if (IsPosition(step, backwards)) {
-    json["latitude"] = step.values[0] * kDegreesPerRadian;
-    json["longitude"] = step.values[1] * kDegreesPerRadian;
-    json["height"] = step.values[2];
-  } else {
-    json["northing"] = step.values[0];
-    json["easting"] = step.values[1];
-    json["elevation"] = step.values[2];
+struct IntoJson {
+  Json& json;
+
+  void operator()(const Geodetic& at) const {
+    json["latitude"] = at.latitudeRad * kDegreesPerRadian;
+    json["longitude"] = at.longitudeRad * kDegreesPerRadian;
+    json["height"] = at.heightM;
   }
-}
+  void operator()(const GridMetres& at) const { Put(at.northingM, at.eastingM, at.elevationM); }
+  void operator()(const GridPoint& at) const { Put(at.northing, at.easting, at.elevation); }
+  void operator()(const GeoidUndulation& geoid) const { json["undulation"] = geoid.undulationM; }
+
+ private:
+  void Put(double northing, double easting, double elevation) const {
+    json["northing"] = northing;
+    json["easting"] = easting;
+    json["elevation"] = elevation;
+  }
+};
 
 }  // namespace
 
 std::string ExplanationText(const CalculationReport& report) {
-  if (report.steps.empty()) return {};
-  const bool backwards = report.steps.front().step == CalculationStep::JobUnit;
   std::string text;
   for (const ExplainedStep& step : report.steps) {
     std::string line = "  " + std::string(StepName(step.step));
     line.resize(kNameWidth, ' ');
-    line += HasValue(step) ? ValueText(step, backwards) : std::string("-");
+    line += HasValue(step) ? std::visit(InWords{}, step.value) : std::string("-");
     if (step.pointScale) line += "  scale " + FixedNumber(*step.pointScale, kScaleDecimals);
     if (!step.description.empty()) line += "  [" + step.description + "]";
     if (step.outcome.reason != 0) line += "  NOT MADE: " + Strings().Text(step.outcome.reason);
@@ -101,11 +109,9 @@ std::string ExplanationText(const CalculationReport& report) {
 
 Json ExplanationJson(const CalculationReport& report) {
   Json steps = Json::EmptyList();
-  if (report.steps.empty()) return steps;
-  const bool backwards = report.steps.front().step == CalculationStep::JobUnit;
   for (const ExplainedStep& step : report.steps) {
     Json json = {{"step", StepName(step.step)}, {"status", StatusKey(step.outcome.status)}};
-    if (HasValue(step)) PutValue(step, backwards, json);
+    if (HasValue(step)) std::visit(IntoJson{json}, step.value);
     if (step.pointScale) json["point_scale"] = *step.pointScale;
     if (!step.description.empty()) json["by"] = step.description;
     if (step.outcome.reason != 0) json["reason"] = Strings().Text(step.outcome.reason);

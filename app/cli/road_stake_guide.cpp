@@ -1,4 +1,5 @@
 #include "app/cli/road_stake_guide.h"
+#include "roads/catch_point.h"
 
 #include <cmath>
 #include <utility>

@@ -23,11 +23,19 @@ struct HeightParts {
   double localization = 0.0;
 };
 
+// The height or elevation after a step, metres; of the geoid its undulation.
+double HeightAfter(const StepValue& value) {
+  if (const auto* position = std::get_if<Geodetic>(&value)) return position->heightM;
+  if (const auto* grid = std::get_if<GridMetres>(&value)) return grid->elevationM;
+  if (const auto* geoid = std::get_if<GeoidUndulation>(&value)) return geoid->undulationM;
+  return std::get<GridPoint>(value).elevation;
+}
+
 HeightParts PartsOf(const CalculationReport& steps) {
   HeightParts parts;
   double height = 0.0;
   for (const ExplainedStep& step : steps.steps) {
-    const double after = step.values[2];
+    const double after = HeightAfter(step.value);
     switch (step.step) {
       case CalculationStep::Wgs84:
         height = after;
@@ -38,9 +46,9 @@ HeightParts PartsOf(const CalculationReport& steps) {
         break;
       case CalculationStep::Geoid:
         if (step.outcome.status != StepStatus::Done) break;
-        height -= parts.datumShift + step.values[0];
+        height -= parts.datumShift + after;
         parts.datumShift = 0.0;
-        parts.geoid = step.values[0];
+        parts.geoid = after;
         break;
       case CalculationStep::GridCorrection:
         parts.gridCorrection = after - height;

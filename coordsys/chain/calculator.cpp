@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "coordsys/chain/calculator_run.h"
-#include "coordsys/datum/datum_lie.h"
+#include "coordsys/datum/coincident_datums.h"
 #include "core/string_table.h"
 
 namespace tarvex {
@@ -124,7 +124,7 @@ bool CTrgCalculator::LacksNationalGrid() const {
 
 bool CTrgCalculator::NeedsDatumShift() const {
   if (projection_->TakesWgs84()) return false;
-  return HasDatumShift(record_) || !StandsOnWgs84(record_);
+  return HasDatumShift(record_) || !CoincidesWithWgs84(record_);
 }
 
 bool CTrgCalculator::ShiftsDatum() const {
@@ -200,7 +200,7 @@ CalculationResult CTrgCalculator::OnDatum(const Geodetic& wgs84, Geodetic& posit
   double undulationM = 0.0;
   const StepOutcome outcome =
       steps_.geoid->Undulation(wgs84.latitudeRad, wgs84.longitudeRad, undulationM);
-  run.Note(CalculationStep::Geoid, undulationM, 0.0, 0.0);
+  run.Note(CalculationStep::Geoid, GeoidUndulation{undulationM});
   const CalculationResult result = run.Take(*steps_.geoid, outcome);
   if (outcome.status == StepStatus::Done) elevationM = wgs84.heightM - undulationM;
   return result;
@@ -217,7 +217,7 @@ CalculationResult CTrgCalculator::FromPlane(GridMetres metres, GridPoint& point,
     if (localized != CalculationResult::Done) return localized;
   }
   point = InJobUnit(metres);
-  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
+  run.Note(CalculationStep::JobUnit, point);
   return run.End();
 }
 
@@ -226,7 +226,7 @@ CalculationResult CTrgCalculator::ToPlane(const GridPoint& point, GridMetres& at
   if (!IsNumber(point.northing, point.easting, point.elevation)) {
     return CalculationResult::NotANumber;
   }
-  run.Note(CalculationStep::JobUnit, point.northing, point.easting, point.elevation);
+  run.Note(CalculationStep::JobUnit, point);
   at = InMetres(point);
   if (steps_.localization) {
     const StepOutcome outcome = steps_.localization->ToGrid(at);
@@ -272,7 +272,7 @@ CalculationResult CTrgCalculator::SettleHeight(Geodetic onDatum, double elevatio
       Geodetic shown = onDatum;
       result = FromSystemDatum(shown, run);
       if (result != CalculationResult::Done) return result;
-      run.Note(CalculationStep::Geoid, undulationM, 0.0, 0.0);
+      run.Note(CalculationStep::Geoid, GeoidUndulation{undulationM});
       return run.Take(*steps_.geoid, outcome);
     }
     onDatum.heightM += changeM;

@@ -15,6 +15,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "coordsys/calculation_steps.h"
@@ -58,11 +59,16 @@ enum class CalculationStep {
   Geoid
 };
 
-/// The value after one step: latitude and longitude in radians and height, or northing, easting
-/// and elevation; the geoid's is its undulation alone.
+struct GeoidUndulation {
+  double undulationM = 0.0;
+};
+
+/// A value of the chain: a position, a point of the plane or the grid, or of the job in its unit.
+using StepValue = std::variant<Geodetic, GridMetres, GridPoint, GeoidUndulation>;
+
 struct ExplainedStep {
   CalculationStep step = CalculationStep::Wgs84;
-  double values[3] = {0.0, 0.0, 0.0};
+  StepValue value;          ///< after the step
   std::string description;  ///< parameters, grid or geoid in words
   StepOutcome outcome;
   std::optional<double> pointScale;  ///< of the projection, where its family gives one

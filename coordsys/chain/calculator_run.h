@@ -28,14 +28,8 @@ struct CTrgCalculator::Run {
   CalculationReport* report = nullptr;
   bool inPart = false;
 
-  void Note(CalculationStep step, double a, double b, double c) {
-    if (report) report->steps.push_back({step, {a, b, c}, "", {}, std::nullopt});
-  }
-  void Note(CalculationStep step, const Geodetic& at) {
-    Note(step, at.latitudeRad, at.longitudeRad, at.heightM);
-  }
-  void Note(CalculationStep step, const GridMetres& at) {
-    Note(step, at.northingM, at.eastingM, at.elevationM);
+  void Note(CalculationStep step, const StepValue& value) {
+    if (report) report->steps.push_back({step, value, "", {}, std::nullopt});
   }
 
   void NoteScale(const Projection& projection, LatLon at) {

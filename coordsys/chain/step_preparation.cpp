@@ -1,6 +1,6 @@
 #include "coordsys/chain/step_preparation.h"
 
-#include "coordsys/datum/datum_lie.h"
+#include "coordsys/datum/coincident_datums.h"
 #include "coordsys/datum/datum_route.h"
 #include "coordsys/datum/grid_shifts.h"
 #include "coordsys/datum/seven_parameter_shift.h"
@@ -118,7 +118,7 @@ class StepPreparer {
   std::shared_ptr<const DatumShift> NamedShift() {
     const std::string& shift = choice_.shift;
     const bool fromOldDatum = shift == kFrenchGridLabel || shift == kNadConverterLabel;
-    if (fromOldDatum && StandsOnWgs84(record_)) {
+    if (fromOldDatum && CoincidesWithWgs84(record_)) {
       return WrongChoice(Strings().Text(kNothingToShift, {shift}));
     }
     if (shift == kFrenchGridLabel) return FrenchShift();

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "coordsys/datum/datum_lie.h"
+#include "coordsys/datum/coincident_datums.h"
 #include "coordsys/projections/projection_families.h"
 #include "core/text.h"
 
@@ -35,7 +35,7 @@ DatumRoute DatumRouteOf(const ProjectionRecord& record, bool definitionGivesShif
     return DatumRoute::NadConverter;
   }
   if (hasShift) return DatumRoute::SevenParameters;
-  if (StandsOnWgs84(record)) return DatumRoute::Coincident;
+  if (CoincidesWithWgs84(record)) return DatumRoute::Coincident;
   return definitionGivesShift ? DatumRoute::SevenParameters : DatumRoute::Unknown;
 }
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <system_error>
 
-#include "coordsys/datum/datum_lie.h"
+#include "coordsys/datum/coincident_datums.h"
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/projections/projection_families.h"
 #include "core/number_text.h"
@@ -56,7 +56,7 @@ std::string Datum(const ProjectionRecord& record) {
   text += ",SPHEROID[" + Quoted(record.ellipsoidName.view());
   text += ',' + Number(ellipsoid.semiMajorM);
   text += ',' + InverseFlattening(ellipsoid.flattening) + ']';
-  if (!HasDatumShift(record) && !StandsOnWgs84(record)) return text + ']';
+  if (!HasDatumShift(record) && !CoincidesWithWgs84(record)) return text + ']';
   text += ",TOWGS84[" + Number(record.shiftDx);
   for (const double value : {record.shiftDy, record.shiftDz, -record.shiftRx, -record.shiftRy,
                              -record.shiftRz, record.shiftScale}) {

@@ -84,33 +84,47 @@ bool IsUndulation(double value) {
 
 }  // namespace
 
+GridStatus GeoidGrid::Load(FileSystem& files, const std::string& path, GeoidGrid& grid) {
+  FileBytes bytes;
+  if (FileStatus status = LoadFileBytes(files, path, bytes); !status.ok()) {
+    return FromFileStatus(status, path);
+  }
+  return Parse(std::move(bytes), path, grid);
+}
+
+GridStatus GeoidGrid::Parse(FileBytes bytes, const std::string& path, GeoidGrid& grid) {
+  return ParseGeoidFile(std::move(bytes), path, grid.file_);
+}
+
 double GeoidGrid::Node(int column, int row) const noexcept {
-  if (aroundEarth_) {
+  if (file_.aroundEarth) {
     // Beyond a pole the row is the same one on the other side of the earth.
-    if (row < 0 || row >= geometry_.rows()) {
-      row = row < 0 ? -row : 2 * (geometry_.rows() - 1) - row;
-      column += storedColumns_ / 2;
+    if (row < 0 || row >= file_.geometry.rows()) {
+      row = row < 0 ? -row : 2 * (file_.geometry.rows() - 1) - row;
+      column += file_.storedColumns / 2;
     }
-    column = (column % storedColumns_ + storedColumns_) % storedColumns_;
+    column = (column % file_.storedColumns + file_.storedColumns) % file_.storedColumns;
   }
-  const std::size_t size = layout_.kind == NodeKind::Float64   ? 8
-                           : layout_.kind == NodeKind::Float32 ? 4
-                                                               : 2;
-  const char* const at = bytes_.view().data() + layout_.first + layout_.rowStride * row +
-                         static_cast<std::ptrdiff_t>(size) * column;
+  const std::size_t size = file_.layout.kind == GeoidNodeKind::Float64   ? 8
+                           : file_.layout.kind == GeoidNodeKind::Float32 ? 4
+                                                                         : 2;
+  const char* const at = file_.bytes.view().data() + file_.layout.first +
+                         file_.layout.rowStride * row + static_cast<std::ptrdiff_t>(size) * column;
   double value = 0.0;
-  switch (layout_.kind) {
-    case NodeKind::Float32:
-      value = static_cast<double>(NumberAt<float>(at, layout_.order));
+  switch (file_.layout.kind) {
+    case GeoidNodeKind::Float32:
+      value = static_cast<double>(NumberAt<float>(at, file_.layout.order));
       break;
-    case NodeKind::Float64:
-      value = NumberAt<double>(at, layout_.order);
+    case GeoidNodeKind::Float64:
+      value = NumberAt<double>(at, file_.layout.order);
       break;
-    case NodeKind::Pixel16:
-      value = layout_.offsetM + layout_.scaleM * NumberAt<std::uint16_t>(at, layout_.order);
+    case GeoidNodeKind::Pixel16:
+      value = file_.layout.offsetM +
+              file_.layout.scaleM * NumberAt<std::uint16_t>(at, file_.layout.order);
       break;
   }
-  const bool marked = layout_.kind != NodeKind::Pixel16 && std::abs(value - layout_.noData) <= 1e-3;
+  const bool marked =
+      file_.layout.kind != GeoidNodeKind::Pixel16 && std::abs(value - file_.layout.noData) <= 1e-3;
   const bool hasValue = IsUndulation(value) && !marked;
   return hasValue ? value : std::numeric_limits<double>::quiet_NaN();
 }
@@ -131,8 +145,9 @@ double GeoidGrid::BilinearAt(const GridCell& cell) const noexcept {
 
 double GeoidGrid::BiquadraticAt(double column, double row) const noexcept {
   const int middleColumn =
-      std::clamp(static_cast<int>(std::lround(column)), 1, geometry_.columns() - 2);
-  const int middleRow = std::clamp(static_cast<int>(std::lround(row)), 1, geometry_.rows() - 2);
+      std::clamp(static_cast<int>(std::lround(column)), 1, file_.geometry.columns() - 2);
+  const int middleRow =
+      std::clamp(static_cast<int>(std::lround(row)), 1, file_.geometry.rows() - 2);
   const auto across = ParabolaWeights(column - middleColumn);
   const auto up = ParabolaWeights(row - middleRow);
   double value = 0.0;
@@ -159,23 +174,23 @@ double GeoidGrid::CubicAt(const GridCell& cell) const noexcept {
 
 std::optional<double> GeoidGrid::Undulation(double latitudeRad,
                                             double longitudeRad) const noexcept {
-  if (bytes_.view().empty() || !std::isfinite(longitudeRad)) return std::nullopt;
+  if (file_.bytes.view().empty() || !std::isfinite(longitudeRad)) return std::nullopt;
   const double latitude = latitudeRad * kDegreesPerRadian;
   // Whole turns are added until the longitude stands right of the first column.
-  double longitude = longitudeRad * kDegreesPerRadian - geometry_.firstX();
+  double longitude = longitudeRad * kDegreesPerRadian - file_.geometry.firstX();
   longitude -= 360.0 * std::floor((longitude + 1e-9) / 360.0);
-  longitude += geometry_.firstX();
-  const auto cell = geometry_.CellAt(longitude, latitude);
+  longitude += file_.geometry.firstX();
+  const auto cell = file_.geometry.CellAt(longitude, latitude);
   if (!cell) return std::nullopt;
   double undulation = 0.0;
-  switch (layout_.between) {
-    case Between::Bilinear:
+  switch (file_.layout.between) {
+    case GeoidInterpolation::Bilinear:
       undulation = BilinearAt(*cell);
       break;
-    case Between::Biquadratic:
+    case GeoidInterpolation::Biquadratic:
       undulation = BiquadraticAt(cell->column + cell->across, cell->row + cell->up);
       break;
-    case Between::Cubic12:
+    case GeoidInterpolation::Cubic12:
       undulation = CubicAt(*cell);
       break;
   }

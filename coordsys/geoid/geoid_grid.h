@@ -16,10 +16,9 @@
 #include <optional>
 #include <string>
 
+#include "coordsys/geoid/geoid_file.h"
 #include "coordsys/grids/grid_geometry.h"
 #include "coordsys/grids/grid_status.h"
-#include "core/byte_codec.h"
-#include "platform/file_bytes.h"
 
 namespace tarvex {
 
@@ -34,38 +33,18 @@ class GeoidGrid {
 
   /// In degrees, longitudes east positive; the nodes as the file holds them.
   GridGeometry storedGeometry() const {
-    return {geometry_.firstX(), geometry_.firstY(), geometry_.stepX(),
-            geometry_.stepY(),  storedColumns_,     geometry_.rows()};
+    const GridGeometry& nodes = file_.geometry;
+    return {nodes.firstX(), nodes.firstY(),      nodes.stepX(),
+            nodes.stepY(),  file_.storedColumns, nodes.rows()};
   }
 
  private:
-  friend class GeoidParser;
-
-  enum class NodeKind { Float32, Float64, Pixel16 };
-  enum class Between { Bilinear, Biquadratic, Cubic12 };
-
-  // Where a node stands in the bytes and what its number means.
-  struct Layout {
-    std::size_t first = 0;         // byte of the south-west node
-    std::ptrdiff_t rowStride = 0;  // bytes from a row to the next one north
-    NodeKind kind = NodeKind::Float32;
-    ByteOrder order = ByteOrder::Little;
-    double offsetM = 0.0;  // of a pixel
-    double scaleM = 1.0;
-    double noData = -88.8888;
-    Between between = Between::Bilinear;
-  };
-
   double Node(int column, int row) const noexcept;
   double BilinearAt(const GridCell& cell) const noexcept;
   double BiquadraticAt(double column, double row) const noexcept;
   double CubicAt(const GridCell& cell) const noexcept;
 
-  FileBytes bytes_;
-  Layout layout_;
-  GridGeometry geometry_;  // degrees; a grid around the earth has its first column twice
-  int storedColumns_ = 0;
-  bool aroundEarth_ = false;
+  GeoidFile file_;
 };
 
 }  // namespace tarvex

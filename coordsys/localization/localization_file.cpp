@@ -2,7 +2,8 @@
 
 #include <cmath>
 
-#include "coordsys/localization/xml_record.h"
+#include "coordsys/localization/xml_reader.h"
+#include "coordsys/localization/xml_writer.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 

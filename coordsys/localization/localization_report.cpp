@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "core/number_text.h"
 #include "core/string_table.h"
@@ -43,11 +44,11 @@ void LeaveOut(const ControlPoints& points, std::size_t index, const Localization
       without.horizontal.method == fit.horizontal.method) {
     const PlaneSimilarity& a = without.horizontal.similarity;
     const PlaneSimilarity& b = fit.horizontal.similarity;
-    row.leftOut =
-        LeftOut{.missEastM = missed.eastM,
-                .missNorthM = missed.northM,
-                .scaleChangePpm = (a.scale() - b.scale()) * 1e6,
-                .rotationChangeRad = std::remainder(a.rotationRad() - b.rotationRad(), 2.0 * M_PI)};
+    row.leftOut = LeftOut{.missEastM = missed.eastM,
+                          .missNorthM = missed.northM,
+                          .scaleChangePpm = (a.scale() - b.scale()) * 1e6,
+                          .rotationChangeRad = std::remainder(a.rotationRad() - b.rotationRad(),
+                                                              2.0 * std::numbers::pi)};
   }
   if (row.inVertical && without.vertical.result == FitResult::Fitted &&
       without.vertical.method == fit.vertical.method) {

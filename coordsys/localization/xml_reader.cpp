@@ -1,7 +1,7 @@
-// Reading record documents: the tree out of their tags.
+#include "coordsys/localization/xml_reader.h"
+
 #include <utility>
 
-#include "coordsys/localization/xml_record.h"
 #include "coordsys/localization/xml_tags.h"
 
 namespace tarvex {

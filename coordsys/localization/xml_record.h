@@ -1,13 +1,5 @@
-// Trees of named records with named values, and the small XML documents that hold them.
-//
-// Written, a document is us-ascii whatever its texts hold: & < > " and line breaks become character
-// references, and so does every character beyond ASCII (a byte that is not UTF-8 is taken as
-// Latin-1). Control characters that XML cannot hold become blanks. docs/formats/localization.md
-// shows a document.
-//
-// Read, any well-formed document of these elements is accepted: either quote, any order of
-// attributes, comments, empty-element tags, any line end, UTF-8 or Latin-1. What is not well formed
-// or has other elements is refused with the number of the line.
+// Trees of named records with named values, which small XML documents hold (xml_writer.h,
+// xml_reader.h). docs/formats/localization.md shows a document.
 #pragma once
 
 #include <optional>
@@ -34,15 +26,10 @@ struct XmlRecord {
   const XmlValue* Find(std::string_view valueName) const;
 };
 
-std::string WriteXmlRecord(const XmlRecord& root);
-
 /// Why a document was refused.
 struct XmlFault {
   int line = 0;
   std::string text;
 };
-
-/// The root record, or nothing and the fault.
-std::optional<XmlRecord> ReadXmlRecord(std::string_view document, XmlFault& fault);
 
 }  // namespace tarvex

@@ -1,4 +1,4 @@
-#include "coordsys/localization/xml_record.h"
+#include "coordsys/localization/xml_writer.h"
 
 namespace tarvex {
 namespace {
@@ -83,13 +83,6 @@ void AppendRecord(std::string& out, const XmlRecord& record) {
 }
 
 }  // namespace
-
-const XmlValue* XmlRecord::Find(std::string_view valueName) const {
-  for (const XmlValue& value : values) {
-    if (value.name == valueName) return &value;
-  }
-  return nullptr;
-}
 
 std::string WriteXmlRecord(const XmlRecord& root) {
   std::string out =

@@ -5,7 +5,7 @@
 #include "coordsys/datum/geocentric.h"
 #include "coordsys/datum/seven_parameters.h"
 #include "coordsys/projections/auxiliary_latitude.h"
-#include "coordsys/projections/double_cylindrical.h"
+#include "coordsys/projections/oblique_cylindrical.h"
 #include "core/units.h"
 
 namespace tarvex {
@@ -40,7 +40,7 @@ Eov::Eov(const CoordSysParameters& parameters)
   official.scaleFactor = Or(parameters.scaleFactor, 0.99993);
   official.falseEastingM = Or(parameters.falseEasting, 650000.0);
   official.falseNorthingM = Or(parameters.falseNorthing, 200000.0);
-  projection_ = MakeDoubleCylindrical(official);
+  projection_ = MakeObliqueCylindrical(official);
 }
 
 std::optional<PlanePoint> Eov::FromWgs84(LatLon wgs84) const {

@@ -6,8 +6,10 @@
 #include <pugixml.hpp>
 
 #include "exchange/label_room.h"
+#include "roads/catch_point.h"
 #include "roads/centerline_reader.h"
 #include "roads/template_file.h"
+#include "roads/template_reader.h"
 #include "tests/roads/road_data.h"
 
 namespace tarvex {

@@ -1,4 +1,5 @@
 #include "roads/centerline_file.h"
+#include "roads/template_reader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include "roads/design_surface.h"
+#include "roads/template_reader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,6 @@
 #include "roads/section.h"
+#include "roads/catch_point.h"
+#include "roads/template_reader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -10,6 +10,7 @@
 #include "core/string_table.h"
 #include "core/text.h"
 #include "exchange/road_picture.h"
+#include "roads/catch_point.h"
 #include "roads/section.h"
 #include "roads/stakeout.h"
 

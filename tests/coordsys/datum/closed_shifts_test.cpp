@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <numbers>
 
 #include "coordsys/closed/nad_converter_interface.h"
 #include "coordsys/closed/seven_parameter_interface.h"
@@ -65,13 +66,14 @@ TEST(SevenParameterShift, HandsTheLibraryRadiansAndAFactor) {
   const SevenParameterShift forward(parameters, kBessel, library);
   Geodetic at = kBerlin;
   EXPECT_EQ(forward.ToWgs84(at).status, StepStatus::Done);
-  EXPECT_THAT(handed, testing::ElementsAre(1, 2, 3, M_PI / 180, 0, 0, 1.000005));
+  EXPECT_THAT(handed, testing::ElementsAre(1, 2, 3, std::numbers::pi / 180, 0, 0, 1.000005));
   libraries.entries["xform_3D_7Param"] = reinterpret_cast<void*>(&Unchanged);
   libraries.entries["xform3D_Pt"] = reinterpret_cast<void*>(&RecordForward);
   const SevenParameterShift inverse(parameters, kBessel,
                                     std::make_shared<ClosedLibrary>("CoordSys.dll", libraries));
   EXPECT_EQ(inverse.ToSystem(at).status, StepStatus::Done);
-  EXPECT_THAT(handed, testing::ElementsAre(-1, -2, -3, -M_PI / 180, 0, 0, 1 / 1.000005));
+  EXPECT_THAT(handed,
+              testing::ElementsAre(-1, -2, -3, -std::numbers::pi / 180, 0, 0, 1 / 1.000005));
 }
 
 TEST(SevenParameterShift, AMissingLibraryOrEntryLeavesThePosition) {

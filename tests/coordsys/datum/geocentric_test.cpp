@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 #include <random>
 
 #include "tests/coordsys/case_table.h"
@@ -13,8 +14,8 @@ namespace {
 // Metres on the ground for a difference of latitude and longitude.
 double Apart(const Geodetic& a, const Geodetic& b) {
   const double north = (a.latitudeRad - b.latitudeRad) * 6.4e6;
-  const double east =
-      std::remainder(a.longitudeRad - b.longitudeRad, 2 * M_PI) * 6.4e6 * std::cos(a.latitudeRad);
+  const double east = std::remainder(a.longitudeRad - b.longitudeRad, 2 * std::numbers::pi) *
+                      6.4e6 * std::cos(a.latitudeRad);
   return std::hypot(north, east, a.heightM - b.heightM);
 }
 
@@ -50,7 +51,7 @@ TEST(Geocentric, ComesBackToTheStatedAccuracy) {
     for (const Band& band : bands) {
       for (int i = 0; i < 20'000; ++i) {
         std::uniform_real_distribution<double> unit(-1.0, 1.0);
-        const Geodetic at = {unit(random) * M_PI / 2, unit(random) * M_PI,
+        const Geodetic at = {unit(random) * std::numbers::pi / 2, unit(random) * std::numbers::pi,
                              band.lowM + (band.highM - band.lowM) * 0.5 * (unit(random) + 1)};
         ASSERT_LT(Apart(frame.ToGeodetic(frame.ToGeocentric(at)), at), band.toleranceM)
             << at.latitudeRad << ' ' << at.heightM;
@@ -62,7 +63,7 @@ TEST(Geocentric, ComesBackToTheStatedAccuracy) {
 TEST(Geocentric, PolesAndEquatorAreOrdinaryPlaces) {
   const GeocentricFrame frame(kWgs84);
   const double b = 6378137.0 * (1.0 - kWgs84.flattening);
-  EXPECT_EQ(frame.ToGeodetic({0, 0, b}).latitudeRad, M_PI / 2);
+  EXPECT_EQ(frame.ToGeodetic({0, 0, b}).latitudeRad, std::numbers::pi / 2);
   EXPECT_NEAR(frame.ToGeodetic({0, 0, -b - 7}).heightM, 7.0, 1e-8);
   EXPECT_EQ(frame.ToGeodetic({-6378137.0, 0, 0}).latitudeRad, 0.0);
   EXPECT_NEAR(frame.ToGeodetic({0, 6378137.0, 0}).heightM, 0.0, 1e-8);

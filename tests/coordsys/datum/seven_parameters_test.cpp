@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 #include <random>
 
 #include "coordsys/datum/geocentric_map.h"
@@ -27,8 +28,8 @@ GeocentricMap InverseMap(const SevenParameters& parameters) {
 
 // Metres between two positions.
 double Apart(const Geodetic& a, const Geodetic& b) {
-  const double east =
-      std::remainder(a.longitudeRad - b.longitudeRad, 2 * M_PI) * std::cos(a.latitudeRad);
+  const double east = std::remainder(a.longitudeRad - b.longitudeRad, 2 * std::numbers::pi) *
+                      std::cos(a.latitudeRad);
   return std::hypot(6.4e6 * (a.latitudeRad - b.latitudeRad), 6.4e6 * east, a.heightM - b.heightM);
 }
 
@@ -75,13 +76,13 @@ TEST(SevenParameters, AgreeWithThePublishedGigsTranslations) {
 TEST(SevenParameters, UnitsAreSecondsAndPartsPerMillion) {
   const SevenParameterArguments forward =
       ForwardArguments({.rxArcsec = 3600.0, .ryArcsec = -1.0, .scalePpm = 20.0});
-  EXPECT_DOUBLE_EQ(forward.rxRad, M_PI / 180.0);
-  EXPECT_DOUBLE_EQ(forward.ryRad, -M_PI / 648000.0);
+  EXPECT_DOUBLE_EQ(forward.rxRad, std::numbers::pi / 180.0);
+  EXPECT_DOUBLE_EQ(forward.ryRad, -std::numbers::pi / 648000.0);
   EXPECT_DOUBLE_EQ(forward.scale, 1.00002);
   const SevenParameterArguments inverse =
       InverseArguments({.dxM = 5.0, .rzArcsec = 2.0, .scalePpm = 20.0});
   EXPECT_EQ(inverse.dxM, -5.0);
-  EXPECT_EQ(inverse.rzRad, -2.0 * M_PI / 648000.0);
+  EXPECT_EQ(inverse.rzRad, -2.0 * std::numbers::pi / 648000.0);
   EXPECT_EQ(inverse.scale, 1.0 / 1.00002);
 }
 
@@ -93,7 +94,8 @@ TEST(SevenParameters, InverseIsExactForLargeRotations) {
   std::mt19937_64 random(7);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
   for (int i = 0; i < 5000; ++i) {
-    const Geodetic at = {1.57 * unit(random), M_PI * unit(random), 5000.0 * unit(random)};
+    const Geodetic at = {1.57 * unit(random), std::numbers::pi * unit(random),
+                         5000.0 * unit(random)};
     ASSERT_LT(Apart(back.Apply(out.Apply(at)), at), 3e-8);
   }
 }
@@ -105,12 +107,13 @@ TEST(SevenParameters, ArraysComeOutAsOneByOne) {
                         InverseMap({300.0, -200.0, 900.0, 70.0, -65.0, 60.0, -25.0}));
   std::mt19937_64 random(3);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
-  std::vector<double> lat = {M_PI / 2, -M_PI / 2, 1.5707, 0.0, std::nan("")};
-  std::vector<double> lon = {0.0, 1.0, 3.1, M_PI, 0.0};
+  std::vector<double> lat = {std::numbers::pi / 2, -std::numbers::pi / 2, 1.5707, 0.0,
+                             std::nan("")};
+  std::vector<double> lon = {0.0, 1.0, 3.1, std::numbers::pi, 0.0};
   std::vector<double> height(lat.size(), 100.0);
   while (lat.size() < 150) {
     lat.push_back(1.57 * unit(random));
-    lon.push_back(M_PI * unit(random));
+    lon.push_back(std::numbers::pi * unit(random));
     height.push_back(1e4 * unit(random));
   }
   std::vector<double> madeLat = lat;

@@ -5,7 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include "coordsys/localization/xml_record.h"
+#include "coordsys/localization/xml_reader.h"
+#include "coordsys/localization/xml_writer.h"
 #include "tests/coordsys/case_table.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/scratch_folder.h"

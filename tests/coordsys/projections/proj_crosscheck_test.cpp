@@ -7,6 +7,7 @@
 #include <cmath>
 #include <map>
 #include <memory>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -142,7 +143,7 @@ double GreatestDifference(const Projection& projection, const Oracle& oracle, co
                         std::fabs(at.latitudeRad) > 1.0 ? std::min(straight, swapped) : straight);
     LatLon back;
     EXPECT_EQ(projection.Inverse(point, back), ProjectionResult::Done) << name;
-    const double east = std::remainder(back.longitudeRad - at.longitudeRad, 2.0 * M_PI);
+    const double east = std::remainder(back.longitudeRad - at.longitudeRad, 2.0 * std::numbers::pi);
     EXPECT_LT(
         6.4e6 * std::hypot(back.latitudeRad - at.latitudeRad, east * std::cos(at.latitudeRad)),
         kRoundTripM)

@@ -4,12 +4,13 @@
 
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <random>
 #include <vector>
 
 #include "coordsys/projections/cassini_soldner.h"
-#include "coordsys/projections/double_cylindrical.h"
 #include "coordsys/projections/lanes.h"
+#include "coordsys/projections/oblique_cylindrical.h"
 #include "core/units.h"
 #include "tests/coordsys/modules.h"
 
@@ -96,7 +97,8 @@ TEST(Projection, EveryPointOfTheDomainComesBack) {
       LatLon back;
       ASSERT_EQ(made.projection->Inverse(point, back), ProjectionResult::Done)
           << start.latitudeRad << ' ' << start.longitudeRad;
-      const double east = std::remainder(back.longitudeRad - start.longitudeRad, 2.0 * M_PI);
+      const double east =
+          std::remainder(back.longitudeRad - start.longitudeRad, 2.0 * std::numbers::pi);
       EXPECT_LT(6.4e6 * std::hypot(back.latitudeRad - start.latitudeRad,
                                    east * std::cos(start.latitudeRad)),
                 1e-5)
@@ -269,7 +271,7 @@ TEST(Projection, ArraysOfEveryFamilyGiveTheBitsOfSinglePoints) {
     for (const Named& shape : Shapes()) families.push_back(MakeProjection(shape.record).projection);
     const auto parameters = ParametersOf(Record(ProjectionType::ObliqueStereographic));
     families.push_back(MakeCassiniSoldner(parameters).projection);
-    families.push_back(MakeDoubleCylindrical(parameters).projection);
+    families.push_back(MakeObliqueCylindrical(parameters).projection);
   }
   WithoutFourLanes(false);
   std::mt19937 random(5);

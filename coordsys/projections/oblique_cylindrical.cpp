@@ -1,4 +1,4 @@
-#include "coordsys/projections/double_cylindrical.h"
+#include "coordsys/projections/oblique_cylindrical.h"
 
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/projection_kernel.h"
@@ -72,7 +72,7 @@ struct Kernel {
 
 }  // namespace
 
-MadeProjection MakeDoubleCylindrical(const ProjectionParameters& parameters) {
+MadeProjection MakeObliqueCylindrical(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
   if (!(std::fabs(phi0) < kQuarter * 0.99)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);

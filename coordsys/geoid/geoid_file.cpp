@@ -1,7 +1,7 @@
-// Reading the headers of the geoid forms.
+#include "coordsys/geoid/geoid_file.h"
+
 #include <cmath>
 
-#include "coordsys/geoid/geoid_grid.h"
 #include "coordsys/geoid/isg_header.h"
 #include "coordsys/geoid/pgm_header.h"
 #include "core/number_text.h"
@@ -19,15 +19,13 @@ std::string Ending(const std::string& path) {
   return dot == std::string::npos ? std::string() : LowerCase(path.substr(dot));
 }
 
-}  // namespace
-
 class GeoidParser {
  public:
   GeoidParser(FileBytes bytes, const std::string& path)
       : held_(std::move(bytes)), bytes_(held_.view()), path_(path) {}
 
-  GridStatus Parse(GeoidGrid& grid) {
-    GeoidGrid made;
+  GridStatus Parse(GeoidFile& file) {
+    GeoidFile made;
     const std::string ending = Ending(path_);
     GridStatus status = Wrong(GridProblem::NotThisFormat, "a geoid is .gtx, .bin, .pgm or .isg");
     if (ending == ".gtx") status = Gtx(made);
@@ -35,8 +33,8 @@ class GeoidParser {
     if (ending == ".pgm") status = Pgm(made);
     if (ending == ".isg") status = Isg(made);
     if (!status.ok()) return status;
-    made.bytes_ = held_;
-    grid = std::move(made);
+    made.bytes = held_;
+    file = std::move(made);
     return {};
   }
 
@@ -57,7 +55,7 @@ class GeoidParser {
   }
 
   // Takes the bounds; a grid around the earth gets its first column once more at its end.
-  static bool SetGeometry(GeoidGrid& grid, double west, double south, double stepLon,
+  static bool SetGeometry(GeoidFile& file, double west, double south, double stepLon,
                           double stepLat, double columns, double rows) {
     const bool around = std::abs(columns * stepLon - 360.0) < 1e-6;
     const auto geometry = MakeGridGeometry(west, south, stepLon, stepLat,
@@ -66,93 +64,92 @@ class GeoidParser {
         geometry->lastX() - west > 360.001) {
       return false;
     }
-    grid.geometry_ = *geometry;
-    grid.aroundEarth_ = around;
-    grid.storedColumns_ = static_cast<int>(columns);
+    file.geometry = *geometry;
+    file.aroundEarth = around;
+    file.storedColumns = static_cast<int>(columns);
     return true;
   }
 
-  static std::size_t Nodes(const GeoidGrid& grid) {
-    return static_cast<std::size_t>(grid.storedColumns_) *
-           static_cast<std::size_t>(grid.geometry_.rows());
+  static std::size_t Nodes(const GeoidFile& file) {
+    return static_cast<std::size_t>(file.storedColumns) *
+           static_cast<std::size_t>(file.geometry.rows());
   }
 
   // Latitude and longitude of the south-west node, steps, rows, columns.
-  GridStatus Gtx(GeoidGrid& grid) const {
+  GridStatus Gtx(GeoidFile& file) const {
     if (bytes_.size() < kGtxHeader) return Wrong(GridProblem::CutShort, "the header");
     constexpr ByteOrder order = ByteOrder::Big;
-    if (!SetGeometry(grid, Real(8, order), Real(0, order), Real(24, order), Real(16, order),
+    if (!SetGeometry(file, Real(8, order), Real(0, order), Real(24, order), Real(16, order),
                      Integer(36, order), Integer(32, order))) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
     // Old files hold 8-byte values.
-    const bool wide = bytes_.size() == kGtxHeader + 8 * Nodes(grid);
+    const bool wide = bytes_.size() == kGtxHeader + 8 * Nodes(file);
     const std::size_t size = wide ? 8 : 4;
-    grid.layout_.first = kGtxHeader;
-    grid.layout_.rowStride = static_cast<std::ptrdiff_t>(size) * grid.storedColumns_;
-    grid.layout_.kind = wide ? GeoidGrid::NodeKind::Float64 : GeoidGrid::NodeKind::Float32;
-    grid.layout_.order = order;
-    return CheckSize(kGtxHeader + size * Nodes(grid));
+    file.layout.first = kGtxHeader;
+    file.layout.rowStride = static_cast<std::ptrdiff_t>(size) * file.storedColumns;
+    file.layout.kind = wide ? GeoidNodeKind::Float64 : GeoidNodeKind::Float32;
+    file.layout.order = order;
+    return CheckSize(kGtxHeader + size * Nodes(file));
   }
 
   // The same with the number 1 for "32-bit floats" behind, which also tells the byte order.
-  GridStatus Bin(GeoidGrid& grid) const {
+  GridStatus Bin(GeoidFile& file) const {
     if (bytes_.size() < kBinHeader) return Wrong(GridProblem::CutShort, "the header");
     ByteOrder order = ByteOrder::Little;
     if (Integer(40, order) != 1) order = ByteOrder::Big;
     if (Integer(40, order) != 1)
       return Wrong(GridProblem::NotThisFormat, "the number at byte 40 is not 1");
-    if (!SetGeometry(grid, Real(8, order), Real(0, order), Real(24, order), Real(16, order),
+    if (!SetGeometry(file, Real(8, order), Real(0, order), Real(24, order), Real(16, order),
                      Integer(36, order), Integer(32, order))) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
-    grid.layout_.first = kBinHeader;
-    grid.layout_.rowStride = std::ptrdiff_t{4} * grid.storedColumns_;
-    grid.layout_.order = order;
-    const bool hasNine = grid.geometry_.columns() >= 3 && grid.geometry_.rows() >= 3;
-    grid.layout_.between = hasNine ? GeoidGrid::Between::Biquadratic : GeoidGrid::Between::Bilinear;
-    return CheckSize(kBinHeader + 4 * Nodes(grid));
+    file.layout.first = kBinHeader;
+    file.layout.rowStride = std::ptrdiff_t{4} * file.storedColumns;
+    file.layout.order = order;
+    const bool hasNine = file.geometry.columns() >= 3 && file.geometry.rows() >= 3;
+    file.layout.between = hasNine ? GeoidInterpolation::Biquadratic : GeoidInterpolation::Bilinear;
+    return CheckSize(kBinHeader + 4 * Nodes(file));
   }
 
-  GridStatus Pgm(GeoidGrid& grid) const {
+  GridStatus Pgm(GeoidFile& file) const {
     PgmHeader header;
     if (GridStatus status = ReadPgmHeader(bytes_, path_, header); !status.ok()) return status;
     const double columns = header.columns;
     const double rows = header.rows;
     if (!(columns >= 4 && rows >= 3 && std::fmod(columns, 2) == 0.0) ||
-        !SetGeometry(grid, 0.0, -90.0, 360.0 / columns, 180.0 / (rows - 1), columns, rows)) {
+        !SetGeometry(file, 0.0, -90.0, 360.0 / columns, 180.0 / (rows - 1), columns, rows)) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
-    const std::size_t row = 2 * static_cast<std::size_t>(grid.storedColumns_);
-    grid.layout_.first =
-        header.pixelsAt + row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
-    grid.layout_.rowStride = -static_cast<std::ptrdiff_t>(row);
-    grid.layout_.kind = GeoidGrid::NodeKind::Pixel16;
-    grid.layout_.order = ByteOrder::Big;
-    grid.layout_.offsetM = header.offsetM;
-    grid.layout_.scaleM = header.scaleM;
-    grid.layout_.between = GeoidGrid::Between::Cubic12;
-    return CheckSize(header.pixelsAt + 2 * Nodes(grid));
+    const std::size_t row = 2 * static_cast<std::size_t>(file.storedColumns);
+    file.layout.first = header.pixelsAt + row * static_cast<std::size_t>(file.geometry.rows() - 1);
+    file.layout.rowStride = -static_cast<std::ptrdiff_t>(row);
+    file.layout.kind = GeoidNodeKind::Pixel16;
+    file.layout.order = ByteOrder::Big;
+    file.layout.offsetM = header.offsetM;
+    file.layout.scaleM = header.scaleM;
+    file.layout.between = GeoidInterpolation::Cubic12;
+    return CheckSize(header.pixelsAt + 2 * Nodes(file));
   }
 
-  GridStatus Isg(GeoidGrid& grid) {
+  GridStatus Isg(GeoidFile& file) {
     IsgHeader header;
     if (GridStatus status = ReadIsgHeader(bytes_, path_, header); !status.ok()) return status;
-    if (!SetGeometry(grid, header.west, header.south, header.stepLon, header.stepLat,
+    if (!SetGeometry(file, header.west, header.south, header.stepLon, header.stepLat,
                      header.columns, header.rows)) {
       return Wrong(GridProblem::ImpossibleSize, "the header");
     }
     // Every value takes two bytes at least, but for the last one.
-    if (2 * Nodes(grid) > header.nodes.size() + 1) {
+    if (2 * Nodes(file) > header.nodes.size() + 1) {
       return Wrong(GridProblem::CutShort, "the nodes");
     }
-    grid.layout_.noData = header.noData;
-    return IsgNodes(grid, header.nodes, header.lines);
+    file.layout.noData = header.noData;
+    return IsgNodes(file, header.nodes, header.lines);
   }
 
   // The text's numbers become little-endian floats, which are held in place of the text.
-  GridStatus IsgNodes(GeoidGrid& grid, std::string_view rest, int lineNumber) {
-    const std::size_t nodes = Nodes(grid);
+  GridStatus IsgNodes(GeoidFile& file, std::string_view rest, int lineNumber) {
+    const std::size_t nodes = Nodes(file);
     std::string packed;
     packed.reserve(4 * nodes);
     std::size_t seen = 0;
@@ -173,9 +170,9 @@ class GeoidParser {
       return Wrong(GridProblem::CutShort,
                    std::to_string(seen) + " of " + std::to_string(nodes) + " nodes");
     }
-    const std::size_t row = 4 * static_cast<std::size_t>(grid.storedColumns_);
-    grid.layout_.first = row * static_cast<std::size_t>(grid.geometry_.rows() - 1);
-    grid.layout_.rowStride = -static_cast<std::ptrdiff_t>(row);
+    const std::size_t row = 4 * static_cast<std::size_t>(file.storedColumns);
+    file.layout.first = row * static_cast<std::size_t>(file.geometry.rows() - 1);
+    file.layout.rowStride = -static_cast<std::ptrdiff_t>(row);
     held_ = FileBytes(std::move(packed));
     return {};
   }
@@ -185,16 +182,10 @@ class GeoidParser {
   const std::string& path_;
 };
 
-GridStatus GeoidGrid::Load(FileSystem& files, const std::string& path, GeoidGrid& grid) {
-  FileBytes bytes;
-  if (FileStatus status = LoadFileBytes(files, path, bytes); !status.ok()) {
-    return FromFileStatus(status, path);
-  }
-  return Parse(std::move(bytes), path, grid);
-}
+}  // namespace
 
-GridStatus GeoidGrid::Parse(FileBytes bytes, const std::string& path, GeoidGrid& grid) {
-  return GeoidParser(std::move(bytes), path).Parse(grid);
+GridStatus ParseGeoidFile(FileBytes bytes, const std::string& path, GeoidFile& file) {
+  return GeoidParser(std::move(bytes), path).Parse(file);
 }
 
 }  // namespace tarvex

@@ -1,4 +1,4 @@
-#include "coordsys/datum/datum_lie.h"
+#include "coordsys/datum/coincident_datums.h"
 
 #include <cmath>
 
@@ -6,7 +6,7 @@
 
 namespace tarvex {
 
-bool StandsOnWgs84(const ProjectionRecord& record) {
+bool CoincidesWithWgs84(const ProjectionRecord& record) {
   const Ellipsoid ellipsoid = EllipsoidOf(record);
   return std::fabs(ellipsoid.semiMajorM - kWgs84.semiMajorM) < 0.001 &&
          std::fabs(ellipsoid.flattening - kWgs84.flattening) < 1e-10 &&

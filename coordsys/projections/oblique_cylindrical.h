@@ -1,5 +1,6 @@
-// The double projection of Switzerland and Hungary: the ellipsoid onto a conformal sphere, the
-// sphere onto an oblique cylinder that touches it along the prime vertical of the centre.
+// Oblique cylindrical, Rosenmund's double projection of Switzerland and that of Hungary: the
+// ellipsoid onto a conformal sphere, the sphere onto an oblique cylinder that touches it along the
+// prime vertical of the centre.
 //
 // It is what the closed library computes for the Hungarian EOV (type 15), and equals the oblique
 // Mercator of azimuth 90 to 3e-9 m. Source: EPSG guidance note 7-2 (9815, azimuth 90); swisstopo,
@@ -11,6 +12,6 @@
 
 namespace tarvex {
 
-MadeProjection MakeDoubleCylindrical(const ProjectionParameters& parameters);
+MadeProjection MakeObliqueCylindrical(const ProjectionParameters& parameters);
 
 }  // namespace tarvex
