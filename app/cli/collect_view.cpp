@@ -75,6 +75,13 @@ void CollectView::Show(const EpochRepeated&) {
   TellOnce("The receiver repeats its last position; it is not stored again.");
 }
 
+void CollectView::Show(const SentencesDamaged& damaged) {
+  program_.Warn(std::to_string(damaged.count) + " sentences of the receiver came damaged within " +
+                std::to_string(damaged.inMs / 1000) +
+                " s (wrong checksum) and were left out: look at the cable and the baud rate, and "
+                "whether another program uses the line.");
+}
+
 void CollectView::Show(const PointExists& exists) {
   (void)program_.Fail(ExistsSentence(exists.id));
 }

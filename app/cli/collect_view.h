@@ -28,6 +28,7 @@ class CollectView final : public SessionListener {
   void Show(const LimitRefuses& limit);
   void Show(const NoPosition& none);
   void Show(const EpochRepeated&);
+  void Show(const SentencesDamaged& damaged);
   void Show(const PointExists& exists);
   void Show(const ReceiverLost& lost);
   void Show(const ReceiverBack&);

@@ -113,6 +113,7 @@ ExitCode SettleSession(const SessionOptions& options, const Settings& jobSetting
 ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const ReceiverPlan& plan,
                         SessionEnd end, bool untilStopped) {
   program.console.EndProgress();
+  TellBadChecksums(program, session.badChecksums());
   ExitCode code = program.exitCode;
   switch (end) {
     case SessionEnd::Complete:
@@ -124,7 +125,6 @@ ExitCode TellSessionEnd(Program& program, const ReceiverSession& session, const 
       if (!untilStopped || session.receiverLost()) code = ExitCode::Failed;
       break;
     case SessionEnd::RecordingEnded:
-      TellBadChecksums(program, session.badChecksums());
       code = program.Fail("The log ended before the points asked for were stored.");
       break;
     case SessionEnd::NoPosition:

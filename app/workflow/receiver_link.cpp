@@ -34,6 +34,9 @@ bool ReceiverLink::Open(std::string& problem) {
 }
 
 std::string ReceiverLink::Sentence(GnssReadResult result) const {
+  if (result == GnssReadResult::NoPositionSentence && damagedInReading_ > 0) {
+    return "The positions of the receiver come damaged: their checksums are wrong.";
+  }
   return ResultSentence(result, connection_);
 }
 
@@ -43,7 +46,9 @@ bool ReceiverLink::PrecisionMayFollow() const {
 
 GnssReadResult ReceiverLink::Read(std::int64_t deadlineMs) {
   connection_.deadlineMs = deadlineMs;
+  const std::uint64_t damagedBefore = state_.badChecksums;
   const GnssReadResult result = ReadGnssPosition(state_, connection_, receiver_.makeCode);
+  damagedInReading_ = state_.badChecksums - damagedBefore;
   if (result != GnssReadResult::Accepted && connection_.linkLost()) NoteLost();
   return result;
 }

@@ -63,6 +63,7 @@ class ReceiverLink final : private StopRequest {
   ReceiverTap tap_;
   GnssConnection connection_;
   GnssPositionState state_;
+  std::uint64_t damagedInReading_ = 0;
   bool lost_ = false;
   LinkRetry retry_;
   std::int64_t nextTryAtMs_ = 0;

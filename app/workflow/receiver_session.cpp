@@ -103,6 +103,7 @@ SessionEnd ReceiverSession::ReadUntilDone() {
     if (EndAsked()) return SessionEnd::Asked;
     WatchCorrections();
     WatchLog();
+    WatchDamage();
     if (!TakeReading(result)) return SessionEnd::Failed;
     if (result != GnssReadResult::Accepted && link_.ended()) {
       if (held_ && !TakeEpoch(Refusal())) return SessionEnd::Failed;
@@ -145,6 +146,14 @@ void ReceiverSession::WatchLog() {
   const std::string& problem = link_.tap().logProblem();
   if (problem.empty() || !warned_.insert(problem).second) return;
   Problem(problem);
+}
+
+// A recording is read faster than it was made: what was damaged in it is told at its end.
+void ReceiverSession::WatchDamage() {
+  if (plan_.receiver.isRecorded()) return;
+  const auto many =
+      damage_.Look(state().badChecksums, state().positions, work_.clock.SteadyMilliseconds());
+  if (many) Tell(*many);
 }
 
 // The receiver is gone: tries until it is back or the wait is over.

@@ -13,6 +13,7 @@
 
 #include "app/workflow/chosen_receiver.h"
 #include "app/workflow/correction_link.h"
+#include "app/workflow/damage_watch.h"
 #include "app/workflow/observation.h"
 #include "app/workflow/receiver_link.h"
 #include "app/workflow/recorded_clock.h"
@@ -99,6 +100,7 @@ class ReceiverSession {
   void TakeCommands();
   void WatchCorrections();
   void WatchLog();
+  void WatchDamage();
   bool WaitForReceiver();
   bool OutOfPatience() const;
   std::int64_t ReadDeadlineMs() const;
@@ -126,6 +128,7 @@ class ReceiverSession {
   std::int64_t lastNewPositionMs_ = 0;
   std::optional<Limit> refusedBy_;
   std::set<std::string> warned_;
+  DamageWatch damage_;
   bool placeChecked_ = false;
   bool held_ = false;  ///< the last epoch waits for its precision
   bool paused_ = false;

@@ -49,6 +49,12 @@ struct NoPosition {
 /// The receiver gave the epoch before once more.
 struct EpochRepeated {};
 
+/// Many sentences of the receiver had a wrong checksum and were left out.
+struct SentencesDamaged {
+  std::uint64_t count = 0;
+  std::int64_t inMs = 0;  ///< the time within which they came
+};
+
 struct ReceiverLost {
   std::string why;
   std::int64_t nextTryMs = 0;  ///< from now
@@ -73,9 +79,9 @@ struct SessionProblem {
   std::string sentence;
 };
 
-using SessionEvent =
-    std::variant<PositionSeen, PointStored, LimitRefuses, NoPosition, EpochRepeated, PointExists,
-                 ReceiverLost, ReceiverBack, CorrectionsChanged, SessionWarning, SessionProblem>;
+using SessionEvent = std::variant<PositionSeen, PointStored, LimitRefuses, NoPosition,
+                                  EpochRepeated, SentencesDamaged, PointExists, ReceiverLost,
+                                  ReceiverBack, CorrectionsChanged, SessionWarning, SessionProblem>;
 
 class SessionListener {
  public:

@@ -292,6 +292,43 @@ TEST_F(Collecting, SaysWhatAReceiverThatSendsNoPositionLacks) {
   EXPECT_EQ(told.front().result, GnssReadResult::NoPositionSentence);
 }
 
+std::string Damaged(std::string epoch) {
+  for (std::size_t at = epoch.find('*'); at != std::string::npos; at = epoch.find('*', at + 1)) {
+    epoch[at - 1] ^= 1;
+  }
+  return epoch;
+}
+
+// Two lines a second: a single damaged sentence is nobody's business, a line that damages most is
+// told once, and again when it has been well in between.
+TEST_F(Collecting, SaysThatManySentencesComeDamaged) {
+  std::string input;
+  int second = 0;
+  const auto send = [&](int seconds, bool damaged) {
+    for (const int end = second + seconds; second < end; ++second) {
+      input += damaged ? Damaged(Epoch(second)) : Epoch(second);
+    }
+  };
+  send(5, false);
+  send(1, true);
+  send(9, false);
+  send(20, true);
+  send(22, false);
+  send(12, true);
+  connections.push_back({.input = input, .lineMs = 500});
+  plan.count = 0;
+  plan.patienceMs = 25'000;
+  EXPECT_EQ(Run(), SessionEnd::NoPosition);
+  const std::vector<SentencesDamaged> told = listener.Of<SentencesDamaged>();
+  ASSERT_EQ(told.size(), 2U);
+  EXPECT_GE(told.front().count, 10U);
+  EXPECT_GE(told.front().inMs, 10'000);
+  EXPECT_EQ(StoredIds().size(), 36U);  // every whole epoch
+  const std::vector<NoPosition> none = listener.Of<NoPosition>();
+  ASSERT_FALSE(none.empty());
+  EXPECT_THAT(none.front().sentence, HasSubstr("damaged"));
+}
+
 TEST_F(Collecting, CallsASilentReceiverSilent) {
   connections.push_back({.input = Epoch(1)});
   plan.count = 2;
