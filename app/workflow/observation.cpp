@@ -12,14 +12,26 @@ namespace {
 constexpr const char* kNoPrecision =
     "The receiver sends no precision; HRMS and VRMS are unknown and written as 0.";
 
+// A person who set the receiver to send none is not warned of it; the file says it of every point.
+constexpr bool kPrecisionMatters = true;
+
+// A precision that was not told is 0 wherever it is written, also where a damaged or partly empty
+// sentence left a number.
+GnssPositionState WrittenState(const Observation& observation) {
+  GnssPositionState state = observation.point.state;
+  if (!state.precisionKnown) state.hrms = state.vrms = 0.0;
+  return state;
+}
+
 // What the raw file says of the stored point, in the order in which it is written.
 std::vector<std::string> RawRecords(const Observation& observation, const Point& stored,
                                     const LocalTime& now, DistanceUnit unit) {
-  const GnssPositionState& state = observation.point.state;
+  const GnssPositionState state = WrittenState(observation);
   const std::string date = DateText(now);
   const std::string time = TimeText(now);
   const bool quality = FindMake(observation.makeCode).qualityInsteadOfRms;
-  std::vector<std::string> records{
+  std::vector<std::string> records = observation.setup;
+  const std::string own[] = {
       TimeStampRecord(now), RodHeightRecord(observation.antennaHeight),
       GnssRecord({.pointId = stored.id.str(),
                   .latitudeDegrees = state.latitude,
@@ -28,7 +40,8 @@ std::vector<std::string> RawRecords(const Observation& observation, const Point&
                   .description = observation.description}),
       GnssGridRecord(stored, observation.description),
       QualityComment(state, quality, QualityStamp{.date = date, .time = time})};
-  for (const std::string& warning : PositionWarnings(state, observation.expectsPrecision)) {
+  records.insert(records.end(), std::begin(own), std::end(own));
+  for (const std::string& warning : PositionWarnings(state, kPrecisionMatters)) {
     records.push_back(CommentRecord("Warning: " + warning));
   }
   for (std::string& record :
@@ -43,12 +56,13 @@ std::vector<std::string> RawRecords(const Observation& observation, const Point&
 NoteEdit QualityNote(const Observation& observation, const Point& stored, const LocalTime& now) {
   const std::string date = DateText(now);
   const std::string time = TimeText(now);
-  return {.kind = NoteEdit::Kind::SetQuality,
-          .note = {.pointId = stored.id.str(),
-                   .lines = {},
-                   .qualityLines = QualityBlockLines(
-                       observation.point.state, FindMake(observation.makeCode).qualityInsteadOfRms,
-                       QualityStamp{.date = date, .time = time})}};
+  return {
+      .kind = NoteEdit::Kind::SetQuality,
+      .note = {.pointId = stored.id.str(),
+               .lines = {},
+               .qualityLines = QualityBlockLines(WrittenState(observation),
+                                                 FindMake(observation.makeCode).qualityInsteadOfRms,
+                                                 QualityStamp{.date = date, .time = time})}};
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ struct Observation {
   double antennaHeight = 0.0;  ///< above the point, job's unit
   int makeCode = 0;
   bool expectsPrecision = true;            ///< false for a receiver that is known to send none
+  std::vector<std::string> setup = {};     ///< records before the observation
   std::vector<std::string> comments = {};  ///< further comment records behind the observation
 };
 

@@ -1,6 +1,7 @@
 #include "gnss/quality/point_quality.h"
 
 #include "core/number_text.h"
+#include "core/text.h"
 
 namespace tarvex {
 namespace {
@@ -62,8 +63,15 @@ std::string QualityBlockLines(const GnssPositionState& state, bool qualityInstea
     AppendValue(text, "", "DATE", stamp->date, kBlock);
     AppendValue(text, "", "TIME", stamp->time, kBlock);
   }
-  if (!state.precisionKnown) AppendValue(text, "", "PRECISION", "UNKNOWN", kBlock);
   return text;
+}
+
+bool TellsNoPrecision(std::string_view blockLines) {
+  const std::string none = "," + FixedNumber(0.0, kRmsDecimals);
+  const std::string_view horizontal = TakeLine(blockLines).value_or("");
+  const std::string_view vertical = TakeLine(blockLines).value_or("");
+  return (horizontal == "HRMS" + none && vertical == "VRMS" + none) ||
+         (horizontal == "HQ" + none && vertical == "VQ" + none);
 }
 
 }  // namespace tarvex

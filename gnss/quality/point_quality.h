@@ -23,9 +23,12 @@ std::string QualityComment(const GnssPositionState& state, bool qualityInsteadOf
                            const std::optional<QualityStamp>& stamp = std::nullopt);
 
 /// The lines of a point-notes block behind its note lines: "HRMS,0.012\nVRMS,0.020\nSTATUS,FIXED\n"
-/// "SATS,12\nPDOP,1.4\n", and with a stamp "DATE,...\nTIME,...\n". Where the receiver told no
-/// precision the two numbers say nothing, and a last line "PRECISION,UNKNOWN\n" says so.
+/// "SATS,12\nPDOP,1.4\n", and with a stamp "DATE,...\nTIME,...\n".
 std::string QualityBlockLines(const GnssPositionState& state, bool qualityInsteadOfRms,
                               const std::optional<QualityStamp>& stamp = std::nullopt);
+
+/// The lines of a block say that the receiver told no precision: both numbers are 0.000, which no
+/// measurement is.
+bool TellsNoPrecision(std::string_view blockLines);
 
 }  // namespace tarvex

@@ -159,6 +159,31 @@ TEST_F(Collecting, StoresTheEpochThatStillWaitedWhenTheRecordingEnded) {
   EXPECT_FALSE(listener.Of<PointStored>()[0].state.precisionKnown);
 }
 
+// A sentence whose vertical part is empty leaves a number of the horizontal one; a receiver that is
+// known to send none is warned of on no screen. The files say it of both points.
+TEST_F(Collecting, WritesAnUnknownPrecisionAsNone) {
+  for (const bool knownToSendNone : {false, true}) {
+    const std::string half = WithChecksum("GNGST,093000.00,0.9,,,,0.010,0.000,");
+    connections.push_back({.input = half + Epoch(0).substr(Epoch(0).find("$GNGGA"))});
+    plan.receiver.settings.noRms = knownToSendNone;
+    plan.count = 1;
+    listener.events.clear();
+    EXPECT_EQ(Run(), SessionEnd::Complete);
+    const auto warnings = listener.Of<SessionWarning>();
+    EXPECT_EQ(std::none_of(warnings.begin(), warnings.end(),
+                           [](const SessionWarning& warning) {
+                             return warning.sentence.find("no precision") != std::string::npos;
+                           }),
+              knownToSendNone);
+    const std::string id = StoredIds().at(0);
+    EXPECT_THAT(Notes(), HasSubstr("PT_ID:" + id + "\nHRMS,0.000\nVRMS,0.000\nSTATUS,FIXED\n"));
+    const std::string raw = Raw();
+    const std::string point = raw.substr(raw.find("\nGPS,PN" + id + ","));
+    EXPECT_THAT(point, HasSubstr("\n--HRMS:0.000, VRMS:0.000, STATUS:FIXED"));
+    EXPECT_THAT(point, HasSubstr("\n--Warning: The receiver sends no precision; "));
+  }
+}
+
 // A position that cannot be placed leaves nothing to the point that is stored behind it.
 TEST_F(Collecting, SaysOfAPointOnlyWhichLimitItDidNotKeepItself) {
   plan.receiver.address.kind = PortKind::File;

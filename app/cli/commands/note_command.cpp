@@ -5,6 +5,7 @@
 #include "core/job_unit.h"
 #include "core/point_notes.h"
 #include "core/point_store.h"
+#include "gnss/quality/point_quality.h"
 
 namespace tarvex {
 namespace {
@@ -19,6 +20,10 @@ struct NoteOptions {
 void PrintNote(const NoteOptions& options, const PointNote& note, Program& program) {
   if (!options.json) {
     program.console.Print(PointNoteBlock(note));
+    if (TellsNoPrecision(note.qualityLines)) {
+      program.console.PrintError(
+          "The receiver told no precision of this point: 0.000 is unknown.\n");
+    }
     return;
   }
   Json quality = Json::EmptyObject();
@@ -27,8 +32,11 @@ void PrintNote(const NoteOptions& options, const PointNote& note, Program& progr
     const std::size_t comma = std::min(line->find(','), line->size());
     quality[std::string(line->substr(0, comma))] = line->substr(std::min(comma + 1, line->size()));
   }
-  program.console.Print(
-      JsonText({{"id", note.pointId}, {"notes", note.lines}, {"quality", std::move(quality)}}));
+  Json json = {{"id", note.pointId}, {"notes", note.lines}, {"quality", std::move(quality)}};
+  if (!note.qualityLines.empty()) {
+    json["precision_known"] = !TellsNoPrecision(note.qualityLines);
+  }
+  program.console.Print(JsonText(json));
 }
 
 // The note of a point that the file holds; false after a message. A point without a block has an

@@ -377,8 +377,11 @@ TEST(PointQuality, WritesNotesAndBlocks) {
   EXPECT_EQ(QualityComment(state, true, QualityStamp{"06-01-2026", "09:30:15"}),
             "\n--HQ:0.013, VQ:0.020, STATUS:AUTONOMOUS\n--DT06-01-2026\n--TM09:30:15");
   EXPECT_EQ(QualityBlockLines({}, false, QualityStamp{"06-01-2026", "09:30:15"}),
-            "HRMS,0.000\nVRMS,0.000\nSTATUS,AUTONOMOUS\nDATE,06-01-2026\nTIME,09:30:15\n"
-            "PRECISION,UNKNOWN\n");
+            "HRMS,0.000\nVRMS,0.000\nSTATUS,AUTONOMOUS\nDATE,06-01-2026\nTIME,09:30:15\n");
+  EXPECT_TRUE(TellsNoPrecision("HRMS,0.000\nVRMS,0.000\nSTATUS,FIXED\n"));
+  EXPECT_TRUE(TellsNoPrecision("HQ,0.000\nVQ,0.000\n"));
+  EXPECT_FALSE(TellsNoPrecision("HRMS,0.000\nVRMS,0.010\n"));
+  EXPECT_FALSE(TellsNoPrecision(""));
 }
 
 }  // namespace
