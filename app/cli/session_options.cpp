@@ -9,10 +9,15 @@ namespace {
 
 constexpr double kHighestAntenna = 1000.0;
 
-// What a position must keep: the job's limits, then the command line's.
+// What a position must keep: the job's limits, then the command line's. A limit of the job that is
+// not understood is one that somebody relies on: nothing is stored without it.
 ExitCode SettleGate(const SessionOptions& options, const Settings& jobSettings, Program& program,
                     GateLimits& gate) {
-  ReadGateLimits(jobSettings.Text(), gate);
+  for (const auto& [key, value] : jobSettings.Entries()) {
+    if (!key.starts_with("gate_") || SetGateLimit(key, value, gate)) continue;
+    return program.Fail("The job's limit " + key + "=" + value +
+                        " is not understood; nothing is stored until it is put right or removed.");
+  }
   for (const auto& [key, value] : options.gates) {
     if (value.empty() || SetGateLimit(key, value, gate)) continue;
     return program.Misuse("\"" + value + "\" is not a value for the limit " + key + ": " +

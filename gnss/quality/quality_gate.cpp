@@ -134,13 +134,4 @@ bool SetGateLimit(std::string_view key, std::string_view value, GateLimits& limi
   return false;
 }
 
-void ReadGateLimits(std::string_view text, GateLimits& limits) {
-  while (const auto line = TakeLine(text)) {
-    const std::size_t equals = line->find('=');
-    if (equals == std::string_view::npos) continue;
-    (void)SetGateLimit(WithoutOuterBlanks(line->substr(0, equals)), line->substr(equals + 1),
-                       limits);
-  }
-}
-
 }  // namespace tarvex

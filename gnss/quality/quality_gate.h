@@ -55,7 +55,4 @@ std::string RefusalSentence(const GateRefusal& refusal);
 /// the value makes no sense.
 [[nodiscard]] bool SetGateLimit(std::string_view key, std::string_view value, GateLimits& limits);
 
-/// The limits of a settings text.
-void ReadGateLimits(std::string_view text, GateLimits& limits);
-
 }  // namespace tarvex

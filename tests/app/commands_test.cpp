@@ -1,4 +1,5 @@
 // The commands on job files, as a person types them.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -188,6 +189,20 @@ TEST(Commands, NameTheFileThatIsWrong) {
 }
 
 // What cannot be wrong with the points themselves, but should not go unseen.
+// Somebody relies on a limit: one that is not understood must not turn into none.
+TEST(Commands, StoreNothingUnderALimitThatIsNotUnderstood) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
+  const std::string settings = folder.Read("site.job");
+  for (const std::string limit : {"gate_solution=rtk", "gate_hrm=0.02", "gate_satellites=4.5"}) {
+    folder.Write("site.job", settings + limit + "\n");
+    const auto run = folder.Run("collect site.crd --receiver simulated");
+    EXPECT_EQ(run.exitCode, 1) << limit;
+    EXPECT_THAT(run.errors, testing::HasSubstr("The job's limit " + limit + " is not understood"));
+  }
+  EXPECT_THAT(folder.Run("points site.crd").output, testing::HasSubstr("holds no points"));
+}
+
 TEST(Commands, TellWhatIsMissing) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("new site.crd").exitCode, 0);

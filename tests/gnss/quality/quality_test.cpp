@@ -29,11 +29,15 @@ GnssPositionState Good() {
 TEST(QualityGate, NamesTheLimitThatRefuses) {
   GateLimits limits;
   EXPECT_FALSE(CheckGate(limits, {}, 1'000'000).has_value()) << "no limit, no refusal";
-  ReadGateLimits(
-      "gate_solution=fixed\ngate_hrms=0.05\ngate_vrms=0.1\ngate_pdop=4\ngate_satellites=6\n"
-      "gate_age=5\ngate_stale=2\ngate_hrms=wrong\n"
-      "gate_satellites=99.5\n",
-      limits);
+  for (const auto& [key, value] : {std::pair("gate_solution", "fixed"),
+                                   {"gate_hrms", "0.05"},
+                                   {"gate_vrms", "0.1"},
+                                   {"gate_pdop", "4"},
+                                   {"gate_satellites", "6"},
+                                   {"gate_age", "5"},
+                                   {"gate_stale", "2"}}) {
+    EXPECT_TRUE(SetGateLimit(key, value, limits)) << key;
+  }
   EXPECT_FALSE(CheckGate(limits, Good(), 6000).has_value());
   const std::pair<void (*)(GnssPositionState&), const char*> cases[] = {
       {[](GnssPositionState& s) { s.repeatedEpoch = true; },
@@ -67,6 +71,7 @@ TEST(QualityGate, RefusesLimitsThatMakeNoSense) {
   EXPECT_FALSE(SetGateLimit("gate_hrms", "-1", limits));
   EXPECT_FALSE(SetGateLimit("gate_hrms", "abc", limits));
   EXPECT_FALSE(SetGateLimit("gate_solution", "best", limits));
+  EXPECT_FALSE(SetGateLimit("gate_satellites", "99.5", limits));
   EXPECT_FALSE(SetGateLimit("gate_other", "1", limits));
   EXPECT_EQ(limits, GateLimits{});
 }
