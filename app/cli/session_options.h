@@ -11,6 +11,9 @@
 
 namespace tarvex {
 
+/// A person looks at one epoch a second.
+inline constexpr std::int64_t kSimulatedPaceMs = 1000;
+
 /// As entered.
 struct SessionOptions {
   ReceiverChoice receiver;

@@ -97,6 +97,7 @@ void ReceiverSession::StopCorrections() {
 SessionEnd ReceiverSession::ReadUntilDone() {
   lastNewPositionMs_ = work_.clock.SteadyMilliseconds();
   while (!Finished()) {
+    WaitForSimulation();
     TakeCommands();
     if (EndAsked()) return SessionEnd::Asked;
     const GnssReadResult result = link_.Read(ReadDeadlineMs());
@@ -170,6 +171,16 @@ bool ReceiverSession::WaitForReceiver() {
     TakeCommands();
   }
   return false;
+}
+
+// A simulated receiver gives epochs as fast as they are read.
+void ReceiverSession::WaitForSimulation() {
+  const bool simulated = plan_.receiver.address.kind == PortKind::Simulated;
+  if (!simulated || plan_.simulatedPaceMs == 0 || state().positions == 0) return;
+  const std::int64_t dueMs = lastNewPositionMs_ + plan_.simulatedPaceMs;
+  while (!EndAsked() && work_.clock.SteadyMilliseconds() < dueMs) {
+    work_.clock.SleepMilliseconds(kSliceMs);
+  }
 }
 
 std::int64_t ReceiverSession::ReadDeadlineMs() const {

@@ -34,6 +34,7 @@ struct ReceiverPlan {
   std::size_t average = 1;    ///< distinct epochs that make one point
   std::optional<CorrectionPlan> corrections = {};
   RecordedClock* recorded = nullptr;  ///< follows the epochs of a recording; not owned
+  std::int64_t simulatedPaceMs = 0;   ///< between two epochs of a simulated receiver
   std::string streamLog = {};         ///< a new file for what the receiver sends; empty: none
 };
 
@@ -102,6 +103,7 @@ class ReceiverSession {
   void WatchLog();
   void WatchDamage();
   bool WaitForReceiver();
+  void WaitForSimulation();
   bool OutOfPatience() const;
   std::int64_t ReadDeadlineMs() const;
   bool TakeReading(GnssReadResult result);

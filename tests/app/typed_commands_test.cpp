@@ -140,5 +140,22 @@ TEST(TypedCommands, ReachCollectAndStake) {
   ::close(receiver);
 }
 
+// A point a typed Enter, with the description typed before it; nothing of the positions between.
+TEST(TypedCommands, StoreOnEnterAlone) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
+  EXPECT_EQ(folder.Run("collect site.crd --receiver simulated --on-enter").exitCode, 2);
+  Terminal terminal;
+  terminal.Type("d tree\n\n");
+  const std::string command = "cd " + folder.Path("") +
+                              " && TARVEX_DATA=data " TARVEX_PROGRAM
+                              " collect site.crd --receiver simulated --on-enter --count 1 > OUT";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  terminal.Look();
+  EXPECT_THAT(terminal.shown, testing::HasSubstr("Enter stores the next position"));
+  const auto points = folder.Run("points site.crd");
+  EXPECT_THAT(points.output, testing::HasSubstr("  tree\n1 point, Meters\n"));
+}
+
 }  // namespace
 }  // namespace tarvex

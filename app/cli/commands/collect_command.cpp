@@ -14,10 +14,13 @@
 namespace tarvex {
 namespace {
 
+constexpr long long kNotGiven = -1;
+
 struct CollectOptions {
   std::string job;
   SessionOptions session;
-  long long count = 1;
+  long long count = kNotGiven;
+  bool onEnter = false;
   std::string first;
   std::string description;
   std::string existing = "cancel";
@@ -49,6 +52,9 @@ ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program)
   std::optional<TypedCommands> typed;
   if (program.console.IsTyped()) typed.emplace(program, commands);
   CollectSession collecting(program, session, calculator, plan, view, commands, InterruptRequested);
+  if (plan.trigger == StoreTrigger::OnCommand) {
+    program.console.PrintError("Enter stores the next position; q and Enter ends.\n");
+  }
   const SessionEnd end = collecting.Run();
   const ExitCode code = TellSessionEnd(program, collecting, plan, end, plan.count == 0);
   const long long stored = collecting.stored();
@@ -63,9 +69,15 @@ ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedCl
   session.setPolicy(ParseExistingPolicy(options.existing));
   CollectPlan plan;
   plan.recorded = recorded;
-  plan.count = options.count;
+  plan.trigger = options.onEnter ? StoreTrigger::OnCommand : StoreTrigger::EveryEpoch;
+  const long long byDefault = options.onEnter ? 0 : 1;
+  plan.count = options.count == kNotGiven ? byDefault : options.count;
   plan.description = options.description;
+  if (plan.count == 0 && program.console.IsTyped()) plan.simulatedPaceMs = kSimulatedPaceMs;
   ExitCode code = SettleSession(options.session, session.settings(), program, plan);
+  if (options.onEnter && !program.console.IsTyped()) {
+    return program.Misuse("--on-enter needs a terminal to type in.");
+  }
   if (code == ExitCode::Done) code = SettleFirstId(options, session, program);
   return code == ExitCode::Done ? Collect(plan, session, program) : code;
 }
@@ -94,15 +106,18 @@ void DeclareCollectCommand(Command& command) {
       "Receivers: serial:/dev/ttyUSB0@115200, tcp:192.168.1.20:9001, file:LOG, simulated\n"
       "Each point is stored in the coordinate file, its observation in the raw file and its\n"
       "quality in the notes. Ctrl-C ends the session between two points.\n"
-      "While it runs, a line typed in the terminal is a command: d TEXT, h HEIGHT (description\n"
-      "and antenna height of the next points), p (pause), c (continue), r (ask the caster for\n"
-      "corrections again), q (end).");
+      "While it runs, a line typed in the terminal is a command: Enter (with --on-enter: store),\n"
+      "d TEXT, h HEIGHT (description and antenna height of the next points), p (pause),\n"
+      "c (continue), r (ask the caster for corrections again), q (end).");
   command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
   AddSessionOptions(command, options.session).Required();
   command
       .Add("--count", options.count,
-           "Points to store (default: 1); 0: until Ctrl-C or the end of a recording")
+           "Points to store (default: 1, with --on-enter 0); 0: until Ctrl-C or the end of\n"
+           "a recording")
       .Between(0, 1000000000);
+  command.AddFlag("--on-enter", options.onEnter,
+                  "Store a point at each Enter typed in the terminal, not each position");
   command.Add("--first", options.first, "Id of the first point (default: the next of the job)");
   command.Add("--description", options.description, "Description of the points");
   command

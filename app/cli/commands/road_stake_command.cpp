@@ -80,6 +80,7 @@ ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSe
   plan.count = options.count;
   plan.store = !options.storeId.empty();
   plan.storeOnStake = options.storeOnStake;
+  if (plan.count == 0 && program.console.IsTyped()) plan.simulatedPaceMs = kSimulatedPaceMs;
   if (const ExitCode code = SettleSession(options.session, session.settings(), program, plan);
       code != ExitCode::Done) {
     return code;
