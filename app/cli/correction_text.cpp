@@ -1,25 +1,9 @@
 #include "app/cli/correction_text.h"
 
-#include <cmath>
-
-#include "coordsys/datum/geocentric.h"
+#include "app/workflow/correction_base.h"
 #include "core/number_text.h"
-#include "core/units.h"
 
 namespace tarvex {
-namespace {
-
-double DistanceToBaseKm(const BaseStation& base, const GnssPositionState& state) {
-  const GeocentricFrame frame(kWgs84);
-  const Geocentric rover = frame.ToGeocentric({.latitudeRad = state.latitude * kRadiansPerDegree,
-                                               .longitudeRad = state.longitude * kRadiansPerDegree,
-                                               .heightM = state.height});
-  return std::hypot(rover.xM - base.position.xM, rover.yM - base.position.yM,
-                    rover.zM - base.position.zM) /
-         1000.0;
-}
-
-}  // namespace
 
 std::string CorrectionLine(const CorrectionStatus& status, const GnssPositionState& state) {
   if (status.state != CorrectionState::Receiving || status.ageMs < 0) {
@@ -31,7 +15,7 @@ std::string CorrectionLine(const CorrectionStatus& status, const GnssPositionSta
   if (status.base) {
     line += ", base " + std::to_string(status.base->id);
     if (state.positions > 0) {
-      line += " at " + FixedNumber(DistanceToBaseKm(*status.base, state), 1) + " km";
+      line += " at " + FixedNumber(DistanceToBaseM(*status.base, state) / 1000.0, 1) + " km";
     }
   }
   if (status.baseMovedM > kBaseMovedAlarm) {

@@ -4,6 +4,8 @@
 #include "app/workflow/position_checks.h"
 #include "app/workflow/setup_comments.h"
 #include "core/raw_file.h"
+#include "core/raw_records.h"
+#include "gnss/receivers/receiver_make.h"
 
 namespace tarvex {
 namespace {
@@ -77,6 +79,9 @@ bool ReceiverSession::OpenRawFile() {
        .calculator = &calculator_,
        .usesAntenna = true,
        .antennaType = AntennaOfSettings(session_.settings())});
+  // Not its port: a recording that is played again comes to the same bytes.
+  records.push_back(
+      CommentRecord("Receiver: " + std::string(FindMake(plan_.receiver.makeCode).name)));
   records.insert(records.begin(), RawOpeningRecords(job_));
   return AppendRawRecords(job_, records) == RawFileResult::Written;
 }
@@ -141,6 +146,8 @@ void ReceiverSession::WatchCorrections() {
   const bool changed = !correctionStatus_ || status.state != correctionStatus_->state;
   correctionStatus_ = status;
   if (changed) Tell(CorrectionsChanged{status});
+  base_.Look(status);
+  if (const std::string far = base_.TakeWarning(state()); !far.empty()) WarnOnce(far);
 }
 
 void ReceiverSession::WatchLog() {
@@ -250,6 +257,7 @@ bool ReceiverSession::StorePoint(const std::string& description,
                                 .antennaHeight = plan_.antennaHeight,
                                 .makeCode = plan_.receiver.makeCode,
                                 .expectsPrecision = !plan_.receiver.settings.noRms,
+                                .setup = base_.records(),
                                 .comments = comments};
   average_ = {};
   storeWanted_ = false;
@@ -296,6 +304,7 @@ bool ReceiverSession::TakeStored(const StoredPoint& stored, const std::string& w
       break;
   }
   ++stored_;
+  base_.Recorded();
   Tell(PointStored{stored.point, point_.state, point_.mean, point_.overridden, stored.replaced});
   point_ = {};
   AdvanceCurrentPoint(job_);

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "app/workflow/chosen_receiver.h"
+#include "app/workflow/correction_base.h"
 #include "app/workflow/correction_link.h"
 #include "app/workflow/damage_watch.h"
 #include "app/workflow/observation.h"
@@ -123,6 +124,7 @@ class ReceiverSession {
   ReceiverLink link_;
   std::unique_ptr<CorrectionLink> corrections_;
   std::optional<CorrectionStatus> correctionStatus_;
+  BaseWatch base_;
   CollectedPoint point_;
   PositionAverage average_;
   std::string overridden_;  ///< the limit that the last epoch did not keep

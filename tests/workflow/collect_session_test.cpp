@@ -56,6 +56,7 @@ TEST_F(Collecting, TellsAPointWhenAllThreeFilesHoldIt) {
   EXPECT_EQ(StoredIds(), (Ids{"1", "2"}));
   EXPECT_EQ(whole, (std::vector<bool>{true, true}));
   EXPECT_THAT(Raw(), HasSubstr("\nLS,HR2.0000\nGPS,PN1,"));
+  EXPECT_THAT(Raw(), HasSubstr("\n--Receiver: any-nmea\n"));
   EXPECT_TRUE(observer.errors.empty());
 }
 

@@ -90,6 +90,10 @@ TEST_F(SessionThreads, LetCorrectionsFlowUntilItEnds) {
       commands.Send(RetryCorrections{});
       return caster.streams() >= 2;
     });
+    for (int points = 1; points <= 2; ++points) {
+      commands.Send(StoreNow{});
+      WaitUntil([&] { return stored >= points; });
+    }
     commands.Send(EndSession{});
   });
   EXPECT_EQ(Run(), SessionEnd::Asked);
@@ -99,6 +103,21 @@ TEST_F(SessionThreads, LetCorrectionsFlowUntilItEnds) {
   EXPECT_GT(seen.back().corrections->frames, 0U);
   EXPECT_GT(seen.back().corrections->bytesToReceiver, 0U);
   EXPECT_GE(caster.streams(), 2U) << "opened anew";
+  // The base is in the raw file once, before the first point, however often the stream was opened.
+  const std::string raw = Raw();
+  const std::string base = "\n--Corrections: 127.0.0.1:" + std::to_string(caster.port()) +
+                           ", mountpoint MNT, base 2003\nBP,PN,LA38.48";
+  const std::size_t at = raw.find(base);
+  ASSERT_NE(at, std::string::npos) << raw;
+  EXPECT_GT(raw.find("\nGPS,PN1,"), at);
+  EXPECT_NE(raw.find("\nGPS,PN2,"), std::string::npos);
+  EXPECT_EQ(raw.find("\nBP,", at + base.size()), std::string::npos);
+  const auto warnings = listener.Of<SessionWarning>();
+  EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(),
+                          [](const SessionWarning& warning) {
+                            return warning.sentence.find(" km away: ") != std::string::npos;
+                          }),
+            1);
 }
 
 }  // namespace
