@@ -36,6 +36,19 @@ std::optional<std::string_view> TakeField(std::optional<std::string_view>& line)
   return field;
 }
 
+// The text of a field that a spreadsheet put into quotes ("nail, ""red""" is nail, "red"); any
+// other as it is.
+std::string Unquoted(std::string_view field) {
+  if (field.size() < 2 || field.front() != '"' || field.back() != '"') return std::string(field);
+  std::string text;
+  for (std::size_t i = 1; i + 1 < field.size(); ++i) {
+    text += field[i];
+    const bool doubled = field[i] == '"' && i + 2 < field.size() && field[i + 1] == '"';
+    if (doubled) ++i;
+  }
+  return text;
+}
+
 std::string IdProblem(const Job& job, std::string_view id) {
   if (id.size() > kPointIdLength)
     return "the id \"" + OneLine(id) + "\" is longer than 9 characters.";
@@ -69,7 +82,7 @@ class ImportReader {
       values[i] = entry.value;
     }
     if (std::string problem = IdProblem(job_, *id); !problem.empty()) return problem;
-    const std::string_view description = WithoutOuterBlanks(line.value_or(""));
+    const std::string description = Unquoted(WithoutOuterBlanks(line.value_or("")));
     Point point{.at = {.northing = values[0], .easting = values[1], .elevation = values[2]},
                 .description = Description(description),
                 .id = {}};
@@ -81,7 +94,7 @@ class ImportReader {
              " already.";
     }
     import_.points.push_back(point);
-    import_.descriptions.emplace_back(description);
+    import_.descriptions.push_back(description);
     return {};
   }
 

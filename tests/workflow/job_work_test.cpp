@@ -110,6 +110,15 @@ TEST_F(JobWork, AnImportTellsWhatItMeetsAndCanLeaveIt) {
   EXPECT_THAT(Raw(), HasSubstr("\n--Replaced point:SP,PN2,N 1.0000,"));
 }
 
+TEST_F(JobWork, AnImportTakesDescriptionsInQuotes) {
+  const PointImport import = ParsePointImport(
+      session->job(),
+      "1,1,2,3,\"nail, in \"\"kerb\"\"\"\n2,1,2,3, 3\" pipe\n3,1,2,3,\"\"\n4,1,2,3,\"\n");
+  EXPECT_TRUE(import.badLines.empty());
+  EXPECT_EQ(import.descriptions,
+            (std::vector<std::string>{"nail, in \"kerb\"", "3\" pipe", "", "\""}));
+}
+
 // Everything or nothing, in all three files, and nothing is told as done that is not.
 TEST_F(JobWork, InterruptedAnywhereIsDoneOrNot) {
   const auto operations = std::vector<std::function<bool()>>{
