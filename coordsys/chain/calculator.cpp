@@ -101,6 +101,8 @@ void CTrgCalculator::SetRecord(const ProjectionRecord& record) {
   MadeProjection made = MakeProjection(record_);
   projection_ = std::move(made.projection);
   fault_ = made.fault;
+  const bool takesWgs84 = projection_ && projection_->TakesWgs84();
+  needsDatumShift_ = !takesWgs84 && (HasDatumShift(record_) || !CoincidesWithWgs84(record_));
 }
 
 ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view group,
@@ -122,11 +124,6 @@ bool CTrgCalculator::LacksNationalGrid() const {
   return !steps_.gridCorrection && FamilyOf(record_.projectionType).TakesOwnGrid();
 }
 
-bool CTrgCalculator::NeedsDatumShift() const {
-  if (projection_->TakesWgs84()) return false;
-  return HasDatumShift(record_) || !CoincidesWithWgs84(record_);
-}
-
 bool CTrgCalculator::ShiftsDatum() const {
   return steps_.datumShift && !projection_->TakesWgs84();
 }
@@ -134,7 +131,7 @@ bool CTrgCalculator::ShiftsDatum() const {
 CalculationResult CTrgCalculator::State() const {
   if (!hasSystem_) return CalculationResult::NoSystem;
   if (!projection_) return CalculationResult::NotAvailable;
-  if (NeedsDatumShift() && !steps_.datumShift) return CalculationResult::NoDatumShift;
+  if (needsDatumShift_ && !steps_.datumShift) return CalculationResult::NoDatumShift;
   if (NeedsNationalGrid() && !steps_.gridCorrection) return CalculationResult::NoGridCorrection;
   return CalculationResult::Done;
 }
@@ -150,6 +147,10 @@ std::string CTrgCalculator::StateText() const {
     default:
       return CalculationText(State());
   }
+}
+
+void CTrgCalculator::Run::Add(CalculationStep step, const StepValue& value) {
+  report->steps.push_back({step, value, "", {}, std::nullopt});
 }
 
 CalculationResult CTrgCalculator::ToSystemDatum(Geodetic& position, Run& run) const {

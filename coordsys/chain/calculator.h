@@ -144,7 +144,6 @@ class CTrgCalculator {
   struct Run;
   struct Block;
 
-  bool NeedsDatumShift() const;
   bool ShiftsDatum() const;
   bool LacksNationalGrid() const;
   bool NeedsNationalGrid() const;
@@ -172,6 +171,7 @@ class CTrgCalculator {
   std::string compoundName_;
   std::shared_ptr<const Projection> projection_;
   ProjectionFault fault_ = ProjectionFault::None;
+  bool needsDatumShift_ = false;  ///< of the record and its projection
   CalculationSteps steps_;
   DistanceUnit unit_ = DistanceUnit::Metres;
 };

@@ -29,7 +29,7 @@ struct CTrgCalculator::Run {
   bool inPart = false;
 
   void Note(CalculationStep step, const StepValue& value) {
-    if (report) report->steps.push_back({step, value, "", {}, std::nullopt});
+    if (report) Add(step, value);
   }
 
   void NoteScale(const Projection& projection, LatLon at) {
@@ -59,6 +59,9 @@ struct CTrgCalculator::Run {
   CalculationResult End() const {
     return inPart ? CalculationResult::DoneInPart : CalculationResult::Done;
   }
+
+ private:
+  void Add(CalculationStep step, const StepValue& value);
 };
 
 }  // namespace tarvex

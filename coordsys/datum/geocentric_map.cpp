@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "coordsys/projections/elementary.h"
+
 namespace tarvex {
 namespace {
 
@@ -83,9 +85,8 @@ struct GeodeticMap::Turned {
 }
 
 Geodetic GeodeticMap::Apply(const Geodetic& position) const noexcept {
-  const Turned turned =
-      Turn(std::sin(position.latitudeRad), std::cos(position.latitudeRad),
-           std::sin(position.longitudeRad), std::cos(position.longitudeRad), position.heightM);
+  const auto [sin, cos] = SineCosineOf(TwoLanes{position.latitudeRad, position.longitudeRad});
+  const Turned turned = Turn(sin[0], cos[0], sin[1], cos[1], position.heightM);
   return {.latitudeRad = position.latitudeRad + SmallAngle(turned.latSine, turned.latCosine),
           .longitudeRad =
               InHalfTurns(position.longitudeRad + SmallAngle(turned.lonSine, turned.lonCosine)),
@@ -132,10 +133,11 @@ void GeodeticMap::Apply(std::span<double> latitudeRad, std::span<double> longitu
   for (std::size_t done = 0; done < latitudeRad.size(); done += Block::kSize) {
     const std::size_t count = std::min(Block::kSize, latitudeRad.size() - done);
     for (std::size_t i = 0; i < count; ++i) {
-      block.sinLat[i] = std::sin(latitudeRad[done + i]);
-      block.cosLat[i] = std::cos(latitudeRad[done + i]);
-      block.sinLon[i] = std::sin(longitudeRad[done + i]);
-      block.cosLon[i] = std::cos(longitudeRad[done + i]);
+      const auto [sin, cos] = SineCosineOf(TwoLanes{latitudeRad[done + i], longitudeRad[done + i]});
+      block.sinLat[i] = sin[0];
+      block.cosLat[i] = cos[0];
+      block.sinLon[i] = sin[1];
+      block.cosLon[i] = cos[1];
       block.heightM[i] = heightM[done + i];
     }
     TurnBlock(block);
