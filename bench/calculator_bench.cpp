@@ -36,9 +36,9 @@ ProjectionRecord TransverseMercatorOn(const Ellipsoid& ellipsoid) {
   record.projectionType = static_cast<int>(ProjectionType::TransverseMercator);
   record.semiMajorM = ellipsoid.semiMajorM;
   record.flattening = ellipsoid.flattening;
-  record.centralMeridian = 9.0;
+  record.centralMeridianDeg = 9.0;
   record.scaleFactor = 1.0;
-  record.falseEasting = 500'000.0;
+  record.falseEastingM = 500'000.0;
   return record;
 }
 
@@ -47,12 +47,12 @@ ProjectionRecord LambertOn(const Ellipsoid& ellipsoid) {
   record.projectionType = static_cast<int>(ProjectionType::LambertConformalConic2SP);
   record.semiMajorM = ellipsoid.semiMajorM;
   record.flattening = ellipsoid.flattening;
-  record.centralMeridian = 3.0;
-  record.latitudeOfOrigin = 46.5;
-  record.standardParallel1 = 49.0;
-  record.standardParallel2OrAzimuth = 44.0;
-  record.falseEasting = 700'000.0;
-  record.falseNorthing = 6'600'000.0;
+  record.centralMeridianDeg = 3.0;
+  record.latitudeOfOriginDeg = 46.5;
+  record.standardParallel1Deg = 49.0;
+  record.standardParallel2OrAzimuthDeg = 44.0;
+  record.falseEastingM = 700'000.0;
+  record.falseNorthingM = 6'600'000.0;
   return record;
 }
 

@@ -93,9 +93,9 @@ std::unique_ptr<const Projection> GermanGrid() {
   record.projectionType = static_cast<int>(ProjectionType::TransverseMercator);
   record.semiMajorM = kBessel.semiMajorM;
   record.flattening = kBessel.flattening;
-  record.centralMeridian = 9.0;
+  record.centralMeridianDeg = 9.0;
   record.scaleFactor = 1.0;
-  record.falseEasting = 3'500'000.0;
+  record.falseEastingM = 3'500'000.0;
   return MakeProjection(record).projection;
 }
 

@@ -13,16 +13,16 @@ struct StatePlaneRow {
   int projectionType;
   const char* state;
   const char* name;
-  double latitudeOfOrigin;
-  double centralMeridian;
-  double standardParallel1;
-  double standardParallel2OrAzimuth;
-  double rectifiedGridAngle;
+  double latitudeOfOriginDeg;
+  double centralMeridianDeg;
+  double standardParallel1Deg;
+  double standardParallel2OrAzimuthDeg;
+  double rectifiedGridAngleDeg;
   double scaleFactor;
-  double falseEasting;
-  double falseNorthing;
+  double falseEastingM;
+  double falseNorthingM;
   double seriesFalseEastingFt;
-  double seriesCentralMeridianS;
+  double seriesCentralMeridianArcsec;
 };
 
 extern const std::span<const StatePlaneRow> kNad83StatePlane;

@@ -41,17 +41,17 @@ StatePlaneZone ZoneOf(StatePlaneDatum datum, const StatePlaneRow& row) {
   record.flattening = nad83 ? 1.0 / 298.257222101 : 1.0 / 294.978698213898;
   record.projectionType = row.projectionType;
   record.projectionName.Assign(FamilyOf(row.projectionType).name);
-  record.latitudeOfOrigin = record.latitudeOfCenter = row.latitudeOfOrigin;
-  record.centralMeridian = record.longitudeOfCenter = row.centralMeridian;
-  record.standardParallel1 = row.standardParallel1;
-  record.standardParallel2OrAzimuth = row.standardParallel2OrAzimuth;
-  record.rectifiedGridAngle = row.rectifiedGridAngle;
+  record.latitudeOfOriginDeg = record.latitudeOfCenterDeg = row.latitudeOfOriginDeg;
+  record.centralMeridianDeg = record.longitudeOfCenterDeg = row.centralMeridianDeg;
+  record.standardParallel1Deg = row.standardParallel1Deg;
+  record.standardParallel2OrAzimuthDeg = row.standardParallel2OrAzimuthDeg;
+  record.rectifiedGridAngleDeg = row.rectifiedGridAngleDeg;
   record.scaleFactor = row.scaleFactor;
-  record.falseEasting = row.falseEasting;
-  record.falseNorthing = row.falseNorthing;
-  record.zoneWidth = 6.0;
+  record.falseEastingM = row.falseEastingM;
+  record.falseNorthingM = row.falseNorthingM;
+  record.zoneWidthDeg = 6.0;
   record.coefficients[0] = record.coefficients[2] = row.seriesFalseEastingFt;
-  record.coefficients[1] = row.seriesCentralMeridianS;
+  record.coefficients[1] = row.seriesCentralMeridianArcsec;
   return zone;
 }
 

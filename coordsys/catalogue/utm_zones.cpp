@@ -17,12 +17,12 @@ ProjectionRecord UtmRecord(UtmZone zone) {
   record.semiMajorM = kWgs84.semiMajorM;
   record.flattening = 1.0 / 298.257223563;
   record.projectionType = static_cast<int>(ProjectionType::TransverseMercator);
-  record.falseEasting = 500000.0;
-  record.falseNorthing = zone.hemisphere == Hemisphere::South ? 10000000.0 : 0.0;
-  record.centralMeridian = 6.0 * zone.number - 183.0;
-  record.longitudeOfCenter = record.centralMeridian;
+  record.falseEastingM = 500000.0;
+  record.falseNorthingM = zone.hemisphere == Hemisphere::South ? 10000000.0 : 0.0;
+  record.centralMeridianDeg = 6.0 * zone.number - 183.0;
+  record.longitudeOfCenterDeg = record.centralMeridianDeg;
   record.scaleFactor = 0.9996;
-  record.zoneWidth = 6.0;
+  record.zoneWidthDeg = 6.0;
   return record;
 }
 

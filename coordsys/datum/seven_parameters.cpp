@@ -22,13 +22,13 @@ Geocentric MinusCross(const SevenParameterArguments& r, const Geocentric& p) {
 }  // namespace
 
 SevenParameters SevenParametersOf(const ProjectionRecord& record) {
-  return {.dxM = record.shiftDx,
-          .dyM = record.shiftDy,
-          .dzM = record.shiftDz,
-          .rxArcsec = record.shiftRx,
-          .ryArcsec = record.shiftRy,
-          .rzArcsec = record.shiftRz,
-          .scalePpm = record.shiftScale};
+  return {.dxM = record.shiftDxM,
+          .dyM = record.shiftDyM,
+          .dzM = record.shiftDzM,
+          .rxArcsec = record.shiftRxArcsec,
+          .ryArcsec = record.shiftRyArcsec,
+          .rzArcsec = record.shiftRzArcsec,
+          .scalePpm = record.shiftScalePpm};
 }
 
 std::optional<SevenParameters> ParseSevenParameters(std::string_view text) {

@@ -59,8 +59,9 @@ bool ReadToWgs84(std::string_view rest, ProjectionRecord& record) {
   const auto list = scanner.Take(']');
   if (!list) return false;
 
-  double* const fields[] = {&record.shiftDx, &record.shiftDy, &record.shiftDz,   &record.shiftRx,
-                            &record.shiftRy, &record.shiftRz, &record.shiftScale};
+  double* const fields[] = {&record.shiftDxM,      &record.shiftDyM,      &record.shiftDzM,
+                            &record.shiftRxArcsec, &record.shiftRyArcsec, &record.shiftRzArcsec,
+                            &record.shiftScalePpm};
   std::string_view numbers = *list;
   for (std::size_t i = 0; i < std::size(fields) && !numbers.empty(); ++i) {
     const std::size_t comma = numbers.find(',');

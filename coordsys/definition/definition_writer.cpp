@@ -57,9 +57,9 @@ std::string Datum(const ProjectionRecord& record) {
   text += ',' + Number(ellipsoid.semiMajorM);
   text += ',' + InverseFlattening(ellipsoid.flattening) + ']';
   if (!HasDatumShift(record) && !CoincidesWithWgs84(record)) return text + ']';
-  text += ",TOWGS84[" + Number(record.shiftDx);
-  for (const double value : {record.shiftDy, record.shiftDz, -record.shiftRx, -record.shiftRy,
-                             -record.shiftRz, record.shiftScale}) {
+  text += ",TOWGS84[" + Number(record.shiftDxM);
+  for (const double value : {record.shiftDyM, record.shiftDzM, -record.shiftRxArcsec,
+                             -record.shiftRyArcsec, -record.shiftRzArcsec, record.shiftScalePpm}) {
     text += ',' + Number(value);
   }
   return text + "]]";
@@ -77,16 +77,16 @@ void AppendUnlessZero(std::string& out, std::string_view keyword, double value) 
 
 std::string Parameters(const ProjectionRecord& record) {
   std::string text;
-  AppendParameter(text, "latitude_of_origin", record.latitudeOfOrigin);
-  AppendParameter(text, "central_meridian", record.centralMeridian);
-  AppendUnlessZero(text, "standard_parallel_1", record.standardParallel1);
+  AppendParameter(text, "latitude_of_origin", record.latitudeOfOriginDeg);
+  AppendParameter(text, "central_meridian", record.centralMeridianDeg);
+  AppendUnlessZero(text, "standard_parallel_1", record.standardParallel1Deg);
   AppendUnlessZero(text, FamilyOf(record.projectionType).parallel2Keyword,
-                   record.standardParallel2OrAzimuth);
-  AppendUnlessZero(text, "rectified_grid_angle", record.rectifiedGridAngle);
+                   record.standardParallel2OrAzimuthDeg);
+  AppendUnlessZero(text, "rectified_grid_angle", record.rectifiedGridAngleDeg);
   AppendUnlessZero(text, "scale_factor", record.scaleFactor);
-  AppendParameter(text, "false_easting", record.falseEasting);
-  AppendParameter(text, "false_northing", record.falseNorthing);
-  AppendUnlessZero(text, "zone_width", record.zoneWidth);
+  AppendParameter(text, "false_easting", record.falseEastingM);
+  AppendParameter(text, "false_northing", record.falseNorthingM);
+  AppendUnlessZero(text, "zone_width", record.zoneWidthDeg);
   for (std::size_t i = 0; i < record.coefficients.size(); ++i) {
     AppendUnlessZero(text, "T" + std::to_string(i + 1), record.coefficients[i]);
   }
@@ -97,11 +97,12 @@ std::string Parameters(const ProjectionRecord& record) {
 bool IsFinite(const ProjectionRecord& record) {
   const Ellipsoid ellipsoid = EllipsoidOf(record);
   double sum = ellipsoid.semiMajorM + 1.0 / ellipsoid.flattening;
-  for (const double value : {record.shiftDx, record.shiftDy, record.shiftDz, record.shiftRx,
-                             record.shiftRy, record.shiftRz, record.shiftScale, record.falseEasting,
-                             record.falseNorthing, record.centralMeridian, record.standardParallel1,
-                             record.latitudeOfOrigin, record.standardParallel2OrAzimuth,
-                             record.zoneWidth, record.scaleFactor, record.rectifiedGridAngle}) {
+  for (const double value :
+       {record.shiftDxM, record.shiftDyM, record.shiftDzM, record.shiftRxArcsec,
+        record.shiftRyArcsec, record.shiftRzArcsec, record.shiftScalePpm, record.falseEastingM,
+        record.falseNorthingM, record.centralMeridianDeg, record.standardParallel1Deg,
+        record.latitudeOfOriginDeg, record.standardParallel2OrAzimuthDeg, record.zoneWidthDeg,
+        record.scaleFactor, record.rectifiedGridAngleDeg}) {
     sum += value * 0.0;
   }
   for (const double value : record.coefficients) sum += value * 0.0;

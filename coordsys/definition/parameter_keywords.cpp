@@ -19,25 +19,25 @@ struct NumberKeyword {
 };
 
 void SetCentralMeridian(ProjectionRecord& record, double value) {
-  record.centralMeridian = value;
-  record.longitudeOfCenter = value;
+  record.centralMeridianDeg = value;
+  record.longitudeOfCenterDeg = value;
 }
 void SetLatitudeOfOrigin(ProjectionRecord& record, double value) {
-  record.latitudeOfOrigin = value;
-  record.latitudeOfCenter = value;
+  record.latitudeOfOriginDeg = value;
+  record.latitudeOfCenterDeg = value;
 }
 void SetParallel1(ProjectionRecord& record, double value) {
-  record.standardParallel1 = value;
+  record.standardParallel1Deg = value;
 }
 void SetParallel2(ProjectionRecord& record, double value) {
-  record.standardParallel2OrAzimuth = value;
+  record.standardParallel2OrAzimuthDeg = value;
 }
 
 constexpr NumberKeyword kKeywords[] = {
     {"false_easting", LetterCase::Ignored,
-     [](ProjectionRecord& record, double value) { record.falseEasting = value; }},
+     [](ProjectionRecord& record, double value) { record.falseEastingM = value; }},
     {"false_northing", LetterCase::Ignored,
-     [](ProjectionRecord& record, double value) { record.falseNorthing = value; }},
+     [](ProjectionRecord& record, double value) { record.falseNorthingM = value; }},
     {"central_meridian", LetterCase::Ignored, SetCentralMeridian},
     {"longitude_of_center", LetterCase::Ignored, SetCentralMeridian},
     {"latitude_of_origin", LetterCase::Ignored, SetLatitudeOfOrigin},
@@ -45,7 +45,7 @@ constexpr NumberKeyword kKeywords[] = {
     {"scale_factor", LetterCase::Ignored,
      [](ProjectionRecord& record, double value) { record.scaleFactor = value; }},
     {"zone_width", LetterCase::Ignored,
-     [](ProjectionRecord& record, double value) { record.zoneWidth = value; }},
+     [](ProjectionRecord& record, double value) { record.zoneWidthDeg = value; }},
     {"standard_parallel_1", LetterCase::Ignored, SetParallel1},
     {"standard_parallel1", LetterCase::Ignored, SetParallel1},
     {"standard_parallel_2", LetterCase::Ignored, SetParallel2},
@@ -53,7 +53,7 @@ constexpr NumberKeyword kKeywords[] = {
     {"axis", LetterCase::Ignored, SetParallel2},
     {"azimuth", LetterCase::Ignored, SetParallel2},
     {"rectified_grid_angle", LetterCase::Kept,
-     [](ProjectionRecord& record, double value) { record.rectifiedGridAngle = value; }},
+     [](ProjectionRecord& record, double value) { record.rectifiedGridAngleDeg = value; }},
 };
 
 struct CoefficientKeyword {

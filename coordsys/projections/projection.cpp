@@ -35,21 +35,22 @@ ProjectionFault CommonFault(const ProjectionParameters& parameters, ScaleFactorU
 ProjectionParameters ParametersOf(const ProjectionRecord& record) {
   ProjectionParameters parameters;
   parameters.ellipsoid = EllipsoidOf(record);
-  parameters.falseEastingM = record.falseEasting;
-  parameters.falseNorthingM = record.falseNorthing;
+  parameters.falseEastingM = record.falseEastingM;
+  parameters.falseNorthingM = record.falseNorthingM;
   const bool centre = FamilyOf(record.projectionType).origin == ProjectionOrigin::Centre;
-  const double latitude = centre ? record.latitudeOfCenter : record.latitudeOfOrigin;
-  const double longitude = centre ? record.longitudeOfCenter : record.centralMeridian;
+  const double latitude = centre ? record.latitudeOfCenterDeg : record.latitudeOfOriginDeg;
+  const double longitude = centre ? record.longitudeOfCenterDeg : record.centralMeridianDeg;
   parameters.latitudeOfOriginRad = latitude * kRadiansPerDegree;
   parameters.centralMeridianRad = longitude * kRadiansPerDegree;
   parameters.scaleFactor = record.scaleFactor;
-  parameters.parallel1Rad = record.standardParallel1 * kRadiansPerDegree;
-  parameters.parallel2OrAzimuthRad = record.standardParallel2OrAzimuth * kRadiansPerDegree;
-  parameters.rectifiedAngleRad = record.rectifiedGridAngle * kRadiansPerDegree;
+  parameters.parallel1Rad = record.standardParallel1Deg * kRadiansPerDegree;
+  parameters.parallel2OrAzimuthRad = record.standardParallel2OrAzimuthDeg * kRadiansPerDegree;
+  parameters.rectifiedAngleRad = record.rectifiedGridAngleDeg * kRadiansPerDegree;
   parameters.coefficients = record.coefficients;
   parameters.denmarkArea = record.denmarkArea;
-  parameters.shift = {record.shiftDx, record.shiftDy, record.shiftDz,   record.shiftRx,
-                      record.shiftRy, record.shiftRz, record.shiftScale};
+  parameters.shift = {record.shiftDxM,      record.shiftDyM,      record.shiftDzM,
+                      record.shiftRxArcsec, record.shiftRyArcsec, record.shiftRzArcsec,
+                      record.shiftScalePpm};
   return parameters;
 }
 

@@ -21,29 +21,29 @@ struct ProjectionRecord {
   double semiMajorM = 0.0;
   double flattening = 0.0;
 
-  double shiftScale = 0.0;
-  double shiftDx = 0.0;
-  double shiftDy = 0.0;
-  double shiftDz = 0.0;
-  double shiftRx = 0.0;
-  double shiftRy = 0.0;
-  double shiftRz = 0.0;
+  double shiftScalePpm = 0.0;
+  double shiftDxM = 0.0;
+  double shiftDyM = 0.0;
+  double shiftDzM = 0.0;
+  double shiftRxArcsec = 0.0;
+  double shiftRyArcsec = 0.0;
+  double shiftRzArcsec = 0.0;
 
   int projectionType = 0;
   FixedText<100> projectionName;
-  double falseEasting = 0.0;
-  double falseNorthing = 0.0;
-  double centralMeridian = 0.0;
-  double longitudeOfCenter = 0.0;
-  double standardParallel1 = 0.0;
-  double latitudeOfOrigin = 0.0;
-  double latitudeOfCenter = 0.0;
-  double standardParallel2OrAzimuth = 0.0;
-  double zoneWidth = 0.0;
+  double falseEastingM = 0.0;
+  double falseNorthingM = 0.0;
+  double centralMeridianDeg = 0.0;
+  double longitudeOfCenterDeg = 0.0;
+  double standardParallel1Deg = 0.0;
+  double latitudeOfOriginDeg = 0.0;
+  double latitudeOfCenterDeg = 0.0;
+  double standardParallel2OrAzimuthDeg = 0.0;
+  double zoneWidthDeg = 0.0;
   double scaleFactor = 0.0;
   std::array<double, 11> coefficients = {};  ///< coefficient 1 is [0]
   int denmarkArea = 0;
-  double rectifiedGridAngle = 0.0;
+  double rectifiedGridAngleDeg = 0.0;
 
   FixedText<100> verticalDatumName;
 
@@ -59,9 +59,9 @@ inline Ellipsoid EllipsoidOf(const ProjectionRecord& record) {
 
 /// True when the record shifts its datum against WGS84.
 constexpr bool HasDatumShift(const ProjectionRecord& record) {
-  return record.shiftDx != 0.0 || record.shiftDy != 0.0 || record.shiftDz != 0.0 ||
-         record.shiftRx != 0.0 || record.shiftRy != 0.0 || record.shiftRz != 0.0 ||
-         record.shiftScale != 0.0;
+  return record.shiftDxM != 0.0 || record.shiftDyM != 0.0 || record.shiftDzM != 0.0 ||
+         record.shiftRxArcsec != 0.0 || record.shiftRyArcsec != 0.0 ||
+         record.shiftRzArcsec != 0.0 || record.shiftScalePpm != 0.0;
 }
 
 }  // namespace tarvex

@@ -155,8 +155,8 @@ TEST(StatePlaneZones, AreChosenByNumberWithinTheirGroup) {
   ASSERT_TRUE(texas);
   EXPECT_EQ(texas->name, "USA/NAD83/Texas South Central");
   EXPECT_EQ(texas->record.projectionType, 0);
-  EXPECT_EQ(texas->record.falseNorthing, 4000000.0);
-  EXPECT_EQ(texas->record.zoneWidth, 6.0);
+  EXPECT_EQ(texas->record.falseNorthingM, 4000000.0);
+  EXPECT_EQ(texas->record.zoneWidthDeg, 6.0);
   EXPECT_FALSE(ZoneOfGroup(StatePlaneDatum::Nad83, "Texas", 5));
   EXPECT_FALSE(ZoneOfGroup(StatePlaneDatum::Nad83, "Texas", 28));
   EXPECT_FALSE(ZoneOfGroup(StatePlaneDatum::Nad83, "Texas", -1));
@@ -185,7 +185,7 @@ TEST(StatePlaneZones, AgreeWithTheCatalogue) {
         DefinitionFacts facts;
         ReadDefinition(listed->definition, record, facts, nullptr);
         record.datumName = zone->record.datumName;
-        record.shiftDx = record.shiftDy = record.shiftDz = 0.0;
+        record.shiftDxM = record.shiftDyM = record.shiftDzM = 0.0;
         EXPECT_EQ(record, zone->record) << zone->name;
       }
     }

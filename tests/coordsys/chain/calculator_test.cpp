@@ -208,8 +208,8 @@ TEST(Calculator, ANationalPlaneWithoutItsGridIsTold) {
   record.semiMajorM = 6377563.396;
   record.flattening = 1.0 / 299.3249646;
   record.scaleFactor = 0.9996012717;
-  record.latitudeOfOrigin = 49.0;
-  record.centralMeridian = -2.0;
+  record.latitudeOfOriginDeg = 49.0;
+  record.centralMeridianDeg = -2.0;
   record.projectionType = static_cast<int>(ProjectionType::TransverseMercatorOstn02);
   CTrgCalculator british;
   british.SetRecord(record);

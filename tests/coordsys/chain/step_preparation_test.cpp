@@ -47,7 +47,7 @@ ProjectionRecord RecordOf(ProjectionType type, const char* datum, const Ellipsoi
   record.datumName.Assign(datum);
   record.semiMajorM = ellipsoid.semiMajorM;
   record.flattening = ellipsoid.flattening;
-  record.shiftDx = dx;
+  record.shiftDxM = dx;
   return record;
 }
 

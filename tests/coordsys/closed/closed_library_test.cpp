@@ -31,9 +31,9 @@ ProjectionRecord Record(ProjectionType type, int area = 0) {
   record.semiMajorM = 6377397.155;
   record.flattening = 1.0 / 299.1528128;
   record.projectionType = static_cast<int>(type);
-  record.latitudeOfOrigin = record.latitudeOfCenter = 46.0;
-  record.centralMeridian = record.longitudeOfCenter = 10.0;
-  record.standardParallel2OrAzimuth = 45.0;
+  record.latitudeOfOriginDeg = record.latitudeOfCenterDeg = 46.0;
+  record.centralMeridianDeg = record.longitudeOfCenterDeg = 10.0;
+  record.standardParallel2OrAzimuthDeg = 45.0;
   record.scaleFactor = 1.0;
   record.denmarkArea = area;
   return record;

@@ -105,7 +105,7 @@ CTrgCalculator CalculatorAround(Place place, const CalculationSteps& steps) {
   record.projectionType = static_cast<int>(ProjectionType::TransverseMercator);
   record.semiMajorM = kBessel.semiMajorM;
   record.flattening = kBessel.flattening;
-  record.centralMeridian = std::round(place.longitudeDeg);
+  record.centralMeridianDeg = std::round(place.longitudeDeg);
   record.scaleFactor = 1.0;
   CTrgCalculator calculator;
   calculator.SetRecord(record);

@@ -90,7 +90,7 @@ TEST(DefinitionCheck, RoundBracketsAndCommasInNamesAreMadeReadable) {
     CTrgCalculator calculator;
     calculator.ParseDefinition(OneLineDefinition(pasted), nullptr);
     EXPECT_EQ(calculator.record().semiMajorM, 6378137.0);
-    EXPECT_EQ(calculator.record().falseEasting, 500000.0);
+    EXPECT_EQ(calculator.record().falseEastingM, 500000.0);
   }
   CTrgCalculator compound;
   compound.ParseDefinition(OneLineDefinition("COMPD_CS[\"a, (b)\"," + std::string(kGood) + "]"),
@@ -133,12 +133,12 @@ TEST(DefinitionCheck, TextsOfOtherPrograms) {
     }
     const ProjectionRecord& record = calculator.record();
     EXPECT_EQ(record.projectionType, LeadingInteger(fields[1]));
-    EXPECT_NEAR(record.latitudeOfOrigin, LeadingDouble(fields[2]), 1e-12);
-    EXPECT_NEAR(record.centralMeridian, LeadingDouble(fields[3]), 1e-12);
+    EXPECT_NEAR(record.latitudeOfOriginDeg, LeadingDouble(fields[2]), 1e-12);
+    EXPECT_NEAR(record.centralMeridianDeg, LeadingDouble(fields[3]), 1e-12);
     if (fields[4] == "-") {
       EXPECT_THAT(kinds, testing::Contains(Kind::LinearUnit));
     } else {
-      EXPECT_NEAR(record.falseEasting, LeadingDouble(fields[4]), 1e-9);
+      EXPECT_NEAR(record.falseEastingM, LeadingDouble(fields[4]), 1e-9);
       EXPECT_THAT(kinds, testing::Each(Kind::NoDatumShift));
     }
   }

@@ -58,22 +58,22 @@ TEST(DefinitionReader, ReadsEveryPartOfACompoundDefinition) {
   EXPECT_EQ(record.ellipsoidCode, 999);
   EXPECT_EQ(record.semiMajorM, 6378137.0);
   EXPECT_EQ(record.flattening, 1.0 / 298.257222101);
-  EXPECT_EQ(record.shiftDx, 0.5);
-  EXPECT_EQ(record.shiftDy, -1.25);
-  EXPECT_EQ(record.shiftRx, -1.0);
-  EXPECT_EQ(record.shiftRy, -2.0);
-  EXPECT_EQ(record.shiftRz, -3.0);
-  EXPECT_EQ(record.shiftScale, -0.06);
+  EXPECT_EQ(record.shiftDxM, 0.5);
+  EXPECT_EQ(record.shiftDyM, -1.25);
+  EXPECT_EQ(record.shiftRxArcsec, -1.0);
+  EXPECT_EQ(record.shiftRyArcsec, -2.0);
+  EXPECT_EQ(record.shiftRzArcsec, -3.0);
+  EXPECT_EQ(record.shiftScalePpm, -0.06);
   EXPECT_EQ(record.projectionType, 0);
   EXPECT_EQ(record.projectionName.view(), "Lambert_Conformal_Conic_2SP");
-  EXPECT_EQ(record.latitudeOfOrigin, 27.8333333333333);
-  EXPECT_EQ(record.latitudeOfCenter, 27.8333333333333);
-  EXPECT_EQ(record.centralMeridian, -99.0);
-  EXPECT_EQ(record.longitudeOfCenter, -99.0);
-  EXPECT_EQ(record.standardParallel1, 30.2833333333333);
-  EXPECT_EQ(record.standardParallel2OrAzimuth, 28.3833333333333);
-  EXPECT_EQ(record.falseEasting, 600000.0);
-  EXPECT_EQ(record.falseNorthing, 4000000.0);
+  EXPECT_EQ(record.latitudeOfOriginDeg, 27.8333333333333);
+  EXPECT_EQ(record.latitudeOfCenterDeg, 27.8333333333333);
+  EXPECT_EQ(record.centralMeridianDeg, -99.0);
+  EXPECT_EQ(record.longitudeOfCenterDeg, -99.0);
+  EXPECT_EQ(record.standardParallel1Deg, 30.2833333333333);
+  EXPECT_EQ(record.standardParallel2OrAzimuthDeg, 28.3833333333333);
+  EXPECT_EQ(record.falseEastingM, 600000.0);
+  EXPECT_EQ(record.falseNorthingM, 4000000.0);
   EXPECT_EQ(record.verticalDatumName.view(), "North American Vertical Datum 1988");
 }
 
@@ -84,21 +84,21 @@ TEST(DefinitionReader, ParameterNamesSetTheirFields) {
     double value;
   };
   const Case cases[] = {
-      {R"(,PARAMETER["FALSE_EASTING",5])", &ProjectionRecord::falseEasting, 5},
-      {R"(,PARAMETER["Longitude_Of_Center",5])", &ProjectionRecord::centralMeridian, 5},
-      {R"(,PARAMETER["central_meridian",5])", &ProjectionRecord::longitudeOfCenter, 5},
-      {R"(,PARAMETER["latitude_of_center",5])", &ProjectionRecord::latitudeOfOrigin, 5},
-      {R"(,PARAMETER["CM",5])", &ProjectionRecord::centralMeridian, 0},
-      {R"(,PARAMETER["standard_parallel1",5])", &ProjectionRecord::standardParallel1, 5},
-      {R"(,PARAMETER["axis",5])", &ProjectionRecord::standardParallel2OrAzimuth, 5},
+      {R"(,PARAMETER["FALSE_EASTING",5])", &ProjectionRecord::falseEastingM, 5},
+      {R"(,PARAMETER["Longitude_Of_Center",5])", &ProjectionRecord::centralMeridianDeg, 5},
+      {R"(,PARAMETER["central_meridian",5])", &ProjectionRecord::longitudeOfCenterDeg, 5},
+      {R"(,PARAMETER["latitude_of_center",5])", &ProjectionRecord::latitudeOfOriginDeg, 5},
+      {R"(,PARAMETER["CM",5])", &ProjectionRecord::centralMeridianDeg, 0},
+      {R"(,PARAMETER["standard_parallel1",5])", &ProjectionRecord::standardParallel1Deg, 5},
+      {R"(,PARAMETER["axis",5])", &ProjectionRecord::standardParallel2OrAzimuthDeg, 5},
       {R"(,PARAMETER["standard_parallel_2",4],PARAMETER["Azimuth",5])",
-       &ProjectionRecord::standardParallel2OrAzimuth, 5},
+       &ProjectionRecord::standardParallel2OrAzimuthDeg, 5},
       {R"(,PARAMETER["azimuth",5],PARAMETER["standard_parallel2",4])",
-       &ProjectionRecord::standardParallel2OrAzimuth, 4},
-      {R"(,PARAMETER["Rectified_Grid_Angle",5])", &ProjectionRecord::rectifiedGridAngle, 0},
+       &ProjectionRecord::standardParallel2OrAzimuthDeg, 4},
+      {R"(,PARAMETER["Rectified_Grid_Angle",5])", &ProjectionRecord::rectifiedGridAngleDeg, 0},
       {R"(,PARAMETER["rectified_grid_angle",5,AUTHORITY["a","b"]])",
-       &ProjectionRecord::rectifiedGridAngle, 5},
-      {R"(,PARAMETER["zone_width", +6.5 deg])", &ProjectionRecord::zoneWidth, 6.5},
+       &ProjectionRecord::rectifiedGridAngleDeg, 5},
+      {R"(,PARAMETER["zone_width", +6.5 deg])", &ProjectionRecord::zoneWidthDeg, 6.5},
       {R"(,UNIT["metre",1],PARAMETER["scale_factor",0.9996])", &ProjectionRecord::scaleFactor,
        0.9996},
       {R"(,PARAMETER["scale_factor",0.9996)", &ProjectionRecord::scaleFactor, 0.9996},
@@ -127,17 +127,17 @@ TEST(DefinitionReader, AlaskaTakesItsFalseEastingFromCoefficientThree) {
 
 TEST(DefinitionReader, WhatTheTextLacksKeepsItsValue) {
   ProjectionRecord earlier;
-  earlier.shiftRx = 7.0;
-  earlier.shiftScale = 8.0;
+  earlier.shiftRxArcsec = 7.0;
+  earlier.shiftScalePpm = 8.0;
   earlier.projectionType = 5;
   earlier.ellipsoidCode = 4;
   earlier.verticalDatumName.Assign("NAVD88");
   const std::string_view three =
       R"(PROJCS["x",GEOGCS["g",DATUM["d",SPHEROID["s",6378137,298],TOWGS84[1,2,3]]]])";
   const ProjectionRecord read = Read(three, earlier);
-  EXPECT_EQ(read.shiftDz, 3.0);
-  EXPECT_EQ(read.shiftRx, 7.0);
-  EXPECT_EQ(read.shiftScale, 8.0);
+  EXPECT_EQ(read.shiftDzM, 3.0);
+  EXPECT_EQ(read.shiftRxArcsec, 7.0);
+  EXPECT_EQ(read.shiftScalePpm, 8.0);
   EXPECT_EQ(read.projectionType, 5);
   EXPECT_EQ(read.ellipsoidCode, 4) << "no PROJECTION";
   EXPECT_EQ(read.verticalDatumName.view(), "NAVD88");
@@ -193,8 +193,8 @@ TEST(DefinitionReader, SurvivesATextCutAnywhere) {
     const std::string cut(kTexas.substr(0, length));
     const ProjectionRecord record = Read(cut);
     for (const double ProjectionRecord::*field :
-         {&ProjectionRecord::falseEasting, &ProjectionRecord::shiftDx,
-          &ProjectionRecord::latitudeOfOrigin, &ProjectionRecord::semiMajorM}) {
+         {&ProjectionRecord::falseEastingM, &ProjectionRecord::shiftDxM,
+          &ProjectionRecord::latitudeOfOriginDeg, &ProjectionRecord::semiMajorM}) {
       EXPECT_TRUE(record.*field == 0.0 || record.*field == whole.*field) << length;
     }
   }
@@ -233,17 +233,18 @@ TEST(DefinitionWriter, RandomRecordsReadBackTheSame) {
       record.projectionType = static_cast<int>(family.type);
       record.projectionName.Assign(family.name);
       for (double ProjectionRecord::*field :
-           {&ProjectionRecord::shiftDx, &ProjectionRecord::shiftDy, &ProjectionRecord::shiftDz,
-            &ProjectionRecord::shiftRx, &ProjectionRecord::shiftRy, &ProjectionRecord::shiftRz,
-            &ProjectionRecord::shiftScale, &ProjectionRecord::falseEasting,
-            &ProjectionRecord::falseNorthing, &ProjectionRecord::centralMeridian,
-            &ProjectionRecord::standardParallel1, &ProjectionRecord::latitudeOfOrigin,
-            &ProjectionRecord::standardParallel2OrAzimuth, &ProjectionRecord::scaleFactor,
-            &ProjectionRecord::rectifiedGridAngle, &ProjectionRecord::zoneWidth}) {
+           {&ProjectionRecord::shiftDxM, &ProjectionRecord::shiftDyM, &ProjectionRecord::shiftDzM,
+            &ProjectionRecord::shiftRxArcsec, &ProjectionRecord::shiftRyArcsec,
+            &ProjectionRecord::shiftRzArcsec, &ProjectionRecord::shiftScalePpm,
+            &ProjectionRecord::falseEastingM, &ProjectionRecord::falseNorthingM,
+            &ProjectionRecord::centralMeridianDeg, &ProjectionRecord::standardParallel1Deg,
+            &ProjectionRecord::latitudeOfOriginDeg,
+            &ProjectionRecord::standardParallel2OrAzimuthDeg, &ProjectionRecord::scaleFactor,
+            &ProjectionRecord::rectifiedGridAngleDeg, &ProjectionRecord::zoneWidthDeg}) {
         record.*field = round % 5 == 0 ? 0.0 : number(random);
       }
-      record.longitudeOfCenter = record.centralMeridian;
-      record.latitudeOfCenter = record.latitudeOfOrigin;
+      record.longitudeOfCenterDeg = record.centralMeridianDeg;
+      record.latitudeOfCenterDeg = record.latitudeOfOriginDeg;
       if (round % 2 == 0) record.coefficients.fill(number(random));
       record.denmarkArea = round % 4;
       record.verticalDatumName.Assign(round % 3 == 0 ? "" : "Sea level");
@@ -260,7 +261,7 @@ TEST(DefinitionWriter, RefusesWhatTheFormCannotHold) {
   EXPECT_FALSE(WriteDefinition(record, "x"));
   record.projectionType = 1;
   EXPECT_TRUE(WriteDefinition(record, "x"));
-  record.falseEasting = std::numeric_limits<double>::quiet_NaN();
+  record.falseEastingM = std::numeric_limits<double>::quiet_NaN();
   EXPECT_FALSE(WriteDefinition(record, "x"));
 }
 

@@ -45,8 +45,8 @@ LatLon Inverse(const Projection& projection, PlanePoint point) {
 TEST(Alaska27, EachConstantMayComeInEitherForm) {
   const auto zone = [](double falseEastingM, double longitudeDeg, double e0Ft, double cmS) {
     ProjectionRecord record = Nad27ZoneOfCode(124)->record;
-    record.falseEasting = falseEastingM;
-    record.centralMeridian = record.longitudeOfCenter = longitudeDeg;
+    record.falseEastingM = falseEastingM;
+    record.centralMeridianDeg = record.longitudeOfCenterDeg = longitudeDeg;
     record.coefficients = {e0Ft, cmS, e0Ft};
     return Forward(*MakeProjection(record).projection, 60.0, -150.5);
   };
@@ -175,8 +175,8 @@ TEST(AlaskaZone1, MeetsThePublishedPoint) {
 TEST(Nad27, WorksInUsSurveyFeet) {
   ProjectionRecord record = Nad27ZoneOfCode(0)->record;
   ASSERT_EQ(record.projectionType, 9);
-  record.falseEasting = 0.0;
-  record.falseNorthing = 0.0;
+  record.falseEastingM = 0.0;
+  record.falseNorthingM = 0.0;
   const auto feet = MakeProjection(record);
   // The same projection written over feet: a point of 1000 m is its point of 3280.833333333.
   record.projectionType = 1;
@@ -215,7 +215,7 @@ TEST(Eov, MeetsThePublishedPoints) {
   record.semiMajorM = 6378160.0;
   record.flattening = 1.0 / 298.247167427;
   record.projectionType = static_cast<int>(ProjectionType::ObliqueMercatorEov);
-  record.shiftDx = 1e-9;
+  record.shiftDxM = 1e-9;
   const auto made = MakeProjection(record);
   struct Case {
     double latitudeDeg, longitudeDeg, eastingM, northingM;

@@ -22,13 +22,13 @@ ProjectionRecord Record(ProjectionType type) {
   record.semiMajorM = 6378137.0;
   record.flattening = 1.0 / 298.257222101;
   record.projectionType = static_cast<int>(type);
-  record.centralMeridian = record.longitudeOfCenter = 9.0;
-  record.latitudeOfOrigin = record.latitudeOfCenter = 40.0;
-  record.standardParallel1 = 45.0;
-  record.standardParallel2OrAzimuth = 49.0;
+  record.centralMeridianDeg = record.longitudeOfCenterDeg = 9.0;
+  record.latitudeOfOriginDeg = record.latitudeOfCenterDeg = 40.0;
+  record.standardParallel1Deg = 45.0;
+  record.standardParallel2OrAzimuthDeg = 49.0;
   record.scaleFactor = 0.9996;
-  record.falseEasting = 500000.0;
-  record.falseNorthing = -1000000.0;
+  record.falseEastingM = 500000.0;
+  record.falseNorthingM = -1000000.0;
   return record;
 }
 
@@ -51,9 +51,9 @@ std::vector<Named> Shapes() {
   std::vector<Named> shapes;
   const auto add = [&](const char* name, ProjectionType type, double latitude, double azimuth) {
     ProjectionRecord record = Record(type);
-    record.latitudeOfOrigin = record.latitudeOfCenter = latitude;
-    record.standardParallel2OrAzimuth = azimuth;
-    record.standardParallel1 = std::copysign(45.0, azimuth);
+    record.latitudeOfOriginDeg = record.latitudeOfCenterDeg = latitude;
+    record.standardParallel2OrAzimuthDeg = azimuth;
+    record.standardParallel1Deg = std::copysign(45.0, azimuth);
     shapes.push_back({name, record});
   };
   using enum ProjectionType;
@@ -80,8 +80,8 @@ TEST(Projection, EveryPointOfTheDomainComesBack) {
   std::uniform_real_distribution<double> longitude(-180.0, 180.0);
   for (const Named& shape : Shapes()) {
     const ProjectionRecord& record = shape.record;
-    SCOPED_TRACE(testing::Message() << shape.name << ' ' << record.latitudeOfCenter << ' '
-                                    << record.standardParallel2OrAzimuth);
+    SCOPED_TRACE(testing::Message() << shape.name << ' ' << record.latitudeOfCenterDeg << ' '
+                                    << record.standardParallel2OrAzimuthDeg);
     const auto made = MakeProjection(record);
     ASSERT_TRUE(made.projection);
     std::vector<LatLon> starts = {Degrees(90, 9), Degrees(-90, 9), Degrees(89.999999, 100),
@@ -140,10 +140,10 @@ ProjectionRecord Oblique(double latitude, double longitude, double azimuth) {
   ProjectionRecord record = Record(ProjectionType::ObliqueMercator);
   record.semiMajorM = 6377397.155;
   record.flattening = 1.0 / 299.1528128;
-  record.latitudeOfCenter = latitude;
-  record.longitudeOfCenter = longitude;
-  record.standardParallel2OrAzimuth = azimuth;
-  record.falseNorthing = 500000.0;
+  record.latitudeOfCenterDeg = latitude;
+  record.longitudeOfCenterDeg = longitude;
+  record.standardParallel2OrAzimuthDeg = azimuth;
+  record.falseNorthingM = 500000.0;
   return record;
 }
 
@@ -192,7 +192,7 @@ TEST(Projection, FamiliesAroundACentreTakeTheCentre) {
        {ProjectionType::ObliqueMercator83, ProjectionType::Stereographic,
         ProjectionType::ObliqueMercator27, ProjectionType::ObliqueMercator}) {
     ProjectionRecord record = Record(type);
-    record.latitudeOfOrigin = record.centralMeridian = 0.0;
+    record.latitudeOfOriginDeg = record.centralMeridianDeg = 0.0;
     const ProjectionParameters parameters = ParametersOf(record);
     EXPECT_EQ(parameters.latitudeOfOriginRad, 40.0 * kRadiansPerDegree);
     EXPECT_EQ(parameters.centralMeridianRad, 9.0 * kRadiansPerDegree);
@@ -202,13 +202,13 @@ TEST(Projection, FamiliesAroundACentreTakeTheCentre) {
 // Parallels 6 mm apart make the same cone as one parallel does, and so do all between.
 TEST(Lambert, ParallelsCloseTogetherLoseNothing) {
   ProjectionRecord record = Record(ProjectionType::LambertConformalConic2SP);
-  record.standardParallel1 = record.standardParallel2OrAzimuth = 45.0;
+  record.standardParallel1Deg = record.standardParallel2OrAzimuthDeg = 45.0;
   PlanePoint one;
   ASSERT_EQ(MakeProjection(record).projection->Forward(Degrees(46, 12), one),
             ProjectionResult::Done);
   for (const double apart : {1e-8, 1e-7, 1e-6, 1e-5}) {
-    record.standardParallel2OrAzimuth = 45.0 + apart;
-    record.standardParallel1 = 45.0 - apart;
+    record.standardParallel2OrAzimuthDeg = 45.0 + apart;
+    record.standardParallel1Deg = 45.0 - apart;
     PlanePoint two;
     ASSERT_EQ(MakeProjection(record).projection->Forward(Degrees(46, 12), two),
               ProjectionResult::Done);
@@ -334,13 +334,13 @@ TEST(Projection, PolarOriginOfALambertZone) {  // Belge 1972: values of EPSG 313
   ProjectionRecord record = Record(ProjectionType::LambertConformalConic2SP);
   record.semiMajorM = 6378388.0;
   record.flattening = 1.0 / 297.0;
-  record.latitudeOfOrigin = 90.0;
-  record.centralMeridian = 4.36748666666667;
-  record.standardParallel1 = 51.1666672333333;
-  record.standardParallel2OrAzimuth = 49.8333339;
+  record.latitudeOfOriginDeg = 90.0;
+  record.centralMeridianDeg = 4.36748666666667;
+  record.standardParallel1Deg = 51.1666672333333;
+  record.standardParallel2OrAzimuthDeg = 49.8333339;
   record.scaleFactor = 0.0;
-  record.falseEasting = 150000.013;
-  record.falseNorthing = 5400088.438;
+  record.falseEastingM = 150000.013;
+  record.falseNorthingM = 5400088.438;
   const auto made = MakeProjection(record);
   PlanePoint point;
   ASSERT_EQ(made.projection->Forward(Degrees(50.5, 4.5), point), ProjectionResult::Done);
@@ -362,15 +362,15 @@ TEST(Projection, FaultsNameTheParameter) {
        std::numeric_limits<double>::infinity(), ProjectionFault::Ellipsoid},
       {ProjectionType::TransverseMercator, &ProjectionRecord::semiMajorM, 0.0,
        ProjectionFault::Ellipsoid},
-      {ProjectionType::TransverseMercator, &ProjectionRecord::latitudeOfOrigin, 91.0,
+      {ProjectionType::TransverseMercator, &ProjectionRecord::latitudeOfOriginDeg, 91.0,
        ProjectionFault::LatitudeOfOrigin},
-      {ProjectionType::TransverseMercator, &ProjectionRecord::centralMeridian, 1e6,
+      {ProjectionType::TransverseMercator, &ProjectionRecord::centralMeridianDeg, 1e6,
        ProjectionFault::CentralMeridian},
-      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::standardParallel1, -49.0,
+      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::standardParallel1Deg, -49.0,
        ProjectionFault::StandardParallels},
-      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::latitudeOfOrigin, -90.0,
+      {ProjectionType::LambertConformalConic2SP, &ProjectionRecord::latitudeOfOriginDeg, -90.0,
        ProjectionFault::LatitudeOfOrigin},
-      {ProjectionType::LambertConformalConic1SP, &ProjectionRecord::latitudeOfOrigin, 0.0,
+      {ProjectionType::LambertConformalConic1SP, &ProjectionRecord::latitudeOfOriginDeg, 0.0,
        ProjectionFault::LatitudeOfOrigin},
   };
   for (const Case& c : cases) {
