@@ -6,6 +6,8 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "platform/file.h"
+
 namespace tarvex {
 
 enum class JobFile : std::uint8_t {
@@ -31,9 +33,10 @@ struct JournalPlace {
   bool newNames = false;     ///< a file was created since the folder was last made durable
 };
 
-/// The points that have a block in the notes, as of a file of this size with this end.
+/// The points that have a block in the notes, as of a file of this stamp and size with this end.
 struct NoteIndex {
   bool known = false;
+  FileStamp stamp;
   std::uint64_t size = 0;
   std::string end;
   std::unordered_set<std::string> ids;  ///< upper case

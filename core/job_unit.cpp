@@ -171,7 +171,7 @@ ChangeResult JobUnit::Commit(Settling settling) {
   done_ = true;
   if (result == ChangeResult::Done) {
     if (replaced) stream_->Follow(std::move(opened.replacement));
-    TakeNoteIndex(job_, opened.notesChange);
+    if (opened.notes) TakeNoteIndex(job_, *opened.notes, opened.notesChange);
     const bool settle = settling == Settling::Now || replaced ||
                         job_.journal.entries >= kMostUnsettled ||
                         job_.journal.end >= kLargestUnsettled;

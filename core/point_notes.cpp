@@ -71,10 +71,11 @@ FileStatus ReadAll(File& file, std::uint64_t size, std::string& bytes) {
 FileStatus RefreshIndex(NoteIndex& index, File& file, std::uint64_t size) {
   std::string end;
   if (FileStatus status = ReadEnd(file, size, end); !status.ok()) return status;
-  if (index.known && index.size == size && index.end == end) return {};
+  const FileStamp stamp = file.Stamp();
+  if (index.known && index.stamp == stamp && index.size == size && index.end == end) return {};
   std::string bytes;
   if (FileStatus status = ReadAll(file, size, bytes); !status.ok()) return status;
-  index = {.known = true, .size = size, .end = end, .ids = {}};
+  index = {.known = true, .stamp = stamp, .size = size, .end = end, .ids = {}};
   std::string_view rest = bytes;
   while (!rest.empty()) {
     if (const auto id = BlockId(TakeBlock(rest))) index.ids.insert(NoteKey(*id));
@@ -218,11 +219,12 @@ FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesCh
   return {};
 }
 
-void TakeNoteIndex(Job& job, const NotesChange& change) {
+void TakeNoteIndex(Job& job, File& file, const NotesChange& change) {
   if (!change.change) return;
   NoteIndex& index = job.noted;
   for (const std::string& key : change.removed) index.ids.erase(key);
   index.ids.insert(change.added.begin(), change.added.end());
+  index.stamp = file.Stamp();
   index.size = change.change->newSize;
   index.end = change.end;
 }

@@ -59,8 +59,8 @@ FileStatus OpenNotes(Job& job, const NoteEdits& edits, std::unique_ptr<File>& fi
 /// cost that does not grow with the file: the job remembers which points have one.
 FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesChange& change);
 
-/// Brings the job's index up to date after the change was carried out.
-void TakeNoteIndex(Job& job, const NotesChange& change);
+/// Brings the job's index up to date after the change was carried out in the file.
+void TakeNoteIndex(Job& job, File& file, const NotesChange& change);
 
 /// The keys of the points whose block says how they were measured.
 std::unordered_set<std::string> MeasuredPoints(Job& job);

@@ -36,6 +36,16 @@ struct [[nodiscard]] FileStatus {
   bool operator==(const FileStatus&) const = default;
 };
 
+/// Which file it is and when it was changed last, as far as the system tells: as long as it stays
+/// the same nobody has written to the file, but within the few milliseconds (seconds on some memory
+/// cards) that the system's clock of files takes for one tick.
+struct FileStamp {
+  std::uint64_t file = 0;
+  std::int64_t changedNs = 0;
+
+  bool operator==(const FileStamp&) const = default;
+};
+
 /// An open file; closed when destroyed.
 class File {
  public:
@@ -49,6 +59,7 @@ class File {
   /// Returns when what was written is on the disk.
   virtual FileStatus Sync() = 0;
   virtual FileStatus Size(std::uint64_t& size) = 0;
+  virtual FileStamp Stamp() { return {}; }
   /// Waits until no other program holds the lock of this file; given up when the file is closed. A
   /// signal that the program handles ends the waiting (EINTR).
   virtual FileStatus Lock() = 0;

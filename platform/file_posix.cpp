@@ -68,6 +68,14 @@ class PosixFile final : public File {
     return {};
   }
 
+  FileStamp Stamp() override {
+    struct stat info {};
+    if (::fstat(descriptor_, &info) != 0) return {};
+    constexpr std::int64_t kNanoseconds = 1'000'000'000;
+    return {.file = static_cast<std::uint64_t>(info.st_ino),
+            .changedNs = std::int64_t{info.st_ctim.tv_sec} * kNanoseconds + info.st_ctim.tv_nsec};
+  }
+
   bool LockAtOnce() override { return ::flock(descriptor_, LOCK_EX | LOCK_NB) == 0; }
 
   FileStatus Lock() override {

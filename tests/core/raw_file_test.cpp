@@ -203,6 +203,21 @@ TEST(PointNotes, ReplaceTheBlockOfThePoint) {
   EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "stray\nPT_ID:B\nHRMS,1\nPT_ID:C\n");
 }
 
+// Another program gives a block to another point; the file keeps its size and its end.
+TEST(PointNotes, NoticeAnEditInTheMiddle) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  const std::string end(80, 'x');
+  const auto note = [](const std::string& id, const std::string& line) {
+    return PointNote{.pointId = id, .lines = {line}, .qualityLines = ""};
+  };
+  EXPECT_TRUE(WriteNote(job, note("A", "a")));
+  EXPECT_TRUE(WriteNote(job, note("C", end)));
+  host.memory.Put("/jobs/site.not", "PT_ID:B\nNOTE1,a\nPT_ID:C\nNOTE1," + end + "\n");
+  EXPECT_TRUE(WriteNote(job, note("B", "b")));
+  EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), "PT_ID:C\nNOTE1," + end + "\nPT_ID:B\nNOTE1,b\n");
+}
+
 // As another program may have left it: its lines end with CR and LF, a point has two blocks.
 TEST(PointNotes, KeepTheLinesOfEveryBlockOfThePoint) {
   constexpr const char* kFile =

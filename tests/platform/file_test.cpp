@@ -9,8 +9,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <fstream>
 
 #include "core/file_rewrite.h"
+#include "platform/clock.h"
 #include "tests/support/scratch_folder.h"
 
 namespace tarvex {
@@ -46,6 +48,21 @@ int AsUser(uid_t user, gid_t group, const Work& work) {
   int status = 0;
   ::waitpid(child, &status, 0);
   return WEXITSTATUS(status);
+}
+
+TEST(OpenFile, KnowsThatSomebodyWroteToIt) {
+  const ScratchFolder folder;
+  const std::string path = folder.Path("site.not");
+  Write(path, "old");
+  std::unique_ptr<File> file;
+  ASSERT_TRUE(SystemFiles().Open(path, FileAccess::Read, file).ok());
+  const FileStamp stamp = file->Stamp();
+  EXPECT_EQ(file->Stamp(), stamp);
+  const std::int64_t giveUpMs = SystemClock().SteadyMilliseconds() + 3000;
+  while (file->Stamp() == stamp && SystemClock().SteadyMilliseconds() < giveUpMs) {
+    std::fstream(path, std::ios::in | std::ios::out) << "new";  // the same size
+  }
+  EXPECT_NE(file->Stamp(), stamp);
 }
 
 TEST(ReplacedFile, KeepsOwnerGroupAndRights) {

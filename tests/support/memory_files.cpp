@@ -28,6 +28,7 @@ class MemoryFile final : public File {
     size = node_->data.size();
     return {};
   }
+  FileStamp Stamp() override { return {.changedNs = node_->changed}; }
   ~MemoryFile() override {
     if (node_->lockedBy == this) node_->lockedBy = nullptr;
   }
@@ -106,6 +107,7 @@ void MemoryFiles::Restart(unsigned seed) {
 void MemoryFiles::Put(const std::string& path, const std::string& bytes) {
   auto node = std::make_shared<Node>();
   node->data = node->durable = bytes;
+  node->changed = ++changes_;
   names_[path] = durableNames_[path] = node;
 }
 
@@ -175,6 +177,7 @@ FileStatus MemoryFiles::Write(Node& node, std::uint64_t offset, std::string_view
   const FileStatus status = Step(grows);
   if (!status.ok()) bytes = bytes.substr(0, bytes.size() / 2);
   if (!bytes.empty()) {
+    node.changed = ++changes_;
     Apply(node.data, offset, bytes);
     node.unsynced.emplace_back(offset, bytes);
   }
@@ -183,6 +186,7 @@ FileStatus MemoryFiles::Write(Node& node, std::uint64_t offset, std::string_view
 
 FileStatus MemoryFiles::Resize(Node& node, std::uint64_t size) {
   if (FileStatus status = Step(size > node.data.size()); !status.ok()) return status;
+  node.changed = ++changes_;
   node.data.resize(size);
   node.unsynced.emplace_back(size, "");
   return {};

@@ -30,6 +30,7 @@ class MemoryFiles final : public FileSystem {
     std::vector<std::pair<std::uint64_t, std::string>> unsynced;  // writes; a resize has no bytes
     const File* lockedBy = nullptr;
     bool losesAtSync = false;
+    std::int64_t changed = 0;
   };
   using Names = std::map<std::string, std::shared_ptr<Node>>;
 
@@ -84,6 +85,7 @@ class MemoryFiles final : public FileSystem {
   Mishap mishap_ = Mishap::None;
   int mishapStep_ = 0;
   int steps_ = 0;
+  std::int64_t changes_ = 0;  ///< of all files
 };
 
 }  // namespace tarvex
