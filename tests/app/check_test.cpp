@@ -3,16 +3,14 @@
 
 #include <algorithm>
 #include <functional>
-#include <nlohmann/json.hpp>
 
 #include "core/change_journal.h"
 #include "platform/file.h"
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {
 namespace {
-
-using Json = nlohmann::json;
 
 // A job with everything that the commands write: typed, imported, overwritten, deleted and received
 // points, notes, a localization's comment.
@@ -36,9 +34,10 @@ void MakeWholeJob(ProgramFolder& folder, const std::string& options = "") {
 
 std::vector<std::string> Kinds(ProgramFolder& folder) {
   const ProgramResult result = folder.Run("check site.crd --json");
-  const Json json = Json::parse(result.output);
+  const JsonReading json = JsonReading(result.output);
   std::vector<std::string> kinds;
-  for (const Json& finding : json["findings"]) kinds.push_back(finding["kind"]);
+  for (const JsonReading& finding : json["findings"].values())
+    kinds.push_back(finding["kind"].text());
   EXPECT_EQ(result.exitCode, kinds.empty() ? 0 : 1);
   EXPECT_EQ(json["ok"], kinds.empty());
   return kinds;

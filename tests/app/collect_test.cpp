@@ -9,9 +9,9 @@
 
 #include <atomic>
 #include <chrono>
-#include <nlohmann/json.hpp>
 #include <thread>
 
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 #include "tests/support/loopback_listener.h"
 
@@ -37,8 +37,8 @@ void MakeSite(ProgramFolder& folder) {
 
 std::vector<std::string> Ids(ProgramFolder& folder) {
   std::vector<std::string> ids;
-  const auto listed = nlohmann::json::parse(folder.Run("points site.crd --json").output);
-  for (const auto& point : listed["points"]) ids.push_back(point["id"]);
+  const auto listed = JsonReading(folder.Run("points site.crd --json").output);
+  for (const auto& point : listed["points"].values()) ids.push_back(point["id"].text());
   return ids;
 }
 

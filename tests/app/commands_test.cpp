@@ -4,10 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "platform/file.h"
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {
@@ -30,14 +30,13 @@ TEST(Commands, KeepAJobFromTheFirstPointToTheLast) {
   EXPECT_EQ(folder.Run("delete site.crd 3").output, "Deleted point 3.\n");
   EXPECT_EQ(folder.Run("delete site.crd 3").exitCode, 1);
 
-  const auto listed = nlohmann::json::parse(folder.Run("points site.crd --json").output);
+  const auto listed = JsonReading(folder.Run("points site.crd --json").output);
   EXPECT_EQ(listed["unit"], "us-feet");
   ASSERT_EQ(listed["points"].size(), 2U);
-  EXPECT_EQ(listed["points"][1], nlohmann::json({{"id", "A_1"},
-                                                 {"northing", 5000.25},
-                                                 {"easting", -100.5},
-                                                 {"elevation", 99.125},
-                                                 {"description", "corner, \u00E9"}}));
+  EXPECT_EQ(
+      listed["points"][1],
+      JsonReading("{\"id\":\"A_1\",\"northing\":5000.25,\"easting\":-100.5,\"elevation\":99.125,"
+                  "\"description\":\"corner, \u00E9\"}"));
   const std::string table = folder.Run("points site.crd").output;
   EXPECT_NE(table.find("A_1              5000.2500       -100.5000         99.1250  corner, "
                        "\u00E9\n2 points, Feet\n"),
@@ -49,12 +48,11 @@ TEST(Commands, KeepAJobFromTheFirstPointToTheLast) {
   EXPECT_NE(raw.find("\nSP,PNA_1,N 5000.2500,E -100.5000,EL99.1250,--corner, \u00E9\n"),
             std::string::npos);
   EXPECT_NE(raw.find("\n--Deleted point:SP,PN3,"), std::string::npos);
-  EXPECT_EQ(nlohmann::json::parse(folder.Run("raw site.crd --json").output)["records"][0]["record"],
-            "JB");
+  EXPECT_EQ(JsonReading(folder.Run("raw site.crd --json").output)["records"][0]["record"], "JB");
 
   EXPECT_EQ(folder.Run("note site.crd A-1 --add \"seen from north\"").output,
             "PT_ID:A_1\nNOTE1,seen from north\n");
-  EXPECT_EQ(nlohmann::json::parse(folder.Run("note site.crd a_1 --json").output)["notes"][0],
+  EXPECT_EQ(JsonReading(folder.Run("note site.crd a_1 --json").output)["notes"][0],
             "seen from north");
 }
 
@@ -67,8 +65,7 @@ TEST(Commands, StoreInTurnWhenManyRunAtOnce) {
     processes.push_back(folder.Start("store site.crd P" + std::to_string(16 - i) + " 1 2 3"));
   }
   for (const pid_t process : processes) EXPECT_EQ(folder.Finish(process).exitCode, 0);
-  EXPECT_EQ(nlohmann::json::parse(folder.Run("points site.crd --json").output)["points"].size(),
-            16U);
+  EXPECT_EQ(JsonReading(folder.Run("points site.crd --json").output)["points"].size(), 16U);
 }
 
 TEST(Commands, MakeAJobOnceWhenManyWantIt) {
@@ -264,7 +261,7 @@ TEST(Commands, ImportNamesTheBadLines) {
   const ProgramResult stored = folder.Run("import site.crd points.csv --skip-bad-lines");
   EXPECT_EQ(stored.exitCode, 1);
   EXPECT_EQ(stored.output, "Stored 3 points from points.csv.\n");
-  const auto listed = nlohmann::json::parse(folder.Run("points site.crd --json").output);
+  const auto listed = JsonReading(folder.Run("points site.crd --json").output);
   EXPECT_EQ(listed["points"][0]["id"], "2");
   EXPECT_EQ(listed["points"][1]["description"], "oak");
 }

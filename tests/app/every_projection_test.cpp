@@ -6,10 +6,10 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "coordsys/projections/projection_families.h"
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 #include "tests/support/british_text.h"
 
@@ -159,23 +159,21 @@ TEST_P(EveryProjection, StoresAPointAndGivesItBack) {
       "localization.\n";
   EXPECT_THAT(collected.errors, testing::AnyOf("", noGeoid));
 
-  const auto point =
-      nlohmann::json::parse(folder.Run("points site.crd --json").output)["points"][0];
-  const double northing = point["northing"];
-  const double easting = point["easting"];
+  const auto point = JsonReading(folder.Run("points site.crd --json").output)["points"][0];
+  const double northing = point["northing"].number();
+  const double easting = point["easting"].number();
   if (site.grid) {
     EXPECT_NEAR(northing, site.grid->northing, 0.0006);
     EXPECT_NEAR(easting, site.grid->easting, 0.0006);
   }
-  const auto back =
-      nlohmann::json::parse(folder
-                                .Run("convert --inverse --strict --json --job site.crd",
-                                     Line(northing, easting, point["elevation"]))
-                                .output);
+  const auto back = JsonReading(folder
+                                    .Run("convert --inverse --strict --json --job site.crd",
+                                         Line(northing, easting, point["elevation"].number()))
+                                    .output);
   // 1e-9 degree is 0.1 mm.
-  EXPECT_NEAR(back["latitude"].get<double>(), site.place.latitude, 1e-9);
-  EXPECT_NEAR(back["longitude"].get<double>(), site.place.longitude, 1e-9);
-  EXPECT_NEAR(back["height"].get<double>(), kHeightM, 1e-4);
+  EXPECT_NEAR(back["latitude"].number(), site.place.latitude, 1e-9);
+  EXPECT_NEAR(back["longitude"].number(), site.place.longitude, 1e-9);
+  EXPECT_NEAR(back["height"].number(), kHeightM, 1e-4);
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, EveryProjection, testing::ValuesIn(kSites), [](const auto& site) {

@@ -3,16 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 #include "tests/support/british_text.h"
 
 namespace tarvex {
 namespace {
 
-using nlohmann::json;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -59,7 +58,7 @@ TEST(GridCommand, TheFrenchTextBecomesTheGridThatConversionsUse) {
   EXPECT_EQ(folder.Run("systems lambert-93").exitCode, 0);                    // makes it
   const ProgramResult packed = folder.Run("grid pack gr3df97a.txt --json");
   ASSERT_EQ(packed.exitCode, 0) << packed.errors;
-  const json told = json::parse(packed.output)["files"][0];
+  const JsonReading told = JsonReading(packed.output)["files"][0];
   EXPECT_EQ(told["kind"], "french");
   EXPECT_EQ(told["chosen_by"], "--datum-shift GR3DF97A (France)");
   EXPECT_EQ(told["grids"][0]["second"]["name"], "latitude");
@@ -70,12 +69,12 @@ TEST(GridCommand, TheFrenchTextBecomesTheGridThatConversionsUse) {
       "--json",
       "48.8444458333 2.4249711111 0\n");
   ASSERT_EQ(explained.exitCode, 0) << explained.errors;
-  const json steps = json::parse(explained.output)["steps"];
+  const JsonReading steps = JsonReading(explained.output)["steps"];
   ASSERT_EQ(steps.size(), 4U);
   EXPECT_EQ(steps[1]["step"], "datum shift");
   EXPECT_EQ(steps[1]["by"], "geocentric translations of the grid gr3df97a.bin");
-  EXPECT_NEAR(steps[1]["latitude"].get<double>(), 48.0 + 50 / 60.0 + 40.2441 / 3600, 3e-8);
-  EXPECT_NEAR(steps[1]["longitude"].get<double>(), 2.0 + 25 / 60.0 + 32.4187 / 3600, 3e-8);
+  EXPECT_NEAR(steps[1]["latitude"].number(), 48.0 + 50 / 60.0 + 40.2441 / 3600, 3e-8);
+  EXPECT_NEAR(steps[1]["longitude"].number(), 2.0 + 25 / 60.0 + 32.4187 / 3600, 3e-8);
 }
 
 TEST(GridCommand, InfoTellsWhatAFileIsAndWhatIsWrongWithIt) {
@@ -91,7 +90,7 @@ TEST(GridCommand, InfoTellsWhatAFileIsAndWhatIsWrongWithIt) {
   EXPECT_THAT(known.output, HasSubstr("3 x 2 nodes"));
   const ProgramResult wrong = folder.Run("grid info --json cut.gtx none.grd agency.txt X2c.grd");
   EXPECT_EQ(wrong.exitCode, 1);
-  EXPECT_EQ(json::parse(wrong.output)["files"].size(), 1U);
+  EXPECT_EQ(JsonReading(wrong.output)["files"].size(), 1U);
   EXPECT_THAT(wrong.errors, HasSubstr("cut.gtx is cut short: 100 of 184"));
   EXPECT_THAT(wrong.errors, HasSubstr("none.grd does not exist"));
   EXPECT_THAT(wrong.errors, HasSubstr("tarvex grid pack"));

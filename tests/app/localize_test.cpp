@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {
@@ -57,13 +57,13 @@ TEST(LocalizeCommand, TiesAJobToItsControl) {
     EXPECT_TRUE(Holds(added.output, "The job uses the localization.")) << added.output;
   }
 
-  const auto report = nlohmann::json::parse(folder.Run("localize site.crd --json").output);
-  EXPECT_TRUE(report["on"]);
+  const auto report = JsonReading(folder.Run("localize site.crd --json").output);
+  EXPECT_EQ(report["on"], true);
   EXPECT_EQ(report["horizontal"]["redundancy"], 4);
-  EXPECT_NEAR(report["horizontal"]["scale"].get<double>(), 1.0, 3e-5);
-  EXPECT_NEAR(report["vertical"]["shift_m"].get<double>(), -50.0, 1e-3);
+  EXPECT_NEAR(report["horizontal"]["scale"].number(), 1.0, 3e-5);
+  EXPECT_NEAR(report["vertical"]["shift_m"].number(), -50.0, 1e-3);
   EXPECT_EQ(report["points"].size(), 4U);
-  EXPECT_NEAR(report["points"][2]["left_out"]["miss_north_m"].get<double>(), 0.004, 0.0005);
+  EXPECT_NEAR(report["points"][2]["left_out"]["miss_north_m"].number(), 0.004, 0.0005);
   EXPECT_EQ(report["control"][1]["description"], "P2 \u00FC");
   EXPECT_TRUE(Holds(folder.Read("site.loc"), "value=\"P2 &#252;\""));
   EXPECT_TRUE(Holds(folder.Run("raw site.crd").output, "--Localization: 4 points horizontally"));
@@ -236,9 +236,9 @@ TEST_F(LocalSite, AListThatCannotBeUsedIsNot) {
   EXPECT_TRUE(Holds(folder_.Read("new.job"), "localization_on=0"));
   const ProgramResult again = folder_.Run("localize new.crd --json");
   EXPECT_EQ(again.exitCode, 0);
-  const auto json = nlohmann::json::parse(again.output);
-  EXPECT_FALSE(json["usable"]);
-  EXPECT_TRUE(json["points"][0]["residual_north_m"].is_null());
+  const auto json = JsonReading(again.output);
+  EXPECT_EQ(json["usable"], false);
+  EXPECT_TRUE(json["points"][0]["residual_north_m"].isNull());
 }
 
 TEST_F(LocalSite, NamesAFileThatIsGone) {

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {
@@ -57,12 +57,12 @@ class PublishedSite {
 
   // Latitude, longitude and height of a place on the job's grid.
   std::string PositionOf(double northing, double easting, double height) {
-    const auto at =
-        nlohmann::json::parse(folder_
-                                  .Run("convert --inverse --json --definition site.txt",
-                                       Line("%.17g %.17g %.17g\n", northing, easting, height))
-                                  .output);
-    return Line("%.15f %.15f %.6f", at["latitude"], at["longitude"], at["height"]);
+    const auto at = JsonReading(folder_
+                                    .Run("convert --inverse --json --definition site.txt",
+                                         Line("%.17g %.17g %.17g\n", northing, easting, height))
+                                    .output);
+    return Line("%.15f %.15f %.6f", at["latitude"].number(), at["longitude"].number(),
+                at["height"].number());
   }
 
   void AddControl(const std::string& position, const std::string& local) {
@@ -71,8 +71,8 @@ class PublishedSite {
     EXPECT_EQ(added.exitCode, 0) << added.errors;
   }
 
-  nlohmann::json Report(const std::string& options = "") {
-    return nlohmann::json::parse(folder_.Run("localize site.crd --json " + options).output);
+  JsonReading Report(const std::string& options = "") {
+    return JsonReading(folder_.Run("localize site.crd --json " + options).output);
   }
   std::string Convert(const std::string& position) {
     return folder_.Run("convert --job site.crd", position + "\n").output;
@@ -83,7 +83,7 @@ class PublishedSite {
 };
 
 // Columns: grid x y, local E N, residuals (computed minus given) E N.
-nlohmann::json FitSimilarity(const std::string& file) {
+JsonReading FitSimilarity(const std::string& file) {
   PublishedSite site(1000.0, 1000.0);
   std::vector<Row> control;
   const auto rows = PublishedRows(file);
@@ -93,12 +93,11 @@ nlohmann::json FitSimilarity(const std::string& file) {
     site.AddControl(site.PositionOf(n[1], n[0], 50.0), Line("%.4f %.4f %.4f", n[3], n[2], 50.0));
     control.push_back(row);
   }
-  nlohmann::json report = site.Report();
+  JsonReading report = site.Report();
   EXPECT_EQ(report["points"].size(), control.size());
   for (std::size_t i = 0; i < control.size(); ++i) {
-    EXPECT_NEAR(report["points"][i]["residual_east_m"].get<double>(), -control[i].numbers[4], 6e-5);
-    EXPECT_NEAR(report["points"][i]["residual_north_m"].get<double>(), -control[i].numbers[5],
-                6e-5);
+    EXPECT_NEAR(report["points"][i]["residual_east_m"].number(), -control[i].numbers[4], 6e-5);
+    EXPECT_NEAR(report["points"][i]["residual_north_m"].number(), -control[i].numbers[5], 6e-5);
   }
   for (const Row& row : rows) {  // the point that takes no part
     if (row.control) continue;
@@ -114,19 +113,19 @@ nlohmann::json FitSimilarity(const std::string& file) {
 }
 
 TEST(PublishedLocalization, SimilarityOfFourPoints) {
-  const nlohmann::json horizontal = FitSimilarity("similarity_small.tsv")["horizontal"];
-  EXPECT_NEAR(horizontal["scale"].get<double>(), 1.000114202, 5e-9);
-  EXPECT_NEAR(horizontal["rotation_clockwise_deg"].get<double>(), -12.5029382, 5e-7);
-  EXPECT_NEAR(horizontal["sigma_m"].get<double>(), 0.008514, 1e-6);
+  const JsonReading horizontal = FitSimilarity("similarity_small.tsv")["horizontal"];
+  EXPECT_NEAR(horizontal["scale"].number(), 1.000114202, 5e-9);
+  EXPECT_NEAR(horizontal["rotation_clockwise_deg"].number(), -12.5029382, 5e-7);
+  EXPECT_NEAR(horizontal["sigma_m"].number(), 0.008514, 1e-6);
   EXPECT_EQ(horizontal["redundancy"], 4);
 }
 
 TEST(PublishedLocalization, SimilarityOfTwoPoints) {
-  const nlohmann::json report = FitSimilarity("similarity_two_points.tsv");
-  EXPECT_NEAR(report["horizontal"]["scale"].get<double>(), 1.000034862, 5e-9);
-  EXPECT_NEAR(report["horizontal"]["rotation_clockwise_deg"].get<double>(), -12.5039812, 5e-7);
-  EXPECT_TRUE(report["horizontal"]["sigma_m"].is_null());
-  EXPECT_FALSE(report["warnings"].empty());
+  const JsonReading report = FitSimilarity("similarity_two_points.tsv");
+  EXPECT_NEAR(report["horizontal"]["scale"].number(), 1.000034862, 5e-9);
+  EXPECT_NEAR(report["horizontal"]["rotation_clockwise_deg"].number(), -12.5039812, 5e-7);
+  EXPECT_TRUE(report["horizontal"]["sigma_m"].isNull());
+  EXPECT_GT(report["warnings"].size(), 0U);
 }
 
 // Columns: grid N E, ellipsoid height, orthometric height, residual (computed minus given).
@@ -138,19 +137,18 @@ TEST(PublishedLocalization, InclinedPlaneAndShiftOfFourBenchMarks) {
     const std::vector<double>& n = row.numbers;
     site.AddControl(site.PositionOf(n[0], n[1], n[2]), Line("%.4f %.4f %.4f", n[0], n[1], n[3]));
   }
-  const nlohmann::json plane = site.Report("--heights plane");
-  EXPECT_NEAR(plane["vertical"]["tilt_north_ppm"].get<double>(), 19.1255, 2e-3);
-  EXPECT_NEAR(plane["vertical"]["tilt_east_ppm"].get<double>(), 5.9167, 2e-3);
-  EXPECT_NEAR(plane["vertical"]["shift_m"].get<double>(), -48.325, 2e-5);
+  const JsonReading plane = site.Report("--heights plane");
+  EXPECT_NEAR(plane["vertical"]["tilt_north_ppm"].number(), 19.1255, 2e-3);
+  EXPECT_NEAR(plane["vertical"]["tilt_east_ppm"].number(), 5.9167, 2e-3);
+  EXPECT_NEAR(plane["vertical"]["shift_m"].number(), -48.325, 2e-5);
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    EXPECT_NEAR(plane["points"][i]["residual_elevation_m"].get<double>(), -rows[i].numbers[4],
-                1.1e-4);
+    EXPECT_NEAR(plane["points"][i]["residual_elevation_m"].number(), -rows[i].numbers[4], 1.1e-4);
   }
-  const nlohmann::json shift = site.Report("--heights shift");
-  EXPECT_NEAR(shift["vertical"]["shift_m"].get<double>(), -48.325, 2e-5);
+  const JsonReading shift = site.Report("--heights shift");
+  EXPECT_NEAR(shift["vertical"]["shift_m"].number(), -48.325, 2e-5);
   double largest = 0.0;
-  for (const auto& point : shift["points"]) {
-    largest = std::max(largest, std::fabs(point["residual_elevation_m"].get<double>()));
+  for (const auto& point : shift["points"].values()) {
+    largest = std::max(largest, std::fabs(point["residual_elevation_m"].number()));
   }
   EXPECT_NEAR(largest, 0.042, 1e-5);
 }

@@ -10,11 +10,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <regex>
 #include <thread>
 #include <utility>
 
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 #include "tests/support/loopback_listener.h"
 
@@ -242,7 +242,7 @@ TEST(Bases, ListsWhatACasterOffers) {
   EXPECT_EQ(listed.output,
             "SITE                 RTCM 3.2      0.00N 0.00E Trial, needs your position\n");
   const auto json =
-      nlohmann::json::parse(folder.Run("bases 127.0.0.1:" + port + " --near 0,1 --json").output);
+      JsonReading(folder.Run("bases 127.0.0.1:" + port + " --near 0,1 --json").output);
   ASSERT_EQ(json["bases"].size(), 1U);
   EXPECT_EQ(json["bases"][0]["mountpoint"], "SITE");
   EXPECT_EQ(json["bases"][0]["format_code"], 39);
@@ -251,7 +251,7 @@ TEST(Bases, ListsWhatACasterOffers) {
   EXPECT_EQ(json["bases"][0]["authentication"], "N");
   EXPECT_EQ(json["bases"][0]["fee"], false);
   EXPECT_EQ(json["complete"], true);
-  EXPECT_NEAR(json["bases"][0]["distance_km"].get<double>(), 111.19, 0.01);
+  EXPECT_NEAR(json["bases"][0]["distance_km"].number(), 111.19, 0.01);
   const ProgramResult ended = caster.End(SIGTERM);
   EXPECT_EQ(ended.exitCode, 0);
   EXPECT_NE(ended.output.find("Served 2 requests"), std::string::npos) << ended.output;
@@ -317,7 +317,7 @@ TEST(Bases, AreKeptForWhereThereIsNoNetwork) {
     EXPECT_EQ(folder.Run("bases " + one.name() + " --save").exitCode, 0);
   }
   EXPECT_EQ(folder.Run("bases " + other.name() + " --save").exitCode, 0);
-  const auto all = nlohmann::json::parse(folder.Run("bases --known --json").output);
+  const auto all = JsonReading(folder.Run("bases --known --json").output);
   const ProgramResult single = folder.Run("bases --known " + other.name());
   if (before != nullptr) {
     ::setenv("TARVEX_DATA", kept.c_str(), 1);

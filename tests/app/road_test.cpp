@@ -2,15 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "platform/file.h"
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {
 namespace {
 
-using nlohmann::json;
 using testing::HasSubstr;
 
 std::string ReadFile(const std::string& path) {
@@ -70,16 +68,16 @@ TEST_F(RoadCommands, PointsGoIntoTheJobAndComeBackAsStations) {
   const std::string design = " --profile site.xml --template site.tpl";
   EXPECT_EQ(folder_.Run("road point site.cl 1+210 -3.6 --store site.crd --id R1" + design).exitCode,
             0);
-  const auto found = json::parse(
+  const auto found = JsonReading(
       folder_.Run("road station site.cl --job site.crd --point R1 --json" + design).output);
-  const json& answer = found["points"][0]["answers"][0];
-  EXPECT_NEAR(answer["station"].get<double>(), 1210.0, 1e-4);
-  EXPECT_NEAR(answer["offset"].get<double>(), -3.6, 1e-4);
-  EXPECT_NEAR(answer["cut"].get<double>(), 0.0, 1e-6);
+  const JsonReading& answer = found["points"][0]["answers"][0];
+  EXPECT_NEAR(answer["station"].number(), 1210.0, 1e-4);
+  EXPECT_NEAR(answer["offset"].number(), -3.6, 1e-4);
+  EXPECT_NEAR(answer["cut"].number(), 0.0, 1e-6);
   EXPECT_EQ(found["points"][0]["description"], "1+210.000 3.6000 L");
 
   const auto listed =
-      json::parse(folder_.Run("road list site.cl --interval 100 --profile site.xml --json").output);
+      JsonReading(folder_.Run("road list site.cl --interval 100 --profile site.xml --json").output);
   ASSERT_GE(listed["stations"].size(), 7U);
   EXPECT_EQ(listed["stations"][0]["elevation"], 1098.0);
   EXPECT_EQ(folder_.Run("road point site.cl 1+210 --store site.crd --id R2").exitCode, 2);
@@ -98,45 +96,47 @@ TEST_F(RoadCommands, NeverShowTheCenterlinesElevationBesideIt) {
   EXPECT_THAT(bare.errors, HasSubstr("--template FILE.tpl gives the surface"));
   const ProgramResult unstored = folder_.Run("road point" + target + " --store site.crd --id R1");
   EXPECT_EQ(unstored.exitCode, 2);
-  EXPECT_EQ(json::parse(folder_.Run("points site.crd --json").output)["points"].size(), 0U);
-  const json level = json::parse(folder_.Run("road point" + target + " --level --json").output);
-  EXPECT_NEAR(level["elevation"].get<double>(), 1101.66, 1e-6);
+  EXPECT_EQ(JsonReading(folder_.Run("points site.crd --json").output)["points"].size(), 0U);
+  const JsonReading level =
+      JsonReading(folder_.Run("road point" + target + " --level --json").output);
+  EXPECT_NEAR(level["elevation"].number(), 1101.66, 1e-6);
   EXPECT_EQ(level["elevation_from"], "level across from the centerline");
 
   const std::string surface = target + " --template site.tpl";
   const ProgramResult shown = folder_.Run("road point" + surface);
   EXPECT_THAT(shown.output, HasSubstr("EL 1101.5880 (template)"));
   EXPECT_THAT(shown.errors, HasSubstr("no --superelevation was given"));
-  const json point = json::parse(folder_.Run("road point" + surface + " --json").output);
-  const std::string place = " --at " + point["northing"].dump() + " " + point["easting"].dump();
-  const json stake =
-      json::parse(folder_.Run("road stake" + surface + place + " 1101.6 --json").output);
-  EXPECT_NEAR(stake["cut"].get<double>(), 0.012, 1e-6);
+  const JsonReading point = JsonReading(folder_.Run("road point" + surface + " --json").output);
+  const std::string place =
+      " --at " + point["northing"].written() + " " + point["easting"].written();
+  const JsonReading stake =
+      JsonReading(folder_.Run("road stake" + surface + place + " 1101.6 --json").output);
+  EXPECT_NEAR(stake["cut"].number(), 0.012, 1e-6);
   EXPECT_EQ(stake["elevation_from"], "template");
   const ProgramResult without = folder_.Run("road stake" + target + place + " 1101.6");
   EXPECT_EQ(without.output.find(" F "), std::string::npos) << without.output;
   EXPECT_THAT(without.errors, HasSubstr("there is no design elevation at 1+210.000 3.6000 L"));
-  const json turned = json::parse(
+  const JsonReading turned = JsonReading(
       folder_.Run("road stake" + surface + place + " 1101.6 --superelevation 6,-6 --json").output);
-  EXPECT_NEAR(turned["design_elevation"].get<double>(), 1101.66 + 0.216, 1e-6);
+  EXPECT_NEAR(turned["design_elevation"].number(), 1101.66 + 0.216, 1e-6);
   EXPECT_THAT(
       folder_.Run("road point site.cl 1+210 -9 --profile site.xml --template site.tpl").output,
       HasSubstr("no design elevation (outside the template's surface)"));
 
   const std::string design = " --profile site.xml --template site.tpl";
-  const json list = json::parse(
+  const JsonReading list = JsonReading(
       folder_.Run("road list site.cl --interval 10 --offset -3.6 --json" + design).output);
-  for (const json& row : list["stations"]) {
+  for (const JsonReading& row : list["stations"].values()) {
     if (row["station_text"] != "1+210.000") continue;
-    EXPECT_NEAR(row["elevation"].get<double>(), 1101.588, 1e-6);
+    EXPECT_NEAR(row["elevation"].number(), 1101.588, 1e-6);
   }
   const ProgramResult blank =
       folder_.Run("road list site.cl --interval 100 --offset -3.6 --profile site.xml");
   EXPECT_EQ(blank.output.find("1098.0000"), std::string::npos);
   EXPECT_THAT(blank.errors, HasSubstr("an offset without a template"));
   EXPECT_EQ(folder_
-                .Run("store site.crd R5 " + point["northing"].dump() + " " +
-                     point["easting"].dump() + " 1101.6")
+                .Run("store site.crd R5 " + point["northing"].written() + " " +
+                     point["easting"].written() + " 1101.6")
                 .exitCode,
             0);
   const std::string station = "road station site.cl --job site.crd --point R5";
@@ -160,7 +160,7 @@ TEST_F(RoadCommands, AskWhichStationIsMeant) {
   EXPECT_THAT(folder_.Run("road point vector.cl 1475").errors,
               HasSubstr("say which: \"1475 R2\" or \"1475 R3\""));
   EXPECT_THAT(folder_.Run("road point vector.cl 12+50").errors, HasSubstr("no station 12+50"));
-  const auto point = json::parse(folder_.Run("road point vector.cl \"1475 R3\" --json").output);
+  const auto point = JsonReading(folder_.Run("road point vector.cl \"1475 R3\" --json").output);
   EXPECT_EQ(point["internal_station"], 1425.0);
 }
 
@@ -258,8 +258,8 @@ TEST_F(RoadCommands, ImportTellsFaultsAndContradictions) {
   // Three quarters of a circle without its centre: the length tells which arc it is.
   folder_.Write("long.xml", document("<Curve rot='ccw' radius='50' length='235.6194490'>"));
   EXPECT_EQ(folder_.Run("road import long.xml --out long.cl").exitCode, 0);
-  const json longWay = json::parse(folder_.Run("road check long.cl --json").output);
-  EXPECT_NEAR(longWay["elements"][1]["length"].get<double>(), 235.6194490, 1e-5);
+  const JsonReading longWay = JsonReading(folder_.Run("road check long.cl --json").output);
+  EXPECT_NEAR(longWay["elements"][1]["length"].number(), 235.6194490, 1e-5);
   // The stated radius contradicts the points; the stated length fits neither arc.
   folder_.Write("odd.xml", document("<Curve rot='cw' radius='49' length='120'>"
                                     "<Center>1000 1050</Center>"));
@@ -268,7 +268,7 @@ TEST_F(RoadCommands, ImportTellsFaultsAndContradictions) {
               HasSubstr("the radius of the curve is 50.000 by its points, but says 49"));
   EXPECT_THAT(odd.errors, HasSubstr("WARNING: FAULT: PC 0+100.000 to"));
   EXPECT_THAT(odd.errors, HasSubstr("see: tarvex road check odd.cl"));
-  EXPECT_EQ(json::parse(odd.output)["faults"], 1);
+  EXPECT_EQ(JsonReading(odd.output)["faults"], 1);
 }
 
 TEST_F(RoadCommands, LandXmlGoesOutAndComesIn) {
@@ -276,11 +276,11 @@ TEST_F(RoadCommands, LandXmlGoesOutAndComesIn) {
       folder_.Run("road export site.cl --profile site.xml --out out.xml --name Main").exitCode, 0);
   const ProgramResult import = folder_.Run("road import out.xml --out in.cl --json");
   EXPECT_EQ(import.exitCode, 0) << import.errors;
-  EXPECT_EQ(json::parse(import.output)["alignment"], "Main");
-  const auto there = json::parse(folder_.Run("road point site.cl 1+320 2 --json").output);
-  const auto back = json::parse(folder_.Run("road point in.cl 1+320 2 --json").output);
-  EXPECT_NEAR(there["northing"].get<double>(), back["northing"].get<double>(), 1e-6);
-  EXPECT_NEAR(there["easting"].get<double>(), back["easting"].get<double>(), 1e-6);
+  EXPECT_EQ(JsonReading(import.output)["alignment"], "Main");
+  const auto there = JsonReading(folder_.Run("road point site.cl 1+320 2 --json").output);
+  const auto back = JsonReading(folder_.Run("road point in.cl 1+320 2 --json").output);
+  EXPECT_NEAR(there["northing"].number(), back["northing"].number(), 1e-6);
+  EXPECT_NEAR(there["easting"].number(), back["easting"].number(), 1e-6);
 }
 
 TEST_F(RoadCommands, AskWhoseProfileIsMeant) {
@@ -309,11 +309,11 @@ TEST_F(RoadCommands, AskWhoseProfileIsMeant) {
 }
 
 TEST_F(RoadCommands, SectionsShowWhereTheyCatch) {
-  const auto section = json::parse(
+  const auto section = JsonReading(
       folder_.Run("road section site.tpl --elevation 100 --ground-left \"plane 97.8,-0.01\" --json")
           .output);
   EXPECT_EQ(section["left"]["kind"], "fill");
-  EXPECT_NEAR(section["left"]["offset"].get<double>(), 14.191667, 1e-6);
+  EXPECT_NEAR(section["left"]["offset"].number(), 14.191667, 1e-6);
   EXPECT_EQ(folder_.Run("road section site.tpl --elevation 100 --ground-left \"5,9 3,9\"").exitCode,
             2);
 }
@@ -351,7 +351,7 @@ TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
               HasSubstr("far.tpl line 2: a number is out of range"));
   EXPECT_EQ(folder_.Run("road list site.cl --interval 1e9 --json").exitCode, 0);
   const ProgramResult south = folder_.Run("road station site.cl --json -- -5184676 -520440");
-  EXPECT_EQ(json::parse(south.output)["points"][0]["northing"], -5184676.0) << south.errors;
+  EXPECT_EQ(JsonReading(south.output)["points"][0]["northing"], -5184676.0) << south.errors;
 }
 
 // What another program reads stays whole when a point is stored beside it, and a place without an
@@ -359,15 +359,15 @@ TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
 TEST_F(RoadCommands, PrintNothingBesideJson) {
   const ProgramResult point =
       folder_.Run("road point site.cl 1+210 --elevation 5 --store site.crd --id R1 --json");
-  EXPECT_EQ(json::parse(point.output)["elevation"], 5.0);
+  EXPECT_EQ(JsonReading(point.output)["elevation"], 5.0);
   EXPECT_EQ(point.errors, "Stored point R1.\n");
   const ProgramResult stake = folder_.Run(
       "road stake site.cl 1+210 --elevation 99 --at 5184676 520440 100 --job site.crd --store R2 "
       "--json");
-  EXPECT_EQ(json::parse(stake.output)["cut"], 1.0);
+  EXPECT_EQ(JsonReading(stake.output)["cut"], 1.0);
   const ProgramResult flat =
       folder_.Run("road stake site.cl 1+210 --elevation 99 --at 5184676 520440 --json");
-  EXPECT_FALSE(json::parse(flat.output).contains("cut"));
+  EXPECT_FALSE(JsonReading(flat.output).Has("cut"));
   const ProgramResult refused = folder_.Run(
       "road stake site.cl 1+210 --elevation 99 --at 5184676 520440 --job site.crd --store R3");
   EXPECT_EQ(refused.exitCode, 1);

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {
@@ -101,7 +101,7 @@ TEST(Systems, ADefinitionOfTheCatalogueIsCheckedWhenItIsUsed) {
   ProgramFolder folder;
   ASSERT_EQ(folder.Run("systems zone 33").exitCode, 0);
   const std::string good = folder.Run("systems --json \"UTM WGS84 Zone 33\"").output;
-  const std::string definition = nlohmann::json::parse(good)["systems"][0]["definition"];
+  const std::string definition = JsonReading(good)["systems"][0]["definition"].text();
   const auto changed = [&](const std::string& from, const std::string& to) {
     std::string text = definition;
     EXPECT_NE(text.find(from), std::string::npos) << from;
@@ -153,10 +153,10 @@ TEST(Systems, TheDataFolderIsFilledWholeOrNotAtAll) {
 TEST(Systems, EditsOfManyProgramsAreAllKept) {
   ProgramFolder folder;
   ASSERT_EQ(folder.Run("systems zone 33").exitCode, 0);
-  folder.Write("one.wkt",
-               nlohmann::json::parse(
-                   folder.Run("systems --json EPSG:2056").output)["systems"][0]["definition"]
-                   .get<std::string>());
+  folder.Write(
+      "one.wkt",
+      JsonReading(folder.Run("systems --json EPSG:2056").output)["systems"][0]["definition"]
+          .text());
   folder.UseProgram("/bin/sh");
   const std::string program = TARVEX_PROGRAM;
   ASSERT_EQ(folder
@@ -179,7 +179,7 @@ TEST(Systems, TakesTheSystemsOfAnotherCatalogue) {
   ProgramFolder folder;
   EXPECT_EQ(folder.Run("systems --own").exitCode, 1);
   const std::string all = folder.Run("systems --json \"UTM WGS84 Zone 32\"").output;
-  const std::string definition = nlohmann::json::parse(all)["systems"][0]["definition"];
+  const std::string definition = JsonReading(all)["systems"][0]["definition"].text();
   folder.Write("office.sys", "# of the office\nSITE/North\t" + definition + "\nSITE/South\t" +
                                  definition + "\nSITE/Bad\tPROJCS[\"x\"]\nOTHER/One\t" +
                                  definition + "\n");
@@ -268,42 +268,41 @@ TEST(Convert, JsonGivesTheSameStepsToAnotherProgram) {
   const ProgramResult result = folder.Run(dutch + " --explain", "52.1 5.4 43\n\nx 1\n52.2 5.4\n");
   EXPECT_EQ(result.exitCode, 1);
   std::istringstream lines(result.output);
-  std::vector<nlohmann::json> read;
-  for (std::string line; std::getline(lines, line);) read.push_back(nlohmann::json::parse(line));
+  std::vector<JsonReading> read;
+  for (std::string line; std::getline(lines, line);) read.emplace_back(line);
   ASSERT_EQ(read.size(), 3U);
   EXPECT_EQ(read[0]["line"], 1);
-  EXPECT_NEAR(read[0]["northing"].get<double>(), 456861.6177, 1e-4);
-  EXPECT_THAT(read[0]["left_undone"].get<std::string>(), HasSubstr("X2c.grd"));
+  EXPECT_NEAR(read[0]["northing"].number(), 456861.6177, 1e-4);
+  EXPECT_THAT(read[0]["left_undone"].text(), HasSubstr("X2c.grd"));
   std::vector<std::string> steps;
   std::vector<std::string> states;
-  for (const auto& step : read[0]["steps"]) {
-    steps.push_back(step["step"]);
-    states.push_back(step["status"]);
+  for (const auto& step : read[0]["steps"].values()) {
+    steps.push_back(step["step"].text());
+    states.push_back(step["status"].text());
   }
   EXPECT_THAT(steps, ElementsAre("WGS84", "datum shift", "projection", "grid correction", "job"));
   EXPECT_THAT(states, ElementsAre("done", "done", "done", "left undone", "done"));
   EXPECT_EQ(read[0]["steps"][0]["latitude"], 52.1);
-  EXPECT_EQ(read[1], nlohmann::json({{"line", 3},
-                                     {"error", "\"x\" is not a number or an angle"},
-                                     {"steps", nlohmann::json::array()}}));
-  EXPECT_FALSE(read[2].contains("elevation"));
+  EXPECT_EQ(read[1],
+            JsonReading(R"({"line":3,"error":"\"x\" is not a number or an angle","steps":[]})"));
+  EXPECT_FALSE(read[2].Has("elevation"));
 
   const ProgramResult strict = folder.Run(dutch + " --strict", "52.1 5.4 43\n");
   EXPECT_EQ(strict.exitCode, 1);
-  EXPECT_FALSE(nlohmann::json::parse(strict.output).contains("northing"));
+  EXPECT_FALSE(JsonReading(strict.output).Has("northing"));
   // A step that is refused has no value.
-  const auto refused = nlohmann::json::parse(
+  const auto refused = JsonReading(
       folder
           .Run("convert --system \"UTM/UTM WGS84 Zone 32,GEOID=none.gtx\" --explain --json",
                "52 9 0\n")
           .output);
   EXPECT_EQ(refused["steps"][1]["status"], "refused");
-  EXPECT_FALSE(refused["steps"][1].contains("undulation"));
+  EXPECT_FALSE(refused["steps"][1].Has("undulation"));
   // The way back, full numbers.
-  const auto back = nlohmann::json::parse(
+  const auto back = JsonReading(
       folder.Run("convert --inverse --json --system \"UTM/UTM WGS84 Zone 32\"", "5e6 5e5 1\n")
           .output);
-  EXPECT_NEAR(back["latitude"].get<double>(), 45.1534771834, 1e-9);
+  EXPECT_NEAR(back["latitude"].number(), 45.1534771834, 1e-9);
   EXPECT_EQ(back["longitude"], 9.0);
   EXPECT_EQ(back["height"], 1.0);
 }
