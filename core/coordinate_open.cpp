@@ -1,5 +1,6 @@
 // Opening and creating the coordinate file.
 #include "core/coordinate_file.h"
+#include "core/core_texts.h"
 
 #include <algorithm>
 #include <array>
@@ -17,18 +18,8 @@ namespace {
 
 using alphanumeric_layout::Signature;
 
-enum Message : int {
-  kCannotOpen = 1001,
-  kCannotCreate = 1002,
-  kNotACoordinateFile = 1003,
-  kCannotConvert = 1004,
-  kCannotFinish = 1005,
-  kCannotRead = 1006,
-  kCreatedNotDurable = 1007,
-};
-
 template <typename Status>
-void Tell(Job& job, Message message, const Status& status) {
+void Tell(Job& job, int message, const Status& status) {
   job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
 }
 
@@ -119,13 +110,13 @@ std::unique_ptr<CoordinateFile> MakeStream(Job& job, Opened opened) {
   FileStatus status;
   const bool alphanumeric = opened.signature == Signature::Sorted;
   if (!alphanumeric && !LooksNumeric(opened)) {
-    return Tell(job, kNotACoordinateFile, status), nullptr;
+    return Tell(job, kTextNotACoordinateFile, status), nullptr;
   }
   auto stream =
       std::make_unique<CoordinateFile>(job, std::move(opened.file), alphanumeric, opened.size);
   job.store.alphanumeric = alphanumeric;
   if (status = stream->store().TakeLastPoint(); !status.ok()) {
-    return Tell(job, kCannotOpen, status), nullptr;
+    return Tell(job, kTextCannotOpen, status), nullptr;
   }
   return stream;
 }
@@ -133,15 +124,15 @@ std::unique_ptr<CoordinateFile> MakeStream(Job& job, Opened opened) {
 std::unique_ptr<CoordinateFile> OpenExisting(Job& job) {
   Opened opened;
   FileStatus status = OpenLocked(job.host.files(), job.path, FileAccess::ReadWrite, opened.file);
-  if (!status.ok()) return Tell(job, kCannotOpen, status), nullptr;
+  if (!status.ok()) return Tell(job, kTextCannotOpen, status), nullptr;
   const FilesStatus finished =
       FinishInterruptedChange(job.host.files(), job.path, *opened.file, job.journal);
-  if (!finished.ok()) return Tell(job, kCannotFinish, finished), nullptr;
+  if (!finished.ok()) return Tell(job, kTextCannotFinish, finished), nullptr;
   if (!opened.file->IsNamed(job.path)) return OpenExisting(job);  // finished by replacing it
-  if (status = ReadHeader(opened); !status.ok()) return Tell(job, kCannotOpen, status), nullptr;
+  if (status = ReadHeader(opened); !status.ok()) return Tell(job, kTextCannotOpen, status), nullptr;
   if (opened.signature != Signature::Older) return MakeStream(job, std::move(opened));
   status = ConvertOlderFile(job, opened);
-  if (!status.done()) return Tell(job, kCannotConvert, status), nullptr;
+  if (!status.done()) return Tell(job, kTextCannotConvert, status), nullptr;
   opened.file.reset();
   return OpenExisting(job);
 }
@@ -168,8 +159,8 @@ std::unique_ptr<CoordinateFile> OpenCoordinateFile(Job& job, bool creatingJob) {
   if (!job.host.files().Exists(job.path)) {
     const FileStatus status = Create(job, creatingJob);
     const bool existsByNow = status.code == EEXIST && !creatingJob;
-    if (!status.done() && !existsByNow) return Tell(job, kCannotCreate, status), nullptr;
-    if (status.effect == FileEffect::NotDurable) Tell(job, kCreatedNotDurable, status);
+    if (!status.done() && !existsByNow) return Tell(job, kTextCannotCreate, status), nullptr;
+    if (status.effect == FileEffect::NotDurable) Tell(job, kTextCreatedNotDurable, status);
   }
   return OpenExisting(job);
 }
@@ -184,7 +175,7 @@ bool MayWrite(Job& job) {
 std::unique_ptr<CoordinateFile> OpenSortedView(Job& job, Opened opened) {
   std::string sorted;
   const FileStatus status = SortOlderFile(job, opened.size, sorted);
-  if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
+  if (!status.ok()) return Tell(job, kTextCannotRead, status), nullptr;
   opened.file = std::make_unique<SortedView>(std::move(sorted));
   opened.signature = Signature::Sorted;
   return MakeStream(job, std::move(opened));
@@ -197,7 +188,7 @@ std::unique_ptr<CoordinateFile> OpenForReading(Job& job) {
   Opened opened;
   FileStatus status = OpenLocked(files, job.path, FileAccess::Read, opened.file);
   if (status.ok()) status = ReadHeader(opened);
-  if (!status.ok()) return Tell(job, kCannotRead, status), nullptr;
+  if (!status.ok()) return Tell(job, kTextCannotRead, status), nullptr;
   // Looked at under the lock: what another program has under way is over by now.
   const bool interrupted = HasInterruptedChange(files, job.path, job.journal);
   if (opened.signature == Signature::Older && !interrupted && !MayWrite(job)) {

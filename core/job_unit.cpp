@@ -2,14 +2,12 @@
 
 #include <cerrno>
 
+#include "core/core_texts.h"
 #include "core/raw_file.h"
 #include "core/string_table.h"
 
 namespace tarvex {
 namespace {
-
-constexpr int kNothingChanged = 1015;
-constexpr int kFinishedLater = 1016;
 
 // Units that may wait in the journal together.
 constexpr int kMostUnsettled = 256;
@@ -151,7 +149,7 @@ ChangeResult JobUnit::Refuse(const Opened& opened, const FilesStatus& status) {
   if (opened.replacement) (void)job_.host.files().Remove(ReplacementPath(job_.path));
   TakeBackJobState();
   done_ = true;
-  job_.host.ShowMessage(Strings().Text(kNothingChanged, {job_.path, status.Text()}));
+  job_.host.ShowMessage(Strings().Text(kTextNothingChanged, {job_.path, status.Text()}));
   return ChangeResult::Nothing;
 }
 
@@ -178,7 +176,7 @@ ChangeResult JobUnit::Commit(Settling settling) {
     status = settle ? MakeDurable(opened, change) : FilesStatus{};
     if (status.ok()) return result;
   }
-  job_.host.ShowMessage(Strings().Text(kFinishedLater, {job_.path, status.Text()}));
+  job_.host.ShowMessage(Strings().Text(kTextFinishedLater, {job_.path, status.Text()}));
   return ChangeResult::Pending;
 }
 

@@ -2,16 +2,11 @@
 
 #include <algorithm>
 
+#include "core/core_texts.h"
 #include "core/file_rewrite.h"
 #include "core/string_table.h"
 
 namespace tarvex {
-namespace {
-
-constexpr int kBulkFailedMessage = 1014;
-
-}  // namespace
-
 StorePointsResult StorePoints(Job& job, std::span<const Point> points, std::size_t* badPoint) {
   const auto stream = OpenCoordinateFile(job);
   if (!stream) return StorePointsResult::NoStream;
@@ -37,7 +32,7 @@ StorePointsResult StorePoints(Job& job, std::span<const Point> points, Coordinat
     status = stream.ReplaceWith(stream.store().Merge(std::move(oldFile), points));
   }
   if (!status.ok()) {
-    const int message = MessageOf(kBulkFailedMessage, status);
+    const int message = MessageOf(kTextPointsNotStored, status);
     job.host.ShowMessage(Strings().Text(message, {job.path, status.Text()}));
   }
   if (!status.done()) return StorePointsResult::Nothing;

@@ -1,14 +1,12 @@
 #include "core/point_store.h"
 
+#include "core/core_texts.h"
 #include "core/file_rewrite.h"
 #include "core/string_table.h"
 #include "core/text.h"
 
 namespace tarvex {
 namespace {
-
-constexpr int kStoreFailedMessage = 1011;
-constexpr int kDeleteFailedMessage = 1012;
 
 // An id as it was given, and what the file looks it up by.
 struct NamedKey {
@@ -73,7 +71,7 @@ StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view desc
   }
   const Point point{.at = at, .description = Description(OneLine(description)), .id = id->key.id};
   const FileStatus status = store.Store(id->key, point);
-  if (!status.ok()) TellFailure(job, kStoreFailedMessage, id->text, status);
+  if (!status.ok()) TellFailure(job, kTextNotStored, id->text, status);
   if (!status.done()) return StorePointResult::Nothing;
   job.ids.current = id->text;
   job.store.lastStoredPoint = point;
@@ -89,7 +87,7 @@ DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* str
   }
   const FileStatus status = stream->store().Delete(*key);
   if (status.ok()) return DeletePointResult::Deleted;
-  TellFailure(job, kDeleteFailedMessage, id, status);
+  TellFailure(job, kTextNotDeleted, id, status);
   return status.done() ? DeletePointResult::DeletedNotDurable : DeletePointResult::Failed;
 }
 

@@ -16,7 +16,8 @@ struct Entry {
   std::string_view text;
 };
 
-// In ascending order of number.
+// In ascending order of number. Each room names its numbers: core/core_texts.h,
+// coordsys/coordsys_texts.h, gnss/gnss_texts.h, roads/road_texts.h, exchange/exchange_texts.h.
 constexpr std::array kEntries = {
     Entry{141, "Coordinate system"},
     // Job files
@@ -82,10 +83,7 @@ constexpr std::array kEntries = {
     Entry{2219, "This system cannot be used: its projection type is not known."},
     Entry{2220, "This system cannot be used: its projection is not available."},
     Entry{2221,
-          "This system's datum is another than WGS84, and no shift between the two is known. Name "
-          "one with --datum-shift, or on the line datum_shift= of the .job file of a job that "
-          "exists: TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm], an NTv2 file, or NONE to take WGS84 latitude "
-          "and longitude as they are."},
+          "This system's datum is another than WGS84, and no shift between the two is known."},
     Entry{2230, "The point was converted."},
     Entry{2231, "The point was converted, but a step was left undone."},
     Entry{2232, "The library that computes this projection is not there or lacks its entry."},
@@ -361,11 +359,61 @@ constexpr std::array kEntries = {
     Entry{5045, "outside the profile"},
     Entry{5046, "an offset without a template"},
     Entry{5047, "outside the template's surface"},
+    Entry{5050, "large"},
+    Entry{5051, "small"},
+    Entry{5052, "longer"},
+    Entry{5053, "shorter"},
+    Entry{5054, "right"},
+    Entry{5055, "left"},
+    // LandXML and pictures
+    Entry{5100, "Line %s: %s."},
+    Entry{5101, "there is no XML in this file"},
+    Entry{5102, "the XML cannot be read: %s"},
+    Entry{5103, "this is no LandXML document"},
+    Entry{5104, "the document holds no alignment"},
+    Entry{5105, "the document holds no alignment with geometry"},
+    Entry{5106, "the document holds several alignments: %s"},
+    Entry{5107, "no alignment is called \"%s\"; there is none"},
+    Entry{5108, "no alignment is called \"%s\"; there is %s"},
+    Entry{5109, "the alignment \"%s\" has no profile"},
+    Entry{5110, "a job cannot have the unit \"%s\""},
+    Entry{5111, "a centerline cannot hold the element \"%s\""},
+    Entry{5112, "the alignment has too many elements"},
+    Entry{5113, "%s lacks rot=\"cw\" or \"ccw\""},
+    Entry{5114, "a centerline holds no transition curve of the type \"%s\""},
+    Entry{5115, "the element starts %s away from the end of the one before"},
+    Entry{5116, "a centerline cannot hold stations that decrease behind an equation"},
+    Entry{5117, "there are too many station equations"},
+    Entry{5118, "%s has no usable \"%s\""},
+    Entry{5119, "%s has no usable %s point"},
+    Entry{5120, "%s has no usable station and elevation"},
+    Entry{5121, "the profile's stations do not rise"},
+    Entry{5122, "the vertical curve overlaps the one before"},
+    Entry{5123, "the vertical curve is at an end of the profile or has no usable length"},
+    Entry{5130, "The document names no unit; metres were assumed."},
+    Entry{5131,
+          "The unit is \"foot\", the international foot; some programs write it for survey feet."},
+    Entry{5132, "Line %s: the %s of the curve is %s by its points, but says %s."},
+    Entry{5133, "Line %s: the element starts at %s by the lengths before it, but says %s."},
+    Entry{5134, "Line %s: alignment \"%s\" has no start station; it starts at 0."},
+    Entry{5135,
+          "Line %s: alignment \"%s\" has a start station that is no number (\"%s\"); it starts at "
+          "0."},
+    Entry{5136, "Line %s: the back station of the equation does not fit its internal station."},
+    Entry{5137, "The ground profile \"%s\" was left out."},
+    Entry{5138, "The further profile \"%s\" of alignment \"%s\" was left out; \"%s\" was taken."},
+    Entry{5139, "The profile \"%s\" has fewer than two points and was left out."},
+    Entry{5140, "heights and widths in one scale"},
+    Entry{5141, "heights %s times"},
+    Entry{5142, "cut"},
+    Entry{5143, "fill"},
     Entry{5223, "The centerline file %s could not be opened."},
 };
 
-static_assert(std::is_sorted(kEntries.begin(), kEntries.end(),
-                             [](const Entry& a, const Entry& b) { return a.number < b.number; }));
+static_assert(std::adjacent_find(kEntries.begin(), kEntries.end(),
+                                 [](const Entry& a, const Entry& b) {
+                                   return a.number >= b.number;
+                                 }) == kEntries.end());
 
 std::string_view BuiltInText(int number) {
   const auto at = std::lower_bound(kEntries.begin(), kEntries.end(), number,

@@ -5,6 +5,7 @@
 
 #include "core/number_text.h"
 #include "core/text.h"
+#include "exchange/exchange_texts.h"
 #include "roads/centerline_reader.h"
 
 namespace tarvex {
@@ -29,14 +30,13 @@ class GeometryReader {
       } else if (name == "Spiral") {
         elements.push_back(TakeSpiral(node));
       } else if (name == "IrregularLine" || name == "Chain") {
-        source_.Refuse(LandXmlResult::CannotHold, node,
-                       "a centerline cannot hold the element \"" + std::string(name) + "\"");
+        source_.Refuse(LandXmlResult::CannotHold, node, kTextElementNotHeld, {name});
         return elements;
       } else {
         continue;
       }
       if (elements.size() >= kMostCenterlineElements / 2) {
-        source_.Refuse(LandXmlResult::CannotHold, node, "the alignment has too many elements");
+        source_.Refuse(LandXmlResult::CannotHold, node, kTextTooManyElements);
       }
       PlanElement& element = elements.back();
       element.station = station;
@@ -50,8 +50,7 @@ class GeometryReader {
   double Turn(const pugi::xml_node& node) {
     const std::string_view rotation = node.attribute("rot").value();
     if (rotation != "cw" && rotation != "ccw") {
-      source_.Refuse(LandXmlResult::BadNumber, node,
-                     std::string(LocalName(node)) + R"( lacks rot="cw" or "ccw")");
+      source_.Refuse(LandXmlResult::BadNumber, node, kTextRotationMissing, {LocalName(node)});
     }
     return rotation == "ccw" ? -1.0 : 1.0;
   }
@@ -99,17 +98,14 @@ class GeometryReader {
 
   void Compare(const pugi::xml_node& node, const char* what, double stated, double byPoints) {
     if (std::fabs(std::fabs(stated) - byPoints) <= kLargestGap) return;
-    source_.Warn("Line " + std::to_string(source_.LineOf(node)) + ": the " + what +
-                 " of the curve is " + FixedNumber(byPoints, 3) + " by its points, but says " +
-                 FixedNumber(stated, 3) + ".");
+    source_.Warn(kTextCurveDisagrees,
+                 {source_.LineText(node), what, FixedNumber(byPoints, 3), FixedNumber(stated, 3)});
   }
 
   PlanElement TakeSpiral(const pugi::xml_node& node) {
     const std::string_view type = node.attribute("spiType").value();
     if (!type.empty() && type != "clothoid") {
-      source_.Refuse(
-          LandXmlResult::CannotHold, node,
-          "a centerline holds no transition curve of the type \"" + std::string(type) + "\"");
+      source_.Refuse(LandXmlResult::CannotHold, node, kTextTransitionNotHeld, {type});
     }
     PlanElement spiral;
     spiral.shape = PlanShape::Spiral;
@@ -134,16 +130,13 @@ class GeometryReader {
     const PlanElement& element = elements.back();
     const auto stated = source_.Number(node, "staStart");
     if (stated && std::fabs(*stated - element.station) > kStationWarning) {
-      source_.Warn("Line " + std::to_string(source_.LineOf(node)) + ": the element starts at " +
-                   FixedNumber(element.station, 4) + " by the lengths before it, but says " +
-                   FixedNumber(*stated, 4) + ".");
+      source_.Warn(kTextStartDisagrees, {source_.LineText(node), FixedNumber(element.station, 4),
+                                         FixedNumber(*stated, 4)});
     }
     if (elements.size() < 2) return;
     const double gap = DistanceBetween(elements[elements.size() - 2].end, element.start);
     if (gap > kLargestGap) {
-      source_.Refuse(
-          LandXmlResult::CannotHold, node,
-          "the element starts " + FixedNumber(gap, 3) + " away from the end of the one before");
+      source_.Refuse(LandXmlResult::CannotHold, node, kTextElementsApart, {FixedNumber(gap, 3)});
     }
   }
 

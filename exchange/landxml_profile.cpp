@@ -3,17 +3,19 @@
 #include <cmath>
 #include <utility>
 
+#include "exchange/exchange_texts.h"
+
 namespace tarvex {
 namespace {
 
-std::string ProfileProblem(ProfileResult result) {
+int ProfileProblem(ProfileResult result) {
   switch (result) {
     case ProfileResult::StationsFall:
-      return "the profile's stations do not rise";
+      return kTextProfileFalls;
     case ProfileResult::CurvesOverlap:
-      return "the vertical curve overlaps the one before";
+      return kTextVerticalCurvesOverlap;
     default:
-      return "the vertical curve stands at an end of the profile or has no usable length";
+      return kTextVerticalCurveUnusable;
   }
 }
 
@@ -26,14 +28,12 @@ class ProfileReader {
       const std::string_view name = LocalName(line);
       if (source_.refused()) return;
       if (name == "ProfSurf") {
-        source_.Warn("The ground profile \"" + std::string(line.attribute("name").value()) +
-                     "\" was left out.");
+        source_.Warn(kTextGroundLeftOut, {line.attribute("name").value()});
       }
       if (name != "ProfAlign") continue;
       if (alignment.profile) {
-        source_.Warn("The further profile \"" + std::string(line.attribute("name").value()) +
-                     "\" of alignment \"" + alignment.name + "\" was left out; \"" +
-                     alignment.profileName + "\" was taken.");
+        source_.Warn(kTextFurtherProfileLeftOut,
+                     {line.attribute("name").value(), alignment.name, alignment.profileName});
         continue;
       }
       TakeVerticalPoints(line, alignment);
@@ -60,8 +60,7 @@ class ProfileReader {
     }
     const auto pair = LandXmlSource::Pair(node.child_value());
     if (!pair) {
-      source_.Refuse(LandXmlResult::BadNumber, node,
-                     std::string(name) + " has no usable station and elevation");
+      source_.Refuse(LandXmlResult::BadNumber, node, kTextStationAndElevationUnusable, {name});
       return std::nullopt;
     }
     point.station = pair->northing;
@@ -81,8 +80,7 @@ class ProfileReader {
     }
     ProfileMaking making = Profile::Make(std::move(points));
     if (making.result == ProfileResult::TooFew) {
-      return source_.Warn("The profile \"" + std::string(line.attribute("name").value()) +
-                          "\" has fewer than two points and was left out.");
+      return source_.Warn(kTextShortProfileLeftOut, {line.attribute("name").value()});
     }
     if (making.result != ProfileResult::Made) {
       return source_.Refuse(LandXmlResult::BadNumber, nodes[making.at],

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <pugixml.hpp>
 
+#include "exchange/exchange_texts.h"
 #include "exchange/landxml.h"
 #include "exchange/landxml_geometry.h"
 #include "exchange/landxml_profile.h"
@@ -31,8 +32,7 @@ class LandXmlReader {
       if (!source_.refused()) TakeAlignment(alignment);
     }
     if (!source_.refused() && reading_.alignments.empty()) {
-      source_.Refuse(LandXmlResult::NoAlignment, std::ptrdiff_t{0},
-                     "the document holds no alignment with geometry");
+      source_.Refuse(LandXmlResult::NoAlignment, std::ptrdiff_t{0}, kTextNoAlignmentWithGeometry);
     }
     reading_.result = source_.result();
     reading_.problem = source_.problem();
@@ -45,16 +45,15 @@ class LandXmlReader {
     LandXmlProfileReading found;
     const std::vector<pugi::xml_node> chosen = Alignments();
     if (chosen.size() > 1) {
-      source_.Refuse(LandXmlResult::SeveralAlignments, chosen[1],
-                     "the document holds several alignments: " + names_);
+      source_.Refuse(LandXmlResult::SeveralAlignments, chosen[1], kTextSeveralAlignments, {names_});
     }
     if (!source_.refused()) {
       LandXmlAlignment alignment;
       alignment.name = chosen.front().attribute("name").value();
       TakeProfiles(chosen.front(), alignment);
       if (!source_.refused() && !alignment.profile) {
-        source_.Refuse(LandXmlResult::NoProfile, chosen.front(),
-                       "the alignment \"" + alignment.name + "\" has no profile");
+        source_.Refuse(LandXmlResult::NoProfile, chosen.front(), kTextAlignmentWithoutProfile,
+                       {alignment.name});
       }
       found.alignment = std::move(alignment.name);
       found.profile = std::move(alignment.profile);
@@ -73,15 +72,14 @@ class LandXmlReader {
   std::vector<pugi::xml_node> Alignments() {
     const pugi::xml_parse_result parsed = document_.load_buffer(text_.data(), text_.size());
     if (!parsed) {
-      source_.Refuse(LandXmlResult::NotXml, parsed.offset,
-                     parsed.status == pugi::status_no_document_element
-                         ? std::string("there is no XML in this file")
-                         : std::string("the XML cannot be read: ") + parsed.description());
+      const bool empty = parsed.status == pugi::status_no_document_element;
+      source_.Refuse(LandXmlResult::NotXml, parsed.offset, empty ? kTextNoXml : kTextXmlUnreadable,
+                     {parsed.description()});
       return {};
     }
     const pugi::xml_node root = Child(document_, "LandXML");
     if (!root) {
-      source_.Refuse(LandXmlResult::NotLandXml, std::ptrdiff_t{0}, "this is no LandXML document");
+      source_.Refuse(LandXmlResult::NotLandXml, std::ptrdiff_t{0}, kTextNoLandXml);
       return {};
     }
     TakeUnits(root);
@@ -97,10 +95,10 @@ class LandXmlReader {
       }
     }
     if (chosen.empty() && !source_.refused()) {
-      source_.Refuse(LandXmlResult::NoAlignment, root,
-                     only_ ? "no alignment is called \"" + std::string(*only_) + "\"; there is " +
-                                 (names_.empty() ? "none" : names_)
-                           : "the document holds no alignment");
+      const int text = !only_           ? kTextNoAlignment
+                       : names_.empty() ? kTextNoSuchAlignmentNorOther
+                                        : kTextNoSuchAlignment;
+      source_.Refuse(LandXmlResult::NoAlignment, root, text, {only_.value_or(""), names_});
     }
     if (source_.refused()) chosen.clear();
     return chosen;
@@ -110,7 +108,7 @@ class LandXmlReader {
     const pugi::xml_node units = Child(root, "Units");
     pugi::xml_node system = Child(units, "Metric");
     if (!system) system = Child(units, "Imperial");
-    if (!system) return source_.Warn("The document names no unit; metres were assumed.");
+    if (!system) return source_.Warn(kTextNoUnitNamed);
     const std::string_view name = system.attribute("linearUnit").value();
     if (name == "meter") {
       reading_.unit = DistanceUnit::Metres;
@@ -118,11 +116,9 @@ class LandXmlReader {
       reading_.unit = DistanceUnit::UsSurveyFeet;
     } else if (name == "foot") {
       reading_.unit = DistanceUnit::InternationalFeet;
-      source_.Warn(
-          "The unit is \"foot\", the international foot; some programs write it for survey feet.");
+      source_.Warn(kTextFootIsInternational);
     } else {
-      source_.Refuse(LandXmlResult::CannotHold, system,
-                     "a job cannot have the unit \"" + std::string(name) + "\"");
+      source_.Refuse(LandXmlResult::CannotHold, system, kTextNoUnitOfAJob, {name});
     }
   }
 
@@ -152,10 +148,8 @@ class LandXmlReader {
     const auto start = source_.Number(node, "staStart");
     if (start) return *start;
     const std::string given = node.attribute("staStart").value();
-    source_.Warn("Line " + std::to_string(source_.LineOf(node)) + ": alignment \"" + name + "\" " +
-                 (given.empty() ? "has no start station"
-                                : "has a start station that is no number (\"" + given + "\")") +
-                 "; it starts at 0.");
+    source_.Warn(given.empty() ? kTextNoStartStation : kTextStartStationNoNumber,
+                 {source_.LineText(node), name, given});
     return 0.0;
   }
 
@@ -170,19 +164,16 @@ class LandXmlReader {
     for (const pugi::xml_node& equation : node.children()) {
       if (LocalName(equation) != "StaEquation") continue;
       if (std::string_view(equation.attribute("staIncrement").value()) == "decreasing") {
-        return source_.Refuse(LandXmlResult::CannotHold, equation,
-                              "a centerline cannot hold stations that decrease behind an equation");
+        return source_.Refuse(LandXmlResult::CannotHold, equation, kTextDecreasingStations);
       }
       const double internal = source_.NeedNumber(equation, "staInternal");
       const double ahead = source_.NeedNumber(equation, "staAhead");
       const double back = source_.Number(equation, "staBack").value_or(internal + shift);
       if (std::fabs(back - shift - internal) > kStationWarning) {
-        source_.Warn("Line " + std::to_string(source_.LineOf(equation)) +
-                     ": the back station of the equation does not fit its internal station.");
+        source_.Warn(kTextBackStationDisagrees, {source_.LineText(equation)});
       }
       if (alignment.equations.size() >= kMostStationEquations) {
-        return source_.Refuse(LandXmlResult::CannotHold, equation,
-                              "there are too many station equations");
+        return source_.Refuse(LandXmlResult::CannotHold, equation, kTextTooManyEquations);
       }
       alignment.equations.push_back({internal + shift, ahead});
       shift = ahead - internal;

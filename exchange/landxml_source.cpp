@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "core/number_text.h"
+#include "core/string_table.h"
 #include "core/text.h"
+#include "exchange/exchange_texts.h"
 
 namespace tarvex {
 
@@ -26,20 +28,21 @@ int LandXmlSource::LineAt(std::ptrdiff_t offset) const {
          static_cast<int>(std::count(text_.begin(), text_.begin() + static_cast<long>(end), '\n'));
 }
 
-void LandXmlSource::Refuse(LandXmlResult result, std::ptrdiff_t offset,
-                           const std::string& sentence) {
+void LandXmlSource::Refuse(LandXmlResult result, std::ptrdiff_t offset, int text,
+                           Arguments arguments) {
   if (refused()) return;
   result_ = result;
-  problem_ = "Line " + std::to_string(LineAt(offset)) + ": " + sentence + ".";
+  problem_ = Strings().Text(kTextLandXmlProblem,
+                            {std::to_string(LineAt(offset)), Strings().Text(text, arguments)});
 }
 
-void LandXmlSource::Refuse(LandXmlResult result, const pugi::xml_node& node,
-                           const std::string& sentence) {
-  Refuse(result, node.offset_debug(), sentence);
+void LandXmlSource::Refuse(LandXmlResult result, const pugi::xml_node& node, int text,
+                           Arguments arguments) {
+  Refuse(result, node.offset_debug(), text, arguments);
 }
 
-void LandXmlSource::Warn(const std::string& sentence) {
-  if (warnings_.size() < kMostLineNotes) warnings_.push_back(sentence);
+void LandXmlSource::Warn(int text, Arguments arguments) {
+  if (warnings_.size() < kMostLineNotes) warnings_.push_back(Strings().Text(text, arguments));
 }
 
 void LandXmlSource::NamePoint(const std::string& name, const std::string& coordinates) {
@@ -55,8 +58,7 @@ std::optional<double> LandXmlSource::Number(const pugi::xml_node& node,
 double LandXmlSource::NeedNumber(const pugi::xml_node& node, const char* attribute) {
   const auto number = Number(node, attribute);
   if (!number) {
-    Refuse(LandXmlResult::BadNumber, node,
-           std::string(LocalName(node)) + " has no usable \"" + attribute + "\"");
+    Refuse(LandXmlResult::BadNumber, node, kTextAttributeUnusable, {LocalName(node), attribute});
   }
   return number.value_or(0.0);
 }
@@ -82,8 +84,7 @@ PlanPoint LandXmlSource::NeedPoint(const pugi::xml_node& element, std::string_vi
   }
   const auto point = Pair(text);
   if (!point) {
-    Refuse(LandXmlResult::BadNumber, element,
-           std::string(LocalName(element)) + " has no usable " + std::string(name) + " point");
+    Refuse(LandXmlResult::BadNumber, element, kTextPointUnusable, {LocalName(element), name});
   }
   return point.value_or(PlanPoint{});
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <pugixml.hpp>
@@ -27,16 +28,21 @@ class LandXmlSource {
  public:
   explicit LandXmlSource(std::string_view text) : text_(text) {}
 
-  /// Keeps the first problem only: a sentence without its full stop. Every step asks for it.
-  void Refuse(LandXmlResult result, const pugi::xml_node& node, const std::string& sentence);
-  void Refuse(LandXmlResult result, std::ptrdiff_t offset, const std::string& sentence);
+  /// Of the texts in exchange_texts.h.
+  using Arguments = std::initializer_list<std::string_view>;
+
+  /// Keeps the first problem only, with its line. Every step asks for it.
+  void Refuse(LandXmlResult result, const pugi::xml_node& node, int text, Arguments arguments = {});
+  void Refuse(LandXmlResult result, std::ptrdiff_t offset, int text, Arguments arguments = {});
   bool refused() const { return result_ != LandXmlResult::Read; }
   LandXmlResult result() const { return result_; }
   const std::string& problem() const { return problem_; }
 
-  void Warn(const std::string& sentence);
+  void Warn(int text, Arguments arguments = {});
   const std::vector<std::string>& warnings() const { return warnings_; }
-  int LineOf(const pugi::xml_node& node) const { return LineAt(node.offset_debug()); }
+  std::string LineText(const pugi::xml_node& node) const {
+    return std::to_string(LineAt(node.offset_debug()));
+  }
 
   /// A named point that others refer to (CgPoint).
   void NamePoint(const std::string& name, const std::string& coordinates);

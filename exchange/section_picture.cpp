@@ -2,6 +2,8 @@
 #include <cmath>
 
 #include "core/number_text.h"
+#include "core/string_table.h"
+#include "exchange/exchange_texts.h"
 #include "exchange/road_picture.h"
 #include "exchange/svg.h"
 #include "roads/catch_point.h"
@@ -50,8 +52,8 @@ class SectionPainter {
     picture.PageText(20.0, 28.0, title, {.size = 16.0});
     Catches(picture);
     Points(picture);
-    const std::string scale = stretch == 1.0 ? "heights and widths in one scale"
-                                             : "heights " + FixedNumber(stretch, 0) + " times";
+    const std::string scale = Strings().Text(stretch == 1.0 ? kTextOneScale : kTextHeightsStretched,
+                                             {FixedNumber(stretch, 0)});
     picture.PageText(20.0, picture.height() - 16.0, scale, {.size = 11.0, .color = kQuiet});
     return picture.Finish(title);
   }
@@ -123,7 +125,8 @@ class SectionPainter {
       if (slopes_[side].empty()) continue;
       const CatchPoint& caught = *sides_[side]->caught;
       const DrawingPoint at = slopes_[side].back();
-      const char* kind = caught.kind == EarthworkKind::Cut ? "cut " : "fill ";
+      const std::string kind =
+          Strings().Text(caught.kind == EarthworkKind::Cut ? kTextCut : kTextFill) + " ";
       picture.Dot(at, 4.5, kSlopeColor);
       CatchText(picture, side, at, kind + ShortestNumber(caught.ratio) + ":1", -26.0);
       CatchText(picture, side, at, OffsetText(at.x, 2) + "  " + FixedNumber(at.y, 3), -11.0);

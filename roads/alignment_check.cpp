@@ -102,7 +102,7 @@ class Checker {
     const std::size_t node = elements_[ahead].fromNode;
     explained_[behind] = explained_[ahead] = true;
     Add(Weight(ahead), ahead, node, kTextStationSuspect,
-        {NodeName(node), Amount(std::fabs(b)), b > 0.0 ? "large" : "small"});
+        {NodeName(node), Amount(std::fabs(b)), Strings().Text(b > 0.0 ? kTextLarge : kTextSmall)});
   }
 
   void MovedPointOrCentre(std::size_t i) {
@@ -129,7 +129,7 @@ class Checker {
     if (!stationsUseless_ && !explained_[i] && Noted(Mismatch(e))) {
       Add(Weight(i), i, e.fromNode, kTextLengthMismatch,
           {NodeName(e.fromNode), NodeName(e.toNode), Amount(std::fabs(Mismatch(e))),
-           Mismatch(e) > 0.0 ? "longer" : "shorter"});
+           Strings().Text(Mismatch(e) > 0.0 ? kTextLonger : kTextShorter)});
     }
     Angles(i);
     if (!stationsUseless_ && e.stationEnd < e.stationStart - kFallingStation) {
@@ -147,7 +147,7 @@ class Checker {
     }
     if (r.turnAgainstSign) {
       Add(FindingKind::Note, i, e.fromNode, kTextTurnAgainstSign,
-          {NodeName(e.fromNode), e.curvatureStart > 0.0 ? "right" : "left"});
+          {NodeName(e.fromNode), Strings().Text(e.curvatureStart > 0.0 ? kTextRight : kTextLeft)});
     }
     if (r.azimuthField && std::fabs(*r.azimuthField) > limits_.note / e.length) {
       const std::size_t node = e.curvatureStart == 0.0 ? e.fromNode : e.toNode;

@@ -49,4 +49,12 @@ inline constexpr int kTextBrokenGroup = 5023;
 inline constexpr int kTextSpiralUnknown = 5024;
 inline constexpr int kTextSpiralTooTight = 5025;
 
+// Words in findings
+inline constexpr int kTextLarge = 5050;
+inline constexpr int kTextSmall = 5051;
+inline constexpr int kTextLonger = 5052;
+inline constexpr int kTextShorter = 5053;
+inline constexpr int kTextRight = 5054;
+inline constexpr int kTextLeft = 5055;
+
 }  // namespace tarvex

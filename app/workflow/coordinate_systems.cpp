@@ -10,6 +10,10 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint64_t kLargestDefinition = 1 << 20;
+constexpr std::string_view kHowToNameShift =
+    " Name one with --datum-shift, or on the line datum_shift= of the .job file of a job that "
+    "exists: TOWGS84=dX,dY,dZ[,rX,rY,rZ,ppm], an NTv2 file, or NONE to take WGS84 latitude and "
+    "longitude as they are.";
 
 // Why a definition would give no coordinates or wrong ones, in sentences; empty when it does not.
 std::string SeriousIssues(std::string_view definition) {
@@ -180,6 +184,7 @@ bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit 
   calculator.SetSteps(std::move(prepared.steps));
   if (calculator.State() == CalculationResult::Done) return true;
   problem = calculator.StateText();
+  if (calculator.State() == CalculationResult::NoDatumShift) problem += kHowToNameShift;
   return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "coordsys/coordsys_texts.h"
 #include "coordsys/definition/definition_reader.h"
 #include "core/string_table.h"
 #include "core/text.h"
@@ -134,19 +135,19 @@ CatalogueResult RemoveFromCatalogue(std::string& bytes, std::string_view name) {
 std::string CatalogueText(CatalogueResult result) {
   switch (result) {
     case CatalogueResult::Done:
-      return Strings().Text(2270);
+      return Strings().Text(kTextCatalogueChanged);
     case CatalogueResult::NotFound:
-      return Strings().Text(2271);
+      return Strings().Text(kTextNoSuchSystem);
     case CatalogueResult::NameTaken:
-      return Strings().Text(2272);
+      return Strings().Text(kTextSystemExists);
     case CatalogueResult::BadName:
-      return Strings().Text(2273);
+      return Strings().Text(kTextNotASystemName);
     case CatalogueResult::BadDefinition:
-      return Strings().Text(2274);
+      return Strings().Text(kTextNotASystemDefinition);
     case CatalogueResult::FileFailed:
       break;
   }
-  return Strings().Text(2275);
+  return Strings().Text(kTextCatalogueNotChanged);
 }
 
 }  // namespace tarvex

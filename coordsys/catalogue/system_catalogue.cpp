@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "coordsys/catalogue/utm_zones.h"
+#include "coordsys/coordsys_texts.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "core/text.h"
@@ -151,7 +152,7 @@ std::optional<NamedSystem> FindByCode(std::string_view bytes, std::string_view a
 }
 
 std::string Unreadable(const std::string& path, const FileStatus& status) {
-  return Strings().Text(2276, {path, status.Text()});
+  return Strings().Text(kTextCatalogueNotRead, {path, status.Text()});
 }
 
 }  // namespace

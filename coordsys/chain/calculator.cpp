@@ -4,13 +4,12 @@
 #include <utility>
 
 #include "coordsys/chain/calculator_run.h"
+#include "coordsys/coordsys_texts.h"
 #include "coordsys/datum/coincident_datums.h"
 #include "core/string_table.h"
 
 namespace tarvex {
 namespace {
-
-constexpr int kNoNationalGrid = 2240;  // text
 
 CalculationResult ResultOf(ProjectionResult result) {
   switch (result) {
@@ -27,8 +26,10 @@ CalculationResult ResultOf(ProjectionResult result) {
 }
 
 int FaultText(ProjectionFault fault) {
-  constexpr int kFirst = 2210;  // the texts stand in the order of the faults
-  return kFirst + static_cast<int>(fault) - static_cast<int>(ProjectionFault::Ellipsoid);
+  constexpr int kFirst = kTextFirstProjectionFault - static_cast<int>(ProjectionFault::Ellipsoid);
+  static_assert(kFirst + static_cast<int>(ProjectionFault::NotAvailable) ==
+                kTextLastProjectionFault);
+  return kFirst + static_cast<int>(fault);
 }
 
 }  // namespace
@@ -36,29 +37,29 @@ int FaultText(ProjectionFault fault) {
 std::string CalculationText(CalculationResult result) {
   switch (result) {
     case CalculationResult::Done:
-      return Strings().Text(2230);
+      return Strings().Text(kTextConverted);
     case CalculationResult::DoneInPart:
-      return Strings().Text(2231);
+      return Strings().Text(kTextConvertedInPart);
     case CalculationResult::LibraryMissing:
-      return Strings().Text(2232);
+      return Strings().Text(kTextProjectionLibraryMissing);
     case CalculationResult::NotANumber:
-      return Strings().Text(2233);
+      return Strings().Text(kTextNotANumber);
     case CalculationResult::NoSystem:
-      return Strings().Text(2234);
+      return Strings().Text(kTextNoSystem);
     case CalculationResult::NotAvailable:
-      return Strings().Text(2235);
+      return Strings().Text(kTextSystemNotAvailable);
     case CalculationResult::OutsideDomain:
-      return Strings().Text(2236);
+      return Strings().Text(kTextOutsideProjection);
     case CalculationResult::NoDatumShift:
-      return Strings().Text(2237);
+      return Strings().Text(kTextShiftNotAvailable);
     case CalculationResult::StepRefused:
-      return Strings().Text(2238);
+      return Strings().Text(kTextStepRefused);
     case CalculationResult::NotConverging:
-      return Strings().Text(2239);
+      return Strings().Text(kTextHeightNotSettled);
     case CalculationResult::NoGridCorrection:
       break;
   }
-  return Strings().Text(2241);
+  return Strings().Text(kTextNationalGridNeeded);
 }
 
 std::string UndoneText(const CalculationReport& report) {
@@ -143,7 +144,7 @@ std::string CTrgCalculator::StateText() const {
     case CalculationResult::NotAvailable:
       return Strings().Text(FaultText(fault_));
     case CalculationResult::NoDatumShift:
-      return Strings().Text(2221);
+      return Strings().Text(kTextNoShiftKnown);
     default:
       return CalculationText(State());
   }
@@ -173,7 +174,8 @@ CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
                                               StepOutcome (GridCorrection::*way)(GridMetres&) const,
                                               Run& run) const {
   if (!steps_.gridCorrection) {
-    if (LacksNationalGrid()) run.LeaveUndone(CalculationStep::GridCorrection, at, kNoNationalGrid);
+    if (LacksNationalGrid())
+      run.LeaveUndone(CalculationStep::GridCorrection, at, kTextNationalGridLeftOut);
     return CalculationResult::Done;
   }
   const StepOutcome outcome = (*steps_.gridCorrection.*way)(at);

@@ -1,5 +1,6 @@
 #include "coordsys/chain/step_preparation.h"
 
+#include "coordsys/coordsys_texts.h"
 #include "coordsys/datum/coincident_datums.h"
 #include "coordsys/datum/datum_route.h"
 #include "coordsys/datum/grid_shifts.h"
@@ -12,17 +13,6 @@
 
 namespace tarvex {
 namespace {
-
-constexpr int kCorrectionMissing = 4162;
-constexpr int kHungarianMissing = 1703;
-constexpr int kUnknownShift = 4163;
-constexpr int kDefinitionWithoutShift = 4164;
-constexpr int kBadParameters = 4165;
-constexpr int kShiftsItself = 4166;
-constexpr int kNoNadconGrids = 4167;
-constexpr int kNone = 4168;
-constexpr int kOtherGrid = 4178;
-constexpr int kNothingToShift = 4179;
 
 bool EndsWithIgnoringCase(std::string_view text, std::string_view end) {
   return text.size() >= end.size() &&
@@ -38,9 +28,9 @@ struct SurfaceGrid {
 };
 
 constexpr SurfaceGrid kSurfaceGrids[] = {
-    {&kDutchGrid, SurfaceSign::TakenOff, SurfaceCurve::Cubic, kCorrectionMissing},
-    {&kHungarianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kHungarianMissing},
-    {&kBelgianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kCorrectionMissing},
+    {&kDutchGrid, SurfaceSign::TakenOff, SurfaceCurve::Cubic, kTextCorrectionGridMissing},
+    {&kHungarianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kTextHungarianGridsMissing},
+    {&kBelgianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kTextCorrectionGridMissing},
 };
 
 // The grid correction that a label stands for; null for another label.
@@ -107,10 +97,10 @@ class StepPreparer {
     const std::string& shift = choice_.shift;
     const NationalGrid* const correction = CorrectionOf(shift);
     if (!shift.empty() && !correction && family_.datum == FamilyDatum::Wgs84) {
-      return WrongChoice(Strings().Text(kShiftsItself));
+      return WrongChoice(Strings().Text(kTextProjectionShiftsItself));
     }
     if (correction && family_.Refuses(*correction)) {
-      return WrongChoice(Strings().Text(kOtherGrid, {shift}));
+      return WrongChoice(Strings().Text(kTextGridOfAnotherCountry, {shift}));
     }
     return shift.empty() || correction ? ShiftOfSystem() : NamedShift();
   }
@@ -119,14 +109,14 @@ class StepPreparer {
     const std::string& shift = choice_.shift;
     const bool fromOldDatum = shift == kFrenchGridLabel || shift == kNadConverterLabel;
     if (fromOldDatum && CoincidesWithWgs84(record_)) {
-      return WrongChoice(Strings().Text(kNothingToShift, {shift}));
+      return WrongChoice(Strings().Text(kTextNothingToShift, {shift}));
     }
     if (shift == kFrenchGridLabel) return FrenchShift();
     if (shift == kNadConverterLabel) return NadGrids();
     if (shift == kNoShiftLabel) return std::make_shared<ChosenIdentity>();
     if (shift.starts_with(kSevenParameterLabel)) return ChosenSevenParameter();
     if (EndsWithIgnoringCase(shift, ".gsb")) return Ntv2();
-    return WrongChoice(Strings().Text(kUnknownShift, {shift}));
+    return WrongChoice(Strings().Text(kTextUnknownShift, {shift}));
   }
 
   std::shared_ptr<const DatumShift> ShiftOfSystem() {
@@ -149,13 +139,13 @@ class StepPreparer {
       if (choice_.definitionGivesShift || HasDatumShift(record_)) {
         return SevenParameter(SevenParametersOf(record_));
       }
-      return WrongChoice(Strings().Text(kDefinitionWithoutShift));
+      return WrongChoice(Strings().Text(kTextDefinitionWithoutShift));
     }
     std::string_view numbers = choice_.shift;
     numbers.remove_prefix(kSevenParameterLabel.size());
     const auto parameters = ParseSevenParameters(numbers);
     if (parameters) return SevenParameter(*parameters);
-    return WrongChoice(Strings().Text(kBadParameters, {choice_.shift}));
+    return WrongChoice(Strings().Text(kTextBadShiftParameters, {choice_.shift}));
   }
 
   // Whatever grids there are: which of them holds a position is the library's to find.
@@ -168,8 +158,8 @@ class StepPreparer {
       grids += (grids.empty() ? "" : ", ") + std::string(name);
     }
     if (grids.empty()) {
-      Note(Strings().Text(kNoNadconGrids, {folder}));
-      grids = Strings().Text(kNone);
+      Note(Strings().Text(kTextNoNadconGrids, {folder}));
+      grids = Strings().Text(kTextNoneFound);
     }
     return std::make_shared<NadShift>(sources_.nadConverter, std::move(grids));
   }
@@ -220,15 +210,15 @@ class StepPreparer {
     Ostn02Part parts[2];
     for (std::size_t i = 0; i < files.size(); ++i) {
       const GridStatus status = Ostn02Part::Load(sources_.files, PathOf(files[i]), parts[i]);
-      if (!status.ok()) return Missing(status, kCorrectionMissing);
+      if (!status.ok()) return Missing(status, kTextCorrectionGridMissing);
     }
     return std::make_shared<Ostn02Correction>(std::move(parts[0]), std::move(parts[1]),
                                               Names(files));
   }
 
   std::shared_ptr<const GridCorrection> Missing(const GridStatus& status, int reason) {
-    if (reason == kHungarianMissing && sources_.messages != nullptr) {
-      sources_.messages->ShowOnce(kHungarianMissing);
+    if (reason == kTextHungarianGridsMissing && sources_.messages != nullptr) {
+      sources_.messages->ShowOnce(kTextHungarianGridsMissing);
     }
     return std::make_shared<MissingCorrection>(Note(status.Text()), reason);
   }

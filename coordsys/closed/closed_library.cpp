@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "coordsys/coordsys_texts.h"
 #include "core/string_table.h"
 
 namespace tarvex {
@@ -20,7 +21,9 @@ bool ClosedLibrary::Loaded() {
   library_ = libraries_.Load(name_, why);
   if (library_) return true;
   failed_ = true;
-  if (messages_) messages_->Show(Strings().Text(141), Strings().Text(2207, {name_, why}));
+  if (messages_)
+    messages_->Show(Strings().Text(kTextCoordinateSystem),
+                    Strings().Text(kTextLibraryNotLoaded, {name_, why}));
   return false;
 }
 
@@ -30,7 +33,8 @@ void* ClosedLibrary::Address(const char* entryName) {
   if (!Loaded()) return nullptr;
   void* const address = library_->Find(entryName);
   if (!address && messages_) {
-    messages_->Show(Strings().Text(141), Strings().Text(2208, {name_, entryName}));
+    messages_->Show(Strings().Text(kTextCoordinateSystem),
+                    Strings().Text(kTextLibraryEntryMissing, {name_, entryName}));
   }
   return entries_[entryName] = address;
 }

@@ -2,26 +2,22 @@
 
 #include <cmath>
 
+#include "coordsys/coordsys_texts.h"
 #include "core/string_table.h"
 
 namespace tarvex {
 namespace {
-
-constexpr int kOutside = 4151;
-constexpr int kNoCorrection = 4152;
-constexpr int kGridMissing = 4153;
-constexpr int kTakenAsTheyAre = 4154;
 
 StepOutcome OutcomeOf(GridShiftResult result) {
   switch (result) {
     case GridShiftResult::Done:
       return {};
     case GridShiftResult::NoCorrection:
-      return {StepStatus::Refused, kNoCorrection};
+      return {StepStatus::Refused, kTextNoGridValue};
     case GridShiftResult::Outside:
       break;
   }
-  return {StepStatus::Refused, kOutside};
+  return {StepStatus::Refused, kTextOutsideGrid};
 }
 
 }  // namespace
@@ -43,12 +39,12 @@ void Ntv2Shift::AllToWgs84(PositionArrays positions) const {
 }
 
 std::string Ntv2Shift::Describe() const {
-  return Strings().Text(4157, {name_, grid_.fromSystem(), grid_.toSystem()});
+  return Strings().Text(kTextNtv2Grid, {name_, grid_.fromSystem(), grid_.toSystem()});
 }
 
 StepOutcome Gr3df97aShift::ToSystem(Geodetic& position) const {
   const auto t = grid_.Translation(position.latitudeRad, position.longitudeRad);
-  if (!t) return {StepStatus::Refused, kOutside};
+  if (!t) return {StepStatus::Refused, kTextOutsideGrid};
   const Geocentric at = rgf93_.ToGeocentric(position);
   position = ntf_.ToGeodetic({at.xM - t->xM, at.yM - t->yM, at.zM - t->zM});
   return {};
@@ -64,7 +60,7 @@ StepOutcome Gr3df97aShift::ToWgs84(Geodetic& position) const {
   for (int pass = 0; pass < kPasses; ++pass) {
     const Geodetic made = rgf93_.ToGeodetic({from.xM + t.xM, from.yM + t.yM, from.zM + t.zM});
     const auto next = grid_.Translation(made.latitudeRad, made.longitudeRad);
-    if (!next) return {StepStatus::Refused, kOutside};
+    if (!next) return {StepStatus::Refused, kTextOutsideGrid};
     const double change =
         std::abs(next->xM - t.xM) + std::abs(next->yM - t.yM) + std::abs(next->zM - t.zM);
     t = *next;
@@ -75,7 +71,7 @@ StepOutcome Gr3df97aShift::ToWgs84(Geodetic& position) const {
 }
 
 std::string Gr3df97aShift::Describe() const {
-  return Strings().Text(4158, {name_});
+  return Strings().Text(kTextTranslationGrid, {name_});
 }
 
 StepOutcome ChosenIdentity::ToSystem(Geodetic&) const {
@@ -87,15 +83,15 @@ StepOutcome ChosenIdentity::ToWgs84(Geodetic&) const {
 }
 
 std::string ChosenIdentity::Describe() const {
-  return Strings().Text(kTakenAsTheyAre);
+  return Strings().Text(kTextTakenAsTheyAre);
 }
 
 StepOutcome MissingShift::ToSystem(Geodetic&) const {
-  return {StepStatus::Refused, kGridMissing};
+  return {StepStatus::Refused, kTextShiftNotMade};
 }
 
 StepOutcome MissingShift::ToWgs84(Geodetic&) const {
-  return {StepStatus::Refused, kGridMissing};
+  return {StepStatus::Refused, kTextShiftNotMade};
 }
 
 }  // namespace tarvex

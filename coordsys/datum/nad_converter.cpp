@@ -1,20 +1,19 @@
 #include "coordsys/datum/nad_converter.h"
 
 #include "coordsys/closed/nad_converter_interface.h"
+#include "coordsys/coordsys_texts.h"
 #include "core/string_table.h"
 #include "core/units.h"
 
 namespace tarvex {
 namespace {
 
-constexpr int kNotConverted = 2248;
-constexpr int kLibraryMissing = 4150;
 constexpr char kFolder[] = "NADConv/";
 
 StepOutcome OutcomeOf(std::optional<int> result) {
-  if (!result) return {StepStatus::LibraryMissing, kLibraryMissing};
+  if (!result) return {StepStatus::LibraryMissing, kTextShiftLibraryMissing};
   if (*result == 1) return {};
-  return {StepStatus::Refused, kNotConverted};
+  return {StepStatus::Refused, kTextNotBetweenNad27AndNad83};
 }
 
 }  // namespace
@@ -37,7 +36,7 @@ std::optional<int> NadConverter::Convert(const char* entryName, Geodetic& positi
     position.latitudeRad = latitude * kRadiansPerDegree;
     position.longitudeRad = longitude * kRadiansPerDegree;
   } else if (messages_ != nullptr) {
-    messages_->ShowOnce(kNotConverted);
+    messages_->ShowOnce(kTextNotBetweenNad27AndNad83);
   }
   return result;
 }
@@ -65,7 +64,7 @@ StepOutcome NadShift::ToWgs84(Geodetic& position) const {
 }
 
 std::string NadShift::Describe() const {
-  return Strings().Text(4156, {grids_, converter_->gridFolder()});
+  return Strings().Text(kTextNadconGrids, {grids_, converter_->gridFolder()});
 }
 
 std::shared_ptr<ClosedLibrary> SystemNadConvLibrary() {

@@ -1,13 +1,12 @@
 #include "coordsys/datum/seven_parameter_shift.h"
 
 #include "coordsys/closed/seven_parameter_interface.h"
+#include "coordsys/coordsys_texts.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 
 namespace tarvex {
 namespace {
-
-constexpr int kLibraryMissing = 4150;
 
 // The map of one entry point with its arguments; nothing when it is missing or not linear.
 std::optional<GeocentricMap> TakeEntry(ClosedLibrary& library, const char* name,
@@ -45,14 +44,14 @@ const GeodeticMap* SevenParameterShift::MapToWgs84() const {
 
 StepOutcome SevenParameterShift::ToSystem(Geodetic& position) const {
   const GeodeticMap* const map = MapToSystem();
-  if (map == nullptr) return {StepStatus::LibraryMissing, kLibraryMissing};
+  if (map == nullptr) return {StepStatus::LibraryMissing, kTextShiftLibraryMissing};
   position = map->Apply(position);
   return {};
 }
 
 StepOutcome SevenParameterShift::ToWgs84(Geodetic& position) const {
   const GeodeticMap* const map = MapToWgs84();
-  if (map == nullptr) return {StepStatus::LibraryMissing, kLibraryMissing};
+  if (map == nullptr) return {StepStatus::LibraryMissing, kTextShiftLibraryMissing};
   position = map->Apply(position);
   return {};
 }
@@ -72,8 +71,9 @@ void SevenParameterShift::AllToWgs84(PositionArrays positions) const {
 std::string SevenParameterShift::Describe() const {
   const SevenParameters& p = parameters_;
   const auto text = [](double value) { return ShortestNumber(value + 0.0); };  // -0 is 0
-  return Strings().Text(4155, {text(p.dxM), text(p.dyM), text(p.dzM), text(p.rxArcsec),
-                               text(p.ryArcsec), text(p.rzArcsec), text(p.scalePpm)});
+  return Strings().Text(kTextSevenParameters,
+                        {text(p.dxM), text(p.dyM), text(p.dzM), text(p.rxArcsec), text(p.ryArcsec),
+                         text(p.rzArcsec), text(p.scalePpm)});
 }
 
 }  // namespace tarvex

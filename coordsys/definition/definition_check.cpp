@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 
+#include "coordsys/coordsys_texts.h"
 #include "coordsys/datum/datum_route.h"
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/definition/definition_tree.h"
@@ -20,8 +21,6 @@ namespace {
 
 using Kind = DefinitionIssueKind;
 using Issues = std::vector<DefinitionIssue>;
-
-constexpr int kFirstText = 4000;  // the texts stand in the order of the kinds
 
 bool HasParameter(const DefinitionNode& system, std::string_view name) {
   for (const DefinitionNode& node : system.nodes) {
@@ -208,7 +207,9 @@ bool IsSerious(DefinitionIssueKind kind) {
 }
 
 std::string IssueText(const DefinitionIssue& issue) {
-  return Strings().Text(kFirstText + static_cast<int>(issue.kind), {issue.argument});
+  static_assert(kTextFirstDefinitionIssue + static_cast<int>(Kind::ParameterTwice) ==
+                kTextLastDefinitionIssue);
+  return Strings().Text(kTextFirstDefinitionIssue + static_cast<int>(issue.kind), {issue.argument});
 }
 
 }  // namespace tarvex

@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "coordsys/coordsys_texts.h"
 #include "coordsys/definition/definition_scanner.h"
 #include "coordsys/definition/parameter_keywords.h"
 #include "coordsys/projections/projection_families.h"
@@ -108,9 +109,9 @@ void ReadParameters(DefinitionScanner scanner, ProjectionRecord& record) {
 
 void TellUnknownProjection(const ProjectionRecord& record, MessageBox* messages) {
   if (!messages) return;
-  const std::string text =
-      Strings().Text(2205) + record.projectionName.str() + Strings().Text(2206);
-  messages->Show(Strings().Text(141), text);
+  const std::string text = Strings().Text(kTextUnknownProjection) + record.projectionName.str() +
+                           Strings().Text(kTextProjectionLeftAsItWas);
+  messages->Show(Strings().Text(kTextCoordinateSystem), text);
 }
 
 }  // namespace

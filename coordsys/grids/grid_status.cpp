@@ -1,5 +1,6 @@
 #include "coordsys/grids/grid_status.h"
 
+#include "coordsys/coordsys_texts.h"
 #include "core/string_table.h"
 
 namespace tarvex {
@@ -8,21 +9,21 @@ namespace {
 int TextNumber(GridProblem problem) {
   switch (problem) {
     case GridProblem::Missing:
-      return 4100;
+      return kTextGridFileMissing;
     case GridProblem::Unreadable:
-      return 4101;
+      return kTextGridFileUnreadable;
     case GridProblem::NotThisFormat:
-      return 4102;
+      return kTextNotThisGridFormat;
     case GridProblem::CutShort:
-      return 4103;
+      return kTextGridCutShort;
     case GridProblem::TooLong:
-      return 4104;
+      return kTextGridTooLong;
     case GridProblem::ImpossibleSize:
-      return 4105;
+      return kTextImpossibleGridSize;
     case GridProblem::BadValue:
-      return 4106;
+      return kTextBadGridValue;
     case GridProblem::PartsDiffer:
-      return 4107;
+      return kTextGridPartsDiffer;
     case GridProblem::None:
       break;
   }

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "coordsys/coordsys_texts.h"
 #include "core/byte_codec.h"
 #include "core/no_value.h"
 #include "core/number_text.h"
@@ -19,7 +20,6 @@ constexpr std::size_t kHeaderLineLength = 128;
 constexpr std::string_view kBinaryMark = "DSBB";
 constexpr std::size_t kBinaryHeader = 56;
 constexpr std::size_t kShowEvery = 8192;
-constexpr int kLoadingText = 1193;
 
 bool StartsNumber(std::string_view text) {
   text = WithoutLeadingBlanks(text);
@@ -141,7 +141,7 @@ class GridSurfaceParser {
   void Show(std::size_t done, std::size_t total) const {
     if (progress_ == nullptr || total <= kNodesWithoutProgress) return;
     if (done % kShowEvery == 0 || done == total) {
-      progress_->Show(Strings().Text(kLoadingText), done, total);
+      progress_->Show(Strings().Text(kTextLoadingGrid), done, total);
     }
   }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <vector>
 
+#include "coordsys/coordsys_texts.h"
 #include "core/byte_codec.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
@@ -20,7 +21,6 @@ constexpr std::size_t kHeader = 32;
 constexpr std::uint16_t kNoData = 65535;
 constexpr double kMetresPerMillimetre = 0.001;
 constexpr std::size_t kShowEvery = 8192;
-constexpr int kPackingText = 4170;
 
 constexpr std::uint16_t kColumns = 701;
 constexpr std::uint16_t kRows = 1251;
@@ -87,7 +87,7 @@ GridStatus PackOstn02(std::string_view text, const std::string& path, LoadProgre
     if (!IsNode(c[1], kColumns) || !IsNode(c[2], kRows)) return wrong(GridProblem::BadValue);
     ++seen;
     if (progress && seen % kShowEvery == 0) {
-      progress->Show(Strings().Text(kPackingText), std::min(seen, nodes), nodes);
+      progress->Show(Strings().Text(kTextPackingGrid), std::min(seen, nodes), nodes);
     }
     if (c[6] == 0.0) continue;
     const auto at =

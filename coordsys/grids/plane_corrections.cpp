@@ -2,13 +2,11 @@
 
 #include <cmath>
 
+#include "coordsys/coordsys_texts.h"
+
 namespace tarvex {
 namespace {
 
-constexpr int kOutside = 4151;
-constexpr int kNoCorrection = 4152;
-constexpr int kInPart = 4170;  // and 1 for east, 2 for north, 4 for height: what has no value
-constexpr int kNotClosing = 4177;
 constexpr int kMostPasses = 20;
 constexpr double kClosedM = 1e-7;
 
@@ -22,7 +20,7 @@ PlaneShift Together(const SurfaceValue& east, const SurfaceValue& north, const S
                     double sign) {
   for (const SurfaceValue* value : {&east, &north, up}) {
     if (value != nullptr && value->answer == SurfaceAnswer::NoCorrection) {
-      return {.reason = kNoCorrection};
+      return {.reason = kTextNoGridValue};
     }
   }
   const bool upLacks = up != nullptr && HasNone(*up);
@@ -33,8 +31,8 @@ PlaneShift Together(const SurfaceValue& east, const SurfaceValue& north, const S
           .eastM = sign * east.value,
           .upM = up != nullptr ? sign * up->value : 0.0,
           .reason = lacking == 0 ? 0
-                    : !all       ? kInPart + lacking
-                                 : (outside ? kOutside : kNoCorrection)};
+                    : !all       ? kTextCorrectionInPart + lacking
+                                 : (outside ? kTextOutsideGrid : kTextNoGridValue)};
 }
 
 StepOutcome OutcomeOf(const PlaneShift& shift) {
@@ -70,7 +68,7 @@ StepOutcome PlaneCorrection::ToPlane(GridMetres& point) const {
   }
   // On the edge of a grid the passes may step in and out: the point stays as it is.
   if (lacking != 0) return {StepStatus::LeftUndone, lacking};
-  return {StepStatus::Refused, kNotClosing};
+  return {StepStatus::Refused, kTextCorrectionNotClosing};
 }
 
 SurfaceValue SurfaceCorrection::Value(const GridSurface& surface, double eastingM,

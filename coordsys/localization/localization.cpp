@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "coordsys/coordsys_texts.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 
@@ -101,15 +102,16 @@ std::string FittedLocalization::Describe() const {
   const PlaneSimilarity& s = fit_.horizontal.similarity;
   std::string text;
   if (fit_.horizontal.result == FitResult::Fitted) {
-    text = Strings().Text(4120, {PointCount(fit_.horizontal.points),
-                                 Signed((s.scale() - 1.0) * 1e6, 3), TurnText(-s.rotationRad())});
+    text = Strings().Text(kTextHorizontalFit,
+                          {PointCount(fit_.horizontal.points), Signed((s.scale() - 1.0) * 1e6, 3),
+                           TurnText(-s.rotationRad())});
   }
   if (fit_.vertical.result == FitResult::Fitted) {
     const VerticalPlane& plane = fit_.vertical.plane;
     if (!text.empty()) text += "; ";
-    text +=
-        Strings().Text(4121, {PointCount(fit_.vertical.points), Signed(plane.shiftM, 4),
-                              Signed(plane.slopeNorth * 1e6, 2), Signed(plane.slopeEast * 1e6, 2)});
+    text += Strings().Text(kTextVerticalFit,
+                           {PointCount(fit_.vertical.points), Signed(plane.shiftM, 4),
+                            Signed(plane.slopeNorth * 1e6, 2), Signed(plane.slopeEast * 1e6, 2)});
   }
   return text;
 }

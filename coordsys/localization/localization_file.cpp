@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "coordsys/coordsys_texts.h"
 #include "coordsys/localization/xml_reader.h"
 #include "coordsys/localization/xml_writer.h"
 #include "core/number_text.h"
@@ -62,12 +63,13 @@ class PointReader {
   double Needed(std::string_view name, double limit) {
     const XmlValue* const value = record_.Find(name);
     if (value == nullptr || !value->value) {
-      Fail(value == nullptr ? record_.line : value->line, 4111, name, "");
+      Fail(value == nullptr ? record_.line : value->line, kTextPointValueMissing, name, "");
       return 0.0;
     }
     const auto number = ParseNumber(*value->value);
     if (!number || std::abs(*number) > limit) {
-      Fail(value->line, number ? 4113 : 4112, name, *value->value);
+      Fail(value->line, number ? kTextPointValueOutOfRange : kTextPointValueUnreadable, name,
+           *value->value);
       return 0.0;
     }
     return *number;
@@ -80,7 +82,7 @@ class PointReader {
   char Flag(std::string_view name) {
     const std::string text = Text(name);
     if (text == "Yes") return 'Y';
-    if (text != "No") Fail(record_.line, 4112, name, text);
+    if (text != "No") Fail(record_.line, kTextPointValueUnreadable, name, text);
     return 'N';
   }
 
@@ -151,12 +153,12 @@ std::optional<ReadLocalization> ParseLocalization(std::string_view document, Dis
   XmlFault xmlFault;
   const auto root = ReadXmlRecord(document, xmlFault);
   if (!root) {
-    fault = {xmlFault.line, Strings().Text(4110, {xmlFault.text})};
+    fault = {xmlFault.line, Strings().Text(kTextNotALocalizationFile, {xmlFault.text})};
     return std::nullopt;
   }
   const XmlValue* const units = root->Find("Units");
   if (root->name != kRootName || units == nullptr || units->value != kUnits) {
-    fault = {root->line, Strings().Text(4114, {kRootName, kUnits})};
+    fault = {root->line, Strings().Text(kTextNoLocalizationRecord, {kRootName, kUnits})};
     return std::nullopt;
   }
   ReadLocalization read;
@@ -174,7 +176,7 @@ std::optional<ReadLocalization> LoadLocalization(FileSystem& files, const std::s
                                                  DistanceUnit unit, LocalizationFault& fault) {
   std::string document;
   if (FileStatus status = ReadWholeFile(files, path, kLargestFile, document); !status.ok()) {
-    fault = {0, Strings().Text(4115, {status.Text()})};
+    fault = {0, Strings().Text(kTextLocalizationUnreadable, {status.Text()})};
     return std::nullopt;
   }
   return ParseLocalization(document, unit, fault);

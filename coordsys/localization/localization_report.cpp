@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "coordsys/coordsys_texts.h"
 #include "core/number_text.h"
 #include "core/string_table.h"
 
@@ -152,12 +153,12 @@ class WarningWriter {
 
   void Horizontal(const HorizontalFit& h, const std::vector<PlanePoint>& jobPoints) {
     if (report_.horizontalRedundancy == 0) {
-      Add(LocalizationWarning::NoHorizontalCheck, 4130, {PointCount(h.points)});
+      Add(LocalizationWarning::NoHorizontalCheck, kTextNoHorizontalCheck, {PointCount(h.points)});
     }
     const ControlHull hull = HullOf(points_);
-    if (h.points >= 3 && IsThin()) Add(LocalizationWarning::CollinearControl, 4131);
+    if (h.points >= 3 && IsThin()) Add(LocalizationWarning::CollinearControl, kTextControlOnALine);
     if (h.points >= 2 && hull.Extent_m() < kSmallExtentM) {
-      Add(LocalizationWarning::SmallExtent, 4132, {Length(hull.Extent_m(), 1)});
+      Add(LocalizationWarning::SmallExtent, kTextControlTooClose, {Length(hull.Extent_m(), 1)});
     }
     FarScale();
     Blunder();
@@ -169,10 +170,10 @@ class WarningWriter {
     const double fromGrid = report_.scalePpm;
     if (std::abs(fromGrid) <= kFarScalePpm) return;
     if (!report_.groundPpm) {
-      return Add(LocalizationWarning::FarScale, 4133, {FixedNumber(fromGrid, 1)});
+      return Add(LocalizationWarning::FarScale, kTextFarScale, {FixedNumber(fromGrid, 1)});
     }
     if (std::abs(fromGrid - *report_.groundPpm) <= kFarScalePpm) return;
-    Add(LocalizationWarning::FarScale, 4141,
+    Add(LocalizationWarning::FarScale, kTextFarScaleOnGround,
         {FixedNumber(fromGrid, 1), FixedNumber(*report_.groundPpm, 1)});
   }
 
@@ -210,7 +211,8 @@ class WarningWriter {
     if (worst == nullptr) return;
     const double chance = Chance(*worst);
     if (chance * report_.fit.horizontal.points < kBlunderChance) {
-      Add(LocalizationWarning::LikelyBlunder, 4134, {worst->name, Length(worstMiss, 3)});
+      Add(LocalizationWarning::LikelyBlunder, kTextLikelyBlunder,
+          {worst->name, Length(worstMiss, 3)});
     }
   }
 
@@ -240,21 +242,21 @@ class WarningWriter {
       farthest = std::max(farthest, beyond);
     }
     if (outside == 0) return;
-    Add(LocalizationWarning::OutsideControl, 4135,
+    Add(LocalizationWarning::OutsideControl, kTextOutsideControl,
         {std::to_string(outside), std::to_string(jobPoints.size()), Length(farthest, 0)});
   }
 
   void Vertical(const VerticalFit& v) {
     if (report_.verticalRedundancy == 0) {
-      Add(LocalizationWarning::NoVerticalCheck, 4136, {PointCount(v.points)});
+      Add(LocalizationWarning::NoVerticalCheck, kTextNoVerticalCheck, {PointCount(v.points)});
     }
     switch (v.fallBack) {
       case PlaneFallBack::TooFewPoints:
-        return Add(LocalizationWarning::PlaneNotFitted, 4137);
+        return Add(LocalizationWarning::PlaneNotFitted, kTextPlaneNeedsThreePoints);
       case PlaneFallBack::OnALine:
-        return Add(LocalizationWarning::PlaneNotFitted, 4138);
+        return Add(LocalizationWarning::PlaneNotFitted, kTextPlanePointsOnALine);
       case PlaneFallBack::TooSteep:
-        return Add(LocalizationWarning::PlaneNotFitted, 4139);
+        return Add(LocalizationWarning::PlaneNotFitted, kTextPlaneTooSteep);
       case PlaneFallBack::None:
         break;
     }
@@ -265,10 +267,12 @@ class WarningWriter {
       const bool wide = horizontal && row.inHorizontal && row.horizontalM() > kLargeHorizontalM;
       const bool high = vertical && row.inVertical && std::abs(row.elevationM) > kLargeVerticalM;
       if (wide) {
-        Add(LocalizationWarning::LargeResidual, 4140, {row.name, Length(row.horizontalM(), 3)});
+        Add(LocalizationWarning::LargeResidual, kTextLargeHorizontalResidual,
+            {row.name, Length(row.horizontalM(), 3)});
       }
       if (high) {
-        Add(LocalizationWarning::LargeResidual, 4142, {row.name, Length(row.elevationM, 3)});
+        Add(LocalizationWarning::LargeResidual, kTextLargeVerticalResidual,
+            {row.name, Length(row.elevationM, 3)});
       }
     }
   }

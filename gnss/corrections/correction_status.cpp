@@ -2,12 +2,10 @@
 
 #include "core/printable.h"
 #include "core/string_table.h"
+#include "gnss/gnss_texts.h"
 
 namespace tarvex {
 namespace {
-
-constexpr int kFirstText = 3320;
-constexpr int kSilentWithoutPosition = 3331;
 
 std::string Seconds(std::int64_t milliseconds) {
   return std::to_string((milliseconds + 999) / 1000);
@@ -23,26 +21,26 @@ std::string Names(const std::vector<std::string>& names) {
 
 std::string CasterFailureSentence(const std::string& caster, PortError cause,
                                   const std::string& detail) {
-  constexpr int kNotReached = 3329;
   if (cause == PortError::CasterNotOpened && !detail.empty()) {
-    return Strings().Text(kNotReached, {caster, detail});
+    return Strings().Text(kTextCasterNotReached, {caster, detail});
   }
   // A port's words for a caster that closes, or says nothing.
-  constexpr int kClosed = 3332;
-  if (cause == PortError::ReadFailed) return Strings().Text(kClosed);
+  if (cause == PortError::ReadFailed) return Strings().Text(kTextCasterClosed);
   if (cause == PortError::FewerBytesRead) cause = PortError::FirstReceiveFailed;
   return ErrorSentence({.code = static_cast<int>(cause), .arguments = {detail}});
 }
 
 std::string CorrectionSentence(const CorrectionStatus& status) {
-  const int text = kFirstText + static_cast<int>(status.state);
+  static_assert(kTextFirstCorrectionState + static_cast<int>(CorrectionState::Stopped) ==
+                kTextLastCorrectionState);
+  const int text = kTextFirstCorrectionState + static_cast<int>(status.state);
   switch (status.state) {
     case CorrectionState::Connecting:
     case CorrectionState::Receiving:
     case CorrectionState::Refused:
       return Strings().Text(text, {status.caster, status.mountpoint});
     case CorrectionState::Silent:
-      return Strings().Text(status.ggasSent == 0 ? kSilentWithoutPosition : text,
+      return Strings().Text(status.ggasSent == 0 ? kTextSilentWithoutPosition : text,
                             {status.caster, status.mountpoint, Seconds(status.silentMs)});
     case CorrectionState::Waiting:
       return Strings().Text(text,
@@ -51,8 +49,7 @@ std::string CorrectionSentence(const CorrectionStatus& status) {
     case CorrectionState::ReceiverFailed:
       return Strings().Text(text, {Seconds(status.nextTryInMs)});
     case CorrectionState::UnknownMountpoint: {
-      constexpr int kWithNames = 3330;
-      return Strings().Text(status.mostAlike.empty() ? text : kWithNames,
+      return Strings().Text(status.mostAlike.empty() ? text : kTextUnknownMountpointOfThese,
                             {status.caster, status.mountpoint, Names(status.mostAlike)});
     }
     default:
@@ -62,16 +59,13 @@ std::string CorrectionSentence(const CorrectionStatus& status) {
 
 std::string CorrectionVerdict(const CorrectionStatus& status) {
   if (status.flowing) return {};
-  constexpr int kNoneCame = 3333;
-  constexpr int kEnded = 3334;
-  constexpr int kOthers = 3335;
   std::string why = status.cause == PortError::None
                         ? CorrectionSentence(status)
                         : CasterFailureSentence(status.caster, status.cause, status.causeDetail);
   if (!status.mostAlike.empty()) {
-    why += " " + Strings().Text(kOthers, {Names(status.mostAlike)});
+    why += " " + Strings().Text(kTextItHas, {Names(status.mostAlike)});
   }
-  return Strings().Text(status.nothingCame() ? kNoneCame : kEnded,
+  return Strings().Text(status.nothingCame() ? kTextNoCorrectionsCame : kTextCorrectionsBrokeOff,
                         {status.caster, status.mountpoint, why});
 }
 

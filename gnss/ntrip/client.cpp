@@ -7,6 +7,7 @@
 
 #include "core/printable.h"
 #include "core/string_table.h"
+#include "gnss/gnss_texts.h"
 #include "gnss/ntrip/base64.h"
 
 namespace tarvex {
@@ -15,8 +16,6 @@ namespace {
 constexpr std::size_t kReceiveSize = 1023;
 constexpr int kSendTimeoutMs = 1000;
 constexpr std::int64_t kAnswerLimitMs = 60000;
-constexpr int kTextConnecting = 3310;
-constexpr int kTextConnectingToBroadcaster = 3311;
 constexpr int kOpenProgressBase = 25;
 constexpr std::string_view kStreamMark = "ICY 200 OK";
 constexpr std::string_view kTlsAlert = "\x15\x03";
@@ -252,12 +251,11 @@ PortError NtripClient::Refused(PortError refusal) {
 
 PortError NtripClient::LoadBases(CasterList& list, NtripProgress& progress) {
   if (connection_ == nullptr || !list.current) return Fail(PortError::NothingGiven);
-  constexpr int kTextLoading = 3312;
   progress.Status(Strings().Text(kTextConnectingToBroadcaster));
   const std::string fileName = surroundings_.workFolder + "tmp_sourcetable.txt";
   PortError error = FetchTable(*list.current, fileName, progress);
   if (error != PortError::None) return Caused(PortError::BasesNotLoaded, error);
-  progress.Status(Strings().Text(kTextLoading));
+  progress.Status(Strings().Text(kTextLoadingBases));
   error = list.ReadTable(surroundings_.files, fileName, RecordOrigin::Caster, surroundings_.errors);
   if (error == PortError::None) return PortError::None;
   (void)Fail(error);

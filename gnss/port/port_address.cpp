@@ -4,18 +4,13 @@
 
 #include "core/number_text.h"
 #include "core/string_table.h"
+#include "gnss/gnss_texts.h"
 #include "gnss/port/replay_device.h"
 #include "gnss/port/serial_port.h"
 #include "platform/tcp_socket.h"
 
 namespace tarvex {
 namespace {
-
-constexpr int kTextForm = 3300;
-constexpr int kTextNoDevice = 3301;
-constexpr int kTextBaud = 3302;
-constexpr int kTextHostPort = 3303;
-constexpr int kTextNoLog = 3304;
 
 constexpr std::uint32_t kLowestBaud = 110;
 constexpr std::uint32_t kHighestBaud = 256000;
@@ -35,7 +30,7 @@ bool ParseSerial(std::string_view target, PortAddress& address, std::string& pro
   if (at == std::string_view::npos) return true;
   const auto baud = ParseInteger(target.substr(at + 1));
   if (!baud || *baud < kLowestBaud || *baud > kHighestBaud) {
-    return Refuse(problem, kTextBaud, target.substr(at + 1));
+    return Refuse(problem, kTextBaudRate, target.substr(at + 1));
   }
   address.baudRate = static_cast<std::uint32_t>(*baud);
   return true;
@@ -70,7 +65,7 @@ bool ParsePortAddress(std::string_view text, PortAddress& address, std::string& 
     parsed.target = target;
     ok = !target.empty() || Refuse(problem, kTextNoLog, text);
   } else {
-    ok = text == "simulated" || Refuse(problem, kTextForm, text);
+    ok = text == "simulated" || Refuse(problem, kTextAddressForm, text);
   }
   if (ok) address = parsed;
   return ok;

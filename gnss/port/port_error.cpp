@@ -4,14 +4,9 @@
 #include <utility>
 
 #include "core/string_table.h"
+#include "gnss/gnss_texts.h"
 
 namespace tarvex {
-namespace {
-
-constexpr int kFirstText = 3000;
-
-}  // namespace
-
 PortError Report(LastErrorRecord& record, PortError error, std::vector<std::string> arguments) {
   record.Set(static_cast<int>(error), std::move(arguments));
   return error;
@@ -22,7 +17,7 @@ std::string ErrorSentence(const LastError& error) {
   for (std::size_t i = 0; i < given.size() && i < error.arguments.size(); ++i) {
     given[i] = error.arguments[i];
   }
-  return Strings().Text(kFirstText + error.code, {given[0], given[1], given[2]});
+  return Strings().Text(kTextFirstPortError + error.code, {given[0], given[1], given[2]});
 }
 
 std::string ErrorSentences(const LastErrorRecord& record) {

@@ -1,20 +1,19 @@
 #include "gnss/position/position_state.h"
 
 #include "core/string_table.h"
+#include "gnss/gnss_texts.h"
 
 namespace tarvex {
 
 std::string OriginSentence(PositionOrigin origin) {
-  constexpr int kFirstOriginText = 3430;
+  static_assert(kTextFirstOrigin + static_cast<int>(PositionOrigin::Simulated) == kTextLastOrigin);
   if (origin == PositionOrigin::Measured) return {};
-  return Strings().Text(kFirstOriginText + static_cast<int>(origin));
+  return Strings().Text(kTextFirstOrigin + static_cast<int>(origin));
 }
 
 std::string HeightSentence(const GnssPositionState& state) {
-  constexpr int kNoHeightText = 3434;
-  constexpr int kNoSeparationText = 3435;
-  if (!state.heightKnown) return Strings().Text(kNoHeightText);
-  return state.separationKnown ? std::string() : Strings().Text(kNoSeparationText);
+  if (!state.heightKnown) return Strings().Text(kTextNoHeight);
+  return state.separationKnown ? std::string() : Strings().Text(kTextNoSeparation);
 }
 
 }  // namespace tarvex

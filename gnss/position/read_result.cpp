@@ -1,14 +1,14 @@
 #include "gnss/position/read_result.h"
 
 #include "core/string_table.h"
+#include "gnss/gnss_texts.h"
 
 namespace tarvex {
 
 std::string ResultSentence(GnssReadResult result) {
-  constexpr int kFirstText = 3400;
-  constexpr int kAcceptedText = 3420;
-  const int text =
-      result == GnssReadResult::Accepted ? kAcceptedText : kFirstText - static_cast<int>(result);
+  const int text = result == GnssReadResult::Accepted
+                       ? kTextPositionAccepted
+                       : kTextFirstReadResult - static_cast<int>(result);
   return Strings().Text(text);
 }
 

@@ -6,13 +6,11 @@
 #include "core/number_text.h"
 #include "core/string_table.h"
 #include "core/text.h"
+#include "gnss/gnss_texts.h"
 
 namespace tarvex {
 namespace {
 
-constexpr int kFirstText = 3440;
-constexpr int kBestSolutionText = 3448;
-constexpr int kUnknownText = 3450;
 constexpr int kPrecisionDecimals = 3;
 constexpr int kOtherDecimals = 1;
 constexpr int kMostDecimals = 12;
@@ -33,7 +31,7 @@ int Rank(SolutionType type) {
 }
 
 std::string Unknown() {
-  return Strings().Text(kUnknownText);
+  return Strings().Text(kTextUnknownValue);
 }
 
 // Written so that a value that is not a number is refused.
@@ -111,8 +109,9 @@ std::string RefusalSentence(const GateRefusal& refusal) {
   // There is no solution better than FIXED.
   const bool best =
       refusal.limit == Limit::Solution && refusal.wanted == SolutionText(SolutionType::Fixed);
-  if (best) return Strings().Text(kBestSolutionText, {refusal.has, refusal.wanted});
-  return Strings().Text(kFirstText + static_cast<int>(refusal.limit),
+  if (best) return Strings().Text(kTextSolutionMustBe, {refusal.has, refusal.wanted});
+  static_assert(kTextFirstLimit + static_cast<int>(Limit::CorrectionAge) == kTextLastLimit);
+  return Strings().Text(kTextFirstLimit + static_cast<int>(refusal.limit),
                         {refusal.has, refusal.wanted});
 }
 

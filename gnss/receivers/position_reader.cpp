@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/string_table.h"
+#include "gnss/gnss_texts.h"
 #include "gnss/receivers/dop_request.h"
 #include "gnss/receivers/nmea_reading.h"
 #include "gnss/receivers/receiver_make.h"
@@ -94,14 +95,11 @@ GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connec
 }
 
 std::string ResultSentence(GnssReadResult result, const GnssConnection& connection) {
-  constexpr int kEllipsoidHeightsText = 3410;
-  constexpr int kLinkLostText = 3411;
-  constexpr int kLogEndedText = 3412;
   if (result == GnssReadResult::InvalidData && connection.reconfigured) {
-    return Strings().Text(kEllipsoidHeightsText);
+    return Strings().Text(kTextEllipsoidHeightsSet);
   }
   if (result == GnssReadResult::PortReadFailed && connection.ended()) {
-    return Strings().Text(connection.linkLost() ? kLinkLostText : kLogEndedText);
+    return Strings().Text(connection.linkLost() ? kTextLinkLost : kTextRecordingEnded);
   }
   return ResultSentence(result);
 }
