@@ -102,8 +102,8 @@ void CTrgCalculator::SetRecord(const ProjectionRecord& record) {
   MadeProjection made = MakeProjection(record_);
   projection_ = std::move(made.projection);
   fault_ = made.fault;
-  const bool takesWgs84 = projection_ && projection_->TakesWgs84();
-  needsDatumShift_ = !takesWgs84 && (HasDatumShift(record_) || !CoincidesWithWgs84(record_));
+  family_ = &FamilyOf(record_.projectionType);
+  needsDatumShift_ = !TakesWgs84() && (HasDatumShift(record_) || !CoincidesWithWgs84(record_));
 }
 
 ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view group,
@@ -117,16 +117,20 @@ ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view
 
 // True when the plane of projection stands for nothing without the family's national grid.
 bool CTrgCalculator::NeedsNationalGrid() const {
-  return FamilyOf(record_.projectionType).gridUse == NationalGridUse::OwnOrNone;
+  return family_->gridUse == NationalGridUse::OwnOrNone;
 }
 
 // True for a national projection whose grid nobody has handed in.
 bool CTrgCalculator::LacksNationalGrid() const {
-  return !steps_.gridCorrection && FamilyOf(record_.projectionType).TakesOwnGrid();
+  return !steps_.gridCorrection && family_->TakesOwnGrid();
+}
+
+bool CTrgCalculator::TakesWgs84() const {
+  return family_->datum == FamilyDatum::Wgs84;
 }
 
 bool CTrgCalculator::ShiftsDatum() const {
-  return steps_.datumShift && !projection_->TakesWgs84();
+  return steps_.datumShift && !TakesWgs84();
 }
 
 CalculationResult CTrgCalculator::State() const {

@@ -144,6 +144,7 @@ class CTrgCalculator {
   struct Run;
   struct Block;
 
+  bool TakesWgs84() const;
   bool ShiftsDatum() const;
   bool LacksNationalGrid() const;
   bool NeedsNationalGrid() const;
@@ -168,6 +169,7 @@ class CTrgCalculator {
   bool hasSystem_ = false;
   bool givesShift_ = false;
   ProjectionRecord record_;
+  const ProjectionFamily* family_ = &FamilyOf(0);
   std::string compoundName_;
   std::shared_ptr<const Projection> projection_;
   ProjectionFault fault_ = ProjectionFault::None;

@@ -23,9 +23,7 @@ struct Kernel {
   double over1LessE2 = 0.0;
   double overRectifyingRadius = 0.0;
   double originArcM = 0.0;
-  double centralMeridianRad = 0.0;
-  double falseEastingM = 0.0;
-  double falseNorthingM = 0.0;
+  PlaneOrigin origin;
 
   // Easting, and northing from the equator, of a latitude given with its direction.
   template <typename Lanes>
@@ -46,19 +44,19 @@ struct Kernel {
 
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
-    const Lanes lambda = WrappedLongitude(position.longitudeRad - centralMeridianRad);
+    const Lanes lambda = WrappedLongitude(position.longitudeRad - origin.centralMeridianRad);
     const auto phi = Toward(position.latitudeRad);
     const Lanes nu = ellipsoid.a / SquareRootOf(1.0 - ellipsoid.e2 * phi.sin * phi.sin);
     const LanePoint<Lanes> at = Series(position.latitudeRad, phi, lambda, 1.0 / phi.cos, nu);
-    point.eastingM = falseEastingM + at.eastingM;
-    point.northingM = falseNorthingM + at.northingM - originArcM;
+    point.eastingM = origin.falseEastingM + at.eastingM;
+    point.northingM = origin.falseNorthingM + at.northingM - originArcM;
     return Holds(position.latitudeRad, phi, lambda, 0.0);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes north = point.northingM - falseNorthingM + originArcM;
-    const Lanes east = point.eastingM - falseEastingM;
+    const Lanes north = point.northingM - origin.falseNorthingM + originArcM;
+    const Lanes east = point.eastingM - origin.falseEastingM;
     const Lanes mu = north * overRectifyingRadius;
     const LaneMask<Lanes> inReach =
         Within(mu, kQuarter) & Within(east, 1.1 * kWidest * ellipsoid.a);
@@ -75,7 +73,7 @@ struct Kernel {
       Improve(north, east, phi, at, lambda, open);
     }
     position.latitudeRad = phi;
-    position.longitudeRad = WrappedLongitude(centralMeridianRad + lambda);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + lambda);
     return inReach & Holds(phi, at, lambda, kClosing);
   }
 
@@ -144,9 +142,7 @@ MadeProjection MakeCassiniSoldner(const ProjectionParameters& parameters) {
   const Direction origin = Toward(phi0);
   kernel.originArcM =
       kernel.ellipsoid.rectifyingRadius * (phi0 + kernel.zeta.Sum(origin.Sin2(), origin.Cos2()));
-  kernel.centralMeridianRad = parameters.centralMeridianRad;
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.falseNorthingM = parameters.falseNorthingM;
+  kernel.origin = PlaneOriginOf(parameters);
   return MakeOf(kernel);
 }
 

@@ -4,12 +4,12 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <numbers>
 #include <utility>
 
 #include "coordsys/closed/coord_sys_interface.h"
 #include "coordsys/projections/cassini_soldner.h"
 #include "coordsys/projections/oblique_mercator.h"
+#include "coordsys/projections/projection_domain.h"
 
 namespace tarvex {
 namespace {
@@ -68,24 +68,22 @@ class Entry {
 class ClosedProjection final : public Projection {
  public:
   ClosedProjection(std::shared_ptr<ClosedLibrary> library, const EntryNames& names,
-                   const ProjectionParameters& parameters, bool takesWgs84)
+                   const ProjectionParameters& parameters)
       : library_(std::move(library)),
         toGrid_(names.toGrid),
         toGeodetic_(names.toGeodetic),
-        parameters_(LibraryParameters(parameters)),
-        takesWgs84_(takesWgs84) {}
+        parameters_(LibraryParameters(parameters)) {}
+
+  using Projection::Forward;
+  using Projection::Inverse;
 
   ProjectionResult Forward(LatLon position, PlanePoint& point) const noexcept override {
     CoordSysConversion* entry = toGrid_.In(*library_);
     if (!entry) return ProjectionResult::LibraryMissing;
-    const double latitude = position.latitudeRad;
-    const double longitude = position.longitudeRad;
-    if (std::isnan(latitude) || std::isnan(longitude)) return ProjectionResult::NotANumber;
-    const bool onEarth = std::fabs(latitude) <= std::numbers::pi / 2.0 &&
-                         std::fabs(longitude) <= 2.0 * std::numbers::pi;
     PlanePoint out;
-    if (!onEarth || !Converts(entry, latitude, longitude, out.northingM, out.eastingM)) {
-      return ProjectionResult::OutsideDomain;
+    if (!OnEarth(position) || !Converts(entry, position.latitudeRad, position.longitudeRad,
+                                        out.northingM, out.eastingM)) {
+      return Refusal(position.latitudeRad, position.longitudeRad);
     }
     point = out;
     return ProjectionResult::Done;
@@ -94,52 +92,16 @@ class ClosedProjection final : public Projection {
   ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept override {
     CoordSysConversion* entry = toGeodetic_.In(*library_);
     if (!entry) return ProjectionResult::LibraryMissing;
-    if (std::isnan(point.northingM) || std::isnan(point.eastingM)) {
-      return ProjectionResult::NotANumber;
-    }
-    constexpr double kFarthestM = 1e9;
-    const bool onPlane =
-        std::fabs(point.northingM) <= kFarthestM && std::fabs(point.eastingM) <= kFarthestM;
     LatLon out;
-    if (!onPlane ||
+    if (!OnPlane(point) ||
         !Converts(entry, point.northingM, point.eastingM, out.latitudeRad, out.longitudeRad)) {
-      return ProjectionResult::OutsideDomain;
+      return Refusal(point.northingM, point.eastingM);
     }
     position = out;
     return ProjectionResult::Done;
   }
 
-  std::size_t Forward(std::span<const double> latitudeRad, std::span<const double> longitudeRad,
-                      std::span<double> northingM,
-                      std::span<double> eastingM) const noexcept override {
-    std::size_t refused = 0;
-    for (std::size_t i = 0; i < latitudeRad.size(); ++i) {
-      PlanePoint point{kNaN, kNaN};
-      refused += Forward(LatLon{latitudeRad[i], longitudeRad[i]}, point) != ProjectionResult::Done;
-      northingM[i] = point.northingM;
-      eastingM[i] = point.eastingM;
-    }
-    return refused;
-  }
-
-  std::size_t Inverse(std::span<const double> northingM, std::span<const double> eastingM,
-                      std::span<double> latitudeRad,
-                      std::span<double> longitudeRad) const noexcept override {
-    std::size_t refused = 0;
-    for (std::size_t i = 0; i < northingM.size(); ++i) {
-      LatLon position{kNaN, kNaN};
-      refused += Inverse(PlanePoint{northingM[i], eastingM[i]}, position) != ProjectionResult::Done;
-      latitudeRad[i] = position.latitudeRad;
-      longitudeRad[i] = position.longitudeRad;
-    }
-    return refused;
-  }
-
-  bool TakesWgs84() const noexcept override { return takesWgs84_; }
-
  private:
-  static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
   // What a library of another house answers is a number, or it is no answer.
   bool Converts(CoordSysConversion* entry, double first, double second, double& firstOut,
                 double& secondOut) const noexcept {
@@ -151,7 +113,6 @@ class ClosedProjection final : public Projection {
   Entry toGrid_;
   Entry toGeodetic_;
   CoordSysParameters parameters_;
-  bool takesWgs84_;
 };
 
 }  // namespace
@@ -163,30 +124,26 @@ MadeProjection MakeTransverseMercator34(const ProjectionParameters& parameters,
     return {nullptr, ProjectionFault::Area};
   }
   const EntryNames& names = kDanish[static_cast<std::size_t>(area)];
-  return {std::make_unique<ClosedProjection>(library, names, parameters, true),
-          ProjectionFault::None};
+  return {std::make_unique<ClosedProjection>(library, names, parameters), ProjectionFault::None};
 }
 
 MadeProjection MakeClosedCassiniSoldner(const ProjectionParameters& parameters,
                                         const std::shared_ptr<ClosedLibrary>& library) {
   const MadeProjection probe = MakeCassiniSoldner(parameters);
   if (!probe.projection) return {nullptr, probe.fault};
-  return {std::make_unique<ClosedProjection>(library, kCassini, parameters, false),
-          ProjectionFault::None};
+  return {std::make_unique<ClosedProjection>(library, kCassini, parameters), ProjectionFault::None};
 }
 
 MadeProjection MakeClosedObliqueMercator(const ProjectionParameters& parameters,
                                          const std::shared_ptr<ClosedLibrary>& library) {
   const MadeProjection probe = MakeObliqueMercatorB(parameters);
   if (!probe.projection) return {nullptr, probe.fault};
-  return {std::make_unique<ClosedProjection>(library, kOblique, parameters, false),
-          ProjectionFault::None};
+  return {std::make_unique<ClosedProjection>(library, kOblique, parameters), ProjectionFault::None};
 }
 
 MadeProjection MakeObliqueMercatorEov(const ProjectionParameters& parameters,
                                       const std::shared_ptr<ClosedLibrary>& library) {
-  return {std::make_unique<ClosedProjection>(library, kEov, parameters, true),
-          ProjectionFault::None};
+  return {std::make_unique<ClosedProjection>(library, kEov, parameters), ProjectionFault::None};
 }
 
 }  // namespace tarvex

@@ -43,21 +43,20 @@ struct Kernel {
   double widestTheta = 0.0;     ///< beyond it lies the gap of the fan
   double apexRadiusM = 0.0;     ///< radius where psi is 0; negative with n
   double overApexRadius = 0.0;  ///< of its magnitude
-  double centralMeridianRad = 0.0;
-  double falseEastingM = 0.0;
+  PlaneOrigin origin;
   double apexNorthingM = 0.0;
 
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     const Lanes phi = position.latitudeRad;
-    const Lanes lambda = WrappedLongitude(position.longitudeRad - centralMeridianRad);
+    const Lanes lambda = WrappedLongitude(position.longitudeRad - origin.centralMeridianRad);
     DirectionOf<Lanes> toward;
     DirectionOf<Lanes> theta;
     Toward(phi, n * lambda, toward, theta);
     // The pole itself lies at the apex; on a flat cone the exponential gets there too slowly.
     const Lanes r = Select(AtMost(Absolute(toward.cos), kPoleCosine), InAll<Lanes>(0.0),
                            apexRadiusM * ExponentialOf(-n * ellipsoid.Isometric(toward)));
-    point.eastingM = falseEastingM + r * theta.sin;
+    point.eastingM = origin.falseEastingM + r * theta.sin;
     point.northingM = apexNorthingM - r * theta.cos;
     return AtMost(-kFarthestLatitude, sign * phi);
   }
@@ -65,7 +64,7 @@ struct Kernel {
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     // A zero of either sign is +0, so that the apex of a southern cone has no direction either.
-    const Lanes x = sign * (point.eastingM - falseEastingM) + 0.0;
+    const Lanes x = sign * (point.eastingM - origin.falseEastingM) + 0.0;
     const Lanes y = sign * (apexNorthingM - point.northingM) + 0.0;
     const Lanes radius = SquareRootOf(x * x + y * y);
     const Lanes over = OverLength(radius);
@@ -75,7 +74,7 @@ struct Kernel {
     Lanes theta;
     ellipsoid.FromConformal(chi, {x * over, y * over}, phi, theta);
     position.latitudeRad = phi;
-    position.longitudeRad = WrappedLongitude(centralMeridianRad + theta * overN);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + theta * overN);
     const LaneMask<Lanes> inFan = Within(theta, widestTheta);
     return inFan & AtMost(-kFarthestLatitude - 1e-9, sign * phi);
   }
@@ -97,9 +96,8 @@ Kernel ConeOf(const ProjectionParameters& parameters, const EllipsoidConstants& 
   kernel.apexRadiusM = radius1 * std::exp(n * psi1);
   kernel.overApexRadius = 1.0 / std::fabs(kernel.apexRadiusM);
   const double originRadius = polar ? 0.0 : kernel.apexRadiusM * std::exp(-n * c.Isometric(phi0));
-  kernel.centralMeridianRad = parameters.centralMeridianRad;
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.apexNorthingM = parameters.falseNorthingM + originRadius;
+  kernel.origin = PlaneOriginOf(parameters);
+  kernel.apexNorthingM = kernel.origin.falseNorthingM + originRadius;
   return kernel;
 }
 

@@ -21,13 +21,11 @@ struct Kernel {
   Direction b0;    ///< latitude of the centre on the sphere
   double radiusM = 0.0;
   double overRadius = 0.0;
-  double centralMeridianRad = 0.0;
-  double falseEastingM = 0.0;
-  double falseNorthingM = 0.0;
+  PlaneOrigin origin;
 
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
-    const Lanes turn = c * WrappedLongitude(position.longitudeRad - centralMeridianRad);
+    const Lanes turn = c * WrappedLongitude(position.longitudeRad - origin.centralMeridianRad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> l;
     Toward(position.latitudeRad, turn, phi, l);
@@ -40,16 +38,16 @@ struct Kernel {
     const Lanes across = b0.cos * b.sin - b0.sin * forth;
     const Lanes over = 1.0 / SquareRootOf((length + across) * (length - across));
     const Lanes along = AngleOf(b.cos * l.sin * over, (b0.sin * b.sin + b0.cos * forth) * over);
-    point.eastingM = falseEastingM + radiusM * along;
-    point.northingM = falseNorthingM + radiusM * LogarithmOf((length + across) * over);
+    point.eastingM = origin.falseEastingM + radiusM * along;
+    point.northingM = origin.falseNorthingM + radiusM * LogarithmOf((length + across) * over);
     return AtMost(Absolute(across), kFarthestAcross * length) & Within(along, kQuarter) &
            Within(turn, kHalfTurn);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes along = (point.eastingM - falseEastingM) * overRadius;
-    const Lanes across = (point.northingM - falseNorthingM) * overRadius;
+    const Lanes along = (point.eastingM - origin.falseEastingM) * overRadius;
+    const Lanes across = (point.northingM - origin.falseNorthingM) * overRadius;
     const Lanes expAcross = ExponentialOf(across);
     const Lanes square = expAcross * expAcross;
     const Lanes norm = 1.0 / (square + 1.0);
@@ -65,7 +63,7 @@ struct Kernel {
     const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes turn;
     ellipsoid.FromConformal(chi, {east * over, north * over}, position.latitudeRad, turn);
-    position.longitudeRad = WrappedLongitude(centralMeridianRad + turn * overC);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + turn * overC);
     return Within(across, kFarthestAcrossIsometric + kClosing) & Within(along, kQuarter + kClosing);
   }
 };
@@ -88,9 +86,7 @@ MadeProjection MakeObliqueCylindrical(const ProjectionParameters& parameters) {
   kernel.radiusM =
       parameters.scaleFactor * c.a * std::sqrt(1.0 - c.e2) / (1.0 - c.e2 * centre.sin * centre.sin);
   kernel.overRadius = 1.0 / kernel.radiusM;
-  kernel.centralMeridianRad = parameters.centralMeridianRad;
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.falseNorthingM = parameters.falseNorthingM;
+  kernel.origin = PlaneOriginOf(parameters);
   return MakeOf(kernel);
 }
 

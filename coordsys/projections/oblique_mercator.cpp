@@ -27,16 +27,14 @@ struct Kernel {
   double lnH = 0.0;
   Direction g0;
   Direction gc;
-  double lambda0Rad = 0.0;
+  PlaneOrigin origin;        ///< its meridian is that of the natural origin
   double centreAngle = 0.0;  ///< of the centre along the central line, from the natural origin
   Direction centre;          ///< of this angle
   double originAngle = 0.0;  ///< of the false origin: 0, or the centre's
-  double falseEastingM = 0.0;
-  double falseNorthingM = 0.0;
 
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
-    const Lanes turn = b * WrappedLongitude(position.longitudeRad - lambda0Rad);
+    const Lanes turn = b * WrappedLongitude(position.longitudeRad - origin.centralMeridianRad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> d;
     Toward(position.latitudeRad, turn, phi, d);
@@ -56,16 +54,16 @@ struct Kernel {
 
     const Lanes v = -radiusM * LogarithmOf((cosh + across) * over);
     const Lanes u = radiusM * (along + centreAngle - originAngle);
-    point.eastingM = falseEastingM + v * gc.cos + u * gc.sin;
-    point.northingM = falseNorthingM + u * gc.cos - v * gc.sin;
+    point.eastingM = origin.falseEastingM + v * gc.cos + u * gc.sin;
+    point.northingM = origin.falseNorthingM + u * gc.cos - v * gc.sin;
     return AtMost(Absolute(across), kFarthestAcross * cosh) & Within(along, kQuarter) &
            Within(turn, kHalfTurn);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes x = (point.eastingM - falseEastingM) * overRadius;
-    const Lanes y = (point.northingM - falseNorthingM) * overRadius;
+    const Lanes x = (point.eastingM - origin.falseEastingM) * overRadius;
+    const Lanes y = (point.northingM - origin.falseNorthingM) * overRadius;
     const Lanes v = x * gc.cos - y * gc.sin;
     const Lanes u = y * gc.cos + x * gc.sin + originAngle;
 
@@ -83,7 +81,7 @@ struct Kernel {
     const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes turn;
     ellipsoid.FromConformal(chi, {aside * over, z.cos * over}, position.latitudeRad, turn);
-    position.longitudeRad = WrappedLongitude(lambda0Rad - turn * overB);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad - turn * overB);
     return Within(v, kFarthestAcrossIsometric + kClosing) &
            Within(u - centreAngle, kQuarter + kClosing);
   }
@@ -133,14 +131,12 @@ MadeProjection Make(const ProjectionParameters& parameters, bool falseOriginAtCe
   kernel.lnH = std::asinh(root) - kernel.b * c.Isometric(phi);
   kernel.g0.sin = azimuth.sin / d;
   kernel.g0.cos = std::hypot(root, azimuth.cos) / d;
-  kernel.lambda0Rad =
-      parameters.centralMeridianRad - std::atan2(root * azimuth.sin, d * azimuth.cos) / kernel.b;
+  kernel.origin = PlaneOriginOf(parameters);
+  kernel.origin.centralMeridianRad -= std::atan2(root * azimuth.sin, d * azimuth.cos) / kernel.b;
   kernel.gc = Toward(line.rectifiedRad);
   kernel.centreAngle = std::copysign(std::atan2(std::fabs(root), azimuth.cos), phi);
   kernel.centre = Toward(kernel.centreAngle);
   kernel.originAngle = falseOriginAtCentre ? kernel.centreAngle : 0.0;
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.falseNorthingM = parameters.falseNorthingM;
   return MakeOf(kernel);
 }
 

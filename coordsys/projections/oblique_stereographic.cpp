@@ -21,13 +21,11 @@ struct Kernel {
   Direction chi0;          ///< latitude of the origin on the sphere
   double diameterM = 0.0;  ///< 2 R k0
   double overDiameter = 0.0;
-  double centralMeridianRad = 0.0;
-  double falseEastingM = 0.0;
-  double falseNorthingM = 0.0;
+  PlaneOrigin origin;
 
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
-    const Lanes turn = c * WrappedLongitude(position.longitudeRad - centralMeridianRad);
+    const Lanes turn = c * WrappedLongitude(position.longitudeRad - origin.centralMeridianRad);
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> l;
     Toward(position.latitudeRad, turn, phi, l);
@@ -40,15 +38,15 @@ struct Kernel {
     const Lanes forth = chi.cos * l.cos;
     const Lanes b = length + chi.sin * chi0.sin + chi0.cos * forth;
     const Lanes scale = diameterM / b;
-    point.eastingM = falseEastingM + scale * chi.cos * l.sin;
-    point.northingM = falseNorthingM + scale * (chi.sin * chi0.cos - chi0.sin * forth);
+    point.eastingM = origin.falseEastingM + scale * chi.cos * l.sin;
+    point.northingM = origin.falseNorthingM + scale * (chi.sin * chi0.cos - chi0.sin * forth);
     return AtMost(kFarthestDenominator * length, b) & Within(turn, kHalfTurn);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes x = (point.eastingM - falseEastingM) * overDiameter;
-    const Lanes y = (point.northingM - falseNorthingM) * overDiameter;
+    const Lanes x = (point.eastingM - origin.falseEastingM) * overDiameter;
+    const Lanes y = (point.northingM - origin.falseNorthingM) * overDiameter;
     const Lanes square = x * x + y * y;
     const Lanes g = 2.0 / (1.0 + square);
     const Lanes cosD = 1.0 - square * g;
@@ -61,7 +59,7 @@ struct Kernel {
     const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes turn;
     ellipsoid.FromConformal(chi, {v * over, p * over}, position.latitudeRad, turn);
-    position.longitudeRad = WrappedLongitude(centralMeridianRad + turn * overC);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + turn * overC);
     return AtMost(square, kFarthestRadius * kFarthestRadius);
   }
 };
@@ -89,9 +87,7 @@ MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) 
                  : std::asinh(kernel.chi0.sin / kernel.chi0.cos) - kernel.c * c.Isometric(phi0);
   kernel.diameterM = 2.0 * radius * parameters.scaleFactor;
   kernel.overDiameter = 1.0 / kernel.diameterM;
-  kernel.centralMeridianRad = parameters.centralMeridianRad;
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.falseNorthingM = parameters.falseNorthingM;
+  kernel.origin = PlaneOriginOf(parameters);
   return MakeOf(kernel);
 }
 

@@ -1,6 +1,7 @@
 #include "coordsys/projections/projection.h"
 
 #include <cmath>
+#include <limits>
 
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/projection_families.h"
@@ -9,6 +10,7 @@
 namespace tarvex {
 namespace {
 
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kSmallestScale = 0.5;
 constexpr double kLargestScale = 2.0;
 constexpr double kFarthestOriginM = 1e8;
@@ -31,6 +33,32 @@ ProjectionFault CommonFault(const ProjectionParameters& parameters, ScaleFactorU
 }
 
 }  // namespace
+
+std::size_t Projection::Forward(std::span<const double> latitudeRad,
+                                std::span<const double> longitudeRad, std::span<double> northingM,
+                                std::span<double> eastingM) const noexcept {
+  std::size_t refused = 0;
+  for (std::size_t i = 0; i < latitudeRad.size(); ++i) {
+    PlanePoint point{kNaN, kNaN};
+    refused += Forward({latitudeRad[i], longitudeRad[i]}, point) != ProjectionResult::Done;
+    northingM[i] = point.northingM;
+    eastingM[i] = point.eastingM;
+  }
+  return refused;
+}
+
+std::size_t Projection::Inverse(std::span<const double> northingM, std::span<const double> eastingM,
+                                std::span<double> latitudeRad,
+                                std::span<double> longitudeRad) const noexcept {
+  std::size_t refused = 0;
+  for (std::size_t i = 0; i < northingM.size(); ++i) {
+    LatLon position{kNaN, kNaN};
+    refused += Inverse({northingM[i], eastingM[i]}, position) != ProjectionResult::Done;
+    latitudeRad[i] = position.latitudeRad;
+    longitudeRad[i] = position.longitudeRad;
+  }
+  return refused;
+}
 
 ProjectionParameters ParametersOf(const ProjectionRecord& record) {
   ProjectionParameters parameters;

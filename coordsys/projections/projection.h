@@ -49,6 +49,17 @@ struct ProjectionParameters {
 
 ProjectionParameters ParametersOf(const ProjectionRecord& record);
 
+/// Where a plane of projection begins.
+struct PlaneOrigin {
+  double centralMeridianRad = 0.0;
+  double falseEastingM = 0.0;
+  double falseNorthingM = 0.0;
+};
+
+constexpr PlaneOrigin PlaneOriginOf(const ProjectionParameters& parameters) {
+  return {parameters.centralMeridianRad, parameters.falseEastingM, parameters.falseNorthingM};
+}
+
 /// Which parameter keeps a projection from being made.
 enum class ProjectionFault : int {
   None,
@@ -73,19 +84,17 @@ class Projection {
   virtual ProjectionResult Inverse(PlanePoint point, LatLon& position) const noexcept = 0;
 
   /// Whole arrays, all of one length; in and out may be the same arrays, crossed or not. A point
-  /// that is refused comes out as not-a-number in both; returns how many were.
+  /// that is refused comes out as not-a-number in both; returns how many were. The families that
+  /// have nothing faster for them take point by point.
   virtual std::size_t Forward(std::span<const double> latitudeRad,
                               std::span<const double> longitudeRad, std::span<double> northingM,
-                              std::span<double> eastingM) const noexcept = 0;
+                              std::span<double> eastingM) const noexcept;
   virtual std::size_t Inverse(std::span<const double> northingM, std::span<const double> eastingM,
                               std::span<double> latitudeRad,
-                              std::span<double> longitudeRad) const noexcept = 0;
+                              std::span<double> longitudeRad) const noexcept;
 
   /// The point scale factor, of the families that give one: every transverse Mercator.
   virtual std::optional<double> PointScale(LatLon) const noexcept { return std::nullopt; }
-
-  /// True when positions are WGS84 and the datum shift lies inside the family's own computation.
-  virtual bool TakesWgs84() const noexcept { return false; }
 };
 
 /// A projection, or the fault that there is none.

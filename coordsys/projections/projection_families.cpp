@@ -39,12 +39,12 @@ void TakeFalseEastingOfSeries(ProjectionRecord& record) {
   record.coefficients[0] = record.coefficients[2];
 }
 
-// Computed on GRS 1980, where positions of WGS84 stand as they are; the national grid carries the
-// plane to the record's datum.
+// Computed on GRS 1980, where positions of WGS84 are taken as they are; the national grid carries
+// the plane to the record's datum.
 MadeProjection MakeTransverseMercatorOstn02(const ProjectionParameters& parameters) {
   ProjectionParameters onGrs80 = parameters;
   onGrs80.ellipsoid = kGrs80;
-  return MakeTransverseMercatorOfWgs84(onGrs80);
+  return MakeTransverseMercator(onGrs80);
 }
 
 using enum ProjectionType;

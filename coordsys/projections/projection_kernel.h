@@ -24,6 +24,7 @@
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/lanes.h"
 #include "coordsys/projections/projection.h"
+#include "coordsys/projections/projection_domain.h"
 
 namespace tarvex {
 
@@ -42,14 +43,13 @@ struct LanePoint {
 template <typename Kernel>
 class KernelProjection : public Projection {
  public:
-  KernelProjection(const Kernel& kernel, bool takesWgs84)
-      : kernel_(kernel), takesWgs84_(takesWgs84) {}
+  explicit KernelProjection(const Kernel& kernel) : kernel_(kernel) {}
 
   [[gnu::flatten]] ProjectionResult Forward(LatLon position,
                                             PlanePoint& point) const noexcept override {
     LanePoint<OneLane> out;
     const auto inside = ForwardLanes<OneLane>({position.latitudeRad, position.longitudeRad}, out);
-    if (!inside) return Why(position.latitudeRad, position.longitudeRad);
+    if (!inside) return Refusal(position.latitudeRad, position.longitudeRad);
     point = {out.northingM, out.eastingM};
     return ProjectionResult::Done;
   }
@@ -57,7 +57,7 @@ class KernelProjection : public Projection {
                                             LatLon& position) const noexcept override {
     LanePosition<OneLane> out;
     const auto inside = InverseLanes<OneLane>({point.northingM, point.eastingM}, out);
-    if (!inside) return Why(point.northingM, point.eastingM);
+    if (!inside) return Refusal(point.northingM, point.eastingM);
     position = {out.latitudeRad, out.longitudeRad};
     return ProjectionResult::Done;
   }
@@ -71,8 +71,6 @@ class KernelProjection : public Projection {
                       std::span<double> longitudeRad) const noexcept override {
     return InverseAll<TwoLanes>(northingM, eastingM, latitudeRad, longitudeRad);
   }
-
-  bool TakesWgs84() const noexcept override { return takesWgs84_; }
 
   std::optional<double> PointScale(LatLon position) const noexcept override {
     if constexpr (requires { kernel_.PointScale(position); }) {
@@ -116,23 +114,17 @@ class KernelProjection : public Projection {
   template <typename Lanes>
   LaneMask<Lanes> ForwardLanes(LanePosition<Lanes> position,
                                LanePoint<Lanes>& point) const noexcept {
-    const LaneMask<Lanes> onEarth = Within(position.latitudeRad, std::numbers::pi / 2.0) &
-                                    Within(position.longitudeRad, 2.0 * std::numbers::pi);
+    const LaneMask<Lanes> onEarth = Within(position.latitudeRad, kFarthestLatitudeRad) &
+                                    Within(position.longitudeRad, kFarthestLongitudeRad);
     return onEarth & kernel_.Forward(position, point);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> InverseLanes(LanePoint<Lanes> point,
                                LanePosition<Lanes>& position) const noexcept {
-    constexpr double kFarthestM = 1e9;
     const LaneMask<Lanes> onPlane =
-        Within(point.northingM, kFarthestM) & Within(point.eastingM, kFarthestM);
+        Within(point.northingM, kFarthestPlaneM) & Within(point.eastingM, kFarthestPlaneM);
     return onPlane & kernel_.Inverse(point, position);
-  }
-
-  static ProjectionResult Why(double a, double b) noexcept {
-    return std::isnan(a) || std::isnan(b) ? ProjectionResult::NotANumber
-                                          : ProjectionResult::OutsideDomain;
   }
 
   // As many points at a time as there are lanes; the last ones leave lanes over, which take the
@@ -183,7 +175,6 @@ class KernelProjection : public Projection {
   }
 
   Kernel kernel_;
-  bool takesWgs84_;
 };
 
 #if defined(TARVEX_FOUR_LANES)
@@ -208,14 +199,13 @@ class FourLaneProjection final : public KernelProjection<Kernel> {
 #endif
 
 template <typename Kernel>
-MadeProjection MakeOf(const Kernel& kernel, bool takesWgs84 = false) {
+MadeProjection MakeOf(const Kernel& kernel) {
 #if defined(TARVEX_FOUR_LANES)
   if (HasFourLanes()) {
-    return {std::make_unique<FourLaneProjection<Kernel>>(kernel, takesWgs84),
-            ProjectionFault::None};
+    return {std::make_unique<FourLaneProjection<Kernel>>(kernel), ProjectionFault::None};
   }
 #endif
-  return {std::make_unique<KernelProjection<Kernel>>(kernel, takesWgs84), ProjectionFault::None};
+  return {std::make_unique<KernelProjection<Kernel>>(kernel), ProjectionFault::None};
 }
 
 }  // namespace tarvex

@@ -17,27 +17,26 @@ struct ObliqueKernel {
   Direction chi0;
   double diameterM = 0.0;  ///< 2 a k0 m(phi0) / cos chi0
   double overDiameter = 0.0;
-  double centralMeridianRad = 0.0;
-  double falseEastingM = 0.0;
-  double falseNorthingM = 0.0;
+  PlaneOrigin origin;
 
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> l;
-    Toward(position.latitudeRad, position.longitudeRad - centralMeridianRad, phi, l);
+    Toward(position.latitudeRad, position.longitudeRad - origin.centralMeridianRad, phi, l);
     const DirectionOf<Lanes> chi = ellipsoid.Conformal(phi);
     const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
     const Lanes scale = diameterM / b;
-    point.eastingM = falseEastingM + scale * chi.cos * l.sin;
-    point.northingM = falseNorthingM + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
+    point.eastingM = origin.falseEastingM + scale * chi.cos * l.sin;
+    point.northingM =
+        origin.falseNorthingM + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
     return AtMost(kFarthestDenominator, b);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes x = (point.eastingM - falseEastingM) * overDiameter;
-    const Lanes y = (point.northingM - falseNorthingM) * overDiameter;
+    const Lanes x = (point.eastingM - origin.falseEastingM) * overDiameter;
+    const Lanes y = (point.northingM - origin.falseNorthingM) * overDiameter;
     const Lanes square = x * x + y * y;
     const Lanes g = 2.0 / (1.0 + square);
     const Lanes cosD = 1.0 - square * g;
@@ -48,7 +47,7 @@ struct ObliqueKernel {
     const DirectionOf<Lanes> chi{cosD * chi0.sin + y * g * chi0.cos, across};
     Lanes l;
     ellipsoid.FromConformal(chi, {v * over, p * over}, position.latitudeRad, l);
-    position.longitudeRad = WrappedLongitude(centralMeridianRad + l);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + l);
     return AtMost(square, kFarthestRadius * kFarthestRadius);
   }
 };
@@ -59,27 +58,25 @@ struct PolarKernel {
   double pole = 1.0;  ///< 1 north, -1 south
   double cM = 0.0;
   double overC = 0.0;
-  double centralMeridianRad = 0.0;
-  double falseEastingM = 0.0;
-  double falseNorthingM = 0.0;
+  PlaneOrigin origin;
 
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     DirectionOf<Lanes> phi;
     DirectionOf<Lanes> lambda;
-    Toward(position.latitudeRad, position.longitudeRad - centralMeridianRad, phi, lambda);
+    Toward(position.latitudeRad, position.longitudeRad - origin.centralMeridianRad, phi, lambda);
     phi.sin *= pole;
     const Lanes stretch = SmallExpm1(ellipsoid.EccentricPart(phi.sin));
     const Lanes r = cM * phi.cos / (1.0 + phi.sin) * (1.0 + stretch);
-    point.eastingM = falseEastingM + r * lambda.sin;
-    point.northingM = falseNorthingM - pole * r * lambda.cos;
+    point.eastingM = origin.falseEastingM + r * lambda.sin;
+    point.northingM = origin.falseNorthingM - pole * r * lambda.cos;
     return Less(kFarthestSine, phi.sin);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes x = point.eastingM - falseEastingM;
-    const Lanes y = pole * (falseNorthingM - point.northingM);
+    const Lanes x = point.eastingM - origin.falseEastingM;
+    const Lanes y = pole * (origin.falseNorthingM - point.northingM);
     const Lanes radius = SquareRootOf(x * x + y * y);
     const Lanes over = OverLength(radius);
     const Lanes t = radius * overC;
@@ -89,7 +86,7 @@ struct PolarKernel {
     Lanes lambda;
     ellipsoid.FromConformal(chi, {x * over, y * over}, phi, lambda);
     position.latitudeRad = pole * phi;
-    position.longitudeRad = WrappedLongitude(centralMeridianRad + lambda);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + lambda);
     return AtMost(t, kFarthestRadius);
   }
 };
@@ -101,9 +98,7 @@ MadeProjection MakePolar(const ProjectionParameters& parameters, const Ellipsoid
   kernel.cM = 2.0 * c.a * parameters.scaleFactor /
               std::sqrt(std::pow(1.0 + c.e, 1.0 + c.e) * std::pow(1.0 - c.e, 1.0 - c.e));
   kernel.overC = 1.0 / kernel.cM;
-  kernel.centralMeridianRad = parameters.centralMeridianRad;
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.falseNorthingM = parameters.falseNorthingM;
+  kernel.origin = PlaneOriginOf(parameters);
   return MakeOf(kernel);
 }
 
@@ -121,9 +116,7 @@ MadeProjection MakeStereographic(const ProjectionParameters& parameters) {
   kernel.diameterM = 2.0 * parameters.scaleFactor * c.RadiusOfPrimeVertical(origin.sin) *
                      origin.cos / kernel.chi0.cos;
   kernel.overDiameter = 1.0 / kernel.diameterM;
-  kernel.centralMeridianRad = parameters.centralMeridianRad;
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.falseNorthingM = parameters.falseNorthingM;
+  kernel.origin = PlaneOriginOf(parameters);
   return MakeOf(kernel);
 }
 

@@ -42,12 +42,10 @@ inline Complex<Lanes> SumOf(const SinePolynomial& polynomial, Lanes sin2, Lanes 
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
-  double centralMeridianRad = 0.0;
+  PlaneOrigin origin;
   double radiusM = 0.0;  ///< k0 times the rectifying radius
   double overRadius = 0.0;
   double originXi = 0.0;
-  double falseEastingM = 0.0;
-  double falseNorthingM = 0.0;
   SinePolynomial alpha;
   SinePolynomial beta;
   SineSeries alphaSeries = {};
@@ -59,7 +57,7 @@ struct Kernel {
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     DirectionOf<Lanes> lambda;
     DirectionOf<Lanes> phi;
-    Toward(position.longitudeRad - centralMeridianRad, position.latitudeRad, lambda, phi);
+    Toward(position.longitudeRad - origin.centralMeridianRad, position.latitudeRad, lambda, phi);
     const DirectionOf<Lanes> chi = ellipsoid.ConformalOfAnyLength(phi);
     const Lanes length2 = chi.sin * chi.sin + chi.cos * chi.cos;
     const Lanes length = SquareRootOf(length2);
@@ -74,15 +72,15 @@ struct Kernel {
     const Complex<Lanes> sum =
         SumOf(alpha, 2.0 * chi.sin * forth * overQ2, (forth - chi.sin) * (forth + chi.sin) * overQ2,
               2.0 * v * length * overQ2, (length2 + v * v) * overQ2);
-    point.northingM = falseNorthingM + radiusM * (xi - originXi + sum.re);
-    point.eastingM = falseEastingM + radiusM * (eta + sum.im);
+    point.northingM = origin.falseNorthingM + radiusM * (xi - originXi + sum.re);
+    point.eastingM = origin.falseEastingM + radiusM * (eta + sum.im);
     return Within(eta, kWidestEta) & Within(xi, kFarthestXi);
   }
 
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
-    const Lanes xi = (point.northingM - falseNorthingM) * overRadius + originXi;
-    const Lanes eta = (point.eastingM - falseEastingM) * overRadius;
+    const Lanes xi = (point.northingM - origin.falseNorthingM) * overRadius + originXi;
+    const Lanes eta = (point.eastingM - origin.falseEastingM) * overRadius;
     const LaneMask<Lanes> inReach = Within(eta, kWidestEta + 0.01) & Within(xi, kFarthestXi + 0.01);
     const DirectionOf<Lanes> at = Toward(xi);
     const Lanes expEta = ExponentialOf(eta);
@@ -109,7 +107,7 @@ struct Kernel {
     AnglesOf(DirectionOf<Lanes>{xiC.sin * overLength, forth * overLength},
              {sinhEta * overForth, xiC.cos * overForth}, chi, lambda);
     position.latitudeRad = chi + ellipsoid.delta.Sum(sin2chi, cos2chi);
-    position.longitudeRad = WrappedLongitude(centralMeridianRad + lambda);
+    position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + lambda);
     return inReach & Within(etaC, kWidestEta + kClosing) &
            Within(xi - sum.re, kFarthestXi + kClosing);
   }
@@ -118,7 +116,7 @@ struct Kernel {
   double PointScale(LatLon position) const noexcept {
     const Direction phi = Toward(position.latitudeRad);
     const Direction chi = ellipsoid.Conformal(position.latitudeRad);
-    const Direction lambda = Toward(position.longitudeRad - centralMeridianRad);
+    const Direction lambda = Toward(position.longitudeRad - origin.centralMeridianRad);
     const double forth = chi.cos * lambda.cos;
     const std::complex<double> zeta(std::atan2(chi.sin, forth), std::atanh(chi.cos * lambda.sin));
     std::complex<double> derivative = 1.0;
@@ -132,36 +130,26 @@ struct Kernel {
   }
 };
 
-MadeProjection Make(const ProjectionParameters& parameters, bool takesWgs84) {
+}  // namespace
+
+MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters) {
   if (!(std::fabs(parameters.latitudeOfOriginRad) <= std::numbers::pi / 2.0)) {
     return {nullptr, ProjectionFault::LatitudeOfOrigin};
   }
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   Kernel kernel;
   kernel.ellipsoid = c;
-  kernel.centralMeridianRad = parameters.centralMeridianRad;
+  kernel.origin = PlaneOriginOf(parameters);
   kernel.radiusM = parameters.scaleFactor * c.rectifyingRadius;
   kernel.overRadius = 1.0 / kernel.radiusM;
   const double phi0 = parameters.latitudeOfOriginRad;
   kernel.originXi =
       phi0 +
       SinePolynomial(GeodeticToRectifying(c.n)).Sum(std::sin(2.0 * phi0), std::cos(2.0 * phi0));
-  kernel.falseEastingM = parameters.falseEastingM;
-  kernel.falseNorthingM = parameters.falseNorthingM;
   kernel.alphaSeries = ConformalToRectifying(c.n);
   kernel.alpha = SinePolynomial(kernel.alphaSeries);
   kernel.beta = SinePolynomial(RectifyingToConformal(c.n));
-  return MakeOf(kernel, takesWgs84);
-}
-
-}  // namespace
-
-MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters) {
-  return Make(parameters, false);
-}
-
-MadeProjection MakeTransverseMercatorOfWgs84(const ProjectionParameters& parameters) {
-  return Make(parameters, true);
+  return MakeOf(kernel);
 }
 
 }  // namespace tarvex

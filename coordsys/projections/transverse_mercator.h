@@ -12,7 +12,4 @@ namespace tarvex {
 
 MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters);
 
-/// The same for a family whose positions are WGS84 whatever the record's datum.
-MadeProjection MakeTransverseMercatorOfWgs84(const ProjectionParameters& parameters);
-
 }  // namespace tarvex
