@@ -25,7 +25,8 @@ struct Kernel {
   double originArcM = 0.0;
   PlaneOrigin origin;
 
-  // Easting, and northing from the equator, of a latitude given with its direction.
+  // Easting, and northing from the equator, of a latitude given with its direction: Snyder 1987
+  // (13-7) and (13-8).
   template <typename Lanes>
   LanePoint<Lanes> Series(Lanes phiRad, DirectionOf<Lanes> phi, Lanes lambda, Lanes overCos,
                           Lanes nu) const noexcept {
@@ -78,8 +79,9 @@ struct Kernel {
   }
 
   // How far the latitude lies below the footpoint, the point of the central meridian that has the
-  // same northing, and the longitude: the forward series solved for its powers of d, with t and c
-  // of the footpoint. What it leaves out is below 1e-7 m up to kNarrowLongitude.
+  // same northing, and the longitude: Snyder 1987 (13-10) and (13-11) carried on, the forward
+  // series solved for its powers of d, with t and c of the footpoint. What it leaves out is below
+  // 1e-7 m up to kNarrowLongitude.
   template <typename Lanes>
   void FromFootpoint(Lanes east, DirectionOf<Lanes> at, Lanes& drop, Lanes& lambda) const noexcept {
     const Lanes overCos = 1.0 / at.cos;

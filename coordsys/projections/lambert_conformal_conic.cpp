@@ -17,9 +17,9 @@ double LengthOfParallel(const EllipsoidConstants& c, double phi) {
   return std::cos(phi) / std::sqrt(1.0 - c.e2 * sinPhi * sinPhi);
 }
 
-// The constant of the cone through two parallels: how the logarithm of their lengths changes with
-// the isometric latitude. Both differences are formed of the difference of the latitudes, so that
-// parallels a hand's breadth apart lose nothing.
+// The constant of the cone through two parallels, Snyder 1987 (15-8): how the logarithm of their
+// lengths changes with the isometric latitude. Both differences are formed of the difference of the
+// latitudes, so that parallels a hand's breadth apart lose nothing.
 double ConeConstant(const EllipsoidConstants& c, double phi1, double phi2) {
   const double half = std::sin(0.5 * (phi2 - phi1));
   const double sineStep = 2.0 * half * std::cos(0.5 * (phi1 + phi2));
@@ -53,11 +53,12 @@ struct Kernel {
     DirectionOf<Lanes> toward;
     DirectionOf<Lanes> theta;
     Toward(phi, n * lambda, toward, theta);
-    // The pole itself lies at the apex; on a flat cone the exponential gets there too slowly.
+    // Snyder 1987 (15-7), t being e^-psi. The pole itself lies at the apex; on a flat cone the
+    // exponential gets there too slowly.
     const Lanes r = Select(AtMost(Absolute(toward.cos), kPoleCosine), InAll<Lanes>(0.0),
                            apexRadiusM * ExponentialOf(-n * ellipsoid.Isometric(toward)));
-    point.eastingM = origin.falseEastingM + r * theta.sin;
-    point.northingM = apexNorthingM - r * theta.cos;
+    point.eastingM = origin.falseEastingM + r * theta.sin;  // (14-1)
+    point.northingM = apexNorthingM - r * theta.cos;        // (14-2)
     return AtMost(-kFarthestLatitude, sign * phi);
   }
 
@@ -66,9 +67,9 @@ struct Kernel {
     // A zero of either sign is +0, so that the apex of a southern cone has no direction either.
     const Lanes x = sign * (point.eastingM - origin.falseEastingM) + 0.0;
     const Lanes y = sign * (apexNorthingM - point.northingM) + 0.0;
-    const Lanes radius = SquareRootOf(x * x + y * y);
+    const Lanes radius = SquareRootOf(x * x + y * y);  // Snyder 1987 (14-10)
     const Lanes over = OverLength(radius);
-    const Lanes psi = -overN * LogarithmOf(radius * overApexRadius);
+    const Lanes psi = -overN * LogarithmOf(radius * overApexRadius);  // (15-11)
     const DirectionOf<Lanes> chi = ellipsoid.ConformalFromIsometric(psi);
     Lanes phi;
     Lanes theta;

@@ -15,9 +15,9 @@ constexpr double kClosing = 1e-9;
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
-  double c = 1.0;  ///< exponent of the sphere
+  double c = 1.0;  ///< exponent of the sphere, swisstopo's alpha
   double overC = 1.0;
-  double k = 0.0;  ///< constant of the isometric latitude on the sphere
+  double k = 0.0;  ///< constant of the isometric latitude on the sphere, swisstopo's K
   Direction b0;    ///< latitude of the centre on the sphere
   double radiusM = 0.0;
   double overRadius = 0.0;

@@ -45,17 +45,17 @@ struct Kernel {
     const Lanes sinh = square - 1.0;
     const Lanes one = 2.0 * expW;
     const Lanes aside = d.sin * one;
-    const Lanes across = sinh * g0.sin - aside * g0.cos;  // times cosh w
+    const Lanes across = sinh * g0.sin - aside * g0.cos;  // U times cosh w, Snyder 1987 (9-29)
     const Lanes over = 1.0 / SquareRootOf((cosh + across) * (cosh - across));
     const Lanes ahead = sinh * g0.cos + aside * g0.sin;
     const Lanes forth = d.cos * one;
     const Lanes along = AngleOf((ahead * centre.cos - forth * centre.sin) * over,
                                 (forth * centre.cos + ahead * centre.sin) * over);
 
-    const Lanes v = -radiusM * LogarithmOf((cosh + across) * over);
-    const Lanes u = radiusM * (along + centreAngle - originAngle);
-    point.eastingM = origin.falseEastingM + v * gc.cos + u * gc.sin;
-    point.northingM = origin.falseNorthingM + u * gc.cos - v * gc.sin;
+    const Lanes v = -radiusM * LogarithmOf((cosh + across) * over);     // (9-30)
+    const Lanes u = radiusM * (along + centreAngle - originAngle);      // (9-31)
+    point.eastingM = origin.falseEastingM + v * gc.cos + u * gc.sin;    // (9-33)
+    point.northingM = origin.falseNorthingM + u * gc.cos - v * gc.sin;  // (9-34)
     return AtMost(Absolute(across), kFarthestAcross * cosh) & Within(along, kQuarter) &
            Within(turn, kHalfTurn);
   }
@@ -64,14 +64,14 @@ struct Kernel {
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes x = (point.eastingM - origin.falseEastingM) * overRadius;
     const Lanes y = (point.northingM - origin.falseNorthingM) * overRadius;
-    const Lanes v = x * gc.cos - y * gc.sin;
-    const Lanes u = y * gc.cos + x * gc.sin + originAngle;
+    const Lanes v = x * gc.cos - y * gc.sin;                // Snyder 1987 (9-40)
+    const Lanes u = y * gc.cos + x * gc.sin + originAngle;  // (9-41)
 
     const Lanes expV = ExponentialOf(-v);
     const Lanes overExpV = 1.0 / expV;
-    const Lanes sinhV = 0.5 * (expV - overExpV);
+    const Lanes sinhV = 0.5 * (expV - overExpV);  // (9-43)
     const DirectionOf<Lanes> z = Toward(u);
-    const Lanes toPole = z.sin * g0.cos + sinhV * g0.sin;
+    const Lanes toPole = z.sin * g0.cos + sinhV * g0.sin;  // U' times T', (9-46)
     const Lanes aside = sinhV * g0.cos - z.sin * g0.sin;
     // The sphere's isometric latitude from both legs: the sine alone is blunt at a pole.
     const Lanes fromAxis = SquareRootOf(z.cos * z.cos + aside * aside + kAtPole);
@@ -120,20 +120,22 @@ MadeProjection Make(const ProjectionParameters& parameters, bool falseOriginAtCe
   const double w2 = 1.0 - c.e2 * centre.sin * centre.sin;
   Kernel kernel;
   kernel.ellipsoid = c;
-  kernel.b = std::sqrt(1.0 + c.ep2 * cos2 * cos2);
+  kernel.b = std::sqrt(1.0 + c.ep2 * cos2 * cos2);  // Snyder 1987 (9-11)
   kernel.overB = 1.0 / kernel.b;
-  kernel.radiusM = c.a * parameters.scaleFactor * std::sqrt(1.0 - c.e2) / w2;
+  kernel.radiusM = c.a * parameters.scaleFactor * std::sqrt(1.0 - c.e2) / w2;  // A / B, (9-12)
   kernel.overRadius = 1.0 / kernel.radiusM;
   // sqrt(D^2 - 1) with the sign of the latitude, in closed form: where the azimuth is near 90
   // degrees, differences of nearly equal numbers would cost centimetres.
   const double root = centre.sin / centre.cos * std::sqrt((1.0 - c.e2) / w2);
-  const double d = std::sqrt(1.0 + root * root);
-  kernel.lnH = std::asinh(root) - kernel.b * c.Isometric(phi);
-  kernel.g0.sin = azimuth.sin / d;
+  const double d = std::sqrt(1.0 + root * root);                // (9-14)
+  kernel.lnH = std::asinh(root) - kernel.b * c.Isometric(phi);  // (9-35), (9-36)
+  kernel.g0.sin = azimuth.sin / d;                              // (9-37)
   kernel.g0.cos = std::hypot(root, azimuth.cos) / d;
   kernel.origin = PlaneOriginOf(parameters);
+  // (9-38)
   kernel.origin.centralMeridianRad -= std::atan2(root * azimuth.sin, d * azimuth.cos) / kernel.b;
   kernel.gc = Toward(line.rectifiedRad);
+  // (9-39)
   kernel.centreAngle = std::copysign(std::atan2(std::fabs(root), azimuth.cos), phi);
   kernel.centre = Toward(kernel.centreAngle);
   kernel.originAngle = falseOriginAtCentre ? kernel.centreAngle : 0.0;

@@ -2,9 +2,9 @@
 //
 // The azimuth of the central line at the centre and the angle from the rectified to the skew grid
 // come from the record; an angle of 0 stands for the azimuth. Where the false origin lies tells the
-// variants apart. Source: EPSG guidance note 7-2, methods 9812 and 9815, over the isometric
-// latitude. Accuracy: 1e-8 m. Domain: 90 degrees of arc along the central line to either side of
-// the centre, 71 degrees across it.
+// variants apart. Source: EPSG guidance note 7-2, methods 9812 and 9815, and Snyder 1987 chapter 9,
+// over the isometric latitude. Accuracy: 1e-8 m. Domain: 90 degrees of arc along the central line
+// to either side of the centre, 71 degrees across it.
 #pragma once
 
 #include "coordsys/projections/projection.h"

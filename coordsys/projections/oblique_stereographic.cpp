@@ -15,7 +15,7 @@ constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degre
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
-  double c = 1.0;  ///< exponent of the sphere
+  double c = 1.0;  ///< exponent of the sphere, the note's n
   double overC = 1.0;
   double k = 0.0;          ///< constant of the isometric latitude on the sphere
   Direction chi0;          ///< latitude of the origin on the sphere

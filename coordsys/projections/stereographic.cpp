@@ -15,7 +15,7 @@ constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degre
 struct ObliqueKernel {
   EllipsoidConstants ellipsoid;
   Direction chi0;
-  double diameterM = 0.0;  ///< 2 a k0 m(phi0) / cos chi0
+  double diameterM = 0.0;  ///< 2 a k0 m(phi0) / cos chi0, of Snyder 1987 (21-27)
   double overDiameter = 0.0;
   PlaneOrigin origin;
 
@@ -27,6 +27,7 @@ struct ObliqueKernel {
     const DirectionOf<Lanes> chi = ellipsoid.Conformal(phi);
     const Lanes b = 1.0 + chi.sin * chi0.sin + chi.cos * chi0.cos * l.cos;
     const Lanes scale = diameterM / b;
+    // (21-24), (21-25)
     point.eastingM = origin.falseEastingM + scale * chi.cos * l.sin;
     point.northingM =
         origin.falseNorthingM + scale * (chi.sin * chi0.cos - chi.cos * chi0.sin * l.cos);
@@ -38,6 +39,7 @@ struct ObliqueKernel {
     const Lanes x = (point.eastingM - origin.falseEastingM) * overDiameter;
     const Lanes y = (point.northingM - origin.falseNorthingM) * overDiameter;
     const Lanes square = x * x + y * y;
+    // (21-36) to (21-38): square is that of tan(c / 2), g sin(c) / rho and cosD cos(c).
     const Lanes g = 2.0 / (1.0 + square);
     const Lanes cosD = 1.0 - square * g;
     const Lanes p = chi0.cos * cosD - y * g * chi0.sin;
@@ -52,7 +54,8 @@ struct ObliqueKernel {
   }
 };
 
-// Radii from the pole are C exp(-psi), psi growing towards the pole of the zone.
+// Radii from the pole are C exp(-psi), psi growing towards the pole of the zone: Snyder 1987
+// (21-33), t being exp(-psi).
 struct PolarKernel {
   EllipsoidConstants ellipsoid;
   double pole = 1.0;  ///< 1 north, -1 south
@@ -79,7 +82,7 @@ struct PolarKernel {
     const Lanes y = pole * (origin.falseNorthingM - point.northingM);
     const Lanes radius = SquareRootOf(x * x + y * y);
     const Lanes over = OverLength(radius);
-    const Lanes t = radius * overC;
+    const Lanes t = radius * overC;  // (21-39)
     const Lanes norm = 1.0 / (1.0 + t * t);
     const DirectionOf<Lanes> chi{(1.0 - t * t) * norm, 2.0 * t * norm};
     Lanes phi;

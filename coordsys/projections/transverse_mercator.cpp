@@ -46,13 +46,13 @@ struct Kernel {
   double radiusM = 0.0;  ///< k0 times the rectifying radius
   double overRadius = 0.0;
   double originXi = 0.0;
-  SinePolynomial alpha;
-  SinePolynomial beta;
+  SinePolynomial alpha;  ///< Karney 2011, eq. 35
+  SinePolynomial beta;   ///< eq. 36
   SineSeries alphaSeries = {};
 
-  // Everything comes from the conformal latitude chi and lambda by algebra: tanh eta' is v / length
-  // with v = cos chi sin lambda, and q2 = length^2 - v^2 the square of cos chi cos lambda and sin
-  // chi. Nothing needs chi at length 1.
+  // Karney 2011, eqs. 7 to 14. Everything comes from the conformal latitude chi and lambda by
+  // algebra: tanh eta' is v / length with v = cos chi sin lambda, and q2 = length^2 - v^2 the
+  // square of cos chi cos lambda and sin chi. Nothing needs chi at length 1.
   template <typename Lanes>
   LaneMask<Lanes> Forward(LanePosition<Lanes> position, LanePoint<Lanes>& point) const noexcept {
     DirectionOf<Lanes> lambda;
@@ -66,9 +66,11 @@ struct Kernel {
     const Lanes q2 = chi.sin * chi.sin + forth * forth;
     const Lanes overQ = 1.0 / SquareRootOf(q2);
     const Lanes overQ2 = overQ * overQ;
+    // xi' and eta', eq. 10
     const Lanes xi = AngleOf(chi.sin * overQ, forth * overQ);
     const Lanes eta = LogarithmOf((length + v) * overQ);
 
+    // xi - xi' and eta - eta', eq. 11
     const Complex<Lanes> sum =
         SumOf(alpha, 2.0 * chi.sin * forth * overQ2, (forth - chi.sin) * (forth + chi.sin) * overQ2,
               2.0 * v * length * overQ2, (length2 + v * v) * overQ2);
@@ -77,6 +79,7 @@ struct Kernel {
     return Within(eta, kWidestEta) & Within(xi, kFarthestXi);
   }
 
+  // Karney 2011, eqs. 15 to 22, the geodetic latitude by its own series of the conformal one.
   template <typename Lanes>
   LaneMask<Lanes> Inverse(LanePoint<Lanes> point, LanePosition<Lanes>& position) const noexcept {
     const Lanes xi = (point.northingM - origin.falseNorthingM) * overRadius + originXi;
@@ -112,7 +115,7 @@ struct Kernel {
            Within(xi - sum.re, kFarthestXi + kClosing);
   }
 
-  // Karney's formula: the scale of the sphere's projection times that of the series.
+  // Karney 2011, eq. 25: the scale of the sphere's projection times that of the series.
   double PointScale(LatLon position) const noexcept {
     const Direction phi = Toward(position.latitudeRad);
     const Direction chi = ellipsoid.Conformal(position.latitudeRad);
