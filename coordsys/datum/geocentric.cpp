@@ -15,8 +15,7 @@ Geocentric GeocentricFrame::ToGeocentric(const Geodetic& position) const noexcep
 }
 
 Geodetic GeocentricFrame::ToGeodetic(const Geocentric& point) const noexcept {
-  const double p = std::sqrt(point.xM * point.xM + point.yM * point.yM);
-  const Meridian meridian = InMeridian(p, point.zM);
+  const Meridian meridian = InMeridian(point.xM * point.xM + point.yM * point.yM, point.zM);
   return {.latitudeRad = std::atan2(meridian.north, meridian.out),
           .longitudeRad = std::atan2(point.yM, point.xM),
           .heightM = meridian.heightM};

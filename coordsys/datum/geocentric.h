@@ -39,11 +39,13 @@ class GeocentricFrame {
     return {out * cosLon, out * sinLon, (nu * (1.0 - e2_) + heightM) * sinLat};
   }
 
-  /// Bowring's step in the meridian plane at `pM` from the axis and `zM` from the equator.
-  Meridian InMeridian(double pM, double zM) const noexcept {
-    const double r2 = pM * pM + zM * zM;
+  /// Bowring's step in the meridian plane at the square root of `p2` from the axis and `zM` from
+  /// the equator.
+  Meridian InMeridian(double p2, double zM) const noexcept {
+    const double pM = std::sqrt(p2);
+    const double r2 = p2 + zM * zM;
     const double r = std::sqrt(r2);
-    const double radius = b_ * (1.0 + 0.5 * e2_ * pM * pM / r2);
+    const double radius = b_ * (1.0 + 0.5 * e2_ * p2 / r2);
     double s = b_ * zM * (r + ep2_ * radius);
     double c = a_ * pM * r;
     const double unit = 1.0 / std::sqrt(s * s + c * c);

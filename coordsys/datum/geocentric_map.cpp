@@ -22,7 +22,7 @@ constexpr double ArcTangentSeries(double t) noexcept {
 }
 
 // The angle of the direction (sine, cosine), by the series for the small turns of a datum shift.
-double SmallAngle(double sine, double cosine) noexcept {
+inline double SmallAngle(double sine, double cosine) noexcept {
   const double t = sine / cosine;
   return cosine > 0.0 && IsSmall(t) ? ArcTangentSeries(t) : std::atan2(sine, cosine);
 }
@@ -75,8 +75,8 @@ struct GeodeticMap::Turned {
                                                                     double sinLon, double cosLon,
                                                                     double heightM) const noexcept {
   const Geocentric point = map_.Apply(from_.FromDirection(sinLat, cosLat, sinLon, cosLon, heightM));
-  const double p = std::sqrt(point.xM * point.xM + point.yM * point.yM);
-  const auto [north, out, height] = to_.InMeridian(p, point.zM);
+  const double p2 = point.xM * point.xM + point.yM * point.yM;
+  const auto [north, out, height] = to_.InMeridian(p2, point.zM);
   return {.latSine = north * cosLat - out * sinLat,
           .latCosine = out * cosLat + north * sinLat,
           .lonSine = point.yM * cosLon - point.xM * sinLon,
