@@ -100,8 +100,8 @@ const bool kRegistered = [] {
     std::string system;  // to both; -s and -r give northing and easting in our order
     bool swapped;
   };
-  const Job jobs[] = {{"1e6 lines, UTM", "EPSG:32632", true},
-                      {"1e6 lines, seven parameters", "EPSG:31467", false}};
+  const Job jobs[] = {{"a million lines, UTM", "EPSG:32632", true},
+                      {"a million lines, seven parameters", "EPSG:31467", false}};
   const std::string earth = "EPSG:4326";
   const bool peer = ::access(kPeer, X_OK) == 0;
   for (const Job& job : jobs) {

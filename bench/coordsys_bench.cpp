@@ -33,29 +33,30 @@ struct Job {
 };
 
 constexpr Job kJobs[] = {
-    {"tmerc", "+proj=utm +zone=32 +ellps=bessel", "Transverse_Mercator",
+    {"transverse Mercator", "+proj=utm +zone=32 +ellps=bessel", "Transverse_Mercator",
      R"(PARAMETER["latitude_of_origin",0],PARAMETER["central_meridian",9],PARAMETER["scale_factor",0.9996],PARAMETER["false_easting",500000],PARAMETER["false_northing",0])",
      45, 55, 6, 12},
-    {"lcc",
+    {"Lambert",
      "+proj=lcc +lat_0=46.5 +lon_0=3 +lat_1=49 +lat_2=44 +x_0=700000 +y_0=6600000 +ellps=bessel",
      "Lambert_Conformal_Conic_2SP",
      R"(PARAMETER["latitude_of_origin",46.5],PARAMETER["central_meridian",3],PARAMETER["standard_parallel_1",49],PARAMETER["standard_parallel_2",44],PARAMETER["false_easting",700000],PARAMETER["false_northing",6600000])",
      41, 51, -5, 9},
-    {"sterea",
+    {"double stereographic",
      "+proj=sterea +lat_0=52.156160556 +lon_0=5.387638889 +k=0.9999079 +x_0=155000 +y_0=463000 "
      "+ellps=bessel",
      "Oblique_Stereographic",
      R"(PARAMETER["latitude_of_origin",52.156160556],PARAMETER["central_meridian",5.387638889],PARAMETER["scale_factor",0.9999079],PARAMETER["false_easting",155000],PARAMETER["false_northing",463000])",
      50.5, 53.7, 3.2, 7.3},
-    {"stere_polar",
+    {"polar stereographic",
      "+proj=stere +lat_0=90 +lon_0=0 +k=0.994 +x_0=2000000 +y_0=2000000 +ellps=bessel",
      "Stereographic",
      R"(PARAMETER["latitude_of_origin",90],PARAMETER["central_meridian",0],PARAMETER["scale_factor",0.994],PARAMETER["false_easting",2000000],PARAMETER["false_northing",2000000])",
      70, 89, -170, 170},
-    {"stere_oblique", "+proj=stere +lat_0=47 +lon_0=20 +k=0.9999 +ellps=bessel", "Stereographic",
+    {"oblique stereographic", "+proj=stere +lat_0=47 +lon_0=20 +k=0.9999 +ellps=bessel",
+     "Stereographic",
      R"(PARAMETER["latitude_of_origin",47],PARAMETER["central_meridian",20],PARAMETER["scale_factor",0.9999],PARAMETER["false_easting",0],PARAMETER["false_northing",0])",
      44, 50, 16, 24},
-    {"omerc_a",
+    {"oblique Mercator A",
      "+proj=omerc +no_uoff +lat_0=57 +lonc=-133.6666666667 +alpha=-36.869897645844 "
      "+gamma=-36.869897645844 +k=0.9999 +x_0=5000000 +y_0=-5000000 +ellps=bessel",
      "Oblique_Mercator_83",
@@ -66,18 +67,18 @@ constexpr Job kJobs[] = {
 // Kernels that our module serves behind the closed library's interface, measured directly and
 // through it.
 constexpr Job kLibraryJobs[] = {
-    {"cass",
+    {"Cassini",
      "+proj=cass +lat_0=10.4416666667 +lon_0=-61.3333333333 +x_0=86501 +y_0=65379 +ellps=bessel",
      "Cassini_Soldner",
      R"(PARAMETER["latitude_of_origin",10.4416666667],PARAMETER["central_meridian",-61.3333333333],PARAMETER["false_easting",86501],PARAMETER["false_northing",65379])",
      9.8, 11.1, -62, -60.5},
-    {"omerc_b",
+    {"oblique Mercator B",
      "+proj=omerc +lat_0=4 +lonc=115 +alpha=53.3158204722 +gamma=53.1301023611 +k=0.99984 "
      "+x_0=590476 +y_0=442857 +ellps=bessel",
      "Oblique_Mercator",
      R"(PARAMETER["latitude_of_origin",4],PARAMETER["central_meridian",115],PARAMETER["azimuth",53.3158204722],PARAMETER["rectified_grid_angle",53.1301023611],PARAMETER["scale_factor",0.99984],PARAMETER["false_easting",590476],PARAMETER["false_northing",442857])",
      1, 7, 109, 119},
-    {"somerc",
+    {"double cylindrical (EOV)",
      "+proj=somerc +lat_0=47.1443937222 +lon_0=19.0485717778 +k_0=0.99993 +x_0=650000 +y_0=200000 "
      "+ellps=bessel",
      "Oblique_Mercator_EOV",
@@ -130,44 +131,31 @@ void Project(const Pj& pj, PJ_DIRECTION direction, std::vector<double>& x, std::
                      sizeof(double), y.size(), nullptr, 0, 0, nullptr, 0, 0);
 }
 
-using Ways = std::array<std::shared_ptr<const Projection>, 2>;
+// A job of the same kind both ways: our run of a projection, PROJ's run.
+struct Way {
+  std::string name;
+  std::function<void(benchmark::State&, const Projection&)> ours;
+  std::function<void(benchmark::State&)> peer;
+};
 
-// As this processor computes, and as one without 256-bit registers does.
-Ways WaysOf(const Job& job, Maker maker) {
-  Ways ways;
-  ways[0] = ProjectionOf(job, maker);
-  WithoutFourLanes(true);
-  ways[1] = ProjectionOf(job, maker);
-  WithoutFourLanes(false);
-  return ways;
+void Add(const std::string& job, const std::shared_ptr<const Projection>& projection,
+         const Way& way) {
+  benchmark::RegisterBenchmark(
+      (job + way.name + "/tarvex").c_str(),
+      [way, projection](benchmark::State& state) { way.ours(state, *projection); });
+  benchmark::RegisterBenchmark((job + way.name + "/PROJ").c_str(), way.peer);
 }
 
-void AddOurs(const std::string& job, const Ways& ways,
-             const std::function<void(benchmark::State&, const Projection&)>& run) {
-  const char* const names[] = {"/tarvex", "/two lanes"};
-  for (std::size_t i = 0; i < ways.size(); ++i) {
-    benchmark::RegisterBenchmark(
-        (job + names[i]).c_str(),
-        [run, projection = ways[i]](benchmark::State& state) { run(state, *projection); });
-  }
-}
-
-void AddPeer(const std::string& job, const std::function<void(benchmark::State&)>& run) {
-  benchmark::RegisterBenchmark((job + "/PROJ").c_str(), run);
-}
-
-void AddBatch(const Job& job, const Ways& ways, const std::shared_ptr<Points>& points,
-              const std::shared_ptr<Pj>& pj) {
-  const std::string name = job.name;
-  AddOurs(name + "_forward", ways, [=](benchmark::State& state, const Projection& projection) {
+std::array<Way, 2> Arrays(const std::shared_ptr<Points>& points, const std::shared_ptr<Pj>& pj) {
+  const auto forth = [=](benchmark::State& state, const Projection& projection) {
     Points own = *points;
     for (auto _ : state) {
       benchmark::DoNotOptimize(
           projection.Forward(own.latitude, own.longitude, own.northing, own.easting));
       benchmark::ClobberMemory();
     }
-  });
-  AddPeer(name + "_forward", [=](benchmark::State& state) {
+  };
+  const auto forthPeer = [=](benchmark::State& state) {
     Points own = *points;
     for (auto _ : state) {
       own.easting = points->longitude;
@@ -175,16 +163,16 @@ void AddBatch(const Job& job, const Ways& ways, const std::shared_ptr<Points>& p
       Project(*pj, PJ_FWD, own.easting, own.northing);
       benchmark::ClobberMemory();
     }
-  });
-  AddOurs(name + "_inverse", ways, [=](benchmark::State& state, const Projection& projection) {
+  };
+  const auto back = [=](benchmark::State& state, const Projection& projection) {
     Points own = *points;
     for (auto _ : state) {
       benchmark::DoNotOptimize(
           projection.Inverse(own.northing, own.easting, own.latitude, own.longitude));
       benchmark::ClobberMemory();
     }
-  });
-  AddPeer(name + "_inverse", [=](benchmark::State& state) {
+  };
+  const auto backPeer = [=](benchmark::State& state) {
     Points own = *points;
     for (auto _ : state) {
       own.longitude = points->easting;
@@ -192,14 +180,14 @@ void AddBatch(const Job& job, const Ways& ways, const std::shared_ptr<Points>& p
       Project(*pj, PJ_INV, own.longitude, own.latitude);
       benchmark::ClobberMemory();
     }
-  });
+  };
+  return {{{"", forth, forthPeer}, {", back", back, backPeer}}};
 }
 
 // One position a call: what collecting and staking do.
-void AddSingle(const Job& job, const Ways& ways, const std::shared_ptr<Points>& points,
-               const std::shared_ptr<Pj>& pj) {
-  const std::string name = std::string(job.name) + "_single";
-  AddOurs(name + "_forward", ways, [=](benchmark::State& state, const Projection& projection) {
+std::array<Way, 2> SinglePoints(const std::shared_ptr<Points>& points,
+                                const std::shared_ptr<Pj>& pj) {
+  const auto forth = [=](benchmark::State& state, const Projection& projection) {
     for (auto _ : state) {
       for (std::size_t i = 0; i < kPoints; ++i) {
         PlanePoint point;
@@ -208,16 +196,8 @@ void AddSingle(const Job& job, const Ways& ways, const std::shared_ptr<Points>& 
         benchmark::DoNotOptimize(point);
       }
     }
-  });
-  AddPeer(name + "_forward", [=](benchmark::State& state) {
-    for (auto _ : state) {
-      for (std::size_t i = 0; i < kPoints; ++i) {
-        benchmark::DoNotOptimize(proj_trans(
-            pj->get(), PJ_FWD, proj_coord(points->longitude[i], points->latitude[i], 0.0, 0.0)));
-      }
-    }
-  });
-  AddOurs(name + "_inverse", ways, [=](benchmark::State& state, const Projection& projection) {
+  };
+  const auto back = [=](benchmark::State& state, const Projection& projection) {
     for (auto _ : state) {
       for (std::size_t i = 0; i < kPoints; ++i) {
         LatLon position;
@@ -226,15 +206,20 @@ void AddSingle(const Job& job, const Ways& ways, const std::shared_ptr<Points>& 
         benchmark::DoNotOptimize(position);
       }
     }
-  });
-  AddPeer(name + "_inverse", [=](benchmark::State& state) {
-    for (auto _ : state) {
-      for (std::size_t i = 0; i < kPoints; ++i) {
-        benchmark::DoNotOptimize(proj_trans(
-            pj->get(), PJ_INV, proj_coord(points->easting[i], points->northing[i], 0.0, 0.0)));
+  };
+  const auto peer = [=](PJ_DIRECTION direction, const std::vector<double>& x,
+                        const std::vector<double>& y) {
+    return [=, &x, &y](benchmark::State& state) {
+      for (auto _ : state) {
+        for (std::size_t i = 0; i < kPoints; ++i) {
+          benchmark::DoNotOptimize(
+              proj_trans(pj->get(), direction, proj_coord(x[i], y[i], 0.0, 0.0)));
+        }
       }
-    }
-  });
+    };
+  };
+  return {{{", single", forth, peer(PJ_FWD, points->longitude, points->latitude)},
+           {", single, back", back, peer(PJ_INV, points->easting, points->northing)}}};
 }
 
 void SearchCatalogue(benchmark::State& state) {
@@ -243,24 +228,31 @@ void SearchCatalogue(benchmark::State& state) {
     benchmark::DoNotOptimize(catalogue.Search("texas south"));
   }
 }
-BENCHMARK(SearchCatalogue)->Name("catalogue_open_and_search/tarvex")->Unit(benchmark::kMillisecond);
+BENCHMARK(SearchCatalogue)
+    ->Name("open the catalogue and search/tarvex")
+    ->Unit(benchmark::kMillisecond);
 
-void Add(const Job& job, Maker maker) {
-  const Ways ways = WaysOf(job, maker);
+void AddFamily(const Job& job, Maker maker) {
   const auto points = std::make_shared<Points>(job);
   const auto pj = std::make_shared<Pj>(proj_create(nullptr, job.proj));
-  if (ways[0]->Forward(points->latitude, points->longitude, points->northing, points->easting)) {
+  const auto projection = ProjectionOf(job, maker);
+  WithoutFourLanes(true);
+  const auto onTwoLanes = ProjectionOf(job, maker);
+  WithoutFourLanes(false);
+  if (projection->Forward(points->latitude, points->longitude, points->northing, points->easting)) {
     std::abort();
   }
-  AddBatch(job, ways, points, pj);
-  AddSingle(job, ways, points, pj);
+  const std::string name = job.name;
+  for (const Way& way : Arrays(points, pj)) Add(name, projection, way);
+  for (const Way& way : Arrays(points, pj)) Add(name + ", without AVX2", onTwoLanes, way);
+  for (const Way& way : SinglePoints(points, pj)) Add(name, projection, way);
 }
 
 const bool kAdded = [] {
-  for (const Job& job : kJobs) Add(job, nullptr);
-  Add(kLibraryJobs[0], MakeCassiniSoldner);
-  Add(kLibraryJobs[1], MakeObliqueMercatorB);
-  Add(kLibraryJobs[2], MakeObliqueCylindrical);
+  for (const Job& job : kJobs) AddFamily(job, nullptr);
+  AddFamily(kLibraryJobs[0], MakeCassiniSoldner);
+  AddFamily(kLibraryJobs[1], MakeObliqueMercatorB);
+  AddFamily(kLibraryJobs[2], MakeObliqueCylindrical);
   return true;
 }();
 

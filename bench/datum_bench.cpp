@@ -223,20 +223,20 @@ void GeoidProj(benchmark::State& state) {
   TimeProj(state, "+proj=vgridshift +grids=" + BavariaPath(), PJ_FWD, BavarianPoints());
 }
 
-BENCHMARK(SevenParametersOurs)->Name("datum/seven_parameters/tarvex");
-BENCHMARK(SevenParametersProj)->Name("datum/seven_parameters/proj");
-BENCHMARK(ToGridOurs)->Name("datum/wgs84_to_grid/tarvex");
-BENCHMARK(ToGridProj)->Name("datum/wgs84_to_grid/proj");
-BENCHMARK(Ntv2ForwardOurs)->Name("datum/ntv2_forward/tarvex");
-BENCHMARK(Ntv2ForwardProj)->Name("datum/ntv2_forward/proj");
-BENCHMARK(Ntv2InverseOurs)->Name("datum/ntv2_inverse/tarvex");
-BENCHMARK(Ntv2InverseProj)->Name("datum/ntv2_inverse/proj");
-BENCHMARK(Ntv2ForwardSingle)->Name("datum/ntv2_forward_single/tarvex");
-BENCHMARK(Ntv2ForwardProj)->Name("datum/ntv2_forward_single/proj");
-BENCHMARK(Ntv2InverseSingle)->Name("datum/ntv2_inverse_single/tarvex");
-BENCHMARK(Ntv2InverseProj)->Name("datum/ntv2_inverse_single/proj");
-BENCHMARK(GeoidOurs)->Name("datum/geoid/tarvex");
-BENCHMARK(GeoidProj)->Name("datum/geoid/proj");
+BENCHMARK(SevenParametersOurs)->Name("seven parameters/tarvex");
+BENCHMARK(SevenParametersProj)->Name("seven parameters/PROJ");
+BENCHMARK(ToGridOurs)->Name("WGS84 to grid, seven parameters/tarvex");
+BENCHMARK(ToGridProj)->Name("WGS84 to grid, seven parameters/PROJ");
+BENCHMARK(Ntv2ForwardOurs)->Name("shift grid/tarvex");
+BENCHMARK(Ntv2ForwardProj)->Name("shift grid/PROJ");
+BENCHMARK(Ntv2InverseOurs)->Name("shift grid, back/tarvex");
+BENCHMARK(Ntv2InverseProj)->Name("shift grid, back/PROJ");
+BENCHMARK(Ntv2ForwardSingle)->Name("shift grid, single/tarvex");
+BENCHMARK(Ntv2ForwardProj)->Name("shift grid, single/PROJ");
+BENCHMARK(Ntv2InverseSingle)->Name("shift grid, single, back/tarvex");
+BENCHMARK(Ntv2InverseProj)->Name("shift grid, single, back/PROJ");
+BENCHMARK(GeoidOurs)->Name("geoid, single/tarvex");
+BENCHMARK(GeoidProj)->Name("geoid, single/PROJ");
 
 }  // namespace
 }  // namespace tarvex
