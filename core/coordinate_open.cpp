@@ -124,7 +124,10 @@ std::unique_ptr<CoordinateFile> MakeStream(Job& job, Opened opened) {
 std::unique_ptr<CoordinateFile> OpenExisting(Job& job) {
   Opened opened;
   FileStatus status = OpenLocked(job.host.files(), job.path, FileAccess::ReadWrite, opened.file);
-  if (!status.ok()) return Tell(job, kTextCannotOpen, status), nullptr;
+  if (!status.ok()) {
+    const bool interrupted = HasInterruptedChange(job.host.files(), job.path, job.journal);
+    return Tell(job, interrupted ? kTextInterruptedNotWritable : kTextCannotOpen, status), nullptr;
+  }
   const FilesStatus finished =
       FinishInterruptedChange(job.host.files(), job.path, *opened.file, job.journal);
   if (!finished.ok()) return Tell(job, kTextCannotFinish, finished), nullptr;

@@ -11,6 +11,7 @@ inline constexpr int kTextCannotConvert = 1004;
 inline constexpr int kTextCannotFinish = 1005;
 inline constexpr int kTextCannotRead = 1006;
 inline constexpr int kTextCreatedNotDurable = 1007;
+inline constexpr int kTextInterruptedNotWritable = 1008;
 
 // A change that could not be made; 10 behind it the text of one that is not durable, 20 behind it
 // of one that is pending (MessageOf in core/file_rewrite.h)

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <new>
 
-#include "core/change_journal.h"
-#include "core/coordinate_file.h"
 #include "platform/memory.h"
 
 namespace tarvex {
@@ -46,21 +44,30 @@ LoadPointsResult LoadFrom(CoordinateFile& stream, std::uint64_t count, PointList
   return LoadPointsResult::Loaded;
 }
 
+LoadPointsResult LoadWhole(CoordinateFile& stream, PointList& points,
+                           const PointList* verifyAgainst, const ProgressWindow& progress) {
+  try {
+    PointList loaded;
+    const LoadPointsResult result =
+        LoadFrom(stream, stream.recordCount(), loaded, verifyAgainst, progress);
+    if (result == LoadPointsResult::Loaded) points.swap(loaded);
+    return result;
+  } catch (const std::bad_alloc&) {
+    return LoadPointsResult::OutOfMemory;
+  }
+}
+
 }  // namespace
 
 LoadPointsResult LoadAllPoints(Job& job, PointList& points, const PointList* verifyAgainst,
                                const ProgressWindow& progress) {
   const auto stream = OpenForReading(job);
   if (!stream) return LoadPointsResult::CannotOpen;
-  try {
-    PointList loaded;
-    const LoadPointsResult result =
-        LoadFrom(*stream, stream->recordCount(), loaded, verifyAgainst, progress);
-    if (result == LoadPointsResult::Loaded) points.swap(loaded);
-    return result;
-  } catch (const std::bad_alloc&) {
-    return LoadPointsResult::OutOfMemory;
-  }
+  return LoadWhole(*stream, points, verifyAgainst, progress);
+}
+
+LoadPointsResult LoadAllPoints(CoordinateFile& stream, PointList& points) {
+  return LoadWhole(stream, points, nullptr, {});
 }
 
 }  // namespace tarvex

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/coordinate_file.h"
 #include "core/job.h"
 #include "core/point.h"
 
@@ -30,5 +31,8 @@ using ProgressWindow = std::function<void(std::string_view)>;
 LoadPointsResult LoadAllPoints(Job& job, PointList& points,
                                const PointList* verifyAgainst = nullptr,
                                const ProgressWindow& progress = {});
+
+/// The same from a file that is open, with what a unit of the job has gathered.
+LoadPointsResult LoadAllPoints(CoordinateFile& stream, PointList& points);
 
 }  // namespace tarvex

@@ -248,10 +248,11 @@ std::string PointNoteBlock(const PointNote& note) {
   return block + note.qualityLines;
 }
 
-std::unordered_set<std::string> MeasuredPoints(Job& job) {
+std::unordered_set<std::string> MeasuredPoints(Job& job, FileStatus& status) {
   std::unordered_set<std::string> measured;
   std::string bytes;
-  if (!ReadNotes(job, bytes).ok()) return measured;
+  status = ReadNotes(job, bytes);
+  if (!status.ok()) return measured;
   std::string_view rest = bytes;
   while (!rest.empty()) {
     const std::string_view block = TakeBlock(rest);

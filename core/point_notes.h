@@ -62,8 +62,9 @@ FileStatus MakeNotesChange(Job& job, File& file, const NoteEdits& edits, NotesCh
 /// Brings the job's index up to date after the change was carried out in the file.
 void TakeNoteIndex(Job& job, File& file, const NotesChange& change);
 
-/// The keys of the points whose block says how they were measured.
-std::unordered_set<std::string> MeasuredPoints(Job& job);
+/// The keys of the points whose block says how they were measured; `status` tells a file that
+/// cannot be read.
+std::unordered_set<std::string> MeasuredPoints(Job& job, FileStatus& status);
 
 /// The text of a block, as the file holds it.
 std::string PointNoteBlock(const PointNote& note);

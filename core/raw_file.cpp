@@ -59,11 +59,11 @@ std::string RawFileAddition(Job& job, std::uint64_t size, std::string_view recor
   return text.append(records);
 }
 
-RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records) {
+FileStatus AddRawRecords(Job& job, std::span<const std::string> records) {
   RawEnd end;
-  if (!OpenAtEnd(job, end).ok()) return RawFileResult::Dropped;
+  FileStatus status = OpenAtEnd(job, end);
+  if (!status.ok()) return status;
   const bool created = end.size == 0;
-  FileStatus status;
   if (created) {
     const std::string header = RawHeader(job, job.host.clock().Now());
     status = end.file->WriteAt(0, header);
@@ -71,9 +71,12 @@ RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records) {
   }
   if (status.ok()) status = WriteRecords(end, records);
   if (status.ok() && created) status = job.host.files().SyncFolderOf(RawFilePath(job));
-  if (status.ok()) return RawFileResult::Written;
-  (void)end.file->Resize(end.size);
-  return RawFileResult::Dropped;
+  if (!status.ok()) (void)end.file->Resize(end.size);
+  return status;
+}
+
+RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records) {
+  return AddRawRecords(job, records).ok() ? RawFileResult::Written : RawFileResult::Dropped;
 }
 
 RawFileResult AppendRawRecord(Job& job, std::string_view record) {

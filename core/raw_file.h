@@ -19,6 +19,9 @@ enum class [[nodiscard]] RawFileResult : int{
 /// created with its header first. A record that cannot be written whole leaves the file as it was.
 RawFileResult AppendRawRecord(Job& job, std::string_view record);
 
+/// The same, and why it failed.
+FileStatus AddRawRecords(Job& job, std::span<const std::string> records);
+
 /// Appends the records in order, each by one write, durable together.
 RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records);
 

@@ -33,6 +33,10 @@ constexpr std::array kEntries = {
         1007,
         "The coordinate file %s was created, but its folder could not be made durable: %s. Should "
         "the power fail, it may be missing."},
+    Entry{1008,
+          "The last work on %s was interrupted, and it cannot be finished here: %s. Copy the job's "
+          "files, the one that ends in .redo among them, to a place where they can be written, and "
+          "open the job there."},
     // 10 behind a text: the change was made, but is not durable; 20 behind it: it is pending
     Entry{1011, "Point %s could not be stored in %s: %s."},
     Entry{1012, "Point %s could not be deleted from %s: %s."},
@@ -168,6 +172,7 @@ constexpr std::array kEntries = {
     Entry{3367, "The bases of the caster could not be loaded."},
     Entry{3368, "The connection to the mountpoint failed."},
     Entry{3378, "The caster does not know the mountpoint."},
+    Entry{3395, "The list of streams of the caster cannot be read back from its file."},
     Entry{3396,
           "The caster speaks TLS (encrypted) at this port, which is not supported; ask for its "
           "plain port."},

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "app/workflow/stored_coordinates.h"
+#include "core/job_unit.h"
 #include "core/number_text.h"
 #include "core/point_list.h"
 #include "core/printable.h"
@@ -209,7 +210,9 @@ bool LocalizationWork::SaveSettings() {
   const std::string state =
       localization_.on ? FittedLocalization(control_.fit).Describe() : std::string("off");
   const std::string record = session_.RawOpening() + CommentRecord("Localization: " + state);
-  if (AppendRawRecord(session_.job(), record) == RawFileResult::Written) {
+  const auto unit = JobUnit::Begin(session_.job());
+  if (unit) unit->AppendRaw(record);
+  if (unit && unit->Commit() == ChangeResult::Done) {
     session_.RawIsOpened();
     return true;
   }

@@ -126,9 +126,7 @@ struct Extent {
 // The points of the job by their ids.
 using PointsById = std::unordered_map<std::string, Point>;
 
-std::optional<PointsById> LoadById(Job& job) {
-  PointList points;
-  if (LoadAllPoints(job, points) != LoadPointsResult::Loaded) return std::nullopt;
+PointsById ById(const PointList& points) {
   PointsById byId;
   byId.reserve(points.size());
   for (const Point& point : points) byId.emplace(NoteKey(point.id.view()), point);
@@ -148,20 +146,27 @@ PointImport ParsePointImport(const Job& job, std::string_view text) {
 }
 
 std::optional<ImportConflicts> FindImportConflicts(JobSession& session, const PointImport& import) {
-  const auto existing = LoadById(session.job());
-  if (!existing) return std::nullopt;
+  PointList points;
+  if (LoadAllPoints(session.job(), points) != LoadPointsResult::Loaded) return std::nullopt;
+  FileStatus status;
+  const std::unordered_set<std::string> measured = MeasuredPoints(session.job(), status);
+  if (!status.ok()) {
+    session.observer().OnError("The notes " + PointNotesPath(session.job()) +
+                               " cannot be read: " + status.Text() + "; nothing was imported.");
+    return std::nullopt;
+  }
+  const PointsById existing = ById(points);
   ImportConflicts conflicts;
   Extent ofJob;
   Extent ofImport;
-  for (const auto& [key, point] : *existing) ofJob.Take(point.at);
+  for (const auto& [key, point] : existing) ofJob.Take(point.at);
   for (const Point& point : import.points) ofImport.Take(point.at);
-  if (!existing->empty() && !import.points.empty()) {
+  if (!existing.empty() && !import.points.empty()) {
     conflicts.awayM = ToMetres(ofJob.DistanceTo(ofImport), session.job().options.unit);
   }
-  const std::unordered_set<std::string> measured = MeasuredPoints(session.job());
   for (const Point& point : import.points) {
     const std::string key = NoteKey(point.id.view());
-    if (!existing->contains(key)) continue;
+    if (!existing.contains(key)) continue;
     if (conflicts.existing++ == 0) conflicts.example = point.id.str();
     if (measured.contains(key)) ++conflicts.measured;
   }
@@ -176,21 +181,27 @@ ImportResult StorePointImport(JobSession& session, const PointImport& import,
     session.observer().OnError(session.storingProblem());
     return result;
   }
-  const auto before = LoadById(job);
-  const auto unit = before ? JobUnit::Begin(job) : nullptr;
+  const auto unit = JobUnit::Begin(job);
   if (!unit) return result;
+  // Under the lock of the unit: what another program stored meanwhile is replaced by name too.
+  PointList there;
+  if (LoadAllPoints(unit->coordinates(), there) != LoadPointsResult::Loaded) {
+    session.observer().OnError("The points of " + job.path + " cannot be read.");
+    return result;
+  }
+  const PointsById before = ById(there);
   unit->AppendRaw(session.RawOpening());
   unit->AppendRaw(CommentRecord("Points imported from " + source));
   std::vector<Point> points;
   points.reserve(import.points.size());
   for (std::size_t i = 0; i < import.points.size(); ++i) {
     const Point& point = import.points[i];
-    const auto old = before->find(NoteKey(point.id.view()));
-    if (old != before->end() && existing == ImportExisting::Skip) {
+    const auto old = before.find(NoteKey(point.id.view()));
+    if (old != before.end() && existing == ImportExisting::Skip) {
       ++result.skipped;
       continue;
     }
-    if (old != before->end()) {
+    if (old != before.end()) {
       ++result.replaced;
       unit->AppendRaw(ReplacedPointRecord(old->second));
     }

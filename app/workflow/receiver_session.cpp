@@ -3,6 +3,7 @@
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/position_checks.h"
 #include "app/workflow/setup_comments.h"
+#include "core/job_unit.h"
 #include "core/raw_file.h"
 #include "core/raw_records.h"
 #include "gnss/receivers/receiver_make.h"
@@ -83,7 +84,10 @@ bool ReceiverSession::OpenRawFile() {
   records.push_back(
       CommentRecord("Receiver: " + std::string(FindMake(plan_.receiver.makeCode).name)));
   records.insert(records.begin(), RawOpeningRecords(job_));
-  return AppendRawRecords(job_, records) == RawFileResult::Written;
+  const auto unit = JobUnit::Begin(job_);
+  if (!unit) return false;
+  unit->AppendRaw(records);
+  return unit->Commit() == ChangeResult::Done;
 }
 
 void ReceiverSession::StartCorrections() {

@@ -1,6 +1,7 @@
 #include "gnss/ntrip/caster_list.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <utility>
 
@@ -26,7 +27,9 @@ std::string CasterName(const CasterLogin& caster) {
 PortError CasterList::ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin,
                                 LastErrorRecord& errors) {
   std::string bytes;
-  if (!ReadWholeFile(files, path, kLargestTable, bytes).ok()) return PortError::TableTooLarge;
+  const FileStatus status = ReadWholeFile(files, path, kLargestTable, bytes);
+  if (status.code == EFBIG) return PortError::TableTooLarge;
+  if (!status.ok()) return PortError::TableUnreadable;
   std::vector<CasterRecord> readCasters;
   std::vector<StreamRecord> readStreams;
   bool ended = false;

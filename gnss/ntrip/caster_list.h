@@ -34,7 +34,8 @@ class CasterList {
 
   /// Replaces casters and streams by those of a table file. Lines that are no records are left out,
   /// and so is a caster's last line when its end has not come; a table of more than kMostStreams
-  /// streams is TableTooLarge. A caster without host or port is stored in `errors`, and left out.
+  /// streams is TableTooLarge, a file that cannot be read TableUnreadable. A caster without host or
+  /// port is stored in `errors`, and left out.
   PortError ReadTable(FileSystem& files, const std::string& path, RecordOrigin origin,
                       LastErrorRecord& errors);
 

@@ -40,6 +40,7 @@ enum class [[nodiscard]] PortError : int{
     BasesNotLoaded = 367,
     MountpointNotConnected = 368,
     MountpointUnknown = 378,
+    TableUnreadable = 395,
     CasterSpeaksTls = 396,
     CasterRefused = 397,   ///< argument: its answer
     NotCorrections = 398,  ///< a web page

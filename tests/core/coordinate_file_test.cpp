@@ -144,6 +144,20 @@ TEST(CoordinateFile, ReadsAFileWithoutTheRightToWrite) {
             "The coordinate file /jobs/site.crd cannot be opened for writing: Permission denied.");
 }
 
+TEST(CoordinateFile, AnInterruptedJobThatCannotBeWrittenSaysWhatToDo) {
+  TestHost host;
+  Job job = MakeJob(host, true);
+  Store(job, "1", kAt, "");
+  host.memory.Put(kJobPath + std::string(".redo"), "TVXREDO2another ");
+  host.memory.MakeReadOnly(kJobPath);
+  PointList points;
+  EXPECT_EQ(LoadAllPoints(job, points), LoadPointsResult::CannotOpen);
+  EXPECT_EQ(host.messages.back(),
+            "The last work on /jobs/site.crd was interrupted, and it cannot be finished here: "
+            "Permission denied. Copy the job's files, the one that ends in .redo among them, to a "
+            "place where they can be written, and open the job there.");
+}
+
 // Cut at every length, a file gives the records that are whole or a named error.
 TEST(CoordinateFile, TellsAFileCutShort) {
   for (const bool alphanumeric : {false, true}) {

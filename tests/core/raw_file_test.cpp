@@ -243,7 +243,7 @@ TEST(PointNotes, KeepTheLinesOfEveryBlockOfThePoint) {
     ASSERT_TRUE(note);
     EXPECT_EQ(note->lines, (std::vector<std::string>{"one", "two"}));
     EXPECT_EQ(note->qualityLines, "HRMS,0.020\nSTATUS,FIXED\n");
-    EXPECT_EQ(MeasuredPoints(job), std::unordered_set<std::string>{"A1"});
+    EXPECT_EQ(MeasuredPoints(job, status), std::unordered_set<std::string>{"A1"});
     EXPECT_TRUE(EditNote(job, change.note.pointId, change));
     EXPECT_EQ(host.memory.Bytes("/jobs/site.not"), expected);
   }

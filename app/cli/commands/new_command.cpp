@@ -77,11 +77,12 @@ ExitCode CreateFiles(Program& program, JobSession& session, const SetupFacts& fa
     (void)program.files.Remove(session.settingsPath());
     return RefuseExisting(program, foreign);
   }
-  const bool created = OpenCoordinateFile(job, true) &&
-                       AppendRawRecords(job, SetupComments(facts)) == RawFileResult::Written;
-  if (created) return ExitCode::Done;
+  const bool opened = OpenCoordinateFile(job, true) != nullptr;
+  const FileStatus raw = opened ? AddRawRecords(job, SetupComments(facts)) : FileStatus{};
+  if (opened && raw.ok()) return ExitCode::Done;
   for (const std::string& path : paths) (void)program.files.Remove(path);
-  return program.Fail("The job " + job.path + " could not be created.");
+  return program.Fail("The job " + job.path + " could not be created" +
+                      (raw.ok() ? "." : ": " + RawFilePath(job) + ": " + raw.Text() + "."));
 }
 
 void TellCreated(const Job& job, const std::string& systemTitle, Console& console) {
