@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 #include "app/workflow/entered_number.h"
 #include "app/workflow/point_storing.h"
@@ -23,32 +24,6 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-// A field off the front of a line; nothing when the line has no more.
-std::optional<std::string_view> TakeField(std::optional<std::string_view>& line) {
-  if (!line) return std::nullopt;
-  const std::size_t comma = line->find(',');
-  const std::string_view field = WithoutOuterBlanks(line->substr(0, comma));
-  if (comma == std::string_view::npos) {
-    line.reset();
-  } else {
-    line->remove_prefix(comma + 1);
-  }
-  return field;
-}
-
-// The text of a field that a spreadsheet put into quotes ("nail, ""red""" is nail, "red"); any
-// other as it is.
-std::string Unquoted(std::string_view field) {
-  if (field.size() < 2 || field.front() != '"' || field.back() != '"') return std::string(field);
-  std::string text;
-  for (std::size_t i = 1; i + 1 < field.size(); ++i) {
-    text += field[i];
-    const bool doubled = field[i] == '"' && i + 2 < field.size() && field[i + 1] == '"';
-    if (doubled) ++i;
-  }
-  return text;
-}
-
 std::string IdProblem(const Job& job, std::string_view id) {
   if (id.size() > kPointIdLength)
     return "the id \"" + OneLine(id) + "\" is longer than 9 characters.";
@@ -58,7 +33,7 @@ std::string IdProblem(const Job& job, std::string_view id) {
 // The lines of a text, one point each.
 class ImportReader {
  public:
-  explicit ImportReader(const Job& job) : job_(job) {}
+  ImportReader(const Job& job, const ImportColumns& columns) : job_(job), columns_(columns) {}
 
   void Take(std::string_view text, std::size_t number) {
     std::string problem = TakePoint(text, number);
@@ -69,37 +44,40 @@ class ImportReader {
  private:
   // What is wrong with the line; empty when its point was taken.
   std::string TakePoint(std::string_view text, std::size_t number) {
-    std::optional<std::string_view> line = text;
-    const auto id = TakeField(line);
+    const bool first = std::exchange(first_, false);
+    const auto line = ReadImportLine(text, columns_);
+    if (!line) return "fewer than four fields.";
+    if (first && IsHeading(*line)) return import_.headingLine = number, "";
+    const std::pair<const char*, const std::string*> fields[] = {{"northing", &line->northing},
+                                                                 {"easting", &line->easting},
+                                                                 {"elevation", &line->elevation}};
     double values[3] = {};
     for (int i = 0; i < 3; ++i) {
-      constexpr const char* kNames[] = {"northing", "easting", "elevation"};
-      const auto field = TakeField(line);
-      if (!field) return "fewer than four fields.";
-      const NumberEntry entry = ReadNumberEntry(*field);
+      const NumberEntry entry = ReadNumberEntry(*fields[i].second);
       if (!entry.problem.empty())
-        return std::string("the ") + kNames[i] + " " + entry.problem + ".";
+        return std::string("the ") + fields[i].first + " " + entry.problem + ".";
       values[i] = entry.value;
     }
-    if (std::string problem = IdProblem(job_, *id); !problem.empty()) return problem;
-    const std::string description = Unquoted(WithoutOuterBlanks(line.value_or("")));
+    if (std::string problem = IdProblem(job_, line->id); !problem.empty()) return problem;
     Point point{.at = {.northing = values[0], .easting = values[1], .elevation = values[2]},
-                .description = Description(description),
+                .description = Description(line->description),
                 .id = {}};
     if (IsEmptySlot(point)) return "a point at 0, 0, 0 without a description counts as no point.";
-    point.id = MakePointKey(*id, job_.store.alphanumeric).value_or(PointKey{}).id;
+    point.id = MakePointKey(line->id, job_.store.alphanumeric).value_or(PointKey{}).id;
     const auto [before, isNew] = lineOfId_.emplace(point.id.view(), number);
     if (!isNew) {
       return "point " + point.id.str() + " is on line " + std::to_string(before->second) +
              " already.";
     }
     import_.points.push_back(point);
-    import_.descriptions.push_back(description);
+    import_.descriptions.push_back(line->description);
     return {};
   }
 
   const Job& job_;
+  const ImportColumns& columns_;
   PointImport import_;
+  bool first_ = true;
   std::unordered_map<std::string, std::size_t> lineOfId_;
 };
 
@@ -135,8 +113,8 @@ PointsById ById(const PointList& points) {
 
 }  // namespace
 
-PointImport ParsePointImport(const Job& job, std::string_view text) {
-  ImportReader reader(job);
+PointImport ParsePointImport(const Job& job, std::string_view text, const ImportColumns& columns) {
+  ImportReader reader(job, columns);
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   for (std::size_t number = 1; const auto line = TakeLine(text); ++number) {
     if (WithoutOuterBlanks(*line).empty() || line->starts_with('#')) continue;

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/workflow/import_line.h"
 #include "app/workflow/job_session.h"
 
 namespace tarvex {
@@ -19,11 +20,13 @@ struct PointImport {
   std::vector<Point> points;
   std::vector<std::string> descriptions;  ///< whole, beside the points
   std::vector<BadLine> badLines;
+  std::size_t headingLine = 0;  ///< from 1; 0: none
 };
 
-/// Lines "ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]"; empty lines and those that begin with # are
-/// passed over. The job was opened before.
-PointImport ParsePointImport(const Job& job, std::string_view text);
+/// A line a point; empty lines, those that begin with # and a heading in front are passed over. The
+/// job was opened before.
+PointImport ParsePointImport(const Job& job, std::string_view text,
+                             const ImportColumns& columns = {});
 
 /// What an import meets in the job.
 struct ImportConflicts {

@@ -110,13 +110,38 @@ TEST_F(JobWork, AnImportTellsWhatItMeetsAndCanLeaveIt) {
   EXPECT_THAT(Raw(), HasSubstr("\n--Replaced point:SP,PN2,N 1.0000,"));
 }
 
-TEST_F(JobWork, AnImportTakesDescriptionsInQuotes) {
-  const PointImport import = ParsePointImport(
-      session->job(),
-      "1,1,2,3,\"nail, in \"\"kerb\"\"\"\n2,1,2,3, 3\" pipe\n3,1,2,3,\"\"\n4,1,2,3,\"\n");
-  EXPECT_TRUE(import.badLines.empty());
-  EXPECT_EQ(import.descriptions,
-            (std::vector<std::string>{"nail, in \"kerb\"", "3\" pipe", "", "\""}));
+TEST_F(JobWork, AnImportTakesTheColumnsThatItIsTold) {
+  struct Case {
+    const char* text;
+    ImportColumns columns;
+    std::vector<std::string> descriptions;
+  };
+  const Case cases[] = {
+      {"1,1,2,3,\"nail, in \"\"kerb\"\"\"\n2,1,2,3, 3\" "
+       "pipe\n3,1,2,3,\"\"\n4,1,2,3,\"\n5,1,2,3,a,b\n",
+       {},
+       {"nail, in \"kerb\"", "3\" pipe", "", "\"", "a,b"}},
+      {"# remark\nPoint,North,East,Height\n\"7\",\"1\",2,3\n", {}, {""}},
+      {"7;x;2;1;3;tree\n8; ;2;1;3;\n", {"P-ENZD", ';'}, {"tree", ""}},
+      {"kerb\t7\t2\t1\t3\n\t8\t2\t1\t3\n", {"DPENZ", '\t'}, {"kerb", ""}},
+      {"  7   1 \t 2  3   old tree \n", {"PNEZD", ' '}, {"old tree"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    const PointImport import = ParsePointImport(session->job(), c.text, c.columns);
+    for (const BadLine& bad : import.badLines) ADD_FAILURE() << bad.number << bad.problem;
+    EXPECT_EQ(import.descriptions, c.descriptions);
+    for (const Point& point : import.points) {
+      EXPECT_EQ(point.at.northing, 1.0);
+      EXPECT_EQ(point.at.easting, 2.0);
+      EXPECT_EQ(point.at.elevation, 3.0);
+    }
+  }
+  EXPECT_EQ(ParsePointImport(session->job(), "1,1,2,3\nA,B,C,D\n").badLines.size(), 1U);
+  EXPECT_EQ(ParsePointImport(session->job(), "1 1 2\n", {"PNEZD", ' '}).badLines.size(), 1U);
+  for (const char* order : {"PNE", "PNEZZ", "PNEZX", "PNEZDD", ""}) {
+    EXPECT_FALSE(IsColumnOrder(order)) << order;
+  }
 }
 
 // Everything or nothing, in all three files, and nothing is told as done that is not.

@@ -16,6 +16,8 @@ constexpr std::uint64_t kLargestImport = std::uint64_t{1} << 32U;
 struct ImportOptions {
   std::string job;
   std::string file;
+  std::string columns = "PNEZD";
+  std::string separator = "comma";
   bool skipBadLines = false;
   std::string existing = "ask";
 };
@@ -46,6 +48,10 @@ std::optional<ImportExisting> SettleExisting(const ImportOptions& options,
   return std::nullopt;
 }
 
+char SeparatorOf(const std::string& name) {
+  return name == "semicolon" ? ';' : name == "tab" ? '\t' : name == "blank" ? ' ' : ',';
+}
+
 std::string Count(std::size_t count, const char* what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
@@ -72,13 +78,22 @@ ExitCode StoreImport(const PointImport& import, const ImportOptions& options, Jo
 }
 
 ExitCode RunImport(const ImportOptions& options, Program& program) {
+  if (!IsColumnOrder(options.columns)) {
+    return program.Misuse("\"" + options.columns +
+                          "\" does not name the columns: P, N, E and Z once each, D and -.");
+  }
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
   if (!OpenForReading(session.job())) return ExitCode::Failed;  // tells what ids the job has
   std::string text;
   const FileStatus status = ReadWholeFile(program.files, options.file, kLargestImport, text);
   if (!status.ok()) return program.Fail(options.file + " cannot be read: " + status.Text() + ".");
-  const PointImport import = ParsePointImport(session.job(), text);
+  const PointImport import = ParsePointImport(
+      session.job(), text, {.order = options.columns, .separator = SeparatorOf(options.separator)});
+  if (import.headingLine != 0) {
+    program.console.PrintError("Line " + std::to_string(import.headingLine) +
+                               " is a heading; it was passed over.\n");
+  }
   for (const BadLine& bad : import.badLines) {
     (void)program.Fail(options.file + " line " + std::to_string(bad.number) + ": " + bad.problem);
   }
@@ -98,6 +113,13 @@ void DeclareImportCommand(Command& command) {
       .Add("FILE", options.file,
            "Lines ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]; # starts a comment line")
       .Required();
+  command.Add("--columns", options.columns,
+              "A letter a column: P id, N northing, E easting, Z elevation, D description,\n"
+              "- passed over (default: PNEZD)");
+  command
+      .Add("--separator", options.separator,
+           "Between two columns: comma, semicolon, tab or blank (default: comma)")
+      .OneOf({"comma", "semicolon", "tab", "blank"});
   command.AddFlag("--skip-bad-lines", options.skipBadLines,
                   "Store the good lines although others are bad");
   command
@@ -108,7 +130,8 @@ void DeclareImportCommand(Command& command) {
   command.Footer(
       "Each bad line is named, and then nothing is stored. A line: "
       "BM1,5184900,520300,1100.25,bench\n"
-      "Example: tarvex import site.crd control.csv");
+      "Example: tarvex import site.crd control.csv\n"
+      "         tarvex import site.crd total.txt --columns PENZD --separator blank");
 }
 
 }  // namespace tarvex
