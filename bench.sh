@@ -2,7 +2,7 @@
 # Builds and runs the benchmarks, each beside its peer in the same run, and prints one table in
 # Markdown; what is told meanwhile goes to the standard error. Arguments go to Google Benchmark
 # (./bench.sh --benchmark_filter=Lambert).
-set -eu
+set -euo pipefail
 
 root=$(cd "$(dirname "$0")" && pwd)
 "$root/scripts/packages.sh" run bench >&2
