@@ -10,6 +10,7 @@
 #include "core/no_value.h"
 #include "core/number_text.h"
 #include "core/units.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -94,7 +95,7 @@ TEST(PackedAngle, TextReadBackIsThePackedNumber) {
     ASSERT_EQ(LeadingDouble(text), DegreesToPacked(degrees)) << text;
     ASSERT_NEAR(PackedToDegrees(LeadingDouble(text)), degrees, 3e-12) << text;
   }
-  std::mt19937_64 random(1);
+  RandomNumbers random(1);
   std::uniform_real_distribution<double> angle(-400.0, 400.0);
   for (int i = 0; i < 20000; ++i) {
     const double degrees = angle(random);
@@ -111,7 +112,7 @@ TEST(PackedAngle, DisplayTextReadsBack) {
 }
 
 TEST(PackedAngle, SurvivesRandomRoundTrips) {
-  std::mt19937_64 random(20081205);
+  RandomNumbers random(20081205);
   std::uniform_real_distribution<double> angle(-360.0, 360.0);
   for (int i = 0; i < 20000; ++i) {
     const double degrees = angle(random);

@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <random>
 
 #include "core/coordinate_layout.h"
 #include "core/point_list.h"
 #include "core/point_store.h"
+#include "tests/support/random_numbers.h"
 #include "tests/support/test_host.h"
 
 namespace tarvex {
@@ -187,7 +187,7 @@ TEST(CoordinateFile, TellsAFileCutShort) {
 }
 
 TEST(CoordinateFile, SurvivesGarbage) {
-  std::mt19937 random(5);
+  RandomNumbers random(5);
   for (int round = 0; round < 3000; ++round) {
     TestHost host;
     std::string bytes(random() % 400, '\0');

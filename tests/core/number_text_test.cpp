@@ -1,4 +1,5 @@
 #include "core/number_text.h"
+#include "tests/support/random_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +38,7 @@ TEST(StrictNumber, RefusesWhatIsNotANumber) {
 }
 
 TEST(FixedNumber, MatchesThePrintedForm) {
-  std::mt19937_64 random(7);
+  RandomNumbers random(7);
   std::uniform_real_distribution<double> value(-1e7, 1e7);
   for (int i = 0; i < 5000; ++i) {
     const double v = i % 2 == 0 ? value(random) : value(random) * 1e-9;
@@ -53,7 +54,7 @@ TEST(FixedNumber, MatchesThePrintedForm) {
 // On the middle between two decimals, a hair from it, at the ends of what is quick, and signed
 // zeros.
 TEST(FixedNumber, MatchesThePrintedFormWhereRoundingIsClose) {
-  std::mt19937_64 random(11);
+  RandomNumbers random(11);
   std::uniform_int_distribution<long long> whole(0, 1LL << 40);
   for (int i = 0; i < 20000; ++i) {
     for (const int decimals : {0, 1, 3, 4, 10}) {

@@ -1,9 +1,9 @@
 #include "core/point_id.h"
+#include "tests/support/random_numbers.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 namespace tarvex {
 namespace {
@@ -29,7 +29,7 @@ TEST(PointIdOrder, ComparesDigitRunsByValueAndLettersWithoutCase) {
 // The binary search and the merge rely on a proper order. (Superfluous leading zeros beside
 // punctuation that sorts before the digits, 009B and "9.", have none: docs/formats/crd.md.)
 TEST(PointIdOrder, IsTransitiveAndAgreesWithItsKeys) {
-  std::mt19937 random(11);
+  RandomNumbers random(11);
   const std::string_view characters = "0019A_bZ";
   const auto make = [&] {
     std::string id;

@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <map>
-#include <random>
 
 #include "core/coordinate_layout.h"
 #include "core/point_bulk.h"
 #include "core/point_id.h"
 #include "core/point_list.h"
+#include "tests/support/random_numbers.h"
 #include "tests/support/test_host.h"
 
 namespace tarvex {
@@ -158,7 +158,7 @@ TEST(PointStore, BehavesLikeAMap) {
       return ComparePointIds(a, b) < 0;
     }
   };
-  std::mt19937 random(3);
+  RandomNumbers random(3);
   for (const bool alphanumeric : {false, true}) {
     TestHost host;
     Job job = MakeJob(host, alphanumeric);
@@ -194,7 +194,7 @@ TEST(PointStore, BehavesLikeAMap) {
 }
 
 TEST(BulkStore, GivesTheBytesOfStoringOneAtATime) {
-  std::mt19937 random(9);
+  RandomNumbers random(9);
   for (const bool alphanumeric : {false, true}) {
     for (const std::string_view letters :
          {"AbZ_", "0A"}) {  // leading zeros take the other way to sort

@@ -12,6 +12,7 @@
 #include "roads/centerline_reader.h"
 #include "roads/centerline_writer.h"
 #include "tests/exchange/landxml_judge.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -129,7 +130,7 @@ TEST(LandXmlExport, EveryTextbookCurveGoesOut) {
 }
 
 TEST(LandXmlExport, RandomRoadsGoOutAsAnotherProgramReadsThem) {
-  std::mt19937 random(20260131);
+  RandomNumbers random(20260131);
   const auto between = [&](double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(random);
   };

@@ -11,6 +11,7 @@
 #include "core/number_text.h"
 #include "roads/centerline_reader.h"
 #include "tests/roads/road_data.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -102,7 +103,7 @@ TEST(Alignment, ListsEveryCandidate) {
 
 TEST(Alignment, HoldsAtCoordinatesOfTenMillion) {
   // Every road moved to 1e7 and turned: station and offset come back to 1e-8.
-  std::mt19937_64 random(1);
+  RandomNumbers random(1);
   std::uniform_real_distribution<double> part(0.0, 1.0);
   for (const char* name :
        {"simple_right", "simple_left", "compound_right", "egg_sp", "scs_right"}) {
@@ -306,7 +307,7 @@ TEST(Alignment, StaysCalmOnAnyChain) {
       ReadChain("0,0,L,0,0\n0,1,L,1e999,0\n0,2,L,5,5\n0,0,L,0,0\n", false).elements);
   EXPECT_EQ(making.result, AlignmentResult::OutOfRange);
   EXPECT_EQ(making.line, 2);
-  std::mt19937_64 random(7);
+  RandomNumbers random(7);
   const char* kinds[] = {"L", "PC", "PT", "TS", "SC", "CS", "ST", "SP"};
   const char* numbers[] = {"0", "1e-9", "100", "-250.5", "1e11", "99.9999", "765432.1", "3"};
   for (int round = 0; round < 2000; ++round) {

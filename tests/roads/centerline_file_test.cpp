@@ -7,13 +7,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
-#include <random>
 
 #include "roads/centerline_reader.h"
 #include "roads/centerline_writer.h"
 #include "roads/road_texts.h"
 #include "roads/template_file.h"
 #include "tests/roads/road_data.h"
+#include "tests/support/random_numbers.h"
 #include "tests/support/scratch_folder.h"
 
 namespace tarvex {
@@ -353,7 +353,7 @@ TEST(CenterlineWriter, WhatIsWrittenLoadsToTheSameChain) {
     ExpectSameChain(road.centerline->elements, Chain(text), text);
   }
   // Random records on a coarse lattice, so that coincident points and odd orders are common.
-  std::mt19937_64 random(20260101);
+  RandomNumbers random(20260101);
   const char* kinds[] = {"L", "PC", "PT", "TS", "SC", "CS", "ST", "SP"};
   for (int round = 0; round < 300; ++round) {
     std::string text;

@@ -11,6 +11,7 @@
 #include "coordsys/geoid/geoid_step.h"
 #include "coordsys/grids/gr3df97a_grid.h"
 #include "tests/coordsys/case_table.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -63,7 +64,7 @@ struct Place {
 
 // Around a place and beyond the step's grid, with points that nothing takes among them.
 std::vector<Geodetic> PositionsAround(Place place) {
-  std::mt19937 random(8);
+  RandomNumbers random(8);
   std::uniform_real_distribution<double> off(-1.4, 1.4);
   std::vector<Geodetic> positions;
   while (positions.size() < kPoints) {

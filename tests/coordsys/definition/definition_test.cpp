@@ -8,6 +8,7 @@
 #include "coordsys/message_box.h"
 #include "coordsys/projections/projection_families.h"
 #include "core/text.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -218,9 +219,7 @@ TEST(DefinitionWriter, WhatItWritesReadsBackTheSame) {
 }
 
 TEST(DefinitionWriter, RandomRecordsReadBackTheSame) {
-  const auto seed = std::random_device{}();
-  SCOPED_TRACE(testing::Message() << "seed " << seed);
-  std::mt19937 random(seed);
+  RandomNumbers random;
   std::uniform_real_distribution<double> number(-1e7, 1e7);
   std::uniform_real_distribution<double> inverseFlattening(250.0, 350.0);
   for (const ProjectionFamily& family : ProjectionFamilies()) {

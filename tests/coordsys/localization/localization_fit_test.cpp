@@ -5,6 +5,7 @@
 
 #include "coordsys/localization/localization_report.h"
 #include "tests/coordsys/case_table.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -91,7 +92,7 @@ TEST(HorizontalFit, AppliesASimilarityAsThePublishedExampleDoes) {
 
 // Five points at 1e7 m that a known similarity made.
 ControlPoints FarPoints(double scale, double turnRad, double noiseM = 0.0) {
-  std::mt19937_64 random(11);
+  RandomNumbers random(11);
   std::normal_distribution<double> noise(0.0, 1.0);
   ControlPoints points;
   const PlaneSimilarity made = {.gridEastingM = 1.1e7,

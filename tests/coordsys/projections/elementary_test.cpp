@@ -1,6 +1,7 @@
 // The elementary functions of the projections against those of the C library in extended precision:
 // the errors that elementary.h states.
 #include "coordsys/projections/elementary.h"
+#include "tests/support/random_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,7 @@ constexpr double kTurn = 2.0 * std::numbers::pi;
 // Evenly spread arguments, the steps of a table, the places half way between them, where the next
 // step is taken, and the neighbours of all these.
 std::vector<double> ArgumentsBetween(double low, double high, double step) {
-  std::mt19937_64 random(41);
+  RandomNumbers random(41);
   std::uniform_real_distribution<double> anywhere(low, high);
   std::vector<double> arguments{low, high};
   for (int i = 0; i < 200'000; ++i) arguments.push_back(anywhere(random));

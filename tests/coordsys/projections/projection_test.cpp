@@ -13,6 +13,7 @@
 #include "coordsys/projections/oblique_cylindrical.h"
 #include "core/units.h"
 #include "tests/coordsys/modules.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -73,9 +74,7 @@ std::vector<Named> Shapes() {
 }
 
 TEST(Projection, EveryPointOfTheDomainComesBack) {
-  const auto seed = std::random_device{}();
-  SCOPED_TRACE(testing::Message() << "seed " << seed);
-  std::mt19937 random(seed);
+  RandomNumbers random;
   std::uniform_real_distribution<double> latitude(-90.0, 90.0);
   std::uniform_real_distribution<double> longitude(-180.0, 180.0);
   for (const Named& shape : Shapes()) {
@@ -274,7 +273,7 @@ TEST(Projection, ArraysOfEveryFamilyGiveTheBitsOfSinglePoints) {
     families.push_back(MakeObliqueCylindrical(parameters).projection);
   }
   WithoutFourLanes(false);
-  std::mt19937 random(5);
+  RandomNumbers random(5);
   std::uniform_real_distribution<double> latitude(-89.0, 89.0);
   std::uniform_real_distribution<double> longitude(-2.0, 20.0);
   for (const auto& family : families) {

@@ -1,8 +1,6 @@
 // Sentences into the state: published examples and the system's own mappings.
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "core/number_text.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentence_line.h"
@@ -10,6 +8,7 @@
 #include "gnss/nmea/sentences.h"
 #include "gnss/nmea/text_fields.h"
 #include "gnss/receivers/receiver_make.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -42,7 +41,7 @@ TEST(NmeaNumber, IsTheLeadingNumberOfEveryField) {
         "9999999999999999.9"}) {
     EXPECT_EQ(NmeaNumber(field), LeadingDouble(field)) << field;
   }
-  std::mt19937_64 random(7);
+  RandomNumbers random(7);
   for (int i = 0; i < 20000; ++i) {
     const std::string field = FixedNumber(static_cast<double>(random() % 1'800'000'000U) / 1e5,
                                           static_cast<int>(random() % 9));

@@ -7,6 +7,7 @@
 
 #include "gnss/quality/averaging.h"
 #include "gnss/quality/quality_gate.h"
+#include "tests/support/random_numbers.h"
 
 namespace tarvex {
 namespace {
@@ -142,7 +143,7 @@ TEST(PositionAverage, KeepsTheLongitudeWithinTheCircle) {
 }
 
 TEST(PositionAverage, FindsTheScatterOfANoisySeriesAcrossTheDateLine) {
-  std::mt19937_64 random(11);
+  RandomNumbers random(11);
   std::normal_distribution<double> noise(0.0, 1.0);
   PositionAverage average;
   GnssPositionState state = Good();
