@@ -1,14 +1,10 @@
-// RTCM frames, the correction session on a script and on threads with a caster, and the caster.
+// The correction session step by step, on a caster that plays a script and a clock moved by hand.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
-#include <random>
-
-#include "gnss/caster/loopback_caster.h"
 #include "gnss/corrections/correction_session.h"
-#include "gnss/corrections/correction_thread.h"
 #include "gnss/corrections/crc24q.h"
+#include "tests/gnss/corrections/capture.h"
 #include "tests/gnss/ntrip/scripted_caster.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/scripted_device.h"
@@ -18,115 +14,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-std::string Capture(const std::string& name) {
-  std::string bytes;
-  EXPECT_TRUE(
-      ReadWholeFile(SystemFiles(), std::string(TARVEX_TEST_DATA) + "/ntrip/" + name, 1 << 20, bytes)
-          .ok());
-  return bytes;
-}
-
-struct Messages final : RtcmFramer::Listener {
-  void OnMessage(std::string_view message) override {
-    ++counts[RtcmMessageNumber(message)];
-    if (const auto station = ReadBaseStation(message)) base = station;
-  }
-  std::map<int, int> counts;
-  std::optional<BaseStation> base;
-};
-
-// The station message of the RTCM 3 standard's example.
-const std::string kStationFrame(
-    "\xD3\x00\x13\x3E\xD7\xD3\x02\x02\x98\x0E\xDE\xEF\x34\xB4\xBD\x62\xAC\x09\x41\x98\x6F\x33"
-    "\x36\x0B\x98",
-    25);
-
-struct FrameCase {
-  const char* file;
-  std::uint64_t frames;
-  std::uint64_t skipped;
-  std::map<int, int> counts;
-};
-
-// The definition, bit by bit.
-std::uint32_t Crc24qByDefinition(std::string_view bytes) {
-  std::uint32_t crc = 0;
-  for (const char byte : bytes) {
-    crc ^= std::uint32_t{static_cast<unsigned char>(byte)} << 16;
-    for (int bit = 0; bit < 8; ++bit) crc = (crc << 1) ^ ((crc & 0x800000U) != 0 ? 0x1864CFBU : 0U);
-  }
-  return crc;
-}
-
-TEST(Crc24q, MatchesThePublishedFrame) {
-  EXPECT_EQ(Crc24qOf(std::string_view(kStationFrame).substr(0, 22)), 0x360B98U);
-}
-
-TEST(Crc24q, IsItsDefinitionAtEveryLength) {
-  std::mt19937 random(24);
-  std::string bytes(1100, '\0');
-  for (char& byte : bytes) byte = static_cast<char>(random());
-  for (std::size_t size = 0; size < 1060; ++size) {
-    const std::string_view part = std::string_view(bytes).substr(size % 40, size);
-    ASSERT_EQ(Crc24qOf(part), Crc24qByDefinition(part)) << size;
-    ASSERT_EQ(Crc24qFromTables(part), Crc24qByDefinition(part)) << size;
-  }
-}
-
-TEST(RtcmFramer, FindsTheFramesOfCapturesInPiecesOfAnySize) {
-  const FrameCase cases[] = {
-      {"rtcm3.log", 2, 322, {{1005, 1}, {1029, 1}}},
-      {"rtcm3.bndm.log",
-       100,
-       310,
-       {{1004, 33}, {1006, 8}, {1008, 6}, {1012, 33}, {1013, 7}, {1029, 1}, {1033, 6}, {1230, 6}}},
-      {"ublox-zed-f9t-rtcm3.log",
-       182,
-       8496,
-       {{1005, 26}, {1077, 26}, {1087, 26}, {1097, 26}, {1127, 26}, {1230, 26}, {4072, 26}}}};
-  for (const FrameCase& expected : cases) {
-    const std::string bytes = Capture(expected.file);
-    for (const std::size_t piece :
-         {std::size_t{1}, std::size_t{7}, std::size_t{1000}, bytes.size()}) {
-      RtcmFramer framer;
-      Messages messages;
-      for (std::size_t at = 0; at < bytes.size(); at += piece) {
-        framer.Feed(std::string_view(bytes).substr(at, piece), messages);
-      }
-      EXPECT_EQ(framer.frames(), expected.frames) << expected.file << " by " << piece;
-      EXPECT_EQ(messages.counts, expected.counts);
-      EXPECT_EQ(framer.skippedBytes() + framer.waitingBytes(), expected.skipped);
-    }
-  }
-}
-
-TEST(RtcmFramer, GivesUpOneByteOfADamagedFrame) {
-  std::string damaged = kStationFrame;
-  damaged[10] = '\x00';
-  RtcmFramer framer;
-  Messages messages;
-  // The damaged frame holds what looks like the start of a long one, which fails as well.
-  const std::string behind(600, 'x');
-  framer.Feed("\xD3" + damaged + kStationFrame + behind, messages);
-  EXPECT_EQ(framer.frames(), 1U);
-  EXPECT_EQ(framer.badCrcs(), 2U);
-  EXPECT_EQ(framer.skippedBytes(), 1 + damaged.size() + behind.size());
-}
-
-TEST(RtcmMessages, TellTheBaseStation) {
-  RtcmFramer framer;
-  Messages messages;
-  framer.Feed(kStationFrame, messages);
-  ASSERT_TRUE(messages.base.has_value());
-  EXPECT_EQ(messages.base->id, 2003);
-  EXPECT_NEAR(messages.base->position.xM, 1114104.5999, 1e-6);
-  EXPECT_NEAR(messages.base->position.yM, -4850729.7108, 1e-6);
-  EXPECT_NEAR(messages.base->position.zM, 3975521.4643, 1e-6);
-  for (std::size_t length = 0; length < 19; ++length) {
-    EXPECT_FALSE(ReadBaseStation(std::string_view(kStationFrame).substr(3, length)).has_value());
-  }
-}
 
 TEST(LatestGga, KeepsWhatHasAPosition) {
   LatestGga latest;
@@ -372,6 +259,45 @@ TEST_F(Session, WaitsLongerAfterEachFailure) {
   EXPECT_EQ(caster.performed.size(), 9U);
 }
 
+TEST_F(Session, StartsAtTheFloorAgainAfterFiveMinutesOfData) {
+  constexpr std::int64_t kFiveMinutesMs = 300'000;
+  for (const bool steady : {false, true}) {
+    SCOPED_TRACE(steady);
+    caster.steps = {};
+    caster.openResult = PortError::OpenFailed;
+    for (int failure = 0; failure < 6; ++failure) {
+      clock.milliseconds += session.Status().nextTryInMs;
+      Steps(1);
+    }
+    ASSERT_GE(session.Status().nextTryInMs, 160'000);
+    caster.openResult = PortError::None;
+    caster.steps = {"ICY 200 OK\r\n", kStationFrame};
+    clock.milliseconds += session.Status().nextTryInMs;
+    Steps(2);
+    clock.milliseconds += kFiveMinutesMs + (steady ? 1000 : -1000);
+    caster.steps = {kStationFrame, PortError::ReadFailed};
+    Steps(2);
+    ASSERT_EQ(session.Status().state, CorrectionState::Waiting);
+    if (steady) {
+      EXPECT_LE(session.Status().nextTryInMs, 12'500);
+    } else {
+      EXPECT_GE(session.Status().nextTryInMs, 300'000) << "a stream that breaks soon is no start";
+    }
+  }
+}
+
+TEST_F(Session, AgeIsThatOfTheLastFrameNotOfTheLastByte) {
+  caster.steps = {"ICY 200 OK\r\n", kStationFrame};
+  EXPECT_EQ(session.Status().ageMs, -1);
+  Steps(2);
+  EXPECT_EQ(session.Status().ageMs, 0);
+  clock.milliseconds += 7000;
+  caster.steps = {"no frame"};
+  Steps(1);
+  EXPECT_GE(session.Status().ageMs, 7000);
+  EXPECT_LT(session.Status().silentMs, 1000);
+}
+
 TEST_F(Session, DoesNotHammerARefusal) {
   caster.atEnd = "HTTP/1.0 401 Unauthorized\r\n";
   Steps(50);
@@ -471,134 +397,6 @@ TEST_F(Session, TellsAReceiverThatDoesNotTakeThem) {
   clock.milliseconds += session.Status().nextTryInMs;
   Steps(2);
   EXPECT_EQ(session.Status().state, CorrectionState::Receiving) << "it was only busy";
-}
-
-CasterContent Content(const std::string& data, std::uint32_t rate) {
-  CasterContent content{.user = "u", .password = "secret", .data = data, .bytesPerSecond = rate};
-  content.stream.mountpoint.Assign("MNT");
-  content.stream.nmea = true;
-  content.stream.format.Assign("RTCM 3.2");
-  return content;
-}
-
-// Session and caster as they run in the field, on threads and loopback sockets.
-class Field : public testing::Test {
- protected:
-  template <typename Condition>
-  static bool Eventually(Condition condition) {
-    for (int i = 0; i < 500; ++i) {
-      if (condition()) return true;
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return false;
-  }
-  CorrectionPlan PlanFor(const LoopbackCaster& caster, const std::string& mountpoint) {
-    return {.caster = {.host = FixedText<128>("127.0.0.1"),
-                       .port = std::to_string(caster.port()),
-                       .user = "u",
-                       .password = "secret"},
-            .mountpoint = mountpoint,
-            .ggaIntervalMs = 50};
-  }
-
-  LastErrorRecord errors;
-  MemoryFiles files;
-  NtripSurroundings surroundings{.clock = SystemClock(), .files = files, .errors = errors};
-};
-
-TEST_F(Field, CorrectionsFlowWhileTheReceiverIsRead) {
-  LoopbackCaster caster(Content(Capture("rtcm3.bndm.log"), 200'000), SystemClock());
-  ASSERT_TRUE(caster.Start(0).ok());
-  const auto connection = MakeTcpNtripConnection(errors);
-  CorrectionSession session(PlanFor(caster, "MNT"), *connection, surroundings);
-  auto owned = std::make_unique<ScriptedDevice>();
-  ScriptedDevice* const device = owned.get();
-  Port port("receiver", std::move(owned), errors);
-  ASSERT_EQ(port.Open(), PortError::None);
-  PortSink sink(port);
-  LatestGga gga;
-  session.Attach(&sink, &gga);
-  std::vector<std::string> uploads;
-  {
-    const CorrectionThread thread(session);
-    gga.OnLine("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59");
-    EXPECT_TRUE(Eventually([&] { return session.Status().frames > 150; }));
-    EXPECT_TRUE(Eventually([&] {
-      for (std::string& line : caster.TakeUploads()) uploads.push_back(std::move(line));
-      return uploads.size() > 2;
-    }));
-    char bytes[16];
-    EXPECT_EQ(port.Read(bytes, 0), PortError::None);
-  }
-  const CorrectionStatus status = session.Status();
-  EXPECT_EQ(status.badCrcs, 0U);
-  EXPECT_EQ(status.bytesToReceiver, device->written.size());
-  EXPECT_TRUE(device->written.starts_with(Capture("rtcm3.bndm.log"))) << "no byte lost";
-  EXPECT_THAT(uploads.front(), HasSubstr("$GPGGA,123519"));
-}
-
-TEST_F(Field, AReceiverThatTakesNothingHoldsNobodyUp) {
-  LoopbackCaster caster(Content(Capture("rtcm3.bndm.log"), 0), SystemClock());
-  ASSERT_TRUE(caster.Start(0).ok());
-  DeviceStatus status;
-  const auto listener = ListenOnLoopback(0, status);
-  ASSERT_TRUE(listener);
-  Port port("127.0.0.1:" + std::to_string(listener->port()), MakeTcpDevice(1000), errors);
-  ASSERT_EQ(port.Open(), PortError::None);
-  const auto connection = MakeTcpNtripConnection(errors);
-  CorrectionSession session(PlanFor(caster, "MNT"), *connection, surroundings);
-  std::atomic<bool> stopping = false;
-  PortSink sink(port, [&stopping] { return stopping.load(); });
-  session.Attach(&sink, nullptr);
-  std::chrono::steady_clock::time_point before;
-  {
-    const CorrectionThread thread(session);
-    // What the two sockets hold is taken, nothing behind it.
-    std::uint64_t taken = 0;
-    EXPECT_TRUE(Eventually([&] {
-      const std::uint64_t last = std::exchange(taken, session.Status().bytesToReceiver);
-      std::this_thread::sleep_for(std::chrono::milliseconds(200));
-      return taken > 0 && taken == last;
-    }));
-    stopping = true;
-    before = std::chrono::steady_clock::now();
-  }
-  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
-}
-
-TEST_F(Field, AWrongMountpointIsToldWithOneThatExists) {
-  LoopbackCaster caster(Content(kStationFrame, 1000), SystemClock());
-  ASSERT_TRUE(caster.Start(0).ok());
-  const auto connection = MakeTcpNtripConnection(errors);
-  CorrectionSession session(PlanFor(caster, "MNY"), *connection, surroundings);
-  const CorrectionThread thread(session);
-  EXPECT_TRUE(Eventually([&] { return !session.Status().mostAlike.empty(); }));
-  EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("it has MNT."));
-}
-
-TEST_F(Field, ACasterThatDropsIsWaitedFor) {
-  LoopbackCaster caster(Content(kStationFrame, 1000), SystemClock());
-  ASSERT_TRUE(caster.Start(0).ok());
-  const auto connection = MakeTcpNtripConnection(errors);
-  CorrectionSession session(PlanFor(caster, "MNT"), *connection, surroundings);
-  const CorrectionThread thread(session);
-  ASSERT_TRUE(Eventually([&] { return session.Status().bytes > 0; }));
-  caster.DropClients();
-  ASSERT_TRUE(Eventually([&] { return session.Status().state == CorrectionState::Waiting; }));
-  EXPECT_THAT(CorrectionSentence(session.Status()), HasSubstr("disconnected"));
-  session.Retry();
-  EXPECT_TRUE(Eventually([&] { return caster.streams() == 2; }));
-}
-
-TEST_F(Field, AWrongPasswordIsTold) {
-  LoopbackCaster caster(Content(kStationFrame, 1000), SystemClock());
-  ASSERT_TRUE(caster.Start(0).ok());
-  CorrectionPlan plan = PlanFor(caster, "MNT");
-  plan.caster.password = "wrong";
-  const auto connection = MakeTcpNtripConnection(errors);
-  CorrectionSession session(plan, *connection, surroundings);
-  const CorrectionThread thread(session);
-  EXPECT_TRUE(Eventually([&] { return session.Status().state == CorrectionState::Refused; }));
 }
 
 }  // namespace
