@@ -1,15 +1,14 @@
 #include "core/raw_fields.h"
 
+#include "core/field_cursor.h"
+
 namespace tarvex {
 
 std::optional<std::string_view> RawField(std::string_view record, std::string_view tag) {
-  record = record.substr(0, record.find(",--"));
-  while (!record.empty()) {
-    const std::size_t comma = record.find(',');
-    const std::string_view field = record.substr(0, comma);
+  FieldCursor fields(record.substr(0, record.find(",--")));
+  std::string_view field;
+  while (fields.Take(field)) {
     if (field.starts_with(tag)) return field.substr(tag.size());
-    if (comma == std::string_view::npos) break;
-    record.remove_prefix(comma + 1);
   }
   return std::nullopt;
 }

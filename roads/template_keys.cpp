@@ -22,15 +22,8 @@ int TemplateValues::Integer() {
   return static_cast<int>(std::clamp(LeadingInteger(Next()), -kLimit, kLimit));
 }
 
-std::string_view TemplateValues::Next() {
-  const std::size_t comma = rest_.find(',');
-  const std::string_view value = rest_.substr(0, comma);
-  rest_.remove_prefix(comma == std::string_view::npos ? rest_.size() : comma + 1);
-  return value;
-}
-
 std::string TemplateValues::Word() const {
-  return std::string(WithoutOuterBlanks(rest_));
+  return std::string(WithoutOuterBlanks(Rest()));
 }
 
 namespace {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/field_cursor.h"
 #include "roads/road_template.h"
 
 namespace tarvex {
@@ -13,21 +14,21 @@ namespace tarvex {
 /// The values behind a key; the last one asked for runs to the end of the line.
 class TemplateValues {
  public:
-  explicit TemplateValues(std::string_view text) : rest_(text) {}
+  explicit TemplateValues(std::string_view text) : values_(text) {}
 
   double Number();
   /// `number` as it is; one out of range is remembered.
   double Noted(double number);
   int Integer();
-  std::string_view Next();
-  std::string_view Rest() const { return rest_; }
+  std::string_view Next() { return values_.Next(); }
+  std::string_view Rest() const { return values_.rest(); }
   /// The rest without the blanks around it.
   std::string Word() const;
   /// True once a number was beyond kLargestTemplateNumber.
   bool out_of_range() const { return outOfRange_; }
 
  private:
-  std::string_view rest_;
+  FieldCursor values_;
   bool outOfRange_ = false;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/angle.h"
+#include "core/field_cursor.h"
 #include "core/number_text.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -10,12 +11,8 @@
 namespace tarvex {
 
 CommaFields::CommaFields(std::string_view line) {
-  while (count_ < kMost) {
-    const std::size_t comma = line.find(',');
-    fields_[count_++] = line.substr(0, comma);
-    if (comma == std::string_view::npos) return;
-    line.remove_prefix(comma + 1);
-  }
+  FieldCursor cursor(line);
+  while (count_ < kMost && cursor.Take(fields_[count_])) ++count_;
 }
 
 std::string_view CommaFields::operator[](std::size_t number) const {

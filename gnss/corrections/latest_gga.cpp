@@ -1,9 +1,9 @@
 #include "gnss/corrections/latest_gga.h"
 
+#include "core/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentence_line.h"
 #include "gnss/nmea/sentences.h"
-#include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "gnss/nmea/text_fields.h"
+#include "core/field_cursor.h"
 #include "gnss/position/position_state.h"
 
 namespace tarvex {

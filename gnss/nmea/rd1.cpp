@@ -1,6 +1,6 @@
+#include "core/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentences.h"
-#include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
 

@@ -1,8 +1,8 @@
 #include <algorithm>
 
+#include "core/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentences.h"
-#include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
 namespace {

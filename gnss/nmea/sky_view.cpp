@@ -1,8 +1,8 @@
 #include "gnss/nmea/sky_view.h"
 
+#include "core/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentence_line.h"
-#include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "core/field_cursor.h"
 #include "core/number_text.h"
 #include "core/text.h"
 #include "gnss/nmea/nmea_number.h"
@@ -15,14 +16,9 @@ constexpr int kOtherFormat = 47;
 // Takes fields between semicolons; behind the last one every field is empty.
 class RecordFields {
  public:
-  explicit RecordFields(std::string_view line) : rest_(line) {}
+  explicit RecordFields(std::string_view line) : fields_(line, ';') {}
 
-  std::string_view Next() {
-    const std::size_t end = rest_.find(';');
-    const std::string_view field = rest_.substr(0, end);
-    rest_ = end == std::string_view::npos ? std::string_view() : rest_.substr(end + 1);
-    return field;
-  }
+  std::string_view Next() { return fields_.Next(); }
   template <std::size_t N>
   void Take(FixedText<N>& text) {
     text.Assign(Next());
@@ -36,7 +32,7 @@ class RecordFields {
   void Take(bool& value) { value = LeadingInteger(Next()) == 1; }
 
  private:
-  std::string_view rest_;
+  FieldCursor fields_;
 };
 
 // Puts fields with semicolons between them, and the line end.

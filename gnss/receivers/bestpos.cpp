@@ -3,8 +3,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "core/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
-#include "gnss/nmea/text_fields.h"
 #include "gnss/receivers/crc32.h"
 
 namespace tarvex {

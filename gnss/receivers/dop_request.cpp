@@ -3,9 +3,9 @@
 #include <array>
 #include <string>
 
+#include "core/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentences.h"
-#include "gnss/nmea/text_fields.h"
 #include "gnss/receivers/receiver_make.h"
 #include "gnss/receivers/request.h"
 

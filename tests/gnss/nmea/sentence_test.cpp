@@ -6,7 +6,6 @@
 #include "gnss/nmea/sentence_line.h"
 #include "gnss/nmea/sentence_reader.h"
 #include "gnss/nmea/sentences.h"
-#include "gnss/nmea/text_fields.h"
 #include "gnss/receivers/receiver_make.h"
 #include "tests/support/random_numbers.h"
 
@@ -24,15 +23,6 @@ struct Reading {
 
 constexpr std::string_view kMunich =
     "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47";
-
-TEST(TextFields, SkipsAndTakes) {
-  EXPECT_EQ(SkipFields("a,b,c", ',', 2), "c");
-  EXPECT_EQ(SkipFields("a,b,c", ',', 3), "a,b,c");
-  EXPECT_EQ(SkipFields("a,b", ',', 0), "a,b");
-  EXPECT_EQ(FirstField("a,b", ','), "a");
-  EXPECT_EQ(FirstField("ab", ','), "ab");
-  EXPECT_EQ(FirstField(",b", ','), "");
-}
 
 TEST(NmeaNumber, IsTheLeadingNumberOfEveryField) {
   for (const std::string_view field :

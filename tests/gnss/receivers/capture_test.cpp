@@ -5,10 +5,10 @@
 #include <set>
 #include <vector>
 
+#include "core/field_cursor.h"
 #include "core/number_text.h"
 #include "core/text.h"
 #include "gnss/nmea/sentence_reader.h"
-#include "gnss/nmea/text_fields.h"
 #include "gnss/port/port_address.h"
 #include "gnss/receivers/position_reader.h"
 #include "gnss/receivers/receiver_make.h"
