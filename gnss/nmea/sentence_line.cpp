@@ -20,6 +20,8 @@ unsigned char ExclusiveOr(std::string_view text) {
 std::string_view SentenceIn(std::string_view line) {
   constexpr std::string_view kBlanks(" \t\r\0", 4);
   line = line.substr(0, line.find_last_not_of(kBlanks) + 1);
+  // Nearly every line is one sentence, and looking forward is quick.
+  if (line.starts_with('$') && line.find('$', 1) == std::string_view::npos) return line;
   const std::size_t begin = line.rfind('$');
   return begin == std::string_view::npos ? line : line.substr(begin);
 }

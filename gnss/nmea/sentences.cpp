@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include "core/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
-#include "gnss/nmea/text_fields.h"
 
 namespace tarvex {
 namespace {
@@ -52,20 +52,23 @@ constexpr std::size_t kTalkerAt = 1;
 constexpr std::size_t kTypeAt = 3;
 constexpr std::size_t kCommaAt = 6;
 
-// Three letters as one number, which is never 0.
+// Three letters as one number.
 constexpr std::uint32_t Letters(std::string_view three) {
   return static_cast<std::uint32_t>(static_cast<unsigned char>(three[0])) << 16 |
          static_cast<std::uint32_t>(static_cast<unsigned char>(three[1])) << 8 |
          static_cast<unsigned char>(three[2]);
 }
 
-// The letters of each row; 0 for a proprietary sentence.
-constexpr auto kLetters = [] {
-  std::array<std::uint32_t, kSentences.size()> letters{};
-  for (std::size_t i = 0; i < letters.size(); ++i) {
-    if (!kSentences[i].talkers.empty()) letters[i] = Letters(kSentences[i].type);
+// What a line is found by: three letters behind the talker, or the first three of a proprietary
+// sentence with a mark.
+constexpr std::uint32_t kProprietary = 1U << 24;
+
+constexpr auto kKeys = [] {
+  std::array<std::uint32_t, kSentences.size()> keys{};
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    keys[i] = Letters(kSentences[i].type) | (kSentences[i].talkers.empty() ? kProprietary : 0U);
   }
-  return letters;
+  return keys;
 }();
 
 constexpr bool IsUpper(char c) {
@@ -75,7 +78,8 @@ constexpr bool IsUpper(char c) {
 bool TalkerKnown(const Sentence& sentence, std::string_view talker, bool anyTalker) {
   constexpr std::size_t kStep = 3;  // two letters and a blank
   for (std::size_t at = 0; at < sentence.talkers.size(); at += kStep) {
-    if (sentence.talkers.substr(at, 2) == talker) return true;
+    const bool same = sentence.talkers[at] == talker[0] && sentence.talkers[at + 1] == talker[1];
+    if (same) return true;
   }
   return anyTalker && sentence.anyTalker && IsUpper(talker[0]) && IsUpper(talker[1]);
 }
@@ -84,16 +88,16 @@ bool TalkerKnown(const Sentence& sentence, std::string_view talker, bool anyTalk
 
 const Sentence* FindSentence(std::string_view line, bool anyTalker) {
   if (line.size() <= kTypeAt || line[0] != '$') return nullptr;
-  if (line.size() > kCommaAt && line[kCommaAt] == ',') {
-    const std::uint32_t letters = Letters(line.substr(kTypeAt));
-    for (std::size_t i = 0; i < kLetters.size(); ++i) {
-      if (kLetters[i] != letters) continue;
-      const bool known = TalkerKnown(kSentences[i], line.substr(kTalkerAt, 2), anyTalker);
-      return known ? &kSentences[i] : nullptr;
-    }
-  }
-  for (std::size_t i = 0; i < kLetters.size(); ++i) {
-    if (kLetters[i] == 0 && line.substr(1).starts_with(kSentences[i].type)) return &kSentences[i];
+  const std::uint32_t own = Letters(line.substr(kTalkerAt)) | kProprietary;
+  const bool talks = line.size() > kCommaAt && line[kCommaAt] == ',';
+  const std::uint32_t talked = talks ? Letters(line.substr(kTypeAt)) : own;
+  for (std::size_t i = 0; i < kKeys.size(); ++i) {
+    if (kKeys[i] != talked && kKeys[i] != own) continue;
+    const Sentence& sentence = kSentences[i];
+    const bool known = sentence.talkers.empty()
+                           ? line.substr(kTalkerAt).starts_with(sentence.type)
+                           : TalkerKnown(sentence, line.substr(kTalkerAt, 2), anyTalker);
+    if (known) return &sentence;
   }
   return nullptr;
 }
