@@ -13,6 +13,7 @@
 #include "bench/stream_peer.h"
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/corrections/correction_session.h"
+#include "gnss/ntrip/tcp_connection.h"
 #include "platform/tcp_socket.h"
 
 namespace tarvex {

@@ -13,6 +13,7 @@
 #include "gnss/nmea/sentence_reader.h"
 #include "gnss/nmea/sentences.h"
 #include "gnss/ntrip/client.h"
+#include "gnss/ntrip/tcp_connection.h"
 #include "gnss/receivers/receiver_make.h"
 
 namespace tarvex {

@@ -1,4 +1,5 @@
 #include "app/workflow/correction_link.h"
+#include "gnss/ntrip/tcp_connection.h"
 
 #include <utility>
 

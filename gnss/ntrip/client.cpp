@@ -9,18 +9,17 @@
 #include "core/string_table.h"
 #include "gnss/gnss_texts.h"
 #include "gnss/ntrip/base64.h"
+#include "gnss/ntrip/source_table.h"
 
 namespace tarvex {
 namespace {
 
-constexpr std::size_t kReceiveSize = 1023;
 constexpr int kSendTimeoutMs = 1000;
 constexpr std::int64_t kAnswerLimitMs = 60000;
 constexpr int kOpenProgressBase = 25;
 constexpr std::string_view kStreamMark = "ICY 200 OK";
 constexpr std::string_view kTlsAlert = "\x15\x03";
 constexpr std::size_t kLongestAnswer = 100;
-constexpr int kHttpOk = 200;
 constexpr std::size_t kLongestRefusal = 128;
 constexpr std::string_view kContentType = "Content-Type";
 
@@ -49,21 +48,6 @@ bool EndsTheLine(char c) {
 
 bool IsMountpointName(std::string_view mountpoint) {
   return std::none_of(mountpoint.begin(), mountpoint.end(), EndsTheLine);
-}
-
-PortError HttpRefusal(const HttpHead& head) {
-  switch (head.status()) {
-    case 0:
-    case kHttpOk:
-      return PortError::None;
-    case 401:
-    case 403:
-      return PortError::NotAuthorized;
-    case 404:
-      return PortError::MountpointUnknown;
-    default:
-      return PortError::CasterRefused;
-  }
 }
 
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
@@ -116,14 +100,6 @@ PortError NtripClient::SendRequest(std::string_view mountpoint, std::string_view
   return connection_->Send(NtripRequest(mountpoint, user, password), kSendTimeoutMs);
 }
 
-PortError NtripClient::ReceiveText(std::string& received, std::uint32_t waitMs) {
-  std::array<char, kReceiveSize> buffer;
-  std::size_t count = 0;
-  const PortError error = connection_->Receive(buffer, count, static_cast<int>(waitMs));
-  received.assign(buffer.data(), error == PortError::None ? count : 0);
-  return error;
-}
-
 PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view user,
                                   std::string_view password, NtripProgress& progress) {
   if (const PortError error = SendRequest(mountpoint, user, password); error != PortError::None) {
@@ -131,7 +107,8 @@ PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view 
   }
   const std::int64_t sinceMs = surroundings_.clock.SteadyMilliseconds();
   std::string received;
-  if (const PortError error = ReceiveText(received, 2 * timeoutMs); error != PortError::None) {
+  if (const PortError error = ReceiveText(*connection_, received, 2 * timeoutMs);
+      error != PortError::None) {
     return Fail(error == PortError::Cancelled ? error : PortError::FirstReceiveFailed);
   }
   ForgetStream();
@@ -150,7 +127,7 @@ PortError NtripClient::AwaitStream(NtripProgress& progress, std::int64_t sinceMs
       return Fail(PortError::Cancelled);
     }
     if (const PortError refusal = Refusal(); refusal != PortError::None) return Refused(refusal);
-    const PortError error = ReceiveText(received, timeoutMs);
+    const PortError error = ReceiveText(*connection_, received, timeoutMs);
     if (error == PortError::Cancelled) return Fail(error);
     if (error == PortError::FewerBytesRead) {
       if (BodyIsUndecided()) break;
@@ -247,6 +224,18 @@ PortError NtripClient::Refused(PortError refusal) {
       {head_.status() != 0 ? head_.StatusLine()
                            : PrintableLine(answer.substr(
                                  0, std::min(answer.find_first_of("\r\n"), kLongestAnswer)))});
+}
+
+PortError NtripClient::FetchSourceTable(const std::string& fileName, NtripProgress& progress) {
+  return FetchAs("", "", fileName, progress);
+}
+
+PortError NtripClient::FetchAs(std::string_view user, std::string_view password,
+                               const std::string& fileName, NtripProgress& progress) {
+  if (const PortError error = SendRequest("", user, password); error != PortError::None) {
+    return error;
+  }
+  return SourceTableFetch(*connection_, surroundings_, timeoutMs).Run(fileName, progress);
 }
 
 PortError NtripClient::LoadBases(CasterList& list, NtripProgress& progress) {

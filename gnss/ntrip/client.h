@@ -14,8 +14,7 @@
 #include "gnss/ntrip/http_reply.h"
 #include "gnss/ntrip/progress.h"
 #include "gnss/ntrip/reply.h"
-#include "platform/clock.h"
-#include "platform/file.h"
+#include "gnss/ntrip/surroundings.h"
 
 namespace tarvex {
 
@@ -26,18 +25,6 @@ bool IsMountpointName(std::string_view mountpoint);
 /// out of the mountpoint.
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
                          std::string_view password);
-
-/// What an HTTP status other than 200 comes to: 401 and 403 NotAuthorized, 404 MountpointUnknown,
-/// any other CasterRefused.
-PortError HttpRefusal(const HttpHead& head);
-
-struct NtripSurroundings {
-  Clock& clock;
-  FileSystem& files;
-  LastErrorRecord& errors;
-  /// Where "tmp_sourcetable.txt" goes; with its separator, empty for the current folder.
-  std::string workFolder = {};
-};
 
 class NtripClient {
  public:
@@ -91,17 +78,12 @@ class NtripClient {
   PortError Refusal() const;
   PortError RefusalWhenClosed(PortError error) const;
   PortError Refused(PortError refusal);
-  PortError AwaitTable(std::string& table, NtripProgress& progress, std::int64_t sinceMs);
-  PortError TableRefusal(std::string_view reply);
-  PortError StoreTable(std::string table, const std::string& fileName, NtripProgress& progress,
-                       std::int64_t sinceMs);
   PortError FetchAs(std::string_view user, std::string_view password, const std::string& fileName,
                     NtripProgress& progress);
   PortError FetchTable(const CasterLogin& caster, const std::string& fileName,
                        NtripProgress& progress);
   PortError OpenAt(const CasterLogin& caster, const std::string& mountpoint,
                    NtripProgress& progress);
-  PortError ReceiveText(std::string& received, std::uint32_t waitMs);
   NtripConnection* connection_;
   std::string name_;
   NtripSurroundings surroundings_;

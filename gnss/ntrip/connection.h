@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -43,9 +42,7 @@ class NtripConnection {
   virtual void Close() = 0;
 };
 
-/// A TCP connection of this machine; `errors` receives every failure. While it waits for its caster
-/// it asks `stop`, which makes it return Cancelled; while it connects it asks the progress as well.
-std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors,
-                                                        StopAsked stop = {});
+/// One receive of up to 1023 bytes; `received` is empty when it failed.
+PortError ReceiveText(NtripConnection& connection, std::string& received, std::uint32_t waitMs);
 
 }  // namespace tarvex

@@ -101,4 +101,19 @@ void ChunkedBody::Feed(std::string_view received, std::string& data) {
   }
 }
 
+PortError HttpRefusal(const HttpHead& head) {
+  switch (head.status()) {
+    case 0:
+    case kHttpOk:
+      return PortError::None;
+    case 401:
+    case 403:
+      return PortError::NotAuthorized;
+    case 404:
+      return PortError::MountpointUnknown;
+    default:
+      return PortError::CasterRefused;
+  }
+}
+
 }  // namespace tarvex

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "gnss/port/port_error.h"
+
 namespace tarvex {
 
 /// The head of a reply, gathered from receives of any size.
@@ -50,5 +52,11 @@ class ChunkedBody {
   std::string line_;
   std::size_t left_ = 0;  // of this chunk
 };
+
+inline constexpr int kHttpOk = 200;
+
+/// What an HTTP status other than 200 comes to: 401 and 403 NotAuthorized, 404 MountpointUnknown,
+/// any other CasterRefused.
+PortError HttpRefusal(const HttpHead& head);
 
 }  // namespace tarvex

@@ -1,9 +1,11 @@
-// Fetching a source table into a file: the part of the client that reads until the table ends.
+#include "gnss/ntrip/source_table.h"
+
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "core/printable.h"
-#include "gnss/ntrip/client.h"
+#include "gnss/ntrip/http_reply.h"
 
 namespace tarvex {
 namespace {
@@ -120,60 +122,61 @@ class TableFile {
 
 }  // namespace
 
-PortError NtripClient::FetchSourceTable(const std::string& fileName, NtripProgress& progress) {
-  return FetchAs("", "", fileName, progress);
-}
+SourceTableFetch::SourceTableFetch(NtripConnection& connection,
+                                   const NtripSurroundings& surroundings, std::uint32_t timeoutMs)
+    : connection_(connection),
+      surroundings_(surroundings),
+      timeoutMs_(timeoutMs),
+      sinceMs_(surroundings.clock.SteadyMilliseconds()) {}
 
-PortError NtripClient::FetchAs(std::string_view user, std::string_view password,
-                               const std::string& fileName, NtripProgress& progress) {
-  if (const PortError error = SendRequest("", user, password); error != PortError::None) {
-    return error;
-  }
-  const std::int64_t sinceMs = surroundings_.clock.SteadyMilliseconds();
+PortError SourceTableFetch::Run(const std::string& fileName, NtripProgress& progress) {
   std::string table;
-  if (const PortError error = ReceiveText(table, 2 * timeoutMs); error != PortError::None) {
+  if (const PortError error = ReceiveText(connection_, table, 2 * timeoutMs_);
+      error != PortError::None) {
     return error;
   }
-  if (const PortError error = AwaitTable(table, progress, sinceMs); error != PortError::None) {
-    return error;
-  }
-  return StoreTable(std::move(table), fileName, progress, sinceMs);
+  if (const PortError error = Await(table, progress); error != PortError::None) return error;
+  return Store(std::move(table), fileName, progress);
 }
 
-PortError NtripClient::AwaitTable(std::string& table, NtripProgress& progress,
-                                  std::int64_t sinceMs) {
+PortError SourceTableFetch::Fail(PortError error) {
+  return Report(surroundings_.errors, error);
+}
+
+std::int64_t SourceTableFetch::ElapsedMs() const {
+  return surroundings_.clock.SteadyMilliseconds() - sinceMs_;
+}
+
+PortError SourceTableFetch::Await(std::string& table, NtripProgress& progress) {
   while (!Holds(table, "Content-Length:") && !Holds(table, "STR;") && !Holds(table, kEnd)) {
-    if (surroundings_.clock.SteadyMilliseconds() - sinceMs > kAnswerLimitMs) {
-      return Fail(PortError::NoAnswer);
-    }
-    if (progress.Progress(ElapsedSeconds(sinceMs) + kTableProgress) != 0) {
-      return Fail(PortError::Cancelled);
-    }
+    if (ElapsedMs() > kAnswerLimitMs) return Fail(PortError::NoAnswer);
+    const int elapsedS = static_cast<int>(ElapsedMs() / 1000);
+    if (progress.Progress(elapsedS + kTableProgress) != 0) return Fail(PortError::Cancelled);
     if (Holds(table, "401 Unauthorized")) return Fail(PortError::NotAuthorized);
     if (Holds(table, "DISCONNECT")) return Fail(PortError::Disconnected);
     if (table.starts_with(kTlsAlert)) return Fail(PortError::CasterSpeaksTls);
     if (table.size() > kLargestReply) return Fail(PortError::TableTooLarge);
     std::string received;
-    const PortError error = ReceiveText(received, timeoutMs);
+    const PortError error = ReceiveText(connection_, received, timeoutMs_);
     if (error == PortError::Cancelled) return Fail(error);
     if (error != PortError::None && error != PortError::FewerBytesRead) {
-      const PortError refusal = TableRefusal(table);
+      const PortError refusal = Refusal(table);
       return refusal == PortError::None ? error : refusal;
     }
     table += received;
   }
-  return TableRefusal(table);
+  return Refusal(table);
 }
 
-PortError NtripClient::TableRefusal(std::string_view reply) {
+PortError SourceTableFetch::Refusal(std::string_view reply) {
   std::string answer;
   const PortError refusal = RefusalOf(reply, answer);
   if (refusal == PortError::CasterRefused) return Report(surroundings_.errors, refusal, {answer});
   return refusal == PortError::None ? refusal : Fail(refusal);
 }
 
-PortError NtripClient::StoreTable(std::string table, const std::string& fileName,
-                                  NtripProgress& progress, std::int64_t sinceMs) {
+PortError SourceTableFetch::Store(std::string table, const std::string& fileName,
+                                  NtripProgress& progress) {
   std::unique_ptr<File> opened;
   if (!surroundings_.files.Open(fileName, FileAccess::CreateOrTruncate, opened).ok()) {
     return Fail(PortError::FileNotCreated);
@@ -187,10 +190,8 @@ PortError NtripClient::StoreTable(std::string table, const std::string& fileName
     if (file.complete() || body.ended()) break;
     if (progress.Progress(n) != 0) return Fail(PortError::Cancelled);
     const std::int64_t limitMs = file.begun() ? kTableLimitMs : kAnswerLimitMs;
-    if (surroundings_.clock.SteadyMilliseconds() - sinceMs > limitMs) {
-      return Fail(PortError::NoAnswer);
-    }
-    const PortError error = ReceiveText(table, timeoutMs);
+    if (ElapsedMs() > limitMs) return Fail(PortError::NoAnswer);
+    const PortError error = ReceiveText(connection_, table, timeoutMs_);
     if (error == PortError::Cancelled) return Fail(error);
     if (error != PortError::None) break;
   }

@@ -1,8 +1,9 @@
+#include "gnss/ntrip/tcp_connection.h"
+
 #include <algorithm>
 #include <memory>
 #include <utility>
 
-#include "gnss/ntrip/connection.h"
 #include "platform/tcp_socket.h"
 
 namespace tarvex {

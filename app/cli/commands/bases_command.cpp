@@ -10,6 +10,7 @@
 #include "core/text.h"
 #include "gnss/ntrip/client.h"
 #include "gnss/ntrip/known_casters.h"
+#include "gnss/ntrip/tcp_connection.h"
 #include "platform/private_folder.h"
 
 namespace tarvex {

@@ -19,6 +19,7 @@
 #include "gnss/corrections/correction_session.h"
 #include "gnss/corrections/correction_thread.h"
 #include "gnss/ntrip/client.h"
+#include "gnss/ntrip/tcp_connection.h"
 #include "gnss/port/serial_port.h"
 #include "platform/tcp_socket.h"
 #include "tests/support/quiet_process.h"

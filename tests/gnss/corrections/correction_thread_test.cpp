@@ -9,6 +9,7 @@
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/corrections/correction_session.h"
 #include "gnss/corrections/correction_thread.h"
+#include "gnss/ntrip/tcp_connection.h"
 #include "tests/gnss/corrections/capture.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/scripted_device.h"
