@@ -84,11 +84,6 @@ RawFileResult AppendRawRecord(Job& job, std::string_view record) {
   return AppendRawRecords(job, {&text, 1});
 }
 
-RawFileResult ResumeRawFile(Job& job) {
-  const std::string opening = RawOpeningRecords(job);
-  return opening.empty() ? AppendRawRecords(job, {}) : AppendRawRecord(job, opening);
-}
-
 std::string RawOpeningRecords(Job& job) {
   std::string bytes;
   const FileStatus read = ReadWholeFile(job.host.files(), RawFilePath(job), kLargestScan, bytes);

@@ -25,12 +25,9 @@ FileStatus AddRawRecords(Job& job, std::span<const std::string> records);
 /// Appends the records in order, each by one write, durable together.
 RawFileResult AppendRawRecords(Job& job, std::span<const std::string> records);
 
-/// Opens the raw file for further work: the collector's identification line is added when no line
-/// begins with it, then the date and time are stamped. A missing file is created with its header.
-RawFileResult ResumeRawFile(Job& job);
-
-/// The records with which it does so, to be written together with the first work; empty for a raw
-/// file that does not exist or is empty, which gets its header.
+/// The records with which work on a raw file goes on, to be written together with the first of it:
+/// the collector's identification line when no line begins with it, then the date and time. Empty
+/// for a raw file that does not exist or is empty, which gets its header.
 std::string RawOpeningRecords(Job& job);
 
 /// Opens the raw file at its end, locked and created when it is missing, for a unit of the job.

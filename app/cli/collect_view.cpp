@@ -88,7 +88,7 @@ void CollectView::Show(const PointExists& exists) {
 
 void CollectView::Show(const ReceiverLost& lost) {
   told_.clear();
-  program_.console.PrintError("The receiver " + lost.why + " is lost; it is tried again in " +
+  program_.console.PrintError("The receiver " + lost.receiver + " is lost; it is tried again in " +
                               std::to_string((lost.nextTryMs + 999) / 1000) + " s.\n");
 }
 

@@ -47,8 +47,8 @@ class Checker {
 
   std::optional<JobCheck> Run() {
     CheckLeftovers();
-    if (!CheckFrame() || !LoadPoints() || !LoadText(RawFilePath(job_), raw_, rawThere_) ||
-        !LoadText(PointNotesPath(job_), notes_, notesThere_)) {
+    if (!CheckFrame() || !LoadPoints() || !LoadText(RawFilePath(job_), raw_, &rawThere_) ||
+        !LoadText(PointNotesPath(job_), notes_)) {
       return std::nullopt;
     }
     CheckSettings();
@@ -103,9 +103,9 @@ class Checker {
          .arguments = {std::to_string(count), std::to_string(stream.recordCount())}});
   }
 
-  bool LoadText(const std::string& path, FileBytes& bytes, bool& there) {
+  bool LoadText(const std::string& path, FileBytes& bytes, bool* there = nullptr) {
     const FileStatus status = LoadFileBytes(job_.host.files(), path, bytes);
-    there = status.ok();
+    if (there != nullptr) *there = status.ok();
     if (status.ok() || status.notFound()) return true;
     job_.host.ShowMessage(path + " cannot be read: " + status.Text() + ".");
     return false;
@@ -267,7 +267,6 @@ class Checker {
   FileBytes raw_;
   FileBytes notes_;
   bool rawThere_ = false;
-  bool notesThere_ = false;
   RawHistory history_;
   std::unordered_map<PointId, Note, PointIdHash> noteOf_;
 };

@@ -56,7 +56,7 @@ struct SentencesDamaged {
 };
 
 struct ReceiverLost {
-  std::string why;
+  std::string receiver;        ///< its port, as a person knows it
   std::int64_t nextTryMs = 0;  ///< from now
 };
 struct ReceiverBack {};

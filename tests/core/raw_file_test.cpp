@@ -39,25 +39,30 @@ TEST(RawFile, StartsWithItsHeader) {
             "SP,PNA1,N 5000.1235,E -0.0000,EL100.0000,--IP, 1/2\" rebar");
 }
 
+RawFileResult Resume(Job& job) {
+  const std::string opening = RawOpeningRecords(job);
+  return opening.empty() ? AppendRawRecords(job, {}) : AppendRawRecord(job, opening);
+}
+
 TEST(RawFile, IsResumedWithAStamp) {
   TestHost host;
   Job job = MakeJob(host, false);
   job.name = "site, north";
   job.options.unit = DistanceUnit::InternationalFeet;
   ASSERT_NE(OpenCoordinateFile(job), nullptr);
-  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  EXPECT_EQ(Resume(job), RawFileResult::Written);
   const std::string header = host.memory.Bytes(kRawPath);
   EXPECT_EQ(header,
             "JB,NMsite_ north,DT12-05-2008,TM14:03:09\nMO,AD0,UN0,SF1.00000000,EC0,EO0.0,AU0\n"
             "--Tarvex\n--CRD: Numeric");
-  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  EXPECT_EQ(Resume(job), RawFileResult::Written);
   const std::string resumed = header + "\n--DT12-05-2008\n--TM14:03:09";
   EXPECT_EQ(host.memory.Bytes(kRawPath), resumed);
   job.options.collector = "Tarvex 9";
-  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  EXPECT_EQ(Resume(job), RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath), resumed + "\n--Tarvex 9\n--DT12-05-2008\n--TM14:03:09");
   host.memory.Put(kRawPath, "");  // an empty file is a new one: its header names the program once
-  EXPECT_EQ(ResumeRawFile(job), RawFileResult::Written);
+  EXPECT_EQ(Resume(job), RawFileResult::Written);
   EXPECT_EQ(host.memory.Bytes(kRawPath), RawHeader(job, host.standingClock.now));
   host.memory.MakeReadOnly(kRawPath);
   EXPECT_EQ(AppendRawRecord(job, "\n--lost"), RawFileResult::Dropped);
