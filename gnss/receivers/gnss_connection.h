@@ -10,7 +10,7 @@
 #include "gnss/port/line_reader.h"
 #include "gnss/port/port.h"
 #include "gnss/position/position_state.h"
-#include "gnss/receivers/position_finish.h"
+#include "gnss/receivers/position_acceptance.h"
 #include "gnss/receivers/precision_order.h"
 #include "gnss/receivers/receiver_settings.h"
 #include "gnss/receivers/simulated_receiver.h"
@@ -31,9 +31,9 @@ struct GnssConnection {
   Port* port = nullptr;  ///< not owned; open
   Clock& clock;
   ReceiverSettings settings = {};
-  PositionFinish* finish = nullptr;  ///< not owned; AcceptUsable when there is none
-  StopRequest* stop = nullptr;       ///< not owned; asks a reading to end early
-  LineListener* listener = nullptr;  ///< not owned
+  PositionAcceptance* acceptance = nullptr;  ///< not owned; null: AcceptInRange
+  StopRequest* stop = nullptr;               ///< not owned; asks a reading to end early
+  LineListener* listener = nullptr;          ///< not owned
   /// Steady clock: a reading is back half a second behind it at the latest, whatever comes in.
   std::int64_t deadlineMs = kNoDeadline;
   SimulatedReceiver simulated{};

@@ -35,14 +35,13 @@ GnssReadResult Validate(const GnssPositionState& state) {
 }
 
 GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int receiverType) {
-  AcceptUsable acceptUsable;
-  PositionFinish* const finish = connection.finish != nullptr ? connection.finish : &acceptUsable;
+  AcceptInRange inRange;
+  PositionAcceptance& acceptance =
+      connection.acceptance != nullptr ? *connection.acceptance : inRange;
   state.repeatedEpoch = state.epochMs != kNoEpoch && state.epochMs == connection.acceptedEpochMs;
   state.precisionCarriedOver =
       state.precisionEpochMs != kNoEpoch && state.precisionEpochMs != state.epochMs;
-  if (finish->Finish(state, receiverType) == FinishResult::Declined) {
-    return GnssReadResult::Declined;
-  }
+  if (!acceptance.Accepts(state, receiverType)) return GnssReadResult::Declined;
   connection.acceptedEpochMs = state.epochMs;
   const std::int64_t nowMs = connection.clock.SteadyMilliseconds();
   if (state.positions > 0 && !state.repeatedEpoch) {
