@@ -17,7 +17,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 LONGEST_FUNCTION = 60
-LONGEST_FILE = 450        # of the product; lines
+LONGEST_FILE = 500        # of the product; lines (its longest is the table of texts)
 LONGEST_TEST = 600
 TEST_SHARE = (0.25, 0.35)  # of product and tests
 

@@ -256,7 +256,7 @@ TEST(DefinitionWriter, RandomRecordsReadBackTheSame) {
 
 TEST(DefinitionWriter, RefusesWhatTheFormCannotHold) {
   ProjectionRecord record = Read(kTexas);
-  record.projectionType = 17;
+  record.projectionType = static_cast<int>(ProjectionFamilies().size());
   EXPECT_FALSE(WriteDefinition(record, "x"));
   record.projectionType = 1;
   EXPECT_TRUE(WriteDefinition(record, "x"));

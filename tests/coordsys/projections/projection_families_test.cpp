@@ -13,8 +13,8 @@ TEST(ProjectionFamilies, NamesAndCodesAreEachOthersInverse) {
     EXPECT_EQ(static_cast<int>(ProjectionCode(family.name).value()), code++);
   }
   EXPECT_FALSE(ProjectionName(-1));
-  EXPECT_FALSE(ProjectionName(17));
-  EXPECT_EQ(FamilyOf(17).make, nullptr);
+  EXPECT_FALSE(ProjectionName(code));
+  EXPECT_EQ(FamilyOf(code).make, nullptr);
 }
 
 TEST(ProjectionFamilies, AliasesAreReadAndLetterCaseCounts) {

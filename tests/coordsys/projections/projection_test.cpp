@@ -1,4 +1,5 @@
 #include "coordsys/projections/projection.h"
+#include "coordsys/projections/projection_families.h"
 
 #include <gtest/gtest.h>
 
@@ -380,7 +381,7 @@ TEST(Projection, FaultsNameTheParameter) {
     EXPECT_FALSE(made.projection);
   }
   ProjectionRecord record;
-  record.projectionType = 17;
+  record.projectionType = static_cast<int>(ProjectionFamilies().size());
   EXPECT_EQ(MakeProjection(record).fault, ProjectionFault::UnknownType);
 }
 
