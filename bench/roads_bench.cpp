@@ -94,7 +94,7 @@ std::string RoadText(std::int64_t elements) {
 RoadGeometry MakeRoad(std::int64_t elements) {
   Centerline centerline;
   centerline.elements = ReadChain(RoadText(elements), false).elements;
-  return MakeRoadGeometry(centerline, {}).geometry.value();
+  return MakeRoadGeometry(centerline, {}).value();
 }
 
 // Points within 20 of the road, all along it in random order.

@@ -15,11 +15,11 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s is no centerline\n", argv[1]);
     return 1;
   }
-  const tarvex::AlignmentMaking made = tarvex::Alignment::FromChain(road.centerline->elements);
-  if (!made.alignment) return 1;
+  const auto made = tarvex::Alignment::FromChain(road.centerline->elements);
+  if (!made) return 1;
   const auto& first = road.centerline->elements.front();
   const auto place =
-      made.alignment->Closest({.northing = first.northing + 25.0, .easting = first.easting + 40.0});
+      made->Closest({.northing = first.northing + 25.0, .easting = first.easting + 40.0});
   if (!place) return 1;
   std::printf("station %.3f offset %+.3f\n", place->station, place->offset);
 }

@@ -8,11 +8,11 @@
 namespace tarvex {
 namespace {
 
-int ProfileProblem(ProfileResult result) {
-  switch (result) {
-    case ProfileResult::StationsFall:
+int ProfileProblem(ProfileFault fault) {
+  switch (fault) {
+    case ProfileFault::StationsFall:
       return kTextProfileFalls;
-    case ProfileResult::CurvesOverlap:
+    case ProfileFault::CurvesOverlap:
       return kTextVerticalCurvesOverlap;
     default:
       return kTextVerticalCurveUnusable;
@@ -78,15 +78,15 @@ class ProfileReader {
       points.push_back(*point);
       nodes.push_back(node);
     }
-    ProfileMaking making = Profile::Make(std::move(points));
-    if (making.result == ProfileResult::TooFew) {
+    auto made = Profile::Make(std::move(points));
+    if (!made && made.failure().code == ProfileFault::TooFew) {
       return source_.Warn(kTextShortProfileLeftOut, {line.attribute("name").value()});
     }
-    if (making.result != ProfileResult::Made) {
-      return source_.Refuse(LandXmlResult::BadNumber, nodes[making.at],
-                            ProfileProblem(making.result));
+    if (!made) {
+      return source_.Refuse(LandXmlResult::BadNumber, nodes[made.failure().place],
+                            ProfileProblem(made.failure().code));
     }
-    alignment.profile = std::move(making.profile);
+    alignment.profile = *std::move(made);
     alignment.profileName = line.attribute("name").value();
   }
 

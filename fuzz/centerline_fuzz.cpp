@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto again = tarvex::ReadChain(tarvex::CenterlineText(centerline, equations), false);
     Require(again.result == tarvex::ReadChainResult::Read);
   }
-  const auto making = tarvex::MakeRoadGeometry(centerline, equations);
-  if (making.geometry) AskGeometry(*making.geometry);
+  const auto made = tarvex::MakeRoadGeometry(centerline, equations);
+  if (made) AskGeometry(*made);
   return 0;
 }

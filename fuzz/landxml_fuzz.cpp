@@ -13,11 +13,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool read = reading.result == tarvex::LandXmlResult::Read;
   if (read != reading.problem.empty()) std::abort();
   for (const tarvex::LandXmlAlignment& alignment : reading.alignments) {
-    const auto making = tarvex::MakeRoadGeometry(alignment.centerline, alignment.equations);
-    if (!making.geometry) continue;
+    const auto made = tarvex::MakeRoadGeometry(alignment.centerline, alignment.equations);
+    if (!made) continue;
     const auto text = tarvex::WriteLandXml({"road",
                                             reading.unit,
-                                            &*making.geometry,
+                                            &*made,
                                             alignment.profile ? &*alignment.profile : nullptr,
                                             "fuzz",
                                             {}});

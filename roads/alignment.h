@@ -20,6 +20,7 @@
 #include <span>
 #include <vector>
 
+#include "core/outcome.h"
 #include "core/units.h"
 #include "roads/alignment_index.h"
 #include "roads/centerline.h"
@@ -112,18 +113,16 @@ struct StationOffset {
   bool sound = true;
 };
 
-enum class [[nodiscard]] AlignmentResult : int{
-    Made = 1,
-    Nothing = 0,     ///< no two key points apart
-    OutOfRange = -1  ///< a number of a key point is infinite; `line` tells which
+/// Why a chain gives no alignment.
+enum class AlignmentFault {
+  Nothing,    ///< no two key points apart
+  OutOfRange  ///< a number of a key point is infinite; its line is the place
 };
-
-struct AlignmentMaking;
 
 class Alignment {
  public:
-  static AlignmentMaking FromChain(std::span<const CenterlineElement> chain,
-                                   const CheckLimits& limits = {});
+  static Outcome<Alignment, AlignmentFault> FromChain(std::span<const CenterlineElement> chain,
+                                                      const CheckLimits& limits = {});
 
   const std::vector<AlignmentElement>& elements() const { return elements_; }
   double startStation() const { return elements_.front().stationStart; }
@@ -175,12 +174,6 @@ class Alignment {
   std::vector<SpiralPanel> panels_;
   AlignmentIndex index_;
   bool stationsRise_ = true;
-};
-
-struct AlignmentMaking {
-  AlignmentResult result = AlignmentResult::Nothing;
-  std::optional<Alignment> alignment;
-  int line = 0;
 };
 
 }  // namespace tarvex

@@ -65,16 +65,19 @@ AlignmentBuilder::Run AlignmentBuilder::RunBetween(std::size_t from, std::size_t
   return {from, to, Distance(a, b), Azimuth(a, b), chain_[to].station - chain_[from].station};
 }
 
-AlignmentMaking AlignmentBuilder::Build() {
+Outcome<Alignment, AlignmentFault> AlignmentBuilder::Build() {
   for (const CenterlineElement& node : chain_) {
-    if (!IsFinite(node)) return {AlignmentResult::OutOfRange, std::nullopt, node.line};
+    if (!IsFinite(node)) {
+      return Failure{.code = AlignmentFault::OutOfRange,
+                     .place = static_cast<std::size_t>(node.line)};
+    }
   }
   for (std::size_t node = 0; node + 1 < chain_.size();) node = TakeFrom(node);
-  if (alignment_.elements_.empty()) return {};
+  if (alignment_.elements_.empty()) return Failure{.code = AlignmentFault::Nothing};
   AddJoins();
   JudgeSoundness();
   alignment_.index_ = AlignmentIndex(alignment_.pieces_);
-  return {AlignmentResult::Made, std::move(alignment_), 0};
+  return std::move(alignment_);
 }
 
 // Takes the element that starts at `node`; returns the node that it ends at.
@@ -316,8 +319,8 @@ void AlignmentBuilder::JudgeSoundness() {
   }
 }
 
-AlignmentMaking Alignment::FromChain(std::span<const CenterlineElement> chain,
-                                     const CheckLimits& limits) {
+Outcome<Alignment, AlignmentFault> Alignment::FromChain(std::span<const CenterlineElement> chain,
+                                                        const CheckLimits& limits) {
   return AlignmentBuilder(chain, limits).Build();
 }
 

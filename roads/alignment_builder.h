@@ -15,7 +15,7 @@ class AlignmentBuilder {
   AlignmentBuilder(std::span<const CenterlineElement> chain, const CheckLimits& limits)
       : chain_(chain), limits_(limits) {}
 
-  AlignmentMaking Build();
+  Outcome<Alignment, AlignmentFault> Build();
 
  private:
   /// Two nodes of the chain and what lies between them as numbers.

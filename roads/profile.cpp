@@ -18,24 +18,25 @@ bool IsUsable(const VerticalPoint& point) {
 
 }  // namespace
 
-ProfileMaking Profile::Make(std::vector<VerticalPoint> points) {
-  if (points.size() < 2) return {};
+Outcome<Profile, ProfileFault> Profile::Make(std::vector<VerticalPoint> points) {
+  if (points.size() < 2) return Failure{.code = ProfileFault::TooFew};
   for (std::size_t i = 0; i < points.size(); ++i) {
     const bool end = i == 0 || i + 1 == points.size();
     const bool curved = points[i].curve != VerticalCurveKind::None;
-    if (!IsUsable(points[i]) || (end && curved)) return {ProfileResult::BadCurve, {}, i};
+    if (!IsUsable(points[i]) || (end && curved))
+      return Failure{.code = ProfileFault::BadCurve, .place = i};
     if (i > 0 && !(points[i].station > points[i - 1].station)) {
-      return {ProfileResult::StationsFall, {}, i};
+      return Failure{.code = ProfileFault::StationsFall, .place = i};
     }
   }
   Profile profile;
   profile.points_ = std::move(points);
   for (std::size_t i = 1; i < profile.points_.size(); ++i) {
     if (profile.SpanOf(i - 1).to > profile.SpanOf(i).from + kOverlap) {
-      return {ProfileResult::CurvesOverlap, {}, i};
+      return Failure{.code = ProfileFault::CurvesOverlap, .place = i};
     }
   }
-  return {ProfileResult::Made, std::move(profile), 0};
+  return profile;
 }
 
 double Profile::GradeAfter(std::size_t point) const {

@@ -11,6 +11,8 @@
 #include <optional>
 #include <vector>
 
+#include "core/outcome.h"
+
 namespace tarvex {
 
 enum class VerticalCurveKind : int { None, Parabola, Circle };
@@ -33,19 +35,17 @@ struct ProfileElevation {
   bool onCurve = false;
 };
 
-enum class [[nodiscard]] ProfileResult : int{
-    Made = 1,
-    TooFew = 0,          ///< fewer than two points
-    StationsFall = -1,   ///< `at` is the point whose station does not rise
-    CurvesOverlap = -2,  ///< the curves at `at` - 1 and `at` overlap
-    BadCurve = -3,       ///< a curve at an end, or a length or radius that is no number
+/// Why points give no profile; the place is a point, from 0.
+enum class ProfileFault {
+  TooFew,         ///< fewer than two points
+  StationsFall,   ///< the station of the point does not rise
+  CurvesOverlap,  ///< the curves at the point and the one before overlap
+  BadCurve        ///< a curve at an end, or a length or radius that is no number
 };
-
-struct ProfileMaking;
 
 class Profile {
  public:
-  static ProfileMaking Make(std::vector<VerticalPoint> points);
+  static Outcome<Profile, ProfileFault> Make(std::vector<VerticalPoint> points);
 
   const std::vector<VerticalPoint>& points() const { return points_; }
   double startStation() const { return points_.front().station; }
@@ -67,12 +67,6 @@ class Profile {
   ProfileElevation OnCircle(std::size_t point, double station) const;
 
   std::vector<VerticalPoint> points_;
-};
-
-struct ProfileMaking {
-  ProfileResult result = ProfileResult::TooFew;
-  std::optional<Profile> profile;
-  std::size_t at = 0;
 };
 
 }  // namespace tarvex

@@ -43,18 +43,18 @@ std::optional<std::vector<CenterlineElement>> WithInternalStations(
 
 }  // namespace
 
-RoadGeometryMaking MakeRoadGeometry(const Centerline& centerline,
-                                    const std::vector<StationEquation>& equations,
-                                    const CheckLimits& limits) {
-  AlignmentMaking making = Alignment::FromChain(centerline.elements, limits);
-  if (!making.alignment) return {making.result, std::nullopt, making.line};
-  RoadGeometry geometry{*std::move(making.alignment), {}, centerline.elements, false, {}};
+Outcome<RoadGeometry, AlignmentFault> MakeRoadGeometry(
+    const Centerline& centerline, const std::vector<StationEquation>& equations,
+    const CheckLimits& limits) {
+  auto alignment = Alignment::FromChain(centerline.elements, limits);
+  if (!alignment) return alignment.failure();
+  RoadGeometry geometry{*std::move(alignment), {}, centerline.elements, false, {}};
   auto internal =
       WithInternalStations(geometry.alignment, geometry.chain, equations, limits.refuse);
   if (internal) {
-    making = Alignment::FromChain(*internal, limits);
-    if (!making.alignment) return {making.result, std::nullopt, making.line};
-    geometry.alignment = *std::move(making.alignment);
+    auto counted = Alignment::FromChain(*internal, limits);
+    if (!counted) return counted.failure();
+    geometry.alignment = *std::move(counted);
     geometry.chain = *std::move(internal);
     geometry.converted = true;
   }
@@ -66,7 +66,7 @@ RoadGeometryMaking MakeRoadGeometry(const Centerline& centerline,
   } else {
     geometry.refusedEquation = refused;
   }
-  return {AlignmentResult::Made, std::move(geometry), 0};
+  return geometry;
 }
 
 }  // namespace tarvex

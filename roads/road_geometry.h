@@ -26,14 +26,8 @@ struct RoadGeometry {
   std::optional<std::size_t> refusedEquation;
 };
 
-struct RoadGeometryMaking {
-  AlignmentResult result = AlignmentResult::Nothing;
-  std::optional<RoadGeometry> geometry;
-  int line = 0;
-};
-
-RoadGeometryMaking MakeRoadGeometry(const Centerline& centerline,
-                                    const std::vector<StationEquation>& equations,
-                                    const CheckLimits& limits = {});
+Outcome<RoadGeometry, AlignmentFault> MakeRoadGeometry(
+    const Centerline& centerline, const std::vector<StationEquation>& equations,
+    const CheckLimits& limits = {});
 
 }  // namespace tarvex

@@ -57,9 +57,10 @@ std::string LoadProblem(const RoadFileOptions& options, const CenterlineLoad& lo
   }
 }
 
-std::string GeometryProblem(const RoadFileOptions& options, const RoadGeometryMaking& making) {
-  if (making.result == AlignmentResult::OutOfRange) {
-    return options.file + " line " + std::to_string(making.line) +
+std::string GeometryProblem(const RoadFileOptions& options,
+                            const Failure<AlignmentFault>& failure) {
+  if (failure.code == AlignmentFault::OutOfRange) {
+    return options.file + " line " + std::to_string(failure.place) +
            ": a number of the key point is out of range.";
   }
   return "All key points of " + options.file + " lie at one place: there is no alignment.";
@@ -107,15 +108,14 @@ std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& opti
   const DistanceUnit unit = *ParseUnit(options.unit);
   Centerline& centerline = *road.centerline;
   if (options.aheadFirst) centerline.equations = Swapped(std::move(centerline.equations));
-  RoadGeometryMaking making =
-      MakeRoadGeometry(centerline, centerline.equations, CheckLimits::For(unit));
-  if (!making.geometry) {
-    (void)program.Fail(GeometryProblem(options, making));
+  auto made = MakeRoadGeometry(centerline, centerline.equations, CheckLimits::For(unit));
+  if (!made) {
+    (void)program.Fail(GeometryProblem(options, made.failure()));
     return std::nullopt;
   }
-  centerline.elements = making.geometry->chain;
+  centerline.elements = made->chain;
   OpenedRoad opened{.road = std::move(road),
-                    .geometry = *std::move(making.geometry),
+                    .geometry = *std::move(made),
                     .design = {},
                     .unit = unit,
                     .limits = CheckLimits::For(unit),

@@ -112,7 +112,7 @@ Centerline SpiralCurveSpiral(double azimuth, double k, double in, double arc, do
 RoadGeometry FromFile(const Centerline& written, const CenterlineFormat& format) {
   Centerline centerline;
   centerline.elements = ReadChain(CenterlineText(written, {}, format), false).elements;
-  return MakeRoadGeometry(centerline, {}).geometry.value();
+  return MakeRoadGeometry(centerline, {}).value();
 }
 
 TEST(LandXmlExport, EveryTextbookCurveGoesOut) {
@@ -187,8 +187,7 @@ TEST(LandXmlExport, RealFilesGoOutAsAnotherProgramReadsThem) {
     const LandXmlReading reading = ReadLandXml(text);
     ASSERT_EQ(reading.alignments.size(), 1U) << file;
     const LandXmlAlignment& alignment = reading.alignments.front();
-    const RoadGeometry road =
-        MakeRoadGeometry(alignment.centerline, alignment.equations).geometry.value();
+    const RoadGeometry road = MakeRoadGeometry(alignment.centerline, alignment.equations).value();
     EXPECT_THAT(FaultsOfLandXml(Exported(road, alignment.profile ? &*alignment.profile : nullptr)),
                 IsEmpty())
         << file;
@@ -245,8 +244,7 @@ TEST(LandXmlExport, StationEquationsAddUp) {
     const LandXmlAlignment& alignment = reading.alignments.at(0);
     const std::vector<StationEquation> wanted = {{1250.0, 1300.0}, {1400.0, 1700.0}};
     EXPECT_EQ(alignment.equations, wanted) << back;
-    const RoadGeometry road =
-        MakeRoadGeometry(alignment.centerline, alignment.equations).geometry.value();
+    const RoadGeometry road = MakeRoadGeometry(alignment.centerline, alignment.equations).value();
     EXPECT_EQ(road.equations.Displayed(1340.0).station, 1390.0);
     EXPECT_EQ(road.equations.Displayed(1360.0).station, 1710.0);
     EXPECT_THAT(FaultsOfLandXml(Exported(road)), IsEmpty());

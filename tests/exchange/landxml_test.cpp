@@ -31,7 +31,7 @@ LandXmlAlignment Import(const std::string& text) {
 }
 
 RoadGeometry Geometry(const LandXmlAlignment& alignment) {
-  return MakeRoadGeometry(alignment.centerline, alignment.equations).geometry.value();
+  return MakeRoadGeometry(alignment.centerline, alignment.equations).value();
 }
 
 // Columns: element station [display] offset northing easting azimuth curvature [elevation grade].
@@ -157,7 +157,7 @@ TEST(LandXmlWriter, RefusesSpiralsThatTurnToBothSides) {
   centerline.elements[1].northing = end.x;
   centerline.elements[1].easting = end.y;
   centerline.elements[1].station = 40.0;
-  const RoadGeometry road = MakeRoadGeometry(centerline, {}).geometry.value();
+  const RoadGeometry road = MakeRoadGeometry(centerline, {}).value();
   ASSERT_TRUE(road.alignment.elements()[0].sound);
   std::size_t refused = 99;
   EXPECT_FALSE(WriteLandXml({.name = "both",

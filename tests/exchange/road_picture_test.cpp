@@ -21,7 +21,7 @@ RoadGeometry Geometry(const std::string& file) {
   const std::string text = ReadRoadData(file);
   Centerline centerline;
   centerline.elements = ReadChain(text, false).elements;
-  return MakeRoadGeometry(centerline, ReadStationEquations(text)).geometry.value();
+  return MakeRoadGeometry(centerline, ReadStationEquations(text)).value();
 }
 
 int Count(const std::string& text, const std::string& part) {

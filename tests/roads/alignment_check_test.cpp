@@ -12,9 +12,9 @@ namespace {
 RoadGeometry Geometry(const std::string& text) {
   Centerline centerline;
   centerline.elements = ReadChain(text, false).elements;
-  auto making = MakeRoadGeometry(centerline, ReadStationEquations(text));
-  EXPECT_TRUE(making.geometry);
-  return *std::move(making.geometry);
+  auto made = MakeRoadGeometry(centerline, ReadStationEquations(text));
+  EXPECT_TRUE(made);
+  return *std::move(made);
 }
 
 std::vector<std::string> Findings(const std::string& text) {

@@ -16,7 +16,7 @@ DesignSurface Surface() {
   DesignSurface surface;
   surface.profile = Profile::Make({{.station = 1000.0, .elevation = 100.0},
                                    {.station = 1400.0, .elevation = 104.0}})
-                        .profile;
+                        .value();
   return surface;
 }
 

@@ -44,8 +44,7 @@ TEST(Stakeout, OpensTheGateOnlyForGoodPositions) {
 
 RoadGeometry Geometry(const char* name) {
   const Road road = LoadRoad(name);
-  return MakeRoadGeometry(*road.centerline, ReadStationEquations(ReadRoadData(name)))
-      .geometry.value();
+  return MakeRoadGeometry(*road.centerline, ReadStationEquations(ReadRoadData(name))).value();
 }
 
 TEST(Stakeout, LeadsToAPlaceOfTheRoad) {

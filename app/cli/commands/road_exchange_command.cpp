@@ -90,14 +90,13 @@ void TellImport(const RoadImportOptions& options, Program& program, const LandXm
 
 // The faults that `road check` will find, told where they come in.
 std::size_t TellFaults(const RoadImportOptions& options, Program& program,
-                       const RoadGeometryMaking& making, DistanceUnit unit) {
-  if (!making.geometry) {
+                       const Outcome<RoadGeometry, AlignmentFault>& made, DistanceUnit unit) {
+  if (!made) {
     program.Warn("all key points of the alignment lie at one place.");
     return 0;
   }
   std::size_t faults = 0;
-  const auto findings =
-      CheckAlignment(*making.geometry, CheckLimits::For(unit), DefaultStationStyle(unit));
+  const auto findings = CheckAlignment(*made, CheckLimits::For(unit), DefaultStationStyle(unit));
   for (const CheckFinding& finding : findings) {
     if (finding.kind != FindingKind::Refused) continue;
     ++faults;
@@ -121,16 +120,15 @@ ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
   // The road that the file gives, with the digits of its form.
   Centerline asWritten;
   asWritten.elements = ReadChain(text, false).elements;
-  const auto making =
+  const auto made =
       MakeRoadGeometry(asWritten, alignment.equations, CheckLimits::For(reading->unit));
-  if (!options.svg.empty() && making.geometry) {
-    const std::string svg = AlignmentPicture(*making.geometry, alignment.name,
+  if (!options.svg.empty() && made) {
+    const std::string svg = AlignmentPicture(*made, alignment.name,
                                              {DefaultStationStyle(reading->unit), reading->unit});
     if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
   }
-  const std::size_t faults = TellFaults(options, program, making, reading->unit);
-  TellImport(options, program, *reading,
-             {making.geometry ? making.geometry->alignment.elements().size() : 0, faults});
+  const std::size_t faults = TellFaults(options, program, made, reading->unit);
+  TellImport(options, program, *reading, {made ? made->alignment.elements().size() : 0, faults});
   return ExitCode::Done;
 }
 
