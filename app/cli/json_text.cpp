@@ -37,8 +37,8 @@ struct ToLibrary {
   Library operator()(const Json::Object& object) const {
     Library::object_t members;
     members.reserve(object.size());
-    for (const Json::Member& member : object) {
-      members.emplace_back(member.name, std::visit(*this, member.value.value()));
+    for (const auto& [name, json] : object) {
+      members.emplace_back(name, std::visit(*this, json.value()));
     }
     return members;
   }
@@ -69,15 +69,13 @@ Json Json::EmptyObject() {
 Json& Json::operator[](std::string_view name) {
   auto& members = std::get<Object>(value_);
   const auto found = std::find_if(members.begin(), members.end(),
-                                  [name](const Member& member) { return member.name == name; });
-  if (found != members.end()) return found->value;
-  return members.emplace_back(Member{std::string(name), {}}).value;
+                                  [name](const Member& member) { return member.first == name; });
+  if (found != members.end()) return found->second;
+  return members.emplace_back(name, Json()).second;
 }
 
 void Json::Append(Json object) {
-  for (Member& member : std::get<Object>(object.value_)) {
-    (*this)[member.name] = std::move(member.value);
-  }
+  for (auto& [name, value] : std::get<Object>(object.value_)) (*this)[name] = std::move(value);
 }
 
 void Json::Add(Json value) {

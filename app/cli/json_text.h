@@ -18,7 +18,7 @@ namespace tarvex {
 /// members keep the order in which they were put into it.
 class Json {
  public:
-  struct Member;
+  using Member = std::pair<std::string, Json>;
   using List = std::vector<Json>;
   using Object = std::vector<Member>;
   using Value = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string,
@@ -51,11 +51,6 @@ class Json {
 
  private:
   Value value_;
-};
-
-struct Json::Member {
-  std::string name;
-  Json value;
 };
 
 /// One line, without a line end. Bytes that are not UTF-8 are replaced, so that it always parses,
