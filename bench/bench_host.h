@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/job.h"
+#include "core/job/job.h"
 
 namespace tarvex {
 

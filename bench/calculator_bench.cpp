@@ -14,7 +14,7 @@
 #include "coordsys/closed/closed_library.h"
 #include "coordsys/datum/grid_shifts.h"
 #include "coordsys/datum/seven_parameter_shift.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "platform/run_time_library.h"
 
 namespace tarvex {

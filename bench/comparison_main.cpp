@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "bench/bounds.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

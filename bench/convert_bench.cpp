@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bench/scratch_folder.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

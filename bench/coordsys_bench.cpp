@@ -17,7 +17,7 @@
 #include "coordsys/projections/oblique_cylindrical.h"
 #include "coordsys/projections/oblique_mercator.h"
 #include "coordsys/projections/projection.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "core/angle.h"
-#include "core/station.h"
+#include "core/units/angle.h"
+#include "core/units/station.h"
 
 namespace tarvex {
 namespace {

@@ -13,7 +13,7 @@
 #include "coordsys/geoid/geoid_grid.h"
 #include "coordsys/grids/ntv2_grid.h"
 #include "coordsys/projections/projection.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

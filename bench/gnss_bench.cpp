@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/corrections/rtcm_framer.h"
 #include "gnss/nmea/sentence_reader.h"

@@ -15,11 +15,11 @@
 #include "bench/bench_host.h"
 #include "bench/scratch_folder.h"
 #include "bench/sqlite_observations.h"
-#include "core/coordinate_layout.h"
-#include "core/job_unit.h"
-#include "core/point_bulk.h"
-#include "core/point_store.h"
-#include "core/raw_records.h"
+#include "core/coordinates/coordinate_layout.h"
+#include "core/coordinates/point_bulk.h"
+#include "core/coordinates/point_store.h"
+#include "core/observations/job_unit.h"
+#include "core/raw_data/raw_records.h"
 
 namespace tarvex {
 namespace {

@@ -14,10 +14,10 @@
 #include "bench/bench_host.h"
 #include "bench/scratch_folder.h"
 #include "bench/sqlite_points.h"
-#include "core/job.h"
-#include "core/point_bulk.h"
-#include "core/point_list.h"
-#include "core/point_store.h"
+#include "core/coordinates/point_bulk.h"
+#include "core/coordinates/point_list.h"
+#include "core/coordinates/point_store.h"
+#include "core/job/job.h"
 
 namespace tarvex {
 namespace {

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "roads/centerline_reader.h"
 #include "roads/centerline_writer.h"
 #include "roads/road_geometry.h"

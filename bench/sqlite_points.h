@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/point.h"
+#include "core/points/point.h"
 
 namespace tarvex {
 

@@ -1,7 +1,7 @@
 #include "coordsys/run_messages.h"
 
 #include "coordsys/coordsys_texts.h"
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 

@@ -3,7 +3,7 @@
 
 #include "tarvex/coordsys/catalogue/utm_zones.h"
 #include "tarvex/coordsys/chain/calculator.h"
-#include "tarvex/core/units.h"
+#include "tarvex/core/units/units.h"
 
 int main() {
   tarvex::CTrgCalculator calculator;

@@ -1,9 +1,9 @@
 // A job with one point: its record, what the raw file says of it and its note are stored as one.
 #include <cstdio>
 
-#include "tarvex/core/job_unit.h"
-#include "tarvex/core/point_store.h"
-#include "tarvex/core/raw_records.h"
+#include "tarvex/core/coordinates/point_store.h"
+#include "tarvex/core/observations/job_unit.h"
+#include "tarvex/core/raw_data/raw_records.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "exchange/road_picture.h"
 #include "exchange/svg.h"
 #include "roads/stakeout.h"

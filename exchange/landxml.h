@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/units.h"
+#include "core/units/units.h"
 #include "platform/clock.h"
 #include "roads/centerline.h"
 #include "roads/profile.h"

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "exchange/exchange_texts.h"
 #include "roads/centerline_reader.h"
 

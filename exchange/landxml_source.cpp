@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "core/number_text.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
 #include "exchange/exchange_texts.h"
 
 namespace tarvex {

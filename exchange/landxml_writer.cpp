@@ -2,8 +2,8 @@
 #include <numbers>
 #include <pugixml.hpp>
 
-#include "core/number_text.h"
-#include "core/units.h"
+#include "core/text/number_text.h"
+#include "core/units/units.h"
 #include "exchange/landxml.h"
 
 namespace tarvex {

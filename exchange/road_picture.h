@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/units.h"
+#include "core/units/units.h"
 #include "roads/alignment_check.h"
 #include "roads/catch_point.h"
 #include "roads/road_geometry.h"

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 #include "exchange/exchange_texts.h"
 #include "exchange/road_picture.h"
 #include "exchange/svg.h"

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/change_entry.h"
-#include "core/coordinate_file.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/journal/change_entry.h"
 #include "tests/support/test_host.h"
 
 namespace tarvex {

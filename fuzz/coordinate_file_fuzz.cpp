@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/number_text.h"
-#include "core/point_bulk.h"
-#include "core/point_list.h"
-#include "core/point_store.h"
+#include "core/coordinates/point_bulk.h"
+#include "core/coordinates/point_list.h"
+#include "core/coordinates/point_store.h"
+#include "core/text/number_text.h"
 #include "tests/support/test_host.h"
 
 namespace tarvex {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "coordsys/geoid/geoid_grid.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "fuzz/grid_places.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "coordsys/grids/ntv2_grid.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "fuzz/grid_places.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

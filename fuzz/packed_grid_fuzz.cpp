@@ -5,7 +5,7 @@
 
 #include "coordsys/grids/gr3df97a_grid.h"
 #include "coordsys/grids/ostn02_grid.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "fuzz/grid_places.h"
 
 namespace tarvex {

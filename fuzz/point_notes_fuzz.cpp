@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "core/point_id.h"
-#include "core/point_notes.h"
-#include "core/text.h"
+#include "core/observations/point_notes.h"
+#include "core/points/point_id.h"
+#include "core/text/text.h"
 #include "tests/support/test_host.h"
 
 namespace tarvex {

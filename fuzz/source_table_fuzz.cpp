@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "gnss/ntrip/caster_list.h"
 
 namespace {

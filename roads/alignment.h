@@ -20,8 +20,8 @@
 #include <span>
 #include <vector>
 
-#include "core/outcome.h"
-#include "core/units.h"
+#include "core/text/outcome.h"
+#include "core/units/units.h"
 #include "roads/alignment_index.h"
 #include "roads/centerline.h"
 #include "roads/curve_piece.h"

@@ -5,7 +5,7 @@
 #include <numbers>
 #include <utility>
 
-#include "core/no_value.h"
+#include "core/units/no_value.h"
 #include "roads/spiral_fit.h"
 
 namespace tarvex {

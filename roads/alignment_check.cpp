@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 #include "roads/road_texts.h"
 
 namespace tarvex {

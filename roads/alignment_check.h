@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "core/station.h"
+#include "core/units/station.h"
 #include "roads/alignment.h"
 #include "roads/road_geometry.h"
 

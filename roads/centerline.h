@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "core/fixed_text.h"
+#include "core/text/fixed_text.h"
 #include "roads/station_equations.h"
 
 namespace tarvex {

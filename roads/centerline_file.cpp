@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "roads/centerline_reader.h"
 #include "roads/road_texts.h"
 

@@ -4,10 +4,10 @@
 #include <numbers>
 #include <utility>
 
-#include "core/azimuth.h"
-#include "core/no_value.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/job/azimuth.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/no_value.h"
 #include "roads/centerline_cleanup.h"
 #include "roads/road_texts.h"
 #include "roads/text_fields.h"

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/angle.h"
-#include "core/number_text.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/angle.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

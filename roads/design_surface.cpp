@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "roads/road_texts.h"
 
 namespace tarvex {

@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/outcome.h"
+#include "core/text/outcome.h"
 
 namespace tarvex {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "core/point.h"
+#include "core/points/point.h"
 #include "roads/catch_point.h"
 #include "roads/profile.h"
 #include "roads/road_geometry.h"

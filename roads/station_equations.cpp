@@ -4,8 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "roads/text_fields.h"
 
 namespace tarvex {

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/station.h"
+#include "core/units/station.h"
 
 namespace tarvex {
 

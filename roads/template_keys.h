@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "roads/road_template.h"
 
 namespace tarvex {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "roads/road_texts.h"
 #include "roads/template_keys.h"
 #include "roads/text_fields.h"

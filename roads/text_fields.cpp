@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "core/angle.h"
-#include "core/field_cursor.h"
-#include "core/number_text.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/text/field_cursor.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/angle.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 

@@ -2,7 +2,7 @@
 
 #include "app/cli/correction_text.h"
 #include "app/cli/storing_text.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

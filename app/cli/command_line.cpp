@@ -8,7 +8,7 @@
 #include <sstream>
 #include <utility>
 
-#include "core/edit_distance.h"
+#include "core/text/edit_distance.h"
 
 namespace tarvex {
 namespace {

@@ -7,7 +7,7 @@
 #include <mutex>
 
 #include "app/cli/program.h"
-#include "core/printable.h"
+#include "core/text/printable.h"
 
 namespace tarvex {
 namespace {

@@ -1,8 +1,8 @@
 #include "app/cli/conversion_text.h"
 
-#include "core/number_text.h"
-#include "core/string_table.h"
-#include "core/units.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "gnss/ntrip/client.h"
 #include "platform/secret.h"
 

@@ -1,7 +1,7 @@
 #include "app/cli/correction_text.h"
 
 #include "app/workflow/correction_base.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 

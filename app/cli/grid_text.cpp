@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "coordsys/national_grids.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

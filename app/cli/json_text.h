@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-#include "core/point.h"
+#include "core/points/point.h"
 
 namespace tarvex {
 

@@ -8,9 +8,9 @@
 
 #include "app/cli/angle_entry.h"
 #include "app/cli/conversion_text.h"
-#include "core/number_text.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -5,10 +5,10 @@
 
 #include "app/cli/table_text.h"
 #include "app/workflow/job_localization.h"
-#include "core/angle.h"
-#include "core/number_text.h"
-#include "core/printable.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/printable.h"
+#include "core/text/text.h"
+#include "core/units/angle.h"
 
 namespace tarvex {
 namespace {

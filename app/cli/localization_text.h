@@ -5,7 +5,7 @@
 
 #include "app/cli/json_text.h"
 #include "coordsys/localization/localization_report.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 

@@ -15,7 +15,8 @@ enum class ExitCode : int { Done = 0, Failed = 1, WrongUse = 2 };
 
 /// Text to the person: results to the standard output, everything else to the standard error. Texts
 /// hold names and answers from networks and files: what a terminal would obey is left out of them
-/// here (core/printable.h), once for all. A thread beside the one that works may print as well.
+/// here (core/text/printable.h), once for all. A thread beside the one that works may print as
+/// well.
 class Console {
  public:
   virtual ~Console() = default;

@@ -6,7 +6,7 @@
 
 #include "app/cli/command_line.h"
 #include "app/workflow/chosen_receiver.h"
-#include "core/settings.h"
+#include "core/job/settings.h"
 
 namespace tarvex {
 

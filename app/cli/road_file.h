@@ -10,7 +10,7 @@
 #include "app/cli/json_text.h"
 #include "app/cli/program.h"
 #include "app/cli/road_profile.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "exchange/road_picture.h"
 #include "roads/alignment_check.h"
 #include "roads/design_surface.h"

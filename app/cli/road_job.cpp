@@ -1,7 +1,7 @@
 #include "app/cli/road_job.h"
 
-#include "core/coordinate_file.h"
-#include "core/point_store.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/coordinates/point_store.h"
 
 namespace tarvex {
 

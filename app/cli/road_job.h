@@ -8,7 +8,7 @@
 
 #include "app/cli/road_file.h"
 #include "app/workflow/job_session.h"
-#include "core/point_list.h"
+#include "core/coordinates/point_list.h"
 
 namespace tarvex {
 

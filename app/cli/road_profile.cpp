@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "app/workflow/job_session.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "exchange/landxml.h"
 
 namespace tarvex {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/cli/program.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "roads/profile.h"
 #include "roads/road.h"
 

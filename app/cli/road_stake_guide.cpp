@@ -4,8 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include "core/number_text.h"
-#include "core/raw_records.h"
+#include "core/raw_data/raw_records.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

@@ -1,6 +1,6 @@
 #include "app/cli/stream_log_name.h"
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 

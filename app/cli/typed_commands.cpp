@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

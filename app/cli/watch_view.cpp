@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "app/cli/correction_text.h"
-#include "core/number_text.h"
-#include "core/printable.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/printable.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -1,9 +1,9 @@
 #include "app/workflow/control_point_source.h"
 
 #include "app/workflow/raw_positions.h"
-#include "core/coordinate_file.h"
-#include "core/point_id.h"
-#include "core/point_store.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/coordinates/point_store.h"
+#include "core/points/point_id.h"
 
 namespace tarvex {
 namespace {

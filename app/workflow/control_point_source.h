@@ -6,7 +6,7 @@
 #include <string>
 
 #include "coordsys/localization/localization_points.h"
-#include "core/job.h"
+#include "core/job/job.h"
 
 namespace tarvex {
 

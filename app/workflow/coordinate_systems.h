@@ -10,7 +10,7 @@
 #include "coordsys/catalogue/system_catalogue.h"
 #include "coordsys/chain/calculator.h"
 #include "coordsys/chain/step_preparation.h"
-#include "core/settings.h"
+#include "core/job/settings.h"
 
 namespace tarvex {
 

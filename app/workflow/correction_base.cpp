@@ -3,9 +3,9 @@
 #include <cmath>
 
 #include "coordsys/datum/geocentric.h"
-#include "core/number_text.h"
-#include "core/raw_records.h"
-#include "core/units.h"
+#include "core/raw_data/raw_records.h"
+#include "core/text/number_text.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "core/job.h"
-#include "core/settings.h"
+#include "core/job/job.h"
+#include "core/job/settings.h"
 
 namespace tarvex {
 

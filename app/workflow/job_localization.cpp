@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "app/workflow/control_fit.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

@@ -11,8 +11,8 @@
 
 #include "coordsys/localization/localization_file.h"
 #include "coordsys/localization/localization_report.h"
-#include "core/job.h"
-#include "core/settings.h"
+#include "core/job/job.h"
+#include "core/job/settings.h"
 
 namespace tarvex {
 

@@ -7,10 +7,10 @@
 
 #include "app/workflow/identification.h"
 #include "app/workflow/job_settings.h"
-#include "core/file_rewrite.h"
-#include "core/job_unit.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/journal/file_rewrite.h"
+#include "core/observations/job_unit.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

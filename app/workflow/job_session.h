@@ -6,9 +6,9 @@
 #include <string>
 
 #include "app/workflow/workplace.h"
-#include "core/job.h"
-#include "core/raw_file.h"
-#include "core/settings.h"
+#include "core/job/job.h"
+#include "core/job/settings.h"
+#include "core/raw_data/raw_file.h"
 
 namespace tarvex {
 

@@ -4,10 +4,10 @@
 #include <array>
 
 #include "app/workflow/job_session.h"
-#include "core/edit_distance.h"
-#include "core/raw_file.h"
-#include "core/raw_header.h"
-#include "core/text.h"
+#include "core/raw_data/raw_file.h"
+#include "core/raw_data/raw_header.h"
+#include "core/text/edit_distance.h"
+#include "core/text/text.h"
 #include "gnss/quality/quality_gate.h"
 #include "gnss/receivers/receiver_settings.h"
 

@@ -4,12 +4,12 @@
 #include <cmath>
 
 #include "app/workflow/stored_coordinates.h"
-#include "core/job_unit.h"
-#include "core/number_text.h"
-#include "core/point_list.h"
-#include "core/printable.h"
-#include "core/raw_file.h"
-#include "core/raw_records.h"
+#include "core/coordinates/point_list.h"
+#include "core/observations/job_unit.h"
+#include "core/raw_data/raw_file.h"
+#include "core/raw_data/raw_records.h"
+#include "core/text/number_text.h"
+#include "core/text/printable.h"
 
 namespace tarvex {
 namespace {

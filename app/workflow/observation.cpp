@@ -1,7 +1,7 @@
 #include "app/workflow/observation.h"
 
-#include "core/date_text.h"
-#include "core/raw_records.h"
+#include "core/raw_data/raw_records.h"
+#include "core/text/date_text.h"
 #include "gnss/quality/point_quality.h"
 #include "gnss/receivers/position_reader.h"
 #include "gnss/receivers/receiver_make.h"

@@ -1,8 +1,8 @@
 #include "app/workflow/point_deletion.h"
 
-#include "core/job_unit.h"
-#include "core/point_store.h"
-#include "core/raw_records.h"
+#include "core/coordinates/point_store.h"
+#include "core/observations/job_unit.h"
+#include "core/raw_data/raw_records.h"
 
 namespace tarvex {
 

@@ -9,15 +9,15 @@
 
 #include "app/workflow/entered_number.h"
 #include "app/workflow/point_storing.h"
-#include "core/coordinate_file.h"
-#include "core/job_unit.h"
-#include "core/number_text.h"
-#include "core/point_bulk.h"
-#include "core/point_key.h"
-#include "core/point_list.h"
-#include "core/point_store.h"
-#include "core/raw_records.h"
-#include "core/text.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/coordinates/point_bulk.h"
+#include "core/coordinates/point_list.h"
+#include "core/coordinates/point_store.h"
+#include "core/observations/job_unit.h"
+#include "core/points/point_key.h"
+#include "core/raw_data/raw_records.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

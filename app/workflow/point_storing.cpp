@@ -1,10 +1,10 @@
 #include "app/workflow/point_storing.h"
 
-#include "core/coordinate_file.h"
-#include "core/point_key.h"
-#include "core/point_store.h"
-#include "core/raw_records.h"
-#include "core/text.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/coordinates/point_store.h"
+#include "core/points/point_key.h"
+#include "core/raw_data/raw_records.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -1,7 +1,7 @@
 #include "app/workflow/point_unit.h"
 
-#include "core/point_store.h"
-#include "core/raw_records.h"
+#include "core/coordinates/point_store.h"
+#include "core/raw_data/raw_records.h"
 
 namespace tarvex {
 namespace {

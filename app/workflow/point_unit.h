@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/workflow/job_session.h"
-#include "core/job_unit.h"
+#include "core/observations/job_unit.h"
 
 namespace tarvex {
 

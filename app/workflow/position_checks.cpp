@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "coordsys/ellipsoids.h"
-#include "core/coordinate_file.h"
-#include "core/number_text.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

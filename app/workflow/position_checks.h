@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "coordsys/chain/calculator.h"
-#include "core/job.h"
+#include "core/job/job.h"
 #include "gnss/position/position_state.h"
 
 namespace tarvex {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "core/number_text.h"
-#include "core/point_key.h"
-#include "core/raw_fields.h"
-#include "core/text.h"
+#include "core/points/point_key.h"
+#include "core/raw_data/raw_fields.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

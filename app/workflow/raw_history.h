@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/point.h"
+#include "core/points/point.h"
 
 namespace tarvex {
 

@@ -1,10 +1,10 @@
 #include "app/workflow/raw_positions.h"
 
-#include "core/angle.h"
-#include "core/number_text.h"
-#include "core/raw_fields.h"
-#include "core/raw_file.h"
-#include "core/text.h"
+#include "core/raw_data/raw_fields.h"
+#include "core/raw_data/raw_file.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/angle.h"
 
 namespace tarvex {
 namespace {

@@ -8,8 +8,8 @@
 #include <unordered_map>
 
 #include "coordsys/coordinates.h"
-#include "core/job.h"
-#include "core/units.h"
+#include "core/job/job.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 

@@ -8,7 +8,7 @@
 
 #include "app/workflow/chosen_receiver.h"
 #include "app/workflow/receiver_tap.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "gnss/port/link_retry.h"
 #include "gnss/receivers/gnss_connection.h"
 #include "gnss/receivers/position_reader.h"

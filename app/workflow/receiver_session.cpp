@@ -3,9 +3,9 @@
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/position_checks.h"
 #include "app/workflow/setup_comments.h"
-#include "core/job_unit.h"
-#include "core/raw_file.h"
-#include "core/raw_records.h"
+#include "core/observations/job_unit.h"
+#include "core/raw_data/raw_file.h"
+#include "core/raw_data/raw_records.h"
 #include "gnss/receivers/receiver_make.h"
 
 namespace tarvex {

@@ -1,6 +1,6 @@
 #include "app/workflow/receiver_tap.h"
 
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "gnss/nmea/sentence_line.h"
 
 namespace tarvex {

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "gnss/position/position_state.h"
 
 namespace tarvex {

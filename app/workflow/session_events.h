@@ -7,7 +7,7 @@
 #include <string>
 #include <variant>
 
-#include "core/point.h"
+#include "core/points/point.h"
 #include "gnss/corrections/correction_status.h"
 #include "gnss/position/position_state.h"
 #include "gnss/quality/averaging.h"

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "coordsys/chain/calculator.h"
-#include "core/raw_records.h"
-#include "core/settings.h"
+#include "core/job/settings.h"
+#include "core/raw_data/raw_records.h"
 
 namespace tarvex {
 

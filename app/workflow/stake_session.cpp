@@ -1,6 +1,6 @@
 #include "app/workflow/stake_session.h"
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

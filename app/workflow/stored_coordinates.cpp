@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "app/workflow/raw_positions.h"
-#include "core/point_list.h"
+#include "core/coordinates/point_list.h"
 
 namespace tarvex {
 namespace {

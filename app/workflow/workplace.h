@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/job.h"
+#include "core/job/job.h"
 #include "platform/clock.h"
 #include "platform/file.h"
 

@@ -4,8 +4,8 @@
 
 #include "coordsys/coordsys_texts.h"
 #include "coordsys/definition/definition_reader.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

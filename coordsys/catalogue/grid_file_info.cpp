@@ -6,7 +6,7 @@
 #include "coordsys/grids/nadcon_grid.h"
 #include "coordsys/grids/ntv2_grid.h"
 #include "coordsys/grids/ostn02_grid.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "coordsys/catalogue/state_plane_table.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

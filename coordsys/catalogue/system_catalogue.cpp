@@ -6,9 +6,9 @@
 
 #include "coordsys/catalogue/utm_zones.h"
 #include "coordsys/coordsys_texts.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -1,8 +1,8 @@
 #include "coordsys/catalogue/utm_zones.h"
 
 #include "coordsys/definition/definition_writer.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

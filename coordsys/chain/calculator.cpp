@@ -6,7 +6,7 @@
 #include "coordsys/chain/calculator_run.h"
 #include "coordsys/coordsys_texts.h"
 #include "coordsys/datum/coincident_datums.h"
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

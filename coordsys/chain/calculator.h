@@ -25,8 +25,8 @@
 #include "coordsys/message_box.h"
 #include "coordsys/projections/projection.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/point.h"
-#include "core/units.h"
+#include "core/points/point.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 

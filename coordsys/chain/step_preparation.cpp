@@ -8,8 +8,8 @@
 #include "coordsys/geoid/geoid_step.h"
 #include "coordsys/grids/plane_corrections.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

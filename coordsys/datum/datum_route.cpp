@@ -5,7 +5,7 @@
 
 #include "coordsys/datum/coincident_datums.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "coordsys/coordsys_texts.h"
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

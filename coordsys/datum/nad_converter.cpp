@@ -2,8 +2,8 @@
 
 #include "coordsys/closed/nad_converter_interface.h"
 #include "coordsys/coordsys_texts.h"
-#include "core/string_table.h"
-#include "core/units.h"
+#include "core/text/string_table.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -2,8 +2,8 @@
 
 #include "coordsys/closed/seven_parameter_interface.h"
 #include "coordsys/coordsys_texts.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <iterator>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -12,9 +12,9 @@
 #include "coordsys/definition/definition_tree.h"
 #include "coordsys/definition/parameter_keywords.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

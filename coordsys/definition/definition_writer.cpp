@@ -8,8 +8,8 @@
 #include "coordsys/datum/coincident_datums.h"
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <limits>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

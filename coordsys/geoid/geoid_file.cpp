@@ -4,8 +4,8 @@
 
 #include "coordsys/geoid/isg_header.h"
 #include "coordsys/geoid/pgm_header.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

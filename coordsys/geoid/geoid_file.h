@@ -7,7 +7,7 @@
 
 #include "coordsys/grids/grid_geometry.h"
 #include "coordsys/grids/grid_status.h"
-#include "core/byte_codec.h"
+#include "core/codec/byte_codec.h"
 #include "platform/file_bytes.h"
 
 namespace tarvex {

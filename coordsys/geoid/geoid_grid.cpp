@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

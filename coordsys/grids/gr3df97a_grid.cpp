@@ -4,10 +4,10 @@
 #include <cmath>
 #include <vector>
 
-#include "core/byte_codec.h"
-#include "core/number_text.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/codec/byte_codec.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -1,7 +1,7 @@
 #include "coordsys/grids/grid_status.h"
 
 #include "coordsys/coordsys_texts.h"
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

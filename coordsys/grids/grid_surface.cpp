@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "coordsys/coordsys_texts.h"
-#include "core/byte_codec.h"
-#include "core/no_value.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/codec/byte_codec.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
+#include "core/units/no_value.h"
 #include "platform/file_bytes.h"
 
 namespace tarvex {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "core/byte_codec.h"
+#include "core/codec/byte_codec.h"
 
 namespace tarvex {
 namespace {

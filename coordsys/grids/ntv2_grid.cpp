@@ -5,9 +5,9 @@
 #include <numbers>
 
 #include "coordsys/projections/lanes.h"
-#include "core/printable.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/text/printable.h"
+#include "core/text/text.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

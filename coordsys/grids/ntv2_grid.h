@@ -19,7 +19,7 @@
 #include "coordsys/coordinates.h"
 #include "coordsys/grids/grid_geometry.h"
 #include "coordsys/grids/grid_status.h"
-#include "core/byte_codec.h"
+#include "core/codec/byte_codec.h"
 #include "platform/file_bytes.h"
 
 namespace tarvex {

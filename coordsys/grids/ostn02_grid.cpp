@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "coordsys/coordsys_texts.h"
-#include "core/byte_codec.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/codec/byte_codec.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "coordsys/coordsys_texts.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

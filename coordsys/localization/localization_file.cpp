@@ -3,10 +3,10 @@
 #include <cmath>
 
 #include "coordsys/coordsys_texts.h"
-#include "coordsys/localization/xml_reader.h"
-#include "coordsys/localization/xml_writer.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/codec/xml_reader.h"
+#include "core/codec/xml_writer.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "coordsys/localization/localization_points.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "platform/file.h"
 
 namespace tarvex {

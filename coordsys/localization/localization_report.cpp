@@ -5,8 +5,8 @@
 #include <numbers>
 
 #include "coordsys/coordsys_texts.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

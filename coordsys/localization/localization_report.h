@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "coordsys/localization/localization.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 

@@ -2,7 +2,7 @@
 
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/point_kernel.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -5,7 +5,7 @@
 #include "coordsys/projections/lambert_conformal_conic.h"
 #include "coordsys/projections/oblique_mercator.h"
 #include "coordsys/projections/transverse_mercator.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "coordsys/ellipsoids.h"
 #include "coordsys/projections/projection_types.h"
-#include "core/fixed_text.h"
+#include "core/text/fixed_text.h"
 
 namespace tarvex {
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "gnss/ntrip/base64.h"
 
 namespace tarvex {

@@ -1,7 +1,7 @@
 #include "gnss/corrections/correction_status.h"
 
-#include "core/printable.h"
-#include "core/string_table.h"
+#include "core/text/printable.h"
+#include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 
 namespace tarvex {

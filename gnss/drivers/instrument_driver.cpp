@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

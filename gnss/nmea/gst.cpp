@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentences.h"
 

@@ -1,12 +1,12 @@
-// Numbers of receiver sentences: the leading-number rule of core/number_text.h, made quick for the
-// short plain decimals that receivers send (the same value, bit for bit), and what sentences make
-// of numbers: angles, times of day, distances of the job.
+// Numbers of receiver sentences: the leading-number rule of core/text/number_text.h, made quick for
+// the short plain decimals that receivers send (the same value, bit for bit), and what sentences
+// make of numbers: angles, times of day, distances of the job.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 

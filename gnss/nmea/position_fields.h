@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "gnss/position/position_state.h"
 
 namespace tarvex {

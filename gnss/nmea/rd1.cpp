@@ -1,4 +1,4 @@
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentences.h"
 

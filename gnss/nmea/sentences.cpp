@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 
 namespace tarvex {

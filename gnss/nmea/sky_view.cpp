@@ -1,6 +1,6 @@
 #include "gnss/nmea/sky_view.h"
 
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentence_line.h"
 

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <utility>
 
-#include "core/edit_distance.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/text/edit_distance.h"
+#include "core/text/text.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

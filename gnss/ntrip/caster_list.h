@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/fixed_text.h"
+#include "core/text/fixed_text.h"
 #include "gnss/ntrip/records.h"
 #include "platform/file.h"
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <utility>
 
-#include "core/printable.h"
-#include "core/string_table.h"
+#include "core/text/printable.h"
+#include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 #include "gnss/ntrip/base64.h"
 #include "gnss/ntrip/source_table.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
-#include "core/printable.h"
-#include "core/text.h"
+#include "core/text/printable.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

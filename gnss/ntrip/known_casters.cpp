@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "core/field_cursor.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/field_cursor.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "gnss/nmea/nmea_number.h"
 
 namespace tarvex {

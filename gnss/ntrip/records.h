@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/fixed_text.h"
+#include "core/text/fixed_text.h"
 #include "gnss/port/port_error.h"
 
 namespace tarvex {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "core/printable.h"
+#include "core/text/printable.h"
 #include "gnss/ntrip/http_reply.h"
 
 namespace tarvex {

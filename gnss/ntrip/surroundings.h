@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "core/last_error.h"
+#include "core/text/last_error.h"
 #include "platform/clock.h"
 #include "platform/file.h"
 

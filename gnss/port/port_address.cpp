@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 #include "gnss/port/replay_device.h"
 #include "gnss/port/serial_port.h"

@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 
 namespace tarvex {

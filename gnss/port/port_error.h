@@ -1,11 +1,11 @@
 // The error numbers of ports and of the NTRIP client. 0 is success; every failure is stored in the
-// last-error record (core/last_error.h) and returned. The texts are rows 3000 + number of the
+// last-error record (core/text/last_error.h) and returned. The texts are rows 3000 + number of the
 // string table.
 #pragma once
 
 #include <string>
 
-#include "core/last_error.h"
+#include "core/text/last_error.h"
 
 namespace tarvex {
 

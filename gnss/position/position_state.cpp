@@ -1,6 +1,6 @@
 #include "gnss/position/position_state.h"
 
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 
 namespace tarvex {

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/units.h"
+#include "core/units/units.h"
 #include "gnss/position/solution_type.h"
 
 namespace tarvex {

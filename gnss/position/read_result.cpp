@@ -1,6 +1,6 @@
 #include "gnss/position/read_result.h"
 
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 
 namespace tarvex {

@@ -1,7 +1,7 @@
 #include "gnss/quality/point_quality.h"
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -3,9 +3,9 @@
 #include <array>
 #include <cmath>
 
-#include "core/number_text.h"
-#include "core/string_table.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
+#include "core/text/text.h"
 #include "gnss/gnss_texts.h"
 
 namespace tarvex {

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/receivers/crc32.h"
 

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "core/fixed_text.h"
+#include "core/text/fixed_text.h"
 #include "gnss/position/position_state.h"
 #include "gnss/position/read_result.h"
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 

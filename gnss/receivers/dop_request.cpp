@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include "core/field_cursor.h"
+#include "core/text/field_cursor.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentences.h"
 #include "gnss/receivers/receiver_make.h"

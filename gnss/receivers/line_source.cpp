@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "gnss/nmea/sentence_line.h"
 
 namespace tarvex {

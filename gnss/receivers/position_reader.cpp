@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 #include "gnss/receivers/dop_request.h"
 #include "gnss/receivers/nmea_reading.h"

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "gnss/receivers/ashtech_reading.h"
 #include "gnss/receivers/dop_request.h"
 #include "gnss/receivers/nmea_reading.h"

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "gnss/nmea/sentences.h"
 
 namespace tarvex {

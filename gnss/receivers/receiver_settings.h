@@ -33,7 +33,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/fixed_text.h"
+#include "core/text/fixed_text.h"
 #include "gnss/nmea/nmea_settings.h"
 
 namespace tarvex {

@@ -6,7 +6,7 @@
 #include "coordsys/datum/seven_parameters.h"
 #include "coordsys/projections/auxiliary_latitude.h"
 #include "coordsys/projections/oblique_cylindrical.h"
-#include "core/units.h"
+#include "core/units/units.h"
 
 namespace tarvex {
 namespace {

@@ -6,7 +6,7 @@
 #include "coordsys/datum/geocentric.h"
 #include "coordsys/datum/seven_parameters.h"
 #include "coordsys/projections/transverse_mercator.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "modules/CoordSys/system34_tables.h"
 
 namespace tarvex {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "core/change_journal.h"
+#include "core/journal/change_journal.h"
 #include "platform/file.h"
 #include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "tests/app/program_run.h"
 
 namespace tarvex {

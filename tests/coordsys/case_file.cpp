@@ -5,8 +5,8 @@
 #include <map>
 #include <string_view>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "platform/file.h"
 
 namespace tarvex {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "core/number_text.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/units.h"
 #include "platform/file.h"
 
 namespace tarvex {

@@ -6,7 +6,7 @@
 #include <numbers>
 #include <random>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "exchange/landxml.h"
 #include "platform/file.h"
 #include "roads/centerline_reader.h"

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "platform/file.h"
 
 namespace tarvex {

@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <fstream>
 
-#include "core/file_rewrite.h"
+#include "core/journal/file_rewrite.h"
 #include "platform/clock.h"
 #include "tests/support/scratch_folder.h"
 

@@ -8,7 +8,7 @@
 #include <numbers>
 #include <random>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "roads/centerline_reader.h"
 #include "tests/roads/road_data.h"
 #include "tests/support/random_numbers.h"

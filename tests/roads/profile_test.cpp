@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "tests/roads/road_data.h"
 
 namespace tarvex {

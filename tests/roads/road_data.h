@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/text.h"
+#include "core/text/text.h"
 #include "platform/file.h"
 #include "roads/centerline_file.h"
 

@@ -5,7 +5,7 @@
 
 #include <numbers>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "tests/roads/road_data.h"
 
 namespace tarvex {

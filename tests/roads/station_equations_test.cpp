@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "tests/roads/road_data.h"
 
 namespace tarvex {

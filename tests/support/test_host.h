@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/job_unit.h"
+#include "core/observations/job_unit.h"
 #include "tests/support/memory_files.h"
 
 namespace tarvex {

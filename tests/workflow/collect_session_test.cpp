@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "core/point_list.h"
+#include "core/coordinates/point_list.h"
 #include "tests/workflow/field_site.h"
 
 namespace tarvex {

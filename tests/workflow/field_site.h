@@ -17,7 +17,7 @@
 #include "app/workflow/session_commands.h"
 #include "app/workflow/session_events.h"
 #include "coordsys/chain/calculator.h"
-#include "core/coordinate_file.h"
+#include "core/coordinates/coordinate_file.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/memory_files.h"
 

@@ -4,8 +4,8 @@
 #include "app/workflow/point_deletion.h"
 #include "app/workflow/point_import.h"
 #include "app/workflow/point_storing.h"
-#include "core/job_unit.h"
-#include "core/point_list.h"
+#include "core/coordinates/point_list.h"
+#include "core/observations/job_unit.h"
 #include "tests/workflow/field_site.h"
 
 namespace tarvex {

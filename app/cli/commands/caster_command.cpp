@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "app/cli/command_line.h"
-#include "core/printable.h"
+#include "core/text/printable.h"
 #include "gnss/caster/loopback_caster.h"
 #include "gnss/ntrip/client.h"
 

@@ -5,8 +5,8 @@
 #include "app/cli/json_text.h"
 #include "app/workflow/job_check.h"
 #include "app/workflow/job_session.h"
-#include "core/point_notes.h"
-#include "core/raw_file.h"
+#include "core/observations/point_notes.h"
+#include "core/raw_data/raw_file.h"
 
 namespace tarvex {
 namespace {

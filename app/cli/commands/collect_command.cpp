@@ -8,8 +8,8 @@
 #include "app/workflow/job_localization.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_storing.h"
-#include "core/coordinate_file.h"
-#include "core/next_id.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/observations/next_id.h"
 
 namespace tarvex {
 namespace {

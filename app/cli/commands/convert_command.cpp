@@ -12,7 +12,7 @@
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_calculator.h"
 #include "app/workflow/job_session.h"
-#include "core/text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

@@ -4,8 +4,8 @@
 #include "app/cli/commands/commands.h"
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_session.h"
-#include "core/point_notes.h"
-#include "core/raw_file.h"
+#include "core/observations/point_notes.h"
+#include "core/raw_data/raw_file.h"
 
 namespace tarvex {
 namespace {

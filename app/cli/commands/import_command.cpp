@@ -4,8 +4,8 @@
 #include "app/cli/command_line.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_import.h"
-#include "core/coordinate_file.h"
-#include "core/number_text.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

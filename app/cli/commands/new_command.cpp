@@ -7,11 +7,11 @@
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/setup_comments.h"
-#include "core/coordinate_file.h"
-#include "core/number_text.h"
-#include "core/point_notes.h"
-#include "core/raw_file.h"
-#include "core/raw_records.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/observations/point_notes.h"
+#include "core/raw_data/raw_file.h"
+#include "core/raw_data/raw_records.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

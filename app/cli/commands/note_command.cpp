@@ -2,9 +2,9 @@
 #include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/job_session.h"
-#include "core/job_unit.h"
-#include "core/point_notes.h"
-#include "core/point_store.h"
+#include "core/coordinates/point_store.h"
+#include "core/observations/job_unit.h"
+#include "core/observations/point_notes.h"
 #include "gnss/quality/point_quality.h"
 
 namespace tarvex {

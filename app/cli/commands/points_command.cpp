@@ -3,9 +3,9 @@
 #include "app/cli/json_text.h"
 #include "app/cli/table_text.h"
 #include "app/workflow/job_session.h"
-#include "core/coordinate_file.h"
-#include "core/number_text.h"
-#include "core/point_list.h"
+#include "core/coordinates/coordinate_file.h"
+#include "core/coordinates/point_list.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {

@@ -4,8 +4,8 @@
 #include "app/cli/command_line.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/job_session.h"
-#include "core/raw_file.h"
-#include "core/text.h"
+#include "core/raw_data/raw_file.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

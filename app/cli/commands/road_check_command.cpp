@@ -6,8 +6,8 @@
 #include "app/cli/result_file.h"
 #include "app/cli/road_options.h"
 #include "app/cli/table_text.h"
-#include "core/number_text.h"
-#include "core/string_table.h"
+#include "core/text/number_text.h"
+#include "core/text/string_table.h"
 
 namespace tarvex {
 namespace {

@@ -3,7 +3,7 @@
 #include "app/cli/result_file.h"
 #include "app/cli/road_options.h"
 #include "app/workflow/job_session.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "exchange/landxml.h"
 #include "exchange/road_picture.h"
 #include "roads/alignment_check.h"

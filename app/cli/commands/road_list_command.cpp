@@ -5,7 +5,7 @@
 #include "app/cli/number_entry.h"
 #include "app/cli/road_options.h"
 #include "app/cli/table_text.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "roads/stakeout.h"
 
 namespace tarvex {

@@ -6,7 +6,7 @@
 #include "app/cli/road_options.h"
 #include "app/cli/storing_text.h"
 #include "app/workflow/point_storing.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "roads/stakeout.h"
 
 namespace tarvex {

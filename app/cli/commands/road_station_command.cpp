@@ -4,7 +4,7 @@
 #include "app/cli/result_file.h"
 #include "app/cli/road_job.h"
 #include "app/cli/road_options.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "roads/stakeout.h"
 
 namespace tarvex {

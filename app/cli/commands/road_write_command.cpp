@@ -6,7 +6,7 @@
 #include "app/cli/command_line.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_options.h"
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "roads/centerline_writer.h"
 
 namespace tarvex {

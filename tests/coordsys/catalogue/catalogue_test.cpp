@@ -8,7 +8,7 @@
 #include "coordsys/catalogue/system_catalogue.h"
 #include "coordsys/chain/calculator.h"
 #include "coordsys/definition/definition_writer.h"
-#include "core/text.h"
+#include "core/text/text.h"
 #include "tests/support/scratch_folder.h"
 
 namespace tarvex {

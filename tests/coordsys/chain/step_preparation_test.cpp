@@ -8,7 +8,7 @@
 
 #include "coordsys/datum/datum_route.h"
 #include "coordsys/grids/gr3df97a_grid.h"
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "tests/coordsys/case_table.h"
 #include "tests/coordsys/scripted_libraries.h"
 #include "tests/support/memory_files.h"

@@ -11,7 +11,7 @@
 #include "coordsys/closed/coord_sys_interface.h"
 #include "coordsys/definition/definition_writer.h"
 #include "coordsys/projections/projection.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "tests/coordsys/modules.h"
 #include "tests/coordsys/scripted_libraries.h"
 

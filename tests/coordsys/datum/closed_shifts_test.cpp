@@ -10,7 +10,7 @@
 #include "coordsys/closed/seven_parameter_interface.h"
 #include "coordsys/datum/nad_converter.h"
 #include "coordsys/datum/seven_parameter_shift.h"
-#include "core/string_table.h"
+#include "core/text/string_table.h"
 #include "tests/coordsys/case_table.h"
 #include "tests/coordsys/scripted_libraries.h"
 #include "tests/support/scratch_folder.h"

@@ -5,8 +5,8 @@
 
 #include "coordsys/catalogue/system_catalogue.h"
 #include "coordsys/chain/calculator.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 
 namespace tarvex {
 namespace {

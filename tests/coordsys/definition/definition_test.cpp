@@ -7,7 +7,7 @@
 #include "coordsys/definition/definition_writer.h"
 #include "coordsys/message_box.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/text.h"
+#include "core/text/text.h"
 #include "tests/support/random_numbers.h"
 
 namespace tarvex {

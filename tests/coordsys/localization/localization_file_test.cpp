@@ -5,8 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include "coordsys/localization/xml_reader.h"
-#include "coordsys/localization/xml_writer.h"
+#include "core/codec/xml_reader.h"
+#include "core/codec/xml_writer.h"
 #include "tests/coordsys/case_table.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/scratch_folder.h"

@@ -10,7 +10,7 @@
 #include "coordsys/projections/alaska27.h"
 #include "coordsys/projections/nad27.h"
 #include "coordsys/projections/projection.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "tests/coordsys/modules.h"
 
 namespace tarvex {

@@ -15,9 +15,9 @@
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/projections/projection.h"
 #include "coordsys/projections/projection_families.h"
-#include "core/number_text.h"
-#include "core/text.h"
-#include "core/units.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
+#include "core/units/units.h"
 #include "tests/coordsys/modules.h"
 
 namespace tarvex {

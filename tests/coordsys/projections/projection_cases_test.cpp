@@ -6,7 +6,7 @@
 
 #include "coordsys/definition/definition_reader.h"
 #include "coordsys/projections/projection.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "tests/coordsys/case_file.h"
 #include "tests/coordsys/modules.h"
 

@@ -12,7 +12,7 @@
 #include "coordsys/projections/cassini_soldner.h"
 #include "coordsys/projections/lanes.h"
 #include "coordsys/projections/oblique_cylindrical.h"
-#include "core/units.h"
+#include "core/units/units.h"
 #include "tests/coordsys/modules.h"
 #include "tests/support/random_numbers.h"
 

@@ -1,7 +1,7 @@
 // Sentences into the state: published examples and the system's own mappings.
 #include <gtest/gtest.h>
 
-#include "core/number_text.h"
+#include "core/text/number_text.h"
 #include "gnss/nmea/nmea_number.h"
 #include "gnss/nmea/sentence_line.h"
 #include "gnss/nmea/sentence_reader.h"

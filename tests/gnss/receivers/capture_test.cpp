@@ -5,9 +5,9 @@
 #include <set>
 #include <vector>
 
-#include "core/field_cursor.h"
-#include "core/number_text.h"
-#include "core/text.h"
+#include "core/text/field_cursor.h"
+#include "core/text/number_text.h"
+#include "core/text/text.h"
 #include "gnss/nmea/sentence_reader.h"
 #include "gnss/port/port_address.h"
 #include "gnss/receivers/position_reader.h"

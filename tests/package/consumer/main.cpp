@@ -4,11 +4,11 @@
 #include <cmath>
 #include <cstdio>
 
-#include "core/units.h"  // its own
+#include "core/units/units.h"  // its own
 #include "tarvex/coordsys/catalogue/system_catalogue.h"
 #include "tarvex/coordsys/chain/calculator.h"
 #include "tarvex/coordsys/chain/step_preparation.h"
-#include "tarvex/core/units.h"
+#include "tarvex/core/units/units.h"
 
 namespace {
 

@@ -1,0 +1,26 @@
+#include "core/text/edit_distance.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+#include "core/text/text.h"
+
+namespace tarvex {
+
+std::size_t EditDistance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t change = diagonal + (UpperCase(a[i]) == UpperCase(b[j]) ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({row[j + 1] + 1, row[j] + 1, change});
+    }
+  }
+  return row.back();
+}
+
+}  // namespace tarvex
