@@ -1,5 +1,5 @@
 // The seams of the calculator's chain. CTrgCalculator itself owns the projection and the job's
-// unit; each of the other steps is an object handed in, and a step that is not there is not made:
+// unit; each of the other steps is an object given to it, and a step that is not given is not made:
 //
 //   WGS84 -> DatumShift -> projection -> GridCorrection -> SiteLocalization -> job unit
 //                                 elevation = WGS84 height minus GeoidModel

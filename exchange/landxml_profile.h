@@ -7,7 +7,7 @@
 
 namespace tarvex {
 
-/// Takes the first ProfAlign of a Profile node into the alignment; what is left out is told.
+/// Takes the first ProfAlign of a Profile node into the alignment; what is left out is reported.
 void ReadProfile(LandXmlSource& source, const pugi::xml_node& profile, LandXmlAlignment& alignment);
 
 }  // namespace tarvex

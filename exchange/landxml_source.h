@@ -16,7 +16,7 @@
 
 namespace tarvex {
 
-/// Stations that disagree by more are told.
+/// Stations that disagree by more are reported.
 inline constexpr double kStationWarning = 0.001;
 
 /// Element names with any namespace prefix taken off.

@@ -128,7 +128,7 @@ StationOffset Alignment::FromFoot(const PlanPoint& point, const ElementFoot& foo
   return AtNode(point, behind);
 }
 
-// The node at the end of element `behind`; the side is told by the bisector of its tangents.
+// The node at the end of element `behind`; the bisector of its tangents decides the side.
 StationOffset Alignment::AtNode(const PlanPoint& point, std::size_t behind) const {
   const CurvePiece& before = pieces_[behind];
   const bool last = behind + 1 == pieces_.size();

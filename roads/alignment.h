@@ -7,7 +7,7 @@
 //
 // Where coordinates and stations of the file disagree, the coordinates win: elements run from key
 // point to key point, and stations are spread evenly over each. What disagrees, and by how much,
-// stands in the residuals of each element (roads/alignment_check.h tells it in words); an element
+// is in the residuals of each element (roads/alignment_check.h tells it in words); an element
 // that is not `sound` should not be staked.
 //
 // Accuracy: 1e-8 of the unit for points and stations at coordinates up to 1e7, short of the centre

@@ -20,7 +20,7 @@ namespace tarvex {
 
 enum class FindingKind : int {
   Note,    ///< a number misses by more than rounding; staking is possible
-  Refused  ///< the element named should not be staked as it stands
+  Refused  ///< the element named should not be staked as it is
 };
 
 /// One sentence for people about one place of the alignment.

@@ -61,7 +61,7 @@ struct CenterlineElement {
   bool operator==(const CenterlineElement&) const = default;
 };
 
-/// "0" and an empty text both stand for no point id.
+/// "0" and an empty text both mean no point id.
 inline bool HasId(const CenterlineId& id) {
   return !id.empty() && id.view() != "0";
 }
@@ -83,7 +83,7 @@ struct StationLimits {
   bool operator==(const StationLimits&) const = default;
 };
 
-/// A line of a file that was not taken as it stands: `text` is a number of the string table, with
+/// A line of a file that was not taken as it is: `text` is a number of the string table, with
 /// `argument` for its %s.
 struct LineNote {
   int line = 0;

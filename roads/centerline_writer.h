@@ -16,7 +16,7 @@
 
 namespace tarvex {
 
-/// Decimals of stations and coordinates, and whether point ids are written; "0" stands in for
+/// Decimals of stations and coordinates, and whether point ids are written; "0" is written for
 /// them. Files of the system have 3 to 6 decimals of stations and 5 to 12 of coordinates.
 struct CenterlineFormat {
   int stationDecimals = 5;

@@ -4,7 +4,7 @@
 //
 // Widths, heights and elevation changes are in the job's distance unit, measured outward from the
 // centerline; positive slopes rise outward. The template keeps the text that it was read from, so
-// that writing it back unchanged loses nothing, not even keys that nobody here knows.
+// that writing it back unchanged loses nothing, not even unknown keys.
 #pragma once
 
 #include <array>
@@ -42,7 +42,7 @@ struct SurfaceInsert {
   enum class Kind : int { Curb, Median };
   Kind kind = Kind::Curb;
   std::string name;
-  std::size_t beforeSegment = 0;  ///< it stands before this segment of its side
+  std::size_t beforeSegment = 0;  ///< it is before this segment of its side
 
   bool operator==(const SurfaceInsert&) const = default;
 };

@@ -1,4 +1,4 @@
-// Numbers for the person with the stake: how to go from where one stands to where the stake
+// Numbers for the person with the stake: how to go from the present position to where the stake
 // belongs.
 //
 // Coordinates in the job's distance unit, azimuths in radians from north clockwise. Deltas say
@@ -86,7 +86,7 @@ inline constexpr std::size_t kMostStakeStations = 100000;
 std::vector<double> StakeStations(const RoadGeometry& road, const Profile* profile, double interval,
                                   double from, double to);
 
-/// Slope staking step by step: the rover stands at outward offset `offset` on ground of elevation
+/// Slope staking step by step: the rover is at outward offset `offset` on ground of elevation
 /// `ground`.
 struct SlopeShot {
   double offset = 0.0;

@@ -119,7 +119,7 @@ class EntryReader {
   }
 
   // To the angle that is open, or to a new one: after degrees come minutes, then seconds. A number
-  // without a mark that stands apart from one with a mark begins something new.
+  // without a mark apart from one with a mark begins something new.
   void Put(const Part& part) {
     const bool fresh = angles_.empty() || closed_ || part.negative || Full(angles_.back()) ||
                        StandsApart(part, angles_.back()) ||

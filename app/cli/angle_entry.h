@@ -15,9 +15,9 @@ struct AngleEntry {
 };
 
 /// Reads a line in degrees, minutes and seconds; seconds may be missing, and the last part of an
-/// angle may have decimals. N, S, E and W stand before or behind their angle and may come in either
+/// angle may have decimals. N, S, E and W are before or behind their angle and may come in either
 /// order; without them latitude comes first, and a minus sign is south or west. Nothing, with a
-/// sentence in `problem`, for a line that is none.
+/// sentence in `problem`, for a line that is not an angle.
 std::optional<AngleEntry> ReadAngleEntry(std::string_view line, std::string& problem);
 
 }  // namespace tarvex

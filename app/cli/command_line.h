@@ -24,7 +24,7 @@ class Option {
   Option Required() const;
   /// Under a heading of its own in the help.
   Option InGroup(const std::string& heading) const;
-  /// What stands for the value in the help, in place of TEXT, INT, FLOAT.
+  /// The name of the value in the help, in place of TEXT, INT, FLOAT.
   Option ValueName(const std::string& name) const;
   Option OneOf(const std::vector<std::string>& words) const;
   Option Between(long long least, long long most) const;

@@ -1,5 +1,5 @@
-// Where the corrections come from, from a command's options, the receiver's settings and whoever
-// knows the password.
+// Where the corrections come from, from a command's options, the receiver's settings and the person
+// who knows the password.
 #pragma once
 
 #include <optional>

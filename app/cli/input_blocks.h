@@ -20,7 +20,7 @@ class InputBlocks {
   explicit InputBlocks(ReadSome readSome);
 
   /// The next lines, without their ends (LF, CR LF), as views that hold until the next call; false
-  /// when there are none left. Of a line longer than the block only the beginning comes.
+  /// when there are none left. Of a line longer than the block only the beginning is given.
   bool Next(std::vector<std::string_view>& lines);
 
  private:

@@ -19,7 +19,7 @@ constexpr std::string_view kSeparators = " \t,;";
 constexpr int kGridDecimals = 4;
 constexpr int kDegreeDecimals = 10;
 
-// The numbers of a line, at most three; false at a word that is none, or at a fourth.
+// The numbers of a line, at most three; false at a word that is not a number, or at a fourth.
 bool ReadPlainNumbers(std::string_view line, LineNumbers& numbers) {
   const char* at = line.data();
   const char* const end = at + line.size();

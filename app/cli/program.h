@@ -30,7 +30,7 @@ class Console {
   /// Replaces the line at the bottom of the terminal; nothing when no person looks on.
   virtual void ShowProgress(std::string_view line) = 0;
   virtual void EndProgress() = 0;
-  /// One line typed by the person; false when nobody is there to ask.
+  /// One line typed by the person; false when there is no person to ask.
   virtual bool Ask(std::string_view question, std::string& answer) = 0;
   /// True when a person types the standard input.
   virtual bool IsTyped() = 0;

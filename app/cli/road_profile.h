@@ -17,8 +17,8 @@ struct ProfileChoice {
 };
 
 /// Nothing after a message: the file cannot be read, holds no such profile, or holds several
-/// alignments and none is named. What the reader left out or assumed is told as warnings, and so is
-/// a profile that runs beside the stations of the road.
+/// alignments and none is named. What the reader left out or assumed is given as warnings, and so
+/// is a profile that runs beside the stations of the road.
 std::optional<Profile> OpenProfile(Program& program, const ProfileChoice& choice,
                                    DistanceUnit unitOfRoad, const StationSpan& road);
 

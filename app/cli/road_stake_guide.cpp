@@ -62,7 +62,7 @@ Json RoadStakeGuide::StakeJson(const RoadStake& stake, bool inside) const {
   return json;
 }
 
-// The catch point is looked for where the position stands, whatever its station.
+// The catch point is looked for at the position, whatever its station.
 std::optional<SlopeStep> RoadStakeGuide::NextSlope(const RoadStake& stake,
                                                    const StakePosition& at) {
   if (!plan_.slopeSide || !plan_.design || !at.elevation) return std::nullopt;

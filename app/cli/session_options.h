@@ -1,5 +1,5 @@
 // What every command that works with a receiver takes: the receiver, what a position must keep, the
-// corrections; and how its end is told.
+// corrections; and the report of its end.
 #pragma once
 
 #include <map>

@@ -11,7 +11,7 @@ enum class Announce { OnOutput, OnErrors };  ///< the latter beside JSON
 ExitCode TellStored(Program& program, JobSession& session, const TypedPointResult& result,
                     Announce announce = Announce::OnOutput);
 
-/// The sentence about a point that exists and that nobody said may be replaced.
+/// The sentence about a point that exists and may not be replaced without an answer.
 std::string ExistsSentence(const std::string& id);
 
 }  // namespace tarvex

@@ -27,7 +27,7 @@ bool HasControlCharacter(std::string_view text) {
   return false;
 }
 
-// Where the line of a name stands in the bytes, its line end included.
+// Where the line of a name is in the bytes, its line end included.
 struct Place {
   std::size_t begin = 0;
   std::size_t end = 0;

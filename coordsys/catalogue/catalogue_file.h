@@ -15,7 +15,7 @@ struct NamedSystem {
   std::string name;
   std::string definition;
   std::string area =
-      {};  ///< where it is used, in words; empty when the name says it or nobody knows
+      {};  ///< where it is used, in words; empty when the name says it or it is not known
 
   bool operator==(const NamedSystem&) const = default;
 };

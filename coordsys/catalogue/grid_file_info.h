@@ -25,7 +25,7 @@ enum class GridFileKind {
 /// positive), the second the northing or the latitude.
 struct GridFilePart {
   std::string name;    ///< of an NTv2 grid
-  std::string parent;  ///< the wider NTv2 grid that it stands in; empty for none
+  std::string parent;  ///< the wider NTv2 grid that contains it; empty for none
   GridGeometry geometry;
 };
 

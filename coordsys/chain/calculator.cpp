@@ -115,12 +115,12 @@ ZoneSelection CTrgCalculator::SelectZone(StatePlaneDatum datum, std::string_view
   return ZoneSelection::Selected;
 }
 
-// True when the plane of projection stands for nothing without the family's national grid.
+// True when the plane of projection has no meaning without the family's national grid.
 bool CTrgCalculator::NeedsNationalGrid() const {
   return family_->gridUse == NationalGridUse::OwnOrNone;
 }
 
-// True for a national projection whose grid nobody has handed in.
+// True for a national projection whose grid was not given.
 bool CTrgCalculator::LacksNationalGrid() const {
   return !steps_.gridCorrection && family_->TakesOwnGrid();
 }
@@ -173,7 +173,7 @@ CalculationResult CTrgCalculator::FromSystemDatum(Geodetic& position, Run& run) 
 }
 
 // The national grid, one way or the other. A plane that is a little off without it is said to be
-// so; one that stands for nothing without it is refused.
+// so; one that has no meaning without it is refused.
 CalculationResult CTrgCalculator::CorrectGrid(GridMetres& at,
                                               StepOutcome (GridCorrection::*way)(GridMetres&) const,
                                               Run& run) const {

@@ -6,7 +6,7 @@
 // The elevation is the WGS84 height minus the geoid's undulation, or, without a geoid model, the
 // ellipsoid height on the system's datum. A job's grid scale factor is not applied here.
 //
-// Nothing falls back silently: a datum shift that the definition asks for and nobody has handed in
+// Nothing falls back silently: a datum shift that the definition asks for and that was not given
 // is a refusal, a step that had to be left undone is part of the result.
 #pragma once
 
@@ -41,7 +41,7 @@ enum class [[nodiscard]] CalculationResult : int{
     NoDatumShift = -5,      ///< the datum is another than WGS84, and no step shifts it
     StepRefused = -6,       ///< a step could not be made: see the report
     NotConverging = -7,     ///< the height and the geoid did not settle
-    NoGridCorrection = -8,  ///< the projection stands for nothing without its national grid
+    NoGridCorrection = -8,  ///< the projection has no meaning without its national grid
 };
 
 enum class [[nodiscard]] ZoneSelection : int{Selected = 1, Rejected = 0};
@@ -79,7 +79,7 @@ struct CalculationReport {
   std::vector<ExplainedStep> steps;
 };
 
-/// The steps handed in; one that is not there is not made.
+/// The steps given; one that is not there is not made.
 struct CalculationSteps {
   std::shared_ptr<const DatumShift> datumShift = nullptr;
   std::shared_ptr<const GridCorrection> gridCorrection = nullptr;
@@ -96,7 +96,7 @@ std::string CalculationText(CalculationResult result, const CalculationReport& r
 class CTrgCalculator {
  public:
   /// Reads a definition text into the record, whose fields keep their values where the text is
-  /// silent (a new calculator's are all 0), and makes the projection. Steps handed in before stay;
+  /// silent (a new calculator's are all 0), and makes the projection. Steps given before stay;
   /// `messages` may be null. Returns 1, whatever the text gives: State() says what came of it.
   int ParseDefinition(std::string_view text, MessageBox* messages);
 

@@ -36,7 +36,7 @@ struct CTrgCalculator::Run {
     if (report) report->steps.back().pointScale = projection.PointScale(at);
   }
 
-  // Takes in what a step that was handed in came to, and describes it.
+  // Takes the outcome of a step that was given, and describes it.
   template <typename Step>
   CalculationResult Take(const Step& step, StepOutcome outcome) {
     if (report) {
@@ -49,7 +49,7 @@ struct CTrgCalculator::Run {
     return CalculationResult::Done;
   }
 
-  // A step that nobody has handed in and that is told as left undone.
+  // A step that was not given and is reported as left undone.
   void LeaveUndone(CalculationStep step, const GridMetres& at, int reason) {
     inPart = true;
     Note(step, at);

@@ -33,7 +33,7 @@ constexpr SurfaceGrid kSurfaceGrids[] = {
     {&kBelgianGrid, SurfaceSign::Added, SurfaceCurve::Bilinear, kTextCorrectionGridMissing},
 };
 
-// The grid correction that a label stands for; null for another label.
+// The grid correction of a label; null for another label.
 const NationalGrid* CorrectionOf(std::string_view label) {
   for (const SurfaceGrid& known : kSurfaceGrids) {
     if (known.grid->label == label) return known.grid;

@@ -7,7 +7,7 @@
 //                              "NONE" for WGS84 latitude and longitude as they are
 //   a NAD27 datum, on a zone of the NAD27 families or without TOWGS84 numbers: the NAD converter
 //   TOWGS84 numbers in the record                        seven parameters
-//   a datum that stands on WGS84                         none is needed
+//   a datum that is WGS84                         none is needed
 //   any other                                            none: the calculator refuses to convert
 //
 // The grid correction that the job names by its label, else the projection family's own:
@@ -16,7 +16,7 @@
 //   "VITEL"                         "HungarianEOV_dEast.grd", "..._dNorth.grd", "..._dHeight.grd"
 //   "Belge 1972 - xyGridLb72"       "Belgium72_dEast.grd", "Belgium72_dNorth.grd"
 //
-// A file that is missing or damaged is named in `problems`; the step that stands in for it refuses
+// A file that is missing or damaged is named in `problems`; the step in its place refuses
 // (datum shift, geoid) or leaves the point uncorrected and says so (grid correction).
 #pragma once
 
@@ -63,7 +63,7 @@ struct StepSources {
 struct PreparedSteps {
   CalculationSteps steps;
   std::vector<std::string> problems;  ///< sentences; empty when every file was found
-  std::string wrongChoice;            ///< why the shift that was named is none; a sentence
+  std::string wrongChoice;            ///< why the shift that was named cannot be used; a sentence
 };
 
 PreparedSteps PrepareSteps(const ProjectionRecord& record, const StepChoice& choice,

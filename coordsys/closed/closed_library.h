@@ -1,8 +1,8 @@
 // A closed library bound by name: loaded on first use and kept, its entry points looked up once
-// each and kept. A load that failed is remembered and not tried again; it is told once, and so is
-// an entry that the library lacks.
+// each and kept. A load that failed is remembered and not tried again; it is reported once, and so
+// is an entry that the library lacks.
 //
-// One object stands for one library and is shared by everything that uses it. Calls are safe from
+// One object is one library and is shared by everything that uses it. Calls are safe from
 // any thread.
 #pragma once
 
@@ -42,7 +42,7 @@ class ClosedLibrary {
   /// Counts the times that the library was closed: an address is good as long as it is the same.
   std::uint64_t generation() const { return generation_.load(std::memory_order_acquire); }
 
-  /// Who is told of a load that fails from here on.
+  /// Who hears of a load that fails from here on.
   void SetMessages(MessageBox* messages);
 
   const std::string& name() const { return name_; }

@@ -7,7 +7,7 @@ namespace tarvex {
 
 enum class DatumRoute {
   Unknown,           ///< another datum, and nothing says where it lies
-  Coincident,        ///< none is needed: the datum stands on WGS84
+  Coincident,        ///< none is needed: the datum is WGS84
   SevenParameters,   ///< the TOWGS84 numbers of the record, which may be zeros
   NadConverter,      ///< NAD27 by the NADCON grids
   WithinProjection,  ///< inside the family's own computation, or in its national grid

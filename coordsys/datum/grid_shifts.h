@@ -1,5 +1,5 @@
-// Datum shifts by grids over latitude and longitude, and the shifts that stand in where there is
-// nothing to shift by.
+// Datum shifts by grids over latitude and longitude, and the shifts that take their place where
+// there is nothing to shift by.
 #pragma once
 
 #include "coordsys/calculation_steps.h"
@@ -27,7 +27,7 @@ class Ntv2Shift final : public DatumShift {
 };
 
 /// The French grid of geocentric translations between NTF, on the system's ellipsoid, and RGF93,
-/// which stands for WGS84. A position outside of the grid is refused.
+/// which is taken for WGS84. A position outside of the grid is refused.
 class Gr3df97aShift final : public DatumShift {
  public:
   Gr3df97aShift(Gr3df97aGrid grid, const Ellipsoid& ellipsoid, std::string name)
@@ -44,7 +44,7 @@ class Gr3df97aShift final : public DatumShift {
   std::string name_;
 };
 
-/// The user has chosen to take latitude and longitude of WGS84 as the datum's own, as they stand.
+/// The user has chosen to take latitude and longitude of WGS84 as the datum's own, as they are.
 class ChosenIdentity final : public DatumShift {
  public:
   StepOutcome ToSystem(Geodetic& position) const override;

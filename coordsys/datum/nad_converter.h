@@ -1,8 +1,9 @@
 // The converter between NAD27 and NAD83, through the closed library "nadconv.dll" and its grids in
 // the folder NADConv of the data folder.
 //
-// WGS84 positions are taken as NAD83. The first position that the library cannot convert is told
-// (once in the run of the program); the position is then left as it was and the conversion refused.
+// WGS84 positions are taken as NAD83. The first position that the library cannot convert is
+// reported (once in the run of the program); the position is then left as it was and the conversion
+// refused.
 #pragma once
 
 #include <memory>

@@ -137,7 +137,7 @@ void CheckDatumShift(std::string_view text, Issues& issues) {
   ProjectionRecord record;
   DefinitionFacts facts;
   ReadDefinition(text, record, facts, nullptr);
-  if (record.semiMajorM == 0.0) return;  // nothing is known about the datum, which was told
+  if (record.semiMajorM == 0.0) return;  // nothing is known about the datum, which was reported
   if (DatumRouteOf(record, facts.givesShift) == DatumRoute::Unknown) {
     issues.push_back({Kind::NoDatumShift, ""});
   }

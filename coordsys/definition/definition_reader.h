@@ -26,9 +26,9 @@ struct DefinitionFacts {
   bool givesShift = false;
 };
 
-/// Fills `record` and `facts` from the text. The text is matched as it stands: line breaks and
+/// Fills `record` and `facts` from the text. The text is matched as it is: line breaks and
 /// blanks between its items belong to OneLineDefinition. An unknown projection name leaves the
-/// projection type as it was and is told through `messages`, unless that is null. Returns 1,
+/// projection type as it was and is reported through `messages`, unless that is null. Returns 1,
 /// whatever the text gives.
 int ReadDefinition(std::string_view text, ProjectionRecord& record, DefinitionFacts& facts,
                    MessageBox* messages);

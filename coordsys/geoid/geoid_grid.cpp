@@ -77,7 +77,7 @@ std::array<double, 3> ParabolaWeights(double t) {
   return {0.5 * t * (t - 1.0), 1.0 - t * t, 0.5 * t * (t + 1.0)};
 }
 
-// No geoid is further from its ellipsoid than 200 m; a NaN is none either.
+// No geoid is further from its ellipsoid than 200 m; a NaN is not an undulation either.
 bool IsUndulation(double value) {
   return std::abs(value) < 200.0;
 }
@@ -176,7 +176,7 @@ std::optional<double> GeoidGrid::Undulation(double latitudeRad,
                                             double longitudeRad) const noexcept {
   if (file_.bytes.view().empty() || !std::isfinite(longitudeRad)) return std::nullopt;
   const double latitude = latitudeRad * kDegreesPerRadian;
-  // Whole turns are added until the longitude stands right of the first column.
+  // Whole turns are added until the longitude is right of the first column.
   double longitude = longitudeRad * kDegreesPerRadian - file_.geometry.firstX();
   longitude -= 360.0 * std::floor((longitude + 1e-9) / 360.0);
   longitude += file_.geometry.firstX();

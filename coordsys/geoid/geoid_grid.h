@@ -1,7 +1,7 @@
 // Geoid model files: heights of the geoid above the ellipsoid at the nodes of a regular grid of
 // latitude and longitude.
 //
-// The form is told by the file's ending (docs/formats/grids.md has the layouts):
+// The file's ending gives the form (docs/formats/grids.md has the layouts):
 //   .gtx  big-endian floats, south to north; bilinear between nodes, as its peers interpolate
 //   .bin  the American agency's form in either byte order; biquadratic over the nine nodes around
 //         the nearest one, as the agency's own tool does

@@ -1,5 +1,5 @@
 // The head of an ".isg" geoid, text of the International Service for the Geoid, versions 1 and 2:
-// lines "key : value" or "key = value" from "begin_of_head" to "end_of_head". Behind it stand the
+// lines "key : value" or "key = value" from "begin_of_head" to "end_of_head". Behind it are the
 // rows from the north, west to east.
 #pragma once
 

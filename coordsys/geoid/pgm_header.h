@@ -1,5 +1,5 @@
 // The head of a ".pgm" geoid: "P5", remarks with "# Offset M" and "# Scale M", width and height,
-// 65535. Behind it stand the pixels, 16 bits big endian, from 90 north 0 east.
+// 65535. Behind it are the pixels, 16 bits big endian, from 90 north 0 east.
 #pragma once
 
 #include <cstddef>

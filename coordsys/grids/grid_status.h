@@ -15,7 +15,7 @@ enum class GridProblem {
   CutShort,        ///< the file ends before its last node
   TooLong,         ///< bytes or numbers follow the last node
   ImpossibleSize,  ///< the header gives bounds, steps or counts that no grid can have
-  BadValue,        ///< something that is not a number stands for one
+  BadValue,        ///< something that is not a number in the place of one
   PartsDiffer,     ///< the files of one grid do not cover the same nodes
 };
 

@@ -1,4 +1,4 @@
-// What is shown while a large grid loads; handed in by the program above.
+// What is shown while a large grid loads; given by the program above.
 #pragma once
 
 #include <cstddef>

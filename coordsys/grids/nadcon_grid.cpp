@@ -92,7 +92,7 @@ std::optional<DegreePosition> NadconGrid::Shift(const DegreePosition& nad27) con
   if (!cell) return std::nullopt;
   const DegreePosition shift = {.latitude = Value(las_, *cell) * kDegreesPerSecond,
                                 .longitude = -Value(los_, *cell) * kDegreesPerSecond};
-  // Damaged nodes: a shift that no place in North America has is none.
+  // Damaged nodes: a shift larger than anywhere in North America is no shift.
   if (!(std::abs(shift.latitude) < 1.0 && std::abs(shift.longitude) < 1.0)) return std::nullopt;
   return shift;
 }

@@ -121,8 +121,8 @@ class Ntv2Parser {
     return Nodes(nodes, grid);
   }
 
-  // Takes the shifts of the nodes that stand at `at_`. A node is a north and a west shift with
-  // their accuracies; both shifts 0 with an accuracy below 0 stand for none.
+  // Takes the shifts of the nodes at `at_`. A node is a north and a west shift with
+  // their accuracies; both shifts 0 with an accuracy below 0 mean no shift.
   GridStatus Nodes(std::size_t count, Ntv2Grid& grid) {
     constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
     grid.nodes_.reserve(grid.nodes_.size() + count);
@@ -159,7 +159,7 @@ class Ntv2Parser {
                             stepLat * unitRad_, wholeColumns, wholeRows, 2147483647.0);
   }
 
-  // After the last node stands nothing, or a record that begins with "END".
+  // After the last node comes nothing, or a record that begins with "END".
   GridStatus End() const {
     const std::string_view rest = bytes_.substr(at_);
     if (rest.empty()) return {};

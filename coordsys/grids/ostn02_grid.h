@@ -1,7 +1,7 @@
 // The British grid ("ostn02_x.bin" and "ostn02_y.bin"): shifts in metres from the ETRS89 transverse
 // Mercator grid to the National Grid.
 //
-// Coordinates are ETRS89 easting and northing in metres; nodes stand every kilometre from (0, 0);
+// Coordinates are ETRS89 easting and northing in metres; nodes are every kilometre from (0, 0);
 // between nodes the shift is bilinear. The files are our own compact form of the agency's text
 // "OSTN02_OSGM02_GB.txt" (or its successor of 2015, which has the same columns), a 16-bit number of
 // millimetres a node; PackOstn02 makes them, docs/formats/grids.md has the layout.

@@ -24,7 +24,7 @@ GridStatus PackGrid(std::string_view text, const std::string& path, const std::s
 
 /// Writes the files of one grid, replacing those that exist. After a failure or a crash at any
 /// point all of them are the old ones, all are the new ones, or the last one is missing (a named
-/// error wherever it is needed): parts of two editions never stand together.
+/// error wherever it is needed): parts of two editions are never found together.
 FileStatus PutInPlace(FileSystem& files, const std::vector<PackedFile>& packed);
 
 }  // namespace tarvex

@@ -44,7 +44,7 @@ enum class HorizontalMethod {
 enum class FitResult {
   Fitted,
   NoPoints,  ///< no point takes part: the step is not made
-  Coincide,  ///< all points stand within a millimetre: nothing but a translation could be fitted
+  Coincide,  ///< all points are within a millimetre: nothing but a translation could be fitted
   Mirrored,  ///< the points lie mirrored on the two sides: no rotation leads one to the other
   NotANumber,
 };

@@ -2,7 +2,7 @@
 // (docs/formats/localization.md).
 //
 // In the file angles are decimal degrees and lengths metres; in the list angles are radians and the
-// local coordinates stand in the job's distance unit. HRMS and VRMS go through as they are.
+// local coordinates are in the job's distance unit. HRMS and VRMS go through as they are.
 #pragma once
 
 #include <string>

@@ -44,7 +44,7 @@ enum class LocalizationWarning {
   SmallExtent,     ///< the points lie within 20 m of each other
   FarScale,        ///< beyond 200 ppm from 1 and from what ground distances have here
   LikelyBlunder,   ///< one point misses by far more than the others
-  PlaneNotFitted,  ///< a shift stands in for the plane that was asked for
+  PlaneNotFitted,  ///< a shift takes the place of the plane that was asked for
   OutsideControl,  ///< points of the job lie outside of the control hull
   LargeResidual,   ///< a horizontal residual beyond 5 cm, or a vertical one beyond 10 cm
 };

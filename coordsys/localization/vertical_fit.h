@@ -26,7 +26,7 @@ struct VerticalPlane {
 
 enum class VerticalMethod {
   Shift,          ///< a constant: one point at least
-  InclinedPlane,  ///< three points at least that do not stand on a line
+  InclinedPlane,  ///< three points at least that are not on a line
 };
 
 /// Why a plain shift was fitted where a plane was asked for.

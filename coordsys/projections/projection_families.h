@@ -54,7 +54,7 @@ struct ProjectionFamily {
   ScaleFactorUse scaleFactor = ScaleFactorUse::Needed;
   ProjectionOrigin origin = ProjectionOrigin::OnCentralMeridian;
 
-  /// The parameters that a definition cannot go without; alternatives stand behind "|".
+  /// The parameters that a definition cannot go without; alternatives are behind "|".
   std::span<const std::string_view> parameters = {};
   /// What the field shared by the second standard parallel and the azimuth is written as.
   std::string_view parallel2Keyword = "standard_parallel_2";

@@ -50,7 +50,7 @@ struct ProjectionRecord {
   bool operator==(const ProjectionRecord&) const = default;
 };
 
-/// The ellipsoid that the record's code stands for.
+/// The ellipsoid of the record's code.
 inline Ellipsoid EllipsoidOf(const ProjectionRecord& record) {
   Ellipsoid ellipsoid{record.semiMajorM, record.flattening};
   LookUpEllipsoid(record.ellipsoidCode, ellipsoid.semiMajorM, ellipsoid.flattening);

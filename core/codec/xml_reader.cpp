@@ -35,7 +35,7 @@ class RecordReader {
   }
 
   bool Wrong(const std::string& wanted) {
-    tags_.Fail(wanted + " should stand here, not " + (tag_.opens ? "<" : "</") + tag_.name + ">",
+    tags_.Fail(wanted + " should be here, not " + (tag_.opens ? "<" : "</") + tag_.name + ">",
                tag_.line);
     return false;
   }
@@ -55,7 +55,7 @@ class RecordReader {
     record.name = tag_.Attribute("id").value_or("");
     if (tag_.closes) return true;
     if (depth > kDeepest) {
-      tags_.Fail("records stand too deep in one another", tag_.line);
+      tags_.Fail("records are nested too deep", tag_.line);
       return false;
     }
     for (;;) {

@@ -36,7 +36,7 @@ void AppendRecord(std::string& bytes, const Point& point);
 /// Decodes coordinates and description; the id is left to the caller. `bytes` holds kRecordSize
 /// bytes.
 void DecodeRecord(const char* bytes, Point& point);
-/// What stands in the slots of numbers that were jumped over: coordinates 0, description " ".
+/// The content of the slots of numbers that were jumped over: coordinates 0, description " ".
 std::string FillerRecord();
 
 }  // namespace numeric_layout

@@ -41,7 +41,7 @@ FileStatus ReadHeader(Opened& opened) {
   return {};
 }
 
-// The bytes of an older file, whose records stand in any order, in ascending order: of equal ids
+// The bytes of an older file, whose records are in any order, in ascending order: of equal ids
 // the one that stood later comes first.
 FileStatus SortOlderFile(Job& job, std::uint64_t size, std::string& sorted) {
   std::string bytes;

@@ -15,9 +15,9 @@ enum class [[nodiscard]] ReadPointResult : int {
 
 enum class [[nodiscard]] StorePointResult : int {
   Stored = 1,
-  StoredNotDurable = 2,  ///< stored, but a loss of power may undo it (the person was told)
+  StoredNotDurable = 2,  ///< stored, but a loss of power may undo it (the person knows)
   Nothing = 0,  ///< no id to store under, a number that leaves a gap beyond kLargestGap, coordinates
-                ///< that are not numbers, or the file could not be written (the person was told)
+                ///< that are not numbers, or the file could not be written (the person knows)
   NoStream = -1,
   DialogFailed = -2,
   Cancelled = -55
@@ -25,10 +25,10 @@ enum class [[nodiscard]] StorePointResult : int {
 
 enum class [[nodiscard]] DeletePointResult : int {
   Deleted = 1,
-  DeletedNotDurable = 2,  ///< deleted, but a loss of power may undo it (the person was told)
+  DeletedNotDurable = 2,  ///< deleted, but a loss of power may undo it (the person knows)
   NotFound = 0,
   NoStream = -1,
-  Failed = -2  ///< the file could not be written (the person was told what became of it)
+  Failed = -2  ///< the file could not be written (the person has the reason)
 };
 // clang-format on
 

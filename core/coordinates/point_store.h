@@ -25,7 +25,7 @@ StorePointResult StorePoint(Job& job, const GridPoint& at, std::string_view desc
 /// Numeric file: leaves an empty slot. Alphanumeric file: removes the record and closes the gap.
 DeletePointResult DeletePoint(Job& job, std::string_view id, CoordinateFile* stream);
 
-/// The next id, after the current one in steps of the job's increment, under which no point stands.
+/// The next id, after the current one in steps of the job's increment, that no point has.
 /// Nothing when the ids are exhausted.
 std::optional<std::string> NextFreePointId(Job& job, CoordinateFile& stream);
 

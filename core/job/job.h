@@ -43,7 +43,7 @@ struct JobInformation {
   std::string lastModifiedTime;
 };
 
-/// Where the instrument stands and what it was sighted to.
+/// The point under the instrument and what it was sighted to.
 struct InstrumentSetup {
   std::string occupiedId;
   std::string backsightId;

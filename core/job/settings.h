@@ -1,5 +1,5 @@
 // Settings as lines "key=value": UTF-8, one a line, `#` comments. Lines that are not understood,
-// keys that nobody asks for and the order of the lines are kept when the text is written again.
+// keys that are not asked for and the order of the lines are kept when the text is written again.
 #pragma once
 
 #include <optional>
@@ -27,7 +27,7 @@ class Settings {
     std::string key;
     std::string value;
   };
-  /// Every setting in the order of the lines; a key that stands twice comes twice.
+  /// Every setting in the order of the lines; a key that occurs twice is given twice.
   std::vector<Entry> Entries() const;
 
  private:

@@ -148,7 +148,7 @@ FilesStatus GrowAll(const std::string& path, const JobChange& change, const Open
   return {};
 }
 
-// Durably: once the journal has forgotten the change, nobody shortens the files again.
+// Durably: once the journal has forgotten the change, nothing shortens the files again.
 bool ShrinkAllBack(const JobChange& change, const OpenJobFiles& open) {
   bool all = true;
   for (const FileChange& one : change) {
@@ -248,7 +248,7 @@ std::optional<std::string> Appended(const std::vector<const FileChange*>& change
 }
 
 // Whether somebody else wrote behind the place where the changes append. Their own bytes may have
-// been cut short, and zeros stand for those that did not reach the disk.
+// been cut short, with zeros for those that did not reach the disk.
 FileStatus LookForForeignEnd(File& file, const std::vector<const FileChange*>& changes,
                              std::uint64_t size, bool& foreign) {
   const std::uint64_t begin = changes.front()->oldSize;

@@ -9,7 +9,7 @@
 
 namespace tarvex {
 
-/// Replaces the file by a new one (platform/file.h) where nobody would notice. A file that belongs
+/// Replaces the file by a new one (platform/file.h) where that goes unnoticed. A file that belongs
 /// to somebody else, has further names or an access list is changed in place instead, through a
 /// journal PATH.redo (core/journal/change_journal.h). A missing file is made.
 FileStatus RewriteWholeFile(FileSystem& files, const std::string& path, std::string_view bytes);

@@ -17,19 +17,19 @@ std::string ReplacementPath(const std::string& path) {
   return path + ".new";
 }
 
-// The lock of the coordinate file, where nobody has it at this moment; EAGAIN where somebody has.
+// The lock of the coordinate file, where it is free at this moment; EAGAIN where it is not.
 FileStatus LockAtOnce(Job& job, std::unique_ptr<File>& locked) {
   std::unique_ptr<File> file;
   const FileStatus status = job.host.files().Open(job.path, FileAccess::ReadWrite, file);
   if (!status.ok()) return status;
-  // The lock of a file that was replaced since it was opened keeps nobody off.
+  // The lock of a file that was replaced since it was opened protects nothing.
   if (!file->LockAtOnce() || !file->IsNamed(job.path)) return {EAGAIN};
   locked = std::move(file);
   return {};
 }
 
 // The journal is only touched under the lock of the coordinate file. A unit of another program
-// holds it for a moment; whoever holds it longer finds the journal and can finish it.
+// holds it for a moment; one that holds it longer finds the journal and can finish it.
 FileStatus WithLock(Job& job, FileStatus (*work)(FileSystem&, const std::string&, JournalPlace&)) {
   constexpr int kTries = 100;
   constexpr std::int64_t kPauseMs = 10;

@@ -46,8 +46,8 @@ class JobUnit {
   /// A note that is wanted for a point; of several for one point the last counts.
   void EditNote(std::string_view pointId, NoteEdit edit);
 
-  /// Carries everything out. Anything but Done was told to the person; with Nothing the job is as
-  /// before.
+  /// Carries everything out. Anything but Done was reported to the person; with Nothing the job is
+  /// as before.
   ChangeResult Commit(Settling settling = Settling::Now);
 
  private:
@@ -76,7 +76,7 @@ class JobUnit {
 enum class [[nodiscard]] FinishJobResult{
     Nothing,   ///< no work was interrupted
     Finished,  ///< what an interruption left is done
-    Failed  ///< it cannot be done; the person was told, and what the files hold is not to be shown
+    Failed     ///< it cannot be done; the person knows, and what the files hold is not to be shown
 };
 
 /// Finishes what an interruption left of earlier work, and removes what it left beside the files. A

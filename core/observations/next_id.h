@@ -1,4 +1,4 @@
-// Under which id the next point goes when nobody names one.
+// Under which id the next point goes when none is named.
 #pragma once
 
 #include <optional>

@@ -15,7 +15,7 @@ enum class [[nodiscard]] RawFileResult : int{
     Dropped = 0  ///< the file cannot be opened or written; the coordinate file keeps the point
 };
 
-/// Appends the record as it stands (it starts with "\n") and makes it durable; a missing file is
+/// Appends the record as it is (it starts with "\n") and makes it durable; a missing file is
 /// created with its header first. A record that cannot be written whole leaves the file as it was.
 RawFileResult AppendRawRecord(Job& job, std::string_view record);
 

@@ -1,5 +1,5 @@
 // The records of the raw data file as text, one function a record. Each text starts with "\n",
-// because a record's line feed stands before it; AppendRawRecord (core/raw_data/raw_file.h) writes
+// because a record's line feed is before it; AppendRawRecord (core/raw_data/raw_file.h) writes
 // it as it stands.
 //
 // Angles come in decimal degrees and are written packed (dd.mmss, rounded in seconds first);

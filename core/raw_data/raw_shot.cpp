@@ -10,7 +10,7 @@ constexpr int kPackedDecimals = 4;
 constexpr int kFloatDecimals = 6;  // "%lf"
 constexpr double kHorizontalLine = 90.0;
 
-// "BRN45.300000E": the quadrant's letters stand around the bearing.
+// "BRN45.300000E": the quadrant's letters are around the bearing.
 void AddBearing(RecordText& record, std::string_view from, double bearing, std::string_view to) {
   std::string value(from);
   AppendFixed(value, bearing, kFloatDecimals);

@@ -28,7 +28,7 @@ class FixedText {
     if (!text.empty()) std::memcpy(bytes_, text.data(), text.size());
   }
 
-  /// Takes a file's field of N + 1 bytes as it stands; its last byte counts as NUL.
+  /// Takes a file's field of N + 1 bytes as it is; its last byte counts as NUL.
   void TakeField(const char* field) {
     std::memcpy(bytes_, field, N);
     bytes_[N] = '\0';

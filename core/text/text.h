@@ -27,7 +27,7 @@ constexpr char LowerCase(char c) {
 std::string UpperCase(std::string_view text);
 std::string LowerCase(std::string_view text);
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);
-/// Where `part` first stands in `text`, letter case ignored; npos when it does not.
+/// Where `part` first occurs in `text`, letter case ignored; npos when it does not.
 std::size_t FindIgnoringCase(std::string_view text, std::string_view part);
 
 /// Blanks, tabs and line ends at the front (and at both ends) removed.

@@ -61,7 +61,7 @@ double CutAtPoint(const std::string& text) {
   return LeadingDouble(std::string_view(text).substr(0, text.find('.')));
 }
 
-// Where the angle stands once the degrees and minutes, taken through text, are subtracted. Less
+// What is left of the angle once the degrees and minutes, taken through text, are subtracted. Less
 // than nothing is left when they were rounded up: that is the binary error of the angle, or else
 // seconds that belong to the minute before.
 double SecondsLeft(double magnitude, double wholeDegrees, double& minutes) {

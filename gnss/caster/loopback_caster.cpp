@@ -30,7 +30,7 @@ std::string_view MountpointOf(std::string_view request) {
   return request.substr(0, request.find_first_of(" \r\n"));
 }
 
-// In steps, so that a client that takes nothing holds nobody up who wants to stop.
+// In steps, so that a client that takes nothing holds up no stop.
 bool SendAll(ByteDevice& device, std::string_view bytes, const std::stop_token& stop) {
   for (int idle = 0; !bytes.empty(); ++idle) {
     std::size_t written = 0;
@@ -42,7 +42,7 @@ bool SendAll(ByteDevice& device, std::string_view bytes, const std::stop_token& 
   return true;
 }
 
-// What stands behind "Authorization: Basic"; header and scheme are known in any letter case.
+// What follows "Authorization: Basic"; header and scheme are known in any letter case.
 std::string_view LoginOf(std::string_view request) {
   constexpr std::string_view kName = "authorization:";
   constexpr std::string_view kScheme = "basic ";

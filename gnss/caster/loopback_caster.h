@@ -19,7 +19,7 @@ namespace tarvex {
 
 struct CasterContent {
   StreamRecord stream = {};  ///< its mountpoint is the one that is served
-  std::string user = {};     ///< empty: nobody is asked for a password
+  std::string user = {};     ///< empty: no client is asked for a password
   std::string password = {};
   std::string data = {};                ///< what the stream sends, over and over
   std::uint32_t bytesPerSecond = 1000;  ///< 0: as fast as it is taken
@@ -36,7 +36,7 @@ class LoopbackCaster {
   DeviceStatus Start(int port);
   int port() const { return listener_ ? listener_->port() : 0; }
 
-  /// Closes the connections that stand; new ones are served.
+  /// Closes the open connections; new ones are served.
   void DropClients() { ++generation_; }
 
   std::uint64_t requests() const { return requests_; }

@@ -62,7 +62,7 @@ std::size_t RtcmFramer::Scan(std::string_view bytes, Listener& listener) {
 }
 
 // What is held is the start of one frame: only as much as completes it is put behind it, so that
-// the rest is looked at where it stands.
+// the rest is looked at in place.
 void RtcmFramer::Feed(std::string_view bytes, Listener& listener) {
   while (!held_.empty() && !bytes.empty()) {
     const std::size_t wanted = held_.size() < kHeader ? kHeader : FrameLength(held_);

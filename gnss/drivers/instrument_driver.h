@@ -24,7 +24,7 @@ class InstrumentDriver {
   PortError Receive(std::span<char> buffer, std::string_view& reply, int timeoutMs);
 
  protected:
-  /// `className` stands in the texts of what is missing.
+  /// `className` is named in the texts of what is missing.
   InstrumentDriver(std::string_view className, LastErrorRecord& errors)
       : className_(className), errors_(errors) {}
 

@@ -5,7 +5,7 @@ namespace tarvex {
 
 inline constexpr int kReadRd1 = 4;  ///< sokAx3DiffChoice
 
-/// Their keys are told in gnss/receivers/receiver_settings.h.
+/// Their keys are described in gnss/receivers/receiver_settings.h.
 struct NmeaSettings {
   int position = 1;  ///< nmea_pos: the sentence that carries the position (nmea/sentences.cpp)
   int differentialChoice = 0;

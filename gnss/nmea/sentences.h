@@ -9,7 +9,7 @@
 
 namespace tarvex {
 
-/// The sentence of a line by its prefix ("$GPGGA,"); null when the line is none that is known. With
+/// The sentence of a line by its prefix ("$GPGGA,"); null when the line is not a known one. With
 /// `anyTalker` those whose row allows it are known behind any two capital letters.
 const Sentence* FindSentence(std::string_view line, bool anyTalker);
 

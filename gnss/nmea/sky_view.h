@@ -1,4 +1,4 @@
-// The satellites in the sky as the receiver tells them (GSV of any talker): where they stand and
+// The satellites in the sky as the receiver reports them (GSV of any talker): where they are and
 // how well they are heard.
 #pragma once
 
@@ -44,7 +44,7 @@ class SkyView {
   /// Takes a GSV or GSA sentence; leaves out everything else. `nowMs` is the steady clock.
   void OnLine(std::string_view line, std::int64_t nowMs);
 
-  /// What was told in the last few seconds, by system and number.
+  /// What was reported in the last few seconds, by system and number.
   std::vector<SatelliteInView> InView(std::int64_t nowMs) const;
 
   /// How many of each system are in view and in use, by system.
@@ -62,7 +62,7 @@ class SkyView {
     std::int64_t atMs = 0;
   };
   std::map<Satellite, Seen> seen_;
-  std::map<Satellite, std::int64_t> used_;  // and when that was told
+  std::map<Satellite, std::int64_t> used_;  // and when that was reported
   int systems_ = 0;
 };
 

@@ -71,7 +71,7 @@ PortError NtripClient::Fail(PortError error) {
   return Report(surroundings_.errors, error);
 }
 
-// The operation's own error stands above its cause in the record; what the cause said is kept.
+// The operation's own error is above its cause in the record; what the cause said is kept.
 PortError NtripClient::Caused(PortError error, PortError cause) {
   cause_ = cause;
   causeDetail_.clear();

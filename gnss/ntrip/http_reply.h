@@ -55,7 +55,7 @@ class ChunkedBody {
 
 inline constexpr int kHttpOk = 200;
 
-/// What an HTTP status other than 200 comes to: 401 and 403 NotAuthorized, 404 MountpointUnknown,
+/// The result for an HTTP status other than 200: 401 and 403 NotAuthorized, 404 MountpointUnknown,
 /// any other CasterRefused.
 PortError HttpRefusal(const HttpHead& head);
 

@@ -1,4 +1,4 @@
-// Whoever waits for a caster is told how far it is, and may cancel.
+// A caller that waits for a caster hears how far it is, and may cancel.
 #pragma once
 
 #include <string_view>

@@ -15,7 +15,7 @@ class ReplyWindow {
   void Take(std::string_view received);
   bool Holds(std::string_view mark) const { return bytes_.find(mark) != std::string::npos; }
   std::string_view bytes() const { return bytes_; }
-  /// What stands behind the line that holds the mark; everything behind the mark when the line has
+  /// What follows the line that holds the mark; everything behind the mark when the line has
   /// not ended yet.
   std::string_view Behind(std::string_view mark) const;
 

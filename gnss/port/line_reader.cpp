@@ -23,7 +23,7 @@ class LineBuffer {
   bool full() const { return count_ == bytes_.size(); }
   bool empty() const { return count_ == 0; }
 
-  /// Counts the byte that stands at NextByte(); true when it ends the line.
+  /// Counts the byte at NextByte(); true when it ends the line.
   bool Accept() {
     const char byte = bytes_[count_++];
     if (IsPacket()) return PacketComplete();
@@ -73,7 +73,7 @@ class LineBuffer {
   std::size_t count_ = 0;
 };
 
-// A failure to report, or Line when the next byte stands at NextByte().
+// A failure to report, or Line when the next byte is at NextByte().
 ReadLineStatus ReadByte(Port& port, LineBuffer& line) {
   const PortError error = port.Read(line.NextByte(), kKeepTimeouts);
   if (error == PortError::None && port.lastCount() == 1) return ReadLineStatus::Line;

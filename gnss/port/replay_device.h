@@ -1,5 +1,5 @@
-// A recorded log as a device: what a receiver once sent, read without waiting. Its end is told as
-// the end of data; what is written to it goes nowhere.
+// A recorded log as a device: what a receiver once sent, read without waiting. Its end is reported
+// as the end of data; what is written to it goes nowhere.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,4 @@
-// What a reading of a position comes to; the numbers are fixed.
+// The result of a reading of a position; the numbers are fixed.
 #pragma once
 
 #include <string>

@@ -33,7 +33,7 @@ class PositionAverage {
   /// Weights 1/HRMS^2 and 1/VRMS^2 when every epoch has a precision of its own, else equal ones.
   AveragedPosition Mean() const;
 
-  /// The state of a point that stands for all epochs: mean position, worst solution, fewest
+  /// The state of a point for all epochs: mean position, worst solution, fewest
   /// satellites, greatest PDOP, HRMS and VRMS the quadratic mean of those of the epochs that told
   /// them; unknown when none did. Epochs of one sitting err alike, so averaging is not taken to
   /// make them smaller.

@@ -9,7 +9,7 @@ namespace {
 constexpr int kRmsDecimals = 3;
 constexpr int kDopDecimals = 1;
 
-// One labelled value of a text: what stands before it, the label and its separator, the value.
+// One labelled value of a text: what comes before it, the label and its separator, the value.
 struct Form {
   std::string_view beforeHorizontal;
   std::string_view beforeVertical;

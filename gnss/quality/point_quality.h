@@ -1,5 +1,5 @@
 // How good a stored point is, as the raw file's note and the point-notes block say it. Pure texts:
-// whoever writes the files appends them.
+// the writer of the files appends them.
 #pragma once
 
 #include <optional>
@@ -17,7 +17,7 @@ struct QualityStamp {
 };
 
 /// "\n--HRMS:0.012, VRMS:0.020, STATUS:FIXED, SATS:12, PDOP:1.4", and with a stamp
-/// "\n--DT...\n--TM..." behind it. Satellites and PDOP stand there only when they are above 0; the
+/// "\n--DT...\n--TM..." behind it. Satellites and PDOP are there only when they are above 0; the
 /// make that reports quality instead of RMS says HQ and VQ.
 std::string QualityComment(const GnssPositionState& state, bool qualityInsteadOfRms,
                            const std::optional<QualityStamp>& stamp = std::nullopt);

@@ -114,7 +114,7 @@ class AshtechReading {
   GnssConnection& connection_;
   const ReceiverMake& make_;
   std::array<char, kLineCapacity> buffer_;
-  int patience_ = 100;  // for a clock that stands still
+  int patience_ = 100;  // for a clock that does not move
 };
 
 }  // namespace

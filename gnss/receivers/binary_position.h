@@ -1,4 +1,4 @@
-// Positions of makes that send binary packets: what every such packet comes to.
+// Positions of makes that send binary packets: the result of such a packet.
 #pragma once
 
 #include "coordsys/coordinates.h"

@@ -15,7 +15,7 @@ namespace {
 constexpr std::int64_t kPiledUpAfterMs = 2000;
 constexpr std::int64_t kBetweenUnansweredMs = 10'000;
 
-// What came in while nobody read is a position of the past.
+// What came in between two readings is a position of the past.
 PortError DropWhatPiledUp(GnssConnection& connection) {
   const std::int64_t last = connection.lastReadAtMs;
   if (connection.port->isRecording() || last < 0 ||

@@ -12,8 +12,8 @@ namespace tarvex {
 
 /// Reads until a position is complete or the line budget is spent; blocks up to 1000 ms a line.
 /// `receiverType` is the code of the make (gnss/receivers/receiver_make.h). What a receiver sent
-/// while nobody read for more than two seconds is dropped first, so that no position of the past is
-/// taken for a current one; a recording is read from where it stands.
+/// without a reading for more than two seconds is dropped first, so that no position of the past is
+/// taken for a current one; a recording is read from where it is.
 GnssReadResult ReadGnssPosition(GnssPositionState& state, GnssConnection& connection,
                                 int receiverType);
 

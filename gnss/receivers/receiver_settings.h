@@ -11,12 +11,12 @@
 //   ggk_published_quality  1: $PTNL,GGK quality codes by their published meaning
 //   gns_best_mode          1: the best letter of a GNS mode counts, not the first
 //   nmea_checksum          1: a sentence whose checksum is wrong is left out and counted
-//   nmea_resync            1: a sentence begins at the last '$' of its line, whatever stands before
+//   nmea_resync            1: a sentence begins at the last '$' of its line, whatever comes before
 //                          it, and ends before the blanks behind it
 //   nmea_await_precision   1: an epoch is read on to its precision where that follows the position
 //   nmea_line_budget       lines read for one position before giving up; 0: as the make has it
 //   nmea_time_budget       milliseconds of the same; 0: as the make has it
-//   novatel_zero_undulation  1: the receiver must send ellipsoid heights, and is told so
+//   novatel_zero_undulation  1: the receiver must send ellipsoid heights, and is set to do so
 //   novatel_user_datum     1: the coordinate system needs the user datum for OMNISTAR_HP solutions
 //   receiver_port          the receiver's own name of the port we are on (THISPORT), for NovAtel
 //   dop_on_request         1: DOPs that come with no position are asked for, where the make can be

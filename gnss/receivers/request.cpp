@@ -11,7 +11,7 @@ namespace {
 constexpr int kSendTimeoutMs = 500;
 constexpr int kAnswerTimeoutMs = 1000;
 constexpr std::size_t kAnswerCapacity = 256;
-constexpr int kMostLines = 500;  // for a clock that stands still
+constexpr int kMostLines = 500;  // for a clock that does not move
 
 }  // namespace
 

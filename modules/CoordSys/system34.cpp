@@ -97,7 +97,7 @@ LatLon Wgs84ToEd50(LatLon wgs84) {
   return {ed50.latitudeRad, ed50.longitudeRad};
 }
 
-// The WGS84 position of height 0 that stands on this ED50 latitude and longitude.
+// The WGS84 position of height 0 of this ED50 latitude and longitude.
 LatLon Ed50ToWgs84(LatLon ed50) {
   static const GeocentricFrame toEarth(kGrs80);
   static const GeocentricFrame toEd50(kInternational);

@@ -6,7 +6,7 @@
 namespace tarvex {
 
 /// out_north = sum_i e^i sum_j north[i][j] n^j and out_east = sum_i n^i sum_j east[i][j] e^j with
-/// n and e taken from the origin and i + j up to the degree; the coefficients stand row by row.
+/// n and e taken from the origin and i + j up to the degree; the coefficients are row by row.
 struct System34Polynomial {
   int degree = 0;
   double originNorth = 0.0;

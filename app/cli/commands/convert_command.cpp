@@ -153,7 +153,8 @@ class LineStream {
   ExitCode exitCode_ = ExitCode::Done;
 };
 
-// Bytes of the file that is named, or of the standard input. A failure to read is told and ends it.
+// Bytes of the file that is named, or of the standard input. A failure to read is reported and ends
+// it.
 class Input {
  public:
   Input(std::string path, Program& program) : path_(std::move(path)), program_(program) {}

@@ -7,7 +7,7 @@
 namespace tarvex {
 namespace {
 
-// One run of the command, and how it is told.
+// One run of the command, and its report.
 class Localize {
  public:
   Localize(const LocalizeOptions& options, Program& program)

@@ -93,7 +93,7 @@ void TellCreated(const Job& job, const std::string& systemTitle, Console& consol
 }
 
 // How positions come to the job's coordinates, so that it is read before the field. A step that
-// stands in for a missing one describes itself in a sentence, which was told as a warning.
+// stands in for a missing one describes itself in a sentence, which was given as a warning.
 void TellStep(const char* name, const std::string& description, Console& console) {
   if (!description.ends_with('.')) console.Print(name + (": " + description) + ".\n");
 }
@@ -115,7 +115,7 @@ void TellPublishedUnit(const std::string& system, const std::string& units, Prog
                " (--units " + published + " makes one in the system's own).");
 }
 
-// What makes no sense among the options is told.
+// What makes no sense among the options is reported.
 ExitCode CheckOptions(const NewOptions& options, Program& program) {
   if (!options.job.ends_with(".crd")) {
     const bool folder = options.job.empty() || options.job.ends_with('/');

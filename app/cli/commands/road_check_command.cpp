@@ -180,7 +180,7 @@ void DeclareRoadCheckCommand(Command& command) {
   AddRoadViewOptions(command, options.road);
   command.Add("--svg", options.svg, "Draw the alignment into this file");
   command.Footer(
-      "A FAULT marks an element that should not be staked as it stands (exit code 1).\n"
+      "A FAULT marks an element that should not be staked as it is (exit code 1).\n"
       "Where coordinates and stations disagree, the coordinates win;\n"
       "tarvex road write --restation computes the stations anew.");
 }

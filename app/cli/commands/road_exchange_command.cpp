@@ -103,7 +103,7 @@ std::size_t TellFaults(const RoadImportOptions& options, Program& program,
     program.Warn("FAULT: " + finding.text);
   }
   if (faults > 0) {
-    program.Warn("the alignment should not be staked as it stands; see: tarvex road check " +
+    program.Warn("the alignment should not be staked as it is; see: tarvex road check " +
                  options.out);
   }
   return faults;

@@ -60,7 +60,7 @@ std::optional<RoadPoint> FindPoint(const RoadPointOptions& options, Program& pro
 }
 
 void WarnAbout(Program& program, const OpenedRoad& road, const RoadPoint& point, double offset) {
-  if (!point.onRoad.sound) program.Warn("the element there should not be staked as it stands.");
+  if (!point.onRoad.sound) program.Warn("the element there should not be staked as it is.");
   if (road.OutsideLimits(point.station)) program.Warn("the station is outside the station limits.");
   WarnAboutElevation(program, road, point.design, point.station, offset);
 }

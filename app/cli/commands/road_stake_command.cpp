@@ -1,4 +1,4 @@
-// tarvex road stake: from where one stands to a station and offset of the road.
+// tarvex road stake: from the present position to a station and offset of the road.
 #include "app/cli/collect_view.h"
 #include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
