@@ -112,7 +112,7 @@ Cost ToolMegabytes(LoopbackCaster& caster) {
 
 using Measure = Cost (*)(LoopbackCaster&);
 
-void MegabyteTime(benchmark::State& state, Measure measure, double Cost::*what) {
+void MegabyteTime(benchmark::State& state, Measure measure, double Cost::* what) {
   const auto caster = FullSpeedCaster();
   if (!caster) return state.SkipWithError("no loopback port");
   for (auto _ : state) state.SetIterationTime(measure(*caster).*what / kMegabytes);
@@ -267,7 +267,7 @@ const bool kRegistered = [] {
   const auto add = [](const char* name, auto run, int iterations) {
     benchmark::RegisterBenchmark(name, run)->UseManualTime()->Iterations(iterations);
   };
-  const auto megabyte = [&](const std::string& job, double Cost::*what) {
+  const auto megabyte = [&](const std::string& job, double Cost::* what) {
     add((job + "/tarvex").c_str(),
         [what](benchmark::State& state) { MegabyteTime(state, OurMegabytes, what); }, 1);
     if (tool) {
@@ -283,17 +283,11 @@ const bool kRegistered = [] {
   if (tool) add("connected to first byte/str2str", FirstByte<ToolPath>, 2);
   add(
       "start of the program/tarvex",
-      [](benchmark::State& state) {
-        StartUp(state, {TARVEX_PROGRAM, "--version"});
-      },
-      50);
+      [](benchmark::State& state) { StartUp(state, {TARVEX_PROGRAM, "--version"}); }, 50);
   if (tool) {
     add(
         "start of the program/str2str",
-        [](benchmark::State& state) {
-          StartUp(state, {"str2str", "-h"});
-        },
-        50);
+        [](benchmark::State& state) { StartUp(state, {"str2str", "-h"}); }, 50);
   }
   return true;
 }();

@@ -37,11 +37,11 @@ struct GridMetres {
   bool operator==(const GridMetres&) const = default;
 };
 
-enum class [[nodiscard]] StepStatus : int{
-    Done,
-    LeftUndone,      ///< the step was not made, or only in part; the conversion goes on and says so
-    Refused,         ///< no value; the conversion ends here
-    LibraryMissing,  ///< no value, because a closed library cannot be loaded
+enum class [[nodiscard]] StepStatus : int {
+  Done,
+  LeftUndone,      ///< the step was not made, or only in part; the conversion goes on and says so
+  Refused,         ///< no value; the conversion ends here
+  LibraryMissing,  ///< no value, because a closed library cannot be loaded
 };
 
 /// What one step came to; `reason` is the number of its text in the string table, 0 when done.

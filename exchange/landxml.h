@@ -31,15 +31,15 @@ struct LandXmlAlignment {
   std::string profileName;
 };
 
-enum class [[nodiscard]] LandXmlResult : int{
-    Read = 1,
-    NotXml = 0,              ///< not well formed
-    NotLandXml = -1,         ///< another kind of document
-    NoAlignment = -2,        ///< none, or none of the name asked for
-    CannotHold = -3,         ///< something that a centerline cannot hold, by name
-    BadNumber = -4,          ///< a number or point is missing or makes no sense
-    SeveralAlignments = -5,  ///< a profile is asked for, but not of which alignment
-    NoProfile = -6,          ///< the alignment has none
+enum class [[nodiscard]] LandXmlResult : int {
+  Read = 1,
+  NotXml = 0,              ///< not well formed
+  NotLandXml = -1,         ///< another kind of document
+  NoAlignment = -2,        ///< none, or none of the name asked for
+  CannotHold = -3,         ///< something that a centerline cannot hold, by name
+  BadNumber = -4,          ///< a number or point is missing or makes no sense
+  SeveralAlignments = -5,  ///< a profile is asked for, but not of which alignment
+  NoProfile = -6,          ///< the alignment has none
 };
 
 struct LandXmlReading {

@@ -12,7 +12,7 @@ namespace tarvex {
 namespace {
 
 FileStatus MapDescriptor(int descriptor, FileBytes& bytes) {
-  struct stat info {};
+  struct stat info{};
   if (::fstat(descriptor, &info) != 0) return {errno};
   if (S_ISDIR(info.st_mode)) return {EISDIR};
   const auto size = static_cast<std::size_t>(info.st_size);

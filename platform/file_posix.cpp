@@ -62,14 +62,14 @@ class PosixFile final : public File {
   FileStatus Sync() override { return ::fdatasync(descriptor_) == 0 ? FileStatus{} : LastStatus(); }
 
   FileStatus Size(std::uint64_t& size) override {
-    struct stat info {};
+    struct stat info{};
     if (::fstat(descriptor_, &info) != 0) return LastStatus();
     size = static_cast<std::uint64_t>(info.st_size);
     return {};
   }
 
   FileStamp Stamp() override {
-    struct stat info {};
+    struct stat info{};
     if (::fstat(descriptor_, &info) != 0) return {};
     constexpr std::int64_t kNanoseconds = 1'000'000'000;
     return {.file = static_cast<std::uint64_t>(info.st_ino),
@@ -83,8 +83,8 @@ class PosixFile final : public File {
   }
 
   bool IsNamed(const std::string& path) override {
-    struct stat mine {};
-    struct stat named {};
+    struct stat mine{};
+    struct stat named{};
     return ::fstat(descriptor_, &mine) == 0 && ::stat(path.c_str(), &named) == 0 &&
            mine.st_dev == named.st_dev && mine.st_ino == named.st_ino;
   }
@@ -168,7 +168,7 @@ class PosixFileSystem final : public FileSystem {
   }
 
   FileStatus CopyRights(const std::string& model, const std::string& path) override {
-    struct stat info {};
+    struct stat info{};
     if (::stat(model.c_str(), &info) != 0) return LastStatus();
     mode_t rights = info.st_mode & 07777;
     if (::chown(path.c_str(), info.st_uid, info.st_gid) != 0 &&
@@ -179,7 +179,7 @@ class PosixFileSystem final : public FileSystem {
   }
 
   bool IsReplaceable(const std::string& path) override {
-    struct stat info {};
+    struct stat info{};
     if (::stat(path.c_str(), &info) != 0) return true;
     const bool privileged = ::geteuid() == 0;
     return info.st_nlink == 1 && (privileged || info.st_uid == ::geteuid()) &&
@@ -190,7 +190,7 @@ class PosixFileSystem final : public FileSystem {
   static constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
 
   static bool IsFolder(int descriptor) {
-    struct stat info {};
+    struct stat info{};
     return ::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode);
   }
 

@@ -5,10 +5,10 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] SecretResult{
-    Found,
-    Missing,      ///< no such file, or no person to ask
-    OpenToOthers  ///< the file can be read by other users
+enum class [[nodiscard]] SecretResult {
+  Found,
+  Missing,      ///< no such file, or no person to ask
+  OpenToOthers  ///< the file can be read by other users
 };
 
 /// The first line of a file that its owner alone may read (mode 0600 or 0400).

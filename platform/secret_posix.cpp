@@ -55,7 +55,7 @@ void Say(int descriptor, std::string_view text) {
 
 SecretResult ReadSecretFile(const std::string& path, std::string& secret) {
   const Descriptor file(path.c_str(), O_RDONLY);
-  struct stat info {};
+  struct stat info{};
   if (file.get() < 0 || ::fstat(file.get(), &info) != 0) return SecretResult::Missing;
   if ((info.st_mode & (S_IRWXG | S_IRWXO)) != 0) return SecretResult::OpenToOthers;
   return ReadFirstLine(file.get(), secret) ? SecretResult::Found : SecretResult::Missing;

@@ -42,13 +42,13 @@ class GroundLine {
 
 enum class EarthworkKind : int { None, Cut, Fill };
 
-enum class [[nodiscard]] CatchResult : int{
-    Caught = 1,
-    OnGrade = 0,      ///< the edge lies on the ground, within 1 mm
-    NoCatch = -1,     ///< the slope never meets the ground, or beyond 10000 units only
-    NoGround = -2,    ///< the ground is not known at the edge of the surface
-    GroundEnds = -3,  ///< no meeting within the ground that is known
-    NoSlopes = -4     ///< the template has no slope for this kind on this side
+enum class [[nodiscard]] CatchResult : int {
+  Caught = 1,
+  OnGrade = 0,      ///< the edge lies on the ground, within 1 mm
+  NoCatch = -1,     ///< the slope never meets the ground, or beyond 10000 units only
+  NoGround = -2,    ///< the ground is not known at the edge of the surface
+  GroundEnds = -3,  ///< no meeting within the ground that is known
+  NoSlopes = -4     ///< the template has no slope for this kind on this side
 };
 
 /// The slope from the edge to the ground.

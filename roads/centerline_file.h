@@ -13,12 +13,12 @@ namespace tarvex {
 /// A larger file is refused before it is read.
 inline constexpr std::uint64_t kLargestRoadFile = 64U << 20U;
 
-enum class [[nodiscard]] LoadCenterlineResult : int{
-    Loaded = 1,
-    Nothing = 0,     ///< no path, or no key point in the file
-    NotOpened = -1,  ///< with reportErrors the message 5223 was shown
-    TooLarge = -2,   ///< beyond kLargestRoadFile
-    TooLong = -3     ///< beyond kMostCenterlineElements; `line` tells where
+enum class [[nodiscard]] LoadCenterlineResult : int {
+  Loaded = 1,
+  Nothing = 0,     ///< no path, or no key point in the file
+  NotOpened = -1,  ///< with reportErrors the message 5223 was shown
+  TooLarge = -2,   ///< beyond kLargestRoadFile
+  TooLong = -3     ///< beyond kMostCenterlineElements; `line` tells where
 };
 
 struct [[nodiscard]] CenterlineLoad {

@@ -14,10 +14,10 @@ namespace tarvex {
 /// More key points than any road has; a longer file is refused, so that memory stays bounded.
 inline constexpr std::size_t kMostCenterlineElements = 100000;
 
-enum class [[nodiscard]] ReadChainResult : int{
-    Read = 1,     ///< the chain has at least one element
-    Nothing = 0,  ///< the text holds no key point
-    TooLong = -1  ///< more than kMostCenterlineElements; `refusedLine` tells where
+enum class [[nodiscard]] ReadChainResult : int {
+  Read = 1,     ///< the chain has at least one element
+  Nothing = 0,  ///< the text holds no key point
+  TooLong = -1  ///< more than kMostCenterlineElements; `refusedLine` tells where
 };
 
 struct ChainReading {

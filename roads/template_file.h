@@ -9,9 +9,10 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] LoadTemplateResult : int{
-    Loaded = 1, NotOpened = 0,
-    TooLarge = -1,  ///< beyond kLargestTemplate
+enum class [[nodiscard]] LoadTemplateResult : int {
+  Loaded = 1,
+  NotOpened = 0,
+  TooLarge = -1,  ///< beyond kLargestTemplate
 };
 
 inline constexpr std::uint64_t kLargestTemplate = 4U << 20U;

@@ -70,7 +70,7 @@ bool InterruptRequested() {
 }
 
 void WatchForInterrupt() {
-  struct sigaction action {};
+  struct sigaction action{};
   action.sa_handler = NoteInterrupt;  // without SA_RESTART, so that waiting for a lock ends
   ::sigaction(SIGINT, &action, nullptr);
   ::sigaction(SIGTERM, &action, nullptr);

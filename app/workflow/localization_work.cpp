@@ -102,7 +102,7 @@ bool LocalizationWork::Change() {
   return ChangeMethod();
 }
 
-bool LocalizationWork::Toggle(std::size_t number, char LocalizationPoint::*flag) {
+bool LocalizationWork::Toggle(std::size_t number, char LocalizationPoint::* flag) {
   if (!HasPoint(number)) return false;
   char& use = (*list_[number - 1]).*flag;
   use = use == 'Y' ? 'N' : 'Y';

@@ -34,12 +34,12 @@ struct LocalizationRequest {
   }
 };
 
-enum class [[nodiscard]] LocalizationResult{
-    Done,        ///< kept, or nothing was to be changed
-    BadEntry,    ///< the request makes no sense; `problem` says why
-    Failed,      ///< a file, or a list that cannot be fitted; `problem` says what
-    KeptUnused,  ///< the list is kept, but the job does not use it; `problem` says why
-    Refused      ///< nothing was changed; `problem` says why
+enum class [[nodiscard]] LocalizationResult {
+  Done,        ///< kept, or nothing was to be changed
+  BadEntry,    ///< the request makes no sense; `problem` says why
+  Failed,      ///< a file, or a list that cannot be fitted; `problem` says what
+  KeptUnused,  ///< the list is kept, but the job does not use it; `problem` says why
+  Refused      ///< nothing was changed; `problem` says why
 };
 
 class LocalizationWork {
@@ -64,7 +64,7 @@ class LocalizationWork {
   bool Open();
   bool LoadList(const std::string& path);
   bool Change();
-  bool Toggle(std::size_t number, char LocalizationPoint::*flag);
+  bool Toggle(std::size_t number, char LocalizationPoint::* flag);
   bool HasPoint(std::size_t number);
   bool Remove();
   bool Add();

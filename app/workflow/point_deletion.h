@@ -7,9 +7,10 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] DeletionResult{
-    Deleted, NotFound,
-    Failed  ///< told; with work that is kept in the journal as well
+enum class [[nodiscard]] DeletionResult {
+  Deleted,
+  NotFound,
+  Failed  ///< told; with work that is kept in the journal as well
 };
 
 /// `deleted` is what the point was.

@@ -9,12 +9,12 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] StoringResult{
-    Stored,
-    Exists,      ///< and it was decided that it stays
-    NoFreeId,    ///< behind the one that was wanted
-    Failed,      ///< the files could not be written; reported
-    StoredLater  ///< durable in the journal; reported, and work should not go on
+enum class [[nodiscard]] StoringResult {
+  Stored,
+  Exists,      ///< and it was decided that it stays
+  NoFreeId,    ///< behind the one that was wanted
+  Failed,      ///< the files could not be written; reported
+  StoredLater  ///< durable in the journal; reported, and work should not go on
 };
 
 struct StoredPoint {

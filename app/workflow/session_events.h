@@ -91,12 +91,12 @@ class SessionListener {
 };
 
 /// How a session ended.
-enum class [[nodiscard]] SessionEnd{
-    Complete,        ///< what was asked for is done
-    Asked,           ///< by a command or an interrupt
-    RecordingEnded,  ///< before what was asked for was done
-    NoPosition,  ///< none came for as long as one was to be waited for, or the link did not return
-    Failed       ///< told as a problem
+enum class [[nodiscard]] SessionEnd {
+  Complete,        ///< what was asked for is done
+  Asked,           ///< by a command or an interrupt
+  RecordingEnded,  ///< before what was asked for was done
+  NoPosition,  ///< none came for as long as one was to be waited for, or the link did not return
+  Failed       ///< told as a problem
 };
 
 }  // namespace tarvex

@@ -13,10 +13,10 @@ struct StakePosition {
   std::optional<double> elevation;
 };
 
-enum class [[nodiscard]] StakeView{
-    NotRelated,  ///< the position is nowhere near what is to be set out
-    Shown,
-    OnTheStake  ///< inside the tolerance, with a good position
+enum class [[nodiscard]] StakeView {
+  NotRelated,  ///< the position is nowhere near what is to be set out
+  Shown,
+  OnTheStake  ///< inside the tolerance, with a good position
 };
 
 /// What is to be set out. It shows every position in its own way, and says of a stored one what was

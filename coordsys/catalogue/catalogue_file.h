@@ -40,10 +40,13 @@ std::vector<NamedSystem> ReadCatalogue(std::string_view bytes, std::size_t* skip
 /// character, a leading # or blank, or the words ",GEOID=" in any letter case.
 bool IsCatalogueName(std::string_view name);
 
-enum class [[nodiscard]] CatalogueResult : int{
-    Done = 1,           NotFound = 0, NameTaken = -1, BadName = -2,
-    BadDefinition = -3,  ///< empty, or longer than a reader takes
-    FileFailed = -4,     ///< the file cannot be read or written; it is as it was
+enum class [[nodiscard]] CatalogueResult : int {
+  Done = 1,
+  NotFound = 0,
+  NameTaken = -1,
+  BadName = -2,
+  BadDefinition = -3,  ///< empty, or longer than a reader takes
+  FileFailed = -4,     ///< the file cannot be read or written; it is as it was
 };
 
 /// The edits of a catalogue's bytes. Every other line, comments included, stays as it is; `bytes`

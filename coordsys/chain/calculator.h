@@ -30,21 +30,21 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] CalculationResult : int{
-    Done = 1,
-    DoneInPart = 2,      ///< a point came out, but a step was left undone: see the report
-    LibraryMissing = 0,  ///< the closed library that computes the projection cannot be loaded
-    NotANumber = -1,
-    NoSystem = -2,          ///< the calculator has no coordinate system
-    NotAvailable = -3,      ///< the system cannot be made: see SystemText
-    OutsideDomain = -4,     ///< the point lies where the projection does not hold
-    NoDatumShift = -5,      ///< the datum is another than WGS84, and no step shifts it
-    StepRefused = -6,       ///< a step could not be made: see the report
-    NotConverging = -7,     ///< the height and the geoid did not settle
-    NoGridCorrection = -8,  ///< the projection has no meaning without its national grid
+enum class [[nodiscard]] CalculationResult : int {
+  Done = 1,
+  DoneInPart = 2,      ///< a point came out, but a step was left undone: see the report
+  LibraryMissing = 0,  ///< the closed library that computes the projection cannot be loaded
+  NotANumber = -1,
+  NoSystem = -2,          ///< the calculator has no coordinate system
+  NotAvailable = -3,      ///< the system cannot be made: see SystemText
+  OutsideDomain = -4,     ///< the point lies where the projection does not hold
+  NoDatumShift = -5,      ///< the datum is another than WGS84, and no step shifts it
+  StepRefused = -6,       ///< a step could not be made: see the report
+  NotConverging = -7,     ///< the height and the geoid did not settle
+  NoGridCorrection = -8,  ///< the projection has no meaning without its national grid
 };
 
-enum class [[nodiscard]] ZoneSelection : int{Selected = 1, Rejected = 0};
+enum class [[nodiscard]] ZoneSelection : int { Selected = 1, Rejected = 0 };
 
 /// A result in a sentence.
 std::string CalculationText(CalculationResult result);

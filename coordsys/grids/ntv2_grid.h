@@ -24,10 +24,10 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] GridShiftResult{
-    Done,
-    Outside,       ///< no grid holds the point
-    NoCorrection,  ///< the nodes around the point carry no shift
+enum class [[nodiscard]] GridShiftResult {
+  Done,
+  Outside,       ///< no grid holds the point
+  NoCorrection,  ///< the nodes around the point carry no shift
 };
 
 /// One of the grids of a file: degrees, the first coordinate is the longitude, east positive.

@@ -15,9 +15,9 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] SaveLocalizationResult : int{
-    Saved = 1,
-    NothingWritten = 0,  ///< no list, a value that is not a number, or the file cannot be written
+enum class [[nodiscard]] SaveLocalizationResult : int {
+  Saved = 1,
+  NothingWritten = 0,  ///< no list, a value that is not a number, or the file cannot be written
 };
 
 /// The document. Points after the first empty slot are not part of it.

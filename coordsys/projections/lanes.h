@@ -39,8 +39,7 @@ inline constexpr std::size_t kLanes = sizeof(Lanes) / sizeof(double);
 
 /// More than one lane, where an operation with a plain double means that double in every lane.
 template <typename Lanes>
-concept SeveralLanes = kLanes<Lanes> >
-1;
+concept SeveralLanes = kLanes<Lanes> > 1;
 
 template <typename Lanes>
 struct MaskOfLanes;

@@ -26,9 +26,11 @@ struct LatLon {
   bool operator==(const LatLon&) const = default;
 };
 
-enum class [[nodiscard]] ProjectionResult : int{
-    Done, NotANumber, OutsideDomain,
-    LibraryMissing,  ///< the closed library that computes this family cannot be loaded
+enum class [[nodiscard]] ProjectionResult : int {
+  Done,
+  NotANumber,
+  OutsideDomain,
+  LibraryMissing,  ///< the closed library that computes this family cannot be loaded
 };
 
 /// What a conversion starts from: the record's parameters with angles in radians.

@@ -10,13 +10,13 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] StorePointsResult : int{
-    Stored = 1,
-    StoredNotDurable = 2,  ///< stored, but a loss of power may undo it (the person knows)
-    Nothing = 0,           ///< the file could not be written; the person has the reason
-    NoStream = -1,         ///< the file could not be opened (the person knows)
-    BadPoint =
-        -3  ///< a point without an id or with coordinates that are not numbers; nothing is stored
+enum class [[nodiscard]] StorePointsResult : int {
+  Stored = 1,
+  StoredNotDurable = 2,  ///< stored, but a loss of power may undo it (the person knows)
+  Nothing = 0,           ///< the file could not be written; the person has the reason
+  NoStream = -1,         ///< the file could not be opened (the person knows)
+  BadPoint =
+      -3  ///< a point without an id or with coordinates that are not numbers; nothing is stored
 };
 
 /// Stores all points, each under its own id, over those that exist; of equal ids the last one wins.

@@ -14,10 +14,11 @@ namespace tarvex {
 
 using PointList = std::vector<Point>;
 
-enum class [[nodiscard]] LoadPointsResult : int{
-    Loaded = 0, OutOfMemory = 1,
-    CannotOpen = 2,  ///< cannot be opened or read, or is no coordinate file
-    Mismatch = 3     ///< the records are not those of the list to verify against
+enum class [[nodiscard]] LoadPointsResult : int {
+  Loaded = 0,
+  OutOfMemory = 1,
+  CannotOpen = 2,  ///< cannot be opened or read, or is no coordinate file
+  Mismatch = 3     ///< the records are not those of the list to verify against
 };
 
 /// Called with texts like "\n42%" each time a hundredth of the records is passed: at most 100 times

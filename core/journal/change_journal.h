@@ -36,10 +36,10 @@ struct FileChange {
 
 using JobChange = std::vector<FileChange>;
 
-enum class [[nodiscard]] ChangeResult{
-    Done,     ///< durable, and in the files
-    Nothing,  ///< the files are as before
-    Pending   ///< durable in the journal: comes into the files when the job is opened again
+enum class [[nodiscard]] ChangeResult {
+  Done,     ///< durable, and in the files
+  Nothing,  ///< the files are as before
+  Pending   ///< durable in the journal: comes into the files when the job is opened again
 };
 
 /// What came of work on several files: the first failure, and the file at which it happened.

@@ -73,10 +73,10 @@ class JobUnit {
   IdSequence ids_;
 };
 
-enum class [[nodiscard]] FinishJobResult{
-    Nothing,   ///< no work was interrupted
-    Finished,  ///< what an interruption left is done
-    Failed     ///< it cannot be done; the person knows, and what the files hold is not to be shown
+enum class [[nodiscard]] FinishJobResult {
+  Nothing,   ///< no work was interrupted
+  Finished,  ///< what an interruption left is done
+  Failed     ///< it cannot be done; the person knows, and what the files hold is not to be shown
 };
 
 /// Finishes what an interruption left of earlier work, and removes what it left beside the files. A

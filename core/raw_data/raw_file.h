@@ -10,9 +10,9 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] RawFileResult : int{
-    Written = 1,
-    Dropped = 0  ///< the file cannot be opened or written; the coordinate file keeps the point
+enum class [[nodiscard]] RawFileResult : int {
+  Written = 1,
+  Dropped = 0  ///< the file cannot be opened or written; the coordinate file keeps the point
 };
 
 /// Appends the record as it is (it starts with "\n") and makes it durable; a missing file is

@@ -8,12 +8,12 @@
 
 namespace tarvex {
 
-enum class [[nodiscard]] SentenceResult{
-    Read,         ///< values taken, the position is not complete
-    Position,     ///< the position is complete
-    RanOut,       ///< the fields ended part-way; what was taken stays
-    NoFix,        ///< the receiver says that it has no position
-    InvalidData,  ///< two sentences run together
+enum class [[nodiscard]] SentenceResult {
+  Read,         ///< values taken, the position is not complete
+  Position,     ///< the position is complete
+  RanOut,       ///< the fields ended part-way; what was taken stays
+  NoFix,        ///< the receiver says that it has no position
+  InvalidData,  ///< two sentences run together
 };
 
 struct Sentence;

@@ -20,11 +20,11 @@ enum class Framing {
                   ///< text
 };
 
-enum class [[nodiscard]] ReadLineStatus : int{
-    Line = 1,
-    PortFailed = -1,  ///< also when another reader has the port
-    TimedOut = -2,    ///< no byte within the time-out
-    NoCapacity = -3,  ///< the buffer holds fewer than 2 characters
+enum class [[nodiscard]] ReadLineStatus : int {
+  Line = 1,
+  PortFailed = -1,  ///< also when another reader has the port
+  TimedOut = -2,    ///< no byte within the time-out
+  NoCapacity = -3,  ///< the buffer holds fewer than 2 characters
 };
 
 struct [[nodiscard]] ReadLineResult {

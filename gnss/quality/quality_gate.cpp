@@ -61,7 +61,7 @@ std::optional<GateRefusal> CheckSatellites(const GateLimits& limits,
 
 struct NumberLimit {
   std::string_view key;
-  std::optional<double> GateLimits::*field;
+  std::optional<double> GateLimits::* field;
 };
 
 constexpr std::array kNumbers = {

@@ -16,12 +16,12 @@ class LineSource {
   LineSource(GnssConnection& connection, const ReceiverMake& make, const ReadDeadline& deadline)
       : connection_(connection), make_(make), deadline_(deadline) {}
 
-  enum class [[nodiscard]] Outcome{
-      Line,
-      Nothing,    ///< no whole line yet, or one that was cut; ask again
-      Failed,     ///< no line within a second, or the port failed
-      Abandoned,  ///< asked to stop while much is waiting
-      OutOfTime,  ///< the deadline has passed
+  enum class [[nodiscard]] Outcome {
+    Line,
+    Nothing,    ///< no whole line yet, or one that was cut; ask again
+    Failed,     ///< no line within a second, or the port failed
+    Abandoned,  ///< asked to stop while much is waiting
+    OutOfTime,  ///< the deadline has passed
   };
 
   /// A line stays valid until the next call. The connection's listener hears it first.

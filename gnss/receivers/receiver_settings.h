@@ -87,7 +87,7 @@ struct ReceiverSettings {
 /// Takes the lines of a settings text; unknown keys and values out of range are skipped.
 void ReadReceiverSettings(std::string_view text, ReceiverSettings& settings);
 
-enum class [[nodiscard]] SettingResult{Set, UnknownKey, NotAValue};
+enum class [[nodiscard]] SettingResult { Set, UnknownKey, NotAValue };
 
 /// Takes one setting; nothing is changed unless it is set.
 SettingResult SetReceiverSetting(std::string_view key, std::string_view value,

@@ -12,7 +12,7 @@ namespace tarvex {
 /// Sends a command with CR LF behind it; false when the port failed.
 [[nodiscard]] bool SendCommand(GnssConnection& connection, std::string_view command);
 
-enum class [[nodiscard]] ReplyStatus{Found, TimedOut, PortFailed};
+enum class [[nodiscard]] ReplyStatus { Found, TimedOut, PortFailed };
 
 /// Reads lines until one holds `wanted`; `reply` is that line from `wanted` on, and stands in
 /// `buffer`. Other lines (prompts, acknowledgements, data that streams by) are left out.

@@ -36,8 +36,8 @@ class JsonReading {
     return json.IsBool(value);
   }
   template <typename Number>
-  requires(std::integral<Number> || std::floating_point<Number>) &&
-      (!std::same_as<Number, bool>)friend bool operator==(const JsonReading& json, Number value) {
+    requires(std::integral<Number> || std::floating_point<Number>) && (!std::same_as<Number, bool>)
+  friend bool operator==(const JsonReading& json, Number value) {
     return json.IsNumber(static_cast<double>(value));
   }
   friend std::ostream& operator<<(std::ostream& out, const JsonReading& json) {

@@ -112,7 +112,9 @@ TEST(TypedCommands, EndWithTheirSessionWhenNothingIsTyped) {
   Program program{.files = SystemFiles(), .clock = SystemClock(), .console = StandardConsole()};
   SessionCommands commands;
   const std::int64_t before = SystemClock().SteadyMilliseconds();
-  { const TypedCommands typed(program, commands); }
+  {
+    const TypedCommands typed(program, commands);
+  }
   EXPECT_LT(SystemClock().SteadyMilliseconds() - before, 1000);
   EXPECT_FALSE(commands.Take());
 }

@@ -22,7 +22,7 @@ constexpr uid_t kSomebody = 65534;
 constexpr uid_t kSomebodyElse = 65533;
 
 struct stat Info(const std::string& path) {
-  struct stat info {};
+  struct stat info{};
   EXPECT_EQ(::stat(path.c_str(), &info), 0) << path;
   return info;
 }

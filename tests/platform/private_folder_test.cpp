@@ -21,7 +21,7 @@ TEST(PrivateFolder, IsMadeAnewForItsOwnerAloneAndLeavesNothing) {
     path = one.path();
     ASSERT_TRUE(one.made() && other.made());
     EXPECT_NE(path, other.path()) << "no name that another could have taken before";
-    struct stat status {};
+    struct stat status{};
     ASSERT_EQ(::lstat(path.substr(0, path.size() - 1).c_str(), &status), 0);
     EXPECT_TRUE(S_ISDIR(status.st_mode));
     EXPECT_EQ(status.st_mode & 0777U, 0700U);

@@ -81,7 +81,7 @@ TEST(DefinitionReader, ReadsEveryPartOfACompoundDefinition) {
 TEST(DefinitionReader, ParameterNamesSetTheirFields) {
   struct Case {
     std::string_view items;
-    double ProjectionRecord::*field;
+    double ProjectionRecord::* field;
     double value;
   };
   const Case cases[] = {
@@ -193,7 +193,7 @@ TEST(DefinitionReader, SurvivesATextCutAnywhere) {
   for (std::size_t length = 0; length <= kTexas.size(); ++length) {
     const std::string cut(kTexas.substr(0, length));
     const ProjectionRecord record = Read(cut);
-    for (const double ProjectionRecord::*field :
+    for (const double ProjectionRecord::* field :
          {&ProjectionRecord::falseEastingM, &ProjectionRecord::shiftDxM,
           &ProjectionRecord::latitudeOfOriginDeg, &ProjectionRecord::semiMajorM}) {
       EXPECT_TRUE(record.*field == 0.0 || record.*field == whole.*field) << length;
@@ -231,7 +231,7 @@ TEST(DefinitionWriter, RandomRecordsReadBackTheSame) {
       record.flattening = 1.0 / inverseFlattening(random);
       record.projectionType = static_cast<int>(family.type);
       record.projectionName.Assign(family.name);
-      for (double ProjectionRecord::*field :
+      for (double ProjectionRecord::* field :
            {&ProjectionRecord::shiftDxM, &ProjectionRecord::shiftDyM, &ProjectionRecord::shiftDzM,
             &ProjectionRecord::shiftRxArcsec, &ProjectionRecord::shiftRyArcsec,
             &ProjectionRecord::shiftRzArcsec, &ProjectionRecord::shiftScalePpm,

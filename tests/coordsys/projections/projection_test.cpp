@@ -351,7 +351,7 @@ TEST(Projection, PolarOriginOfALambertZone) {  // Belge 1972: values of EPSG 313
 TEST(Projection, FaultsNameTheParameter) {
   struct Case {
     ProjectionType type;
-    double ProjectionRecord::*field;
+    double ProjectionRecord::* field;
     double value;
     ProjectionFault fault;
   };

@@ -60,10 +60,7 @@ std::vector<Operation> Operations() {
           {"Flush", 17, [](SerialPort& p) { return p.Flush(); }},
           {"SetBreak", 18, [](SerialPort& p) { return p.SendBreak(20); }},
           {"ClearBreak", 18, [](SerialPort& p) { return p.SendBreak(20); }},
-          {"Read", 6,
-           [](SerialPort& p) {
-             return p.Read({&byte, 1}, kKeepTimeouts);
-           }},
+          {"Read", 6, [](SerialPort& p) { return p.Read({&byte, 1}, kKeepTimeouts); }},
           {"Write", 7, [](SerialPort& p) { return p.Write("x", kKeepTimeouts); }}};
 }
 
