@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "core/units/units.h"  // its own
+#include "core/units.h"  // its own
 #include "tarvex/coordsys/catalogue/system_catalogue.h"
 #include "tarvex/coordsys/chain/calculator.h"
 #include "tarvex/coordsys/chain/step_preparation.h"
