@@ -1,8 +1,8 @@
 // Three positions of a receiver: here the simulated one; a port makes it a real one.
 #include <cstdio>
 
-#include "tarvex/gnss/position_reader.h"
-#include "tarvex/gnss/receiver_make.h"
+#include "tarvex/gnss/receivers/position_reader.h"
+#include "tarvex/gnss/receivers/receiver_make.h"
 
 int main() {
   tarvex::GnssConnection connection{.clock = tarvex::SystemClock()};
