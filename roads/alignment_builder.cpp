@@ -68,12 +68,12 @@ AlignmentBuilder::Run AlignmentBuilder::RunBetween(std::size_t from, std::size_t
 Outcome<Alignment, AlignmentFault> AlignmentBuilder::Build() {
   for (const CenterlineElement& node : chain_) {
     if (!IsFinite(node)) {
-      return Failure{.code = AlignmentFault::OutOfRange,
-                     .place = static_cast<std::size_t>(node.line)};
+      return Failure<AlignmentFault>{.code = AlignmentFault::OutOfRange,
+                                     .place = static_cast<std::size_t>(node.line)};
     }
   }
   for (std::size_t node = 0; node + 1 < chain_.size();) node = TakeFrom(node);
-  if (alignment_.elements_.empty()) return Failure{.code = AlignmentFault::Nothing};
+  if (alignment_.elements_.empty()) return Failure<AlignmentFault>{.code = AlignmentFault::Nothing};
   AddJoins();
   JudgeSoundness();
   alignment_.index_ = AlignmentIndex(alignment_.pieces_);

@@ -19,21 +19,21 @@ bool IsUsable(const VerticalPoint& point) {
 }  // namespace
 
 Outcome<Profile, ProfileFault> Profile::Make(std::vector<VerticalPoint> points) {
-  if (points.size() < 2) return Failure{.code = ProfileFault::TooFew};
+  if (points.size() < 2) return Failure<ProfileFault>{.code = ProfileFault::TooFew};
   for (std::size_t i = 0; i < points.size(); ++i) {
     const bool end = i == 0 || i + 1 == points.size();
     const bool curved = points[i].curve != VerticalCurveKind::None;
     if (!IsUsable(points[i]) || (end && curved))
-      return Failure{.code = ProfileFault::BadCurve, .place = i};
+      return Failure<ProfileFault>{.code = ProfileFault::BadCurve, .place = i};
     if (i > 0 && !(points[i].station > points[i - 1].station)) {
-      return Failure{.code = ProfileFault::StationsFall, .place = i};
+      return Failure<ProfileFault>{.code = ProfileFault::StationsFall, .place = i};
     }
   }
   Profile profile;
   profile.points_ = std::move(points);
   for (std::size_t i = 1; i < profile.points_.size(); ++i) {
     if (profile.SpanOf(i - 1).to > profile.SpanOf(i).from + kOverlap) {
-      return Failure{.code = ProfileFault::CurvesOverlap, .place = i};
+      return Failure<ProfileFault>{.code = ProfileFault::CurvesOverlap, .place = i};
     }
   }
   return profile;

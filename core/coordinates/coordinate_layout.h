@@ -54,7 +54,7 @@ enum class Signature { None, Older, Sorted };
 
 std::string EncodeHeader(const LocalTime& created);
 /// Reads the signature of the first 104 bytes of a file.
-Signature DecodeSignature(std::string_view header);
+Signature DecodeSignature(std::string_view bytes);
 /// Replaces the signature of an older header by that of a sorted file; the other bytes stay.
 void MarkSorted(std::string& header);
 
