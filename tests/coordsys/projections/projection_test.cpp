@@ -74,6 +74,15 @@ std::vector<Named> Shapes() {
   return shapes;
 }
 
+TEST(ProjectionFamilies, HaveOneMakerAndAGridWhereTheySaySo) {
+  for (const ProjectionFamily& family : ProjectionFamilies()) {
+    EXPECT_NE(family.make == nullptr, family.makeClosed == nullptr) << family.name;
+    const bool ownGrid =
+        family.gridUse != NationalGridUse::AnyNamed && family.gridUse != NationalGridUse::Never;
+    EXPECT_EQ(family.grid != nullptr, ownGrid) << family.name;
+  }
+}
+
 TEST(Projection, EveryPointOfTheDomainComesBack) {
   RandomNumbers random;
   std::uniform_real_distribution<double> latitude(-90.0, 90.0);
