@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# clang-tidy over the libraries and the program, as .clang-tidy says; needs the dev build.
+# clang-tidy over the libraries and the program, as .clang-tidy says; needs what ./test.sh builds.
 set -eu
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -7,7 +7,7 @@ cd "$root"
 # clang reads neither g++'s precompiled headers (the sources name what they include) nor its cost models.
 mkdir -p build/lint
 sed -e 's/-Winvalid-pch -include [^ ]*cmake_pch.hxx//' -e 's/ -fvect-cost-model=[a-z]*//' \
-  build/dev/compile_commands.json >build/lint/compile_commands.json
+  build/release/compile_commands.json >build/lint/compile_commands.json
 if ! git ls-files 'platform/*.cpp' 'core/*.cpp' 'coordsys/*.cpp' 'gnss/*.cpp' 'roads/*.cpp' 'exchange/*.cpp' \
   'modules/*.cpp' 'app/*.cpp' |
   xargs -P "$(nproc)" -n 6 clang-tidy --quiet -p build/lint >build/lint.log 2>&1; then

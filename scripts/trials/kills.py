@@ -304,7 +304,7 @@ def main():
     parser.add_argument("what", choices=["moments", "calls"])
     parser.add_argument("--kills", type=int, default=500)
     parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(10**6))
-    parser.add_argument("--tarvex", default=os.environ.get("TARVEX", os.path.join(ROOT, "build/dev/app/tarvex")))
+    parser.add_argument("--tarvex", default=os.environ.get("TARVEX", os.path.join(ROOT, "build/release/app/tarvex")))
     parser.add_argument("--folder", required=True)
     options = parser.parse_args()
     site = Site(options.tarvex, os.path.join(os.path.abspath(options.folder), "job"))

@@ -3,14 +3,14 @@
 # files each time: at random moments, and, where strace is installed, at every system call that
 # changes a file. What must hold is said in kills.py.
 #   scripts/trials/kills.sh [KILLS (default 500)] [SEED] [FOLDER]
-# Needs python3; TARVEX names another program than build/dev/app/tarvex. 500 kills take 15 minutes.
+# Needs python3; TARVEX names another program than build/release/app/tarvex. 500 kills take 15 minutes.
 set -eu
 
 root=$(cd "$(dirname "$0")/../.." && pwd)
 kills=${1:-500}
 seed=${2:-$((RANDOM * 32768 + RANDOM))}
 folder=${3:-$(mktemp -d)}
-export TARVEX=${TARVEX:-$root/build/dev/app/tarvex}
+export TARVEX=${TARVEX:-$root/build/release/app/tarvex}
 echo "in $folder"
 
 code=0

@@ -8,7 +8,7 @@ set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 seconds=${1:-600}
 folder=${2:-$(mktemp -d)}
-tarvex=${TARVEX:-$root/build/dev/app/tarvex}
+tarvex=${TARVEX:-$root/build/release/app/tarvex}
 mkdir -p "$folder"
 cd "$folder"
 export TARVEX_DATA=$folder/data TARVEX_NTRIP_PASSWORD=pass
