@@ -11,12 +11,18 @@
 
 namespace tarvex {
 
+/// Of the requests. A caster that does not know version 2 is asked again as one of version 1.
+enum class NtripVersion { One, Two };
+
 /// How to reach a caster. The password is never part of an error, a status or a log.
 struct CasterLogin {
   FixedText<128> host = {};
   std::string port = "2101";
   std::string user = {};
   std::string password = {};
+  NtripVersion version = NtripVersion::One;
+  bool encrypted = false;          ///< by TLS, and never without
+  std::string authorityFile = {};  ///< PEM: who may vouch for it; empty: the system's authorities
 };
 
 /// "caster.example:2101", "[::1]:2101".

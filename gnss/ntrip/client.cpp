@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "core/text/printable.h"
@@ -19,6 +20,8 @@ constexpr std::int64_t kAnswerLimitMs = 60000;
 constexpr int kOpenProgressBase = 25;
 constexpr std::string_view kStreamMark = "ICY 200 OK";
 constexpr std::string_view kTlsAlert = "\x15\x03";
+constexpr const char* kAgent = "User-Agent: NTRIP Morwend\r\n";
+constexpr const char* kLastHeaders = "Accept: */*\r\nConnection: close\r\n\r\n";
 constexpr std::size_t kLongestAnswer = 100;
 constexpr std::size_t kLongestRefusal = 128;
 constexpr std::string_view kContentType = "Content-Type";
@@ -44,6 +47,23 @@ bool EndsTheLine(char c) {
   return static_cast<unsigned char>(c) <= ' ' || c == 0x7F;
 }
 
+std::string WithoutLineEnds(std::string_view text) {
+  std::string kept;
+  std::remove_copy_if(text.begin(), text.end(), std::back_inserter(kept), EndsTheLine);
+  return kept;
+}
+
+std::string LoginHeader(std::string_view user, std::string_view password) {
+  if (user.empty()) return {};
+  const std::string login = std::string(user) + ":" + std::string(password);
+  return "Authorization: Basic " + Base64Of(login) + "\r\n";
+}
+
+// What an HTTP server says to a request that it does not understand.
+bool IsBadRequest(int status) {
+  return status == 400 || status == 405 || status == 501 || status == 505;
+}
+
 }  // namespace
 
 bool IsMountpointName(std::string_view mountpoint) {
@@ -52,15 +72,14 @@ bool IsMountpointName(std::string_view mountpoint) {
 
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
                          std::string_view password) {
-  std::string request = "GET /";
-  std::remove_copy_if(mountpoint.begin(), mountpoint.end(), std::back_inserter(request),
-                      EndsTheLine);
-  request += " HTTP/1.0\r\nUser-Agent: NTRIP Morwend\r\n";
-  if (!user.empty()) {
-    const std::string login = std::string(user) + ":" + std::string(password);
-    request += "Authorization: Basic " + Base64Of(login) + "\r\n";
-  }
-  return request + "Accept: */*\r\nConnection: close\r\n\r\n";
+  return "GET /" + WithoutLineEnds(mountpoint) + " HTTP/1.0\r\n" + kAgent +
+         LoginHeader(user, password) + kLastHeaders;
+}
+
+std::string NtripRequest2(std::string_view host, std::string_view mountpoint, std::string_view user,
+                          std::string_view password) {
+  return "GET /" + WithoutLineEnds(mountpoint) + " HTTP/1.1\r\nHost: " + WithoutLineEnds(host) +
+         "\r\nNtrip-Version: Ntrip/2.0\r\n" + kAgent + LoginHeader(user, password) + kLastHeaders;
 }
 
 NtripClient::NtripClient(NtripConnection* connection, std::string_view name,
@@ -90,6 +109,7 @@ int NtripClient::ElapsedSeconds(std::int64_t sinceMs) const {
 PortError NtripClient::Connect(const std::string& host, const std::string& port,
                                NtripProgress& progress) {
   if (connection_ == nullptr) return Fail(PortError::NothingGiven);
+  host_ = CasterName({.host = FixedText<128>(host), .port = port});
   progress.Status(Strings().Text(kTextConnecting));
   return connection_->Perform(NtripOperation::OpenTcp, {.host = host, .port = port}, progress);
 }
@@ -97,7 +117,10 @@ PortError NtripClient::Connect(const std::string& host, const std::string& port,
 PortError NtripClient::SendRequest(std::string_view mountpoint, std::string_view user,
                                    std::string_view password) {
   if (connection_ == nullptr || !IsMountpointName(mountpoint)) return Fail(PortError::NothingGiven);
-  return connection_->Send(NtripRequest(mountpoint, user, password), kSendTimeoutMs);
+  return connection_->Send(version == NtripVersion::Two
+                               ? NtripRequest2(host_, mountpoint, user, password)
+                               : NtripRequest(mountpoint, user, password),
+                           kSendTimeoutMs);
 }
 
 PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view user,
@@ -107,8 +130,10 @@ PortError NtripClient::OpenStream(std::string_view mountpoint, std::string_view 
   }
   const std::int64_t sinceMs = surroundings_.clock.SteadyMilliseconds();
   std::string received;
+  closedUnanswered_ = false;
   if (const PortError error = ReceiveText(*connection_, received, 2 * timeoutMs);
       error != PortError::None) {
+    closedUnanswered_ = error == PortError::ReadFailed;
     return Fail(error == PortError::Cancelled ? error : PortError::FirstReceiveFailed);
   }
   ForgetStream();
@@ -253,11 +278,24 @@ PortError NtripClient::LoadBases(CasterList& list, NtripProgress& progress) {
 
 PortError NtripClient::FetchTable(const CasterLogin& caster, const std::string& fileName,
                                   NtripProgress& progress) {
-  if (connection_->Supports(NtripOperation::FetchTable)) {
+  if (connection_->Supports(NtripOperation::FetchTable) && !caster.encrypted) {
     return connection_->Perform(
         NtripOperation::FetchTable,
         {.host = caster.host.str(), .port = caster.port, .fileName = fileName}, progress);
   }
+  const NtripVersion asked = knowsOneAlone_ ? NtripVersion::One : caster.version;
+  const PortError error = FetchTableAs(asked, caster, fileName, progress);
+  if (asked == NtripVersion::One) return error;
+  if (error != PortError::ReadFailed && error != PortError::CasterRefused) return error;
+  connection_->Close();
+  const PortError again = FetchTableAs(NtripVersion::One, caster, fileName, progress);
+  knowsOneAlone_ = again == PortError::None;
+  return again;
+}
+
+PortError NtripClient::FetchTableAs(NtripVersion asked, const CasterLogin& caster,
+                                    const std::string& fileName, NtripProgress& progress) {
+  version = asked;
   const auto connect = [&] {
     const PortError error = Connect(caster.host.str(), caster.port, progress);
     const bool told = error == PortError::None || error == PortError::Cancelled;
@@ -289,7 +327,7 @@ PortError NtripClient::ConnectMountpoint(const CasterLogin& caster, const std::s
 
 PortError NtripClient::OpenAt(const CasterLogin& caster, const std::string& mountpoint,
                               NtripProgress& progress) {
-  if (connection_->Supports(NtripOperation::OpenMountpoint)) {
+  if (connection_->Supports(NtripOperation::OpenMountpoint) && !caster.encrypted) {
     ForgetStream();
     start_.Skip();
     return connection_->Perform(NtripOperation::OpenMountpoint,
@@ -300,11 +338,30 @@ PortError NtripClient::OpenAt(const CasterLogin& caster, const std::string& moun
                                  .password = caster.password},
                                 progress);
   }
+  const NtripVersion asked = knowsOneAlone_ ? NtripVersion::One : caster.version;
+  const PortError error = OpenAs(asked, caster, mountpoint, progress);
+  if (asked == NtripVersion::One || !MayKnowOneAlone(error)) return error;
+  connection_->Close();
+  const PortError again = OpenAs(NtripVersion::One, caster, mountpoint, progress);
+  knowsOneAlone_ = again == PortError::None;
+  return again;
+}
+
+PortError NtripClient::OpenAs(NtripVersion asked, const CasterLogin& caster,
+                              const std::string& mountpoint, NtripProgress& progress) {
+  version = asked;
   if (const PortError error = Connect(caster.host.str(), caster.port, progress);
       error != PortError::None) {
     return error == PortError::Cancelled ? error : Fail(PortError::CasterNotOpened);
   }
   return OpenStream(mountpoint, caster.user, caster.password, progress);
+}
+
+// A caster that did not understand the request of version 2: it closed without a word, or said so.
+bool NtripClient::MayKnowOneAlone(PortError error) const {
+  if (error == PortError::FirstReceiveFailed) return closedUnanswered_;
+  if (error == PortError::ReadFailed) return true;
+  return error == PortError::CasterRefused && (head_.status() == 0 || IsBadRequest(head_.status()));
 }
 
 PortError NtripClient::Receive(std::span<char> out, std::size_t& count, int waitMs) {

@@ -1,6 +1,7 @@
-// The NTRIP client (version 1): fetches a caster's source table and opens one stream, so that
-// corrections flow from the Internet to the rover. It blocks in its receives; the progress object,
-// called once a receive, cancels it. Every failure goes to the last-error record and is returned.
+// The NTRIP client (version 1, and 2 where it is asked for): fetches a caster's source table and
+// opens one stream, so that corrections flow from the Internet to the rover. It blocks in its
+// receives; the progress object, called once a receive, cancels it. Every failure goes to the
+// last-error record and is returned.
 //
 // No password ever reaches an error argument, a status text or a log.
 #pragma once
@@ -25,6 +26,10 @@ bool IsMountpointName(std::string_view mountpoint);
 /// out of the mountpoint.
 std::string NtripRequest(std::string_view mountpoint, std::string_view user,
                          std::string_view password);
+
+/// The same as a request of version 2, to a caster that is known as `host` ("caster.example:443").
+std::string NtripRequest2(std::string_view host, std::string_view mountpoint, std::string_view user,
+                          std::string_view password);
 
 class NtripClient {
  public:
@@ -62,6 +67,8 @@ class NtripClient {
 
   /// How long a receive waits; the first one after a request twice as long.
   std::uint32_t timeoutMs = 2000;
+  /// Of the requests; ConnectMountpoint and LoadBases take it from the caster's login.
+  NtripVersion version = NtripVersion::One;
 
  private:
   PortError Fail(PortError error);
@@ -78,14 +85,22 @@ class NtripClient {
   PortError Refusal() const;
   PortError RefusalWhenClosed(PortError error) const;
   PortError Refused(PortError refusal);
+  bool MayKnowOneAlone(PortError error) const;
+  PortError OpenAs(NtripVersion asked, const CasterLogin& caster, const std::string& mountpoint,
+                   NtripProgress& progress);
   PortError FetchAs(std::string_view user, std::string_view password, const std::string& fileName,
                     NtripProgress& progress);
+  PortError FetchTableAs(NtripVersion asked, const CasterLogin& caster, const std::string& fileName,
+                         NtripProgress& progress);
   PortError FetchTable(const CasterLogin& caster, const std::string& fileName,
                        NtripProgress& progress);
   PortError OpenAt(const CasterLogin& caster, const std::string& mountpoint,
                    NtripProgress& progress);
   NtripConnection* connection_;
   std::string name_;
+  std::string host_;               // as it was connected to, with its port
+  bool knowsOneAlone_ = false;     // the caster, as it turned out
+  bool closedUnanswered_ = false;  // the last request
   NtripSurroundings surroundings_;
   PortError cause_ = PortError::None;
   std::string causeDetail_;

@@ -1,8 +1,8 @@
 #include "gnss/ntrip/records.h"
 
+#include <algorithm>
 #include <cmath>
 
-#include "core/text/field_cursor.h"
 #include "core/text/number_text.h"
 #include "core/text/text.h"
 #include "gnss/nmea/nmea_number.h"
@@ -13,12 +13,21 @@ namespace {
 constexpr int kDegreeDecimals = 2;
 constexpr int kOtherFormat = 47;
 
-// Takes fields between semicolons; behind the last one every field is empty.
+// Takes fields between semicolons; behind the last one every field is empty. A caster may put a
+// field between quotes, which are no part of it; semicolons between them end nothing. A quote that
+// is not closed at the end of a field is a character like any other.
 class RecordFields {
  public:
-  explicit RecordFields(std::string_view line) : fields_(line, ';') {}
+  explicit RecordFields(std::string_view line) : rest_(line) {}
 
-  std::string_view Next() { return fields_.Next(); }
+  std::string_view Next() {
+    std::size_t end = QuotedEnd();
+    const bool quoted = end != std::string_view::npos;
+    if (!quoted) end = std::min(rest_.find(';'), rest_.size());
+    const std::string_view field = quoted ? rest_.substr(1, end - 2) : rest_.substr(0, end);
+    rest_.remove_prefix(std::min(end + 1, rest_.size()));
+    return field;
+  }
   template <std::size_t N>
   void Take(FixedText<N>& text) {
     text.Assign(Next());
@@ -32,7 +41,17 @@ class RecordFields {
   void Take(bool& value) { value = LeadingInteger(Next()) == 1; }
 
  private:
-  FieldCursor fields_;
+  // Behind the closing quote of the next field; npos when it is not a quoted one.
+  std::size_t QuotedEnd() const {
+    if (!rest_.starts_with('"')) return std::string_view::npos;
+    for (std::size_t at = rest_.find('"', 1); at != std::string_view::npos;
+         at = rest_.find('"', at + 1)) {
+      if (at + 1 == rest_.size() || rest_[at + 1] == ';') return at + 1;
+    }
+    return std::string_view::npos;
+  }
+
+  std::string_view rest_;
 };
 
 // Puts fields with semicolons between them, and the line end.

@@ -35,6 +35,10 @@ TEST(NtripRequest, IsOneTextWithItsLogin) {
             "Connection: close\r\n\r\n")
       << "no user, no login";
   EXPECT_THAT(NtripRequest("A\r\nEvil: 1", "", ""), HasSubstr("GET /AEvil:1 HTTP"));
+  EXPECT_EQ(NtripRequest2("caster.example:443", "MNT", "user", "pass"),
+            "GET /MNT HTTP/1.1\r\nHost: caster.example:443\r\nNtrip-Version: Ntrip/2.0\r\n"
+            "User-Agent: NTRIP Morwend\r\nAuthorization: Basic dXNlcjpwYXNz\r\nAccept: */*\r\n"
+            "Connection: close\r\n\r\n");
 }
 
 class CountingProgress final : public NtripProgress {
@@ -399,6 +403,64 @@ TEST_F(Client, ConnectsAMountpoint) {
   NtripClient lost(nullptr, "none", {.clock = clock, .files = files, .errors = errors});
   EXPECT_EQ(lost.Connect("h", "1", progress), PortError::NothingGiven);
   EXPECT_EQ(lost.OpenStream("m", "", "", progress), PortError::NothingGiven);
+}
+
+// Whoever does not understand version 2 is asked as of version 1, and from then on so at once; a
+// refusal of the user or the mountpoint is one in both.
+TEST_F(Client, FallsBackToVersionOne) {
+  const CasterLogin login{
+      .host = FixedText<128>("h"), .port = "2101", .user = "u", .version = NtripVersion::Two};
+  using Steps = std::deque<std::variant<std::string, PortError>>;
+  const Steps misunderstood[] = {{PortError::ReadFailed},
+                                 {"HTTP/1.1 400 Bad Request\r\n\r\n"},
+                                 {"HTTP/1.0 505 x\r\n\r\n"},
+                                 {"ERROR - what?\r\n", PortError::ReadFailed}};
+  for (const Steps& answer : misunderstood) {
+    NtripClient fresh(&caster, "test", {.clock = clock, .files = files, .errors = errors});
+    caster.sent.clear();
+    caster.steps = answer;
+    caster.steps.emplace_back("ICY 200 OK\r\n");
+    EXPECT_EQ(fresh.ConnectMountpoint(login, "MNT", progress), PortError::None);
+    EXPECT_THAT(caster.sent, testing::StartsWith("GET /MNT HTTP/1.1\r\nHost: h:2101\r\n"));
+    EXPECT_THAT(caster.sent, HasSubstr("GET /MNT HTTP/1.0\r\n"));
+    caster.sent.clear();
+    caster.steps = {"ICY 200 OK\r\n"};
+    EXPECT_EQ(fresh.ConnectMountpoint(login, "MNT", progress), PortError::None);
+    EXPECT_THAT(caster.sent, testing::StartsWith("GET /MNT HTTP/1.0\r\n"));
+  }
+  const std::pair<Steps, PortError> understood[] = {
+      {{PortError::FewerBytesRead}, PortError::FirstReceiveFailed},
+      {{"HTTP/1.1 401 Unauthorized\r\n\r\n"}, PortError::NotAuthorized},
+      {{"HTTP/1.1 404 Not Found\r\n\r\n"}, PortError::MountpointUnknown},
+      {{"HTTP/1.1 503 busy\r\n\r\n"}, PortError::CasterRefused}};
+  for (const auto& [answer, cause] : understood) {
+    caster.sent.clear();
+    caster.steps = answer;
+    EXPECT_EQ(client.ConnectMountpoint(login, "MNT", progress), PortError::MountpointNotConnected);
+    EXPECT_EQ(client.cause(), cause);
+    EXPECT_EQ(caster.sent.find("HTTP/1.0"), std::string::npos);
+  }
+}
+
+TEST(Records, HaveFieldsBetweenQuotes) {
+  LastErrorRecord errors;
+  StreamRecord stream;
+  ASSERT_EQ(
+      ParseStreamRecord("STR;M;\"Here; there\";RTCM 3.1;\"1004(1);1005\";2;\"G\"PS\";\"\";CHE;"
+                        "47.2;9.6;1",
+                        RecordOrigin::Caster, stream, errors),
+      PortError::None);
+  EXPECT_EQ(stream.identifier.view(), "Here; there");
+  EXPECT_EQ(stream.formatDetails.view(), "1004(1);1005");
+  EXPECT_EQ(stream.navSystem.view(), "G\"PS");
+  EXPECT_EQ(stream.network.view(), "");
+  EXPECT_EQ(stream.country.view(), "CHE");
+  EXPECT_TRUE(stream.nmea);
+  ASSERT_EQ(
+      ParseStreamRecord("STR;M;\"open;RTCM 3.1;d;2;GPS\"x;n", RecordOrigin::Caster, stream, errors),
+      PortError::None);
+  EXPECT_EQ(stream.identifier.view(), "\"open");
+  EXPECT_EQ(stream.navSystem.view(), "GPS\"x");
 }
 
 TEST(Records, AreReadAndWritten) {
