@@ -22,7 +22,7 @@ install(CODE [[
   file(GLOB_RECURSE headers "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/include/tarvex/*.h")
   foreach(header IN LISTS headers)
     file(READ "${header}" text)
-    string(REGEX REPLACE "#include \"(platform|core|coordsys|gnss|roads|exchange)/" "#include \"tarvex/\\1/" text
+    string(REGEX REPLACE "#include \"(platform|core|tls|coordsys|gnss|roads|exchange)/" "#include \"tarvex/\\1/" text
                          "${text}")
     file(WRITE "${header}" "${text}")
   endforeach()

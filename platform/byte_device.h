@@ -13,11 +13,12 @@
 namespace tarvex {
 
 /// What a device operation came to: 0, the end of a recording, a connection that the far end
-/// closed, an unknown host, or the system's error number.
+/// closed, an unknown host, a far end that is not what it should be, or the system's error number.
 struct [[nodiscard]] DeviceStatus {
   static constexpr int kEndOfData = -1;
   static constexpr int kUnknownHost = -2;
   static constexpr int kHungUp = -3;
+  static constexpr int kRefused = -4;  ///< by the device itself, which can Explain it
 
   int code = 0;
 
@@ -73,6 +74,8 @@ class ByteDevice {
   virtual DeviceStatus Open(const std::string& name) = 0;
   virtual DeviceStatus Close() = 0;
   virtual bool isOpen() const = 0;
+  /// The text of a status, with what the device knows beside the number.
+  virtual std::string Explain(const DeviceStatus& status) const { return status.Text(); }
   /// Its data waits for the reader: nothing of it grows old.
   virtual bool isRecording() const { return false; }
 

@@ -27,12 +27,13 @@ ROOMS = {
     "core": ("platform",),
     "coordsys": ("core", "platform"),
     "gnss": ("coordsys", "core", "platform"),
+    "tls": ("core", "platform"),
     "roads": ("core", "platform"),
     "exchange": ("roads", "core", "platform"),
-    "modules": ("coordsys", "core", "platform"),
-    "app/workflow": ("exchange", "roads", "gnss", "coordsys", "core", "platform"),
-    "app/cli": ("app/workflow", "exchange", "roads", "gnss", "coordsys", "core", "platform"),
-    "app": ("app/cli", "app/workflow", "exchange", "roads", "gnss", "coordsys", "core", "platform"),
+    "modules": ("tls", "coordsys", "core", "platform"),
+    "app/workflow": ("exchange", "roads", "gnss", "tls", "coordsys", "core", "platform"),
+    "app/cli": ("app/workflow", "exchange", "roads", "gnss", "tls", "coordsys", "core", "platform"),
+    "app": ("app/cli", "app/workflow", "exchange", "roads", "gnss", "tls", "coordsys", "core", "platform"),
 }
 CONTROL = {"if", "for", "while", "switch", "catch", "do", "else", "return"}
 

@@ -3,8 +3,8 @@
 # Prints nothing when nothing is missing.
 set -eu
 
-run="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libpugixml-dev"
-test="libgtest-dev libgmock-dev locales socat rtklib python3"
+run="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libpugixml-dev libssl-dev"
+test="libgtest-dev libgmock-dev locales socat rtklib openssl python3"
 ci="clang-format-19 clang-tidy"
 bench="libbenchmark-dev libsqlite3-dev libproj-dev proj-bin libgeos-dev rtklib"
 fuzz="clang libclang-rt-14-dev"

@@ -12,31 +12,42 @@ namespace tarvex {
 namespace {
 
 constexpr std::string_view kScheme = "ntrip://";
+constexpr std::string_view kTlsScheme = "ntrips://";
+constexpr const char* kTlsPort = "443";
 constexpr const char* kPasswordVariable = "TARVEX_NTRIP_PASSWORD";
 constexpr const char* kForm =
-    "The corrections are not understood: give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
+    "The corrections are not understood: give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, or "
+    "ntrips:// for an encrypted caster.";
 constexpr const char* kCasterForm =
-    "The caster is not understood: give [USER@]HOST[:PORT], as in caster.example:2101.";
+    "The caster is not understood: give [USER@]HOST[:PORT], as in caster.example:2101, with "
+    "ntrips:// in front for an encrypted one.";
 constexpr const char* kBadMountpoint =
     "A mountpoint has no blank and no control character: take its name as the caster lists it.";
-constexpr const char* kNoTls =
-    "Encrypted casters (TLS) are not supported: ask for the caster's plain port, often 2101, and "
-    "give ntrip://[USER@]HOST[:PORT]/MOUNTPOINT.";
+constexpr const char* kNotEncrypted =
+    "--ca is for encrypted casters: give ntrips:// instead of ntrip://, or leave --ca out.";
 constexpr const char* kNoPasswordHere =
     "A password does not belong in an argument, where every user of this machine can read it: "
     "give --password-file FILE, set TARVEX_NTRIP_PASSWORD, or type it when asked.";
 
-bool IsEncrypted(std::string_view text) {
-  const std::string_view scheme = text.substr(0, std::min(text.find("://"), text.size()));
-  return EqualsIgnoringCase(scheme, "ntrips") || EqualsIgnoringCase(scheme, "https");
+// Takes "ntrip://" or "ntrips://" off the front, in whatever letter case. False when neither is
+// there.
+bool TakeScheme(std::string_view& text, bool& encrypted) {
+  for (const std::string_view scheme : {kScheme, kTlsScheme}) {
+    if (!EqualsIgnoringCase(text.substr(0, scheme.size()), scheme)) continue;
+    text.remove_prefix(scheme.size());
+    encrypted = scheme == kTlsScheme;
+    return true;
+  }
+  return false;
 }
 
 // False, with a sentence in `problem`.
 bool ParseAddress(std::string_view text, CorrectionPlan& plan, std::string& problem) {
-  problem = IsEncrypted(text) ? kNoTls : kForm;
-  if (!text.starts_with(kScheme)) return false;
-  text.remove_prefix(kScheme.size());
-  const std::size_t slash = text.find('/', std::min(text.size(), text.rfind('@') + 1));
+  problem = kForm;
+  std::string_view rest = text;
+  if (bool encrypted = false; !TakeScheme(rest, encrypted)) return false;
+  const std::size_t schemeSize = text.size() - rest.size();
+  const std::size_t slash = text.find('/', std::max(schemeSize, text.rfind('@') + 1));
   if (slash == std::string_view::npos || slash + 1 == text.size()) return false;
   plan.mountpoint = text.substr(slash + 1);
   if (!IsMountpointName(plan.mountpoint)) {
@@ -76,6 +87,7 @@ GgaUpload UploadOf(const CorrectionChoice& choice, const ReceiverSettings& setti
 
 bool ParseCaster(std::string_view text, CasterLogin& caster, std::string& problem) {
   problem = kCasterForm;
+  if (TakeScheme(text, caster.encrypted) && caster.encrypted) caster.port = kTlsPort;
   if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
     caster.user = text.substr(0, at);
     text.remove_prefix(at + 1);
@@ -118,13 +130,42 @@ Option AddPasswordOption(Command& command, std::string& passwordFile) {
                      "File with the password that its owner alone can read (mode 0600)");
 }
 
+Option AddAuthorityOption(Command& command, std::string& authorityFile) {
+  return command.Add("--ca", authorityFile,
+                     "File (PEM) with the authority that signed the certificate of a caster\n"
+                     "that is reached by ntrips://; no other is trusted then");
+}
+
+Option AddVersionOption(Command& command, int& ntripVersion) {
+  return command
+      .Add("--ntrip-version", ntripVersion,
+           "Version of the requests: 1, or 2 and 1 where the caster does not know it\n"
+           "(default: 2 by ntrips://, else 1)")
+      .Between(1, 2);
+}
+
+bool SettleCaster(const std::string& authorityFile, int ntripVersion, CasterLogin& caster,
+                  std::string& problem) {
+  if (!authorityFile.empty() && !caster.encrypted) {
+    problem = kNotEncrypted;
+    return false;
+  }
+  caster.authorityFile = authorityFile;
+  const bool two = ntripVersion == 0 ? caster.encrypted : ntripVersion == 2;
+  caster.version = two ? NtripVersion::Two : NtripVersion::One;
+  return true;
+}
+
 void AddCorrectionOptions(Command& command, CorrectionChoice& choice) {
   constexpr const char* kGroup = "Corrections";
   command
       .Add("--corrections", choice.address,
-           "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; the password is\n"
-           "asked for, or taken from TARVEX_NTRIP_PASSWORD")
+           "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; ntrips:// for an\n"
+           "encrypted caster. The password is asked for, or taken from\n"
+           "TARVEX_NTRIP_PASSWORD")
       .InGroup(kGroup);
+  AddAuthorityOption(command, choice.authorityFile).InGroup(kGroup);
+  AddVersionOption(command, choice.ntripVersion).InGroup(kGroup);
   AddPasswordOption(command, choice.passwordFile).InGroup(kGroup);
   command
       .Add("--send-gga", choice.sendGga,
@@ -145,6 +186,7 @@ ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSetting
   CorrectionPlan settled;
   std::string problem;
   if (!ParseAddress(choice.address, settled, problem) ||
+      !SettleCaster(choice.authorityFile, choice.ntripVersion, settled.caster, problem) ||
       !FindPassword(choice.passwordFile, settled.caster, problem)) {
     return program.Misuse(problem);
   }

@@ -14,13 +14,15 @@ namespace tarvex {
 
 /// As entered.
 struct CorrectionChoice {
-  std::string address;  ///< "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT"; empty: no corrections
+  std::string address;  ///< "ntrip[s]://[USER@]HOST[:PORT]/MOUNTPOINT"; empty: no corrections
+  std::string authorityFile;
+  int ntripVersion = 0;  ///< 0: 2 by TLS, else 1
   std::string passwordFile;
   std::string sendGga;  ///< "wanted", "always", "never"; empty: what the settings say
   int ggaIntervalS = 0;
 };
 
-/// Adds --corrections, --password-file, --send-gga and --gga-interval.
+/// Adds --corrections, --password-file, --ca, --ntrip-version, --send-gga and --gga-interval.
 void AddCorrectionOptions(Command& command, CorrectionChoice& choice);
 
 /// Nothing in `plan` when no corrections were asked for. Wrong use, after a message, when the
@@ -28,7 +30,8 @@ void AddCorrectionOptions(Command& command, CorrectionChoice& choice);
 ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSettings& settings,
                            Program& program, std::optional<CorrectionPlan>& plan);
 
-/// "[USER@]HOST[:PORT]", an IPv6 host in brackets; 2101 without a port. False with a sentence in
+/// "[ntrip[s]://][USER@]HOST[:PORT]", an IPv6 host in brackets; without a port 2101, of ntrips 443.
+/// False with a sentence in
 /// `problem`, which repeats nothing of a text that may hold a password.
 [[nodiscard]] bool ParseCaster(std::string_view text, CasterLogin& caster, std::string& problem);
 
@@ -39,5 +42,12 @@ ExitCode SettleCorrections(const CorrectionChoice& choice, const ReceiverSetting
                                 std::string& problem);
 
 Option AddPasswordOption(Command& command, std::string& passwordFile);
+Option AddAuthorityOption(Command& command, std::string& authorityFile);
+Option AddVersionOption(Command& command, int& ntripVersion);
+
+/// Whom to trust and how to ask. False with a sentence in `problem` when it does not fit the
+/// caster's address.
+[[nodiscard]] bool SettleCaster(const std::string& authorityFile, int ntripVersion,
+                                CasterLogin& caster, std::string& problem);
 
 }  // namespace tarvex

@@ -162,13 +162,30 @@ constexpr Entry kEntries[] = {
     {3333, "%s, mountpoint %s, sent no corrections: %s"},
     {3334, "The corrections from %s, mountpoint %s, broke off: %s"},
     {3335, "It has %s."},
+    // Casters that are reached by TLS
+    {3340, "this installation has no TLS (%s): install libssl3, or build it anew with libssl-dev"},
+    {3341, "the server at this port does not speak TLS (it says \"%s\"): ask for its TLS port"},
+    {3342, "it broke off the TLS handshake"},
+    {3343, "it does not answer the TLS handshake: it may be a plain port"},
+    {3344, "the file of authorities cannot be used (%s)"},
+    {3345, "its certificate is for %s, not for %s"},
+    {3346, "its certificate has expired (%s)"},
+    {3347, "its certificate is valid from %s on only: look at the date of this machine"},
+    {3348,
+     "its certificate (%s) is signed by itself, not by an authority: give the certificate as an "
+     "authority of your own if you know it to be right"},
+    {3349,
+     "its certificate is signed by %s, who is not known as an authority here: give the "
+     "authority's certificate if you know it to be right"},
+    {3350, "its certificate is not accepted (%s)"},
+    {3351, "the TLS connection failed (%s)"},
     {3367, "The bases of the caster could not be loaded."},
     {3368, "The connection to the mountpoint failed."},
     {3378, "The caster does not know the mountpoint."},
     {3395, "The list of streams of the caster cannot be read back from its file."},
     {3396,
-     "The caster speaks TLS (encrypted) at this port, which is not supported; ask for its "
-     "plain port."},
+     "The caster speaks TLS (encrypted) at this port: give ntrips:// in front of its name, or ask "
+     "for its plain port."},
     {3397, "The caster refused the request: it answered \"%s\"."},
     {3398, "The answer is a web page, not corrections; a network may want a login in a browser."},
     {3399, "The list of streams of the caster is too large."},

@@ -8,6 +8,8 @@
 namespace tarvex {
 namespace {
 
+constexpr std::string_view kEncrypted = "tls";
+
 bool IsSame(const CasterRecord& a, const CasterRecord& b) {
   return EqualsIgnoringCase(a.host.view(), b.host.view()) && a.port == b.port;
 }
@@ -30,6 +32,7 @@ CasterRecord RecordOf(const CasterLogin& caster, const CasterList& offered) {
     record.port = reached.port;
   }
   record.ownText1.Assign(caster.user);
+  record.ownText2.Assign(caster.encrypted ? kEncrypted : "");
   return record;
 }
 
@@ -61,7 +64,8 @@ std::vector<StreamRecord> StreamsOf(const CasterList& known, const CasterRecord&
 CasterLogin LoginOf(const CasterRecord& caster) {
   return {.host = FixedText<128>(caster.host.view()),
           .port = caster.port.str(),
-          .user = caster.ownText1.str()};
+          .user = caster.ownText1.str(),
+          .encrypted = caster.ownText2.view() == kEncrypted};
 }
 
 }  // namespace tarvex

@@ -14,8 +14,8 @@ constexpr int kConnectingProgress = 5;
 
 class TcpNtripConnection final : public NtripConnection {
  public:
-  TcpNtripConnection(LastErrorRecord& errors, StopAsked stop)
-      : errors_(errors), stop_(std::move(stop)) {}
+  TcpNtripConnection(LastErrorRecord& errors, StopAsked stop, CasterDeviceMaker makeDevice)
+      : errors_(errors), stop_(std::move(stop)), makeDevice_(std::move(makeDevice)) {}
 
   bool Supports(NtripOperation operation) override { return operation == NtripOperation::OpenTcp; }
 
@@ -25,7 +25,7 @@ class TcpNtripConnection final : public NtripConnection {
     const bool bareIpv6 = target.host.find(':') != std::string::npos;
     port_ = std::make_unique<Port>(
         (bareIpv6 ? "[" + target.host + "]" : target.host) + ":" + target.port,
-        MakeTcpDevice(kConnectTimeoutMs, [this] { return StopAskedFor(); }), portErrors_);
+        makeDevice_(kConnectTimeoutMs, [this] { return StopAskedFor(); }), portErrors_);
     stopped_ = false;
     progress_ = &progress;
     const PortError error = port_->Open();
@@ -79,6 +79,7 @@ class TcpNtripConnection final : public NtripConnection {
   LastErrorRecord& errors_;
   LastErrorRecord portErrors_;
   StopAsked stop_;
+  CasterDeviceMaker makeDevice_;
   NtripProgress* progress_ = nullptr;  // while connecting
   bool stopped_ = false;
   std::unique_ptr<Port> port_;
@@ -86,8 +87,10 @@ class TcpNtripConnection final : public NtripConnection {
 
 }  // namespace
 
-std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors, StopAsked stop) {
-  return std::make_unique<TcpNtripConnection>(errors, std::move(stop));
+std::unique_ptr<NtripConnection> MakeTcpNtripConnection(LastErrorRecord& errors, StopAsked stop,
+                                                        CasterDeviceMaker makeDevice) {
+  if (!makeDevice) makeDevice = MakeTcpDevice;
+  return std::make_unique<TcpNtripConnection>(errors, std::move(stop), std::move(makeDevice));
 }
 
 }  // namespace tarvex

@@ -34,7 +34,7 @@ PortError Port::Open() {
   readTotalTimeout_ = kKeepTimeouts;
   end_ = PortEnd::None;
   if (const DeviceStatus status = device_->Open(name_); !status.ok()) {
-    (void)Report(errors_, PortError::System, {status.Text()});
+    (void)Report(errors_, PortError::System, {device_->Explain(status)});
     return Report(errors_, PortError::OpenFailed, {name_});
   }
   PortError error = ConfigureOpened();

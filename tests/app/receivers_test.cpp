@@ -16,7 +16,9 @@
 
 #include "tests/app/json_reading.h"
 #include "tests/app/program_run.h"
+#include "tests/support/certificates.h"
 #include "tests/support/loopback_listener.h"
+#include "tests/support/peer.h"
 
 namespace tarvex {
 namespace {
@@ -113,7 +115,8 @@ TEST(Watch, SaysWhatIsWrong) {
       {"watch serial:/dev/x --corrections ntrip://a", 2, "MOUNTPOINT"},
       {"watch serial:/dev/x --corrections ntrip://u:secret@a/b", 2, "--password-file"},
       {"watch serial:/dev/x --corrections \"ntrip://a/M x\"", 2, "no blank"},
-      {"watch serial:/dev/x --corrections ntrips://a/b", 2, "TLS"}};
+      {"watch serial:/dev/x --corrections ntrips://a", 2, "MOUNTPOINT"},
+      {"watch serial:/dev/x --corrections ntrip://a/b --ca x", 2, "give ntrips://"}};
   for (const auto& c : cases) {
     const ProgramResult result = folder.Run(c.line);
     EXPECT_EQ(result.exitCode, c.exitCode) << c.line;
@@ -276,6 +279,42 @@ class AnsweringCaster {
   SilentCaster caster_;
   std::jthread answering_;
 };
+
+// The caster of our own behind Debian's socat; its certificate is right, and then not trusted.
+TEST(Bases, ComeByTls) {
+  Certificates certificates;
+  if (!Installed("socat") || !Installed("openssl")) GTEST_SKIP() << "socat or openssl is missing";
+  ASSERT_TRUE(certificates.MakeSelfSigned("self", "Somebody"));
+  Running caster(ServeCapture("--mountpoint TEST"));
+  const std::string plain = caster.Said("127.0.0.1:([0-9]+)/TEST");
+  int port = 0;
+  {
+    const LoopbackListener free;
+    port = std::stoi(free.target().substr(free.target().find(':') + 1));
+  }
+  const Peer front({"socat",
+                    "OPENSSL-LISTEN:" + std::to_string(port) +
+                        ",bind=127.0.0.1,reuseaddr,fork,verify=0,cert=" +
+                        certificates.Path("self.pem") + ",key=" + certificates.Path("self.key"),
+                    "TCP:127.0.0.1:" + plain});
+  const std::string address = "bases ntrips://localhost:" + std::to_string(port);
+  ProgramFolder folder;
+  ProgramResult listed;
+  EXPECT_TRUE(Eventually([&] {
+    listed = folder.Run(address + " --ca " + certificates.Path("self.pem"));
+    return listed.exitCode == 0;
+  })) << listed.errors;
+  EXPECT_NE(listed.output.find("TEST"), std::string::npos);
+  const ProgramResult refused = folder.Run(address);
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_NE(refused.errors.find("(Somebody) is signed by itself"), std::string::npos)
+      << refused.errors;
+
+  // A program without its module says so, and asks nobody in the clear.
+  std::filesystem::copy_file(TARVEX_PROGRAM, folder.Path("tarvex"));
+  folder.UseProgram(folder.Path("tarvex"));
+  EXPECT_NE(folder.Run(address).errors.find("this installation has no TLS"), std::string::npos);
+}
 
 TEST(Bases, ShowNothingThatATerminalObeys) {
   const AnsweringCaster caster(

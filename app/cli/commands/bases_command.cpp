@@ -4,13 +4,13 @@
 #include "app/cli/command_line.h"
 #include "app/cli/correction_choice.h"
 #include "app/cli/json_text.h"
+#include "app/workflow/caster_connection.h"
 #include "app/workflow/data_folder.h"
 #include "core/text/number_text.h"
 #include "core/text/printable.h"
 #include "core/text/text.h"
 #include "gnss/ntrip/client.h"
 #include "gnss/ntrip/known_casters.h"
-#include "gnss/ntrip/tcp_connection.h"
 #include "platform/private_folder.h"
 
 namespace tarvex {
@@ -19,6 +19,8 @@ namespace {
 struct BasesOptions {
   std::string caster;
   std::string passwordFile;
+  std::string authorityFile;
+  int ntripVersion = 0;
   std::string near;
   bool save = false;
   bool known = false;
@@ -107,7 +109,7 @@ std::string StreamLine(const StreamRecord& stream, const std::optional<Place>& p
 
 ExitCode FetchBases(const CasterLogin& caster, Program& program, CasterList& list) {
   LastErrorRecord errors(SystemLastError());
-  const auto connection = MakeTcpNtripConnection(errors, InterruptRequested);
+  const auto connection = MakeCasterConnection(caster, errors, InterruptRequested);
   const PrivateFolder folder;
   NtripClient client(connection.get(), "bases",
                      {.clock = program.clock,
@@ -191,10 +193,13 @@ ExitCode ShowKnown(const BasesOptions& options, const CasterLogin& asked,
     if (place) SortByDistance(streams, *place);
     list.Add({{"caster", CasterName(login)},
               {"user", login.user},
+              {"encrypted", login.encrypted},
               {"bases", StreamsJson(streams, place)}});
     if (options.json) continue;
-    program.console.Print(
-        PrintableLine((login.user.empty() ? "" : login.user + "@") + CasterName(login)) + "\n");
+    program.console.Print(PrintableLine(std::string(login.encrypted ? "ntrips://" : "") +
+                                        (login.user.empty() ? "" : login.user + "@") +
+                                        CasterName(login)) +
+                          "\n");
     PrintStreams(streams, place, program);
   }
   if (options.json) {
@@ -239,7 +244,10 @@ ExitCode RunBases(const BasesOptions& options, Program& program) {
                           "\" is not a position: give LATITUDE,LONGITUDE in decimal degrees.");
   }
   if (options.known) return ShowKnown(options, caster, place, program);
-  if (!FindPassword(options.passwordFile, caster, problem)) return program.Misuse(problem);
+  if (!SettleCaster(options.authorityFile, options.ntripVersion, caster, problem) ||
+      !FindPassword(options.passwordFile, caster, problem)) {
+    return program.Misuse(problem);
+  }
   return ShowOffered(options, caster, place, program);
 }
 
@@ -248,8 +256,12 @@ ExitCode RunBases(const BasesOptions& options, Program& program) {
 void DeclareBasesCommand(Command& command) {
   BasesOptions& options = command.Runs(RunBases);
   command.Footer("Example: tarvex bases caster.example:2101 --near 46.81,9.27");
-  command.Add("CASTER", options.caster, "[USER@]HOST[:PORT]: the caster (port 2101 by default)");
+  command.Add("CASTER", options.caster,
+              "[USER@]HOST[:PORT]: the caster (port 2101 by default); ntrips:// in front for an\n"
+              "encrypted one (port 443 by default)");
   AddPasswordOption(command, options.passwordFile);
+  AddAuthorityOption(command, options.authorityFile);
+  AddVersionOption(command, options.ntripVersion);
   command.Add("--near", options.near,
               "LATITUDE,LONGITUDE: the nearest bases first, with their distance");
   command.AddFlag("--save", options.save,
