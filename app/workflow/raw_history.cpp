@@ -54,6 +54,13 @@ bool IsWhole(std::string_view record) {
          (!form->described || record.find(",--") != std::string_view::npos);
 }
 
+// The point that a comment says is no longer there.
+std::optional<std::string_view> GonePointId(std::string_view comment) {
+  return comment.starts_with(kDeletedComment)
+             ? StoredPointId(comment.substr(kDeletedComment.size()))
+             : TakenBackPointId(comment);
+}
+
 class HistoryReader {
  public:
   explicit HistoryReader(bool alphanumeric) : alphanumeric_(alphanumeric) {}
@@ -87,13 +94,11 @@ class HistoryReader {
     if (RawCode(line) == kGridComment) {
       PointHistory& point = Point(*RawField(line, "PN"));
       if (point.last == PointHistory::Last::Position) TakeCoordinates(line, point);
-    } else if (line.starts_with(kDeletedComment)) {
-      if (const auto id = StoredPointId(line.substr(kDeletedComment.size()))) {
-        Point(*id) = {.last = PointHistory::Last::Deleted,
+    } else if (const auto gone = GonePointId(line)) {
+      Point(*gone) = {.last = PointHistory::Last::Deleted,
                       .line = line_,
                       .hasCoordinates = false,
                       .coordinates = {}};
-      }
     } else if (line.starts_with(kLayoutComment) && history_.layout.empty()) {
       history_.layout = line.substr(kLayoutComment.size());
     }

@@ -22,7 +22,7 @@ struct PointHistory {
     Typed,     ///< SP
     Position,  ///< GPS
     Shot,      ///< SS, TR
-    Deleted
+    Deleted    ///< or the store of it was taken back
   };
   Last last = Last::Typed;
   std::size_t line = 0;

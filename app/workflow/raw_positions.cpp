@@ -1,5 +1,8 @@
 #include "app/workflow/raw_positions.h"
 
+#include <utility>
+#include <vector>
+
 #include "core/raw_data/raw_fields.h"
 #include "core/raw_data/raw_file.h"
 #include "core/text/number_text.h"
@@ -15,14 +18,16 @@ double Angle(std::string_view packed) {
   return PackedToDegrees(LeadingDouble(packed)) * kRadiansPerDegree;
 }
 
-// Hands every point with a position to `visit`: its id as the record has it, and the position.
-template <typename Visit>
-void ForEachPosition(std::string_view rawFile, DistanceUnit unit, Visit visit) {
+// Hands every point with a position to `visit`: its id as the record has it, and the position. The
+// ids of stores that were taken back go to `takeBack`.
+template <typename Visit, typename TakeBack>
+void ForEachPosition(std::string_view rawFile, DistanceUnit unit, Visit visit, TakeBack takeBack) {
   double rodM = 0.0;
   while (const auto line = TakeLine(rawFile)) {
     if (line->starts_with("LS,")) {
       if (const auto rod = RawField(*line, "HR")) rodM = ToMetres(LeadingDouble(*rod), unit);
     }
+    if (const auto id = TakenBackPointId(*line)) takeBack(*id);
     if (!line->starts_with("GPS,")) continue;
     const auto id = RawField(*line, "PN");
     const auto latitude = RawField(*line, "LA");
@@ -44,20 +49,38 @@ bool ReadRawFile(Job& job, std::string& bytes, std::string& problem) {
 
 std::optional<Geodetic> FindRawPosition(std::string_view rawFile, std::string_view pointId,
                                         DistanceUnit unit) {
-  std::optional<Geodetic> found;
-  ForEachPosition(rawFile, unit, [&](std::string_view id, const Geodetic& position) {
-    if (EqualsIgnoringCase(id, pointId)) found = position;
-  });
-  return found;
+  std::vector<Geodetic> found;
+  ForEachPosition(
+      rawFile, unit,
+      [&](std::string_view id, const Geodetic& position) {
+        if (EqualsIgnoringCase(id, pointId)) found.push_back(position);
+      },
+      [&](std::string_view id) {
+        if (EqualsIgnoringCase(id, pointId) && !found.empty()) found.pop_back();
+      });
+  return found.empty() ? std::nullopt : std::optional(found.back());
 }
 
 RawPositions AllRawPositions(std::string_view rawFile, DistanceUnit unit) {
   RawPositions positions;
-  ForEachPosition(rawFile, unit, [&](std::string_view id, const Geodetic& position) {
-    std::string key(id);
-    for (char& c : key) c = UpperCase(c);
-    positions.insert_or_assign(std::move(key), position);
-  });
+  std::unordered_map<std::string, std::vector<Geodetic>> earlier;
+  ForEachPosition(
+      rawFile, unit,
+      [&](std::string_view id, const Geodetic& position) {
+        const auto [at, isNew] = positions.try_emplace(UpperCase(id), position);
+        if (!isNew) earlier[at->first].push_back(std::exchange(at->second, position));
+      },
+      [&](std::string_view id) {
+        const auto at = positions.find(UpperCase(id));
+        if (at == positions.end()) return;
+        std::vector<Geodetic>& before = earlier[at->first];
+        if (before.empty()) {
+          positions.erase(at);
+          return;
+        }
+        at->second = before.back();
+        before.pop_back();
+      });
   return positions;
 }
 

@@ -16,7 +16,8 @@ namespace tarvex {
 /// The bytes of the job's raw file; false with a sentence in `problem`.
 [[nodiscard]] bool ReadRawFile(Job& job, std::string& bytes, std::string& problem);
 
-/// The position of the last GPS record of a point. Nothing when there is no such record.
+/// The position of the last GPS record of a point that was not taken back. Nothing when there is no
+/// such record.
 std::optional<Geodetic> FindRawPosition(std::string_view rawFile, std::string_view pointId,
                                         DistanceUnit unit);
 

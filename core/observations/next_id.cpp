@@ -1,5 +1,7 @@
 #include "core/observations/next_id.h"
 
+#include <map>
+
 #include "core/raw_data/raw_fields.h"
 #include "core/raw_data/raw_file.h"
 #include "platform/file_bytes.h"
@@ -17,12 +19,19 @@ std::string_view TakeLastLine(std::string_view& text) {
 
 std::optional<std::string> LastUsed(std::string_view rawFile) {
   std::optional<std::string> stored;
+  std::map<std::string_view, int> takenBack;  // stores that are still to come, going backwards
   while (!rawFile.empty()) {
     const std::string_view line = TakeLastLine(rawFile);
+    if (const auto id = TakenBackPointId(line)) ++takenBack[*id];
     if (stored && !IsMeasured(line)) continue;
     const auto id = StoredPointId(line);
     if (!id || id->empty()) continue;
-    if (IsMeasured(line)) return std::string(*id);
+    if (IsMeasured(line)) {
+      const auto back = takenBack.find(*id);
+      if (back == takenBack.end()) return std::string(*id);
+      if (--back->second == 0) takenBack.erase(back);
+      continue;
+    }
     stored = std::string(*id);
   }
   return stored;

@@ -24,4 +24,9 @@ std::optional<std::string_view> StoredPointId(std::string_view record) {
   return code == "SS" || code == "TR" ? RawField(record, "FP") : std::nullopt;
 }
 
+std::optional<std::string_view> TakenBackPointId(std::string_view record) {
+  constexpr std::string_view kStart = "--Taken back point:";
+  return record.starts_with(kStart) ? StoredPointId(record.substr(kStart.size())) : std::nullopt;
+}
+
 }  // namespace tarvex

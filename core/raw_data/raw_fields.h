@@ -18,6 +18,9 @@ std::optional<std::string_view> RawField(std::string_view record, std::string_vi
 /// The point that a record stores: PN of SP and GPS, FP of SS and TR; nothing for other records.
 std::optional<std::string_view> StoredPointId(std::string_view record);
 
+/// The point of the comment that takes the last store of it back; nothing for other records.
+std::optional<std::string_view> TakenBackPointId(std::string_view record);
+
 /// True for the codes of records that were measured (GPS, SS, TR).
 bool IsMeasured(std::string_view record);
 

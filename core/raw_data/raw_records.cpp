@@ -92,6 +92,11 @@ std::string DeletedPointRecord(const Point& point) {
                        StoredPointRecord(point, point.description.view()).substr(1));
 }
 
+std::string TakenBackPointRecord(const Point& point) {
+  return CommentRecord("Taken back point:" +
+                       StoredPointRecord(point, point.description.view()).substr(1));
+}
+
 std::string GnssRecord(const GnssRecordFields& fields) {
   return RecordText("GPS")
       .Text("PN", fields.pointId)

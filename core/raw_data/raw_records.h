@@ -40,9 +40,11 @@ std::string BacksightRecord(const Job& job, const Backsight& backsight);
 /// The description is free text of any length here; the coordinate file keeps 31 bytes of it.
 std::string StoredPointRecord(const Point& point, std::string_view description);
 
-/// The comments that keep what a point was before it was replaced or deleted.
+/// The comments that keep what a point was before it was replaced or deleted, or before the store
+/// of it was taken back.
 std::string ReplacedPointRecord(const Point& point);
 std::string DeletedPointRecord(const Point& point);
+std::string TakenBackPointRecord(const Point& point);
 
 struct GnssRecordFields {
   std::string pointId;

@@ -286,6 +286,13 @@ TEST(NextId, IsTheOneBehindTheLastThatWasMeasured) {
       {{"101", "102", "103"}, "\nGPS,PN101,LA1,LN2,EL3,--", "104"},  // 102, 103 are there already
       {{"9", "TOOLONGNA"}, "\nSS,OP1,FP9,AR1,ZE90,SD1,--,FP77\n--GPS,PN5,LA1", "10"},
       {{"A"}, "\nGPS,PN7,LA1,LN2,EL3,--\n--Deleted point:SP,PN7,N 1,E 2,EL3,--", "8"},
+      {{"A"},
+       "\nGPS,PN7,LA1,LN2,EL3,--\nGPS,PN8,LA1,LN2,EL3,--\n--Taken back point:SP,PN8,N 1,E 2,EL3,--",
+       "8"},
+      {{"7"},  // 7 was measured, replaced, taken back and so is measured again
+       "\nGPS,PN7,LA1,LN2,EL3,--\nGPS,PN7,LA1,LN2,EL3,--\n--Taken back point:SP,PN7,N 1,E 2,EL3,--"
+       "\nGPS,PN9,LA1,LN2,EL3,--\n--Taken back point:SP,PN9,N 1,E 2,EL3,--",
+       "8"},
   };
   for (const Case& c : cases) {
     TestHost host;
