@@ -63,6 +63,16 @@ void CollectView::Show(const PointStored& stored) {
   program_.console.Print(line + "\n");
 }
 
+void CollectView::Show(const PointTakenBack& back) {
+  const std::string id = back.point.id.str();
+  program_.console.PrintError(back.restored ? "Point " + id + " is again what it was before.\n"
+                                            : "Point " + id + " is taken back.\n");
+}
+
+void CollectView::Show(const CommandAnswered& answer) {
+  if (!answer.done) program_.console.PrintError(answer.sentence + "\n");
+}
+
 void CollectView::Show(const LimitRefuses& limit) {
   if (limit.refusal) TellOnce("Not stored: " + RefusalSentence(*limit.refusal));
 }

@@ -25,6 +25,8 @@ class CollectView final : public SessionListener {
  private:
   void Show(const PositionSeen& seen);
   void Show(const PointStored& stored);
+  void Show(const PointTakenBack& back);
+  void Show(const CommandAnswered& answer);
   void Show(const LimitRefuses& limit);
   void Show(const NoPosition& none);
   void Show(const EpochRepeated&);

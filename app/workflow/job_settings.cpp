@@ -19,7 +19,7 @@ namespace {
 constexpr auto kOwnKeys = std::to_array<std::string_view>(
     {"ids", "units", "azimuths", "scale_factor", "curvature_correction", "name", "system",
      "definition", "datum_shift", "localization", "localization_on", "localization_method",
-     "localization_scale", "localization_heights", "receiver_make", "antenna"});
+     "localization_scale", "localization_heights", "receiver_make", "antenna", "codes"});
 constexpr auto kGateKeys =
     std::to_array<std::string_view>({"gate_solution", "gate_hrms", "gate_vrms", "gate_pdop",
                                      "gate_satellites", "gate_age", "gate_stale"});

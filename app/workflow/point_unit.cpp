@@ -46,6 +46,10 @@ StoredPoint StorePointUnit(JobSession& session, const GridPoint& at, const std::
   unit->AppendRaw(session.RawOpening());
   if (exists && existing.id == stored.point.id) {
     stored.replaced = existing;
+    FileStatus status;
+    if (auto note = ReadPointNote(job, existing.id.view(), status)) {
+      stored.replacedQuality = std::move(note->qualityLines);
+    }
     unit->AppendRaw(ReplacedPointRecord(existing));
   }
   records(*unit, stored.point);

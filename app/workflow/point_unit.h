@@ -21,6 +21,7 @@ struct StoredPoint {
   StoringResult result = StoringResult::Failed;
   Point point = {};
   std::optional<Point> replaced = {};  ///< the point of this id that there was
+  std::string replacedQuality = {};    ///< the quality lines of its note
 };
 
 /// Adds to the unit what the raw file and the notes say of the stored point.

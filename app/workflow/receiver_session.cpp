@@ -1,5 +1,7 @@
 #include "app/workflow/receiver_session.h"
 
+#include <cmath>
+
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/position_checks.h"
 #include "app/workflow/setup_comments.h"
@@ -13,13 +15,8 @@ namespace {
 
 // The longest that a command waits for the session while it waits for a receiver that is lost.
 constexpr std::int64_t kSliceMs = 100;
-
-template <typename... Takers>
-struct Take : Takers... {
-  using Takers::operator()...;
-};
-template <typename... Takers>
-Take(Takers...) -> Take<Takers...>;
+// So many stores of a session can be taken back.
+constexpr std::size_t kMostTakenBack = 1000;
 
 }  // namespace
 
@@ -48,6 +45,7 @@ SessionEnd ReceiverSession::Run() {
   for (const std::string& warning : SystemWarnings(calculator_)) WarnOnce(warning);
   StartCorrections();
   const SessionEnd end = ReadUntilDone();
+  TakeCommands();  // what was said before the end, as to take a point back
   StopCorrections();
   Settle();
   return failed_ && end == SessionEnd::Complete ? SessionEnd::Failed : end;
@@ -127,21 +125,6 @@ SessionEnd ReceiverSession::ReadUntilDone() {
     if (OutOfPatience()) return SessionEnd::NoPosition;
   }
   return SessionEnd::Complete;
-}
-
-void ReceiverSession::TakeCommands() {
-  while (auto command = commands_.Take()) {
-    std::visit(
-        Take{[this](StoreNow) { storeWanted_ = true; },
-             [this](SetDescription& set) { plan_.description = set.description; },
-             [this](SetAntennaHeight set) { plan_.antennaHeight = set.height; },
-             [this](PauseStoring) { paused_ = true; }, [this](ResumeStoring) { paused_ = false; },
-             [this](RetryCorrections) {
-               if (corrections_) corrections_->Retry();
-             },
-             [](EndSession) {}},
-        *command);
-  }
 }
 
 void ReceiverSession::WatchCorrections() {
@@ -234,6 +217,7 @@ std::optional<GateRefusal> ReceiverSession::Refusal() {
   const std::optional<Limit> limit = refusal ? std::optional(refusal->limit) : std::nullopt;
   if (limit != refusedBy_) {
     refusedBy_ = limit;
+    refusedSinceMs_ = steadyMs();
     Tell(LimitRefuses{refusal});
   }
   return refusal;
@@ -296,6 +280,11 @@ void ReceiverSession::CheckPlace(const GridPoint& at) {
 bool ReceiverSession::TakeStored(const StoredPoint& stored, const std::string& wanted) {
   switch (stored.result) {
     case StoringResult::Exists:
+      point_ = {};
+      if (ChosenOneByOne()) {
+        Answer(false, "Point " + wanted + " exists; nothing was stored. Choose another id.");
+        return true;
+      }
       Tell(PointExists{wanted});
       return false;
     case StoringResult::NoFreeId:
@@ -309,10 +298,27 @@ bool ReceiverSession::TakeStored(const StoredPoint& stored, const std::string& w
   }
   ++stored_;
   base_.Recorded();
+  KeepForTakingBack(stored);
   Tell(PointStored{stored.point, point_.state, point_.mean, point_.overridden, stored.replaced});
   point_ = {};
   AdvanceCurrentPoint(job_);
   return stored.result == StoringResult::Stored;
+}
+
+void ReceiverSession::KeepForTakingBack(const StoredPoint& stored) {
+  if (ownStores_.size() == kMostTakenBack) ownStores_.pop_front();
+  std::string next = NextDescription();
+  ownStores_.push_back({stored, plan_.description, next});
+  plan_.description = std::move(next);
+}
+
+// A recording is read as fast as it goes, with nobody who walks.
+std::optional<double> ReceiverSession::DistanceFromLast() const {
+  if (ownStores_.empty() || plan_.receiver.isRecorded()) return std::nullopt;
+  const GridPosition here = Place();
+  if (!here.usable()) return std::nullopt;
+  const GridPoint& last = ownStores_.back().stored.point.at;
+  return std::hypot(here.at.northing - last.northing, here.at.easting - last.easting);
 }
 
 void ReceiverSession::TellPosition(const std::optional<GateRefusal>& refusal) {
@@ -322,6 +328,12 @@ void ReceiverSession::TellPosition(const std::optional<GateRefusal>& refusal) {
                     .epochs = plan_.average,
                     .stored = stored_,
                     .paused = paused_,
+                    .storeWanted = storeWanted_,
+                    .refusedForMs = refusal ? steadyMs() - refusedSinceMs_ : 0,
+                    .nextId = job_.ids.current,
+                    .description = plan_.description,
+                    .lastId = ownStores_.empty() ? "" : ownStores_.back().stored.point.id.str(),
+                    .fromLast = DistanceFromLast(),
                     .corrections = correctionStatus_});
 }
 

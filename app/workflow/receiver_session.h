@@ -6,6 +6,7 @@
 // thread between two readings.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <set>
@@ -68,6 +69,10 @@ class ReceiverSession {
   virtual bool MayEnd() const = 0;
   /// A new epoch, and the limit that it does not keep. False when the session has to end.
   virtual bool TakeEpoch(const std::optional<GateRefusal>& refusal) = 0;
+  /// A person chooses each point, and can choose another id when one exists.
+  virtual bool ChosenOneByOne() const { return false; }
+  /// With which description work goes on behind a point that is stored.
+  virtual std::string NextDescription() const { return plan_.description; }
 
   /// Takes the epoch into the point that is stored next; true when it is complete.
   bool PointComplete();
@@ -84,7 +89,10 @@ class ReceiverSession {
   bool paused() const { return paused_; }
   /// StoreNow was sent and nothing was stored since.
   bool storeWanted() const { return storeWanted_; }
+  /// A person gave the description.
+  bool descriptionTyped() const { return descriptionTyped_; }
   std::size_t epochsTaken() const { return average_.epochs(); }
+  std::int64_t steadyMs() const { return work_.clock.SteadyMilliseconds(); }
   void Tell(const SessionEvent& event) { listener_.On(event); }
   void TellPosition(const std::optional<GateRefusal>& refusal);
   void WarnOnce(const std::string& sentence);
@@ -100,6 +108,17 @@ class ReceiverSession {
   SessionEnd ReadUntilDone();
   bool EndAsked() const;
   void TakeCommands();
+  void Do(StoreNow);
+  void Do(SetDescription& set);
+  void Do(SetAntennaHeight set);
+  void Do(SetNextId& set);
+  void Do(SetAverage set);
+  void Do(TakeBack);
+  void Do(PauseStoring);
+  void Do(ResumeStoring);
+  void Do(RetryCorrections);
+  void Do(EndSession) {}
+  void Answer(bool done, const std::string& sentence) { Tell(CommandAnswered{done, sentence}); }
   void WatchCorrections();
   void WatchLog();
   void WatchDamage();
@@ -110,8 +129,17 @@ class ReceiverSession {
   bool TakeReading(GnssReadResult result);
   std::optional<GateRefusal> Refusal();
   bool TakeStored(const StoredPoint& stored, const std::string& wanted);
+  void KeepForTakingBack(const StoredPoint& stored);
+  std::optional<double> DistanceFromLast() const;
   void CheckPlace(const GridPoint& at);
   void Settle();
+
+  // A store of this session, and how work went on behind it.
+  struct OwnStore {
+    StoredPoint stored;
+    std::string description;
+    std::string nextDescription;
+  };
 
   Workplace work_;
   JobSession& session_;
@@ -131,12 +159,15 @@ class ReceiverSession {
   long long stored_ = 0;
   std::int64_t lastNewPositionMs_ = 0;
   std::optional<Limit> refusedBy_;
+  std::int64_t refusedSinceMs_ = 0;
+  std::deque<OwnStore> ownStores_;  ///< the last ones, for taking them back
   std::set<std::string> warned_;
   DamageWatch damage_;
   bool placeChecked_ = false;
   bool held_ = false;  ///< the last epoch waits for its precision
   bool paused_ = false;
   bool storeWanted_ = false;
+  bool descriptionTyped_ = false;
   bool failed_ = false;
 };
 

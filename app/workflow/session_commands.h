@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <deque>
 #include <mutex>
 #include <optional>
@@ -19,15 +20,27 @@ struct SetDescription {
 struct SetAntennaHeight {
   double height = 0.0;  ///< above the point, job's unit
 };
-/// Positions are shown, none is stored.
+/// Under which the next point goes; from there on the ids count as before.
+struct SetNextId {
+  std::string id;
+};
+/// So many distinct epochs make one point.
+struct SetAverage {
+  std::size_t epochs = 1;
+};
+/// The point that this session stored last leaves the job again; once more, the one before. A store
+/// that still waits for its position is given up instead.
+struct TakeBack {};
+/// Positions are shown, none is stored. Epochs of a mean that is not complete are forgotten.
 struct PauseStoring {};
 struct ResumeStoring {};
 /// Ask the caster again at once, also after a refusal.
 struct RetryCorrections {};
 struct EndSession {};
 
-using SessionCommand = std::variant<StoreNow, SetDescription, SetAntennaHeight, PauseStoring,
-                                    ResumeStoring, RetryCorrections, EndSession>;
+using SessionCommand =
+    std::variant<StoreNow, SetDescription, SetAntennaHeight, SetNextId, SetAverage, TakeBack,
+                 PauseStoring, ResumeStoring, RetryCorrections, EndSession>;
 
 class SessionCommands {
  public:

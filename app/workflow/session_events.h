@@ -24,6 +24,12 @@ struct PositionSeen {
   std::size_t epochs = 1;
   long long stored = 0;  ///< points so far
   bool paused = false;
+  bool storeWanted = false;       ///< by a person, and not done yet
+  std::int64_t refusedForMs = 0;  ///< how long the limit of `refusal` has refused
+  std::string nextId;             ///< and what the next point is described as
+  std::string description;
+  std::string lastId;              ///< the last point of this session, empty when there is none
+  std::optional<double> fromLast;  ///< horizontal distance to it, job's unit; not of a recording
   std::optional<CorrectionStatus> corrections;
 };
 
@@ -34,6 +40,18 @@ struct PointStored {
   std::optional<AveragedPosition> mean;  ///< of several
   std::string overridden;                ///< the limit that was not kept, in a sentence
   std::optional<Point> replaced;         ///< the point of this id that there was
+};
+
+/// A store of this session was taken back: the point is gone, or is what it was before.
+struct PointTakenBack {
+  Point point;
+  std::optional<Point> restored;
+};
+
+/// What became of a command, for the person who gave it: done, or why not.
+struct CommandAnswered {
+  bool done = true;
+  std::string sentence;
 };
 
 /// The position did not keep a limit, or has it again. Told when the limit changes, not each epoch.
@@ -79,9 +97,10 @@ struct SessionProblem {
   std::string sentence;
 };
 
-using SessionEvent = std::variant<PositionSeen, PointStored, LimitRefuses, NoPosition,
-                                  EpochRepeated, SentencesDamaged, PointExists, ReceiverLost,
-                                  ReceiverBack, CorrectionsChanged, SessionWarning, SessionProblem>;
+using SessionEvent =
+    std::variant<PositionSeen, PointStored, PointTakenBack, CommandAnswered, LimitRefuses,
+                 NoPosition, EpochRepeated, SentencesDamaged, PointExists, ReceiverLost,
+                 ReceiverBack, CorrectionsChanged, SessionWarning, SessionProblem>;
 
 class SessionListener {
  public:
