@@ -342,6 +342,10 @@ void Command::OnRun(std::function<ExitCode(Program&)> run) {
 
 ExitCode RunCommandLine(const ProgramTitle& title, std::span<const CommandRow> commands,
                         const std::vector<std::string>& words, Program& program) {
+  if (words.size() == 1 && (words[0] == "--version" || words[0] == "-V")) {
+    program.console.Print(title.version + "\n");  // needs no parser
+    return ExitCode::Done;
+  }
   return CommandLine(title, commands, words, program).Run();
 }
 

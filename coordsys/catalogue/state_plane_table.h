@@ -11,8 +11,10 @@ namespace tarvex {
 struct StatePlaneRow {
   int fips;  ///< state times 100 plus zone
   int projectionType;
-  const char* state;
-  const char* name;
+  // Texts in place: pointers would have to be written into seven pages at each start of the
+  // program.
+  char state[32];
+  char name[48];
   double latitudeOfOriginDeg;
   double centralMeridianDeg;
   double standardParallel1Deg;
