@@ -82,7 +82,7 @@ inline SineCosine<Lanes> SineCosineOf(Lanes x) {
 }
 
 /// The angle of a direction of length 1, -pi to pi: atan2(sin, cos); error 5.5e-16, and of a small
-/// angle 2.6e-16 of itself. A length that is off by 1e-14 does no harm; the angle of no direction
+/// angle 2.9e-16 of itself. A length that is off by 1e-14 does no harm; the angle of no direction
 /// at all, (0, 0), is 0.
 template <typename Lanes>
 inline Lanes AngleOf(Lanes sin, Lanes cos) {
@@ -106,7 +106,7 @@ inline Lanes AngleOf(Lanes sin, Lanes cos) {
   return FromBits<Lanes>(BitsOf(angle) ^ (BitsOf(sin) & kSignBit));
 }
 
-/// Natural logarithm of a positive normal number; error 1.4e-16 from 1/2 to 2 and 3.1e-16 of itself
+/// Natural logarithm of a positive normal number; error 1.5e-16 from 1/2 to 2 and 3.5e-16 of itself
 /// beyond; 0 for 1.
 template <typename Lanes>
 inline Lanes LogarithmOf(Lanes x) {
