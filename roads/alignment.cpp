@@ -15,6 +15,7 @@ constexpr double kOfferedDistance = 30.0;
 constexpr double kOfferedFactor = 2.0;
 constexpr double kFollowFactor = 1.1;
 constexpr double kFeetPerMetre = 3.28;
+constexpr double kMissedFoot = 0.001;  // runs of 0.0005 have no element: so wide a gap may be left
 
 double FullAngle(double angle) {
   return angle < 0.0 ? angle + 2.0 * std::numbers::pi : angle;
@@ -118,14 +119,11 @@ StationOffset Alignment::FromFoot(const PlanPoint& point, const ElementFoot& foo
             elements_[foot.element].sound};
   }
   const bool atEnd = nearest.distanceAlong > 0.0;
-  if (!atEnd && foot.element == 0) {
-    if (const auto beyond = BeyondStart(point)) return *beyond;
-  }
+  if (!atEnd && foot.element == 0) return AtStart(point);
   if (atEnd && foot.element + 1 == elements_.size()) {
     if (const auto beyond = BeyondEnd(point)) return *beyond;
   }
-  const std::size_t behind = atEnd || foot.element == 0 ? foot.element : foot.element - 1;
-  return AtNode(point, behind);
+  return AtNode(point, atEnd ? foot.element : foot.element - 1);
 }
 
 // The node at the end of element `behind`; the bisector of its tangents decides the side.
@@ -156,6 +154,15 @@ StationOffset Alignment::AtNode(const PlanPoint& point, std::size_t behind) cons
   at.element = behind;
   at.sound = elements_[behind].sound;
   return at;
+}
+
+// The start, of a point that is nearest to it: beyond it or, by rounding, beside it.
+StationOffset Alignment::AtStart(const PlanPoint& point) const {
+  if (const auto beyond = BeyondStart(point)) return *beyond;
+  const LocalFrame local = pieces_.front().ToLocal(point);
+  const double distance = std::hypot(local.x, local.y);
+  return {startStation(),         std::copysign(distance, local.y), distance, Place::On, 0,
+          elements_.front().sound};
 }
 
 std::optional<StationOffset> Alignment::BeyondStart(const PlanPoint& point) const {
@@ -226,12 +233,21 @@ std::vector<StationOffset> Alignment::Candidates(const PlanPoint& point) const {
   }
   if (const auto after = BeyondEnd(point)) add(*after);
   std::sort(found.begin(), found.end(), IsBetter);
+  AddMissedFoot(point, found);
   return found;
+}
+
+// At a join a foot can lie, by rounding, beyond the end of both elements.
+void Alignment::AddMissedFoot(const PlanPoint& point, std::vector<StationOffset>& sorted) const {
+  const auto closest = Closest(point);
+  if (sorted.empty() || sorted.front().distance > closest->distance + kMissedFoot) {
+    sorted.insert(sorted.begin(), *closest);
+  }
 }
 
 std::optional<StationOffset> Alignment::Follow(const PlanPoint& point, double stationBefore) const {
   const std::vector<StationOffset> candidates = Candidates(point);
-  if (candidates.empty()) return Closest(point);
+  if (candidates.empty()) return std::nullopt;
   const double reach = candidates.front().distance * kFollowFactor;
   const StationOffset* chosen = &candidates.front();
   for (const StationOffset& candidate : candidates) {

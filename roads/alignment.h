@@ -141,7 +141,8 @@ class Alignment {
   /// station. Nothing for a point that is not finite.
   std::optional<StationOffset> Closest(const PlanPoint& point) const;
 
-  /// Every place whose distance is a local minimum, the nearest first.
+  /// Every place whose distance is a local minimum, the nearest first: there is always one, unless
+  /// the point is not finite.
   std::vector<StationOffset> Candidates(const PlanPoint& point) const;
 
   /// The candidate to follow from one position to the next: the one nearest to the station before,
@@ -166,6 +167,8 @@ class Alignment {
   double StationOn(std::size_t element, double along) const;
   StationOffset FromFoot(const PlanPoint& point, const ElementFoot& foot) const;
   StationOffset AtNode(const PlanPoint& point, std::size_t behind) const;
+  StationOffset AtStart(const PlanPoint& point) const;
+  void AddMissedFoot(const PlanPoint& point, std::vector<StationOffset>& sorted) const;
   std::optional<StationOffset> BeyondStart(const PlanPoint& point) const;
   std::optional<StationOffset> BeyondEnd(const PlanPoint& point) const;
 

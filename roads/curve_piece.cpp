@@ -257,7 +257,8 @@ NearestOnPiece CurvePiece::Nearest(const PlanPoint& point,
   }
   NearestOnPiece best = NearerEnd(*this, local.x, local.y);
   VisitSpiralFeet(*this, panels, local.x, local.y, [&best](const NearestOnPiece& foot) {
-    if (std::fabs(foot.offset) <= std::fabs(best.offset)) best = foot;
+    const double tie = best.perpendicular ? 0.0 : kFootTolerance;  // beside an end it is the foot
+    if (std::fabs(foot.offset) <= std::fabs(best.offset) + tie) best = foot;
   });
   return best;
 }

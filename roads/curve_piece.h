@@ -36,7 +36,7 @@ struct LocalFrame {
 };
 
 struct SpiralPanel {
-  static constexpr std::size_t kTerms = 11;
+  static constexpr std::size_t kTerms = 15;
 
   double middle = 0.0;  ///< distance from the start of the piece
   double half = 0.0;
