@@ -16,8 +16,9 @@ namespace {
 // Written as a centerline file and read back: the chain is the one that the file will give.
 Centerline MakeCenterline(const std::vector<PlanElement>& elements) {
   Centerline centerline;
-  centerline.elements = KeyPointsOf(elements);
-  centerline.elements = ReadChain(CenterlineText(centerline, {}), false).elements;
+  std::string text = CenterlineRecords(KeyPointsOf(elements), kExactCenterline);
+  text += kCenterlineTerminator;
+  centerline.elements = ReadChain(text, false).elements;
   if (!centerline.elements.empty()) centerline.startStation = centerline.elements.front().station;
   return centerline;
 }

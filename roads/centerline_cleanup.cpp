@@ -6,8 +6,6 @@
 namespace tarvex {
 namespace {
 
-constexpr double kSamePlace = 0.0005;
-
 // The walk marks what goes; the chain is closed up once at the end.
 class CleanUpWalk {
  public:
@@ -78,13 +76,8 @@ class CleanUpWalk {
     return onSpiral && !keepTangentPoints_ ? Duplicate::First : Duplicate::None;
   }
 
-  // Past the rest of a spiral group, or past the end of a curve.
   std::size_t MoveOn(std::size_t at) const {
-    const CenterlineElement& element = chain_[at];
-    int steps = 1;
-    if (element.kind == ElementKind::SpiralGroup) steps = 4;
-    if (element.kind == ElementKind::Vertex && element.radius != 0.0) steps = 2;
-    for (; steps > 0; --steps) at = Next(at);
+    for (std::size_t steps = WalkStep(chain_[at]); steps > 0; --steps) at = Next(at);
     return at;
   }
 
@@ -104,6 +97,11 @@ class CleanUpWalk {
 };
 
 }  // namespace
+
+std::size_t WalkStep(const CenterlineElement& element) {
+  if (element.kind == ElementKind::SpiralGroup) return 4;
+  return element.kind == ElementKind::Vertex && element.radius != 0.0 ? 2 : 1;
+}
 
 void CleanUpChain(std::vector<CenterlineElement>& chain, bool keepTangentPoints,
                   std::vector<MergedLine>* merged) {

@@ -18,7 +18,6 @@ namespace {
 constexpr std::size_t kSignificantBytes = 254;
 constexpr std::size_t kShortestLine = 3;
 constexpr std::size_t kKindLength = 9;
-constexpr double kMergeDistance = 0.002;
 constexpr double kSameAzimuth = 0.0001;
 constexpr double kLeadIn = 0.000001;
 constexpr double kFullCircle = 2.0 * std::numbers::pi;

@@ -14,6 +14,9 @@ namespace tarvex {
 /// More key points than any road has; a longer file is refused, so that memory stays bounded.
 inline constexpr std::size_t kMostCenterlineElements = 100000;
 
+/// A vertex or "TS" this close to the key point before it may take its place while reading.
+inline constexpr double kMergeDistance = 0.002;
+
 enum class [[nodiscard]] ReadChainResult : int {
   Read = 1,     ///< the chain has at least one element
   Nothing = 0,  ///< the text holds no key point

@@ -7,6 +7,8 @@
 #include "core/text/text.h"
 #include "core/units/angle.h"
 #include "core/units/units.h"
+#include "roads/centerline_cleanup.h"
+#include "roads/centerline_reader.h"
 
 namespace tarvex {
 namespace {
@@ -18,7 +20,6 @@ constexpr int kSpiralParameterDecimals = 9;
 constexpr int kSpiralDirectionDecimals = 1;
 constexpr int kSpiralRadiusDecimals = 6;
 constexpr int kAngleDecimals = 12;
-constexpr std::string_view kTerminator = "0,0,L,0,0\n";
 
 // An id as a field: "0" for none, and never a comma or a line end inside.
 std::string IdField(const CenterlineId& id, bool written) {
@@ -93,6 +94,71 @@ std::string_view KindName(const CenterlineElement& element) {
   }
 }
 
+double Distance(const CenterlineElement& a, const CenterlineElement& b) {
+  return std::hypot(a.northing - b.northing, a.easting - b.easting);
+}
+
+// Key points that coincide are left in a chain where a third one was merged between them. So that
+// they stay when they are read again, a record goes between them that the reader takes away: an "L"
+// under a "TS", or under a "PC" so that this has its id from there; an "ST" behind a key point with
+// an angle, whose place a vertex would take.
+class StandIns {
+ public:
+  StandIns(std::span<const CenterlineElement> chain, bool pointIds)
+      : chain_(chain), pointIds_(pointIds), walked_(chain.size()) {
+    for (std::size_t i = 0; i < chain.size(); i += WalkStep(chain[i])) walked_[i] = true;
+  }
+
+  void WriteBefore(std::size_t i, RecordWriter& writer) const {
+    if (i == 0 || chain_[i].record == KeyPointKind::LeadIn) return;
+    if (chain_[i].record == KeyPointKind::TangentSpiral) {
+      if (ReplacesPrevious(i)) Write(writer, "L", chain_[i]);
+    } else if (chain_[i].kind == ElementKind::Vertex) {
+      WriteBeforeVertex(i, writer);
+    }
+  }
+
+ private:
+  static void Write(RecordWriter& writer, std::string_view kind, const CenterlineElement& place) {
+    CenterlineElement record;
+    record.station = place.station;
+    record.easting = place.easting;
+    record.northing = place.northing;
+    writer.KeyPoint(record, kind);
+    writer.EndRecord();
+  }
+
+  // True for a "TS" that would take the place of what is before it and its lead-in; never the head.
+  bool ReplacesPrevious(std::size_t i) const {
+    if (chain_[i - 1].record == KeyPointKind::LeadIn) --i;
+    return i > 1 && chain_[i - 1].angle == 0.0 &&
+           Distance(chain_[i - 1], chain_[i]) < kMergeDistance;
+  }
+
+  void WriteBeforeVertex(std::size_t i, RecordWriter& writer) const {
+    if (!walked_[i]) return;  // what goes before it would stay
+    const CenterlineElement& previous = chain_[i - 1];
+    const CenterlineElement& here = chain_[i];
+    const double distance = Distance(previous, here);
+    // What the walk removes behind it, and what takes its place already while reading.
+    const bool keepsAngle = walked_[i - 1] && previous.kind == ElementKind::Vertex &&
+                            previous.radius == 0.0 && previous.angle != 0.0;
+    const bool giveWay = i > 1 && previous.angle != 0.0 && distance < kMergeDistance;
+    const bool isCurve = here.record == KeyPointKind::CurveStart;
+    const bool mayMerge = !isCurve && KindName(here) != "ST";
+    const bool inheritsId = pointIds_ && isCurve && !HasId(here.id) && HasId(previous.id);
+    if ((keepsAngle && distance < kSamePlace) || (giveWay && mayMerge) || (giveWay && inheritsId)) {
+      Write(writer, "ST", keepsAngle ? previous : here);
+    } else if (inheritsId) {
+      Write(writer, "L", here);
+    }
+  }
+
+  std::span<const CenterlineElement> chain_;
+  bool pointIds_;
+  std::vector<bool> walked_;
+};
+
 void WriteElement(RecordWriter& writer, const CenterlineElement& element) {
   if (element.record == KeyPointKind::LeadIn) return;
   const std::string_view kind = KindName(element);
@@ -136,11 +202,18 @@ std::string CenterlineRecords(std::span<const CenterlineElement> chain,
 
 std::string CenterlineText(const Centerline& centerline, std::span<const StationEquation> equations,
                            const CenterlineFormat& format) {
-  std::string text = CenterlineRecords(centerline.elements, format);
-  text += kTerminator;
+  const std::vector<CenterlineElement>& chain = centerline.elements;
+  RecordWriter writer(format);
+  const StandIns standIns(chain, format.pointIds);
+  for (std::size_t i = 0; i < chain.size(); ++i) {
+    standIns.WriteBefore(i, writer);
+    WriteElement(writer, chain[i]);
+  }
+  std::string text = writer.Take();
+  text += kCenterlineTerminator;
   if (centerline.startPoint) {
     text += StartPointRecord(*centerline.startPoint);
-    text += kTerminator;
+    text += kCenterlineTerminator;
   }
   for (const StationEquation& equation : equations) {
     text += "EQ,";

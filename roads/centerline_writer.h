@@ -1,13 +1,17 @@
 // Writes centerline files: records in every form that docs/formats/cl.md lists, the terminator, the
 // station equations after it.
 //
-// What is written loads to the same chain, within the decimals of the format. An alignment with a
-// start point gets a closing record before "STARTPT", where reading stops.
+// What is written loads to the same chain, within the decimals of the format: where key points
+// coincide, a further record keeps the reader from merging them. Two things have no record: a
+// lead-in vertex whose "TS" was merged away, and that a key point within the records of a spiral
+// group has no id where the one before it has one. An alignment with a start point gets a closing
+// record before "STARTPT", where reading stops.
 #pragma once
 
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/file.h"
@@ -31,7 +35,10 @@ inline constexpr CenterlineFormat kPlainCenterline{};
 inline constexpr CenterlineFormat kCenterlineWithIds{5, 6, 5, 8, true};
 inline constexpr CenterlineFormat kExactCenterline{6, 12, 12, 12, true};
 
-/// The records of a loaded chain, a line or two each: what the reader made (lead-in vertices) is
+/// Ends the key points of a file.
+inline constexpr std::string_view kCenterlineTerminator = "0,0,L,0,0\n";
+
+/// The records of a chain, a line or two each: what the reader made (lead-in vertices) is
 /// left out, and a vertex that kept a curve's angle becomes an "ST" with that angle.
 std::string CenterlineRecords(std::span<const CenterlineElement> chain,
                               const CenterlineFormat& format);
