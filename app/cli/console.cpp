@@ -92,6 +92,8 @@ class StandardStreams final : public Console {
     return false;
   }
 
+  bool IsWatched() override { return progressShown_ && ::isatty(STDOUT_FILENO) != 0; }
+
   bool IsTyped() override { return ::isatty(STDIN_FILENO) != 0; }
 
   bool ReadLine(std::string& line) override {

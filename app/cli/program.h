@@ -27,6 +27,8 @@ class Console {
   virtual void PrintBytes(std::string_view bytes) = 0;
   /// Draws on a terminal: `text` is our own, with the sequences that move its cursor.
   virtual void Draw(std::string_view text) = 0;
+  /// True when results and remarks both go to a terminal, where a person looks on.
+  virtual bool IsWatched() = 0;
   /// Replaces the line at the bottom of the terminal; nothing when no person looks on.
   virtual void ShowProgress(std::string_view line) = 0;
   virtual void EndProgress() = 0;

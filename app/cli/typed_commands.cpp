@@ -31,6 +31,9 @@ bool TakeTypedCommand(std::string_view line, SessionCommands& commands) {
   if (alone && line[0] == 'p') return commands.Send(PauseStoring{}), true;
   if (alone && line[0] == 'c') return commands.Send(ResumeStoring{}), true;
   if (alone && line[0] == 'r') return commands.Send(RetryCorrections{}), true;
+  if (alone && line[0] == 'n') return commands.Send(NextTarget{}), true;
+  if (alone && line[0] == 'k') return commands.Send(SkipTarget{}), true;
+  if (line.starts_with("t ")) return commands.Send(ChooseTarget{std::string(rest)}), true;
   if (alone && line[0] == 'q') return commands.Send(EndSession{}), true;
   if (line.starts_with("d ")) return commands.Send(SetDescription{std::string(rest)}), true;
   if (line.starts_with("h ")) {
@@ -71,7 +74,8 @@ void TypedCommands::Read() {
       program_.console.PrintError(
           "\"" + OneLine(line) +
           "\" is not a command: Enter stores, d TEXT, h HEIGHT, p pauses, c continues, r asks for "
-          "corrections again, q ends.\n");
+          "corrections again, q ends; staking: n the next target, k leaves one out, t NAME takes "
+          "one.\n");
     }
     line.clear();
   }

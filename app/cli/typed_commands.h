@@ -4,6 +4,7 @@
 //   d TEXT         description of the next points
 //   h HEIGHT       antenna height of the next points
 //   p, c           pause storing, continue
+//   n, k, t NAME   staking: the next target, leave the present one out, take the one of this name
 //   r              ask the caster for corrections again
 //   q              end the session
 #pragma once

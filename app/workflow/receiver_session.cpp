@@ -237,6 +237,12 @@ GridPosition ReceiverSession::PlaceOf(const GnssPositionState& state) const {
   return PlaceOnGrid(state, calculator_, plan_.antennaHeight, job_.options.unit);
 }
 
+void ReceiverSession::DropPoint() {
+  average_ = {};
+  point_ = {};
+  storeWanted_ = false;
+}
+
 bool ReceiverSession::StorePoint(const std::string& description,
                                  const std::vector<std::string>& comments) {
   const Observation observation{.point = point_,

@@ -73,12 +73,18 @@ class ReceiverSession {
   virtual bool ChosenOneByOne() const { return false; }
   /// With which description work goes on behind a point that is stored.
   virtual std::string NextDescription() const { return plan_.description; }
+  /// A command, after the session itself took it.
+  virtual void TakeCommand(const SessionCommand&) {}
 
   /// Takes the epoch into the point that is stored next; true when it is complete.
   bool PointComplete();
   /// Stores the complete point, with further comments for the raw file. False when the session has
   /// to end.
   bool StorePoint(const std::string& description, const std::vector<std::string>& comments = {});
+  /// Forgets the epochs that were taken, and that a point was asked for.
+  void DropPoint();
+  /// The point that is complete.
+  const CollectedPoint& collected() const { return point_; }
   /// The present epoch on the job's grid.
   GridPosition Place() const { return PlaceOf(link_.state()); }
   /// The complete point there.
@@ -118,6 +124,9 @@ class ReceiverSession {
   void Do(ResumeStoring);
   void Do(RetryCorrections);
   void Do(EndSession) {}
+  void Do(const NextTarget&) {}
+  void Do(const SkipTarget&) {}
+  void Do(const ChooseTarget&) {}
   void Answer(bool done, const std::string& sentence) { Tell(CommandAnswered{done, sentence}); }
   void WatchCorrections();
   void WatchLog();

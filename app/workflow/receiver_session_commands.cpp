@@ -11,6 +11,7 @@ namespace tarvex {
 void ReceiverSession::TakeCommands() {
   while (auto command = commands_.Take()) {
     std::visit([this](auto& what) { Do(what); }, *command);
+    TakeCommand(*command);
   }
 }
 

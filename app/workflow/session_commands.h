@@ -34,13 +34,21 @@ struct TakeBack {};
 /// Positions are shown, none is stored. Epochs of a mean that is not complete are forgotten.
 struct PauseStoring {};
 struct ResumeStoring {};
+/// Staking: leave the present target for later, and set out the next open one.
+struct NextTarget {};
+/// Staking: leave the present target out, and set out the next open one.
+struct SkipTarget {};
+/// Staking: set out the target of this name.
+struct ChooseTarget {
+  std::string name;
+};
 /// Ask the caster again at once, also after a refusal.
 struct RetryCorrections {};
 struct EndSession {};
 
-using SessionCommand =
-    std::variant<StoreNow, SetDescription, SetAntennaHeight, SetNextId, SetAverage, TakeBack,
-                 PauseStoring, ResumeStoring, RetryCorrections, EndSession>;
+using SessionCommand = std::variant<StoreNow, SetDescription, SetAntennaHeight, SetNextId,
+                                    SetAverage, TakeBack, PauseStoring, ResumeStoring, NextTarget,
+                                    SkipTarget, ChooseTarget, RetryCorrections, EndSession>;
 
 class SessionCommands {
  public:

@@ -47,15 +47,18 @@ TEST_F(RoadCommands, CheckStakeAndWriteBack) {
   EXPECT_EQ(stake.exitCode, 0) << stake.errors;
   const std::string raw = folder_.Read("site.rw5");
   EXPECT_THAT(raw, HasSubstr("\nGPS,PN10,"));
-  EXPECT_THAT(raw, HasSubstr("\n--Stake: design 1+210.000 3.600 L, N "));
-  EXPECT_THAT(raw, HasSubstr("\n--Stake: difference N 0.0060, E -0.0040, distance 0.00"));
+  EXPECT_THAT(raw, HasSubstr("\n--Stake design:N 5184687.8041,E 520489.5432,EL1101.5880,"
+                             "--1+210.000 3.600 L\n--Stake found:N "));
+  EXPECT_THAT(raw,
+              HasSubstr("\n--Stake difference:N 0.0060,E -0.0040,EL0.0050,HD0.0072,HT0.0200,"));
   EXPECT_THAT(folder_.Read("site.not"), HasSubstr("PT_ID:10\nHRMS,"));
   EXPECT_EQ(stake.output,
             "FIXED: at 1+201.823 2.459 R  forward 8.039  left 6.279  N 6.200  E 8.100  C 0.650\n"
             "FIXED: at 1+206.997 1.201 L  forward 3.026  left 2.430  N 2.400  E 3.050  C 0.610\n"
             "FIXED: at 1+209.592 3.246 L  forward 0.417  left 0.354  N 0.350  E 0.420  C 0.420\n"
             "FIXED: at 1+209.996 3.606 L  forward 0.004  right 0.006  S 0.006  E 0.004  C 0.005"
-            "  ON THE STAKE\nStored point 10.\n");
+            "  ON THE STAKE\nStored point 10 for 1+210.000 3.600 L: N 0.006, E -0.004, EL 0.005, "
+            "distance 0.007, within the tolerance.\n");
 
   EXPECT_EQ(folder_.Run("road write site.cl --out same.cl").exitCode, 0);
   EXPECT_EQ(folder_.Read("same.cl"), folder_.Read("site.cl"));

@@ -1,14 +1,13 @@
 // tarvex road stake: from the present position to a station and offset of the road.
-#include "app/cli/collect_view.h"
 #include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/road_job.h"
 #include "app/cli/road_options.h"
-#include "app/cli/road_stake_guide.h"
-#include "app/cli/session_options.h"
+#include "app/cli/stake_following.h"
+#include "app/cli/stake_text.h"
 #include "app/cli/storing_text.h"
-#include "app/cli/typed_commands.h"
-#include "app/workflow/job_calculator.h"
+#include "app/workflow/alignment_target.h"
+#include "app/workflow/point_storing.h"
 
 namespace tarvex {
 namespace {
@@ -20,17 +19,20 @@ struct RoadStakeOptions {
   std::string job;
   std::vector<std::string> points;
   std::vector<std::string> at;
-  SessionOptions session;
-  long long count = 0;
-  StakeTolerance tolerance;
+  StakeOptions stake;
   std::string storeId;
   bool storeOnStake = false;
-  std::string existing = "ask";
 };
 
-// Nothing after a message.
-std::optional<RoadStakePlan> MakePlan(const RoadStakeOptions& options, Program& program,
-                                      const OpenedRoad& road) {
+/// The place of the road, and how it is shown.
+struct RoadStaking {
+  std::unique_ptr<AlignmentTarget> target;
+  StakeWords words;
+};
+
+// Nothing after a message. What is made points into the road.
+std::optional<RoadStaking> MakeStaking(const RoadStakeOptions& options, Program& program,
+                                       const OpenedRoad& road) {
   const auto station = FindStation(program, road, options.place.station);
   if (!station) return std::nullopt;
   const DesignElevation design = road.design.At(*station, options.place.offset);
@@ -38,111 +40,121 @@ std::optional<RoadStakePlan> MakePlan(const RoadStakeOptions& options, Program& 
   if (road.OutsideLimits(*station)) {
     program.Warn("the target " + road.StationText(*station) + " is outside the station limits.");
   }
-  RoadStakePlan plan{.target = {*station, options.place.offset, design.elevation},
-                     .elevationFrom = ElevationSourceText(design.source),
-                     .tolerance = options.tolerance,
-                     .json = options.road.json,
-                     .section = road.design.section,
-                     .design = road.design.SectionAt(*station),
-                     .slopeSide = {}};
-  if (!options.slope.empty()) plan.slopeSide = options.slope == "left" ? Side::Left : Side::Right;
-  return plan;
+  AlignmentPlace place{
+      .name = {},
+      .station = station,
+      .offset = options.place.offset,
+      .elevation = [elevation = design.elevation](double) { return elevation; },
+      .stationText = [&road](double internal) { return road.StationText(internal); },
+      .outsideLimits = [&road](double internal) { return road.OutsideLimits(internal); },
+      .slope = {}};
+  const auto section = road.design.SectionAt(*station);
+  if (!options.slope.empty() && road.design.section && section) {
+    place.slope = {.section = *road.design.section,
+                   .design = *section,
+                   .side = options.slope == "left" ? Side::Left : Side::Right};
+  }
+  return RoadStaking{
+      .target = std::make_unique<AlignmentTarget>(road.alignment(), std::move(place)),
+      .words = {.json = options.road.json,
+                .inPlace = false,
+                .elevationFrom = ElevationSourceText(design.source),
+                .stationJson = [&road](double internal) { return road.StationJson(internal); }}};
 }
 
-ExitCode ShowEntered(const RoadStakeOptions& options, Program& program, RoadStakeGuide& guide) {
+/// A position that a person gave, or a point of the job on which one is taken to be.
+struct GivenPosition {
+  std::string name;
+  StakePosition at;
+};
+
+std::optional<std::vector<GivenPosition>> EnteredPosition(const RoadStakeOptions& options,
+                                                          Program& program) {
   const auto northing = EnteredNumber(program, "The northing", options.at[0]);
   const auto easting = EnteredNumber(program, "The easting", options.at[1]);
-  if (!northing || !easting) return program.exitCode;
+  if (!northing || !easting) return std::nullopt;
   std::optional<double> elevation;
   if (options.at.size() > 2) {
     elevation = EnteredNumber(program, "The elevation", options.at[2]);
-    if (!elevation) return program.exitCode;
+    if (!elevation) return std::nullopt;
   }
-  (void)guide.Show({*northing, *easting, elevation}, true, "Entered");
-  return ExitCode::Done;
+  return std::vector<GivenPosition>{{"Entered", {*northing, *easting, elevation}}};
 }
 
-ExitCode ShowJobPoints(const RoadStakeOptions& options, Program& program, JobSession& session,
-                       RoadStakeGuide& guide) {
+std::optional<std::vector<GivenPosition>> JobPositions(const RoadStakeOptions& options,
+                                                       Program& program, JobSession& session) {
   const auto points = PointsOfJob(program, session, options.points);
-  if (!points) return program.exitCode;
+  if (!points) return std::nullopt;
+  std::vector<GivenPosition> given;
   for (const Point& point : *points) {
-    (void)guide.Show({point.at.northing, point.at.easting, point.at.elevation}, true,
-                     "Point " + point.id.str());
+    given.push_back(
+        {"Point " + point.id.str(), {point.at.northing, point.at.easting, point.at.elevation}});
   }
-  return ExitCode::Done;
+  return given;
 }
 
-// One position of the receiver is stored when the person says so, by a line on the standard input.
-ExitCode FollowReceiver(const RoadStakeOptions& options, Program& program, JobSession& session,
-                        RoadStakeGuide& guide) {
-  StakePlan plan;
-  plan.count = options.count;
-  plan.store = !options.storeId.empty();
-  plan.storeOnStake = options.storeOnStake;
-  if (plan.count == 0 && program.console.IsTyped()) plan.simulatedPaceMs = kSimulatedPaceMs;
-  if (const ExitCode code = SettleSession(options.session, session.settings(), program, plan);
-      code != ExitCode::Done) {
-    return code;
+// What was typed is stored as typed.
+ExitCode StoreGiven(const RoadStakeOptions& options, Program& program, JobSession& session,
+                    const StakeRelation& relation, const StakePosition& at) {
+  if (!at.elevation) {
+    return program.Fail("The position has no elevation; nothing was stored.");
   }
-  session.setPolicy(ParseExistingPolicy(options.existing));
+  const GridPoint place{at.northing, at.easting, *at.elevation};
+  const StakeRecord record = StakeRecordOf(relation, place, options.stake.tolerance, true);
+  session.setPolicy(ParseExistingPolicy(options.stake.existing));
+  return TellStored(program, session,
+                    StoreTypedPoint(session, {.id = options.storeId,
+                                              .at = place,
+                                              .description = StakeDescription(relation),
+                                              .comments = {StakeComments(record)}}),
+                    options.road.json ? Announce::OnErrors : Announce::OnOutput);
+}
+
+// Shows each position; the last one is stored when that was asked for.
+ExitCode ShowGiven(const RoadStakeOptions& options, Program& program, JobSession* session,
+                   RoadStaking& staking) {
+  const auto given = options.at.empty() ? JobPositions(options, program, *session)
+                                        : EnteredPosition(options, program);
+  if (!given) return program.exitCode;
+  StakeView view(program, staking.words);
+  ToleranceGate gate(options.stake.tolerance);
+  std::optional<StakeRelation> last;
+  for (const GivenPosition& position : *given) {
+    last = staking.target->Relate(position.at, {});
+    if (!last) continue;
+    const bool onStake = gate.Update(last->deltas.distance, last->cut, last->sound);
+    view.OnStake(StakeSeen{.relation = *last, .from = position.name, .onStake = onStake});
+  }
+  if (options.storeId.empty()) return program.exitCode;
+  if (!last) return program.Fail("There is no position to store.");
+  return StoreGiven(options, program, *session, *last, given->back().at);
+}
+
+ExitCode Follow(const RoadStakeOptions& options, Program& program, JobSession& session,
+                RoadStaking& staking) {
+  StakePlan plan;
+  plan.store = plan.mustStore = !options.storeId.empty();
+  plan.storeOnStake = options.storeOnStake;
   std::string problem;
   if (plan.store) {
     if (!OpenForReading(session.job())) return ExitCode::Failed;
     if (!TakePointId(session, options.storeId, problem)) return program.Misuse(problem);
-    program.console.PrintError(
-        (plan.storeOnStake
-             ? "The first position on the stake that keeps the limits is stored as point "
-             : "Enter stores the next position that keeps the limits as point ") +
-        session.job().ids.current + (plan.storeOnStake ? ".\n" : ", q ends.\n"));
   }
-  CTrgCalculator calculator;
-  CoordinateSystems systems(program);
-  if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
-  CollectView view(
-      program, options.road.json ? CollectView::Stored::OnErrors : CollectView::Stored::InAWord);
-  SessionCommands commands;
-  std::optional<TypedCommands> typed;
-  const bool enterStores = plan.store && !plan.storeOnStake;
-  if (enterStores || program.console.IsTyped()) typed.emplace(program, commands);
-  StakeSession staking(program, session, calculator, plan, guide, view, commands,
-                       InterruptRequested);
-  const SessionEnd end = staking.Run();
-  if (plan.store && staking.stored() == 0) program.console.PrintError("Nothing was stored.\n");
-  if (end == SessionEnd::RecordingEnded && staking.shown() == 0) {
-    return program.Fail("The receiver gave no position to stake from.");
-  }
-  const bool done = !plan.store || staking.stored() > 0;
-  return TellSessionEnd(program, staking, plan, end, plan.count == 0 && done);
-}
-
-// The position that was entered, or the point of the job: what was typed is stored as typed.
-ExitCode StoreEntered(const RoadStakeOptions& options, Program& program, JobSession& session,
-                      const RoadStakeGuide& guide) {
-  if (options.storeId.empty()) return ExitCode::Done;
-  if (!guide.last()) return program.Fail("There is no position to store.");
-  const StakePosition& at = *guide.last();
-  if (!at.elevation) {
-    return program.Fail("The position has no elevation; nothing was stored.");
-  }
-  session.setPolicy(ParseExistingPolicy(options.existing));
-  return TellStored(program, session,
-                    StoreTypedPoint(session, {.id = options.storeId,
-                                              .at = {at.northing, at.easting, *at.elevation},
-                                              .description = guide.Description(),
-                                              .comments = guide.Records()}),
-                    options.road.json ? Announce::OnErrors : Announce::OnOutput);
+  StakeList targets(std::move(staking.target));
+  return FollowReceiver(options.stake, program, session, plan, targets, std::move(staking.words));
 }
 
 // True when the options name exactly one source of positions, and a job where one is needed.
 bool SourceIsClear(const RoadStakeOptions& options) {
   const int sources = (options.at.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
-                      (options.session.receiver.address.empty() ? 0 : 1);
+                      (options.stake.session.receiver.address.empty() ? 0 : 1);
   const bool needsJob = options.at.empty() || !options.storeId.empty();
   return sources == 1 && !(needsJob && options.job.empty());
 }
 
-ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
+ExitCode RunRoadStake(const RoadStakeOptions& entered, Program& program) {
+  RoadStakeOptions options = entered;
+  options.stake.json = options.road.json;
   if (!SourceIsClear(options)) {
     return program.Misuse(
         "Say where you stand: --receiver ADDRESS or --point ID with --job JOB.crd, or --at N E "
@@ -150,18 +162,15 @@ ExitCode RunRoadStake(const RoadStakeOptions& options, Program& program) {
   }
   const auto road = OpenRoad(program, options.road);
   if (!road) return program.exitCode;
-  const auto plan = MakePlan(options, program, *road);
-  if (!plan) return program.exitCode;
+  auto staking = MakeStaking(options, program, *road);
+  if (!staking) return program.exitCode;
   const auto session = options.job.empty() ? nullptr : OpenRoadJob(program, options.job, *road);
   if (!options.job.empty() && !session) return program.exitCode;
   WarnAboutFaults(program, *road, options.road);
-  RoadStakeGuide guide(program, *road, *plan);
   if (options.at.empty() && options.points.empty()) {
-    return FollowReceiver(options, program, *session, guide);
+    return Follow(options, program, *session, *staking);
   }
-  const ExitCode code = options.at.empty() ? ShowJobPoints(options, program, *session, guide)
-                                           : ShowEntered(options, program, guide);
-  return code == ExitCode::Done && session ? StoreEntered(options, program, *session, guide) : code;
+  return ShowGiven(options, program, session.get(), *staking);
 }
 
 }  // namespace
@@ -179,13 +188,7 @@ void DeclareRoadStakeCommand(Command& command) {
   command.Add("--job", options.job, "The job: its points, coordinate system and unit");
   command.Add("--point", options.points, "Stand on these points of the job");
   command.Add("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]").Values(2, 3);
-  AddSessionOptions(command, options.session);
-  command.Add("--count", options.count, "Positions to show (default: until the receiver ends)")
-      .NotNegative();
-  AddNumber(command, "--tolerance", options.tolerance.horizontal,
-            "Horizontal, for ON THE STAKE (default: 0.02)", NumberKind::Positive);
-  AddNumber(command, "--vertical-tolerance", options.tolerance.vertical, "Vertical (default: 0.01)",
-            NumberKind::Positive);
+  AddStakeOptions(command, options.stake);
   const Option store =
       command.Add("--store", options.storeId,
                   "Store a position in the job under this id: with --receiver the next one that\n"
@@ -194,7 +197,7 @@ void DeclareRoadStakeCommand(Command& command) {
       .AddFlag("--store-on-stake", options.storeOnStake,
                "With --store: store the first position that is ON THE STAKE, without a key")
       .Needs(store);
-  AddExistingOption(command, options.existing);
+  AddExistingOption(command, options.stake.existing);
   command.Footer(
       "One line per position: where it is, how to go forward and right along the road, north and "
       "east,\n"
