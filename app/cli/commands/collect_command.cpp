@@ -110,7 +110,7 @@ void DeclareCollectCommand(Command& command) {
       "d TEXT, h HEIGHT (description and antenna height of the next points), p (pause),\n"
       "c (continue), r (ask the caster for corrections again), q (end).");
   command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
-  AddSessionOptions(command, options.session).Required();
+  AddSessionOptions(command, options.session);
   command
       .Add("--count", options.count,
            "Points to store (default: 1, with --on-enter 0); 0: until Ctrl-C or the end of\n"
