@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
 
 #include "app/cli/program.h"
 #include "core/text/printable.h"
@@ -21,20 +22,41 @@ void WriteShown(std::string_view text, std::FILE* stream) {
   Write(PrintableText(text), stream);
 }
 
-// A line that reaches the last column makes the terminal go on in the next one, and what is there
-// stays behind: the line is cut before that. Bytes 0x80 to 0xBF go on with a character.
-std::string FittedLine(std::string line, int stream) {
+// Bytes 0x80 to 0xBF go on with a character.
+bool BeginsCharacter(char c) {
+  return (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
+}
+
+// How many columns a line may have so that the terminal stays in it.
+std::size_t FreeColumns(int stream) {
   winsize size{};
-  if (::ioctl(stream, TIOCGWINSZ, &size) != 0 || size.ws_col < 2) return line;
+  const bool known = ::ioctl(stream, TIOCGWINSZ, &size) == 0 && size.ws_col >= 2;
+  return known ? size.ws_col - 1U : std::string::npos;
+}
+
+// A line that reaches the last column makes the terminal go on in the next one, and what is there
+// stays behind: the line is cut before that.
+std::string FittedLine(std::string line, int stream) {
+  const std::size_t wide = FreeColumns(stream);
   std::size_t columns = 0;
   for (std::size_t i = 0; i < line.size(); ++i) {
-    const bool begins = (static_cast<unsigned char>(line[i]) & 0xC0U) != 0x80;
-    if (begins && columns++ == size.ws_col - 1U) {
+    if (BeginsCharacter(line[i]) && columns++ == wide) {
       line.resize(i);
       break;
     }
   }
   return line;
+}
+
+// The end of a text that has so many columns before it: what is typed is seen.
+std::string FittedEnd(std::string text, std::size_t before, int stream) {
+  const std::size_t wide = FreeColumns(stream);
+  std::size_t room = wide > before ? wide - before : 1;
+  std::size_t start = text.size();
+  while (start > 0 && room > 0) {
+    if (BeginsCharacter(text[--start])) --room;
+  }
+  return text.substr(start);
 }
 
 // Beside the thread that works, the one that reads typed commands says what it does not understand.
@@ -46,6 +68,7 @@ class StandardStreams final : public Console {
     const std::lock_guard lock(mutex_);
     RemoveProgress();
     WriteShown(text, stdout);
+    RestorePrompt();
   }
 
   void PrintBytes(std::string_view bytes) override {
@@ -53,12 +76,14 @@ class StandardStreams final : public Console {
     const std::lock_guard lock(mutex_);
     RemoveProgress();
     Write(bytes, stdout);
+    RestorePrompt();
   }
 
   void Draw(std::string_view text) override {
     const std::lock_guard lock(mutex_);
     RemoveProgress();
     Write(text, stdout);
+    RestorePrompt();
     std::fflush(stdout);
   }
 
@@ -67,16 +92,27 @@ class StandardStreams final : public Console {
     RemoveProgress();
     std::fflush(stdout);
     WriteShown(text, stderr);
+    RestorePrompt();
   }
 
   void ShowProgress(std::string_view line) override {
     if (!progressShown_) return;
     const std::lock_guard lock(mutex_);
-    std::fflush(stdout);
-    std::fputs("\r\x1b[K", stderr);
-    Write(FittedLine(PrintableLine(line), STDERR_FILENO), stderr);
-    std::fflush(stderr);
-    progressOpen_ = true;
+    if (!prompt_) ShowAtBottom(FittedLine(PrintableLine(line), STDERR_FILENO));
+  }
+
+  bool ShowsProgress() override { return progressShown_; }
+
+  void ShowPrompt(std::string_view label, std::string_view typed) override {
+    const std::lock_guard lock(mutex_);
+    prompt_ = PrintableLine(label) + FittedEnd(PrintableLine(typed), label.size(), STDERR_FILENO);
+    RestorePrompt();
+  }
+
+  void EndPrompt() override {
+    const std::lock_guard lock(mutex_);
+    prompt_.reset();
+    RemoveProgress();
   }
 
   void EndProgress() override {
@@ -106,6 +142,18 @@ class StandardStreams final : public Console {
   }
 
  private:
+  void ShowAtBottom(const std::string& line) {
+    std::fflush(stdout);
+    std::fputs("\r\x1b[K", stderr);
+    Write(line, stderr);
+    std::fflush(stderr);
+    progressOpen_ = true;
+  }
+
+  void RestorePrompt() {
+    if (prompt_) ShowAtBottom(*prompt_);
+  }
+
   void RemoveProgress() {
     if (!progressOpen_) return;
     std::fputs("\r\x1b[K", stderr);
@@ -116,6 +164,7 @@ class StandardStreams final : public Console {
   std::mutex mutex_;
   const bool progressShown_;
   bool progressOpen_ = false;
+  std::optional<std::string> prompt_;
 };
 
 }  // namespace

@@ -32,6 +32,12 @@ class Console {
   /// Replaces the line at the bottom of the terminal; nothing when no person looks on.
   virtual void ShowProgress(std::string_view line) = 0;
   virtual void EndProgress() = 0;
+  /// True when progress is seen; the results may go elsewhere all the same.
+  virtual bool ShowsProgress() = 0;
+  /// A line at the bottom in which a person types `typed`. It stays there, below what is printed
+  /// and in place of all progress, until it ends.
+  virtual void ShowPrompt(std::string_view label, std::string_view typed) = 0;
+  virtual void EndPrompt() = 0;
   /// One line typed by the person; false when there is no person to ask.
   virtual bool Ask(std::string_view question, std::string& answer) = 0;
   /// True when a person types the standard input.

@@ -2,14 +2,10 @@
 
 #include "app/cli/correction_text.h"
 #include "app/cli/stream_log_name.h"
-#include "app/workflow/known_settings.h"
-#include "app/workflow/setup_comments.h"
 #include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {
-
-constexpr double kHighestAntenna = 1000.0;
 
 // What a position must keep: the job's limits, then the command line's. A limit of the job that is
 // not understood is one that somebody relies on: nothing is stored without it.
@@ -30,29 +26,13 @@ ExitCode SettleGate(const SessionOptions& options, const Settings& jobSettings, 
   return ExitCode::Done;
 }
 
-ExitCode SettleAntenna(const SessionOptions& options, const Settings& settings, Program& program,
-                       ReceiverPlan& plan) {
-  plan.antennaType = AntennaOfSettings(settings);
-  const std::string text =
-      options.antennaHeight.empty() ? settings.GetOr("antenna_height", "0") : options.antennaHeight;
-  const auto antenna = ParseNumber(text);
+ExitCode SettleAntenna(const SessionOptions& options, Program& program, double& height) {
+  const auto antenna = ParseNumber(options.antennaHeight);
   if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
-    return program.Misuse("The antenna height \"" + text + "\" is not a number from 0 to 1000.");
+    return program.Misuse("The antenna height \"" + options.antennaHeight +
+                          "\" is not a number from 0 to 1000.");
   }
-  plan.antennaHeight = *antenna;
-  return ExitCode::Done;
-}
-
-ExitCode SettleAverage(const SessionOptions& options, const Settings& settings, Program& program,
-                       ReceiverPlan& plan) {
-  plan.average = options.average;
-  if (options.average > 0) return ExitCode::Done;
-  const std::string text = settings.GetOr("average", "1");
-  if (!SettingProblem("average", text).empty()) {
-    return program.Fail("The setting average=" + text + " makes no sense (" +
-                        FindSetting("average")->Values() + ").");
-  }
-  plan.average = static_cast<std::size_t>(ParseInteger(text).value_or(1));
+  height = *antenna;
   return ExitCode::Done;
 }
 
@@ -92,17 +72,15 @@ std::string Seconds(std::int64_t milliseconds) {
 
 }  // namespace
 
-Option AddSessionOptions(Command& command, SessionOptions& options, const char* profileOption) {
+Option AddSessionOptions(Command& command, SessionOptions& options) {
   Option receiver = AddReceiverOptions(command, options.receiver);
-  AddProfileOption(command, options.profile, profileOption);
   command
       .Add("--antenna-height", options.antennaHeight,
-           "Height of the antenna above the point, in the job's unit (default: the settings', else "
-           "0)")
+           "Height of the antenna above the point, in the job's unit")
       .ValueName("NUMBER");
   command
       .Add("--average", options.average,
-           "Distinct epochs whose mean is stored as one point (default: the settings', else 1)")
+           "Distinct epochs whose mean is stored as one point (default: 1)")
       .Between(1, 100000);
   command.Add("--log-stream", options.streamLog, kStreamLogHelp);
   AddGateOptions(command, options);
@@ -116,23 +94,18 @@ Option AddSessionOptions(Command& command, SessionOptions& options, const char* 
 
 ExitCode SettleSession(const SessionOptions& options, const Settings& jobSettings, Program& program,
                        ReceiverPlan& plan) {
-  Settings settings;
-  ExitCode code = SettleProfile(options.profile, jobSettings, program, settings);
-  if (code != ExitCode::Done) return code;
-  const ReceiverChoice receiver = WithSettings(options.receiver, settings);
-  if (receiver.address.empty()) return program.Misuse(kNoReceiver);
-  code = SettleReceiver(receiver, settings, program, plan.receiver);
-  if (code == ExitCode::Done) code = SettleGate(options, settings, program, plan.gate);
+  ExitCode code = SettleReceiver(options.receiver, jobSettings, program, plan.receiver);
+  if (code == ExitCode::Done) code = SettleGate(options, jobSettings, program, plan.gate);
   if (code == ExitCode::Done) {
-    code = SettleCorrections(WithSettings(options.corrections, settings, plan.receiver),
-                             plan.receiver.settings, program, plan.corrections);
+    code =
+        SettleCorrections(options.corrections, plan.receiver.settings, program, plan.corrections);
   }
-  if (code == ExitCode::Done) code = SettleAntenna(options, settings, program, plan);
-  if (code == ExitCode::Done) code = SettleAverage(options, settings, program, plan);
+  if (code == ExitCode::Done) code = SettleAntenna(options, program, plan.antennaHeight);
   if (code != ExitCode::Done) return code;
   if (plan.corrections && !plan.receiver.takesCorrections()) {
     return program.Misuse("A recorded or simulated receiver takes no corrections.");
   }
+  plan.average = options.average;
   plan.overrideGate = options.overrideGate;
   plan.streamLog = StreamLogName(options.streamLog, program.clock.Now());
   plan.patienceMs = options.patienceS * 1000;

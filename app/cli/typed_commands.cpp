@@ -38,7 +38,7 @@ bool TakeTypedCommand(std::string_view line, SessionCommands& commands) {
   if (line.starts_with("d ")) return commands.Send(SetDescription{std::string(rest)}), true;
   if (line.starts_with("h ")) {
     const auto height = ParseNumber(rest);
-    if (!height || *height < 0.0 || *height > 1000.0) return false;
+    if (!height || *height < 0.0 || *height > kHighestAntenna) return false;
     return commands.Send(SetAntennaHeight{*height}), true;
   }
   return false;

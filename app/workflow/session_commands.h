@@ -17,6 +17,7 @@ struct StoreNow {};
 struct SetDescription {
   std::string description;
 };
+inline constexpr double kHighestAntenna = 1000.0;
 struct SetAntennaHeight {
   double height = 0.0;  ///< above the point, job's unit
 };

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tests/app/program_run.h"
+#include "tests/app/terminal.h"
 
 namespace tarvex {
 namespace {
@@ -38,47 +39,6 @@ TEST(TypedCommands, AreOneALine) {
   for (const char* line : {"x", "ss", "pause", "quit", "h", "h -1", "h 1001", "h 1,85", "d", "dx"})
     EXPECT_FALSE(CommandOf(line)) << line;
 }
-
-// The standard input and error of this process are a pseudo-terminal, the test holds its master.
-class Terminal {
- public:
-  Terminal() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
-    EXPECT_EQ(::grantpt(master_), 0);
-    EXPECT_EQ(::unlockpt(master_), 0);
-    const int slave = ::open(::ptsname(master_), O_RDWR | O_NOCTTY);
-    for (const int stream : {STDIN_FILENO, STDERR_FILENO}) {
-      kept_[static_cast<std::size_t>(stream)] = ::dup(stream);
-      ::dup2(slave, stream);
-    }
-    ::close(slave);
-  }
-  ~Terminal() {
-    for (const int stream : {STDIN_FILENO, STDERR_FILENO}) {
-      ::dup2(kept_[static_cast<std::size_t>(stream)], stream);
-      ::close(kept_[static_cast<std::size_t>(stream)]);
-    }
-    ::close(master_);
-  }
-  Terminal(const Terminal&) = delete;
-  Terminal& operator=(const Terminal&) = delete;
-
-  void Type(std::string_view text) const {
-    EXPECT_EQ(::write(master_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
-  }
-  /// Takes what was shown since.
-  void Look() {
-    std::array<char, 4096> bytes;
-    for (ssize_t got = 0; (got = ::read(master_, bytes.data(), bytes.size())) > 0;) {
-      shown.append(bytes.data(), static_cast<std::size_t>(got));
-    }
-  }
-
-  std::string shown;
-
- private:
-  int master_;
-  std::array<int, 3> kept_ = {};
-};
 
 TEST(TypedCommands, AreTakenWhileProgressIsShown) {
   Terminal terminal;
@@ -154,7 +114,7 @@ TEST(TypedCommands, StoreOnEnterAlone) {
                               " collect site.crd --receiver simulated --on-enter --count 1 > OUT";
   EXPECT_EQ(std::system(command.c_str()), 0);
   terminal.Look();
-  EXPECT_THAT(terminal.shown, testing::HasSubstr("Enter stores the next position"));
+  EXPECT_THAT(terminal.shown, testing::HasSubstr("Enter stores; d text"));
   const auto points = folder.Run("points site.crd");
   EXPECT_THAT(points.output, testing::HasSubstr("  tree\n1 point, Meters\n"));
 }
