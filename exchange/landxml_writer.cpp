@@ -250,16 +250,14 @@ class LandXmlWriter {
 
 }  // namespace
 
-Outcome<std::string, LandXmlRefusal> WriteLandXml(const LandXmlExport& what) {
+std::optional<std::string> WriteLandXml(const LandXmlExport& what, std::size_t* refused) {
   const auto& elements = what.road->alignment.elements();
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    if (elements[i].fault != ElementFault::None) {
-      return Failure<LandXmlRefusal>{.code = LandXmlRefusal::DrawnAsChord, .place = i};
-    }
     // One rot for a spiral: it cannot turn to both sides.
-    if (elements[i].curvatureStart * elements[i].curvatureEnd < 0.0) {
-      return Failure<LandXmlRefusal>{.code = LandXmlRefusal::TurnsToBothSides, .place = i};
-    }
+    const bool bothSides = elements[i].curvatureStart * elements[i].curvatureEnd < 0.0;
+    if (elements[i].fault == ElementFault::None && !bothSides) continue;
+    if (refused != nullptr) *refused = i;
+    return std::nullopt;
   }
   return LandXmlWriter(what).Write();
 }

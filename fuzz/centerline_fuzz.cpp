@@ -36,14 +36,15 @@ void AskGeometry(const tarvex::RoadGeometry& road) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  const auto chain = tarvex::ReadChain(text, false);
+  const tarvex::ChainReading reading = tarvex::ReadChain(text, false);
   const auto equations = tarvex::ReadStationEquations(text);
-  if (!chain) return 0;
+  if (reading.result != tarvex::ReadChainResult::Read) return 0;
   tarvex::Centerline centerline;
-  centerline.elements = chain->elements;
-  centerline.startPoint = chain->startPoint;
+  centerline.elements = reading.elements;
+  centerline.startPoint = reading.startPoint;
   if (tarvex::IsWritable(centerline, equations)) {
-    Require(bool(tarvex::ReadChain(tarvex::CenterlineText(centerline, equations), false)));
+    const auto again = tarvex::ReadChain(tarvex::CenterlineText(centerline, equations), false);
+    Require(again.result == tarvex::ReadChainResult::Read);
   }
   const auto made = tarvex::MakeRoadGeometry(centerline, equations);
   if (made) AskGeometry(*made);

@@ -1,6 +1,6 @@
 #include "app/cli/collect_view.h"
 
-#include "app/cli/correction_text.h"
+#include "app/cli/status_line.h"
 #include "app/cli/storing_text.h"
 #include "core/text/number_text.h"
 
@@ -10,12 +10,8 @@ namespace {
 constexpr int kPrecisionDecimals = 3;
 constexpr int kGridDecimals = 4;
 
-std::string PrecisionText(const GnssPositionState& state) {
-  if (!state.precisionKnown) return "HRMS and VRMS unknown";
-  return "HRMS " + FixedNumber(state.hrms, kPrecisionDecimals) + ", VRMS " +
-         FixedNumber(state.vrms, kPrecisionDecimals) +
-         (state.precisionCarriedOver ? " (of an earlier epoch)" : "");
-}
+// The line at the bottom is drawn anew so often at most: a receiver of 10 Hz would make it flicker.
+constexpr std::int64_t kRedrawMs = 200;
 
 std::string StateText(const GnssPositionState& state) {
   return std::string(SolutionText(state.solutionType)) + ", " + std::to_string(state.satellites) +
@@ -29,18 +25,17 @@ void CollectView::On(const SessionEvent& event) {
 }
 
 void CollectView::Show(const PositionSeen& seen) {
-  std::string line = std::to_string(seen.stored) + " stored, " + StateText(seen.state);
-  if (seen.epochs > 1) {
-    line += ", epoch " + std::to_string(seen.epoch) + " of " + std::to_string(seen.epochs);
-  }
-  if (seen.refusal) line += "; not stored: " + RefusalSentence(*seen.refusal);
-  if (seen.paused) line += "; paused";
-  if (seen.corrections) line += "; " + CorrectionLine(*seen.corrections, seen.state);
-  program_.console.ShowProgress(line);
+  if (!program_.console.ShowsProgress()) return;
+  const std::int64_t now = program_.clock.SteadyMilliseconds();
+  if (const auto line = refusals_.Look(now)) program_.console.PrintError(*line + "\n");
+  if (drawnMs_ && now - *drawnMs_ < kRedrawMs) return;
+  drawnMs_ = now;
+  program_.console.ShowProgress(StatusLine(seen));
 }
 
 void CollectView::Show(const PointStored& stored) {
   told_.clear();
+  drawnMs_.reset();
   if (how_ != Stored::WithPosition) {
     const std::string told = "Stored point " + stored.point.id.str() + ".\n";
     return how_ == Stored::InAWord ? program_.console.Print(told)
@@ -65,15 +60,23 @@ void CollectView::Show(const PointStored& stored) {
 
 void CollectView::Show(const PointTakenBack& back) {
   const std::string id = back.point.id.str();
+  drawnMs_.reset();
   program_.console.PrintError(back.restored ? "Point " + id + " is again what it was before.\n"
                                             : "Point " + id + " is taken back.\n");
 }
 
+// A script that sends commands is told what was not done.
 void CollectView::Show(const CommandAnswered& answer) {
-  if (!answer.done) program_.console.PrintError(answer.sentence + "\n");
+  if (answer.done && !program_.console.ShowsProgress()) return;
+  program_.console.PrintError(answer.sentence + "\n");
 }
 
 void CollectView::Show(const LimitRefuses& limit) {
+  if (program_.console.ShowsProgress()) {
+    const auto line = refusals_.Take(limit, program_.clock.SteadyMilliseconds());
+    if (line) program_.console.PrintError(*line + "\n");
+    return;
+  }
   if (limit.refusal) TellOnce("Not stored: " + RefusalSentence(*limit.refusal));
 }
 
@@ -111,9 +114,10 @@ void CollectView::Show(const CorrectionsChanged& changed) {
   const CorrectionState state = changed.status.state;
   const bool waitsForAWord =
       state == CorrectionState::Refused || state == CorrectionState::UnknownMountpoint;
-  program_.console.PrintError(
-      CorrectionSentence(changed.status) +
-      (waitsForAWord && program_.console.IsTyped() ? " r and Enter ask it again.\n" : "\n"));
+  program_.console.PrintError(CorrectionSentence(changed.status) +
+                              (!waitsForAWord || !program_.console.IsTyped() ? "\n"
+                               : takesKeys_                                  ? " r asks it again.\n"
+                                            : " r and Enter ask it again.\n"));
 }
 
 void CollectView::TellOnce(const std::string& sentence) {

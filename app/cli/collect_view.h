@@ -2,9 +2,12 @@
 // goes to the error output and the line at the bottom.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "app/cli/program.h"
+#include "app/cli/refusal_lines.h"
 #include "app/workflow/session_events.h"
 
 namespace tarvex {
@@ -19,6 +22,9 @@ class CollectView final : public SessionListener {
 
   explicit CollectView(Program& program, Stored how = Stored::WithPosition)
       : program_(program), how_(how) {}
+
+  /// Commands are single keys, not lines.
+  void TakesKeys() { takesKeys_ = true; }
 
   void On(const SessionEvent& event) override;
 
@@ -43,6 +49,9 @@ class CollectView final : public SessionListener {
   Program& program_;
   Stored how_;
   std::string told_;
+  bool takesKeys_ = false;
+  std::optional<std::int64_t> drawnMs_;  ///< the line at the bottom
+  RefusalLines refusals_;
 };
 
 }  // namespace tarvex

@@ -43,19 +43,18 @@ StationStyle StyleOf(const RoadFileOptions& options, DistanceUnit unit) {
   return DefaultStationStyle(unit);
 }
 
-std::string LoadProblem(const RoadFileOptions& options, const Failure<CenterlineFault>& failure) {
-  switch (failure.code) {
-    case CenterlineFault::NotOpened:
+std::string LoadProblem(const RoadFileOptions& options, const CenterlineLoad& load) {
+  switch (load.result) {
+    case LoadCenterlineResult::NotOpened:
       return Strings().Text(kTextCenterlineNotOpened, {options.file});
-    case CenterlineFault::TooLarge:
+    case LoadCenterlineResult::TooLarge:
       return Strings().Text(kTextFileTooLarge, {options.file});
-    case CenterlineFault::TooLong:
+    case LoadCenterlineResult::TooLong:
       return options.file + ": " +
-             Strings().Text(kTextCenterlineTooLong, {std::to_string(failure.place)});
-    case CenterlineFault::Nothing:
-      break;
+             Strings().Text(kTextCenterlineTooLong, {std::to_string(load.line)});
+    default:
+      return options.file + " holds no centerline.";
   }
-  return options.file + " holds no centerline.";
 }
 
 std::string GeometryProblem(const RoadFileOptions& options,
@@ -101,13 +100,13 @@ StationStyle DefaultStationStyle(DistanceUnit unit) {
 std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& options) {
   Road road;
   road.useStationLimits = options.useLimits;
-  const auto loaded = LoadCenterline(program.files, road, options.file);
-  if (!loaded) {
-    (void)program.Fail(LoadProblem(options, loaded.failure()));
+  const CenterlineLoad load = LoadCenterline(program.files, road, options.file);
+  if (load.result != LoadCenterlineResult::Loaded) {
+    (void)program.Fail(LoadProblem(options, load));
     return std::nullopt;
   }
   const DistanceUnit unit = *ParseUnit(options.unit);
-  Centerline& centerline = **loaded;
+  Centerline& centerline = *road.centerline;
   if (options.aheadFirst) centerline.equations = Swapped(std::move(centerline.equations));
   auto made = MakeRoadGeometry(centerline, centerline.equations, CheckLimits::For(unit));
   if (!made) {

@@ -9,12 +9,13 @@
 namespace tarvex {
 namespace {
 
-void WarnWhenBeside(Program& program, const LandXmlProfile& found, const StationSpan& road) {
+void WarnWhenBeside(Program& program, const LandXmlProfileReading& reading,
+                    const StationSpan& road) {
   constexpr int kDecimals = 3;
-  const double from = found.profile.startStation();
-  const double to = found.profile.endStation();
+  const double from = reading.profile->startStation();
+  const double to = reading.profile->endStation();
   if (from <= road.end && to >= road.start) return;
-  program.Warn("the profile of \"" + found.alignment + "\" runs from " +
+  program.Warn("the profile of \"" + reading.alignment + "\" runs from " +
                FixedNumber(from, kDecimals) + " to " + FixedNumber(to, kDecimals) +
                ", the centerline from " + FixedNumber(road.start, kDecimals) + " to " +
                FixedNumber(road.end, kDecimals) + ": is it the profile of this road?");
@@ -31,25 +32,25 @@ std::optional<Profile> OpenProfile(Program& program, const ProfileChoice& choice
     return std::nullopt;
   }
   const bool named = !choice.alignment.empty();
-  auto found = ReadLandXmlProfile(
+  LandXmlProfileReading reading = ReadLandXmlProfile(
       text, named ? std::optional<std::string_view>(choice.alignment) : std::nullopt);
-  if (!found) {
-    const std::string problem = choice.file + ": " + found.failure().text;
-    if (found.failure().code == LandXmlFault::SeveralAlignments) {
-      (void)program.Misuse(problem + " Say whose profile is meant: --profile-alignment NAME.");
-    } else {
-      (void)program.Fail(problem);
-    }
+  for (const std::string& warning : reading.warnings) program.Warn(choice.file + ": " + warning);
+  if (reading.result == LandXmlResult::SeveralAlignments) {
+    (void)program.Misuse(choice.file + ": " + reading.problem +
+                         " Say whose profile is meant: --profile-alignment NAME.");
     return std::nullopt;
   }
-  for (const std::string& warning : found->warnings) program.Warn(choice.file + ": " + warning);
-  if (found->unit != unitOfRoad) {
-    (void)program.Fail(choice.file + " is in " + std::string(UnitName(found->unit)) +
+  if (reading.result != LandXmlResult::Read) {
+    (void)program.Fail(choice.file + ": " + reading.problem);
+    return std::nullopt;
+  }
+  if (reading.unit != unitOfRoad) {
+    (void)program.Fail(choice.file + " is in " + std::string(UnitName(reading.unit)) +
                        ", the centerline in " + std::string(UnitName(unitOfRoad)) + ".");
     return std::nullopt;
   }
-  WarnWhenBeside(program, *found, road);
-  return std::move(found->profile);
+  WarnWhenBeside(program, reading, road);
+  return std::move(reading.profile);
 }
 
 }  // namespace tarvex

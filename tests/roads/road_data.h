@@ -25,7 +25,9 @@ inline std::string ReadRoadData(const std::string& name) {
 
 inline Road LoadRoad(const std::string& name) {
   Road road;
-  EXPECT_TRUE(LoadCenterline(SystemFiles(), road, RoadData(name))) << name;
+  EXPECT_EQ(LoadCenterline(SystemFiles(), road, RoadData(name)).result,
+            LoadCenterlineResult::Loaded)
+      << name;
   return road;
 }
 

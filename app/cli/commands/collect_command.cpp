@@ -1,10 +1,16 @@
 // tarvex collect: points from a receiver.
+#include <algorithm>
+#include <cmath>
+
 #include "app/cli/collect_view.h"
 #include "app/cli/command_line.h"
+#include "app/cli/key_reader.h"
+#include "app/cli/number_entry.h"
 #include "app/cli/session_options.h"
 #include "app/cli/typed_commands.h"
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_calculator.h"
+#include "app/workflow/job_codes.h"
 #include "app/workflow/job_localization.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_storing.h"
@@ -21,6 +27,8 @@ struct CollectOptions {
   SessionOptions session;
   long long count = kNotGiven;
   bool onEnter = false;
+  double everyS = 0.0;  // 0: not given
+  double distance = 0.0;
   std::string first;
   std::string description;
   std::string existing = "cancel";
@@ -42,6 +50,31 @@ ExitCode SettleFirstId(const CollectOptions& options, JobSession& session, Progr
   return ExitCode::Done;
 }
 
+// What a person types: single keys where they are seen, else a command a line.
+class CollectInput {
+ public:
+  CollectInput(Program& program, SessionCommands& commands, const CollectPlan& plan,
+               CollectView& view)
+      : keyCommands_(program.console, commands, plan.codes) {
+    const bool oneByOne = plan.trigger == StoreTrigger::OnCommand;
+    if (HasKeysAndScreen(program.console)) {
+      program.console.PrintError(std::string(kKeysLine) + "\n");
+      view.TakesKeys();
+      keys_.emplace(keyCommands_);
+    } else if (program.console.IsTyped()) {
+      if (oneByOne) {
+        program.console.PrintError("Enter stores the next position; q and Enter ends.\n");
+      }
+      lines_.emplace(program, commands);
+    }
+  }
+
+ private:
+  KeyCommands keyCommands_;
+  std::optional<KeyReader> keys_;
+  std::optional<TypedCommands> lines_;
+};
+
 ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program) {
   CTrgCalculator calculator;
   std::string problem;
@@ -49,18 +82,35 @@ ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program)
   if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
   CollectView view(program);
   SessionCommands commands;
-  std::optional<TypedCommands> typed;
-  if (program.console.IsTyped()) typed.emplace(program, commands);
   CollectSession collecting(program, session, calculator, plan, view, commands, InterruptRequested);
-  if (plan.trigger == StoreTrigger::OnCommand) {
-    program.console.PrintError("Enter stores the next position; q and Enter ends.\n");
+  SessionEnd end = SessionEnd::Failed;
+  {
+    const CollectInput input(program, commands, plan, view);
+    end = collecting.Run();
   }
-  const SessionEnd end = collecting.Run();
   const ExitCode code = TellSessionEnd(program, collecting, plan, end, plan.count == 0);
   const long long stored = collecting.stored();
   program.console.Print("Stored " + std::to_string(stored) + (stored == 1 ? " point" : " points") +
                         " in " + session.job().path + ".\n");
   return code;
+}
+
+// On a terminal a person says when to store, unless it is said beforehand.
+void SettleTrigger(const CollectOptions& options, Program& program, CollectPlan& plan) {
+  const bool counted = options.count != kNotGiven;
+  const bool recorded = options.session.receiver.address.starts_with("file:");
+  const bool waits = !counted && !recorded && HasKeysAndScreen(program.console);
+  if (options.everyS > 0.0) {
+    constexpr double kLongestS = 1e9;
+    plan.trigger = StoreTrigger::ByTime;
+    plan.everyMs = std::llround(std::min(options.everyS, kLongestS) * 1000.0);
+  } else if (options.distance > 0.0) {
+    plan.trigger = StoreTrigger::ByDistance;
+    plan.distance = options.distance;
+  } else if (options.onEnter || waits) {
+    plan.trigger = StoreTrigger::OnCommand;
+  }
+  plan.count = counted ? options.count : plan.trigger == StoreTrigger::EveryEpoch ? 1 : 0;
 }
 
 ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedClock* recorded) {
@@ -69,10 +119,9 @@ ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedCl
   session.setPolicy(ParseExistingPolicy(options.existing));
   CollectPlan plan;
   plan.recorded = recorded;
-  plan.trigger = options.onEnter ? StoreTrigger::OnCommand : StoreTrigger::EveryEpoch;
-  const long long byDefault = options.onEnter ? 0 : 1;
-  plan.count = options.count == kNotGiven ? byDefault : options.count;
+  SettleTrigger(options, program, plan);
   plan.description = options.description;
+  if (program.console.IsTyped()) plan.codes = LoadJobCodes(session);
   if (plan.count == 0 && program.console.IsTyped()) plan.simulatedPaceMs = kSimulatedPaceMs;
   ExitCode code = SettleSession(options.session, session.settings(), program, plan);
   if (options.onEnter && !program.console.IsTyped()) {
@@ -106,18 +155,30 @@ void DeclareCollectCommand(Command& command) {
       "Receivers: serial:/dev/ttyUSB0@115200, tcp:192.168.1.20:9001, file:LOG, simulated\n"
       "Each point is stored in the coordinate file, its observation in the raw file and its\n"
       "quality in the notes. Ctrl-C ends the session between two points.\n"
-      "While it runs, a line typed in the terminal is a command: Enter (with --on-enter: store),\n"
-      "d TEXT, h HEIGHT (description and antenna height of the next points), p (pause),\n"
-      "c (continue), r (ask the caster for corrections again), q (end).");
+      "On a terminal it waits for keys, unless --count, --every or --distance is given (they work\n"
+      "then as well): Enter or space stores the next position that keeps the limits,\n"
+      "d description, h antenna height, i next id, a how many epochs make a point,\n"
+      "u takes the last point back, p pauses, c continues, r asks for corrections again,\n"
+      "? shows the keys, q ends.");
   command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
-  AddSessionOptions(command, options.session);
+  AddSessionOptions(command, options.session).Required();
   command
       .Add("--count", options.count,
-           "Points to store (default: 1, with --on-enter 0); 0: until Ctrl-C or the end of\n"
-           "a recording")
+           "So many positions become points, one after the other; 0: all until Ctrl-C or the\n"
+           "end of a recording (default: 1; on a terminal, with --every and --distance, until q)")
       .Between(0, 1000000000);
-  command.AddFlag("--on-enter", options.onEnter,
-                  "Store a point at each Enter typed in the terminal, not each position");
+  const Option onEnter =
+      command.AddFlag("--on-enter", options.onEnter,
+                      "Store a point at each Enter typed in the terminal, not each position");
+  const Option every = AddNumber(command, "--every", options.everyS,
+                                 "Store a point every so many seconds", NumberKind::Positive)
+                           .ValueName("SECONDS");
+  AddNumber(command, "--distance", options.distance,
+            "Store a point so far from the one before, horizontally, in the job's unit",
+            NumberKind::Positive)
+      .Excludes(every)
+      .Excludes(onEnter);
+  every.Excludes(onEnter);
   command.Add("--first", options.first, "Id of the first point (default: the next of the job)");
   command.Add("--description", options.description, "Description of the points");
   command

@@ -4,8 +4,6 @@ namespace tarvex {
 
 // Each is in the file of its name: new_command.cpp, collect_command.cpp and so on.
 void DeclareNewCommand(Command& command);
-void DeclareSettingsCommand(Command& command);
-void DeclareProfileCommand(Command& command);
 void DeclareCollectCommand(Command& command);
 void DeclareWatchCommand(Command& command);
 void DeclareBasesCommand(Command& command);
@@ -29,8 +27,6 @@ namespace {
 
 constexpr CommandRow kCommands[] = {
     {"new", "Create a job: its coordinate file, settings and raw file", DeclareNewCommand},
-    {"settings", "Show or change the settings of a job", DeclareSettingsCommand},
-    {"profile", "Keep receiver, antenna, caster and limits under a name", DeclareProfileCommand},
     {"collect", "Store points from a receiver", DeclareCollectCommand},
     {"watch", "Look at a receiver, live", DeclareWatchCommand},
     {"bases", "List the correction streams of a caster", DeclareBasesCommand},
