@@ -113,6 +113,23 @@ TEST(Geoid, PgmIsCubicFromTheNorth) {
   }
 }
 
+// The cubic is a fit, so that one raised pixel is not met: the weights are those of the least
+// squares in which the four nodes of the cell count twice, worked out in fractions.
+TEST(Geoid, TheCubicWeighsTheCellsOwnNodesTwice) {
+  constexpr int kRow = 9;  // 45 degrees north
+  constexpr int kColumn = 2;
+  std::string bytes = "P5\n# Offset 0\n# Scale 0.003\n# Origin 90N 0E\n72 37\n65535\n";
+  for (int j = 0; j < 37; ++j) {
+    for (int i = 0; i < 72; ++i) {
+      Append(bytes, std::uint16_t(j == kRow && i == kColumn ? 1000 : 0), true);
+    }
+  }
+  const GeoidGrid grid = Parsed(bytes, "spike.pgm");
+  EXPECT_NEAR(At(grid, 45.0, 10.0), 3.0 * 31 / 40, 1e-9);
+  EXPECT_NEAR(At(grid, 43.75, 11.25), 3.0 * 3 / 5, 1e-9);
+  EXPECT_NEAR(At(grid, 43.75, 13.75), 3.0 * 93 / 320, 1e-9);
+}
+
 // A slope across the pole, level in the plane that touches it there: what reaches over the pole has
 // to be taken from the other side of the earth.
 TEST(Geoid, ReachesOverThePoleToItsOtherSide) {

@@ -8,6 +8,8 @@
 #include "core/coordinates/point_bulk.h"
 #include "core/coordinates/point_list.h"
 #include "core/coordinates/point_store.h"
+#include "core/journal/change_entry.h"
+#include "core/journal/change_journal.h"
 #include "core/journal/file_rewrite.h"
 #include "core/raw_data/raw_file.h"
 #include "tests/support/test_host.h"
@@ -182,6 +184,31 @@ TEST(Interruption, OfAJournaledChangeLeavesTheOldBytesOrTheNew) {
         }
       }
     }
+  }
+}
+
+// Behind the entries of a journal that was begun anew stand those of the series before.
+TEST(Interruption, LeavesTheEntriesOfAnEarlierSeries) {
+  const auto entry = [](std::uint64_t series, std::uint64_t number, const char* bytes) {
+    const FileWrite write{.offset = 0, .bytes = bytes};
+    return EncodeEntry({.series = series,
+                        .number = number,
+                        .change = {{.oldSize = 8, .newSize = 8, .writes = {write}}}});
+  };
+  const struct {
+    std::string second;
+    const char* expected;
+  } cases[] = {{entry(5, 1, "bb"), "bb345678"},
+               {entry(9, 1, "bb"), "aa345678"},
+               {entry(5, 2, "bb"), "aa345678"}};
+  for (const auto& c : cases) {
+    MemoryFiles files;
+    files.Put(kJobPath, "12345678");
+    files.Put(PathWithExtension(kJobPath, "crd.redo"), entry(5, 0, "aa") + c.second);
+    std::unique_ptr<File> file;
+    ASSERT_TRUE(files.Open(kJobPath, FileAccess::ReadWrite, file).ok());
+    ASSERT_TRUE(FinishInterruptedChange(files, kJobPath, *file).ok());
+    EXPECT_EQ(files.Bytes(kJobPath), c.expected);
   }
 }
 
