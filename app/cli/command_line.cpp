@@ -300,6 +300,11 @@ void Command::Commands(std::span<const CommandRow> rows) {
   line_.AddCommands(app_, rows);
 }
 
+void Command::MayHaveCommands(std::span<const CommandRow> rows) {
+  line_.AddCommands(app_, rows);
+  app_.require_subcommand(0, 1);
+}
+
 void Command::Footer(const std::string& text) {
   app_.footer(text);
 }
@@ -336,8 +341,9 @@ Option Command::AddRead(const std::string& name,
 }
 
 void Command::OnRun(std::function<ExitCode(Program&)> run) {
-  app_.callback(
-      [&program = line_.program(), run = std::move(run)] { program.exitCode = run(program); });
+  app_.callback([&app = app_, &program = line_.program(), run = std::move(run)] {
+    if (app.get_subcommands().empty()) program.exitCode = run(program);
+  });
 }
 
 ExitCode RunCommandLine(const ProgramTitle& title, std::span<const CommandRow> commands,

@@ -72,6 +72,8 @@ class Command {
 
   /// Commands of its own, one of which has to follow; the table has to last.
   void Commands(std::span<const CommandRow> rows);
+  /// Commands of its own beside what it runs itself, when the first word is one of theirs.
+  void MayHaveCommands(std::span<const CommandRow> rows);
   /// Text below the options in the help.
   void Footer(const std::string& text);
 

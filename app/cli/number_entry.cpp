@@ -27,4 +27,15 @@ Option AddNumber(Command& command, const std::string& name, double& value,
   return command.AddRead(name, take, description).ValueName("NUMBER");
 }
 
+Option AddNumber(Command& command, const std::string& name, std::optional<double>& value,
+                 const std::string& description) {
+  const auto take = [&value](const std::string& text) -> std::string {
+    const NumberEntry entry = ReadNumberEntry(text);
+    if (!entry.problem.empty()) return entry.problem + ".";
+    value = entry.value;
+    return "";
+  };
+  return command.AddRead(name, take, description).ValueName("NUMBER");
+}
+
 }  // namespace tarvex

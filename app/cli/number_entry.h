@@ -19,4 +19,8 @@ enum class NumberKind { Any, NotNegative, Positive };
 Option AddNumber(Command& command, const std::string& name, double& value,
                  const std::string& description, NumberKind kind = NumberKind::Any);
 
+/// The same for a number that need not be given.
+Option AddNumber(Command& command, const std::string& name, std::optional<double>& value,
+                 const std::string& description);
+
 }  // namespace tarvex

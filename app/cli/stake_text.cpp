@@ -151,8 +151,7 @@ Json StakeSeenJson(const StakeSeen& seen, const StationJson& station,
   return json;
 }
 
-Json StakeStoredJson(const StakeStored& stored) {
-  const StakeRecord& record = stored.record;
+Json StakeRecordJson(const StakeRecord& record) {
   Json design{{"name", record.design},
               {"northing", record.designAt.northing},
               {"easting", record.designAt.easting}};
@@ -162,11 +161,16 @@ Json StakeStoredJson(const StakeStored& stored) {
     difference["elevation"] = record.difference.elevation;
   }
   difference["distance"] = record.distance;
-  Json json{{"event", "stored"}, {"solution", SolutionText(stored.solution)}};
-  json["point"] = PointJson(stored.point);
-  json["design"] = std::move(design);
-  json["difference"] = std::move(difference);
-  json["within_tolerance"] = record.withinTolerance;
+  return {{"design", std::move(design)},
+          {"found_at", record.found},
+          {"difference", std::move(difference)},
+          {"within_tolerance", record.withinTolerance}};
+}
+
+Json StakeStoredJson(const StakeStored& stored) {
+  Json json{{"event", "stored"}, {"point", PointJson(stored.point)}};
+  json.Append(StakeRecordJson(stored.record));
+  json["solution"] = SolutionText(stored.solution);
   return json;
 }
 

@@ -22,6 +22,8 @@ using StationJson = std::function<Json(double station)>;
 /// Without the station of a plain point; `elevationFrom` may be empty.
 Json StakeSeenJson(const StakeSeen& seen, const StationJson& station,
                    const std::string& elevationFrom);
+/// Its design, differences and verdict.
+Json StakeRecordJson(const StakeRecord& record);
 Json StakeStoredJson(const StakeStored& stored);
 
 }  // namespace tarvex

@@ -1,5 +1,6 @@
 #include "app/workflow/alignment_target.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -76,7 +77,9 @@ std::optional<StakeRelation> AlignmentTarget::Relate(const StakePosition& at,
   const auto beside =
       stationBefore_ ? alignment_.Follow(here, *stationBefore_) : alignment_.Closest(here);
   if (!beside) return std::nullopt;
-  const double station = place_.station.value_or(beside->station);
+  // Beyond an end of a line one goes back to the end.
+  const double station = place_.station.value_or(
+      std::clamp(beside->station, alignment_.startStation(), alignment_.endStation()));
   const std::optional<double> design = ElevationAt(station);
   const RoadTarget target{station, place_.offset, at.elevation ? design : std::nullopt};
   const GridPoint current{at.northing, at.easting, at.elevation.value_or(0.0)};

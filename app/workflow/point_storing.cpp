@@ -2,6 +2,7 @@
 
 #include "core/coordinates/coordinate_file.h"
 #include "core/coordinates/point_store.h"
+#include "core/observations/next_id.h"
 #include "core/points/point_key.h"
 #include "core/raw_data/raw_records.h"
 #include "core/text/text.h"
@@ -65,6 +66,17 @@ bool TakePointId(JobSession& session, std::string_view id, std::string& problem)
   }
   job.ids.current = MakePointKey(id, job.store.alphanumeric).value_or(PointKey{}).id.str();
   return true;
+}
+
+bool TakeFirstId(JobSession& session, std::string_view first, std::string& problem) {
+  Job& job = session.job();
+  const auto stream = OpenCoordinateFile(job);
+  if (!stream) return false;
+  if (!first.empty()) return TakePointId(session, first, problem);
+  const auto next = NextIdToUse(job, *stream);
+  if (next) job.ids.current = *next;
+  if (!next) problem = "No free point id was found behind " + job.ids.current + ".";
+  return next.has_value();
 }
 
 void AddTypedRecords(JobUnit& unit, const Point& stored, std::string_view description) {

@@ -21,6 +21,11 @@ std::string PointIdProblem(const Job& job, std::string_view id);
 /// gives a warning.
 [[nodiscard]] bool TakePointId(JobSession& session, std::string_view id, std::string& problem);
 
+/// Makes the id under which work begins the job's current one: `first`, or without it the one
+/// behind the last that was used. False with a sentence in `problem`, which is empty when the
+/// coordinate file, after a message, cannot be opened.
+[[nodiscard]] bool TakeFirstId(JobSession& session, std::string_view first, std::string& problem);
+
 struct TypedPoint {
   std::string id;
   GridPoint at;  ///< job's unit

@@ -96,11 +96,13 @@ TEST(StakeTarget, ALineIsStakedByStationAndOffset) {
   EXPECT_NEAR(relation->deltas.right, -1.0, kTiny);
   EXPECT_NEAR(relation->cut.value(), 0.0, kTiny);
   EXPECT_EQ(relation->design.name, "L 10.000 0.000");
-  // Beyond its end nothing is known of the elevation.
+  // Beyond its end one goes back to it.
   relation = beside.Relate({136.0, 248.0, 11.0}, {});
   EXPECT_NEAR(relation->current->station, 60.0, kTiny);
-  EXPECT_FALSE(relation->cut);
-  // Nor where one of the ends has none.
+  EXPECT_NEAR(relation->deltas.forward, -10.0, kTiny);
+  EXPECT_NEAR(relation->cut.value(), -4.0, kTiny);
+  EXPECT_FALSE(line->ElevationAt(60.0));
+  // Nothing is known of the elevation where one of the ends has none.
   const auto flat =
       LineBetween(Place("A", 0.0, 0.0), Place("B", 0.0, 9.0, 5.0), CheckLimits{}, problem);
   EXPECT_FALSE(flat->ElevationAt(4.0));

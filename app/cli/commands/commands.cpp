@@ -5,6 +5,7 @@ namespace tarvex {
 // Each is in the file of its name: new_command.cpp, collect_command.cpp and so on.
 void DeclareNewCommand(Command& command);
 void DeclareCollectCommand(Command& command);
+void DeclareStakeCommand(Command& command);
 void DeclareWatchCommand(Command& command);
 void DeclareBasesCommand(Command& command);
 void DeclareStoreCommand(Command& command);
@@ -28,6 +29,8 @@ namespace {
 constexpr CommandRow kCommands[] = {
     {"new", "Create a job: its coordinate file, settings and raw file", DeclareNewCommand},
     {"collect", "Store points from a receiver", DeclareCollectCommand},
+    {"stake", "Set out points, lines and arcs with a receiver; report what was staked",
+     DeclareStakeCommand},
     {"watch", "Look at a receiver, live", DeclareWatchCommand},
     {"bases", "List the correction streams of a caster", DeclareBasesCommand},
     {"store", "Store a point from entered coordinates", DeclareStoreCommand},
