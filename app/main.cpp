@@ -2,15 +2,21 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "app/cli/commands/commands.h"
+#include "app/cli/json_console.h"
 #include "app/cli/program.h"
 
 namespace tarvex {
 namespace {
 
 int Run(int argc, char** argv) {
-  Program program{.files = SystemFiles(), .clock = SystemClock(), .console = StandardConsole()};
+  const std::vector<std::string> words(argv + 1, argv + argc);
+  JsonConsole jsonConsole(StandardConsole());
+  Console& console = AskForJson(words) ? jsonConsole : StandardConsole();
+  Program program{.files = SystemFiles(), .clock = SystemClock(), .console = console};
   const ProgramTitle title{
       .name = "tarvex",
       .description =
@@ -23,7 +29,7 @@ int Run(int argc, char** argv) {
   };
   ExitCode code = ExitCode::Done;
   try {
-    code = RunCommandLine(title, ProgramCommands(), {argv + 1, argv + argc}, program);
+    code = RunCommandLine(title, ProgramCommands(), words, program);
   } catch (const std::bad_alloc&) {
     code = program.Fail("There is not enough memory for this.");
   }

@@ -13,6 +13,8 @@
 namespace tarvex {
 namespace {
 
+constexpr const char* kSayWhich = "Say which of these commands.";
+
 // The command whose words were read last: `tarvex road` is one, and `tarvex` itself.
 const CLI::App& Innermost(const CLI::App& app) {
   const CLI::App* at = &app;
@@ -91,18 +93,17 @@ std::string UnknownWords(const CLI::App& command, const std::vector<std::string>
   return text;
 }
 
-// What was wrong with the words of the command line, with what helps.
+// What was wrong with the words of the command line.
 std::string Explained(const CLI::App* app, const CLI::Error& error) {
-  constexpr const char* kMore = "\nRun with --help for more information.\n";
   const std::vector<std::string> unknown = app->remaining(true);
   const CLI::App& command = Innermost(*app);
   const std::string what = error.what();
   if (what == "A subcommand is required") {
-    if (unknown.empty()) return HelpOf(command) + "\nERROR: Say which of these commands.\n";
-    return "ERROR: There is no command \"" + unknown.front() + "\"." +
-           DidYouMean(unknown.front(), CommandNames(command)) + kMore;
+    if (unknown.empty()) return kSayWhich;
+    return "There is no command \"" + unknown.front() + "\"." +
+           DidYouMean(unknown.front(), CommandNames(command));
   }
-  return "ERROR: " + (unknown.empty() ? what : UnknownWords(command, unknown)) + kMore;
+  return unknown.empty() ? what : UnknownWords(command, unknown);
 }
 
 }  // namespace
@@ -251,8 +252,12 @@ class CommandLine {
     std::ostringstream errors;
     const bool answered = app_.exit(error, output, errors) == 0;
     program_.console.Print(output.str());
-    program_.console.PrintError(errors.str());
-    return answered ? ExitCode::Done : ExitCode::WrongUse;
+    if (answered) return ExitCode::Done;
+    const bool which = errors.str() == kSayWhich;
+    if (which) program_.console.PrintError(HelpOf(Innermost(app_)) + "\n");
+    (void)program_.Misuse(errors.str());
+    if (!which) program_.console.PrintError("Run with --help for more information.\n");
+    return ExitCode::WrongUse;
   }
 
   // `tarvex help COMMAND`, `tarvex help` and `tarvex version`, as people type them elsewhere.

@@ -52,6 +52,12 @@ std::string Written(const Json& json, int indent) {
 
 }  // namespace
 
+Json::Json(const Json& other) = default;
+Json::Json(Json&& other) noexcept = default;
+Json& Json::operator=(const Json& other) = default;
+Json& Json::operator=(Json&& other) noexcept = default;
+Json::~Json() = default;
+
 Json::Json(std::initializer_list<Member> members) : value_(Object(members)) {}
 
 Json Json::EmptyList() {

@@ -25,6 +25,11 @@ class Json {
                              List, Object>;
 
   Json() = default;  ///< null
+  Json(const Json& other);
+  Json(Json&& other) noexcept;
+  Json& operator=(const Json& other);
+  Json& operator=(Json&& other) noexcept;
+  ~Json();
   Json(std::nullptr_t) {}
   Json(bool value) : value_(value) {}
   Json(double value) : value_(value) {}

@@ -25,17 +25,24 @@ void NoteInterrupt(int) {
 
 }  // namespace
 
+void Console::Tell(Notice kind, std::string_view text) {
+  const char* const mark = kind == Notice::Error     ? "ERROR: "
+                           : kind == Notice::Warning ? "WARNING: "
+                                                     : "";
+  PrintError(mark + std::string(text) + "\n");
+}
+
 void ConsoleObserver::OnError(const std::string& sentence) {
   console_.EndProgress();
-  console_.PrintError("ERROR: " + sentence + "\n");
+  console_.Tell(Notice::Error, sentence);
 }
 
 void ConsoleObserver::OnWarning(const std::string& sentence) {
-  console_.PrintError("WARNING: " + sentence + "\n");
+  console_.Tell(Notice::Warning, sentence);
 }
 
 void ConsoleObserver::OnMessage(std::string_view title, std::string_view text) {
-  console_.PrintError(std::string(title) + ": " + std::string(text) + "\n");
+  console_.Tell(Notice::Message, std::string(title) + ": " + std::string(text));
 }
 
 ExistingPointAnswer ConsoleObserver::AskExistingPoint(const ExistingPointQuestion& question) {

@@ -13,6 +13,9 @@ namespace tarvex {
 /// Exit codes of the program; bad input is never 0.
 enum class ExitCode : int { Done = 0, Failed = 1, WrongUse = 2 };
 
+/// What is told beside the results.
+enum class Notice { Error, Warning, Message };
+
 /// Text to the person: results to the standard output, everything else to the standard error. Texts
 /// hold names and answers from networks and files: what a terminal would obey is left out of them
 /// here (core/text/printable.h), once for all. A thread beside the one that works may print as
@@ -23,6 +26,8 @@ class Console {
 
   virtual void Print(std::string_view text) = 0;
   virtual void PrintError(std::string_view text) = 0;
+  /// One thing told, a sentence or more: "ERROR: ..." on the error output.
+  virtual void Tell(Notice kind, std::string_view text);
   /// The bytes of a file as they are; as Print when the standard output is a terminal.
   virtual void PrintBytes(std::string_view bytes) = 0;
   /// Draws on a terminal: `text` is our own, with the sequences that move its cursor.

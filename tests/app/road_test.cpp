@@ -269,7 +269,7 @@ TEST_F(RoadCommands, ImportTellsFaultsAndContradictions) {
   const ProgramResult odd = folder_.Run("road import odd.xml --out odd.cl --json");
   EXPECT_THAT(odd.errors,
               HasSubstr("the radius of the curve is 50.000 by its points, but says 49"));
-  EXPECT_THAT(odd.errors, HasSubstr("WARNING: FAULT: PC 0+100.000 to"));
+  EXPECT_THAT(odd.errors, HasSubstr(R"({"event":"warning","text":"FAULT: PC 0+100.000 to)"));
   EXPECT_THAT(odd.errors, HasSubstr("see: tarvex road check odd.cl"));
   EXPECT_EQ(JsonReading(odd.output)["faults"], 1);
 }
@@ -363,7 +363,7 @@ TEST_F(RoadCommands, PrintNothingBesideJson) {
   const ProgramResult point =
       folder_.Run("road point site.cl 1+210 --elevation 5 --store site.crd --id R1 --json");
   EXPECT_EQ(JsonReading(point.output)["elevation"], 5.0);
-  EXPECT_EQ(point.errors, "Stored point R1.\n");
+  EXPECT_EQ(JsonReading(point.errors)["text"], "Stored point R1.");
   const ProgramResult stake = folder_.Run(
       "road stake site.cl 1+210 --elevation 99 --at 5184676 520440 100 --job site.crd --store R2 "
       "--json");

@@ -4,6 +4,7 @@
 
 #include "app/cli/collect_view.h"
 #include "app/cli/command_line.h"
+#include "app/cli/json_events.h"
 #include "app/cli/key_reader.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/session_options.h"
@@ -33,6 +34,7 @@ struct CollectOptions {
   std::string description;
   std::string existing = "cancel";
   std::string recordedAt;
+  bool json = false;
 };
 
 // The first id to store under: the one asked for, or the one behind the last of the job.
@@ -75,14 +77,17 @@ class CollectInput {
   std::optional<TypedCommands> lines_;
 };
 
-ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program) {
+ExitCode Collect(const CollectPlan& plan, bool json, JobSession& session, Program& program) {
   CTrgCalculator calculator;
   std::string problem;
   CoordinateSystems systems(program);
   if (!MakeJobCalculator(session, systems, calculator, problem)) return program.Fail(problem);
   CollectView view(program);
+  JsonEvents events(program);
+  SessionListener& listener = json ? static_cast<SessionListener&>(events) : view;
   SessionCommands commands;
-  CollectSession collecting(program, session, calculator, plan, view, commands, InterruptRequested);
+  CollectSession collecting(program, session, calculator, plan, listener, commands,
+                            InterruptRequested);
   SessionEnd end = SessionEnd::Failed;
   {
     const CollectInput input(program, commands, plan, view);
@@ -90,6 +95,11 @@ ExitCode Collect(const CollectPlan& plan, JobSession& session, Program& program)
   }
   const ExitCode code = TellSessionEnd(program, collecting, plan, end, plan.count == 0);
   const long long stored = collecting.stored();
+  if (json) {
+    PrintEvent(program, "ended",
+               {{"end", SessionEndName(end)}, {"stored", stored}, {"job", session.job().path}});
+    return code;
+  }
   program.console.Print("Stored " + std::to_string(stored) + (stored == 1 ? " point" : " points") +
                         " in " + session.job().path + ".\n");
   return code;
@@ -128,7 +138,7 @@ ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedCl
     return program.Misuse("--on-enter needs a terminal to type in.");
   }
   if (code == ExitCode::Done) code = SettleFirstId(options, session, program);
-  return code == ExitCode::Done ? Collect(plan, session, program) : code;
+  return code == ExitCode::Done ? Collect(plan, options.json, session, program) : code;
 }
 
 // A recording can be collected at the time of the field.
@@ -188,6 +198,7 @@ void DeclareCollectCommand(Command& command) {
   command.Add("--recorded-at", options.recordedAt,
               "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
               "job's files then bear the times of the field");
+  command.AddFlag("--json", options.json, "Print a line of JSON for each event (docs/json.md)");
 }
 
 }  // namespace tarvex

@@ -40,13 +40,12 @@ class UndoneSteps {
 
   void Note(const std::string& sentence, std::size_t line) {
     if (lines_[sentence]++ > 0) return;
-    console_.PrintError("WARNING: line " + std::to_string(line) + ": " + sentence +
-                        " (--strict refuses such lines.)\n");
+    console_.Tell(Notice::Warning, "line " + std::to_string(line) + ": " + sentence +
+                                       " (--strict refuses such lines.)");
   }
   void TellCounts() const {
     for (const auto& [sentence, count] : lines_) {
-      if (count > 1)
-        console_.PrintError("WARNING: " + std::to_string(count) + " lines: " + sentence + "\n");
+      if (count > 1) console_.Tell(Notice::Warning, std::to_string(count) + " lines: " + sentence);
     }
   }
 

@@ -154,10 +154,10 @@ bool MakeSystem(const NewOptions& options, Program& program, SystemSource& sourc
   }
   TellPublishedUnit(source.name, options.units, program);
   if (source.datumShift == kNoShiftLabel) {
-    program.console.PrintError(
-        "WARNING: WGS84 latitude and longitude are taken for the system's own (--datum-shift "
+    program.Warn(
+        "WGS84 latitude and longitude are taken for the system's own (--datum-shift "
         "NONE): coordinates can be hundreds of metres off until a localization ties the job to "
-        "its control.\n");
+        "its control.");
   }
   return true;
 }

@@ -1,0 +1,70 @@
+// What --json prints, as another program reads it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <tuple>
+#include <vector>
+
+#include "core/text/text.h"
+#include "tests/app/json_reading.h"
+#include "tests/app/program_run.h"
+
+namespace tarvex {
+namespace {
+
+using testing::HasSubstr;
+
+// Each line is an event of its own.
+std::vector<JsonReading> Events(std::string_view lines) {
+  std::vector<JsonReading> events;
+  while (const auto line = TakeLine(lines)) {
+    if (!line->empty()) events.emplace_back(*line);
+  }
+  return events;
+}
+
+TEST(JsonEvents, OfASessionSayWhatWasStored) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
+  const auto ran = folder.Run("collect site.crd --receiver simulated --count 2 --json");
+  EXPECT_EQ(ran.exitCode, 0) << ran.errors;
+  const auto events = Events(ran.output);
+  ASSERT_EQ(events.size(), 5U) << ran.output;
+  const auto listed = JsonReading(folder.Run("points site.crd --json").output)["points"];
+  std::size_t stored = 0;
+  for (const JsonReading& event : events) {
+    if (event["event"] == "stored") {
+      EXPECT_EQ(event["point"], listed[stored++]);
+    }
+  }
+  EXPECT_EQ(stored, 2U);
+  EXPECT_EQ(events[0]["event"], "position");
+  EXPECT_EQ(events[0]["position"]["solution"], "FIXED");
+  EXPECT_EQ(events[4], JsonReading("{\"event\":\"ended\",\"end\":\"complete\",\"stored\":2,"
+                                   "\"job\":\"site.crd\"}"));
+}
+
+TEST(JsonEvents, OfWhatIsWrongAreLinesOfTheErrorOutput) {
+  ProgramFolder folder;
+  for (const auto& [line, exitCode, text] :
+       {std::tuple{"points no.crd --json", 1, "There is no job no.crd"},
+        std::tuple{"points --json", 2, "JOB.crd is required"},
+        std::tuple{"points no.crd --json --jsno", 2, "There is no option --jsno. Did you mean"},
+        std::tuple{"--json", 2, "There is no command"}}) {
+    const auto ran = folder.Run(line);
+    EXPECT_EQ(ran.exitCode, exitCode) << line;
+    EXPECT_EQ(ran.output, "") << line;
+    const auto events = Events(ran.errors);
+    ASSERT_FALSE(events.empty()) << line;
+    bool told = false;
+    for (const JsonReading& event : events) {
+      if (!(event["event"] == "error")) continue;
+      told = true;
+      EXPECT_THAT(event["text"].text(), HasSubstr(text)) << line;
+    }
+    EXPECT_TRUE(told) << ran.errors;
+  }
+}
+
+}  // namespace
+}  // namespace tarvex
