@@ -118,7 +118,7 @@ using Maker = MadeProjection (*)(const ProjectionParameters&);
 
 std::shared_ptr<const Projection> ProjectionOf(const Job& job, Maker maker) {
   const ProjectionRecord record = RecordOf(job);
-  return maker ? maker(ParametersOf(record)).projection : MakeProjection(record).projection;
+  return maker ? maker(ParametersOf(record)).value() : MakeProjection(record).value();
 }
 
 struct DestroyPj {

@@ -96,7 +96,7 @@ std::unique_ptr<const Projection> GermanGrid() {
   record.centralMeridianDeg = 9.0;
   record.scaleFactor = 1.0;
   record.falseEastingM = 3'500'000.0;
-  return MakeProjection(record).projection;
+  return MakeProjection(record).value();
 }
 
 void SevenParametersOurs(benchmark::State& state) {

@@ -100,8 +100,12 @@ void CTrgCalculator::SetRecord(const ProjectionRecord& record) {
   hasSystem_ = true;
   givesShift_ = HasDatumShift(record_);
   MadeProjection made = MakeProjection(record_);
-  projection_ = std::move(made.projection);
-  fault_ = made.fault;
+  projection_.reset();
+  if (made) {
+    projection_ = *std::move(made);
+  } else {
+    fault_ = made.failure().code;
+  }
   family_ = &FamilyOf(record_.projectionType);
   needsDatumShift_ = !TakesWgs84() && (HasDatumShift(record_) || !CoincidesWithWgs84(record_));
 }

@@ -172,8 +172,8 @@ class CTrgCalculator {
   const ProjectionFamily* family_ = &FamilyOf(0);
   std::string compoundName_;
   std::shared_ptr<const Projection> projection_;
-  ProjectionFault fault_ = ProjectionFault::None;
-  bool needsDatumShift_ = false;  ///< of the record and its projection
+  ProjectionFault fault_ = ProjectionFault::UnknownType;  ///< why there is no projection
+  bool needsDatumShift_ = false;                          ///< of the record and its projection
   CalculationSteps steps_;
   DistanceUnit unit_ = DistanceUnit::Metres;
 };

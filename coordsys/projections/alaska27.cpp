@@ -149,7 +149,7 @@ MadeProjection MakeTransverseMercatorAlaska27(const ProjectionParameters& parame
   if (!(std::fabs(kernel.falseEastingFt) < 1e8 &&
         std::fabs(kernel.centralMeridianS) > 100.0 * 3600.0 &&
         std::fabs(kernel.centralMeridianS) <= kFullCircleS)) {
-    return {nullptr, ProjectionFault::Coefficients};
+    return NotMade(ProjectionFault::Coefficients);
   }
   return MakeOfPoints(kernel);
 }

@@ -133,7 +133,7 @@ struct Kernel {
 
 MadeProjection MakeCassiniSoldner(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  if (!(std::fabs(phi0) < kFarthestLatitude)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
+  if (!(std::fabs(phi0) < kFarthestLatitude)) return NotMade(ProjectionFault::LatitudeOfOrigin);
   Kernel kernel;
   kernel.ellipsoid = ConstantsOf(parameters.ellipsoid);
   kernel.overA = 1.0 / kernel.ellipsoid.a;

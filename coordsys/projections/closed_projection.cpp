@@ -121,29 +121,29 @@ MadeProjection MakeTransverseMercator34(const ProjectionParameters& parameters,
                                         const std::shared_ptr<ClosedLibrary>& library) {
   const int area = parameters.denmarkArea;
   if (area < 0 || area >= static_cast<int>(std::size(kDanish))) {
-    return {nullptr, ProjectionFault::Area};
+    return NotMade(ProjectionFault::Area);
   }
   const EntryNames& names = kDanish[static_cast<std::size_t>(area)];
-  return {std::make_unique<ClosedProjection>(library, names, parameters), ProjectionFault::None};
+  return MadeProjection(std::make_unique<ClosedProjection>(library, names, parameters));
 }
 
 MadeProjection MakeClosedCassiniSoldner(const ProjectionParameters& parameters,
                                         const std::shared_ptr<ClosedLibrary>& library) {
   const MadeProjection probe = MakeCassiniSoldner(parameters);
-  if (!probe.projection) return {nullptr, probe.fault};
-  return {std::make_unique<ClosedProjection>(library, kCassini, parameters), ProjectionFault::None};
+  if (!probe) return probe.failure();
+  return MadeProjection(std::make_unique<ClosedProjection>(library, kCassini, parameters));
 }
 
 MadeProjection MakeClosedObliqueMercator(const ProjectionParameters& parameters,
                                          const std::shared_ptr<ClosedLibrary>& library) {
   const MadeProjection probe = MakeObliqueMercatorB(parameters);
-  if (!probe.projection) return {nullptr, probe.fault};
-  return {std::make_unique<ClosedProjection>(library, kOblique, parameters), ProjectionFault::None};
+  if (!probe) return probe.failure();
+  return MadeProjection(std::make_unique<ClosedProjection>(library, kOblique, parameters));
 }
 
 MadeProjection MakeObliqueMercatorEov(const ProjectionParameters& parameters,
                                       const std::shared_ptr<ClosedLibrary>& library) {
-  return {std::make_unique<ClosedProjection>(library, kEov, parameters), ProjectionFault::None};
+  return MadeProjection(std::make_unique<ClosedProjection>(library, kEov, parameters));
 }
 
 }  // namespace tarvex

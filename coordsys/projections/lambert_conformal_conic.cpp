@@ -109,17 +109,17 @@ MadeProjection MakeLambertConformalConic2SP(const ProjectionParameters& paramete
   const double phi1 = parameters.parallel1Rad;
   const double phi2 = parameters.parallel2OrAzimuthRad;
   if (!(std::fabs(phi1) < kFarthestLatitude && std::fabs(phi2) < kFarthestLatitude)) {
-    return {nullptr, ProjectionFault::StandardParallels};
+    return NotMade(ProjectionFault::StandardParallels);
   }
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const bool same = std::fabs(phi1 - phi2) < kSameParallel;
   const double n = same ? std::sin(phi1) : ConeConstant(c, phi1, phi2);
-  if (!(std::fabs(n) > kFlattestCone)) return {nullptr, ProjectionFault::StandardParallels};
+  if (!(std::fabs(n) > kFlattestCone)) return NotMade(ProjectionFault::StandardParallels);
   if (!(std::fabs(phi0) <= kQuarter) || (n * phi0 < 0.0 && std::fabs(phi0) > kFarthestLatitude)) {
-    return {nullptr, ProjectionFault::LatitudeOfOrigin};
+    return NotMade(ProjectionFault::LatitudeOfOrigin);
   }
   const double scale = parameters.scaleFactor == 0.0 ? 1.0 : parameters.scaleFactor;
-  if (!(scale > 0.5 && scale < 2.0)) return {nullptr, ProjectionFault::ScaleFactor};
+  if (!(scale > 0.5 && scale < 2.0)) return NotMade(ProjectionFault::ScaleFactor);
   return MakeOf(ConeOf(parameters, c, n, phi1, scale));
 }
 
@@ -127,7 +127,7 @@ MadeProjection MakeLambertConformalConic1SP(const ProjectionParameters& paramete
   const double phi0 = parameters.latitudeOfOriginRad;
   const double n = std::sin(phi0);
   if (!(std::fabs(phi0) < kFarthestLatitude && std::fabs(n) > kFlattestCone)) {
-    return {nullptr, ProjectionFault::LatitudeOfOrigin};
+    return NotMade(ProjectionFault::LatitudeOfOrigin);
   }
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   return MakeOf(ConeOf(parameters, c, n, phi0, parameters.scaleFactor));

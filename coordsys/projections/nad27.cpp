@@ -63,10 +63,8 @@ MadeProjection MakeInFeet(ProjectionParameters parameters,
   parameters.falseEastingM *= kMetresToUsFeet;
   parameters.falseNorthingM *= kMetresToUsFeet;
   MadeProjection made = make(parameters);
-  if (made.projection) {
-    made.projection = std::make_unique<InUsSurveyFeet>(std::move(made.projection));
-  }
-  return made;
+  if (!made) return made;
+  return MadeProjection(std::make_unique<InUsSurveyFeet>(*std::move(made)));
 }
 
 }  // namespace

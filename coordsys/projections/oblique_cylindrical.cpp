@@ -72,7 +72,7 @@ struct Kernel {
 
 MadeProjection MakeObliqueCylindrical(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  if (!(std::fabs(phi0) < kQuarter * 0.99)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
+  if (!(std::fabs(phi0) < kQuarter * 0.99)) return NotMade(ProjectionFault::LatitudeOfOrigin);
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction centre = Toward(phi0);
   const double cos2 = centre.cos * centre.cos;

@@ -110,9 +110,9 @@ MadeProjection Make(const ProjectionParameters& parameters, bool falseOriginAtCe
   const double phi = parameters.latitudeOfOriginRad;
   const CentralLine line = CentralLineOf(parameters);
   if (!(std::fabs(phi) > 1e-6 && std::fabs(phi) < kQuarter * 0.99)) {
-    return {nullptr, ProjectionFault::LatitudeOfOrigin};
+    return NotMade(ProjectionFault::LatitudeOfOrigin);
   }
-  if (!(std::fabs(line.azimuthRad) > 1e-6)) return {nullptr, ProjectionFault::Azimuth};
+  if (!(std::fabs(line.azimuthRad) > 1e-6)) return NotMade(ProjectionFault::Azimuth);
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction centre = Toward(phi);
   const Direction azimuth = Toward(line.azimuthRad);

@@ -68,7 +68,7 @@ struct Kernel {
 
 MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  if (!(std::fabs(phi0) <= kQuarter)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
+  if (!(std::fabs(phi0) <= kQuarter)) return NotMade(ProjectionFault::LatitudeOfOrigin);
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction origin = Toward(phi0);
   const double radius =

@@ -16,7 +16,8 @@ constexpr double kLargestScale = 2.0;
 constexpr double kFarthestOriginM = 1e8;
 
 // What every family asks of its parameters.
-ProjectionFault CommonFault(const ProjectionParameters& parameters, ScaleFactorUse scale) {
+std::optional<ProjectionFault> CommonFault(const ProjectionParameters& parameters,
+                                           ScaleFactorUse scale) {
   if (!IsEarthEllipsoid(parameters.ellipsoid)) return ProjectionFault::Ellipsoid;
   const double k0 = parameters.scaleFactor;
   if (scale == ScaleFactorUse::Needed && !(k0 >= kSmallestScale && k0 <= kLargestScale)) {
@@ -29,7 +30,7 @@ ProjectionFault CommonFault(const ProjectionParameters& parameters, ScaleFactorU
         std::fabs(parameters.falseNorthingM) <= kFarthestOriginM)) {
     return ProjectionFault::FalseOrigin;
   }
-  return ProjectionFault::None;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -85,10 +86,9 @@ ProjectionParameters ParametersOf(const ProjectionRecord& record) {
 MadeProjection MakeProjection(const ProjectionRecord& record,
                               const std::shared_ptr<ClosedLibrary>& coordSys) {
   const ProjectionFamily& family = FamilyOf(record.projectionType);
-  if (family.name.empty()) return {nullptr, ProjectionFault::UnknownType};
+  if (family.name.empty()) return NotMade(ProjectionFault::UnknownType);
   const ProjectionParameters parameters = ParametersOf(record);
-  const ProjectionFault fault = CommonFault(parameters, family.scaleFactor);
-  if (fault != ProjectionFault::None) return {nullptr, fault};
+  if (const auto fault = CommonFault(parameters, family.scaleFactor)) return NotMade(*fault);
   return family.make ? family.make(parameters) : family.makeClosed(parameters, coordSys);
 }
 

@@ -15,6 +15,7 @@
 #include "coordsys/closed/closed_library.h"
 #include "coordsys/ellipsoids.h"
 #include "coordsys/projections/projection_record.h"
+#include "core/text/outcome.h"
 
 namespace tarvex {
 
@@ -64,7 +65,6 @@ constexpr PlaneOrigin PlaneOriginOf(const ProjectionParameters& parameters) {
 
 /// Which parameter keeps a projection from being made.
 enum class ProjectionFault : int {
-  None,
   Ellipsoid,
   ScaleFactor,
   CentralMeridian,
@@ -99,11 +99,12 @@ class Projection {
   virtual std::optional<double> PointScale(LatLon) const noexcept { return std::nullopt; }
 };
 
-/// A projection, or the fault that there is none.
-struct [[nodiscard]] MadeProjection {
-  std::unique_ptr<const Projection> projection;
-  ProjectionFault fault = ProjectionFault::None;
-};
+/// A projection, never null, or why there is none.
+using MadeProjection = Outcome<std::unique_ptr<const Projection>, ProjectionFault>;
+
+inline Failure<ProjectionFault> NotMade(ProjectionFault fault) {
+  return {.code = fault};
+}
 
 /// The projection of a record: the dispatch on its type. Types 12 to 15 are computed by
 /// `coordSys`, which is loaded when the first point is converted.

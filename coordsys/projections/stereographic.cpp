@@ -109,7 +109,7 @@ MadeProjection MakePolar(const ProjectionParameters& parameters, const Ellipsoid
 
 MadeProjection MakeStereographic(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  if (!(std::fabs(phi0) <= kQuarter)) return {nullptr, ProjectionFault::LatitudeOfOrigin};
+  if (!(std::fabs(phi0) <= kQuarter)) return NotMade(ProjectionFault::LatitudeOfOrigin);
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   if (std::fabs(phi0) >= kAtPole) return MakePolar(parameters, c);
   const Direction origin = Toward(phi0);

@@ -137,7 +137,7 @@ struct Kernel {
 
 MadeProjection MakeTransverseMercator(const ProjectionParameters& parameters) {
   if (!(std::fabs(parameters.latitudeOfOriginRad) <= std::numbers::pi / 2.0)) {
-    return {nullptr, ProjectionFault::LatitudeOfOrigin};
+    return NotMade(ProjectionFault::LatitudeOfOrigin);
   }
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   Kernel kernel;

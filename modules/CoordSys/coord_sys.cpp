@@ -62,9 +62,9 @@ const Projection* ProjectionOf(const CoordSysParameters* given) {
   thread_local std::optional<Last> last;
   if (!given) return nullptr;
   if (!last || !Same(last->parameters, *given)) {
-    last = Last{*given, make(Parameters(*given))};
+    last.emplace(Last{*given, make(Parameters(*given))});
   }
-  return last->made.projection.get();
+  return last->made ? last->made->get() : nullptr;
 }
 
 const Eov* EovOf(const CoordSysParameters* given) {

@@ -40,7 +40,7 @@ Eov::Eov(const CoordSysParameters& parameters)
   official.scaleFactor = Or(parameters.scaleFactor, 0.99993);
   official.falseEastingM = Or(parameters.falseEasting, 650000.0);
   official.falseNorthingM = Or(parameters.falseNorthing, 200000.0);
-  projection_ = MakeObliqueCylindrical(official);
+  if (auto made = MakeObliqueCylindrical(official)) projection_ = *std::move(made);
 }
 
 std::optional<PlanePoint> Eov::FromWgs84(LatLon wgs84) const {
@@ -50,9 +50,9 @@ std::optional<PlanePoint> Eov::FromWgs84(LatLon wgs84) const {
   const Geodetic hd72 =
       hungary.ToGeodetic(TranslateUnrotateScale(InverseArguments(Shift(parameters_)), at));
   PlanePoint point;
-  if (!projection_.projection) return std::nullopt;
+  if (!projection_) return std::nullopt;
   const ProjectionResult result =
-      projection_.projection->Forward({hd72.latitudeRad, hd72.longitudeRad}, point);
+      projection_->Forward({hd72.latitudeRad, hd72.longitudeRad}, point);
   return result == ProjectionResult::Done ? std::optional(point) : std::nullopt;
 }
 
@@ -60,8 +60,7 @@ std::optional<LatLon> Eov::ToWgs84(PlanePoint point) const {
   static const GeocentricFrame earth(kWgs84);
   const GeocentricFrame hungary(ellipsoid_);
   LatLon hd72;
-  if (!projection_.projection ||
-      projection_.projection->Inverse(point, hd72) != ProjectionResult::Done) {
+  if (!projection_ || projection_->Inverse(point, hd72) != ProjectionResult::Done) {
     return std::nullopt;
   }
   Geodetic onHd72{hd72.latitudeRad, hd72.longitudeRad, 0.0};

@@ -24,7 +24,7 @@ class Eov {
  private:
   Ellipsoid ellipsoid_;
   CoordSysParameters parameters_;
-  MadeProjection projection_;
+  std::unique_ptr<const Projection> projection_;  ///< null when the parameters give none
 };
 
 }  // namespace tarvex

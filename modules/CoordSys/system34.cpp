@@ -34,7 +34,7 @@ const Projection& Tc32() {
     parameters.falseEastingM = 500000.0;
     return MakeTransverseMercator(parameters);
   }();
-  return *made.projection;
+  return **made;
 }
 
 // sum_i outer^i sum_j c[i][j] inner^j, both from the highest power down.

@@ -26,10 +26,10 @@ void Check(const GeodesyCase& c) {
   DefinitionFacts facts;
   ReadDefinition(c.definition, record, facts, nullptr);
   const MadeProjection made = MakeProjection(record);
-  ASSERT_TRUE(made.projection) << c.where << ": fault " << static_cast<int>(made.fault);
+  ASSERT_TRUE(made) << c.where << ": fault " << static_cast<int>(made.failure().code);
   if (c.forward) {
     PlanePoint point;
-    ASSERT_EQ(made.projection->Forward(
+    ASSERT_EQ((*made)->Forward(
                   {c.latitudeDeg * kRadiansPerDegree, c.longitudeDeg * kRadiansPerDegree}, point),
               ProjectionResult::Done)
         << c.where;
@@ -38,9 +38,9 @@ void Check(const GeodesyCase& c) {
   }
   if (c.inverse) {
     LatLon position;
-    ASSERT_EQ(made.projection->Inverse({c.northing * c.metresPerUnit, c.easting * c.metresPerUnit},
-                                       position),
-              ProjectionResult::Done)
+    ASSERT_EQ(
+        (*made)->Inverse({c.northing * c.metresPerUnit, c.easting * c.metresPerUnit}, position),
+        ProjectionResult::Done)
         << c.where;
     EXPECT_LT(Distance(c.latitudeDeg, c.longitudeDeg, position), 1.5 * c.toleranceM) << c.where;
   }
