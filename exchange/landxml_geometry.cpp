@@ -64,7 +64,7 @@ class GeometryReader {
     PlanElement line;
     line.start = source_.NeedPoint(node, "Start");
     line.end = source_.NeedPoint(node, "End");
-    line.length = source_.Number(node, "length").value_or(DistanceBetween(line.start, line.end));
+    line.length = source_.Number(node, "length").value_or(Distance(line.start, line.end));
     return line;
   }
 
@@ -81,7 +81,7 @@ class GeometryReader {
     } else {
       arc.center = CenterOfArc(arc, source_.NeedNumber(node, "radius"), length);
     }
-    arc.radiusStart = arc.radiusEnd = DistanceBetween(arc.start, arc.center);
+    arc.radiusStart = arc.radiusEnd = Distance(arc.start, arc.center);
     arc.length = length.value_or(arc.radiusStart * SweepOf(arc));
     if (radius) Compare(node, "radius", *radius, arc.radiusStart);
     if (length) Compare(node, "length", *length, arc.radiusStart * SweepOf(arc));
@@ -134,7 +134,7 @@ class GeometryReader {
                                          FixedNumber(*stated, 4)});
     }
     if (elements.size() < 2) return;
-    const double gap = DistanceBetween(elements[elements.size() - 2].end, element.start);
+    const double gap = Distance(elements[elements.size() - 2].end, element.start);
     if (gap > kLargestGap) {
       source_.Refuse(LandXmlResult::CannotHold, node, kTextElementsApart, {FixedNumber(gap, 3)});
     }

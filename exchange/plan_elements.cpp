@@ -4,25 +4,19 @@
 #include <cmath>
 #include <numbers>
 
+#include "roads/curve_piece.h"
+
 namespace tarvex {
 namespace {
 
 constexpr double kPi = std::numbers::pi;
 constexpr double kSameRadius = 1e-6;  // relative
 
-double Azimuth(const PlanPoint& from, const PlanPoint& to) {
-  return std::atan2(to.easting - from.easting, to.northing - from.northing);
-}
-
 }  // namespace
-
-double DistanceBetween(const PlanPoint& a, const PlanPoint& b) {
-  return std::hypot(a.northing - b.northing, a.easting - b.easting);
-}
 
 PlanPoint CenterOfShortArc(const PlanPoint& start, const PlanPoint& end, double radius,
                            double turn) {
-  const double half = 0.5 * DistanceBetween(start, end);
+  const double half = 0.5 * Distance(start, end);
   const double height = std::sqrt(std::max(0.0, radius * radius - half * half));
   const double across = Azimuth(start, end) + turn * 0.5 * kPi;
   return {0.5 * (start.northing + end.northing) + height * std::cos(across),
@@ -30,9 +24,7 @@ PlanPoint CenterOfShortArc(const PlanPoint& start, const PlanPoint& end, double 
 }
 
 double SweepOf(const PlanElement& arc) {
-  const double sweep = arc.turn * (Azimuth(arc.center, arc.end) - Azimuth(arc.center, arc.start));
-  const double wrapped = std::fmod(sweep, 2.0 * kPi);
-  return wrapped < 0.0 ? wrapped + 2.0 * kPi : wrapped;
+  return FullAngle(arc.turn * (Azimuth(arc.center, arc.end) - Azimuth(arc.center, arc.start)));
 }
 
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "roads/centerline.h"
-#include "roads/curve_piece.h"
+#include "roads/plan_point.h"
 
 namespace tarvex {
 
@@ -30,8 +30,6 @@ struct PlanElement {
     return shape == PlanShape::Spiral && radiusStart > 0.0 && radiusEnd == 0.0;
   }
 };
-
-double DistanceBetween(const PlanPoint& a, const PlanPoint& b);
 
 /// Centre of the arc from start to end that turns less than half a circle.
 PlanPoint CenterOfShortArc(const PlanPoint& start, const PlanPoint& end, double radius,

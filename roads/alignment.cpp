@@ -17,14 +17,6 @@ constexpr double kFollowFactor = 1.1;
 constexpr double kFeetPerMetre = 3.28;
 constexpr double kMissedFoot = 0.001;  // runs of 0.0005 have no element: so wide a gap may be left
 
-double FullAngle(double angle) {
-  return angle < 0.0 ? angle + 2.0 * std::numbers::pi : angle;
-}
-
-bool IsFinite(const PlanPoint& point) {
-  return std::isfinite(point.northing) && std::isfinite(point.easting);
-}
-
 // The lower station of two that are as near.
 bool IsBetter(const StationOffset& a, const StationOffset& b) {
   if (std::fabs(a.distance - b.distance) > kTie) return a.distance < b.distance;

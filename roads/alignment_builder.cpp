@@ -18,29 +18,8 @@ constexpr double kLargestRadius = 1e9;
 constexpr double kHalfCircle = 1e-6;  // radians about a half circle where the centre has no side
 constexpr std::size_t kMostPanels = 200000;
 
-double WrapAngle(double angle) {
-  return std::remainder(angle, 2.0 * kPi);
-}
-
-double FullAngle(double angle) {
-  const double wrapped = std::fmod(angle, 2.0 * kPi);
-  return wrapped < 0.0 ? wrapped + 2.0 * kPi : wrapped;
-}
-
-PlanPoint At(const CenterlineElement& node) {
-  return {node.northing, node.easting};
-}
-
 PlanPoint CenterOf(const CenterlineElement& node) {
   return {node.centerNorthing, node.centerEasting};
-}
-
-double Azimuth(const PlanPoint& from, const PlanPoint& to) {
-  return std::atan2(to.easting - from.easting, to.northing - from.northing);
-}
-
-double Distance(const PlanPoint& a, const PlanPoint& b) {
-  return std::hypot(a.northing - b.northing, a.easting - b.easting);
 }
 
 // > 0 when `point` lies right of the line from `from` to `to`.
@@ -60,8 +39,8 @@ bool IsFinite(const CenterlineElement& node) {
 }  // namespace
 
 AlignmentBuilder::Run AlignmentBuilder::RunBetween(std::size_t from, std::size_t to) const {
-  const PlanPoint a = At(chain_[from]);
-  const PlanPoint b = At(chain_[to]);
+  const PlanPoint a = PlaceOf(chain_[from]);
+  const PlanPoint b = PlaceOf(chain_[to]);
   return {from, to, Distance(a, b), Azimuth(a, b), chain_[to].station - chain_[from].station};
 }
 
@@ -115,7 +94,7 @@ std::size_t AlignmentBuilder::TakeGroup(std::size_t node) {
       CircleAt(node + 1, entryRun.chord >= kZeroLength ? entryRun : RunBetween(node + 1, exit));
   if (collapsed) {
     circle = CircleAt(node, RunBetween(node, exit + 1));
-    if (circle) circle->radius = Distance(At(chain_[exit]), circle->center);
+    if (circle) circle->radius = Distance(PlaceOf(chain_[exit]), circle->center);
   }
   if (!circle || circle->radius < kSmallestRadius) {
     for (std::size_t i = node; i <= exit; ++i) {
@@ -150,9 +129,9 @@ std::optional<AlignmentBuilder::Circle> AlignmentBuilder::CircleAt(std::size_t n
                                                                    const Run& run) const {
   const CenterlineElement& curve = chain_[node];
   const PlanPoint center = CenterOf(curve);
-  const double radius = Distance(At(curve), center);
+  const double radius = Distance(PlaceOf(curve), center);
   if (!(radius >= kSmallestRadius && radius <= kLargestRadius)) return std::nullopt;
-  const double side = Side(At(chain_[run.from]), At(chain_[run.to]), center);
+  const double side = Side(PlaceOf(chain_[run.from]), PlaceOf(chain_[run.to]), center);
   return Circle{center, radius, side < 0.0 ? -1.0 : 1.0};
 }
 
@@ -183,7 +162,7 @@ void AlignmentBuilder::AddTangent(const Run& run, ElementFault fault) {
   if (run.chord < kZeroLength) return;
   AlignmentElement element = Begin(run, ElementShape::Tangent, fault);
   element.residuals.length = run.chord - run.stations;
-  Finish(element, MakeArcPiece(At(chain_[run.from]), run.azimuth, 0.0, run.chord));
+  Finish(element, MakeArcPiece(PlaceOf(chain_[run.from]), run.azimuth, 0.0, run.chord));
 }
 
 // The centre decides the turn; the sign of the angle only where the centre lies on the chord.
@@ -197,8 +176,8 @@ double AlignmentBuilder::TurnOf(const Run& run, const CenterlineElement& curve, 
 
 void AlignmentBuilder::AddArc(const Run& run, const CenterlineElement& curve) {
   if (run.chord < kZeroLength) return;
-  const PlanPoint from = At(chain_[run.from]);
-  const PlanPoint to = At(chain_[run.to]);
+  const PlanPoint from = PlaceOf(chain_[run.from]);
+  const PlanPoint to = PlaceOf(chain_[run.to]);
   const PlanPoint center = CenterOf(curve);
   if (!(curve.radius >= kSmallestRadius && curve.radius <= kLargestRadius)) {
     return AddTangent(run, ElementFault::NoCentre);
@@ -238,7 +217,7 @@ void AlignmentBuilder::AddTransition(const Run& run, const Circle& circle, bool 
     if (!fitted) return AddTangent(run, ElementFault::SpiralTooTight);
     length = *fitted;
   }
-  const double radial = Azimuth(circle.center, At(chain_[entry ? run.to : run.from]));
+  const double radial = Azimuth(circle.center, PlaceOf(chain_[entry ? run.to : run.from]));
   const double atCurve = radial + circle.turn * 0.5 * kPi;
   const double sweep = circle.turn * 0.5 * length / circle.radius;
   const double atTangent = entry ? atCurve - sweep : atCurve + sweep;
@@ -257,7 +236,7 @@ void AlignmentBuilder::AddSpiral(const Run& run, AlignmentElement element, doubl
     return AddTangent(run, ElementFault::SpiralTooTight);
   }
   const double azimuth = run.azimuth - std::atan2(end.y, end.x);
-  Finish(element, MakeSpiralPiece(At(chain_[run.from]), azimuth, k0 / scale, k1 / scale,
+  Finish(element, MakeSpiralPiece(PlaceOf(chain_[run.from]), azimuth, k0 / scale, k1 / scale,
                                   length * scale, alignment_.panels_));
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/text/fixed_text.h"
+#include "roads/plan_point.h"
 #include "roads/station_equations.h"
 
 namespace tarvex {
@@ -60,6 +61,14 @@ struct CenterlineElement {
 
   bool operator==(const CenterlineElement&) const = default;
 };
+
+inline PlanPoint PlaceOf(const CenterlineElement& element) {
+  return {element.northing, element.easting};
+}
+
+inline double Distance(const CenterlineElement& a, const CenterlineElement& b) {
+  return Distance(PlaceOf(a), PlaceOf(b));
+}
 
 /// "0" and an empty text both mean no point id.
 inline bool HasId(const CenterlineId& id) {

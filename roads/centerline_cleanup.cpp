@@ -1,6 +1,5 @@
 #include "roads/centerline_cleanup.h"
 
-#include <cmath>
 #include <cstddef>
 
 namespace tarvex {
@@ -42,8 +41,7 @@ class CleanUpWalk {
 
   bool Examined(std::size_t at, std::size_t next) const {
     if (at == head_ && chain_[next].kind != ElementKind::Vertex) return false;
-    return std::hypot(chain_[at].northing - chain_[next].northing,
-                      chain_[at].easting - chain_[next].easting) < kSamePlace;
+    return Distance(chain_[at], chain_[next]) < kSamePlace;
   }
 
   void Compare(std::size_t at, std::size_t next) {

@@ -20,11 +20,6 @@ constexpr std::size_t kShortestLine = 3;
 constexpr std::size_t kKindLength = 9;
 constexpr double kSameAzimuth = 0.0001;
 constexpr double kLeadIn = 0.000001;
-constexpr double kFullCircle = 2.0 * std::numbers::pi;
-
-double Distance(const CenterlineElement& a, const CenterlineElement& b) {
-  return std::hypot(a.northing - b.northing, a.easting - b.easting);
-}
 
 std::string_view KindText(std::string_view field) {
   field = WithoutOuterBlanks(field);

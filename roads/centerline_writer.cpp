@@ -94,10 +94,6 @@ std::string_view KindName(const CenterlineElement& element) {
   }
 }
 
-double Distance(const CenterlineElement& a, const CenterlineElement& b) {
-  return std::hypot(a.northing - b.northing, a.easting - b.easting);
-}
-
 // Key points that coincide are left in a chain where a third one was merged between them. So that
 // they stay when they are read again, a record goes between them that the reader takes away: an "L"
 // under a "TS", or under a "PC" so that this has its id from there; an "ST" behind a key point with

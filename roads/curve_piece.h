@@ -17,15 +17,9 @@
 #include <span>
 #include <vector>
 
+#include "roads/plan_point.h"
+
 namespace tarvex {
-
-/// A position in the plane of the grid.
-struct PlanPoint {
-  double northing = 0.0;
-  double easting = 0.0;
-
-  bool operator==(const PlanPoint&) const = default;
-};
 
 /// Position and unit tangent in a local frame.
 struct LocalFrame {
