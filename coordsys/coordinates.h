@@ -1,6 +1,8 @@
 // The values that flow through the coordinate chain.
 #pragma once
 
+#include <cmath>
+
 namespace tarvex {
 
 /// A position on an ellipsoid: radians, north and east positive, ellipsoid height in metres.
@@ -20,5 +22,9 @@ struct Geocentric {
 
   bool operator==(const Geocentric&) const = default;
 };
+
+inline double Distance(const Geocentric& a, const Geocentric& b) {
+  return std::hypot(a.xM - b.xM, a.yM - b.yM, a.zM - b.zM);
+}
 
 }  // namespace tarvex

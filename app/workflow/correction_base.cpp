@@ -13,10 +13,6 @@ namespace {
 constexpr double kFarM = 100'000.0;
 constexpr double kMetresPerKilometre = 1000.0;
 
-double Distance(const Geocentric& a, const Geocentric& b) {
-  return std::hypot(a.xM - b.xM, a.yM - b.yM, a.zM - b.zM);
-}
-
 }  // namespace
 
 double DistanceToBaseM(const BaseStation& base, const GnssPositionState& rover) {

@@ -6,10 +6,9 @@
 namespace tarvex {
 namespace {
 
-constexpr double kQuarter = std::numbers::pi / 2.0;
 constexpr double kWidest = 0.1;
 constexpr double kWidestLongitude = 0.2;
-constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
+constexpr double kFarthestLatitude = kQuarterTurn * 89.0 / 90.0;
 constexpr double kNarrowLongitude = 0.03;  // 1.7 degrees
 constexpr int kMostPasses = 5;
 constexpr double kNearlyClosedM = 4e-6;  // one more step then closes to 1e-7
@@ -60,7 +59,7 @@ struct Kernel {
     const Lanes east = point.eastingM - origin.falseEastingM;
     const Lanes mu = north * overRectifyingRadius;
     const LaneMask<Lanes> inReach =
-        Within(mu, kQuarter) & Within(east, 1.1 * kWidest * ellipsoid.a);
+        Within(mu, kQuarterTurn) & Within(east, 1.1 * kWidest * ellipsoid.a);
     const DirectionOf<Lanes> atMu = Toward(mu);
     const Lanes correction = eta.Sum(atMu.Sin2(), atMu.Cos2());
     DirectionOf<Lanes> at = atMu.Turned(correction);

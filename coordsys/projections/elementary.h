@@ -16,6 +16,8 @@
 
 namespace tarvex {
 
+inline constexpr double kQuarterTurn = std::numbers::pi / 2.0;
+
 template <typename Lanes>
 struct LaneRow {
   Lanes first;
@@ -87,7 +89,6 @@ inline SineCosine<Lanes> SineCosineOf(Lanes x) {
 template <typename Lanes>
 inline Lanes AngleOf(Lanes sin, Lanes cos) {
   if constexpr (kLanes<Lanes> == 1) return AngleOf(TwoLanes{sin, sin}, TwoLanes{cos, cos})[0];
-  constexpr double kQuarter = std::numbers::pi / 2.0;
   const Lanes small = LesserOf(Absolute(sin), Absolute(cos));
   const Lanes large = GreaterOf(Absolute(sin), Absolute(cos));
   const Lanes rounded = small * static_cast<double>(kArcSteps) + kRounder;
@@ -100,7 +101,7 @@ inline Lanes AngleOf(Lanes sin, Lanes cos) {
   const LaneMask<Lanes> steep = Less(Absolute(cos), Absolute(sin));
   const LaneMask<Lanes> left = -(BitsOf(cos) >> 63);
   const LaneMask<Lanes> turned = (steep ^ left) & kSignBit;
-  const Lanes axis = Select(steep, InAll<Lanes>(kQuarter),
+  const Lanes axis = Select(steep, InAll<Lanes>(kQuarterTurn),
                             FromBits<Lanes>(left & BitsOf(InAll<Lanes>(std::numbers::pi))));
   const Lanes angle = axis + FromBits<Lanes>(BitsOf(arc) ^ turned);
   return FromBits<Lanes>(BitsOf(angle) ^ (BitsOf(sin) & kSignBit));

@@ -6,8 +6,7 @@
 namespace tarvex {
 namespace {
 
-constexpr double kQuarter = std::numbers::pi / 2.0;
-constexpr double kFarthestLatitude = kQuarter * 89.0 / 90.0;
+constexpr double kFarthestLatitude = kQuarterTurn * 89.0 / 90.0;
 constexpr double kSameParallel = 1e-10;
 constexpr double kFlattestCone = 1e-6;
 constexpr double kPoleCosine = 1e-15;  // 6e-9 m from the pole
@@ -85,7 +84,7 @@ struct Kernel {
 Kernel ConeOf(const ProjectionParameters& parameters, const EllipsoidConstants& c, double n,
               double phi1, double scale) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  const bool polar = std::fabs(phi0) >= kQuarter * (1.0 - 1e-12);
+  const bool polar = std::fabs(phi0) >= kQuarterTurn * (1.0 - 1e-12);
   const double psi1 = c.Isometric(phi1);
   const double radius1 = c.a * scale * LengthOfParallel(c, phi1) / n;
   Kernel kernel;
@@ -115,7 +114,8 @@ MadeProjection MakeLambertConformalConic2SP(const ProjectionParameters& paramete
   const bool same = std::fabs(phi1 - phi2) < kSameParallel;
   const double n = same ? std::sin(phi1) : ConeConstant(c, phi1, phi2);
   if (!(std::fabs(n) > kFlattestCone)) return NotMade(ProjectionFault::StandardParallels);
-  if (!(std::fabs(phi0) <= kQuarter) || (n * phi0 < 0.0 && std::fabs(phi0) > kFarthestLatitude)) {
+  if (!(std::fabs(phi0) <= kQuarterTurn) ||
+      (n * phi0 < 0.0 && std::fabs(phi0) > kFarthestLatitude)) {
     return NotMade(ProjectionFault::LatitudeOfOrigin);
   }
   const double scale = parameters.scaleFactor == 0.0 ? 1.0 : parameters.scaleFactor;

@@ -6,11 +6,6 @@
 namespace tarvex {
 namespace {
 
-constexpr double kQuarter = std::numbers::pi / 2.0;
-// Of the sphere, whose longitudes are stretched by c: beyond it lies the other side of the seam.
-constexpr double kHalfTurn = std::numbers::pi * (1.0 + 1e-15);
-constexpr double kFarthestAcross = 0.95;                 // sine of 71 degrees
-constexpr double kFarthestAcrossIsometric = 1.83178083;  // atanh of it
 constexpr double kClosing = 1e-9;
 
 struct Kernel {
@@ -40,7 +35,7 @@ struct Kernel {
     const Lanes along = AngleOf(b.cos * l.sin * over, (b0.sin * b.sin + b0.cos * forth) * over);
     point.eastingM = origin.falseEastingM + radiusM * along;
     point.northingM = origin.falseNorthingM + radiusM * LogarithmOf((length + across) * over);
-    return AtMost(Absolute(across), kFarthestAcross * length) & Within(along, kQuarter) &
+    return AtMost(Absolute(across), kFarthestAcross * length) & Within(along, kQuarterTurn) &
            Within(turn, kHalfTurn);
   }
 
@@ -64,7 +59,8 @@ struct Kernel {
     Lanes turn;
     ellipsoid.FromConformal(chi, {east * over, north * over}, position.latitudeRad, turn);
     position.longitudeRad = WrappedLongitude(origin.centralMeridianRad + turn * overC);
-    return Within(across, kFarthestAcrossIsometric + kClosing) & Within(along, kQuarter + kClosing);
+    return Within(across, kFarthestAcrossIsometric + kClosing) &
+           Within(along, kQuarterTurn + kClosing);
   }
 };
 
@@ -72,7 +68,7 @@ struct Kernel {
 
 MadeProjection MakeObliqueCylindrical(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  if (!(std::fabs(phi0) < kQuarter * 0.99)) return NotMade(ProjectionFault::LatitudeOfOrigin);
+  if (!(std::fabs(phi0) < kQuarterTurn * 0.99)) return NotMade(ProjectionFault::LatitudeOfOrigin);
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction centre = Toward(phi0);
   const double cos2 = centre.cos * centre.cos;

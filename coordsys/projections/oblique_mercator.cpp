@@ -8,11 +8,6 @@
 namespace tarvex {
 namespace {
 
-constexpr double kQuarter = std::numbers::pi / 2.0;
-// Of the sphere, whose longitudes are stretched by b: beyond it lies the other side of the seam.
-constexpr double kHalfTurn = std::numbers::pi * (1.0 + 1e-15);
-constexpr double kFarthestAcross = 0.95;                 // sine of 71 degrees
-constexpr double kFarthestAcrossIsometric = 1.83178083;  // atanh of it
 constexpr double kClosing = 1e-9;
 constexpr double kAtPole = 1e-32;  // keeps the pole itself out of a division by nothing
 
@@ -56,7 +51,7 @@ struct Kernel {
     const Lanes u = radiusM * (along + centreAngle - originAngle);      // (9-31)
     point.eastingM = origin.falseEastingM + v * gc.cos + u * gc.sin;    // (9-33)
     point.northingM = origin.falseNorthingM + u * gc.cos - v * gc.sin;  // (9-34)
-    return AtMost(Absolute(across), kFarthestAcross * cosh) & Within(along, kQuarter) &
+    return AtMost(Absolute(across), kFarthestAcross * cosh) & Within(along, kQuarterTurn) &
            Within(turn, kHalfTurn);
   }
 
@@ -83,7 +78,7 @@ struct Kernel {
     ellipsoid.FromConformal(chi, {aside * over, z.cos * over}, position.latitudeRad, turn);
     position.longitudeRad = WrappedLongitude(origin.centralMeridianRad - turn * overB);
     return Within(v, kFarthestAcrossIsometric + kClosing) &
-           Within(u - centreAngle, kQuarter + kClosing);
+           Within(u - centreAngle, kQuarterTurn + kClosing);
   }
 };
 
@@ -99,7 +94,7 @@ CentralLine CentralLineOf(const ProjectionParameters& parameters) {
   line.azimuthRad = WrappedLongitude(parameters.parallel2OrAzimuthRad);
   const bool rectifiedGiven = parameters.rectifiedAngleRad != 0.0;
   line.rectifiedRad = rectifiedGiven ? parameters.rectifiedAngleRad : line.azimuthRad;
-  if (std::fabs(line.azimuthRad) > kQuarter) {
+  if (std::fabs(line.azimuthRad) > kQuarterTurn) {
     line.azimuthRad -= std::copysign(std::numbers::pi, line.azimuthRad);
     line.rectifiedRad -= std::copysign(std::numbers::pi, line.rectifiedRad);
   }
@@ -109,7 +104,7 @@ CentralLine CentralLineOf(const ProjectionParameters& parameters) {
 MadeProjection Make(const ProjectionParameters& parameters, bool falseOriginAtCentre) {
   const double phi = parameters.latitudeOfOriginRad;
   const CentralLine line = CentralLineOf(parameters);
-  if (!(std::fabs(phi) > 1e-6 && std::fabs(phi) < kQuarter * 0.99)) {
+  if (!(std::fabs(phi) > 1e-6 && std::fabs(phi) < kQuarterTurn * 0.99)) {
     return NotMade(ProjectionFault::LatitudeOfOrigin);
   }
   if (!(std::fabs(line.azimuthRad) > 1e-6)) return NotMade(ProjectionFault::Azimuth);

@@ -6,12 +6,7 @@
 namespace tarvex {
 namespace {
 
-constexpr double kQuarter = std::numbers::pi / 2.0;
-// Of the sphere, whose longitudes are stretched by c: beyond it lies the other side of the seam.
-constexpr double kHalfTurn = std::numbers::pi * (1.0 + 1e-15);
 constexpr double kPoleCosine = 1e-12;
-constexpr double kFarthestDenominator = 0.034;  // 1 + cos of 165 degrees
-constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degrees and a little
 
 struct Kernel {
   EllipsoidConstants ellipsoid;
@@ -68,7 +63,7 @@ struct Kernel {
 
 MadeProjection MakeObliqueStereographic(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  if (!(std::fabs(phi0) <= kQuarter)) return NotMade(ProjectionFault::LatitudeOfOrigin);
+  if (!(std::fabs(phi0) <= kQuarterTurn)) return NotMade(ProjectionFault::LatitudeOfOrigin);
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   const Direction origin = Toward(phi0);
   const double radius =

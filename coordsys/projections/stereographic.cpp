@@ -6,11 +6,8 @@
 namespace tarvex {
 namespace {
 
-constexpr double kQuarter = std::numbers::pi / 2.0;
-constexpr double kAtPole = kQuarter * (1.0 - 1e-12);
-constexpr double kFarthestDenominator = 0.034;  // 1 + cos of 165 degrees
-constexpr double kFarthestSine = -0.966;        // of 75 degrees beyond the equator
-constexpr double kFarthestRadius = 7.61;        // tan of half of it, 82.5 degrees and a little
+constexpr double kAtPole = kQuarterTurn * (1.0 - 1e-12);
+constexpr double kFarthestSine = -0.966;  // of 75 degrees beyond the equator
 
 struct ObliqueKernel {
   EllipsoidConstants ellipsoid;
@@ -109,7 +106,7 @@ MadeProjection MakePolar(const ProjectionParameters& parameters, const Ellipsoid
 
 MadeProjection MakeStereographic(const ProjectionParameters& parameters) {
   const double phi0 = parameters.latitudeOfOriginRad;
-  if (!(std::fabs(phi0) <= kQuarter)) return NotMade(ProjectionFault::LatitudeOfOrigin);
+  if (!(std::fabs(phi0) <= kQuarterTurn)) return NotMade(ProjectionFault::LatitudeOfOrigin);
   const EllipsoidConstants c = ConstantsOf(parameters.ellipsoid);
   if (std::fabs(phi0) >= kAtPole) return MakePolar(parameters, c);
   const Direction origin = Toward(phi0);

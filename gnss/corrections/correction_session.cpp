@@ -15,10 +15,6 @@ constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
 // A stream of which no table tells anything, and which says nothing, may wait for the position.
 constexpr std::int64_t kSilentUnknownMs = 5000;
 
-double Distance(const Geocentric& a, const Geocentric& b) {
-  return std::hypot(a.xM - b.xM, a.yM - b.yM, a.zM - b.zM);
-}
-
 }  // namespace
 
 bool PortSink::Write(std::string_view bytes) {

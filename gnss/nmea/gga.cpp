@@ -47,17 +47,10 @@ SentenceResult ReadGga(std::string_view line, const SentenceContext& context,
   if (quality == 0) return SentenceResult::NoFix;
   state.solutionType = GgaSolution(quality, context.traits);
   state.origin = GgaOrigin(quality);
-  if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.satellites = NmeaInteger(field);
-  if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.hdop = NmeaNumber(field);
-  if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.height = NmeaNumber(field);
-  state.heightKnown = !field.empty();
-  if (!fields.Skip(1) || !fields.Take(field)) return SentenceResult::RanOut;
-  state.geoidSeparation = NmeaNumber(field);
-  state.separationKnown = !field.empty() || context.traits.ellipsoidHeight;
-  if (!context.traits.ellipsoidHeight) state.height += state.geoidSeparation;
+  if (!TakeSatellitesAndHeight(fields, state) || !fields.Skip(1) ||
+      !TakeSeparation(fields, context.traits, state)) {
+    return SentenceResult::RanOut;
+  }
   const bool ageThere = fields.Skip(1) && fields.Take(field);
   state.ageOfCorrections = ageThere && !field.empty() ? NmeaNumber(field) : -1.0;
   if (!context.traits.hemisphereFamily) return SentenceResult::Position;

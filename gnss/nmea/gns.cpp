@@ -55,17 +55,8 @@ SentenceResult ReadGns(std::string_view line, const SentenceContext& context,
   state.solutionType = context.settings.gnsBestMode
                            ? BestGnsSolution(field)
                            : GnsSolution(field.empty() ? 'N' : field.front());
-  if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.satellites = NmeaInteger(field);
-  if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.hdop = NmeaNumber(field);
-  if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.height = NmeaNumber(field);
-  state.heightKnown = !field.empty();
-  if (!fields.Take(field)) return SentenceResult::RanOut;
-  state.geoidSeparation = NmeaNumber(field);
-  state.separationKnown = !field.empty() || context.traits.ellipsoidHeight;
-  if (!context.traits.ellipsoidHeight) state.height += state.geoidSeparation;
+  if (!TakeSatellitesAndHeight(fields, state)) return SentenceResult::RanOut;
+  if (!TakeSeparation(fields, context.traits, state)) return SentenceResult::RanOut;
   const bool ageThere = fields.Take(field);
   state.ageOfCorrections = ageThere && !field.empty() ? NmeaNumber(field) : -1.0;
   return SentenceResult::Position;

@@ -21,6 +21,27 @@ bool TakeLatitudeLongitude(FieldCursor& fields, GnssPositionState& state) {
   return TakeAngle(fields, 'S', state.latitude) && TakeAngle(fields, 'W', state.longitude);
 }
 
+bool TakeSatellitesAndHeight(FieldCursor& fields, GnssPositionState& state) {
+  std::string_view field;
+  if (!fields.Take(field)) return false;
+  state.satellites = NmeaInteger(field);
+  if (!fields.Take(field)) return false;
+  state.hdop = NmeaNumber(field);
+  if (!fields.Take(field)) return false;
+  state.height = NmeaNumber(field);
+  state.heightKnown = !field.empty();
+  return true;
+}
+
+bool TakeSeparation(FieldCursor& fields, const NmeaTraits& traits, GnssPositionState& state) {
+  std::string_view field;
+  if (!fields.Take(field)) return false;
+  state.geoidSeparation = NmeaNumber(field);
+  state.separationKnown = !field.empty() || traits.ellipsoidHeight;
+  if (!traits.ellipsoidHeight) state.height += state.geoidSeparation;
+  return true;
+}
+
 bool PositionAndQualityEmpty(FieldCursor fields) {
   if (!fields.NextIsEmpty()) return false;
   constexpr int kPositionAndQuality = 5;
