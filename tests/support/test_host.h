@@ -6,24 +6,19 @@
 #include <vector>
 
 #include "core/observations/job_unit.h"
+#include "tests/support/manual_clock.h"
 #include "tests/support/memory_files.h"
 
 namespace tarvex {
 
-class StandingClock final : public Clock {
- public:
-  LocalTime Now() override { return now; }
-  std::int64_t SteadyMilliseconds() override { return steadyMs; }
-  void SleepMilliseconds(std::int64_t durationMs) override { steadyMs += durationMs; }
-
-  LocalTime now{.year = 2008, .month = 12, .day = 5, .hour = 14, .minute = 3, .second = 9};
-  std::int64_t steadyMs = 0;
-};
-
 class TestHost final : public JobHost {
  public:
+  TestHost() {
+    manualClock.now = {.year = 2008, .month = 12, .day = 5, .hour = 14, .minute = 3, .second = 9};
+  }
+
   FileSystem& files() override { return memory; }
-  Clock& clock() override { return standingClock; }
+  Clock& clock() override { return manualClock; }
   ExistingPointAnswer AskExistingPoint(const std::string& id, bool exists) override {
     asked.push_back(id + (exists ? " exists" : " is free"));
     return answer;
@@ -32,7 +27,7 @@ class TestHost final : public JobHost {
   void ShowWaitCursor(bool shown) override { waitCursor += shown ? "on " : "off "; }
 
   MemoryFiles memory;
-  StandingClock standingClock;
+  ManualClock manualClock;
   ExistingPointAnswer answer;
   std::vector<std::string> asked;
   std::vector<std::string> messages;

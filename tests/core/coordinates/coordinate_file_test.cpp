@@ -91,7 +91,7 @@ TEST(CoordinateFile, OpeningTellsTheJobWhatItHolds) {
 
 TEST(CoordinateFile, ConvertsAnOlderFileOnOpening) {
   TestHost host;
-  std::string oldFile = alphanumeric_layout::EncodeHeader(host.standingClock.now);
+  std::string oldFile = alphanumeric_layout::EncodeHeader(host.manualClock.now);
   oldFile[86] = '\0';  // "New CRD Format"
   oldFile[100] = 'x';  // other header bytes stay
   for (const char* id : {"10", "B", "2", "a10", "A2", "2"}) {
@@ -113,7 +113,7 @@ TEST(CoordinateFile, ConvertsAnOlderFileOnOpening) {
 
 TEST(CoordinateFile, ConvertsAnOlderFileThatIsOnlyLookedAt) {
   TestHost host;
-  std::string oldFile = alphanumeric_layout::EncodeHeader(host.standingClock.now);
+  std::string oldFile = alphanumeric_layout::EncodeHeader(host.manualClock.now);
   oldFile[86] = '\0';
   for (const char* id : {"2", "1"}) {
     alphanumeric_layout::AppendRecord(oldFile, {.at = kAt, .description = {}, .id = PointId(id)});

@@ -83,7 +83,7 @@ TEST(NumericStore, GivesAnEmptyFileItsHeader) {
   Job job = MakeJob(host, false);
   EXPECT_EQ(Store(job, "2", kAt), StorePointResult::Stored);
   EXPECT_EQ(host.memory.Bytes(kJobPath).substr(0, 56),
-            numeric_layout::EncodeHeader(2, host.standingClock.now));
+            numeric_layout::EncodeHeader(2, host.manualClock.now));
 }
 
 TEST(NamedStore, KeepsTheOrderOfIds) {

@@ -63,7 +63,7 @@ TEST(RawFile, IsResumedWithAStamp) {
   EXPECT_EQ(host.memory.Bytes(kRawPath), resumed + "\n--Tarvex 9\n--DT12-05-2008\n--TM14:03:09");
   host.memory.Put(kRawPath, "");  // an empty file is a new one: its header names the program once
   EXPECT_EQ(Resume(job), RawFileResult::Written);
-  EXPECT_EQ(host.memory.Bytes(kRawPath), RawHeader(job, host.standingClock.now));
+  EXPECT_EQ(host.memory.Bytes(kRawPath), RawHeader(job, host.manualClock.now));
   host.memory.MakeReadOnly(kRawPath);
   EXPECT_EQ(AppendRawRecord(job, "\n--lost"), RawFileResult::Dropped);
 }
@@ -159,7 +159,7 @@ TEST(TotalStation, JournalsASetupAndTheShotsThatWereStored) {
   job.ids.current = "1";
   ASSERT_EQ(StorePoint(job, kPoint.at, "BM", false, OpenCoordinateFile(job).get()),
             StorePointResult::Stored);
-  const std::size_t before = RawHeader(job, host.standingClock.now).size();
+  const std::size_t before = RawHeader(job, host.manualClock.now).size();
   EXPECT_EQ(
       OccupyAndBacksight(
           job,
