@@ -1,5 +1,7 @@
 #include "app/cli/collect_view.h"
 
+#include <utility>
+
 #include "app/cli/status_line.h"
 #include "app/cli/storing_text.h"
 #include "core/text/number_text.h"
@@ -84,7 +86,9 @@ void CollectView::Show(const NoPosition& none) {
   TellOnce(none.sentence);
 }
 
+// With some receivers each position comes twice: for a person that is said once.
 void CollectView::Show(const EpochRepeated&) {
+  if (program_.console.ShowsProgress() && std::exchange(repetitionTold_, true)) return;
   TellOnce("The receiver repeats its last position; it is not stored again.");
 }
 

@@ -50,6 +50,7 @@ class CollectView final : public SessionListener {
   Stored how_;
   std::string told_;
   bool takesKeys_ = false;
+  bool repetitionTold_ = false;
   std::optional<std::int64_t> drawnMs_;  ///< the line at the bottom
   RefusalLines refusals_;
 };

@@ -15,6 +15,7 @@
 #include "app/workflow/job_localization.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_storing.h"
+#include "core/codes/line_work.h"
 #include "core/coordinates/coordinate_file.h"
 #include "core/observations/next_id.h"
 
@@ -131,7 +132,11 @@ ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedCl
   plan.recorded = recorded;
   SettleTrigger(options, program, plan);
   plan.description = options.description;
-  if (program.console.IsTyped()) plan.codes = LoadJobCodes(session);
+  if (program.console.IsTyped()) {
+    plan.codes = LoadJobCodes(session);
+    const std::string warning = UnknownCodeWarning(plan.description, plan.codes);
+    if (!warning.empty()) program.Warn(warning);
+  }
   if (plan.count == 0 && program.console.IsTyped()) plan.simulatedPaceMs = kSimulatedPaceMs;
   ExitCode code = SettleSession(options.session, session.settings(), program, plan);
   if (options.onEnter && !program.console.IsTyped()) {
