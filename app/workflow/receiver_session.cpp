@@ -307,8 +307,21 @@ bool ReceiverSession::TakeStored(const StoredPoint& stored, const std::string& w
   KeepForTakingBack(stored);
   Tell(PointStored{stored.point, point_.state, point_.mean, point_.overridden, stored.replaced});
   point_ = {};
-  AdvanceCurrentPoint(job_);
+  AdvanceId();
   return stored.result == StoringResult::Stored;
+}
+
+// A person who chooses each point is led past the ids that are taken; a script goes on with the
+// next one, and its policy says what happens when that exists.
+void ReceiverSession::AdvanceId() {
+  const bool passesOver = ChosenOneByOne() && session_.policy() == ExistingPolicy::Cancel;
+  const auto stream = passesOver ? OpenForReading(job_) : nullptr;
+  const auto free = stream ? stream->store().NextUnused(job_.ids) : std::nullopt;
+  if (free) {
+    job_.ids.current = *free;
+  } else {
+    AdvanceCurrentPoint(job_);
+  }
 }
 
 void ReceiverSession::KeepForTakingBack(const StoredPoint& stored) {

@@ -138,6 +138,7 @@ class ReceiverSession {
   bool TakeReading(GnssReadResult result);
   std::optional<GateRefusal> Refusal();
   bool TakeStored(const StoredPoint& stored, const std::string& wanted);
+  void AdvanceId();
   void KeepForTakingBack(const StoredPoint& stored);
   std::optional<double> DistanceFromLast() const;
   void CheckPlace(const GridPoint& at);

@@ -126,6 +126,24 @@ TEST_F(PointByPoint, StoresUnderTheDescriptionHeightAndIdOfTheMoment) {
   ExpectWholeJob();
 }
 
+// The next id is one that is free, and one that is taken is not stored over.
+TEST_F(PointByPoint, IsLedPastTheIdsThatAreTaken) {
+  ASSERT_TRUE(StoreTypedPoint(*session, {.id = "2", .at = {1, 2, 3}, .description = "typed"})
+                  .problem.empty());
+  session->job().ids.current = "1";
+  (void)Walk(12, 1.0, [&](int seen) {
+    if (seen == 2) commands.Send(StoreNow{});
+    if (seen == 4) session->job().ids.current = "2";
+    if (seen == 5 || seen == 8) commands.Send(StoreNow{});
+    if (seen == 7) commands.Send(SetNextId{"9"});
+  });
+  EXPECT_EQ(StoredIds(), (Ids{"1", "9"}));
+  EXPECT_EQ(Answers(), (Ids{"no: Point 2 exists; nothing was stored. Choose another id.",
+                            "The next point is 9."}));
+  EXPECT_EQ(listener.Of<PositionSeen>()[3].nextId, "3");
+  EXPECT_EQ(Points()[1].description.view(), "typed");
+}
+
 TEST_F(PointByPoint, TellsADescriptionThatWillBeCutBeforeItIsStored) {
   (void)Walk(6, 1.0, [&](int seen) {
     if (seen == 2) commands.Send(SetDescription{std::string(32, 'x')});
