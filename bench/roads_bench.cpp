@@ -93,7 +93,7 @@ std::string RoadText(std::int64_t elements) {
 
 RoadGeometry MakeRoad(std::int64_t elements) {
   Centerline centerline;
-  centerline.elements = ReadChain(RoadText(elements), false).elements;
+  centerline.elements = ReadChain(RoadText(elements), false)->elements;
   return MakeRoadGeometry(centerline, {}).value();
 }
 
@@ -115,7 +115,7 @@ void LoadRoad(benchmark::State& state) {
   const std::string text = RoadText(kElements);
   for (auto _ : state) {
     Centerline centerline;
-    centerline.elements = ReadChain(text, false).elements;
+    centerline.elements = ReadChain(text, false)->elements;
     benchmark::DoNotOptimize(MakeRoadGeometry(centerline, {}));
   }
   state.SetItemsProcessed(state.iterations() * kElements);

@@ -4,17 +4,17 @@
 #include "tarvex/exchange/landxml.h"
 
 int main() {
-  const tarvex::LandXmlReading reading = tarvex::ReadLandXml(
+  const auto document = tarvex::ReadLandXml(
       "<LandXML xmlns='http://www.landxml.org/schema/LandXML-1.2'>"
       "<Units><Metric linearUnit='meter'/></Units><Alignments>"
       "<Alignment name='Access road' length='100' staStart='50'><CoordGeom>"
       "<Line><Start>5236000 466000</Start><End>5236100 466000</End></Line>"
       "</CoordGeom></Alignment></Alignments></LandXML>");
-  if (reading.result != tarvex::LandXmlResult::Read) {
-    std::fprintf(stderr, "%s\n", reading.problem.c_str());
+  if (!document) {
+    std::fprintf(stderr, "%s\n", document.failure().text.c_str());
     return 1;
   }
-  for (const tarvex::LandXmlAlignment& alignment : reading.alignments) {
+  for (const tarvex::LandXmlAlignment& alignment : document->alignments) {
     const auto& elements = alignment.centerline.elements;
     std::printf("%s: %zu key points, station %.3f to %.3f\n", alignment.name.c_str(),
                 elements.size(), elements.front().station, elements.back().station);

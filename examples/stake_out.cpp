@@ -10,14 +10,14 @@ int main(int argc, char** argv) {
     return 1;
   }
   tarvex::Road road;
-  const tarvex::CenterlineLoad load = tarvex::LoadCenterline(tarvex::SystemFiles(), road, argv[1]);
-  if (load.result != tarvex::LoadCenterlineResult::Loaded) {
+  const auto loaded = tarvex::LoadCenterline(tarvex::SystemFiles(), road, argv[1]);
+  if (!loaded) {
     std::fprintf(stderr, "%s is no centerline\n", argv[1]);
     return 1;
   }
-  const auto made = tarvex::Alignment::FromChain(road.centerline->elements);
+  const auto made = tarvex::Alignment::FromChain((*loaded)->elements);
   if (!made) return 1;
-  const auto& first = road.centerline->elements.front();
+  const auto& first = (*loaded)->elements.front();
   const auto place =
       made->Closest({.northing = first.northing + 25.0, .easting = first.easting + 40.0});
   if (!place) return 1;

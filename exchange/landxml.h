@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/text/outcome.h"
 #include "core/units/units.h"
 #include "platform/clock.h"
 #include "roads/centerline.h"
@@ -31,21 +32,18 @@ struct LandXmlAlignment {
   std::string profileName;
 };
 
-enum class [[nodiscard]] LandXmlResult : int {
-  Read = 1,
-  NotXml = 0,              ///< not well formed
-  NotLandXml = -1,         ///< another kind of document
-  NoAlignment = -2,        ///< none, or none of the name asked for
-  CannotHold = -3,         ///< something that a centerline cannot hold, by name
-  BadNumber = -4,          ///< a number or point is missing or makes no sense
-  SeveralAlignments = -5,  ///< a profile is asked for, but not of which alignment
-  NoProfile = -6,          ///< the alignment has none
+/// Why a document is refused: the line is the place, the text a sentence that says what is wrong.
+enum class LandXmlFault {
+  NotXml,             ///< not well formed
+  NotLandXml,         ///< another kind of document
+  NoAlignment,        ///< none, or none of the name asked for
+  CannotHold,         ///< something that a centerline cannot hold, by name
+  BadNumber,          ///< a number or point is missing or makes no sense
+  SeveralAlignments,  ///< a profile is asked for, but not of which alignment
+  NoProfile           ///< the alignment has none
 };
 
-struct LandXmlReading {
-  LandXmlResult result = LandXmlResult::NotXml;
-  /// For every result but Read: a sentence with line number that says what is wrong.
-  std::string problem;
+struct LandXmlDocument {
   DistanceUnit unit = DistanceUnit::Metres;
   std::vector<LandXmlAlignment> alignments;
   /// Sentences for the person: what was assumed, what was left out.
@@ -55,23 +53,28 @@ struct LandXmlReading {
 inline constexpr std::uint64_t kLargestLandXml = 64U << 20U;
 
 /// Reads every alignment of the document, or the one called `only`.
-LandXmlReading ReadLandXml(std::string_view text, std::optional<std::string_view> only = {});
+Outcome<LandXmlDocument, LandXmlFault> ReadLandXml(std::string_view text,
+                                                   std::optional<std::string_view> only = {});
 
-struct LandXmlProfileReading {
-  LandXmlResult result = LandXmlResult::NotXml;
-  std::string problem;  ///< as in LandXmlReading
+struct LandXmlProfile {
   DistanceUnit unit = DistanceUnit::Metres;
   std::string alignment;
-  std::optional<Profile> profile;
-  std::string profileName;
-  std::vector<std::string> warnings;
+  std::string name;
+  Profile profile;
+  std::vector<std::string> warnings;  ///< as in LandXmlDocument
 };
 
 /// The profile of the alignment called `alignment`, or of the only one of the document: never of
 /// one alignment in place of another. The plan is not read, so that one which no centerline can
 /// hold has its profile all the same.
-LandXmlProfileReading ReadLandXmlProfile(std::string_view text,
-                                         std::optional<std::string_view> alignment = {});
+Outcome<LandXmlProfile, LandXmlFault> ReadLandXmlProfile(
+    std::string_view text, std::optional<std::string_view> alignment = {});
+
+/// Why a road does not go out; the element is the place.
+enum class LandXmlRefusal {
+  DrawnAsChord,     ///< the file does not say its shape
+  TurnsToBothSides  ///< a spiral, for which the format has one direction of turn
+};
 
 /// What goes out.
 struct LandXmlExport {
@@ -84,8 +87,7 @@ struct LandXmlExport {
 };
 
 /// The document, every element with stations, directions, lengths and radii, so that a reader need
-/// not derive them. Nothing when an element is drawn as a chord only, or is a spiral that turns to
-/// both sides; `refused` then names it.
-std::optional<std::string> WriteLandXml(const LandXmlExport& what, std::size_t* refused = nullptr);
+/// not derive them.
+Outcome<std::string, LandXmlRefusal> WriteLandXml(const LandXmlExport& what);
 
 }  // namespace tarvex

@@ -30,13 +30,13 @@ class GeometryReader {
       } else if (name == "Spiral") {
         elements.push_back(TakeSpiral(node));
       } else if (name == "IrregularLine" || name == "Chain") {
-        source_.Refuse(LandXmlResult::CannotHold, node, kTextElementNotHeld, {name});
+        source_.Refuse(LandXmlFault::CannotHold, node, kTextElementNotHeld, {name});
         return elements;
       } else {
         continue;
       }
       if (elements.size() >= kMostCenterlineElements / 2) {
-        source_.Refuse(LandXmlResult::CannotHold, node, kTextTooManyElements);
+        source_.Refuse(LandXmlFault::CannotHold, node, kTextTooManyElements);
       }
       PlanElement& element = elements.back();
       element.station = station;
@@ -50,7 +50,7 @@ class GeometryReader {
   double Turn(const pugi::xml_node& node) {
     const std::string_view rotation = node.attribute("rot").value();
     if (rotation != "cw" && rotation != "ccw") {
-      source_.Refuse(LandXmlResult::BadNumber, node, kTextRotationMissing, {LocalName(node)});
+      source_.Refuse(LandXmlFault::BadNumber, node, kTextRotationMissing, {LocalName(node)});
     }
     return rotation == "ccw" ? -1.0 : 1.0;
   }
@@ -105,7 +105,7 @@ class GeometryReader {
   PlanElement TakeSpiral(const pugi::xml_node& node) {
     const std::string_view type = node.attribute("spiType").value();
     if (!type.empty() && type != "clothoid") {
-      source_.Refuse(LandXmlResult::CannotHold, node, kTextTransitionNotHeld, {type});
+      source_.Refuse(LandXmlFault::CannotHold, node, kTextTransitionNotHeld, {type});
     }
     PlanElement spiral;
     spiral.shape = PlanShape::Spiral;
@@ -136,7 +136,7 @@ class GeometryReader {
     if (elements.size() < 2) return;
     const double gap = Distance(elements[elements.size() - 2].end, element.start);
     if (gap > kLargestGap) {
-      source_.Refuse(LandXmlResult::CannotHold, node, kTextElementsApart, {FixedNumber(gap, 3)});
+      source_.Refuse(LandXmlFault::CannotHold, node, kTextElementsApart, {FixedNumber(gap, 3)});
     }
   }
 

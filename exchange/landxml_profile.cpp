@@ -60,7 +60,7 @@ class ProfileReader {
     }
     const auto pair = LandXmlSource::Pair(node.child_value());
     if (!pair) {
-      source_.Refuse(LandXmlResult::BadNumber, node, kTextStationAndElevationUnusable, {name});
+      source_.Refuse(LandXmlFault::BadNumber, node, kTextStationAndElevationUnusable, {name});
       return std::nullopt;
     }
     point.station = pair->northing;
@@ -83,7 +83,7 @@ class ProfileReader {
       return source_.Warn(kTextShortProfileLeftOut, {line.attribute("name").value()});
     }
     if (!made) {
-      return source_.Refuse(LandXmlResult::BadNumber, nodes[made.failure().place],
+      return source_.Refuse(LandXmlFault::BadNumber, nodes[made.failure().place],
                             ProfileProblem(made.failure().code));
     }
     alignment.profile = *std::move(made);

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <pugixml.hpp>
+#include <utility>
 
 #include "exchange/exchange_texts.h"
 #include "exchange/landxml.h"
@@ -18,8 +19,10 @@ Centerline MakeCenterline(const std::vector<PlanElement>& elements) {
   Centerline centerline;
   std::string text = CenterlineRecords(KeyPointsOf(elements), kExactCenterline);
   text += kCenterlineTerminator;
-  centerline.elements = ReadChain(text, false).elements;
-  if (!centerline.elements.empty()) centerline.startStation = centerline.elements.front().station;
+  if (auto chain = ReadChain(text, false)) {
+    centerline.elements = std::move(chain->elements);
+    centerline.startStation = centerline.elements.front().station;
+  }
   return centerline;
 }
 
@@ -28,59 +31,54 @@ class LandXmlReader {
   LandXmlReader(std::string_view text, std::optional<std::string_view> only)
       : text_(text), only_(only), source_(text) {}
 
-  LandXmlReading Read() {
+  Outcome<LandXmlDocument, LandXmlFault> Read() {
     for (const pugi::xml_node& alignment : Alignments()) {
       if (!source_.refused()) TakeAlignment(alignment);
     }
-    if (!source_.refused() && reading_.alignments.empty()) {
-      source_.Refuse(LandXmlResult::NoAlignment, std::ptrdiff_t{0}, kTextNoAlignmentWithGeometry);
+    if (!source_.refused() && document_.alignments.empty()) {
+      source_.Refuse(LandXmlFault::NoAlignment, std::ptrdiff_t{0}, kTextNoAlignmentWithGeometry);
     }
-    reading_.result = source_.result();
-    reading_.problem = source_.problem();
-    reading_.warnings = source_.warnings();
-    return std::move(reading_);
+    if (source_.refused()) return source_.failure();
+    document_.warnings = source_.warnings();
+    return std::move(document_);
   }
 
   // Of the one alignment that is meant; another one's profile is another road.
-  LandXmlProfileReading ReadProfileOnly() {
-    LandXmlProfileReading found;
+  Outcome<LandXmlProfile, LandXmlFault> ReadProfileOnly() {
     const std::vector<pugi::xml_node> chosen = Alignments();
     if (chosen.size() > 1) {
-      source_.Refuse(LandXmlResult::SeveralAlignments, chosen[1], kTextSeveralAlignments, {names_});
+      source_.Refuse(LandXmlFault::SeveralAlignments, chosen[1], kTextSeveralAlignments, {names_});
     }
-    if (!source_.refused()) {
-      LandXmlAlignment alignment;
-      alignment.name = chosen.front().attribute("name").value();
-      TakeProfiles(chosen.front(), alignment);
-      if (!source_.refused() && !alignment.profile) {
-        source_.Refuse(LandXmlResult::NoProfile, chosen.front(), kTextAlignmentWithoutProfile,
-                       {alignment.name});
-      }
-      found.alignment = std::move(alignment.name);
-      found.profile = std::move(alignment.profile);
-      found.profileName = std::move(alignment.profileName);
+    if (source_.refused()) return source_.failure();
+    LandXmlAlignment alignment;
+    alignment.name = chosen.front().attribute("name").value();
+    TakeProfiles(chosen.front(), alignment);
+    if (!source_.refused() && !alignment.profile) {
+      source_.Refuse(LandXmlFault::NoProfile, chosen.front(), kTextAlignmentWithoutProfile,
+                     {alignment.name});
     }
-    found.result = source_.result();
-    found.problem = source_.problem();
-    found.unit = reading_.unit;
-    found.warnings = source_.warnings();
-    return found;
+    if (source_.refused()) return source_.failure();
+    return LandXmlProfile{.unit = document_.unit,
+                          .alignment = std::move(alignment.name),
+                          .name = std::move(alignment.profileName),
+                          .profile = *std::move(alignment.profile),
+                          .warnings = source_.warnings()};
   }
 
  private:
   // The alignments that are asked for, with the units and named points of the document taken; none
   // once it is refused.
   std::vector<pugi::xml_node> Alignments() {
-    const pugi::xml_parse_result parsed = document_.load_buffer(text_.data(), text_.size());
+    const pugi::xml_parse_result parsed = xml_.load_buffer(text_.data(), text_.size());
     if (!parsed) {
       const bool empty = parsed.status == pugi::status_no_document_element;
-      source_.Refuse(LandXmlResult::NotXml, parsed.offset, empty ? kTextNoXml : kTextXmlUnreadable,
+      source_.Refuse(LandXmlFault::NotXml, parsed.offset, empty ? kTextNoXml : kTextXmlUnreadable,
                      {parsed.description()});
       return {};
     }
-    const pugi::xml_node root = Child(document_, "LandXML");
+    const pugi::xml_node root = Child(xml_, "LandXML");
     if (!root) {
-      source_.Refuse(LandXmlResult::NotLandXml, std::ptrdiff_t{0}, kTextNoLandXml);
+      source_.Refuse(LandXmlFault::NotLandXml, std::ptrdiff_t{0}, kTextNoLandXml);
       return {};
     }
     TakeUnits(root);
@@ -99,7 +97,7 @@ class LandXmlReader {
       const int text = !only_           ? kTextNoAlignment
                        : names_.empty() ? kTextNoSuchAlignmentNorOther
                                         : kTextNoSuchAlignment;
-      source_.Refuse(LandXmlResult::NoAlignment, root, text, {only_.value_or(""), names_});
+      source_.Refuse(LandXmlFault::NoAlignment, root, text, {only_.value_or(""), names_});
     }
     if (source_.refused()) chosen.clear();
     return chosen;
@@ -112,14 +110,14 @@ class LandXmlReader {
     if (!system) return source_.Warn(kTextNoUnitNamed);
     const std::string_view name = system.attribute("linearUnit").value();
     if (name == "meter") {
-      reading_.unit = DistanceUnit::Metres;
+      document_.unit = DistanceUnit::Metres;
     } else if (name == "USSurveyFoot") {
-      reading_.unit = DistanceUnit::UsSurveyFeet;
+      document_.unit = DistanceUnit::UsSurveyFeet;
     } else if (name == "foot") {
-      reading_.unit = DistanceUnit::InternationalFeet;
+      document_.unit = DistanceUnit::InternationalFeet;
       source_.Warn(kTextFootIsInternational);
     } else {
-      source_.Refuse(LandXmlResult::CannotHold, system, kTextNoUnitOfAJob, {name});
+      source_.Refuse(LandXmlFault::CannotHold, system, kTextNoUnitOfAJob, {name});
     }
   }
 
@@ -142,7 +140,7 @@ class LandXmlReader {
     alignment.centerline = MakeCenterline(elements);
     TakeEquations(node, alignment);
     TakeProfiles(node, alignment);
-    if (!source_.refused()) reading_.alignments.push_back(std::move(alignment));
+    if (!source_.refused()) document_.alignments.push_back(std::move(alignment));
   }
 
   double StartStation(const pugi::xml_node& node, const std::string& name) {
@@ -165,7 +163,7 @@ class LandXmlReader {
     for (const pugi::xml_node& equation : node.children()) {
       if (LocalName(equation) != "StaEquation") continue;
       if (std::string_view(equation.attribute("staIncrement").value()) == "decreasing") {
-        return source_.Refuse(LandXmlResult::CannotHold, equation, kTextDecreasingStations);
+        return source_.Refuse(LandXmlFault::CannotHold, equation, kTextDecreasingStations);
       }
       const double internal = source_.NeedNumber(equation, "staInternal");
       const double ahead = source_.NeedNumber(equation, "staAhead");
@@ -174,7 +172,7 @@ class LandXmlReader {
         source_.Warn(kTextBackStationDisagrees, {source_.LineText(equation)});
       }
       if (alignment.equations.size() >= kMostStationEquations) {
-        return source_.Refuse(LandXmlResult::CannotHold, equation, kTextTooManyEquations);
+        return source_.Refuse(LandXmlFault::CannotHold, equation, kTextTooManyEquations);
       }
       alignment.equations.push_back({internal + shift, ahead});
       shift = ahead - internal;
@@ -183,20 +181,21 @@ class LandXmlReader {
 
   std::string_view text_;
   std::optional<std::string_view> only_;
-  pugi::xml_document document_;
+  pugi::xml_document xml_;
   LandXmlSource source_;
   std::string names_;  // of the alignments seen
-  LandXmlReading reading_;
+  LandXmlDocument document_;
 };
 
 }  // namespace
 
-LandXmlReading ReadLandXml(std::string_view text, std::optional<std::string_view> only) {
+Outcome<LandXmlDocument, LandXmlFault> ReadLandXml(std::string_view text,
+                                                   std::optional<std::string_view> only) {
   return LandXmlReader(text, only).Read();
 }
 
-LandXmlProfileReading ReadLandXmlProfile(std::string_view text,
-                                         std::optional<std::string_view> alignment) {
+Outcome<LandXmlProfile, LandXmlFault> ReadLandXmlProfile(
+    std::string_view text, std::optional<std::string_view> alignment) {
   return LandXmlReader(text, alignment).ReadProfileOnly();
 }
 

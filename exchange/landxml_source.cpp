@@ -28,17 +28,19 @@ int LandXmlSource::LineAt(std::ptrdiff_t offset) const {
          static_cast<int>(std::count(text_.begin(), text_.begin() + static_cast<long>(end), '\n'));
 }
 
-void LandXmlSource::Refuse(LandXmlResult result, std::ptrdiff_t offset, int text,
+void LandXmlSource::Refuse(LandXmlFault fault, std::ptrdiff_t offset, int text,
                            Arguments arguments) {
   if (refused()) return;
-  result_ = result;
-  problem_ = Strings().Text(kTextLandXmlProblem,
-                            {std::to_string(LineAt(offset)), Strings().Text(text, arguments)});
+  const int line = LineAt(offset);
+  failure_ = {.code = fault,
+              .place = static_cast<std::size_t>(line),
+              .text = Strings().Text(kTextLandXmlProblem,
+                                     {std::to_string(line), Strings().Text(text, arguments)})};
 }
 
-void LandXmlSource::Refuse(LandXmlResult result, const pugi::xml_node& node, int text,
+void LandXmlSource::Refuse(LandXmlFault fault, const pugi::xml_node& node, int text,
                            Arguments arguments) {
-  Refuse(result, node.offset_debug(), text, arguments);
+  Refuse(fault, node.offset_debug(), text, arguments);
 }
 
 void LandXmlSource::Warn(int text, Arguments arguments) {
@@ -58,7 +60,7 @@ std::optional<double> LandXmlSource::Number(const pugi::xml_node& node,
 double LandXmlSource::NeedNumber(const pugi::xml_node& node, const char* attribute) {
   const auto number = Number(node, attribute);
   if (!number) {
-    Refuse(LandXmlResult::BadNumber, node, kTextAttributeUnusable, {LocalName(node), attribute});
+    Refuse(LandXmlFault::BadNumber, node, kTextAttributeUnusable, {LocalName(node), attribute});
   }
   return number.value_or(0.0);
 }
@@ -84,7 +86,7 @@ PlanPoint LandXmlSource::NeedPoint(const pugi::xml_node& element, std::string_vi
   }
   const auto point = Pair(text);
   if (!point) {
-    Refuse(LandXmlResult::BadNumber, element, kTextPointUnusable, {LocalName(element), name});
+    Refuse(LandXmlFault::BadNumber, element, kTextPointUnusable, {LocalName(element), name});
   }
   return point.value_or(PlanPoint{});
 }

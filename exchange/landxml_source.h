@@ -32,11 +32,11 @@ class LandXmlSource {
   using Arguments = std::initializer_list<std::string_view>;
 
   /// Keeps the first problem only, with its line. Every step asks for it.
-  void Refuse(LandXmlResult result, const pugi::xml_node& node, int text, Arguments arguments = {});
-  void Refuse(LandXmlResult result, std::ptrdiff_t offset, int text, Arguments arguments = {});
-  bool refused() const { return result_ != LandXmlResult::Read; }
-  LandXmlResult result() const { return result_; }
-  const std::string& problem() const { return problem_; }
+  void Refuse(LandXmlFault fault, const pugi::xml_node& node, int text, Arguments arguments = {});
+  void Refuse(LandXmlFault fault, std::ptrdiff_t offset, int text, Arguments arguments = {});
+  bool refused() const { return failure_.has_value(); }
+  /// Of a document that is refused.
+  const Failure<LandXmlFault>& failure() const { return *failure_; }
 
   void Warn(int text, Arguments arguments = {});
   const std::vector<std::string>& warnings() const { return warnings_; }
@@ -60,8 +60,7 @@ class LandXmlSource {
   int LineAt(std::ptrdiff_t offset) const;
 
   std::string_view text_;
-  LandXmlResult result_ = LandXmlResult::Read;
-  std::string problem_;
+  std::optional<Failure<LandXmlFault>> failure_;
   std::vector<std::string> warnings_;
   std::map<std::string, std::string> points_;
 };

@@ -250,14 +250,16 @@ class LandXmlWriter {
 
 }  // namespace
 
-std::optional<std::string> WriteLandXml(const LandXmlExport& what, std::size_t* refused) {
+Outcome<std::string, LandXmlRefusal> WriteLandXml(const LandXmlExport& what) {
   const auto& elements = what.road->alignment.elements();
   for (std::size_t i = 0; i < elements.size(); ++i) {
+    if (elements[i].fault != ElementFault::None) {
+      return Failure<LandXmlRefusal>{.code = LandXmlRefusal::DrawnAsChord, .place = i};
+    }
     // One rot for a spiral: it cannot turn to both sides.
-    const bool bothSides = elements[i].curvatureStart * elements[i].curvatureEnd < 0.0;
-    if (elements[i].fault == ElementFault::None && !bothSides) continue;
-    if (refused != nullptr) *refused = i;
-    return std::nullopt;
+    if (elements[i].curvatureStart * elements[i].curvatureEnd < 0.0) {
+      return Failure<LandXmlRefusal>{.code = LandXmlRefusal::TurnsToBothSides, .place = i};
+    }
   }
   return LandXmlWriter(what).Write();
 }

@@ -36,15 +36,14 @@ void AskGeometry(const tarvex::RoadGeometry& road) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  const tarvex::ChainReading reading = tarvex::ReadChain(text, false);
+  const auto chain = tarvex::ReadChain(text, false);
   const auto equations = tarvex::ReadStationEquations(text);
-  if (reading.result != tarvex::ReadChainResult::Read) return 0;
+  if (!chain) return 0;
   tarvex::Centerline centerline;
-  centerline.elements = reading.elements;
-  centerline.startPoint = reading.startPoint;
+  centerline.elements = chain->elements;
+  centerline.startPoint = chain->startPoint;
   if (tarvex::IsWritable(centerline, equations)) {
-    const auto again = tarvex::ReadChain(tarvex::CenterlineText(centerline, equations), false);
-    Require(again.result == tarvex::ReadChainResult::Read);
+    Require(bool(tarvex::ReadChain(tarvex::CenterlineText(centerline, equations), false)));
   }
   const auto made = tarvex::MakeRoadGeometry(centerline, equations);
   if (made) AskGeometry(*made);

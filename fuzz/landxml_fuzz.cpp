@@ -8,22 +8,23 @@
 #include "exchange/landxml.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const tarvex::LandXmlReading reading =
-      tarvex::ReadLandXml({reinterpret_cast<const char*>(data), size});
-  const bool read = reading.result == tarvex::LandXmlResult::Read;
-  if (read != reading.problem.empty()) std::abort();
-  for (const tarvex::LandXmlAlignment& alignment : reading.alignments) {
+  const auto document = tarvex::ReadLandXml({reinterpret_cast<const char*>(data), size});
+  if (!document) {
+    if (document.failure().text.empty()) std::abort();
+    return 0;
+  }
+  for (const tarvex::LandXmlAlignment& alignment : document->alignments) {
     const auto made = tarvex::MakeRoadGeometry(alignment.centerline, alignment.equations);
     if (!made) continue;
     const auto text = tarvex::WriteLandXml({"road",
-                                            reading.unit,
+                                            document->unit,
                                             &*made,
                                             alignment.profile ? &*alignment.profile : nullptr,
                                             "fuzz",
                                             {}});
     if (!text) continue;
     const auto again = tarvex::ReadLandXml(*text);
-    if (again.result == tarvex::LandXmlResult::NotXml) std::abort();
+    if (!again && again.failure().code == tarvex::LandXmlFault::NotXml) std::abort();
   }
   return 0;
 }

@@ -16,16 +16,8 @@ StationLimits LoadStationLimits(FileSystem& files, const std::string& path) {
   return status.ok() ? ReadStationLimits(text) : StationLimits{};
 }
 
-LoadCenterlineResult ResultOf(ReadChainResult result) {
-  switch (result) {
-    case ReadChainResult::Read:
-      return LoadCenterlineResult::Loaded;
-    case ReadChainResult::TooLong:
-      return LoadCenterlineResult::TooLong;
-    case ReadChainResult::Nothing:
-      break;
-  }
-  return LoadCenterlineResult::Nothing;
+Failure<CenterlineFault> NotLoaded(CenterlineFault fault, std::size_t line = 0) {
+  return {.code = fault, .place = line};
 }
 
 }  // namespace
@@ -37,29 +29,34 @@ std::string StationLimitsPath(const std::string& path) {
   return (extended ? path.substr(0, dot) : path) + ".cle";
 }
 
-CenterlineLoad LoadCenterline(FileSystem& files, Road& road, const std::string& path,
-                              LoadCenterlineOptions options, const ShowMessage& show) {
-  if (path.empty()) return {};
+Outcome<Centerline*, CenterlineFault> LoadCenterline(FileSystem& files, Road& road,
+                                                     const std::string& path,
+                                                     LoadCenterlineOptions options,
+                                                     const ShowMessage& show) {
+  if (path.empty()) return NotLoaded(CenterlineFault::Nothing);
   Centerline loaded;
   if (road.useStationLimits) loaded.limits = LoadStationLimits(files, path);
   std::string text;
   if (const FileStatus status = ReadWholeFile(files, path, kLargestRoadFile, text); !status.ok()) {
-    if (status.code == EFBIG) return {LoadCenterlineResult::TooLarge};
+    if (status.code == EFBIG) return NotLoaded(CenterlineFault::TooLarge);
     if (options.reportErrors && show) show(Strings().Text(kTextCenterlineNotOpened, {path}));
-    return {LoadCenterlineResult::NotOpened};
+    return NotLoaded(CenterlineFault::NotOpened);
   }
-  ChainReading reading = ReadChain(text, options.keepTangentPoints);
-  const LoadCenterlineResult result = ResultOf(reading.result);
-  if (result != LoadCenterlineResult::Loaded) return {result, reading.refusedLine};
-  loaded.elements = std::move(reading.elements);
-  loaded.startPoint = reading.startPoint;
-  loaded.notes = std::move(reading.notes);
-  loaded.merged = std::move(reading.merged);
+  auto chain = ReadChain(text, options.keepTangentPoints);
+  if (!chain) {
+    const bool tooLong = chain.failure().code == ChainFault::TooLong;
+    return NotLoaded(tooLong ? CenterlineFault::TooLong : CenterlineFault::Nothing,
+                     chain.failure().place);
+  }
+  loaded.elements = std::move(chain->elements);
+  loaded.startPoint = chain->startPoint;
+  loaded.notes = std::move(chain->notes);
+  loaded.merged = std::move(chain->merged);
   loaded.equations = ReadStationEquations(text);
   loaded.text = std::move(text);
   road.centerline = std::move(loaded);
   road.centerline->startStation = StartStation(road);
-  return {result};
+  return &*road.centerline;
 }
 
 }  // namespace tarvex

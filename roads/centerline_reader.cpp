@@ -58,31 +58,34 @@ class ChainReader {
   ChainReader(std::string_view text, bool keepTangentPoints)
       : lines_(text, kSignificantBytes), keepTangentPoints_(keepTangentPoints) {}
 
-  ChainReading Read() {
+  Outcome<CenterlineChain, ChainFault> Read() {
     std::string_view line;
     while (!stopped_ && lines_.Next(line)) TakeRecord(line);
-    if (reading_.result == ReadChainResult::TooLong) return std::move(reading_);
+    if (tooLong_) {
+      return Failure<ChainFault>{.code = ChainFault::TooLong,
+                                 .place = static_cast<std::size_t>(lines_.number())};
+    }
+    if (chain_.empty()) return Failure<ChainFault>{.code = ChainFault::Nothing};
     if (chain_.size() > 1) DropTerminator();
-    CleanUpChain(chain_, keepTangentPoints_, &reading_.merged);
+    CleanUpChain(chain_, keepTangentPoints_, &read_.merged);
     for (CenterlineElement& element : chain_) {
       if (element.kind == ElementKind::LeadIn) element.kind = ElementKind::Vertex;
     }
-    reading_.result = chain_.empty() ? ReadChainResult::Nothing : ReadChainResult::Read;
-    reading_.elements = std::move(chain_);
-    return std::move(reading_);
+    read_.elements = std::move(chain_);
+    return std::move(read_);
   }
 
  private:
   void Note(int text, std::string_view argument = {}) {
-    if (reading_.notes.size() == kMostLineNotes) return;
-    reading_.notes.push_back({lines_.number(), text, OneLine(argument)});
+    if (read_.notes.size() == kMostLineNotes) return;
+    read_.notes.push_back({lines_.number(), text, OneLine(argument)});
   }
 
   // The last element goes whatever it is; a file without its terminator loses a key point.
   void DropTerminator() {
     const CenterlineElement& last = chain_.back();
-    if ((last.northing != 0.0 || last.easting != 0.0) && reading_.notes.size() < kMostLineNotes) {
-      reading_.notes.push_back({last.line, kTextTerminatorMissing, {}});
+    if ((last.northing != 0.0 || last.easting != 0.0) && read_.notes.size() < kMostLineNotes) {
+      read_.notes.push_back({last.line, kTextTerminatorMissing, {}});
     }
     chain_.pop_back();
   }
@@ -109,8 +112,7 @@ class ChainReader {
     const CommaFields fields(line);
     if (!HoldsKeyPoint(line, fields)) return;
     if (chain_.size() == kMostCenterlineElements) {
-      reading_.result = ReadChainResult::TooLong;
-      reading_.refusedLine = lines_.number();
+      tooLong_ = true;
       stopped_ = true;
       return;
     }
@@ -122,7 +124,7 @@ class ChainReader {
     element.line = lines_.number();
     const std::string_view kindText = KindText(fields[3]);
     if (kindText == "STARTPT") {
-      reading_.startPoint = {element.id, element.station, element.northing, element.easting};
+      read_.startPoint = {element.id, element.station, element.northing, element.easting};
       stopped_ = true;
       return;
     }
@@ -177,7 +179,7 @@ class ChainReader {
   }
 
   void DropPrevious() {
-    reading_.merged.push_back({chain_[chain_.size() - 2].line, chain_.back().line});
+    read_.merged.push_back({chain_[chain_.size() - 2].line, chain_.back().line});
     chain_[chain_.size() - 2] = chain_.back();
     chain_.pop_back();
   }
@@ -255,14 +257,15 @@ class ChainReader {
   NumberedLines lines_;
   bool keepTangentPoints_;
   bool stopped_ = false;
+  bool tooLong_ = false;
   std::vector<CenterlineElement> chain_;
   RadiusLine radiusLine_;
-  ChainReading reading_;
+  CenterlineChain read_;
 };
 
 }  // namespace
 
-ChainReading ReadChain(std::string_view text, bool keepTangentPoints) {
+Outcome<CenterlineChain, ChainFault> ReadChain(std::string_view text, bool keepTangentPoints) {
   return ChainReader(text, keepTangentPoints).Read();
 }
 

@@ -7,6 +7,7 @@
 
 #include <string_view>
 
+#include "core/text/outcome.h"
 #include "roads/centerline.h"
 
 namespace tarvex {
@@ -17,23 +18,22 @@ inline constexpr std::size_t kMostCenterlineElements = 100000;
 /// A vertex or "TS" this close to the key point before it may take its place while reading.
 inline constexpr double kMergeDistance = 0.002;
 
-enum class [[nodiscard]] ReadChainResult : int {
-  Read = 1,     ///< the chain has at least one element
-  Nothing = 0,  ///< the text holds no key point
-  TooLong = -1  ///< more than kMostCenterlineElements; `refusedLine` tells where
+/// Why a text gives no chain.
+enum class ChainFault {
+  Nothing,  ///< the text holds no key point
+  TooLong   ///< more than kMostCenterlineElements; the line is the place
 };
 
-struct ChainReading {
-  ReadChainResult result = ReadChainResult::Nothing;
+/// What a text gives: at least one element.
+struct CenterlineChain {
   std::vector<CenterlineElement> elements;
   std::optional<CenterlineStartPoint> startPoint;
   std::vector<LineNote> notes;
   std::vector<MergedLine> merged;
-  int refusedLine = 0;
 };
 
 /// `keepTangentPoints` keeps a tangent vertex that lies on a "TS" or "SC".
-ChainReading ReadChain(std::string_view text, bool keepTangentPoints);
+Outcome<CenterlineChain, ChainFault> ReadChain(std::string_view text, bool keepTangentPoints);
 
 /// The limits of a ".cle" text: lines START_STA=station and END_STA=station.
 StationLimits ReadStationLimits(std::string_view text);

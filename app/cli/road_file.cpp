@@ -43,18 +43,19 @@ StationStyle StyleOf(const RoadFileOptions& options, DistanceUnit unit) {
   return DefaultStationStyle(unit);
 }
 
-std::string LoadProblem(const RoadFileOptions& options, const CenterlineLoad& load) {
-  switch (load.result) {
-    case LoadCenterlineResult::NotOpened:
+std::string LoadProblem(const RoadFileOptions& options, const Failure<CenterlineFault>& failure) {
+  switch (failure.code) {
+    case CenterlineFault::NotOpened:
       return Strings().Text(kTextCenterlineNotOpened, {options.file});
-    case LoadCenterlineResult::TooLarge:
+    case CenterlineFault::TooLarge:
       return Strings().Text(kTextFileTooLarge, {options.file});
-    case LoadCenterlineResult::TooLong:
+    case CenterlineFault::TooLong:
       return options.file + ": " +
-             Strings().Text(kTextCenterlineTooLong, {std::to_string(load.line)});
-    default:
-      return options.file + " holds no centerline.";
+             Strings().Text(kTextCenterlineTooLong, {std::to_string(failure.place)});
+    case CenterlineFault::Nothing:
+      break;
   }
+  return options.file + " holds no centerline.";
 }
 
 std::string GeometryProblem(const RoadFileOptions& options,
@@ -100,13 +101,13 @@ StationStyle DefaultStationStyle(DistanceUnit unit) {
 std::optional<OpenedRoad> OpenRoad(Program& program, const RoadFileOptions& options) {
   Road road;
   road.useStationLimits = options.useLimits;
-  const CenterlineLoad load = LoadCenterline(program.files, road, options.file);
-  if (load.result != LoadCenterlineResult::Loaded) {
-    (void)program.Fail(LoadProblem(options, load));
+  const auto loaded = LoadCenterline(program.files, road, options.file);
+  if (!loaded) {
+    (void)program.Fail(LoadProblem(options, loaded.failure()));
     return std::nullopt;
   }
   const DistanceUnit unit = *ParseUnit(options.unit);
-  Centerline& centerline = *road.centerline;
+  Centerline& centerline = **loaded;
   if (options.aheadFirst) centerline.equations = Swapped(std::move(centerline.equations));
   auto made = MakeRoadGeometry(centerline, centerline.equations, CheckLimits::For(unit));
   if (!made) {

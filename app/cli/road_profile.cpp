@@ -9,13 +9,12 @@
 namespace tarvex {
 namespace {
 
-void WarnWhenBeside(Program& program, const LandXmlProfileReading& reading,
-                    const StationSpan& road) {
+void WarnWhenBeside(Program& program, const LandXmlProfile& found, const StationSpan& road) {
   constexpr int kDecimals = 3;
-  const double from = reading.profile->startStation();
-  const double to = reading.profile->endStation();
+  const double from = found.profile.startStation();
+  const double to = found.profile.endStation();
   if (from <= road.end && to >= road.start) return;
-  program.Warn("the profile of \"" + reading.alignment + "\" runs from " +
+  program.Warn("the profile of \"" + found.alignment + "\" runs from " +
                FixedNumber(from, kDecimals) + " to " + FixedNumber(to, kDecimals) +
                ", the centerline from " + FixedNumber(road.start, kDecimals) + " to " +
                FixedNumber(road.end, kDecimals) + ": is it the profile of this road?");
@@ -32,25 +31,25 @@ std::optional<Profile> OpenProfile(Program& program, const ProfileChoice& choice
     return std::nullopt;
   }
   const bool named = !choice.alignment.empty();
-  LandXmlProfileReading reading = ReadLandXmlProfile(
+  auto found = ReadLandXmlProfile(
       text, named ? std::optional<std::string_view>(choice.alignment) : std::nullopt);
-  for (const std::string& warning : reading.warnings) program.Warn(choice.file + ": " + warning);
-  if (reading.result == LandXmlResult::SeveralAlignments) {
-    (void)program.Misuse(choice.file + ": " + reading.problem +
-                         " Say whose profile is meant: --profile-alignment NAME.");
+  if (!found) {
+    const std::string problem = choice.file + ": " + found.failure().text;
+    if (found.failure().code == LandXmlFault::SeveralAlignments) {
+      (void)program.Misuse(problem + " Say whose profile is meant: --profile-alignment NAME.");
+    } else {
+      (void)program.Fail(problem);
+    }
     return std::nullopt;
   }
-  if (reading.result != LandXmlResult::Read) {
-    (void)program.Fail(choice.file + ": " + reading.problem);
-    return std::nullopt;
-  }
-  if (reading.unit != unitOfRoad) {
-    (void)program.Fail(choice.file + " is in " + std::string(UnitName(reading.unit)) +
+  for (const std::string& warning : found->warnings) program.Warn(choice.file + ": " + warning);
+  if (found->unit != unitOfRoad) {
+    (void)program.Fail(choice.file + " is in " + std::string(UnitName(found->unit)) +
                        ", the centerline in " + std::string(UnitName(unitOfRoad)) + ".");
     return std::nullopt;
   }
-  WarnWhenBeside(program, reading, road);
-  return std::move(reading.profile);
+  WarnWhenBeside(program, *found, road);
+  return std::move(found->profile);
 }
 
 }  // namespace tarvex

@@ -2,6 +2,8 @@
 
 #include "app/cli/correction_text.h"
 #include "app/cli/stream_log_name.h"
+#include "app/workflow/known_settings.h"
+#include "app/workflow/setup_comments.h"
 #include "core/text/number_text.h"
 
 namespace tarvex {
@@ -26,13 +28,29 @@ ExitCode SettleGate(const SessionOptions& options, const Settings& jobSettings, 
   return ExitCode::Done;
 }
 
-ExitCode SettleAntenna(const SessionOptions& options, Program& program, double& height) {
-  const auto antenna = ParseNumber(options.antennaHeight);
+ExitCode SettleAntenna(const SessionOptions& options, const Settings& settings, Program& program,
+                       ReceiverPlan& plan) {
+  plan.antennaType = AntennaOfSettings(settings);
+  const std::string text =
+      options.antennaHeight.empty() ? settings.GetOr("antenna_height", "0") : options.antennaHeight;
+  const auto antenna = ParseNumber(text);
   if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
-    return program.Misuse("The antenna height \"" + options.antennaHeight +
-                          "\" is not a number from 0 to 1000.");
+    return program.Misuse("The antenna height \"" + text + "\" is not a number from 0 to 1000.");
   }
-  height = *antenna;
+  plan.antennaHeight = *antenna;
+  return ExitCode::Done;
+}
+
+ExitCode SettleAverage(const SessionOptions& options, const Settings& settings, Program& program,
+                       ReceiverPlan& plan) {
+  plan.average = options.average;
+  if (options.average > 0) return ExitCode::Done;
+  const std::string text = settings.GetOr("average", "1");
+  if (!SettingProblem("average", text).empty()) {
+    return program.Fail("The setting average=" + text + " makes no sense (" +
+                        FindSetting("average")->Values() + ").");
+  }
+  plan.average = static_cast<std::size_t>(ParseInteger(text).value_or(1));
   return ExitCode::Done;
 }
 
@@ -72,15 +90,17 @@ std::string Seconds(std::int64_t milliseconds) {
 
 }  // namespace
 
-Option AddSessionOptions(Command& command, SessionOptions& options) {
+Option AddSessionOptions(Command& command, SessionOptions& options, const char* profileOption) {
   Option receiver = AddReceiverOptions(command, options.receiver);
+  AddProfileOption(command, options.profile, profileOption);
   command
       .Add("--antenna-height", options.antennaHeight,
-           "Height of the antenna above the point, in the job's unit")
+           "Height of the antenna above the point, in the job's unit (default: the settings', else "
+           "0)")
       .ValueName("NUMBER");
   command
       .Add("--average", options.average,
-           "Distinct epochs whose mean is stored as one point (default: 1)")
+           "Distinct epochs whose mean is stored as one point (default: the settings', else 1)")
       .Between(1, 100000);
   command.Add("--log-stream", options.streamLog, kStreamLogHelp);
   AddGateOptions(command, options);
@@ -94,18 +114,23 @@ Option AddSessionOptions(Command& command, SessionOptions& options) {
 
 ExitCode SettleSession(const SessionOptions& options, const Settings& jobSettings, Program& program,
                        ReceiverPlan& plan) {
-  ExitCode code = SettleReceiver(options.receiver, jobSettings, program, plan.receiver);
-  if (code == ExitCode::Done) code = SettleGate(options, jobSettings, program, plan.gate);
+  Settings settings;
+  ExitCode code = SettleProfile(options.profile, jobSettings, program, settings);
+  if (code != ExitCode::Done) return code;
+  const ReceiverChoice receiver = WithSettings(options.receiver, settings);
+  if (receiver.address.empty()) return program.Misuse(kNoReceiver);
+  code = SettleReceiver(receiver, settings, program, plan.receiver);
+  if (code == ExitCode::Done) code = SettleGate(options, settings, program, plan.gate);
   if (code == ExitCode::Done) {
-    code =
-        SettleCorrections(options.corrections, plan.receiver.settings, program, plan.corrections);
+    code = SettleCorrections(WithSettings(options.corrections, settings, plan.receiver),
+                             plan.receiver.settings, program, plan.corrections);
   }
-  if (code == ExitCode::Done) code = SettleAntenna(options, program, plan.antennaHeight);
+  if (code == ExitCode::Done) code = SettleAntenna(options, settings, program, plan);
+  if (code == ExitCode::Done) code = SettleAverage(options, settings, program, plan);
   if (code != ExitCode::Done) return code;
   if (plan.corrections && !plan.receiver.takesCorrections()) {
     return program.Misuse("A recorded or simulated receiver takes no corrections.");
   }
-  plan.average = options.average;
   plan.overrideGate = options.overrideGate;
   plan.streamLog = StreamLogName(options.streamLog, program.clock.Now());
   plan.patienceMs = options.patienceS * 1000;

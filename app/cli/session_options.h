@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/cli/correction_choice.h"
+#include "app/cli/profile_choice.h"
 #include "app/cli/receiver_choice.h"
 #include "app/workflow/receiver_session.h"
 
@@ -17,9 +18,10 @@ inline constexpr std::int64_t kSimulatedPaceMs = 1000;
 /// As entered.
 struct SessionOptions {
   ReceiverChoice receiver;
-  std::string antennaHeight = "0";
+  std::string profile;
+  std::string antennaHeight;  ///< empty: as the job or the profile has it
   long long patienceS = 60;
-  std::size_t average = 1;
+  std::size_t average = 0;  ///< 0: as the job or the profile has it
   CorrectionChoice corrections;
   std::string streamLog;
   std::map<std::string, std::string> gates;  ///< limits by their keys
@@ -27,10 +29,12 @@ struct SessionOptions {
 };
 
 /// Adds all of them; returns --receiver.
-Option AddSessionOptions(Command& command, SessionOptions& options);
+/// `profileOption` is "--profile" unless a command has another use for that name.
+Option AddSessionOptions(Command& command, SessionOptions& options,
+                         const char* profileOption = kProfileOption);
 
-/// The receiver, the job's limits and then the command line's. Wrong use, after a message, when
-/// something is not understood.
+/// What the command line says, then the job's settings, then those of the profile. Wrong use, after
+/// a message, when something is not understood or no receiver is named.
 ExitCode SettleSession(const SessionOptions& options, const Settings& jobSettings, Program& program,
                        ReceiverPlan& plan);
 

@@ -23,8 +23,8 @@ void TellHowToStore(const StakePlan& plan, const std::string& id, const StakeLis
 
 }  // namespace
 
-Option AddStakeOptions(Command& command, StakeOptions& options) {
-  Option receiver = AddSessionOptions(command, options.session);
+Option AddStakeOptions(Command& command, StakeOptions& options, const char* profileOption) {
+  Option receiver = AddSessionOptions(command, options.session, profileOption);
   command.Add("--count", options.count, "Positions to show (default: until the receiver ends)")
       .NotNegative();
   AddNumber(command, "--tolerance", options.tolerance.horizontal,

@@ -20,7 +20,8 @@ struct StakeOptions {
 };
 
 /// Adds the receiver with all that goes with it, --count and the tolerances; returns --receiver.
-Option AddStakeOptions(Command& command, StakeOptions& options);
+Option AddStakeOptions(Command& command, StakeOptions& options,
+                       const char* profileOption = kProfileOption);
 
 /// Works on `targets` with the receiver. `plan` says what is stored, and the job's current point id
 /// is the first that is stored under.

@@ -201,6 +201,13 @@ std::string CoordinateSystems::Title(const SystemSource& source, const CTrgCalcu
   return name.empty() ? calculator.record().projectionName.str() : name;
 }
 
+std::string CoordinateSystems::SetupTitle(const SystemSource& source,
+                                          const CTrgCalculator& calculator) {
+  if (source.empty()) return {};
+  return Title(source, calculator) +
+         (source.datumShift.empty() ? "" : ", datum shift " + source.datumShift);
+}
+
 void CoordinateSystems::Show(std::string_view title, std::string_view text) {
   work_.observer.OnMessage(title, text);
 }

@@ -71,6 +71,8 @@ class CoordinateSystems final : private MessageBox, private LoadProgress {
 
   /// The system in a few words: its name, or what its definition calls it.
   static std::string Title(const SystemSource& source, const CTrgCalculator& calculator);
+  /// The same with a datum shift that was named, as the raw file has it; empty without a system.
+  static std::string SetupTitle(const SystemSource& source, const CTrgCalculator& calculator);
 
  private:
   bool ReadSystemOption(const std::string& name, SystemSource& source, std::string& problem);

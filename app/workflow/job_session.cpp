@@ -7,6 +7,7 @@
 
 #include "app/workflow/identification.h"
 #include "app/workflow/job_settings.h"
+#include "app/workflow/recovered_settings.h"
 #include "core/journal/file_rewrite.h"
 #include "core/observations/job_unit.h"
 #include "core/text/number_text.h"
@@ -47,26 +48,6 @@ std::string WithoutLink(const std::string& path) {
 
 }  // namespace
 
-std::optional<DistanceUnit> ParseUnit(std::string_view name) {
-  for (const DistanceUnit unit :
-       {DistanceUnit::UsSurveyFeet, DistanceUnit::Metres, DistanceUnit::InternationalFeet}) {
-    if (name == UnitKey(unit)) return unit;
-  }
-  return std::nullopt;
-}
-
-std::string_view UnitKey(DistanceUnit unit) {
-  switch (unit) {
-    case DistanceUnit::UsSurveyFeet:
-      return "us-feet";
-    case DistanceUnit::InternationalFeet:
-      return "intl-feet";
-    case DistanceUnit::Metres:
-      break;
-  }
-  return "metres";
-}
-
 JobSession::JobSession(const Workplace& work, const std::string& path) : work_(work), job_(*this) {
   job_.path = WithoutLink(path);
   job_.name = JobName(path);
@@ -99,19 +80,15 @@ bool JobSession::Load() {
 
 bool JobSession::LoadExisting() {
   if (files().Exists(job_.path)) {
-    if (!files().Exists(settingsPath())) {
-      work_.observer.OnWarning(
-          "The job's settings " + settingsPath() +
-          " are missing: metres, azimuths from north and no coordinate system are "
-          "assumed.");
-    }
+    const bool lost = !files().Exists(settingsPath());
     const FinishJobResult finished = FinishJob(job_);
-    if (finished == FinishJobResult::Failed || !Load()) return false;
+    if (finished == FinishJobResult::Failed) return false;
+    if (lost ? !TakeRecovered() : !Load()) return false;
     wasInterrupted_ = finished == FinishJobResult::Finished;
     for (const std::string& sentence : UnknownSettings(settings_)) {
       work_.observer.OnWarning(settingsPath() + ": " + sentence);
     }
-    storingProblem_ = UnitProblem(job_);
+    if (!lost) storingProblem_ = UnitProblem(job_);
     if (!storingProblem_.empty()) work_.observer.OnWarning(storingProblem_);
     return true;
   }
@@ -122,6 +99,16 @@ bool JobSession::LoadExisting() {
   }
   ShowMessage("There is no job " + job_.path + "; `tarvex new " + job_.path + "` creates it.");
   return false;
+}
+
+// The settings file is gone: what the raw file tells of it takes its place.
+bool JobSession::TakeRecovered() {
+  const RecoveredSettings recovered = RecoverSettings(job_);
+  settings_ = recovered.settings;
+  storingProblem_ = recovered.storingProblem;
+  work_.observer.OnWarning("The job's settings " + settingsPath() +
+                           " are missing: " + recovered.taken);
+  return TakeSettings();
 }
 
 bool JobSession::TakeSettings() {

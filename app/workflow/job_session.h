@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/workflow/known_settings.h"
 #include "app/workflow/workplace.h"
 #include "core/job/job.h"
 #include "core/job/settings.h"
@@ -28,6 +29,7 @@ class JobSession final : public JobHost {
   /// a message when the settings cannot be read or make no sense.
   bool Load();
   /// The same for a job that must exist: without its coordinate file there is nothing to work on.
+  /// Settings that were lost are taken from the raw file, or nothing is stored.
   bool LoadExisting();
   /// Writes the settings durably; false after a message.
   bool Save();
@@ -56,6 +58,7 @@ class JobSession final : public JobHost {
   void ShowWaitCursor(bool shown) override;
 
  private:
+  bool TakeRecovered();
   bool TakeSettings();
 
   Workplace work_;
@@ -66,9 +69,5 @@ class JobSession final : public JobHost {
   std::string storingProblem_;
   ExistingPolicy policy_ = ExistingPolicy::Cancel;
 };
-
-/// "us-feet", "metres" and "intl-feet", as settings and options name the units.
-std::optional<DistanceUnit> ParseUnit(std::string_view name);
-std::string_view UnitKey(DistanceUnit unit);
 
 }  // namespace tarvex

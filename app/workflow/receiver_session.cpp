@@ -73,11 +73,11 @@ bool ReceiverSession::Open() {
 // Date and time, and what is in force from here on.
 bool ReceiverSession::OpenRawFile() {
   const SystemSource system = SystemOfSettings(session_.settings());
-  std::vector<std::string> records = SetupComments(
-      {.systemTitle = system.empty() ? "" : CoordinateSystems::Title(system, calculator_),
-       .calculator = &calculator_,
-       .usesAntenna = true,
-       .antennaType = AntennaOfSettings(session_.settings())});
+  std::vector<std::string> records =
+      SetupComments({.systemTitle = CoordinateSystems::SetupTitle(system, calculator_),
+                     .calculator = &calculator_,
+                     .usesAntenna = true,
+                     .antennaType = plan_.antennaType});
   // Not its port: a recording that is played again comes to the same bytes.
   records.push_back(
       CommentRecord("Receiver: " + std::string(FindMake(plan_.receiver.makeCode).name)));

@@ -29,6 +29,7 @@ struct ReceiverPlan {
   ChosenReceiver receiver = {};
   std::string description = {};  ///< of the points; what a person types takes its place
   double antennaHeight = 0.0;    ///< above the point, job's unit
+  std::string antennaType = {};  ///< for the raw file; empty: not known
   std::int64_t patienceMs =
       60000;                  ///< without a new position the session ends; recordings never wait
   GateLimits gate = {};       ///< what a position must keep to be stored

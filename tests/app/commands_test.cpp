@@ -149,6 +149,24 @@ const WrongUse kWrongUses[] = {
     {"collect numbers.crd --receiver usb", 2, "usb"},
     {"collect numbers.crd --receiver simulated", 1, "no coordinate system"},
     {"convert", 2, "--system NAME, --definition FILE, or --job"},
+    {"collect numbers.crd", 2, "Say which receiver"},
+    {"collect numbers.crd --profile rover", 2, "tarvex profile save rover"},
+    {"watch", 2, "Say which receiver"},
+    {"new b.crd --profile rover", 2, "There is no profile \"rover\""},
+    {"settings nothere.crd", 1, "tarvex new nothere.crd"},
+    {"settings numbers.crd unts", 2, "did you mean units?"},
+    {"settings numbers.crd gate_hrms gate_vrms=1", 2, "gate_hrms=VALUE"},
+    {"settings numbers.crd gate_solution=rtk", 2, "fixed, float, dgps or autonomous"},
+    {"settings numbers.crd system=Nowhere", 2, "tarvex systems TEXT"},
+    {"settings numbers.crd definition=x", 2, "--definition FILE"},
+    {"settings numbers.crd profile=rover", 2, "There is no profile \"rover\""},
+    {"settings numbers.crd password_file=nothere", 2, "cannot be read"},
+    {"profile", 2, "Say which of these commands"},
+    {"profile save rover", 2, "Say what the profile holds"},
+    {"profile save rover antenna_height=-1", 2, "a number from 0 to 1000"},
+    {"profile save \"my rover\" average=2", 2, "is no name for a profile"},
+    {"profile show rover", 1, "There is no profile \"rover\""},
+    {"profile delete rover", 1, "There is no profile \"rover\""},
     {"systems xyzzy", 1, "\"xyzzy\""},
 };
 
@@ -211,6 +229,9 @@ TEST(Commands, TellWhatIsMissing) {
   EXPECT_EQ(cut.errors,
             "WARNING: The job's settings cut.job are missing: metres, azimuths from north and no "
             "coordinate system are assumed.\n"
+            "WARNING: No raw file says in which unit the points of cut.crd are. Nothing is stored "
+            "until it is known: `tarvex settings cut.crd units=metres` (or us-feet, intl-feet) "
+            "makes new settings.\n"
             "WARNING: cut.crd ends in the middle of a record: its last 4 bytes are no point.\n");
   EXPECT_EQ(folder.Run("new many.crd --numeric").exitCode, 0);
   EXPECT_EQ(folder.Run("store many.crd 1 1 2 3").exitCode, 0);

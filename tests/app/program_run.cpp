@@ -51,6 +51,7 @@ pid_t ProgramFolder::Start(const std::string& line, const std::string& input) {
   const pid_t process = ::fork();
   if (process != 0) return process;
   ::setenv("TARVEX_DATA", Path("data").c_str(), 1);
+  ::setenv("XDG_CONFIG_HOME", Path("config").c_str(), 1);
   if (::chdir(folder_.path().c_str()) != 0) ::_exit(127);
   Redirect("IN", O_RDONLY, STDIN_FILENO);
   Redirect("OUT", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);

@@ -22,16 +22,14 @@ using testing::IsEmpty;
 constexpr LocalTime kWritten{2026, 1, 31, 9, 5, 7};
 
 std::string Exported(const RoadGeometry& road, const Profile* profile = nullptr) {
-  std::size_t refused = 0;
-  const auto text = WriteLandXml({.name = "road",
-                                  .unit = DistanceUnit::Metres,
-                                  .road = &road,
-                                  .profile = profile,
-                                  .program = "Tarvex",
-                                  .written = kWritten},
-                                 &refused);
-  EXPECT_TRUE(text) << "element " << refused << " was refused";
-  return text.value_or("");
+  auto text = WriteLandXml({.name = "road",
+                            .unit = DistanceUnit::Metres,
+                            .road = &road,
+                            .profile = profile,
+                            .program = "Tarvex",
+                            .written = kWritten});
+  EXPECT_TRUE(text) << "element " << text.failure().place << " was refused";
+  return std::move(text).value();
 }
 
 // One element to lay out: the curvature at its ends (right positive) and its length.
@@ -111,7 +109,7 @@ Centerline SpiralCurveSpiral(double azimuth, double k, double in, double arc, do
 // The road that the file of these records gives, with the decimals of the format.
 RoadGeometry FromFile(const Centerline& written, const CenterlineFormat& format) {
   Centerline centerline;
-  centerline.elements = ReadChain(CenterlineText(written, {}, format), false).elements;
+  centerline.elements = ReadChain(CenterlineText(written, {}, format), false)->elements;
   return MakeRoadGeometry(centerline, {}).value();
 }
 
@@ -184,9 +182,10 @@ TEST(LandXmlExport, RealFilesGoOutAsAnotherProgramReadsThem) {
     ASSERT_TRUE(ReadWholeFile(SystemFiles(), std::string(TARVEX_TEST_DATA) + "/landxml/" + file,
                               1 << 20, text)
                     .ok());
-    const LandXmlReading reading = ReadLandXml(text);
-    ASSERT_EQ(reading.alignments.size(), 1U) << file;
-    const LandXmlAlignment& alignment = reading.alignments.front();
+    const auto document = ReadLandXml(text);
+    ASSERT_TRUE(document) << document.failure().text;
+    ASSERT_EQ(document->alignments.size(), 1U) << file;
+    const LandXmlAlignment& alignment = document->alignments.front();
     const RoadGeometry road = MakeRoadGeometry(alignment.centerline, alignment.equations).value();
     EXPECT_THAT(FaultsOfLandXml(Exported(road, alignment.profile ? &*alignment.profile : nullptr)),
                 IsEmpty())
@@ -235,20 +234,20 @@ std::string WithEquations(const std::string& equations) {
 // Two equations: the second one's back station counts on from the first.
 TEST(LandXmlExport, StationEquationsAddUp) {
   for (const char* back : {"staBack='1400'", ""}) {
-    const LandXmlReading reading =
+    const auto document =
         ReadLandXml(WithEquations("<StaEquation staBack='1250' staAhead='1300' staInternal='1250'/>"
                                   "<StaEquation " +
                                   std::string(back) + " staAhead='1700' staInternal='1350'/>"));
-    ASSERT_EQ(reading.result, LandXmlResult::Read) << reading.problem;
-    EXPECT_THAT(reading.warnings, IsEmpty());
-    const LandXmlAlignment& alignment = reading.alignments.at(0);
+    ASSERT_TRUE(document) << document.failure().text;
+    EXPECT_THAT(document->warnings, IsEmpty());
+    const LandXmlAlignment& alignment = document->alignments.at(0);
     const std::vector<StationEquation> wanted = {{1250.0, 1300.0}, {1400.0, 1700.0}};
     EXPECT_EQ(alignment.equations, wanted) << back;
     const RoadGeometry road = MakeRoadGeometry(alignment.centerline, alignment.equations).value();
     EXPECT_EQ(road.equations.Displayed(1340.0).station, 1390.0);
     EXPECT_EQ(road.equations.Displayed(1360.0).station, 1710.0);
     EXPECT_THAT(FaultsOfLandXml(Exported(road)), IsEmpty());
-    EXPECT_EQ(ReadLandXml(Exported(road)).alignments.at(0).equations, wanted);
+    EXPECT_EQ(ReadLandXml(Exported(road))->alignments.at(0).equations, wanted);
   }
 }
 

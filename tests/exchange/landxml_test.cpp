@@ -24,10 +24,9 @@ std::string ReadData(const std::string& name) {
 }
 
 LandXmlAlignment Import(const std::string& text) {
-  LandXmlReading reading = ReadLandXml(text);
-  EXPECT_EQ(reading.result, LandXmlResult::Read) << reading.problem;
-  EXPECT_EQ(reading.alignments.size(), 1U);
-  return std::move(reading.alignments.at(0));
+  LandXmlDocument document = ReadLandXml(text).value();
+  EXPECT_EQ(document.alignments.size(), 1U);
+  return std::move(document.alignments.at(0));
 }
 
 RoadGeometry Geometry(const LandXmlAlignment& alignment) {
@@ -94,7 +93,7 @@ TEST(LandXmlReader, EndsWhereTheFilesEnd) {
        {675353.553391, 905853.553391},
        1984.820206}};
   for (const Case& c : cases) {
-    EXPECT_EQ(ReadLandXml(ReadData(c.file)).unit, c.unit) << c.file;
+    EXPECT_EQ(ReadLandXml(ReadData(c.file))->unit, c.unit) << c.file;
     const RoadGeometry road = Geometry(Import(ReadData(c.file)));
     EXPECT_NEAR(road.alignment.endStation(), c.station, 2e-6) << c.file;
     const auto end = road.alignment.PointAt(road.alignment.endStation());
@@ -116,11 +115,11 @@ TEST(LandXmlWriter, RoundTripsToTheSameRoad) {
                                     .program = "Tarvex",
                                     .written = {2026, 1, 31, 9, 5, 7}});
     ASSERT_TRUE(text) << file;
-    const LandXmlReading again = ReadLandXml(*text);
-    ASSERT_EQ(again.result, LandXmlResult::Read) << again.problem << *text;
-    EXPECT_TRUE(again.warnings.empty()) << again.warnings.front();
-    EXPECT_EQ(again.unit, DistanceUnit::UsSurveyFeet);
-    const LandXmlAlignment& second = again.alignments.at(0);
+    const auto again = ReadLandXml(*text);
+    ASSERT_TRUE(again) << again.failure().text << *text;
+    EXPECT_TRUE(again->warnings.empty()) << again->warnings.front();
+    EXPECT_EQ(again->unit, DistanceUnit::UsSurveyFeet);
+    const LandXmlAlignment& second = again->alignments.at(0);
     EXPECT_EQ(second.name, "A & B");
     ASSERT_EQ(first.centerline.elements.size(), second.centerline.elements.size()) << file;
     for (std::size_t i = 0; i < first.centerline.elements.size(); ++i) {
@@ -159,15 +158,15 @@ TEST(LandXmlWriter, RefusesSpiralsThatTurnToBothSides) {
   centerline.elements[1].station = 40.0;
   const RoadGeometry road = MakeRoadGeometry(centerline, {}).value();
   ASSERT_TRUE(road.alignment.elements()[0].sound);
-  std::size_t refused = 99;
-  EXPECT_FALSE(WriteLandXml({.name = "both",
-                             .unit = DistanceUnit::Metres,
-                             .road = &road,
-                             .profile = nullptr,
-                             .program = "",
-                             .written = {}},
-                            &refused));
-  EXPECT_EQ(refused, 0U);
+  const auto text = WriteLandXml({.name = "both",
+                                  .unit = DistanceUnit::Metres,
+                                  .road = &road,
+                                  .profile = nullptr,
+                                  .program = "",
+                                  .written = {}});
+  ASSERT_FALSE(text);
+  EXPECT_EQ(text.failure().code, LandXmlRefusal::TurnsToBothSides);
+  EXPECT_EQ(text.failure().place, 0U);
 }
 
 std::string Changed(std::string text, const std::string& from, const std::string& to) {
@@ -181,40 +180,42 @@ TEST(LandXmlReader, RefusesByNameAndLine) {
   struct Case {
     const char* from;
     const char* to;
-    LandXmlResult result;
+    LandXmlFault fault;
     const char* words;
   };
   const Case cases[] = {
-      {"spiType=\"clothoid\"", "spiType=\"bloss\"", LandXmlResult::CannotHold,
+      {"spiType=\"clothoid\"", "spiType=\"bloss\"", LandXmlFault::CannotHold,
        "Line 9: a centerline holds no transition curve of the type \"bloss\""},
-      {"<Line length", "<IrregularLine length", LandXmlResult::NotXml, "Line 8"},
-      {"USSurveyFoot", "mile", LandXmlResult::CannotHold, "the unit \"mile\""},
-      {"staAhead=\"2000", "staIncrement=\"decreasing\" staAhead=\"2000", LandXmlResult::CannotHold,
+      {"<Line length", "<IrregularLine length", LandXmlFault::NotXml, "Line 8"},
+      {"USSurveyFoot", "mile", LandXmlFault::CannotHold, "the unit \"mile\""},
+      {"staAhead=\"2000", "staIncrement=\"decreasing\" staAhead=\"2000", LandXmlFault::CannotHold,
        "Line 14: a centerline cannot hold stations that decrease"},
       {"<End>675000.000000 905299.600378</End>", "<End>675000.0 905299.7</End>",
-       LandXmlResult::CannotHold, "Line 9: the element starts 0.100 away"},
-      {"<Center>675303.118034 905374.444399", "<Center>x", LandXmlResult::BadNumber,
+       LandXmlFault::CannotHold, "Line 9: the element starts 0.100 away"},
+      {"<Center>675303.118034 905374.444399", "<Center>x", LandXmlFault::BadNumber,
        "Line 10: Curve has no usable Center point"},
-      {"rot=\"ccw\" crvType", "crvType", LandXmlResult::BadNumber, "Curve lacks rot"},
-      {"length=\"150.000000\"", "length=\"long\"", LandXmlResult::BadNumber,
+      {"rot=\"ccw\" crvType", "crvType", LandXmlFault::BadNumber, "Curve lacks rot"},
+      {"length=\"150.000000\"", "length=\"long\"", LandXmlFault::BadNumber,
        "Spiral has no usable \"length\""},
-      {"<LandXML", "<KML", LandXmlResult::NotXml, ""},
+      {"<LandXML", "<KML", LandXmlFault::NotXml, ""},
   };
   for (const Case& c : cases) {
-    const LandXmlReading reading = ReadLandXml(Changed(scs, c.from, c.to));
-    EXPECT_EQ(reading.result, c.result) << c.to << ": " << reading.problem;
-    EXPECT_THAT(reading.problem, HasSubstr(c.words));
+    const auto refused = ReadLandXml(Changed(scs, c.from, c.to));
+    ASSERT_FALSE(refused) << c.to;
+    EXPECT_EQ(refused.failure().code, c.fault) << c.to << ": " << refused.failure().text;
+    EXPECT_THAT(refused.failure().text, HasSubstr(c.words));
   }
-  EXPECT_EQ(ReadLandXml("<a/>").result, LandXmlResult::NotLandXml);
-  EXPECT_EQ(ReadLandXml("").result, LandXmlResult::NotXml);
-  const LandXmlReading none = ReadLandXml(scs, "Other");
-  EXPECT_EQ(none.result, LandXmlResult::NoAlignment);
-  EXPECT_THAT(none.problem, HasSubstr("no alignment is called \"Other\"; there is \"SCS-EQ\""));
-  EXPECT_EQ(ReadLandXml(scs, "SCS-EQ").result, LandXmlResult::Read);
+  EXPECT_EQ(ReadLandXml("<a/>").failure().code, LandXmlFault::NotLandXml);
+  EXPECT_EQ(ReadLandXml("").failure().code, LandXmlFault::NotXml);
+  const auto none = ReadLandXml(scs, "Other");
+  EXPECT_EQ(none.failure().code, LandXmlFault::NoAlignment);
+  EXPECT_THAT(none.failure().text,
+              HasSubstr("no alignment is called \"Other\"; there is \"SCS-EQ\""));
+  EXPECT_TRUE(ReadLandXml(scs, "SCS-EQ"));
 }
 
 TEST(LandXmlReader, TakesPointsByReferenceAndArcsCalledSpirals) {
-  const LandXmlReading reading = ReadLandXml(
+  const auto document = ReadLandXml(
       "<x:LandXML xmlns:x='http://www.landxml.org/schema/LandXML-1.2'>"
       "<x:Units><x:Metric linearUnit='meter'/></x:Units>"
       "<x:CgPoints><x:CgPoint name='P1'>100 200 5</x:CgPoint></x:CgPoints><x:Alignments>"
@@ -223,8 +224,8 @@ TEST(LandXmlReader, TakesPointsByReferenceAndArcsCalledSpirals) {
       "<x:Spiral length='157.0796326795' radiusStart='100' radiusEnd='100' rot='cw' "
       "spiType='clothoid' constant='0'><x:Start>200 200</x:Start><x:PI>300 200</x:PI>"
       "<x:End>300 300</x:End></x:Spiral></x:CoordGeom></x:Alignment></x:Alignments></x:LandXML>");
-  ASSERT_EQ(reading.result, LandXmlResult::Read) << reading.problem;
-  const RoadGeometry road = Geometry(reading.alignments[0]);
+  ASSERT_TRUE(document) << document.failure().text;
+  const RoadGeometry road = Geometry(document->alignments[0]);
   ASSERT_EQ(road.alignment.elements().size(), 2U);
   EXPECT_EQ(road.alignment.elements()[1].shape, ElementShape::Arc);
   EXPECT_NEAR(road.alignment.elements()[1].length, 50 * std::numbers::pi, 1e-9);
@@ -247,26 +248,26 @@ constexpr std::string_view kTwoRoads =
     "</Alignments></LandXML>";
 
 TEST(LandXmlReader, NeverTakesTheProfileOfAnotherAlignment) {
-  const LandXmlProfileReading unnamed = ReadLandXmlProfile(kTwoRoads);
-  EXPECT_EQ(unnamed.result, LandXmlResult::SeveralAlignments);
-  EXPECT_FALSE(unnamed.profile);
-  EXPECT_THAT(unnamed.problem, HasSubstr("\"Ramp\", \"Main\""));
-  const LandXmlProfileReading main = ReadLandXmlProfile(kTwoRoads, "Main");
-  ASSERT_EQ(main.result, LandXmlResult::Read) << main.problem;
-  EXPECT_EQ(main.profile->At(50.0)->elevation, 500.0);
-  EXPECT_EQ(main.profileName, "M");
-  EXPECT_THAT(main.warnings, testing::ElementsAre(HasSubstr("\"Ditch\"")));
-  EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Ramp").profile->At(50.0)->elevation, 15.0);
-  EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Side").result, LandXmlResult::NoAlignment);
-  EXPECT_EQ(ReadLandXmlProfile(ReadData("scs_station_equation.xml")).result,
-            LandXmlResult::NoProfile);
-  EXPECT_TRUE(ReadLandXmlProfile(ReadData("toivola_y3.xml")).profile);
+  const auto unnamed = ReadLandXmlProfile(kTwoRoads);
+  ASSERT_FALSE(unnamed);
+  EXPECT_EQ(unnamed.failure().code, LandXmlFault::SeveralAlignments);
+  EXPECT_THAT(unnamed.failure().text, HasSubstr("\"Ramp\", \"Main\""));
+  const auto main = ReadLandXmlProfile(kTwoRoads, "Main");
+  ASSERT_TRUE(main) << main.failure().text;
+  EXPECT_EQ(main->profile.At(50.0)->elevation, 500.0);
+  EXPECT_EQ(main->name, "M");
+  EXPECT_THAT(main->warnings, testing::ElementsAre(HasSubstr("\"Ditch\"")));
+  EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Ramp")->profile.At(50.0)->elevation, 15.0);
+  EXPECT_EQ(ReadLandXmlProfile(kTwoRoads, "Side").failure().code, LandXmlFault::NoAlignment);
+  EXPECT_EQ(ReadLandXmlProfile(ReadData("scs_station_equation.xml")).failure().code,
+            LandXmlFault::NoProfile);
+  EXPECT_TRUE(ReadLandXmlProfile(ReadData("toivola_y3.xml")));
 }
 
 TEST(LandXmlReader, TellsAStartStationThatIsNoNumber) {
   const std::string text = Changed(ReadData("scs_station_equation.xml"), "staStart=\"1000.000000\"",
                                    "staStart=\"1+000.00\"");
-  EXPECT_THAT(ReadLandXml(text).warnings,
+  EXPECT_THAT(ReadLandXml(text)->warnings,
               testing::Contains(HasSubstr("is no number (\"1+000.00\"); it starts at 0")));
 }
 
@@ -274,8 +275,8 @@ TEST(LandXmlReader, StandsFilesCutAnywhere) {
   for (const char* file : {"scs_station_equation.xml", "toivola_y3.xml"}) {
     const std::string text = ReadData(file);
     for (std::size_t length = 0; length < text.size(); ++length) {
-      const LandXmlReading reading = ReadLandXml(std::string_view(text).substr(0, length));
-      EXPECT_EQ(reading.result == LandXmlResult::Read, reading.problem.empty()) << length;
+      const auto document = ReadLandXml(std::string_view(text).substr(0, length));
+      EXPECT_TRUE(document || !document.failure().text.empty()) << length;
     }
   }
 }

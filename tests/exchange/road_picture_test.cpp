@@ -20,7 +20,7 @@ using testing::HasSubstr;
 RoadGeometry Geometry(const std::string& file) {
   const std::string text = ReadRoadData(file);
   Centerline centerline;
-  centerline.elements = ReadChain(text, false).elements;
+  centerline.elements = ReadChain(text, false)->elements;
   return MakeRoadGeometry(centerline, ReadStationEquations(text)).value();
 }
 

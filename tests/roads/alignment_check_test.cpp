@@ -11,7 +11,7 @@ namespace {
 
 RoadGeometry Geometry(const std::string& text) {
   Centerline centerline;
-  centerline.elements = ReadChain(text, false).elements;
+  centerline.elements = ReadChain(text, false)->elements;
   auto made = MakeRoadGeometry(centerline, ReadStationEquations(text));
   EXPECT_TRUE(made);
   return *std::move(made);

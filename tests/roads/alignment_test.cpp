@@ -34,8 +34,7 @@ const Alignment& Example(const std::string& name) {
 }
 
 Alignment FromText(const std::string& text) {
-  const ChainReading reading = ReadChain(text, false);
-  return Alignment::FromChain(reading.elements).value();
+  return Alignment::FromChain(ReadChain(text, false)->elements).value();
 }
 
 TEST(Alignment, MeetsThePointsOfTheVectors) {
@@ -342,7 +341,7 @@ TEST(Alignment, TakesSpiralRecordsThatRelax) {
 TEST(Alignment, StaysCalmOnAnyChain) {
   EXPECT_EQ(Alignment::FromChain({}).failure().code, AlignmentFault::Nothing);
   const auto infinite = Alignment::FromChain(
-      ReadChain("0,0,L,0,0\n0,1,L,1e999,0\n0,2,L,5,5\n0,0,L,0,0\n", false).elements);
+      ReadChain("0,0,L,0,0\n0,1,L,1e999,0\n0,2,L,5,5\n0,0,L,0,0\n", false)->elements);
   EXPECT_EQ(infinite.failure().code, AlignmentFault::OutOfRange);
   EXPECT_EQ(infinite.failure().place, 2U);
   RandomNumbers random(7);
@@ -358,7 +357,7 @@ TEST(Alignment, StaysCalmOnAnyChain) {
       for (int field = 0; field < 5; ++field) text += "," + pick(numbers);
       text += "\n";
     }
-    const auto made = Alignment::FromChain(ReadChain(text, false).elements);
+    const auto made = Alignment::FromChain(ReadChain(text, false)->elements);
     if (!made) continue;
     for (const double station : {-1.0, 0.0, 50.0, 100.0, 1e6}) {
       const auto point = made->PointAt(station, 5.0);

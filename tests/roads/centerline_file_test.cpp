@@ -22,7 +22,7 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 
 std::vector<CenterlineElement> Chain(std::string_view text, bool keepTangentPoints = false) {
-  return ReadChain(text, keepTangentPoints).elements;
+  return ReadChain(text, keepTangentPoints).value().elements;
 }
 
 // "kind station" of each node, to read a chain at a glance.
@@ -55,21 +55,24 @@ TEST(CenterlineReader, DropsTheLastRecordWhateverItIs) {
   EXPECT_EQ(Outline(Chain("0,10,L,1,1\n")), "0 10; ");  // a single element stays
   EXPECT_EQ(Outline(Chain(ReadRoadData("bad/no_terminator.cl"))), "0 1000; 0 1200; 0 1514; ");
   const auto unclosed = ReadChain(ReadRoadData("bad/no_terminator.cl"), false);
-  EXPECT_THAT(unclosed.notes, testing::ElementsAre(LineNote{5, kTextTerminatorMissing, ""}));
-  EXPECT_TRUE(ReadChain(ReadRoadData("cl/egg_sp.cl"), false).notes.empty());
-  EXPECT_EQ(ReadChain("", false).result, ReadChainResult::Nothing);
-  EXPECT_EQ(ReadChain("7,5,STARTPT,1,2\n0,0,L,0,0\n", false).result, ReadChainResult::Nothing);
+  EXPECT_THAT(unclosed->notes, testing::ElementsAre(LineNote{5, kTextTerminatorMissing, ""}));
+  EXPECT_TRUE(ReadChain(ReadRoadData("cl/egg_sp.cl"), false)->notes.empty());
+  for (const char* empty : {"", "7,5,STARTPT,1,2\n0,0,L,0,0\n"}) {
+    const auto nothing = ReadChain(empty, false);
+    ASSERT_FALSE(nothing) << empty;
+    EXPECT_EQ(nothing.failure().code, ChainFault::Nothing);
+  }
 }
 
 TEST(CenterlineReader, StopsAtTheStartPoint) {
   const auto reading = ReadChain(
       "0,10,L,1,1\n0,20,L,2,2\n0,0,L,0,0\n7,5.5,STARTPT,100.5,200.25\n0,30,L,3,3\n", false);
-  EXPECT_EQ(Outline(reading.elements), "0 10; 0 20; ");
-  ASSERT_TRUE(reading.startPoint);
-  EXPECT_EQ(reading.startPoint->id.view(), "7");
-  EXPECT_EQ(reading.startPoint->station, 5.5);
-  EXPECT_EQ(reading.startPoint->easting, 100.5);
-  EXPECT_EQ(reading.startPoint->northing, 200.25);
+  EXPECT_EQ(Outline(reading->elements), "0 10; 0 20; ");
+  ASSERT_TRUE(reading->startPoint);
+  EXPECT_EQ(reading->startPoint->id.view(), "7");
+  EXPECT_EQ(reading->startPoint->station, 5.5);
+  EXPECT_EQ(reading->startPoint->easting, 100.5);
+  EXPECT_EQ(reading->startPoint->northing, 200.25);
 }
 
 TEST(CenterlineReader, SkipsWhatIsNoRecordAndSaysWhere) {
@@ -84,12 +87,12 @@ TEST(CenterlineReader, SkipsWhatIsNoRecordAndSaysWhere) {
       "0,40,ABCDEFGHIJKL,90,90\n"
       "0,0,L,0,0\n",
       false);
-  EXPECT_EQ(Outline(reading.elements), "0 20; 0 0; 0 40; ");
-  EXPECT_EQ(reading.elements[0].northing, 0.0);
+  EXPECT_EQ(Outline(reading->elements), "0 20; 0 0; 0 40; ");
+  EXPECT_EQ(reading->elements[0].northing, 0.0);
   std::vector<int> lines;
-  for (const LineNote& note : reading.notes) lines.push_back(note.line);
+  for (const LineNote& note : reading->notes) lines.push_back(note.line);
   EXPECT_THAT(lines, testing::ElementsAre(1, 2, 3, 7, 8));
-  EXPECT_EQ(reading.notes[4].argument, "ABCDEFGHI");
+  EXPECT_EQ(reading->notes[4].argument, "ABCDEFGHI");
 }
 
 TEST(CenterlineReader, CutsLinesAt254Bytes) {
@@ -176,9 +179,10 @@ TEST(CenterlineReader, LeadInVerticesCarryAnAzimuthOfTheirOwn) {
 TEST(CenterlineReader, RefusesMoreElementsThanARoadHas) {
   std::string text;
   for (std::size_t i = 0; i <= kMostCenterlineElements; ++i) text += "0,1,L,1,1\n";
-  const auto reading = ReadChain(text, false);
-  EXPECT_EQ(reading.result, ReadChainResult::TooLong);
-  EXPECT_EQ(reading.refusedLine, static_cast<int>(kMostCenterlineElements) + 1);
+  const auto refused = ReadChain(text, false);
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.failure().code, ChainFault::TooLong);
+  EXPECT_EQ(refused.failure().place, kMostCenterlineElements + 1);
 }
 
 TEST(StationLimits, ReadTheirTwoKeys) {
@@ -213,15 +217,16 @@ TEST(LoadCenterline, TellsWhatItCouldNotDo) {
   Road road = LoadRoad("cl/simple_right.cl");
   std::string shown;
   const ShowMessage show = [&](std::string_view text) { shown = text; };
-  EXPECT_EQ(LoadCenterline(SystemFiles(), road, "", {.reportErrors = true}, show).result,
-            LoadCenterlineResult::Nothing);
+  const auto faultOf = [&](const std::string& path, LoadCenterlineOptions options) {
+    const auto loaded = LoadCenterline(SystemFiles(), road, path, options, show);
+    EXPECT_FALSE(loaded);
+    return loaded ? std::nullopt : std::optional(loaded.failure().code);
+  };
+  EXPECT_EQ(faultOf("", {.reportErrors = true}), CenterlineFault::Nothing);
   EXPECT_EQ(shown, "");
-  EXPECT_EQ(LoadCenterline(SystemFiles(), road, RoadData("none.cl"), {}, show).result,
-            LoadCenterlineResult::NotOpened);
+  EXPECT_EQ(faultOf(RoadData("none.cl"), {}), CenterlineFault::NotOpened);
   EXPECT_EQ(shown, "");
-  EXPECT_EQ(
-      LoadCenterline(SystemFiles(), road, RoadData("none.cl"), {.reportErrors = true}, show).result,
-      LoadCenterlineResult::NotOpened);
+  EXPECT_EQ(faultOf(RoadData("none.cl"), {.reportErrors = true}), CenterlineFault::NotOpened);
   EXPECT_THAT(shown, testing::HasSubstr("none.cl"));
   EXPECT_EQ(road.centerline->elements.size(), 4U);  // the road that was open stays
   EXPECT_EQ(road.centerline->startStation, 1000.0);
@@ -236,7 +241,7 @@ TEST(LoadCenterline, ReadsTheLimitsBesideTheFile) {
           .ok());
   Road road;
   road.useStationLimits = true;
-  ASSERT_EQ(LoadCenterline(SystemFiles(), road, path).result, LoadCenterlineResult::Loaded);
+  ASSERT_TRUE(LoadCenterline(SystemFiles(), road, path));
   EXPECT_EQ(*StationRange(road), (StationSpan{1100.0, 1664.15926536, true, false}));
 }
 
@@ -315,8 +320,8 @@ TEST(CenterlineWriter, ClosesTheChainBeforeAStartPoint) {
   EXPECT_THAT(CenterlineText(centerline, {}, kPlainCenterline),
               testing::HasSubstr("\n7,5.50000,STARTPT,100.50000000,200.25000000\n"));
   const auto again = ReadChain(text, false);
-  EXPECT_EQ(Outline(again.elements), "0 10; 0 20; ");
-  EXPECT_EQ(again.startPoint, centerline.startPoint);
+  EXPECT_EQ(Outline(again->elements), "0 10; 0 20; ");
+  EXPECT_EQ(again->startPoint, centerline.startPoint);
   EXPECT_EQ(ReadStationEquations(text), (std::vector<StationEquation>{{1200, 1300}}));
 }
 

@@ -25,9 +25,7 @@ inline std::string ReadRoadData(const std::string& name) {
 
 inline Road LoadRoad(const std::string& name) {
   Road road;
-  EXPECT_EQ(LoadCenterline(SystemFiles(), road, RoadData(name)).result,
-            LoadCenterlineResult::Loaded)
-      << name;
+  EXPECT_TRUE(LoadCenterline(SystemFiles(), road, RoadData(name))) << name;
   return road;
 }
 

@@ -176,7 +176,7 @@ void DeclareCollectCommand(Command& command) {
       "u takes the last point back, p pauses, c continues, r asks for corrections again,\n"
       "? shows the keys, q ends.");
   command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
-  AddSessionOptions(command, options.session).Required();
+  AddSessionOptions(command, options.session);
   command
       .Add("--count", options.count,
            "So many positions become points, one after the other; 0: all until Ctrl-C or the\n"

@@ -4,6 +4,8 @@ namespace tarvex {
 
 // Each is in the file of its name: new_command.cpp, collect_command.cpp and so on.
 void DeclareNewCommand(Command& command);
+void DeclareSettingsCommand(Command& command);
+void DeclareProfileCommand(Command& command);
 void DeclareCollectCommand(Command& command);
 void DeclareStakeCommand(Command& command);
 void DeclareWatchCommand(Command& command);
@@ -28,6 +30,8 @@ namespace {
 
 constexpr CommandRow kCommands[] = {
     {"new", "Create a job: its coordinate file, settings and raw file", DeclareNewCommand},
+    {"settings", "Show or change the settings of a job", DeclareSettingsCommand},
+    {"profile", "Keep receiver, antenna, caster and limits under a name", DeclareProfileCommand},
     {"collect", "Store points from a receiver", DeclareCollectCommand},
     {"stake", "Set out points, lines and arcs with a receiver; report what was staked",
      DeclareStakeCommand},

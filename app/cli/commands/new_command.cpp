@@ -6,6 +6,7 @@
 #include "app/cli/command_line.h"
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_session.h"
+#include "app/workflow/profiles.h"
 #include "app/workflow/setup_comments.h"
 #include "core/coordinates/coordinate_file.h"
 #include "core/observations/point_notes.h"
@@ -28,6 +29,7 @@ struct NewOptions {
   bool curvatureCorrection = false;
   std::string scaleFactor = "1";
   std::string name;
+  std::string profile;
 };
 
 void FillSettings(const NewOptions& options, const SystemSource& source, Settings& settings) {
@@ -37,6 +39,7 @@ void FillSettings(const NewOptions& options, const SystemSource& source, Setting
   settings.Set("scale_factor", options.scaleFactor);
   settings.Set("curvature_correction", options.curvatureCorrection ? "1" : "0");
   if (!options.name.empty()) settings.Set("name", options.name);
+  if (!options.profile.empty()) settings.Set("profile", options.profile);
   PutSystemIntoSettings(source, settings);
 }
 
@@ -136,6 +139,10 @@ ExitCode CheckOptions(const NewOptions& options, Program& program) {
   if (!options.geoid.empty() && options.system.empty() && options.definition.empty()) {
     return program.Misuse("--geoid goes with --system or --definition.");
   }
+  std::string problem;
+  if (!options.profile.empty() && !LoadProfile(program.files, options.profile, problem)) {
+    return program.Misuse(problem);
+  }
   return ExitCode::Done;
 }
 
@@ -182,8 +189,7 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
   if (!MakeSystem(options, program, source, calculator) || !session.Load()) return ExitCode::Failed;
   FillSettings(options, source, session.settings());
   FillJob(options, session.job());
-  std::string title = source.empty() ? "" : CoordinateSystems::Title(source, calculator);
-  if (!source.datumShift.empty()) title += ", datum shift " + source.datumShift;
+  const std::string title = CoordinateSystems::SetupTitle(source, calculator);
   const ExitCode exitCode =
       CreateFiles(program, session, {.systemTitle = title, .calculator = &calculator});
   if (exitCode != ExitCode::Done) return exitCode;
@@ -217,6 +223,9 @@ void DeclareNewCommand(Command& command) {
                   "Earth curvature and refraction are corrected");
   command.Add("--scale-factor", options.scaleFactor,
               "Grid scale factor of the raw file (default: 1)");
+  command.Add("--profile", options.profile,
+              "Profile with receiver, antenna, caster and limits that the job works with (see:\n"
+              "tarvex profile --help)");
   command.Add("--name", options.name, "Name written into the raw file (default: the file's name)");
   command.Footer(
       "Beside JOB.crd come JOB.job with the settings and JOB.rw5, the raw file.\n"

@@ -1,4 +1,6 @@
 // tarvex road import, tarvex road export: LandXML.
+#include <utility>
+
 #include "app/cli/command_line.h"
 #include "app/cli/result_file.h"
 #include "app/cli/road_options.h"
@@ -32,7 +34,8 @@ std::string NamesOf(const std::vector<LandXmlAlignment>& alignments) {
 }
 
 // The one alignment of the file; nothing after a message.
-std::optional<LandXmlReading> ReadOneAlignment(const RoadImportOptions& options, Program& program) {
+std::optional<LandXmlDocument> ReadOneAlignment(const RoadImportOptions& options,
+                                                Program& program) {
   std::string text;
   const FileStatus status = ReadWholeFile(program.files, options.file, kLargestLandXml, text);
   if (!status.ok()) {
@@ -40,16 +43,16 @@ std::optional<LandXmlReading> ReadOneAlignment(const RoadImportOptions& options,
     return std::nullopt;
   }
   const bool named = !options.alignment.empty();
-  LandXmlReading reading =
+  auto document =
       ReadLandXml(text, named ? std::optional<std::string_view>(options.alignment) : std::nullopt);
-  for (const std::string& warning : reading.warnings) program.Warn(warning);
-  if (reading.result != LandXmlResult::Read) {
-    (void)program.Fail(options.file + ": " + reading.problem);
+  if (!document) {
+    (void)program.Fail(options.file + ": " + document.failure().text);
     return std::nullopt;
   }
-  if (reading.alignments.size() == 1) return reading;
+  for (const std::string& warning : document->warnings) program.Warn(warning);
+  if (document->alignments.size() == 1) return *std::move(document);
   (void)program.Misuse("The file holds several alignments; choose one with --alignment: " +
-                       NamesOf(reading.alignments) + ".");
+                       NamesOf(document->alignments) + ".");
   return std::nullopt;
 }
 
@@ -58,12 +61,12 @@ struct ImportCount {
   std::size_t faults = 0;
 };
 
-void TellImport(const RoadImportOptions& options, Program& program, const LandXmlReading& reading,
+void TellImport(const RoadImportOptions& options, Program& program, const LandXmlDocument& document,
                 const ImportCount& count) {
-  const LandXmlAlignment& alignment = reading.alignments.front();
+  const LandXmlAlignment& alignment = document.alignments.front();
   if (options.json) {
     program.console.Print(JsonText({{"alignment", alignment.name},
-                                    {"unit", UnitKey(reading.unit)},
+                                    {"unit", UnitKey(document.unit)},
                                     {"elements", count.elements},
                                     {"faults", count.faults},
                                     {"equations", alignment.equations.size()},
@@ -75,10 +78,10 @@ void TellImport(const RoadImportOptions& options, Program& program, const LandXm
       "Alignment \"" + alignment.name + "\": " + std::to_string(count.elements) + " elements, " +
       std::to_string(alignment.equations.size()) +
       (alignment.equations.size() == 1 ? " station equation" : " station equations") + ", in " +
-      std::string(UnitName(reading.unit)) + ".\n");
-  if (reading.unit != DistanceUnit::Metres) {
+      std::string(UnitName(document.unit)) + ".\n");
+  if (document.unit != DistanceUnit::Metres) {
     program.console.Print("The file does not carry its unit: --unit " +
-                          std::string(UnitKey(reading.unit)) + "\n");
+                          std::string(UnitKey(document.unit)) + "\n");
   }
   if (alignment.profile) {
     program.console.Print(
@@ -110,25 +113,25 @@ std::size_t TellFaults(const RoadImportOptions& options, Program& program,
 }
 
 ExitCode RunRoadImport(const RoadImportOptions& options, Program& program) {
-  const auto reading = ReadOneAlignment(options, program);
-  if (!reading) return program.exitCode;
-  const LandXmlAlignment& alignment = reading->alignments.front();
+  const auto document = ReadOneAlignment(options, program);
+  if (!document) return program.exitCode;
+  const LandXmlAlignment& alignment = document->alignments.front();
   const std::string text =
       CenterlineText(alignment.centerline, alignment.equations, FormOf(options.form));
   const ExitCode written = WriteResultFile(program, options.out, text, options.overwrite);
   if (written != ExitCode::Done) return written;
   // The road that the file gives, with the digits of its form.
   Centerline asWritten;
-  asWritten.elements = ReadChain(text, false).elements;
+  if (auto chain = ReadChain(text, false)) asWritten.elements = std::move(chain->elements);
   const auto made =
-      MakeRoadGeometry(asWritten, alignment.equations, CheckLimits::For(reading->unit));
+      MakeRoadGeometry(asWritten, alignment.equations, CheckLimits::For(document->unit));
   if (!options.svg.empty() && made) {
     const std::string svg = AlignmentPicture(*made, alignment.name,
-                                             {DefaultStationStyle(reading->unit), reading->unit});
+                                             {DefaultStationStyle(document->unit), document->unit});
     if (WriteResultFile(program, options.svg, svg, true) != ExitCode::Done) return ExitCode::Failed;
   }
-  const std::size_t faults = TellFaults(options, program, made, reading->unit);
-  TellImport(options, program, *reading, {made ? made->alignment.elements().size() : 0, faults});
+  const std::size_t faults = TellFaults(options, program, made, document->unit);
+  TellImport(options, program, *document, {made ? made->alignment.elements().size() : 0, faults});
   return ExitCode::Done;
 }
 
@@ -147,17 +150,15 @@ std::string NameOf(const std::string& path) {
 ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
   const auto road = OpenRoad(program, options.road);
   if (!road) return program.exitCode;
-  std::size_t refused = 0;
   const auto text =
       WriteLandXml({.name = options.name.empty() ? NameOf(options.road.file) : options.name,
                     .unit = road->unit,
                     .road = &road->geometry,
                     .profile = road->design.profile ? &*road->design.profile : nullptr,
                     .program = ProgramIdentification(),
-                    .written = program.clock.Now()},
-                   &refused);
+                    .written = program.clock.Now()});
   if (!text) {
-    const AlignmentElement& element = road->alignment().elements()[refused];
+    const AlignmentElement& element = road->alignment().elements()[text.failure().place];
     return program.Fail(
         "The element at " + road->StationText(element.stationStart) +
         " has no form in LandXML (a chord in place of a faulty curve, or a spiral that "

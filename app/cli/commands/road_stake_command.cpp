@@ -149,7 +149,8 @@ bool SourceIsClear(const RoadStakeOptions& options) {
   const int sources = (options.at.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
                       (options.stake.session.receiver.address.empty() ? 0 : 1);
   const bool needsJob = options.at.empty() || !options.storeId.empty();
-  return sources == 1 && !(needsJob && options.job.empty());
+  // Without any of them it is the receiver that the job or the profile names.
+  return sources <= 1 && !(needsJob && options.job.empty());
 }
 
 ExitCode RunRoadStake(const RoadStakeOptions& entered, Program& program) {
@@ -188,7 +189,8 @@ void DeclareRoadStakeCommand(Command& command) {
   command.Add("--job", options.job, "The job: its points, coordinate system and unit");
   command.Add("--point", options.points, "Stand on these points of the job");
   command.Add("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]").Values(2, 3);
-  AddStakeOptions(command, options.stake);
+  // --profile is that of the road.
+  AddStakeOptions(command, options.stake, "--receiver-profile");
   const Option store =
       command.Add("--store", options.storeId,
                   "Store a position in the job under this id: with --receiver the next one that\n"

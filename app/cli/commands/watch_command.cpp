@@ -5,6 +5,7 @@
 
 #include "app/cli/command_line.h"
 #include "app/cli/correction_choice.h"
+#include "app/cli/profile_choice.h"
 #include "app/cli/receiver_choice.h"
 #include "app/cli/stream_log_name.h"
 #include "app/cli/watch_view.h"
@@ -14,8 +15,13 @@
 namespace tarvex {
 namespace {
 
+constexpr const char* kNoPort =
+    "Say which receiver: tarvex watch serial:/dev/ttyUSB0@115200 (tcp:HOST:PORT, file:LOG, "
+    "simulated), or --profile NAME.";
+
 struct WatchOptions {
   ReceiverChoice receiver;
+  std::string profile;
   CorrectionChoice corrections;
   std::string streamLog;
   long long count = 0;
@@ -134,17 +140,18 @@ class Watch {
 };
 
 ExitCode RunWatch(const WatchOptions& options, Program& program) {
+  Settings settings;
+  ExitCode code = SettleProfile(options.profile, Settings(), program, settings);
+  if (code != ExitCode::Done) return code;
+  const ReceiverChoice receiver = WithSettings(options.receiver, settings);
+  if (receiver.address.empty()) return program.Misuse(kNoPort);
   ChosenReceiver choice;
-  if (const ExitCode code = SettleReceiver(options.receiver, Settings(), program, choice);
-      code != ExitCode::Done) {
-    return code;
-  }
+  code = SettleReceiver(receiver, settings, program, choice);
+  if (code != ExitCode::Done) return code;
   std::optional<CorrectionPlan> corrections;
-  if (const ExitCode code =
-          SettleCorrections(options.corrections, choice.settings, program, corrections);
-      code != ExitCode::Done) {
-    return code;
-  }
+  code = SettleCorrections(WithSettings(options.corrections, settings, choice), choice.settings,
+                           program, corrections);
+  if (code != ExitCode::Done) return code;
   if (corrections &&
       (choice.address.kind == PortKind::Simulated || choice.address.kind == PortKind::File)) {
     return program.Misuse("A recorded or simulated receiver takes no corrections.");
@@ -164,10 +171,9 @@ void DeclareWatchCommand(Command& command) {
       "  tarvex watch file:site.nmea --count 10\n"
       "  tarvex watch tcp:192.168.1.20:9001 --corrections ntrip://me@caster.example:2101/MOUNT");
   AddReceiverSettings(command, options.receiver);
-  command
-      .Add("PORT", options.receiver.address,
-           "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
-      .Required();
+  command.Add("PORT", options.receiver.address,
+              "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
+  AddProfileOption(command, options.profile);
   AddCorrectionOptions(command, options.corrections);
   command.Add("--log-stream", options.streamLog, kStreamLogHelp);
   command.Add("--count", options.count, "End after so many positions (default: never)")
