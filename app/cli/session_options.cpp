@@ -28,19 +28,6 @@ ExitCode SettleGate(const SessionOptions& options, const Settings& jobSettings, 
   return ExitCode::Done;
 }
 
-ExitCode SettleAntenna(const SessionOptions& options, const Settings& settings, Program& program,
-                       ReceiverPlan& plan) {
-  plan.antennaType = AntennaOfSettings(settings);
-  const std::string text =
-      options.antennaHeight.empty() ? settings.GetOr("antenna_height", "0") : options.antennaHeight;
-  const auto antenna = ParseNumber(text);
-  if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
-    return program.Misuse("The antenna height \"" + text + "\" is not a number from 0 to 1000.");
-  }
-  plan.antennaHeight = *antenna;
-  return ExitCode::Done;
-}
-
 ExitCode SettleAverage(const SessionOptions& options, const Settings& settings, Program& program,
                        ReceiverPlan& plan) {
   plan.average = options.average;
@@ -90,14 +77,29 @@ std::string Seconds(std::int64_t milliseconds) {
 
 }  // namespace
 
-Option AddSessionOptions(Command& command, SessionOptions& options, const char* profileOption) {
-  Option receiver = AddReceiverOptions(command, options.receiver);
-  AddProfileOption(command, options.profile, profileOption);
-  command
-      .Add("--antenna-height", options.antennaHeight,
+Option AddAntennaOption(Command& command, std::string& antennaHeight) {
+  return command
+      .Add("--antenna-height", antennaHeight,
            "Height of the antenna above the point, in the job's unit (default: the settings', else "
            "0)")
       .ValueName("NUMBER");
+}
+
+ExitCode SettleAntenna(const std::string& entered, const Settings& settings, Program& program,
+                       double& height) {
+  const std::string text = entered.empty() ? settings.GetOr("antenna_height", "0") : entered;
+  const auto antenna = ParseNumber(text);
+  if (!antenna || *antenna < 0.0 || *antenna > kHighestAntenna) {
+    return program.Misuse("The antenna height \"" + text + "\" is not a number from 0 to 1000.");
+  }
+  height = *antenna;
+  return ExitCode::Done;
+}
+
+Option AddSessionOptions(Command& command, SessionOptions& options, const char* profileOption) {
+  Option receiver = AddReceiverOptions(command, options.receiver);
+  AddProfileOption(command, options.profile, profileOption);
+  AddAntennaOption(command, options.antennaHeight);
   command
       .Add("--average", options.average,
            "Distinct epochs whose mean is stored as one point (default: the settings', else 1)")
@@ -125,7 +127,10 @@ ExitCode SettleSession(const SessionOptions& options, const Settings& jobSetting
     code = SettleCorrections(WithSettings(options.corrections, settings, plan.receiver),
                              plan.receiver.settings, program, plan.corrections);
   }
-  if (code == ExitCode::Done) code = SettleAntenna(options, settings, program, plan);
+  if (code == ExitCode::Done) {
+    plan.antennaType = AntennaOfSettings(settings);
+    code = SettleAntenna(options.antennaHeight, settings, program, plan.antennaHeight);
+  }
   if (code == ExitCode::Done) code = SettleAverage(options, settings, program, plan);
   if (code != ExitCode::Done) return code;
   if (plan.corrections && !plan.receiver.takesCorrections()) {

@@ -33,6 +33,12 @@ struct SessionOptions {
 Option AddSessionOptions(Command& command, SessionOptions& options,
                          const char* profileOption = kProfileOption);
 
+Option AddAntennaOption(Command& command, std::string& antennaHeight);
+
+/// What was entered, else the settings' height. Wrong use, after a message, when it is no height.
+ExitCode SettleAntenna(const std::string& entered, const Settings& settings, Program& program,
+                       double& height);
+
 /// What the command line says, then the job's settings, then those of the profile. Wrong use, after
 /// a message, when something is not understood or no receiver is named.
 ExitCode SettleSession(const SessionOptions& options, const Settings& jobSettings, Program& program,

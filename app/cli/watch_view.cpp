@@ -4,7 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdio>
+#include <numbers>
 #include <utility>
 #include <vector>
 
@@ -19,21 +22,6 @@ namespace {
 constexpr int kDegreeDecimals = 9;
 constexpr int kMetreDecimals = 3;
 constexpr std::size_t kSkyRow = 6;  // satellites on a line
-
-std::string EpochText(std::int32_t epochMs) {
-  if (epochMs == kNoEpoch) return "no time";
-  std::string text;
-  AppendInteger(text, epochMs / 3'600'000, 2);
-  text += ':';
-  AppendInteger(text, epochMs / 60'000 % 60, 2);
-  text += ':';
-  AppendInteger(text, epochMs / 1000 % 60, 2);
-  if (epochMs % 1000 != 0) {
-    text += '.';
-    AppendInteger(text, epochMs % 1000, 3);
-  }
-  return text;
-}
 
 // "" or " SIMULATED": what a position that was not measured is.
 std::string OriginText(PositionOrigin origin) {
@@ -97,9 +85,20 @@ std::string PositionText(const GnssPositionState& state, Clock& clock) {
          (state.heightKnown ? FixedNumber(state.height, kMetreDecimals) : "unknown") +
          "\nsolution  " + std::string(SolutionText(state.solutionType)) + OriginText(state.origin) +
          "  " + std::to_string(state.satellites) + " satellites  " + PrecisionText(state) +
-         "\nquality   " + DopText(state) + "\ntime      " + EpochText(state.epochMs) +
-         " UTC, read " + FixedNumber(ageS, 1) + " s ago" +
-         (state.repeatedEpoch ? "  REPEATED" : "") + "\n";
+         "\nquality   " + DopText(state) + "\ntime      " + EpochText(state) + ", read " +
+         FixedNumber(ageS, 1) + " s ago" + (state.repeatedEpoch ? "  REPEATED" : "") + "\n";
+}
+
+// The eight winds are enough to turn to.
+std::string CompassPoint(double azimuthRad) {
+  constexpr std::array kWinds = {"N", "NE", "E", "SE", "S", "SW", "W", "NW"};
+  const double eighths = azimuthRad / (2.0 * std::numbers::pi) * kWinds.size();
+  return kWinds[static_cast<std::size_t>(std::lround(eighths)) % kWinds.size()];
+}
+
+std::string Signed(double value) {
+  const std::string text = FixedNumber(value, kMetreDecimals);
+  return text.starts_with('-') ? text : "+" + text;
 }
 
 struct TerminalSize {
@@ -157,7 +156,23 @@ std::string PositionLine(const GnssPositionState& state) {
          (state.heightKnown ? FixedNumber(state.height, kMetreDecimals) : "-") + " " +
          std::string(SolutionText(state.solutionType)) + OriginText(state.origin) + " " +
          std::to_string(state.satellites) + " satellites " + PrecisionText(state) + " " +
-         EpochText(state.epochMs);
+         ClockText(state.epochMs);
+}
+
+std::string PlaceLine(const JobPlace& place) {
+  const GridPosition& position = place.position;
+  if (!position.usable()) {
+    return "no grid coordinates: " + CalculationText(position.result, position.steps);
+  }
+  const auto number = [](double value) { return FixedNumber(value, kMetreDecimals); };
+  std::string line = "N " + number(position.at.northing) + " E " + number(position.at.easting) +
+                     " EL " + (place.hasElevation ? number(position.at.elevation) : "-");
+  if (!place.way) return line;
+  const WayToPoint& way = *place.way;
+  line += "; to " + way.id + ": " + number(way.distance) + " at " +
+          FixedNumber(way.azimuthRad * kDegreesPerRadian, 1) + " (" + CompassPoint(way.azimuthRad) +
+          "), N " + Signed(way.north) + " E " + Signed(way.east);
+  return way.up ? line + " EL " + Signed(*way.up) : line;
 }
 
 WatchView::WatchView(Console& console) : console_(console), drawn_(::isatty(STDOUT_FILENO) != 0) {}
@@ -170,6 +185,7 @@ std::string WatchView::Screen(const std::string& trouble, const GnssPositionStat
                               const ReceiverTap& tap, const CorrectionLink* link,
                               Clock& clock) const {
   std::string text = PositionText(state, clock);
+  if (state.positions > 0 && !place_.empty()) text += "job       " + place_ + "\n";
   text += "receiver  " + std::to_string(tap.lines()) + " lines, " + std::to_string(tap.bytes()) +
           " bytes, " + std::to_string(state.badChecksums) + " damaged\n";
   const std::string height = state.positions > 0 ? HeightSentence(state) : std::string();
@@ -204,6 +220,7 @@ void WatchView::ShowLine(const std::string& trouble, const GnssPositionState& st
   }
   told_.clear();
   console_.Print(PositionLine(state) + (state.repeatedEpoch ? " REPEATED" : "") +
+                 (place_.empty() ? "" : "; " + place_) +
                  (link != nullptr ? "; " + CorrectionLine(link->Status(), state) : "") + "\n");
   std::fflush(stdout);
 }

@@ -1,9 +1,30 @@
 #include "gnss/position/position_state.h"
 
+#include "core/text/number_text.h"
 #include "core/text/string_table.h"
 #include "gnss/gnss_texts.h"
 
 namespace tarvex {
+
+std::string ClockText(std::int32_t epochMs) {
+  if (epochMs == kNoEpoch) return "no time";
+  std::string text;
+  AppendInteger(text, epochMs / 3'600'000, 2);
+  text += ':';
+  AppendInteger(text, epochMs / 60'000 % 60, 2);
+  text += ':';
+  AppendInteger(text, epochMs / 1000 % 60, 2);
+  if (epochMs % 1000 != 0) {
+    text += '.';
+    AppendInteger(text, epochMs % 1000, 3);
+  }
+  return text;
+}
+
+std::string EpochText(const GnssPositionState& state) {
+  if (state.epochMs == kNoEpoch) return ClockText(state.epochMs);
+  return ClockText(state.epochMs) + (state.epochScale == TimeScale::Utc ? " UTC" : " GPS time");
+}
 
 std::string OriginSentence(PositionOrigin origin) {
   static_assert(kTextFirstOrigin + static_cast<int>(PositionOrigin::Simulated) == kTextLastOrigin);

@@ -30,6 +30,9 @@ enum class PositionOrigin {
   Simulated,  ///< by the receiver's own simulator
 };
 
+/// What an epoch counts in.
+enum class TimeScale { Utc, Gps };
+
 struct GnssPositionState {
   std::int32_t lastResult = 0;  ///< GnssReadResult of the last reading
   std::int32_t reading = 0;     ///< 1 while a reading is in progress
@@ -55,8 +58,9 @@ struct GnssPositionState {
   std::int32_t differentialSource = 0;
   std::array<UsedSatellite, kSatelliteSlots> usedSatellites{};
 
-  // How fresh all this is. An epoch is the UTC time of day in milliseconds; kNoEpoch when the
-  // sentence carried none.
+  // How fresh all this is. An epoch is the time of day in milliseconds, UTC but for receivers that
+  // tell GPS time alone; kNoEpoch when the sentence carried none.
+  TimeScale epochScale = TimeScale::Utc;
   std::int32_t epochMs = kNoEpoch;           ///< of the position
   std::int32_t precisionEpochMs = kNoEpoch;  ///< of hrms and vrms
   bool repeatedEpoch = false;           ///< this reading has the epoch of the one accepted before
@@ -69,6 +73,12 @@ struct GnssPositionState {
   std::uint64_t positions = 0;          ///< accepted so far
   std::uint64_t badChecksums = 0;       ///< sentences left out because of their checksum
 };
+
+/// "12:35:19", "12:35:19.500"; "no time" for kNoEpoch.
+std::string ClockText(std::int32_t epochMs);
+
+/// The same with what it counts in: "12:35:19 UTC", "12:35:37 GPS time".
+std::string EpochText(const GnssPositionState& state);
 
 /// What a person should know of a position that was not measured; empty when it was.
 std::string OriginSentence(PositionOrigin origin);

@@ -105,6 +105,7 @@ GnssReadResult ReadBestpos(std::string_view log, GnssPositionState& state, Bestp
   state.geoidSeparation = bestpos.undulationM;
   state.epochMs = EpochOf(log.substr(0, headerEnd));
   state.precisionEpochMs = state.epochMs;
+  state.epochScale = TimeScale::Gps;
   return GnssReadResult::Accepted;
 }
 

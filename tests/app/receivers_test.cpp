@@ -125,6 +125,35 @@ TEST(Watch, SaysWhatIsWrong) {
   }
 }
 
+TEST(Watch, ShowsTheWayToAPointOfAJob) {
+  ProgramFolder folder;
+  folder.Write("site.log", Epochs(3));
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
+  ASSERT_EQ(folder.Run("collect site.crd --receiver file:site.log --first A").exitCode, 0);
+  const auto listed = JsonReading(folder.Run("points site.crd --json").output);
+  const double north = listed["points"][0]["northing"].number();
+  const double east = listed["points"][0]["easting"].number();
+  ASSERT_EQ(folder
+                .Run("store site.crd B " + std::to_string(north - 3.0) + " " +
+                     std::to_string(east + 4.0) + " 545.6")
+                .exitCode,
+            0);
+  const ProgramResult watched =
+      folder.Run("watch file:site.log --count 1 --job site.crd --to b --antenna-height 2");
+  EXPECT_EQ(watched.exitCode, 0) << watched.errors;
+  EXPECT_NE(watched.output.find("; N " + std::to_string(north).substr(0, 10)), std::string::npos)
+      << watched.output;
+  EXPECT_NE(watched.output.find("; to B: 5.000 at 126.9 (SE), N -3.000 E +4.000 EL +0.000"),
+            std::string::npos)
+      << watched.output;
+  EXPECT_NE(watched.errors.find("no geoid"), std::string::npos) << watched.errors;
+  EXPECT_NE(
+      folder.Run("watch file:site.log --job site.crd --to C").errors.find("has no point \"C\""),
+      std::string::npos);
+  EXPECT_EQ(folder.Run("watch file:site.log --to C").exitCode, 2);
+  EXPECT_EQ(folder.Run("watch file:site.log --job none.crd").exitCode, 1);
+}
+
 TEST(Watch, EndsAtOnceWhenInterrupted) {
   Running watch("watch simulated");
   (void)watch.Said("(FIXED)");

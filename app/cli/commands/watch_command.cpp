@@ -7,9 +7,12 @@
 #include "app/cli/correction_choice.h"
 #include "app/cli/profile_choice.h"
 #include "app/cli/receiver_choice.h"
+#include "app/cli/session_options.h"
 #include "app/cli/stream_log_name.h"
 #include "app/cli/watch_view.h"
 #include "app/workflow/correction_link.h"
+#include "app/workflow/job_place.h"
+#include "app/workflow/position_checks.h"
 #include "app/workflow/receiver_link.h"
 
 namespace tarvex {
@@ -24,16 +27,22 @@ struct WatchOptions {
   std::string profile;
   CorrectionChoice corrections;
   std::string streamLog;
+  std::string job;
+  std::string to;
+  std::string antennaHeight;
   long long count = 0;
 };
 
 class Watch {
  public:
   Watch(const WatchOptions& options, const ChosenReceiver& choice,
-        const std::optional<CorrectionPlan>& corrections, Program& program)
+        const std::optional<CorrectionPlan>& corrections, const JobPlaces* places,
+        double antennaHeight, Program& program)
       : options_(options),
         choice_(choice),
         corrections_(corrections),
+        places_(places),
+        antennaHeight_(antennaHeight),
         program_(program),
         receiver_(program.files, program.clock, choice, DistanceUnit::Metres, InterruptRequested),
         view_(program.console) {}
@@ -78,6 +87,9 @@ class Watch {
   }
 
   void Show(const std::string& trouble) {
+    if (places_ != nullptr && receiver_.state().positions > 0) {
+      view_.setPlace(PlaceLine(places_->Of(receiver_.state(), antennaHeight_)));
+    }
     view_.Show(trouble, receiver_.state(), receiver_.tap(), link_.get(), program_.clock);
   }
 
@@ -132,6 +144,8 @@ class Watch {
   const WatchOptions& options_;
   const ChosenReceiver& choice_;
   const std::optional<CorrectionPlan>& corrections_;
+  const JobPlaces* places_;  // null without a job
+  double antennaHeight_;
   Program& program_;
   ReceiverLink receiver_;
   std::unique_ptr<CorrectionLink> link_;
@@ -139,9 +153,34 @@ class Watch {
   long long positions_ = 0;
 };
 
+// The job that the positions are shown in, when one is named.
+ExitCode OpenPlaces(const WatchOptions& options, Program& program,
+                    std::unique_ptr<JobPlaces>& places) {
+  if (options.job.empty()) {
+    if (options.to.empty() && options.antennaHeight.empty()) return ExitCode::Done;
+    return program.Misuse("--to and --antenna-height need a job: give --job JOB.crd.");
+  }
+  places = std::make_unique<JobPlaces>(program, options.job);
+  std::string problem;
+  if (!places->Open(options.to, problem)) {
+    return problem.empty() ? ExitCode::Failed : program.Fail(problem);
+  }
+  for (const std::string& warning : SystemWarnings(places->calculator())) {
+    program.Warn(warning);
+  }
+  return ExitCode::Done;
+}
+
 ExitCode RunWatch(const WatchOptions& options, Program& program) {
+  std::unique_ptr<JobPlaces> places;
+  ExitCode code = OpenPlaces(options, program, places);
+  if (code != ExitCode::Done) return code;
   Settings settings;
-  ExitCode code = SettleProfile(options.profile, Settings(), program, settings);
+  code =
+      SettleProfile(options.profile, places ? places->settings() : Settings(), program, settings);
+  if (code != ExitCode::Done) return code;
+  double antennaHeight = 0.0;
+  if (places) code = SettleAntenna(options.antennaHeight, settings, program, antennaHeight);
   if (code != ExitCode::Done) return code;
   const ReceiverChoice receiver = WithSettings(options.receiver, settings);
   if (receiver.address.empty()) return program.Misuse(kNoPort);
@@ -156,7 +195,7 @@ ExitCode RunWatch(const WatchOptions& options, Program& program) {
       (choice.address.kind == PortKind::Simulated || choice.address.kind == PortKind::File)) {
     return program.Misuse("A recorded or simulated receiver takes no corrections.");
   }
-  return Watch(options, choice, corrections, program).Run();
+  return Watch(options, choice, corrections, places.get(), antennaHeight, program).Run();
 }
 
 }  // namespace
@@ -165,10 +204,12 @@ void DeclareWatchCommand(Command& command) {
   WatchOptions& options = command.Runs(RunWatch);
   command.Footer(
       "In a terminal the view is drawn anew with each position; otherwise each is a line.\n"
-      "A link that is lost is opened again. Ctrl-C ends it. Precision is in metres.\n"
+      "A link that is lost is opened again. Ctrl-C ends it. Precision is in metres, what --job\n"
+      "shows in the job's unit.\n"
       "Examples:\n"
       "  tarvex watch serial:/dev/ttyUSB0@115200\n"
       "  tarvex watch file:site.nmea --count 10\n"
+      "  tarvex watch serial:/dev/ttyUSB0@115200 --job site.crd --to 17\n"
       "  tarvex watch tcp:192.168.1.20:9001 --corrections ntrip://me@caster.example:2101/MOUNT");
   AddReceiverSettings(command, options.receiver);
   command.Add("PORT", options.receiver.address,
@@ -176,6 +217,15 @@ void DeclareWatchCommand(Command& command) {
   AddProfileOption(command, options.profile);
   AddCorrectionOptions(command, options.corrections);
   command.Add("--log-stream", options.streamLog, kStreamLogHelp);
+  command
+      .Add("--job", options.job,
+           "JOB.crd: shows the grid coordinates in this job; its settings of the receiver hold")
+      .ValueName("JOB.crd");
+  command
+      .Add("--to", options.to,
+           "Point of the job: shows its distance, azimuth and N, E, EL from here")
+      .ValueName("POINT");
+  AddAntennaOption(command, options.antennaHeight);
   command.Add("--count", options.count, "End after so many positions (default: never)")
       .NotNegative();
 }
