@@ -137,7 +137,7 @@ constexpr Entry kEntries[] = {
     {3301,
      "The serial port has no device: give serial:DEVICE[@BAUD], as in "
      "serial:/dev/ttyUSB0@115200."},
-    {3302, "\"%s\" is not a baud rate from 110 to 256000."},
+    {3302, "\"%s\" is not a baud rate from 110 to 921600."},
     {3303, "\"%s\" is not HOST:PORT with a port from 1 to 65535, as in tcp:192.168.1.20:9001."},
     {3304, "The log has no name: give file:LOG."},
     {3310, "Connecting to Server"},

@@ -13,7 +13,7 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint32_t kLowestBaud = 110;
-constexpr std::uint32_t kHighestBaud = 256000;
+constexpr std::uint32_t kHighestBaud = 921600;
 constexpr std::uint32_t kConnectTimeoutMs = 10000;
 constexpr std::uint32_t kDataBits = 8;
 

@@ -174,7 +174,7 @@ TEST(PortAddress, IsReadFromOneText) {
   EXPECT_EQ(address.target, "/a:b.log");
   ASSERT_TRUE(ParsePortAddress("simulated", address, problem));
   for (const std::string_view bad :
-       {"", "usb:1", "serial:", "serial:@9600", "serial:x@109", "serial:x@256001", "tcp:host",
+       {"", "usb:1", "serial:", "serial:@9600", "serial:x@109", "serial:x@921601", "tcp:host",
         "tcp::1", "tcp:host:0", "tcp:host:65536", "tcp:host:x", "file:", "simulated:x"}) {
     problem.clear();
     EXPECT_FALSE(ParsePortAddress(bad, address, problem)) << bad;
@@ -257,6 +257,15 @@ TEST_F(PseudoTerminal, TakesAnyBaudRateInRange) {
     ASSERT_EQ(port.GetBaudRate(baud), PortError::None);
     EXPECT_EQ(baud, rate);
   }
+  // An address may ask for more than may be set on an open line.
+  PortAddress address;
+  std::string problem;
+  ASSERT_TRUE(ParsePortAddress("serial:" + name + "@921600", address, problem));
+  ASSERT_EQ(port.Close(), PortError::None);
+  const auto fast = MakePort(address, SystemFiles(), clock, errors);
+  ASSERT_EQ(fast->Open(), PortError::None);
+  ASSERT_EQ(dynamic_cast<SerialPort&>(*fast).GetBaudRate(baud), PortError::None);
+  EXPECT_EQ(baud, 921600U);
 }
 
 TEST_F(PseudoTerminal, RefusesALineThatItCannotKeep) {
