@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "app/workflow/correction_base.h"
 #include "core/raw_data/raw_records.h"
 #include "core/text/number_text.h"
 
@@ -87,12 +88,28 @@ std::string MeanText(const AveragedPosition& mean, DistanceUnit unit) {
          ", farthest " + Metres(mean.farthest, unit);
 }
 
+// Of an average its last epoch.
+std::string EpochLine(const CollectedPoint& point) {
+  constexpr int kAgeDecimals = 1;
+  constexpr int kKilometreDecimals = 3;
+  const GnssPositionState& state = point.state;
+  std::string text = "Epoch: " + EpochText(state);
+  if (state.ageOfCorrections >= 0.0) {
+    text += ", corrections " + FixedNumber(state.ageOfCorrections, kAgeDecimals) + " s old";
+  }
+  if (point.base) {
+    text += ", base " + std::to_string(point.base->id) + " at " +
+            FixedNumber(DistanceToBaseM(*point.base, state) / 1000.0, kKilometreDecimals) + " km";
+  }
+  return text;
+}
+
 }  // namespace
 
 std::vector<std::string> CollectionRecords(const CollectedPoint& point,
                                            const CalculationReport& steps, double antennaHeight,
                                            double elevation, DistanceUnit unit) {
-  std::vector<std::string> records;
+  std::vector<std::string> records{CommentRecord(EpochLine(point))};
   if (point.state.heightKnown) {
     records.push_back(CommentRecord(HeightText(point, steps, antennaHeight, elevation, unit)));
   }

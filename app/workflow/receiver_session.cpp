@@ -17,6 +17,8 @@ namespace {
 constexpr std::int64_t kSliceMs = 100;
 // So many stores of a session can be taken back.
 constexpr std::size_t kMostTakenBack = 1000;
+// A receiver works with old corrections for so long.
+constexpr std::int64_t kBaseInUseMs = 60'000;
 
 }  // namespace
 
@@ -223,8 +225,15 @@ std::optional<GateRefusal> ReceiverSession::Refusal() {
   return refusal;
 }
 
+// The base that the receiver may still work with: it does for some time when corrections stay away.
+std::optional<BaseStation> ReceiverSession::BaseInUse() const {
+  if (!correctionStatus_ || correctionStatus_->ageMs < 0) return std::nullopt;
+  return correctionStatus_->ageMs <= kBaseInUseMs ? correctionStatus_->base : std::nullopt;
+}
+
 bool ReceiverSession::PointComplete() {
   point_.state = state();
+  point_.base = BaseInUse();
   if (!overridden_.empty()) point_.overridden = overridden_;
   if (plan_.average <= 1) return true;
   if (!average_.Add(state()) || average_.epochs() < plan_.average) return false;

@@ -138,6 +138,7 @@ class ReceiverSession {
   std::int64_t ReadDeadlineMs() const;
   bool TakeReading(GnssReadResult result);
   std::optional<GateRefusal> Refusal();
+  std::optional<BaseStation> BaseInUse() const;
   bool TakeStored(const StoredPoint& stored, const std::string& wanted);
   void AdvanceId();
   void KeepForTakingBack(const StoredPoint& stored);

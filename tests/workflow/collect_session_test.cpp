@@ -271,6 +271,7 @@ TEST_F(Collecting, TellsHowTheHeightBecameTheElevation) {
   plan.antennaHeight = 2.0;
   connections = {{Epoch(1) + Epoch(2)}};
   EXPECT_EQ(Run(), SessionEnd::Complete);
+  EXPECT_THAT(Raw(), HasSubstr("\n--Epoch: 09:30:01 UTC, corrections 1.0 s old\n"));
   EXPECT_THAT(Raw(), HasSubstr("\n--Heights: ellipsoid 547.6000, antenna 2.0000, datum shift "
                                "-40.0000, geoid 0.0000, localization 0.2500, elevation 505.8500"));
   for (const SessionWarning& warning : listener.Of<SessionWarning>()) {
