@@ -2,6 +2,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
 
 #include "app/cli/command_line.h"
 #include "app/cli/correction_choice.h"
@@ -9,6 +10,7 @@
 #include "app/cli/receiver_choice.h"
 #include "app/cli/session_options.h"
 #include "app/cli/stream_log_name.h"
+#include "app/cli/typed_commands.h"
 #include "app/cli/watch_view.h"
 #include "app/workflow/correction_link.h"
 #include "app/workflow/job_place.h"
@@ -44,7 +46,8 @@ class Watch {
         places_(places),
         antennaHeight_(antennaHeight),
         program_(program),
-        receiver_(program.files, program.clock, choice, DistanceUnit::Metres, InterruptRequested),
+        receiver_(program.files, program.clock, choice, DistanceUnit::Metres,
+                  [this] { return EndAsked(); }),
         view_(program.console) {}
 
   ExitCode Run() {
@@ -55,7 +58,9 @@ class Watch {
       return program_.Fail(receiver_.tap().logProblem());
     }
     StartCorrections();
-    while (!InterruptRequested() && (options_.count == 0 || positions_ < options_.count)) {
+    std::optional<TypedCommands> typed;
+    if (program_.console.IsTyped()) typed.emplace(program_, commands_);
+    while (!EndAsked() && (options_.count == 0 || positions_ < options_.count)) {
       if (!ReadOne()) break;
     }
     view_.End();
@@ -63,17 +68,27 @@ class Watch {
   }
 
  private:
+  bool EndAsked() const { return InterruptRequested() || commands_.EndSent(); }
+
+  // Of what may be typed while a session runs, watching knows the corrections and the end.
+  void TakeCommands() {
+    while (const auto command = commands_.Take()) {
+      if (link_ && std::holds_alternative<RetryCorrections>(*command)) link_->Retry();
+    }
+  }
+
   void StartCorrections() {
     if (!corrections_) return;
-    link_ =
-        std::make_unique<CorrectionLink>(program_.files, program_.clock, InterruptRequested,
-                                         *corrections_, *receiver_.port(), receiver_.tap().gga());
+    link_ = std::make_unique<CorrectionLink>(
+        program_.files, program_.clock, [this] { return EndAsked(); }, *corrections_,
+        *receiver_.port(), receiver_.tap().gga());
   }
 
   // False when nothing more comes.
   bool ReadOne() {
     const GnssReadResult result = receiver_.Read();
-    if (InterruptRequested()) return true;
+    TakeCommands();
+    if (EndAsked()) return true;
     if (receiver_.lost()) return Reconnect();
     if (receiver_.ended() && result != GnssReadResult::Accepted) return false;
     const GnssPositionState& state = receiver_.state();
@@ -98,7 +113,7 @@ class Watch {
     link_.reset();
     Show("The link to the receiver is lost; it is opened again as soon as it can be.");
     while (!receiver_.TryAgain()) {
-      if (InterruptRequested()) return false;
+      if (EndAsked()) return false;
       program_.clock.SleepMilliseconds(kStepMs);
     }
     StartCorrections();
@@ -108,7 +123,7 @@ class Watch {
 
   void Pause(std::int64_t pauseMs) {
     const std::int64_t until = program_.clock.SteadyMilliseconds() + pauseMs;
-    while (!InterruptRequested() && program_.clock.SteadyMilliseconds() < until) {
+    while (!EndAsked() && program_.clock.SteadyMilliseconds() < until) {
       program_.clock.SleepMilliseconds(kStepMs);
     }
   }
@@ -147,6 +162,7 @@ class Watch {
   const JobPlaces* places_;  // null without a job
   double antennaHeight_;
   Program& program_;
+  SessionCommands commands_;
   ReceiverLink receiver_;
   std::unique_ptr<CorrectionLink> link_;
   WatchView view_;
@@ -204,7 +220,8 @@ void DeclareWatchCommand(Command& command) {
   WatchOptions& options = command.Runs(RunWatch);
   command.Footer(
       "In a terminal the view is drawn anew with each position; otherwise each is a line.\n"
-      "A link that is lost is opened again. Ctrl-C ends it. Precision is in metres, what --job\n"
+      "A link that is lost is opened again. r and Enter asks the caster for corrections again,\n"
+      "q and Enter or Ctrl-C ends. Precision is in metres, what --job\n"
       "shows in the job's unit.\n"
       "Examples:\n"
       "  tarvex watch serial:/dev/ttyUSB0@115200\n"
