@@ -12,7 +12,7 @@ HEADER, RECORD = 104, 66
 TYPED = re.compile(r"SP,PN([^,]*),N ([-\d.]+),E ([-\d.]+),EL([-\d.]+),--")
 GRID = re.compile(r"--GS,PN([^,]*),N ([-\d.]+),E ([-\d.]+),EL([-\d.]+),--")
 MEASURED = re.compile(r"GPS,PN([^,]*),LA")
-DELETED = re.compile(r"--Deleted point:SP,PN([^,]*),")
+DELETED = re.compile(r"--(?:Deleted|Taken back) point:SP,PN([^,]*),")
 
 
 class Job:

@@ -1,6 +1,9 @@
 // A person who collects point by point: what commands do in every state of the session.
 #include <gmock/gmock.h>
 
+#include <map>
+#include <random>
+
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_check.h"
 #include "app/workflow/job_codes.h"
@@ -256,6 +259,47 @@ TEST_F(PointByPoint, LeavesAPointThatSomebodyElseChanged) {
   });
   EXPECT_EQ(Answers(), (Ids{"no: Point 1 was changed after it was stored; it stays."}));
   EXPECT_EQ(Points()[0].at, (GridPoint{1, 2, 3}));
+}
+
+// Whatever a person presses in whatever order: the job is whole, and has what the events told.
+TEST_F(PointByPoint, KeepsTheJobAndItsEventsTogether) {
+  const unsigned seed = std::random_device()();
+  std::mt19937 chance(seed);
+  session->setPolicy(ExistingPolicy::Overwrite);
+  const auto pick = [&](unsigned below) { return chance() % below; };
+  std::map<std::string, Point> expected;
+  const auto press = [&](int) {
+    switch (pick(10)) {
+      case 0:
+        return commands.Send(SetNextId{std::string("A") + char('1' + pick(4))});
+      case 1:
+        return commands.Send(SetAverage{1 + pick(3)});
+      case 2:
+        return commands.Send(SetDescription{"EP1 B"});
+      case 3:
+        return commands.Send(pick(2) == 0 ? SessionCommand(PauseStoring{}) : ResumeStoring{});
+      case 4:
+      case 5:
+        return commands.Send(TakeBack{});
+      default:
+        return commands.Send(StoreNow{});
+    }
+  };
+  for (int walk = 0; walk < 3; ++walk) (void)Walk(150, 0.7, press);
+  for (const SessionEvent& event : listener.events) {
+    if (const auto* what = std::get_if<PointStored>(&event)) {
+      expected[what->point.id.str()] = what->point;
+    } else if (const auto* back = std::get_if<PointTakenBack>(&event)) {
+      expected.erase(back->point.id.str());
+      if (back->restored) expected[back->point.id.str()] = *back->restored;
+    }
+  }
+  std::map<std::string, Point> found;
+  for (const Point& point : Points()) found[point.id.str()] = point;
+  EXPECT_EQ(found, expected) << seed;
+  EXPECT_GT(listener.Of<PointTakenBack>().size(), 20U) << seed;
+  ExpectWholeJob();
+  EXPECT_FALSE(HasFailure()) << seed;
 }
 
 // Whatever step fails while a store is taken back, the job is whole: with the point or without it.
