@@ -14,6 +14,8 @@
 namespace tarvex {
 namespace {
 
+// What a fit is described by can be the same with other control points.
+constexpr const char* kControlChanged = "Localization control changed";
 constexpr double kElsewhereM = 100'000.0;  // points in other coordinates than the local ones
 
 }  // namespace
@@ -209,7 +211,9 @@ bool LocalizationWork::SaveSettings() {
   if (!session_.Save()) return Fail("The settings of the job could not be written.");
   const std::string state =
       localization_.on ? FittedLocalization(control_.fit).Describe() : std::string("off");
-  const std::string record = session_.RawOpening() + CommentRecord("Localization: " + state);
+  const std::string record = session_.RawOpening() +
+                             (changed_ ? CommentRecord(kControlChanged) : std::string()) +
+                             CommentRecord("Localization: " + state);
   const auto unit = JobUnit::Begin(session_.job());
   if (unit) unit->AppendRaw(record);
   if (unit && unit->Commit() == ChangeResult::Done) {

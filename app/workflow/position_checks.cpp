@@ -1,9 +1,10 @@
 #include "app/workflow/position_checks.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "coordsys/ellipsoids.h"
-#include "core/coordinates/coordinate_file.h"
+#include "core/coordinates/point_list.h"
 #include "core/text/number_text.h"
 
 namespace tarvex {
@@ -44,6 +45,20 @@ double OddStretch(const CTrgCalculator& calculator) {
              : kOddStretch;
 }
 
+// Zones that count from the equator have one false northing north of it and another one south.
+std::string HemisphereWarning(const CTrgCalculator& calculator, const GnssPositionState& state) {
+  constexpr double kSouthernNorthingM = 1.0e7;
+  constexpr double kNearEquatorDeg = 1.0;
+  const ProjectionRecord& record = calculator.record();
+  if (record.latitudeOfOriginDeg != 0.0 || std::fabs(state.latitude) < kNearEquatorDeg) return {};
+  const bool south = record.falseNorthingM == kSouthernNorthingM;
+  const bool north = record.falseNorthingM == 0.0 && record.falseEastingM > 0.0;
+  if (!(south && state.latitude > 0.0) && !(north && state.latitude < 0.0)) return {};
+  return std::string("The position is ") + (south ? "north" : "south") +
+         " of the equator, and the job's coordinate system is a zone of the " +
+         (south ? "southern" : "northern") + " hemisphere. Is it the right one?";
+}
+
 std::string Kilometres(double metres) {
   return FixedNumber(metres / 1000.0, 0) + " km";
 }
@@ -67,17 +82,22 @@ std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculato
         " than they are: the position is far outside the zone of the job's coordinate "
         "system. Is it the right one?");
   }
-  const auto stream = OpenForReading(job);
-  Point last;
-  if (!stream || stream->recordCount() == 0 ||
-      !stream->ReadRecord(stream->recordCount() - 1, last).ok() || IsEmptySlot(last)) {
-    return warnings;
+  if (std::string hemisphere = HemisphereWarning(calculator, state); !hemisphere.empty()) {
+    warnings.push_back(std::move(hemisphere));
   }
-  const double away = ToMetres(
-      std::hypot(at.northing - last.at.northing, at.easting - last.at.easting), job.options.unit);
+  PointList points;
+  if (LoadAllPoints(job, points) != LoadPointsResult::Loaded || points.empty()) return warnings;
+  const auto distance = [&at](const Point& point) {
+    return std::hypot(at.northing - point.at.northing, at.easting - point.at.easting);
+  };
+  const Point& nearest =
+      *std::min_element(points.begin(), points.end(),
+                        [&](const Point& a, const Point& b) { return distance(a) < distance(b); });
+  const double away = ToMetres(distance(nearest), job.options.unit);
   if (away > kOddDistanceM) {
-    warnings.push_back("The position is " + Kilometres(away) + " from point " + last.id.str() +
-                       " of the job. Are the job and its coordinate system the right ones?");
+    warnings.push_back("The position is " + Kilometres(away) + " from point " + nearest.id.str() +
+                       " of the job, and no other is nearer. Are the job and its coordinate "
+                       "system the right ones?");
   }
   return warnings;
 }

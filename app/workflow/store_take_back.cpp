@@ -35,7 +35,8 @@ std::vector<Measurement> MeasurementsOf(std::string_view rawFile, std::string_vi
   while (const auto line = TakeLine(rawFile)) {
     if (line->starts_with("LS,")) rod = *line;
     if (const auto id = TakenBackPointId(*line); id == pointId && !found.empty()) found.pop_back();
-    if (last && line->starts_with("--GS,")) {
+    // Behind the position, or later where the point was computed anew.
+    if (line->starts_with("--GS,") && RawField(*line, "PN") == pointId && !found.empty()) {
       found.back().grid = *line;
     } else if (last && IsQualityComment(*line) && found.back().quality.empty()) {
       found.back().quality = *line;

@@ -33,7 +33,7 @@ std::string StoredCoordinates::Text() const {
   if (elsewhere > 0) {
     text += " By the raw file " + Count(elsewhere, " of them lies", " of them lie") +
             " elsewhere than the job would place it now (" + example +
-            (elsewhere > 1 ? " and others)." : ").");
+            (elsewhere > 1 ? " and others)." : ").") + " `tarvex recompute` computes them anew.";
   } else if (positions > 0) {
     text += " By the raw file the " + std::to_string(positions) +
             " with a GNSS position lie where the job would place them now.";

@@ -87,6 +87,11 @@ std::string ReplacedPointRecord(const Point& point) {
                        StoredPointRecord(point, point.description.view()).substr(1));
 }
 
+std::string RecomputedPointRecord(const Point& point) {
+  return CommentRecord("Recomputed point:" +
+                       StoredPointRecord(point, point.description.view()).substr(1));
+}
+
 std::string DeletedPointRecord(const Point& point) {
   return CommentRecord("Deleted point:" +
                        StoredPointRecord(point, point.description.view()).substr(1));

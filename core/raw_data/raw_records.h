@@ -44,6 +44,8 @@ std::string StoredPointRecord(const Point& point, std::string_view description);
 /// of it was taken back.
 std::string ReplacedPointRecord(const Point& point);
 std::string DeletedPointRecord(const Point& point);
+/// The same of a point that was computed anew from its position.
+std::string RecomputedPointRecord(const Point& point);
 std::string TakenBackPointRecord(const Point& point);
 
 struct GnssRecordFields {

@@ -120,6 +120,8 @@ TEST(Pages, TheDayOfTheGuideCanBeTyped) {
        {"serial:/dev/ttyUSB0@115200", "simulated"},
        {"tcp:192.168.1.20:9001", "file:rover.nmea"},
        {"--store 11", "--store 11 --store-on-stake"},
+       // The simulated receiver is not at the bench mark.
+       {"checkin site.crd BM1", "checkin site.crd 100 --tolerance 1 --vertical-tolerance 1"},
        // The recording is of a rover on the system's grid; the guide's job is localized by then.
        {"--elevation 1101.6 --job site.crd", "--elevation 1101.6 --job grid.crd"}});
   EXPECT_THAT(folder.Run("points grid.crd").output, testing::HasSubstr("\n11 "));

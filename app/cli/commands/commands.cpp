@@ -8,6 +8,8 @@ void DeclareSettingsCommand(Command& command);
 void DeclareProfileCommand(Command& command);
 void DeclareCollectCommand(Command& command);
 void DeclareStakeCommand(Command& command);
+void DeclareCheckinCommand(Command& command);
+void DeclareRecomputeCommand(Command& command);
 void DeclareWatchCommand(Command& command);
 void DeclareBasesCommand(Command& command);
 void DeclareStoreCommand(Command& command);
@@ -35,6 +37,7 @@ constexpr CommandRow kCommands[] = {
     {"collect", "Store points from a receiver", DeclareCollectCommand},
     {"stake", "Set out points, lines and arcs with a receiver; report what was staked",
      DeclareStakeCommand},
+    {"checkin", "Measure a known point and tell the difference", DeclareCheckinCommand},
     {"watch", "Look at a receiver, live", DeclareWatchCommand},
     {"bases", "List the correction streams of a caster", DeclareBasesCommand},
     {"store", "Store a point from entered coordinates", DeclareStoreCommand},
@@ -45,6 +48,8 @@ constexpr CommandRow kCommands[] = {
     {"raw", "Print the raw data file of a job", DeclareRawCommand},
     {"note", "Show a point's notes and GNSS quality, or add a note", DeclareNoteCommand},
     {"localize", "Tie a job to local control points and report the fit", DeclareLocalizeCommand},
+    {"recompute", "Compute measured points anew after a change of the localization or system",
+     DeclareRecomputeCommand},
     {"convert",
      "Convert lines \"latitude longitude [height]\" to \"northing easting [elevation]\", or back",
      DeclareConvertCommand},

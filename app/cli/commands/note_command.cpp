@@ -1,7 +1,10 @@
 // tarvex note: the notes and the GNSS quality of a point.
 #include "app/cli/command_line.h"
+#include "app/cli/conversion_text.h"
 #include "app/cli/json_text.h"
+#include "app/workflow/job_calculator.h"
 #include "app/workflow/job_session.h"
+#include "app/workflow/raw_positions.h"
 #include "core/coordinates/point_store.h"
 #include "core/observations/job_unit.h"
 #include "core/observations/point_notes.h"
@@ -14,6 +17,7 @@ struct NoteOptions {
   std::string job;
   std::string id;
   std::vector<std::string> added;
+  bool heights = false;
   bool json = false;
 };
 
@@ -37,6 +41,35 @@ void PrintNote(const NoteOptions& options, const PointNote& note, Program& progr
     json["precision_known"] = !TellsNoPrecision(note.qualityLines);
   }
   program.console.Print(JsonText(json));
+}
+
+// How the position of the mark becomes the point's coordinates, as the job makes them now.
+ExitCode PrintHeights(const NoteOptions& options, JobSession& session, Program& program) {
+  Job& job = session.job();
+  std::string raw;
+  std::string problem;
+  CTrgCalculator calculator;
+  CoordinateSystems systems(program);
+  if (!ReadRawFile(job, raw, problem) ||
+      !MakeJobCalculator(session, systems, calculator, problem)) {
+    return program.Fail(problem);
+  }
+  const auto mark = FindRawPosition(raw, options.id, job.options.unit);
+  if (!mark)
+    return program.Fail("The raw file holds no GNSS position of point " + options.id + ".");
+  CalculationReport steps;
+  GridPoint at;
+  const CalculationResult result = calculator.ToGrid(*mark, at, &steps);
+  if (options.json) {
+    program.console.Print(JsonText({{"id", options.id}, {"steps", ExplanationJson(steps)}}));
+  } else {
+    program.console.Print("Point " + options.id +
+                          ", from the mark (the antenna height is taken off), as the job makes it "
+                          "now:\n" +
+                          ExplanationText(steps));
+  }
+  const bool made = result == CalculationResult::Done || result == CalculationResult::DoneInPart;
+  return made ? ExitCode::Done : program.Fail(CalculationText(result, steps));
 }
 
 // The note of a point that the file holds; false after a message. A point without a block has an
@@ -75,6 +108,7 @@ ExitCode RunNote(const NoteOptions& options, Program& program) {
   } else if (!AddLines(program, job, options, note)) {
     return ExitCode::Failed;
   }
+  if (options.heights) return PrintHeights(options, session, program);
   PrintNote(options, note, program);
   return ExitCode::Done;
 }
@@ -86,6 +120,9 @@ void DeclareNoteCommand(Command& command) {
   command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
   command.Add("ID", options.id, "The point").Required();
   command.Add("--add", options.added, "Add this note; line breaks make further lines");
+  command.AddFlag("--heights", options.heights,
+                  "Show how its position becomes its coordinates, step by step: height above the\n"
+                  "ellipsoid, datum shift, geoid, localization, elevation");
   command.AddFlag("--json", options.json, "Print JSON");
   command.Footer("Example: tarvex note site.crd 100 --add \"seen from north\"");
 }

@@ -3,9 +3,12 @@
 #include "app/cli/json_text.h"
 #include "app/cli/table_text.h"
 #include "app/workflow/job_session.h"
+#include "app/workflow/point_frames.h"
 #include "core/coordinates/coordinate_file.h"
 #include "core/coordinates/point_list.h"
+#include "core/raw_data/raw_file.h"
 #include "core/text/number_text.h"
+#include "platform/file_bytes.h"
 
 namespace tarvex {
 namespace {
@@ -19,8 +22,15 @@ struct PointsOptions {
   bool json = false;
 };
 
-std::string Row(const Point& point) {
-  std::string row = Left(point.id.str(), kIdWidth);
+// The points that the localization or the system of before has made.
+PointIdSet PointsOfBefore(Job& job) {
+  FileBytes raw;
+  if (!LoadFileBytes(job.host.files(), RawFilePath(job), raw).ok()) return {};
+  return PointsOfEarlierFrames(raw.view(), job.store.alphanumeric);
+}
+
+std::string Row(const Point& point, bool ofBefore) {
+  std::string row = Left(point.id.str() + (ofBefore ? " *" : ""), kIdWidth);
   for (const double value : {point.at.northing, point.at.easting, point.at.elevation}) {
     row += Right(FixedNumber(value, kDecimals), kNumberWidth);
   }
@@ -28,7 +38,7 @@ std::string Row(const Point& point) {
   return row + "\n";
 }
 
-void PrintTable(const Job& job, const PointList& points, Program& program) {
+void PrintTable(Job& job, const PointList& points, Program& program) {
   if (points.empty()) {
     program.console.Print("The job holds no points.\n");
     return;
@@ -36,15 +46,27 @@ void PrintTable(const Job& job, const PointList& points, Program& program) {
   program.console.Print(Left("Point", kIdWidth) + Right("Northing", kNumberWidth) +
                         Right("Easting", kNumberWidth) + Right("Elevation", kNumberWidth) +
                         "  Description\n");
-  for (const Point& point : points) program.console.Print(Row(point));
+  const PointIdSet before = PointsOfBefore(job);
+  for (const Point& point : points) {
+    program.console.Print(Row(point, before.contains(point.id)));
+  }
   program.console.Print(std::to_string(points.size()) +
                         (points.size() == 1 ? " point, " : " points, ") +
                         std::string(UnitName(job.options.unit)) + "\n");
+  if (before.empty()) return;
+  program.console.Print(
+      "* stored before the localization or the coordinate system was changed: `tarvex recompute " +
+      job.path + "` computes it anew.\n");
 }
 
-void PrintJson(const Job& job, const PointList& points, Program& program) {
+void PrintJson(Job& job, const PointList& points, Program& program) {
   Json list = Json::EmptyList();
-  for (const Point& point : points) list.Add(PointJson(point));
+  const PointIdSet before = PointsOfBefore(job);
+  for (const Point& point : points) {
+    Json json = PointJson(point);
+    if (before.contains(point.id)) json["before_change"] = true;
+    list.Add(std::move(json));
+  }
   program.console.Print(JsonText({{"job", job.path},
                                   {"alphanumeric", job.store.alphanumeric},
                                   {"unit", UnitKey(job.options.unit)},

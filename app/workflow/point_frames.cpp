@@ -1,0 +1,92 @@
+#include "app/workflow/point_frames.h"
+
+#include <string>
+#include <unordered_map>
+
+#include "core/raw_data/raw_fields.h"
+#include "core/text/text.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::string_view kLocalization = "--Localization: ";
+constexpr std::string_view kControl = "--Localization control changed";
+constexpr std::string_view kSystem = "--Coordinate System: ";
+constexpr std::string_view kShift = "--Setting: datum_shift";
+constexpr std::string_view kShiftOfTitle = ", datum shift ";
+constexpr std::string_view kOff = "off";
+
+// What coordinates are made of, as the raw file has it.
+struct Frame {
+  std::string_view localization = kOff;
+  int control = 0;  // how many lists of control points there were
+  std::string_view system = {};
+  std::string_view shift = {};
+
+  // Without a localization its control does not matter.
+  bool operator==(const Frame& other) const {
+    return localization == other.localization && system == other.system && shift == other.shift &&
+           (localization == kOff || control == other.control);
+  }
+};
+
+// True when the line told of the frame.
+bool TakeLineOfFrame(std::string_view line, Frame& frame) {
+  if (line == kControl) {
+    ++frame.control;
+  } else if (line.starts_with(kLocalization)) {
+    frame.localization = line.substr(kLocalization.size());
+  } else if (line.starts_with(kSystem)) {
+    const std::string_view title = line.substr(kSystem.size());
+    frame.system = title.substr(0, title.find(kShiftOfTitle));
+  } else if (line.starts_with(kShift)) {
+    const std::string_view value = line.substr(kShift.size());
+    frame.shift = value.substr(0, value.find(", was "));
+  } else {
+    return false;
+  }
+  return true;
+}
+
+// Whether the frame changes at all; of the file only the lines that tell of it are looked at.
+bool Changes(std::string_view rawFile) {
+  if (rawFile.find(kLocalization) != std::string_view::npos ||
+      rawFile.find(kShift) != std::string_view::npos) {
+    return true;
+  }
+  Frame first;
+  for (std::size_t at = rawFile.find(kSystem); at != std::string_view::npos;
+       at = rawFile.find(kSystem, at + 1)) {
+    Frame now;
+    std::string_view rest = rawFile.substr(at);
+    (void)TakeLineOfFrame(TakeLine(rest).value_or(""), now);
+    if (first.system.empty()) first = now;
+    if (!(now == first)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+PointIdSet PointsOfEarlierFrames(std::string_view rawFile, bool alphanumeric) {
+  if (!Changes(rawFile)) return {};
+  std::unordered_map<PointId, Frame, PointIdHash> made;
+  Frame frame;
+  while (const auto line = TakeLine(rawFile)) {
+    if (TakeLineOfFrame(*line, frame)) continue;
+    if (RawCode(*line) == "--GS") {
+      if (const auto id = RawField(*line, "PN")) {
+        made.insert_or_assign(HistoryKey(*id, alphanumeric), frame);
+      }
+    } else if (const auto id = StoredPointId(*line)) {
+      made.erase(HistoryKey(*id, alphanumeric));
+    }
+  }
+  PointIdSet earlier;
+  for (const auto& [id, of] : made) {
+    if (!(of == frame)) earlier.insert(id);
+  }
+  return earlier;
+}
+
+}  // namespace tarvex
