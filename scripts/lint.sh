@@ -8,7 +8,7 @@ cd "$root"
 mkdir -p build/lint
 sed -e 's/-Winvalid-pch -include [^ ]*cmake_pch.hxx//' -e 's/ -fvect-cost-model=[a-z]*//' \
   build/release/compile_commands.json >build/lint/compile_commands.json
-if ! git ls-files 'platform/*.cpp' 'core/*.cpp' 'coordsys/*.cpp' 'gnss/*.cpp' 'roads/*.cpp' 'exchange/*.cpp' \
+if ! git ls-files 'platform/*.cpp' 'core/*.cpp' 'coordsys/*.cpp' 'gnss/*.cpp' 'roads/*.cpp' 'exchange/*.cpp' 'tls/*.cpp' \
   'modules/*.cpp' 'app/*.cpp' |
   xargs -P "$(nproc)" -n 6 clang-tidy --quiet -p build/lint >build/lint.log 2>&1; then
   grep -E 'warning:|error:' build/lint.log | sort -u >&2

@@ -28,19 +28,14 @@ constexpr char kAlertRecord = 0x15;
 // in `why`; a later call tries again.
 const TlsFunctions* ModuleFunctions(std::string& why) {
   static std::mutex mutex;
-  static const TlsFunctions* functions = nullptr;
+  static RunTimeLibrary* library = nullptr;
   const std::lock_guard lock(mutex);
-  if (functions != nullptr) return functions;
-  std::unique_ptr<RunTimeLibrary> library = SystemRunTimeLibraries().Load("tls.dll", why);
+  if (library == nullptr) library = SystemRunTimeLibraries().Load("tls.dll", why).release();
   if (library == nullptr) return nullptr;
   void* const entry = library->Find("TlsFunctionsOfModule");
-  if (entry == nullptr) {
-    why = "tls.dll: an entry point is missing";
-    return nullptr;
-  }
-  functions = reinterpret_cast<TlsFunctionsEntry*>(entry)();
-  (void)library.release();
-  return functions;
+  if (entry != nullptr) return reinterpret_cast<TlsFunctionsEntry*>(entry)();
+  why = "tls.dll: an entry point is missing";
+  return nullptr;
 }
 
 std::string HostOf(std::string_view name) {
