@@ -44,7 +44,23 @@ void KeyCommands::Take(const Key& key) {
   if (key.kind == Key::Kind::Byte) TakeCommand(key.byte);
 }
 
+// False for a letter that means nothing more while something is staked.
+bool KeyCommands::TakeStakeCommand(char letter) {
+  if (use_ != KeyUse::Staking) return false;
+  switch (LowerCase(letter)) {
+    case 'n':
+      return commands_.Send(NextTarget{}), true;
+    case 'k':
+      return commands_.Send(SkipTarget{}), true;
+    case 't':
+      return Ask(Wanted::Target), true;
+    default:
+      return false;
+  }
+}
+
 void KeyCommands::TakeCommand(char letter) {
+  if (TakeStakeCommand(letter)) return;
   switch (LowerCase(letter)) {
     case ' ':
       return Store();
@@ -69,7 +85,7 @@ void KeyCommands::TakeCommand(char letter) {
     case 'q':
       return commands_.Send(EndSession{});
     case '?':
-      return Say(std::string(kKeysLine));
+      return Say(std::string(keysLine()));
     default:
       // Only once for a character of several bytes.
       if ((static_cast<unsigned char>(letter) & 0x80U) != 0) return;
@@ -96,6 +112,8 @@ void KeyCommands::Show() {
         return "Antenna height: ";
       case Wanted::NextId:
         return "Next point id: ";
+      case Wanted::Target:
+        return "Target: ";
       case Wanted::Average:
         break;
     }
@@ -171,6 +189,8 @@ void KeyCommands::TakeAnswer(Wanted wanted, std::string_view text) {
   switch (wanted) {
     case Wanted::Text:
       return TakeDescription(text);
+    case Wanted::Target:
+      return commands_.Send(ChooseTarget{std::string(text)});
     case Wanted::NextId:
       return commands_.Send(SetNextId{std::string(text)});
     case Wanted::AntennaHeight: {

@@ -1,24 +1,24 @@
 #include "app/cli/stake_following.h"
 
+#include "app/cli/json_events.h"
 #include "app/cli/number_entry.h"
-#include "app/cli/typed_commands.h"
+#include "app/cli/session_input.h"
 #include "app/workflow/job_calculator.h"
+#include "app/workflow/job_codes.h"
 #include "app/workflow/point_storing.h"
 
 namespace tarvex {
 namespace {
 
-void TellHowToStore(const StakePlan& plan, const std::string& id, const StakeList& targets,
+void TellHowToStore(const StakePlan& plan, const std::string& id, bool takesKeys,
                     Program& program) {
-  const char* next = targets.size() > 1 ? " n goes on to the next target." : "";
-  if (plan.storeOnStake) {
-    program.console.PrintError(
-        "The first position on the stake that keeps the limits is stored as point " + id + "." +
-        next + "\n");
-  } else {
-    program.console.PrintError("Enter stores the next position that keeps the limits as point " +
-                               id + ", q ends." + next + "\n");
-  }
+  std::string line = plan.storeOnStake
+                         ? "The first position on the stake that keeps the limits is stored as "
+                           "point " +
+                               id
+                         : "Enter stores the next position that keeps the limits as point " + id;
+  if (!takesKeys && !plan.storeOnStake) line += ", q ends";
+  program.console.PrintError(line + ".\n");
 }
 
 }  // namespace
@@ -52,22 +52,32 @@ ExitCode FollowReceiver(const StakeOptions& options, Program& program, JobSessio
   words.inPlace = !options.json && program.console.IsWatched();
   StakeView view(program, std::move(words));
   SessionCommands commands;
-  std::optional<TypedCommands> typed;
-  const bool enterStores = plan.mustStore && !plan.storeOnStake;
-  const bool typedCommands = enterStores || program.console.IsTyped();
-  if (plan.store && (typedCommands || plan.storeOnStake)) {
-    TellHowToStore(plan, session.job().ids.current, targets, program);
-  }
-  if (typedCommands) typed.emplace(program, commands);
+  const CodeList codes = program.console.IsTyped() ? LoadJobCodes(session) : CodeList();
   StakeSession staking(program, session, calculator, plan, targets, view, commands,
                        InterruptRequested);
-  const SessionEnd end = staking.Run();
+  SessionEnd end = SessionEnd::Failed;
+  {
+    const bool pipeToo = plan.mustStore && !plan.storeOnStake;
+    const SessionInput input(program, commands, codes, KeyUse::Staking, pipeToo);
+    if (input.takesKeys()) view.TakesKeys();
+    const bool typed = input.takesKeys() || input.takesLines();
+    if (plan.store && (typed || plan.storeOnStake)) {
+      TellHowToStore(plan, session.job().ids.current, input.takesKeys(), program);
+    }
+    end = staking.Run();
+  }
   const bool missed = plan.mustStore && staking.stored() == 0;
   if (missed) program.console.PrintError("Nothing was stored.\n");
   if (end == SessionEnd::RecordingEnded && staking.shown() == 0) {
     return program.Fail("The receiver gave no position to stake from.");
   }
-  return TellSessionEnd(program, staking, plan, end, plan.count == 0 && !missed);
+  const ExitCode code = TellSessionEnd(program, staking, plan, end, plan.count == 0 && !missed);
+  if (options.json) {
+    PrintEvent(
+        program, "ended",
+        {{"end", SessionEndName(end)}, {"stored", staking.stored()}, {"job", session.job().path}});
+  }
+  return code;
 }
 
 }  // namespace tarvex

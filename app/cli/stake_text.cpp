@@ -121,7 +121,7 @@ std::string StakeDoubtText(const StakeDoubted& doubted) {
 Json StakeSeenJson(const StakeSeen& seen, const StationJson& station,
                    const std::string& elevationFrom) {
   const StakeRelation& relation = seen.relation;
-  Json json{{"event", "position"}, {"position", seen.from}, {"target", relation.design.name}};
+  Json json{{"position", seen.from}, {"target", relation.design.name}};
   if (relation.current) {
     json.Append(station(relation.current->station));
     json["offset"] = relation.current->offset;
@@ -168,7 +168,7 @@ Json StakeRecordJson(const StakeRecord& record) {
 }
 
 Json StakeStoredJson(const StakeStored& stored) {
-  Json json{{"event", "stored"}, {"point", PointJson(stored.point)}};
+  Json json{{"point", PointJson(stored.point)}};
   json.Append(StakeRecordJson(stored.record));
   json["solution"] = SolutionText(stored.solution);
   return json;

@@ -26,6 +26,7 @@ std::string ReceiverText(const PositionSeen& seen) {
 }  // namespace
 
 void StakeView::On(const SessionEvent& event) {
+  if (words_.json) return events_.On(event);
   const auto* seen = std::get_if<PositionSeen>(&event);
   if (seen != nullptr) position_ = *seen;
   if (seen != nullptr && words_.inPlace) return;
@@ -37,16 +38,10 @@ void StakeView::OnStake(const StakeEvent& event) {
   std::visit([this](const auto& what) { Show(what); }, event);
 }
 
-void StakeView::PrintEvent(const char* event, Json members) {
-  Json json{{"event", event}};
-  json.Append(std::move(members));
-  program_.console.Print(JsonLine(json) + "\n");
-}
-
 void StakeView::Show(const StakeSeen& seen) {
   if (words_.json) {
-    const Json json = StakeSeenJson(seen, words_.stationJson, words_.elevationFrom);
-    return program_.console.Print(JsonLine(json) + "\n");
+    return PrintEvent(program_, "stake",
+                      StakeSeenJson(seen, words_.stationJson, words_.elevationFrom));
   }
   if (words_.inPlace) return Draw(seen);
   program_.console.Print(StakeSeenText(seen) + "\n");
@@ -57,21 +52,24 @@ void StakeView::Draw(const StakeSeen& seen) {
 }
 
 void StakeView::Show(const StakeStored& stored) {
-  if (words_.json) program_.console.Print(JsonLine(StakeStoredJson(stored)) + "\n");
+  if (words_.json) return PrintEvent(program_, "staked", StakeStoredJson(stored));
   const std::string told = "Stored point " + stored.point.id.str() + " for " +
                            stored.record.design + ": " + StakeDifferenceText(stored.record) + ".\n";
-  if (words_.json) return program_.console.PrintError(told);
   program_.console.Print(told);
 }
 
 void StakeView::Show(const StakeDoubted& doubted) {
-  if (words_.json) PrintEvent("doubted", {{"distance", doubted.distance}});
+  if (words_.json) {
+    return PrintEvent(program_, "doubted",
+                      {{"distance", doubted.distance}, {"text", StakeDoubtText(doubted)}});
+  }
   program_.console.PrintError(StakeDoubtText(doubted) + "\n");
 }
 
 void StakeView::Show(const TargetTaken& target) {
   if (words_.json) {
-    PrintEvent("target", {{"name", target.name}, {"open", target.open}, {"of", target.size}});
+    return PrintEvent(program_, "target",
+                      {{"name", target.name}, {"open", target.open}, {"of", target.size}});
   }
   if (target.size == 1) return;
   std::string line = "Now " + target.name;
@@ -86,13 +84,16 @@ void StakeView::Show(const TargetTaken& target) {
 }
 
 void StakeView::Show(const TargetsDone& done) {
-  if (words_.json) PrintEvent("done", {{"staked", done.staked}, {"of", done.size}});
+  if (words_.json) {
+    return PrintEvent(program_, "targets_done", {{"staked", done.staked}, {"of", done.size}});
+  }
   if (done.size == 1) return;
   program_.console.PrintError("Nothing is left to be staked: " + std::to_string(done.staked) +
                               " of " + std::to_string(done.size) + " are.\n");
 }
 
 void StakeView::Show(const NoSuchTarget& none) {
+  if (words_.json) return PrintEvent(program_, "no_such_target", {{"name", none.name}});
   program_.console.PrintError(none.name.empty()
                                   ? "No other target is open.\n"
                                   : "\"" + none.name + "\" is not among what is to be staked.\n");
@@ -100,7 +101,7 @@ void StakeView::Show(const NoSuchTarget& none) {
 
 void StakeView::Show(const FixChanged& fix) {
   const std::string solution(SolutionText(fix.solution));
-  if (words_.json) PrintEvent("fix", {{"solution", solution}});
+  if (words_.json) return PrintEvent(program_, "fix", {{"solution", solution}});
   program_.console.PrintError(fix.solution == SolutionType::Fixed
                                   ? "The position is FIXED again.\n"
                                   : "NO FIX: the position is " + solution +

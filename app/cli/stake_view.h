@@ -1,11 +1,13 @@
 // Staking on the terminal: each position is a line that says how to go. Where a person looks on the
-// line is drawn anew in its place; a pipe or a file gets a line a position.
+// line is drawn anew in its place; a pipe or a file gets a line a position, another program the
+// events of every session (docs/json.md) and those of staking.
 #pragma once
 
 #include <functional>
 #include <string>
 
 #include "app/cli/collect_view.h"
+#include "app/cli/json_events.h"
 #include "app/cli/json_text.h"
 #include "app/workflow/stake_events.h"
 
@@ -23,7 +25,10 @@ struct StakeWords {
 class StakeView final : public StakeListener {
  public:
   StakeView(Program& program, StakeWords words)
-      : program_(program), words_(std::move(words)), session_(program) {}
+      : program_(program), words_(std::move(words)), session_(program), events_(program) {}
+
+  /// Commands are single keys, not lines.
+  void TakesKeys() { session_.TakesKeys(); }
 
   void On(const SessionEvent& event) override;
   void OnStake(const StakeEvent& event) override;
@@ -37,11 +42,11 @@ class StakeView final : public StakeListener {
   void Show(const NoSuchTarget& none);
   void Show(const FixChanged& fix);
   void Draw(const StakeSeen& seen);
-  void PrintEvent(const char* event, Json members);
 
   Program& program_;
   StakeWords words_;
   CollectView session_;
+  JsonEvents events_;
   std::optional<PositionSeen> position_;  ///< what the receiver says of the position shown
 };
 

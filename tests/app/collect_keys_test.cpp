@@ -124,6 +124,21 @@ TEST_F(CollectKeys, AreCommandsAtOnceOrAskForALine) {
   EXPECT_EQ(console.prompt, "Description (- for none): EP1 ");
 }
 
+TEST(StakeKeys, TakeTheTargetsToo) {
+  SeenConsole console;
+  SessionCommands commands;
+  const CodeList codes;
+  KeyCommands keys(console, commands, codes, KeyUse::Staking);
+  KeyDecoder decoder;
+  for (const char byte : std::string_view("nktA5\n")) {
+    if (const auto key = decoder.Take(byte)) keys.Take(*key);
+  }
+  EXPECT_TRUE(std::holds_alternative<NextTarget>(*commands.Take()));
+  EXPECT_TRUE(std::holds_alternative<SkipTarget>(*commands.Take()));
+  EXPECT_EQ(std::get<ChooseTarget>(*commands.Take()).name, "A5");
+  EXPECT_FALSE(commands.Take());
+}
+
 // A receiver at the edge of a limit, ten epochs a second for a minute: two lines.
 TEST(RefusalLines, AreTwoHoweverOftenALimitIsCrossed) {
   RefusalLines lines;

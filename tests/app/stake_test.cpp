@@ -73,12 +73,11 @@ TEST_F(StakeCommand, SkipsWhatWasStakedBefore) {
 TEST_F(StakeCommand, SetsOutLinesAndArcs) {
   EXPECT_THAT(Stake("--line 2 1").output,
               HasSubstr("FIXED: at 12.329 0.004 L (after the end)  back 0.002  right 0.004  "));
-  const JsonReading arc(
-      Stake("--arc 1 2 --radius 20 --station 3 --offset 1 --count 1 --json")
-          .output.substr(
-              std::string(
-                  "{\"event\":\"target\",\"name\":\"1-2 3.000 1.000 R\",\"open\":1,\"of\":1}\n")
-                  .size()));
+  const std::string events =
+      Stake("--arc 1 2 --radius 20 --station 3 --offset 1 --count 1 --json").output;
+  const std::size_t stake = events.find("{\"event\":\"stake\"");
+  ASSERT_NE(stake, std::string::npos) << events;
+  const JsonReading arc(events.substr(stake, events.find('\n', stake) - stake));
   EXPECT_EQ(arc["target"], "1-2 3.000 1.000 R");
   EXPECT_EQ(arc["forward_from"], "alignment");
   // The plan's third point has no elevation, so the line has none either.

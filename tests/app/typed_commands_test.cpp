@@ -34,6 +34,9 @@ TEST(TypedCommands, AreOneALine) {
   EXPECT_TRUE(Is<ResumeStoring>("c"));
   EXPECT_TRUE(Is<RetryCorrections>("r"));
   EXPECT_TRUE(Is<EndSession>(" q "));
+  EXPECT_TRUE(Is<NextTarget>("n"));
+  EXPECT_TRUE(Is<SkipTarget>("k"));
+  EXPECT_EQ(std::get<ChooseTarget>(*CommandOf("t A5")).name, "A5");
   EXPECT_EQ(std::get<SetDescription>(*CommandOf("d  old tree ")).description, "old tree");
   EXPECT_EQ(std::get<SetAntennaHeight>(*CommandOf("h 1.85")).height, 1.85);
   for (const char* line : {"x", "ss", "pause", "quit", "h", "h -1", "h 1001", "h 1,85", "d", "dx"})

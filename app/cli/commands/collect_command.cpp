@@ -7,8 +7,8 @@
 #include "app/cli/json_events.h"
 #include "app/cli/key_reader.h"
 #include "app/cli/number_entry.h"
+#include "app/cli/session_input.h"
 #include "app/cli/session_options.h"
-#include "app/cli/typed_commands.h"
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_calculator.h"
 #include "app/workflow/job_codes.h"
@@ -53,31 +53,6 @@ ExitCode SettleFirstId(const CollectOptions& options, JobSession& session, Progr
   return ExitCode::Done;
 }
 
-// What a person types: single keys where they are seen, else a command a line.
-class CollectInput {
- public:
-  CollectInput(Program& program, SessionCommands& commands, const CollectPlan& plan,
-               CollectView& view)
-      : keyCommands_(program.console, commands, plan.codes) {
-    const bool oneByOne = plan.trigger == StoreTrigger::OnCommand;
-    if (HasKeysAndScreen(program.console)) {
-      program.console.PrintError(std::string(kKeysLine) + "\n");
-      view.TakesKeys();
-      keys_.emplace(keyCommands_);
-    } else if (program.console.IsTyped()) {
-      if (oneByOne) {
-        program.console.PrintError("Enter stores the next position; q and Enter ends.\n");
-      }
-      lines_.emplace(program, commands);
-    }
-  }
-
- private:
-  KeyCommands keyCommands_;
-  std::optional<KeyReader> keys_;
-  std::optional<TypedCommands> lines_;
-};
-
 ExitCode Collect(const CollectPlan& plan, bool json, JobSession& session, Program& program) {
   CTrgCalculator calculator;
   std::string problem;
@@ -91,7 +66,11 @@ ExitCode Collect(const CollectPlan& plan, bool json, JobSession& session, Progra
                             InterruptRequested);
   SessionEnd end = SessionEnd::Failed;
   {
-    const CollectInput input(program, commands, plan, view);
+    const SessionInput input(program, commands, plan.codes, KeyUse::Collecting);
+    if (input.takesKeys()) view.TakesKeys();
+    if (input.takesLines() && plan.trigger == StoreTrigger::OnCommand) {
+      program.console.PrintError("Enter stores the next position; q and Enter ends.\n");
+    }
     end = collecting.Run();
   }
   const ExitCode code = TellSessionEnd(program, collecting, plan, end, plan.count == 0);

@@ -316,12 +316,10 @@ void DeclareStakeCommand(Command& command) {
   command.AddFlag("--json", options.stake.json, "Print JSON, a line an event");
   command.MayHaveCommands(kStakeCommands);
   command.Footer(
-      "Enter stores the present position as a stake; one that is not on the stake wants a second "
-      "Enter.\n"
-      "n goes on to the next target, k leaves one out, t NAME takes one, q ends. ON THE STAKE "
-      "needs "
-      "a\n"
-      "FIXED position inside both tolerances. A point at elevation 0 has no design elevation.\n"
+      "Enter stores the present position as a stake; one off the stake wants a second Enter.\n"
+      "n goes on to the next target, k leaves one out, t takes one by its name, q ends.\n"
+      "ON THE STAKE needs a FIXED position inside both tolerances. A point at elevation 0 has no\n"
+      "design elevation.\n"
       "Example: tarvex stake site.crd 1..20 --receiver serial:/dev/ttyUSB0@115200");
 }
 
