@@ -4,10 +4,13 @@
 #include "app/cli/json_text.h"
 #include "app/workflow/job_calculator.h"
 #include "app/workflow/job_session.h"
+#include "app/workflow/raw_history.h"
 #include "app/workflow/raw_positions.h"
 #include "core/coordinates/point_store.h"
 #include "core/observations/job_unit.h"
 #include "core/observations/point_notes.h"
+#include "core/raw_data/raw_fields.h"
+#include "core/text/number_text.h"
 #include "gnss/quality/point_quality.h"
 
 namespace tarvex {
@@ -43,8 +46,17 @@ void PrintNote(const NoteOptions& options, const PointNote& note, Program& progr
   program.console.Print(JsonText(json));
 }
 
-// How the position of the mark becomes the point's coordinates, as the job makes them now.
-ExitCode PrintHeights(const NoteOptions& options, JobSession& session, Program& program) {
+// The height that the receiver gave, of the record in a line of the raw file, metres.
+double ReceivedHeightM(std::string_view rawFile, std::size_t line) {
+  std::string_view record;
+  for (std::size_t i = 0; i < line; ++i) record = TakeLine(rawFile).value_or("");
+  return LeadingDouble(RawField(record, "EL").value_or("0"));
+}
+
+// How a measured position becomes the point's coordinates, as the job makes them now.
+ExitCode PrintHeights(const NoteOptions& options, const std::string& id, JobSession& session,
+                      Program& program) {
+  constexpr int kDecimals = 4;
   Job& job = session.job();
   std::string raw;
   std::string problem;
@@ -54,18 +66,25 @@ ExitCode PrintHeights(const NoteOptions& options, JobSession& session, Program& 
       !MakeJobCalculator(session, systems, calculator, problem)) {
     return program.Fail(problem);
   }
-  const auto mark = FindRawPosition(raw, options.id, job.options.unit);
-  if (!mark)
-    return program.Fail("The raw file holds no GNSS position of point " + options.id + ".");
+  const RawHistory history = ReadRawHistory(raw, job.store.alphanumeric);
+  const auto last = history.points.find(HistoryKey(id, job.store.alphanumeric));
+  const bool measured =
+      last != history.points.end() && last->second.last == PointHistory::Last::Position;
+  const auto mark = measured ? FindRawPosition(raw, id, job.options.unit) : std::nullopt;
+  if (!mark) return program.Fail("Point " + id + " was not measured by GNSS.");
+  const double receivedM = ReceivedHeightM(raw, last->second.line);
   CalculationReport steps;
   GridPoint at;
   const CalculationResult result = calculator.ToGrid(*mark, at, &steps);
   if (options.json) {
-    program.console.Print(JsonText({{"id", options.id}, {"steps", ExplanationJson(steps)}}));
+    program.console.Print(JsonText({{"id", id},
+                                    {"received_height", receivedM},
+                                    {"antenna_height", receivedM - mark->heightM},
+                                    {"steps", ExplanationJson(steps)}}));
   } else {
-    program.console.Print("Point " + options.id +
-                          ", from the mark (the antenna height is taken off), as the job makes it "
-                          "now:\n" +
+    program.console.Print("Point " + id + ", as the job makes it now: height of the antenna " +
+                          FixedNumber(receivedM, kDecimals) + " m, less " +
+                          FixedNumber(receivedM - mark->heightM, kDecimals) + " m to the mark\n" +
                           ExplanationText(steps));
   }
   const bool made = result == CalculationResult::Done || result == CalculationResult::DoneInPart;
@@ -108,7 +127,7 @@ ExitCode RunNote(const NoteOptions& options, Program& program) {
   } else if (!AddLines(program, job, options, note)) {
     return ExitCode::Failed;
   }
-  if (options.heights) return PrintHeights(options, session, program);
+  if (options.heights) return PrintHeights(options, note.pointId, session, program);
   PrintNote(options, note, program);
   return ExitCode::Done;
 }
