@@ -20,6 +20,7 @@ using SteadyTime = std::chrono::steady_clock::time_point;
 
 constexpr std::size_t kRecord = 16384;        // the most that one record holds
 constexpr std::uint32_t kReplyTimeMs = 1000;  // for what the protocol itself sends
+constexpr std::size_t kReadAhead = 65536;     // a sender that floods is not followed for ever
 constexpr std::size_t kLongestSaid = 60;
 constexpr char kHandshakeRecord = 0x16;
 constexpr char kAlertRecord = 0x15;
@@ -188,7 +189,7 @@ class TlsDevice final : public ByteDevice {
     bool came = true;
     bool fetched = true;
     DeviceStatus status;
-    while (status.ok() && (came || fetched)) {
+    while (status.ok() && (came || fetched) && held_.size() < kReadAhead) {
       status = Decrypt(came);
       fetched = false;
       if (status.ok() && !came) status = Fetch(SteadyTime{}, fetched);

@@ -165,6 +165,7 @@ bool Prepare(TlsSession& session, const char* host, const char* authorityFile) {
       SSL_CTX_set_min_proto_version(session.context, TLS1_2_VERSION) != 1) {
     return false;
   }
+  (void)SSL_CTX_set_options(session.context, SSL_OP_NO_RENEGOTIATION);
   SSL_CTX_set_verify(session.context, SSL_VERIFY_PEER, NoteComplaint);
   if (!TrustAuthorities(session, authorityFile)) return false;
   session.tls = SSL_new(session.context);
