@@ -6,9 +6,11 @@
 #include <map>
 #include <optional>
 #include <sstream>
+#include <type_traits>
 #include <utility>
 
 #include "core/text/edit_distance.h"
+#include "core/text/number_text.h"
 
 namespace tarvex {
 namespace {
@@ -30,6 +32,12 @@ std::string HelpOf(const CLI::App& command) {
     name = at->get_name() + " " + name;
   }
   return command.get_formatter()->make_help(&command, name, CLI::AppFormatMode::Normal);
+}
+
+std::string Joined(const std::vector<std::string>& words, const char* between) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : between) + word;
+  return text;
 }
 
 // " Did you mean collect?" of the name that is nearest to a word, when one is near.
@@ -106,6 +114,22 @@ std::string Explained(const CLI::App* app, const CLI::Error& error) {
   return unknown.empty() ? what : UnknownWords(command, unknown);
 }
 
+template <typename Value>
+struct Held {
+  using Type = Value;
+};
+template <typename Value>
+struct Held<std::optional<Value>> : Held<Value> {};
+template <typename Value>
+struct Held<std::vector<Value>> : Held<Value> {};
+
+// An argument's own name says what it is.
+template <typename Value>
+const char* ValueNameOf(const std::string& name) {
+  if (!name.starts_with('-')) return "";
+  return std::is_arithmetic_v<typename Held<Value>::Type> ? "NUMBER" : "TEXT";
+}
+
 }  // namespace
 
 Option Option::Required() const {
@@ -124,17 +148,31 @@ Option Option::ValueName(const std::string& name) const {
 }
 
 Option Option::OneOf(const std::vector<std::string>& words) const {
-  option_->check(CLI::IsMember(words));
+  option_->type_name(Joined(words, "|"));
+  option_->check([words](const std::string& word) -> std::string {
+    if (std::find(words.begin(), words.end(), word) != words.end()) return "";
+    return "\"" + word + "\" is none of " + Joined(words, ", ") + "." + DidYouMean(word, words);
+  });
   return *this;
 }
 
 Option Option::Between(long long least, long long most) const {
-  option_->check(CLI::Range(least, most));
+  const std::string range = std::to_string(least) + " to " + std::to_string(most);
+  option_->type_name("NUMBER (" + range + ")");
+  option_->check([least, most, range](const std::string& text) -> std::string {
+    const auto value = ParseNumber(text);
+    const bool inside =
+        value && *value >= static_cast<double>(least) && *value <= static_cast<double>(most);
+    return inside ? "" : "\"" + text + "\" is not a number from " + range + ".";
+  });
   return *this;
 }
 
 Option Option::NotNegative() const {
-  option_->check(CLI::NonNegativeNumber);
+  option_->check([](const std::string& text) -> std::string {
+    const auto value = ParseNumber(text);
+    return value && *value >= 0.0 ? "" : "\"" + text + "\" is not a number of 0 or more.";
+  });
   return *this;
 }
 
@@ -166,7 +204,8 @@ class CommandLine {
   CommandLine(const ProgramTitle& title, std::span<const CommandRow> commands,
               const std::vector<std::string>& words, Program& program)
       : app_(title.description, title.name),
-        version_(title.version),
+        title_(title),
+        commands_(commands),
         words_(words),
         program_(program) {
     app_.set_version_flag("-V,--version", title.version, "Show the version");
@@ -183,7 +222,7 @@ class CommandLine {
     try {
       app_.parse(std::vector<std::string>(words_.rbegin(), words_.rend()));
     } catch (const CLI::CallForVersion&) {
-      program_.console.Print(version_ + "\n");
+      program_.console.Print(title_.version + "\n");
     } catch (const CLI::ParseError& error) {
       return Explain(error);
     }
@@ -203,9 +242,19 @@ class CommandLine {
 
   Program& program() { return program_; }
 
+  // With all commands, whatever the words of this run are.
+  CommandDescription DescribeAll() const {
+    const std::vector<std::string> none;
+    CommandLine all(title_, commands_, none, program_);
+    all.AddUnnamed();
+    all.DeclareAll(all.app_);
+    return DescribeCommand(all.app_);
+  }
+
  private:
   void AddCommand(CLI::App& parent, const CommandRow& row) {
     CLI::App* const app = parent.add_subcommand(row.name, row.summary);
+    if (row.hidden) app->group("");
     toDeclare_[app] = &row;
     app->preparse_callback([this, app](std::size_t left) {
       left_ = left;
@@ -272,7 +321,7 @@ class CommandLine {
     });
     CLI::App* const version = app_.add_subcommand("version", "Show the version");
     version->group("");
-    version->callback([this] { program_.console.Print(version_ + "\n"); });
+    version->callback([this] { program_.console.Print(title_.version + "\n"); });
   }
 
   void PrintHelp(const std::vector<std::string>& words) {
@@ -293,7 +342,8 @@ class CommandLine {
   }
 
   CLI::App app_;
-  std::string version_;
+  const ProgramTitle& title_;
+  std::span<const CommandRow> commands_;
   const std::vector<std::string>& words_;
   std::size_t left_ = words_.size();  // words that are still to be read
   Program& program_;
@@ -310,13 +360,19 @@ void Command::MayHaveCommands(std::span<const CommandRow> rows) {
   app_.require_subcommand(0, 1);
 }
 
+std::function<CommandDescription()> Command::DescribesProgram() {
+  return [&line = line_] { return line.DescribeAll(); };
+}
+
 void Command::Footer(const std::string& text) {
   app_.footer(text);
 }
 
 template <typename Value>
 Option Command::Add(const std::string& name, Value& value, const std::string& help) {
-  return Option(*app_.add_option(name, value, help));
+  CLI::Option& option = *app_.add_option(name, value, help);
+  option.type_name(ValueNameOf<Value>(name));
+  return Option(option);
 }
 
 template Option Command::Add(const std::string&, std::string&, const std::string&);
@@ -342,7 +398,9 @@ Option Command::AddRead(const std::string& name,
     const std::string problem = take(text);
     if (!problem.empty()) throw CLI::ValidationError(name, problem);
   };
-  return Option(*app_.add_option_function<std::string>(name, read, help));
+  CLI::Option& option = *app_.add_option_function<std::string>(name, read, help);
+  option.type_name(ValueNameOf<std::string>(name));
+  return Option(option);
 }
 
 void Command::OnRun(std::function<ExitCode(Program&)> run) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/cli/command_description.h"
 #include "app/cli/program.h"
 
 namespace CLI {
@@ -24,7 +25,8 @@ class Option {
   Option Required() const;
   /// Under a heading of its own in the help.
   Option InGroup(const std::string& heading) const;
-  /// The name of the value in the help, in place of TEXT, INT, FLOAT.
+  /// The name of the value in the help, in place of TEXT or NUMBER: FILE and JOB.crd are completed
+  /// as files, a|b|c as these words.
   Option ValueName(const std::string& name) const;
   Option OneOf(const std::vector<std::string>& words) const;
   Option Between(long long least, long long most) const;
@@ -53,6 +55,8 @@ struct CommandRow {
   const char* summary;
   /// Says what the command takes and what it does; called when the command or its help is wanted.
   void (*declare)(Command& command);
+  /// It works, but no help names it.
+  bool hidden = false;
 };
 
 /// One command while it is declared. It takes options ("--name" or "-n"), arguments (a name without
@@ -74,6 +78,8 @@ class Command {
   void Commands(std::span<const CommandRow> rows);
   /// Commands of its own beside what it runs itself, when the first word is one of theirs.
   void MayHaveCommands(std::span<const CommandRow> rows);
+  /// Describes the whole program when it is called, which the command's function may do.
+  std::function<CommandDescription()> DescribesProgram();
   /// Text below the options in the help.
   void Footer(const std::string& text);
 

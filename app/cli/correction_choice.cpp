@@ -126,14 +126,18 @@ bool FindPassword(const std::string& passwordFile, CasterLogin& caster, std::str
 }
 
 Option AddPasswordOption(Command& command, std::string& passwordFile) {
-  return command.Add("--password-file", passwordFile,
-                     "File with the password that its owner alone can read (mode 0600)");
+  return command
+      .Add("--password-file", passwordFile,
+           "File with the password that its owner alone can read (mode 0600)")
+      .ValueName("FILE");
 }
 
 Option AddAuthorityOption(Command& command, std::string& authorityFile) {
-  return command.Add("--ca", authorityFile,
-                     "File (PEM) with the authority that signed the certificate of a caster\n"
-                     "that is reached by ntrips://; no other is trusted then");
+  return command
+      .Add("--ca", authorityFile,
+           "File (PEM) with the authority that signed the certificate of a caster\n"
+           "that is reached by ntrips://; no other is trusted then")
+      .ValueName("FILE");
 }
 
 Option AddVersionOption(Command& command, int& ntripVersion) {
@@ -163,6 +167,7 @@ void AddCorrectionOptions(Command& command, CorrectionChoice& choice) {
            "ntrip://[USER@]HOST[:PORT]/MOUNTPOINT, sent to the receiver; ntrips:// for an\n"
            "encrypted caster. The password is asked for, or taken from\n"
            "TARVEX_NTRIP_PASSWORD")
+      .ValueName("ADDRESS")
       .InGroup(kGroup);
   AddAuthorityOption(command, choice.authorityFile).InGroup(kGroup);
   AddVersionOption(command, choice.ntripVersion).InGroup(kGroup);

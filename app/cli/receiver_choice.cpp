@@ -51,8 +51,10 @@ void AddReceiverSettings(Command& command, ReceiverChoice& choice) {
 }
 
 Option AddReceiverOptions(Command& command, ReceiverChoice& choice) {
-  const Option receiver = command.Add("--receiver", choice.address,
-                                      "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
+  const Option receiver = command
+                              .Add("--receiver", choice.address,
+                                   "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated")
+                              .ValueName("ADDRESS");
   AddReceiverSettings(command, choice);
   return receiver;
 }

@@ -23,8 +23,10 @@ void AddRoadViewOptions(Command& command, RoadFileOptions& options) {
 }
 
 void AddProfileOption(Command& command, RoadFileOptions& options) {
-  const Option file = command.Add("--profile", options.design.profile.file,
-                                  "LandXML file whose profile gives design elevations");
+  const Option file = command
+                          .Add("--profile", options.design.profile.file,
+                               "LandXML file whose profile gives design elevations")
+                          .ValueName("FILE");
   command
       .Add("--profile-alignment", options.design.profile.alignment,
            "Whose profile, when the file holds several alignments")
@@ -34,8 +36,10 @@ void AddProfileOption(Command& command, RoadFileOptions& options) {
 Option AddDesignOptions(Command& command, RoadFileOptions& options) {
   AddProfileOption(command, options);
   const Option section =
-      command.Add("--template", options.design.section,
-                  "Template whose surface gives the elevation beside the centerline");
+      command
+          .Add("--template", options.design.section,
+               "Template whose surface gives the elevation beside the centerline")
+          .ValueName("FILE.tpl");
   command
       .Add("--superelevation", options.design.superelevation,
            "Grades of the lanes LEFT,RIGHT in percent, positive rising outward")

@@ -62,7 +62,7 @@ void AddGateOptions(Command& command, SessionOptions& options) {
       {"stale", "Greatest age of the position, seconds"}};
   for (const auto& [name, help] : limits) {
     command.Add(std::string("--gate-") + name, options.gates[std::string("gate_") + name], help)
-        .ValueName(name == std::string_view("solution") ? "TEXT" : "NUMBER")
+        .ValueName(name == std::string_view("solution") ? "fixed|float|dgps|autonomous" : "NUMBER")
         .InGroup(kGroup);
   }
   command
@@ -104,7 +104,7 @@ Option AddSessionOptions(Command& command, SessionOptions& options, const char* 
       .Add("--average", options.average,
            "Distinct epochs whose mean is stored as one point (default: the settings', else 1)")
       .Between(1, 100000);
-  command.Add("--log-stream", options.streamLog, kStreamLogHelp);
+  command.Add("--log-stream", options.streamLog, kStreamLogHelp).ValueName("FILE");
   AddGateOptions(command, options);
   AddCorrectionOptions(command, options.corrections);
   command

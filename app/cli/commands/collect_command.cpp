@@ -173,7 +173,8 @@ void DeclareCollectCommand(Command& command) {
       .Excludes(every)
       .Excludes(onEnter);
   every.Excludes(onEnter);
-  command.Add("--first", options.first, "Id of the first point (default: the next of the job)");
+  command.Add("--first", options.first, "Id of the first point (default: the next of the job)")
+      .ValueName("ID");
   command.Add("--description", options.description, "Description of the points");
   command
       .Add("--existing", options.existing,

@@ -27,6 +27,8 @@ void DeclareRoadCommand(Command& command);
 void DeclareReplayCommand(Command& command);
 void DeclareCasterCommand(Command& command);
 void DeclareDemoCommand(Command& command);
+void DeclareCompletionCommand(Command& command);
+void DeclareManualCommand(Command& command);
 
 namespace {
 
@@ -59,6 +61,9 @@ constexpr CommandRow kCommands[] = {
     {"replay", "Send a recorded log as a receiver would", DeclareReplayCommand},
     {"caster", "Serve recorded corrections on this machine, for trials", DeclareCasterCommand},
     {"demo", "Run a demonstration session on the simulated receiver", DeclareDemoCommand},
+    {"completion", "Print a script that completes commands in a shell", DeclareCompletionCommand,
+     true},
+    {"manual", "Write the manual pages into a folder", DeclareManualCommand, true},
 };
 
 }  // namespace

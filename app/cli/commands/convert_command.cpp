@@ -221,10 +221,12 @@ void DeclareConvertCommand(Command& command) {
       "--explain");
   command.Add("FILE", options.file, "File with the lines (default: the standard input)");
   const Option job =
-      command.Add("--job", options.job, "Job whose system, unit and localization are to be used");
+      command.Add("--job", options.job, "Job whose system, unit and localization are to be used")
+          .ValueName("JOB.crd");
   command.Add("--system", options.system,
               "Coordinate system by its name or EPSG code (see: tarvex systems)");
-  command.Add("--definition", options.definition, "File with the definition text of the system");
+  command.Add("--definition", options.definition, "File with the definition text of the system")
+      .ValueName("FILE");
   command.Add("--datum-shift", options.datumShift, kDatumShiftHelp).Excludes(job);
   command.Add("--units", options.units, "Unit of the grid coordinates (default: metres)")
       .Excludes(job)

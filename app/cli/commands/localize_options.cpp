@@ -15,6 +15,7 @@ void AddPointOptions(Command& command, LocalizeOptions& options) {
       .ValueName("LAT LON HEIGHT")
       .InGroup(group);
   command.Add("--known", options.knownId, "Local coordinates: those of this point of the job")
+      .ValueName("ID")
       .InGroup(group);
   command.Add("--local", options.local, "Local coordinates in the job's unit")
       .Values(3)
@@ -38,7 +39,9 @@ void AddListOptions(Command& command, LocalizeOptions& options) {
   command.Add("--toggle-vertical", options.toggleVertical, "Use them vertically, or no longer")
       .InGroup(group);
   command.Add("--remove", options.remove, "Take points off the list").InGroup(group);
-  command.Add("--from", options.from, "Take the whole list from another .loc file").InGroup(group);
+  command.Add("--from", options.from, "Take the whole list from another .loc file")
+      .ValueName("FILE.loc")
+      .InGroup(group);
 }
 
 void AddFitOptions(Command& command, LocalizeOptions& options) {

@@ -213,11 +213,14 @@ void DeclareNewCommand(Command& command) {
   command
       .Add("--definition", options.definition,
            "File with the definition text of the coordinate system")
+      .ValueName("FILE")
       .Excludes(system);
   command.Add("--datum-shift", options.datumShift, kDatumShiftHelp);
-  command.Add("--geoid", options.geoid,
-              "Geoid model (.gtx, .bin, .pgm or .isg): elevations are heights above it; without\n"
-              "one they are heights above the ellipsoid. A file of the data folder, or its path");
+  command
+      .Add("--geoid", options.geoid,
+           "Geoid model (.gtx, .bin, .pgm or .isg): elevations are heights above it; without\n"
+           "one they are heights above the ellipsoid. A file of the data folder, or its path")
+      .ValueName("FILE");
   command.AddFlag("--south-azimuths", options.southAzimuths, "Azimuths are measured from south");
   command.AddFlag("--curvature-correction", options.curvatureCorrection,
                   "Earth curvature and refraction are corrected");

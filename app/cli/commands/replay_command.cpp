@@ -156,8 +156,10 @@ void DeclareReplayCommand(Command& command) {
       .Add("--speed", options.speed, "How many times faster than recorded (default: 1); 0: at once")
       .NotNegative();
   command.Add("--port", options.port, "TCP port (default: a free one)").Between(0, 65535);
-  command.Add("--keep-input", options.keepInput,
-              "Keep what the reader sends (commands, corrections) in a new file");
+  command
+      .Add("--keep-input", options.keepInput,
+           "Keep what the reader sends (commands, corrections) in a new file")
+      .ValueName("FILE");
 }
 
 }  // namespace tarvex

@@ -178,7 +178,7 @@ void DeclareRoadCheckCommand(Command& command) {
   RoadCheckOptions& options = command.Runs(RunRoadCheck);
   AddRoadFileOptions(command, options.road);
   AddRoadViewOptions(command, options.road);
-  command.Add("--svg", options.svg, "Draw the alignment into this file");
+  command.Add("--svg", options.svg, "Draw the alignment into this file").ValueName("FILE.svg");
   command.Footer(
       "A FAULT marks an element that should not be staked as it is (exit code 1).\n"
       "Where coordinates and stations disagree, the coordinates win;\n"

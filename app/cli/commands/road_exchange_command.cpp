@@ -174,10 +174,10 @@ ExitCode RunRoadExport(const RoadExportOptions& options, Program& program) {
 void DeclareRoadImportCommand(Command& command) {
   RoadImportOptions& options = command.Runs(RunRoadImport);
   command.Add("FILE.xml", options.file, "The LandXML file").Required();
-  command.Add("--out", options.out, "The centerline file to write").Required();
+  command.Add("--out", options.out, "The centerline file to write").ValueName("FILE").Required();
   command.Add("--alignment", options.alignment, "Name of the alignment, when there are several");
   AddFormOption(command, options.form);
-  command.Add("--svg", options.svg, "Draw the alignment into this file");
+  command.Add("--svg", options.svg, "Draw the alignment into this file").ValueName("FILE.svg");
   command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
   command.AddFlag("--json", options.json, "Print JSON");
   command.Footer(
@@ -189,7 +189,7 @@ void DeclareRoadExportCommand(Command& command) {
   RoadExportOptions& options = command.Runs(RunRoadExport);
   AddRoadFileOptions(command, options.road);
   AddProfileOption(command, options.road);
-  command.Add("--out", options.out, "The LandXML file to write").Required();
+  command.Add("--out", options.out, "The LandXML file to write").ValueName("FILE").Required();
   command.Add("--name", options.name, "Name of the alignment (default: of the file)");
   command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
   command.Footer("Example: tarvex road export road.cl --profile design.xml --out road.xml");

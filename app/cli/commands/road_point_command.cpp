@@ -137,7 +137,8 @@ void DeclareRoadPointCommand(Command& command) {
   command.Add("--id", options.id, "Point id to store under");
   command.Add("--description", options.description, "Default: station and offset");
   AddExistingOption(command, options.existing);
-  command.Add("--svg", options.svg, "Draw the point on the alignment into this file");
+  command.Add("--svg", options.svg, "Draw the point on the alignment into this file")
+      .ValueName("FILE.svg");
   command.Footer(
       "Example: tarvex road point road.cl 1+210 -3.6 --elevation 1101.6 --store site.crd "
       "--id R1");

@@ -195,8 +195,9 @@ void DeclareRoadSectionCommand(Command& command) {
               "Grades of the lanes LEFT,RIGHT in percent, positive rising outward");
   command.Add("--ground-left", options.groundLeft, "Ground outward on the left side");
   command.Add("--ground-right", options.groundRight, "Ground outward on the right side");
-  command.Add("--svg", options.svg, "Draw the section into this file");
-  command.Add("--out", options.out, "Write the template to this file, nothing lost");
+  command.Add("--svg", options.svg, "Draw the section into this file").ValueName("FILE.svg");
+  command.Add("--out", options.out, "Write the template to this file, nothing lost")
+      .ValueName("FILE");
   command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
   command.AddFlag("--json", options.json, "Print JSON");
   command.Footer(

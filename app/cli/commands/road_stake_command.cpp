@@ -186,7 +186,8 @@ void DeclareRoadStakeCommand(Command& command) {
   command.Add("--slope", options.slope, "Stake the catch point of this side (with --template)")
       .OneOf({"left", "right"})
       .Needs(section);
-  command.Add("--job", options.job, "The job: its points, coordinate system and unit");
+  command.Add("--job", options.job, "The job: its points, coordinate system and unit")
+      .ValueName("JOB.crd");
   command.Add("--point", options.points, "Stand on these points of the job");
   command.Add("--at", options.at, "Stand at NORTHING EASTING [ELEVATION]").Values(2, 3);
   // --profile is that of the road.

@@ -151,10 +151,12 @@ void DeclareRoadStationCommand(Command& command) {
   command.Add("EASTING", options.easting, "In the file's unit");
   AddRoadViewOptions(command, options.road);
   AddDesignOptions(command, options.road);
-  const Option job = command.Add("--job", options.job, "Take points of this job");
+  const Option job =
+      command.Add("--job", options.job, "Take points of this job").ValueName("JOB.crd");
   command.Add("--point", options.ids, "Their ids (default: all points)").Needs(job);
   command.AddFlag("--candidates", options.candidates, "Every place of the road that may be meant");
-  command.Add("--svg", options.svg, "Draw the points beside the alignment into this file");
+  command.Add("--svg", options.svg, "Draw the points beside the alignment into this file")
+      .ValueName("FILE.svg");
   command.Footer(
       "With --profile, and beside the centerline --template, points of a job show cut (C) or fill "
       "(F).\n"

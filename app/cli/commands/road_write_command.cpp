@@ -78,7 +78,7 @@ ExitCode RunRoadWrite(const RoadWriteOptions& options, Program& program) {
 void DeclareRoadWriteCommand(Command& command) {
   RoadWriteOptions& options = command.Runs(RunRoadWrite);
   AddRoadFileOptions(command, options.road);
-  command.Add("--out", options.out, "The file to write").Required();
+  command.Add("--out", options.out, "The file to write").ValueName("FILE").Required();
   command.AddFlag("--restation", options.restation,
                   "Stations by the coordinates, counted through from the start station");
   command.AddFlag("--normalise", options.normalise,

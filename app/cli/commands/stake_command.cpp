@@ -308,7 +308,8 @@ void DeclareStakeCommand(Command& command) {
   AddStakeOptions(command, options.stake);
   command.AddFlag("--store-on-stake", options.storeOnStake,
                   "Store the first position that is ON THE STAKE, without a key");
-  command.Add("--first", options.first, "Id of the first stake (default: the next of the job)");
+  command.Add("--first", options.first, "Id of the first stake (default: the next of the job)")
+      .ValueName("ID");
   command
       .Add("--existing", options.stake.existing,
            "When a point exists: overwrite it, use the next free id, or end (default: cancel)")

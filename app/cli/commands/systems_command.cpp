@@ -171,12 +171,15 @@ void DeclareSystemsCommand(Command& command) {
   command.AddFlag("--json", options.json, "Print JSON, with the definition texts");
   const Option add =
       command.Add("--add", options.added, "Add a system under this name to your catalogue");
-  command.Add("--definition", options.definition, "File with its definition text").Needs(add);
+  command.Add("--definition", options.definition, "File with its definition text")
+      .ValueName("FILE")
+      .Needs(add);
   const Option import =
       command
           .Add("--import", options.imported,
                "Take the systems of another catalogue (.csl, .sys), or those with TEXT in their "
                "names, into yours")
+          .ValueName("FILE")
           .Excludes(add);
   const Option rename =
       command.Add("--rename", options.renamed, "Rename a system of your catalogue: OLD NEW")

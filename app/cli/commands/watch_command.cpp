@@ -233,7 +233,7 @@ void DeclareWatchCommand(Command& command) {
               "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
   AddProfileOption(command, options.profile);
   AddCorrectionOptions(command, options.corrections);
-  command.Add("--log-stream", options.streamLog, kStreamLogHelp);
+  command.Add("--log-stream", options.streamLog, kStreamLogHelp).ValueName("FILE");
   command
       .Add("--job", options.job,
            "JOB.crd: shows the grid coordinates in this job; its settings of the receiver hold")
