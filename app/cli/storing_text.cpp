@@ -1,5 +1,9 @@
 #include "app/cli/storing_text.h"
 
+#include <utility>
+
+#include "app/cli/json_events.h"
+
 namespace tarvex {
 
 std::string ExistsSentence(const std::string& id) {
@@ -21,6 +25,12 @@ ExitCode TellStored(Program& program, JobSession& session, const TypedPointResul
     case StoringResult::Failed:
       return program.Fail(wanted.empty() ? "Nothing was stored."
                                          : "Point " + wanted + " was not stored.");
+  }
+  if (announce == Announce::AsEvent) {
+    Json json = {{"point", PointJson(result.stored.point)}};
+    if (result.stored.replaced) json["replaced"] = PointJson(*result.stored.replaced);
+    PrintEvent(program, "stored", std::move(json));
+    return result.stored.result == StoringResult::Stored ? ExitCode::Done : ExitCode::Failed;
   }
   const std::string told = "Stored point " + result.stored.point.id.str() +
                            (result.stored.replaced ? " over the one that existed.\n" : ".\n");

@@ -6,7 +6,11 @@
 
 namespace tarvex {
 
-enum class Announce { OnOutput, OnErrors };  ///< the latter beside JSON
+enum class Announce {
+  OnOutput,
+  OnErrors,  ///< beside JSON
+  AsEvent    ///< {"event":"stored", ...} on the output
+};
 
 ExitCode TellStored(Program& program, JobSession& session, const TypedPointResult& result,
                     Announce announce = Announce::OnOutput);

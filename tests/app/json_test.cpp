@@ -44,6 +44,54 @@ TEST(JsonEvents, OfASessionSayWhatWasStored) {
                                    "\"job\":\"site.crd\"}"));
 }
 
+TEST(JsonEvents, OfWorkOnAJobSayWhatBecameOfIt) {
+  ProgramFolder folder;
+  const auto event = [&folder](const std::string& line) {
+    return JsonReading(folder.Run(line + " --json").output);
+  };
+  const JsonReading created = event("new site.crd --units us-feet");
+  EXPECT_EQ(created["event"], "created");
+  EXPECT_EQ(created["unit"], "us-feet");
+  EXPECT_TRUE(created["system"].isNull());
+  const JsonReading first = event("store site.crd a-1 5000.25 1 2 oak");
+  EXPECT_EQ(first["event"], "stored");
+  EXPECT_EQ(first["point"]["id"], "A_1");
+  EXPECT_FALSE(first.Has("replaced"));
+  const JsonReading second = event("store site.crd a-1 6000 1 2 --existing overwrite");
+  EXPECT_EQ(second["replaced"], first["point"]);
+  folder.Write("more.csv", "a-1,1,2,3,x\n7,1,2,3,y\nbad\n");
+  const JsonReading imported = event("import site.crd more.csv --existing skip --skip-bad-lines");
+  EXPECT_EQ(imported["stored"], 1);
+  EXPECT_EQ(imported["skipped"], 1);
+  EXPECT_EQ(imported["bad_lines"], 1);
+  EXPECT_EQ(event("delete site.crd a-1")["point"], second["point"]);
+}
+
+TEST(JsonOfTheRawFile, HasTheFieldsByTheirNames) {
+  ProgramFolder folder;
+  ASSERT_EQ(folder.Run("new site.crd --system \"UTM/UTM WGS84 Zone 32\"").exitCode, 0);
+  const auto ran = folder.Run(
+      "collect site.crd --receiver simulated --description \"edge, oak\" --antenna-height 2 "
+      "--json");
+  const auto stored = Events(ran.output)[1];
+  ASSERT_EQ(stored["event"], "stored") << ran.output;
+  int seen = 0;
+  for (const JsonReading& record :
+       JsonReading(folder.Run("raw site.crd --json").output)["records"].values()) {
+    if (record["record"] == "LS") {
+      EXPECT_EQ(record["fields"]["rod_height"], 2.0);
+    }
+    if (!(record["record"] == "GPS")) continue;
+    ++seen;
+    const JsonReading fields = record["fields"];
+    EXPECT_EQ(fields["point"], stored["point"]["id"].text());
+    EXPECT_NEAR(fields["latitude"].number(), stored["position"]["latitude"].number(), 1e-9);
+    EXPECT_NEAR(fields["longitude"].number(), stored["position"]["longitude"].number(), 1e-9);
+    EXPECT_EQ(fields["description"], "edge, oak");
+  }
+  EXPECT_EQ(seen, 1);
+}
+
 TEST(JsonEvents, OfWhatIsWrongAreLinesOfTheErrorOutput) {
   ProgramFolder folder;
   for (const auto& [line, exitCode, text] :

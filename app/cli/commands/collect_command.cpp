@@ -183,7 +183,7 @@ void DeclareCollectCommand(Command& command) {
   command.Add("--recorded-at", options.recordedAt,
               "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
               "job's files then bear the times of the field");
-  command.AddFlag("--json", options.json, "Print a line of JSON for each event (docs/json.md)");
+  command.AddFlag("--json", options.json, "Print a line of JSON for each event");
 }
 
 }  // namespace tarvex

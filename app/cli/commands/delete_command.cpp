@@ -1,5 +1,6 @@
 // tarvex delete: removes points.
 #include "app/cli/command_line.h"
+#include "app/cli/json_events.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_deletion.h"
 
@@ -9,12 +10,17 @@ namespace {
 struct DeleteOptions {
   std::string job;
   std::vector<std::string> ids;
+  bool json = false;
 };
 
-bool DeleteOne(Program& program, JobSession& session, const std::string& id) {
+bool DeleteOne(Program& program, JobSession& session, const std::string& id, bool json) {
   Point deleted;
   switch (DeleteJobPoint(session, id, deleted)) {
     case DeletionResult::Deleted:
+      if (json) {
+        PrintEvent(program, "deleted", {{"point", PointJson(deleted)}});
+        return true;
+      }
       program.console.Print("Deleted point " + deleted.id.str() + ".\n");
       return true;
     case DeletionResult::NotFound:
@@ -30,7 +36,8 @@ ExitCode RunDelete(const DeleteOptions& options, Program& program) {
   JobSession session(program, options.job);
   if (!session.LoadExisting()) return ExitCode::Failed;
   bool all = true;
-  for (const std::string& id : options.ids) all = DeleteOne(program, session, id) && all;
+  for (const std::string& id : options.ids)
+    all = DeleteOne(program, session, id, options.json) && all;
   return all ? ExitCode::Done : ExitCode::Failed;
 }
 
@@ -40,6 +47,7 @@ void DeclareDeleteCommand(Command& command) {
   DeleteOptions& options = command.Runs(RunDelete);
   command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
   command.Add("ID", options.ids, "The points to delete").Required();
+  command.AddFlag("--json", options.json, "Print a line of JSON for each deleted point");
   command.Footer("The raw file keeps what each point was. Example: tarvex delete site.crd 104 105");
 }
 

@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "app/cli/command_line.h"
+#include "app/cli/json_events.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_import.h"
 #include "core/coordinates/coordinate_file.h"
@@ -20,6 +21,7 @@ struct ImportOptions {
   std::string separator = "comma";
   bool skipBadLines = false;
   std::string existing = "ask";
+  bool json = false;
 };
 
 // What happens to points that exist: as the option says, or as the person says about all of them.
@@ -69,12 +71,23 @@ ExitCode StoreImport(const PointImport& import, const ImportOptions& options, Jo
   if (!existing) return program.exitCode;
   const ImportResult result = StorePointImport(session, import, *existing, options.file);
   if (!result.done) return ExitCode::Failed;
+  const ExitCode code = import.badLines.empty() ? ExitCode::Done : ExitCode::Failed;
+  if (options.json) {
+    PrintEvent(program, "imported",
+               {{"job", session.job().path},
+                {"file", options.file},
+                {"stored", result.stored},
+                {"replaced", result.replaced},
+                {"skipped", result.skipped},
+                {"bad_lines", import.badLines.size()}});
+    return code;
+  }
   std::string told = "Stored " + Count(result.stored, "point") + " from " + options.file;
   if (result.replaced > 0) told += ", " + std::to_string(result.replaced) + " over existing ones";
   if (result.skipped > 0)
     told += "; " + Count(result.skipped, "existing point") + " left as before";
   program.console.Print(told + ".\n");
-  return import.badLines.empty() ? ExitCode::Done : ExitCode::Failed;
+  return code;
 }
 
 ExitCode RunImport(const ImportOptions& options, Program& program) {
@@ -127,6 +140,7 @@ void DeclareImportCommand(Command& command) {
            "When points exist: overwrite them, skip them, or cancel (default: ask once for\n"
            "all, cancel when nobody is there to ask)")
       .OneOf({"ask", "overwrite", "skip", "cancel"});
+  command.AddFlag("--json", options.json, "Print a line of JSON: how many points were stored");
   command.Footer(
       "Each bad line is named, and then nothing is stored. A line: "
       "BM1,5184900,520300,1100.25,bench\n"

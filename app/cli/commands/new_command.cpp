@@ -4,6 +4,7 @@
 #include <span>
 
 #include "app/cli/command_line.h"
+#include "app/cli/json_events.h"
 #include "app/workflow/coordinate_systems.h"
 #include "app/workflow/job_session.h"
 #include "app/workflow/profiles.h"
@@ -30,6 +31,7 @@ struct NewOptions {
   std::string scaleFactor = "1";
   std::string name;
   std::string profile;
+  bool json = false;
 };
 
 void FillSettings(const NewOptions& options, const SystemSource& source, Settings& settings) {
@@ -105,6 +107,23 @@ void TellSteps(const CalculationSteps& steps, Console& console) {
   if (steps.datumShift) TellStep("Datum shift", steps.datumShift->Describe(), console);
   if (steps.gridCorrection) TellStep("Grid correction", steps.gridCorrection->Describe(), console);
   if (steps.geoid) TellStep("Geoid", steps.geoid->Describe(), console);
+}
+
+// A step's description; null without the step.
+Json StepJson(const auto& step) {
+  return step ? Json(step->Describe()) : Json();
+}
+
+void TellCreatedAsJson(const Job& job, const std::string& systemTitle,
+                       const CalculationSteps& steps, Program& program) {
+  PrintEvent(program, "created",
+             {{"job", job.path},
+              {"alphanumeric", job.store.alphanumeric},
+              {"unit", UnitKey(job.options.unit)},
+              {"system", systemTitle.empty() ? Json() : Json(systemTitle)},
+              {"datum_shift", StepJson(steps.datumShift)},
+              {"grid_correction", StepJson(steps.gridCorrection)},
+              {"geoid", StepJson(steps.geoid)}});
 }
 
 // A system that is published in feet is named so; a job in another unit may be meant, but seldom.
@@ -193,6 +212,10 @@ ExitCode RunNew(const NewOptions& options, Program& program) {
   const ExitCode exitCode =
       CreateFiles(program, session, {.systemTitle = title, .calculator = &calculator});
   if (exitCode != ExitCode::Done) return exitCode;
+  if (options.json) {
+    TellCreatedAsJson(session.job(), title, calculator.steps(), program);
+    return exitCode;
+  }
   TellCreated(session.job(), title, program.console);
   TellSteps(calculator.steps(), program.console);
   return exitCode;
@@ -230,6 +253,7 @@ void DeclareNewCommand(Command& command) {
               "Profile with receiver, antenna, caster and limits that the job works with (see:\n"
               "tarvex profile --help)");
   command.Add("--name", options.name, "Name written into the raw file (default: the file's name)");
+  command.AddFlag("--json", options.json, "Print a line of JSON: what was created");
   command.Footer(
       "Beside JOB.crd come JOB.job with the settings and JOB.rw5, the raw file.\n"
       "Example: tarvex new site.crd --units us-feet --system \"UTM/UTM WGS84 Zone 32\"\n"

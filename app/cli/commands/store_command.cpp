@@ -16,6 +16,7 @@ struct StoreOptions {
   std::string elevation;
   std::string description;
   std::string existing = "ask";
+  bool json = false;
 };
 
 ExitCode RunStore(const StoreOptions& options, Program& program) {
@@ -31,7 +32,8 @@ ExitCode RunStore(const StoreOptions& options, Program& program) {
       StoreTypedPoint(session,
                       {.id = options.id,
                        .at = {.northing = *northing, .easting = *easting, .elevation = *elevation},
-                       .description = options.description}));
+                       .description = options.description}),
+      options.json ? Announce::AsEvent : Announce::OnOutput);
 }
 
 }  // namespace
@@ -51,6 +53,7 @@ void DeclareStoreCommand(Command& command) {
            "When the point exists: overwrite it, store under the next free id, or cancel "
            "(default: ask)")
       .OneOf({"ask", "overwrite", "next", "cancel"});
+  command.AddFlag("--json", options.json, "Print a line of JSON: the point as it was stored");
   command.Footer(
       "Ids are kept in upper case, with \"-\" and \",\" made \"_\". The point is journaled as SP.\n"
       "Example: tarvex store site.crd BM1 5184900 520300 1100.25 \"bench mark\"");

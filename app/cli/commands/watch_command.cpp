@@ -6,6 +6,7 @@
 
 #include "app/cli/command_line.h"
 #include "app/cli/correction_choice.h"
+#include "app/cli/json_events.h"
 #include "app/cli/profile_choice.h"
 #include "app/cli/receiver_choice.h"
 #include "app/cli/session_options.h"
@@ -33,6 +34,7 @@ struct WatchOptions {
   std::string to;
   std::string antennaHeight;
   long long count = 0;
+  bool json = false;
 };
 
 class Watch {
@@ -102,10 +104,18 @@ class Watch {
   }
 
   void Show(const std::string& trouble) {
+    if (options_.json) return Print(trouble);
     if (places_ != nullptr && receiver_.state().positions > 0) {
       view_.setPlace(PlaceLine(places_->Of(receiver_.state(), antennaHeight_)));
     }
     view_.Show(trouble, receiver_.state(), receiver_.tap(), link_.get(), program_.clock);
+  }
+
+  void Print(const std::string& trouble) {
+    Json json = trouble.empty() ? Json{{"position", PositionJson(receiver_.state())}}
+                                : Json{{"text", trouble}};
+    if (link_) json["corrections"] = CorrectionsJson(link_->Status());
+    PrintEvent(program_, trouble.empty() ? "position" : "no_position", std::move(json));
   }
 
   // Tries until the receiver is there again; false when the person ends it.
@@ -234,6 +244,7 @@ void DeclareWatchCommand(Command& command) {
   AddProfileOption(command, options.profile);
   AddCorrectionOptions(command, options.corrections);
   command.Add("--log-stream", options.streamLog, kStreamLogHelp).ValueName("FILE");
+  command.AddFlag("--json", options.json, "Print a line of JSON for each position");
   command
       .Add("--job", options.job,
            "JOB.crd: shows the grid coordinates in this job; its settings of the receiver hold")
