@@ -5,10 +5,10 @@ include(CMakePackageConfigHelpers)
 
 get_property(libraries GLOBAL PROPERTY TARVEX_LIBRARIES)
 install(TARGETS ${libraries} EXPORT TarvexTargets
-        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvex)
-install(EXPORT TarvexTargets NAMESPACE Tarvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
-set(TARVEX_MODULE_INSTALL_FOLDER ${CMAKE_INSTALL_LIBDIR}/tarvex)
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarvex COMPONENT development)
+install(EXPORT TarvexTargets NAMESPACE Tarvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex
+        COMPONENT development)
 configure_package_config_file(cmake/TarvexConfig.cmake.in TarvexConfig.cmake
                               INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex
                               PATH_VARS TARVEX_MODULE_INSTALL_FOLDER)
@@ -16,7 +16,7 @@ write_basic_package_version_file(TarvexConfigVersion.cmake COMPATIBILITY SameMin
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TarvexConfigVersion.cmake
               ${PROJECT_SOURCE_DIR}/cmake/installed_modules.cpp
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex)
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarvex COMPONENT development)
 
 install(CODE [[
   file(GLOB_RECURSE headers "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/include/tarvex/*.h")
@@ -26,4 +26,9 @@ install(CODE [[
                          "${text}")
     file(WRITE "${header}" "${text}")
   endforeach()
-]])
+]] COMPONENT development)
+
+# The pages for people, with the links between them as they are here.
+set(doc_folder ${CMAKE_INSTALL_DATADIR}/doc/tarvex)
+install(FILES README.md CHANGELOG.md DESTINATION ${doc_folder} COMPONENT program)
+install(DIRECTORY docs DESTINATION ${doc_folder} COMPONENT program)

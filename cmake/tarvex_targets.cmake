@@ -29,3 +29,6 @@ function(tarvex_library room)
                         POSITION_INDEPENDENT_CODE ON)
   set_property(GLOBAL APPEND PROPERTY TARVEX_LIBRARIES ${target})
 endfunction()
+
+# Where the modules are after an install: the program looks there, whatever the machine's folder for libraries is.
+set(TARVEX_MODULE_INSTALL_FOLDER lib/tarvex)

@@ -7,6 +7,14 @@
 namespace tarvex {
 namespace {
 
+// Folders are seen from the program's own, which the page does not know.
+constexpr const char* kFiles =
+    ".SH FILES\n"
+    ".TP\n\\fI~/.local/share/tarvex\\fR\nCoordinate systems, grids and geoids; what came with the "
+    "program is copied there.\n\\fBTARVEX_DATA\\fR names another folder.\n"
+    ".TP\n\\fI../share/doc/tarvex\\fR (seen from the program)\nThe guide (docs/guide.md), the "
+    "pages of receivers and roads,\nJSON output (docs/json.md) and the file formats.\n";
+
 // Text as the formatter takes it: no character commands anything, and a hyphen can be copied.
 std::string Escaped(std::string_view text) {
   std::string escaped;
@@ -127,7 +135,7 @@ std::string Foot(const CommandDescription& command) {
       ".SH EXIT STATUS\n0 when it is done, 1 when something failed or was not stored,\n2 when the "
       "words make no sense.\n";
   const std::size_t last = command.words.rfind(' ');
-  if (last == std::string::npos) return text;
+  if (last == std::string::npos) return text + kFiles;
   return text + ".SH SEE ALSO\n" + Bold(PageName(command.words.substr(0, last))) + "(1)\n";
 }
 
