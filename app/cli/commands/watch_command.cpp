@@ -37,6 +37,27 @@ struct WatchOptions {
   bool json = false;
 };
 
+// Where a position is in the job; without "grid" it has no place there.
+Json PlaceJson(const JobPlace& place) {
+  const GridPosition& position = place.position;
+  if (!position.usable()) {
+    return {{"grid", nullptr}, {"no_grid", CalculationText(position.result, position.steps)}};
+  }
+  Json json = {
+      {"grid", Json{{"northing", position.at.northing},
+                    {"easting", position.at.easting},
+                    {"elevation", place.hasElevation ? Json(position.at.elevation) : Json()}}}};
+  if (const auto& way = place.way) {
+    json["way"] = Json{{"id", way->id},
+                       {"distance", way->distance},
+                       {"azimuth_deg", way->azimuthRad * kDegreesPerRadian},
+                       {"north", way->north},
+                       {"east", way->east},
+                       {"up", way->up ? Json(*way->up) : Json()}};
+  }
+  return json;
+}
+
 class Watch {
  public:
   Watch(const WatchOptions& options, const ChosenReceiver& choice,
@@ -114,6 +135,9 @@ class Watch {
   void Print(const std::string& trouble) {
     Json json = trouble.empty() ? Json{{"position", PositionJson(receiver_.state())}}
                                 : Json{{"text", trouble}};
+    if (places_ != nullptr && trouble.empty()) {
+      json.Append(PlaceJson(places_->Of(receiver_.state(), antennaHeight_)));
+    }
     if (link_) json["corrections"] = CorrectionsJson(link_->Status());
     PrintEvent(program_, trouble.empty() ? "position" : "no_position", std::move(json));
   }
