@@ -262,6 +262,7 @@ std::string_view NearestSetting(std::string_view key) {
 
 std::string SettingProblem(std::string_view key, std::string_view value) {
   const KnownSetting* const setting = FindSetting(key);
+  if (key == "geoid") return "The geoid belongs to the system: set system=NAME,GEOID=FILE.";
   if (setting == nullptr) {
     const std::string_view nearest = NearestSetting(key);
     return "\"" + std::string(key) + "\" is not a setting" +

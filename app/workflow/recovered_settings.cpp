@@ -70,11 +70,15 @@ RecoveredSettings RecoverSettings(Job& job) {
                 "` writes them down again.";
   const std::string_view localization = LastOf(raw, kLocalization);
   if (!localization.empty() && localization != "off") {
+    const std::string file = PathWithExtension(job.path, "loc");
+    settings.Set("localization", file.substr(file.rfind('/') + 1));
+    settings.Set("localization_on", "1");
     found.storingProblem =
-        "By its raw file the job used a localization, and nothing is stored without it: `tarvex "
-        "localize " +
-        job.path + " --on` takes " + PathWithExtension(job.path, "loc") +
-        " again (--off: without it from now on).";
+        "By its raw file the job used a localization, whose method was lost with the settings. "
+        "Nothing is stored until you say what holds: `tarvex localize " +
+        job.path + "` shows the fit of " + file + ", `--method` and `--heights` choose another, " +
+        settingsCommand + " units=" + std::string(UnitKey(*mode->unit)) +
+        "` takes it as it is, `tarvex localize " + job.path + " --off` works without it.";
   }
   return found;
 }

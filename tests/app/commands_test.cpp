@@ -158,6 +158,7 @@ const WrongUse kWrongUses[] = {
     {"settings numbers.crd gate_hrms gate_vrms=1", 2, "gate_hrms=VALUE"},
     {"settings numbers.crd gate_solution=rtk", 2, "fixed, float, dgps or autonomous"},
     {"settings numbers.crd system=Nowhere", 2, "tarvex systems TEXT"},
+    {"settings numbers.crd geoid=egm2008.gtx", 2, "system=NAME,GEOID=FILE"},
     {"settings numbers.crd definition=x", 2, "--definition FILE"},
     {"settings numbers.crd profile=rover", 2, "There is no profile \"rover\""},
     {"settings numbers.crd password_file=nothere", 2, "cannot be read"},

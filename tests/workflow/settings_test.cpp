@@ -122,6 +122,10 @@ TEST_F(JobSettings, ThatAreLostComeFromTheRawFile) {
   OpenAnew();
   EXPECT_EQ(Store("C"), StoringResult::Failed);
   EXPECT_THAT(observer.errors, ElementsAre(HasSubstr("used a localization")));
+  // What is written down again does not lose it on the way.
+  EXPECT_EQ(Change({{"units", "us-feet"}}).result, SettingsResult::Done);
+  EXPECT_THAT(File(), HasSubstr("localization=site.loc\nlocalization_on=1\n"));
+  ASSERT_TRUE(memory.Remove("/jobs/site.job").ok());
   // Without a raw file nothing tells the unit.
   ASSERT_TRUE(memory.Remove("/jobs/site.rw5").ok());
   OpenAnew();
