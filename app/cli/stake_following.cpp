@@ -66,6 +66,7 @@ ExitCode FollowReceiver(const StakeOptions& options, Program& program, JobSessio
     }
     end = staking.Run();
   }
+  view.Finish();
   const bool missed = plan.mustStore && staking.stored() == 0;
   if (missed) program.console.PrintError("Nothing was stored.\n");
   if (end == SessionEnd::RecordingEnded && staking.shown() == 0) {

@@ -47,11 +47,18 @@ void StakeView::Show(const StakeSeen& seen) {
   program_.console.Print(StakeSeenText(seen) + "\n");
 }
 
+void StakeView::Finish() {
+  if (drawn_) program_.console.Print(StakeSeenText(*drawn_) + "\n");
+  drawn_.reset();
+}
+
 void StakeView::Draw(const StakeSeen& seen) {
+  drawn_ = seen;
   program_.console.ShowProgress(StakeSeenShort(seen) + (position_ ? ReceiverText(*position_) : ""));
 }
 
 void StakeView::Show(const StakeStored& stored) {
+  drawn_.reset();  // it is what was stored
   if (words_.json) return PrintEvent(program_, "staked", StakeStoredJson(stored));
   const std::string told = "Stored point " + stored.point.id.str() + " for " +
                            stored.record.design + ": " + StakeDifferenceText(stored.record) + ".\n";

@@ -32,6 +32,8 @@ class StakeView final : public StakeListener {
 
   void On(const SessionEvent& event) override;
   void OnStake(const StakeEvent& event) override;
+  /// The session is over: the last position that was drawn stays as a line.
+  void Finish();
 
  private:
   void Show(const StakeSeen& seen);
@@ -47,6 +49,7 @@ class StakeView final : public StakeListener {
   StakeWords words_;
   CollectView session_;
   JsonEvents events_;
+  std::optional<StakeSeen> drawn_;        ///< the position in the line at the bottom
   std::optional<PositionSeen> position_;  ///< what the receiver says of the position shown
 };
 

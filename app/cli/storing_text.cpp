@@ -10,6 +10,11 @@ std::string ExistsSentence(const std::string& id) {
   return "Point " + id + " exists; nothing was stored. (--existing overwrite or next decides.)";
 }
 
+ExitCode TellNoFirstId(Program& program, const std::string& first, const std::string& problem) {
+  if (problem.empty()) return ExitCode::Failed;
+  return first.empty() ? program.Fail(problem) : program.Misuse(problem);
+}
+
 ExitCode TellStored(Program& program, JobSession& session, const TypedPointResult& result,
                     Announce announce) {
   if (!result.problem.empty()) return program.Misuse(result.problem);

@@ -9,6 +9,7 @@
 #include "app/cli/number_entry.h"
 #include "app/cli/session_input.h"
 #include "app/cli/session_options.h"
+#include "app/cli/storing_text.h"
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_calculator.h"
 #include "app/workflow/job_codes.h"
@@ -16,8 +17,6 @@
 #include "app/workflow/job_session.h"
 #include "app/workflow/point_storing.h"
 #include "core/codes/line_work.h"
-#include "core/coordinates/coordinate_file.h"
-#include "core/observations/next_id.h"
 
 namespace tarvex {
 namespace {
@@ -37,21 +36,6 @@ struct CollectOptions {
   std::string recordedAt;
   bool json = false;
 };
-
-// The first id to store under: the one asked for, or the one behind the last of the job.
-ExitCode SettleFirstId(const CollectOptions& options, JobSession& session, Program& program) {
-  Job& job = session.job();
-  const auto stream = OpenCoordinateFile(job);
-  if (!stream) return ExitCode::Failed;
-  std::string problem;
-  if (!options.first.empty()) {
-    return TakePointId(session, options.first, problem) ? ExitCode::Done : program.Misuse(problem);
-  }
-  const auto next = NextIdToUse(job, *stream);
-  if (!next) return program.Fail("No free point id was found behind " + job.ids.current + ".");
-  job.ids.current = *next;
-  return ExitCode::Done;
-}
 
 ExitCode Collect(const CollectPlan& plan, bool json, JobSession& session, Program& program) {
   CTrgCalculator calculator;
@@ -121,7 +105,10 @@ ExitCode CollectInto(const CollectOptions& options, Program& program, RecordedCl
   if (options.onEnter && !program.console.IsTyped()) {
     return program.Misuse("--on-enter needs a terminal to type in.");
   }
-  if (code == ExitCode::Done) code = SettleFirstId(options, session, program);
+  std::string problem;
+  if (code == ExitCode::Done && !TakeFirstId(session, options.first, problem)) {
+    return TellNoFirstId(program, options.first, problem);
+  }
   return code == ExitCode::Done ? Collect(plan, options.json, session, program) : code;
 }
 

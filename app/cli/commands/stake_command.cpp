@@ -2,6 +2,7 @@
 #include "app/cli/command_line.h"
 #include "app/cli/number_entry.h"
 #include "app/cli/stake_following.h"
+#include "app/cli/storing_text.h"
 #include "app/workflow/alignment_target.h"
 #include "app/workflow/point_storing.h"
 #include "app/workflow/raw_positions.h"
@@ -253,7 +254,7 @@ ExitCode RunStake(const StakeCommandOptions& options, Program& program) {
   }
   std::string problem;
   if (!TakeFirstId(session, options.first, problem)) {
-    return problem.empty() ? ExitCode::Failed : program.Misuse(problem);
+    return TellNoFirstId(program, options.first, problem);
   }
   plan.store = true;
   plan.storeOnStake = plan.mustStore = options.storeOnStake;
