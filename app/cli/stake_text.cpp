@@ -90,12 +90,11 @@ std::string StakeSeenText(const StakeSeen& seen) {
 
 std::string StakeSeenShort(const StakeSeen& seen) {
   const StakeRelation& relation = seen.relation;
-  std::string line = seen.onStake ? "ON THE STAKE " : seen.from + " ";
-  line += relation.current ? WhereText(relation) : relation.design.name;
   const bool grid = relation.reference == StakeReference::North;
+  std::string line = seen.onStake ? "ON THE STAKE" : seen.from;
   line += grid ? GridText(relation.deltas) : AlongText(relation.deltas);
   if (relation.cut) line += "  " + CutFillText(*relation.cut, kShownDecimals);
-  line += RemarkText(relation);
+  line += RemarkText(relation) + "  " + WhereText(relation);
   if (!grid) line += GridText(relation.deltas);
   return line + DistanceText(relation.deltas);
 }
