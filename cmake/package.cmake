@@ -17,7 +17,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ca-certificates")  # whom ntrips:// trusts
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
-    "It reads GNSS receivers over serial lines, TCP and recorded logs, brings positions
-into the job's grid, stores points and journals every observation, converts
-coordinates, and carries road design for stakeout.")
+    "It reads GNSS receivers over serial lines, TCP and recorded logs, brings
+positions into the job's grid, stores points and journals every observation,
+converts coordinates, and carries road design for stakeout.")
 include(CPack)
