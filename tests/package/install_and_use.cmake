@@ -36,3 +36,13 @@ run_saying("HRMS 0.0" ${examples}/receiver_positions)
 file(WRITE ${WORK}/road.cl "1,100.000,L,466000.0,5236000.0\n2,300.000,L,466000.0,5236200.0\n0,0,L,0,0\n")
 run_saying("station 125.000 offset +40.000" ${examples}/stake_out ${WORK}/road.cl)
 run_saying("Access road: 2 key points, station 50.000 to 150.000" ${examples}/landxml_alignment)
+
+# The program itself, with its data, the modules that it binds (this system's projection is in one), its pages.
+file(WRITE ${WORK}/place.txt "47.5 19 100\n")
+run_saying("239563.9217 646425.4103" ${CMAKE_COMMAND} -E env XDG_DATA_HOME=${WORK}/data
+           ${WORK}/prefix/bin/tarvex convert ${WORK}/place.txt --system HUNGARY/HD72/EOV)
+foreach(page IN ITEMS man/man1/tarvex-road-stake.1.gz bash-completion/completions/tarvex doc/tarvex/docs/guide.md)
+  if(NOT EXISTS ${WORK}/prefix/share/${page})
+    message(FATAL_ERROR "${page} was not installed.")
+  endif()
+endforeach()
