@@ -5,6 +5,7 @@
 
 #include "app/workflow/raw_history.h"
 #include "app/workflow/raw_positions.h"
+#include "core/coordinates/point_bulk.h"
 #include "core/coordinates/point_list.h"
 #include "core/coordinates/point_store.h"
 #include "core/observations/job_unit.h"
@@ -110,30 +111,29 @@ bool Recompute(JobSession& session, const RecomputePlan& plan) {
   Job& job = session.job();
   const auto unit = JobUnit::Begin(job);
   if (!unit) return false;
-  const IdSequence ids = job.ids;
   unit->AppendRaw(session.RawOpening());
   unit->AppendRaw(CommentRecord("Recomputed " + std::to_string(plan.moved.size()) +
                                 (plan.moved.size() == 1 ? " point" : " points")));
-  for (const RecomputedPoint& point : plan.moved) {
+  PointList made;
+  for (const auto& [stored, now] : plan.moved) {
     Point present;
-    const bool isThere = ReadPoint(job, point.stored.id.view(), &unit->coordinates(), present) ==
-                         ReadPointResult::Found;
-    if (!isThere || present != point.stored) {
-      session.observer().OnError("Point " + point.stored.id.str() +
+    const bool isThere =
+        ReadPoint(job, stored.id.view(), &unit->coordinates(), present) == ReadPointResult::Found;
+    if (!isThere || present != stored) {
+      session.observer().OnError("Point " + stored.id.str() +
                                  " was changed meanwhile; nothing was computed anew.");
       return false;
     }
-    job.ids.current = point.stored.id.str();
-    if (StorePoint(job, point.now, point.stored.description.view(), false, &unit->coordinates()) !=
-        StorePointResult::Stored) {
-      return false;
-    }
-    unit->AppendRaw(RecomputedPointRecord(point.stored));
-    unit->AppendRaw(GnssGridRecord(job.store.lastStoredPoint, point.stored.description.view()));
+    made.push_back(stored);
+    made.back().at = now;
+    unit->AppendRaw(RecomputedPointRecord(stored));
+    unit->AppendRaw(GnssGridRecord(made.back(), stored.description.view()));
   }
-  if (unit->Commit() == ChangeResult::Nothing) return false;
+  if (StorePoints(job, made, unit->coordinates()) != StorePointsResult::Stored ||
+      unit->Commit() == ChangeResult::Nothing) {
+    return false;
+  }
   session.RawIsOpened();
-  job.ids = ids;
   return true;
 }
 
