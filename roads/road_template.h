@@ -103,9 +103,9 @@ struct SlopeSettings {
 
 struct CutSettings : SlopeSettings {
   int depth = 1;
-  int bench1 = 0;
-  double bench2 = 10.0;
-  double bench3 = 1.0;
+  int benchKind = 0;          ///< "BENCH1"; benches are kept for the file, no section has any
+  double benchHeight = 10.0;  ///< "BENCH2"
+  double benchWidth = 1.0;    ///< "BENCH3"
 
   bool operator==(const CutSettings&) const = default;
 };
@@ -156,11 +156,10 @@ struct Curb {
   bool operator==(const Curb&) const = default;
 };
 
+/// An "MGRADE" line, kept for the file: its two numbers and the two integers behind them.
 struct MedianGrade {
-  double first = 0.0;
-  double second = 0.0;
-  int third = 0;
-  int fourth = 0;
+  std::array<double, 2> numbers{};
+  std::array<int, 2> codes{};
 
   bool operator==(const MedianGrade&) const = default;
 };

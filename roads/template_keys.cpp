@@ -160,11 +160,11 @@ constexpr TemplateKey kCutKeys[] = {
     {"DEPTH ",
      [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.depth = v.Integer(); }},
     {"BENCH1",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.bench1 = v.Integer(); }},
-    {"BENCH2",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.bench2 = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.benchKind = v.Integer(); }},
+    {"BENCH2", [](TemplateTarget& to,
+                  TemplateValues& v) { to.section.cutSettings.benchHeight = v.Number(); }},
     {"BENCH3",
-     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.bench3 = v.Number(); }},
+     [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.benchWidth = v.Number(); }},
     {"PIVOT ",
      [](TemplateTarget& to, TemplateValues& v) { to.section.cutSettings.pivot = v.Integer(); }},
     {"TIE_EX", [](TemplateTarget& to,
@@ -239,10 +239,10 @@ constexpr TemplateKey kMedianKeys[] = {
     {"MGRADE",
      [](TemplateTarget& to, TemplateValues& v) {
        MedianGrade grade;
-       grade.first = v.Number();
-       grade.second = v.Number();
-       grade.third = v.Integer();
-       grade.fourth = v.Integer();
+       grade.numbers[0] = v.Number();
+       grade.numbers[1] = v.Number();
+       grade.codes[0] = v.Integer();
+       grade.codes[1] = v.Integer();
        to.median().grades.push_back(grade);
      }},
 };

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kSegmentDecimals = 5;
 constexpr int kSlopeDecimals = 3;
-constexpr int kBench3Decimals = 2;
+constexpr int kBenchWidthDecimals = 2;
 constexpr int kGradeDecimals = 4;
 
 class TemplateWriter {
@@ -114,9 +114,9 @@ class TemplateWriter {
     Integer("SMOOTH", both.smooth);
     Integer("SERIES", both.series);
     Integer("DEPTH ", both.depth);
-    Integer("BENCH1", both.bench1);
-    Number("BENCH2", both.bench2, kSlopeDecimals);
-    Number("BENCH3", both.bench3, kBench3Decimals);
+    Integer("BENCH1", both.benchKind);
+    Number("BENCH2", both.benchHeight, kSlopeDecimals);
+    Number("BENCH3", both.benchWidth, kBenchWidthDecimals);
     Integer("PIVOT ", both.pivot);
     Integer("REPEAT", both.repeat);
     Integer("TIE_EX", both.tieExisting);
@@ -219,9 +219,9 @@ class TemplateWriter {
     Line("**MEDIAN");
     Text("MNAME ", median.name);
     for (const MedianGrade& grade : median.grades) {
-      Text("MGRADE", FixedNumber(grade.first, kSegmentDecimals) + ',' +
-                         FixedNumber(grade.second, kSegmentDecimals) + ',' +
-                         std::to_string(grade.third) + ',' + std::to_string(grade.fourth));
+      Text("MGRADE", FixedNumber(grade.numbers[0], kSegmentDecimals) + ',' +
+                         FixedNumber(grade.numbers[1], kSegmentDecimals) + ',' +
+                         std::to_string(grade.codes[0]) + ',' + std::to_string(grade.codes[1]));
     }
   }
 

@@ -68,7 +68,7 @@ double ControlHull::MetresOutside(const PlanePoint& point) const {
   return inside ? 0.0 : nearest;
 }
 
-double ControlHull::Extent_m() const {
+double ControlHull::ExtentM() const {
   double extent = 0.0;
   for (const PlanePoint& a : corners_) {
     for (const PlanePoint& b : corners_) extent = std::max(extent, Distance(a, b));

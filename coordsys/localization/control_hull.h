@@ -19,7 +19,7 @@ class ControlHull {
   double MetresOutside(const PlanePoint& point) const;
 
   /// The largest distance between two corners.
-  double Extent_m() const;
+  double ExtentM() const;
 
  private:
   std::vector<PlanePoint> corners_;

@@ -57,7 +57,7 @@ void LeaveOut(const ControlPoints& points, std::size_t index, const Localization
   }
 }
 
-std::optional<double> MeanGround_ppm(const ControlPoints& points) {
+std::optional<double> MeanGroundPpm(const ControlPoints& points) {
   double sum = 0.0;
   int count = 0;
   for (const ControlPoint& point : points) {
@@ -157,8 +157,8 @@ class WarningWriter {
     }
     const ControlHull hull = HullOf(points_);
     if (h.points >= 3 && IsThin()) Add(LocalizationWarning::CollinearControl, kTextControlOnALine);
-    if (h.points >= 2 && hull.Extent_m() < kSmallExtentM) {
-      Add(LocalizationWarning::SmallExtent, kTextControlTooClose, {Length(hull.Extent_m(), 1)});
+    if (h.points >= 2 && hull.ExtentM() < kSmallExtentM) {
+      Add(LocalizationWarning::SmallExtent, kTextControlTooClose, {Length(hull.ExtentM(), 1)});
     }
     FarScale();
     Blunder();
@@ -237,7 +237,7 @@ class WarningWriter {
     double farthest = 0.0;
     for (const PlanePoint& point : jobPoints) {
       const double beyond = hull.MetresOutside(point);
-      if (beyond <= 0.1 * hull.Extent_m()) continue;
+      if (beyond <= 0.1 * hull.ExtentM()) continue;
       ++outside;
       farthest = std::max(farthest, beyond);
     }
@@ -294,7 +294,7 @@ LocalizationReport ReportLocalization(const ControlPoints& points, const Localiz
   report.fit = FitLocalization(points, method);
   const PlaneSimilarity& similarity = report.fit.horizontal.similarity;
   report.scalePpm = (similarity.scale() - 1.0) * 1e6;
-  report.groundPpm = MeanGround_ppm(points);
+  report.groundPpm = MeanGroundPpm(points);
   report.rotationClockwiseRad = -similarity.rotationRad();
   for (std::size_t i = 0; i < points.size(); ++i) {
     PointResidual row;

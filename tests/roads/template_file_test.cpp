@@ -45,7 +45,7 @@ TEST(TemplateReader, TellsSidesAndSharedSettings) {
   EXPECT_EQ(section.FillOf(Side::Left).guardVertical, 0.0);
   EXPECT_EQ(section.fillSettings.series, 1);
   EXPECT_EQ(section.cutSettings.series, 0);
-  EXPECT_EQ(section.cutSettings.bench2, 7.0);
+  EXPECT_EQ(section.cutSettings.benchHeight, 7.0);
   EXPECT_EQ(section.CutOf(Side::Right).rockSlope, 0.25);
   EXPECT_EQ(section.CutOf(Side::Left).rockSlope, 1.0);
 }
@@ -77,7 +77,7 @@ TEST(TemplateReader, FindsCurbsAndMediansByName) {
   ASSERT_NE(section.FindCurb("B2"), nullptr);
   EXPECT_EQ(section.FindCurb("B2")->slope, 2.5);
   ASSERT_NE(section.FindMedian("M 2"), nullptr);
-  EXPECT_EQ(section.FindMedian("M 2")->grades.at(0).fourth, 4);
+  EXPECT_EQ(section.FindMedian("M 2")->grades.at(0).codes[1], 4);
   EXPECT_EQ(section.FindMedian("M"), nullptr);
 }
 
