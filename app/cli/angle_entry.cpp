@@ -190,34 +190,30 @@ bool IsOfLongitude(char letter) {
 
 }  // namespace
 
-std::optional<AngleEntry> ReadAngleEntry(std::string_view line, std::string& problem) {
+OrProblem<AngleEntry> ReadAngleEntry(std::string_view line) {
   EntryReader reader(line);
   if (!reader.ReadAll()) {
     const std::string_view rest = reader.rest();
-    problem = "\"" + std::string(rest.substr(0, rest.find_first_of(" \t,;"))) +
-              "\" is not a number or an angle";
-    return std::nullopt;
+    return ProblemOf("\"" + std::string(rest.substr(0, rest.find_first_of(" \t,;"))) +
+                     "\" is not a number or an angle");
   }
   std::vector<Angle>& angles = reader.angles();
   const bool height = angles.size() == 3 && angles[2].letter == 0 && angles[2].parts.size() == 1 &&
                       !angles[2].parts[0].mark;
   if ((angles.size() != 2 && !height) || !AreOfOneForm(angles[0], angles[1])) {
-    problem = "more than three numbers, and not two angles in degrees, minutes and seconds";
-    return std::nullopt;
+    return ProblemOf("more than three numbers, and not two angles in degrees, minutes and seconds");
   }
   const bool letters = angles[0].letter != 0 || angles[1].letter != 0;
   if (letters && (angles[0].letter == 0 || angles[1].letter == 0 ||
                   IsOfLongitude(angles[0].letter) == IsOfLongitude(angles[1].letter))) {
-    problem = "the letters N or S and E or W go with one angle each";
-    return std::nullopt;
+    return ProblemOf("the letters N or S and E or W go with one angle each");
   }
   if (letters && IsOfLongitude(angles[0].letter)) std::swap(angles[0], angles[1]);
   const auto latitude = DegreesOf(angles[0]);
   const auto longitude = DegreesOf(angles[1]);
   if (!latitude || !longitude) {
-    problem =
-        "an angle is degrees, minutes below 60 and seconds below 60, decimals in the last only";
-    return std::nullopt;
+    return ProblemOf(
+        "an angle is degrees, minutes below 60 and seconds below 60, decimals in the last only");
   }
   AngleEntry entry{*latitude, *longitude, std::nullopt};
   if (height) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/text/outcome.h"
+
 namespace tarvex {
 
 struct AngleEntry {
@@ -16,8 +18,8 @@ struct AngleEntry {
 
 /// Reads a line in degrees, minutes and seconds; seconds may be missing, and the last part of an
 /// angle may have decimals. N, S, E and W are before or behind their angle and may come in either
-/// order; without them latitude comes first, and a minus sign is south or west. Nothing, with a
-/// sentence in `problem`, for a line that is not an angle.
-std::optional<AngleEntry> ReadAngleEntry(std::string_view line, std::string& problem);
+/// order; without them latitude comes first, and a minus sign is south or west. The problem of a
+/// line that is not two angles is a part of a sentence.
+OrProblem<AngleEntry> ReadAngleEntry(std::string_view line);
 
 }  // namespace tarvex

@@ -45,21 +45,16 @@ std::string NoNumber(std::string_view line) {
   return "more than three numbers";
 }
 
-// The two or three numbers of a line; `problem` says what is wrong with it otherwise.
-std::optional<LineNumbers> ReadNumbers(std::string_view line, ConversionWay way,
-                                       std::string& problem) {
+// The two or three numbers of a line.
+OrProblem<LineNumbers> ReadNumbers(std::string_view line, ConversionWay way) {
   LineNumbers numbers;
   if (ReadPlainNumbers(line, numbers)) {
     if (numbers.count >= 2) return numbers;
-    problem = "two or three numbers are needed";
-    return std::nullopt;
+    return ProblemOf("two or three numbers are needed");
   }
-  if (way == ConversionWay::ToWgs84) {
-    problem = NoNumber(line);
-    return std::nullopt;
-  }
-  const auto angles = ReadAngleEntry(line, problem);
-  if (!angles) return std::nullopt;
+  if (way == ConversionWay::ToWgs84) return ProblemOf(NoNumber(line));
+  const auto angles = ReadAngleEntry(line);
+  if (!angles) return angles.failure();
   numbers = {{angles->latitudeDeg, angles->longitudeDeg, angles->heightM.value_or(0.0)},
              angles->heightM ? 3 : 2};
   return numbers;
@@ -127,8 +122,11 @@ void ConvertReported(const CTrgCalculator& calculator, ConversionWay way, bool s
 // Reads a line; false when there is nothing to convert.
 bool Read(std::string_view line, ConversionWay way, ConvertedLine& converted) {
   converted = {};
-  const auto numbers = ReadNumbers(line, way, converted.problem);
-  if (!numbers) return false;
+  const auto numbers = ReadNumbers(line, way);
+  if (!numbers) {
+    converted.problem = numbers.failure().text;
+    return false;
+  }
   converted.numbers = *numbers;
   return way == ConversionWay::ToWgs84 || OnEarth(*numbers, converted.problem);
 }

@@ -61,8 +61,9 @@ Option AddReceiverOptions(Command& command, ReceiverChoice& choice) {
 
 ExitCode SettleReceiver(const ReceiverChoice& choice, const Settings& jobSettings, Program& program,
                         ChosenReceiver& receiver) {
-  std::string problem;
-  if (!ParsePortAddress(choice.address, receiver.address, problem)) return program.Misuse(problem);
+  auto address = ParsePortAddress(choice.address);
+  if (!address) return program.Misuse(address.failure().text);
+  receiver.address = *std::move(address);
   NameDevice(jobSettings, receiver.address);
   receiver.makeCode = receiver.address.kind == PortKind::Simulated ? kMakeSimulated : kMakeAnyNmea;
   const std::string makeName =

@@ -1,5 +1,7 @@
 #include "app/workflow/control_point_source.h"
 
+#include <utility>
+
 #include "app/workflow/raw_positions.h"
 #include "core/coordinates/coordinate_file.h"
 #include "core/coordinates/point_store.h"
@@ -8,60 +10,59 @@
 namespace tarvex {
 namespace {
 
-bool TakePosition(const ControlPointSource& source, Job& job, LocalizationPoint& point,
-                  std::string& problem) {
-  if (source.position) {
-    point.gnss = *source.position;
-    return true;
-  }
+// The position of the mark, and the id that it was taken from.
+struct KnownPosition {
+  Geodetic gnss;
+  std::string description;
+};
+
+OrProblem<KnownPosition> PositionOf(const ControlPointSource& source, Job& job) {
+  if (source.position) return KnownPosition{*source.position, {}};
   std::string raw;
-  if (!ReadRawFile(job, raw, problem)) return false;
+  std::string problem;
+  if (!ReadRawFile(job, raw, problem)) return ProblemOf(std::move(problem));
   const auto found = FindRawPosition(raw, NormalisePointId(source.gnssId).view(), job.options.unit);
   if (!found) {
-    problem = "The raw file holds no GNSS position of point " + source.gnssId + ".";
-    return false;
+    return ProblemOf("The raw file holds no GNSS position of point " + source.gnssId + ".");
   }
-  point.gnss = *found;
-  point.description = source.gnssId;
-  return true;
+  return KnownPosition{*found, source.gnssId};
 }
 
-bool TakeLocal(const ControlPointSource& source, Job& job, LocalizationPoint& point,
-               std::string& problem) {
+// The local coordinates, and the id that they were taken from.
+struct KnownCoordinates {
   GridPoint at;
-  if (source.local) {
-    at = *source.local;
-  } else {
-    const auto stream = OpenCoordinateFile(job);
-    Point known;
-    if (!stream || ReadPoint(job, source.knownId, stream.get(), known) != ReadPointResult::Found) {
-      problem = "There is no point " + source.knownId + " in " + job.path + ".";
-      return false;
-    }
-    at = known.at;
-    point.description = known.id.str();
+  std::string description;
+};
+
+OrProblem<KnownCoordinates> LocalOf(const ControlPointSource& source, Job& job) {
+  if (source.local) return KnownCoordinates{*source.local, {}};
+  const auto stream = OpenCoordinateFile(job);
+  Point known;
+  if (!stream || ReadPoint(job, source.knownId, stream.get(), known) != ReadPointResult::Found) {
+    return ProblemOf("There is no point " + source.knownId + " in " + job.path + ".");
   }
-  point.localX = at.easting;
-  point.localY = at.northing;
-  point.localZ = at.elevation;
-  return true;
+  return KnownCoordinates{known.at, known.id.str()};
 }
 
 }  // namespace
 
-bool ReadControlPoint(const ControlPointSource& source, Job& job, LocalizationPoint& point,
-                      std::string& problem) {
-  LocalizationPoint made;
-  if (!TakePosition(source, job, made, problem) || !TakeLocal(source, job, made, problem)) {
-    return false;
-  }
-  made.hrms = source.hrms;
-  made.vrms = source.vrms;
-  made.useHorizontal = source.useHorizontal ? 'Y' : 'N';
-  made.useVertical = source.useVertical ? 'Y' : 'N';
-  if (!source.description.empty()) made.description = source.description;
-  point = std::move(made);
-  return true;
+OrProblem<LocalizationPoint> ReadControlPoint(const ControlPointSource& source, Job& job) {
+  const auto position = PositionOf(source, job);
+  if (!position) return position.failure();
+  const auto local = LocalOf(source, job);
+  if (!local) return local.failure();
+  LocalizationPoint point;
+  point.gnss = position->gnss;
+  point.localX = local->at.easting;
+  point.localY = local->at.northing;
+  point.localZ = local->at.elevation;
+  point.description = local->description.empty() ? position->description : local->description;
+  if (!source.description.empty()) point.description = source.description;
+  point.hrms = source.hrms;
+  point.vrms = source.vrms;
+  point.useHorizontal = source.useHorizontal ? 'Y' : 'N';
+  point.useVertical = source.useVertical ? 'Y' : 'N';
+  return point;
 }
 
 }  // namespace tarvex

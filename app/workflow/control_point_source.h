@@ -7,6 +7,7 @@
 
 #include "coordsys/localization/localization_points.h"
 #include "core/job/job.h"
+#include "core/text/outcome.h"
 
 namespace tarvex {
 
@@ -22,8 +23,7 @@ struct ControlPointSource {
   bool useVertical = true;
 };
 
-/// False with a sentence in `problem` when a point that was named is not there.
-[[nodiscard]] bool ReadControlPoint(const ControlPointSource& source, Job& job,
-                                    LocalizationPoint& point, std::string& problem);
+/// The control point, or which point that was named is not there.
+OrProblem<LocalizationPoint> ReadControlPoint(const ControlPointSource& source, Job& job);
 
 }  // namespace tarvex

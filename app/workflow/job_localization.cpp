@@ -56,8 +56,9 @@ std::string_view VerticalMethodKey(VerticalMethod method) {
   return KeyOf(kVerticalMethods, method);
 }
 
-bool ReadJobLocalization(const Settings& settings, const std::string& jobPath,
-                         JobLocalization& localization, std::string& problem) {
+OrProblem<JobLocalization> ReadJobLocalization(const Settings& settings,
+                                               const std::string& jobPath) {
+  JobLocalization localization;
   const std::string file = settings.GetOr("localization", "");
   localization.path = file.empty() || file.starts_with('/') ? file : FolderOf(jobPath) + file;
   localization.on = !file.empty() && settings.GetOr("localization_on", "1") != "0";
@@ -71,12 +72,11 @@ bool ReadJobLocalization(const Settings& settings, const std::string& jobPath,
     const std::string wrong = !horizontalMethod ? "localization_method=" + horizontal
                               : !verticalMethod ? "localization_heights=" + vertical
                                                 : "localization_scale=" + scale;
-    problem = "The job's setting " + wrong + " makes no sense.";
-    return false;
+    return ProblemOf("The job's setting " + wrong + " makes no sense.");
   }
   localization.method = {
       .horizontal = *horizontalMethod, .givenScale = *givenScale, .vertical = *verticalMethod};
-  return true;
+  return localization;
 }
 
 void PutJobLocalization(const JobLocalization& localization, const std::string& jobPath,
@@ -92,33 +92,34 @@ void PutJobLocalization(const JobLocalization& localization, const std::string& 
 }
 
 std::string LocalizationOffNotice(Job& job, const Settings& settings) {
-  JobLocalization localization;
-  std::string problem;
-  if (!ReadJobLocalization(settings, job.path, localization, problem)) return {};
-  if (localization.on || localization.path.empty()) return {};
+  const auto localization = ReadJobLocalization(settings, job.path);
+  if (!localization || localization->on || localization->path.empty()) return {};
   LocalizationFault fault;
-  const auto read = LoadLocalization(job.host.files(), localization.path, job.options.unit, fault);
-  const bool hasNone = read ? read->points.empty() : !job.host.files().Exists(localization.path);
+  const auto read = LoadLocalization(job.host.files(), localization->path, job.options.unit, fault);
+  const bool hasNone = read ? read->points.empty() : !job.host.files().Exists(localization->path);
   if (hasNone) return {};
-  return "The job's localization (" + localization.path +
+  return "The job's localization (" + localization->path +
          ") is off: coordinates are those of the system's grid. (tarvex localize " + job.path +
          " --on uses it.)";
 }
 
 bool ApplyJobLocalization(Job& job, const Settings& settings, CTrgCalculator& calculator,
                           std::string& problem) {
-  JobLocalization localization;
-  if (!ReadJobLocalization(settings, job.path, localization, problem)) return false;
-  if (!localization.on) return true;
+  const auto localization = ReadJobLocalization(settings, job.path);
+  if (!localization) {
+    problem = localization.failure().text;
+    return false;
+  }
+  if (!localization->on) return true;
   LocalizationFault fault;
-  const auto read = LoadLocalization(job.host.files(), localization.path, job.options.unit, fault);
+  const auto read = LoadLocalization(job.host.files(), localization->path, job.options.unit, fault);
   const std::string instead = " (tarvex localize " + job.path + " --off works without it.)";
   if (!read) {
     problem =
-        "The job's localization cannot be used: " + fault.Text(localization.path) + "." + instead;
+        "The job's localization cannot be used: " + fault.Text(localization->path) + "." + instead;
     return false;
   }
-  const ControlFit control = FitControl(calculator, read->points, localization.method);
+  const ControlFit control = FitControl(calculator, read->points, localization->method);
   if (const std::string why = FitProblem(control); !why.empty()) {
     problem = "The job's localization cannot be used: " + why + instead;
     return false;

@@ -13,6 +13,7 @@
 #include "coordsys/localization/localization_report.h"
 #include "core/job/job.h"
 #include "core/job/settings.h"
+#include "core/text/outcome.h"
 
 namespace tarvex {
 
@@ -22,9 +23,9 @@ struct JobLocalization {
   LocalizationMethod method;
 };
 
-/// Reads the settings; false with a sentence in `problem` for a value that makes no sense.
-[[nodiscard]] bool ReadJobLocalization(const Settings& settings, const std::string& jobPath,
-                                       JobLocalization& localization, std::string& problem);
+/// Reads the settings, or says which value makes no sense.
+OrProblem<JobLocalization> ReadJobLocalization(const Settings& settings,
+                                               const std::string& jobPath);
 void PutJobLocalization(const JobLocalization& localization, const std::string& jobPath,
                         Settings& settings);
 

@@ -56,9 +56,7 @@ bool IsVerticalFit(std::string_view value) {
 }
 
 bool IsReceiver(std::string_view value) {
-  PortAddress address;
-  std::string problem;
-  return ParsePortAddress(std::string(value), address, problem);
+  return static_cast<bool>(ParsePortAddress(value));
 }
 
 bool IsMake(std::string_view value) {

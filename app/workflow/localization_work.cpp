@@ -58,10 +58,12 @@ bool LocalizationWork::Open() {
   Job& job = session_.job();
   std::string problem;
   if (!systems_.MakeCalculator(SystemOfSettings(session_.settings()), job.options.unit, calculator_,
-                               problem) ||
-      !ReadJobLocalization(session_.settings(), job.path, localization_, problem)) {
+                               problem)) {
     return Fail(problem);
   }
+  auto localization = ReadJobLocalization(session_.settings(), job.path);
+  if (!localization) return Fail(localization.failure().text);
+  localization_ = *std::move(localization);
   if (localization_.path.empty()) localization_.path = PathWithExtension(job.path, "loc");
   before_ = localization_;
   const bool expected = localization_.on || work_.files.Exists(localization_.path);
@@ -130,10 +132,9 @@ bool LocalizationWork::Remove() {
 }
 
 bool LocalizationWork::Add() {
-  std::string problem;
-  LocalizationPoint point;
-  if (!ReadControlPoint(*request_.add, session_.job(), point, problem)) return Fail(problem);
-  list_.emplace_back(std::move(point));
+  auto point = ReadControlPoint(*request_.add, session_.job());
+  if (!point) return Fail(point.failure().text);
+  list_.emplace_back(*std::move(point));
   return changed_ = true;
 }
 

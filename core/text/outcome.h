@@ -46,4 +46,15 @@ class [[nodiscard]] Outcome {
   std::variant<T, Failure<Code>> state_;
 };
 
+/// The code of a failure that its text alone explains: a sentence for the person.
+enum class Problem { Told };
+
+/// A value, or a sentence that says why there is none.
+template <typename T>
+using OrProblem = Outcome<T, Problem>;
+
+inline Failure<Problem> ProblemOf(std::string sentence) {
+  return {.code = Problem::Told, .text = std::move(sentence)};
+}
+
 }  // namespace tarvex

@@ -17,58 +17,44 @@ constexpr std::uint32_t kHighestBaud = 921600;
 constexpr std::uint32_t kConnectTimeoutMs = 10000;
 constexpr std::uint32_t kDataBits = 8;
 
-bool Refuse(std::string& problem, int text, std::string_view given) {
-  problem = Strings().Text(text, {given});
-  return false;
+Failure<Problem> Refused(int text, std::string_view given) {
+  return ProblemOf(Strings().Text(text, {given}));
 }
 
-bool ParseSerial(std::string_view target, PortAddress& address, std::string& problem) {
+OrProblem<PortAddress> ParseSerial(std::string_view target) {
   const std::size_t at = target.rfind('@');
-  const std::string_view device = target.substr(0, at);
-  if (device.empty()) return Refuse(problem, kTextNoDevice, target);
-  address.target = device;
-  if (at == std::string_view::npos) return true;
+  PortAddress address{.kind = PortKind::Serial, .target = std::string(target.substr(0, at))};
+  if (address.target.empty()) return Refused(kTextNoDevice, target);
+  if (at == std::string_view::npos) return address;
   const auto baud = ParseInteger(target.substr(at + 1));
   if (!baud || *baud < kLowestBaud || *baud > kHighestBaud) {
-    return Refuse(problem, kTextBaudRate, target.substr(at + 1));
+    return Refused(kTextBaudRate, target.substr(at + 1));
   }
   address.baudRate = static_cast<std::uint32_t>(*baud);
-  return true;
+  return address;
 }
 
-bool ParseTcp(std::string_view target, PortAddress& address, std::string& problem) {
+OrProblem<PortAddress> ParseTcp(std::string_view target) {
   const std::size_t colon = target.rfind(':');
-  if (colon == std::string_view::npos || colon == 0) return Refuse(problem, kTextHostPort, target);
+  if (colon == std::string_view::npos || colon == 0) return Refused(kTextHostPort, target);
   const auto port = ParseInteger(target.substr(colon + 1));
-  if (!port || *port < 1 || *port > 65535) return Refuse(problem, kTextHostPort, target);
-  address.target = target;
-  return true;
+  if (!port || *port < 1 || *port > 65535) return Refused(kTextHostPort, target);
+  return PortAddress{.kind = PortKind::Tcp, .target = std::string(target)};
 }
 
 }  // namespace
 
-bool ParsePortAddress(std::string_view text, PortAddress& address, std::string& problem) {
-  PortAddress parsed;
+OrProblem<PortAddress> ParsePortAddress(std::string_view text) {
+  if (text == "simulated") return PortAddress{};
   const std::size_t colon = text.find(':');
   const std::string_view kind = text.substr(0, colon);
   const std::string_view target =
       colon == std::string_view::npos ? std::string_view() : text.substr(colon + 1);
-  bool ok = false;
-  if (kind == "serial") {
-    parsed.kind = PortKind::Serial;
-    ok = ParseSerial(target, parsed, problem);
-  } else if (kind == "tcp") {
-    parsed.kind = PortKind::Tcp;
-    ok = ParseTcp(target, parsed, problem);
-  } else if (kind == "file") {
-    parsed.kind = PortKind::File;
-    parsed.target = target;
-    ok = !target.empty() || Refuse(problem, kTextNoLog, text);
-  } else {
-    ok = text == "simulated" || Refuse(problem, kTextAddressForm, text);
-  }
-  if (ok) address = parsed;
-  return ok;
+  if (kind == "serial") return ParseSerial(target);
+  if (kind == "tcp") return ParseTcp(target);
+  if (kind != "file") return Refused(kTextAddressForm, text);
+  if (target.empty()) return Refused(kTextNoLog, text);
+  return PortAddress{.kind = PortKind::File, .target = std::string(target)};
 }
 
 std::unique_ptr<Port> MakePort(const PortAddress& address, FileSystem& files, Clock& clock,

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/text/outcome.h"
 #include "gnss/port/port.h"
 #include "platform/clock.h"
 #include "platform/file.h"
@@ -26,9 +27,8 @@ struct PortAddress {
   bool operator==(const PortAddress&) const = default;
 };
 
-/// False, with a sentence in `problem` that says what is wrong and how it should look.
-[[nodiscard]] bool ParsePortAddress(std::string_view text, PortAddress& address,
-                                    std::string& problem);
+/// The problem says what is wrong and how it should look.
+OrProblem<PortAddress> ParsePortAddress(std::string_view text);
 
 /// A closed port for the address; nothing for the simulated receiver, which needs none. `stop` ends
 /// a connecting or reading that waits.

@@ -162,23 +162,23 @@ TEST_F(ScriptedPort, FramesEndAsTheMakeSays) {
 }
 
 TEST(PortAddress, IsReadFromOneText) {
-  PortAddress address;
-  std::string problem;
-  ASSERT_TRUE(ParsePortAddress("serial:/dev/ttyUSB0@115200", address, problem));
-  EXPECT_EQ(address, (PortAddress{PortKind::Serial, "/dev/ttyUSB0", 115200}));
-  ASSERT_TRUE(ParsePortAddress("serial:/dev/ttyS1", address, problem));
-  EXPECT_EQ(address.baudRate, 9600U);
-  ASSERT_TRUE(ParsePortAddress("tcp:[::1]:9001", address, problem));
-  EXPECT_EQ(address.target, "[::1]:9001");
-  ASSERT_TRUE(ParsePortAddress("file:/a:b.log", address, problem));
-  EXPECT_EQ(address.target, "/a:b.log");
-  ASSERT_TRUE(ParsePortAddress("simulated", address, problem));
+  const std::pair<const char*, PortAddress> addresses[] = {
+      {"serial:/dev/ttyUSB0@115200", {PortKind::Serial, "/dev/ttyUSB0", 115200}},
+      {"serial:/dev/ttyS1", {PortKind::Serial, "/dev/ttyS1", 9600}},
+      {"tcp:[::1]:9001", {PortKind::Tcp, "[::1]:9001"}},
+      {"file:/a:b.log", {PortKind::File, "/a:b.log"}},
+      {"simulated", {PortKind::Simulated, ""}}};
+  for (const auto& [text, expected] : addresses) {
+    const auto address = ParsePortAddress(text);
+    ASSERT_TRUE(address) << text;
+    EXPECT_EQ(*address, expected) << text;
+  }
   for (const std::string_view bad :
        {"", "usb:1", "serial:", "serial:@9600", "serial:x@109", "serial:x@921601", "tcp:host",
         "tcp::1", "tcp:host:0", "tcp:host:65536", "tcp:host:x", "file:", "simulated:x"}) {
-    problem.clear();
-    EXPECT_FALSE(ParsePortAddress(bad, address, problem)) << bad;
-    EXPECT_FALSE(problem.empty()) << bad;
+    const auto refused = ParsePortAddress(bad);
+    ASSERT_FALSE(refused) << bad;
+    EXPECT_FALSE(refused.failure().text.empty()) << bad;
   }
 }
 
@@ -258,11 +258,10 @@ TEST_F(PseudoTerminal, TakesAnyBaudRateInRange) {
     EXPECT_EQ(baud, rate);
   }
   // An address may ask for more than may be set on an open line.
-  PortAddress address;
-  std::string problem;
-  ASSERT_TRUE(ParsePortAddress("serial:" + name + "@921600", address, problem));
+  const auto address = ParsePortAddress("serial:" + name + "@921600");
+  ASSERT_TRUE(address);
   ASSERT_EQ(port.Close(), PortError::None);
-  const auto fast = MakePort(address, SystemFiles(), clock, errors);
+  const auto fast = MakePort(*address, SystemFiles(), clock, errors);
   ASSERT_EQ(fast->Open(), PortError::None);
   ASSERT_EQ(dynamic_cast<SerialPort&>(*fast).GetBaudRate(baud), PortError::None);
   EXPECT_EQ(baud, 921600U);
