@@ -124,26 +124,26 @@ MadeProjection MakeTransverseMercator34(const ProjectionParameters& parameters,
     return NotMade(ProjectionFault::Area);
   }
   const EntryNames& names = kDanish[static_cast<std::size_t>(area)];
-  return MadeProjection(std::make_unique<ClosedProjection>(library, names, parameters));
+  return {std::make_unique<ClosedProjection>(library, names, parameters)};
 }
 
 MadeProjection MakeClosedCassiniSoldner(const ProjectionParameters& parameters,
                                         const std::shared_ptr<ClosedLibrary>& library) {
   const MadeProjection probe = MakeCassiniSoldner(parameters);
   if (!probe) return probe.failure();
-  return MadeProjection(std::make_unique<ClosedProjection>(library, kCassini, parameters));
+  return {std::make_unique<ClosedProjection>(library, kCassini, parameters)};
 }
 
 MadeProjection MakeClosedObliqueMercator(const ProjectionParameters& parameters,
                                          const std::shared_ptr<ClosedLibrary>& library) {
   const MadeProjection probe = MakeObliqueMercatorB(parameters);
   if (!probe) return probe.failure();
-  return MadeProjection(std::make_unique<ClosedProjection>(library, kOblique, parameters));
+  return {std::make_unique<ClosedProjection>(library, kOblique, parameters)};
 }
 
 MadeProjection MakeObliqueMercatorEov(const ProjectionParameters& parameters,
                                       const std::shared_ptr<ClosedLibrary>& library) {
-  return MadeProjection(std::make_unique<ClosedProjection>(library, kEov, parameters));
+  return {std::make_unique<ClosedProjection>(library, kEov, parameters)};
 }
 
 }  // namespace tarvex

@@ -64,7 +64,7 @@ MadeProjection MakeInFeet(ProjectionParameters parameters,
   parameters.falseNorthingM *= kMetresToUsFeet;
   MadeProjection made = make(parameters);
   if (!made) return made;
-  return MadeProjection(std::make_unique<InUsSurveyFeet>(*std::move(made)));
+  return {std::make_unique<InUsSurveyFeet>(*std::move(made))};
 }
 
 }  // namespace

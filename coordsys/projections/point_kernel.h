@@ -46,7 +46,7 @@ class PointKernelProjection final : public Projection {
 
 template <typename Kernel>
 MadeProjection MakeOfPoints(const Kernel& kernel) {
-  return MadeProjection(std::make_unique<PointKernelProjection<Kernel>>(kernel));
+  return {std::make_unique<PointKernelProjection<Kernel>>(kernel)};
 }
 
 }  // namespace tarvex

@@ -202,10 +202,10 @@ template <typename Kernel>
 MadeProjection MakeOf(const Kernel& kernel) {
 #if defined(TARVEX_FOUR_LANES)
   if (HasFourLanes()) {
-    return MadeProjection(std::make_unique<FourLaneProjection<Kernel>>(kernel));
+    return {std::make_unique<FourLaneProjection<Kernel>>(kernel)};
   }
 #endif
-  return MadeProjection(std::make_unique<KernelProjection<Kernel>>(kernel));
+  return {std::make_unique<KernelProjection<Kernel>>(kernel)};
 }
 
 }  // namespace tarvex
