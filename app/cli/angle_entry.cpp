@@ -115,6 +115,13 @@ class EntryReader {
       joint_ = known.mark == Mark::Joint;
       break;
     }
+    // "47-30-15.5": a dash right between two numbers joins them, elsewhere it is a minus sign.
+    const bool dash = !part.mark && rest_.size() > 1 && rest_[0] == '-' && IsDigit(rest_[1]);
+    if (dash) {
+      rest_.remove_prefix(1);
+      part.mark = Mark::Joint;
+      joint_ = true;
+    }
     afterJoint_ = wasJoint;
   }
 
@@ -198,6 +205,7 @@ OrProblem<AngleEntry> ReadAngleEntry(std::string_view line) {
                      "\" is not a number or an angle");
   }
   std::vector<Angle>& angles = reader.angles();
+  if (angles.size() == 1) return ProblemOf("a latitude and a longitude are needed");
   const bool height = angles.size() == 3 && angles[2].letter == 0 && angles[2].parts.size() == 1 &&
                       !angles[2].parts[0].mark;
   if ((angles.size() != 2 && !height) || !AreOfOneForm(angles[0], angles[1])) {

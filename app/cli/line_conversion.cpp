@@ -60,12 +60,14 @@ OrProblem<LineNumbers> ReadNumbers(std::string_view line, ConversionWay way) {
   return numbers;
 }
 
-bool OnEarth(const LineNumbers& numbers, std::string& problem) {
+// Letters at the angles say which is which: then they are not swapped.
+bool OnEarth(std::string_view line, const LineNumbers& numbers, std::string& problem) {
   const bool latitude = std::fabs(numbers.values[0]) <= 90.0;
   if (latitude && std::fabs(numbers.values[1]) <= 360.0) return true;
   problem = latitude ? "the longitude is beyond 360 degrees" : "the latitude is beyond 90 degrees";
-  const bool swapped =
-      !latitude && std::fabs(numbers.values[0]) <= 360.0 && std::fabs(numbers.values[1]) <= 90.0;
+  const bool lettered = line.find_first_of("NSns") != std::string_view::npos;
+  const bool swapped = !latitude && !lettered && std::fabs(numbers.values[0]) <= 360.0 &&
+                       std::fabs(numbers.values[1]) <= 90.0;
   if (swapped) problem += ": latitude comes first, longitude second, and these look swapped";
   return false;
 }
@@ -128,7 +130,7 @@ bool Read(std::string_view line, ConversionWay way, ConvertedLine& converted) {
     return false;
   }
   converted.numbers = *numbers;
-  return way == ConversionWay::ToWgs84 || OnEarth(*numbers, converted.problem);
+  return way == ConversionWay::ToWgs84 || OnEarth(line, *numbers, converted.problem);
 }
 
 // What goes through the calculator in one piece.
@@ -169,6 +171,13 @@ void ConvertInBatches(const CTrgCalculator& calculator, ConversionWay way, bool 
 }
 
 }  // namespace
+
+OrProblem<LineNumbers> ReadPosition(std::string_view text) {
+  const auto numbers = ReadNumbers(text, ConversionWay::ToGrid);
+  std::string problem;
+  if (numbers && !OnEarth(text, *numbers, problem)) return ProblemOf(problem);
+  return numbers;
+}
 
 ConvertedLine ConvertLine(const CTrgCalculator& calculator, ConversionWay way, bool strict,
                           std::string_view line) {

@@ -8,6 +8,7 @@
 
 #include "app/cli/json_text.h"
 #include "coordsys/chain/calculator.h"
+#include "core/text/outcome.h"
 
 namespace tarvex {
 
@@ -25,6 +26,10 @@ struct ConvertedLine {
   std::string problem;     ///< why there are no numbers, in a sentence; empty when there are
   std::string leftUndone;  ///< which step they lack, in a sentence
 };
+
+/// Latitude, longitude and height if there is one, as a line of positions has them: in decimal
+/// degrees or in degrees, minutes and seconds. Nothing, with the reason, when that is no place.
+OrProblem<LineNumbers> ReadPosition(std::string_view text);
 
 /// Two or three numbers, separated by blanks, commas or semicolons; on the way to the grid also
 /// degrees, minutes and seconds (app/cli/angle_entry.h). With `strict` a line whose conversion

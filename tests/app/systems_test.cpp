@@ -206,7 +206,8 @@ TEST(Convert, TakesDegreesMinutesAndSeconds) {
       "N46 30 15.5 E9 20 30.5 1100",     "46:30:15.5 9:20:30.5 1100",
       "46 30 15.5 9 20 30.5 1100",       "46d30'15.5\" 9d20'30.5\" 1100",
       "46° 30′ 15.5″ 9° 20′ 30.5″ 1100", "46°30'15.5''n 9°20'30.5''e 1100",
-      "46 30 15.5N 9 20 30.5E 1100",
+      "46 30 15.5N 9 20 30.5E 1100",     "46-30-15.5 9-20-30.5 1100",
+      "46-30-15.5N 9-20-30.5E 1100",
   };
   std::string input;
   std::string output;
@@ -216,16 +217,19 @@ TEST(Convert, TakesDegreesMinutesAndSeconds) {
   }
   EXPECT_EQ(folder.Run(utm, input).output, output);
   // West and south, minutes with decimals, no height.
-  EXPECT_EQ(folder.Run(utm, "0 30 0 S 9 30 0 E\n-0:30 9:30\n0°30.0'S 9°30.0'E\n").output,
-            folder.Run(utm, "-0.5 9.5\n-0.5 9.5\n-0.5 9.5\n").output);
+  EXPECT_EQ(
+      folder.Run(utm, "0 30 0 S 9 30 0 E\n-0:30 9:30\n0°30.0'S 9°30.0'E\n-0-30 9-30\n").output,
+      folder.Run(utm, "-0.5 9.5\n-0.5 9.5\n-0.5 9.5\n-0.5 9.5\n").output);
   for (const char* const line :
        {"1 2 3 4", "46 30 9 20", "46°30' 9.5", "46°30'15\"N 9°20'30\"N", "46°61' 9°20'",
-        "46 30.5 15 9 2 3", "46:30:15", "46°30' x", "46:30:15 9:20:30 5 6", "-46°30'N 9°20'E"}) {
+        "46 30.5 15 9 2 3", "46:30:15", "46°30' x", "46-30- 9-20-1", "46.5-30 9",
+        "46:30:15 9:20:30 5 6", "-46°30'N 9°20'E"}) {
     const ProgramResult result = folder.Run(utm, std::string(line) + "\n");
     EXPECT_EQ(result.exitCode, 1) << line;
     EXPECT_THAT(result.output, HasSubstr("ERROR: line 1: ")) << line;
   }
   EXPECT_THAT(folder.Run(utm, "120.5 46.8\n").output, HasSubstr("swapped"));
+  EXPECT_THAT(folder.Run(utm, "97 30 15N 8 45 0E\n").output, Not(HasSubstr("swapped")));
   EXPECT_THAT(folder.Run(utm + " --inverse", "1 2 3 4\n").output, HasSubstr("more than three"));
 }
 

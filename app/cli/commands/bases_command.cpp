@@ -4,6 +4,7 @@
 #include "app/cli/command_line.h"
 #include "app/cli/correction_choice.h"
 #include "app/cli/json_text.h"
+#include "app/cli/line_conversion.h"
 #include "app/workflow/caster_connection.h"
 #include "app/workflow/data_folder.h"
 #include "core/text/number_text.h"
@@ -45,17 +46,14 @@ class ConsoleProgress final : public NtripProgress {
   Console& console_;
 };
 
-bool ParsePlace(const std::string& text, std::optional<Place>& place) {
+bool ParsePlace(const std::string& text, std::optional<Place>& place, std::string& problem) {
   if (text.empty()) return true;
-  const std::size_t comma = text.find(',');
-  if (comma == std::string::npos) return false;
-  const auto latitude = ParseNumber(text.substr(0, comma));
-  const auto longitude = ParseNumber(text.substr(comma + 1));
-  if (!latitude || !longitude || *latitude < -90.0 || *latitude > 90.0 || *longitude < -180.0 ||
-      *longitude > 360.0) {
+  const auto position = ReadPosition(text);
+  if (!position) {
+    problem = position.failure().text;
     return false;
   }
-  place = Place{*latitude, *longitude};
+  place = Place{position->values[0], position->values[1]};
   return true;
 }
 
@@ -239,9 +237,9 @@ ExitCode RunBases(const BasesOptions& options, Program& program) {
     return program.Misuse(problem);
   }
   if (options.known && options.save) return program.Misuse("Give --save or --known, not both.");
-  if (!ParsePlace(options.near, place)) {
-    return program.Misuse("\"" + options.near +
-                          "\" is not a position: give LATITUDE,LONGITUDE in decimal degrees.");
+  if (!ParsePlace(options.near, place, problem)) {
+    return program.Misuse("\"" + options.near + "\" is not a position: " + problem +
+                          " (LATITUDE,LONGITUDE in degrees).");
   }
   if (options.known) return ShowKnown(options, caster, place, program);
   if (!SettleCaster(options.authorityFile, options.ntripVersion, caster, problem) ||

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/cli/line_conversion.h"
+
 namespace tarvex {
 namespace {
 
@@ -10,7 +12,9 @@ void AddPointOptions(Command& command, LocalizeOptions& options) {
   const std::string group = "Adding a control point";
   command.Add("--gnss", options.gnssId, "GNSS position: the last one of this point in the raw file")
       .InGroup(group);
-  command.Add("--wgs84", options.wgs84, "GNSS position: latitude, longitude (degrees), height (m)")
+  command
+      .Add("--wgs84", options.wgs84,
+           "GNSS position: latitude, longitude (decimal degrees or 46d30'15.5\"), height (m)")
       .Values(3)
       .ValueName("LAT LON HEIGHT")
       .InGroup(group);
@@ -74,14 +78,16 @@ bool TakePosition(const LocalizeOptions& options, ControlPointSource& source,
   }
   source.gnssId = options.gnssId;
   if (options.wgs84.empty()) return true;
-  const double latitude = options.wgs84[0];
-  const double longitude = options.wgs84[1];
-  if (!AreNumbers(options.wgs84) || std::abs(latitude) > 90.0 || std::abs(longitude) > 360.0) {
-    problem = "--wgs84 takes latitude, longitude (decimal degrees) and height (metres).";
+  const auto position =
+      ReadPosition(options.wgs84[0] + " " + options.wgs84[1] + " " + options.wgs84[2]);
+  if (!position || position->count != 3) {
+    problem = "--wgs84 takes latitude, longitude (degrees) and height (metres)" +
+              (position ? "." : ": " + position.failure().text + ".");
     return false;
   }
+  const auto& values = position->values;
   source.position =
-      Geodetic{latitude * kRadiansPerDegree, longitude * kRadiansPerDegree, options.wgs84[2]};
+      Geodetic{values[0] * kRadiansPerDegree, values[1] * kRadiansPerDegree, values[2]};
   return true;
 }
 

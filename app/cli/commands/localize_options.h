@@ -14,7 +14,7 @@ struct LocalizeOptions {
   std::string job;
   // Adding a point
   std::string gnssId;
-  std::vector<double> wgs84;
+  std::vector<std::string> wgs84;
   std::string knownId;
   std::vector<double> local;
   std::string description;
