@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "core/text/edit_distance.h"
 #include "core/text/number_text.h"
@@ -127,7 +128,7 @@ constexpr KnownSetting Receiver(std::string_view key, std::string_view meaning) 
   return Of(SettingUse::Session, key, meaning, "", "", nullptr, true);
 }
 
-constexpr auto kSettings = std::to_array<KnownSetting>({
+constexpr KnownSetting kSettings[] = {
     Of(SettingUse::Header, "ids", "How points are called", "alphanumeric",
        "alphanumeric or numeric", IsLayout),
     Of(SettingUse::Header, "units", "Distance unit of the job", "metres",
@@ -209,7 +210,7 @@ constexpr auto kSettings = std::to_array<KnownSetting>({
     Receiver("bSendGGA", "The caster gets the rover's position"),
     Receiver("bGPSRover_SendGGA", "The same"),
     Receiver("gga_interval", "Seconds between two positions for the caster"),
-});
+};
 
 // COM3=/dev/rfcomm0 names the device of a numbered port.
 bool IsPortName(std::string_view key) {
@@ -240,9 +241,9 @@ std::span<const KnownSetting> KnownSettings() {
 const KnownSetting* FindSetting(std::string_view key) {
   const std::string_view wanted = IsPortName(key) ? "COM1" : key;
   const auto found =
-      std::find_if(kSettings.begin(), kSettings.end(),
+      std::find_if(std::begin(kSettings), std::end(kSettings),
                    [wanted](const KnownSetting& setting) { return setting.key == wanted; });
-  return found == kSettings.end() ? nullptr : &*found;
+  return found == std::end(kSettings) ? nullptr : &*found;
 }
 
 std::string_view NearestSetting(std::string_view key) {
