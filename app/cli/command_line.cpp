@@ -101,6 +101,57 @@ std::string UnknownWords(const CLI::App& command, const std::vector<std::string>
   return text;
 }
 
+// The words that a command is called by, with its arguments: "tarvex store JOB.crd ID ...".
+std::string CallOf(const CommandDescription& command) {
+  std::string call = command.words;
+  for (const OptionDescription& argument : command.arguments) {
+    const std::string name = argument.names[0] + (argument.repeated ? " ..." : "");
+    call += " " + (argument.required ? name : "[" + name + "]");
+  }
+  return call;
+}
+
+// The option of a message that begins with its name; null when there is none.
+const CLI::Option* OptionOf(const CLI::App& command, std::string_view message) {
+  const std::string name(message.substr(0, message.find_first_of(": ")));
+  return command.get_option_no_throw(name);
+}
+
+// The library's messages about options that are known, with what to do.
+std::string OptionProblem(const CLI::App& command, const CLI::Error& error) {
+  std::string what = error.what();
+  const std::string name = what.substr(0, what.find_first_of(": "));
+  const std::string last = what.substr(what.rfind(' ') + 1);
+  const CLI::Option* const option = OptionOf(command, what);
+  if (error.get_name() == "RequiredError" && option != nullptr) {
+    if (option->nonpositional()) return name + " " + option->get_type_name() + " is missing.";
+    std::string words = command.get_name();
+    for (const CLI::App* at = command.get_parent(); at != nullptr; at = at->get_parent()) {
+      words = at->get_name() + " " + words;
+    }
+    CommandDescription described = DescribeCommand(command);
+    described.words = words;
+    return name + " is missing: " + CallOf(described);
+  }
+  if (error.get_name() == "ArgumentMismatch" && option != nullptr) {
+    const int least = option->get_items_expected_min();
+    return name + (least <= 1 ? " needs a value" : " needs " + std::to_string(least) + " values") +
+           (option->get_type_name().empty() ? "." : ": " + option->get_type_name() + ".");
+  }
+  if (error.get_name() == "ExcludesError") {
+    return name + " and " + last + " do not go together; give one of them.";
+  }
+  if (error.get_name() == "RequiresError") return name + " goes with " + last + " only.";
+  constexpr std::string_view kConvert = "Could not convert: ";
+  if (error.get_name() == "ConversionError" && what.starts_with(kConvert)) {
+    const std::size_t equals = what.find(" = ");
+    const std::string text = equals == std::string::npos ? last : what.substr(equals + 3);
+    return what.substr(kConvert.size(), equals - kConvert.size()) + ": \"" + text + "\" is not a " +
+           (ParseNumber(text) ? "whole number." : "number.");
+  }
+  return what;
+}
+
 // What was wrong with the words of the command line.
 std::string Explained(const CLI::App* app, const CLI::Error& error) {
   const std::vector<std::string> unknown = app->remaining(true);
@@ -111,7 +162,7 @@ std::string Explained(const CLI::App* app, const CLI::Error& error) {
     return "There is no command \"" + unknown.front() + "\"." +
            DidYouMean(unknown.front(), CommandNames(command));
   }
-  return unknown.empty() ? what : UnknownWords(command, unknown);
+  return unknown.empty() ? OptionProblem(command, error) : UnknownWords(command, unknown);
 }
 
 template <typename Value>

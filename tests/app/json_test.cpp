@@ -96,7 +96,7 @@ TEST(JsonEvents, OfWhatIsWrongAreLinesOfTheErrorOutput) {
   ProgramFolder folder;
   for (const auto& [line, exitCode, text] :
        {std::tuple{"points no.crd --json", 1, "There is no job no.crd"},
-        std::tuple{"points --json", 2, "JOB.crd is required"},
+        std::tuple{"points --json", 2, "JOB.crd is missing"},
         std::tuple{"points no.crd --json --jsno", 2, "There is no option --jsno. Did you mean"},
         std::tuple{"--json", 2, "There is no command"}}) {
     const auto ran = folder.Run(line);

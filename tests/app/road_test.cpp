@@ -337,7 +337,7 @@ TEST_F(RoadCommands, TakeNumbersOnlyAndNameTheWrongOnes) {
       {"road station site.cl 5184676", "Give NORTHING EASTING"},
       {"road stake site.cl 1+210 --at nan 1", "The northing \"nan\" is not a number"},
       {"road stake site.cl 1+210 --at 1 2 --tolerance inf", "--tolerance: \"inf\""},
-      {"road stake site.cl 1+210 --at 1 2 --slope left", "--slope requires --template"},
+      {"road stake site.cl 1+210 --at 1 2 --slope left", "--slope goes with --template only"},
       {"road section site.tpl --elevation 1e300", "The elevation \"1e300\" is out of range"},
   };
   for (const Case& c : cases) {

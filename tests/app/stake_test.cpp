@@ -103,7 +103,7 @@ TEST_F(StakeCommand, SaysWhatIsWrong) {
       {"--arc 1 2 3", "the two radii differ by"},
       {"1 --radius 5", "--radius belongs to --arc"},
       {"1 --toward 99", "There is no point 99"},
-      {"1 --from-north --toward 2", "excludes"},
+      {"1 --from-north --toward 2", "do not go together"},
       {"1 --first TOOLONG --tolerance 0", "not above"},
       {"--list none.txt", "none.txt: It cannot be read"},
       {"1 --elevation nan", "--elevation: \"nan\""}};
