@@ -20,9 +20,11 @@ void TellOverruled(const std::string& name, const Settings& profile, const Setti
 }  // namespace
 
 Option AddProfileOption(Command& command, std::string& profile, const char* name) {
-  return command.Add(name, profile,
-                     "Receiver, antenna, caster and limits that are kept under this name; the\n"
-                     "command line and the job's settings go before it (tarvex profile --help)");
+  return command
+      .Add(name, profile,
+           "Receiver, antenna, caster and limits that are kept under this name; the\n"
+           "command line and the job's settings go before it (tarvex profile --help)")
+      .ValueName("NAME");
 }
 
 ExitCode SettleProfile(const std::string& profile, const Settings& jobSettings, Program& program,

@@ -43,9 +43,11 @@ const ReceiverMake* MakeOf(const std::string& name, Program& program) {
 }  // namespace
 
 void AddReceiverSettings(Command& command, ReceiverChoice& choice) {
-  command.Add("--make", choice.make,
-              "Make of the receiver (default: any that sends NMEA sentences)");
-  command.Add("--set", choice.settings, "A receiver setting KEY=VALUE; may be repeated");
+  command
+      .Add("--make", choice.make, "Make of the receiver (default: any that sends NMEA sentences)")
+      .ValueName("NAME");
+  command.Add("--set", choice.settings, "A receiver setting KEY=VALUE; may be repeated")
+      .ValueName("KEY=VALUE");
   command.Add("--nmea-pos", choice.positionSentence,
               "Sentence with the position: 1 GGA, 2 GLL, 4 GNS, 8 GGK, 16 GGQ, 32 PTNL,GGK");
 }

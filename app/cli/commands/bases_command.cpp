@@ -260,8 +260,10 @@ void DeclareBasesCommand(Command& command) {
   AddPasswordOption(command, options.passwordFile);
   AddAuthorityOption(command, options.authorityFile);
   AddVersionOption(command, options.ntripVersion);
-  command.Add("--near", options.near,
-              "LATITUDE,LONGITUDE: the nearest bases first, with their distance");
+  command
+      .Add("--near", options.near,
+           "LATITUDE,LONGITUDE: the nearest bases first, with their distance")
+      .ValueName("LAT,LON");
   command.AddFlag("--save", options.save,
                   "Keep what the caster offers, for where there is no network");
   command.AddFlag("--known", options.known,

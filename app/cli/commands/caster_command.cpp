@@ -92,12 +92,15 @@ void DeclareCasterCommand(Command& command) {
       "  tarvex bases 127.0.0.1:2101\n"
       "  tarvex watch serial:/dev/ttyUSB0 --corrections ntrip://127.0.0.1:2101/TEST");
   command.Add("FILE", options.file, "Recorded corrections, sent over and over").Required();
-  command.Add("--mountpoint", options.mountpoint, "Name of the stream (default: TEST)");
+  command.Add("--mountpoint", options.mountpoint, "Name of the stream (default: TEST)")
+      .ValueName("NAME");
   command.Add("--port", options.port, "TCP port (default: 2101); 0: a free one").Between(0, 65535);
   command.AddFlag("--wants-gga", options.wantsGga,
                   "Say in the list of streams that this one needs the rover's position");
-  command.Add("--user", options.user,
-              "User that clients must give; password in TARVEX_CASTER_PASSWORD");
+  command
+      .Add("--user", options.user,
+           "User that clients must give; password in TARVEX_CASTER_PASSWORD")
+      .ValueName("NAME");
   command.Add("--rate", options.rate,
               "Bytes a second (default: 1000); 0: as fast as they are taken");
 }

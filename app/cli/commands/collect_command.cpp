@@ -167,9 +167,11 @@ void DeclareCollectCommand(Command& command) {
       .Add("--existing", options.existing,
            "When a point exists: overwrite it, use the next free id, or end (default: cancel)")
       .OneOf({"overwrite", "next", "cancel"});
-  command.Add("--recorded-at", options.recordedAt,
-              "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
-              "job's files then bear the times of the field");
+  command
+      .Add("--recorded-at", options.recordedAt,
+           "Local date and time, as \"2026-11-21 10:15:30\", when a recording began; the\n"
+           "job's files then bear the times of the field")
+      .ValueName("DATE TIME");
   command.AddFlag("--json", options.json, "Print a line of JSON for each event");
 }
 

@@ -223,11 +223,13 @@ void DeclareConvertCommand(Command& command) {
   const Option job =
       command.Add("--job", options.job, "Job whose system, unit and localization are to be used")
           .ValueName("JOB.crd");
-  command.Add("--system", options.system,
-              "Coordinate system by its name or EPSG code (see: tarvex systems)");
+  command
+      .Add("--system", options.system,
+           "Coordinate system by its name or EPSG code (see: tarvex systems)")
+      .ValueName("NAME");
   command.Add("--definition", options.definition, "File with the definition text of the system")
       .ValueName("FILE");
-  command.Add("--datum-shift", options.datumShift, kDatumShiftHelp).Excludes(job);
+  command.Add("--datum-shift", options.datumShift, kDatumShiftHelp).ValueName("NAME").Excludes(job);
   command.Add("--units", options.units, "Unit of the grid coordinates (default: metres)")
       .Excludes(job)
       .OneOf({"us-feet", "metres", "intl-feet"});

@@ -126,9 +126,11 @@ void DeclareImportCommand(Command& command) {
       .Add("FILE", options.file,
            "Lines ID,NORTHING,EASTING,ELEVATION[,DESCRIPTION]; # starts a comment line")
       .Required();
-  command.Add("--columns", options.columns,
-              "A letter a column: P id, N northing, E easting, Z elevation, D description,\n"
-              "- passed over (default: PNEZD)");
+  command
+      .Add("--columns", options.columns,
+           "A letter a column: P id, N northing, E easting, Z elevation, D description,\n"
+           "- passed over (default: PNEZD)")
+      .ValueName("LETTERS");
   command
       .Add("--separator", options.separator,
            "Between two columns: comma, semicolon, tab or blank (default: comma)")

@@ -11,6 +11,7 @@ namespace {
 void AddPointOptions(Command& command, LocalizeOptions& options) {
   const std::string group = "Adding a control point";
   command.Add("--gnss", options.gnssId, "GNSS position: the last one of this point in the raw file")
+      .ValueName("ID")
       .InGroup(group);
   command
       .Add("--wgs84", options.wgs84,

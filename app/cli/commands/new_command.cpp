@@ -230,15 +230,16 @@ void DeclareNewCommand(Command& command) {
                   "Number the points 1, 2, 3 ... instead of naming them");
   command.Add("--units", options.units, "The job's distance unit (default: metres)")
       .OneOf({"us-feet", "metres", "intl-feet"});
-  const Option system =
-      command.Add("--system", options.system,
-                  "Coordinate system by its name or EPSG code (see: tarvex systems)");
+  const Option system = command
+                            .Add("--system", options.system,
+                                 "Coordinate system by its name or EPSG code (see: tarvex systems)")
+                            .ValueName("NAME");
   command
       .Add("--definition", options.definition,
            "File with the definition text of the coordinate system")
       .ValueName("FILE")
       .Excludes(system);
-  command.Add("--datum-shift", options.datumShift, kDatumShiftHelp);
+  command.Add("--datum-shift", options.datumShift, kDatumShiftHelp).ValueName("NAME");
   command
       .Add("--geoid", options.geoid,
            "Geoid model (.gtx, .bin, .pgm or .isg): elevations are heights above it; without\n"
@@ -247,12 +248,16 @@ void DeclareNewCommand(Command& command) {
   command.AddFlag("--south-azimuths", options.southAzimuths, "Azimuths are measured from south");
   command.AddFlag("--curvature-correction", options.curvatureCorrection,
                   "Earth curvature and refraction are corrected");
-  command.Add("--scale-factor", options.scaleFactor,
-              "Grid scale factor of the raw file (default: 1)");
-  command.Add("--profile", options.profile,
-              "Profile with receiver, antenna, caster and limits that the job works with (see:\n"
-              "tarvex profile --help)");
-  command.Add("--name", options.name, "Name written into the raw file (default: the file's name)");
+  command
+      .Add("--scale-factor", options.scaleFactor, "Grid scale factor of the raw file (default: 1)")
+      .ValueName("NUMBER");
+  command
+      .Add("--profile", options.profile,
+           "Profile with receiver, antenna, caster and limits that the job works with (see:\n"
+           "tarvex profile --help)")
+      .ValueName("NAME");
+  command.Add("--name", options.name, "Name written into the raw file (default: the file's name)")
+      .ValueName("NAME");
   command.AddFlag("--json", options.json, "Print a line of JSON: what was created");
   command.Footer(
       "Beside JOB.crd come JOB.job with the settings and JOB.rw5, the raw file.\n"

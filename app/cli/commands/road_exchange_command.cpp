@@ -190,7 +190,8 @@ void DeclareRoadExportCommand(Command& command) {
   AddRoadFileOptions(command, options.road);
   AddProfileOption(command, options.road);
   command.Add("--out", options.out, "The LandXML file to write").ValueName("FILE").Required();
-  command.Add("--name", options.name, "Name of the alignment (default: of the file)");
+  command.Add("--name", options.name, "Name of the alignment (default: of the file)")
+      .ValueName("NAME");
   command.AddFlag("--overwrite", options.overwrite, "Replace a file that exists");
   command.Footer("Example: tarvex road export road.cl --profile design.xml --out road.xml");
 }

@@ -266,13 +266,15 @@ ExitCode RunStake(const StakeCommandOptions& options, Program& program) {
 void AddTargetOptions(Command& command, StakeCommandOptions& options) {
   constexpr const char* kGroup = "What to stake";
   const auto group = [&](Option option) { return option.InGroup(kGroup); };
-  group(
-      command.Add("--line", options.line, "A B: the line between two points of the job").Values(2));
+  group(command.Add("--line", options.line, "A B: the line between two points of the job")
+            .Values(2)
+            .ValueName("ID"));
   group(command
             .Add("--arc", options.arc,
                  "PC CENTER PT: the arc between two points about a third; or PC PT with\n"
                  "--radius")
-            .Values(2, 3));
+            .Values(2, 3)
+            .ValueName("ID"));
   group(AddNumber(command, "--radius", options.radius,
                   "Of an arc from two points: positive curves right, negative left"));
   group(command.AddFlag("--long-way", options.longWay, "The arc above half a circle"));
@@ -282,9 +284,10 @@ void AddTargetOptions(Command& command, StakeCommandOptions& options) {
                   "Beside the line, right positive (default: 0)"));
   group(AddNumber(command, "--interval", options.interval,
                   "Stake the line at every so many units, and its ends"));
-  group(command.Add(
-      "--list", options.list,
-      "File with a point a line: an id or a range, or id,northing,easting[,elevation]"));
+  group(command
+            .Add("--list", options.list,
+                 "File with a point a line: an id or a range, or id,northing,easting[,elevation]")
+            .ValueName("FILE"));
   group(AddNumber(command, "--elevation", options.elevation,
                   "In place of the points' own elevations"));
   group(command.AddFlag("--again", options.again, "Also what was staked before"));
@@ -305,6 +308,7 @@ void DeclareStakeCommand(Command& command) {
   command
       .Add("--toward", options.toward,
            "Forward is toward this point (default: the way you walk, of a line its own)")
+      .ValueName("ID")
       .Excludes(north);
   AddStakeOptions(command, options.stake);
   command.AddFlag("--store-on-stake", options.storeOnStake,

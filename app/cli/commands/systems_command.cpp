@@ -187,6 +187,7 @@ void DeclareSystemsCommand(Command& command) {
           .Excludes(add)
           .Excludes(import);
   command.Add("--remove", options.removed, "Remove a system from your catalogue")
+      .ValueName("NAME")
       .Excludes(add)
       .Excludes(import)
       .Excludes(rename);
