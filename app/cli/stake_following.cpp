@@ -27,17 +27,27 @@ Option AddStakeOptions(Command& command, StakeOptions& options, const char* prof
   Option receiver = AddSessionOptions(command, options.session, profileOption);
   command.Add("--count", options.count, "Positions to show (default: until the receiver ends)")
       .NotNegative();
-  AddNumber(command, "--tolerance", options.tolerance.horizontal,
-            "Horizontal, for ON THE STAKE (default: 0.02)", NumberKind::Positive);
-  AddNumber(command, "--vertical-tolerance", options.tolerance.vertical, "Vertical (default: 0.01)",
+  AddNumber(command, "--tolerance", options.tolerance,
+            "Horizontal, for ON THE STAKE, in the job's unit (default: 0.02 m)",
             NumberKind::Positive);
+  AddNumber(command, "--vertical-tolerance", options.verticalTolerance,
+            "Vertical, in the job's unit (default: 0.01 m)", NumberKind::Positive);
   return receiver;
+}
+
+StakeTolerance ToleranceIn(const StakeOptions& options, DistanceUnit unit) {
+  constexpr StakeTolerance kDefaultM{.horizontal = 0.02, .vertical = 0.01};
+  const auto settled = [unit](double entered, double defaultM) {
+    return entered > 0.0 ? entered : FromMetres(defaultM, unit);
+  };
+  return {.horizontal = settled(options.tolerance, kDefaultM.horizontal),
+          .vertical = settled(options.verticalTolerance, kDefaultM.vertical)};
 }
 
 ExitCode FollowReceiver(const StakeOptions& options, Program& program, JobSession& session,
                         StakePlan plan, StakeList& targets, StakeWords words) {
   plan.count = options.count;
-  plan.tolerance = options.tolerance;
+  plan.tolerance = ToleranceIn(options, session.job().options.unit);
   if (plan.count == 0 && program.console.IsTyped()) plan.simulatedPaceMs = kSimulatedPaceMs;
   if (const ExitCode code = SettleSession(options.session, session.settings(), program, plan);
       code != ExitCode::Done) {

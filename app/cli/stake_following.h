@@ -14,7 +14,8 @@ namespace tarvex {
 struct StakeOptions {
   SessionOptions session;
   long long count = 0;
-  StakeTolerance tolerance;
+  double tolerance = 0.0;          ///< horizontal; 0: the default
+  double verticalTolerance = 0.0;  ///< 0: the default
   std::string existing;
   bool json = false;
 };
@@ -22,6 +23,9 @@ struct StakeOptions {
 /// Adds the receiver with all that goes with it, --count and the tolerances; returns --receiver.
 Option AddStakeOptions(Command& command, StakeOptions& options,
                        const char* profileOption = kProfileOption);
+
+/// What was entered, in `unit`; the defaults are the same length on the ground in every unit.
+StakeTolerance ToleranceIn(const StakeOptions& options, DistanceUnit unit);
 
 /// Works on `targets` with the receiver. `plan` says what is stored, and the job's current point id
 /// is the first that is stored under.

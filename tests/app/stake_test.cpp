@@ -87,10 +87,27 @@ TEST_F(StakeCommand, SetsOutLinesAndArcs) {
                                      "(no elevation)  (6 of 6 open)"));
 }
 
+// The tolerances are of the ground: a fix of 8 mm is as good in a job in feet, staked by its points
+// or by a road.
+TEST_F(StakeCommand, IsOnTheStakeInFeetAsInMetres) {
+  folder_.Run("new feet.crd --units us-feet --system \"UTM/UTM WGS84 Zone 32\"");
+  folder_.Run("store feet.crd 1 17010096.577 1707639.432 3614.133");
+  const ProgramResult stored =
+      folder_.Run("stake feet.crd 1 --receiver file:rover.nmea --store-on-stake --first S1");
+  EXPECT_EQ(stored.exitCode, 0) << stored.errors;
+  EXPECT_THAT(stored.output, HasSubstr(", within the tolerance.\n"));
+  EXPECT_THAT(folder_.Read("feet.rw5"), HasSubstr(",HT0.0656,VT0.0328,--within tolerance"));
+  EXPECT_EQ(folder_
+                .Run("stake feet.crd 1 --receiver file:rover.nmea --store-on-stake --again "
+                     "--tolerance 0.02")
+                .exitCode,
+            1);
+}
+
 TEST_F(StakeCommand, SaysWhatIsWrong) {
   const std::pair<const char*, const char*> uses[] = {
       {"", "Say what is to be staked"},
-      {"1 --line 1 2", "Say what is to be staked"},
+      {"1 --line 1 2", "one of them at a time"},
       {"77", "There is no point 77 in the job."},
       {"8..9", "There are no points from 8 to 9"},
       {"1 --station 5", "--station, --offset and --interval are places along a --line"},

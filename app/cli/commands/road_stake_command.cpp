@@ -24,10 +24,11 @@ struct RoadStakeOptions {
   bool storeOnStake = false;
 };
 
-/// The place of the road, and how it is shown.
+/// The place of the road, how it is shown, and how near is on the stake.
 struct RoadStaking {
   std::unique_ptr<AlignmentTarget> target;
   StakeWords words;
+  StakeTolerance tolerance;
 };
 
 // Nothing after a message. What is made points into the road.
@@ -59,7 +60,8 @@ std::optional<RoadStaking> MakeStaking(const RoadStakeOptions& options, Program&
       .words = {.json = options.road.json,
                 .inPlace = false,
                 .elevationFrom = ElevationSourceText(design.source),
-                .stationJson = [&road](double internal) { return road.StationJson(internal); }}};
+                .stationJson = [&road](double internal) { return road.StationJson(internal); }},
+      .tolerance = ToleranceIn(options.stake, road.unit)};
 }
 
 /// A position that a person gave, or a point of the job on which one is taken to be.
@@ -95,12 +97,13 @@ std::optional<std::vector<GivenPosition>> JobPositions(const RoadStakeOptions& o
 
 // What was typed is stored as typed.
 ExitCode StoreGiven(const RoadStakeOptions& options, Program& program, JobSession& session,
-                    const StakeRelation& relation, const StakePosition& at) {
+                    const StakeRelation& relation, const StakePosition& at,
+                    const StakeTolerance& tolerance) {
   if (!at.elevation) {
     return program.Fail("The position has no elevation; nothing was stored.");
   }
   const GridPoint place{at.northing, at.easting, *at.elevation};
-  const StakeRecord record = StakeRecordOf(relation, place, options.stake.tolerance, true);
+  const StakeRecord record = StakeRecordOf(relation, place, tolerance, true);
   session.setPolicy(ParseExistingPolicy(options.stake.existing));
   return TellStored(program, session,
                     StoreTypedPoint(session, {.id = options.storeId,
@@ -117,7 +120,7 @@ ExitCode ShowGiven(const RoadStakeOptions& options, Program& program, JobSession
                                         : EnteredPosition(options, program);
   if (!given) return program.exitCode;
   StakeView view(program, staking.words);
-  ToleranceGate gate(options.stake.tolerance);
+  ToleranceGate gate(staking.tolerance);
   std::optional<StakeRelation> last;
   for (const GivenPosition& position : *given) {
     last = staking.target->Relate(position.at, {});
@@ -127,7 +130,7 @@ ExitCode ShowGiven(const RoadStakeOptions& options, Program& program, JobSession
   }
   if (options.storeId.empty()) return program.exitCode;
   if (!last) return program.Fail("There is no position to store.");
-  return StoreGiven(options, program, *session, *last, given->back().at);
+  return StoreGiven(options, program, *session, *last, given->back().at, staking.tolerance);
 }
 
 ExitCode Follow(const RoadStakeOptions& options, Program& program, JobSession& session,

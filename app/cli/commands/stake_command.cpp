@@ -204,6 +204,9 @@ std::string Unclear(const StakeCommandOptions& options) {
   const int sources = (options.points.empty() ? 0 : 1) + (options.line.empty() ? 0 : 1) +
                       (options.arc.empty() ? 0 : 1) + (options.list.empty() ? 0 : 1);
   if (options.job.empty()) return "Say in which job: tarvex stake JOB.crd POINT ...";
+  if (sources > 1) {
+    return "Give points, --line, --arc or --list: one of them at a time.";
+  }
   if (sources != 1) {
     return "Say what is to be staked: points of the job (12, 1..20), --line A B, --arc PC CENTER "
            "PT, or --list FILE.";
@@ -323,7 +326,8 @@ void DeclareStakeCommand(Command& command) {
   command.MayHaveCommands(kStakeCommands);
   command.Footer(
       "Enter stores the present position as a stake; one off the stake wants a second Enter.\n"
-      "n goes on to the next target, k leaves one out, t takes one by its name, q ends.\n"
+      "n goes on to the next target, k leaves one out, t takes one by its name, u takes the\n"
+      "last stake back, ? shows all keys, q ends.\n"
       "ON THE STAKE needs a FIXED position inside both tolerances. A point at elevation 0 has no\n"
       "design elevation.\n"
       "Example: tarvex stake site.crd 1..20 --receiver serial:/dev/ttyUSB0@115200");
