@@ -96,14 +96,12 @@ ExitCode SettleAntenna(const std::string& entered, const Settings& settings, Pro
   return ExitCode::Done;
 }
 
-Option AddSessionOptions(Command& command, SessionOptions& options, const char* profileOption) {
+Option AddSessionOptions(Command& command, SessionOptions& options, const char* profileOption,
+                         const char* averageHelp) {
   Option receiver = AddReceiverOptions(command, options.receiver);
   AddProfileOption(command, options.profile, profileOption);
   AddAntennaOption(command, options.antennaHeight);
-  command
-      .Add("--average", options.average,
-           "Distinct epochs whose mean is stored as one point (default: the settings', else 1)")
-      .Between(1, 100000);
+  command.Add("--average", options.average, averageHelp).Between(1, 100000);
   command.Add("--log-stream", options.streamLog, kStreamLogHelp).ValueName("FILE");
   AddGateOptions(command, options);
   AddCorrectionOptions(command, options.corrections);

@@ -28,10 +28,14 @@ struct SessionOptions {
   bool overrideGate = false;
 };
 
+inline constexpr const char* kAverageHelp =
+    "Distinct epochs whose mean is stored as one point (default: the settings', else 1)";
+
 /// Adds all of them; returns --receiver.
 /// `profileOption` is "--profile" unless a command has another use for that name.
 Option AddSessionOptions(Command& command, SessionOptions& options,
-                         const char* profileOption = kProfileOption);
+                         const char* profileOption = kProfileOption,
+                         const char* averageHelp = kAverageHelp);
 
 Option AddAntennaOption(Command& command, std::string& antennaHeight);
 

@@ -146,7 +146,9 @@ bool CoordinateSystems::CheckForUse(std::string_view text, const std::string& fi
 bool CoordinateSystems::MakeCalculator(const SystemSource& source, DistanceUnit unit,
                                        CTrgCalculator& calculator, std::string& problem) {
   if (source.empty()) {
-    problem = "The job has no coordinate system, so positions have no grid coordinates.";
+    problem =
+        "The job has no coordinate system, so positions have no grid coordinates; `tarvex "
+        "settings JOB.crd system=NAME` gives it one that `tarvex systems` lists.";
     return false;
   }
   std::string definition = source.definition;

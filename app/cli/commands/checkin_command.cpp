@@ -123,7 +123,9 @@ void DeclareCheckinCommand(Command& command) {
   CheckinOptions& options = command.Runs(RunCheckin);
   command.Add("JOB.crd", options.job, "The job's coordinate file").Required();
   command.Add("POINT", options.point, "The known point that is measured").Required();
-  AddSessionOptions(command, options.session);
+  AddSessionOptions(
+      command, options.session, kProfileOption,
+      "Distinct epochs whose mean is compared (default: the settings' above 1, else 5)");
   AddNumber(command, "--tolerance", options.tolerance,
             "Horizontal, in the job's unit (default: 0.03 m)", NumberKind::Positive);
   AddNumber(command, "--vertical-tolerance", options.verticalTolerance,

@@ -263,8 +263,11 @@ void DeclareWatchCommand(Command& command) {
       "  tarvex watch serial:/dev/ttyUSB0@115200 --job site.crd --to 17\n"
       "  tarvex watch tcp:192.168.1.20:9001 --corrections ntrip://me@caster.example:2101/MOUNT");
   AddReceiverSettings(command, options.receiver);
-  command.Add("PORT", options.receiver.address,
-              "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
+  const Option port = command.Add("PORT", options.receiver.address,
+                                  "serial:DEVICE[@BAUD], tcp:HOST:PORT, file:LOG or simulated");
+  command.Add("--receiver", options.receiver.address, "PORT, as the other commands take it")
+      .ValueName("ADDRESS")
+      .Excludes(port);
   AddProfileOption(command, options.profile);
   AddCorrectionOptions(command, options.corrections);
   command.Add("--log-stream", options.streamLog, kStreamLogHelp).ValueName("FILE");
