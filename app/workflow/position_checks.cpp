@@ -45,6 +45,25 @@ double OddStretch(const CTrgCalculator& calculator) {
              : kOddStretch;
 }
 
+// The neighbouring zone makes coordinates that look like any others. The zones of UTM are 6 degrees
+// wide, with the exceptions of Norway and Svalbard up to 12; a site may reach over an edge.
+std::string ZoneWarning(const CTrgCalculator& calculator, const GnssPositionState& state) {
+  constexpr double kUtmScale = 0.9996;
+  constexpr double kUtmFalseEastingM = 500000.0;
+  constexpr double kExceptionsFromDeg = 56.0;
+  const ProjectionRecord& record = calculator.record();
+  if (static_cast<ProjectionType>(record.projectionType) != ProjectionType::TransverseMercator ||
+      record.scaleFactor != kUtmScale || record.falseEastingM != kUtmFalseEastingM) {
+    return {};
+  }
+  const double offDeg =
+      std::fabs(std::remainder(state.longitude - record.centralMeridianDeg, 360.0));
+  if (offDeg <= (state.latitude < kExceptionsFromDeg ? 3.5 : 6.5)) return {};
+  return "The position is " + FixedNumber(offDeg, 1) +
+         " degrees of longitude from the middle of the zone of the job's coordinate system, which "
+         "reaches 3. Is it the right one?";
+}
+
 // Zones that count from the equator have one false northing north of it and another one south.
 std::string HemisphereWarning(const CTrgCalculator& calculator, const GnssPositionState& state) {
   constexpr double kSouthernNorthingM = 1.0e7;
@@ -81,6 +100,9 @@ std::vector<std::string> PlaceWarnings(Job& job, const CTrgCalculator& calculato
         (stretch > 1.0 ? " % longer" : " % shorter") +
         " than they are: the position is far outside the zone of the job's coordinate "
         "system. Is it the right one?");
+  } else if (std::string zone = ZoneWarning(calculator, state);
+             !calculator.steps().localization && !zone.empty()) {
+    warnings.push_back(std::move(zone));
   }
   if (std::string hemisphere = HemisphereWarning(calculator, state); !hemisphere.empty()) {
     warnings.push_back(std::move(hemisphere));

@@ -242,6 +242,18 @@ TEST_F(Collecting, WarnsOfAPlaceWhereTheJobCannotBe) {
   EXPECT_THAT(told, HasSubstr("km from point 1 of the job"));
 }
 
+// Its coordinates look like any others: the scale is 0.2 % off.
+TEST_F(Collecting, WarnsOfTheNeighbouringZone) {
+  std::string beside(kUtm32);
+  beside.replace(beside.find("\"central_meridian\",9"), 20, "\"central_meridian\",15");
+  calculator.ParseDefinition(beside, nullptr);
+  connections = {{Epoch(1) + Epoch(2)}};
+  EXPECT_EQ(Run(), SessionEnd::Complete);
+  std::string told;
+  for (const SessionWarning& warning : listener.Of<SessionWarning>()) told += warning.sentence;
+  EXPECT_THAT(told, HasSubstr("degrees of longitude from the middle of the zone"));
+}
+
 // Each step that changed the height is called by its name.
 TEST_F(Collecting, TellsHowTheHeightBecameTheElevation) {
   class HeightShift final : public DatumShift {
