@@ -2,7 +2,10 @@
 
 #include <string>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
+#include "app/workflow/put_back_records.h"
 #include "core/raw_data/raw_fields.h"
 #include "core/text/text.h"
 
@@ -70,21 +73,32 @@ bool Changes(std::string_view rawFile) {
 
 PointIdSet PointsOfEarlierFrames(std::string_view rawFile, bool alphanumeric) {
   if (!Changes(rawFile)) return {};
-  std::unordered_map<PointId, Frame, PointIdHash> made;
+  // Of each point its measurements, of which the last may be taken back.
+  std::unordered_map<PointId, std::vector<Frame>, PointIdHash> made;
+  PutBackRecords putBack;
+  bool again = false;
   Frame frame;
   while (const auto line = TakeLine(rawFile)) {
     if (TakeLineOfFrame(*line, frame)) continue;
+    again = putBack.Take(*line) || (again && line->starts_with("--"));
     if (RawCode(*line) == "--GS") {
-      if (const auto id = RawField(*line, "PN")) {
-        made.insert_or_assign(HistoryKey(*id, alphanumeric), frame);
-      }
+      const auto id = RawField(*line, "PN");
+      if (!id) continue;
+      std::vector<Frame>& frames = made[HistoryKey(*id, alphanumeric)];
+      if (frames.empty()) frames.push_back(frame);
+      if (!std::exchange(again, false)) frames.back() = frame;
+    } else if (const auto gone = TakenBackPointId(*line)) {
+      std::vector<Frame>& frames = made[HistoryKey(*gone, alphanumeric)];
+      if (!frames.empty()) frames.pop_back();
     } else if (const auto id = StoredPointId(*line)) {
-      made.erase(HistoryKey(*id, alphanumeric));
+      std::vector<Frame>& frames = made[HistoryKey(*id, alphanumeric)];
+      if (!line->starts_with("GPS,")) frames.clear();
+      if (line->starts_with("GPS,") && !again) frames.push_back(frame);
     }
   }
   PointIdSet earlier;
-  for (const auto& [id, of] : made) {
-    if (!(of == frame)) earlier.insert(id);
+  for (const auto& [id, frames] : made) {
+    if (!frames.empty() && !(frames.back() == frame)) earlier.insert(id);
   }
   return earlier;
 }

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/workflow/put_back_records.h"
 #include "core/raw_data/raw_fields.h"
 #include "core/raw_data/raw_file.h"
 #include "core/text/number_text.h"
@@ -18,23 +19,25 @@ double Angle(std::string_view packed) {
   return PackedToDegrees(LeadingDouble(packed)) * kRadiansPerDegree;
 }
 
-// Hands every point with a position to `visit`: its id as the record has it, and the position. The
-// ids of stores that were taken back go to `takeBack`.
+// Hands every point with a position to `visit`: its id as the record has it, the position, and
+// whether it is only put back. The ids of stores that were taken back go to `takeBack`.
 template <typename Visit, typename TakeBack>
 void ForEachPosition(std::string_view rawFile, DistanceUnit unit, Visit visit, TakeBack takeBack) {
   double rodM = 0.0;
+  PutBackRecords putBack;
   while (const auto line = TakeLine(rawFile)) {
     if (line->starts_with("LS,")) {
       if (const auto rod = RawField(*line, "HR")) rodM = ToMetres(LeadingDouble(*rod), unit);
     }
     if (const auto id = TakenBackPointId(*line)) takeBack(*id);
+    const bool again = putBack.Take(*line);
     if (!line->starts_with("GPS,")) continue;
     const auto id = RawField(*line, "PN");
     const auto latitude = RawField(*line, "LA");
     const auto longitude = RawField(*line, "LN");
     const auto height = RawField(*line, "EL");
     if (!id || !latitude || !longitude || !height) continue;
-    visit(*id, Geodetic{Angle(*latitude), Angle(*longitude), LeadingDouble(*height) - rodM});
+    visit(*id, Geodetic{Angle(*latitude), Angle(*longitude), LeadingDouble(*height) - rodM}, again);
   }
 }
 
@@ -52,8 +55,10 @@ std::optional<Geodetic> FindRawPosition(std::string_view rawFile, std::string_vi
   std::vector<Geodetic> found;
   ForEachPosition(
       rawFile, unit,
-      [&](std::string_view id, const Geodetic& position) {
-        if (EqualsIgnoringCase(id, pointId)) found.push_back(position);
+      [&](std::string_view id, const Geodetic& position, bool again) {
+        if (!EqualsIgnoringCase(id, pointId)) return;
+        if (again && !found.empty()) found.pop_back();
+        found.push_back(position);
       },
       [&](std::string_view id) {
         if (EqualsIgnoringCase(id, pointId) && !found.empty()) found.pop_back();
@@ -66,9 +71,10 @@ RawPositions AllRawPositions(std::string_view rawFile, DistanceUnit unit) {
   std::unordered_map<std::string, std::vector<Geodetic>> earlier;
   ForEachPosition(
       rawFile, unit,
-      [&](std::string_view id, const Geodetic& position) {
+      [&](std::string_view id, const Geodetic& position, bool again) {
         const auto [at, isNew] = positions.try_emplace(UpperCase(id), position);
-        if (!isNew) earlier[at->first].push_back(std::exchange(at->second, position));
+        const Geodetic before = std::exchange(at->second, position);
+        if (!isNew && !again) earlier[at->first].push_back(before);
       },
       [&](std::string_view id) {
         const auto at = positions.find(UpperCase(id));

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "app/workflow/put_back_records.h"
 #include "core/coordinates/point_store.h"
 #include "core/points/point_key.h"
 #include "core/raw_data/raw_fields.h"
@@ -31,9 +32,11 @@ struct Measurement {
 std::vector<Measurement> MeasurementsOf(std::string_view rawFile, std::string_view pointId) {
   std::vector<Measurement> found;
   std::string_view rod;
+  PutBackRecords putBack;
   bool last = false;  // the record before was of this point
   while (const auto line = TakeLine(rawFile)) {
     if (line->starts_with("LS,")) rod = *line;
+    const bool again = putBack.Take(*line);
     if (const auto id = TakenBackPointId(*line); id == pointId && !found.empty()) found.pop_back();
     // Behind the position, or later where the point was computed anew.
     if (line->starts_with("--GS,") && RawField(*line, "PN") == pointId && !found.empty()) {
@@ -43,6 +46,7 @@ std::vector<Measurement> MeasurementsOf(std::string_view rawFile, std::string_vi
     }
     if (line->starts_with("--")) continue;
     last = line->starts_with("GPS,") && StoredPointId(*line) == pointId;
+    if (last && again && !found.empty()) found.pop_back();
     if (last) found.push_back({.rod = rod, .position = *line, .grid = {}, .quality = {}});
   }
   return found;

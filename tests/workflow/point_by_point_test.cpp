@@ -1,16 +1,20 @@
 // A person who collects point by point: what commands do in every state of the session.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
 
 #include "app/workflow/collect_session.h"
 #include "app/workflow/job_check.h"
 #include "app/workflow/job_codes.h"
+#include "app/workflow/point_frames.h"
 #include "app/workflow/point_storing.h"
 #include "app/workflow/raw_positions.h"
 #include "core/coordinates/point_list.h"
+#include "core/observations/job_unit.h"
 #include "core/observations/next_id.h"
+#include "core/raw_data/raw_records.h"
 #include "core/text/number_text.h"
 #include "tests/workflow/field_site.h"
 
@@ -243,6 +247,42 @@ TEST_F(PointByPoint, PutsBackTheMeasurementThatAStoreHadReplaced) {
   EXPECT_EQ(Points()[1].at, (GridPoint{1, 2, 3}));
   EXPECT_EQ(Points()[1].description.view(), "typed");
   EXPECT_THAT(Notes(), testing::Not(HasSubstr("PT_ID:B1\n")));
+  ExpectWholeJob();
+}
+
+// The point stays what it was, also in the eyes of what reads the raw file.
+TEST_F(PointByPoint, PutsBackTheFirstMeasurementBehindTwoStores) {
+  session->setPolicy(ExistingPolicy::Overwrite);
+  const auto walk = [&](std::initializer_list<int> stores, std::initializer_list<int> takenBack) {
+    session->job().ids.current = "1";
+    (void)Walk(12, 1.0, [&](int seen) {
+      if (std::count(stores.begin(), stores.end(), seen) > 0) commands.Send(StoreNow{});
+      if (std::count(takenBack.begin(), takenBack.end(), seen) > 0) commands.Send(TakeBack{});
+      commands.Send(SetNextId{"1"});
+    });
+  };
+  const auto position = [&] { return FindRawPosition(Raw(), "1", DistanceUnit::Metres); };
+  walk({2, 4}, {6, 8});
+  ASSERT_EQ(listener.Of<PointTakenBack>().size(), 2U);
+  EXPECT_TRUE(Points().empty());
+  EXPECT_FALSE(position());
+  EXPECT_TRUE(AllRawPositions(Raw(), DistanceUnit::Metres).empty());
+  walk({2}, {});
+  const Point first = Points()[0];
+  const std::string notes = Notes();
+  const double latitude = position()->latitudeRad;
+  {
+    const auto unit = JobUnit::Begin(session->job());
+    ASSERT_TRUE(unit);
+    unit->AppendRaw(CommentRecord("Localization: 1 point"));
+    ASSERT_EQ(unit->Commit(), ChangeResult::Done);
+  }
+  walk({2, 4}, {6, 8});
+  ASSERT_EQ(listener.Of<PointTakenBack>().size(), 4U);
+  EXPECT_EQ(Points()[0], first);
+  EXPECT_EQ(Notes(), notes);
+  EXPECT_EQ(position()->latitudeRad, latitude);
+  EXPECT_TRUE(PointsOfEarlierFrames(Raw(), true).contains(PointId("1")));
   ExpectWholeJob();
 }
 
