@@ -17,6 +17,7 @@ constexpr std::string_view kControl = "--Localization control changed";
 constexpr std::string_view kSystem = "--Coordinate System: ";
 constexpr std::string_view kShift = "--Setting: datum_shift";
 constexpr std::string_view kShiftOfTitle = ", datum shift ";
+constexpr std::string_view kWas = ", was ";
 constexpr std::string_view kOff = "off";
 
 // What coordinates are made of, as the raw file has it.
@@ -33,6 +34,23 @@ struct Frame {
   }
 };
 
+// The datum shift behind "--Setting: datum_shift": "=TOWGS84=1,2,3, was NONE", " removed, was
+// NONE".
+std::string_view ShiftOf(std::string_view setting) {
+  const std::string_view now = setting.substr(0, setting.find(kWas));
+  return now.starts_with('=') ? now.substr(1) : std::string_view();
+}
+
+// The datum shift that the job began with.
+std::string_view FirstShift(std::string_view rawFile) {
+  const std::size_t at = rawFile.find(kShift);
+  if (at == std::string_view::npos) return {};
+  std::string_view rest = rawFile.substr(at);
+  const std::string_view line = TakeLine(rest).value_or("");
+  const std::size_t was = line.find(kWas);
+  return was == std::string_view::npos ? std::string_view() : line.substr(was + kWas.size());
+}
+
 // True when the line told of the frame.
 bool TakeLineOfFrame(std::string_view line, Frame& frame) {
   if (line == kControl) {
@@ -43,8 +61,7 @@ bool TakeLineOfFrame(std::string_view line, Frame& frame) {
     const std::string_view title = line.substr(kSystem.size());
     frame.system = title.substr(0, title.find(kShiftOfTitle));
   } else if (line.starts_with(kShift)) {
-    const std::string_view value = line.substr(kShift.size());
-    frame.shift = value.substr(0, value.find(", was "));
+    frame.shift = ShiftOf(line.substr(kShift.size()));
   } else {
     return false;
   }
@@ -77,7 +94,7 @@ PointIdSet PointsOfEarlierFrames(std::string_view rawFile, bool alphanumeric) {
   std::unordered_map<PointId, std::vector<Frame>, PointIdHash> made;
   PutBackRecords putBack;
   bool again = false;
-  Frame frame;
+  Frame frame{.shift = FirstShift(rawFile)};
   while (const auto line = TakeLine(rawFile)) {
     if (TakeLineOfFrame(*line, frame)) continue;
     again = putBack.Take(*line) || (again && line->starts_with("--"));

@@ -220,5 +220,20 @@ TEST_F(MeasuredJob, MarksWhatAnotherLocalizationMade) {
   EXPECT_THAT(marked(), ElementsAre("1", "2"));
 }
 
+TEST_F(MeasuredJob, MarksNothingWhenTheDatumShiftIsWhatItWas) {
+  Collect(1);
+  const std::string begun = Raw();
+  const auto marks = [&] { return PointsOfEarlierFrames(Raw(), true).size(); };
+  Comment("Setting: datum_shift=TOWGS84=100,0,0");
+  EXPECT_EQ(marks(), 1U);
+  Comment("Setting: datum_shift removed, was TOWGS84=100,0,0");
+  EXPECT_EQ(marks(), 0U);
+  memory.Put("/jobs/site.rw5", begun);
+  Comment("Setting: datum_shift removed, was TOWGS84=1,0,0");
+  EXPECT_EQ(marks(), 1U);
+  Comment("Setting: datum_shift=TOWGS84=1,0,0");
+  EXPECT_EQ(marks(), 0U);
+}
+
 }  // namespace
 }  // namespace tarvex
