@@ -63,7 +63,9 @@ CorrectionChoice WithSettings(CorrectionChoice choice, const Settings& settings,
                           : settings.GetOr("ntrip_version", "") == "2" ? 2
                                                                        : 0;
   }
-  if (choice.passwordFile.empty()) choice.passwordFile = settings.GetOr("password_file", "");
+  if (choice.passwordFile.empty() && IsPasswordFor(choice.address, settings)) {
+    choice.passwordFile = settings.GetOr("password_file", "");
+  }
   return choice;
 }
 

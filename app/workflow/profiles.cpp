@@ -67,6 +67,13 @@ std::string NoProfile(const std::string& name) {
                           : "; did you mean " + nearest + "?");
 }
 
+// "ntrip://me@caster.example:2101", of an address with a mountpoint behind it.
+std::string_view LoginOf(std::string_view address) {
+  const std::size_t scheme = address.find("://");
+  if (scheme == std::string_view::npos) return address;
+  return address.substr(0, address.find('/', std::max(scheme + 3, address.rfind('@') + 1)));
+}
+
 }  // namespace
 
 std::string ProfileFolder() {
@@ -160,13 +167,20 @@ bool DeleteProfile(FileSystem& files, const std::string& name, std::string& prob
   return isThere && status.ok();
 }
 
+bool IsPasswordFor(std::string_view address, const Settings& settings) {
+  const auto kept = settings.Get("corrections");
+  return !kept || LoginOf(address) == LoginOf(*kept);
+}
+
 Settings WithProfile(const Settings& job, const Settings& profile, DistanceUnit jobUnit) {
   Settings merged = job;
+  const auto ownCaster = job.Get("corrections");
   const DistanceUnit unit =
       ParseUnit(profile.GetOr("units", "metres")).value_or(DistanceUnit::Metres);
   for (const auto& [key, value] : profile.Entries()) {
     const KnownSetting* const setting = FindSetting(key);
     if (setting == nullptr || setting->use != SettingUse::Session || job.Get(key)) continue;
+    if (key == "password_file" && ownCaster && !IsPasswordFor(*ownCaster, profile)) continue;
     const auto length = setting->isLength ? ParseNumber(value) : std::nullopt;
     const bool isOther = length && unit != jobUnit;
     merged.Set(key, isOther ? FixedNumber(FromMetres(ToMetres(*length, unit), jobUnit), 6) : value);

@@ -32,6 +32,10 @@ std::vector<std::string> SaveProfile(FileSystem& files, const std::string& name,
 /// False with a sentence in `problem`.
 [[nodiscard]] bool DeleteProfile(FileSystem& files, const std::string& name, std::string& problem);
 
+/// A kept password is for the user and the caster that are kept with it; another caster is not told
+/// it. True as well when the settings keep no caster.
+bool IsPasswordFor(std::string_view address, const Settings& settings);
+
 /// What holds with this job and this profile: the job's own settings, and of the profile those that
 /// the job does not have. Lengths of the profile come in the unit of the job.
 Settings WithProfile(const Settings& job, const Settings& profile, DistanceUnit jobUnit);

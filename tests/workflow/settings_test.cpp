@@ -188,6 +188,21 @@ TEST_F(Profiles, GiveWhatTheJobDoesNotSay) {
   EXPECT_THAT(ProfileNames(), IsEmpty());
 }
 
+TEST_F(Profiles, KeepAPasswordForTheirOwnCaster) {
+  const Settings office("password_file=/pw\ncorrections=ntrip://me@office.example:2101/NEAR\n");
+  EXPECT_TRUE(IsPasswordFor("ntrip://me@office.example:2101/FAR", office));
+  EXPECT_FALSE(IsPasswordFor("ntrip://me@office.example/FAR", office));  // another port
+  EXPECT_FALSE(IsPasswordFor("ntrip://me@elsewhere.example:2101/NEAR", office));
+  EXPECT_FALSE(IsPasswordFor("ntrip://you@office.example:2101/NEAR", office));
+  EXPECT_TRUE(IsPasswordFor("ntrip://me@elsewhere.example/NEAR", Settings("password_file=/pw\n")));
+  const auto merged = [&](const char* job) {
+    return WithProfile(Settings(job), office, DistanceUnit::Metres).GetOr("password_file", "");
+  };
+  EXPECT_EQ(merged(""), "/pw");
+  EXPECT_EQ(merged("corrections=ntrip://me@office.example:2101/FAR\n"), "/pw");
+  EXPECT_EQ(merged("corrections=ntrip://me@elsewhere.example/NEAR\n"), "");
+}
+
 // Somebody relies on a limit of his profile: one that is not understood must not turn into none.
 TEST_F(Profiles, AreRefusedWithWhatMakesNoSense) {
   EXPECT_THAT(SaveProfile(files, "a", {{"gate_hrm", "0.02"}, {"units", "ells"}, {"name", "x"}}),
