@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/workflow/raw_history.h"
 #include "app/workflow/raw_positions.h"
 #include "core/coordinates/point_list.h"
 
@@ -55,9 +56,14 @@ StoredCoordinates CompareStoredCoordinates(Job& job, const CTrgCalculator& now) 
   std::string problem;
   if (points.empty() || !ReadRawFile(job, raw, problem)) return found;
   const RawPositions positions = AllRawPositions(raw, job.options.unit);
+  const RawHistory history = ReadRawHistory(raw, job.store.alphanumeric);
   for (const Point& point : points) {
+    const auto told = history.points.find(point.id);
     const auto position = positions.find(point.id.str());
-    if (position == positions.end()) continue;
+    // What was typed over a measured point is not where that was.
+    const bool isMeasured =
+        told != history.points.end() && told->second.last == PointHistory::Last::Position;
+    if (!isMeasured || position == positions.end()) continue;
     ++found.positions;
     GridPoint made;
     const CalculationResult result = now.ToGrid(position->second, made);

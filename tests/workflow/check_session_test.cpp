@@ -11,6 +11,7 @@
 #include "app/workflow/point_frames.h"
 #include "app/workflow/point_recompute.h"
 #include "app/workflow/point_storing.h"
+#include "app/workflow/stored_coordinates.h"
 #include "core/coordinates/point_list.h"
 #include "core/coordinates/point_store.h"
 #include "core/observations/job_unit.h"
@@ -218,6 +219,20 @@ TEST_F(MeasuredJob, MarksWhatAnotherLocalizationMade) {
   Comment("Localization control changed");
   Comment("Localization: 1 point");
   EXPECT_THAT(marked(), ElementsAre("1", "2"));
+}
+
+TEST_F(MeasuredJob, IsNotHeldAgainstThePositionThatATypedPointReplaced) {
+  Collect(2);
+  session->setPolicy(ExistingPolicy::Overwrite);
+  ASSERT_TRUE(StoreTypedPoint(*session, {.id = "1", .at = {1, 2, 3}, .description = "typed"})
+                  .problem.empty());
+  MoveSystem();
+  const StoredCoordinates found = CompareStoredCoordinates(session->job(), calculator);
+  EXPECT_EQ(found.elsewhere, 1U);  // the measured one, which can be computed anew
+  EXPECT_EQ(found.example, "2");
+  const auto plan = PlanRecompute(*session, calculator, {});
+  ASSERT_TRUE(plan);
+  EXPECT_EQ(plan->moved.size(), 1U);
 }
 
 TEST_F(MeasuredJob, MarksNothingWhenTheDatumShiftIsWhatItWas) {
