@@ -49,11 +49,13 @@ void CollectView::Show(const PointStored& stored) {
                      FixedNumber(stored.point.at.elevation, kGridDecimals) + "  (" +
                      StateText(stored.state);
   if (stored.mean) {
-    const auto metres = [](double value) { return FixedNumber(value, kPrecisionDecimals) + " m"; };
+    const auto length = [&](double valueM) {
+      return FixedNumber(FromMetres(valueM, stored.unit), kPrecisionDecimals);
+    };
     line += ", mean of " + std::to_string(stored.mean->epochs) + ": scatter N " +
-            metres(stored.mean->scatterNorth) + ", E " + metres(stored.mean->scatterEast) +
-            ", EL " + metres(stored.mean->scatterUp) + ", farthest " +
-            metres(stored.mean->farthest);
+            length(stored.mean->scatterNorth) + ", E " + length(stored.mean->scatterEast) +
+            ", EL " + length(stored.mean->scatterUp) + ", farthest " +
+            length(stored.mean->farthest);
   }
   line += ")";
   if (!stored.overridden.empty()) line += " Limit overridden: " + stored.overridden;

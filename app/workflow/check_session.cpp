@@ -30,8 +30,7 @@ bool CheckSession::Compare() {
   const GnssPositionState measured = collected().state;
   DropPoint();
   if (place.result != CalculationResult::Done) {
-    const char* what = place.usable() ? "" : "The position has no grid coordinates: ";
-    WarnOnce(what + CalculationText(place.result, place.steps));
+    WarnOnce(place.usable() ? CalculationText(place.result, place.steps) : NoGridText(place));
     if (!place.usable()) return true;
   }
   for (const std::string& warning : PositionWarnings(measured, !plan().receiver.settings.noRms)) {

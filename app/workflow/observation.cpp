@@ -67,6 +67,13 @@ NoteEdit QualityNote(const Observation& observation, const Point& stored, const 
 
 }  // namespace
 
+std::string NoGridText(const GridPosition& position) {
+  return "The position has no grid coordinates: " +
+         CalculationText(position.result, position.steps) +
+         " Is the job's coordinate system the one of this place, and are its files there "
+         "(tarvex settings JOB.crd system)?";
+}
+
 GridPosition PlaceOnGrid(const GnssPositionState& state, const CTrgCalculator& calculator,
                          double antennaHeight, DistanceUnit unit) {
   GridPosition position;

@@ -23,6 +23,9 @@ struct GridPosition {
   }
 };
 
+/// Why a position that is not usable has no grid coordinates, and what to look at.
+std::string NoGridText(const GridPosition& position);
+
 /// `antennaHeight` is in the job's unit.
 GridPosition PlaceOnGrid(const GnssPositionState& state, const CTrgCalculator& calculator,
                          double antennaHeight, DistanceUnit unit);

@@ -266,10 +266,8 @@ bool ReceiverSession::StorePoint(const std::string& description,
   storeWanted_ = false;
   const GridPosition& position = observation.position;
   if (position.result != CalculationResult::Done) {
-    failed_ = failed_ || !position.usable();
-    const char* what = position.usable() ? "" : "The position has no grid coordinates: ";
-    WarnOnce(what + CalculationText(position.result, position.steps));
-    if (!position.usable()) return point_ = {}, plan_.receiver.isRecorded();
+    if (!position.usable()) return RefusePlace(position);
+    WarnOnce(CalculationText(position.result, position.steps));
   }
   for (const std::string& warning : PositionWarnings(point_.state, observation.expectsPrecision))
     WarnOnce(warning);
@@ -282,6 +280,18 @@ bool ReceiverSession::StorePoint(const std::string& description,
   // epochs to make the files durable.
   const Settling settling = plan_.receiver.takesCorrections() ? Settling::Now : Settling::Later;
   return TakeStored(StoreObservation(session_, observation, settling), wanted);
+}
+
+// A recording is read on: its next positions may lie elsewhere.
+bool ReceiverSession::RefusePlace(const GridPosition& position) {
+  point_ = {};
+  failed_ = true;
+  if (plan_.receiver.isRecorded()) {
+    WarnOnce(NoGridText(position));
+    return true;
+  }
+  Problem(NoGridText(position));
+  return false;
 }
 
 void ReceiverSession::CheckPlace(const GridPoint& at) {
@@ -314,7 +324,8 @@ bool ReceiverSession::TakeStored(const StoredPoint& stored, const std::string& w
   ++stored_;
   base_.Recorded();
   KeepForTakingBack(stored);
-  Tell(PointStored{stored.point, point_.state, point_.mean, point_.overridden, stored.replaced});
+  Tell(PointStored{stored.point, point_.state, point_.mean, point_.overridden, stored.replaced,
+                   job_.options.unit});
   point_ = {};
   AdvanceId();
   return stored.result == StoringResult::Stored;

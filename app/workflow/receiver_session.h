@@ -143,6 +143,7 @@ class ReceiverSession {
   void AdvanceId();
   void KeepForTakingBack(const StoredPoint& stored);
   std::optional<double> DistanceFromLast() const;
+  bool RefusePlace(const GridPosition& position);
   void CheckPlace(const GridPoint& at);
   void Settle();
 

@@ -8,6 +8,7 @@
 #include <variant>
 
 #include "core/points/point.h"
+#include "core/units/units.h"
 #include "gnss/corrections/correction_status.h"
 #include "gnss/position/position_state.h"
 #include "gnss/quality/averaging.h"
@@ -36,10 +37,11 @@ struct PositionSeen {
 /// A point, its observation and its note are on disk.
 struct PointStored {
   Point point;
-  GnssPositionState state;               ///< one epoch, or the mean of several
-  std::optional<AveragedPosition> mean;  ///< of several
-  std::string overridden;                ///< the limit that was not kept, in a sentence
-  std::optional<Point> replaced;         ///< the point of this id that there was
+  GnssPositionState state;                   ///< one epoch, or the mean of several
+  std::optional<AveragedPosition> mean;      ///< of several
+  std::string overridden;                    ///< the limit that was not kept, in a sentence
+  std::optional<Point> replaced;             ///< the point of this id that there was
+  DistanceUnit unit = DistanceUnit::Metres;  ///< of the job
 };
 
 /// A store of this session was taken back: the point is gone, or is what it was before.

@@ -44,8 +44,7 @@ bool StakeSession::TakeEpoch(const std::optional<GateRefusal>& refusal) {
   const GridPosition position = Place();
   if (!position.usable()) {
     onStake_ = gate_.Update(0.0, {}, false);
-    WarnOnce("The position has no grid coordinates: " +
-             CalculationText(position.result, position.steps));
+    WarnOnce(NoGridText(position));
     return true;
   }
   return !Show(PositionOf(position, state())) || StoreIfWanted(refusal);
