@@ -173,7 +173,7 @@ void ConvertInBatches(const CTrgCalculator& calculator, ConversionWay way, bool 
 }  // namespace
 
 OrProblem<LineNumbers> ReadPosition(std::string_view text) {
-  const auto numbers = ReadNumbers(text, ConversionWay::ToGrid);
+  auto numbers = ReadNumbers(text, ConversionWay::ToGrid);
   std::string problem;
   if (numbers && !OnEarth(text, *numbers, problem)) return ProblemOf(problem);
   return numbers;
