@@ -31,24 +31,29 @@ def pieces(got, sent):
     return count
 
 
-expected = int(sys.argv[1])
-raw = data("site.rw5")
-notes = data("site.not")
-got = data("corrections.got")
-results = [
-    ("points stored", data("collect.out").count(b"\nPoint ") + data("collect.out").startswith(b"Point "), expected),
-    ("GPS records in the raw file", raw.count(b"\nGPS,"), expected),
-    ("grid comments in the raw file", raw.count(b"\n--GS,"), expected),
-    ("quality comments in the raw file", raw.count(b"\n--HRMS:"), expected),
-    ("blocks in the notes", notes.count(b"PT_ID:"), expected),
-    ("the stream log is what was sent", data("stream.log") == data("rover.log"), True),
-    ("stretches of corrections at the receiver", pieces(got, data("corrections.rtcm")), 3),
-]
-bad = 0
-for name, value, wanted in results:
-    ok = value == wanted
-    bad += not ok
-    print("%-4s %s: %s (wanted %s)" % ("ok" if ok else "BAD", name, value, wanted))
-print("%d bytes of corrections reached the receiver" % len(got))
-print(data("collect.err").decode())
-sys.exit(1 if bad else 0)
+def main():
+    expected = int(sys.argv[1])
+    raw = data("site.rw5")
+    notes = data("site.not")
+    got = data("corrections.got")
+    results = [
+        ("points stored", data("collect.out").count(b"\nPoint ") + data("collect.out").startswith(b"Point "), expected),
+        ("GPS records in the raw file", raw.count(b"\nGPS,"), expected),
+        ("grid comments in the raw file", raw.count(b"\n--GS,"), expected),
+        ("quality comments in the raw file", raw.count(b"\n--HRMS:"), expected),
+        ("blocks in the notes", notes.count(b"PT_ID:"), expected),
+        ("the stream log is what was sent", data("stream.log") == data("rover.log"), True),
+        ("stretches of corrections at the receiver", pieces(got, data("corrections.rtcm")), 3),
+    ]
+    bad = 0
+    for name, value, wanted in results:
+        ok = value == wanted
+        bad += not ok
+        print("%-4s %s: %s (wanted %s)" % ("ok" if ok else "BAD", name, value, wanted))
+    print("%d bytes of corrections reached the receiver" % len(got))
+    print(data("collect.err").decode())
+    sys.exit(1 if bad else 0)
+
+
+if __name__ == "__main__":
+    main()
