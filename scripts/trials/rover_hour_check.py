@@ -76,7 +76,9 @@ class Judge:
         for session in self.hour["sessions"]:
             names = [(a or b).decode() for a, b in REPORTED.findall(data(session["output"]))]
             reported += names
-            self.say(len(names) > 0 and session["code"] == 0,
+            # A caster that is dead at the end of a session is told, and makes the exit code 1.
+            broke_off = b"ERROR: The corrections from " in data(session["output"])[-1000:]
+            self.say(len(names) > 0 and session["code"] == (1 if broke_off else 0),
                      "%s: %d points, exit code %d, %d keys, slowest answer %.1f s"
                      % (session["name"], len(names), session["code"], session["keys"], session["slowest"]))
         measured = {name for name, (kind, _) in self.job.raw.items() if kind == "measured"}
