@@ -19,7 +19,9 @@ from rover_check import pieces
 from rover_hour import REPORTED, ROOT
 from rover_hour_log import RATE
 
-MEASURED = re.compile(r"GPS,PN([^,]*),LA([\d.]+),LN([\d.]+),EL([-\d.]+),--.*\n--GS,.*\n--HRMS:([\d.]+), VRMS:([\d.]+), STATUS:(\w+)")
+MEASURED = re.compile(r"GPS,PN([^,]*),LA([\d.]+),LN([\d.]+),EL([-\d.]+),--.*\n--GS,.*\n"
+                      r"--HRMS:([\d.]+), VRMS:([\d.]+), STATUS:(\w+)")
+JOB_FILES = {"site.crd", "site.rw5", "site.not", "site.job"}
 HRMS_LIMIT = 0.02
 SAME_PLACE = 1e-10  # degrees; the epochs are 450 times as far from each other
 SETTLED_S, GROWTH_KB, SHARE = 300, 1024, 0.03
@@ -82,14 +84,16 @@ class Judge:
                      "%s: %d points, exit code %d, %d keys, slowest answer %.1f s"
                      % (session["name"], len(names), session["code"], session["keys"], session["slowest"]))
         measured = {name for name, (kind, _) in self.job.raw.items() if kind == "measured"}
-        self.say(not self.job.faults, "the three files say the same of %d points %s" % (len(self.job.points), self.job.faults[:5]))
+        self.say(not self.job.faults,
+                 "the three files say the same of %d points %s" % (len(self.job.points), self.job.faults[:5]))
         self.say(len(reported) == len(set(reported)), "no point was reported twice")
-        self.say(set(reported) <= measured, "%d points reported, missing: %s" % (len(reported), sorted(set(reported) - measured)[:10]))
+        self.say(set(reported) <= measured,
+                 "%d points reported, missing: %s" % (len(reported), sorted(set(reported) - measured)[:10]))
         self.say(measured <= set(reported), "stored and not reported: %s" % sorted(measured - set(reported))[:10])
-        check = subprocess.run([os.environ.get("TARVEX", os.path.join(ROOT, "build/release/app/tarvex")), "check", "site.crd"],
-                               capture_output=True, text=True)
+        tarvex = os.environ.get("TARVEX", os.path.join(ROOT, "build/release/app/tarvex"))
+        check = subprocess.run([tarvex, "check", "site.crd"], capture_output=True, text=True)
         self.say(check.returncode == 0, "check: " + (check.stdout + check.stderr).strip().replace("\n", " | ")[:400])
-        left = sorted(n for n in os.listdir(".") if n.startswith("site.") and n not in ("site.crd", "site.rw5", "site.not", "site.job"))
+        left = sorted(n for n in os.listdir(".") if n.startswith("site.") and n not in JOB_FILES)
         self.say(not left, "left beside the files: %s" % left)
 
     def gate(self):
@@ -170,13 +174,14 @@ class Judge:
         for session in self.hour["sessions"]:
             samples = session["samples"]
             settled = [s for s in samples if s[0] - samples[0][0] >= SETTLED_S]
-            share = (samples[-1][3] - samples[0][3]) / max(1, samples[-1][0] - samples[0][0])
+            seconds = samples[-1][0] - samples[0][0]
+            share = (samples[-1][3] - samples[0][3]) / max(1, seconds)
             growth = max(s[1] for s in settled) - settled[0][1] if settled else 0
             anonymous = max(s[2] for s in settled) - settled[0][2] if settled else 0
             self.say(growth < GROWTH_KB,
                      "%s: memory %d kB at first, %d at last (its own %d, %d); after five minutes it grew by %d (%d)"
                      % (session["name"], samples[0][1], samples[-1][1], samples[0][2], samples[-1][2], growth, anonymous))
-            self.say(share < SHARE, "%s: %.2f %% of one core in %.0f s" % (session["name"], 100 * share, samples[-1][0] - samples[0][0]))
+            self.say(share < SHARE, "%s: %.2f %% of one core in %.0f s" % (session["name"], 100 * share, seconds))
 
 
 def common(a, b):
