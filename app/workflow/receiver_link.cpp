@@ -69,6 +69,7 @@ bool ReceiverLink::TryAgain() {
   if (!lost_ || NextTryMs() > 0) return false;
   if (OpenPort()) {
     connection_.Reconnected();
+    ForgetQuality(state_);
     lost_ = false;
     return true;
   }

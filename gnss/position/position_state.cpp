@@ -6,6 +6,14 @@
 
 namespace tarvex {
 
+void ForgetQuality(GnssPositionState& state) {
+  state.hrms = state.vrms = 0.0;
+  state.precisionKnown = state.precisionCarriedOver = false;
+  state.precisionEpochMs = kNoEpoch;
+  state.pdop = state.hdop = state.vdop = state.tdop = 0.0;
+  state.ageOfCorrections = -1.0;
+}
+
 std::string ClockText(std::int32_t epochMs) {
   if (epochMs == kNoEpoch) return "no time";
   std::string text;

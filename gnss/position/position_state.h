@@ -74,6 +74,10 @@ struct GnssPositionState {
   std::uint64_t badChecksums = 0;       ///< sentences left out because of their checksum
 };
 
+/// What was told of precision, DOPs and corrections over one link says nothing of the next: none of
+/// it is known until it is told again.
+void ForgetQuality(GnssPositionState& state);
+
 /// "12:35:19", "12:35:19.500"; "no time" for kNoEpoch.
 std::string ClockText(std::int32_t epochMs);
 

@@ -40,6 +40,7 @@ struct GnssConnection {
 
   // What a reading leaves for the next one.
   std::int32_t acceptedEpochMs = kNoEpoch;
+  std::int32_t linkEpochMs = kNoEpoch;  ///< the same, of this link alone
   std::int64_t lastReadAtMs = -1;
   std::int64_t lastRequestAtMs = -1;
   std::int64_t noDopRequestBeforeMs = 0;
@@ -65,6 +66,7 @@ struct GnssConnection {
     streamText.clear();
     returnedLine.clear();
     precisionOrder = PrecisionOrder::Unknown;
+    linkEpochMs = kNoEpoch;
   }
 };
 

@@ -74,7 +74,7 @@ class NmeaReading {
   SentenceResult TakeLine(std::string_view line) {
     state_.sentenceReadAtMs = connection_.clock.SteadyMilliseconds();
     const SentenceResult result = reader_.Take(line, state_);
-    if (CarriesPrecision(reader_.last()) && PrecisionIsOf(connection_.acceptedEpochMs)) {
+    if (CarriesPrecision(reader_.last()) && PrecisionIsOf(connection_.linkEpochMs)) {
       connection_.precisionOrder = PrecisionOrder::Behind;
     }
     return result;
@@ -99,7 +99,7 @@ class NmeaReading {
 
   // What the position that has come says of the order of the sentences.
   void NoteOrder() {
-    const std::int32_t before = connection_.acceptedEpochMs;
+    const std::int32_t before = connection_.linkEpochMs;
     if (PrecisionIsOf(state_.epochMs)) {
       connection_.precisionOrder = PrecisionOrder::Before;
     } else if (connection_.precisionOrder == PrecisionOrder::Unknown && before != kNoEpoch &&

@@ -42,7 +42,7 @@ GnssReadResult Finish(GnssPositionState& state, GnssConnection& connection, int 
   state.precisionCarriedOver =
       state.precisionEpochMs != kNoEpoch && state.precisionEpochMs != state.epochMs;
   if (!acceptance.Accepts(state, receiverType)) return GnssReadResult::Declined;
-  connection.acceptedEpochMs = state.epochMs;
+  connection.acceptedEpochMs = connection.linkEpochMs = state.epochMs;
   const std::int64_t nowMs = connection.clock.SteadyMilliseconds();
   if (state.positions > 0 && !state.repeatedEpoch) {
     state.positionIntervalMs = nowMs - state.positionReadAtMs;

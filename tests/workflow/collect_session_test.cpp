@@ -72,6 +72,28 @@ TEST_F(Collecting, GoesOnWhenALostReceiverIsBack) {
   EXPECT_EQ(listener.Of<ReceiverLost>()[0].nextTryMs, 1000);
 }
 
+// What the receiver told before it was lost says nothing of the positions after.
+TEST_F(Collecting, HoldsAReturnedReceiverAgainstItsOwnPrecision) {
+  const auto behind = [](int second, const std::string& hrms) {
+    const std::string epoch = Epoch(second, 4, hrms);
+    const std::size_t position = epoch.find("$GNGGA");
+    return epoch.substr(position) + epoch.substr(0, position);
+  };
+  const std::string without = Epoch(40).substr(Epoch(40).find("$GNGGA"));
+  plan.count = 0;
+  plan.gate.hrms = 0.02;
+  connections = {{behind(1, "0.010"), true},
+                 {behind(20, "0.300"), true},
+                 {behind(30, "0.015"), true},
+                 {without, true}};
+  plan.patienceMs = 20'000;
+  EXPECT_EQ(Run(), SessionEnd::NoPosition);
+  EXPECT_EQ(listener.Of<ReceiverBack>().size(), 3U);
+  std::vector<double> stored;
+  for (const PointStored& point : listener.Of<PointStored>()) stored.push_back(point.state.hrms);
+  EXPECT_EQ(stored, (std::vector<double>{0.010, 0.015}));
+}
+
 TEST_F(Collecting, EndsWhenItIsToldToWhileTheReceiverIsLost) {
   plan.count = 0;
   connections = {{Epoch(1), true}};
