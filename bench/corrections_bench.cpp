@@ -46,10 +46,11 @@ std::string Capture() {
 class NullSink final : public CorrectionSink {
  public:
   NullSink() { (void)SystemFiles().Open("/dev/null", FileAccess::ReadWrite, file_).ok(); }
-  bool Write(std::string_view bytes) override {
+  PortError Write(std::string_view bytes) override {
     if (count == 0) first = Clock_::now();
     count += bytes.size();
-    return file_ == nullptr || file_->WriteAt(0, bytes).ok();
+    const bool taken = file_ == nullptr || file_->WriteAt(0, bytes).ok();
+    return taken ? PortError::None : PortError::WriteFailed;
   }
 
   std::uint64_t count = 0;
@@ -154,9 +155,9 @@ class MessageCaster {
 // When a message arrived at the far end of whatever passes it on.
 class Arrival final : public CorrectionSink {
  public:
-  bool Write(std::string_view /*bytes*/) override {
+  PortError Write(std::string_view /*bytes*/) override {
     at_ = Clock_::now().time_since_epoch().count();
-    return true;
+    return PortError::None;
   }
   bool Await() {
     const auto start = Clock_::now();

@@ -17,18 +17,19 @@ constexpr std::int64_t kSilentUnknownMs = 5000;
 
 }  // namespace
 
-bool PortSink::Write(std::string_view bytes) {
+PortError PortSink::Write(std::string_view bytes) {
   std::uint32_t idleMs = 0;
   while (!bytes.empty()) {
-    if (idleMs >= kPatienceMs || (stop_ && stop_())) return false;
+    if (stop_ && stop_()) return PortError::Cancelled;
+    if (idleMs >= kPatienceMs) return PortError::WriteFailed;
     std::size_t written = 0;
     if (port_.WriteBeside(bytes, {.constantMs = kSliceMs}, written) != PortError::None) {
-      return false;
+      return PortError::WriteFailed;
     }
     bytes.remove_prefix(written);
     idleMs = written > 0 ? 0 : idleMs + kSliceMs;
   }
-  return true;
+  return PortError::None;
 }
 
 // Passes on what the client tells, and ends what takes longer than it may.
@@ -219,7 +220,8 @@ void CorrectionSession::TakeBytes(std::string_view bytes) {
   hasWorked_ = true;
   if (state_ != CorrectionState::Receiving) SetState(CorrectionState::Receiving);
   if (now - openedAtMs_ > kSteadyDataMs) backOff_.Reset();
-  const bool taken = sink_ == nullptr || sink_->Write(bytes);
+  const PortError written = sink_ == nullptr ? PortError::None : sink_->Write(bytes);
+  const bool taken = written == PortError::None;
   const std::uint64_t framesBefore = framer_.frames();
   const std::uint64_t damagedBefore = framer_.badCrcs();
   framer_.Feed(bytes, *this);
@@ -231,9 +233,10 @@ void CorrectionSession::TakeBytes(std::string_view bytes) {
     status_.bytes += bytes.size();
     if (taken && sink_ != nullptr) status_.bytesToReceiver += bytes.size();
     status_.badCrcs += framer_.badCrcs() - damagedBefore;
-    if (!taken) status_.cause = PortError::WriteFailed;
+    if (written == PortError::WriteFailed) status_.cause = written;
   }
   if (taken) return;
+  if (written == PortError::Cancelled) return Failed(written);
   connection_.Close();
   TryLater();
   SetState(CorrectionState::ReceiverFailed);

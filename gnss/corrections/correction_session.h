@@ -29,8 +29,8 @@ namespace tarvex {
 class CorrectionSink {
  public:
   virtual ~CorrectionSink() = default;
-  /// False when the receiver does not take them.
-  virtual bool Write(std::string_view bytes) = 0;
+  /// WriteFailed when the receiver does not take them, Cancelled when the end was asked for.
+  [[nodiscard]] virtual PortError Write(std::string_view bytes) = 0;
 };
 
 /// The receiver's own port, written beside the thread that reads it. A slow line is waited for as
@@ -39,7 +39,7 @@ class PortSink final : public CorrectionSink {
  public:
   /// `stop` ends the waiting within kSliceMs.
   explicit PortSink(Port& port, StopAsked stop = {}) : port_(port), stop_(std::move(stop)) {}
-  bool Write(std::string_view bytes) override;
+  PortError Write(std::string_view bytes) override;
 
   static constexpr std::uint32_t kSliceMs = 100;
   static constexpr std::uint32_t kPatienceMs = 5000;

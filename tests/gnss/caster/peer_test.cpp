@@ -40,9 +40,9 @@ std::string Capture() {
 }
 
 struct Received final : CorrectionSink {
-  bool Write(std::string_view piece) override {
+  PortError Write(std::string_view piece) override {
     bytes += piece;
-    return true;
+    return PortError::None;
   }
   std::string bytes;
 };

@@ -39,23 +39,23 @@ TEST(PortSink, WritesOnWhileTheReceiverTakesSomething) {
   PortSink sink(port, [&stopped] { return stopped; });
   device->writeLimit = 7;
   const std::string bytes = Capture("rtcm3.log");
-  EXPECT_TRUE(sink.Write(bytes));
+  EXPECT_EQ(sink.Write(bytes), PortError::None);
   EXPECT_EQ(device->written, bytes);
   device->writeLimit = 0;
-  EXPECT_FALSE(sink.Write(bytes)) << "nothing taken for so long is a failure";
+  EXPECT_EQ(sink.Write(bytes), PortError::WriteFailed) << "nothing taken for so long is a failure";
   device->writeLimit = 7;
   stopped = true;
-  EXPECT_FALSE(sink.Write(bytes));
+  EXPECT_EQ(sink.Write(bytes), PortError::Cancelled);
   EXPECT_EQ(device->written, bytes);
 }
 
 struct Sink final : CorrectionSink {
-  bool Write(std::string_view bytes) override {
+  PortError Write(std::string_view bytes) override {
     received += bytes;
-    return works;
+    return result;
   }
   std::string received;
-  bool works = true;
+  PortError result = PortError::None;
 };
 
 class Session : public testing::Test {
@@ -388,15 +388,28 @@ TEST_F(Session, NoticesSilenceAndOpensAnew) {
 
 TEST_F(Session, TellsAReceiverThatDoesNotTakeThem) {
   session.Attach(&sink, nullptr);
-  sink.works = false;
+  sink.result = PortError::WriteFailed;
   caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
   Steps(5);
   EXPECT_EQ(session.Status().state, CorrectionState::ReceiverFailed);
-  sink.works = true;
+  sink.result = PortError::None;
   caster.steps = {"ICY 200 OK\r\n" + kStationFrame};
   clock.milliseconds += session.Status().nextTryInMs;
   Steps(2);
   EXPECT_EQ(session.Status().state, CorrectionState::Receiving) << "it was only busy";
+}
+
+// What comes while a session ends is not written any more, and nothing broke off.
+TEST_F(Session, EndsInTheMiddleOfTheCorrectionsAsTheyFlowed) {
+  session.Attach(&sink, nullptr);
+  caster.steps = {"ICY 200 OK\r\n" + kStationFrame, kStationFrame};
+  Steps(2);
+  sink.result = PortError::Cancelled;
+  Steps(1);
+  EXPECT_EQ(session.Status().state, CorrectionState::Stopped);
+  EXPECT_TRUE(session.Status().flowing);
+  EXPECT_EQ(session.Status().cause, PortError::None);
+  EXPECT_EQ(session.Status().connections, 1);
 }
 
 }  // namespace
