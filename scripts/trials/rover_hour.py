@@ -252,7 +252,7 @@ class Keys:
         self.next = now + max(5, self.seconds[0] - 3)
 
 
-def run_session(hour, receiver, caster, kills, session, until, keys):
+def run_session(hour, receiver, kills, session, until, keys):
     sampled = 0.0
     while hour.now() < until and session.process.poll() is None:
         data = session.read(0.05)
@@ -323,9 +323,9 @@ def main():
             print("%7.1f  %s" % (hour.now(), name), flush=True)
             session = Session(hour, name.replace(" ", "-"), words, letter is not None)
             keys = Keys(session, chance, letter, seconds) if letter else None
-            kills = [Alternating(receiver, hour.now() + 0.75 * hour.every, hour.every, min(5.0, hour.every / 4)), caster_kills]
+            killed = Alternating(receiver, hour.now() + 0.75 * hour.every, hour.every, min(5.0, hour.every / 4))
             try:
-                run_session(hour, receiver, caster, kills, session, until, keys)
+                run_session(hour, receiver, [killed, caster_kills], session, until, keys)
             finally:
                 if session.process.poll() is None:
                     session.process.kill()

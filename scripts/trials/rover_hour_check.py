@@ -78,9 +78,10 @@ class Judge:
         for session in self.hour["sessions"]:
             names = [(a or b).decode() for a, b in REPORTED.findall(data(session["output"]))]
             reported += names
-            # A caster that is dead at the end of a session is told, and makes the exit code 1.
-            broke_off = b"ERROR: The corrections from " in data(session["output"])[-1000:]
-            self.say(len(names) > 0 and session["code"] == (1 if broke_off else 0),
+            # A receiver or caster that is dead at the end of a session is told, and makes the exit code 1.
+            end = data(session["output"])[-1000:]
+            dead = b"Stopped while the receiver was lost" in end or b"broke off: The caster has disconnected" in end
+            self.say(len(names) > 0 and session["code"] == (1 if dead else 0),
                      "%s: %d points, exit code %d, %d keys, slowest answer %.1f s"
                      % (session["name"], len(names), session["code"], session["keys"], session["slowest"]))
         measured = {name for name, (kind, _) in self.job.raw.items() if kind == "measured"}
